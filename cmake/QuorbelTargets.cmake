@@ -1,0 +1,39 @@
+# Every target of the project is made by one of the functions below, so that warnings, sanitizers and
+# include paths are the same everywhere.
+
+add_library(quorbel_options INTERFACE)
+target_include_directories(quorbel_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(quorbel_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wdouble-promotion
+    -Werror
+    # Sums are evaluated as written: results must be the same on every machine.
+    -ffp-contract=off)
+target_compile_definitions(quorbel_options INTERFACE QT_NO_KEYWORDS)
+if(QUORBEL_SANITIZE)
+    target_compile_options(quorbel_options INTERFACE
+        -fsanitize=${QUORBEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(quorbel_options INTERFACE -fsanitize=${QUORBEL_SANITIZE})
+endif()
+
+# quorbel_library(NAME SOURCES file... LINKS target...): a static library of one layer folder.
+# LINKS mirrors the layer table that scripts/check-layers guards.
+function(quorbel_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC quorbel_options ${ARG_LINKS})
+endfunction()
+
+# quorbel_test(NAME SOURCES file... LINKS target... [LABELS label...]): one GoogleTest program whose
+# cases ctest runs one by one.
+function(quorbel_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(${name} PRIVATE quorbel_options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 120)
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+        PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT ${ARG_TIMEOUT})
+endfunction()
