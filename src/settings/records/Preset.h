@@ -1,0 +1,38 @@
+#pragma once
+
+#include "settings/records/Date.h"
+#include "settings/records/EQBand.h"
+#include "settings/records/SpatialConfig.h"
+#include "settings/records/Uuid.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+/// A named snapshot of the bands and the spatial settings.
+struct Preset {
+    /// What the preset is tuned for, in the order of the groups in lists.
+    enum class Category { general, mr5, mr5Desk, bass, headphones, btSpeakers, genre, user };
+
+    static constexpr std::array allCategories{
+        Category::general,    Category::mr5,        Category::mr5Desk, Category::bass,
+        Category::headphones, Category::btSpeakers, Category::genre,   Category::user};
+
+    Uuid id; ///< random for the user's presets, fixed for those that ship with the program
+    std::string name;
+    Category category = Category::user;
+    Date createdAt;
+    std::vector<EQBand> bands;
+    SpatialConfig spatial;
+    std::string notes; ///< shown under the name
+
+    friend bool operator==(const Preset &, const Preset &) = default;
+};
+
+/// The name that lists show for a group.
+[[nodiscard]] std::string_view displayName(Preset::Category category);
+
+} // namespace quorbel
