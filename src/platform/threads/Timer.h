@@ -6,21 +6,21 @@
 
 namespace quorbel {
 
-/// Owns one timer of a clock: destroyed, reassigned or invalidated, it never fires again. The clock must
-/// outlive it. [main]
+/// Owns one timer of a clock: destroyed, reassigned or invalidated, it never fires again. The clock
+/// must outlive it. [main]
 class Timer {
   public:
     Timer() = default;
-    static Timer once(Clock& clock, double seconds, Clock::Task task) {
+    static Timer once(Clock &clock, double seconds, Clock::Task task) {
         return {clock, clock.after(seconds, std::move(task))};
     }
-    static Timer repeating(Clock& clock, double seconds, Clock::Task task) {
+    static Timer repeating(Clock &clock, double seconds, Clock::Task task) {
         return {clock, clock.every(seconds, std::move(task))};
     }
 
-    Timer(Timer&& other) noexcept
+    Timer(Timer &&other) noexcept
         : clock_(std::exchange(other.clock_, nullptr)), id_(std::exchange(other.id_, 0)) {}
-    Timer& operator=(Timer&& other) noexcept {
+    Timer &operator=(Timer &&other) noexcept {
         if (this != &other) {
             invalidate();
             clock_ = std::exchange(other.clock_, nullptr);
@@ -28,8 +28,8 @@ class Timer {
         }
         return *this;
     }
-    Timer(const Timer&) = delete;
-    Timer& operator=(const Timer&) = delete;
+    Timer(const Timer &) = delete;
+    Timer &operator=(const Timer &) = delete;
     ~Timer() { invalidate(); }
 
     void invalidate() {
@@ -43,9 +43,9 @@ class Timer {
     [[nodiscard]] bool isSet() const { return clock_ != nullptr; }
 
   private:
-    Timer(Clock& clock, Clock::TimerID id) : clock_(&clock), id_(id) {}
+    Timer(Clock &clock, Clock::TimerID id) : clock_(&clock), id_(id) {}
 
-    Clock* clock_ = nullptr;
+    Clock *clock_ = nullptr;
     Clock::TimerID id_ = 0;
 };
 

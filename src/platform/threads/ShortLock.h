@@ -1,0 +1,25 @@
+#pragma once
+
+#include <pthread.h>
+
+namespace quorbel {
+
+/// The only lock an audio thread may take: held for a short copy, never while another is held. A
+/// thread of low priority that holds it inherits the priority of the audio thread waiting for it,
+/// so the wait is as long as the copy and no longer. Not recursive. Use with std::lock_guard.
+class ShortLock {
+  public:
+    ShortLock() noexcept;
+    ~ShortLock() { pthread_mutex_destroy(&mutex_); }
+    ShortLock(const ShortLock &) = delete;
+    ShortLock &operator=(const ShortLock &) = delete;
+
+    void lock() noexcept { pthread_mutex_lock(&mutex_); }
+    bool try_lock() noexcept { return pthread_mutex_trylock(&mutex_) == 0; }
+    void unlock() noexcept { pthread_mutex_unlock(&mutex_); }
+
+  private:
+    pthread_mutex_t mutex_;
+};
+
+} // namespace quorbel
