@@ -1,0 +1,48 @@
+#pragma once
+
+#include "engine/ChainSettings.h"
+#include "platform/core/AudioBufferList.h"
+#include "platform/core/Status.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace quorbel {
+
+/// The processing chain without hardware: sound in, sound out, as fast as the machine can, on a
+/// clock that moves by exactly the frames rendered. Two runs over the same input give the same
+/// samples.
+///
+/// Sound is planar stereo at `sampleRate`, any number of frames per call; as many frames come out
+/// as go in, and what a stage delays stays delayed. All calls on the thread that made it.
+class OfflineRenderer {
+  public:
+    static constexpr double sampleRate = 48000.0; ///< Hz
+
+    /// Throws std::runtime_error if the chain cannot be started.
+    explicit OfflineRenderer(const ChainSettings &settings);
+    ~OfflineRenderer();
+    OfflineRenderer(const OfflineRenderer &) = delete;
+    OfflineRenderer &operator=(const OfflineRenderer &) = delete;
+
+    /// Changes the settings from the next block on, as a movement of the controls would: gains
+    /// glide, nothing restarts. The number of bands stays what it was at construction.
+    void apply(const ChainSettings &settings);
+
+    /// One block: `output` gets `input` processed; both hold two channels of `frames` frames and
+    /// may be the same. Then the clock moves by the block's length, and analyses that have fallen
+    /// due run.
+    Status render(const AudioBufferList &input, const AudioBufferList &output,
+                  std::uint32_t frames);
+
+    [[nodiscard]] std::uint64_t framesRendered() const;
+
+    /// Frames of the input so far in which a sample was not a finite number and was played as zero.
+    [[nodiscard]] std::uint64_t replacedFrames() const;
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace quorbel
