@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/core/AudioBufferList.h"
+#include "platform/core/RenderTime.h"
 #include "platform/core/Status.h"
 #include "platform/core/StreamFormat.h"
 
@@ -8,32 +9,33 @@
 
 namespace quorbel {
 
-/// Where a block stands in the stream.
-struct RenderTime {
-    std::int64_t sampleTime = 0; ///< frames rendered since the graph was started
-};
-
-/// One stage of the graph. A stage works in place: it finds its input in the buffers and leaves its output
-/// there (a source finds rubbish and fills them).
+/// One stage of the graph. A stage works in place: it finds its input in the buffers and leaves its
+/// output there (a source finds rubbish and fills them).
 ///
-/// Life: constructed, allocated for a format, rendered any number of times, deallocated; allocated again
-/// for another format. `reset` and both allocation calls come only while nothing renders.
+/// Life: constructed, allocated for a format, rendered any number of times, deallocated; allocated
+/// again for another format. `reset` and both allocation calls come only while nothing renders.
 class GraphNode {
   public:
     virtual ~GraphNode() = default;
-    GraphNode(const GraphNode&) = delete;
-    GraphNode& operator=(const GraphNode&) = delete;
+    GraphNode(const GraphNode &) = delete;
+    GraphNode &operator=(const GraphNode &) = delete;
 
-    /// Takes all the memory that rendering blocks of 1 to `maximumFrames` frames in `format` needs. [main]
-    virtual Status allocateRenderResources(const StreamFormat& format,
+    /// True for a node that makes sound and takes none: the first stage of a graph.
+    [[nodiscard]] virtual bool isSource() const { return false; }
+
+    /// Takes all the memory that rendering blocks of 1 to `maximumFrames` frames in `format` needs.
+    /// [main]
+    virtual Status allocateRenderResources(const StreamFormat &format,
                                            std::uint32_t maximumFrames) = 0;
     virtual void deallocateRenderResources() {}
 
-    /// Forgets sound (delay lines, filter memories), not parameters: the next block starts from silence.
+    /// Forgets sound (delay lines, filter memories), not parameters: the next block starts from
+    /// silence.
     virtual void reset() {}
 
-    /// Renders one block. A status other than 0 leaves the buffers as the stage found them. [render]
-    virtual Status render(const RenderTime& time, AudioBufferList& buffers,
+    /// Renders one block. A status other than 0 leaves the buffers as the stage found them.
+    /// [render]
+    virtual Status render(const RenderTime &time, AudioBufferList &buffers,
                           std::uint32_t frames) noexcept = 0;
 
   protected:

@@ -1,8 +1,9 @@
 #include "platform/threads/SerialQueue.h"
 
 #include "platform/threads/ThreadedSerialQueue.h"
+#include "platform/threads/Timer.h"
 
-#include <set>
+#include <map>
 #include <utility>
 
 namespace quorbel {
@@ -12,10 +13,6 @@ namespace {
 class ClockedSerialQueue final : public SerialQueue {
   public:
     explicit ClockedSerialQueue(Clock &clock) : clock_(clock) {}
-    ~ClockedSerialQueue() override {
-        for (const TimerID timer : timers_)
-            clock_.cancel(timer);
-    }
 
     void async(Task task) override {
         clock_.post([alive = std::weak_ptr<int>(alive_), task = std::move(task)] {
@@ -24,18 +21,22 @@ class ClockedSerialQueue final : public SerialQueue {
         });
     }
 
-    TimerID repeating(double seconds, Task task) override {
-        return *timers_.insert(clock_.every(seconds, std::move(task))).first;
+    TimerID repeating(double firstSeconds, double seconds, Task task) override {
+        const TimerID id = ++lastID_;
+        timers_[id] = Timer::once(clock_, firstSeconds, [this, id, seconds, task] {
+            // Set before the task runs, which may cancel it.
+            timers_[id] = Timer::repeating(clock_, seconds, task);
+            task();
+        });
+        return id;
     }
 
-    void cancel(TimerID timer) override {
-        if (timers_.erase(timer) > 0)
-            clock_.cancel(timer);
-    }
+    void cancel(TimerID timer) override { timers_.erase(timer); }
 
   private:
     Clock &clock_;
-    std::set<TimerID> timers_;
+    TimerID lastID_ = 0;
+    std::map<TimerID, Timer> timers_;
     std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };
 

@@ -23,8 +23,8 @@ class SerialQueue {
     /// [any]
     virtual void async(Task task) = 0;
 
-    /// Runs `task` on the queue every `seconds` (> 0), the first time after one interval. [any]
-    virtual TimerID repeating(double seconds, Task task) = 0;
+    /// Runs `task` on the queue `firstSeconds` from now and then every `seconds` (both > 0). [any]
+    virtual TimerID repeating(double firstSeconds, double seconds, Task task) = 0;
 
     /// When this returns the task is not running and does not run again; on the queue itself it
     /// returns at once and the running call is the last. Unknown ids are ignored. [any]

@@ -27,12 +27,13 @@ void ThreadedSerialQueue::async(Task task) {
     changed_.notify_one();
 }
 
-SerialQueue::TimerID ThreadedSerialQueue::repeating(double seconds, Task task) {
+SerialQueue::TimerID ThreadedSerialQueue::repeating(double firstSeconds, double seconds,
+                                                    Task task) {
     const ClockTicks interval = std::max<ClockTicks>(clockTicks(seconds), 1);
     TimerID id = 0;
     {
         const std::lock_guard lock(mutex_);
-        id = timers_.add(now() + interval, interval, std::move(task));
+        id = timers_.add(now() + clockTicks(firstSeconds), interval, std::move(task));
     }
     changed_.notify_one();
     return id;

@@ -18,7 +18,7 @@ class ThreadedSerialQueue final : public SerialQueue {
     ~ThreadedSerialQueue() override;
 
     void async(Task task) override;
-    TimerID repeating(double seconds, Task task) override;
+    TimerID repeating(double firstSeconds, double seconds, Task task) override;
     void cancel(TimerID timer) override;
 
   private:

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/threads/Clock.h"
+#include "platform/units/AudioUnit.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// The kinds of audio unit that can be made by description. [main]
+class AudioUnitRegistry {
+  public:
+    /// Makes one unit; throws AudioUnitError.
+    using Factory = std::function<std::unique_ptr<AudioUnit>(const ComponentDescription &,
+                                                             InstantiationOptions)>;
+
+    struct Component {
+        ComponentDescription description;
+        std::string name;
+        std::uint32_t version = 0;
+    };
+
+    /// Completions are posted to `clock`.
+    explicit AudioUnitRegistry(Clock &clock) : clock_(clock) {}
+
+    /// Registering a description again replaces what stood there.
+    void registerSubclass(Factory factory, const ComponentDescription &description,
+                          std::string name, std::uint32_t version);
+
+    /// In order of registration.
+    [[nodiscard]] std::vector<Component> components() const;
+
+    /// Exactly one of the two: a unit, or a status other than 0 (`statusComponentNotFound` for an
+    /// unknown description, otherwise what the unit's constructor failed with).
+    using Completion = std::function<void(std::unique_ptr<AudioUnit> unit, Status status)>;
+
+    /// Makes a unit and hands it over later, never inside this call. The registry may be gone by
+    /// then.
+    void instantiate(const ComponentDescription &description, InstantiationOptions options,
+                     Completion completion) const;
+
+  private:
+    struct Entry {
+        Component component;
+        Factory factory;
+    };
+
+    Clock &clock_;
+    std::vector<Entry> entries_;
+};
+
+} // namespace quorbel
