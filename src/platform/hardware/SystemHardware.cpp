@@ -1,0 +1,11 @@
+#include "platform/hardware/SystemHardware.h"
+
+#include "platform/hardware/pipewire/PipeWireBackend.h"
+
+namespace quorbel {
+
+std::unique_ptr<AudioHardware> makeSystemHardware(Status &status) {
+    return connectToPipeWire(status);
+}
+
+} // namespace quorbel

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/hardware/AudioHardware.h"
+
+#include <memory>
+
+namespace quorbel {
+
+/// The one place that chooses a backend: the hardware layer of the system that the program runs on.
+/// Null and a negative errno when there is no sound server to talk to.
+std::unique_ptr<AudioHardware> makeSystemHardware(Status &status);
+
+} // namespace quorbel

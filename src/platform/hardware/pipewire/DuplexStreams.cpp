@@ -1,0 +1,311 @@
+#include "platform/hardware/pipewire/DuplexStreams.h"
+
+#include <fmt/format.h>
+#include <spa/param/audio/format-utils.h>
+#include <spa/param/props.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <unistd.h>
+
+namespace quorbel {
+namespace {
+
+constexpr std::uint32_t streamChannels = 2;
+
+/// Longer cycles are handed over in pieces: the capture code's buffer has room for 8192 frames less
+/// a margin, and the server's longest cycle is 8192.
+constexpr std::uint32_t longestDelivery = 4096;
+
+/// Missing from the headers of 0.3.65, whose library ignores it. Newer servers lose every other
+/// cycle of a stream that wakes another one without it.
+constexpr auto asyncFlag = static_cast<pw_stream_flags>(1U << 10U);
+
+constexpr pw_stream_flags operator|(pw_stream_flags a, pw_stream_flags b) {
+    return static_cast<pw_stream_flags>(static_cast<unsigned>(a) | static_cast<unsigned>(b));
+}
+
+/// The planes of a server buffer that hold at least `frames` frames; frames is lowered to what is
+/// there.
+AudioBufferList planes(const pw_buffer &buffer, std::uint32_t &frames, bool isInput) noexcept {
+    AudioBufferList list;
+    const spa_buffer *data = buffer.buffer;
+    list.bufferCount = std::min<std::uint32_t>(data->n_datas, streamChannels);
+    for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel) {
+        const spa_data &plane = data->datas[channel];
+        if (plane.data == nullptr) {
+            frames = 0;
+            continue;
+        }
+        const std::uint32_t offset = isInput ? std::min(plane.chunk->offset, plane.maxsize) : 0;
+        const std::uint32_t bytes =
+            isInput ? std::min(plane.chunk->size, plane.maxsize - offset) : plane.maxsize;
+        list.data[channel] =
+            reinterpret_cast<float *>(static_cast<std::byte *>(plane.data) + offset);
+        frames = std::min<std::uint32_t>(frames, bytes / sizeof(float));
+    }
+    return list;
+}
+
+} // namespace
+
+ServerStream::ServerStream(ServerConnection &connection, DuplexPair &pair)
+    : connection_(connection), pair_(pair) {}
+
+Status ServerStream::create(pw_direction direction, const char *nodeName, const char *mediaClass,
+                            const char *mediaName, const char *targetName, pw_stream_flags flags) {
+    const std::string group = fmt::format("quorbel-{}", getpid());
+    pw_properties *properties = pw_properties_new(
+        PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CLASS, mediaClass, PW_KEY_MEDIA_NAME, mediaName,
+        PW_KEY_NODE_DESCRIPTION, mediaName, PW_KEY_APP_NAME, "Ostrafine", PW_KEY_APP_ID,
+        "com.quorbel.Ostrafine", PW_KEY_NODE_GROUP, group.c_str(), PW_KEY_NODE_LINK_GROUP,
+        group.c_str(), PW_KEY_NODE_VIRTUAL, "true", "state.restore-props", "false",
+        "state.restore-target", "false", nullptr);
+    // The name is new in every run: the session manager remembers targets by name, and one that no
+    // longer exists must never be found again.
+    pw_properties_setf(properties, PW_KEY_NODE_NAME, "%s.%d", nodeName, getpid());
+    if (direction == PW_DIRECTION_OUTPUT)
+        pw_properties_set(properties, PW_KEY_NODE_PASSIVE, "true");
+    if (targetName != nullptr)
+        pw_properties_set(properties, "target.object", targetName);
+    stream_.reset(pw_stream_new(connection_.core(), mediaName, properties));
+    if (!stream_)
+        return errno > 0 ? -errno : -EIO;
+
+    static const pw_stream_events events = [] {
+        pw_stream_events table{};
+        table.version = PW_VERSION_STREAM_EVENTS;
+        table.state_changed = [](void *self, pw_stream_state, pw_stream_state state,
+                                 const char *error) {
+            static_cast<ServerStream *>(self)->stateChanged(state, error);
+        };
+        table.param_changed = [](void *self, std::uint32_t id, const spa_pod *parameter) {
+            static_cast<ServerStream *>(self)->parameterChanged(id, parameter);
+        };
+        table.io_changed = [](void *self, std::uint32_t id, void *area, std::uint32_t) {
+            if (id == SPA_IO_Position)
+                static_cast<ServerStream *>(self)->position_ = static_cast<spa_io_position *>(area);
+        };
+        table.process = [](void *self) { static_cast<ServerStream *>(self)->process(); };
+        return table;
+    }();
+    pw_stream_add_listener(stream_.get(), &hook_, &events, this);
+
+    // The rate is left to the graph, so that nothing is resampled on the way in or out.
+    spa_audio_info_raw info{};
+    info.format = SPA_AUDIO_FORMAT_F32P;
+    info.channels = streamChannels;
+    info.position[0] = SPA_AUDIO_CHANNEL_FL;
+    info.position[1] = SPA_AUDIO_CHANNEL_FR;
+    std::array<std::uint8_t, 1024> storage{};
+    spa_pod_builder builder = SPA_POD_BUILDER_INIT(storage.data(), storage.size());
+    std::array<const spa_pod *, 1> parameters{
+        spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &info)};
+    return std::min(0, pw_stream_connect(stream_.get(), direction, PW_ID_ANY, flags,
+                                         parameters.data(), parameters.size()));
+}
+
+void ServerStream::stateChanged(pw_stream_state state, const char * /*error*/) {
+    isStreaming_ = state == PW_STREAM_STATE_STREAMING;
+    if (state == PW_STREAM_STATE_ERROR)
+        error_ = -EIO;
+    if (state == PW_STREAM_STATE_STREAMING) {
+        // The session manager may have brought back a volume that it remembers for our name.
+        std::array<float, streamChannels> unity{1.0F, 1.0F};
+        float unmuted = 0.0F;
+        pw_stream_set_control(stream_.get(), SPA_PROP_channelVolumes, streamChannels, unity.data(),
+                              SPA_PROP_mute, 1, &unmuted, 0);
+    }
+    connection_.wakeWaiters();
+}
+
+void ServerStream::parameterChanged(std::uint32_t id, const spa_pod *parameter) {
+    if (parameter == nullptr)
+        return;
+    if (id == SPA_PARAM_Format) {
+        spa_audio_info_raw info{};
+        if (spa_format_audio_raw_parse(parameter, &info) < 0 || info.rate == 0)
+            return;
+        const StreamFormat format{static_cast<double>(info.rate), info.channels};
+        if (format == format_)
+            return;
+        format_ = format;
+        formatChanged();
+        connection_.wakeWaiters();
+    } else if (id == SPA_PARAM_Latency) {
+        // What comes in on one stream is true for the other end of the pair too: so an application
+        // learns how late the device plays, and a device how late the application was.
+        spa_latency_info latency{};
+        if (spa_latency_parse(parameter, &latency) < 0)
+            return;
+        if (latency.direction == SPA_DIRECTION_INPUT && pair_.tap != nullptr)
+            pair_.tap->updateLatency(latency);
+        else if (OutStream *out = pair_.out.get();
+                 latency.direction == SPA_DIRECTION_OUTPUT && out != nullptr)
+            out->updateLatency(latency);
+    }
+}
+
+void ServerStream::updateLatency(const spa_latency_info &latency) {
+    std::array<std::uint8_t, 512> storage{};
+    spa_pod_builder builder = SPA_POD_BUILDER_INIT(storage.data(), storage.size());
+    std::array<const spa_pod *, 1> parameters{
+        spa_latency_build(&builder, SPA_PARAM_Latency, &latency)};
+    pw_stream_update_params(stream_.get(), parameters.data(), parameters.size());
+}
+
+std::uint32_t ServerStream::cycleFrames() const noexcept {
+    const spa_io_position *position = position_.load();
+    return position != nullptr ? static_cast<std::uint32_t>(std::min<std::uint64_t>(
+                                     position->clock.duration, maximumBlockFrames))
+                               : 0;
+}
+
+TapStream::TapStream(ServerConnection &connection, DuplexPair &pair)
+    : ServerStream(connection, pair) {
+    pair_.tap = this;
+}
+
+TapStream::~TapStream() {
+    client_.set(nullptr);
+    pair_.tap = nullptr;
+    stream_.reset();
+}
+
+Status TapStream::connect() {
+    return create(PW_DIRECTION_INPUT, "quorbel.tap", "Stream/Input/Audio/Internal",
+                  "Quorbel System Tap", nullptr,
+                  PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS | asyncFlag);
+}
+
+void TapStream::setClient(IOClient *client, const StreamFormat &formatUntilNegotiated) {
+    client_.set(nullptr);
+    if (client == nullptr)
+        return;
+    client->ioFormatChanged(format_.isValid() ? format_ : formatUntilNegotiated);
+    client_.set(client);
+}
+
+void TapStream::formatChanged() {
+    IOClient *client = client_.get();
+    if (client == nullptr)
+        return;
+    client_.set(nullptr);
+    client->ioFormatChanged(format_);
+    client_.set(client);
+}
+
+void TapStream::deliver(IOClient &client, IOCycle cycle) noexcept {
+    std::uint32_t left = cycle.frames;
+    while (left > 0) {
+        cycle.frames = std::min(left, longestDelivery);
+        client.ioCycle(cycle);
+        cycle.input = cycle.input.advancedBy(cycle.frames);
+        left -= cycle.frames;
+    }
+}
+
+void TapStream::process() noexcept {
+    pw_buffer *newest = nullptr;
+    while (pw_buffer *buffer = pw_stream_dequeue_buffer(stream_.get())) {
+        if (newest != nullptr)
+            pw_stream_queue_buffer(stream_.get(), newest);
+        newest = buffer;
+    }
+    IOCycle cycle;
+    cycle.format = format_;
+    cycle.frames = maximumBlockFrames;
+    if (newest != nullptr)
+        cycle.input = planes(*newest, cycle.frames, true);
+    if (newest == nullptr || cycle.frames == 0) {
+        // Nobody plays, but the graph runs: silence, so that what the effects still hold is heard
+        // out.
+        cycle.input = AudioBufferList(silence_.data(), silence_.data());
+        cycle.frames = cycleFrames();
+    }
+    {
+        const RealtimeSlot<OutStream>::Use out(pair_.out);
+        const RealtimeSlot<IOClient>::Use client(client_);
+        // The wake-up takes effect only after this callback, on this same thread, so its outcome is
+        // known before the block is handed over, and the block is there when the output asks for
+        // it.
+        cycle.willPlay = out && out->wake();
+        if (client && cycle.frames > 0)
+            deliver(*client.operator->(), cycle);
+    }
+    if (newest != nullptr)
+        pw_stream_queue_buffer(stream_.get(), newest);
+}
+
+OutStream::OutStream(ServerConnection &connection, DuplexPair &pair, RenderClient &client)
+    : ServerStream(connection, pair) {
+    client_.set(&client);
+}
+
+OutStream::~OutStream() {
+    if (pair_.out.get() == this)
+        pair_.out.set(nullptr);
+    client_.set(nullptr);
+    stream_.reset();
+}
+
+Status OutStream::connect(const std::string &deviceName,
+                          const StreamFormat &formatUntilNegotiated) {
+    client_.get()->renderFormatChanged(formatUntilNegotiated);
+    const Status status = create(PW_DIRECTION_OUTPUT, "quorbel.out", "Stream/Output/Audio/Internal",
+                                 "Ostrafine", deviceName.c_str(),
+                                 PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS |
+                                     PW_STREAM_FLAG_RT_PROCESS | PW_STREAM_FLAG_TRIGGER);
+    if (status == statusOK)
+        pair_.out.set(this);
+    return status;
+}
+
+void OutStream::formatChanged() {
+    RenderClient *client = client_.get();
+    if (client == nullptr)
+        return;
+    client_.set(nullptr);
+    client->renderFormatChanged(format_);
+    client_.set(client);
+}
+
+bool OutStream::wake() noexcept {
+    if (!isStreaming_)
+        return false;
+    const bool wasPending = isWakePending_.exchange(true);
+    if (pw_stream_trigger_process(stream_.get()) < 0) {
+        isWakePending_ = false;
+        return false;
+    }
+    return !wasPending;
+}
+
+void OutStream::process() noexcept {
+    const RealtimeSlot<RenderClient>::Use client(client_);
+    pw_buffer *buffer = pw_stream_dequeue_buffer(stream_.get());
+    if (buffer == nullptr)
+        return; // the wake-up stays pending: the captured block is still to be played
+    const std::uint32_t cycle = cycleFrames();
+    auto frames = static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(buffer->requested > 0 ? buffer->requested : cycle, UINT32_MAX));
+    const AudioBufferList list = planes(*buffer, frames, false);
+    if (frames > 0) {
+        if (client)
+            client->renderCycle(list, frames);
+        else
+            for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel)
+                std::fill_n(list.data[channel], frames, 0.0F);
+    }
+    for (std::uint32_t channel = 0; channel < buffer->buffer->n_datas; ++channel) {
+        spa_chunk *chunk = buffer->buffer->datas[channel].chunk;
+        chunk->offset = 0;
+        chunk->stride = sizeof(float);
+        chunk->size = frames * sizeof(float);
+    }
+    pw_stream_queue_buffer(stream_.get(), buffer);
+    isWakePending_ = false;
+}
+
+} // namespace quorbel

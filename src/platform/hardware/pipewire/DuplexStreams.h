@@ -1,0 +1,112 @@
+#pragma once
+
+#include "platform/core/StreamFormat.h"
+#include "platform/hardware/AudioHardware.h"
+#include "platform/hardware/pipewire/RealtimeSlot.h"
+#include "platform/hardware/pipewire/ServerConnection.h"
+
+#include <spa/node/io.h>
+#include <spa/param/latency-utils.h>
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+namespace quorbel {
+
+class TapStream;
+class OutStream;
+
+/// What the two streams know of each other. They run in one group of the graph: in each cycle the
+/// tap receives what the applications play and wakes the output, which plays it processed in that
+/// same cycle.
+struct DuplexPair {
+    RealtimeSlot<OutStream> out; ///< used by the tap's callback
+    TapStream *tap = nullptr;    ///< loop's lock
+};
+
+/// A stream of the sound server and what both of ours have in common. Needs the loop's lock
+/// throughout.
+class ServerStream {
+  public:
+    ServerStream(const ServerStream &) = delete;
+    ServerStream &operator=(const ServerStream &) = delete;
+
+    /// The node's id; SPA_ID_INVALID until the server has given one.
+    [[nodiscard]] std::uint32_t nodeID() const { return pw_stream_get_node_id(stream_.get()); }
+    /// The negotiated format; invalid until there is one.
+    [[nodiscard]] const StreamFormat &format() const { return format_; }
+    /// 0, or the negative errno that the stream ended with.
+    [[nodiscard]] Status error() const { return error_; }
+    void updateLatency(const spa_latency_info &latency);
+
+  protected:
+    ServerStream(ServerConnection &connection, DuplexPair &pair);
+    virtual ~ServerStream() = default;
+
+    Status create(pw_direction direction, const char *nodeName, const char *mediaClass,
+                  const char *mediaName, const char *targetName, pw_stream_flags flags);
+    virtual void process() noexcept = 0;
+    virtual void formatChanged() = 0; ///< [control]
+    /// The graph's block length, or 0 while it is unknown. [real-time]
+    [[nodiscard]] std::uint32_t cycleFrames() const noexcept;
+
+    ServerConnection &connection_;
+    DuplexPair &pair_;
+    StreamHandle stream_;
+    StreamFormat format_;
+    Status error_ = statusOK;
+    std::atomic<bool> isStreaming_{false};
+
+  private:
+    void stateChanged(pw_stream_state state, const char *error);
+    void parameterChanged(std::uint32_t id, const spa_pod *parameter);
+
+    spa_hook hook_{}; // the stream unhooks it when it is destroyed
+    std::atomic<const spa_io_position *> position_{nullptr};
+};
+
+/// Receives the sound of every stream that is routed to it.
+class TapStream final : public ServerStream {
+  public:
+    TapStream(ServerConnection &connection, DuplexPair &pair);
+    ~TapStream() override;
+
+    Status connect();
+
+    /// From the next cycle on blocks go to `client` (null: to nobody). When this returns, no call
+    /// to the earlier client is under way.
+    void setClient(IOClient *client, const StreamFormat &formatUntilNegotiated);
+
+  private:
+    void process() noexcept override;
+    void formatChanged() override;
+    static void deliver(IOClient &client, IOCycle cycle) noexcept;
+
+    RealtimeSlot<IOClient> client_;
+    std::array<float, maximumBlockFrames> silence_{};
+};
+
+/// Plays what its client renders, when the tap says so.
+class OutStream final : public ServerStream {
+  public:
+    OutStream(ServerConnection &connection, DuplexPair &pair, RenderClient &client);
+    ~OutStream() override;
+
+    Status connect(const std::string &deviceName, const StreamFormat &formatUntilNegotiated);
+
+    /// Makes the stream run once in this cycle, after the caller. False if it will not, or if an
+    /// earlier wake-up has not been followed yet: what the caller brings must then be dropped.
+    /// [capture]
+    bool wake() noexcept;
+
+  private:
+    void process() noexcept override;
+    void formatChanged() override;
+
+    RealtimeSlot<RenderClient> client_;
+    std::atomic<bool> isWakePending_{false};
+};
+
+} // namespace quorbel

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <pipewire/pipewire.h>
+
+#include <memory>
+
+namespace quorbel {
+
+/// Holds the lock of a thread loop: everything that touches objects of the sound server does so
+/// under it, or in a callback, where the loop's own thread holds it. Recursive.
+class LoopLock {
+  public:
+    explicit LoopLock(pw_thread_loop *loop) : loop_(loop) { pw_thread_loop_lock(loop_); }
+    ~LoopLock() { pw_thread_loop_unlock(loop_); }
+    LoopLock(const LoopLock &) = delete;
+    LoopLock &operator=(const LoopLock &) = delete;
+
+  private:
+    pw_thread_loop *loop_;
+};
+
+/// A listener's hook that unhooks itself. Stays where it was made: the server's library keeps its
+/// address.
+class Hook {
+  public:
+    Hook() = default;
+    ~Hook() { remove(); }
+    Hook(const Hook &) = delete;
+    Hook &operator=(const Hook &) = delete;
+
+    spa_hook *get() { return &hook_; }
+    void remove() {
+        if (hook_.link.next != nullptr)
+            spa_hook_remove(&hook_);
+        hook_ = {};
+    }
+
+  private:
+    spa_hook hook_{};
+};
+
+struct ProxyDeleter {
+    template <typename T> void operator()(T *proxy) const {
+        pw_proxy_destroy(reinterpret_cast<pw_proxy *>(proxy));
+    }
+};
+template <typename T> using Proxy = std::unique_ptr<T, ProxyDeleter>;
+
+struct StreamDeleter {
+    void operator()(pw_stream *stream) const { pw_stream_destroy(stream); }
+};
+using StreamHandle = std::unique_ptr<pw_stream, StreamDeleter>;
+
+struct ThreadLoopDeleter {
+    void operator()(pw_thread_loop *loop) const { pw_thread_loop_destroy(loop); }
+};
+struct ContextDeleter {
+    void operator()(pw_context *context) const { pw_context_destroy(context); }
+};
+struct CoreDeleter {
+    void operator()(pw_core *core) const { pw_core_disconnect(core); }
+};
+
+} // namespace quorbel

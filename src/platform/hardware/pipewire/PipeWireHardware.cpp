@@ -1,0 +1,473 @@
+#include "platform/hardware/pipewire/PipeWireHardware.h"
+
+#include <spa/utils/json.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+
+namespace quorbel {
+namespace {
+
+// Deadlines of waits for the server. It answers within milliseconds or not at all.
+constexpr double answerSeconds = 2.0;
+constexpr double restoreSeconds = 0.5;
+constexpr double unlinkSeconds = 0.3;
+
+/// No object of the server: the capture device is the scheduling group of tap and output.
+constexpr AudioObjectID captureDeviceID = 0xC0000001;
+constexpr IOProcID theIOProc = 1;
+
+bool isOutputDevice(const NodeRecord &node) {
+    return node.mediaClass() == "Audio/Sink" || node.mediaClass() == "Audio/Duplex";
+}
+
+bool isDevice(const NodeRecord &node) {
+    return node.isComplete && (isOutputDevice(node) || node.mediaClass() == "Audio/Source");
+}
+
+/// The name in {"name":"…"}, as the session manager publishes its defaults.
+std::string nameInJson(const std::string &text) {
+    std::array<spa_json, 2> iterators{};
+    std::array<char, 1024> name{};
+    spa_json_init(&iterators[0], text.data(), text.size());
+    if (spa_json_enter_object(&iterators[0], &iterators[1]) <= 0)
+        return {};
+    std::array<char, 64> key{};
+    while (spa_json_get_string(&iterators[1], key.data(), key.size()) > 0) {
+        if (std::string_view(key.data()) == "name")
+            return spa_json_get_string(&iterators[1], name.data(), name.size()) > 0 ? name.data()
+                                                                                    : "";
+        const char *skipped = nullptr;
+        if (spa_json_next(&iterators[1], &skipped) <= 0)
+            break;
+    }
+    return {};
+}
+
+} // namespace
+
+/// The playback side: one output stream at a time.
+class PipeWireHardware::Output final : public HardwareOutput {
+  public:
+    explicit Output(PipeWireHardware &hardware) : hardware_(hardware) {}
+    ~Output() override { stop(); }
+
+    Status setDevice(AudioObjectID device) override {
+        const LoopLock lock(hardware_.connection_->loop());
+        const NodeRecord *node = hardware_.registry_->node(device);
+        if (node == nullptr || !isOutputDevice(*node))
+            return -ENODEV;
+        device_ = device;
+        return statusOK;
+    }
+
+    StreamFormat nativeFormat() const override {
+        if (device_ == 0)
+            return {};
+        std::vector<std::uint32_t> channels;
+        if (hardware_.streamChannelCounts(device_, Scope::output, channels) != statusOK ||
+            channels.empty())
+            return {};
+        const LoopLock lock(hardware_.connection_->loop());
+        return {hardware_.graphRate(), channels.front()};
+    }
+
+    Status start(RenderClient &client) override {
+        ServerConnection &connection = *hardware_.connection_;
+        const LoopLock lock(connection.loop());
+        if (connection.isLost())
+            return -EPIPE;
+        const NodeRecord *device = hardware_.registry_->node(device_);
+        if (device == nullptr)
+            return -ENODEV;
+        stream_ = std::make_unique<OutStream>(connection, hardware_.pair_, client);
+        Status status = stream_->connect(device->name(), {hardware_.graphRate(), 2});
+        if (status == statusOK)
+            status = connection.waitUntil(
+                [&] {
+                    return stream_->error() != statusOK ||
+                           hardware_.registry_->node(device_) == nullptr ||
+                           hardware_.registry_->isLinked(stream_->nodeID(), device_);
+                },
+                answerSeconds);
+        if (status == statusOK)
+            status = stream_->error();
+        if (status == statusOK && hardware_.registry_->node(device_) == nullptr)
+            status = -ENODEV;
+        if (status != statusOK) {
+            stream_.reset();
+            return status;
+        }
+        hardware_.outputDevice_ = device_;
+        hardware_.routeIfReady();
+        return statusOK;
+    }
+
+    void stop() override {
+        if (!stream_)
+            return;
+        const LoopLock lock(hardware_.connection_->loop());
+        hardware_.outputDevice_ = 0;
+        stream_.reset();
+    }
+
+  private:
+    PipeWireHardware &hardware_;
+    AudioObjectID device_ = 0;
+    std::unique_ptr<OutStream> stream_;
+};
+
+std::unique_ptr<PipeWireHardware> PipeWireHardware::connect(Status &status) {
+    std::unique_ptr<PipeWireHardware> hardware(new PipeWireHardware);
+    status = hardware->open();
+    if (status != statusOK)
+        return nullptr;
+    return hardware;
+}
+
+Status PipeWireHardware::open() {
+    Status status = statusOK;
+    connection_ = ServerConnection::open(status);
+    if (!connection_)
+        return status;
+    const LoopLock lock(connection_->loop());
+    registry_ = std::make_unique<ObjectRegistry>(*connection_);
+    registry_->addObserver(*this);
+    connection_->setLostHandler([this](Status lost) { tell(HardwareProperty::connection, lost); });
+    // The first answer names every object, the second brings their properties.
+    status = connection_->roundTrip(answerSeconds);
+    if (status == statusOK)
+        status = connection_->roundTrip(answerSeconds);
+    return status;
+}
+
+PipeWireHardware::~PipeWireHardware() {
+    if (!connection_)
+        return;
+    const LoopLock lock(connection_->loop());
+    connection_->setLostHandler(nullptr);
+    stopRouting();
+    tap_.reset();
+    router_.reset();
+    if (registry_)
+        registry_->removeObserver(*this);
+    registry_.reset();
+}
+
+double PipeWireHardware::graphRate() const {
+    if (tap_ && tap_->format().isValid())
+        return tap_->format().sampleRate;
+    const double forced = registry_->setting("clock.force-rate");
+    return forced > 0.0 ? forced : registry_->setting("clock.rate");
+}
+
+const NodeRecord *PipeWireHardware::defaultSink() const {
+    const auto value = registry_->metadata(0, "default.audio.sink");
+    return value ? registry_->nodeNamed(nameInJson(value->value)) : nullptr;
+}
+
+// Devices
+
+Status PipeWireHardware::processObject(std::int32_t pid, AudioObjectID &process) {
+    if (pid != getpid())
+        return -ESRCH;
+    const LoopLock lock(connection_->loop());
+    if (connection_->isLost())
+        return -EPIPE;
+    const std::uint32_t id = pw_proxy_get_bound_id(
+        reinterpret_cast<pw_proxy *>(pw_core_get_client(connection_->core())));
+    if (id == SPA_ID_INVALID)
+        return -ESRCH;
+    process = id;
+    return statusOK;
+}
+
+Status PipeWireHardware::defaultOutputDevice(AudioObjectID &device) {
+    const LoopLock lock(connection_->loop());
+    if (connection_->isLost())
+        return -EPIPE;
+    const NodeRecord *sink = defaultSink();
+    if (sink == nullptr)
+        return -ENOENT;
+    device = sink->id;
+    return statusOK;
+}
+
+Status PipeWireHardware::deviceList(std::vector<AudioObjectID> &devices) {
+    const LoopLock lock(connection_->loop());
+    if (connection_->isLost())
+        return -EPIPE;
+    devices.clear();
+    for (const NodeRecord *node : registry_->nodes())
+        if (isDevice(*node))
+            devices.push_back(node->id);
+    return statusOK;
+}
+
+std::optional<std::string> PipeWireHardware::deviceUID(AudioObjectID device) {
+    const LoopLock lock(connection_->loop());
+    const NodeRecord *node = registry_->node(device);
+    if (node == nullptr || node->name().empty())
+        return std::nullopt;
+    return node->name();
+}
+
+std::optional<std::string> PipeWireHardware::deviceName(AudioObjectID device) {
+    const LoopLock lock(connection_->loop());
+    const NodeRecord *node = registry_->node(device);
+    if (node == nullptr)
+        return std::nullopt;
+    for (const char *key : {"node.description", "node.nick", "node.name"})
+        if (const std::string &text = node->property(key); !text.empty())
+            return text;
+    return std::nullopt;
+}
+
+std::optional<std::string> PipeWireHardware::deviceManufacturer(AudioObjectID device) {
+    const LoopLock lock(connection_->loop());
+    const NodeRecord *node = registry_->node(device);
+    if (node == nullptr || node->property("device.id").empty())
+        return std::nullopt;
+    const auto *properties = registry_->deviceProperties(
+        static_cast<std::uint32_t>(std::strtoul(node->property("device.id").c_str(), nullptr, 10)));
+    if (properties == nullptr)
+        return std::nullopt;
+    const std::string &vendor = propertyValue(*properties, "device.vendor.name");
+    return vendor.empty() ? std::nullopt : std::optional(vendor);
+}
+
+Status PipeWireHardware::streamChannelCounts(AudioObjectID device, Scope scope,
+                                             std::vector<std::uint32_t> &channelsPerBuffer) {
+    const LoopLock lock(connection_->loop());
+    const NodeRecord *node = registry_->node(device);
+    if (node == nullptr)
+        return -ENODEV;
+    channelsPerBuffer.clear();
+    const bool isOutputScope = scope == Scope::output;
+    const bool hasScope =
+        node->mediaClass() == "Audio/Duplex" || isOutputDevice(*node) == isOutputScope;
+    if (!hasScope)
+        return statusOK;
+    auto channels = static_cast<std::uint32_t>(
+        std::strtoul(node->property("audio.channels").c_str(), nullptr, 10));
+    if (channels == 0)
+        channels = static_cast<std::uint32_t>(registry_->ports(device, isOutputScope).size());
+    if (channels > 0)
+        channelsPerBuffer.push_back(channels);
+    return statusOK;
+}
+
+Status PipeWireHardware::addListener(HardwareProperty property, HardwareListener &listener) {
+    const std::lock_guard guard(listenersMutex_);
+    listeners_.emplace_back(property, &listener);
+    return statusOK;
+}
+
+Status PipeWireHardware::removeListener(HardwareProperty property, HardwareListener &listener) {
+    const std::lock_guard guard(listenersMutex_);
+    std::erase(listeners_, std::pair{property, &listener});
+    return statusOK;
+}
+
+void PipeWireHardware::tell(HardwareProperty property, Status status) {
+    const std::lock_guard guard(listenersMutex_);
+    for (const auto &[wanted, listener] : listeners_) {
+        if (wanted != property)
+            continue;
+        switch (property) {
+        case HardwareProperty::deviceList:
+            listener->deviceListChanged();
+            break;
+        case HardwareProperty::defaultOutput:
+            listener->defaultOutputChanged();
+            break;
+        case HardwareProperty::connection:
+            listener->hardwareLost(status);
+            break;
+        }
+    }
+}
+
+void PipeWireHardware::nodeChanged(const NodeRecord &node) {
+    if (!isDevice(node) || std::count(knownDevices_.begin(), knownDevices_.end(), node.id) > 0)
+        return;
+    knownDevices_.push_back(node.id);
+    tell(HardwareProperty::deviceList);
+}
+
+void PipeWireHardware::nodeRemoved(const NodeRecord &node) {
+    if (std::erase(knownDevices_, node.id) > 0)
+        tell(HardwareProperty::deviceList);
+}
+
+void PipeWireHardware::metadataChanged(std::uint32_t subject, std::string_view key,
+                                       const std::optional<MetadataValue> & /*value*/) {
+    if (subject == 0 && key == "default.audio.sink")
+        tell(HardwareProperty::defaultOutput);
+}
+
+void PipeWireHardware::metadataArrived() { tell(HardwareProperty::defaultOutput); }
+
+// Capture
+
+Status PipeWireHardware::createProcessTap(const TapDescription &description, AudioObjectID &tap) {
+    using enum TapDescription::MuteBehavior;
+    // Routing is what mutes, so no other behaviour can be had.
+    if (description.muteBehavior != mutedWhenTapped || !description.isPrivate)
+        return -ENOTSUP;
+    const LoopLock lock(connection_->loop());
+    if (connection_->isLost())
+        return -EPIPE;
+    if (tap_)
+        return -EBUSY;
+    journal_ = std::make_unique<RouteJournal>();
+    router_ = std::make_unique<StreamRouter>(*connection_, *registry_, *journal_);
+    restoreLeftovers();
+    tap_ = std::make_unique<TapStream>(*connection_, pair_);
+    Status status = tap_->connect();
+    if (status == statusOK)
+        status = connection_->waitUntil(
+            [&] {
+                return tap_->error() != statusOK ||
+                       (registry_->node(tap_->nodeID()) != nullptr &&
+                        registry_->ports(tap_->nodeID(), true).size() >= 2);
+            },
+            answerSeconds);
+    if (status == statusOK)
+        status = tap_->error();
+    if (status != statusOK) {
+        tap_.reset();
+        router_.reset();
+        journal_->allRestored();
+        journal_.reset();
+        return status;
+    }
+    tap = tap_->nodeID();
+    return statusOK;
+}
+
+void PipeWireHardware::restoreLeftovers() {
+    for (const RoutedStream &stream : journal_->leftovers()) {
+        restoreRoute(*registry_, stream);
+        journal_->released(stream);
+    }
+}
+
+Status PipeWireHardware::destroyProcessTap(AudioObjectID tap) {
+    const LoopLock lock(connection_->loop());
+    if (!tap_ || (!connection_->isLost() && tap_->nodeID() != tap))
+        return -ENOENT;
+    stopRouting();
+    tap_.reset();
+    router_.reset();
+    journal_->allRestored();
+    journal_.reset();
+    return statusOK;
+}
+
+Status PipeWireHardware::tapFormat(AudioObjectID tap, StreamFormat &format) {
+    const LoopLock lock(connection_->loop());
+    if (!tap_ || tap_->nodeID() != tap)
+        return -ENOENT;
+    // Until the first stream is routed to it, it is what it will be: the graph's rate.
+    format = tap_->format().isValid() ? tap_->format() : StreamFormat{graphRate(), 2};
+    return statusOK;
+}
+
+Status PipeWireHardware::createAggregateDevice(const AggregateDescription &description,
+                                               AudioObjectID &device) {
+    const LoopLock lock(connection_->loop());
+    if (connection_->isLost())
+        return -EPIPE;
+    if (!tap_ || captureDevice_ != 0)
+        return -EBUSY;
+    if (registry_->nodeNamed(description.mainDeviceUID) == nullptr)
+        return -ENODEV;
+    captureDevice_ = captureDeviceID;
+    device = captureDevice_;
+    return statusOK;
+}
+
+Status PipeWireHardware::destroyAggregateDevice(AudioObjectID device) {
+    if (device != captureDevice_)
+        return -ENOENT;
+    captureDevice_ = 0;
+    return statusOK;
+}
+
+Status PipeWireHardware::nominalSampleRate(AudioObjectID device, double &rate) {
+    if (device != captureDevice_)
+        return -ENOENT;
+    const LoopLock lock(connection_->loop());
+    rate = graphRate();
+    return statusOK;
+}
+
+Status PipeWireHardware::createIOProc(AudioObjectID device, IOClient &client, IOProcID &proc) {
+    if (device != captureDevice_ || ioClient_ != nullptr)
+        return -EBUSY;
+    ioClient_ = &client;
+    proc = theIOProc;
+    return statusOK;
+}
+
+Status PipeWireHardware::destroyIOProc(AudioObjectID device, IOProcID proc) {
+    if (device != captureDevice_ || proc != theIOProc)
+        return -ENOENT;
+    ioClient_ = nullptr;
+    return statusOK;
+}
+
+Status PipeWireHardware::startDevice(AudioObjectID device, IOProcID proc) {
+    if (device != captureDevice_ || proc != theIOProc || ioClient_ == nullptr)
+        return -ENOENT;
+    const LoopLock lock(connection_->loop());
+    if (connection_->isLost() || !tap_)
+        return -EPIPE;
+    tap_->setClient(ioClient_, {graphRate(), 2});
+    isIORunning_ = true;
+    routeIfReady();
+    return statusOK;
+}
+
+Status PipeWireHardware::stopDevice(AudioObjectID device, IOProcID proc) {
+    if (device != captureDevice_ || proc != theIOProc)
+        return -ENOENT;
+    const LoopLock lock(connection_->loop());
+    stopRouting();
+    isIORunning_ = false;
+    if (tap_)
+        tap_->setClient(nullptr, {});
+    return statusOK;
+}
+
+void PipeWireHardware::routeIfReady() {
+    if (!router_ || !isIORunning_ || outputDevice_ == 0)
+        return;
+    if (router_->isOn())
+        router_->setOutputDevice(outputDevice_);
+    else
+        router_->begin(tap_->nodeID(), outputDevice_);
+}
+
+void PipeWireHardware::stopRouting() {
+    if (!router_ || !router_->isOn())
+        return;
+    router_->end();
+    if (connection_->isLost())
+        return;
+    // The processed sound goes on until every application is heard on its own device again.
+    const std::uint32_t tapID = tap_->nodeID();
+    if (connection_->roundTrip(restoreSeconds) == statusOK)
+        connection_->waitUntil([&] { return !router_->isAnyLinkedTo(tapID); }, unlinkSeconds);
+}
+
+// Playback
+
+std::unique_ptr<HardwareOutput> PipeWireHardware::makeOutput() {
+    return std::make_unique<Output>(*this);
+}
+
+} // namespace quorbel

@@ -1,0 +1,169 @@
+#include "platform/hardware/pipewire/RoutedStream.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+constexpr const char *targetObjectKey = "target.object";
+constexpr const char *targetNodeKey = "target.node";
+constexpr std::string_view routedWord = "routed";
+constexpr std::string_view releasedWord = "released";
+constexpr std::string_view absent = "-";
+
+/// Fields are parted by blanks; a value's own blanks and per cent signs are written as %xx.
+std::string escaped(std::string_view text) {
+    std::string result = "=";
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte <= 0x20 || byte == 0x7F || c == '%')
+            result += fmt::format("%{:02x}", byte);
+        else
+            result += c;
+    }
+    return result;
+}
+
+template <typename Number> bool parse(std::string_view text, Number &number, int base = 10) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+    return error == std::errc{} && end == text.data() + text.size();
+}
+
+std::optional<std::string> unescaped(std::string_view text) {
+    if (text.empty() || text.front() != '=')
+        return std::nullopt;
+    std::string result;
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (text[i] != '%') {
+            result += text[i];
+            continue;
+        }
+        unsigned byte = 0;
+        if (i + 2 >= text.size() || !parse(text.substr(i + 1, 2), byte, 16))
+            return std::nullopt;
+        result += static_cast<char>(byte);
+        i += 2;
+    }
+    return result;
+}
+
+std::vector<std::string_view> fields(std::string_view line) {
+    std::vector<std::string_view> result;
+    while (!line.empty()) {
+        const std::size_t blank = line.find(' ');
+        result.push_back(line.substr(0, blank));
+        line = blank == std::string_view::npos ? std::string_view{} : line.substr(blank + 1);
+    }
+    return result;
+}
+
+std::string encoded(const std::optional<MetadataValue> &value) {
+    if (!value)
+        return fmt::format("{} {}", absent, absent);
+    return fmt::format("{} {}", escaped(value->type), escaped(value->value));
+}
+
+bool decodeValue(std::string_view type, std::string_view value,
+                 std::optional<MetadataValue> &result) {
+    if (type == absent && value == absent) {
+        result.reset();
+        return true;
+    }
+    const auto plainType = unescaped(type);
+    const auto plainValue = unescaped(value);
+    if (!plainType || !plainValue)
+        return false;
+    result = MetadataValue{*plainType, *plainValue};
+    return true;
+}
+
+void setOrDelete(ObjectRegistry &registry, std::uint32_t subject, const char *key,
+                 const std::optional<MetadataValue> &value) {
+    if (value)
+        registry.setMetadata(subject, key, *value);
+    else
+        registry.deleteMetadata(subject, key);
+}
+
+/// The id of the node that a target names, by serial or by name.
+std::optional<std::uint32_t> targetedNode(const ObjectRegistry &registry,
+                                          const MetadataValue &target) {
+    std::uint64_t serial = 0;
+    const NodeRecord *node = parse(target.value, serial) ? registry.nodeWithSerial(serial)
+                                                         : registry.nodeNamed(target.value);
+    if (node == nullptr)
+        return std::nullopt;
+    return node->id;
+}
+
+} // namespace
+
+std::string RoutedStream::encoded() const {
+    return fmt::format("{} {} {} {} {} {}", routedWord, streamID, streamSerial, tapSerial,
+                       quorbel::encoded(targetObject), quorbel::encoded(targetNode));
+}
+
+std::optional<RoutedStream> RoutedStream::decode(std::string_view line) {
+    const auto parts = fields(line);
+    RoutedStream stream;
+    if (parts.size() != 8 || parts[0] != routedWord || !parse(parts[1], stream.streamID) ||
+        !parse(parts[2], stream.streamSerial) || !parse(parts[3], stream.tapSerial) ||
+        !decodeValue(parts[4], parts[5], stream.targetObject) ||
+        !decodeValue(parts[6], parts[7], stream.targetNode))
+        return std::nullopt;
+    return stream;
+}
+
+std::string encodedRelease(const RoutedStream &stream) {
+    return fmt::format("{} {} {}", releasedWord, stream.streamID, stream.streamSerial);
+}
+
+std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string_view line) {
+    const auto parts = fields(line);
+    std::pair<std::uint32_t, std::uint64_t> key;
+    if (parts.size() != 3 || parts[0] != releasedWord || !parse(parts[1], key.first) ||
+        !parse(parts[2], key.second))
+        return std::nullopt;
+    return key;
+}
+
+void routeToTap(ObjectRegistry &registry, const RoutedStream &stream) {
+    // By serial: a name would be remembered as the application's own choice.
+    registry.setMetadata(stream.streamID, targetObjectKey,
+                         {"Spa:Id", std::to_string(stream.tapSerial)});
+    MetadataValue remembered{"Spa:Id", "-1"};
+    if (stream.targetObject) {
+        if (const auto node = targetedNode(registry, *stream.targetObject))
+            remembered.value = std::to_string(*node);
+        else if (stream.targetNode)
+            remembered = *stream.targetNode;
+    } else if (stream.targetNode) {
+        remembered = *stream.targetNode;
+    }
+    // Deleted first, because setting an equal value is not an event.
+    registry.deleteMetadata(stream.streamID, targetNodeKey);
+    registry.setMetadata(stream.streamID, targetNodeKey, remembered);
+}
+
+void restoreRoute(ObjectRegistry &registry, const RoutedStream &stream) {
+    const NodeRecord *node = registry.node(stream.streamID);
+    if (node == nullptr || node->serial != stream.streamSerial)
+        return;
+    const auto current = registry.metadata(stream.streamID, targetObjectKey);
+    if (!current || current->value != std::to_string(stream.tapSerial))
+        return;
+    if (stream.targetObject) {
+        setOrDelete(registry, stream.streamID, targetNodeKey, stream.targetNode);
+        registry.setMetadata(stream.streamID, targetObjectKey, *stream.targetObject);
+        return;
+    }
+    registry.deleteMetadata(stream.streamID, targetObjectKey);
+    registry.deleteMetadata(stream.streamID, targetNodeKey);
+    if (stream.targetNode)
+        registry.setMetadata(stream.streamID, targetNodeKey, *stream.targetNode);
+}
+
+} // namespace quorbel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/hardware/pipewire/ObjectRegistry.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+/// How one application's stream was routed before it was sent to the tap: all that is needed to put
+/// it back, by us or, if we die, by whoever reads the journal.
+struct RoutedStream {
+    std::uint32_t streamID = 0;
+    std::uint64_t streamSerial = 0; ///< ids are used again by the server, serials are not
+    std::uint64_t tapSerial = 0;
+    std::optional<MetadataValue> targetObject;
+    std::optional<MetadataValue> targetNode;
+
+    /// One line of text without its line end, and back; nothing if the text is not such a line.
+    [[nodiscard]] std::string encoded() const;
+    static std::optional<RoutedStream> decode(std::string_view line);
+};
+
+/// The line that takes a stream off the journal again.
+std::string encodedRelease(const RoutedStream &stream);
+/// The stream id and serial of such a line.
+std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string_view line);
+
+/// Sends the stream to the tap in such an order that the session manager, which remembers the last
+/// of these values that it sees, remembers the user's own choice.
+void routeToTap(ObjectRegistry &registry, const RoutedStream &stream);
+
+/// Puts the stream back where `stream` says it was, unless it has ended or somebody else has moved
+/// it in the meantime.
+void restoreRoute(ObjectRegistry &registry, const RoutedStream &stream);
+
+} // namespace quorbel

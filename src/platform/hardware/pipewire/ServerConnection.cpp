@@ -1,0 +1,130 @@
+#include "platform/hardware/pipewire/ServerConnection.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <mutex>
+#include <utility>
+
+namespace quorbel {
+namespace {
+
+/// Before 1.3.81 only this configuration file loads the module that gives the data thread its
+/// real-time priority; from then on it is gone and the plain one does.
+const char *configName() {
+    int major = 0;
+    int minor = 0;
+    int micro = 0;
+    if (std::sscanf(pw_get_library_version(), "%d.%d.%d", &major, &minor, &micro) != 3)
+        return nullptr;
+    const int version = major * 1'000'000 + minor * 1'000 + micro;
+    return version < 1'003'081 ? "client-rt.conf" : nullptr;
+}
+
+Status lastError() { return errno > 0 ? -errno : -EIO; }
+
+} // namespace
+
+std::unique_ptr<ServerConnection> ServerConnection::open(Status &status) {
+    static std::once_flag initialised;
+    std::call_once(initialised, [] { pw_init(nullptr, nullptr); });
+
+    std::unique_ptr<ServerConnection> connection(new ServerConnection);
+    connection->loop_.reset(pw_thread_loop_new("quorbel-control", nullptr));
+    if (!connection->loop_) {
+        status = lastError();
+        return nullptr;
+    }
+    pw_properties *properties = pw_properties_new(nullptr, nullptr);
+    if (const char *name = configName())
+        pw_properties_set(properties, PW_KEY_CONFIG_NAME, name);
+    connection->context_.reset(
+        pw_context_new(pw_thread_loop_get_loop(connection->loop_.get()), properties, 0));
+    if (!connection->context_ || pw_thread_loop_start(connection->loop_.get()) < 0) {
+        status = lastError();
+        return nullptr;
+    }
+    const LoopLock lock(connection->loop());
+    connection->core_.reset(
+        pw_context_connect(connection->context_.get(),
+                           pw_properties_new(PW_KEY_APP_NAME, "Ostrafine", PW_KEY_APP_ID,
+                                             "com.quorbel.Ostrafine", nullptr),
+                           0));
+    if (!connection->core_) {
+        status = lastError();
+        return nullptr;
+    }
+    static const pw_core_events events = [] {
+        pw_core_events table{};
+        table.version = PW_VERSION_CORE_EVENTS;
+        table.done = [](void *self, std::uint32_t id, int sequence) {
+            if (id == PW_ID_CORE)
+                static_cast<ServerConnection *>(self)->coreDone(sequence);
+        };
+        table.error = [](void *self, std::uint32_t id, int, int result, const char *) {
+            static_cast<ServerConnection *>(self)->coreError(id, result);
+        };
+        return table;
+    }();
+    pw_core_add_listener(connection->core(), connection->coreHook_.get(), &events,
+                         connection.get());
+    status = statusOK;
+    return connection;
+}
+
+ServerConnection::~ServerConnection() {
+    if (!loop_)
+        return;
+    {
+        const LoopLock lock(loop());
+        coreHook_.remove();
+        core_.reset();
+    }
+    pw_thread_loop_stop(loop());
+    context_.reset();
+}
+
+void ServerConnection::coreDone(int sequence) {
+    doneSequence_ = sequence;
+    if (afterRoundTrip_ && sequence == afterSequence_)
+        std::exchange(afterRoundTrip_, nullptr)();
+    wakeWaiters();
+}
+
+void ServerConnection::coreError(std::uint32_t id, int result) {
+    // Errors of single objects reach those objects; on the core itself only a broken pipe is final.
+    if (id != PW_ID_CORE || result != -EPIPE || lost_)
+        return;
+    lost_ = true;
+    wakeWaiters();
+    if (lostHandler_)
+        lostHandler_(result);
+}
+
+Status ServerConnection::roundTrip(double seconds) {
+    if (lost_)
+        return -EPIPE;
+    const int sequence = pw_core_sync(core(), PW_ID_CORE, ++pendingSequence_);
+    return waitUntil([&] { return doneSequence_ == sequence; }, seconds);
+}
+
+Status ServerConnection::waitUntil(const std::function<bool()> &condition, double seconds) {
+    timespec deadline{};
+    pw_thread_loop_get_time(loop(), &deadline, static_cast<std::int64_t>(seconds * 1e9));
+    while (!condition()) {
+        if (lost_)
+            return -EPIPE;
+        if (pw_thread_loop_timed_wait_full(loop(), &deadline) != 0)
+            return condition() ? statusOK : -ETIMEDOUT;
+    }
+    return statusOK;
+}
+
+void ServerConnection::afterRoundTrip(std::function<void()> done) {
+    if (lost_)
+        return;
+    afterRoundTrip_ = std::move(done);
+    afterSequence_ = pw_core_sync(core(), PW_ID_CORE, ++pendingSequence_);
+}
+
+} // namespace quorbel

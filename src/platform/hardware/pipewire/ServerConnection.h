@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/core/Status.h"
+#include "platform/hardware/pipewire/PipeWireHandles.h"
+
+#include <functional>
+#include <memory>
+
+namespace quorbel {
+
+/// One connection to the user's sound server: a thread loop of our own, the context and the core.
+/// Lives until the server goes or the owner lets go; a lost connection is never mended, a new one
+/// is made.
+///
+/// [main] except where tagged; [control] is the loop's thread, which holds the loop's lock.
+class ServerConnection {
+  public:
+    /// Connects. On failure `status` is a negative errno (-EHOSTDOWN: nobody there) and null is
+    /// returned.
+    static std::unique_ptr<ServerConnection> open(Status &status);
+    ~ServerConnection();
+    ServerConnection(const ServerConnection &) = delete;
+    ServerConnection &operator=(const ServerConnection &) = delete;
+
+    [[nodiscard]] pw_thread_loop *loop() const { return loop_.get(); }
+    [[nodiscard]] pw_core *core() const { return core_.get(); }
+
+    /// Called once, when the server has gone. Set under the loop's lock. [control]
+    void setLostHandler(std::function<void(Status)> handler) { lostHandler_ = std::move(handler); }
+    [[nodiscard]] bool isLost() const { return lost_; }
+
+    /// Waits until the server has handled everything sent so far. Needs the loop's lock. -ETIMEDOUT
+    /// after `seconds`, -EPIPE if the server is gone.
+    Status roundTrip(double seconds);
+
+    /// Waits until `condition` holds, looking again after every event from the server. Needs the
+    /// loop's lock. Same statuses.
+    Status waitUntil(const std::function<bool()> &condition, double seconds);
+
+    /// Makes `waitUntil` look again. [control]
+    void wakeWaiters() { pw_thread_loop_signal(loop_.get(), false); }
+
+    /// Asks the server to answer once it has handled everything sent so far; then `done` runs.
+    /// [control]
+    void afterRoundTrip(std::function<void()> done);
+
+  private:
+    ServerConnection() = default;
+    void coreDone(int sequence);
+    void coreError(std::uint32_t id, int result);
+
+    std::unique_ptr<pw_thread_loop, ThreadLoopDeleter> loop_;
+    std::unique_ptr<pw_context, ContextDeleter> context_;
+    std::unique_ptr<pw_core, CoreDeleter> core_;
+    Hook coreHook_;
+    std::function<void(Status)> lostHandler_;
+    std::function<void()> afterRoundTrip_;
+    int pendingSequence_ = 0;
+    int doneSequence_ = -1;
+    int afterSequence_ = -1;
+    bool lost_ = false;
+};
+
+} // namespace quorbel
