@@ -21,13 +21,13 @@ struct Preset {
         Category::general,    Category::mr5,        Category::mr5Desk, Category::bass,
         Category::headphones, Category::btSpeakers, Category::genre,   Category::user};
 
-    Uuid id; ///< random for the user's presets, fixed for those that ship with the program
-    std::string name;
+    Uuid id{}; ///< random for the user's presets, fixed for those that ship with the program
+    std::string name{};
     Category category = Category::user;
-    Date createdAt;
-    std::vector<EQBand> bands;
-    SpatialConfig spatial;
-    std::string notes; ///< shown under the name
+    Date createdAt{};
+    std::vector<EQBand> bands{};
+    SpatialConfig spatial{};
+    std::string notes{}; ///< shown under the name
 
     friend bool operator==(const Preset &, const Preset &) = default;
 };

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+/// Reads a JSON document. Where a key stands twice in an object the later value counts, as with
+/// most readers. Nesting costs memory, not stack, and ends at 512 levels. Throws DecodingError,
+/// with line and column, for whatever is not JSON: unfinished, empty, not UTF-8, `NaN`, a number
+/// beyond 64 bits.
+[[nodiscard]] nlohmann::json parseJson(std::string_view text);
+
+/// A value as an error text shows it: on one line, printable, shortened.
+[[nodiscard]] std::string excerpt(const nlohmann::json &value);
+
+/// A string as an error text shows it: in quotation marks, on one line, printable, shortened.
+[[nodiscard]] std::string quotedText(std::string_view text);
+
+/// Appends the shortest decimal that reads back as the same 32-bit or 64-bit value; `value` is
+/// finite.
+void appendNumber(std::string &json, float value);
+void appendNumber(std::string &json, double value);
+
+/// Appends a string literal. Returns false, with nothing appended, for text that is not UTF-8.
+[[nodiscard]] bool appendString(std::string &json, std::string_view text);
+
+} // namespace quorbel

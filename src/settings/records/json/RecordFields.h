@@ -1,0 +1,143 @@
+#pragma once
+
+#include "settings/records/Persisted.h"
+
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+// The form of every record in JSON, as tables that the reader and the writer both walk: the keys in
+// the order in which they are written, and whether a file must have them. An optional key that is
+// missing leaves the value of a default-made record.
+
+namespace quorbel {
+
+enum class Presence { required, optional };
+
+template <class Record, class Value> struct Field {
+    std::string_view key;
+    Value Record::*member;
+    Presence presence;
+};
+
+template <class Record, class Value>
+constexpr Field<Record, Value> required(std::string_view key, Value Record::*member) {
+    return {key, member, Presence::required};
+}
+
+template <class Record, class Value>
+constexpr Field<Record, Value> optional(std::string_view key, Value Record::*member) {
+    return {key, member, Presence::optional};
+}
+
+/// Specialised below for every record: `all`, a tuple of fields.
+template <class Record> struct RecordFields;
+
+/// Specialised below for every enumeration: `kind`, as error texts call it, and `all`, its values
+/// with their JSON strings.
+template <class Enumeration> struct EnumerationNames;
+
+template <> struct EnumerationNames<EQBand::FilterType> {
+    static constexpr std::string_view kind = "filter type";
+    static constexpr std::pair<EQBand::FilterType, std::string_view> all[] = {
+        {EQBand::FilterType::parametric, "parametric"}, {EQBand::FilterType::lowShelf, "lowShelf"},
+        {EQBand::FilterType::highShelf, "highShelf"},   {EQBand::FilterType::lowPass, "lowPass"},
+        {EQBand::FilterType::highPass, "highPass"},
+    };
+};
+
+template <> struct EnumerationNames<SpatialConfig::ReverbPreset> {
+    static constexpr std::string_view kind = "reverb preset";
+    static constexpr std::pair<SpatialConfig::ReverbPreset, std::string_view> all[] = {
+        {SpatialConfig::ReverbPreset::smallRoom, "smallRoom"},
+        {SpatialConfig::ReverbPreset::mediumRoom, "mediumRoom"},
+        {SpatialConfig::ReverbPreset::largeRoom, "largeRoom"},
+        {SpatialConfig::ReverbPreset::mediumHall, "mediumHall"},
+        {SpatialConfig::ReverbPreset::largeHall, "largeHall"},
+        {SpatialConfig::ReverbPreset::cathedral, "cathedral"},
+        {SpatialConfig::ReverbPreset::plate, "plate"},
+    };
+};
+
+template <> struct EnumerationNames<Preset::Category> {
+    static constexpr std::string_view kind = "category";
+    static constexpr std::pair<Preset::Category, std::string_view> all[] = {
+        {Preset::Category::general, "general"},       {Preset::Category::mr5, "mr5"},
+        {Preset::Category::mr5Desk, "mr5Desk"},       {Preset::Category::bass, "bass"},
+        {Preset::Category::headphones, "headphones"}, {Preset::Category::btSpeakers, "btSpeakers"},
+        {Preset::Category::genre, "genre"},           {Preset::Category::user, "user"},
+    };
+};
+
+template <> struct RecordFields<EQBand> {
+    static constexpr auto all = std::make_tuple( //
+        optional("id", &EQBand::id),             //
+        required("frequency", &EQBand::frequency), optional("gainDB", &EQBand::gainDB),
+        optional("q", &EQBand::q), optional("filterType", &EQBand::filterType),
+        optional("bypassed", &EQBand::bypassed));
+};
+
+template <> struct RecordFields<MixerConfig> {
+    static constexpr auto all =
+        std::make_tuple(optional("tempoChainEnabled", &MixerConfig::tempoChainEnabled),
+                        optional("tempoRate", &MixerConfig::tempoRate),
+                        optional("pitchSemitones", &MixerConfig::pitchSemitones),
+                        optional("saturationEnabled", &MixerConfig::saturationEnabled),
+                        optional("saturationDrive", &MixerConfig::saturationDrive),
+                        optional("crossfeedEnabled", &MixerConfig::crossfeedEnabled),
+                        optional("crossfeedAmount", &MixerConfig::crossfeedAmount),
+                        optional("limiterEnabled", &MixerConfig::limiterEnabled),
+                        optional("limiterThresholdDB", &MixerConfig::limiterThresholdDB),
+                        optional("autoGainEnabled", &MixerConfig::autoGainEnabled),
+                        optional("autoGainTargetDB", &MixerConfig::autoGainTargetDB),
+                        optional("manualLoudnessEnabled", &MixerConfig::manualLoudnessEnabled),
+                        optional("manualLoudnessDB", &MixerConfig::manualLoudnessDB),
+                        optional("spectrumEnabled", &MixerConfig::spectrumEnabled));
+};
+
+// Bass, voice and tone came later than the first eight, so older files lack them.
+template <> struct RecordFields<SpatialConfig> {
+    static constexpr auto all =
+        std::make_tuple(required("widenerEnabled", &SpatialConfig::widenerEnabled),
+                        required("widthPercent", &SpatialConfig::widthPercent),
+                        required("xtcEnabled", &SpatialConfig::xtcEnabled),
+                        required("xtcAmount", &SpatialConfig::xtcAmount),
+                        required("xtcNotchFrequency", &SpatialConfig::xtcNotchFrequency),
+                        required("reverbEnabled", &SpatialConfig::reverbEnabled),
+                        required("reverbMix", &SpatialConfig::reverbMix),
+                        required("reverbPreset", &SpatialConfig::reverbPreset),
+                        optional("bassEnabled", &SpatialConfig::bassEnabled),
+                        optional("bassAmount", &SpatialConfig::bassAmount),
+                        optional("bassDrive", &SpatialConfig::bassDrive),
+                        optional("bassCrossover", &SpatialConfig::bassCrossover),
+                        optional("bassAdaptiveEnabled", &SpatialConfig::bassAdaptiveEnabled),
+                        optional("voiceEnabled", &SpatialConfig::voiceEnabled),
+                        optional("voiceAmount", &SpatialConfig::voiceAmount),
+                        optional("voicePresenceGainDB", &SpatialConfig::voicePresenceGainDB),
+                        optional("voiceMudCutDB", &SpatialConfig::voiceMudCutDB),
+                        optional("voiceAdaptiveEnabled", &SpatialConfig::voiceAdaptiveEnabled),
+                        optional("toneBassDB", &SpatialConfig::toneBassDB),
+                        optional("toneMidDB", &SpatialConfig::toneMidDB),
+                        optional("toneTrebleDB", &SpatialConfig::toneTrebleDB));
+};
+
+template <> struct RecordFields<Preset> {
+    static constexpr auto all = std::make_tuple(
+        required("id", &Preset::id), required("name", &Preset::name),
+        optional("category", &Preset::category), required("createdAt", &Preset::createdAt),
+        required("bands", &Preset::bands), required("spatial", &Preset::spatial),
+        optional("notes", &Preset::notes));
+};
+
+template <> struct RecordFields<Persisted> {
+    static constexpr auto all = std::make_tuple(
+        required("bands", &Persisted::bands), required("spatial", &Persisted::spatial),
+        required("presets", &Persisted::presets),
+        optional("activePresetID", &Persisted::activePresetID),
+        optional("mixer", &Persisted::mixer),
+        optional("activePresetName", &Persisted::activePresetName),
+        optional("eqGlobalGainDB", &Persisted::eqGlobalGainDB),
+        optional("outputDeviceUID", &Persisted::outputDeviceUID));
+};
+
+} // namespace quorbel

@@ -1,0 +1,201 @@
+#include "settings/records/json/SettingsCoding.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace quorbel {
+namespace {
+
+const std::string eightRequired =
+    R"("widenerEnabled":true,"widthPercent":120,"xtcEnabled":true,"xtcAmount":40.5,)"
+    R"("xtcNotchFrequency":2100,"reverbEnabled":true,"reverbMix":8,"reverbPreset":"plate")";
+
+Persisted fullRecord() {
+    Persisted record;
+    record.bands = EQBand::defaultBands();
+    record.bands[3].gainDB = -2.7F;
+    record.bands[4].bypassed = true;
+    record.spatial.widthPercent = 133.3F;
+    record.spatial.reverbPreset = SpatialConfig::ReverbPreset::cathedral;
+    record.presets.push_back({.id = Uuid::random(),
+                              .name = "Evening – \"quiet\"\n",
+                              .category = Preset::Category::mr5Desk,
+                              .createdAt = {753012345.678901},
+                              .bands = EQBand::defaultBands(),
+                              .spatial = {},
+                              .notes = "ünïcode"});
+    record.activePresetID = record.presets[0].id;
+    record.mixer = MixerConfig{.saturationDrive = 12.25F};
+    record.activePresetName = record.presets[0].name;
+    record.eqGlobalGainDB = -1.5F;
+    record.outputDeviceUID = "alsa_output.pci-0000_00_1f.3.analog-stereo";
+    return record;
+}
+
+TEST(RecordCoding, recordsLeaveInDeclarationOrderCompactAndWithShortestNumbers) {
+    EXPECT_EQ(encodeRecord(MixerConfig{}),
+              R"({"tempoChainEnabled":false,"tempoRate":1,"pitchSemitones":0,)"
+              R"("saturationEnabled":false,"saturationDrive":30,"crossfeedEnabled":false,)"
+              R"("crossfeedAmount":50,"limiterEnabled":true,"limiterThresholdDB":-0.3,)"
+              R"("autoGainEnabled":false,"autoGainTargetDB":-16,"manualLoudnessEnabled":false,)"
+              R"("manualLoudnessDB":0,"spectrumEnabled":true})");
+    EXPECT_EQ(encodeRecord(SpatialConfig{}),
+              R"({"widenerEnabled":false,"widthPercent":100,"xtcEnabled":false,"xtcAmount":50,)"
+              R"("xtcNotchFrequency":2000,"reverbEnabled":false,"reverbMix":15,)"
+              R"("reverbPreset":"smallRoom","bassEnabled":false,"bassAmount":50,"bassDrive":3,)"
+              R"("bassCrossover":80,"bassAdaptiveEnabled":false,"voiceEnabled":false,)"
+              R"("voiceAmount":100,"voicePresenceGainDB":3,"voiceMudCutDB":2.5,)"
+              R"("voiceAdaptiveEnabled":false,"toneBassDB":0,"toneMidDB":0,"toneTrebleDB":0})");
+
+    EQBand band = EQBand::defaultBands().front();
+    band.id = *Uuid::fromText("0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9");
+    const std::string bandJson =
+        R"({"id":"0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9","frequency":31.5,"gainDB":0,"q":1,)"
+        R"("filterType":"lowShelf","bypassed":false})";
+    EXPECT_EQ(encodeRecord(band), bandJson);
+
+    const Preset preset{.id = band.id,
+                        .name = "A — B",
+                        .createdAt = Date::unixEpoch(),
+                        .bands = {band},
+                        .spatial = {},
+                        .notes = ""};
+    const std::string presetJson =
+        R"({"id":"0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9","name":"A — B","category":"user",)"
+        R"("createdAt":-978307200,"bands":[)" +
+        bandJson + R"(],"spatial":)" + encodeRecord(SpatialConfig{}) + R"(,"notes":""})";
+    EXPECT_EQ(encodeRecord(preset), presetJson);
+
+    Persisted persisted;
+    persisted.presets = {preset};
+    const std::string requiredPart = R"({"bands":[],"spatial":)" + encodeRecord(SpatialConfig{}) +
+                                     R"(,"presets":[)" + presetJson;
+    EXPECT_EQ(encodeRecord(persisted), requiredPart + "]}");
+    persisted.activePresetID = band.id;
+    persisted.mixer = MixerConfig{};
+    persisted.activePresetName = "A";
+    persisted.eqGlobalGainDB = 0.1F;
+    persisted.outputDeviceUID = "";
+    EXPECT_EQ(encodeRecord(persisted),
+              requiredPart +
+                  R"(],"activePresetID":"0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9","mixer":)" +
+                  encodeRecord(MixerConfig{}) +
+                  R"(,"activePresetName":"A","eqGlobalGainDB":0.1,"outputDeviceUID":""})");
+}
+
+TEST(RecordCoding, everyRecordComesBackEqual) {
+    const Persisted record = fullRecord();
+    EXPECT_EQ(decodeRecord<Persisted>(encodeRecord(record)), record);
+    EXPECT_EQ(decodeRecord<SpatialConfig>(encodeRecord(SpatialConfig{})), SpatialConfig{});
+
+    for (const auto type : EQBand::allFilterTypes) {
+        const EQBand band{.filterType = type};
+        EXPECT_EQ(decodeRecord<EQBand>(encodeRecord(band)), band);
+    }
+    for (const auto reverb : SpatialConfig::allReverbPresets) {
+        const SpatialConfig spatial{.reverbPreset = reverb};
+        EXPECT_EQ(decodeRecord<SpatialConfig>(encodeRecord(spatial)), spatial);
+    }
+    for (const auto category : Preset::allCategories) {
+        const Preset preset{.category = category};
+        EXPECT_EQ(decodeRecord<Preset>(encodeRecord(preset)), preset);
+    }
+}
+
+TEST(RecordCoding, missingAndNullOptionalKeysTakeTheDefaults) {
+    EXPECT_EQ(decodeRecord<MixerConfig>("{}"), MixerConfig{});
+    EXPECT_EQ(decodeRecord<MixerConfig>(R"({"limiterEnabled":null,"tempoRate":null})"),
+              MixerConfig{});
+
+    const auto band = decodeRecord<EQBand>(R"({"frequency": 1000})");
+    EXPECT_EQ(band, (EQBand{.id = band.id, .frequency = 1000.0F}));
+    EXPECT_NE(band.id, decodeRecord<EQBand>(R"({"frequency": 1000, "id": null})").id);
+
+    const auto spatial = decodeRecord<SpatialConfig>("{" + eightRequired + "}");
+    EXPECT_EQ(spatial, (SpatialConfig{.widenerEnabled = true,
+                                      .widthPercent = 120.0F,
+                                      .xtcEnabled = true,
+                                      .xtcAmount = 40.5F,
+                                      .xtcNotchFrequency = 2100.0F,
+                                      .reverbEnabled = true,
+                                      .reverbMix = 8.0F,
+                                      .reverbPreset = SpatialConfig::ReverbPreset::plate}));
+
+    const auto preset = decodeRecord<Preset>(
+        R"({"id":"0a1b2c3d-4e5f-6071-8293-A4B5C6D7E8F9","name":"x","createdAt":0,"bands":[],)"
+        R"("spatial":{)" +
+        eightRequired + "}}");
+    EXPECT_EQ(preset.category, Preset::Category::user);
+    EXPECT_EQ(preset.notes, "");
+
+    const auto persisted = decodeRecord<Persisted>(
+        R"({"bands":[],"presets":[],"mixer":null,"activePresetID":null,"spatial":{)" +
+        eightRequired + "}}");
+    EXPECT_FALSE(persisted.mixer || persisted.activePresetID || persisted.activePresetName ||
+                 persisted.eqGlobalGainDB || persisted.outputDeviceUID);
+}
+
+TEST(RecordCoding, whatARecordDoesNotHaveIsPassedOverAndTheLaterOfTwoEqualKeysCounts) {
+    const auto mixer = decodeRecord<MixerConfig>(
+        "\t{\"future\":{\"a\":[[1,null,\"\\ud83d\\ude00\"]]},\"TempoRate\":\"x\",\"tempoRate\":2,"
+        "\"tempoRate\":3.5}\r\n");
+    EXPECT_EQ(mixer, MixerConfig{.tempoRate = 3.5F});
+}
+
+TEST(RecordCoding, numbersKeepEveryBitIn32And64BitForm) {
+    const auto roundTrip = [](float value) {
+        return decodeRecord<EQBand>(encodeRecord(EQBand{.frequency = value})).frequency;
+    };
+    const auto expectSameBits = [&](float value) {
+        const auto back = roundTrip(value);
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(back), std::bit_cast<std::uint32_t>(value))
+            << encodeRecord(EQBand{.frequency = value});
+    };
+    using Limits = std::numeric_limits<float>;
+    for (const float value : {0.0F, 0.1F, -0.3F, 1e-6F, 16777217.0F, 1e20F, Limits::max(),
+                              Limits::lowest(), Limits::min(), Limits::denorm_min()})
+        expectSameBits(value);
+
+    const std::uint32_t seed = 20240229;
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    for (int count = 0; count < 20000; ++count) {
+        const auto value = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+        if (std::isfinite(value))
+            expectSameBits(value);
+        const Date date{std::ldexp(static_cast<double>(random()), -3) + 1e-7 * count};
+        EXPECT_EQ(decodeRecord<Preset>(encodeRecord(Preset{.createdAt = date})).createdAt, date);
+    }
+    // As the library's own writer would not print it.
+    EXPECT_NE(encodeRecord(EQBand{.gainDB = -3.7487066F}).find(R"("gainDB":-3.7487066,)"),
+              std::string::npos);
+}
+
+TEST(RecordCoding, whatJsonCannotHoldIsRefusedWithItsPath) {
+    const auto pathOfFailure = [](const Persisted &record) -> std::string {
+        try {
+            (void)encodeRecord(record);
+        } catch (const EncodingError &error) {
+            return error.path();
+        }
+        return "written";
+    };
+    Persisted record = fullRecord();
+    record.bands[2].q = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(pathOfFailure(record), "bands[2].q");
+    record = fullRecord();
+    record.presets[0].spatial.toneMidDB = -std::numeric_limits<float>::infinity();
+    EXPECT_EQ(pathOfFailure(record), "presets[0].spatial.toneMidDB");
+    record = fullRecord();
+    record.presets[0].name = "\xff";
+    EXPECT_EQ(pathOfFailure(record), "presets[0].name");
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,86 @@
+#include "settings/records/SettingsFile.h"
+
+#include "settings/records/json/SettingsCoding.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace quorbel {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+class SettingsFile : public testing::Test {
+  protected:
+    SettingsFile() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "settings-XXXXXX").string();
+        folder_ = mkdtemp(pattern.data());
+    }
+    ~SettingsFile() override { std::filesystem::remove_all(folder_); }
+
+    [[nodiscard]] std::string path(const std::string &name) const {
+        return (folder_ / name).string();
+    }
+
+    std::string file(const std::string &name, const std::string &text) const {
+        std::ofstream(path(name), std::ios::binary) << text;
+        return path(name);
+    }
+
+    static std::string failureReading(const std::string &path) {
+        try {
+            (void)readSettingsFile(path);
+        } catch (const SettingsFileError &error) {
+            return error.what();
+        }
+        return "read";
+    }
+
+  private:
+    std::filesystem::path folder_;
+};
+
+TEST_F(SettingsFile, isReadAndLeftAsItIs) {
+    Persisted record;
+    record.bands = EQBand::defaultBands();
+    const std::string text = encodeRecord(record);
+    const std::string good = file("state.json", text);
+    EXPECT_EQ(readSettingsFile(good), record);
+
+    const std::string bad = file("bad.json", "{\"bands\":[1]}");
+    EXPECT_THROW((void)readSettingsFile(bad), DecodingError);
+    EXPECT_EQ(readSettingsText(bad), "{\"bands\":[1]}");
+}
+
+// A pipe that nobody writes to, a socket, an endless device: none may make the program wait.
+TEST_F(SettingsFile, whatIsNoFileIsRefusedAtOnceByName) {
+    EXPECT_THAT(failureReading(path("missing.json")),
+                AllOf(HasSubstr("missing.json: "), HasSubstr("No such file")));
+    EXPECT_THAT(failureReading(path("")), HasSubstr("is a directory"));
+
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+    EXPECT_THAT(failureReading(path("pipe")), HasSubstr("is not a regular file"));
+    EXPECT_THAT(failureReading("/dev/zero"), HasSubstr("is not a regular file"));
+
+    const std::string huge = file("huge.json", "{");
+    std::filesystem::resize_file(huge, 200U << 20U); // sparse
+    EXPECT_THAT(failureReading(huge), HasSubstr("is larger than 64 MiB"));
+
+    if (geteuid() != 0) {
+        const std::string secret = file("secret.json", "{}");
+        ASSERT_EQ(chmod(secret.c_str(), 0), 0);
+        EXPECT_THAT(failureReading(secret), HasSubstr("Permission denied"));
+    }
+}
+
+} // namespace
+} // namespace quorbel
