@@ -1,0 +1,60 @@
+#pragma once
+
+#include <csignal>
+#include <map>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace quorbel::soundserver {
+
+using Environment = std::map<std::string, std::string>;
+
+/// A program that this process started and that never outlives it: it is killed when the object
+/// goes, and by the kernel when this process dies in any way.
+///
+/// It runs in a process group of its own, so that Ctrl-C in a terminal reaches us alone and we
+/// decide the order in which things end. Start children on a thread that stays: the kernel kills
+/// them with it.
+class ChildProcess {
+  public:
+    /// `arguments[0]` is looked up in PATH; `environment` is added to our own. Throws `ServerError`
+    /// if the program cannot be run.
+    ChildProcess(std::vector<std::string> arguments, const Environment &environment);
+    ~ChildProcess();
+    ChildProcess(const ChildProcess &) = delete;
+    ChildProcess &operator=(const ChildProcess &) = delete;
+
+    [[nodiscard]] pid_t pid() const { return pid_; }
+    [[nodiscard]] bool running() noexcept;
+
+    /// The exit status, 128 plus the signal's number if a signal ended it; nothing if it still runs
+    /// then.
+    std::optional<int> exitStatusWithin(double seconds);
+
+    void signal(int number) const;
+
+    /// Asks it to end, insists after `seconds`, and returns the exit status as above.
+    int stop(double seconds = 3.0, int firstSignal = SIGTERM) noexcept;
+
+    /// Everything it has written so far.
+    [[nodiscard]] std::string output() const;
+    [[nodiscard]] std::string errors() const;
+
+    [[nodiscard]] const std::vector<std::string> &arguments() const { return arguments_; }
+
+  private:
+    std::vector<std::string> arguments_;
+    int outputFile_ = -1; // in memory, so that nothing has to be read for the child to go on
+    int errorFile_ = -1;
+    pid_t pid_ = -1;
+    std::optional<int> exitStatus_;
+};
+
+/// Runs a program to its end and returns its output. Throws `ServerError`, with what it said, if it
+/// fails or takes longer than `seconds`.
+std::string runProgram(std::vector<std::string> arguments, const Environment &environment,
+                       double seconds = 10.0);
+
+} // namespace quorbel::soundserver

@@ -1,0 +1,107 @@
+#include "support/soundserver/ClientStream.h"
+
+#include "support/soundserver/Waiting.h"
+
+#include <spa/param/audio/format-utils.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace quorbel::soundserver {
+
+const pw_stream_events ClientStream::events = [] {
+    pw_stream_events handlers{};
+    handlers.version = PW_VERSION_STREAM_EVENTS;
+    handlers.io_changed = [](void *data, std::uint32_t id, void *area, std::uint32_t) {
+        if (id == SPA_IO_Position) {
+            static_cast<ClientStream *>(data)->position_ = static_cast<spa_io_position *>(area);
+        }
+    };
+    handlers.process = [](void *data) { static_cast<ClientStream *>(data)->onProcess(); };
+    return handlers;
+}();
+
+ClientStream::~ClientStream() { disconnect(); }
+
+void ClientStream::connect(pw_direction direction, pw_properties *properties, int sampleRate) {
+    direction_ = direction;
+    pw_properties_set(properties, PW_KEY_MEDIA_TYPE, "Audio");
+    pw_properties_set(properties, PW_KEY_NODE_NAME, name_.c_str());
+    pw_properties_set(properties, PW_KEY_APP_NAME, name_.c_str());
+
+    std::uint8_t storage[1024];
+    spa_pod_builder builder = SPA_POD_BUILDER_INIT(storage, sizeof storage);
+    spa_audio_info_raw format{};
+    format.format = SPA_AUDIO_FORMAT_F32P;
+    format.rate = static_cast<std::uint32_t>(sampleRate);
+    format.channels = 2;
+    format.position[0] = SPA_AUDIO_CHANNEL_FL;
+    format.position[1] = SPA_AUDIO_CHANNEL_FR;
+    const spa_pod *parameters[] = {
+        spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format)};
+
+    const GraphClient::Guard guard(client_);
+    stream_ = pw_stream_new(client_.core(), name_.c_str(), properties);
+    if (stream_ == nullptr) {
+        throw ServerError("no stream " + name_);
+    }
+    pw_stream_add_listener(stream_, &listener_, &events, this);
+    const auto flags = static_cast<pw_stream_flags>(
+        PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
+    const int result = pw_stream_connect(stream_, direction, PW_ID_ANY, flags, parameters, 1);
+    if (result < 0) {
+        throw ServerError("cannot connect " + name_ + ": " + std::strerror(-result));
+    }
+}
+
+void ClientStream::disconnect() {
+    if (stream_ != nullptr) {
+        const GraphClient::Guard guard(client_);
+        pw_stream_destroy(stream_);
+        stream_ = nullptr;
+    }
+}
+
+void ClientStream::onProcess() noexcept {
+    pw_buffer *buffer = pw_stream_dequeue_buffer(stream_);
+    if (buffer == nullptr) {
+        return;
+    }
+    Cycle cycle;
+    if (const spa_io_position *position = position_) {
+        cycle.position = position->clock.position;
+        cycle.nanoseconds = position->clock.nsec;
+        cycle.frames = static_cast<std::uint32_t>(position->clock.duration);
+    }
+    spa_data *planes = buffer->buffer->datas;
+    if (buffer->buffer->n_datas >= 2 && planes[0].data != nullptr && planes[1].data != nullptr) {
+        std::uint32_t frames = 0;
+        std::uint32_t offset = 0;
+        if (direction_ == PW_DIRECTION_INPUT) {
+            offset = planes[0].chunk->offset;
+            frames = planes[0].chunk->size / sizeof(float);
+        } else {
+            const auto wanted = static_cast<std::uint32_t>(buffer->requested);
+            frames = std::min<std::uint32_t>(wanted != 0 ? wanted : cycle.frames,
+                                             planes[0].maxsize / sizeof(float));
+        }
+        const auto plane = [&](int index) {
+            return reinterpret_cast<float *>(static_cast<std::uint8_t *>(planes[index].data) +
+                                             offset);
+        };
+        frames = process(cycle, plane(0), plane(1), frames);
+        for (int index = 0; direction_ == PW_DIRECTION_OUTPUT && index < 2; ++index) {
+            planes[index].chunk->offset = 0;
+            planes[index].chunk->stride = sizeof(float);
+            planes[index].chunk->size = frames * static_cast<std::uint32_t>(sizeof(float));
+        }
+    }
+    pw_stream_queue_buffer(stream_, buffer);
+    ++cycles_;
+}
+
+void ClientStream::waitUntilRunning() const {
+    waitFor(name_ + " takes part in the graph", 5.0, [&] { return cycles() > 0; });
+}
+
+} // namespace quorbel::soundserver

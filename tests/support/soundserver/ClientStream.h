@@ -1,0 +1,62 @@
+#pragma once
+
+#include "support/soundserver/GraphClient.h"
+
+#include <pipewire/pipewire.h>
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+namespace quorbel::soundserver {
+
+/// What a player and a recorder have in common: one stereo stream of floats whose cycles know where
+/// they stand on the graph's clock.
+class ClientStream {
+  public:
+    virtual ~ClientStream();
+    ClientStream(const ClientStream &) = delete;
+    ClientStream &operator=(const ClientStream &) = delete;
+
+    /// Cycles begun so far; more than 0 once the stream is linked to something that runs.
+    [[nodiscard]] std::uint64_t cycles() const { return cycles_; }
+
+    /// Waits until the stream takes part in the graph. Throws `ServerError`.
+    void waitUntilRunning() const;
+
+  protected:
+    /// Where the cycle under way stands: frames since the driver's start, and the time it began.
+    struct Cycle {
+        std::uint64_t position = 0;
+        std::uint64_t nanoseconds = 0;
+        std::uint32_t frames = 0;
+    };
+
+    ClientStream(GraphClient &client, const std::string &name) : client_(client), name_(name) {}
+
+    /// `properties` is taken over. Throws `ServerError`.
+    void connect(pw_direction direction, pw_properties *properties, int sampleRate);
+
+    /// Must be called by the destructor of the derived class, while its `process` can still run.
+    void disconnect();
+
+    /// One cycle on the data thread: at most `capacityFrames` of both channels, of which the
+    /// function returns how many it has filled (playing) or seen (recording, which gets exactly
+    /// what there is).
+    virtual std::uint32_t process(const Cycle &cycle, float *left, float *right,
+                                  std::uint32_t frames) noexcept = 0;
+
+  private:
+    static const pw_stream_events events;
+    void onProcess() noexcept;
+
+    GraphClient &client_;
+    std::string name_;
+    pw_stream *stream_ = nullptr;
+    spa_hook listener_{};
+    pw_direction direction_ = PW_DIRECTION_OUTPUT;
+    std::atomic<spa_io_position *> position_{nullptr};
+    std::atomic<std::uint64_t> cycles_{0};
+};
+
+} // namespace quorbel::soundserver

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+struct pw_context;
+struct pw_core;
+struct pw_thread_loop;
+
+namespace quorbel::soundserver {
+
+class PrivateSoundServer;
+
+/// This process's own connection to a private sound server, shared by the streams that play and
+/// record. They run on one data thread and, once linked to the same device, in the same cycles of
+/// the same clock.
+class GraphClient {
+  public:
+    /// Throws `ServerError` if the connection fails.
+    explicit GraphClient(const PrivateSoundServer &server);
+    ~GraphClient();
+    GraphClient(const GraphClient &) = delete;
+    GraphClient &operator=(const GraphClient &) = delete;
+
+    /// Holds the loop's lock: calls on streams are made under it.
+    class Guard {
+      public:
+        explicit Guard(GraphClient &client);
+        ~Guard();
+        Guard(const Guard &) = delete;
+        Guard &operator=(const Guard &) = delete;
+
+      private:
+        pw_thread_loop *loop_;
+    };
+
+    [[nodiscard]] pw_core *core() const { return core_; }
+
+  private:
+    pw_thread_loop *loop_ = nullptr;
+    pw_context *context_ = nullptr;
+    pw_core *core_ = nullptr;
+};
+
+} // namespace quorbel::soundserver

@@ -1,0 +1,125 @@
+#include "support/soundserver/LiveProcess.h"
+
+#include "support/soundserver/Waiting.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+namespace quorbel::soundserver {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string writeSettings(const PrivateSoundServer &server, const LiveSettings &settings) {
+    const std::string path = (server.folder() / "settings.json").string();
+    std::ofstream(path) << settings.json();
+    return path;
+}
+
+} // namespace
+
+std::string LiveSettings::json() const {
+    Json file;
+    file["bands"] = Json::array();
+    for (const Band &band : bands) {
+        file["bands"].push_back({{"frequency", band.frequency},
+                                 {"gainDB", band.gainDB},
+                                 {"q", band.q},
+                                 {"filterType", band.filterType}});
+    }
+    file["spatial"] = {{"widenerEnabled", false},     {"widthPercent", 100.0},
+                       {"xtcEnabled", false},         {"xtcAmount", 50.0},
+                       {"xtcNotchFrequency", 2000.0}, {"reverbEnabled", false},
+                       {"reverbMix", 15.0},           {"reverbPreset", "smallRoom"}};
+    file["presets"] = Json::array();
+    file["mixer"] = Json::object();
+    file["eqGlobalGainDB"] = eqGlobalGainDB;
+    return file.dump(2);
+}
+
+LiveProcess::LiveProcess(const PrivateSoundServer &server, const LiveSettings &settings,
+                         std::vector<std::string> arguments)
+    : server_(server) {
+    std::vector<std::string> command = {QUORBEL_CLI, "live", "--settings",
+                                        writeSettings(server, settings)};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    startedNanoseconds_ = static_cast<std::uint64_t>(SteadyClock::now().time_since_epoch() /
+                                                     std::chrono::nanoseconds(1));
+    process_ = server.start(std::move(command));
+}
+
+LiveProcess::~LiveProcess() { process_->stop(3.0, SIGINT); }
+
+void LiveProcess::waitUntilRunning(double seconds) {
+    // What it is for has begun when its stream plays into a device and the tap is there to be
+    // played into.
+    const std::string pid = std::to_string(process_->pid());
+    const bool runs = comesTrue(seconds, [&] {
+        return !process_->running() || hasLogged("[SystemAudioTap] running: tap=");
+    });
+    if (!runs || !process_->running()) {
+        throw ServerError("ostrafine-cli live (" + pid + ") does not run: " + process_->errors() +
+                          process_->output());
+    }
+}
+
+std::vector<std::string> LiveProcess::logLines() const {
+    std::vector<std::string> lines;
+    std::istringstream text(process_->output());
+    for (std::string line; std::getline(text, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+bool LiveProcess::hasLogged(const std::string &part) const {
+    return std::ranges::any_of(
+        logLines(), [&](const std::string &line) { return line.find(part) != std::string::npos; });
+}
+
+double LiveProcess::processorSeconds() const {
+    std::ifstream file("/proc/" + std::to_string(process_->pid()) + "/stat");
+    std::string text;
+    std::getline(file, text);
+    std::istringstream fields(text.substr(std::min(text.rfind(')'), text.size())));
+    std::string skipped;
+    for (int field = 0; field < 12; ++field) { // ")", the state, and ten numbers before utime
+        fields >> skipped;
+    }
+    double user = 0.0;
+    double system = 0.0;
+    fields >> user >> system;
+    return (user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
+}
+
+double LiveProcess::memoryMiB() const {
+    std::ifstream file("/proc/" + std::to_string(process_->pid()) + "/smaps_rollup");
+    for (std::string word; file >> word;) {
+        if (word == "Pss:") {
+            double kilobytes = 0.0;
+            file >> kilobytes;
+            return kilobytes / 1024.0;
+        }
+    }
+    throw ServerError("no memory figures of ostrafine-cli");
+}
+
+std::vector<pid_t> LiveProcess::helpers() const {
+    // Told by the session they belong to and by not being one of its applications.
+    std::vector<pid_t> found;
+    for (const pid_t pid : server_.otherProcesses()) {
+        std::ifstream file("/proc/" + std::to_string(pid) + "/comm");
+        std::string name;
+        std::getline(file, name);
+        if (pid != process_->pid() && name.starts_with("ostrafine")) {
+            found.push_back(pid);
+        }
+    }
+    return found;
+}
+
+} // namespace quorbel::soundserver

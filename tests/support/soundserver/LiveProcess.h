@@ -1,0 +1,66 @@
+#pragma once
+
+#include "support/soundserver/PrivateSoundServer.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorbel::soundserver {
+
+/// The settings that the tests and the demo use, as the settings file has them; everything else is
+/// at its default, which leaves the sound as it is.
+struct LiveSettings {
+    struct Band {
+        double frequency = 1000.0;
+        double gainDB = 0.0;
+        double q = 1.0;
+        std::string filterType = "parametric";
+    };
+
+    std::vector<Band> bands;
+    double eqGlobalGainDB = 0.0;
+
+    [[nodiscard]] std::string json() const;
+};
+
+/// `ostrafine-cli live`, run on a private sound server.
+class LiveProcess {
+  public:
+    /// Starts it and returns at once. `arguments` are added to the command line.
+    LiveProcess(const PrivateSoundServer &server, const LiveSettings &settings,
+                std::vector<std::string> arguments = {});
+
+    /// Ends it like Ctrl-C would, if it still runs.
+    ~LiveProcess();
+
+    /// Waits until it captures and plays. Throws `ServerError`, with what it said, if it ends or
+    /// takes longer than `seconds`.
+    void waitUntilRunning(double seconds = 5.0);
+
+    /// When it was started, on the monotonic clock.
+    [[nodiscard]] std::uint64_t startedNanoseconds() const { return startedNanoseconds_; }
+
+    [[nodiscard]] ChildProcess &process() { return *process_; }
+
+    /// The lines of its standard output.
+    [[nodiscard]] std::vector<std::string> logLines() const;
+    [[nodiscard]] bool hasLogged(const std::string &part) const;
+
+    /// Time on a processor so far, of all threads.
+    [[nodiscard]] double processorSeconds() const;
+
+    /// Memory in RAM: its own and its share of what it shares with other programs (Pss), in MiB.
+    [[nodiscard]] double memoryMiB() const;
+
+    /// The watchdog and other helpers it started, as far as they live.
+    [[nodiscard]] std::vector<pid_t> helpers() const;
+
+  private:
+    const PrivateSoundServer &server_;
+    std::uint64_t startedNanoseconds_ = 0;
+    std::unique_ptr<ChildProcess> process_;
+};
+
+} // namespace quorbel::soundserver

@@ -1,0 +1,18 @@
+#include "support/soundserver/Player.h"
+
+namespace quorbel::soundserver {
+
+Player::Player(GraphClient &client, Sound &sound, const Options &options)
+    : ClientStream(client, options.name), sound_(sound) {
+    pw_properties *properties =
+        pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Playback", PW_KEY_MEDIA_ROLE, "Music", nullptr);
+    if (!options.target.empty()) {
+        pw_properties_set(properties, PW_KEY_TARGET_OBJECT, options.target.c_str());
+    }
+    if (!options.mayBeMoved) {
+        pw_properties_set(properties, PW_KEY_NODE_DONT_RECONNECT, "true");
+    }
+    connect(PW_DIRECTION_OUTPUT, properties, options.sampleRate);
+}
+
+} // namespace quorbel::soundserver

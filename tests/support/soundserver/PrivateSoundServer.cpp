@@ -1,0 +1,239 @@
+#include "support/soundserver/PrivateSoundServer.h"
+
+#include "support/soundserver/Waiting.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quorbel::soundserver {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Short, because the paths of sockets have no more than 108 characters.
+fs::path makeTemporaryFolder() {
+    std::string path = (fs::temp_directory_path() / "ostrafine-XXXXXX").string();
+    if (mkdtemp(path.data()) == nullptr) {
+        throw ServerError("no temporary folder " + path + ": " + std::strerror(errno));
+    }
+    return path;
+}
+
+void writeFile(const fs::path &path, const std::string &text) {
+    fs::create_directories(path.parent_path());
+    std::ofstream file(path);
+    file << text;
+    if (!file.flush()) {
+        throw ServerError("cannot write " + path.string());
+    }
+}
+
+std::string readFile(const fs::path &path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+std::string trimmed(std::string text) {
+    text.erase(text.find_last_not_of(" \n\t") + 1);
+    return text;
+}
+
+bool isSocket(const fs::path &path) {
+    std::error_code ignored;
+    return fs::is_socket(path, ignored);
+}
+
+// A bus that starts no services: what is not here must not come from the machine.
+constexpr const char *busConfiguration = R"(<!DOCTYPE busconfig PUBLIC
+ "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:path={}</listen>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
+
+} // namespace
+
+PrivateSoundServer::PrivateSoundServer(const Options &options)
+    : options_(options), folder_(makeTemporaryFolder()) {
+    try {
+        for (const auto &[variable, name] : {std::pair{"XDG_RUNTIME_DIR", "run"},
+                                             {"XDG_CONFIG_HOME", "config"},
+                                             {"XDG_STATE_HOME", "state"},
+                                             {"XDG_DATA_HOME", "data"},
+                                             {"XDG_CACHE_HOME", "cache"},
+                                             {"HOME", "home"}}) {
+            fs::create_directory(folder_ / name);
+            fs::permissions(folder_ / name, fs::perms::owner_all);
+            environment_[variable] = (folder_ / name).string();
+        }
+        // Whatever points to a server of the user's must not reach the programs of this session.
+        for (const char *variable : {"PIPEWIRE_REMOTE", "PIPEWIRE_RUNTIME_DIR", "PULSE_SERVER",
+                                     "PULSE_RUNTIME_PATH", "DISPLAY", "WAYLAND_DISPLAY"}) {
+            unsetenv(variable);
+        }
+        const fs::path bus = folder_ / "run" / "bus";
+        environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + bus.string();
+        writeFile(folder_ / "bus.conf", fmt::format(busConfiguration, bus.string()));
+        writeFile(folder_ / "config/pipewire/pipewire.conf.d/rate.conf",
+                  fmt::format("context.properties = {{ default.clock.rate = {0} "
+                              "default.clock.allowed-rates = [ {0} ] }}\n",
+                              options.sampleRate));
+        startBus();
+        startServer();
+    } catch (...) {
+        pulse_.reset();
+        sessionManager_.reset();
+        pipewire_.reset();
+        bus_.reset();
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+        throw;
+    }
+}
+
+PrivateSoundServer::~PrivateSoundServer() {
+    pulse_.reset();
+    sessionManager_.reset();
+    pipewire_.reset();
+    bus_.reset();
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+}
+
+void PrivateSoundServer::startBus() {
+    bus_ = start({"dbus-daemon", "--nofork", "--config-file=" + (folder_ / "bus.conf").string()});
+    waitForSocket(folder_ / "run/bus", *bus_);
+}
+
+void PrivateSoundServer::startServer() {
+    pipewire_ = start({"pipewire"});
+    waitForSocket(socket(), *pipewire_);
+    sessionManager_ = start({"wireplumber"});
+    pulse_ = start({"pipewire-pulse"});
+    waitForSocket(folder_ / "run/pulse/native", *pulse_);
+    for (const Device &device : options_.devices) {
+        addDevice(device);
+    }
+    if (!options_.devices.empty()) {
+        setDefaultDevice(options_.devices.front().name);
+    }
+}
+
+void PrivateSoundServer::waitForSocket(const fs::path &path, ChildProcess &owner) const {
+    waitFor(path.string(), 10.0, [&] {
+        if (!owner.running()) {
+            throw ServerError(owner.arguments()[0] + " ended: " + owner.errors());
+        }
+        return isSocket(path);
+    });
+}
+
+fs::path PrivateSoundServer::socket() const { return folder_ / "run/pipewire-0"; }
+
+std::unique_ptr<ChildProcess> PrivateSoundServer::start(std::vector<std::string> arguments) const {
+    return std::make_unique<ChildProcess>(std::move(arguments), environment_);
+}
+
+std::string PrivateSoundServer::run(std::vector<std::string> arguments) const {
+    return runProgram(std::move(arguments), environment_);
+}
+
+std::vector<pid_t> PrivateSoundServer::otherProcesses() const {
+    const std::string mark = "XDG_RUNTIME_DIR=" + environment_.at("XDG_RUNTIME_DIR");
+    std::vector<pid_t> ours;
+    for (const auto *process : {bus_.get(), pipewire_.get(), sessionManager_.get(), pulse_.get()}) {
+        if (process != nullptr) {
+            ours.push_back(process->pid());
+        }
+    }
+    std::vector<pid_t> others;
+    std::error_code ignored;
+    for (const auto &entry : fs::directory_iterator("/proc", ignored)) {
+        const std::string name = entry.path().filename();
+        pid_t pid = 0;
+        const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
+        if (error != std::errc() || *end != '\0' || std::ranges::find(ours, pid) != ours.end()) {
+            continue;
+        }
+        if (readFile(entry.path() / "environ").find(mark) != std::string::npos) {
+            others.push_back(pid);
+        }
+    }
+    return others;
+}
+
+void PrivateSoundServer::addDevice(const Device &device) {
+    moduleOfDevice_[device.name] =
+        trimmed(run({"pactl", "load-module", "module-null-sink", "sink_name=" + device.name,
+                     fmt::format("rate={}", options_.sampleRate),
+                     "sink_properties=device.description=" + device.description}));
+    waitFor("the device " + device.name, 10.0, [&] {
+        return state().node(device.name) != nullptr &&
+               desktopList("sinks").find("\t" + device.name + "\t") != std::string::npos;
+    });
+}
+
+void PrivateSoundServer::removeDevice(const std::string &name) {
+    run({"pactl", "unload-module", moduleOfDevice_.at(name)});
+    waitFor(name + " is gone", 10.0, [&] { return state().node(name) == nullptr; });
+}
+
+void PrivateSoundServer::setDefaultDevice(const std::string &name) const {
+    run({"pactl", "set-default-sink", name});
+    waitFor(name + " is the default", 10.0,
+            [&] { return state().defaultName("default.audio.sink") == name; });
+}
+
+void PrivateSoundServer::moveApplication(const std::string &nodeName,
+                                         const std::string &device) const {
+    const ServerState before = state();
+    const Node *application = before.node(nodeName);
+    if (application == nullptr) {
+        throw ServerError("no application " + nodeName);
+    }
+    run({"pactl", "move-sink-input", application->property("object.serial"), device});
+}
+
+void PrivateSoundServer::forceQuantum(int frames) const {
+    run({"pw-metadata", "-n", "settings", "0", "clock.force-quantum", std::to_string(frames)});
+}
+
+void PrivateSoundServer::forceSampleRate(int rate) const {
+    run({"pw-metadata", "-n", "settings", "0", "clock.force-rate", std::to_string(rate)});
+}
+
+ServerState PrivateSoundServer::state() const { return ServerState::parse(run({"pw-dump"})); }
+
+std::map<std::string, std::string> PrivateSoundServer::storedStreams() const {
+    return parseStateFile(readFile(folder_ / "state/wireplumber/restore-stream"));
+}
+
+std::string PrivateSoundServer::desktopList(const std::string &kind) const {
+    return run({"pactl", "list", "short", kind});
+}
+
+void PrivateSoundServer::crash() {
+    pulse_.reset();
+    sessionManager_.reset();
+    pipewire_.reset();
+}
+
+} // namespace quorbel::soundserver

@@ -1,0 +1,105 @@
+#include "support/soundserver/Recorder.h"
+
+#include "support/soundserver/Waiting.h"
+
+#include <algorithm>
+
+namespace quorbel::soundserver {
+
+const Recording::Segment &Recording::segmentOf(std::size_t frame) const {
+    const auto after = std::ranges::upper_bound(segments, frame, {}, &Segment::start);
+    return *std::prev(after);
+}
+
+std::uint64_t Recording::positionOf(std::size_t frame) const {
+    const Segment &segment = segmentOf(frame);
+    return segment.position + (frame - segment.start);
+}
+
+std::uint64_t Recording::nanosecondsOf(std::size_t frame) const {
+    return segmentOf(frame).nanoseconds;
+}
+
+std::uint64_t Recording::missedFrames() const {
+    std::uint64_t missed = 0;
+    for (std::size_t index = 1; index < segments.size(); ++index) {
+        const Segment &before = segments[index - 1];
+        const std::uint64_t expected = before.position + before.frames;
+        missed += segments[index].position > expected ? segments[index].position - expected : 0;
+    }
+    return missed;
+}
+
+Recording Recording::excerpt(std::size_t start, std::size_t count) const {
+    Recording part;
+    const std::size_t end = std::min(start + count, frames());
+    start = std::min(start, end);
+    const auto cut = [&](const std::vector<float> &channel) {
+        return std::vector<float>(channel.begin() + static_cast<std::ptrdiff_t>(start),
+                                  channel.begin() + static_cast<std::ptrdiff_t>(end));
+    };
+    part.left = cut(left);
+    part.right = cut(right);
+    for (const Segment &segment : segments) {
+        const std::size_t from = std::max(segment.start, start);
+        const std::size_t to = std::min(segment.start + segment.frames, end);
+        if (from < to) {
+            part.segments.push_back({from - start, static_cast<std::uint32_t>(to - from),
+                                     segment.position + (from - segment.start),
+                                     segment.nanoseconds});
+        }
+    }
+    return part;
+}
+
+Recorder::Recorder(GraphClient &client, const std::string &device, double maxSeconds,
+                   int sampleRate)
+    : ClientStream(client, "recorder-" + device), sampleRate_(sampleRate),
+      left_(static_cast<std::size_t>(maxSeconds * sampleRate)), right_(left_.size()),
+      segments_(left_.size() / 16 + 1) {
+    pw_properties *properties =
+        pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_STREAM_CAPTURE_SINK, "true",
+                          PW_KEY_TARGET_OBJECT, device.c_str(), nullptr);
+    connect(PW_DIRECTION_INPUT, properties, sampleRate);
+    waitUntilRunning();
+}
+
+std::uint32_t Recorder::process(const Cycle &cycle, float *left, float *right,
+                                std::uint32_t frames) noexcept {
+    const std::size_t start = frames_;
+    const std::size_t segment = segmentCount_;
+    const std::size_t count = std::min<std::size_t>(frames, left_.size() - start);
+    if (count == 0 || segment == segments_.size()) {
+        return frames;
+    }
+    std::copy_n(left, count, left_.begin() + static_cast<std::ptrdiff_t>(start));
+    std::copy_n(right, count, right_.begin() + static_cast<std::ptrdiff_t>(start));
+    segments_[segment] = {start, static_cast<std::uint32_t>(count), cycle.position,
+                          cycle.nanoseconds};
+    segmentCount_ = segment + 1;
+    frames_ = start + count;
+    return frames;
+}
+
+Recording Recorder::recording(std::size_t start) const {
+    const std::size_t frames = frames_;
+    Recording whole;
+    whole.left.assign(left_.begin(), left_.begin() + static_cast<std::ptrdiff_t>(frames));
+    whole.right.assign(right_.begin(), right_.begin() + static_cast<std::ptrdiff_t>(frames));
+    whole.segments.assign(segments_.begin(),
+                          segments_.begin() + static_cast<std::ptrdiff_t>(segmentCount_.load()));
+    return whole.excerpt(start, frames);
+}
+
+Recording Recorder::next(double seconds) const {
+    const std::size_t start = frames_;
+    const auto count = static_cast<std::size_t>(seconds * sampleRate_);
+    if (start + count > left_.size()) {
+        throw ServerError("the recorder was made for less sound than that");
+    }
+    waitFor("the recorder hears the device", seconds * 1.5 + 5.0,
+            [&] { return frames_ >= start + count; });
+    return recording(start).excerpt(0, count);
+}
+
+} // namespace quorbel::soundserver

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "support/soundserver/ClientStream.h"
+
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace quorbel::soundserver {
+
+/// What a device got, frame by frame.
+struct Recording {
+    /// The frames of one cycle: `frames` from `start` on, which were at `position` on the graph's
+    /// clock when the cycle began at `nanoseconds` of the monotonic clock.
+    struct Segment {
+        std::size_t start = 0;
+        std::uint32_t frames = 0;
+        std::uint64_t position = 0;
+        std::uint64_t nanoseconds = 0;
+    };
+
+    std::vector<float> left;
+    std::vector<float> right;
+    std::vector<Segment> segments;
+
+    [[nodiscard]] std::size_t frames() const { return left.size(); }
+
+    /// The clock position of a recorded frame, and the time at which its cycle began.
+    [[nodiscard]] std::uint64_t positionOf(std::size_t frame) const;
+    [[nodiscard]] std::uint64_t nanosecondsOf(std::size_t frame) const;
+
+    /// Frames that the recorder itself missed, by the clock: gaps between the segments' positions.
+    [[nodiscard]] std::uint64_t missedFrames() const;
+
+    /// `count` frames from `start` on.
+    [[nodiscard]] Recording excerpt(std::size_t start, std::size_t count) const;
+
+  private:
+    [[nodiscard]] const Segment &segmentOf(std::size_t frame) const;
+};
+
+/// Records what a device plays, from its monitor.
+class Recorder : public ClientStream {
+  public:
+    /// Records until `maxSeconds` are full.
+    Recorder(GraphClient &client, const std::string &device, double maxSeconds,
+             int sampleRate = 48000);
+    ~Recorder() override { disconnect(); }
+
+    [[nodiscard]] std::size_t frames() const { return frames_; }
+
+    /// The frames since the `start`-th, complete up to the moment of the call.
+    [[nodiscard]] Recording recording(std::size_t start = 0) const;
+
+    /// Waits for `seconds` more of sound, counted in recorded frames, and returns just these.
+    /// Throws `ServerError` if they do not arrive, with a margin for a slow machine.
+    [[nodiscard]] Recording next(double seconds) const;
+
+  private:
+    std::uint32_t process(const Cycle &cycle, float *left, float *right,
+                          std::uint32_t frames) noexcept override;
+
+    int sampleRate_;
+    // Written by the data thread up to the published counts, which only grow.
+    std::vector<float> left_;
+    std::vector<float> right_;
+    std::vector<Recording::Segment> segments_;
+    std::atomic<std::size_t> frames_{0};
+    std::atomic<std::size_t> segmentCount_{0};
+};
+
+} // namespace quorbel::soundserver

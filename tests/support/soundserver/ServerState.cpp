@@ -1,0 +1,111 @@
+#include "support/soundserver/ServerState.h"
+
+#include "support/soundserver/Waiting.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+
+namespace quorbel::soundserver {
+namespace {
+
+using Json = nlohmann::json;
+
+/// Values as the server's own tools print them: texts bare, everything else as JSON.
+std::string asText(const Json &value) {
+    return value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+} // namespace
+
+std::string Node::property(const std::string &key) const {
+    const auto found = properties.find(key);
+    return found == properties.end() ? "" : found->second;
+}
+
+ServerState ServerState::parse(const std::string &dump) {
+    const Json objects = Json::parse(dump, nullptr, false);
+    if (!objects.is_array()) {
+        throw ServerError("pw-dump printed no list of objects: " + dump.substr(0, 200));
+    }
+    ServerState state;
+    for (const Json &object : objects) {
+        const std::string type = object.value("type", "");
+        const Json info = object.value("info", Json());
+        if (type == "PipeWire:Interface:Node" && info.is_object()) {
+            Node node{object.value("id", 0U), info.value("state", ""), {}};
+            const Json properties = info.value("props", Json::object());
+            for (const auto &[key, value] : properties.items()) {
+                node.properties[key] = asText(value);
+            }
+            state.nodes.push_back(std::move(node));
+        } else if (type == "PipeWire:Interface:Link" && info.is_object()) {
+            state.links.push_back(
+                {info.value("output-node-id", 0U), info.value("input-node-id", 0U)});
+        } else if (type == "PipeWire:Interface:Metadata" &&
+                   object.value("props", Json::object()).value("metadata.name", "") == "default") {
+            for (const Json &entry : object.value("metadata", Json::array())) {
+                state.metadata[{entry.value("subject", 0U), entry.value("key", "")}] =
+                    asText(entry.value("value", Json()));
+            }
+        }
+    }
+    return state;
+}
+
+const Node *ServerState::node(const std::string &name) const {
+    const auto found = std::ranges::find(nodes, name, [](const Node &node) { return node.name(); });
+    return found == nodes.end() ? nullptr : &*found;
+}
+
+const Node *ServerState::node(std::uint32_t id) const {
+    const auto found = std::ranges::find(nodes, id, &Node::id);
+    return found == nodes.end() ? nullptr : &*found;
+}
+
+std::vector<std::string> ServerState::targetsOf(const std::string &nodeName) const {
+    const Node *source = node(nodeName);
+    std::set<std::string> targets;
+    for (const Link &link : links) {
+        if (source != nullptr && link.outputNode == source->id) {
+            const Node *target = node(link.inputNode);
+            targets.insert(target != nullptr ? target->name() : std::to_string(link.inputNode));
+        }
+    }
+    return {targets.begin(), targets.end()};
+}
+
+std::string ServerState::defaultName(const std::string &key) const {
+    const auto found = metadata.find({0, key});
+    if (found == metadata.end()) {
+        return "";
+    }
+    const Json value = Json::parse(found->second, nullptr, false);
+    return value.is_object() ? value.value("name", "") : found->second;
+}
+
+Metadata ServerState::routing() const {
+    Metadata entries;
+    for (const auto &[key, value] : metadata) {
+        if (key.second.starts_with("target.")) {
+            entries[key] = value;
+        }
+    }
+    return entries;
+}
+
+std::map<std::string, std::string> parseStateFile(const std::string &text) {
+    std::map<std::string, std::string> entries;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        const auto equals = line.find('=');
+        if (equals != std::string::npos) {
+            entries[line.substr(0, equals)] = line.substr(equals + 1);
+        }
+    }
+    return entries;
+}
+
+} // namespace quorbel::soundserver

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorbel::soundserver {
+
+using Properties = std::map<std::string, std::string>;
+
+struct Node {
+    std::uint32_t id = 0;
+    std::string state; ///< "running", "idle", "suspended", ...
+    Properties properties;
+
+    [[nodiscard]] std::string name() const { return property("node.name"); }
+    [[nodiscard]] std::string property(const std::string &key) const;
+};
+
+/// One connection between two ports.
+struct Link {
+    std::uint32_t outputNode = 0;
+    std::uint32_t inputNode = 0;
+    friend bool operator==(const Link &, const Link &) = default;
+};
+
+/// One entry of the metadata object "default": values by subject (a node's id, 0 for the whole) and
+/// key.
+using MetadataKey = std::pair<std::uint32_t, std::string>;
+using Metadata = std::map<MetadataKey, std::string>;
+
+/// What the sound server's graph looked like at one moment.
+struct ServerState {
+    std::vector<Node> nodes;
+    std::vector<Link> links;
+    Metadata metadata;
+
+    /// Reads the output of pw-dump. Throws `ServerError` if it is none.
+    static ServerState parse(const std::string &dump);
+
+    [[nodiscard]] const Node *node(const std::string &name) const;
+    [[nodiscard]] const Node *node(std::uint32_t id) const;
+
+    /// The names of the nodes that a node plays into, sorted, each once.
+    [[nodiscard]] std::vector<std::string> targetsOf(const std::string &nodeName) const;
+
+    /// The name in an entry such as `default.audio.sink`; empty if there is none.
+    [[nodiscard]] std::string defaultName(const std::string &key) const;
+
+    /// The entries that route streams: `target.object` and `target.node`.
+    [[nodiscard]] Metadata routing() const;
+};
+
+/// Reads a state file of the session manager: "key=value" lines below a section line.
+std::map<std::string, std::string> parseStateFile(const std::string &text);
+
+} // namespace quorbel::soundserver

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <atomic>
+#include <cmath>
+#include <cstdint>
+#include <mutex>
+#include <numbers>
+#include <vector>
+
+namespace quorbel::soundserver {
+
+/// What a player plays. `fill` is called on the data thread; `position` is where the block's first
+/// frame stands on the graph's clock.
+class Sound {
+  public:
+    virtual ~Sound() = default;
+    virtual void fill(std::uint64_t position, float *left, float *right,
+                      std::uint32_t frames) noexcept = 0;
+};
+
+/// Every frame is a value of its own, the next one always a step higher, so that a recording shows
+/// any frame that was lost, doubled, replaced or changed. The values are exact in 32 bits, never
+/// zero, and stay well below full scale; the right channel is the negated left one.
+class Sequence : public Sound {
+  public:
+    static constexpr std::int32_t length = 1 << 22; ///< then it begins again
+    static constexpr float step = 1.0F / (1 << 24);
+    static constexpr float first = 0.25F;
+
+    /// The value of frame `index`.
+    static float value(std::int64_t index) {
+        return first + step * static_cast<float>(index % length);
+    }
+
+    void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
+        for (std::uint32_t frame = 0; frame < frames; ++frame) {
+            left[frame] = value(next_++);
+            right[frame] = -left[frame];
+        }
+    }
+
+  private:
+    std::int64_t next_ = 0;
+};
+
+/// A sine on both channels.
+class Tone : public Sound {
+  public:
+    Tone(double hz, double levelDB, double sampleRate)
+        : step_(2.0 * std::numbers::pi * hz / sampleRate),
+          amplitude_(std::pow(10.0, levelDB / 20.0)) {}
+
+    void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
+        for (std::uint32_t frame = 0; frame < frames; ++frame) {
+            left[frame] = right[frame] = static_cast<float>(amplitude_ * std::sin(phase_));
+            phase_ = std::remainder(phase_ + step_, 2.0 * std::numbers::pi);
+        }
+    }
+
+  private:
+    double step_;
+    double amplitude_;
+    double phase_ = 0.0;
+};
+
+/// Single samples of 0.5 in silence, one every `interval` frames, which remember their clock
+/// positions.
+class Impulses : public Sound {
+  public:
+    static constexpr float height = 0.5F;
+
+    explicit Impulses(std::uint32_t interval) : interval_(interval) { positions_.reserve(10000); }
+
+    void fill(std::uint64_t position, float *left, float *right,
+              std::uint32_t frames) noexcept override {
+        for (std::uint32_t frame = 0; frame < frames; ++frame) {
+            const bool now = ++sinceLast_ == interval_;
+            left[frame] = right[frame] = now ? height : 0.0F;
+            if (now) {
+                sinceLast_ = 0;
+                const std::lock_guard guard(mutex_); // a test's player may wait for a copy
+                if (positions_.size() < positions_.capacity()) {
+                    positions_.push_back(position + frame);
+                }
+            }
+        }
+    }
+
+    [[nodiscard]] std::vector<std::uint64_t> positions() const {
+        const std::lock_guard guard(mutex_);
+        return positions_;
+    }
+
+  private:
+    std::uint32_t interval_;
+    std::uint32_t sinceLast_ = 0;
+    mutable std::mutex mutex_;
+    std::vector<std::uint64_t> positions_;
+};
+
+} // namespace quorbel::soundserver
