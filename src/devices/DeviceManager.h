@@ -1,0 +1,87 @@
+#pragma once
+
+#include "devices/AudioDevice.h"
+#include "platform/core/Status.h"
+#include "platform/threads/Clock.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+/// Lists the machine's audio devices, knows the default output, binds the engine's output to a
+/// device and tells of hardware changes. All calls [main]; the hardware's own threads only hand
+/// over.
+class DeviceManager final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// What is shown to the user as it stands.
+    class DeviceError : public std::runtime_error {
+      public:
+        static DeviceError noAudioUnit(std::string_view what);
+        static DeviceError setPropertyFailed(std::string_view what, Status status);
+        static DeviceError deviceNotFound();
+
+      private:
+        using std::runtime_error::runtime_error;
+    };
+
+    /// Both must outlive the manager. The devices are listed at once.
+    DeviceManager(AudioHardware &hardware, Clock &clock);
+    ~DeviceManager() override;
+
+    /// Every device with at least one output channel, in the platform's order.
+    [[nodiscard]] const std::vector<AudioDevice> &outputDevices() const { return outputDevices_; }
+
+    /// Lists the output devices anew.
+    void refresh();
+
+    [[nodiscard]] std::vector<AudioDevice> allDevices() const;
+
+    /// The listed device that is the system's default output, otherwise the first one listed.
+    [[nodiscard]] std::optional<AudioDevice> defaultOutput() const;
+
+    /// The listed device with this uid.
+    [[nodiscard]] std::optional<AudioDevice> outputDevice(std::string_view uid) const;
+
+    [[nodiscard]] std::optional<std::string> currentDefaultOutputUID() const;
+
+    /// Binds `output` to the device, by its uid: a device that went and came back is found under
+    /// its new id. Throws DeviceError; a null `output` is a missing audio unit.
+    void setEngineOutput(HardwareOutput *output, const AudioDevice &device) const;
+
+    /// From now on a change of the device list or of the default output refreshes the list and
+    /// calls `onHardwareChange`, a lost connection calls `onHardwareLost`. What cannot be listened
+    /// to is logged and left out. Once observing, a second call does nothing.
+    void startObservingHardware();
+    /// After this neither callback is called, not even for changes that are on their way.
+    void stopObservingHardware();
+    [[nodiscard]] bool isObservingHardware() const { return observation_ != nullptr; }
+
+    std::function<void()> onHardwareChange;
+    std::function<void(Status)> onHardwareLost;
+
+  Q_SIGNALS:
+    void outputDevicesChanged();
+
+  private:
+    class Observation;
+
+    [[nodiscard]] int channelCount(AudioObjectID id, Scope scope) const;
+    [[nodiscard]] AudioDevice describe(AudioObjectID id) const;
+
+    AudioHardware &hardware_;
+    Clock &clock_;
+    std::vector<AudioDevice> outputDevices_;
+    std::shared_ptr<Observation> observation_; ///< shared with what it has handed over
+};
+
+} // namespace quorbel

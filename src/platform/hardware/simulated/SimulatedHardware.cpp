@@ -1,0 +1,454 @@
+#include "platform/hardware/simulated/SimulatedHardware.h"
+
+#include "platform/hardware/simulated/SimulatedOutput.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cerrno>
+#include <thread>
+#include <utility>
+
+namespace quorbel {
+
+using simulated::CyclePlan;
+using simulated::OperationLog;
+using simulated::Playing;
+using simulated::Recording;
+
+SimulatedHardware::SimulatedHardware(Clock &clock, Pace pace) : clock_(clock), pace_(pace) {}
+
+SimulatedHardware::~SimulatedHardware() = default;
+
+// The script: devices
+
+AudioObjectID SimulatedHardware::addDevice(SimulatedDevice device) {
+    const AudioObjectID id = newID();
+    const bool isFirst = devices_.empty();
+    if (isFirst)
+        defaultUID_ = device.uid;
+    rearrange([&] { devices_[id] = std::make_unique<Device>(std::move(device), clock_, pace_); });
+    notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
+    if (isFirst)
+        notify(HardwareProperty::defaultOutput,
+               [](auto &listener) { listener.defaultOutputChanged(); });
+    return id;
+}
+
+void SimulatedHardware::removeDevice(const std::string &uid) {
+    rearrange([&] { devices_.erase(idOf(uid)); });
+    const bool wasDefault = defaultUID_ == uid;
+    if (wasDefault)
+        defaultUID_ = devices_.empty() ? std::string() : devices_.begin()->second->script.uid;
+    notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
+    if (wasDefault)
+        notify(HardwareProperty::defaultOutput,
+               [](auto &listener) { listener.defaultOutputChanged(); });
+}
+
+void SimulatedHardware::setDefaultOutput(const std::string &uid) {
+    rearrange([&] { defaultUID_ = deviceNamed(uid).script.uid; });
+    notify(HardwareProperty::defaultOutput,
+           [](auto &listener) { listener.defaultOutputChanged(); });
+}
+
+void SimulatedHardware::setSampleRate(const std::string &uid, double sampleRate) {
+    rearrange([&] {
+        Device &device = deviceNamed(uid);
+        device.script.sampleRate = sampleRate;
+        const StreamFormat format{.sampleRate = sampleRate, .channelCount = 2};
+        for (const auto &[id, proc] : procs_)
+            if (proc.isRunning && clockOf(proc.device) == &device)
+                proc.client->ioFormatChanged(format);
+        for (const auto &[output, started] : outputs_)
+            if (find(started.device) == &device)
+                started.client->renderFormatChanged(format);
+    });
+}
+
+void SimulatedHardware::setBlockFrames(const std::string &uid,
+                                       std::vector<std::uint32_t> blockFrames) {
+    rearrange([&] { deviceNamed(uid).script.blockFrames = std::move(blockFrames); });
+}
+
+// The script: applications
+
+AudioObjectID SimulatedHardware::play(simulated::Sound sound, std::string deviceUID) {
+    const AudioObjectID id = newID();
+    rearrange([&] {
+        applications_[id] = {.playing = std::make_shared<Playing>(Playing{std::move(sound)}),
+                             .deviceUID = std::move(deviceUID)};
+    });
+    return id;
+}
+
+void SimulatedHardware::stopPlaying(AudioObjectID application) {
+    rearrange([&] { applications_.erase(application); });
+}
+
+// The script: trouble
+
+void SimulatedHardware::loseConnection(Status status) {
+    rearrange([&] {
+        connection_ = status;
+        taps_.clear();
+        aggregates_.clear();
+        procs_.clear();
+        outputs_.clear();
+    });
+    notify(HardwareProperty::connection,
+           [status](auto &listener) { listener.hardwareLost(status); });
+}
+
+void SimulatedHardware::restoreConnection() {
+    rearrange([&] {
+        connection_ = statusOK;
+        ownProcess_ = 0;
+        // A new server numbers its objects anew.
+        std::map<AudioObjectID, std::unique_ptr<Device>> renumbered;
+        for (auto &[id, device] : devices_)
+            renumbered[newID()] = std::move(device);
+        devices_ = std::move(renumbered);
+    });
+    notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
+}
+
+// What came of it
+
+Recording SimulatedHardware::takeRecording(const std::string &uid) {
+    return std::exchange(deviceNamed(uid).cycles.recording(), {});
+}
+
+std::vector<TapDescription> SimulatedHardware::taps() const {
+    std::vector<TapDescription> result;
+    for (const auto &[id, description] : taps_)
+        result.push_back(description);
+    return result;
+}
+
+std::vector<AggregateDescription> SimulatedHardware::aggregates() const {
+    std::vector<AggregateDescription> result;
+    for (const auto &[id, description] : aggregates_)
+        result.push_back(description);
+    return result;
+}
+
+bool SimulatedHardware::isCapturing() const {
+    return std::ranges::any_of(procs_, [](const auto &entry) { return entry.second.isRunning; });
+}
+
+bool SimulatedHardware::isPlaying() const { return !outputs_.empty(); }
+
+bool SimulatedHardware::isListenedTo() const { return !listeners_.empty(); }
+
+// AudioHardware: devices
+
+Status SimulatedHardware::processObject(std::int32_t, AudioObjectID &process) {
+    if (const auto verdict = note(Operation::processObject); !verdict.carryOut)
+        return verdict.status;
+    if (ownProcess_ == 0)
+        ownProcess_ = newID();
+    process = ownProcess_;
+    return statusOK;
+}
+
+Status SimulatedHardware::defaultOutputDevice(AudioObjectID &device) {
+    if (const auto verdict = note(Operation::defaultOutputDevice); !verdict.carryOut)
+        return verdict.status;
+    const AudioObjectID id = defaultOutput();
+    if (id == 0)
+        return -ENODEV;
+    device = id;
+    return statusOK;
+}
+
+Status SimulatedHardware::deviceList(std::vector<AudioObjectID> &devices) {
+    if (const auto verdict = note(Operation::deviceList); !verdict.carryOut)
+        return verdict.status;
+    devices.clear();
+    for (const auto &[id, device] : devices_)
+        devices.push_back(id);
+    return statusOK;
+}
+
+std::optional<std::string> SimulatedHardware::deviceUID(AudioObjectID device) {
+    const auto *found = find(device);
+    if (!note(Operation::deviceUID).carryOut || found == nullptr)
+        return std::nullopt;
+    return found->script.uid;
+}
+
+std::optional<std::string> SimulatedHardware::deviceName(AudioObjectID device) {
+    const auto *found = find(device);
+    if (!note(Operation::deviceName).carryOut || found == nullptr)
+        return std::nullopt;
+    return found->script.name;
+}
+
+std::optional<std::string> SimulatedHardware::deviceManufacturer(AudioObjectID device) {
+    const auto *found = find(device);
+    if (!note(Operation::deviceManufacturer).carryOut || found == nullptr)
+        return std::nullopt;
+    return found->script.manufacturer;
+}
+
+Status SimulatedHardware::streamChannelCounts(AudioObjectID device, Scope scope,
+                                              std::vector<std::uint32_t> &channelsPerBuffer) {
+    if (const auto verdict = note(Operation::streamChannelCounts); !verdict.carryOut)
+        return verdict.status;
+    const auto *found = find(device);
+    if (found == nullptr)
+        return -ENODEV;
+    channelsPerBuffer =
+        scope == Scope::input ? found->script.inputChannels : found->script.outputChannels;
+    return statusOK;
+}
+
+Status SimulatedHardware::addListener(HardwareProperty property, HardwareListener &listener) {
+    if (const auto verdict = note(Operation::addListener); !verdict.carryOut)
+        return verdict.status;
+    assert(std::ranges::count(listeners_, std::pair(property, &listener)) == 0);
+    listeners_.emplace_back(property, &listener);
+    return statusOK;
+}
+
+Status SimulatedHardware::removeListener(HardwareProperty property, HardwareListener &listener) {
+    // Removed in any case: the caller relies on hearing nothing afterwards.
+    const auto verdict = note(Operation::removeListener);
+    std::erase(listeners_, std::pair(property, &listener));
+    return verdict.status;
+}
+
+// AudioHardware: capture
+
+Status SimulatedHardware::createProcessTap(const TapDescription &description, AudioObjectID &tap) {
+    if (const auto verdict = note(Operation::createProcessTap); !verdict.carryOut)
+        return verdict.status;
+    const AudioObjectID id = newID();
+    rearrange([&] { taps_[id] = description; });
+    tap = id;
+    return statusOK;
+}
+
+Status SimulatedHardware::destroyProcessTap(AudioObjectID tap) {
+    if (const auto verdict = note(Operation::destroyProcessTap); !verdict.carryOut)
+        return verdict.status;
+    if (!taps_.contains(tap))
+        return -EINVAL;
+    rearrange([&] { taps_.erase(tap); });
+    return statusOK;
+}
+
+Status SimulatedHardware::tapFormat(AudioObjectID tap, StreamFormat &format) {
+    if (const auto verdict = note(Operation::tapFormat); !verdict.carryOut)
+        return verdict.status;
+    if (!taps_.contains(tap))
+        return -EINVAL;
+    const auto *device = find(defaultOutput());
+    if (device == nullptr)
+        return -ENODEV;
+    format = {.sampleRate = declaredTapRate_.value_or(device->script.sampleRate),
+              .channelCount = 2};
+    return statusOK;
+}
+
+Status SimulatedHardware::createAggregateDevice(const AggregateDescription &description,
+                                                AudioObjectID &device) {
+    if (const auto verdict = note(Operation::createAggregateDevice); !verdict.carryOut)
+        return verdict.status;
+    if (find(idOf(description.mainDeviceUID)) == nullptr)
+        return -ENODEV;
+    for (const auto &tap : description.taps)
+        if (std::ranges::none_of(taps_,
+                                 [&](const auto &entry) { return entry.second.uuid == tap.uuid; }))
+            return -ENOENT;
+    device = newID();
+    aggregates_[device] = description;
+    return statusOK;
+}
+
+Status SimulatedHardware::destroyAggregateDevice(AudioObjectID device) {
+    if (const auto verdict = note(Operation::destroyAggregateDevice); !verdict.carryOut)
+        return verdict.status;
+    if (!aggregates_.contains(device))
+        return -EINVAL;
+    rearrange([&] {
+        aggregates_.erase(device);
+        std::erase_if(procs_, [&](const auto &entry) { return entry.second.device == device; });
+    });
+    return statusOK;
+}
+
+Status SimulatedHardware::nominalSampleRate(AudioObjectID device, double &rate) {
+    if (const auto verdict = note(Operation::nominalSampleRate); !verdict.carryOut)
+        return verdict.status;
+    const auto *clock = clockOf(device);
+    if (clock == nullptr)
+        return -ENODEV;
+    rate = clock->script.sampleRate;
+    return statusOK;
+}
+
+Status SimulatedHardware::createIOProc(AudioObjectID device, IOClient &client, IOProcID &proc) {
+    if (const auto verdict = note(Operation::createIOProc); !verdict.carryOut)
+        return verdict.status;
+    if (!aggregates_.contains(device))
+        return -EINVAL;
+    proc = newID();
+    procs_[proc] = {.device = device, .client = &client};
+    return statusOK;
+}
+
+Status SimulatedHardware::destroyIOProc(AudioObjectID device, IOProcID proc) {
+    if (const auto verdict = note(Operation::destroyIOProc); !verdict.carryOut)
+        return verdict.status;
+    const auto found = procs_.find(proc);
+    if (found == procs_.end() || found->second.device != device)
+        return -EINVAL;
+    rearrange([&] { procs_.erase(found); });
+    return statusOK;
+}
+
+Status SimulatedHardware::startDevice(AudioObjectID device, IOProcID proc) {
+    if (const auto verdict = note(Operation::startDevice); !verdict.carryOut)
+        return verdict.status;
+    const auto found = procs_.find(proc);
+    const auto *clock = clockOf(device);
+    if (found == procs_.end() || found->second.device != device || clock == nullptr)
+        return -EINVAL;
+    found->second.client->ioFormatChanged(
+        {.sampleRate = clock->script.sampleRate, .channelCount = 2});
+    rearrange([&] { found->second.isRunning = true; });
+    return statusOK;
+}
+
+Status SimulatedHardware::stopDevice(AudioObjectID device, IOProcID proc) {
+    if (const auto verdict = note(Operation::stopDevice); !verdict.carryOut)
+        return verdict.status;
+    const auto found = procs_.find(proc);
+    if (found == procs_.end() || found->second.device != device)
+        return -EINVAL;
+    rearrange([&] { found->second.isRunning = false; });
+    return statusOK;
+}
+
+std::unique_ptr<HardwareOutput> SimulatedHardware::makeOutput() {
+    // It can be made without a connection; using it then fails.
+    if (const auto verdict = operations_.note(Operation::makeOutput); !verdict.carryOut)
+        return nullptr;
+    return std::make_unique<SimulatedOutput>(*this);
+}
+
+// The machine
+
+void SimulatedHardware::rearrange(const std::function<void()> &change) {
+    for (const auto &[id, device] : devices_)
+        device->cycles.pause();
+    change();
+    for (const auto &[id, device] : devices_)
+        device->cycles.resume(planFor(id, *device));
+}
+
+CyclePlan SimulatedHardware::planFor(AudioObjectID id, const Device &device) const {
+    CyclePlan plan;
+    plan.sampleRate = device.script.sampleRate;
+    plan.blockFrames = device.script.blockFrames;
+    plan.willPlay = isPlaying();
+    if (connection_ != statusOK)
+        return plan;
+
+    std::vector<const TapDescription *> readTaps;
+    for (const auto &[procID, proc] : procs_) {
+        if (!proc.isRunning || clockOf(proc.device) != &device)
+            continue;
+        plan.captures.push_back(proc.client);
+        for (const auto &[tapID, tap] : taps_)
+            for (const auto &part : aggregates_.at(proc.device).taps)
+                if (part.uuid == tap.uuid)
+                    readTaps.push_back(&tap);
+    }
+    for (const auto &[output, started] : outputs_)
+        if (started.device == id)
+            plan.renders.push_back(started.client);
+
+    for (const auto &[application, entry] : applications_) {
+        const bool muted = isMuted(application);
+        const AudioObjectID own = entry.deviceUID.empty() ? defaultOutput() : idOf(entry.deviceUID);
+        if (own == id && !muted)
+            plan.heard.push_back(entry.playing);
+        for (const TapDescription *tap : readTaps)
+            if (std::ranges::count(tap->excludedProcesses, application) == 0)
+                // Heard and captured at once, it plays for each on its own.
+                plan.captured.push_back(muted ? entry.playing
+                                              : std::make_shared<Playing>(*entry.playing));
+    }
+    return plan;
+}
+
+bool SimulatedHardware::isRead(const std::string &tapUUID) const {
+    return std::ranges::any_of(procs_, [&](const auto &entry) {
+        const IOProc &proc = entry.second;
+        return proc.isRunning && clockOf(proc.device) != nullptr &&
+               std::ranges::any_of(aggregates_.at(proc.device).taps,
+                                   [&](const auto &tap) { return tap.uuid == tapUUID; });
+    });
+}
+
+bool SimulatedHardware::isMuted(AudioObjectID application) const {
+    using enum TapDescription::MuteBehavior;
+    return std::ranges::any_of(taps_, [&](const auto &entry) {
+        const TapDescription &tap = entry.second;
+        return std::ranges::count(tap.excludedProcesses, application) == 0 &&
+               (tap.muteBehavior == muted ||
+                (tap.muteBehavior == mutedWhenTapped && isRead(tap.uuid)));
+    });
+}
+
+OperationLog::Verdict SimulatedHardware::note(Operation operation) {
+    const auto verdict = operations_.note(operation);
+    if (connection_ != statusOK)
+        return {.carryOut = false, .status = connection_};
+    return verdict;
+}
+
+void SimulatedHardware::notify(HardwareProperty property,
+                               const std::function<void(HardwareListener &)> &tell) {
+    std::vector<HardwareListener *> told;
+    for (const auto &[listened, listener] : listeners_)
+        if (listened == property)
+            told.push_back(listener);
+    const auto tellAll = [&] {
+        for (HardwareListener *listener : told)
+            tell(*listener);
+    };
+    if (pace_ == Pace::threads)
+        std::thread(tellAll).join(); // as on a real machine, never the main thread
+    else
+        tellAll();
+}
+
+SimulatedHardware::Device *SimulatedHardware::find(AudioObjectID id) const {
+    const auto found = devices_.find(id);
+    return found == devices_.end() ? nullptr : found->second.get();
+}
+
+SimulatedHardware::Device &SimulatedHardware::deviceNamed(const std::string &uid) const {
+    Device *device = find(idOf(uid));
+    assert(device != nullptr && "the script names a device that is not there");
+    return *device;
+}
+
+AudioObjectID SimulatedHardware::idOf(const std::string &uid) const {
+    for (const auto &[id, device] : devices_)
+        if (device->script.uid == uid)
+            return id;
+    return 0;
+}
+
+SimulatedHardware::Device *SimulatedHardware::clockOf(AudioObjectID device) const {
+    const auto aggregate = aggregates_.find(device);
+    return find(aggregate == aggregates_.end() ? device : idOf(aggregate->second.mainDeviceUID));
+}
+
+AudioObjectID SimulatedHardware::defaultOutput() const { return idOf(defaultUID_); }
+
+} // namespace quorbel

@@ -1,0 +1,53 @@
+#include "platform/hardware/simulated/SimulatedOutput.h"
+
+#include <cerrno>
+#include <numeric>
+
+namespace quorbel {
+
+using simulated::Operation;
+
+SimulatedOutput::~SimulatedOutput() {
+    (void)hardware_.note(Operation::destroyOutput);
+    hardware_.rearrange([this] { hardware_.outputs_.erase(this); });
+}
+
+Status SimulatedOutput::setDevice(AudioObjectID device) {
+    if (const auto verdict = hardware_.note(Operation::setDevice); !verdict.carryOut)
+        return verdict.status;
+    if (hardware_.find(device) == nullptr)
+        return -ENODEV;
+    device_ = device;
+    return statusOK;
+}
+
+StreamFormat SimulatedOutput::nativeFormat() const {
+    const auto verdict = hardware_.note(Operation::nativeFormat);
+    const auto *device = hardware_.find(device_);
+    if (!verdict.carryOut || device == nullptr)
+        return {};
+    const auto &channels = device->script.outputChannels;
+    return {.sampleRate = device->script.sampleRate,
+            .channelCount = std::accumulate(channels.begin(), channels.end(), 0U)};
+}
+
+Status SimulatedOutput::start(RenderClient &client) {
+    if (const auto verdict = hardware_.note(Operation::startOutput); !verdict.carryOut)
+        return verdict.status;
+    const auto *device = hardware_.find(device_);
+    if (device == nullptr)
+        return -ENODEV;
+    if (hardware_.outputs_.contains(this))
+        return -EBUSY;
+    client.renderFormatChanged({.sampleRate = device->script.sampleRate, .channelCount = 2});
+    hardware_.rearrange([&] { hardware_.outputs_[this] = {.device = device_, .client = &client}; });
+    return statusOK;
+}
+
+void SimulatedOutput::stop() {
+    // Stopping cannot fail: the caller relies on hearing nothing afterwards.
+    (void)hardware_.note(Operation::stopOutput);
+    hardware_.rearrange([this] { hardware_.outputs_.erase(this); });
+}
+
+} // namespace quorbel
