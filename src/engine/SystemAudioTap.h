@@ -1,0 +1,106 @@
+#pragma once
+
+#include "engine/CaptureConversion.h"
+#include "platform/core/Status.h"
+#include "platform/core/StreamFormat.h"
+#include "platform/hardware/AudioHardware.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+class AudioRingBuffer;
+
+/// Captures everything that the other programs play, keeps the unprocessed sound from being heard
+/// meanwhile, converts it to the chain format and writes it into the ring buffer. Every activation
+/// makes a new tap and a new capture device around the default output of that moment.
+///
+/// Threads: activate and cleanup [main]; the hardware calls in on [control] and [capture].
+class SystemAudioTap final : private IOClient {
+  public:
+    /// What is shown to the user as it stands.
+    class Error : public std::runtime_error {
+      public:
+        static Error osStatus(std::string_view step, Status status);
+        static Error captureStartFailed(Status status);
+        static Error invalidTapFormat();
+
+      private:
+        using std::runtime_error::runtime_error;
+    };
+
+    /// The hardware must outlive the tap.
+    explicit SystemAudioTap(AudioHardware &hardware);
+    ~SystemAudioTap() override;
+    SystemAudioTap(const SystemAudioTap &) = delete;
+    SystemAudioTap &operator=(const SystemAudioTap &) = delete;
+
+    /// Builds and starts the capture. Throws Error and leaves what it has made for `cleanup`.
+    /// `ring` must outlive the activation.
+    void activate(AudioRingBuffer &ring, const StreamFormat &chainFormat);
+
+    /// Stops and destroys whatever exists; at any time, any number of times.
+    void cleanup();
+
+    /// From a successful activation until its owner marks it stopped.
+    [[nodiscard]] bool isRunning() const { return isRunning_; }
+    void markStopped();
+
+    /// The default output that the running capture was built around.
+    [[nodiscard]] const std::optional<std::string> &builtWithDefaultUID() const {
+        return builtWithDefaultUID_;
+    }
+
+    /// Capture cycles, ever, of which nothing reached the ring. [any]
+    [[nodiscard]] std::int32_t droppedCycles() const noexcept {
+        return droppedCycles_.load(std::memory_order_relaxed);
+    }
+
+    /// The converter's source format: the tap's, but at the rate of the aggregate's clock (nothing
+    /// if it could not be read) where the two differ.
+    [[nodiscard]] static StreamFormat formatSursa(const StreamFormat &tap,
+                                                  std::optional<double> rataAgregat);
+
+  private:
+    AudioObjectID translatePIDToProcessObject(std::int32_t pid);
+    std::string defaultOutputDeviceUID();
+    void createTap(const std::string &uuid);
+    void createAggregate(const std::string &tapUUID);
+    [[nodiscard]] std::optional<double> aggregateRate();
+    void install(std::unique_ptr<CaptureConversion> conversion);
+    void logRates(std::optional<double> aggregate, double tap, const CaptureConversion &conversion);
+
+    void ioFormatChanged(const StreamFormat &format) override;
+    void ioCycle(const IOCycle &cycle) noexcept override;
+
+    AudioHardware &hardware_;
+
+    // Main only.
+    AudioObjectID tapID = 0;
+    AudioObjectID aggregateID = 0;
+    IOProcID ioProcID = 0;
+    bool isRunning_ = false;
+    std::optional<std::string> builtWithDefaultUID_;
+
+    // Constant while an IO procedure exists.
+    AudioRingBuffer *ring_ = nullptr;
+    StreamFormat chainFormat_;
+
+    // Made and dropped by whoever changes the format; the capture thread reads only `active_`. The
+    // one before stays until the next change, so that a cycle that has just picked it up can
+    // finish.
+    std::unique_ptr<CaptureConversion> conversion_;
+    std::unique_ptr<CaptureConversion> retired_;
+    std::atomic<CaptureConversion *> active_{nullptr};
+
+    bool leadWritten_ = false; // capture only, while an IO procedure exists
+    std::atomic<std::int32_t> droppedCycles_{0};
+};
+
+} // namespace quorbel
