@@ -7,31 +7,33 @@
 
 namespace quorbel {
 
-/// Converts planar sound from one fixed rate to another, block by block with its state kept: cutting the
-/// input into blocks in any way gives the same samples. Frame accounting is exact without limit of time.
+/// Converts planar sound from one fixed rate to another, block by block with its state kept:
+/// cutting the input into blocks in any way gives the same samples. Frame accounting is exact
+/// without limit of time.
 class SampleRateConverter {
   public:
-    /// Rates in Hz; 1 to 8 channels. `maximumFrames` is the longest input or output of one `process` call.
-    /// Throws std::invalid_argument for rates that cannot be converted.
+    /// Rates in Hz; 1 to 8 channels. `maximumFrames` is the longest input or output of one
+    /// `process` call. Throws std::invalid_argument for rates that cannot be converted.
     SampleRateConverter(double sourceRate, double targetRate, std::uint32_t channels,
                         std::uint32_t maximumFrames);
     ~SampleRateConverter();
-    SampleRateConverter(const SampleRateConverter&) = delete;
-    SampleRateConverter& operator=(const SampleRateConverter&) = delete;
+    SampleRateConverter(const SampleRateConverter &) = delete;
+    SampleRateConverter &operator=(const SampleRateConverter &) = delete;
 
     struct Progress {
         std::uint32_t consumed = 0;
         std::uint32_t produced = 0;
     };
-    /// Converts until the input is used up or the output is full. Allocates nothing. [any one thread]
-    Progress process(const AudioBufferList& input, std::uint32_t inputFrames,
-                     const AudioBufferList& output, std::uint32_t outputFrames) noexcept;
+    /// Converts until the input is used up or the output is full. Allocates nothing. [any one
+    /// thread]
+    Progress process(const AudioBufferList &input, std::uint32_t inputFrames,
+                     const AudioBufferList &output, std::uint32_t outputFrames) noexcept;
 
     /// How many input frames have to be fed for the next `outputFrames` frames to come out.
     [[nodiscard]] std::uint64_t inputFramesFor(std::uint64_t outputFrames) const noexcept;
 
-    /// From an input sample to the middle of what it becomes, in source frames; `reset` starts with that
-    /// much silence inside.
+    /// From an input sample to the middle of what it becomes, in source frames; `reset` starts with
+    /// that much silence inside.
     [[nodiscard]] double latencyFrames() const noexcept;
 
     /// Back to silence.

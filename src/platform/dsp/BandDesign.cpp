@@ -1,0 +1,62 @@
+#include "platform/dsp/BandDesign.h"
+
+#include "platform/dsp/AnalogPrototype.h"
+#include "platform/dsp/SectionDesign.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorbel {
+namespace {
+
+// Stands for log(0), in the numerator of a high pass: far below what a 32-bit float can hold.
+constexpr double logOfZero = -150.0;
+
+double logOrZero(double value) {
+    return value > 0.0 ? std::max(std::log(value), logOfZero) : logOfZero;
+}
+
+// A resonance of damping d that moves by r·d (in ln f) loses, half way, to what it gives off its
+// centre; at 0.3 that difference stays under 0.5 dB.
+constexpr double reachPerDamping = 0.3;
+constexpr double longestReach = 0.35;
+
+} // namespace
+
+BandDesign BandDesign::of(const EqualizerBandSettings &settings, double sampleRate) {
+    BandDesign result;
+    const auto design = designBand(settings, sampleRate);
+    if (!design)
+        return result;
+    result.active = true;
+    result.type = settings.filterType;
+    result.section = SectionCoefficients(*design);
+    result.logarithms = {std::log(design->cutoff), std::log(design->damping),
+                         logOrZero(design->high),  logOrZero(design->band),
+                         logOrZero(design->low),   0.0};
+    result.logarithms[frequency] = std::log(std::clamp<double>(
+        settings.frequencyHz, minimumBandFrequencyHz, maximumBandFrequencyRatio * sampleRate));
+    double narrowest = design->damping;
+    if (hasGain(result.type))
+        narrowest = std::min(narrowest, design->band / std::sqrt(design->high * design->low));
+    result.reach = std::min(reachPerDamping * narrowest, longestReach);
+    return result;
+}
+
+BandDesign::Logarithms BandDesign::flattened(const Logarithms &logarithms) {
+    Logarithms result = logarithms;
+    result[high] = 0.0;
+    result[band] = logarithms[damping];
+    result[low] = 0.0;
+    return result;
+}
+
+SectionCoefficients BandDesign::sectionAt(const Logarithms &logarithms) {
+    return SectionCoefficients({.cutoff = std::exp(logarithms[cutoff]),
+                                .damping = std::exp(logarithms[damping]),
+                                .high = std::exp(logarithms[high]),
+                                .band = std::exp(logarithms[band]),
+                                .low = std::exp(logarithms[low])});
+}
+
+} // namespace quorbel

@@ -1,0 +1,230 @@
+#include "platform/dsp/EqualizerChain.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorbel {
+namespace {
+
+// A third of a millisecond per step makes a glide 20 ms long; inside a step everything moves
+// linearly.
+constexpr double stepsPerSecond = 2.0 * Glide<1>::averageSteps / 0.020;
+
+float gainFromDB(double gainDB) noexcept {
+    return gainDB == 0.0 ? 1.0F : static_cast<float>(std::pow(10.0, gainDB / 20.0));
+}
+
+/// A section on its way from one set of coefficients to another.
+class MovingSection {
+  public:
+    MovingSection(const SectionCoefficients &from, const SectionCoefficients &to,
+                  std::uint32_t frames) noexcept
+        : from_(from) {
+        const float perFrame = 1.0F / static_cast<float>(frames);
+        step_.cutoff = (to.cutoff - from.cutoff) * perFrame;
+        step_.feedback = (to.feedback - from.feedback) * perFrame;
+        step_.direct = (to.direct - from.direct) * perFrame;
+        step_.first = (to.first - from.first) * perFrame;
+        step_.second = (to.second - from.second) * perFrame;
+    }
+
+    [[nodiscard]] SectionCoefficients at(std::uint32_t frame) const noexcept {
+        const auto position = static_cast<float>(frame);
+        SectionCoefficients result;
+        result.cutoff = from_.cutoff + step_.cutoff * position;
+        result.feedback = from_.feedback + step_.feedback * position;
+        result.direct = from_.direct + step_.direct * position;
+        result.first = from_.first + step_.first * position;
+        result.second = from_.second + step_.second * position;
+        result.close();
+        return result;
+    }
+
+  private:
+    SectionCoefficients from_;
+    SectionCoefficients step_;
+};
+
+void processSteady(const SectionCoefficients &section, SectionState &state, float *samples,
+                   std::uint32_t frames) noexcept {
+    const SectionCoefficients c = section;
+    SectionState s = state;
+    for (std::uint32_t i = 0; i < frames; ++i)
+        samples[i] = processSample(c, s, samples[i]);
+    state = s;
+}
+
+} // namespace
+
+EqualizerChain::EqualizerChain(std::size_t bandCount) : bands_(bandCount) {}
+
+void EqualizerChain::prepare(double sampleRate) {
+    for (Band &band : bands_)
+        stop(band);
+    gainGlide_.settle({0.0});
+    gain_ = nextGain_ = 1.0F;
+    stepFrames_ =
+        std::max(1U, static_cast<std::uint32_t>(std::lround(sampleRate / stepsPerSecond)));
+    stepPosition_ = 0;
+    gliding_ = false;
+}
+
+void EqualizerChain::stop(Band &band) noexcept {
+    band.running = false;
+    band.endsFlat = false;
+    band.left = {};
+    band.right = {};
+}
+
+bool EqualizerChain::canGlide(const Band &band, const BandDesign &design) noexcept {
+    if (!band.running)
+        return !design.active || hasGain(design.type);
+    if (!design.active)
+        return hasGain(band.design.type);
+    const double distance = std::abs(band.glide.values()[BandDesign::frequency] -
+                                     design.logarithms[BandDesign::frequency]);
+    return band.design.type == design.type && distance <= std::min(band.design.reach, design.reach);
+}
+
+bool EqualizerChain::canGlideTo(const EqualizerDesign &design) const noexcept {
+    for (std::size_t i = 0; i < bands_.size(); ++i)
+        if (!canGlide(bands_[i], design.bands[i]))
+            return false;
+    return true;
+}
+
+void EqualizerChain::jumpTo(const EqualizerDesign &design) noexcept {
+    for (std::size_t i = 0; i < bands_.size(); ++i) {
+        Band &band = bands_[i];
+        const BandDesign &target = design.bands[i];
+        if (!target.active || !band.running || !canGlide(band, target))
+            stop(band);
+        if (!target.active)
+            continue;
+        band.running = true;
+        band.endsFlat = false;
+        band.design = target;
+        band.glide.settle(target.logarithms);
+        band.section = band.next = target.section;
+    }
+    gainGlide_.settle({design.gainDB});
+    gain_ = nextGain_ = gainFromDB(design.gainDB);
+    stepPosition_ = 0;
+    gliding_ = false;
+}
+
+void EqualizerChain::glideTo(const EqualizerDesign &design) noexcept {
+    for (std::size_t i = 0; i < bands_.size(); ++i) {
+        Band &band = bands_[i];
+        const BandDesign &target = design.bands[i];
+        if (!target.active) {
+            if (!band.running || band.endsFlat)
+                continue;
+            band.endsFlat = true;
+            band.glide.retarget(BandDesign::flattened(band.design.logarithms));
+        } else {
+            if (!band.running) {
+                band.running = true;
+                band.glide.settle(BandDesign::flattened(target.logarithms));
+                band.section = band.next = BandDesign::sectionAt(band.glide.values());
+            } else if (!band.endsFlat && band.design.logarithms == target.logarithms) {
+                continue;
+            }
+            band.endsFlat = false;
+            band.design = target;
+            band.glide.retarget(target.logarithms);
+        }
+        gliding_ = true;
+    }
+    if (gainGlide_.target()[0] != design.gainDB) {
+        gainGlide_.retarget({design.gainDB});
+        gliding_ = true;
+    }
+}
+
+void EqualizerChain::startStep() noexcept {
+    for (Band &band : bands_) {
+        if (!band.running || band.glide.isSettled())
+            continue;
+        band.glide.advance();
+        const bool arrived = band.glide.isSettled() && !band.endsFlat;
+        band.next = arrived ? band.design.section : BandDesign::sectionAt(band.glide.values());
+    }
+    gainGlide_.advance();
+    nextGain_ = gainFromDB(gainGlide_.values()[0]);
+}
+
+void EqualizerChain::finishStep() noexcept {
+    stepPosition_ = 0;
+    gliding_ = !gainGlide_.isSettled();
+    gain_ = nextGain_;
+    for (Band &band : bands_) {
+        if (!band.running)
+            continue;
+        band.section = band.next;
+        if (!band.glide.isSettled())
+            gliding_ = true;
+        else if (band.endsFlat)
+            stop(band);
+    }
+}
+
+void EqualizerChain::process(float *left, float *right, std::uint32_t frames) noexcept {
+    while (gliding_ && frames > 0) {
+        if (stepPosition_ == 0)
+            startStep();
+        const std::uint32_t chunk = std::min(frames, stepFrames_ - stepPosition_);
+        processGliding(left, right, chunk);
+        stepPosition_ += chunk;
+        left += chunk;
+        right += chunk;
+        frames -= chunk;
+        if (stepPosition_ == stepFrames_)
+            finishStep();
+    }
+    if (frames > 0)
+        processAtRest(left, right, frames);
+}
+
+void EqualizerChain::processGliding(float *left, float *right, std::uint32_t frames) noexcept {
+    for (Band &band : bands_) {
+        if (!band.running)
+            continue;
+        const MovingSection moving(band.section, band.next, stepFrames_);
+        for (std::uint32_t i = 0; i < frames; ++i) {
+            const SectionCoefficients section = moving.at(stepPosition_ + i);
+            left[i] = processSample(section, band.left, left[i]);
+            right[i] = processSample(section, band.right, right[i]);
+        }
+    }
+    const float gainStep = (nextGain_ - gain_) / static_cast<float>(stepFrames_);
+    for (std::uint32_t i = 0; i < frames; ++i) {
+        const float gain = gain_ + gainStep * static_cast<float>(stepPosition_ + i);
+        left[i] *= gain;
+        right[i] *= gain;
+    }
+}
+
+void EqualizerChain::processAtRest(float *left, float *right, std::uint32_t frames) noexcept {
+    for (Band &band : bands_) {
+        if (!band.running)
+            continue;
+        processSteady(band.section, band.left, left, frames);
+        processSteady(band.section, band.right, right, frames);
+    }
+    if (gain_ == 1.0F)
+        return;
+    for (std::uint32_t i = 0; i < frames; ++i) {
+        left[i] *= gain_;
+        right[i] *= gain_;
+    }
+}
+
+void EqualizerChain::dropNonFinite() noexcept {
+    for (Band &band : bands_)
+        for (SectionState *state : {&band.left, &band.right})
+            if (!std::isfinite(state->first) || !std::isfinite(state->second))
+                *state = {};
+}
+
+} // namespace quorbel

@@ -1,0 +1,122 @@
+#include "platform/dsp/ParametricEqualizer.h"
+
+#include "platform/dsp/SectionDesign.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <utility>
+
+namespace quorbel {
+namespace {
+
+constexpr double fadeSeconds = 0.020;
+
+} // namespace
+
+ParametricEqualizer::ParametricEqualizer(std::size_t bandCount)
+    : settings_(bandCount), design_{.bands = std::vector<BandDesign>(bandCount), .gainDB = 0.0},
+      handOver_(design_), chain_(bandCount), incoming_(bandCount) {}
+
+const EqualizerBandSettings &ParametricEqualizer::band(std::size_t index) const {
+    return settings_.at(index);
+}
+
+void ParametricEqualizer::setBand(std::size_t index, const EqualizerBandSettings &settings) {
+    EqualizerBandSettings &current = settings_.at(index);
+    if (current == settings)
+        return;
+    current = settings;
+    if (sampleRate_ == 0.0)
+        return;
+    design_.bands[index] = BandDesign::of(settings, sampleRate_);
+    publish();
+}
+
+void ParametricEqualizer::setGlobalGainDB(float gainDB) {
+    globalGainDB_ = gainDB;
+    const double clamped = clampedGainDB(gainDB);
+    if (clamped == design_.gainDB)
+        return;
+    design_.gainDB = clamped;
+    publish();
+}
+
+void ParametricEqualizer::publish() { handOver_.publish(design_); }
+
+void ParametricEqualizer::prepare(double sampleRate) {
+    assert(sampleRate > 0.0);
+    sampleRate_ = sampleRate;
+    for (std::size_t i = 0; i < settings_.size(); ++i)
+        design_.bands[i] = BandDesign::of(settings_[i], sampleRate);
+    publish();
+    fadeFrames_ = std::max(1U, static_cast<std::uint32_t>(std::lround(sampleRate * fadeSeconds)));
+    reset();
+}
+
+void ParametricEqualizer::reset() {
+    chain_.prepare(sampleRate_);
+    incoming_.prepare(sampleRate_);
+    started_ = false;
+    pending_ = true;
+    fading_ = false;
+}
+
+void ParametricEqualizer::acceptDesign() noexcept {
+    const EqualizerDesign &design = handOver_.current();
+    pending_ = false;
+    if (!started_) {
+        chain_.jumpTo(design);
+        started_ = true;
+    } else if (chain_.canGlideTo(design)) {
+        chain_.glideTo(design);
+    } else {
+        incoming_ = chain_;
+        incoming_.jumpTo(design);
+        fading_ = true;
+        fadePosition_ = 0;
+    }
+}
+
+void ParametricEqualizer::process(float *left, float *right, std::uint32_t frames) noexcept {
+    if (handOver_.fetch())
+        pending_ = true;
+    while (frames > 0) {
+        if (pending_ && !fading_)
+            acceptDesign();
+        std::uint32_t chunk = frames;
+        if (fading_) {
+            chunk = std::min({frames, fadeChunk, fadeFrames_ - fadePosition_});
+            processFading(left, right, chunk);
+        } else {
+            chain_.process(left, right, frames);
+        }
+        left += chunk;
+        right += chunk;
+        frames -= chunk;
+    }
+    chain_.dropNonFinite();
+    if (fading_)
+        incoming_.dropNonFinite();
+}
+
+void ParametricEqualizer::processFading(float *left, float *right, std::uint32_t frames) noexcept {
+    std::copy_n(left, frames, incomingLeft_.data());
+    std::copy_n(right, frames, incomingRight_.data());
+    chain_.process(left, right, frames);
+    incoming_.process(incomingLeft_.data(), incomingRight_.data(), frames);
+    const float perFrame = 1.0F / static_cast<float>(fadeFrames_);
+    for (std::uint32_t i = 0; i < frames; ++i) {
+        const float t = static_cast<float>(fadePosition_ + i) * perFrame;
+        const float weight = t * t * (3.0F - 2.0F * t);
+        left[i] += (incomingLeft_[i] - left[i]) * weight;
+        right[i] += (incomingRight_[i] - right[i]) * weight;
+    }
+    fadePosition_ += frames;
+    if (fadePosition_ == fadeFrames_) {
+        std::swap(chain_, incoming_);
+        fading_ = false;
+    }
+}
+
+} // namespace quorbel

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "platform/dsp/EqualizerBandSettings.h"
+#include "platform/dsp/EqualizerChain.h"
+#include "platform/dsp/LatestValue.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace quorbel {
+
+/// A stereo equaliser: a fixed number of bands in series and a global gain, set on one thread while
+/// another renders.
+///
+/// Every change takes about 20 ms and is free of clicks; the level never exceeds the louder of
+/// before and after on the way. Changes that keep a band's type and (nearly) its frequency move the
+/// filter itself, others fade from the old chain to a new one. Settings made before the first block
+/// apply from its first frame.
+class ParametricEqualizer {
+  public:
+    explicit ParametricEqualizer(std::size_t bandCount);
+
+    [[nodiscard]] std::size_t bandCount() const { return settings_.size(); }
+    [[nodiscard]] const EqualizerBandSettings &band(std::size_t index) const; // [main]
+    void setBand(std::size_t index, const EqualizerBandSettings &settings);   // [main]
+    [[nodiscard]] float globalGainDB() const { return globalGainDB_; }        // [main]
+    void setGlobalGainDB(float gainDB);                                       // [main]
+
+    /// Designs the bands for `sampleRate` Hz, 8000 to 384000, and starts from silence. Not while
+    /// rendering.
+    void prepare(double sampleRate);
+
+    /// Silence inside; the settings stay and are in force at once. Not while rendering.
+    void reset();
+
+    /// Any number of frames, in place. How the sound is cut into calls makes no difference to it.
+    void process(float *left, float *right, std::uint32_t frames) noexcept; // [render]
+
+  private:
+    static constexpr std::uint32_t fadeChunk = 64;
+
+    void publish();
+    void acceptDesign() noexcept;
+    void processFading(float *left, float *right, std::uint32_t frames) noexcept;
+
+    // [main]
+    std::vector<EqualizerBandSettings> settings_;
+    float globalGainDB_ = 0.0F;
+    double sampleRate_ = 0.0; // 0: not prepared
+    EqualizerDesign design_;
+
+    LatestValue<EqualizerDesign> handOver_;
+
+    // [render]
+    EqualizerChain chain_;
+    EqualizerChain incoming_; // what is being faded to
+    bool started_ = false;
+    bool pending_ = false; // the newest design has not been accepted yet
+    bool fading_ = false;
+    std::uint32_t fadeFrames_ = 960; // constant after prepare
+    std::uint32_t fadePosition_ = 0;
+    std::array<float, fadeChunk> incomingLeft_{};
+    std::array<float, fadeChunk> incomingRight_{};
+};
+
+} // namespace quorbel

@@ -1,0 +1,70 @@
+#pragma once
+
+namespace quorbel {
+
+/// A second-order section as designed: the state-variable filter
+///
+///     H = (high s² + band s + low) / (s² + damping s + 1),   s = j tan(π f / sampleRate) / cutoff,
+///
+/// of which every stable biquad is one.
+struct StateVariableDesign {
+    double cutoff = 1.0;  ///< tan(π f0 / sampleRate), > 0
+    double damping = 1.0; ///< 1/Q of the poles, > 0
+    double high = 1.0;    ///< gain at half the sample rate
+    double band = 1.0;
+    double low = 1.0; ///< gain at 0 Hz
+
+    /// The section whose transfer function is (b0 + b1/z + b2/z²) / (1 + a1/z + a2/z²), which must
+    /// be stable.
+    [[nodiscard]] static StateVariableDesign fromBiquad(double b0, double b1, double b2, double a1,
+                                                        double a2);
+
+    /// |H|² at a frequency given as a fraction of the sample rate, 0 to 0.5 (excluded).
+    [[nodiscard]] double power(double normalizedFrequency) const;
+};
+
+/// What one section remembers of one channel: the states of its two integrators.
+struct SectionState {
+    float first = 0.0F;
+    float second = 0.0F;
+};
+
+/// The section as it is run, in 32 bits. Trapezoidal integrators (V. Zavalishin, "The Art of VA
+/// Filter Design", 3.10) in the form that adds increments to its states: at low frequencies the
+/// increments are small and so are their rounding errors, where a 32-bit direct form loses half of
+/// its digits.
+struct SectionCoefficients {
+    float cutoff = 1.0F;   ///< g
+    float feedback = 2.0F; ///< g + damping
+    float scale = 0.25F;   ///< g / (1 + g (g + damping)), derived by `close`
+    float direct = 1.0F; ///< the output is direct · input + first · bandpass + second · lowpass
+    float first = 0.0F;
+    float second = 0.0F;
+
+    SectionCoefficients() = default;
+    explicit SectionCoefficients(const StateVariableDesign &design)
+        : cutoff(static_cast<float>(design.cutoff)),
+          feedback(static_cast<float>(design.cutoff + design.damping)),
+          scale(static_cast<float>(design.cutoff /
+                                   (1.0 + design.cutoff * (design.cutoff + design.damping)))),
+          direct(static_cast<float>(design.high)),
+          first(static_cast<float>(design.band - design.damping * design.high)),
+          second(static_cast<float>(design.low - design.high)) {}
+
+    /// Makes `scale` agree with the other two after they were interpolated.
+    void close() noexcept { scale = cutoff / (1.0F + cutoff * feedback); }
+};
+
+/// One sample through one section.
+inline float processSample(const SectionCoefficients &c, SectionState &state,
+                           float input) noexcept {
+    const float drive = c.scale * ((input - c.feedback * state.first) - state.second);
+    const float bandpass = state.first + drive;
+    const float rise = c.cutoff * bandpass;
+    const float lowpass = state.second + rise;
+    state.first = bandpass + drive;
+    state.second = lowpass + rise;
+    return (c.direct * input + c.first * bandpass) + c.second * lowpass;
+}
+
+} // namespace quorbel
