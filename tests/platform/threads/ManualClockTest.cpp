@@ -1,0 +1,99 @@
+#include "platform/threads/ManualClock.h"
+
+#include "platform/threads/Timer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using ::testing::ElementsAre;
+
+struct ManualClockTest : ::testing::Test {
+    ManualClock clock;
+    std::vector<std::string> log;
+
+    Clock::Task note(const std::string &text) {
+        return [this, text] { log.push_back(text); };
+    }
+};
+
+TEST_F(ManualClockTest, RunsInTimeOrderAndEqualTimesInOrderOfArrival) {
+    clock.after(0.2, note("late"));
+    clock.after(0.1, note("first of two"));
+    clock.after(0.1, note("second of two"));
+    clock.post(note("posted"));
+    clock.after(-1.0, note("overdue"));
+    EXPECT_TRUE(log.empty()) << "nothing runs before the clock is moved";
+
+    clock.advance(0.15);
+    EXPECT_THAT(log, ElementsAre("posted", "overdue", "first of two", "second of two"));
+    clock.advance(0.05);
+    EXPECT_EQ(log.back(), "late");
+}
+
+TEST_F(ManualClockTest, WhatCallbacksSetRunsInTheSameAdvanceAtItsOwnTime) {
+    std::vector<double> times;
+    clock.after(0.1, [&] {
+        times.push_back(clock.now());
+        clock.post([&] { times.push_back(clock.now()); });
+        clock.after(0.2, [&] { times.push_back(clock.now()); });
+    });
+    clock.advance(1.0);
+    EXPECT_THAT(times, ElementsAre(0.1, 0.1, ::testing::DoubleNear(0.3, 1e-12)));
+    EXPECT_DOUBLE_EQ(clock.now(), 1.0);
+}
+
+TEST_F(ManualClockTest, BlocksOfAnyLengthAddUpExactly) {
+    // An hour in blocks of 441 frames at 44.1 kHz is also an hour of 10 ms: a tick every 2205
+    // frames falls on exactly every fifth block, up to the end.
+    int ticks = 0;
+    int wrong = 0;
+    clock.every(0.05, [&] { ++ticks; });
+    for (int block = 1; block <= 360'000; ++block) {
+        clock.advance(441 / 44'100.0);
+        wrong += ticks != block / 5 ? 1 : 0;
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_DOUBLE_EQ(clock.now(), 3600.0);
+}
+
+TEST_F(ManualClockTest, CancelledTimersAreSilentAlsoFromInsideTheirOwnTask) {
+    const auto cancelled = clock.after(0.1, note("cancelled"));
+    clock.cancel(cancelled);
+    clock.cancel(cancelled);
+    clock.cancel(12345);
+
+    Timer self = Timer::repeating(clock, 0.1, [&] {
+        log.push_back("tick");
+        if (log.size() == 2)
+            self.invalidate();
+    });
+    { const Timer scoped = Timer::once(clock, 0.1, note("out of scope")); }
+    clock.advance(1.0);
+    EXPECT_THAT(log, ElementsAre("tick", "tick"));
+}
+
+TEST_F(ManualClockTest, TakesWorkFromOtherThreads) {
+    int done = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 1000; ++i)
+                clock.post([&] { ++done; });
+        });
+    while (done < 2000)
+        clock.runPending();
+    for (std::thread &thread : threads)
+        thread.join();
+    clock.runPending();
+    EXPECT_EQ(done, 4000);
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,75 @@
+#include "support/RealtimeGuard.h"
+
+#include "platform/threads/ShortLock.h"
+
+#include <gtest/gtest.h>
+
+#include <mutex>
+#include <shared_mutex>
+#include <thread>
+#include <vector>
+
+namespace quorbel::testing {
+namespace {
+
+// What every test of real-time code leans on: the guard must see what it claims to see.
+TEST(RealtimeGuardTest, SeesMemoryAndForeignLocksOfItsOwnThreadAndNothingElse) {
+    std::mutex mutex;
+    std::shared_mutex sharedMutex;
+    ShortLock shortLock;
+    std::thread other;
+
+    const RealtimeGuard quiet;
+    { const std::lock_guard lock(shortLock); }
+    EXPECT_EQ(quiet.violations(), RealtimeViolations{});
+
+    const RealtimeGuard memory;
+    {
+        const std::vector<float> vector(100);
+        EXPECT_EQ(memory.violations().allocations, 1U);
+    }
+    EXPECT_EQ(memory.violations().frees, 1U);
+    ::operator delete(::operator new(256, std::align_val_t(64)), std::align_val_t(64));
+    EXPECT_EQ(memory.violations().allocations, 2U);
+
+    if (RealtimeGuard::countsLocks()) {
+        const RealtimeGuard locks;
+        { const std::lock_guard lock(mutex); }
+        { const std::shared_lock lock(sharedMutex); }
+        { const std::unique_lock lock(sharedMutex); }
+        EXPECT_EQ(locks.violations().foreignLocks, 3U);
+    }
+
+    other = std::thread([&] {
+        const std::lock_guard lock(mutex);
+        const std::vector<float> vector(100);
+    });
+    const RealtimeGuard elsewhere;
+    other.join();
+    EXPECT_EQ(elsewhere.violations().allocations, 0U);
+}
+
+TEST(ShortLockTest, ExcludesAndCanBeTried) {
+    ShortLock lock;
+    long counter = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 20'000; ++i) {
+                const std::lock_guard guard(lock);
+                ++counter;
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(counter, 80'000);
+
+    lock.lock();
+    bool taken = true;
+    std::thread([&] { taken = lock.try_lock(); }).join();
+    EXPECT_FALSE(taken);
+    lock.unlock();
+}
+
+} // namespace
+} // namespace quorbel::testing

@@ -1,0 +1,103 @@
+#include "platform/threads/SerialQueue.h"
+
+#include "platform/threads/ManualClock.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+#include <numeric>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+TEST(ThreadedSerialQueueTest, RunsTasksOfManyThreadsOneAtATimeAndEachThreadsInOrder) {
+    auto queue = threadedSerialQueues()("a queue with a long name");
+    std::vector<std::vector<int>> received(3);
+    int inside = 0;
+    int overlaps = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 3; ++t)
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 500; ++i)
+                queue->async([&, t, i] {
+                    overlaps += inside++;
+                    received[static_cast<std::size_t>(t)].push_back(i);
+                    --inside;
+                });
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    std::promise<void> done;
+    queue->async([&] { done.set_value(); });
+    done.get_future().wait();
+
+    std::vector<int> expected(500);
+    std::iota(expected.begin(), expected.end(), 0);
+    for (const std::vector<int> &one : received)
+        EXPECT_EQ(one, expected);
+    EXPECT_EQ(overlaps, 0);
+}
+
+TEST(ThreadedSerialQueueTest, CancelWaitsForTheRunningTaskAndNothingRunsAfterwards) {
+    auto queue = threadedSerialQueues()("test");
+    for (int round = 0; round < 50; ++round) {
+        auto alive = std::make_unique<std::atomic<int>>(0);
+        std::promise<void> ran;
+        std::atomic<bool> first{true};
+        const auto timer = queue->repeating(1e-4, 1e-4, [&, counter = alive.get()] {
+            ++*counter;
+            if (first.exchange(false))
+                ran.set_value();
+        });
+        ran.get_future().wait();
+        queue->cancel(timer);
+        alive.reset(); // a task still running or to come would touch freed memory
+    }
+}
+
+TEST(ThreadedSerialQueueTest, ATimerMayCancelItselfAndEndsWithTheQueue) {
+    std::atomic<int> ticks{0};
+    {
+        auto queue = threadedSerialQueues()("test");
+        std::promise<void> cancelled;
+        SerialQueue::TimerID timer = 0;
+        queue->async([&] {
+            timer = queue->repeating(1e-4, 1e-4, [&] {
+                ++ticks;
+                queue->cancel(timer);
+                cancelled.set_value();
+            });
+        });
+        cancelled.get_future().wait();
+        queue->repeating(1e-4, 1e-4, [] {});
+    }
+    EXPECT_EQ(ticks, 1);
+}
+
+TEST(ClockedSerialQueueTest, TicksAtExactlyItsTimesAndNotBeyondItsEnd) {
+    ManualClock clock;
+    std::vector<int> blocksOfTicks;
+    int block = 0;
+    bool leaked = false;
+    {
+        auto queue = clockedSerialQueues(clock)("test");
+        queue->repeating(0.1, 0.05, [&] { blocksOfTicks.push_back(block); });
+        SerialQueue::TimerID once = 0;
+        once = queue->repeating(0.01, 0.01, [&] { queue->cancel(once); });
+        for (block = 1; block <= 25; ++block)
+            clock.advance(512 / 48'000.0);
+        queue->async([&] { leaked = true; });
+        queue->repeating(0.001, 0.001, [&] { leaked = true; });
+    }
+    clock.advance(1.0);
+    // Frames 4800, 7200, 9600 and 12000 lie in the blocks that end at 5120, 7680, 9728 and 12288.
+    EXPECT_THAT(blocksOfTicks, ::testing::ElementsAre(10, 15, 19, 24));
+    EXPECT_FALSE(leaked);
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <ostream>
+
+namespace quorbel::testing {
+
+/// What the current thread did that audio threads must not do.
+struct RealtimeViolations {
+    std::uint64_t allocations = 0; ///< malloc and everything that ends there, new included
+    std::uint64_t frees = 0;
+    std::uint64_t foreignLocks = 0; ///< mutexes other than ShortLock, and reader-writer locks
+
+    friend bool operator==(const RealtimeViolations &, const RealtimeViolations &) = default;
+    friend std::ostream &operator<<(std::ostream &out, const RealtimeViolations &violations) {
+        return out << violations.allocations << " allocations, " << violations.frees << " frees, "
+                   << violations.foreignLocks << " foreign locks";
+    }
+};
+
+/// Counts from its construction on, on the thread that made it.
+///
+/// Works by replacing malloc and pthread's lock functions for the whole program. Built with
+/// sanitizers, which have replaced them already, it counts memory through their hooks and no locks.
+class RealtimeGuard {
+  public:
+    RealtimeGuard();
+    [[nodiscard]] RealtimeViolations violations() const;
+
+    /// Whether this build sees locks at all.
+    [[nodiscard]] static bool countsLocks();
+
+  private:
+    RealtimeViolations start_;
+};
+
+} // namespace quorbel::testing
