@@ -227,12 +227,12 @@ void TapStream::process() noexcept {
     {
         const RealtimeSlot<OutStream>::Use out(pair_.out);
         const RealtimeSlot<IOClient>::Use client(client_);
-        // The wake-up takes effect only after this callback, on this same thread, so its outcome is
-        // known before the block is handed over, and the block is there when the output asks for
-        // it.
-        cycle.willPlay = out && out->wake();
+        // The block comes first: older servers run the output inside the call that wakes it.
+        cycle.willPlay = out && out->isReadyForBlock();
         if (client && cycle.frames > 0)
             deliver(*client.operator->(), cycle);
+        if (out)
+            out->wake();
     }
     if (newest != nullptr)
         pw_stream_queue_buffer(stream_.get(), newest);
@@ -271,25 +271,29 @@ void OutStream::formatChanged() {
     client_.set(client);
 }
 
-bool OutStream::wake() noexcept {
+bool OutStream::isReadyForBlock() const noexcept { return isStreaming_ && !isBlockUnplayed_; }
+
+void OutStream::wake() noexcept {
     if (!isStreaming_)
-        return false;
-    const bool wasPending = isWakePending_.exchange(true);
-    if (pw_stream_trigger_process(stream_.get()) < 0) {
-        isWakePending_ = false;
-        return false;
-    }
-    return !wasPending;
+        return;
+    // Stays set if the wake-up fails or is not followed in this cycle: the block is then played in
+    // the next one, and the next one's is not taken, so that the delay never grows.
+    isBlockUnplayed_ = true;
+    pw_stream_trigger_process(stream_.get());
 }
 
 void OutStream::process() noexcept {
     const RealtimeSlot<RenderClient>::Use client(client_);
     pw_buffer *buffer = pw_stream_dequeue_buffer(stream_.get());
     if (buffer == nullptr)
-        return; // the wake-up stays pending: the captured block is still to be played
-    const std::uint32_t cycle = cycleFrames();
-    auto frames = static_cast<std::uint32_t>(
-        std::min<std::uint64_t>(buffer->requested > 0 ? buffer->requested : cycle, UINT32_MAX));
+        return;
+    // The cycle's length, not what the buffer asks for: that is still the length of the cycle
+    // before, and one cycle of the old length after a change would put playback ahead of capture
+    // for good.
+    std::uint32_t frames = cycleFrames();
+    if (frames == 0)
+        frames = static_cast<std::uint32_t>(
+            std::min<std::uint64_t>(buffer->requested, maximumBlockFrames));
     const AudioBufferList list = planes(*buffer, frames, false);
     if (frames > 0) {
         if (client)
@@ -305,7 +309,7 @@ void OutStream::process() noexcept {
         chunk->size = frames * sizeof(float);
     }
     pw_stream_queue_buffer(stream_.get(), buffer);
-    isWakePending_ = false;
+    isBlockUnplayed_ = false;
 }
 
 } // namespace quorbel

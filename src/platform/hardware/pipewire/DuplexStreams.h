@@ -96,17 +96,19 @@ class OutStream final : public ServerStream {
 
     Status connect(const std::string &deviceName, const StreamFormat &formatUntilNegotiated);
 
-    /// Makes the stream run once in this cycle, after the caller. False if it will not, or if an
-    /// earlier wake-up has not been followed yet: what the caller brings must then be dropped.
-    /// [capture]
-    bool wake() noexcept;
+    /// True if a block handed over now is played in this cycle: the stream runs, and has played
+    /// what it was woken for before. [capture]
+    [[nodiscard]] bool isReadyForBlock() const noexcept;
+
+    /// Makes the stream run in this cycle, inside this call or right after the caller's. [capture]
+    void wake() noexcept;
 
   private:
     void process() noexcept override;
     void formatChanged() override;
 
     RealtimeSlot<RenderClient> client_;
-    std::atomic<bool> isWakePending_{false};
+    std::atomic<bool> isBlockUnplayed_{false};
 };
 
 } // namespace quorbel

@@ -105,7 +105,8 @@ Status ServerConnection::roundTrip(double seconds) {
     if (lost_)
         return -EPIPE;
     const int sequence = pw_core_sync(core(), PW_ID_CORE, ++pendingSequence_);
-    return waitUntil([&] { return doneSequence_ == sequence; }, seconds);
+    // The server answers in order, so a later answer stands for this one too.
+    return waitUntil([&] { return doneSequence_ >= sequence; }, seconds);
 }
 
 Status ServerConnection::waitUntil(const std::function<bool()> &condition, double seconds) {
