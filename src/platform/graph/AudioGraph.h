@@ -6,6 +6,7 @@
 #include "platform/core/StreamFormat.h"
 #include "platform/graph/GraphNode.h"
 #include "platform/hardware/AudioHardware.h"
+#include "platform/threads/SerialQueue.h"
 
 #include <functional>
 #include <memory>
@@ -15,54 +16,63 @@ namespace quorbel {
 class MixerNode;
 class OutputNode;
 
-/// A playback graph: nodes connected into one line from a source through the main mixer to the output.
-/// Connections are planned at `start` into a flat list of stages; a running plan is never edited.
+/// A playback graph: nodes connected into one line from a source through the main mixer to the
+/// output. Connections are planned at `start` into a flat list of stages; a running plan is never
+/// edited.
 ///
-/// With a hardware output the device's render thread pulls the plan; without one the owner renders it
-/// block by block with `render` (files, tests). All calls [main] except where tagged.
+/// With a hardware output the device's render thread pulls the plan; without one the owner renders
+/// it block by block with `render` (files, tests). All calls [main] except where tagged.
 class AudioGraph {
   public:
-    /// `output` may be null: manual rendering.
-    explicit AudioGraph(std::unique_ptr<HardwareOutput> output);
+    /// `output` may be null: manual rendering. `tapQueues` makes the thread that taps run on.
+    explicit AudioGraph(std::unique_ptr<HardwareOutput> output,
+                        SerialQueueFactory tapQueues = threadedSerialQueues());
     ~AudioGraph();
-    AudioGraph(const AudioGraph&) = delete;
-    AudioGraph& operator=(const AudioGraph&) = delete;
+    AudioGraph(const AudioGraph &) = delete;
+    AudioGraph &operator=(const AudioGraph &) = delete;
 
-    /// Nodes are borrowed: detach them before they are destroyed. Attaching twice does nothing.
-    void attach(GraphNode& node);
-    void detach(GraphNode& node);
-    [[nodiscard]] bool isAttached(const GraphNode& node) const;
+    /// Nodes are borrowed: detach them before they are destroyed. Attaching twice does nothing. A
+    /// node that is part of what runs stays until the graph is stopped.
+    void attach(GraphNode &node);
+    void detach(GraphNode &node);
+    [[nodiscard]] bool isAttached(const GraphNode &node) const;
 
-    /// Both nodes must be attached (the main mixer always is). Replaces what was connected to either end.
-    void connect(GraphNode& from, GraphNode& to, const StreamFormat& format);
-    void disconnectInput(GraphNode& node);
-    void disconnectOutput(GraphNode& node);
+    /// Both nodes must be attached (the main mixer always is). Replaces what was connected to
+    /// either end.
+    void connect(GraphNode &from, GraphNode &to, const StreamFormat &format);
+    void disconnectInput(GraphNode &node);
+    void disconnectOutput(GraphNode &node);
 
     /// The last stage; it converts from the format it is fed to the output's rate.
-    [[nodiscard]] MixerNode& mainMixer();
-    [[nodiscard]] OutputNode& outputNode();
+    [[nodiscard]] MixerNode &mainMixer();
+    [[nodiscard]] OutputNode &outputNode();
 
-    /// Plans, allocates every planned node and starts the output. Any failure leaves it stopped. A graph
-    /// without a source connected through to the mixer fails with `statusNoConnection`.
+    /// Plans, allocates every planned node and starts the output. Any failure leaves it stopped. A
+    /// graph without a source connected through to the mixer fails with `statusNoConnection`, one
+    /// whose connections are not all of one stereo format with `statusFormatNotSupported`.
     Status start();
     void stop();
     /// Forgets the sound held in every attached node. Only while stopped.
     void reset();
     [[nodiscard]] bool isRunning() const;
 
-    /// Renders the next `frames` frames (any number) of a graph made without an output. [render]
-    Status render(const AudioBufferList& output, std::uint32_t frames) noexcept;
+    /// Renders the next `frames` frames (any number) of a graph made without an output, at the
+    /// graph's own rate. A graph that is not running gives `statusUninitialized`. [render]
+    Status render(const AudioBufferList &output, std::uint32_t frames) noexcept;
 
-    /// Receives a copy of what a node has rendered. Runs on the graph's tap thread (in manual rendering:
-    /// inside `render`), never on the render thread.
-    using TapBlock = std::function<void(const PCMBuffer& buffer)>;
-    /// One tap per node; blocks of `bufferFrames` frames in the node's output format. May be installed and
-    /// removed while running. After `removeTap` has returned the block is not called again.
-    void installTap(GraphNode& node, std::uint32_t bufferFrames, TapBlock block);
-    void removeTap(GraphNode& node);
+    /// Receives a copy of what a node has rendered. Runs on the graph's tap thread (in manual
+    /// rendering: inside `render`), never on the render thread.
+    using TapBlock = std::function<void(const PCMBuffer &buffer)>;
+    /// One tap per node (a second one replaces it); blocks of `bufferFrames` frames (at most 32768)
+    /// in the node's output format as it is now. A node that is not connected cannot be tapped:
+    /// nothing happens. May be installed and removed while running. After `removeTap` has returned
+    /// the block is not called again.
+    void installTap(GraphNode &node, std::uint32_t bufferFrames, TapBlock block);
+    void removeTap(GraphNode &node);
 
-    /// The format a node puts out on its bus 0; an invalid one when it is not connected.
-    [[nodiscard]] StreamFormat outputFormat(const GraphNode& node) const;
+    /// The format a node puts out on its bus 0; an invalid one when it is not connected. The main
+    /// mixer's is the output's (stereo), in manual rendering the one it is fed.
+    [[nodiscard]] StreamFormat outputFormat(const GraphNode &node) const;
 
   private:
     struct State;

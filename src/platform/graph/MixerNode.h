@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/core/PCMBuffer.h"
+#include "platform/dsp/SampleRateConverter.h"
+#include "platform/graph/GraphNode.h"
+#include "platform/graph/NodeTap.h"
+#include "platform/graph/RenderPlan.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace quorbel {
+
+/// The last stage: it fills the output's buffers from a plan, converting from the graph's rate to
+/// the output's and from stereo to the output's channels.
+///
+/// It asks the plan for exactly the frames that the converter needs, so nothing gathers between the
+/// two rates. With equal rates the sound goes through untouched.
+class MixerNode final : public GraphNode {
+  public:
+    MixerNode() = default;
+
+    /// The graph's side; the format must be stereo.
+    Status allocateRenderResources(const StreamFormat &format,
+                                   std::uint32_t maximumFrames) override;
+    void deallocateRenderResources() override;
+
+    /// The output's side: prepares the conversion for the pulls that follow, while none is under
+    /// way. Rates that cannot be converted give `statusFormatNotSupported` and silence. [control]
+    Status setOutputFormat(const StreamFormat &format);
+
+    /// What leaves the mixer: stereo at the output's rate; invalid before that is known. [any]
+    [[nodiscard]] StreamFormat outputFormat() const noexcept;
+
+    /// Fills any number of frames of `output` from the plan, then hands them to the tap. Returns
+    /// what the plan returned. [render]
+    Status pull(RenderPlan &plan, NodeTap &tap, const AudioBufferList &output,
+                std::uint32_t frames) noexcept;
+
+    /// The mixer's own work on a stereo block at the output's rate. Its gain is one; this is the
+    /// place for a ramp. [render]
+    Status render(const RenderTime &time, AudioBufferList &buffers,
+                  std::uint32_t frames) noexcept override;
+
+    /// Silence in the converter; only while nothing pulls.
+    void reset() override;
+
+  private:
+    Status convert(RenderPlan &plan, const AudioBufferList &output, std::uint32_t frames) noexcept;
+    Status makeConverter();
+
+    double graphRate_ = 0.0;
+    std::atomic<double> outputRate_{0.0};
+    bool convertible_ = false;
+    std::unique_ptr<SampleRateConverter> converter_; // only for different rates
+    std::uint32_t longestPull_ = maximumBlockFrames; // so that the plan's blocks stay in bounds
+    std::optional<PCMBuffer> graphBlock_;            // input of the converter
+    std::optional<PCMBuffer> stereoBlock_;           // for outputs that are not stereo
+    RenderTime time_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,59 @@
+#include "platform/graph/NonFinite.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace quorbel {
+
+namespace {
+
+// Not-a-number and infinity have the largest exponent; adding one to it carries into the empty sign
+// bit.
+constexpr std::uint32_t carryIfNonFinite(float sample) {
+    return (std::bit_cast<std::uint32_t>(sample) & 0x7FFFFFFFU) + 0x00800000U;
+}
+constexpr std::uint32_t carry = 0x80000000U;
+
+constexpr std::uint32_t chunkFrames = 64; // a constant length, so that the scan becomes vector code
+
+bool chunkHasNonFinite(const float *samples) noexcept {
+    std::uint32_t all = 0;
+    for (std::uint32_t i = 0; i < chunkFrames; ++i)
+        all |= carryIfNonFinite(samples[i]);
+    return (all & carry) != 0;
+}
+
+std::uint32_t replaceInFrames(const AudioBufferList &buffers, std::uint32_t begin,
+                              std::uint32_t end) noexcept {
+    std::uint32_t found = 0;
+    for (std::uint32_t i = begin; i < end; ++i) {
+        bool bad = false;
+        for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel) {
+            float *samples = buffers.data[channel];
+            if (samples != nullptr && (carryIfNonFinite(samples[i]) & carry) != 0) {
+                samples[i] = 0.0F;
+                bad = true;
+            }
+        }
+        found += bad ? 1 : 0;
+    }
+    return found;
+}
+
+} // namespace
+
+std::uint32_t replaceNonFinite(const AudioBufferList &buffers, std::uint32_t frames) noexcept {
+    std::uint32_t found = 0;
+    std::uint32_t begin = 0;
+    for (; begin + chunkFrames <= frames; begin += chunkFrames) {
+        bool any = false;
+        for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel)
+            if (buffers.data[channel] != nullptr)
+                any |= chunkHasNonFinite(buffers.data[channel] + begin);
+        if (any)
+            found += replaceInFrames(buffers, begin, begin + chunkFrames);
+    }
+    return found + replaceInFrames(buffers, begin, frames);
+}
+
+} // namespace quorbel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/core/StreamFormat.h"
+#include "platform/hardware/AudioHardware.h"
+
+#include <memory>
+
+namespace quorbel {
+
+/// The end of a graph: the hardware output behind the mixer, or nothing in manual rendering. [main]
+class OutputNode {
+  public:
+    explicit OutputNode(std::unique_ptr<HardwareOutput> output) : output_(std::move(output)) {}
+
+    [[nodiscard]] bool hasHardware() const { return output_ != nullptr; }
+
+    /// Binds the output to a device, for the next start. Without hardware it does nothing.
+    Status setDevice(AudioObjectID device) {
+        return output_ ? output_->setDevice(device) : statusOK;
+    }
+
+    /// The bound device's native rate and channel count; an invalid format when there is none.
+    [[nodiscard]] StreamFormat nativeFormat() const {
+        return output_ ? output_->nativeFormat() : StreamFormat{};
+    }
+
+    /// Null without hardware.
+    [[nodiscard]] HardwareOutput *hardware() const { return output_.get(); }
+
+  private:
+    std::unique_ptr<HardwareOutput> output_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/core/AudioBufferList.h"
+#include "platform/core/Status.h"
+#include "platform/core/StreamFormat.h"
+#include "platform/graph/GraphNode.h"
+#include "platform/graph/NodeTap.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace quorbel {
+
+/// The stages of a graph up to its mixer, in the order in which they work. Made by
+/// `AudioGraph::start` and never edited. The nodes are allocated while it lives.
+class RenderPlan {
+  public:
+    struct Stage {
+        GraphNode *node = nullptr;
+        NodeTap *tap = nullptr;
+    };
+
+    /// `stages` begin with a source; `format` is that of all connections.
+    RenderPlan(std::vector<Stage> stages, const StreamFormat &format);
+    ~RenderPlan();
+    RenderPlan(const RenderPlan &) = delete;
+    RenderPlan &operator=(const RenderPlan &) = delete;
+
+    /// Allocates every node; if one fails, none is left allocated. [main]
+    Status allocate();
+
+    [[nodiscard]] const StreamFormat &format() const { return format_; }
+
+    /// Renders the next 1 to `maximumBlockFrames` frames. Returns the first status other than 0: a
+    /// failing source leaves silence, any other failing stage is passed over. [render]
+    Status render(AudioBufferList &buffers, std::uint32_t frames) noexcept;
+
+  private:
+    std::vector<Stage> stages_;
+    StreamFormat format_;
+    std::size_t allocated_ = 0; // so many of the stages
+    RenderTime time_;           // render only
+};
+
+} // namespace quorbel

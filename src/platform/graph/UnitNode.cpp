@@ -1,0 +1,47 @@
+#include "platform/graph/UnitNode.h"
+
+#include "platform/units/UnitStatus.h"
+
+#include <utility>
+
+namespace quorbel {
+
+UnitNode::UnitNode(std::unique_ptr<AudioUnit> unit)
+    : unit_(std::move(unit)),
+      inputStandsReady_([](RenderActionFlags &, const RenderTime &, std::uint32_t, std::int32_t,
+                           AudioBufferList &) { return statusOK; }) {}
+
+UnitNode::~UnitNode() { UnitNode::deallocateRenderResources(); }
+
+Status UnitNode::allocateRenderResources(const StreamFormat &format, std::uint32_t maximumFrames) {
+    allocationError_.clear();
+    if (unit_->renderResourcesAllocated())
+        unit_->deallocateRenderResources();
+    for (AudioUnitBus *bus : {&unit_->inputBusses()[0], &unit_->outputBusses()[0]}) {
+        if (const Status status = bus->setFormat(format); status != statusOK) {
+            allocationError_ = "the unit does not take the graph's format";
+            return status;
+        }
+    }
+    unit_->setMaximumFramesToRender(maximumFrames);
+    if (const Status status = unit_->allocateRenderResources(allocationError_); status != statusOK)
+        return status;
+    block_ = unit_->internalRenderBlock();
+    return statusOK;
+}
+
+void UnitNode::deallocateRenderResources() {
+    block_ = nullptr;
+    if (unit_->renderResourcesAllocated())
+        unit_->deallocateRenderResources();
+}
+
+Status UnitNode::render(const RenderTime &time, AudioBufferList &buffers,
+                        std::uint32_t frames) noexcept {
+    if (!block_)
+        return statusUninitialized;
+    RenderActionFlags flags = 0;
+    return block_(flags, time, frames, 0, buffers, nullptr, inputStandsReady_);
+}
+
+} // namespace quorbel

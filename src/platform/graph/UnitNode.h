@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/graph/GraphNode.h"
+#include "platform/units/AudioUnit.h"
+
+#include <memory>
+#include <string>
+
+namespace quorbel {
+
+/// An audio unit as a stage. The unit pulls its input as any unit does and finds that it already
+/// stands in the buffers it is to work on.
+class UnitNode final : public GraphNode {
+  public:
+    explicit UnitNode(std::unique_ptr<AudioUnit> unit);
+    ~UnitNode() override;
+
+    [[nodiscard]] AudioUnit &unit() { return *unit_; }
+    [[nodiscard]] const AudioUnit &unit() const { return *unit_; }
+
+    /// Why the last allocation failed, in the unit's words; empty if it did not.
+    [[nodiscard]] const std::string &allocationError() const { return allocationError_; }
+
+    Status allocateRenderResources(const StreamFormat &format,
+                                   std::uint32_t maximumFrames) override;
+    void deallocateRenderResources() override;
+    Status render(const RenderTime &time, AudioBufferList &buffers,
+                  std::uint32_t frames) noexcept override;
+
+  private:
+    std::unique_ptr<AudioUnit> unit_;
+    RenderBlock block_; // while allocated
+    const PullInputBlock inputStandsReady_;
+    std::string allocationError_;
+};
+
+} // namespace quorbel
