@@ -2,7 +2,7 @@
 
 #include "settings/records/json/CodingError.h"
 #include "settings/records/json/CodingPath.h"
-#include "settings/records/json/JsonText.h"
+#include "settings/records/json/JsonLiterals.h"
 #include "settings/records/json/RecordFields.h"
 
 #include <cmath>

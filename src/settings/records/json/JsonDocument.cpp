@@ -1,14 +1,12 @@
-#include "settings/records/json/JsonText.h"
+#include "settings/records/json/JsonDocument.h"
 
 #include "settings/records/json/CodingError.h"
+#include "settings/records/json/JsonLiterals.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -19,7 +17,7 @@ namespace {
 using nlohmann::json;
 
 constexpr std::size_t maximumDepth = 512;
-constexpr std::size_t maximumExcerpt = 40;
+constexpr std::size_t maximumPlainKey = 40;
 
 /// Builds the document from the reader's events and knows at every moment where in it the reader
 /// is. The library's own builder would do but for the depth limit and the path in its errors.
@@ -101,7 +99,7 @@ class DocumentBuilder final : public nlohmann::json_sax<json> {
 
     static std::string printableKey(const std::string &key) {
         const bool plain =
-            key.size() <= maximumExcerpt && std::all_of(key.begin(), key.end(), [](char c) {
+            key.size() <= maximumPlainKey && std::all_of(key.begin(), key.end(), [](char c) {
                 return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
                        c == '_';
             });
@@ -134,16 +132,6 @@ class DocumentBuilder final : public nlohmann::json_sax<json> {
     std::vector<Container> open_;
 };
 
-template <class Number> void appendShortest(std::string &text, Number value) {
-    const Number size = std::abs(value);
-    const bool plain = size == 0 || (size >= Number(1e-5) && size < Number(1e15));
-    char digits[64];
-    const auto end = std::to_chars(std::begin(digits), std::end(digits), value,
-                                   plain ? std::chars_format::fixed : std::chars_format::scientific)
-                         .ptr;
-    text.append(digits, end);
-}
-
 } // namespace
 
 json parseJson(std::string_view text) {
@@ -162,29 +150,6 @@ std::string excerpt(const json &value) {
     if (value.is_object())
         return "an object";
     return value.dump();
-}
-
-std::string quotedText(std::string_view text) {
-    // Escaped to plain ASCII, then cut: a cut inside an escape is ugly but printable.
-    const std::string literal = json(text.substr(0, 4 * maximumExcerpt))
-                                    .dump(-1, ' ', true, json::error_handler_t::replace);
-    if (literal.size() <= maximumExcerpt + 2 && text.size() <= 4 * maximumExcerpt)
-        return literal;
-    return literal.substr(0, maximumExcerpt) + "…\"";
-}
-
-// The library's writer prints about 3 of 1000 such values with all 17 digits (-3.7487066000000002),
-// so numbers are written with the standard library, which guarantees the shortest form.
-void appendNumber(std::string &text, float value) { appendShortest(text, value); }
-void appendNumber(std::string &text, double value) { appendShortest(text, value); }
-
-bool appendString(std::string &text, std::string_view value) {
-    try {
-        text += json(value).dump();
-        return true;
-    } catch (const json::type_error &) {
-        return false;
-    }
 }
 
 } // namespace quorbel
