@@ -1,0 +1,213 @@
+#include "platform/graph/GraphFixture.h"
+#include "platform/units/UnitStatus.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace quorbel {
+namespace {
+
+using ::testing::Each;
+using ::testing::ElementsAre;
+
+TEST(ManualRenderTest, GivesTheStagesWorkBitExactInBlocksOfAnyLength) {
+    std::vector<std::string> log;
+    CountingSource source;
+    NotingNode twice("twice", log, 2.0F);
+    NotingNode half("quarter", log, 0.25F);
+    AudioGraph graph(nullptr);
+    connectInLine(graph, {&source.node, &twice, &half});
+
+    Stereo block(20'000);
+    EXPECT_EQ(graph.render(block.view(), 1), statusUninitialized);
+    ASSERT_EQ(graph.start(), statusOK);
+    float expected = 0.0F;
+    for (const std::uint32_t frames : {1U, 7U, 512U, 8192U, 8193U, 20'000U}) {
+        ASSERT_EQ(graph.render(block.view(), frames), statusOK);
+        for (std::uint32_t i = 0; i < frames; ++i, expected += 0.5F) {
+            ASSERT_EQ(block.left[i], expected);
+            ASSERT_EQ(block.right[i], -expected);
+        }
+    }
+    EXPECT_EQ(source.longestBlock, maximumBlockFrames);
+    EXPECT_THAT(twice.times, ElementsAre(0, 1, 8, 520, 8712, 16904, 16905, 25097, 33289));
+
+    graph.stop();
+    twice.times.clear();
+    ASSERT_EQ(graph.start(), statusOK);
+    graph.render(block.view(), 10);
+    EXPECT_THAT(twice.times, ElementsAre(0)) << "a new run counts from the start";
+}
+
+TEST(ManualRenderTest, AFailingStageIsPassedOverAndAFailingSourceIsSilent) {
+    std::vector<std::string> log;
+    CountingSource source;
+    source.position = 100;
+    NotingNode twice("twice", log, 2.0F);
+    AudioGraph graph(nullptr);
+    connectInLine(graph, {&source.node, &twice});
+    ASSERT_EQ(graph.start(), statusOK);
+
+    Stereo block(1);
+    twice.renderStatus = -7;
+    EXPECT_EQ(graph.render(block.view(), 1), -7);
+    EXPECT_EQ(block.left[0], 100.0F);
+
+    twice.renderStatus = statusOK;
+    source.status = -9;
+    EXPECT_EQ(graph.render(block.view(), 1), -9);
+    EXPECT_EQ(block.left[0], 0.0F);
+    EXPECT_EQ(block.right[0], 0.0F);
+
+    source.status = statusOK;
+    EXPECT_EQ(graph.render(block.view(), 1), statusOK);
+    EXPECT_EQ(block.left[0], 204.0F);
+}
+
+TEST(ManualRenderTest, OtherChannelCountsGetTheMeanOrSilence) {
+    SourceNode loudLeft(chain, [](const AudioBufferList &buffers, std::uint32_t frames) {
+        std::fill_n(buffers.data[0], frames, 0.8F);
+        std::fill_n(buffers.data[1], frames, 0.2F);
+        return statusOK;
+    });
+    AudioGraph graph(nullptr);
+    connectInLine(graph, {&loudLeft});
+    ASSERT_EQ(graph.start(), statusOK);
+
+    std::vector<std::vector<float>> planes(4, std::vector<float>(10'000, 9.0F));
+    AudioBufferList list;
+    list.bufferCount = 1;
+    list.data[0] = planes[0].data();
+    graph.render(list, 10'000);
+    EXPECT_THAT(planes[0], Each(0.5F));
+
+    list.bufferCount = 4;
+    for (std::size_t i = 0; i < 4; ++i)
+        list.data[i] = planes[i].data();
+    list.data[1] = nullptr;
+    graph.render(list, 10'000);
+    EXPECT_THAT(planes[0], Each(0.8F));
+    EXPECT_THAT(planes[1], Each(9.0F));
+    EXPECT_THAT(planes[2], Each(0.0F));
+    EXPECT_THAT(planes[3], Each(0.0F));
+}
+
+/// A sine source whose output is compared after the mixer's conversion.
+struct SineGraph {
+    std::int64_t pulled = 0;
+    SourceNode source{chain, [this](const AudioBufferList &buffers, std::uint32_t frames) {
+                          for (std::uint32_t i = 0; i < frames; ++i, ++pulled)
+                              buffers.data[0][i] = buffers.data[1][i] = static_cast<float>(
+                                  0.5 * std::sin(2.0 * std::numbers::pi * 1000.0 *
+                                                 static_cast<double>(pulled) / 48000.0));
+                          return statusOK;
+                      }};
+    TestOutput::Line line;
+    AudioGraph graph{std::make_unique<TestOutput>(line)};
+
+    void start() {
+        connectInLine(graph, {&source});
+        ASSERT_EQ(graph.start(), statusOK);
+    }
+};
+
+/// Amplitude and rest of a 1 kHz sine in what was played at `rate`, by least squares.
+struct SineFit {
+    double amplitude = 0.0;
+    double residual = 0.0; // peak
+};
+SineFit fitSine(const std::vector<float> &samples, std::size_t begin, double rate) {
+    const double w = 2.0 * std::numbers::pi * 1000.0 / rate;
+    // Whole milliseconds of whole kilohertz rates hold whole periods; 441 frames do at 44.1 kHz.
+    const auto period = static_cast<std::size_t>(std::lround(rate / 100.0));
+    const std::size_t count = (samples.size() - begin) / period * period;
+    double re = 0.0;
+    double im = 0.0;
+    for (std::size_t i = 0; i < count; ++i) {
+        re += double{samples[begin + i]} * std::cos(w * static_cast<double>(i));
+        im += double{samples[begin + i]} * std::sin(w * static_cast<double>(i));
+    }
+    re *= 2.0 / static_cast<double>(count);
+    im *= 2.0 / static_cast<double>(count);
+    SineFit fit{std::hypot(re, im), 0.0};
+    for (std::size_t i = 0; i < count; ++i) {
+        const double model =
+            re * std::cos(w * static_cast<double>(i)) + im * std::sin(w * static_cast<double>(i));
+        fit.residual = std::max(fit.residual, std::abs(double{samples[begin + i]} - model));
+    }
+    return fit;
+}
+
+struct ConvertingGraphTest : ::testing::TestWithParam<double>, SineGraph {};
+
+TEST_P(ConvertingGraphTest, KeepsPitchAndLevelAndPullsExactlyWhatItNeeds) {
+    const double rate = GetParam();
+    line.native = {rate, 2};
+    start();
+    EXPECT_EQ(graph.outputFormat(graph.mainMixer()), (StreamFormat{rate, 2}));
+
+    std::vector<float> played;
+    double worstDrift = 0.0;
+    std::uint32_t frames = 1;
+    while (played.size() < static_cast<std::size_t>(rate)) {
+        const Stereo block = line.play(frames);
+        ASSERT_EQ(block.left, block.right);
+        played.insert(played.end(), block.left.begin(), block.left.end());
+        worstDrift =
+            std::max(worstDrift, std::abs(static_cast<double>(pulled) -
+                                          static_cast<double>(played.size()) * 48000.0 / rate));
+        frames = frames * 5 % 9973 + 1;
+    }
+    // Never more than the frame that the next output sample lies in.
+    EXPECT_LE(worstDrift, 2.0 + 48000.0 / rate);
+
+    const SineFit fit = fitSine(played, played.size() / 2, rate);
+    EXPECT_NEAR(20.0 * std::log10(fit.amplitude / 0.5), 0.0, 0.05);
+    EXPECT_LT(20.0 * std::log10(fit.residual / 0.5), -90.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, ConvertingGraphTest,
+                         ::testing::Values(44100.0, 48000.0, 96000.0, 192000.0, 32000.0, 8000.0));
+
+struct ChangingRateTest : ::testing::Test, SineGraph {};
+
+TEST_F(ChangingRateTest, FollowsTheOutputsRateWhileRunning) {
+    start();
+    EXPECT_EQ(line.play(512).left[12], static_cast<float>(0.5)) << "equal rates: untouched";
+    line.changeFormat(44100.0);
+    EXPECT_EQ(graph.outputFormat(graph.mainMixer()).sampleRate, 44100.0);
+    std::vector<float> played;
+    for (int i = 0; i < 100; ++i) {
+        const Stereo block = line.play(441);
+        played.insert(played.end(), block.left.begin(), block.left.end());
+    }
+    EXPECT_NEAR(fitSine(played, 22050, 44100.0).amplitude, 0.5, 0.002);
+
+    line.changeFormat(48000.0);
+    const std::int64_t before = pulled;
+    line.play(512);
+    EXPECT_EQ(pulled, before + 512);
+}
+
+TEST(HardwareRenderTest, FlushesDenormalsWhileRenderingAndOnlyThen) {
+    volatile float tiny = std::numeric_limits<float>::min();
+    float seen = -1.0F;
+    SourceNode source(chain, [&](const AudioBufferList &buffers, std::uint32_t frames) {
+        seen = tiny * 0.5F;
+        std::fill_n(buffers.data[0], frames, 0.0F);
+        std::fill_n(buffers.data[1], frames, 0.0F);
+        return statusOK;
+    });
+    TestOutput::Line line;
+    AudioGraph graph(std::make_unique<TestOutput>(line));
+    connectInLine(graph, {&source});
+    ASSERT_EQ(graph.start(), statusOK);
+    line.play(16);
+    EXPECT_EQ(seen, 0.0F);
+    EXPECT_GT(tiny * 0.5F, 0.0F);
+}
+
+} // namespace
+} // namespace quorbel

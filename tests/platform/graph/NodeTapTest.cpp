@@ -1,0 +1,140 @@
+#include "platform/graph/GraphFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+namespace quorbel {
+namespace {
+
+struct Heard {
+    std::vector<float> left;
+    std::vector<float> right;
+    StreamFormat format;
+    std::vector<std::uint32_t> lengths;
+
+    AudioGraph::TapBlock listener() {
+        return [this](const PCMBuffer &buffer) {
+            format = buffer.format();
+            lengths.push_back(buffer.frameLength());
+            left.insert(left.end(), buffer.channelData(0),
+                        buffer.channelData(0) + buffer.frameLength());
+            right.insert(right.end(), buffer.channelData(1),
+                         buffer.channelData(1) + buffer.frameLength());
+        };
+    }
+    [[nodiscard]] bool countsFrom(float first) const {
+        for (std::size_t i = 0; i < left.size(); ++i)
+            if (left[i] != first + static_cast<float>(i) || right[i] != -left[i])
+                return false;
+        return true;
+    }
+};
+
+TEST(NodeTapTest, InManualRenderingHearsEveryFrameInsideRender) {
+    CountingSource source;
+    AudioGraph graph(nullptr);
+    Heard heard;
+    graph.installTap(source.node, 512, heard.listener());
+    connectInLine(graph, {&source.node});
+    ASSERT_EQ(graph.start(), statusOK);
+    Stereo block(1000);
+    graph.render(block.view(), 1000);
+    EXPECT_TRUE(heard.left.empty()) << "installed before the node was connected: no effect";
+
+    graph.installTap(graph.mainMixer(), 512, heard.listener());
+    graph.render(block.view(), 1000);
+    graph.render(block.view(), 24);
+    EXPECT_EQ(heard.format, chain);
+    EXPECT_THAT(heard.lengths, ::testing::ElementsAre(512, 512));
+    EXPECT_TRUE(heard.countsFrom(1000.0F));
+
+    graph.removeTap(graph.mainMixer());
+    graph.render(block.view(), 1000);
+    EXPECT_EQ(heard.left.size(), 1024U);
+}
+
+TEST(NodeTapTest, OnAClockItIsDeliveredAtItsOwnTimesAndStartsAfreshWhenInstalledAgain) {
+    ManualClock clock;
+    CountingSource source;
+    TestOutput::Line line;
+    AudioGraph graph(std::make_unique<TestOutput>(line), clockedSerialQueues(clock));
+    connectInLine(graph, {&source.node});
+    ASSERT_EQ(graph.start(), statusOK);
+
+    Heard heard;
+    graph.installTap(graph.mainMixer(), 512, heard.listener());
+    line.play(1000);
+    EXPECT_TRUE(heard.left.empty()) << "never inside the render call";
+    clock.advance(1000 / 48000.0);
+    EXPECT_EQ(heard.left.size(), 512U);
+    EXPECT_TRUE(heard.countsFrom(0.0F));
+
+    graph.removeTap(graph.mainMixer());
+    line.play(1000);
+    clock.advance(1.0);
+    EXPECT_EQ(heard.left.size(), 512U);
+
+    Heard again;
+    graph.installTap(graph.mainMixer(), 256, again.listener());
+    line.play(256);
+    clock.advance(1.0);
+    EXPECT_EQ(again.left.size(), 256U);
+    EXPECT_TRUE(again.countsFrom(2000.0F)) << "nothing left over from before";
+}
+
+TEST(NodeTapTest, ASlowListenerCostsItsOwnFramesOnly) {
+    ManualClock clock;
+    CountingSource source;
+    TestOutput::Line line;
+    AudioGraph graph(std::make_unique<TestOutput>(line), clockedSerialQueues(clock));
+    connectInLine(graph, {&source.node});
+    ASSERT_EQ(graph.start(), statusOK);
+    Heard heard;
+    graph.installTap(graph.mainMixer(), 1024, heard.listener());
+    for (int i = 0; i < 100; ++i)
+        line.play(1024);
+    EXPECT_EQ(source.position, 102'400);
+    clock.advance(1.0);
+    EXPECT_EQ(heard.left.size(), 32'768U);
+    EXPECT_TRUE(heard.countsFrom(0.0F)) << "what is heard is whole";
+}
+
+TEST(NodeTapTest, InstallsAndRemovesWhileAnotherThreadRenders) {
+    CountingSource source;
+    TestOutput::Line line;
+    AudioGraph graph(std::make_unique<TestOutput>(line));
+    connectInLine(graph, {&source.node});
+    ASSERT_EQ(graph.start(), statusOK);
+
+    std::atomic<bool> stop{false};
+    std::thread render([&] {
+        while (!stop) {
+            source.position %= 1 << 20; // floats count exactly so far
+            line.play(64);
+        }
+    });
+    for (int round = 0; round < 20; ++round) {
+        auto blocks = std::make_unique<std::atomic<int>>(0);
+        std::atomic<bool> torn{false};
+        graph.installTap(graph.mainMixer(), 128,
+                         [&, count = blocks.get()](const PCMBuffer &buffer) {
+                             for (std::uint32_t i = 0; i < buffer.frameLength(); ++i)
+                                 if (buffer.channelData(0)[i] != -buffer.channelData(1)[i])
+                                     torn = true;
+                             count->fetch_add(1);
+                             count->notify_one();
+                         });
+        blocks->wait(0);
+        graph.removeTap(graph.mainMixer());
+        EXPECT_FALSE(torn);
+        blocks.reset(); // a listener called from now on would touch freed memory
+    }
+    stop = true;
+    render.join();
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,72 @@
+#include "platform/graph/NonFinite.h"
+
+#include "platform/graph/GraphFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+
+namespace quorbel {
+namespace {
+
+constexpr float infinity = std::numeric_limits<float>::infinity();
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+
+TEST(NonFiniteTest, ReplacesExactlyWhatIsNotFiniteAndCountsFrames) {
+    std::mt19937 random(20260711);
+    SCOPED_TRACE("seed 20260711");
+    for (std::uint32_t frames = 0; frames < 200; ++frames) {
+        Stereo sound(frames);
+        Stereo expected(frames);
+        std::uint32_t bad = 0;
+        for (std::uint32_t i = 0; i < frames; ++i) {
+            bool badFrame = false;
+            for (auto [samples, clean] : {std::pair{&sound.left, &expected.left},
+                                          std::pair{&sound.right, &expected.right}}) {
+                static constexpr float values[] = {0.5F,
+                                                   -1e38F,
+                                                   std::numeric_limits<float>::denorm_min(),
+                                                   -0.0F,
+                                                   std::numeric_limits<float>::max(),
+                                                   -infinity,
+                                                   infinity,
+                                                   notANumber,
+                                                   -notANumber};
+                const std::size_t which = random() % 40 < 38 ? random() % 5 : 5 + random() % 4;
+                (*samples)[i] = values[which];
+                (*clean)[i] = which < 5 ? values[which] : 0.0F;
+                badFrame |= which >= 5;
+            }
+            bad += badFrame ? 1 : 0;
+        }
+        ASSERT_EQ(replaceNonFinite(sound.view(), frames), bad);
+        ASSERT_EQ(sound, expected);
+    }
+}
+
+TEST(NonFiniteTest, TheSourceStopsItBeforeAnyStageAndCounts) {
+    bool poison = true;
+    SourceNode source(chain, [&](const AudioBufferList &buffers, std::uint32_t frames) {
+        std::fill_n(buffers.data[0], frames, 0.25F);
+        std::fill_n(buffers.data[1], frames, poison ? notANumber : 0.25F);
+        buffers.data[0][0] = poison ? infinity : 0.25F;
+        return statusOK;
+    });
+    AudioGraph graph(nullptr);
+    connectInLine(graph, {&source});
+    ASSERT_EQ(graph.start(), statusOK);
+    Stereo block(100);
+    graph.render(block.view(), 100);
+    EXPECT_EQ(source.replacedNonFiniteFrames(), 100U);
+    EXPECT_EQ(block.left[0], 0.0F);
+    EXPECT_EQ(block.left[1], 0.25F);
+    EXPECT_EQ(block.right[50], 0.0F);
+    poison = false;
+    graph.render(block.view(), 100);
+    EXPECT_EQ(source.replacedNonFiniteFrames(), 100U);
+    EXPECT_EQ(block.right[0], 0.25F);
+}
+
+} // namespace
+} // namespace quorbel
