@@ -148,21 +148,24 @@ void routeToTap(ObjectRegistry &registry, const RoutedStream &stream) {
     registry.setMetadata(stream.streamID, targetNodeKey, remembered);
 }
 
+bool isRoutedTo(const ObjectRegistry &registry, std::uint32_t streamID, std::uint64_t tapSerial) {
+    const auto current = registry.metadata(streamID, targetObjectKey);
+    return current && current->value == std::to_string(tapSerial);
+}
+
 void restoreRoute(ObjectRegistry &registry, const RoutedStream &stream) {
+    if (!isRoutedTo(registry, stream.streamID, stream.tapSerial))
+        return;
     const NodeRecord *node = registry.node(stream.streamID);
-    if (node == nullptr || node->serial != stream.streamSerial)
-        return;
-    const auto current = registry.metadata(stream.streamID, targetObjectKey);
-    if (!current || current->value != std::to_string(stream.tapSerial))
-        return;
-    if (stream.targetObject) {
+    const bool hasEnded = node == nullptr || node->serial != stream.streamSerial;
+    if (!hasEnded && stream.targetObject) {
         setOrDelete(registry, stream.streamID, targetNodeKey, stream.targetNode);
         registry.setMetadata(stream.streamID, targetObjectKey, *stream.targetObject);
         return;
     }
     registry.deleteMetadata(stream.streamID, targetObjectKey);
     registry.deleteMetadata(stream.streamID, targetNodeKey);
-    if (stream.targetNode)
+    if (!hasEnded && stream.targetNode)
         registry.setMetadata(stream.streamID, targetNodeKey, *stream.targetNode);
 }
 

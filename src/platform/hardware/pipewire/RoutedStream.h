@@ -32,8 +32,12 @@ std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string
 /// of these values that it sees, remembers the user's own choice.
 void routeToTap(ObjectRegistry &registry, const RoutedStream &stream);
 
-/// Puts the stream back where `stream` says it was, unless it has ended or somebody else has moved
-/// it in the meantime.
+/// True while the values that `routeToTap` sets are in force.
+bool isRoutedTo(const ObjectRegistry &registry, std::uint32_t streamID, std::uint64_t tapSerial);
+
+/// Puts the stream back where `stream` says it was, unless somebody else has moved it in the
+/// meantime. Of a stream that has ended it removes what we set: the server keeps the values of an
+/// id, and would apply them to the next stream that is given it.
 void restoreRoute(ObjectRegistry &registry, const RoutedStream &stream);
 
 } // namespace quorbel

@@ -111,8 +111,13 @@ void StreamRouter::route(const NodeRecord &node) {
     Stream &stream = streams_[node.id];
     stream.phase = Phase::routing;
     stream.linkDeadline = 0.0;
-    stream.route = {node.id, node.serial, tapSerial_, registry_.metadata(node.id, "target.object"),
-                    registry_.metadata(node.id, "target.node")};
+    stream.route = {node.id, node.serial, tapSerial_, {}, {}};
+    // Values that we set ourselves are an ended stream's with the same id, and no choice of
+    // anybody's.
+    if (!isRoutedTo(registry_, node.id, tapSerial_)) {
+        stream.route.targetObject = registry_.metadata(node.id, "target.object");
+        stream.route.targetNode = registry_.metadata(node.id, "target.node");
+    }
     journal_.routed(stream.route);
     routeToTap(registry_, stream.route);
     if (!registry_.ports(node.id, false).empty())
@@ -186,7 +191,7 @@ void StreamRouter::nodeRemoved(const NodeRecord &node) {
     if (found == streams_.end())
         return;
     if (found->second.phase <= Phase::captured)
-        journal_.released(found->second.route);
+        putBack(found->second, Phase::released);
     streams_.erase(found);
 }
 
