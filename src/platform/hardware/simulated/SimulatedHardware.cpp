@@ -212,8 +212,8 @@ Status SimulatedHardware::addListener(HardwareProperty property, HardwareListene
 }
 
 Status SimulatedHardware::removeListener(HardwareProperty property, HardwareListener &listener) {
-    // Removed in any case: the caller relies on hearing nothing afterwards.
-    const auto verdict = note(Operation::removeListener);
+    // Removed in any case, server or not: the caller relies on hearing nothing afterwards.
+    const auto verdict = operations_.note(Operation::removeListener);
     std::erase(listeners_, std::pair(property, &listener));
     return verdict.status;
 }

@@ -17,10 +17,10 @@ class SimulatedOutput;
 
 /// A device of a simulated machine, as its script describes it.
 struct SimulatedDevice {
-    std::string uid;
-    std::optional<std::string> name; ///< nothing: it cannot be read
-    std::optional<std::string> manufacturer;
-    std::vector<std::uint32_t> inputChannels; ///< per buffer
+    std::string uid{};
+    std::optional<std::string> name{}; ///< nothing: it cannot be read
+    std::optional<std::string> manufacturer{};
+    std::vector<std::uint32_t> inputChannels{}; ///< per buffer
     std::vector<std::uint32_t> outputChannels{2};
     double sampleRate = 48000.0;                 ///< Hz
     std::vector<std::uint32_t> blockFrames{512}; ///< of its cycles, taken in turn

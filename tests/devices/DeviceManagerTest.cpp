@@ -1,0 +1,197 @@
+#include "devices/DeviceManager.h"
+
+#include "engine/CapturedLog.h"
+#include "platform/hardware/simulated/SimulatedHardware.h"
+#include "platform/threads/ManualClock.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using Operation = SimulatedHardware::Operation;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class DeviceManagerTest : public ::testing::Test {
+  protected:
+    DeviceManagerTest() {
+        hardware.addDevice({.uid = "speakers", .name = "Speakers", .manufacturer = "Acme"});
+        hardware.addDevice({.uid = "mic",
+                            .name = "Microphone",
+                            .manufacturer = {},
+                            .inputChannels = {1},
+                            .outputChannels = {}});
+        hardware.addDevice({.uid = "hdmi", .name = "HDMI", .outputChannels = {2, 4}});
+    }
+
+    [[nodiscard]] std::vector<std::string> uids(const DeviceManager &manager) const {
+        std::vector<std::string> result;
+        for (const AudioDevice &device : manager.outputDevices())
+            result.push_back(device.uid);
+        return result;
+    }
+
+    testing::CapturedLog log;
+    ManualClock clock;
+    SimulatedHardware hardware{clock};
+};
+
+TEST_F(DeviceManagerTest, ListsTheDevicesThatPlay) {
+    const DeviceManager manager(hardware, clock);
+    EXPECT_THAT(uids(manager), ElementsAre("speakers", "hdmi"));
+    const AudioDevice &hdmi = manager.outputDevices().back();
+    EXPECT_EQ(hdmi.name, "HDMI");
+    EXPECT_EQ(hdmi.manufacturer, "");
+    EXPECT_EQ(hdmi.outputChannels, 6) << "the sum over its buffers";
+    EXPECT_EQ(manager.outputDevices().front().manufacturer, "Acme");
+    EXPECT_EQ(manager.allDevices().size(), 3U);
+    EXPECT_EQ(manager.allDevices()[1].inputChannels, 1);
+}
+
+TEST_F(DeviceManagerTest, WhatCannotBeReadFallsBack) {
+    hardware.addDevice({.uid = "nameless", .name = std::nullopt});
+    DeviceManager manager(hardware, clock);
+    EXPECT_EQ(manager.outputDevice("nameless")->name, "Unknown");
+
+    hardware.operations().fail(Operation::deviceUID, -EIO);
+    manager.refresh();
+    EXPECT_EQ(manager.outputDevices().front().uid, "");
+    hardware.operations().fail(Operation::streamChannelCounts, -EIO);
+    manager.refresh();
+    EXPECT_THAT(manager.outputDevices(), IsEmpty()) << "no channels: it plays nothing";
+    hardware.operations().repair(Operation::streamChannelCounts);
+    hardware.operations().fail(Operation::deviceList, -EIO);
+    manager.refresh();
+    EXPECT_THAT(manager.outputDevices(), IsEmpty());
+}
+
+TEST_F(DeviceManagerTest, DefaultOutputIsTheSystemsIfItIsListed) {
+    DeviceManager manager(hardware, clock);
+    hardware.setDefaultOutput("hdmi");
+    EXPECT_EQ(manager.defaultOutput()->uid, "hdmi");
+    EXPECT_EQ(manager.currentDefaultOutputUID(), "hdmi");
+
+    // Known to the system, but it came after the list was made.
+    hardware.addDevice({.uid = "late"});
+    hardware.setDefaultOutput("late");
+    EXPECT_EQ(manager.defaultOutput()->uid, "speakers");
+    EXPECT_EQ(manager.currentDefaultOutputUID(), "late");
+
+    hardware.operations().fail(Operation::defaultOutputDevice, -EIO);
+    EXPECT_EQ(manager.defaultOutput()->uid, "speakers");
+    EXPECT_EQ(manager.currentDefaultOutputUID(), std::nullopt);
+
+    hardware.operations().fail(Operation::deviceList, -EIO);
+    manager.refresh();
+    EXPECT_EQ(manager.defaultOutput(), std::nullopt);
+}
+
+TEST_F(DeviceManagerTest, BindsTheOutputByUID) {
+    DeviceManager manager(hardware, clock);
+    const AudioDevice hdmi = *manager.outputDevice("hdmi");
+    const auto output = hardware.makeOutput();
+    manager.setEngineOutput(output.get(), hdmi);
+    EXPECT_EQ(output->nativeFormat(), (StreamFormat{.sampleRate = 48000.0, .channelCount = 6}));
+
+    // Unplugged and plugged in again it is another object, but the same device.
+    hardware.removeDevice("hdmi");
+    hardware.addDevice({.uid = "hdmi", .sampleRate = 96000.0});
+    manager.refresh();
+    EXPECT_NE(manager.outputDevice("hdmi")->id, hdmi.id);
+    manager.setEngineOutput(output.get(), hdmi);
+    EXPECT_EQ(output->nativeFormat().sampleRate, 96000.0);
+}
+
+TEST_F(DeviceManagerTest, FailuresToBindSayWhy) {
+    DeviceManager manager(hardware, clock);
+    const AudioDevice hdmi = *manager.outputDevice("hdmi");
+    const auto output = hardware.makeOutput();
+    const auto bind = [&](HardwareOutput *to) -> std::string {
+        try {
+            manager.setEngineOutput(to, hdmi);
+        } catch (const DeviceManager::DeviceError &error) {
+            return error.what();
+        }
+        return "bound";
+    };
+    EXPECT_EQ(bind(nullptr), "Couldn't access the audio unit for output node.");
+    hardware.operations().fail(Operation::setDevice, -22);
+    EXPECT_EQ(bind(output.get()), "Failed to set output device (OSStatus -22).");
+    hardware.operations().repair(Operation::setDevice);
+    hardware.removeDevice("hdmi");
+    manager.refresh();
+    EXPECT_EQ(bind(output.get()), "Audio device not found.");
+}
+
+TEST_F(DeviceManagerTest, HearsOfChangesOnTheMainThreadOnly) {
+    DeviceManager manager(hardware, clock);
+    int changes = 0;
+    manager.onHardwareChange = [&] {
+        ++changes;
+        EXPECT_NE(manager.outputDevice("usb"), std::nullopt) << "the list is fresh";
+    };
+    hardware.addDevice({.uid = "usb"});
+    clock.runPending();
+    EXPECT_EQ(changes, 0) << "not observing yet";
+
+    manager.startObservingHardware();
+    manager.startObservingHardware();
+    EXPECT_TRUE(manager.isObservingHardware());
+    hardware.setDefaultOutput("usb");
+    EXPECT_EQ(changes, 0) << "only handed over";
+    clock.runPending();
+    EXPECT_EQ(changes, 1) << "installed once, heard once";
+
+    hardware.setDefaultOutput("hdmi");
+    manager.stopObservingHardware();
+    EXPECT_FALSE(hardware.isListenedTo());
+    clock.runPending();
+    EXPECT_EQ(changes, 1) << "what was on its way is dropped";
+}
+
+TEST_F(DeviceManagerTest, NewsOfAnEarlierObservationDoNotReachTheNext) {
+    DeviceManager manager(hardware, clock);
+    std::vector<Status> lost;
+    manager.onHardwareLost = [&](Status status) { lost.push_back(status); };
+    manager.startObservingHardware();
+    hardware.loseConnection(-EPIPE);
+    manager.stopObservingHardware();
+    hardware.restoreConnection();
+    manager.startObservingHardware();
+    clock.runPending();
+    EXPECT_THAT(lost, IsEmpty());
+
+    hardware.loseConnection(-EPIPE);
+    clock.runPending();
+    EXPECT_THAT(lost, ElementsAre(-EPIPE));
+    EXPECT_THAT(manager.outputDevices(), IsEmpty());
+}
+
+TEST_F(DeviceManagerTest, OutlivedByNewsOnTheirWay) {
+    {
+        DeviceManager manager(hardware, clock);
+        manager.startObservingHardware();
+        hardware.addDevice({.uid = "usb"});
+    }
+    EXPECT_FALSE(hardware.isListenedTo());
+    clock.runPending(); // must not touch the manager that is gone
+}
+
+TEST_F(DeviceManagerTest, AListenerThatCannotBeInstalledIsLoggedAndTheOthersStillTried) {
+    DeviceManager manager(hardware, clock);
+    hardware.operations().fail(Operation::addListener, -95);
+    manager.startObservingHardware();
+    EXPECT_TRUE(manager.isObservingHardware());
+    EXPECT_THAT(log.take(),
+                ElementsAre("[DeviceManager] nu am putut asculta dev#: OSStatus -95",
+                            "[DeviceManager] nu am putut asculta dOut: OSStatus -95",
+                            "[DeviceManager] nu am putut asculta connection: OSStatus -95"));
+}
+
+} // namespace
+} // namespace quorbel

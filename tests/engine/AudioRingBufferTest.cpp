@@ -1,0 +1,233 @@
+#include "engine/AudioRingBuffer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <deque>
+#include <limits>
+#include <random>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+constexpr StreamFormat stereo{.sampleRate = 48000.0, .channelCount = 2};
+constexpr StreamFormat mono{.sampleRate = 48000.0, .channelCount = 1};
+
+/// Frames first, first + 1, ...; the right channel is the negative of the left.
+PCMBuffer counted(int first, std::uint32_t frames, const StreamFormat &format = stereo) {
+    PCMBuffer block(format, std::max(frames, 1U));
+    block.setFrameLength(frames);
+    for (std::uint32_t channel = 0; channel < format.channelCount; ++channel)
+        for (std::uint32_t frame = 0; frame < frames; ++frame) {
+            const auto value = static_cast<float>(first) + static_cast<float>(frame);
+            block.channelData(channel)[frame] = channel == 0 ? value : -value;
+        }
+    return block;
+}
+
+struct Read {
+    std::vector<float> left;
+    std::vector<float> right;
+};
+
+Read read(AudioRingBuffer &ring, std::size_t frames) {
+    constexpr float untouched = 1e9F;
+    Read result{std::vector<float>(frames, untouched), std::vector<float>(frames, untouched)};
+    ring.read({result.left.data(), result.right.data()}, static_cast<std::int64_t>(frames));
+    return result;
+}
+
+TEST(AudioRingBuffer, ReadsWhatWasWrittenAndSilenceBeyond) {
+    AudioRingBuffer ring(10);
+    ring.write(counted(1, 3));
+    const Read got = read(ring, 5);
+    EXPECT_EQ(got.left, (std::vector<float>{1, 2, 3, 0, 0}));
+    EXPECT_EQ(got.right, (std::vector<float>{-1, -2, -3, 0, 0}));
+
+    // The reader has not run ahead: what comes next is played next.
+    ring.write(counted(4, 2));
+    EXPECT_EQ(read(ring, 2).left, (std::vector<float>{4, 5}));
+
+    EXPECT_EQ(ring.preiaPierderi(),
+              (AudioRingBuffer::Pierderi{.taiate = 0, .tacere = 2, .scrise = 5, .citite = 7}));
+    EXPECT_EQ(ring.preiaPierderi(), AudioRingBuffer::Pierderi{});
+}
+
+TEST(AudioRingBuffer, TheWriterWinsAndTheLossIsCounted) {
+    AudioRingBuffer ring(4);
+    ring.write(counted(1, 3));
+    ring.write(counted(4, 3));
+    EXPECT_EQ(read(ring, 4).left, (std::vector<float>{3, 4, 5, 6}));
+    EXPECT_EQ(ring.preiaPierderi(),
+              (AudioRingBuffer::Pierderi{.taiate = 2, .tacere = 0, .scrise = 6, .citite = 4}));
+
+    // Longer than the whole buffer, from a position in its middle.
+    ring.write(counted(100, 11));
+    EXPECT_EQ(read(ring, 4).left, (std::vector<float>{107, 108, 109, 110}));
+    EXPECT_EQ(ring.preiaPierderi().taiate, 7);
+}
+
+TEST(AudioRingBuffer, OneFrameMoreThanASecond) {
+    AudioRingBuffer ring(48000);
+    ring.write(counted(0, 48001));
+    const Read got = read(ring, 48000);
+    EXPECT_EQ(got.left.front(), 1.0F);
+    EXPECT_EQ(got.left.back(), 48000.0F);
+    EXPECT_EQ(
+        ring.preiaPierderi(),
+        (AudioRingBuffer::Pierderi{.taiate = 1, .tacere = 0, .scrise = 48001, .citite = 48000}));
+}
+
+TEST(AudioRingBuffer, ChannelsThatAreMissing) {
+    AudioRingBuffer ring(10);
+    ring.write(counted(1, 2, mono));
+    const Read both = read(ring, 2);
+    EXPECT_EQ(both.left, (std::vector<float>{1, 2}));
+    EXPECT_EQ(both.right, both.left) << "a mono block is heard on both sides";
+
+    // One destination, or a null second one, takes the frames of both channels with it.
+    ring.write(counted(1, 6));
+    std::vector<float> left(2);
+    AudioBufferList single;
+    single.bufferCount = 1;
+    single.data[0] = left.data();
+    ring.read(single, 2);
+    EXPECT_EQ(left, (std::vector<float>{1, 2}));
+    ring.read({left.data(), nullptr}, 2);
+    EXPECT_EQ(left, (std::vector<float>{3, 4}));
+    EXPECT_EQ(read(ring, 2).right, (std::vector<float>{-5, -6}));
+}
+
+TEST(AudioRingBuffer, NothingToDoCountsNothing) {
+    AudioRingBuffer ring(10);
+    std::vector<float> right(2, 7.0F);
+    ring.write(counted(1, 0));
+    ring.write(PCMBuffer::wrapping(stereo, {nullptr, right.data()}, 2));
+    ring.read({nullptr, right.data()}, 2);
+    ring.read({}, 2);
+    ring.read({right.data(), right.data()}, 0);
+    ring.read({right.data(), right.data()}, -1);
+    EXPECT_EQ(ring.preiaPierderi(), AudioRingBuffer::Pierderi{});
+    EXPECT_EQ(right, (std::vector<float>{7, 7}));
+}
+
+TEST(AudioRingBuffer, ResetForgetsSoundAndCounters) {
+    AudioRingBuffer ring(4);
+    ring.write(counted(1, 6));
+    ring.reset();
+    EXPECT_EQ(ring.preiaPierderi(), AudioRingBuffer::Pierderi{});
+    EXPECT_EQ(read(ring, 2).left, (std::vector<float>{0, 0}));
+}
+
+TEST(AudioRingBuffer, HasRoomForAtLeastOneFrame) {
+    for (const std::int64_t asked :
+         {std::int64_t{0}, std::int64_t{-5}, std::numeric_limits<std::int64_t>::min()}) {
+        AudioRingBuffer ring(asked);
+        EXPECT_EQ(ring.capacity(), 1);
+        ring.write(counted(1, 3));
+        EXPECT_EQ(read(ring, 2).left, (std::vector<float>{3, 0}));
+    }
+}
+
+// Against the plainest model there is: a queue of frames.
+TEST(AudioRingBuffer, BehavesLikeAQueue) {
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE(::testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    constexpr std::int64_t capacity = 37;
+    AudioRingBuffer ring(capacity);
+    std::deque<float> model;
+    AudioRingBuffer::Pierderi losses;
+    int next = 1;
+    for (int step = 0; step < 5000; ++step) {
+        const auto frames = std::uniform_int_distribution<std::uint32_t>(1, 90)(random);
+        if (random() % 2 == 0) {
+            ring.write(counted(next, frames));
+            for (std::uint32_t frame = 0; frame < frames; ++frame)
+                model.push_back(static_cast<float>(next++));
+            losses.scrise += frames;
+            for (; std::ssize(model) > capacity; ++losses.taiate)
+                model.pop_front();
+        } else {
+            std::vector<float> expected;
+            losses.citite += frames;
+            for (std::uint32_t frame = 0; frame < frames; ++frame) {
+                expected.push_back(model.empty() ? 0.0F : model.front());
+                if (model.empty())
+                    ++losses.tacere;
+                else
+                    model.pop_front();
+            }
+            ASSERT_EQ(read(ring, frames).left, expected) << "step " << step;
+        }
+    }
+    EXPECT_EQ(ring.preiaPierderi(), losses);
+}
+
+// Writer, reader and counter taker at once, as in the running engine. What is read is in order,
+// left and right belong together, and the counters add up to the frame.
+TEST(AudioRingBuffer, ThreeThreadsAtOnce) {
+    AudioRingBuffer ring(1000);
+    constexpr int blocks = 20000;
+    constexpr std::uint32_t blockFrames = 64;
+    std::atomic<bool> done{false};
+
+    std::thread writer([&] {
+        for (int block = 0; block < blocks; ++block) {
+            // Exactly representable and never 0, so that it cannot be taken for silence.
+            ring.write(counted(1 + block * static_cast<int>(blockFrames), blockFrames));
+            if (block % 16 == 0)
+                std::this_thread::yield();
+        }
+        done = true;
+    });
+    AudioRingBuffer::Pierderi total;
+    std::thread taker([&] {
+        while (!done) {
+            const auto taken = ring.preiaPierderi();
+            total.taiate += taken.taiate;
+            total.tacere += taken.tacere;
+            total.scrise += taken.scrise;
+            total.citite += taken.citite;
+            std::this_thread::yield();
+        }
+    });
+
+    std::int64_t heard = 0;
+    std::int64_t asked = 0;
+    float last = 0.0F;
+    bool inOrder = true;
+    bool inStep = true;
+    for (bool finished = false; !finished;) {
+        finished = done;
+        // The last read takes what is left.
+        const std::size_t frames = finished ? 1000 : 48;
+        const Read got = read(ring, frames);
+        asked += static_cast<std::int64_t>(frames);
+        for (std::size_t frame = 0; frame < frames; ++frame) {
+            inStep = inStep && got.left[frame] == -got.right[frame];
+            if (got.left[frame] == 0.0F)
+                continue;
+            inOrder = inOrder && got.left[frame] > last;
+            last = got.left[frame];
+            ++heard;
+        }
+    }
+    writer.join();
+    taker.join();
+    const auto rest = ring.preiaPierderi();
+    EXPECT_TRUE(inOrder);
+    EXPECT_TRUE(inStep);
+    EXPECT_EQ(last, static_cast<float>(blocks * blockFrames)) << "the newest frame is never lost";
+    EXPECT_EQ(total.scrise + rest.scrise, std::int64_t{blocks} * blockFrames);
+    EXPECT_EQ(total.citite + rest.citite, asked);
+    EXPECT_EQ(total.scrise + rest.scrise - (total.taiate + rest.taiate), heard);
+    EXPECT_EQ(total.citite + rest.citite - (total.tacere + rest.tacere), heard);
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,437 @@
+#include "platform/hardware/AudioHardwareContract.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <limits>
+#include <mutex>
+#include <numbers>
+#include <set>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace quorbel::testing {
+namespace {
+
+constexpr AudioObjectID noSuchObject = std::numeric_limits<AudioObjectID>::max() - 7;
+
+/// The steps of a cycle in the order they came, from however many threads.
+class Score {
+  public:
+    struct Step {
+        char who = '?'; // c capture, p playback
+        std::uint32_t frames = 0;
+        bool willPlay = false;
+    };
+
+    void note(const Step &step) noexcept {
+        const std::lock_guard guard(mutex_);
+        if (count_ < steps_.size())
+            steps_[count_++] = step;
+    }
+    [[nodiscard]] std::vector<Step> take() {
+        const std::lock_guard guard(mutex_);
+        return {steps_.begin(),
+                steps_.begin() + static_cast<std::ptrdiff_t>(std::exchange(count_, 0))};
+    }
+
+  private:
+    std::mutex mutex_;
+    std::vector<Step> steps_{4096};
+    std::size_t count_ = 0;
+};
+
+class Listener : public IOClient {
+  public:
+    explicit Listener(Score *score = nullptr) : score_(score) {}
+
+    void ioFormatChanged(const StreamFormat &format) override { rate_ = format.sampleRate; }
+    void ioCycle(const IOCycle &cycle) noexcept override {
+        if (cycle.frames == 0 || cycle.format.sampleRate != rate_ || cycle.format.channelCount != 2)
+            sound_ = false;
+        float peak = 0.0F;
+        for (std::uint32_t channel = 0; channel < cycle.input.bufferCount; ++channel)
+            for (std::uint32_t frame = 0; frame < cycle.frames; ++frame)
+                peak = std::max(peak, std::abs(cycle.input.data[channel][frame]));
+        peak_ = std::max(peak_.load(), peak);
+        ++cycles_;
+        if (score_ != nullptr)
+            score_->note({.who = 'c', .frames = cycle.frames, .willPlay = cycle.willPlay});
+        else if (cycle.willPlay)
+            ++cyclesToPlay_;
+    }
+
+    std::atomic<double> rate_{0.0};
+    std::atomic<bool> sound_{true}; ///< every cycle was as its format had been announced
+    std::atomic<float> peak_{0.0F};
+    std::atomic<int> cycles_{0};
+    std::atomic<int> cyclesToPlay_{0};
+
+  private:
+    Score *score_;
+};
+
+/// Plays a tone.
+class Player : public RenderClient {
+  public:
+    explicit Player(Score *score = nullptr) : score_(score) {}
+
+    void renderFormatChanged(const StreamFormat &format) override { rate_ = format.sampleRate; }
+    void renderCycle(const AudioBufferList &output, std::uint32_t frames) noexcept override {
+        if (frames == 0 || rate_ <= 0.0 || output.bufferCount == 0)
+            sound_ = false;
+        for (std::uint32_t frame = 0; frame < frames; ++frame) {
+            const auto sample =
+                static_cast<float>(0.5 * std::sin(2.0 * std::numbers::pi * 500.0 *
+                                                  static_cast<double>(played_) / rate_));
+            ++played_;
+            for (std::uint32_t channel = 0; channel < output.bufferCount; ++channel)
+                output.data[channel][frame] = sample;
+        }
+        ++cycles_;
+        if (score_ != nullptr)
+            score_->note({.who = 'p', .frames = frames, .willPlay = true});
+    }
+
+    std::atomic<double> rate_{0.0};
+    std::atomic<bool> sound_{true};
+    std::atomic<int> cycles_{0};
+
+  private:
+    Score *score_;
+    std::uint64_t played_ = 0;
+};
+
+/// A whole capture, made and unmade as the program does it.
+class Capture {
+  public:
+    Capture(AudioHardware &hardware, IOClient &client) : hardware_(hardware) {
+        AudioObjectID process = 0;
+        EXPECT_EQ(hardware.processObject(::getpid(), process), statusOK);
+        EXPECT_EQ(hardware.createProcessTap(
+                      {.excludedProcesses = {process},
+                       .name = "Contract Tap",
+                       .uuid = "6E1B2C3D-0000-4000-8000-000000000001",
+                       .muteBehavior = TapDescription::MuteBehavior::mutedWhenTapped,
+                       .isPrivate = true},
+                      tap_),
+                  statusOK);
+        AudioObjectID main = 0;
+        EXPECT_EQ(hardware.defaultOutputDevice(main), statusOK);
+        const auto uid = hardware.deviceUID(main).value_or("");
+        EXPECT_EQ(hardware.createAggregateDevice(
+                      {.name = "Contract Capture",
+                       .uid = "com.quorbel.aggregate.contract",
+                       .mainDeviceUID = uid,
+                       .isPrivate = true,
+                       .isStacked = false,
+                       .tapAutoStart = true,
+                       .subdeviceUIDs = {uid},
+                       .taps = {{.uuid = "6E1B2C3D-0000-4000-8000-000000000001",
+                                 .driftCompensation = true}}},
+                      aggregate_),
+                  statusOK);
+        EXPECT_EQ(hardware.createIOProc(aggregate_, client, proc_), statusOK);
+        EXPECT_NE(tap_, 0U);
+        EXPECT_NE(aggregate_, 0U);
+        EXPECT_NE(proc_, 0U);
+    }
+    ~Capture() {
+        hardware_.stopDevice(aggregate_, proc_);
+        EXPECT_EQ(hardware_.destroyIOProc(aggregate_, proc_), statusOK);
+        EXPECT_EQ(hardware_.destroyAggregateDevice(aggregate_), statusOK);
+        EXPECT_EQ(hardware_.destroyProcessTap(tap_), statusOK);
+    }
+    Capture(const Capture &) = delete;
+    Capture &operator=(const Capture &) = delete;
+
+    void start() { EXPECT_EQ(hardware_.startDevice(aggregate_, proc_), statusOK); }
+    void stop() { EXPECT_EQ(hardware_.stopDevice(aggregate_, proc_), statusOK); }
+    [[nodiscard]] AudioObjectID tap() const { return tap_; }
+    [[nodiscard]] AudioObjectID aggregate() const { return aggregate_; }
+
+  private:
+    AudioHardware &hardware_;
+    AudioObjectID tap_ = 0;
+    AudioObjectID aggregate_ = 0;
+    IOProcID proc_ = 0;
+};
+
+class News : public HardwareListener {
+  public:
+    void deviceListChanged() override { ++lists_; }
+    void defaultOutputChanged() override { ++defaults_; }
+    void hardwareLost(Status status) override { lost_ = status; }
+
+    std::atomic<int> lists_{0};
+    std::atomic<int> defaults_{0};
+    std::atomic<Status> lost_{statusOK};
+};
+
+} // namespace
+
+AudioObjectID AudioHardwareContract::device(const std::string &uid) {
+    std::vector<AudioObjectID> devices;
+    EXPECT_EQ(hardware.deviceList(devices), statusOK);
+    for (const AudioObjectID id : devices)
+        if (hardware.deviceUID(id) == uid)
+            return id;
+    return 0;
+}
+
+TEST_P(AudioHardwareContract, ListsItsDevices) {
+    std::vector<AudioObjectID> devices{noSuchObject};
+    ASSERT_EQ(hardware.deviceList(devices), statusOK);
+    EXPECT_EQ(std::ranges::count(devices, noSuchObject), 0) << "the list replaces what was there";
+    std::set<std::string> uids;
+    for (const AudioObjectID id : devices) {
+        EXPECT_NE(id, 0U);
+        const auto uid = hardware.deviceUID(id);
+        ASSERT_TRUE(uid);
+        EXPECT_TRUE(uids.insert(*uid).second) << *uid << " is listed twice";
+    }
+    for (const char *uid : {"speakers", "hdmi"}) {
+        const AudioObjectID id = device(uid);
+        ASSERT_NE(id, 0U) << uid;
+        EXPECT_TRUE(hardware.deviceName(id));
+        std::vector<std::uint32_t> channels;
+        ASSERT_EQ(hardware.streamChannelCounts(id, Scope::output, channels), statusOK);
+        ASSERT_FALSE(channels.empty());
+        EXPECT_EQ(channels.front(), 2U);
+    }
+    AudioObjectID main = 0;
+    ASSERT_EQ(hardware.defaultOutputDevice(main), statusOK);
+    EXPECT_EQ(main, device("speakers"));
+}
+
+TEST_P(AudioHardwareContract, RefusesWhatDoesNotExist) {
+    EXPECT_EQ(hardware.deviceUID(noSuchObject), std::nullopt);
+    EXPECT_EQ(hardware.deviceName(noSuchObject), std::nullopt);
+    EXPECT_EQ(hardware.deviceManufacturer(noSuchObject), std::nullopt);
+    std::vector<std::uint32_t> channels{7};
+    EXPECT_NE(hardware.streamChannelCounts(noSuchObject, Scope::output, channels), statusOK);
+    EXPECT_EQ(channels, std::vector<std::uint32_t>{7}) << "set on success only";
+    double rate = -1.0;
+    EXPECT_NE(hardware.nominalSampleRate(noSuchObject, rate), statusOK);
+    EXPECT_EQ(rate, -1.0);
+    StreamFormat format;
+    EXPECT_NE(hardware.tapFormat(noSuchObject, format), statusOK);
+    EXPECT_NE(hardware.destroyProcessTap(noSuchObject), statusOK);
+    EXPECT_NE(hardware.destroyAggregateDevice(noSuchObject), statusOK);
+    Listener listener;
+    IOProcID proc = 0;
+    EXPECT_NE(hardware.createIOProc(noSuchObject, listener, proc), statusOK);
+    EXPECT_EQ(proc, 0U);
+    EXPECT_NE(hardware.startDevice(noSuchObject, 1), statusOK);
+    EXPECT_NE(hardware.stopDevice(noSuchObject, 1), statusOK);
+    EXPECT_NE(hardware.destroyIOProc(noSuchObject, 1), statusOK);
+
+    const auto output = hardware.makeOutput();
+    ASSERT_NE(output, nullptr);
+    EXPECT_NE(output->setDevice(noSuchObject), statusOK);
+    EXPECT_FALSE(output->nativeFormat().isValid());
+    Player player;
+    EXPECT_NE(output->start(player), statusOK) << "it is bound to nothing";
+    output->stop();
+    EXPECT_EQ(player.cycles_, 0);
+}
+
+TEST_P(AudioHardwareContract, KnowsItsOwnProcess) {
+    AudioObjectID first = 0;
+    AudioObjectID second = 0;
+    ASSERT_EQ(hardware.processObject(::getpid(), first), statusOK);
+    ASSERT_EQ(hardware.processObject(::getpid(), second), statusOK);
+    EXPECT_NE(first, 0U);
+    EXPECT_EQ(first, second);
+}
+
+TEST_P(AudioHardwareContract, CapturesWhatApplicationsPlayAndMutesItMeanwhile) {
+    world().playTone();
+    EXPECT_NEAR(world().listen("speakers"), 0.25F, 0.02F) << "before";
+    {
+        Listener listener;
+        Capture capture(hardware, listener);
+        StreamFormat format;
+        ASSERT_EQ(hardware.tapFormat(capture.tap(), format), statusOK);
+        EXPECT_TRUE(format.isValid());
+        double rate = 0.0;
+        ASSERT_EQ(hardware.nominalSampleRate(capture.aggregate(), rate), statusOK);
+        EXPECT_GT(rate, 0.0);
+
+        capture.start();
+        ASSERT_TRUE(world().waitUntil([&] { return listener.peak_ > 0.2F; }));
+        EXPECT_NEAR(listener.peak_, 0.25F, 0.02F);
+        EXPECT_EQ(listener.rate_, rate);
+        EXPECT_EQ(world().listen("speakers"), 0.0F) << "heard only once it is played by us";
+
+        capture.stop();
+        const int cycles = listener.cycles_;
+        world().letCyclesPass();
+        EXPECT_EQ(listener.cycles_, cycles) << "no cycle after the stop";
+        EXPECT_TRUE(listener.sound_);
+        EXPECT_TRUE(world().waitUntil([&] { return world().listen("speakers") > 0.2F; }));
+    }
+    EXPECT_TRUE(world().waitUntil([&] { return world().listen("speakers") > 0.2F; }));
+    EXPECT_NEAR(world().listen("speakers"), 0.25F, 0.02F) << "after";
+}
+
+TEST_P(AudioHardwareContract, PlaysOnTheDeviceThatItIsBoundTo) {
+    const auto output = hardware.makeOutput();
+    ASSERT_EQ(output->setDevice(device("hdmi")), statusOK);
+    const StreamFormat native = output->nativeFormat();
+    EXPECT_GT(native.sampleRate, 0.0);
+    EXPECT_EQ(native.channelCount, 2U);
+
+    Player player;
+    ASSERT_EQ(output->start(player), statusOK);
+    ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 3; }));
+    EXPECT_NEAR(world().listen("hdmi"), 0.5F, 0.02F);
+    EXPECT_EQ(world().listen("speakers"), 0.0F);
+    output->stop();
+    const int cycles = player.cycles_;
+    world().letCyclesPass();
+    EXPECT_EQ(player.cycles_, cycles) << "no cycle after the stop";
+    EXPECT_TRUE(player.sound_);
+    output->stop(); // does nothing
+
+    // Bound anew, it moves with the next start.
+    ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
+    ASSERT_EQ(output->start(player), statusOK);
+    ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > cycles + 3; }));
+    EXPECT_NEAR(world().listen("speakers"), 0.5F, 0.02F);
+}
+
+TEST_P(AudioHardwareContract, OneCycleCapturesFirstAndPlaysThen) {
+    world().playTone();
+    Score score;
+    Listener listener(&score);
+    Player player(&score);
+    Capture capture(hardware, listener);
+    const auto output = hardware.makeOutput();
+    ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
+    capture.start();
+    ASSERT_EQ(output->start(player), statusOK);
+    ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 8; }));
+    (void)score.take(); // what happened while they were starting
+    ASSERT_TRUE(world().waitUntil(
+        [&, from = player.cycles_.load()] { return player.cycles_ > from + 20; }));
+    output->stop();
+    capture.stop();
+
+    auto steps = score.take();
+    if (!steps.empty() && steps.front().who == 'p')
+        steps.erase(steps.begin());
+    int pairs = 0;
+    for (std::size_t at = 0; at + 1 < steps.size() && steps[at].willPlay; at += 2, ++pairs) {
+        ASSERT_EQ(steps[at].who, 'c') << "step " << at;
+        ASSERT_EQ(steps[at + 1].who, 'p') << "step " << at;
+        ASSERT_EQ(steps[at].frames, steps[at + 1].frames) << "step " << at;
+    }
+    EXPECT_GE(pairs, 15);
+}
+
+TEST_P(AudioHardwareContract, SaysWhenNothingWillBePlayed) {
+    world().playTone();
+    Listener listener;
+    Capture capture(hardware, listener);
+    capture.start();
+    ASSERT_TRUE(world().waitUntil([&] { return listener.cycles_ > 5; }));
+    EXPECT_EQ(listener.cyclesToPlay_, 0);
+}
+
+TEST_P(AudioHardwareContract, LeavesNothingBehindHoweverOften) {
+    world().playTone();
+    for (int round = 0; round < 20; ++round) {
+        Listener listener;
+        Player player;
+        Capture capture(hardware, listener);
+        const auto output = hardware.makeOutput();
+        ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
+        capture.start();
+        ASSERT_EQ(output->start(player), statusOK);
+        if (round % 2 == 0) {
+            ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 0; }));
+        }
+    }
+    std::vector<AudioObjectID> devices;
+    ASSERT_EQ(hardware.deviceList(devices), statusOK);
+    EXPECT_EQ(devices.size(), 2U) << "none of ours is listed";
+    ASSERT_TRUE(world().waitUntil([&] { return world().listen("speakers") > 0.2F; }));
+    EXPECT_NEAR(world().listen("speakers"), 0.25F, 0.02F);
+}
+
+TEST_P(AudioHardwareContract, TellsOfChanges) {
+    News news;
+    ASSERT_EQ(hardware.addListener(HardwareProperty::deviceList, news), statusOK);
+    ASSERT_EQ(hardware.addListener(HardwareProperty::defaultOutput, news), statusOK);
+
+    world().setDefaultOutput("hdmi");
+    EXPECT_TRUE(world().waitUntil([&] { return news.defaults_ > 0; }));
+    AudioObjectID main = 0;
+    EXPECT_EQ(hardware.defaultOutputDevice(main), statusOK);
+    EXPECT_EQ(main, device("hdmi"));
+
+    world().plugIn("usb");
+    EXPECT_TRUE(world().waitUntil([&] { return news.lists_ > 0 && device("usb") != 0; }));
+    const int lists = news.lists_;
+    world().unplug("usb");
+    EXPECT_TRUE(world().waitUntil([&] { return news.lists_ > lists && device("usb") == 0; }));
+
+    EXPECT_EQ(hardware.removeListener(HardwareProperty::deviceList, news), statusOK);
+    EXPECT_EQ(hardware.removeListener(HardwareProperty::defaultOutput, news), statusOK);
+    const int before = news.lists_ + news.defaults_;
+    world().plugIn("usb");
+    EXPECT_TRUE(world().waitUntil([&] { return device("usb") != 0; }));
+    EXPECT_EQ(news.lists_ + news.defaults_, before);
+}
+
+TEST_P(AudioHardwareContract, SurvivesTheDeviceThatIsPlaying) {
+    world().playTone();
+    world().plugIn("usb");
+    ASSERT_TRUE(world().waitUntil([&] { return device("usb") != 0; }));
+    Listener listener;
+    Player player;
+    Capture capture(hardware, listener);
+    const auto output = hardware.makeOutput();
+    ASSERT_EQ(output->setDevice(device("usb")), statusOK);
+    capture.start();
+    ASSERT_EQ(output->start(player), statusOK);
+    ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 3; }));
+    world().unplug("usb");
+    ASSERT_TRUE(world().waitUntil([&] { return device("usb") == 0; }));
+    output->stop();
+
+    const int cycles = player.cycles_;
+    ASSERT_EQ(output->setDevice(device("hdmi")), statusOK);
+    ASSERT_EQ(output->start(player), statusOK);
+    EXPECT_TRUE(world().waitUntil([&] { return player.cycles_ > cycles; }));
+}
+
+TEST_P(AudioHardwareContract, ALostServerIsTheEndOfEverythingAndOfNoCall) {
+    News news;
+    ASSERT_EQ(hardware.addListener(HardwareProperty::connection, news), statusOK);
+    Listener listener;
+    Player player;
+    const auto output = hardware.makeOutput();
+    ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
+    ASSERT_EQ(output->start(player), statusOK);
+    ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 3; }));
+
+    world().loseServer();
+    ASSERT_TRUE(world().waitUntil([&] { return news.lost_ != statusOK; }));
+    AudioObjectID id = 0;
+    EXPECT_NE(hardware.defaultOutputDevice(id), statusOK);
+    EXPECT_NE(hardware.createProcessTap({}, id), statusOK);
+    EXPECT_EQ(id, 0U);
+    output->stop();
+    EXPECT_NE(output->start(player), statusOK);
+    const int cycles = player.cycles_;
+    world().letCyclesPass();
+    EXPECT_EQ(player.cycles_, cycles);
+    EXPECT_EQ(hardware.removeListener(HardwareProperty::connection, news), statusOK);
+}
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(AudioHardwareContract);
+
+} // namespace quorbel::testing

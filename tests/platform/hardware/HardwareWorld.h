@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/hardware/AudioHardware.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace quorbel::testing {
+
+/// A machine with sound on which a hardware backend is tried: two output devices, "speakers" (the
+/// default) and "hdmi", and whatever applications the test starts.
+class HardwareWorld {
+  public:
+    virtual ~HardwareWorld() = default;
+
+    [[nodiscard]] virtual AudioHardware &hardware() = 0;
+
+    /// An application that plays a 1 kHz tone of amplitude 0.25 on both channels, on the default
+    /// output, until the world ends.
+    virtual void playTone() = 0;
+
+    /// What a device plays from now on for a moment (at least ten of its cycles): its largest
+    /// sample.
+    [[nodiscard]] virtual float listen(const std::string &uid) = 0;
+
+    virtual void plugIn(const std::string &uid) = 0;
+    virtual void unplug(const std::string &uid) = 0;
+    virtual void setDefaultOutput(const std::string &uid) = 0;
+
+    /// The end of the sound server.
+    virtual void loseServer() = 0;
+
+    /// Lets time pass until `condition` holds, or a deadline that is generous for this machine.
+    /// Returns whether it holds.
+    [[nodiscard]] virtual bool waitUntil(const std::function<bool()> &condition) = 0;
+
+    /// Lets time pass in which cycles would come if there were any.
+    virtual void letCyclesPass() = 0;
+};
+
+using MakeHardwareWorld = std::unique_ptr<HardwareWorld> (*)();
+
+} // namespace quorbel::testing
