@@ -5,16 +5,16 @@
 
 namespace quorbel {
 
-/// A borrowed view of planar sound: one pointer to 32-bit floats per channel. Owns nothing, so it is
-/// copied freely; a pointer may be null where a channel carries nothing.
+/// A borrowed view of planar sound: one pointer to 32-bit floats per channel. Owns nothing, so it
+/// is copied freely; a pointer may be null where a channel carries nothing.
 struct AudioBufferList {
     static constexpr std::uint32_t maximumBuffers = 8;
 
     std::uint32_t bufferCount = 0;
-    std::array<float*, maximumBuffers> data{};
+    std::array<float *, maximumBuffers> data{};
 
     AudioBufferList() = default;
-    AudioBufferList(float* left, float* right) : bufferCount(2), data{left, right} {}
+    AudioBufferList(float *left, float *right) : bufferCount(2), data{left, right} {}
 
     /// The same channels, `frames` further on.
     [[nodiscard]] AudioBufferList advancedBy(std::uint32_t frames) const noexcept {

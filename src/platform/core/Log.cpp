@@ -1,20 +1,20 @@
 #include "platform/core/Log.h"
 
+#include <fmt/format.h>
+
 #include <cstdio>
 #include <mutex>
 #include <utility>
 
-#include <fmt/format.h>
-
 namespace quorbel {
 namespace {
 
-std::mutex& sinkMutex() {
+std::mutex &sinkMutex() {
     static std::mutex mutex;
     return mutex;
 }
 
-LogSink& currentSink() {
+LogSink &currentSink() {
     static LogSink sink;
     return sink;
 }

@@ -14,7 +14,7 @@ PCMBuffer::PCMBuffer(StreamFormat format, std::uint32_t frameCapacity)
         list_.data[channel] = storage_.data() + std::size_t{channel} * frameCapacity;
 }
 
-PCMBuffer PCMBuffer::wrapping(StreamFormat format, const AudioBufferList& list,
+PCMBuffer PCMBuffer::wrapping(StreamFormat format, const AudioBufferList &list,
                               std::uint32_t frames) noexcept {
     PCMBuffer buffer;
     buffer.format_ = format;

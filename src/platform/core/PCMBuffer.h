@@ -17,16 +17,16 @@ class PCMBuffer {
     PCMBuffer(StreamFormat format, std::uint32_t frameCapacity);
 
     /// Wraps `frames` frames of `list`. Allocates nothing. [any thread]
-    static PCMBuffer wrapping(StreamFormat format, const AudioBufferList& list,
+    static PCMBuffer wrapping(StreamFormat format, const AudioBufferList &list,
                               std::uint32_t frames) noexcept;
 
-    PCMBuffer(PCMBuffer&&) noexcept = default;
-    PCMBuffer& operator=(PCMBuffer&&) noexcept = default;
-    PCMBuffer(const PCMBuffer&) = delete;
-    PCMBuffer& operator=(const PCMBuffer&) = delete;
+    PCMBuffer(PCMBuffer &&) noexcept = default;
+    PCMBuffer &operator=(PCMBuffer &&) noexcept = default;
+    PCMBuffer(const PCMBuffer &) = delete;
+    PCMBuffer &operator=(const PCMBuffer &) = delete;
     ~PCMBuffer() = default;
 
-    [[nodiscard]] const StreamFormat& format() const noexcept { return format_; }
+    [[nodiscard]] const StreamFormat &format() const noexcept { return format_; }
     [[nodiscard]] std::uint32_t frameCapacity() const noexcept { return frameCapacity_; }
     [[nodiscard]] std::uint32_t frameLength() const noexcept { return frameLength_; }
 
@@ -34,11 +34,11 @@ class PCMBuffer {
     void setFrameLength(std::uint32_t frames) noexcept;
 
     /// The samples of one channel, or null if the buffer carries no data for it.
-    [[nodiscard]] float* channelData(std::uint32_t channel) const noexcept {
+    [[nodiscard]] float *channelData(std::uint32_t channel) const noexcept {
         return channel < list_.bufferCount ? list_.data[channel] : nullptr;
     }
 
-    [[nodiscard]] const AudioBufferList& bufferList() const noexcept { return list_; }
+    [[nodiscard]] const AudioBufferList &bufferList() const noexcept { return list_; }
 
   private:
     PCMBuffer() = default;

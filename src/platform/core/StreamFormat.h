@@ -12,7 +12,7 @@ struct StreamFormat {
     /// True for a format that samples can be described with: a positive rate, at least one channel.
     [[nodiscard]] constexpr bool isValid() const { return sampleRate > 0.0 && channelCount > 0; }
 
-    friend constexpr bool operator==(const StreamFormat&, const StreamFormat&) = default;
+    friend constexpr bool operator==(const StreamFormat &, const StreamFormat &) = default;
 };
 
 /// The longest block that is rendered at once, in frames; longer requests are split.

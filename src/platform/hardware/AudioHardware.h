@@ -56,8 +56,8 @@ struct IOCycle {
     StreamFormat format; ///< of this cycle; its rate may change while the device runs
     AudioBufferList input;
     std::uint32_t frames = 0;
-    /// False if the playback side will not run in this cycle: the block must not be kept, or the delay
-    /// would grow by its length; it counts as lost.
+    /// False if the playback side will not run in this cycle: the block must not be kept, or the
+    /// delay would grow by its length; it counts as lost.
     bool willPlay = true;
 };
 
@@ -66,12 +66,12 @@ class IOClient {
   public:
     virtual ~IOClient() = default;
 
-    /// The format of the cycles that follow. Called before the first cycle and again before the first one
-    /// in another format, never at the same time as `ioCycle`. May allocate. [control]
-    virtual void ioFormatChanged(const StreamFormat& format) = 0;
+    /// The format of the cycles that follow. Called before the first cycle and again before the
+    /// first one in another format, never at the same time as `ioCycle`. May allocate. [control]
+    virtual void ioFormatChanged(const StreamFormat &format) = 0;
 
     /// One block, on the real-time thread. [capture]
-    virtual void ioCycle(const IOCycle& cycle) noexcept = 0;
+    virtual void ioCycle(const IOCycle &cycle) noexcept = 0;
 };
 
 /// Called by the hardware for an output.
@@ -80,14 +80,18 @@ class RenderClient {
     virtual ~RenderClient() = default;
 
     /// As `IOClient::ioFormatChanged`, for the blocks that will be asked for. [control]
-    virtual void renderFormatChanged(const StreamFormat& format) = 0;
+    virtual void renderFormatChanged(const StreamFormat &format) = 0;
+
+    /// No more cycles until further notice: nobody plays. What the client still holds of the sound
+    /// must not be heard when they go on. Never at the same time as `renderCycle`. [control]
+    virtual void renderPaused() {}
 
     /// Fills `frames` frames (1 or more) of every buffer of `output`. [render]
-    virtual void renderCycle(const AudioBufferList& output, std::uint32_t frames) noexcept = 0;
+    virtual void renderCycle(const AudioBufferList &output, std::uint32_t frames) noexcept = 0;
 };
 
-/// The playback side: one stream to one device. Made by `AudioHardware::makeOutput`; destroying it stops
-/// it. All calls [main].
+/// The playback side: one stream to one device. Made by `AudioHardware::makeOutput`; destroying it
+/// stops it. All calls [main].
 class HardwareOutput {
   public:
     virtual ~HardwareOutput() = default;
@@ -95,16 +99,16 @@ class HardwareOutput {
     /// Binds the output to a device, for the next start.
     virtual Status setDevice(AudioObjectID device) = 0;
 
-    /// The bound device's native rate and channel count (of which the output carries two); an invalid
-    /// format when there is none.
+    /// The bound device's native rate and channel count (of which the output carries two); an
+    /// invalid format when there is none.
     [[nodiscard]] virtual StreamFormat nativeFormat() const = 0;
 
-    /// Starts asking `client` for sound. The client must stay alive until `stop` has returned. On failure
-    /// nothing is left running.
-    virtual Status start(RenderClient& client) = 0;
+    /// Starts asking `client` for sound. The client must stay alive until `stop` has returned. On
+    /// failure nothing is left running.
+    virtual Status start(RenderClient &client) = 0;
 
-    /// When this returns, no call to the client is under way and none will come. Stopping what does not
-    /// run does nothing.
+    /// When this returns, no call to the client is under way and none will come. Stopping what does
+    /// not run does nothing.
     virtual void stop() = 0;
 };
 
@@ -121,39 +125,40 @@ class HardwareListener {
 enum class HardwareProperty { deviceList, defaultOutput, connection };
 enum class Scope { input, output };
 
-/// What the engine and the device manager need of an operating system's audio layer, and nothing more.
-/// Calls return a Status and, on success only, set their out parameter. They may wait for the sound
-/// server, but never without a deadline. [main]
+/// What the engine and the device manager need of an operating system's audio layer, and nothing
+/// more. Calls return a Status and, on success only, set their out parameter. They may wait for the
+/// sound server, but never without a deadline. [main]
 class AudioHardware {
   public:
     virtual ~AudioHardware() = default;
 
     // Devices
-    virtual Status processObject(std::int32_t pid, AudioObjectID& process) = 0;
-    virtual Status defaultOutputDevice(AudioObjectID& device) = 0;
-    virtual Status deviceList(std::vector<AudioObjectID>& devices) = 0;
+    virtual Status processObject(std::int32_t pid, AudioObjectID &process) = 0;
+    virtual Status defaultOutputDevice(AudioObjectID &device) = 0;
+    virtual Status deviceList(std::vector<AudioObjectID> &devices) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceUID(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceName(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceManufacturer(AudioObjectID device) = 0;
     virtual Status streamChannelCounts(AudioObjectID device, Scope scope,
-                                       std::vector<std::uint32_t>& channelsPerBuffer) = 0;
+                                       std::vector<std::uint32_t> &channelsPerBuffer) = 0;
 
-    /// One listener may be installed for several properties; installing the same one twice is an error of
-    /// the caller. After `removeListener` has returned, no call is under way and none will come.
-    virtual Status addListener(HardwareProperty property, HardwareListener& listener) = 0;
-    virtual Status removeListener(HardwareProperty property, HardwareListener& listener) = 0;
+    /// One listener may be installed for several properties; installing the same one twice is an
+    /// error of the caller. After `removeListener` has returned, no call is under way and none will
+    /// come.
+    virtual Status addListener(HardwareProperty property, HardwareListener &listener) = 0;
+    virtual Status removeListener(HardwareProperty property, HardwareListener &listener) = 0;
 
     // Capture
-    virtual Status createProcessTap(const TapDescription& description, AudioObjectID& tap) = 0;
+    virtual Status createProcessTap(const TapDescription &description, AudioObjectID &tap) = 0;
     virtual Status destroyProcessTap(AudioObjectID tap) = 0;
-    virtual Status tapFormat(AudioObjectID tap, StreamFormat& format) = 0;
-    virtual Status createAggregateDevice(const AggregateDescription& description,
-                                         AudioObjectID& device) = 0;
+    virtual Status tapFormat(AudioObjectID tap, StreamFormat &format) = 0;
+    virtual Status createAggregateDevice(const AggregateDescription &description,
+                                         AudioObjectID &device) = 0;
     virtual Status destroyAggregateDevice(AudioObjectID device) = 0;
-    virtual Status nominalSampleRate(AudioObjectID device, double& rate) = 0;
+    virtual Status nominalSampleRate(AudioObjectID device, double &rate) = 0;
 
     /// Registers `client`, which must stay alive until `destroyIOProc` has returned.
-    virtual Status createIOProc(AudioObjectID device, IOClient& client, IOProcID& proc) = 0;
+    virtual Status createIOProc(AudioObjectID device, IOClient &client, IOProcID &proc) = 0;
     virtual Status destroyIOProc(AudioObjectID device, IOProcID proc) = 0;
     virtual Status startDevice(AudioObjectID device, IOProcID proc) = 0;
     /// When this returns, no call to the client is under way and none will come.

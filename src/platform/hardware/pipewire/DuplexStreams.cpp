@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
+#include <ctime>
 #include <unistd.h>
 
 namespace quorbel {
@@ -48,13 +50,39 @@ AudioBufferList planes(const pw_buffer &buffer, std::uint32_t &frames, bool isIn
     return list;
 }
 
+void finish(pw_stream *stream, pw_buffer *buffer, std::uint32_t frames) noexcept {
+    for (std::uint32_t channel = 0; channel < buffer->buffer->n_datas; ++channel) {
+        spa_chunk *chunk = buffer->buffer->datas[channel].chunk;
+        chunk->offset = 0;
+        chunk->stride = sizeof(float);
+        chunk->size = frames * sizeof(float);
+    }
+    pw_stream_queue_buffer(stream, buffer);
+}
+
+/// Louder than -100 dBFS anywhere.
+bool isAudible(const AudioBufferList &list, std::uint32_t frames) noexcept {
+    float peak = 0.0F;
+    for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel)
+        for (std::uint32_t i = 0; i < frames; ++i)
+            peak = std::max(peak, std::abs(list.data[channel][i]));
+    return peak > 1e-5F;
+}
+
+double monotonicSeconds() noexcept {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
 } // namespace
 
 ServerStream::ServerStream(ServerConnection &connection, DuplexPair &pair)
     : connection_(connection), pair_(pair) {}
 
 Status ServerStream::create(pw_direction direction, const char *nodeName, const char *mediaClass,
-                            const char *mediaName, const char *targetName, pw_stream_flags flags) {
+                            const char *mediaName, const char *targetName, bool isPassive,
+                            pw_stream_flags flags) {
     const std::string group = fmt::format("quorbel-{}", getpid());
     pw_properties *properties = pw_properties_new(
         PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CLASS, mediaClass, PW_KEY_MEDIA_NAME, mediaName,
@@ -65,7 +93,7 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
     // The name is new in every run: the session manager remembers targets by name, and one that no
     // longer exists must never be found again.
     pw_properties_setf(properties, PW_KEY_NODE_NAME, "%s.%d", nodeName, getpid());
-    if (direction == PW_DIRECTION_OUTPUT)
+    if (isPassive)
         pw_properties_set(properties, PW_KEY_NODE_PASSIVE, "true");
     if (targetName != nullptr)
         pw_properties_set(properties, "target.object", targetName);
@@ -107,7 +135,9 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
 }
 
 void ServerStream::stateChanged(pw_stream_state state, const char * /*error*/) {
-    isStreaming_ = state == PW_STREAM_STATE_STREAMING;
+    if (isStreaming_.exchange(state == PW_STREAM_STATE_STREAMING) &&
+        state != PW_STREAM_STATE_STREAMING)
+        paused();
     if (state == PW_STREAM_STATE_ERROR)
         error_ = -EIO;
     if (state == PW_STREAM_STATE_STREAMING) {
@@ -175,7 +205,7 @@ TapStream::~TapStream() {
 
 Status TapStream::connect() {
     return create(PW_DIRECTION_INPUT, "quorbel.tap", "Stream/Input/Audio/Internal",
-                  "Quorbel System Tap", nullptr,
+                  "Quorbel System Tap", nullptr, false,
                   PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS | asyncFlag);
 }
 
@@ -254,7 +284,7 @@ Status OutStream::connect(const std::string &deviceName,
                           const StreamFormat &formatUntilNegotiated) {
     client_.get()->renderFormatChanged(formatUntilNegotiated);
     const Status status = create(PW_DIRECTION_OUTPUT, "quorbel.out", "Stream/Output/Audio/Internal",
-                                 "Ostrafine", deviceName.c_str(),
+                                 "Ostrafine", deviceName.c_str(), true,
                                  PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS |
                                      PW_STREAM_FLAG_RT_PROCESS | PW_STREAM_FLAG_TRIGGER);
     if (status == statusOK)
@@ -269,6 +299,19 @@ void OutStream::formatChanged() {
     client_.set(nullptr);
     client->renderFormatChanged(format_);
     client_.set(client);
+}
+
+void OutStream::paused() {
+    RenderClient *client = client_.get();
+    if (client == nullptr)
+        return;
+    client_.set(nullptr);
+    client->renderPaused();
+    client_.set(client);
+}
+
+bool OutStream::wasHeardWithin(double seconds) const noexcept {
+    return monotonicSeconds() - lastHeardSeconds_ < seconds;
 }
 
 bool OutStream::isReadyForBlock() const noexcept { return isStreaming_ && !isBlockUnplayed_; }
@@ -296,20 +339,46 @@ void OutStream::process() noexcept {
             std::min<std::uint64_t>(buffer->requested, maximumBlockFrames));
     const AudioBufferList list = planes(*buffer, frames, false);
     if (frames > 0) {
-        if (client)
+        if (client) {
             client->renderCycle(list, frames);
-        else
+            if (isAudible(list, frames))
+                lastHeardSeconds_ = monotonicSeconds();
+        } else {
             for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel)
                 std::fill_n(list.data[channel], frames, 0.0F);
+        }
     }
-    for (std::uint32_t channel = 0; channel < buffer->buffer->n_datas; ++channel) {
-        spa_chunk *chunk = buffer->buffer->datas[channel].chunk;
-        chunk->offset = 0;
-        chunk->stride = sizeof(float);
-        chunk->size = frames * sizeof(float);
-    }
-    pw_stream_queue_buffer(stream_.get(), buffer);
+    finish(stream_.get(), buffer, frames);
     isBlockUnplayed_ = false;
+}
+
+KeepStream::KeepStream(ServerConnection &connection, DuplexPair &pair)
+    : ServerStream(connection, pair) {}
+
+KeepStream::~KeepStream() { stream_.reset(); }
+
+Status KeepStream::connect(const std::string &deviceName) {
+    return create(PW_DIRECTION_OUTPUT, "quorbel.keep", "Stream/Output/Audio/Internal", "Ostrafine",
+                  deviceName.c_str(), false,
+                  PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS |
+                      PW_STREAM_FLAG_RT_PROCESS | PW_STREAM_FLAG_INACTIVE);
+}
+
+void KeepStream::setActive(bool active) {
+    if (isActive_ != active)
+        pw_stream_set_active(stream_.get(), active);
+    isActive_ = active;
+}
+
+void KeepStream::process() noexcept {
+    pw_buffer *buffer = pw_stream_dequeue_buffer(stream_.get());
+    if (buffer == nullptr)
+        return;
+    std::uint32_t frames = cycleFrames();
+    const AudioBufferList list = planes(*buffer, frames, false);
+    for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel)
+        std::fill_n(list.data[channel], frames, 0.0F);
+    finish(stream_.get(), buffer, frames);
 }
 
 } // namespace quorbel

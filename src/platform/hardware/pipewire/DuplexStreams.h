@@ -45,10 +45,13 @@ class ServerStream {
     ServerStream(ServerConnection &connection, DuplexPair &pair);
     virtual ~ServerStream() = default;
 
+    /// `isPassive`: the stream's links do not keep a device running by themselves.
     Status create(pw_direction direction, const char *nodeName, const char *mediaClass,
-                  const char *mediaName, const char *targetName, pw_stream_flags flags);
+                  const char *mediaName, const char *targetName, bool isPassive,
+                  pw_stream_flags flags);
     virtual void process() noexcept = 0;
     virtual void formatChanged() = 0; ///< [control]
+    virtual void paused() {}          ///< the graph has stopped running the stream [control]
     /// The graph's block length, or 0 while it is unknown. [real-time]
     [[nodiscard]] std::uint32_t cycleFrames() const noexcept;
 
@@ -88,6 +91,23 @@ class TapStream final : public ServerStream {
     std::array<float, maximumBlockFrames> silence_{};
 };
 
+/// Keeps the device running while it is active, by playing silence to it: what an effect holds when
+/// the last application stops is heard to its end.
+class KeepStream final : public ServerStream {
+  public:
+    KeepStream(ServerConnection &connection, DuplexPair &pair);
+    ~KeepStream() override;
+
+    Status connect(const std::string &deviceName);
+    void setActive(bool active);
+
+  private:
+    void process() noexcept override;
+    void formatChanged() override {}
+
+    bool isActive_ = false;
+};
+
 /// Plays what its client renders, when the tap says so.
 class OutStream final : public ServerStream {
   public:
@@ -103,12 +123,17 @@ class OutStream final : public ServerStream {
     /// Makes the stream run in this cycle, inside this call or right after the caller's. [capture]
     void wake() noexcept;
 
+    /// True if anything above the threshold of hearing was played in the last `seconds`.
+    [[nodiscard]] bool wasHeardWithin(double seconds) const noexcept;
+
   private:
     void process() noexcept override;
     void formatChanged() override;
+    void paused() override;
 
     RealtimeSlot<RenderClient> client_;
     std::atomic<bool> isBlockUnplayed_{false};
+    std::atomic<double> lastHeardSeconds_{-1e9};
 };
 
 } // namespace quorbel

@@ -6,6 +6,8 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
+#include <utility>
 
 namespace quorbel {
 namespace {
@@ -14,6 +16,10 @@ namespace {
 constexpr double answerSeconds = 2.0;
 constexpr double restoreSeconds = 0.5;
 constexpr double unlinkSeconds = 0.3;
+
+/// After this much inaudible output the device may rest.
+constexpr double tailSeconds = 2.0;
+constexpr long tailCheckNanoseconds = 200'000'000;
 
 /// No object of the server: the capture device is the scheduling group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;
@@ -100,6 +106,9 @@ class PipeWireHardware::Output final : public HardwareOutput {
             stream_.reset();
             return status;
         }
+        keep_ = std::make_unique<KeepStream>(connection, hardware_.pair_);
+        if (keep_->connect(device->name()) == statusOK)
+            watchTail();
         hardware_.outputDevice_ = device_;
         hardware_.routeIfReady();
         return statusOK;
@@ -110,13 +119,34 @@ class PipeWireHardware::Output final : public HardwareOutput {
             return;
         const LoopLock lock(hardware_.connection_->loop());
         hardware_.outputDevice_ = 0;
+        if (tailTimer_ != nullptr)
+            pw_loop_destroy_source(pw_thread_loop_get_loop(hardware_.connection_->loop()),
+                                   std::exchange(tailTimer_, nullptr));
+        keep_.reset();
         stream_.reset();
     }
 
   private:
+    /// Looks now and then whether something is still to be heard out.
+    void watchTail() {
+        pw_loop *loop = pw_thread_loop_get_loop(hardware_.connection_->loop());
+        tailTimer_ = pw_loop_add_timer(
+            loop,
+            [](void *self, std::uint64_t) {
+                auto &output = *static_cast<Output *>(self);
+                output.keep_->setActive(output.stream_->wasHeardWithin(tailSeconds));
+            },
+            this);
+        timespec interval{0, tailCheckNanoseconds};
+        if (tailTimer_ != nullptr)
+            pw_loop_update_timer(loop, tailTimer_, &interval, &interval, false);
+    }
+
     PipeWireHardware &hardware_;
     AudioObjectID device_ = 0;
     std::unique_ptr<OutStream> stream_;
+    std::unique_ptr<KeepStream> keep_;
+    spa_source *tailTimer_ = nullptr;
 };
 
 std::unique_ptr<PipeWireHardware> PipeWireHardware::connect(Status &status) {
