@@ -2,6 +2,8 @@
 
 #include "settings/records/json/SettingsCoding.h"
 
+#include <QDir>
+
 #include <cerrno>
 #include <cstddef>
 #include <fcntl.h>
@@ -40,6 +42,16 @@ class Descriptor {
 }
 
 } // namespace
+
+std::string userSettingsPath() {
+    const char *configured = std::getenv("XDG_CONFIG_HOME"); // NOLINT(concurrency-mt-unsafe)
+    std::string folder;
+    if (configured != nullptr && configured[0] == '/')
+        folder = configured;
+    else
+        folder = QDir::homePath().toStdString() + "/.config";
+    return folder + "/Quorbel/state.json";
+}
 
 std::string readSettingsText(const std::string &path) {
     // Not to wait on a named pipe that nobody writes to.

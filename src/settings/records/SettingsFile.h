@@ -13,6 +13,10 @@ class SettingsFileError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// Where the user's own settings live: `Quorbel/state.json` in the folder that XDG_CONFIG_HOME
+/// names (where it is an absolute path), else in `~/.config`.
+[[nodiscard]] std::string userSettingsPath();
+
 /// The whole text of a settings file. Never waits and never reads without end: only a regular file
 /// of at most 64 MiB is taken. Throws SettingsFileError.
 [[nodiscard]] std::string readSettingsText(const std::string &path);

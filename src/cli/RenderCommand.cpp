@@ -1,0 +1,114 @@
+#include "cli/RenderCommand.h"
+
+#include "cli/ChainRateReader.h"
+#include "cli/CommandError.h"
+#include "cli/ProgressBar.h"
+#include "cli/SettingsSource.h"
+#include "cli/SoundFileWriter.h"
+#include "cli/TerminationSignals.h"
+#include "engine/OfflineRenderer.h"
+#include "platform/core/StreamFormat.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <sys/stat.h>
+
+namespace quorbel {
+
+namespace {
+
+/// A settings file that takes effect at the first block boundary at or after a frame.
+struct Change {
+    double seconds;
+    ChainSettings settings;
+};
+
+std::vector<Change> loadChanges(const std::vector<std::pair<double, std::string>> &requests) {
+    std::vector<Change> changes;
+    for (const auto &[seconds, path] : requests)
+        changes.push_back({seconds, chainSettings(loadSettings(path))});
+    std::stable_sort(changes.begin(), changes.end(),
+                     [](const Change &a, const Change &b) { return a.seconds < b.seconds; });
+    return changes;
+}
+
+/// What is wrong with a time on the command line, empty for nothing.
+std::string problemWithTime(const std::string &text) {
+    double seconds = 0.0;
+    const bool isTime =
+        CLI::detail::lexical_cast(text, seconds) && std::isfinite(seconds) && seconds >= 0.0;
+    return isTime ? "" : text + " is not a time in seconds";
+}
+
+/// Also through links of either kind.
+void refuseSameFile(const std::string &input, const std::string &output) {
+    struct stat inputStatus {};
+    struct stat outputStatus {};
+    if (stat(input.c_str(), &inputStatus) == 0 && stat(output.c_str(), &outputStatus) == 0 &&
+        inputStatus.st_dev == outputStatus.st_dev && inputStatus.st_ino == outputStatus.st_ino)
+        throw CommandError(output + ": is the same file as the input");
+}
+
+} // namespace
+
+RenderCommand::RenderCommand(CLI::App &program)
+    : command_(program.add_subcommand(
+          "render", "Play a sound file through the chain into another, faster than real time")) {
+    command_->add_option("--settings", settingsPath_,
+                         "Settings file (default: your own, else the factory settings)");
+    command_->add_option("--block", blockFrames_, "Frames that are processed at once, 1 to 8192")
+        ->check(CLI::Range(std::uint32_t{1}, maximumBlockFrames))
+        ->capture_default_str();
+    command_
+        ->add_option("--at", changes_,
+                     "SECONDS FILE: from that time on use this settings file; may be repeated")
+        ->type_name("SECONDS FILE")
+        ->check(CLI::Validator(problemWithTime, "").application_index(0))
+        ->expected(1)
+        ->take_all()
+        ->allow_extra_args(false);
+    command_->add_option("IN", inputPath_, "Mono or stereo sound file of any rate")->required();
+    command_->add_option("OUT", outputPath_, "WAV file to write: 32-bit floats, stereo, 48 kHz")
+        ->required();
+}
+
+void RenderCommand::run() const {
+    TerminationSignals signals;
+    const Persisted settings = loadSettings(settingsPath_);
+    const std::vector<Change> changes = loadChanges(changes_);
+    ChainRateReader input(inputPath_);
+    refuseSameFile(inputPath_, outputPath_);
+    SoundFileWriter output(outputPath_, input.expectedFrames());
+    OfflineRenderer renderer(chainSettings(settings));
+
+    std::vector<float> samples(std::size_t{2} * blockFrames_);
+    const AudioBufferList block(samples.data(), samples.data() + blockFrames_);
+    auto nextChange = changes.begin();
+    {
+        ProgressBar progress(input.expectedFrames());
+        while (const std::uint32_t frames = input.read(block, blockFrames_)) {
+            const double seconds =
+                static_cast<double>(renderer.framesRendered()) / OfflineRenderer::sampleRate;
+            for (; nextChange != changes.end() && nextChange->seconds <= seconds; ++nextChange)
+                renderer.apply(nextChange->settings);
+            if (const Status status = renderer.render(block, block, frames); status != statusOK)
+                throw CommandError(fmt::format("the chain failed with status {}", status));
+            output.write(block, frames);
+            progress.update(renderer.framesRendered());
+            if (signals.received())
+                throw CommandError(fmt::format("interrupted, {} was not written", outputPath_));
+        }
+        output.finish();
+    }
+    if (const auto replaced = input.replacedFrames() + renderer.replacedFrames(); replaced > 0)
+        fmt::print(
+            stderr,
+            "{}: {} frame{} held samples that are not finite numbers; they were played as zero\n",
+            inputPath_, replaced, replaced == 1 ? "" : "s");
+}
+
+} // namespace quorbel

@@ -1,0 +1,77 @@
+#include "cli/SoundFileWriter.h"
+
+#include "cli/CommandError.h"
+#include "cli/NamelessFile.h"
+
+#include <sndfile.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace quorbel {
+
+namespace {
+
+constexpr int sampleRate = 48000;
+constexpr std::uint64_t bytesPerFrame = 2 * sizeof(float);
+
+// Below it a plain WAV file is certain to do, also where the length was only estimated.
+constexpr std::uint64_t plainWavBytes = std::uint64_t{3} << 30U;
+
+struct Closer {
+    void operator()(SNDFILE *file) const { sf_close(file); }
+};
+
+} // namespace
+
+struct SoundFileWriter::State {
+    explicit State(const std::string &path) : target(path) {}
+
+    NamelessFile target;
+    std::unique_ptr<SNDFILE, Closer> file;
+    std::vector<float> interleaved;
+};
+
+SoundFileWriter::SoundFileWriter(const std::string &path, std::uint64_t expectedFrames)
+    : path_(path), state_(std::make_unique<State>(path)) {
+    const bool large = expectedFrames == 0 || expectedFrames > plainWavBytes / bytesPerFrame;
+    SF_INFO info{};
+    info.samplerate = sampleRate;
+    info.channels = 2;
+    info.format = (large ? SF_FORMAT_RF64 : SF_FORMAT_WAV) | SF_FORMAT_FLOAT;
+    state_->file.reset(sf_open_fd(state_->target.descriptor(), SFM_WRITE, &info, SF_FALSE));
+    if (!state_->file)
+        fail(sf_strerror(nullptr));
+    // Its peaks carry the time of writing, and equal sound must give equal files.
+    sf_command(state_->file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
+    if (large)
+        sf_command(state_->file.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);
+}
+
+SoundFileWriter::~SoundFileWriter() = default;
+
+void SoundFileWriter::write(const AudioBufferList &sound, std::uint32_t frames) {
+    std::vector<float> &interleaved = state_->interleaved;
+    interleaved.resize(std::size_t{2} * frames);
+    for (std::uint32_t frame = 0; frame < frames; ++frame) {
+        interleaved[2 * frame] = sound.data[0][frame];
+        interleaved[2 * frame + 1] = sound.data[1][frame];
+    }
+    if (sf_writef_float(state_->file.get(), interleaved.data(), frames) != frames)
+        fail(sf_strerror(state_->file.get()));
+}
+
+void SoundFileWriter::finish() {
+    sf_write_sync(state_->file.get());
+    if (sf_error(state_->file.get()) != SF_ERR_NO_ERROR)
+        fail(sf_strerror(state_->file.get()));
+    if (const int status = sf_close(state_->file.release()); status != SF_ERR_NO_ERROR)
+        fail(sf_error_number(status));
+    state_->target.takeName();
+}
+
+void SoundFileWriter::fail(const std::string &reason) const {
+    throw CommandError(path_ + ": cannot be written: " + reason);
+}
+
+} // namespace quorbel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/core/AudioBufferList.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace quorbel {
+
+/// Writes stereo sound at 48 kHz as a WAV file of 32-bit floats (RF64 where it may pass 4 GiB). The
+/// sound goes to a nameless file in the same folder and takes its name at the end, so that OUT is
+/// whole or untouched, whatever ends the program. Throws CommandError, naming the file, when it
+/// cannot be written.
+class SoundFileWriter {
+  public:
+    /// `expectedFrames` decides between the two forms; 0 for unknown.
+    SoundFileWriter(const std::string &path, std::uint64_t expectedFrames);
+    ~SoundFileWriter();
+    SoundFileWriter(const SoundFileWriter &) = delete;
+    SoundFileWriter &operator=(const SoundFileWriter &) = delete;
+
+    void write(const AudioBufferList &sound, std::uint32_t frames);
+
+    /// Puts the file in its place; without this call nothing is left behind.
+    void finish();
+
+  private:
+    struct State;
+    [[noreturn]] void fail(const std::string &reason) const;
+
+    std::string path_;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace quorbel

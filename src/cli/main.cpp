@@ -1,0 +1,50 @@
+#include "cli/CommandError.h"
+#include "cli/RenderCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string>
+
+namespace {
+
+constexpr int exitFailed = 1;
+constexpr int exitUsage = 2;
+
+/// File names and foreign texts may hold anything, but an error is one line.
+void printError(std::string text) {
+    for (char &character : text)
+        if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F)
+            character = '?';
+    fmt::print(stderr, "ostrafine-cli: {}\n", text);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    // A full disk quota and a closed pipe are errors of one write, not the end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+
+    CLI::App program("Everything the computer plays, through one equaliser and effects chain.",
+                     "ostrafine-cli");
+    program.require_subcommand(1);
+    const quorbel::RenderCommand render(program);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return program.exit(error) == 0 ? 0 : exitUsage;
+    }
+
+    try {
+        if (render.isChosen())
+            render.run();
+        return 0;
+    } catch (const std::exception &error) {
+        printError(error.what());
+        return exitFailed;
+    }
+}
