@@ -1,0 +1,40 @@
+#pragma once
+
+#include <span>
+
+#include <cstddef>
+#include <memory>
+
+namespace quorbel {
+
+/// The forward FFT of real samples, with a fixed number of points.
+///
+/// The result is twice the mathematical transform, X[k] = 2 Σ x[n] exp(-2πi kn/N): thresholds and
+/// displays are tuned for that scale. It is packed into N/2 bins: bin 0 carries the real values at
+/// 0 Hz (real) and at half the sample rate (imaginary), bin k the frequency k · sampleRate / N.
+///
+/// An object belongs to one thread at a time. Equal input gives equal bytes in every run.
+class RealFFT {
+  public:
+    /// `points` must be even and at least 2. Takes memory and a process-wide lock. [any thread but
+    /// the audio threads] Throws std::invalid_argument, std::bad_alloc.
+    explicit RealFFT(std::size_t points);
+    ~RealFFT();
+    RealFFT(const RealFFT &) = delete;
+    RealFFT &operator=(const RealFFT &) = delete;
+
+    [[nodiscard]] std::size_t points() const noexcept { return points_; }
+    [[nodiscard]] std::size_t binCount() const noexcept { return points_ / 2; }
+
+    /// `points()` samples into `binCount()` bins. Allocates nothing.
+    void forward(std::span<const float> samples, std::span<float> real,
+                 std::span<float> imaginary) noexcept;
+
+  private:
+    struct Plan;
+
+    std::size_t points_;
+    std::unique_ptr<Plan> plan_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,113 @@
+#include "platform/dsp/RealFFT.h"
+
+#include "platform/dsp/HannWindow.h"
+#include "support/RealtimeGuard.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <numbers>
+#include <random>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using std::numbers::pi;
+
+struct Bins {
+    std::vector<float> real;
+    std::vector<float> imaginary;
+};
+
+Bins transform(RealFFT &fft, const std::vector<float> &samples) {
+    Bins bins{std::vector<float>(fft.binCount()), std::vector<float>(fft.binCount())};
+    fft.forward(samples, bins.real, bins.imaginary);
+    return bins;
+}
+
+std::vector<float> noise(std::size_t count) {
+    std::mt19937 random(4711);
+    std::uniform_real_distribution<float> uniform(-1.0F, 1.0F);
+    std::vector<float> samples(count);
+    for (float &sample : samples)
+        sample = uniform(random);
+    return samples;
+}
+
+std::complex<double> definition(const std::vector<float> &x, std::size_t k) {
+    std::complex<double> sum = 0.0;
+    for (std::size_t n = 0; n < x.size(); ++n)
+        sum += static_cast<double>(x[n]) *
+               std::polar(1.0, -2.0 * pi * static_cast<double>(k * n % x.size()) /
+                                   static_cast<double>(x.size()));
+    return sum;
+}
+
+TEST(RealFFT, GivesTwiceTheDefinitionPackedIntoHalfTheBins) {
+    for (const std::size_t points : {64UL, 2048UL}) {
+        RealFFT fft(points);
+        const std::vector<float> x = noise(points);
+        const Bins bins = transform(fft, x);
+        // Rounding of log2(N) stages on bins of about sqrt(N).
+        const double tolerance = 2e-6 * std::sqrt(static_cast<double>(points));
+        EXPECT_NEAR(bins.real[0], 2.0 * definition(x, 0).real(), tolerance);
+        EXPECT_NEAR(bins.imaginary[0], 2.0 * definition(x, points / 2).real(), tolerance);
+        for (std::size_t k = 1; k < points / 2; ++k) {
+            const std::complex<double> expected = 2.0 * definition(x, k);
+            ASSERT_NEAR(bins.real[k], expected.real(), tolerance) << k;
+            ASSERT_NEAR(bins.imaginary[k], expected.imag(), tolerance) << k;
+        }
+    }
+}
+
+TEST(RealFFT, RefusesLengthsItCannotPack) {
+    EXPECT_THROW(RealFFT(0), std::invalid_argument);
+    EXPECT_THROW(RealFFT(5), std::invalid_argument);
+}
+
+TEST(RealFFT, ManyThreadsMayMakeAndUseTheirOwn) {
+    const std::vector<float> x = noise(4096);
+    RealFFT reference(4096);
+    const Bins expected = transform(reference, x);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&] {
+            for (int round = 0; round < 20; ++round) {
+                RealFFT fft(4096);
+                const Bins bins = transform(fft, x);
+                EXPECT_EQ(bins.real, expected.real);
+                EXPECT_EQ(bins.imaginary, expected.imaginary);
+            }
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+TEST(RealFFT, TransformingTakesNoMemory) {
+    RealFFT fft(2048);
+    const std::vector<float> x = noise(2048);
+    std::vector<float> real(1024);
+    std::vector<float> imaginary(1024);
+    const testing::RealtimeGuard guard;
+    fft.forward(x, real, imaginary);
+    EXPECT_EQ(guard.violations(), testing::RealtimeViolations{});
+}
+
+TEST(HannWindow, IsPeriodicAndKeepsThePowerOfNoise) {
+    const std::vector<float> window = normalisedHannWindow(2048);
+    EXPECT_EQ(window[0], 0.0F);
+    EXPECT_FLOAT_EQ(window[1024], 1.633F);
+    double power = 0.0;
+    for (std::size_t n = 1; n < window.size(); ++n) {
+        EXPECT_FLOAT_EQ(window[n], window[2048 - n]);
+        power += static_cast<double>(window[n]) * static_cast<double>(window[n]) / 2048.0;
+    }
+    EXPECT_NEAR(power, 1.0, 1e-4);
+}
+
+} // namespace
+} // namespace quorbel
