@@ -15,7 +15,7 @@ namespace quorbel {
 /// octaves, and of two bands in series that swap a boost for a cut the level stays between both
 /// ends all the way.
 struct BandDesign {
-    enum LogValue { cutoff, damping, high, band, low, frequency, logValueCount };
+    enum LogValue { cutoff, damping, high, band, low, frequency, quality, logValueCount };
     using Logarithms = std::array<double, logValueCount>;
 
     bool active = false; ///< a flat band is not run at all; the rest means nothing then
@@ -25,7 +25,13 @@ struct BandDesign {
 
     /// How far the frequency may move gradually, as |ln(f/f')|. A resonance that travelled further
     /// would be heard passing by what lies between, louder than before and after.
-    double reach = 0.0;
+    double frequencyReach = 0.0;
+
+    /// The same for Q: a resonance that is widened faster than it dies away swells first.
+    double qualityReach = 0.0;
+
+    /// In how many seconds the band's own ringing falls to 1/e.
+    double decaySeconds = 0.0;
 
     [[nodiscard]] static BandDesign of(const EqualizerBandSettings &settings, double sampleRate);
 

@@ -81,9 +81,13 @@ bool EqualizerChain::canGlide(const Band &band, const BandDesign &design) noexce
         return !design.active || hasGain(design.type);
     if (!design.active)
         return hasGain(band.design.type);
-    const double distance = std::abs(band.glide.values()[BandDesign::frequency] -
-                                     design.logarithms[BandDesign::frequency]);
-    return band.design.type == design.type && distance <= std::min(band.design.reach, design.reach);
+    const auto distance = [&](BandDesign::LogValue value) {
+        return std::abs(band.glide.values()[value] - design.logarithms[value]);
+    };
+    return band.design.type == design.type &&
+           distance(BandDesign::frequency) <=
+               std::min(band.design.frequencyReach, design.frequencyReach) &&
+           distance(BandDesign::quality) <= std::min(band.design.qualityReach, design.qualityReach);
 }
 
 bool EqualizerChain::canGlideTo(const EqualizerDesign &design) const noexcept {
@@ -93,14 +97,17 @@ bool EqualizerChain::canGlideTo(const EqualizerDesign &design) const noexcept {
     return true;
 }
 
-void EqualizerChain::jumpTo(const EqualizerDesign &design) noexcept {
+double EqualizerChain::jumpTo(const EqualizerDesign &design) noexcept {
+    double longestDecay = 0.0;
     for (std::size_t i = 0; i < bands_.size(); ++i) {
         Band &band = bands_[i];
         const BandDesign &target = design.bands[i];
-        if (!target.active || !band.running || !canGlide(band, target))
+        if (!target.active || !canGlide(band, target))
             stop(band);
         if (!target.active)
             continue;
+        if (!band.running)
+            longestDecay = std::max(longestDecay, target.decaySeconds);
         band.running = true;
         band.endsFlat = false;
         band.design = target;
@@ -111,6 +118,7 @@ void EqualizerChain::jumpTo(const EqualizerDesign &design) noexcept {
     gain_ = nextGain_ = gainFromDB(design.gainDB);
     stepPosition_ = 0;
     gliding_ = false;
+    return longestDecay;
 }
 
 void EqualizerChain::glideTo(const EqualizerDesign &design) noexcept {

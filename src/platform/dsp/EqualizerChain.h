@@ -24,15 +24,18 @@ class EqualizerChain {
   public:
     explicit EqualizerChain(std::size_t bandCount);
     EqualizerChain(const EqualizerChain &) = default;
-    EqualizerChain &
-    operator=(const EqualizerChain &) = default; // allocates nothing between equal sizes
+    EqualizerChain(EqualizerChain &&) noexcept = default;
+    /// Allocates nothing between chains of equal length.
+    EqualizerChain &operator=(const EqualizerChain &) = default;
+    EqualizerChain &operator=(EqualizerChain &&) noexcept = default;
+    ~EqualizerChain() = default;
 
     /// Silence inside, every band flat.
     void prepare(double sampleRate);
 
     /// At `design` from the next frame on. Bands that could have glided there keep their sound,
-    /// others start from silence.
-    void jumpTo(const EqualizerDesign &design) noexcept;
+    /// others start from silence: what is returned is the longest decay among these, in seconds.
+    double jumpTo(const EqualizerDesign &design) noexcept;
 
     [[nodiscard]] bool canGlideTo(const EqualizerDesign &design) const noexcept;
     void glideTo(const EqualizerDesign &design) noexcept;

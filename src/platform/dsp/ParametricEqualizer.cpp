@@ -12,6 +12,11 @@ namespace {
 
 constexpr double fadeSeconds = 0.020;
 
+// Bands that start from silence run unheard until they have settled to 0.1 %, so that a low boost
+// is not missed during the fade; but not for so long that the change would seem late.
+constexpr double decaysToSettle = 7.0;
+constexpr double longestWarmUpSeconds = 0.030;
+
 } // namespace
 
 ParametricEqualizer::ParametricEqualizer(std::size_t bandCount)
@@ -50,6 +55,7 @@ void ParametricEqualizer::prepare(double sampleRate) {
     for (std::size_t i = 0; i < settings_.size(); ++i)
         design_.bands[i] = BandDesign::of(settings_[i], sampleRate);
     publish();
+    renderRate_ = sampleRate;
     fadeFrames_ = std::max(1U, static_cast<std::uint32_t>(std::lround(sampleRate * fadeSeconds)));
     reset();
 }
@@ -72,9 +78,10 @@ void ParametricEqualizer::acceptDesign() noexcept {
         chain_.glideTo(design);
     } else {
         incoming_ = chain_;
-        incoming_.jumpTo(design);
+        const double decaySeconds = incoming_.jumpTo(design);
+        const double warmUpSeconds = std::min(decaysToSettle * decaySeconds, longestWarmUpSeconds);
+        fadePosition_ = -static_cast<std::int32_t>(std::lround(warmUpSeconds * renderRate_));
         fading_ = true;
-        fadePosition_ = 0;
     }
 }
 
@@ -86,7 +93,8 @@ void ParametricEqualizer::process(float *left, float *right, std::uint32_t frame
             acceptDesign();
         std::uint32_t chunk = frames;
         if (fading_) {
-            chunk = std::min({frames, fadeChunk, fadeFrames_ - fadePosition_});
+            const auto remaining = static_cast<std::int32_t>(fadeFrames_) - fadePosition_;
+            chunk = std::min({frames, fadeChunk, static_cast<std::uint32_t>(remaining)});
             processFading(left, right, chunk);
         } else {
             chain_.process(left, right, frames);
@@ -107,13 +115,14 @@ void ParametricEqualizer::processFading(float *left, float *right, std::uint32_t
     incoming_.process(incomingLeft_.data(), incomingRight_.data(), frames);
     const float perFrame = 1.0F / static_cast<float>(fadeFrames_);
     for (std::uint32_t i = 0; i < frames; ++i) {
-        const float t = static_cast<float>(fadePosition_ + i) * perFrame;
+        const auto position = fadePosition_ + static_cast<std::int32_t>(i);
+        const float t = static_cast<float>(std::max(position, 0)) * perFrame;
         const float weight = t * t * (3.0F - 2.0F * t);
         left[i] += (incomingLeft_[i] - left[i]) * weight;
         right[i] += (incomingRight_[i] - right[i]) * weight;
     }
-    fadePosition_ += frames;
-    if (fadePosition_ == fadeFrames_) {
+    fadePosition_ += static_cast<std::int32_t>(frames);
+    if (fadePosition_ == static_cast<std::int32_t>(fadeFrames_)) {
         std::swap(chain_, incoming_);
         fading_ = false;
     }

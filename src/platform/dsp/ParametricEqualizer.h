@@ -15,9 +15,10 @@ namespace quorbel {
 /// another renders.
 ///
 /// Every change takes about 20 ms and is free of clicks; the level never exceeds the louder of
-/// before and after on the way. Changes that keep a band's type and (nearly) its frequency move the
-/// filter itself, others fade from the old chain to a new one. Settings made before the first block
-/// apply from its first frame.
+/// before and after on the way. Changes that keep a band's type and nearly its frequency and width
+/// move the filter itself; for others a second chain is started, settles unheard for up to 30 ms,
+/// and is faded to. Changes that come in meanwhile wait for the end of the fade. Settings made
+/// before the first block apply from its first frame.
 class ParametricEqualizer {
   public:
     explicit ParametricEqualizer(std::size_t bandCount);
@@ -59,8 +60,9 @@ class ParametricEqualizer {
     bool started_ = false;
     bool pending_ = false; // the newest design has not been accepted yet
     bool fading_ = false;
+    double renderRate_ = 48000.0;    // constant after prepare
     std::uint32_t fadeFrames_ = 960; // constant after prepare
-    std::uint32_t fadePosition_ = 0;
+    std::int32_t fadePosition_ = 0;  // negative: the incoming chain is still warming up, unheard
     std::array<float, fadeChunk> incomingLeft_{};
     std::array<float, fadeChunk> incomingRight_{};
 };

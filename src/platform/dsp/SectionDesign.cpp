@@ -75,7 +75,7 @@ struct GridPoint {
 };
 
 // Weights are the inverse of the error that is wanted at a frequency, as a fraction of the sample
-// rate: at 48 kHz 0.1 dB up to 10 kHz and 0.35 dB up to 20 kHz. Passes are judged in their stop
+// rate: at 48 kHz 0.1 dB up to 10 kHz and 0.25 dB up to 20 kHz. Passes are judged in their stop
 // band, too, down to about -40 dB, and not above 18 kHz.
 constexpr double gridTop = 0.46;
 constexpr int linearPoints = 28;
@@ -84,7 +84,7 @@ constexpr int bandPointsPerSide = 12;
 double shapeWeight(double fraction) {
     if (fraction <= 0.215)
         return 1.0;
-    return fraction <= 0.42 ? 0.28 : 0.05;
+    return fraction <= 0.42 ? 0.4 : 0.05;
 }
 
 double passWeight(double fraction, double logPower) {
@@ -293,6 +293,16 @@ double clampedGainDB(float gainDB) {
     return std::abs(gain) < flatGainDB ? 0.0 : gain;
 }
 
+double clampedFrequencyHz(float frequencyHz, double sampleRate) {
+    return std::clamp<double>(frequencyHz, minimumBandFrequencyHz,
+                              maximumBandFrequencyRatio * sampleRate);
+}
+
+double clampedQuality(float bandwidthOctaves) {
+    return qualityFromBandwidth(
+        std::clamp<double>(bandwidthOctaves, minimumBandwidthOctaves, maximumBandwidthOctaves));
+}
+
 std::optional<StateVariableDesign> designBand(const EqualizerBandSettings &settings,
                                               double sampleRate) {
     if (settings.bypass || std::isnan(settings.frequencyHz) ||
@@ -301,12 +311,8 @@ std::optional<StateVariableDesign> designBand(const EqualizerBandSettings &setti
     const double gainDB = hasGain(settings.filterType) ? clampedGainDB(settings.gainDB) : 0.0;
     if (hasGain(settings.filterType) && gainDB == 0.0)
         return std::nullopt;
-    const double frequency = std::clamp<double>(settings.frequencyHz, minimumBandFrequencyHz,
-                                                maximumBandFrequencyRatio * sampleRate);
-    const double octaves = std::clamp<double>(settings.bandwidthOctaves, minimumBandwidthOctaves,
-                                              maximumBandwidthOctaves);
-    return SectionFit(settings.filterType, gainDB, qualityFromBandwidth(octaves),
-                      frequency / sampleRate)
+    return SectionFit(settings.filterType, gainDB, clampedQuality(settings.bandwidthOctaves),
+                      clampedFrequencyHz(settings.frequencyHz, sampleRate) / sampleRate)
         .run();
 }
 

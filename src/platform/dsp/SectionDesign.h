@@ -22,6 +22,11 @@ inline constexpr double flatGainDB = 0.0005;
 /// `gainDB` within the range above; NaN is 0 dB, and so is what is flat.
 [[nodiscard]] double clampedGainDB(float gainDB);
 
+/// A band's frequency in Hz, and the Q that its bandwidth stands for, within their ranges. Not for
+/// NaN.
+[[nodiscard]] double clampedFrequencyHz(float frequencyHz, double sampleRate);
+[[nodiscard]] double clampedQuality(float bandwidthOctaves);
+
 /// The section for one band at `sampleRate` Hz, or none when the band is flat: bypassed, at 0 dB,
 /// or with a NaN in it. Stable and finite for any settings at 8000 to 384000 Hz.
 ///

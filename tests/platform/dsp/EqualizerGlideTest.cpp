@@ -1,0 +1,217 @@
+#include "platform/dsp/ParametricEqualizer.h"
+#include "platform/dsp/SpectrumMeasurement.h"
+
+#include <gtest/gtest.h>
+#include <span>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using testing::energyOutsideDB;
+using testing::sine;
+
+constexpr std::size_t second = 48000;
+constexpr double rate = 48000.0;
+
+EqualizerBandSettings band(EqualizerFilterType type, float frequency, float octaves, float gainDB,
+                           bool bypass = false) {
+    return {type, frequency, octaves, gainDB, bypass};
+}
+
+/// Half a second before a change, a second and a half after it: long enough for the slowest band to
+/// settle.
+std::vector<float> playThrough(ParametricEqualizer &equalizer, std::vector<float> sound,
+                               const std::function<void()> &change) {
+    constexpr std::uint32_t block = 256;
+    std::vector<float> right = sound;
+    for (std::size_t start = 0; start + block <= sound.size(); start += block) {
+        if (start == 94 * block)
+            change();
+        equalizer.process(sound.data() + start, right.data() + start, block);
+    }
+    return sound;
+}
+
+float largestStep(std::span<const float> sound) {
+    float largest = 0.0F;
+    for (std::size_t i = 1; i < sound.size(); ++i)
+        largest = std::max(largest, std::abs(sound[i] - sound[i - 1]));
+    return largest;
+}
+
+/// The loudest 10 ms, as a level in dB.
+double loudestWindowDB(std::span<const float> sound) {
+    constexpr std::size_t window = 480;
+    double loudest = 0.0;
+    double sum = 0.0;
+    const auto power = [&](std::size_t i) { return std::pow(static_cast<double>(sound[i]), 2); };
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        sum += power(i);
+        if (i >= window)
+            sum -= power(i - window);
+        loudest = std::max(loudest, sum);
+    }
+    return 10.0 * std::log10(loudest / window);
+}
+
+struct Change {
+    std::string name;
+    EqualizerBandSettings before;
+    EqualizerBandSettings after;
+};
+
+class EqualizerChange : public ::testing::TestWithParam<double> {};
+
+TEST_P(EqualizerChange, neitherClicksNorJumpsUp) {
+    using enum EqualizerFilterType;
+    const std::vector<Change> changes{
+        {"gain up", band(parametric, 1000, 1.4F, -12), band(parametric, 1000, 1.4F, 12)},
+        {"gain down", band(parametric, 1000, 1.4F, 12), band(parametric, 1000, 1.4F, -12)},
+        {"narrow gain", band(parametric, 250, 0.36F, -12), band(parametric, 250, 0.36F, 12)},
+        {"from flat", band(parametric, 500, 1.4F, 0), band(parametric, 500, 1.4F, 12)},
+        {"to flat", band(parametric, 500, 1.4F, 12), band(parametric, 500, 1.4F, 0)},
+        {"bypass on", band(lowShelf, 300, 1.9F, 12), band(lowShelf, 300, 1.9F, 12, true)},
+        {"bypass off", band(highShelf, 800, 1.9F, -12, true), band(highShelf, 800, 1.9F, -12)},
+        {"bypass a pass", band(highPass, 2000, 1.4F, 0), band(highPass, 2000, 1.4F, 0, true)},
+        {"engage a pass", band(lowPass, 300, 1.4F, 0, true), band(lowPass, 300, 1.4F, 0)},
+        {"low shelf gain", band(lowShelf, 100, 1.9F, -12), band(lowShelf, 100, 1.9F, 12)},
+        {"frequency far", band(parametric, 100, 1.4F, 12), band(parametric, 8000, 1.4F, 12)},
+        {"cut moves", band(parametric, 1100, 1.4F, -12), band(parametric, 900, 1.4F, -12)},
+        {"frequency near", band(parametric, 950, 1.4F, 12), band(parametric, 1060, 1.4F, 12)},
+        {"narrow moves", band(parametric, 900, 0.36F, 12), band(parametric, 1100, 0.36F, 12)},
+        {"bandwidth", band(parametric, 1000, 0.2F, 12), band(parametric, 1000, 4.0F, 12)},
+        {"bandwidth step", band(parametric, 1000, 0.1F, 12), band(parametric, 1000, 0.14F, 12)},
+        {"narrow resonance", band(parametric, 1000, 0.1F, 12), band(parametric, 1000, 0.1F, -12)},
+        {"narrow from flat", band(parametric, 1000, 0.05F, 0), band(parametric, 1000, 0.05F, 12)},
+        {"narrow pass", band(highPass, 1000, 0.1F, 0), band(highPass, 1000, 0.14F, 0)},
+        {"bell to shelf", band(parametric, 500, 1.4F, 12), band(lowShelf, 500, 1.4F, 12)},
+        {"shelf to shelf", band(lowShelf, 1000, 1.9F, 12), band(highShelf, 1000, 1.9F, -12)},
+        {"pass to pass", band(lowPass, 1000, 1.4F, 0), band(highPass, 1000, 1.4F, 0)},
+        {"pass sweeps", band(lowPass, 200, 1.4F, 0), band(lowPass, 12000, 1.4F, 0)},
+        {"ringing pass", band(lowPass, 900, 0.36F, 0), band(highPass, 1100, 0.36F, 0)},
+    };
+    const double frequency = GetParam();
+    for (const Change &change : changes) {
+        ParametricEqualizer equalizer(1);
+        equalizer.setBand(0, change.before);
+        equalizer.prepare(rate);
+        const std::vector<float> sound = playThrough(equalizer, sine(frequency, 0.25, 2 * second),
+                                                     [&] { equalizer.setBand(0, change.after); });
+        const std::span<const float> all(sound);
+        const auto before = all.subspan(18000, 6000);
+        const auto during = all.subspan(24000, 48000);
+        const auto after = all.subspan(84000, 11000);
+        EXPECT_LE(largestStep(during), 1.5F * std::max(largestStep(before), largestStep(after)))
+            << change.name;
+        EXPECT_LE(loudestWindowDB(during),
+                  0.5 + std::max(loudestWindowDB(before), loudestWindowDB(after)))
+            << change.name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sines, EqualizerChange,
+                         ::testing::Values(60.0, 100.0, 250.0, 500.0, 1000.0, 3150.0, 10000.0));
+
+// Two bands that swap boost for cut, and a whole preset: the way must not lead over the sum of both
+// boosts.
+TEST(EqualizerGlide, manyBandsAtOnceStayBetweenBothEnds) {
+    ParametricEqualizer equalizer(10);
+    const auto apply = [&](float sign, float shift) {
+        for (std::size_t i = 0; i < 10; ++i)
+            equalizer.setBand(i, band(EqualizerFilterType::parametric,
+                                      (800.0F + 50.0F * static_cast<float>(i)) * shift, 1.4F,
+                                      i % 2 == 0 ? sign : -sign));
+    };
+    for (const float shift : {1.0F, 1.7F}) { // gliding, fading
+        apply(12.0F, 1.0F);
+        equalizer.prepare(rate);
+        const std::vector<float> sound =
+            playThrough(equalizer, sine(1000.0, 0.05, 2 * second), [&] { apply(-12.0F, shift); });
+        const std::span<const float> all(sound);
+        const double ends = std::max(loudestWindowDB(all.subspan(18000, 6000)),
+                                     loudestWindowDB(all.subspan(84000, 11000)));
+        EXPECT_LE(loudestWindowDB(all.subspan(24000, 48000)), ends + 0.5) << "shift " << shift;
+    }
+}
+
+/// A band driven from -12 to +12 dB in one second on a 1 kHz sine at -12 dBFS; the setting is
+/// renewed every `updateFrames`, at the first block that begins then or later. Half a second of
+/// rest on both sides.
+double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t updateFrames,
+                       std::size_t block) {
+    ParametricEqualizer equalizer(1);
+    const auto set = [&](double gainDB) {
+        equalizer.setBand(0, band(type, frequency, 1.39F, static_cast<float>(gainDB)));
+    };
+    set(-12.0);
+    equalizer.prepare(rate);
+    std::vector<float> left = sine(1000.0, std::pow(10.0, -12.0 / 20.0), 2 * second);
+    std::vector<float> right = left;
+    std::size_t nextUpdate = second / 2;
+    for (std::size_t start = 0; start < left.size(); start += block) {
+        if (start >= nextUpdate) {
+            const double elapsed =
+                static_cast<double>((start - second / 2) / updateFrames * updateFrames);
+            set(std::min(-12.0 + 24.0 * elapsed / second, 12.0));
+            nextUpdate += updateFrames;
+        }
+        const std::size_t frames = std::min(block, left.size() - start);
+        equalizer.process(left.data() + start, right.data() + start,
+                          static_cast<std::uint32_t>(frames));
+    }
+    // The sweep alone, so that the loud end does not hide anything.
+    return energyOutsideDB(std::span(left).subspan(second / 2, second), 900.0, 1100.0, rate);
+}
+
+TEST(EqualizerGlide, sweepsWithoutZipperNoise) {
+    using enum EqualizerFilterType;
+    for (const std::size_t update : {480U, 512U})
+        for (const std::size_t block : {64U, 441U, 512U})
+            for (const auto &[type, frequency] :
+                 {std::pair{parametric, 1000.0F}, {parametric, 700.0F}, {lowShelf, 1500.0F}}) {
+                const double spurious = sweepSpuriousDB(type, frequency, update, block);
+                RecordProperty("spurious_" + std::to_string(update) + "_" + std::to_string(block) +
+                                   "_" + std::to_string(static_cast<int>(frequency)),
+                               std::to_string(spurious));
+                EXPECT_LT(spurious, -80.0)
+                    << "update " << update << ", block " << block << ", " << frequency << " Hz";
+            }
+}
+
+// Two threads for real: whatever the interleaving, what is rendered comes from whole designs.
+TEST(EqualizerGlide, isSetFromAnotherThreadWhileRendering) {
+    ParametricEqualizer equalizer(4);
+    equalizer.prepare(rate);
+    std::atomic<bool> done = false;
+    std::thread setter([&] {
+        for (int i = 0; i < 3000; ++i) {
+            equalizer.setBand(
+                static_cast<std::size_t>(i % 4),
+                band(i % 7 == 0 ? EqualizerFilterType::highPass : EqualizerFilterType::parametric,
+                     100.0F + static_cast<float>(i), 1.0F, static_cast<float>(i % 13 - 6)));
+            equalizer.setGlobalGainDB(static_cast<float>(-(i % 5)));
+        }
+        done = true;
+    });
+    float largest = 0.0F;
+    while (!done) {
+        std::vector<float> left = sine(1000.0, 0.25, 256);
+        std::vector<float> right = left;
+        equalizer.process(left.data(), right.data(), 256);
+        for (const float sample : left)
+            largest = std::max(largest, std::abs(sample));
+    }
+    setter.join();
+    EXPECT_LT(largest, 8.0F); // four bands of +6 dB on a quarter are 4
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,372 @@
+#include "platform/dsp/ParametricEqualizer.h"
+
+#include "platform/dsp/Denormals.h"
+#include "platform/dsp/SectionDesign.h"
+#include "platform/dsp/SpectrumMeasurement.h"
+#include "support/RealtimeGuard.h"
+
+#include <gtest/gtest.h>
+#include <span>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using testing::powerSpectrum;
+using testing::RealtimeGuard;
+using testing::RealtimeViolations;
+using testing::sine;
+
+constexpr double rate = 48000.0;
+constexpr std::array<float, 10> defaultFrequencies{31.5F,   63.0F,   125.0F,  250.0F,  500.0F,
+                                                   1000.0F, 2000.0F, 4000.0F, 8000.0F, 16000.0F};
+
+float octavesOf(double q) {
+    return static_cast<float>(2.0 / std::log(2.0) * std::asinh(1.0 / (2.0 * q)));
+}
+
+EqualizerBandSettings band(EqualizerFilterType type, float frequency, double q, float gainDB) {
+    return {type, frequency, octavesOf(q), gainDB, false};
+}
+
+std::vector<float> noise(std::size_t frames, unsigned seed = 7) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> uniform(-0.5F, 0.5F);
+    std::vector<float> result(frames);
+    std::generate(result.begin(), result.end(), [&] { return uniform(random); });
+    return result;
+}
+
+/// Plays `sound` on the left and its negative on the right, in blocks of `block` frames; gives back
+/// the left and expects the right to be its negative still, to the bit.
+std::vector<float> play(ParametricEqualizer &equalizer, std::vector<float> sound,
+                        std::size_t block = 512) {
+    std::vector<float> right(sound.size());
+    std::transform(sound.begin(), sound.end(), right.begin(), std::negate<>());
+    for (std::size_t start = 0; start < sound.size(); start += block) {
+        const auto frames = static_cast<std::uint32_t>(std::min(block, sound.size() - start));
+        equalizer.process(sound.data() + start, right.data() + start, frames);
+    }
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        if (right[i] != -sound[i]) {
+            ADD_FAILURE() << "the channels differ at frame " << i;
+            break;
+        }
+    return sound;
+}
+
+/// The analog filters as the audio EQ cookbook prints them, with complex numbers.
+double prototypeDB(EqualizerFilterType type, double frequency, double f0, double q, double gainDB) {
+    const std::complex<double> s(0.0, frequency / f0);
+    const double a = std::pow(10.0, gainDB / 40.0);
+    const double r = std::sqrt(a) / q;
+    std::complex<double> h;
+    switch (type) {
+    case EqualizerFilterType::parametric:
+        h = (s * s + s * (a / q) + 1.0) / (s * s + s / (a * q) + 1.0);
+        break;
+    case EqualizerFilterType::lowShelf:
+        h = a * (s * s + r * s + a) / (a * s * s + r * s + 1.0);
+        break;
+    case EqualizerFilterType::highShelf:
+        h = a * (a * s * s + r * s + 1.0) / (s * s + r * s + a);
+        break;
+    case EqualizerFilterType::lowPass:
+        h = 1.0 / (s * s + s / q + 1.0);
+        break;
+    case EqualizerFilterType::highPass:
+        h = s * s / (s * s + s / q + 1.0);
+        break;
+    }
+    return 20.0 * std::log10(std::abs(h));
+}
+
+/// The level per bin of 48000/65536 Hz of one band's impulse response.
+std::vector<double> measuredLevels(const EqualizerBandSettings &settings) {
+    ParametricEqualizer equalizer(1);
+    equalizer.prepare(rate);
+    equalizer.setBand(0, settings);
+    std::vector<float> impulse(65536);
+    impulse[0] = 1.0F;
+    const std::vector<float> response = play(equalizer, impulse);
+    std::vector<double> levels =
+        powerSpectrum(std::vector<double>(response.begin(), response.end()));
+    for (double &level : levels)
+        level = 10.0 * std::log10(level);
+    return levels;
+}
+
+struct LargestErrors {
+    double below10k = 0.0;
+    double below20k = 0.0;
+    double whereLoud = 0.0; ///< up to 18 kHz, where the prototype is above -40 dB
+};
+
+LargestErrors errorsOf(EqualizerFilterType type, float f0, double q, float gainDB) {
+    const std::vector<double> levels = measuredLevels(band(type, f0, q, gainDB));
+    LargestErrors result;
+    for (std::size_t bin = 7; bin < levels.size(); ++bin) {
+        const double frequency = static_cast<double>(bin) * rate / 65536.0;
+        const double expected = prototypeDB(type, frequency, f0, q, gainDB);
+        const double error = std::abs(levels[bin] - expected);
+        if (frequency <= 10000.0)
+            result.below10k = std::max(result.below10k, error);
+        if (frequency <= 20000.0)
+            result.below20k = std::max(result.below20k, error);
+        if (frequency <= 18000.0 && expected > -40.0)
+            result.whereLoud = std::max(result.whereLoud, error);
+    }
+    return result;
+}
+
+class EqualizerAccuracy : public ::testing::TestWithParam<EqualizerFilterType> {};
+
+TEST_P(EqualizerAccuracy, followsTheAnalogPrototype) {
+    const EqualizerFilterType type = GetParam();
+    LargestErrors worst;
+    for (const float f0 : defaultFrequencies)
+        for (const double q : {0.5, 1.0, 2.0, 4.0})
+            for (const float gainDB : {-12.0F, -6.0F, -3.0F, 3.0F, 6.0F, 12.0F}) {
+                const LargestErrors errors = errorsOf(type, f0, q, gainDB);
+                worst.below10k = std::max(worst.below10k, errors.below10k);
+                worst.below20k = std::max(worst.below20k, errors.below20k);
+                worst.whereLoud = std::max(worst.whereLoud, errors.whereLoud);
+                const auto where = ::testing::Message()
+                                   << f0 << " Hz, Q " << q << ", " << gainDB << " dB";
+                if (hasGain(type)) {
+                    EXPECT_LE(errors.below10k, 0.1) << where;
+                    EXPECT_LE(errors.below20k, 0.5) << where;
+                } else {
+                    EXPECT_LE(errors.whereLoud, 0.5) << where;
+                    break; // passes have no gain
+                }
+            }
+    if (hasGain(type)) {
+        RecordProperty("worstBelow10kHz_dB", std::to_string(worst.below10k));
+        RecordProperty("worstBelow20kHz_dB", std::to_string(worst.below20k));
+    } else {
+        RecordProperty("worst_dB", std::to_string(worst.whereLoud));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllTypes, EqualizerAccuracy,
+                         ::testing::Values(EqualizerFilterType::parametric,
+                                           EqualizerFilterType::lowShelf,
+                                           EqualizerFilterType::highShelf,
+                                           EqualizerFilterType::lowPass,
+                                           EqualizerFilterType::highPass));
+
+TEST(ParametricEqualizer, isBitExactWhenFlat) {
+    ParametricEqualizer equalizer(10);
+    equalizer.prepare(rate);
+    for (std::size_t i = 0; i < 10; ++i)
+        equalizer.setBand(i,
+                          band(EqualizerFilterType::parametric, defaultFrequencies[i], 1.0, 0.0F));
+    equalizer.setBand(3, {EqualizerFilterType::lowPass, 500.0F, 1.0F, 0.0F, true});
+    const std::vector<float> sound = noise(20000);
+    EXPECT_EQ(play(equalizer, sound), sound);
+
+    // Again after having been something else: as soon as the glide (or the fade) has ended.
+    equalizer.setBand(0, band(EqualizerFilterType::lowShelf, 100.0F, 1.0, 12.0F));
+    equalizer.setBand(3, {EqualizerFilterType::lowPass, 500.0F, 1.0F, 0.0F, false});
+    equalizer.setGlobalGainDB(-6.0F);
+    EXPECT_NE(play(equalizer, sound), sound);
+    equalizer.setBand(0, band(EqualizerFilterType::lowShelf, 100.0F, 1.0, 0.0F));
+    equalizer.setBand(3, {EqualizerFilterType::lowPass, 500.0F, 1.0F, 0.0F, true});
+    equalizer.setGlobalGainDB(0.0F);
+    const auto glideFrames = 2500; // a warm-up of 30 ms and a fade of 20 ms
+    play(equalizer, noise(glideFrames));
+    EXPECT_EQ(play(equalizer, sound), sound);
+}
+
+TEST(ParametricEqualizer, appliesEarlySettingsFromTheFirstFrame) {
+    const std::vector<float> sound = noise(4000);
+    const auto settings = band(EqualizerFilterType::highShelf, 300.0F, 0.7, 9.0F);
+    ParametricEqualizer before(1);
+    before.setBand(0, settings);
+    before.setGlobalGainDB(-3.0F);
+    before.prepare(rate);
+    ParametricEqualizer after(1);
+    after.prepare(rate);
+    after.setBand(0, settings);
+    after.setGlobalGainDB(-3.0F);
+    const std::vector<float> expected = play(before, sound);
+    EXPECT_EQ(play(after, sound), expected);
+    // The first sample of a high shelf's response is near its top gain: 9 - 3 dB.
+    EXPECT_NEAR(expected[0] / sound[0], std::pow(10.0, 6.0 / 20.0), 0.3);
+
+    // A reset in the middle of a change: silence inside, the new settings in force at once.
+    after.setBand(0, band(EqualizerFilterType::lowPass, 200.0F, 0.7, 0.0F));
+    play(after, noise(100));
+    after.reset();
+    ParametricEqualizer fresh(1);
+    fresh.prepare(rate);
+    fresh.setBand(0, band(EqualizerFilterType::lowPass, 200.0F, 0.7, 0.0F));
+    fresh.setGlobalGainDB(-3.0F);
+    EXPECT_EQ(play(after, sound), play(fresh, sound));
+}
+
+TEST(ParametricEqualizer, soundsTheSameInBlocksOfAnyLength) {
+    const std::vector<float> sound = noise(12000);
+    const auto playInBlocksOf = [&](std::size_t block) {
+        ParametricEqualizer equalizer(10);
+        equalizer.prepare(rate);
+        for (std::size_t i = 0; i < 9; ++i)
+            equalizer.setBand(i, band(EqualizerFilterType::parametric, defaultFrequencies[i], 1.0,
+                                      i % 2 == 0 ? 5.0F : -4.0F));
+        std::vector<float> result = play(equalizer, {sound.begin(), sound.begin() + 3000}, block);
+        const auto go = [&](std::ptrdiff_t from, std::ptrdiff_t to) {
+            const auto part = play(equalizer, {sound.begin() + from, sound.begin() + to}, block);
+            result.insert(result.end(), part.begin(), part.end());
+        };
+        equalizer.setBand(4, band(EqualizerFilterType::parametric, 500.0F, 1.0, -9.0F)); // glides
+        go(3000, 3400);
+        equalizer.setBand(9, band(EqualizerFilterType::highPass, 60.0F, 1.0, 0.0F)); // fades
+        go(3400, 4000);
+        equalizer.setBand(5, band(EqualizerFilterType::parametric, 1000.0F, 1.0, 0.0F)); // waits
+        equalizer.setGlobalGainDB(-5.0F);
+        go(4000, 12000);
+        return result;
+    };
+    const std::vector<float> whole = playInBlocksOf(12000);
+    for (const std::size_t block : {1U, 7U, 64U, 100U, 512U, 4096U})
+        EXPECT_EQ(playInBlocksOf(block), whole) << "blocks of " << block;
+}
+
+/// A cascade in double precision, from the same designs.
+std::vector<double> playInDouble(std::span<const EqualizerBandSettings> bands,
+                                 std::span<const float> sound) {
+    std::vector<double> result(sound.begin(), sound.end());
+    for (const auto &settings : bands) {
+        const StateVariableDesign d = *designBand(settings, rate);
+        const double a = 1.0 / (1.0 + d.cutoff * (d.cutoff + d.damping));
+        double first = 0.0;
+        double second = 0.0;
+        for (double &sample : result) {
+            const double highpass = a * (sample - (d.cutoff + d.damping) * first - second);
+            const double bandpass = first + d.cutoff * highpass;
+            const double lowpass = second + d.cutoff * bandpass;
+            first = bandpass + d.cutoff * highpass;
+            second = lowpass + d.cutoff * bandpass;
+            sample = d.high * highpass + d.band * bandpass + d.low * lowpass;
+        }
+    }
+    return result;
+}
+
+double errorDB(const std::vector<float> &sound, const std::vector<double> &reference) {
+    double error = 0.0;
+    double level = 0.0;
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        error += std::pow(static_cast<double>(sound[i]) - reference[i], 2);
+        level += reference[i] * reference[i];
+    }
+    return 10.0 * std::log10(error / level);
+}
+
+TEST(ParametricEqualizer, keepsRoundingErrorsLowWithTenLowBands) {
+    for (const float gain : {6.0F, -6.0F}) {
+        std::vector<EqualizerBandSettings> bands;
+        ParametricEqualizer equalizer(10);
+        equalizer.prepare(rate);
+        for (std::size_t i = 0; i < 10; ++i) {
+            const auto frequency = 20.0F + 5.0F * static_cast<float>(i);
+            bands.push_back(
+                band(EqualizerFilterType::parametric, frequency, 1.0, i % 2 == 0 ? gain : -gain));
+            equalizer.setBand(i, bands.back());
+        }
+        const std::vector<float> white = noise(96000);
+        const std::vector<float> low = sine(50.0, 0.5, 96000);
+        const double whiteError = errorDB(play(equalizer, white), playInDouble(bands, white));
+        equalizer.reset();
+        const double lowError = errorDB(play(equalizer, low), playInDouble(bands, low));
+        RecordProperty("noiseError_dB", std::to_string(whiteError));
+        RecordProperty("lowSineError_dB", std::to_string(lowError));
+        EXPECT_LT(whiteError, -115.0);
+        EXPECT_LT(lowError, -110.0);
+    }
+}
+
+TEST(ParametricEqualizer, putsOutFiniteSamplesWhateverItIsSetTo) {
+    std::mt19937 random(99);
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    const std::array<float, 12> values{
+        -infinity, -1e9F, -30.0F, 0.0F, 0.3F,     12.0F,
+        96.0F,     3e3F,  2e4F,   1e9F, infinity, std::numeric_limits<float>::quiet_NaN()};
+    constexpr std::array<EqualizerFilterType, 5> types{
+        EqualizerFilterType::parametric, EqualizerFilterType::lowPass,
+        EqualizerFilterType::highPass, EqualizerFilterType::lowShelf,
+        EqualizerFilterType::highShelf};
+    const auto any = [&] { return values[random() % values.size()]; };
+    for (const double sampleRate : {8000.0, 48000.0, 384000.0}) {
+        ParametricEqualizer equalizer(10);
+        equalizer.prepare(sampleRate);
+        for (int round = 0; round < 300; ++round) {
+            for (std::size_t i = 0; i < 10; ++i)
+                equalizer.setBand(
+                    i, {types[random() % types.size()], any(), any(), any(), random() % 4 == 0});
+            equalizer.setGlobalGainDB(any());
+            const std::vector<float> sound = play(equalizer, noise(700, round), 64);
+            ASSERT_TRUE(std::all_of(sound.begin(), sound.end(),
+                                    [](float sample) { return std::isfinite(sample); }))
+                << "round " << round << " at " << sampleRate << " Hz";
+        }
+    }
+}
+
+TEST(ParametricEqualizer, recoversFromNonFiniteInput) {
+    ParametricEqualizer equalizer(2);
+    equalizer.setBand(0, band(EqualizerFilterType::lowShelf, 100.0F, 1.0, 6.0F));
+    equalizer.setBand(1, band(EqualizerFilterType::parametric, 1000.0F, 1.0, 6.0F));
+    equalizer.prepare(rate);
+    std::vector<float> bad = noise(512);
+    bad[100] = std::numeric_limits<float>::infinity();
+    std::vector<float> other = noise(512);
+    equalizer.process(bad.data(), other.data(), 512);
+    std::vector<float> left = noise(512);
+    equalizer.process(left.data(), other.data(), 512);
+    EXPECT_TRUE(std::all_of(left.begin(), left.end(), [](float x) { return std::isfinite(x); }));
+}
+
+TEST(ParametricEqualizer, allocatesAndLocksNothingWhileRendering) {
+    ParametricEqualizer equalizer(10);
+    equalizer.prepare(rate);
+    std::vector<float> left = noise(4096);
+    std::vector<float> right = noise(4096);
+    RealtimeViolations total;
+    const auto render = [&] {
+        for (const std::uint32_t frames : {1U, 7U, 64U, 512U, 4096U}) {
+            const RealtimeGuard guard;
+            equalizer.process(left.data(), right.data(), frames);
+            const RealtimeViolations found = guard.violations();
+            total.allocations += found.allocations;
+            total.frees += found.frees;
+            total.foreignLocks += found.foreignLocks;
+        }
+    };
+    render();
+    equalizer.setBand(2, band(EqualizerFilterType::parametric, 1000.0F, 1.0, 6.0F)); // glide
+    render();
+    equalizer.setBand(2, band(EqualizerFilterType::highPass, 100.0F, 1.0, 6.0F)); // fade
+    render();
+    EXPECT_EQ(total, RealtimeViolations{});
+}
+
+TEST(DenormalsFlushed, lastsAsLongAsTheObject) {
+    volatile float smallest = std::numeric_limits<float>::min();
+    {
+        const DenormalsFlushed flushed;
+        EXPECT_EQ(smallest * 0.5F, 0.0F);
+    }
+    EXPECT_NE(smallest * 0.5F, 0.0F);
+}
+
+} // namespace
+} // namespace quorbel

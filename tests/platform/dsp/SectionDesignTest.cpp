@@ -1,0 +1,112 @@
+#include "platform/dsp/SectionDesign.h"
+
+#include "platform/dsp/StateVariableSection.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <numbers>
+#include <random>
+
+namespace quorbel {
+namespace {
+
+TEST(SectionDesign, isStableAndFiniteForAnySettings) {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    constexpr float values[] = {-infinity, -1e9F,  -1.0F, 0.0F,     1e-30F, 0.01F,   1.0F,
+                                20.0F,     400.0F, 5e3F,  23900.0F, 1e9F,   infinity};
+    for (const double sampleRate : {8000.0, 44100.0, 48000.0, 384000.0})
+        for (const auto type : {EqualizerFilterType::parametric, EqualizerFilterType::lowPass,
+                                EqualizerFilterType::highPass, EqualizerFilterType::lowShelf,
+                                EqualizerFilterType::highShelf})
+            for (const float frequency : values)
+                for (const float octaves : values)
+                    for (const float gain : {-infinity, -96.0F, -3.0F, 0.5F, 24.0F, 1e9F}) {
+                        const auto design =
+                            designBand({type, frequency, octaves, gain, false}, sampleRate);
+                        ASSERT_TRUE(design);
+                        // Both are what stability means for this form.
+                        EXPECT_GT(design->cutoff, 0.0);
+                        EXPECT_GT(design->damping, 0.0);
+                        const SectionCoefficients section(*design);
+                        for (const float value : {section.cutoff, section.feedback, section.scale,
+                                                  section.direct, section.first, section.second}) {
+                            EXPECT_TRUE(std::isfinite(value))
+                                << frequency << " Hz, " << octaves << " octaves, " << gain << " dB";
+                            EXPECT_LT(std::abs(value), 1e6F)
+                                << static_cast<int>(type) << " at " << frequency << " Hz, "
+                                << octaves << " octaves, " << gain << " dB, rate " << sampleRate;
+                        }
+                    }
+}
+
+TEST(SectionDesign, flatBandsNeedNoSection) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const EqualizerBandSettings boost{EqualizerFilterType::parametric, 1000.0F, 1.0F, 6.0F, false};
+    EXPECT_TRUE(designBand(boost, 48000.0));
+    auto with = [&](auto change) {
+        EqualizerBandSettings settings = boost;
+        change(settings);
+        return designBand(settings, 48000.0).has_value();
+    };
+    EXPECT_FALSE(with([](auto &s) { s.bypass = true; }));
+    EXPECT_FALSE(with([](auto &s) { s.gainDB = 0.0F; }));
+    EXPECT_FALSE(with([](auto &s) { s.gainDB = -1.5e-8F; }));
+    EXPECT_FALSE(with([&](auto &s) { s.gainDB = nan; }));
+    EXPECT_FALSE(with([&](auto &s) { s.frequencyHz = nan; }));
+    EXPECT_FALSE(with([&](auto &s) { s.bandwidthOctaves = nan; }));
+    EXPECT_TRUE(with([](auto &s) { s.gainDB = 0.1F; }));
+    EXPECT_TRUE(with([&](auto &s) {
+        s.filterType = EqualizerFilterType::highPass; // has no gain
+        s.gainDB = nan;
+    }));
+}
+
+// Neighbouring settings must give neighbouring filters, or a slider would rattle: the fit must not
+// fall into another minimum from one step to the next.
+TEST(SectionDesign, movesSmoothlyWithItsSettings) {
+    for (const auto type : {EqualizerFilterType::parametric, EqualizerFilterType::highShelf,
+                            EqualizerFilterType::lowPass, EqualizerFilterType::highPass})
+        for (const float octaves : {0.36F, 1.39F, 2.5F}) {
+            double previous[3] = {};
+            for (float frequency = 100.0F; frequency < 20000.0F; frequency *= 1.01F) {
+                const auto design = designBand({type, frequency, octaves, 9.0F, false}, 48000.0);
+                for (int i = 0; i < 3; ++i) {
+                    const double probe[] = {1000.0, 5000.0, 15000.0};
+                    const double level = 10.0 * std::log10(design->power(probe[i] / 48000.0));
+                    // 1 % in frequency moves even the steepest of these slopes by less than 0.6 dB.
+                    if (previous[i] != 0.0 && level > -40.0) {
+                        EXPECT_LT(std::abs(level - previous[i]), 0.7)
+                            << static_cast<int>(type) << " at " << frequency << " Hz";
+                    }
+                    previous[i] = level;
+                }
+            }
+        }
+}
+
+TEST(StateVariableSection, isAnyStableBiquad) {
+    std::mt19937 random(20240607);
+    std::uniform_real_distribution<double> uniform(-1.0, 1.0);
+    for (int i = 0; i < 1000; ++i) {
+        const double a2 = 0.999 * uniform(random);
+        const double a1 = 0.999 * (1.0 + a2) * uniform(random);
+        const double b0 = uniform(random);
+        const double b1 = uniform(random);
+        const double b2 = uniform(random);
+        const auto design = StateVariableDesign::fromBiquad(b0, b1, b2, a1, a2);
+        for (const double frequency : {0.0, 0.01, 0.1, 0.3, 0.49}) {
+            const auto z1 = std::polar(1.0, -2.0 * std::numbers::pi * frequency);
+            const double expected =
+                std::norm((b0 + z1 * (b1 + z1 * b2)) / (1.0 + z1 * (a1 + z1 * a2)));
+            EXPECT_NEAR(design.power(frequency), expected, 1e-9 * std::max(expected, 1.0))
+                << "biquad " << i << " at " << frequency;
+        }
+    }
+}
+
+} // namespace
+} // namespace quorbel
