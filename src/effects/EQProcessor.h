@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/graph/ParametricEqualizerNode.h"
+#include "settings/records/EQBand.h"
+
+#include <QObject>
+
+#include <vector>
+
+namespace quorbel {
+
+/// The parametric equaliser of the chain: the band list as the model, and the node that it is
+/// copied onto. Observers hear of every assignment, also of an equal value. [main]
+class EQProcessor final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// The node gets as many bands as the list has and keeps that number for its life.
+    explicit EQProcessor(std::vector<EQBand> bands);
+
+    [[nodiscard]] const std::vector<EQBand> &bands() const { return bands_; }
+    /// Bands beyond the node's are kept in the model only; node bands beyond the list stay as they
+    /// are.
+    void setBands(std::vector<EQBand> bands);
+
+    [[nodiscard]] float globalGainDB() const { return globalGainDB_; }
+    void setGlobalGainDB(float gainDB);
+
+    /// The chain's stage.
+    [[nodiscard]] ParametricEqualizerNode &eq() { return eq_; }
+
+  Q_SIGNALS:
+    void bandsChanged();
+    void globalGainDBChanged();
+
+  private:
+    void sync();
+
+    std::vector<EQBand> bands_;
+    float globalGainDB_ = 0.0F;
+    ParametricEqualizerNode eq_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,39 @@
+#include "effects/EffectComponents.h"
+
+#include <array>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::uint32_t componentVersion = 1;
+
+constexpr std::array components{
+    EffectComponent{msWidenerDescription, "MSWidener", nullptr},
+    EffectComponent{spatializerDescription, "Spatializer", nullptr},
+    EffectComponent{bassEnhancerDescription, "BassEnhancer", nullptr},
+    EffectComponent{voiceEnhancerDescription, "VoiceEnhancer", nullptr},
+    EffectComponent{saturationDescription, "Saturation", nullptr},
+    EffectComponent{limiterDescription, "Limiter", nullptr},
+    EffectComponent{crossfeedDescription, "Crossfeed", nullptr},
+    EffectComponent{autoGainDescription, "AutoGain", nullptr},
+};
+
+} // namespace
+
+std::span<const EffectComponent> effectComponents() { return components; }
+
+void registerEffectUnits(AudioUnitRegistry &registry, const SerialQueueFactory &analysisQueues) {
+    for (const EffectComponent &component : components) {
+        if (component.make == nullptr)
+            continue;
+        registry.registerSubclass(
+            [make = component.make, analysisQueues](const ComponentDescription &description,
+                                                    InstantiationOptions options) {
+                return make(description, options, analysisQueues);
+            },
+            component.description, component.name, componentVersion);
+    }
+}
+
+} // namespace quorbel

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/threads/SerialQueue.h"
+#include "platform/units/AudioUnitRegistry.h"
+#include "platform/units/ComponentDescription.h"
+
+#include <span>
+
+#include <memory>
+
+namespace quorbel {
+
+/// The description of an effect of this program.
+consteval ComponentDescription effectDescription(const char (&subtype)[5]) {
+    return {fourCharCode("aufx"), fourCharCode(subtype), fourCharCode("Qrbl"), 0, 0};
+}
+
+inline constexpr ComponentDescription msWidenerDescription = effectDescription("mswd");
+inline constexpr ComponentDescription spatializerDescription = effectDescription("xtcs");
+inline constexpr ComponentDescription bassEnhancerDescription = effectDescription("bass");
+inline constexpr ComponentDescription voiceEnhancerDescription = effectDescription("vclr");
+inline constexpr ComponentDescription saturationDescription = effectDescription("satr");
+inline constexpr ComponentDescription limiterDescription = effectDescription("limt");
+inline constexpr ComponentDescription crossfeedDescription = effectDescription("xfed");
+inline constexpr ComponentDescription autoGainDescription = effectDescription("agc`"); // sic
+
+/// One kind of effect unit.
+struct EffectComponent {
+    ComponentDescription description;
+    const char *name;
+
+    /// `analysisQueues` makes the serial queue of a unit that analyses in the background. Null:
+    /// this program has no such unit; it is not registered, and the chain goes without it.
+    std::unique_ptr<AudioUnit> (*make)(const ComponentDescription &description,
+                                       InstantiationOptions options,
+                                       const SerialQueueFactory &analysisQueues);
+};
+
+/// All of them, in the order of registration.
+[[nodiscard]] std::span<const EffectComponent> effectComponents();
+
+/// Registers every effect unit there is, version 1.
+void registerEffectUnits(AudioUnitRegistry &registry, const SerialQueueFactory &analysisQueues);
+
+} // namespace quorbel

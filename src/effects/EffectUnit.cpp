@@ -1,0 +1,61 @@
+#include "effects/EffectUnit.h"
+
+#include "platform/units/UnitStatus.h"
+
+#include <new>
+
+namespace quorbel {
+
+namespace {
+
+constexpr StreamFormat standardFormat{48000.0, 2};
+
+} // namespace
+
+EffectUnit::EffectUnit(const ComponentDescription &description, InstantiationOptions options,
+                       std::span<const EffectParameter> table)
+    : AudioUnit(description, options), inputBus_(standardFormat), outputBus_(standardFormat),
+      inputBusses_(AudioUnitBusArray::Type::input, {&inputBus_}),
+      outputBusses_(AudioUnitBusArray::Type::output, {&outputBus_}) {
+    std::vector<std::shared_ptr<Parameter>> parameters;
+    for (const EffectParameter &row : table) {
+        cells_.push_back(std::make_shared<AudioParameter>(row.defaultValue));
+        parameters.push_back(
+            std::make_shared<Parameter>(ParameterDescription{.identifier = row.identifier,
+                                                             .name = row.name,
+                                                             .address = parameters.size(),
+                                                             .minimum = row.minimum,
+                                                             .maximum = row.maximum,
+                                                             .unit = row.unit}));
+        parameters.back()->setValue(row.defaultValue);
+    }
+
+    auto tree = std::make_shared<ParameterTree>(std::move(parameters));
+    tree->implementorValueObserver = [cells = cells_](const Parameter &parameter, float value) {
+        if (parameter.address() < cells.size())
+            cells[parameter.address()]->setValue(value);
+    };
+    tree->implementorValueProvider = [cells = cells_](const Parameter &parameter) {
+        return parameter.address() < cells.size() ? cells[parameter.address()]->value() : 0.0F;
+    };
+    setParameterTree(std::move(tree));
+}
+
+Status EffectUnit::allocateRenderResources(std::string &error) {
+    if (const Status status = AudioUnit::allocateRenderResources(error); status != statusOK)
+        return status;
+    Status status = statusOK;
+    try {
+        status = prepare(static_cast<float>(outputBus_.format().sampleRate), error);
+    } catch (const std::bad_alloc &) {
+        error = "not enough memory for the unit's buffers";
+        status = statusOutOfMemory;
+    }
+    if (status != statusOK)
+        AudioUnit::deallocateRenderResources();
+    return status;
+}
+
+Status EffectUnit::prepare(float, std::string &) { return statusOK; }
+
+} // namespace quorbel

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "effects/AudioParameter.h"
+#include "platform/units/AudioUnit.h"
+
+#include <span>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+
+/// One row of a unit's parameter table; its address is its place in the table.
+struct EffectParameter {
+    const char *identifier;
+    const char *name;
+    float minimum;
+    float maximum;
+    ParameterUnit unit;
+    float defaultValue;
+};
+
+/// What the effect units of the chain share: one stereo bus on either side, parameters declared by
+/// a table, and one cell per parameter between the tree and the render block. The tree's observer
+/// and provider hold the cells, not the unit, so a tree or a render block may outlive it.
+class EffectUnit : public AudioUnit {
+  public:
+    [[nodiscard]] AudioUnitBusArray &inputBusses() override { return inputBusses_; }
+    [[nodiscard]] AudioUnitBusArray &outputBusses() override { return outputBusses_; }
+
+    /// The base class's allocation, then `prepare` with the output's rate.
+    Status allocateRenderResources(std::string &error) override;
+
+    /// What the unit publishes for display (each unit says what); 0 for units that publish nothing.
+    /// [any]
+    [[nodiscard]] virtual float readout() const noexcept { return 0.0F; }
+
+  protected:
+    /// Throws AudioUnitError. `table` is read during construction only.
+    EffectUnit(const ComponentDescription &description, InstantiationOptions options,
+               std::span<const EffectParameter> table);
+
+    using Cell = std::shared_ptr<AudioParameter>;
+    [[nodiscard]] const Cell &storage(ParameterAddress address) const { return cells_[address]; }
+
+    /// Resets the running state for `sampleRate` (Hz) while nothing renders. Sizes from the rate
+    /// may fail; then `error` says why. Units without state keep this one.
+    virtual Status prepare(float sampleRate, std::string &error);
+
+  private:
+    AudioUnitBus inputBus_;
+    AudioUnitBus outputBus_;
+    AudioUnitBusArray inputBusses_;
+    AudioUnitBusArray outputBusses_;
+    std::vector<Cell> cells_;
+};
+
+/// The render block of an effect unit: pulls bus 0 into the output, then lets `process(output,
+/// frames)` work on it in place. Fails without an input or with the status of a failing pull, and
+/// then processes nothing. `process` must be copyable, noexcept in all it does, and hold the cells
+/// it needs.
+template <typename Process> [[nodiscard]] RenderBlock effectRenderBlock(Process process) {
+    return [process = std::move(process)](RenderActionFlags &, const RenderTime &time,
+                                          std::uint32_t frames, std::int32_t,
+                                          AudioBufferList &output, const RenderEvent *,
+                                          const PullInputBlock &pullInput) -> Status {
+        if (!pullInput)
+            return statusNoConnection;
+        RenderActionFlags pullFlags = 0;
+        if (const Status status = pullInput(pullFlags, time, frames, 0, output); status != statusOK)
+            return status;
+        process(output, frames);
+        return statusOK;
+    };
+}
+
+} // namespace quorbel

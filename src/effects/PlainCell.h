@@ -1,0 +1,20 @@
+#pragma once
+
+#include <atomic>
+
+namespace quorbel {
+
+/// A float that one thread writes and others may read at any time, without a lock: running state
+/// that must be reset from outside, and values published for display.
+class PlainCell {
+  public:
+    explicit PlainCell(float value) : value_(value) {}
+
+    [[nodiscard]] float load() const noexcept { return value_.load(std::memory_order_relaxed); }
+    void store(float value) noexcept { value_.store(value, std::memory_order_relaxed); }
+
+  private:
+    std::atomic<float> value_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/graph/ParametricEqualizerNode.h"
+
+#include <cstddef>
+
+namespace quorbel {
+
+/// The three tone controls: shelf below 100 Hz, peak at 1 kHz, shelf above 5 kHz. [main]
+class ToneEqualizer {
+  public:
+    enum Band : std::size_t { bass, mid, treble, bandCount };
+
+    ToneEqualizer();
+
+    /// In dB; at 0 dB a band costs nothing and changes nothing.
+    void setGainDB(Band band, float gainDB);
+    [[nodiscard]] float gainDB(Band band) const { return node_.band(band).gainDB; }
+
+    /// The chain's stage.
+    [[nodiscard]] ParametricEqualizerNode &node() { return node_; }
+
+  private:
+    ParametricEqualizerNode node_{bandCount};
+};
+
+} // namespace quorbel
