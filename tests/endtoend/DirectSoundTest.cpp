@@ -1,28 +1,37 @@
-#include "support/soundserver/Levels.h"
-#include "support/soundserver/Player.h"
-#include "support/soundserver/PrivateSoundServer.h"
-#include "support/soundserver/Recorder.h"
-#include "support/soundserver/SequenceReport.h"
+#include "endtoend/DelayProbe.h"
+#include "endtoend/LiveTest.h"
 
-#include <gtest/gtest.h>
-
-namespace quorbel::soundserver {
+namespace quorbel {
 namespace {
 
-/// What the server does without us. Everything that the other tests measure is a difference to
-/// this.
-TEST(DirectSound, ASequenceArrivesUntouched) {
-    const PrivateSoundServer server;
-    GraphClient client(server);
-    const Recorder recorder(client, "speakers", 20.0);
-    Sequence sequence;
-    const Player player(client, sequence);
-    player.waitUntilRunning();
-    const Recording recording = recorder.next(5.0);
-    const auto report = SequenceReport::of(recording);
+/// What the server does without us: every other test measures a difference to this.
+class DirectSound : public LiveTest {};
+
+TEST_F(DirectSound, ASequenceArrivesUntouchedOnTheDefaultDeviceAlone) {
+    const Recorder &speakers = record("speakers");
+    const Recorder &hdmi = record("hdmi");
+    playSequence();
+    ASSERT_TRUE(soonHears(speakers, Heard::dry));
+    const auto report = SequenceReport::of(speakers.next(2.0));
     EXPECT_TRUE(report.intact()) << report;
-    std::cout << report << " missed " << recording.missedFrames() << "\n";
+    EXPECT_EQ(heardIn(hdmi.last(1.0)), Heard::silence);
+}
+
+TEST_F(DirectSound, ApplicationsOfBothInterfacesAreHeard) {
+    const Recorder &speakers = record("speakers");
+    for (const char *program : {"pw-play", "paplay"}) {
+        const auto application = playWith(program, 1.0);
+        EXPECT_TRUE(soonHears(speakers, Heard::dry)) << program;
+        EXPECT_EQ(application->exitStatusWithin(5.0), 0) << program;
+    }
+}
+
+TEST_F(DirectSound, TheDelayIsOneCycleAndTheSameForEveryImpulse) {
+    for (const int quantum : {1024, 256, 64}) {
+        server.forceQuantum(quantum);
+        EXPECT_EQ(DelayProbe(client, "speakers", "").delays(20), std::set{std::int64_t{quantum}});
+    }
 }
 
 } // namespace
-} // namespace quorbel::soundserver
+} // namespace quorbel

@@ -11,6 +11,10 @@ namespace quorbel::soundserver {
 /// keeps other components apart that are a few periods of the whole length away.
 double toneLevelDB(std::span<const float> samples, double hz, double sampleRate);
 
+/// Power in dB, relative to the sine of `hz`, of everything in the samples that is not this sine at
+/// one amplitude and phase throughout.
+double residueDB(std::span<const float> samples, double hz, double sampleRate);
+
 /// Amplitude of the largest sample.
 float peak(std::span<const float> samples);
 

@@ -22,6 +22,16 @@ std::string writeSettings(const PrivateSoundServer &server, const LiveSettings &
 
 } // namespace
 
+LiveSettings LiveSettings::flat(double globalGainDB) {
+    LiveSettings settings;
+    for (const double hz :
+         {31.5, 63.0, 125.0, 250.0, 500.0, 1000.0, 2000.0, 4000.0, 8000.0, 16000.0}) {
+        settings.bands.push_back({hz, 0.0, 1.0, "parametric"});
+    }
+    settings.eqGlobalGainDB = globalGainDB;
+    return settings;
+}
+
 std::string LiveSettings::json() const {
     Json file;
     file["bands"] = Json::array();
@@ -44,13 +54,15 @@ std::string LiveSettings::json() const {
 LiveProcess::LiveProcess(const PrivateSoundServer &server, const LiveSettings &settings,
                          std::vector<std::string> arguments)
     : server_(server) {
-    std::vector<std::string> command = {QUORBEL_CLI, "live", "--settings",
+    std::vector<std::string> command = {program(), "live", "--settings",
                                         writeSettings(server, settings)};
     command.insert(command.end(), arguments.begin(), arguments.end());
     startedNanoseconds_ = static_cast<std::uint64_t>(SteadyClock::now().time_since_epoch() /
                                                      std::chrono::nanoseconds(1));
     process_ = server.start(std::move(command));
 }
+
+std::string LiveProcess::program() { return QUORBEL_CLI; }
 
 LiveProcess::~LiveProcess() { process_->stop(3.0, SIGINT); }
 
@@ -109,13 +121,13 @@ double LiveProcess::memoryMiB() const {
 }
 
 std::vector<pid_t> LiveProcess::helpers() const {
-    // Told by the session they belong to and by not being one of its applications.
     std::vector<pid_t> found;
     for (const pid_t pid : server_.otherProcesses()) {
         std::ifstream file("/proc/" + std::to_string(pid) + "/comm");
         std::string name;
         std::getline(file, name);
-        if (pid != process_->pid() && name.starts_with("ostrafine")) {
+        if (pid != process_->pid() &&
+            (name.starts_with("quorbel") || name.starts_with("ostrafine"))) {
             found.push_back(pid);
         }
     }

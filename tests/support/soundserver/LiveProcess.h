@@ -22,6 +22,9 @@ struct LiveSettings {
     std::vector<Band> bands;
     double eqGlobalGainDB = 0.0;
 
+    /// Ten bands that do nothing, and a gain for all.
+    static LiveSettings flat(double globalGainDB = 0.0);
+
     [[nodiscard]] std::string json() const;
 };
 
@@ -38,6 +41,9 @@ class LiveProcess {
     /// Waits until it captures and plays. Throws `ServerError`, with what it said, if it ends or
     /// takes longer than `seconds`.
     void waitUntilRunning(double seconds = 5.0);
+
+    /// The path of the command-line program.
+    [[nodiscard]] static std::string program();
 
     /// When it was started, on the monotonic clock.
     [[nodiscard]] std::uint64_t startedNanoseconds() const { return startedNanoseconds_; }

@@ -4,8 +4,7 @@ namespace quorbel::soundserver {
 
 Player::Player(GraphClient &client, Sound &sound, const Options &options)
     : ClientStream(client, options.name), sound_(sound) {
-    pw_properties *properties =
-        pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Playback", PW_KEY_MEDIA_ROLE, "Music", nullptr);
+    pw_properties *properties = pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Playback", nullptr);
     if (!options.target.empty()) {
         pw_properties_set(properties, PW_KEY_TARGET_OBJECT, options.target.c_str());
     }

@@ -3,6 +3,9 @@
 #include "support/soundserver/ClientStream.h"
 #include "support/soundserver/Sounds.h"
 
+#include <string>
+#include <utility>
+
 namespace quorbel::soundserver {
 
 /// An application that plays, in this process, so that what it plays and when is known to the
@@ -10,9 +13,12 @@ namespace quorbel::soundserver {
 class Player : public ClientStream {
   public:
     struct Options {
-        std::string name = "player";
+        Options(std::string applicationName = "player", std::string device = "", int rate = 48000)
+            : name(std::move(applicationName)), target(std::move(device)), sampleRate(rate) {}
+
+        std::string name;
         std::string target; ///< a device that the application insists on; empty for the default
-        int sampleRate = 48000;
+        int sampleRate;
         bool mayBeMoved = true; ///< false sets node.dont-reconnect
     };
 

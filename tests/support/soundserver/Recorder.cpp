@@ -2,9 +2,29 @@
 
 #include "support/soundserver/Waiting.h"
 
+#include <span>
+
 #include <algorithm>
 
 namespace quorbel::soundserver {
+namespace {
+
+/// What the segments say about the frames from `start` to `end`, counted from `start`.
+std::vector<Recording::Segment> cutSegments(std::span<const Recording::Segment> segments,
+                                            std::size_t start, std::size_t end) {
+    std::vector<Recording::Segment> part;
+    for (const Recording::Segment &segment : segments) {
+        const std::size_t from = std::max(segment.start, start);
+        const std::size_t to = std::min(segment.start + segment.frames, end);
+        if (from < to) {
+            part.push_back({from - start, static_cast<std::uint32_t>(to - from),
+                            segment.position + (from - segment.start), segment.nanoseconds});
+        }
+    }
+    return part;
+}
+
+} // namespace
 
 const Recording::Segment &Recording::segmentOf(std::size_t frame) const {
     const auto after = std::ranges::upper_bound(segments, frame, {}, &Segment::start);
@@ -82,24 +102,34 @@ std::uint32_t Recorder::process(const Cycle &cycle, float *left, float *right,
 }
 
 Recording Recorder::recording(std::size_t start) const {
+    Recording part;
+    const std::size_t end = frames_;
+    start = std::min(start, end);
+    part.left.assign(left_.begin() + static_cast<std::ptrdiff_t>(start),
+                     left_.begin() + static_cast<std::ptrdiff_t>(end));
+    part.right.assign(right_.begin() + static_cast<std::ptrdiff_t>(start),
+                      right_.begin() + static_cast<std::ptrdiff_t>(end));
+    part.segments = cutSegments({segments_.data(), segmentCount_.load()}, start, end);
+    return part;
+}
+
+Recording Recorder::last(double seconds) const {
     const std::size_t frames = frames_;
-    Recording whole;
-    whole.left.assign(left_.begin(), left_.begin() + static_cast<std::ptrdiff_t>(frames));
-    whole.right.assign(right_.begin(), right_.begin() + static_cast<std::ptrdiff_t>(frames));
-    whole.segments.assign(segments_.begin(),
-                          segments_.begin() + static_cast<std::ptrdiff_t>(segmentCount_.load()));
-    return whole.excerpt(start, frames);
+    return recording(frames - std::min(frames, static_cast<std::size_t>(seconds * sampleRate_)));
+}
+
+void Recorder::skip(double seconds) const {
+    const std::size_t end = frames_ + static_cast<std::size_t>(seconds * sampleRate_);
+    if (end > left_.size()) {
+        throw ServerError("the recorder was made for less sound than that");
+    }
+    waitFor("the recorder hears the device", seconds * 1.5 + 5.0, [&] { return frames_ >= end; });
 }
 
 Recording Recorder::next(double seconds) const {
     const std::size_t start = frames_;
-    const auto count = static_cast<std::size_t>(seconds * sampleRate_);
-    if (start + count > left_.size()) {
-        throw ServerError("the recorder was made for less sound than that");
-    }
-    waitFor("the recorder hears the device", seconds * 1.5 + 5.0,
-            [&] { return frames_ >= start + count; });
-    return recording(start).excerpt(0, count);
+    skip(seconds);
+    return recording(start).excerpt(0, static_cast<std::size_t>(seconds * sampleRate_));
 }
 
 } // namespace quorbel::soundserver

@@ -52,8 +52,14 @@ class Recorder : public ClientStream {
     /// The frames since the `start`-th, complete up to the moment of the call.
     [[nodiscard]] Recording recording(std::size_t start = 0) const;
 
-    /// Waits for `seconds` more of sound, counted in recorded frames, and returns just these.
-    /// Throws `ServerError` if they do not arrive, with a margin for a slow machine.
+    /// The last `seconds` of what there is.
+    [[nodiscard]] Recording last(double seconds) const;
+
+    /// Waits for `seconds` more of sound, counted in recorded frames. Throws `ServerError` if they
+    /// do not arrive, with a margin for a slow machine.
+    void skip(double seconds) const;
+
+    /// As `skip`, and returns just these frames.
     [[nodiscard]] Recording next(double seconds) const;
 
   private:

@@ -1,0 +1,166 @@
+// The demo of scripts/run for machines without a sound server: a private one with two virtual
+// devices, a player as any application would be, Ostrafine in between, and what was heard before
+// and after.
+
+#include "demo/ExpectedResponse.h"
+#include "demo/Music.h"
+#include "support/soundserver/LiveProcess.h"
+#include "support/soundserver/PrivateSoundServer.h"
+#include "support/soundserver/Recorder.h"
+#include "support/soundserver/SoundFile.h"
+#include "support/soundserver/Waiting.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cmath>
+#include <csignal>
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+
+namespace quorbel::demo {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace soundserver;
+
+constexpr double beforeSeconds = 5.0;
+constexpr double afterSeconds = 10.0;
+
+// How far an octave may lie from what the settings say, and below which level it says nothing.
+constexpr double toleranceDB = 0.5;
+constexpr double quietDB = -80.0;
+
+/// The processed sound is not what it should be.
+class WrongSound : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+LiveSettings audibleSettings() {
+    return {{{63.0, 6.0, 1.0, "parametric"},
+             {500.0, -8.0, 0.8, "parametric"},
+             {6000.0, 8.0, 0.7, "highShelf"}},
+            -1.0};
+}
+
+/// Plays generated music through pw-play and returns what the device got, from its first sound on.
+Recording playAndRecord(const PrivateSoundServer &server, const Recorder &recorder,
+                        double seconds) {
+    const fs::path music = server.folder() / "music.wav";
+    writeSoundFile(music, composeMusic(seconds));
+    const std::size_t start = recorder.frames();
+    const auto player = server.start({"pw-play", music.string()});
+    waitFor("pw-play ends", seconds + 10.0, [&] { return !player->running(); });
+    if (player->exitStatusWithin(0.0) != 0) {
+        throw ServerError("pw-play failed: " + player->errors());
+    }
+    const Recording heard = recorder.recording(start);
+    std::size_t first = 0;
+    while (first < heard.frames() && heard.left[first] == 0.0F && heard.right[first] == 0.0F) {
+        ++first;
+    }
+    const Recording sound = heard.excerpt(first, static_cast<std::size_t>(seconds * 48000));
+    if (sound.frames() < static_cast<std::size_t>((seconds - 0.5) * 48000)) {
+        throw WrongSound(fmt::format("of {} s of music only {:.2f} s reached the device", seconds,
+                                     static_cast<double>(sound.frames()) / 48000));
+    }
+    return sound;
+}
+
+void printTableAndJudge(const Recording &before, const Recording &after,
+                        const LiveSettings &settings) {
+    for (const auto &[channel, name] :
+         {std::pair{&Recording::left, "left"}, {&Recording::right, "right"}}) {
+        const PowerSpectrum plain = PowerSpectrum::of(before.*channel, 48000);
+        const auto beforeDB = octaveLevelsDB(plain);
+        const auto afterDB = octaveLevelsDB(PowerSpectrum::of(after.*channel, 48000));
+        const auto expectedDB = octaveLevelsDB(expectedSpectrum(plain, settings));
+        fmt::print("\n  {:<7} {:>10} {:>10} {:>10} {:>14}\n", name, "before", "after", "change",
+                   "settings say");
+        std::string wrong;
+        for (std::size_t octave = 0; octave < octaveCentresHz.size(); ++octave) {
+            const double change = afterDB[octave] - beforeDB[octave];
+            const double expected = expectedDB[octave] - beforeDB[octave];
+            fmt::print("  {:>5g} Hz {:>8.1f} dB {:>7.1f} dB {:>+7.1f} dB {:>+11.1f} dB\n",
+                       octaveCentresHz[octave], beforeDB[octave], afterDB[octave], change,
+                       expected);
+            if (wrong.empty() && beforeDB[octave] > quietDB &&
+                !(std::abs(change - expected) <= toleranceDB)) {
+                wrong =
+                    fmt::format("the octave at {:g} Hz changed by {:+.1f} dB on the {} channel, "
+                                "but the settings say {:+.1f} dB",
+                                octaveCentresHz[octave], change, name, expected);
+            }
+        }
+        if (!wrong.empty()) {
+            throw WrongSound(wrong);
+        }
+    }
+}
+
+void runDemo(const fs::path &folder) {
+    fs::create_directories(folder);
+    const LiveSettings settings = audibleSettings();
+    PrivateSoundServer::Options options;
+    options.devices = {{"speakers", "Speakers"}, {"headphones", "Headphones"}};
+    const PrivateSoundServer server(options);
+    GraphClient client(server);
+    const Recorder recorder(client, "speakers", beforeSeconds + afterSeconds + 30.0);
+
+    fmt::print("A player plays {:g} s of music on the virtual speakers ...\n", beforeSeconds);
+    std::fflush(stdout);
+    const Recording before = playAndRecord(server, recorder, beforeSeconds);
+
+    fmt::print(
+        "... and now {:g} s with Ostrafine: +6 dB at 63 Hz, -8 dB at 500 Hz, +8 dB from 6 kHz "
+        "up, -1 dB for all.\n",
+        afterSeconds);
+    std::fflush(stdout);
+    LiveProcess live(server, settings);
+    live.waitUntilRunning();
+    const Recording after = playAndRecord(server, recorder, afterSeconds);
+    const int status = live.process().stop(5.0, SIGINT);
+    if (status != 0) {
+        throw ServerError(fmt::format("ostrafine-cli live ended with status {}: {}", status,
+                                      live.process().errors()));
+    }
+
+    writeSoundFile(folder / "before.wav", {48000, before.left, before.right});
+    writeSoundFile(folder / "after.wav", {48000, after.left, after.right});
+    printTableAndJudge(before, after, settings);
+    if (server.state().defaultName("default.audio.sink") != "speakers" ||
+        !server.state().routing().empty()) {
+        throw WrongSound("the sound settings are not as they were before");
+    }
+    fmt::print("\nThe sound is what the settings say, and the sound settings are as they were.\n"
+               "Listen: {}\n        {}\n",
+               (folder / "before.wav").string(), (folder / "after.wav").string());
+}
+
+void interrupt(int) { interruptRequested = true; }
+
+} // namespace
+} // namespace quorbel::demo
+
+int main(int argc, char **argv) {
+    using namespace quorbel;
+    CLI::App app("Ostrafine on a private sound server: what was heard before and after");
+    std::string folder;
+    app.add_option("--output", folder, "Folder for the two recordings")->required();
+    CLI11_PARSE(app, argc, argv);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        std::signal(signal, demo::interrupt);
+    }
+    try {
+        demo::runDemo(folder);
+        return 0;
+    } catch (const soundserver::Interrupted &) {
+        fmt::print(stderr, "\nInterrupted.\n");
+        return 130;
+    } catch (const std::exception &error) {
+        fmt::print(stderr, "demo failed: {}\n", error.what());
+        return 1;
+    }
+}

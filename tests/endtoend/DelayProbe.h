@@ -1,0 +1,57 @@
+#pragma once
+
+#include "endtoend/LiveTest.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <set>
+
+namespace quorbel {
+
+/// Measures how long sound takes from an application to a device's monitor, in frames of the
+/// graph's clock. Player and recorder run in the same cycles of the same clock, so that the figures
+/// are exact.
+class DelayProbe {
+  public:
+    /// The application plays on `target`, or on the default where that is empty.
+    DelayProbe(GraphClient &client, const std::string &device, const std::string &target)
+        : recorder_(client, device, 60.0), player_(client, impulses_, {"probe", target}) {}
+
+    /// The different delays of the next `count` impulses; one, if sound flows evenly. Throws
+    /// `ServerError` if the impulses do not arrive.
+    std::set<std::int64_t> delays(std::size_t count) {
+        player_.waitUntilRunning();
+        const std::size_t played = impulses_.positions().size() + settling;
+        const std::size_t start = recorder_.frames();
+        std::set<std::int64_t> found;
+        waitFor("the impulses arrive", 10.0, [&] {
+            const Recording heard = recorder_.recording(start);
+            const auto sent = impulses_.positions();
+            std::size_t arrived = 0;
+            found.clear();
+            for (std::size_t frame = 0; frame < heard.frames(); ++frame) {
+                if (heard.left[frame] > Impulses::height / 2) {
+                    const auto position = static_cast<std::int64_t>(heard.positionOf(frame));
+                    // The last one that was sent before: impulses are further apart than any delay.
+                    const auto after = std::ranges::upper_bound(sent, heard.positionOf(frame));
+                    if (after - sent.begin() > static_cast<std::ptrdiff_t>(played)) {
+                        found.insert(position - static_cast<std::int64_t>(*std::prev(after)));
+                        ++arrived;
+                    }
+                }
+            }
+            return arrived >= count;
+        });
+        return found;
+    }
+
+  private:
+    static constexpr std::uint32_t interval = 4801; // falls on every place within a cycle
+    static constexpr std::size_t settling = 3;      // impulses after the start that do not count
+
+    Impulses impulses_{interval};
+    Recorder recorder_;
+    Player player_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,194 @@
+#include "endtoend/LiveTest.h"
+
+#include <algorithm>
+#include <csignal>
+#include <random>
+
+namespace quorbel {
+namespace {
+
+/// However processing ends, everybody's sound is as if it had never begun.
+class Ending : public LiveTest {
+  protected:
+    /// What the user's session holds about where applications play.
+    struct Memory {
+        Metadata routing;
+        std::string defaultDevice;
+        std::map<std::string, std::string> stored;
+        friend bool operator==(const Memory &, const Memory &) = default;
+    };
+
+    /// Waits until the session manager has written down what it knows, which it does a second late.
+    [[nodiscard]] Memory settledMemory() const {
+        Memory memory;
+        auto lastChange = SteadyClock::now();
+        waitFor("the session manager's memory rests", 20.0, [&] {
+            const ServerState state = server.state();
+            Memory now = {state.routing(), state.defaultName("default.audio.sink"),
+                          applicationsOf(server.storedStreams())};
+            if (now != memory) {
+                memory = std::move(now);
+                lastChange = SteadyClock::now();
+            }
+            return SteadyClock::now() - lastChange > std::chrono::milliseconds(1500);
+        });
+        return memory;
+    }
+
+    /// Entries of the desktop's applications. One of our own name holds no more than a volume of 1.
+    static std::map<std::string, std::string>
+    applicationsOf(std::map<std::string, std::string> stored) {
+        std::erase_if(stored, [](const auto &entry) {
+            return entry.first.find("Ostrafine") != std::string::npos &&
+                   entry.second.find("target") == std::string::npos;
+        });
+        return stored;
+    }
+
+    /// One application that the user has pinned to hdmi, and one that plays wherever the default
+    /// is.
+    void playPinnedAndUnpinned() {
+        playSequence({"pinned"});
+        server.moveApplication("pinned", "hdmi");
+        ASSERT_TRUE(soonPlaysInto("pinned", {"hdmi"}));
+        playSequence({"unpinned"});
+        ASSERT_TRUE(soonPlaysInto("unpinned", {"speakers"}));
+        ASSERT_TRUE(soonHears(hdmi, Heard::dry));
+        ASSERT_TRUE(soonHears(speakers, Heard::dry));
+        before = settledMemory();
+    }
+
+    void expectEverythingAsBefore() {
+        EXPECT_TRUE(soonPlaysInto("pinned", {"hdmi"}, 1.0));
+        EXPECT_TRUE(soonPlaysInto("unpinned", {"speakers"}, 1.0));
+        const Memory after = settledMemory();
+        EXPECT_EQ(after.routing, before.routing);
+        EXPECT_EQ(after.defaultDevice, before.defaultDevice);
+        EXPECT_EQ(after.stored, before.stored);
+        EXPECT_EQ(ourNodes(), std::vector<std::string>{});
+    }
+
+    [[nodiscard]] std::vector<std::string> ourNodes() const {
+        std::vector<std::string> names;
+        for (const Node &node : server.state().nodes) {
+            if (node.name().starts_with("quorbel.")) {
+                names.push_back(node.name());
+            }
+        }
+        return names;
+    }
+
+    Recorder &speakers = record("speakers");
+    Recorder &hdmi = record("hdmi");
+    Memory before;
+};
+
+class EndingBySignal : public Ending, public testing::WithParamInterface<int> {};
+
+INSTANTIATE_TEST_SUITE_P(Signal, EndingBySignal, testing::Values(SIGINT, SIGTERM, SIGHUP, SIGKILL),
+                         [](const auto &value) {
+                             return std::string("SIG") + sigabbrev_np(value.param);
+                         });
+
+TEST_P(EndingBySignal, GivesEveryApplicationItsOwnDeviceBackWithinASecond) {
+    playPinnedAndUnpinned();
+    const auto live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonPlaysInto("pinned", {tapName(*live)}));
+    ASSERT_TRUE(soonPlaysInto("unpinned", {tapName(*live)}));
+    ASSERT_TRUE(soonHears(hdmi, Heard::silence));
+
+    live->process().signal(GetParam());
+    EXPECT_TRUE(soonHears(speakers, Heard::dry, 1.0));
+    EXPECT_TRUE(soonHears(hdmi, Heard::dry, 1.0));
+    EXPECT_EQ(live->process().exitStatusWithin(2.0), GetParam() == SIGKILL ? 128 + SIGKILL : 0)
+        << live->process().errors();
+    expectEverythingAsBefore();
+    EXPECT_TRUE(comesTrue(1.0, [&] { return live->helpers().empty(); }));
+}
+
+TEST_F(Ending, AKillIsHeardForThreeCyclesAtMost) {
+    server.forceQuantum(1024);
+    playSequence();
+    const auto live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonHears(speakers, Heard::processed));
+    const std::size_t start = speakers.frames();
+    live->process().signal(SIGKILL);
+    ASSERT_TRUE(soonHears(speakers, Heard::dry, 1.0));
+    const auto heard = speakers.recording(start);
+    EXPECT_LE(std::ranges::count(heard.left, 0.0F), 3 * 1024);
+}
+
+TEST_F(Ending, AKillDoesNotDisturbAPulseAudioClient) {
+    const auto live = startLive(twelveDBLower());
+    const auto application = playWith("paplay", 4.0);
+    ASSERT_TRUE(soonHears(speakers, Heard::processed));
+    live->process().signal(SIGKILL);
+    EXPECT_TRUE(soonHears(speakers, Heard::dry, 1.0));
+    EXPECT_EQ(application->exitStatusWithin(6.0), 0) << application->errors();
+}
+
+TEST_F(Ending, WhatIsLeftWhenTheWatchdogDiesTooIsPutRightByTheNextStart) {
+    playPinnedAndUnpinned();
+    auto live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonPlaysInto("pinned", {tapName(*live)}));
+    const auto helpers = live->helpers();
+    ASSERT_FALSE(helpers.empty());
+    for (const pid_t helper : helpers) {
+        kill(helper, SIGKILL);
+    }
+    live->process().signal(SIGKILL);
+    // The server itself lets them play on the default device; the user's pin is not forgotten.
+    EXPECT_TRUE(soonPlaysInto("pinned", {"speakers"}));
+    EXPECT_TRUE(soonPlaysInto("unpinned", {"speakers"}));
+    EXPECT_EQ(settledMemory().stored, before.stored);
+
+    live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonPlaysInto("pinned", {tapName(*live)}));
+    stopLive(live);
+    expectEverythingAsBefore();
+}
+
+TEST_F(Ending, SwitchingOnAndOffDuringPlaybackCostsNoTime) {
+    constexpr double seconds = 20.0;
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const auto start = SteadyClock::now();
+    const auto native = playWith("pw-play", seconds);
+    const auto pulse = playWith("paplay", seconds);
+    for (int toggle = 0; toggle < 6; ++toggle) {
+        auto live = startLive(twelveDBLower());
+        const std::size_t heard = speakers.frames();
+        const std::size_t pause = 4800 + random() % 48000;
+        ASSERT_TRUE(comesTrue(3.0, [&] { return speakers.frames() > heard + pause; }));
+        live->process().signal(toggle % 2 == 0 ? SIGKILL : SIGINT);
+        ASSERT_TRUE(live->process().exitStatusWithin(3.0).has_value());
+    }
+    EXPECT_EQ(native->exitStatusWithin(seconds), 0) << native->errors();
+    EXPECT_EQ(pulse->exitStatusWithin(seconds), 0) << pulse->errors();
+    const std::chrono::duration<double> elapsed = SteadyClock::now() - start;
+    EXPECT_LT(elapsed.count(), seconds + 2.0);
+    EXPECT_TRUE(comesTrue(1.0, [&] { return server.state().routing().empty(); }));
+}
+
+TEST_F(Ending, TheDeviceGoesToSleepAfterTheLastApplication) {
+    // A recorder would keep the device awake; this test has only its own.
+    const PrivateSoundServer quiet;
+    LiveProcess live(quiet, LiveSettings::flat());
+    live.waitUntilRunning();
+    {
+        Sequence sequence;
+        const auto file = quiet.folder() / "sequence.wav";
+        writeSoundFile(file, rendered(sequence, 0.5));
+        const auto application = quiet.start({"pw-play", file.string()});
+        ASSERT_TRUE(
+            comesTrue(2.0, [&] { return quiet.state().node("speakers")->state == "running"; }));
+        ASSERT_EQ(application->exitStatusWithin(5.0), 0);
+    }
+    EXPECT_TRUE(
+        comesTrue(8.0, [&] { return quiet.state().node("speakers")->state == "suspended"; }));
+    EXPECT_TRUE(live.process().running());
+}
+
+} // namespace
+} // namespace quorbel

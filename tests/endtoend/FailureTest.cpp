@@ -1,0 +1,70 @@
+#include "endtoend/LiveTest.h"
+
+#include <algorithm>
+#include <fstream>
+
+namespace quorbel {
+namespace {
+
+/// What the user reads when it cannot work, and that it never hangs.
+class Failure : public LiveTest {
+  protected:
+    /// One line that says it all.
+    static void expectOneLine(const std::string &errors, const std::string &part) {
+        EXPECT_EQ(std::ranges::count(errors, '\n'), 1) << errors;
+        EXPECT_NE(errors.find(part), std::string::npos) << errors;
+    }
+};
+
+TEST_F(Failure, ASecondInstanceRefusesAndTheFirstGoesOn) {
+    const Recorder &speakers = record("speakers");
+    playSequence();
+    const auto first = startLive(twelveDBLower());
+    ASSERT_TRUE(soonHears(speakers, Heard::processed));
+    LiveProcess second(server, twelveDBLower());
+    EXPECT_EQ(second.process().exitStatusWithin(3.0), 1);
+    expectOneLine(second.process().errors(), "already");
+    EXPECT_TRUE(soonHears(speakers, Heard::processed));
+}
+
+TEST_F(Failure, AnUnknownDeviceIsNamed) {
+    LiveProcess live(server, twelveDBLower(), {"--device", "kitchen"});
+    EXPECT_EQ(live.process().exitStatusWithin(3.0), 1);
+    expectOneLine(live.process().errors(), "kitchen");
+}
+
+TEST_F(Failure, ALostServerEndsInAnError) {
+    playSequence();
+    const auto live = startLive(twelveDBLower());
+    server.crash();
+    EXPECT_EQ(live->process().exitStatusWithin(3.0), 1);
+    EXPECT_FALSE(live->process().errors().empty());
+    EXPECT_TRUE(comesTrue(3.0, [&] { return live->helpers().empty(); }));
+}
+
+TEST_F(Failure, WithoutAServerOneLineSaysHowToStartOne) {
+    server.crash();
+    LiveProcess live(server, twelveDBLower());
+    EXPECT_EQ(live.process().exitStatusWithin(3.0), 1);
+    expectOneLine(live.process().errors(), "systemctl --user start");
+}
+
+TEST_F(Failure, TheTimeThatWasAskedForIsKept) {
+    LiveProcess live(server, twelveDBLower(), {"--seconds", "2"});
+    EXPECT_EQ(live.process().exitStatusWithin(4.0), 0) << live.process().errors();
+    const auto now = static_cast<std::uint64_t>(SteadyClock::now().time_since_epoch().count());
+    EXPECT_GE(now - live.startedNanoseconds(), 2'000'000'000U);
+}
+
+TEST_F(Failure, TheDeviceListIsTheUsersDevices) {
+    const std::string cli = LiveProcess::program();
+    for (const std::string &list :
+         {server.run({cli, "devices"}), server.run({cli, "devices", "--json"})}) {
+        for (const char *text : {"speakers", "Speakers", "hdmi", "HDMI"}) {
+            EXPECT_NE(list.find(text), std::string::npos) << list;
+        }
+    }
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "support/soundserver/Levels.h"
+#include "support/soundserver/LiveProcess.h"
+#include "support/soundserver/Player.h"
+#include "support/soundserver/PrivateSoundServer.h"
+#include "support/soundserver/Recorder.h"
+#include "support/soundserver/SequenceReport.h"
+#include "support/soundserver/SoundFile.h"
+#include "support/soundserver/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+using namespace soundserver;
+
+/// What stands on a device's monitor while applications play a `Sequence`.
+enum class Heard {
+    silence,
+    dry,       ///< the sequence as it is
+    processed, ///< the sequence, 12 dB lower
+    other,     ///< anything else, such as both at once or a mixture over time
+};
+
+std::ostream &operator<<(std::ostream &out, Heard heard);
+
+Heard heardIn(const Recording &recording);
+
+/// The setting that makes processed sound easy to tell from unprocessed.
+inline LiveSettings twelveDBLower() { return LiveSettings::flat(-12.0); }
+
+/// True when the endurance tests run at full length.
+bool slowTestsWanted();
+
+/// A machine with two devices, `speakers` (the default) and `hdmi`, each of them recorded, on which
+/// applications play.
+class LiveTest : public testing::Test {
+  protected:
+    explicit LiveTest(const PrivateSoundServer::Options &options = {})
+        : sampleRate(options.sampleRate), server(options), client(server) {}
+
+    /// An application that plays a sequence of its own, and returns when it is heard somewhere.
+    Player &playSequence(const Player::Options &options = {});
+
+    /// The same for a tone of 1 kHz.
+    Player &playTone(double levelDB, const Player::Options &options = {});
+
+    /// The player that was started last ends.
+    void closePlayer() { players_.pop_back(); }
+
+    /// A program of the desktop, "pw-play" or "paplay", that plays a sequence for `seconds`.
+    std::unique_ptr<ChildProcess> playWith(const std::string &program, double seconds);
+
+    Recorder &record(const std::string &device, double maxSeconds = 120.0);
+
+    /// Starts processing and returns when it runs.
+    std::unique_ptr<LiveProcess> startLive(const LiveSettings &settings,
+                                           std::vector<std::string> arguments = {});
+
+    /// Ends processing like Ctrl-C, which must succeed.
+    static void stopLive(std::unique_ptr<LiveProcess> &live);
+
+    /// Whether a device comes to play nothing but `wanted`, for `windowSeconds`.
+    static testing::AssertionResult soonHears(const Recorder &recorder, Heard wanted,
+                                              double deadlineSeconds = 2.0,
+                                              double windowSeconds = 0.1);
+
+    /// Whether an application comes to play into exactly these nodes.
+    testing::AssertionResult soonPlaysInto(const std::string &application,
+                                           const std::vector<std::string> &targets,
+                                           double deadlineSeconds = 2.0) const;
+
+    /// The once-a-second lines about losses that `live` has printed.
+    static std::vector<std::string> lossLines(const LiveProcess &live);
+
+    const int sampleRate;
+    PrivateSoundServer server;
+    GraphClient client;
+
+  private:
+    std::vector<std::unique_ptr<Sound>> sounds_;
+    std::vector<std::unique_ptr<Player>> players_;
+    std::vector<std::unique_ptr<Recorder>> recorders_;
+};
+
+/// The name of our node that an application plays into while it is captured.
+std::string tapName(LiveProcess &live);
+
+} // namespace quorbel

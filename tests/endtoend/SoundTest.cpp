@@ -1,0 +1,138 @@
+#include "endtoend/DelayProbe.h"
+#include "endtoend/LiveTest.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace quorbel {
+namespace {
+
+/// A device and a quantum; what is heard there must not depend on either.
+class Sound : public LiveTest, public testing::WithParamInterface<std::tuple<std::string, int>> {
+  protected:
+    Sound() { server.forceQuantum(quantum()); }
+    static std::string device() { return std::get<0>(GetParam()); }
+    static int quantum() { return std::get<1>(GetParam()); }
+    static std::vector<std::string> onDevice() { return {"--device", device()}; }
+};
+
+INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
+                         testing::Combine(testing::Values("speakers", "hdmi"),
+                                          testing::Values(1024, 256, 64)),
+                         [](const auto &value) {
+                             return std::get<0>(value.param) +
+                                    std::to_string(std::get<1>(value.param));
+                         });
+
+TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
+    const double seconds = slowTestsWanted() ? 300.0 : 30.0;
+    const Recorder &recorder = record(device(), seconds + 30.0);
+    playSequence();
+    const auto live = startLive(LiveSettings::flat(), onDevice());
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    ASSERT_TRUE(soonHears(recorder, Heard::dry)); // flat: what is heard is the sequence itself
+
+    recorder.skip(1.5);
+    const std::size_t linesBefore = lossLines(*live).size();
+    const Recording recording = recorder.next(seconds);
+    const auto report = SequenceReport::of(recording);
+    EXPECT_TRUE(report.intact()) << report << "; the recorder missed " << recording.missedFrames();
+    EXPECT_EQ(report.frames, recording.frames());
+    EXPECT_EQ(lossLines(*live).size(), linesBefore) << lossLines(*live).back();
+}
+
+TEST_P(Sound, NothingIsAddedToTheDelay) {
+    const auto direct = DelayProbe(client, device(), device()).delays(20);
+    const auto live = startLive(LiveSettings::flat(), onDevice());
+    DelayProbe probe(client, device(), "");
+    ASSERT_TRUE(soonPlaysInto("probe", {tapName(*live)}));
+    EXPECT_EQ(probe.delays(20), direct);
+    EXPECT_EQ(direct.size(), 1U);
+}
+
+class Level : public LiveTest {};
+
+TEST_F(Level, ABandRaisesAToneByItsGainOnceOnBothChannels) {
+    const Recorder &recorder = record("speakers");
+    playTone(-20.0);
+    LiveSettings boost = LiveSettings::flat();
+    boost.bands[5].gainDB = 6.0;
+    const auto before = recorder.next(1.0);
+    EXPECT_NEAR(toneLevelDB(before.left, 1000.0, 48000.0), -20.0, 0.01);
+
+    const auto live = startLive(boost);
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    ASSERT_TRUE(comesTrue(2.0, [&] { return peak(recorder.last(0.1).left) > 0.19F; }));
+    const auto after = recorder.next(1.0);
+    // Had the unprocessed sound been heard beside it, the level would be up to 3.5 dB off.
+    EXPECT_NEAR(toneLevelDB(after.left, 1000.0, 48000.0), -14.0, 0.1);
+    EXPECT_NEAR(toneLevelDB(after.right, 1000.0, 48000.0), -14.0, 0.1);
+}
+
+TEST_F(Level, TheUnprocessedSoundOfNewApplicationsIsNeverHeard) {
+    const auto live = startLive(LiveSettings::flat(-96.0));
+    const Recorder &recorder = record("speakers", 120.0);
+    const auto leakedFrames = [&](const std::string &program) {
+        const std::size_t start = recorder.frames();
+        const auto application = playWith(program, 0.3);
+        EXPECT_EQ(application->exitStatusWithin(5.0), 0) << application->errors();
+        const Recording heard = recorder.recording(start);
+        return std::ranges::count_if(heard.left, [](float sample) { return sample > 0.01F; });
+    };
+    for (int run = 0; run < 10; ++run) {
+        EXPECT_EQ(leakedFrames("pw-play"), 0);
+    }
+    // A PulseAudio client must be linked to a real device for a moment before it says it can play.
+    int leaks = 0;
+    for (int run = 0; run < 30; ++run) {
+        const auto frames = leakedFrames("paplay");
+        leaks += frames > 0 ? 1 : 0;
+        EXPECT_LE(frames, 1024);
+    }
+    EXPECT_LE(leaks, 2);
+}
+
+class Load : public LiveTest {};
+
+TEST_F(Load, StartsQuicklyAndRunsOnLittle) {
+    server.forceQuantum(1024);
+    const Recorder &recorder = record("speakers");
+    playSequence();
+    ASSERT_TRUE(soonHears(recorder, Heard::dry));
+    LiveSettings settings = twelveDBLower();
+    for (auto &band : settings.bands) {
+        band.gainDB = 0.5;
+    }
+    const auto live = startLive(settings);
+
+    const auto firstProcessed = [&](const Recording &recording) {
+        std::size_t frame = 0;
+        while (frame < recording.frames() &&
+               !(recording.left[frame] > 0.05F && recording.left[frame] < 0.24F)) {
+            ++frame;
+        }
+        return frame;
+    };
+    Recording start;
+    ASSERT_TRUE(comesTrue(3.0, [&] {
+        start = recorder.last(3.0);
+        return firstProcessed(start) < start.frames();
+    }));
+    const auto startNanoseconds = static_cast<double>(start.nanosecondsOf(firstProcessed(start)) -
+                                                      live->startedNanoseconds());
+    RecordProperty("milliseconds_to_first_sound", static_cast<int>(startNanoseconds * 1e-6));
+    EXPECT_LT(startNanoseconds * 1e-9, 0.15);
+
+    recorder.skip(1.0);
+    const double before = live->processorSeconds();
+    const double seconds = slowTestsWanted() ? 60.0 : 20.0;
+    recorder.skip(seconds);
+    const double load = (live->processorSeconds() - before) / seconds;
+    std::cout << "first sound after " << startNanoseconds * 1e-6 << " ms, load " << load * 100
+              << " % of a core, memory " << live->memoryMiB() << " MiB\n";
+    EXPECT_LT(load, 0.006);
+    EXPECT_LT(live->memoryMiB(), 25.0);
+}
+
+} // namespace
+} // namespace quorbel
