@@ -1,0 +1,233 @@
+// What every effect unit of the chain promises, whatever it does to the sound.
+
+#include "effects/EffectComponents.h"
+#include "effects/UnitHarness.h"
+#include "effects/units/GainTestUnit.h"
+#include "platform/threads/ManualClock.h"
+#include "support/RealtimeGuard.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <map>
+
+namespace quorbel {
+namespace {
+
+using testing::RealtimeGuard;
+using testing::RealtimeViolations;
+
+/// What a unit declares where units may differ.
+struct EffectTraits {
+    /// Parameter values at which it changes nothing.
+    std::map<ParameterAddress, float> neutral;
+    /// What rounding may change then, of full scale; 0: nothing, bit by bit.
+    double neutralRounding = 0.0;
+    /// Whether one channel's sound may reach the other at other settings.
+    bool mixesChannels = false;
+};
+
+const std::map<std::string, EffectTraits> &traits() {
+    static const std::map<std::string, EffectTraits> table{
+        {"Test", {.neutral = {{GainTestUnit::enabled, 0.0F}}}},
+    };
+    return table;
+}
+
+EffectComponent testComponent() {
+    return {gainTestDescription, "Test",
+            [](const ComponentDescription &description, InstantiationOptions options,
+               const SerialQueueFactory &) -> std::unique_ptr<AudioUnit> {
+                return std::make_unique<GainTestUnit>(description, options);
+            }};
+}
+
+std::vector<EffectComponent> existingComponents() {
+    std::vector<EffectComponent> result{testComponent()};
+    for (const EffectComponent &component : effectComponents())
+        if (component.make != nullptr)
+            result.push_back(component);
+    return result;
+}
+
+struct EffectContractTest : ::testing::TestWithParam<EffectComponent> {
+    ManualClock clock;
+
+    std::unique_ptr<AudioUnit> make() {
+        return GetParam().make(GetParam().description, 0, clockedSerialQueues(clock));
+    }
+    const EffectTraits &declared() { return traits().at(GetParam().name); }
+
+    void setNeutral(UnitHarness &harness) {
+        for (const auto &[address, value] : declared().neutral)
+            harness.set(address, value);
+    }
+
+    /// Calls `work` once for every parameter at its smallest, its largest and its default value,
+    /// and for all of them at once at either end.
+    template <typename Work> void atExtremes(const Work &work) {
+        const auto parameterCount = make()->parameterTree()->allParameters().size();
+        for (std::size_t which = 0; which <= parameterCount; ++which) {
+            for (const bool largest : {false, true}) {
+                UnitHarness harness(make());
+                const auto &parameters = harness.unit().parameterTree()->allParameters();
+                for (std::size_t i = 0; i < parameters.size(); ++i)
+                    if (which == i || which == parameterCount)
+                        parameters[i]->setValue(largest ? std::numeric_limits<float>::max()
+                                                        : std::numeric_limits<float>::lowest());
+                work(harness);
+            }
+        }
+    }
+};
+
+Status notConnected(const RenderBlock &block, AudioBufferList &view, std::uint32_t frames) {
+    RenderActionFlags flags = 0;
+    return block(flags, {}, frames, 0, view, nullptr, {});
+}
+
+TEST_P(EffectContractTest, WithoutAnInputItReportsSoAndTouchesNothing) {
+    UnitHarness harness(make());
+    ASSERT_EQ(harness.allocate(), statusOK);
+    Sound sound = noise(256);
+    AudioBufferList view = sound.view();
+    EXPECT_EQ(notConnected(harness.unit().internalRenderBlock(), view, 256), -10876);
+    EXPECT_EQ(sound, noise(256));
+}
+
+TEST_P(EffectContractTest, AFailedPullIsReturnedAndLeavesNoTrace) {
+    // Two units hear the same, but one of them has a failing pull in between.
+    UnitHarness disturbed(make());
+    UnitHarness undisturbed(make());
+    ASSERT_EQ(disturbed.allocate(), statusOK);
+    ASSERT_EQ(undisturbed.allocate(), statusOK);
+    EXPECT_EQ(disturbed.play(noise(2048)), undisturbed.play(noise(2048)));
+
+    std::vector<std::uint32_t> askedFor;
+    RenderActionFlags innerFlags = 77;
+    const PullInputBlock failing = [&](RenderActionFlags &flags, const RenderTime &time,
+                                       std::uint32_t frames, std::int32_t bus, AudioBufferList &) {
+        innerFlags = flags;
+        askedFor = {static_cast<std::uint32_t>(time.sampleTime), frames,
+                    static_cast<std::uint32_t>(bus)};
+        return Status{-1234};
+    };
+    Sound sound = noise(128, 0.9F, 2);
+    AudioBufferList view = sound.view();
+    RenderActionFlags flags = 5;
+    const RenderBlock block = disturbed.unit().internalRenderBlock();
+    EXPECT_EQ(block(flags, {4711}, 128, 0, view, nullptr, failing), -1234);
+    EXPECT_EQ(askedFor, (std::vector<std::uint32_t>{4711, 128, 0}));
+    EXPECT_EQ(innerFlags, 0U) << "the pull has flags of its own";
+    EXPECT_EQ(sound, noise(128, 0.9F, 2));
+
+    EXPECT_EQ(disturbed.play(noise(2048, 0.5F, 3)), undisturbed.play(noise(2048, 0.5F, 3)));
+}
+
+TEST_P(EffectContractTest, MonoPassesThrough) {
+    atExtremes([](UnitHarness &harness) {
+        ASSERT_EQ(harness.allocate(48000.0, 1), statusOK);
+        for (int block = 0; block < 3; ++block) {
+            std::vector<float> samples = noise(512).left;
+            AudioBufferList view;
+            view.bufferCount = 1;
+            view.data[0] = samples.data();
+            ASSERT_EQ(harness.node().render({}, view, 512), statusOK);
+            ASSERT_EQ(samples, noise(512).left);
+        }
+    });
+}
+
+TEST_P(EffectContractTest, NeutralSettingsChangeNothing) {
+    for (const std::size_t blockFrames : {1U, 7U, 64U, 512U, 4096U}) {
+        UnitHarness harness(make());
+        setNeutral(harness);
+        ASSERT_EQ(harness.allocate(), statusOK);
+        const Sound sound = noise(10'000);
+        const Sound result = harness.play(sound, blockFrames);
+        if (declared().neutralRounding == 0.0) {
+            EXPECT_EQ(result, sound) << "blocks of " << blockFrames;
+        } else {
+            EXPECT_LE(difference(result, sound), declared().neutralRounding);
+        }
+    }
+}
+
+TEST_P(EffectContractTest, StaysFiniteAtExtremeSettingsRatesAndLevels) {
+    for (const double rate : {8000.0, 44100.0, 48000.0, 96000.0, 192000.0, 384000.0}) {
+        atExtremes([&](UnitHarness &harness) {
+            ASSERT_EQ(harness.allocate(rate), statusOK);
+            for (const float level : {0.0F, 1e-30F, 1e-6F, 1.0F, 100.0F}) {
+                const Sound result = harness.play(noise(3000, level), 500);
+                clock.advance(3000 / rate);
+                for (std::size_t i = 0; i < result.frames(); ++i)
+                    ASSERT_TRUE(std::isfinite(result.left[i]) && std::isfinite(result.right[i]))
+                        << rate << " Hz, level " << level << ", frame " << i;
+            }
+        });
+    }
+}
+
+TEST_P(EffectContractTest, OneChannelDoesNotLeakIntoTheOther) {
+    UnitHarness neutral(make());
+    setNeutral(neutral);
+    ASSERT_EQ(neutral.allocate(), statusOK);
+    for (const bool leftOnly : {true, false}) {
+        const auto onlyOneChannel = [&] {
+            Sound sound = noise(4096);
+            (leftOnly ? sound.right : sound.left).assign(4096, 0.0F);
+            return sound;
+        };
+        const auto silentChannel = [&](const Sound &sound) {
+            return leftOnly ? sound.right : sound.left;
+        };
+        const std::vector<float> silence(4096, 0.0F);
+        if (declared().neutralRounding == 0.0) {
+            EXPECT_EQ(silentChannel(neutral.play(onlyOneChannel())), silence);
+        }
+        if (declared().mixesChannels)
+            continue;
+        atExtremes([&](UnitHarness &harness) {
+            ASSERT_EQ(harness.allocate(), statusOK);
+            ASSERT_EQ(silentChannel(harness.play(onlyOneChannel())), silence);
+        });
+    }
+}
+
+TEST_P(EffectContractTest, RenderingNeitherAllocatesNorTakesForeignLocks) {
+    atExtremes([](UnitHarness &harness) {
+        ASSERT_EQ(harness.allocate(), statusOK);
+        for (const std::uint32_t frames : {1U, 7U, 64U, 512U, 4096U}) {
+            Sound sound = noise(frames);
+            AudioBufferList view = sound.view();
+            const RealtimeGuard guard;
+            for (int block = 0; block < 3; ++block)
+                harness.node().render({}, view, frames);
+            ASSERT_EQ(guard.violations(), RealtimeViolations{}) << "blocks of " << frames;
+        }
+    });
+}
+
+TEST_P(EffectContractTest, AllocatedAgainItIsAsNew) {
+    atExtremes([this](UnitHarness &used) {
+        UnitHarness fresh(make());
+        const auto &settings = used.unit().parameterTree()->allParameters();
+        for (std::size_t i = 0; i < settings.size(); ++i)
+            fresh.set(i, settings[i]->value());
+        ASSERT_EQ(fresh.allocate(), statusOK);
+        // One block each, so that cells which ramp from block to block stand alike.
+        fresh.play(Sound(64));
+        ASSERT_EQ(fresh.allocate(), statusOK);
+
+        ASSERT_EQ(used.allocate(96000.0), statusOK);
+        used.play(noise(3000, 0.9F, 5));
+        ASSERT_EQ(used.allocate(48000.0), statusOK);
+        ASSERT_EQ(used.play(noise(3000)), fresh.play(noise(3000)));
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Units, EffectContractTest, ::testing::ValuesIn(existingComponents()),
+                         [](const auto &instance) { return std::string(instance.param.name); });
+
+} // namespace
+} // namespace quorbel
