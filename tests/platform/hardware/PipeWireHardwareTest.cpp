@@ -1,0 +1,85 @@
+#include "platform/hardware/AudioHardwareContract.h"
+#include "platform/hardware/SystemHardware.h"
+#include "support/soundserver/GraphClient.h"
+#include "support/soundserver/Levels.h"
+#include "support/soundserver/Player.h"
+#include "support/soundserver/PrivateSoundServer.h"
+#include "support/soundserver/Recorder.h"
+#include "support/soundserver/Sounds.h"
+#include "support/soundserver/Waiting.h"
+
+#include <cstdlib>
+#include <numbers>
+
+namespace quorbel::testing {
+namespace {
+
+class Tone final : public soundserver::Sound {
+  public:
+    void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
+        for (std::uint32_t frame = 0; frame < frames; ++frame) {
+            left[frame] = right[frame] =
+                static_cast<float>(0.25 * std::sin(2.0 * std::numbers::pi * 1000.0 *
+                                                   static_cast<double>(next_++) / 48000.0));
+        }
+    }
+
+  private:
+    std::uint64_t next_ = 0;
+};
+
+class PipeWireWorld final : public HardwareWorld {
+  public:
+    PipeWireWorld() : client_(server_) {
+        for (const auto &[name, value] : server_.environment())
+            setenv(name.c_str(), value.c_str(), 1);
+        Status status = statusOK;
+        hardware_ = makeSystemHardware(status);
+        if (!hardware_)
+            throw soundserver::ServerError("no connection: " + std::to_string(status));
+    }
+
+    AudioHardware &hardware() override { return *hardware_; }
+    void playTone() override {
+        player_ = std::make_unique<soundserver::Player>(client_, tone_);
+        soundserver::waitFor("the tone is heard", 5.0, [&] { return listen("speakers") > 0.2F; });
+    }
+    float listen(const std::string &uid) override {
+        // The recorder's own start may change the length of the cycles: what it gets first was on
+        // its way before.
+        soundserver::Recorder recorder(client_, uid, 10.0);
+        (void)recorder.next(0.1);
+        return soundserver::peak(recorder.next(0.25).left);
+    }
+    void plugIn(const std::string &uid) override { server_.addDevice({uid, uid}); }
+    void unplug(const std::string &uid) override { server_.removeDevice(uid); }
+    void setDefaultOutput(const std::string &uid) override { server_.setDefaultDevice(uid); }
+    void loseServer() override {
+        player_.reset();
+        server_.crash();
+        isLost_ = true;
+    }
+    bool waitUntil(const std::function<bool()> &condition) override {
+        return soundserver::comesTrue(5.0, condition);
+    }
+    void letCyclesPass() override {
+        if (!isLost_)
+            (void)listen("speakers");
+    }
+
+  private:
+    soundserver::PrivateSoundServer server_;
+    soundserver::GraphClient client_;
+    Tone tone_;
+    std::unique_ptr<soundserver::Player> player_;
+    std::unique_ptr<AudioHardware> hardware_;
+    bool isLost_ = false;
+};
+
+INSTANTIATE_TEST_SUITE_P(PipeWire, AudioHardwareContract,
+                         ::testing::Values([]() -> std::unique_ptr<HardwareWorld> {
+                             return std::make_unique<PipeWireWorld>();
+                         }));
+
+} // namespace
+} // namespace quorbel::testing
