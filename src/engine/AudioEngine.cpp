@@ -1,0 +1,181 @@
+#include "engine/AudioEngine.h"
+
+#include "devices/DeviceManager.h"
+#include "effects/EffectComponents.h"
+#include "engine/AudioEngineError.h"
+#include "engine/ChainFormat.h"
+
+#include <cmath>
+#include <utility>
+
+namespace quorbel {
+namespace {
+
+constexpr std::int64_t ringBufferFrames = 48000; // one second
+constexpr double readoutSeconds = 0.1;
+
+// Smaller movements are not shown: nobody sees them, and every one redraws a screen.
+constexpr float meterStepDB = 0.05F;
+constexpr float confidenceStep = 0.02F;
+
+} // namespace
+
+AudioEngine::AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, Clock &clock,
+                         std::vector<EQBand> bands, const UnitRegistration &registerUnits)
+    : deviceManager_(deviceManager), clock_(clock), registry_(clock), ringBuffer(ringBufferFrames),
+      chain_(registry_, clock, std::move(bands)),
+      playback_(hardware.makeOutput(), chain_, ringBuffer), systemTap(hardware),
+      diagnostics_(clock, ringBuffer, systemTap, playback_) {
+    registerUnits(registry_);
+}
+
+AudioEngine::~AudioEngine() {
+    lifecycle.end();
+    stopTimers();
+    teardown();
+}
+
+void AudioEngine::allEffectUnits(AudioUnitRegistry &registry) {
+    registerEffectUnits(registry, threadedSerialQueues());
+}
+
+// Settings
+
+void AudioEngine::setSpatial(const SpatialConfig &spatial) {
+    spatial_ = spatial;
+    applySpatial();
+    Q_EMIT spatialChanged();
+}
+
+void AudioEngine::setMixer(const MixerConfig &mixer) {
+    mixer_ = mixer;
+    applyMixer();
+    Q_EMIT mixerChanged();
+}
+
+void AudioEngine::setOutputDevice(std::optional<AudioDevice> device) {
+    const bool changed = device != outputDevice_;
+    outputDevice_ = std::move(device);
+    Q_EMIT outputDeviceChanged();
+    if (changed)
+        scheduleOutputRestart();
+}
+
+// Start and stop
+
+void AudioEngine::start() {
+    const auto generation = lifecycle.beginStart();
+    if (!generation)
+        return;
+    chain_.instantiateCustomUnits([this, start = *generation] { continueStart(start); });
+}
+
+void AudioEngine::continueStart(EngineLifecycle::Generation start) {
+    // A stop in the meantime has torn everything down and published its state.
+    if (!lifecycle.isCurrent(start))
+        return;
+    try {
+        playback_.configure(deviceManager_, outputDevice_);
+        if (!systemTap.isRunning())
+            activateTap();
+        playback_.start();
+    } catch (const std::exception &error) {
+        teardown();
+        lifecycle.failStart(start, error.what());
+        publishState();
+        return;
+    }
+    if (!lifecycle.isCurrent(start)) {
+        teardown();
+        publishState();
+        return;
+    }
+    applySpatial();
+    applyMixer();
+    observeHardware();
+    if (lifecycle.finishStart(start))
+        startTimers();
+    publishState();
+}
+
+void AudioEngine::activateTap() {
+    try {
+        systemTap.activate(ringBuffer, chainFormat);
+    } catch (...) {
+        systemTap.cleanup();
+        throw;
+    }
+}
+
+void AudioEngine::observeHardware() {
+    // The engine clears these in every teardown, so they never outlive it.
+    deviceManager_.onHardwareChange = [this] { handleHardwareChange(); };
+    deviceManager_.onHardwareLost = [this](Status status) {
+        failRunning(AudioEngineError::soundServerLost(status).what());
+    };
+    deviceManager_.startObservingHardware();
+}
+
+void AudioEngine::startTimers() {
+    bassReadoutTimer = Timer::repeating(clock_, readoutSeconds, [this] { updateReadouts(); });
+    diagnostics_.start();
+}
+
+void AudioEngine::stop() {
+    lifecycle.end();
+    stopTimers();
+    teardown();
+    publishState();
+}
+
+void AudioEngine::stopTimers() {
+    outputRestartTask.invalidate();
+    bassReadoutTimer.invalidate();
+    diagnostics_.stop();
+}
+
+void AudioEngine::teardown() {
+    deviceManager_.stopObservingHardware();
+    deviceManager_.onHardwareChange = nullptr;
+    deviceManager_.onHardwareLost = nullptr;
+    systemTap.cleanup();
+    systemTap.markStopped();
+    playback_.stop();
+    ringBuffer.reset();
+}
+
+// What is published
+
+void AudioEngine::publishState() {
+    if (state_ == lifecycle.state())
+        return;
+    state_ = lifecycle.state();
+    Q_EMIT stateChanged();
+}
+
+void AudioEngine::updateReadouts() {
+    const MeterReadings now = chain_.readings();
+    updateMeters(now.limiterReductionDB, now.autoGainDB);
+    if (now.bassTrackedFrequency != readings_.bassTrackedFrequency) {
+        readings_.bassTrackedFrequency = now.bassTrackedFrequency;
+        Q_EMIT bassTrackedFrequencyChanged();
+    }
+    if (std::abs(now.voiceConfidence - readings_.voiceConfidence) > confidenceStep) {
+        readings_.voiceConfidence = now.voiceConfidence;
+        Q_EMIT voiceConfidenceChanged();
+    }
+}
+
+void AudioEngine::updateMeters(float limiterReduction, float autoGain) {
+    // Adding zero turns -0.0, which would print with its sign, into a true zero.
+    if (std::abs(limiterReduction - readings_.limiterReductionDB) > meterStepDB) {
+        readings_.limiterReductionDB = limiterReduction + 0.0F;
+        Q_EMIT limiterReductionDBChanged();
+    }
+    if (std::abs(autoGain - readings_.autoGainDB) > meterStepDB) {
+        readings_.autoGainDB = autoGain + 0.0F;
+        Q_EMIT autoGainDBChanged();
+    }
+}
+
+} // namespace quorbel

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "devices/AudioDevice.h"
+#include "engine/AudioRingBuffer.h"
+#include "engine/EngineDiagnostics.h"
+#include "engine/EngineLifecycle.h"
+#include "engine/MeterReadings.h"
+#include "engine/PlaybackGraph.h"
+#include "engine/ProcessingChain.h"
+#include "engine/SystemAudioTap.h"
+#include "platform/threads/Timer.h"
+#include "platform/units/AudioUnitRegistry.h"
+#include "settings/records/EQBand.h"
+#include "settings/records/MixerConfig.h"
+#include "settings/records/SpatialConfig.h"
+
+#include <QObject>
+
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+class DeviceManager;
+
+/// Conducts the live sound: capture into the ring buffer, the playback graph out of it, the
+/// settings into its stages; starts and stops them together and keeps them running through changes
+/// of the hardware. What it publishes is what the screens show. All calls [main].
+///
+/// It holds no logic of the parts it conducts: see SystemAudioTap, PlaybackGraph, ProcessingChain,
+/// EngineDiagnostics. AudioEngineRestart.cpp holds its reactions to the hardware.
+class AudioEngine final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Fills the registry of effect units; by default with every unit this program has.
+    using UnitRegistration = std::function<void(AudioUnitRegistry &)>;
+
+    /// Hardware, device manager and clock must outlive the engine.
+    AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, Clock &clock,
+                std::vector<EQBand> bands, const UnitRegistration &registerUnits = allEffectUnits);
+    ~AudioEngine() override;
+
+    // Settings. Each assignment reaches the sound at once and is announced, also one that changes
+    // nothing.
+    [[nodiscard]] const SpatialConfig &spatial() const { return spatial_; }
+    void setSpatial(const SpatialConfig &spatial);
+    [[nodiscard]] const MixerConfig &mixer() const { return mixer_; }
+    void setMixer(const MixerConfig &mixer);
+    [[nodiscard]] EQProcessor &eq() { return chain_.eq(); }
+    [[nodiscard]] const std::optional<AudioDevice> &outputDevice() const { return outputDevice_; }
+    /// While running, playback moves to another device after a short pause for more such changes.
+    void setOutputDevice(std::optional<AudioDevice> device);
+
+    /// Returns at once; the outcome is a change of `state`. Ignored while starting or running.
+    void start();
+    void stop();
+    [[nodiscard]] const EngineLifecycle::State &state() const { return state_; }
+
+    // Read-outs, refreshed ten times a second while running.
+    [[nodiscard]] float limiterReductionDB() const { return readings_.limiterReductionDB; }
+    [[nodiscard]] float autoGainDB() const { return readings_.autoGainDB; }
+    [[nodiscard]] float bassTrackedFrequency() const { return readings_.bassTrackedFrequency; }
+    [[nodiscard]] float voiceConfidence() const { return readings_.voiceConfidence; }
+
+    /// Publishes the two meters where they have moved by more than 0.05 dB.
+    void updateMeters(float limiterReduction, float autoGain);
+
+  Q_SIGNALS:
+    void spatialChanged();
+    void mixerChanged();
+    void outputDeviceChanged();
+    void stateChanged();
+    void limiterReductionDBChanged();
+    void autoGainDBChanged();
+    void bassTrackedFrequencyChanged();
+    void voiceConfidenceChanged();
+
+  private:
+    static void allEffectUnits(AudioUnitRegistry &registry);
+
+    void continueStart(EngineLifecycle::Generation start);
+    void activateTap();
+    void applySpatial() { chain_.applySpatial(spatial_); }
+    void applyMixer() { chain_.applyMixer(mixer_); }
+    void observeHardware();
+    void startTimers();
+    void stopTimers();
+    void teardown();
+    void publishState();
+    void updateReadouts();
+
+    // AudioEngineRestart.cpp
+    void scheduleOutputRestart();
+    void restartProcessEngine();
+    void handleHardwareChange();
+    void rebuildTap();
+    void failRunning(std::string_view message);
+
+    DeviceManager &deviceManager_;
+    Clock &clock_;
+
+    SpatialConfig spatial_;
+    MixerConfig mixer_;
+    std::optional<AudioDevice> outputDevice_;
+    EngineLifecycle::State state_; ///< the lifecycle's, as last published
+    MeterReadings readings_;       ///< as last published
+
+    EngineLifecycle lifecycle;
+    AudioUnitRegistry registry_;
+    AudioRingBuffer ringBuffer;
+    ProcessingChain chain_;
+    PlaybackGraph playback_;
+    SystemAudioTap systemTap; ///< after the ring buffer that it writes into
+    EngineDiagnostics diagnostics_;
+
+    Timer bassReadoutTimer;
+    Timer outputRestartTask;
+};
+
+} // namespace quorbel

@@ -1,0 +1,20 @@
+#include "engine/AudioEngineError.h"
+
+#include <fmt/format.h>
+
+namespace quorbel {
+
+AudioEngineError AudioEngineError::noOutputSelected() {
+    return AudioEngineError("No output device selected. Choose your speakers as output.");
+}
+
+AudioEngineError AudioEngineError::playbackStartFailed(Status status) {
+    return AudioEngineError(
+        fmt::format("Couldn't start playback on the output device (OSStatus {}).", status));
+}
+
+AudioEngineError AudioEngineError::soundServerLost(Status status) {
+    return AudioEngineError(fmt::format("The sound server went away (OSStatus {}).", status));
+}
+
+} // namespace quorbel

@@ -1,0 +1,67 @@
+// The engine's reactions to the hardware: another output device, another default output, a lost
+// server.
+
+#include "devices/DeviceManager.h"
+#include "engine/AudioEngine.h"
+#include "engine/AudioEngineError.h"
+
+namespace quorbel {
+namespace {
+
+// A device that is plugged in makes several changes in a row; playback moves once, after the last.
+constexpr double outputRestartDelaySeconds = 0.15;
+
+} // namespace
+
+void AudioEngine::scheduleOutputRestart() {
+    if (lifecycle.state() != EngineLifecycle::State::running())
+        return;
+    outputRestartTask =
+        Timer::once(clock_, outputRestartDelaySeconds, [this] { restartProcessEngine(); });
+}
+
+void AudioEngine::restartProcessEngine() {
+    // Capture goes on meanwhile.
+    try {
+        playback_.stop();
+        playback_.configure(deviceManager_, outputDevice_);
+        playback_.start();
+        applySpatial();
+        applyMixer();
+    } catch (const std::exception &error) {
+        failRunning(error.what());
+    }
+}
+
+void AudioEngine::handleHardwareChange() {
+    if (outputDevice_) {
+        const auto listed = deviceManager_.outputDevice(outputDevice_->uid);
+        if (!listed)
+            setOutputDevice(deviceManager_.defaultOutput());
+        else if (listed->id != outputDevice_->id)
+            setOutputDevice(listed); // it went and came back: what plays is bound to the old one
+    }
+
+    const auto defaultUID = deviceManager_.currentDefaultOutputUID();
+    // Between two defaults there is nothing to build a capture around; the next change brings one.
+    if (systemTap.isRunning() && defaultUID && systemTap.builtWithDefaultUID() != defaultUID)
+        rebuildTap();
+}
+
+void AudioEngine::rebuildTap() {
+    try {
+        systemTap.cleanup();
+        activateTap();
+    } catch (const std::exception &error) {
+        failRunning(error.what());
+    }
+}
+
+void AudioEngine::failRunning(std::string_view message) {
+    lifecycle.fail(message);
+    stopTimers();
+    teardown();
+    publishState();
+}
+
+} // namespace quorbel

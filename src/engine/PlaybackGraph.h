@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/graph/AudioGraph.h"
+#include "platform/graph/SourceNode.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace quorbel {
+
+class AudioRingBuffer;
+class DeviceManager;
+class ProcessingChain;
+struct AudioDevice;
+
+/// The playback side of the engine: the ring buffer as the source, the chain, the main mixer, the
+/// output device. [main]
+class PlaybackGraph {
+  public:
+    /// A null `output` cannot be bound to a device. The others must outlive the graph.
+    PlaybackGraph(std::unique_ptr<HardwareOutput> output, ProcessingChain &chain,
+                  AudioRingBuffer &ringBuffer);
+
+    /// Binds the output to the device, says in the log what it runs at, and connects everything
+    /// anew with a new source. While stopped. Throws AudioEngineError without a device, DeviceError
+    /// if it cannot be bound.
+    void configure(const DeviceManager &devices, const std::optional<AudioDevice> &device);
+
+    /// Throws AudioEngineError.
+    void start();
+
+    /// Stops if it runs, and forgets the sound inside.
+    void stop();
+
+    /// Frames ever in which a captured sample was not a finite number.
+    [[nodiscard]] std::uint64_t replacedNonFiniteFrames() const;
+
+  private:
+    void logOutput(const AudioDevice &device);
+    void renewSource();
+
+    ProcessingChain &chain_;
+    AudioRingBuffer &ringBuffer_;
+    std::unique_ptr<SourceNode> sourceNode;
+    std::uint64_t replacedBefore_ = 0; ///< by the sources before this one
+    AudioGraph processEngine;          ///< last: it goes before the nodes that it borrows
+};
+
+} // namespace quorbel

@@ -1,0 +1,120 @@
+#include "engine/ProcessingChain.h"
+
+#include "effects/EffectUnit.h"
+#include "engine/ChainFormat.h"
+#include "engine/UnitSettings.h"
+#include "platform/graph/MixerNode.h"
+
+#include <utility>
+
+namespace quorbel {
+
+/// One call of `instantiateCustomUnits`: counts down, then completes.
+struct ProcessingChain::Instantiation {
+    std::weak_ptr<ProcessingChain *> chain;
+    std::size_t outstanding = 0;
+    std::function<void()> completion;
+};
+
+ProcessingChain::ProcessingChain(const AudioUnitRegistry &registry, Clock &clock,
+                                 std::vector<EQBand> bands)
+    : registry_(registry), clock_(clock), eq_(std::move(bands)),
+      self_(std::make_shared<ProcessingChain *>(this)) {}
+
+ProcessingChain::~ProcessingChain() = default;
+
+void ProcessingChain::instantiateCustomUnits(std::function<void()> completion) {
+    std::vector<std::size_t> missing;
+    for (std::size_t index = 0; index < chainUnitCount; ++index)
+        if (units_[index] == nullptr)
+            missing.push_back(index);
+    auto instantiation = std::make_shared<Instantiation>(
+        Instantiation{self_, missing.size(), std::move(completion)});
+    if (missing.empty())
+        clock_.post([instantiation] {
+            if (!instantiation->chain.expired())
+                instantiation->completion();
+        });
+    for (const std::size_t index : missing)
+        registry_.instantiate(chainUnitDescriptions[index], 0,
+                              [instantiation, index](std::unique_ptr<AudioUnit> unit, Status) {
+                                  const auto chain = instantiation->chain.lock();
+                                  if (chain == nullptr)
+                                      return;
+                                  (*chain)->adopt(static_cast<ChainUnit>(index), std::move(unit));
+                                  if (--instantiation->outstanding == 0)
+                                      instantiation->completion();
+                              });
+}
+
+void ProcessingChain::adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit) {
+    // Of two starts in a row both may have asked for it.
+    if (unit == nullptr || node(which) != nullptr)
+        return;
+    pushSettings(spatial_, which, *unit);
+    pushSettings(mixer_, which, *unit);
+    node(which) = std::make_unique<UnitNode>(std::move(unit));
+}
+
+const AudioUnit *ProcessingChain::unit(ChainUnit which) const {
+    const auto &found = units_[static_cast<std::size_t>(which)];
+    return found ? &found->unit() : nullptr;
+}
+
+std::vector<GraphNode *> ProcessingChain::stages() {
+    std::vector<GraphNode *> result{&eq_.eq(), &toneEQ_.node()};
+    for (const auto &unit : units_)
+        if (unit != nullptr)
+            result.push_back(unit.get());
+    return result;
+}
+
+void ProcessingChain::connect(AudioGraph &graph, SourceNode &source) {
+    const std::vector<GraphNode *> present = stages();
+    for (GraphNode *stage : present)
+        if (!graph.isAttached(*stage))
+            graph.attach(*stage);
+
+    graph.disconnectInput(graph.mainMixer());
+    for (GraphNode *stage : present)
+        graph.disconnectOutput(*stage);
+
+    GraphNode *previous = &source;
+    for (GraphNode *stage : present) {
+        graph.connect(*previous, *stage, chainFormat);
+        previous = stage;
+    }
+    graph.connect(*previous, graph.mainMixer(), chainFormat);
+}
+
+void ProcessingChain::applySpatial(const SpatialConfig &spatial) {
+    spatial_ = spatial;
+    toneEQ_.setGainDB(ToneEqualizer::bass, spatial.toneBassDB);
+    toneEQ_.setGainDB(ToneEqualizer::mid, spatial.toneMidDB);
+    toneEQ_.setGainDB(ToneEqualizer::treble, spatial.toneTrebleDB);
+    for (std::size_t index = 0; index < chainUnitCount; ++index)
+        if (units_[index] != nullptr)
+            pushSettings(spatial, static_cast<ChainUnit>(index), units_[index]->unit());
+}
+
+void ProcessingChain::applyMixer(const MixerConfig &mixer) {
+    mixer_ = mixer;
+    for (std::size_t index = 0; index < chainUnitCount; ++index)
+        if (units_[index] != nullptr)
+            pushSettings(mixer, static_cast<ChainUnit>(index), units_[index]->unit());
+}
+
+MeterReadings ProcessingChain::readings() const {
+    MeterReadings readings;
+    const auto read = [this](ChainUnit which, float &into) {
+        if (const auto *effect = dynamic_cast<const EffectUnit *>(unit(which)))
+            into = effect->readout();
+    };
+    read(ChainUnit::limiter, readings.limiterReductionDB);
+    read(ChainUnit::autoGain, readings.autoGainDB);
+    read(ChainUnit::bassEnhancer, readings.bassTrackedFrequency);
+    read(ChainUnit::voiceEnhancer, readings.voiceConfidence);
+    return readings;
+}
+
+} // namespace quorbel

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "effects/EQProcessor.h"
+#include "effects/ToneEqualizer.h"
+#include "engine/ChainUnits.h"
+#include "engine/MeterReadings.h"
+#include "platform/graph/AudioGraph.h"
+#include "platform/graph/SourceNode.h"
+#include "platform/graph/UnitNode.h"
+#include "platform/units/AudioUnitRegistry.h"
+#include "settings/records/EQBand.h"
+#include "settings/records/MixerConfig.h"
+#include "settings/records/SpatialConfig.h"
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace quorbel {
+
+/// The stages between the source and the main mixer, in their one order, and the settings they were
+/// given last. A unit that could not be made is left out; an effect that is off stays in with a
+/// neutral value.
+///
+/// Lives as long as its graph's owner; the graph must be gone, or the nodes detached, before it.
+/// [main]
+class ProcessingChain {
+  public:
+    /// Registry and clock must outlive the chain.
+    ProcessingChain(const AudioUnitRegistry &registry, Clock &clock, std::vector<EQBand> bands);
+    ~ProcessingChain();
+    ProcessingChain(const ProcessingChain &) = delete;
+    ProcessingChain &operator=(const ProcessingChain &) = delete;
+
+    [[nodiscard]] EQProcessor &eq() { return eq_; }
+
+    /// Makes the units that do not exist yet, each with the settings of the moment from its first
+    /// breath, and calls `completion` when all of them have been made or have failed: never inside
+    /// this call, and not at all if the chain is gone by then.
+    void instantiateCustomUnits(std::function<void()> completion);
+
+    /// Null if the unit does not exist.
+    [[nodiscard]] const AudioUnit *unit(ChainUnit which) const;
+
+    /// Puts the stages that exist between `source`, which must be attached, and the main mixer;
+    /// what a run before left connected is undone first.
+    void connect(AudioGraph &graph, SourceNode &source);
+
+    void applySpatial(const SpatialConfig &spatial);
+    void applyMixer(const MixerConfig &mixer);
+
+    [[nodiscard]] MeterReadings readings() const;
+
+  private:
+    struct Instantiation;
+
+    void adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit);
+    /// Those that exist, in order.
+    [[nodiscard]] std::vector<GraphNode *> stages();
+    [[nodiscard]] std::unique_ptr<UnitNode> &node(ChainUnit which) {
+        return units_[static_cast<std::size_t>(which)];
+    }
+
+    const AudioUnitRegistry &registry_;
+    Clock &clock_;
+    SpatialConfig spatial_;
+    MixerConfig mixer_;
+
+    EQProcessor eq_;
+    ToneEqualizer toneEQ_;
+    std::array<std::unique_ptr<UnitNode>, chainUnitCount> units_;
+    std::shared_ptr<ProcessingChain *> self_; ///< what units on their way find the chain by
+};
+
+} // namespace quorbel
