@@ -1,0 +1,137 @@
+#include "analysis/SpectrumAnalyzer.h"
+
+#include "analysis/SpectrumRing.h"
+#include "platform/dsp/HannWindow.h"
+
+#include <span>
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorbel {
+namespace {
+
+constexpr std::size_t pointCount = 2048;
+constexpr std::size_t binCount = pointCount / 2;
+constexpr std::size_t ringCapacity = 4096;
+constexpr std::uint32_t tapFrames = 512;
+constexpr double tickSeconds = 1.0 / 30.0;
+constexpr float floorDB = -60.0F;
+constexpr float fallPerTick = 0.85F;
+constexpr std::int64_t slowTicks = 3;
+
+/// Writes what a tap delivers into a ring, all channels averaged into one. [tap]
+class MonoFeed {
+  public:
+    explicit MonoFeed(std::shared_ptr<SpectrumRing> ring) : ring_(std::move(ring)) {}
+
+    void operator()(const PCMBuffer &buffer) {
+        const std::uint32_t channels = buffer.format().channelCount;
+        const std::uint32_t frames = buffer.frameLength();
+        if (buffer.channelData(0) == nullptr)
+            return;
+        mono_.assign(frames, 0.0F);
+        for (std::uint32_t channel = 0; channel < channels; ++channel)
+            if (const float *samples = buffer.channelData(channel))
+                for (std::uint32_t i = 0; i < frames; ++i)
+                    mono_[i] += samples[i];
+        if (channels >= 2)
+            for (float &sample : mono_)
+                sample *= 1.0F / static_cast<float>(channels);
+        ring_->write(mono_);
+    }
+
+  private:
+    std::shared_ptr<SpectrumRing> ring_;
+    std::vector<float> mono_;
+};
+
+} // namespace
+
+SpectrumAnalyzer::SpectrumAnalyzer(Clock &clock, QObject *parent)
+    : QObject(parent), clock_(clock), fft_(pointCount),
+      hannWindow_(normalisedHannWindow(pointCount)),
+      ring_(std::make_shared<SpectrumRing>(ringCapacity)), samples_(pointCount), real_(binCount),
+      imaginary_(binCount), magnitudes_(binCount) {
+    for (std::size_t band = 0; band < bandCount; ++band)
+        bandFreqs_[band] = bandFrequency(band);
+}
+
+SpectrumAnalyzer::~SpectrumAnalyzer() { detach(); }
+
+float SpectrumAnalyzer::bandFrequency(std::size_t band) {
+    return 30.0F *
+           std::pow(16000.0F / 30.0F, static_cast<float>(band) / static_cast<float>(bandCount - 1));
+}
+
+void SpectrumAnalyzer::attach(AudioGraph &graph, GraphNode &node) {
+    if (isAttached())
+        return;
+    const StreamFormat format = graph.outputFormat(node);
+    if (!(format.sampleRate > 0.0))
+        return;
+    tapSampleRate_ = static_cast<float>(format.sampleRate);
+    graph.installTap(node, tapFrames, MonoFeed(ring_));
+    graph_ = &graph;
+    tapNode_ = &node;
+    startTimer();
+}
+
+void SpectrumAnalyzer::detach() {
+    timer_.invalidate();
+    if (isAttached())
+        graph_->removeTap(*tapNode_);
+    graph_ = nullptr;
+    tapNode_ = nullptr;
+}
+
+void SpectrumAnalyzer::startTimer() {
+    timer_ = Timer::repeating(clock_, tickSeconds, [this] { computeBands(); });
+}
+
+void SpectrumAnalyzer::computeBands() {
+    if (!ring_->snapshot(samples_))
+        return;
+    computeMagnitudes();
+    for (std::size_t band = 0; band < bandCount; ++band)
+        bands_[band] = std::max(level(band), fallPerTick * bands_[band]);
+    Q_EMIT bandsChanged();
+    if (++ticuri_ % slowTicks == 0) {
+        benziLente_ = bands_;
+        Q_EMIT benziLenteChanged();
+    }
+}
+
+void SpectrumAnalyzer::computeMagnitudes() {
+    for (std::size_t n = 0; n < pointCount; ++n)
+        samples_[n] *= hannWindow_[n];
+    fft_.forward(samples_, real_, imaginary_);
+    magnitudes_[0] = 0.0F;
+    for (std::size_t k = 1; k < binCount; ++k)
+        magnitudes_[k] = std::sqrt(real_[k] * real_[k] + imaginary_[k] * imaginary_[k]) /
+                         static_cast<float>(binCount);
+}
+
+float SpectrumAnalyzer::level(std::size_t band) const {
+    const float binHz = tapSampleRate_ / static_cast<float>(pointCount);
+    const float lower =
+        band == 0 ? 0.7F * bandFreqs_[0] : (bandFreqs_[band - 1] + bandFreqs_[band]) / 2.0F;
+    const float upper = band == bandCount - 1 ? 1.4F * bandFreqs_[band]
+                                              : (bandFreqs_[band] + bandFreqs_[band + 1]) / 2.0F;
+    const float lastBin = static_cast<float>(binCount - 1);
+    const float lo = std::max(std::ceil(lower / binHz), 1.0F);
+    const float hi = std::min(std::floor(upper / binHz), lastBin);
+    // Some of the lowest bands are narrower than a bin and stay dark: so it is meant to be.
+    if (lo > hi)
+        return 0.0F;
+    const auto first = static_cast<std::size_t>(lo);
+    const auto last = static_cast<std::size_t>(hi);
+    float sum = 0.0F;
+    for (std::size_t k = first; k <= last; ++k)
+        sum += magnitudes_[k];
+    const float average = sum / static_cast<float>(last - first + 1);
+    const float decibels = 20.0F * std::log10(std::max(average, 1e-6F));
+    return std::clamp((decibels - floorDB) / -floorDB, 0.0F, 1.0F);
+}
+
+} // namespace quorbel
