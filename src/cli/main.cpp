@@ -1,4 +1,5 @@
 #include "cli/CommandError.h"
+#include "cli/DevicesCommand.h"
 #include "cli/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -33,6 +34,7 @@ int main(int argc, char **argv) {
                      "ostrafine-cli");
     program.require_subcommand(1);
     const quorbel::RenderCommand render(program);
+    const quorbel::DevicesCommand devices(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
@@ -42,6 +44,8 @@ int main(int argc, char **argv) {
     try {
         if (render.isChosen())
             render.run();
+        if (devices.isChosen())
+            devices.run();
         return 0;
     } catch (const std::exception &error) {
         printError(error.what());

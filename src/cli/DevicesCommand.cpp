@@ -1,0 +1,64 @@
+#include "cli/DevicesCommand.h"
+
+#include "cli/SoundServer.h"
+#include "devices/DeviceManager.h"
+#include "platform/threads/ManualClock.h"
+#include "settings/records/json/JsonLiterals.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+
+namespace quorbel {
+
+namespace {
+
+std::string jsonString(const std::string &text) {
+    std::string json;
+    return appendString(json, text) ? json : "null";
+}
+
+void printJson(const std::vector<AudioDevice> &devices, const std::string &defaultUID) {
+    std::string json = "[";
+    for (const AudioDevice &device : devices)
+        json += fmt::format(
+            R"({}{{"uid":{},"name":{},"manufacturer":{},"inputChannels":{},"outputChannels":{},"isDefault":{}}})",
+            json.size() > 1 ? "," : "", jsonString(device.uid), jsonString(device.name),
+            jsonString(device.manufacturer), device.inputChannels, device.outputChannels,
+            device.uid == defaultUID);
+    fmt::print("{}]\n", json);
+}
+
+void printTable(const std::vector<AudioDevice> &devices, const std::string &defaultUID) {
+    std::size_t width = 0;
+    for (const AudioDevice &device : devices)
+        width = std::max(width, device.uid.size());
+    for (const AudioDevice &device : devices)
+        fmt::print("{} {:<{}}  {}, {} channel{}\n", device.uid == defaultUID ? '*' : ' ',
+                   device.uid, width, device.name, device.outputChannels,
+                   device.outputChannels == 1 ? "" : "s");
+    if (devices.empty())
+        fmt::print("No output device found.\n");
+}
+
+} // namespace
+
+DevicesCommand::DevicesCommand(CLI::App &program)
+    : command_(program.add_subcommand("devices", "List the output devices; * marks the default")) {
+    command_->add_flag("--json", json_, "As a JSON array");
+}
+
+void DevicesCommand::run() const {
+    const auto hardware = connectToSoundServer();
+    ManualClock clock; // nothing is waited for
+    const DeviceManager manager(*hardware, clock);
+    const std::string defaultUID = manager.currentDefaultOutputUID().value_or("");
+    if (json_)
+        printJson(manager.outputDevices(), defaultUID);
+    else
+        printTable(manager.outputDevices(), defaultUID);
+}
+
+} // namespace quorbel
