@@ -24,6 +24,12 @@ std::vector<Recording::Segment> cutSegments(std::span<const Recording::Segment> 
     return part;
 }
 
+/// Frames of the graph's clock that lie between two segments which should follow each other.
+std::uint64_t gapBetween(const Recording::Segment &before, const Recording::Segment &after) {
+    const std::uint64_t expected = before.position + before.frames;
+    return after.position > expected ? after.position - expected : 0;
+}
+
 } // namespace
 
 const Recording::Segment &Recording::segmentOf(std::size_t frame) const {
@@ -43,11 +49,28 @@ std::uint64_t Recording::nanosecondsOf(std::size_t frame) const {
 std::uint64_t Recording::missedFrames() const {
     std::uint64_t missed = 0;
     for (std::size_t index = 1; index < segments.size(); ++index) {
-        const Segment &before = segments[index - 1];
-        const std::uint64_t expected = before.position + before.frames;
-        missed += segments[index].position > expected ? segments[index].position - expected : 0;
+        missed += gapBetween(segments[index - 1], segments[index]);
     }
     return missed;
+}
+
+std::vector<Recording> Recording::undisturbedParts(std::size_t marginFrames) const {
+    std::vector<Recording> parts;
+    std::size_t start = 0;
+    const auto endPart = [&](std::size_t end) {
+        if (end > start) {
+            parts.push_back(excerpt(start, end - start));
+        }
+    };
+    for (std::size_t index = 1; index < segments.size(); ++index) {
+        if (gapBetween(segments[index - 1], segments[index]) > 0) {
+            const std::size_t gap = segments[index].start;
+            endPart(gap - std::min(gap, marginFrames));
+            start = gap + marginFrames;
+        }
+    }
+    endPart(frames());
+    return parts;
 }
 
 Recording Recording::excerpt(std::size_t start, std::size_t count) const {

@@ -32,6 +32,11 @@ struct Recording {
     /// Frames that the recorder itself missed, by the clock: gaps between the segments' positions.
     [[nodiscard]] std::uint64_t missedFrames() const;
 
+    /// The recording without the moments in which the recorder itself missed a cycle, which is when
+    /// the machine as a whole stood still: the parts between these moments, each shorter by
+    /// `marginFrames` where it meets one.
+    [[nodiscard]] std::vector<Recording> undisturbedParts(std::size_t marginFrames) const;
+
     /// `count` frames from `start` on.
     [[nodiscard]] Recording excerpt(std::size_t start, std::size_t count) const;
 
