@@ -10,10 +10,14 @@ namespace quorbel {
 /// Converts planar sound from one fixed rate to another, block by block with its state kept:
 /// cutting the input into blocks in any way gives the same samples. Frame accounting is exact
 /// without limit of time.
+///
+/// Flat within 0.01 dB up to 0.907 of half the lower rate (20 kHz at 44.1 kHz) and more than 110 dB
+/// down from half the lower rate on; equal rates are copied.
 class SampleRateConverter {
   public:
-    /// Rates in Hz; 1 to 8 channels. `maximumFrames` is the longest input or output of one
-    /// `process` call. Throws std::invalid_argument for rates that cannot be converted.
+    /// Whole rates of 4000 to 384000 Hz; 1 to 8 channels. `maximumFrames` is the longest input or
+    /// output of one `process` call. Throws std::invalid_argument for rates that cannot be
+    /// converted.
     SampleRateConverter(double sourceRate, double targetRate, std::uint32_t channels,
                         std::uint32_t maximumFrames);
     ~SampleRateConverter();
@@ -24,12 +28,13 @@ class SampleRateConverter {
         std::uint32_t consumed = 0;
         std::uint32_t produced = 0;
     };
-    /// Converts until the input is used up or the output is full. Allocates nothing. [any one
-    /// thread]
+    /// Converts until the input is used up or the output is full. A missing input channel is
+    /// silent, a missing output channel is left out. Allocates nothing. [any one thread]
     Progress process(const AudioBufferList &input, std::uint32_t inputFrames,
                      const AudioBufferList &output, std::uint32_t outputFrames) noexcept;
 
-    /// How many input frames have to be fed for the next `outputFrames` frames to come out.
+    /// How many input frames have to be fed for the next `outputFrames` frames to come out. No
+    /// frame more is consumed for them.
     [[nodiscard]] std::uint64_t inputFramesFor(std::uint64_t outputFrames) const noexcept;
 
     /// From an input sample to the middle of what it becomes, in source frames; `reset` starts with

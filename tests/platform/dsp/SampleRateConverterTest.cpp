@@ -1,0 +1,261 @@
+#include "platform/dsp/SampleRateConverter.h"
+
+#include "platform/dsp/SpectrumMeasurement.h"
+#include "support/RealtimeGuard.h"
+
+#include <gtest/gtest.h>
+#include <span>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numeric>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using testing::amplitudeAt;
+using testing::RealtimeGuard;
+using testing::RealtimeViolations;
+using testing::residualDB;
+using testing::sine;
+
+/// One channel through a converter, `inputBlock` frames of input and room for `outputBlock` at a
+/// time.
+std::vector<float> convert(SampleRateConverter &converter, std::vector<float> sound,
+                           std::size_t frames, std::uint32_t inputBlock = 512,
+                           std::uint32_t outputBlock = 8192) {
+    std::vector<float> result;
+    std::vector<float> room(outputBlock);
+    std::size_t position = 0;
+    while (result.size() < frames) {
+        AudioBufferList from;
+        from.bufferCount = 1;
+        from.data[0] = sound.data() + position;
+        AudioBufferList to;
+        to.bufferCount = 1;
+        to.data[0] = room.data();
+        const auto offered =
+            static_cast<std::uint32_t>(std::min<std::size_t>(inputBlock, sound.size() - position));
+        const auto wanted =
+            static_cast<std::uint32_t>(std::min<std::size_t>(outputBlock, frames - result.size()));
+        const auto progress = converter.process(from, offered, to, wanted);
+        position += progress.consumed;
+        result.insert(result.end(), room.begin(), room.begin() + progress.produced);
+        if (progress.produced == 0 && position == sound.size())
+            break;
+    }
+    return result;
+}
+
+/// The second second of a sine of `amplitude` at 1 (played for three).
+std::vector<float> convertedSine(double from, double to, double frequency, double amplitude) {
+    SampleRateConverter converter(from, to, 1, 8192);
+    const auto frames = static_cast<std::size_t>(from) * 3;
+    const std::vector<float> result = convert(converter, sine(frequency, amplitude, frames, from),
+                                              static_cast<std::size_t>(to) * 2);
+    return {result.begin() + static_cast<std::ptrdiff_t>(to), result.end()};
+}
+
+double decibels(double ratio) { return 20.0 * std::log10(ratio); }
+
+double levelDB(std::span<const float> sound) {
+    double sum = 0.0;
+    for (const float sample : sound)
+        sum += static_cast<double>(sample) * static_cast<double>(sample);
+    return 10.0 * std::log10(2.0 * sum / static_cast<double>(sound.size()));
+}
+
+struct Rates {
+    double from;
+    double to;
+};
+
+class ConverterQuality : public ::testing::TestWithParam<Rates> {};
+
+TEST_P(ConverterQuality, keepsDistortionRippleAndImagesDown) {
+    const auto [from, to] = GetParam();
+    const double loud = std::pow(10.0, -1.0 / 20.0);
+    const double distortion = residualDB(convertedSine(from, to, 1000.0, loud), 1000.0, to);
+    RecordProperty("distortion_dB", std::to_string(distortion));
+    EXPECT_LT(distortion, -110.0);
+
+    double worstRipple = 0.0;
+    double worstImage = -200.0;
+    for (const double frequency :
+         {20.0, 1000.0, 5000.0, 10000.0, 15000.0, 18000.0, 19000.0, 20000.0}) {
+        const std::vector<float> sound = convertedSine(from, to, frequency, 0.5);
+        const double gain = decibels(amplitudeAt(sound, frequency, to) / 0.5);
+        worstRipple = std::max(worstRipple, std::abs(gain));
+        worstImage = std::max(worstImage, residualDB(sound, frequency, to));
+    }
+    // What lies above half the new rate has nowhere to go.
+    for (double frequency = to / 2.0 + 20.0; frequency < from / 2.0; frequency += 97.0)
+        worstImage = std::max(worstImage, levelDB(convertedSine(from, to, frequency, 1.0)));
+    RecordProperty("ripple_dB", std::to_string(worstRipple));
+    RecordProperty("images_dB", std::to_string(worstImage));
+    EXPECT_LT(worstRipple, 0.1);
+    EXPECT_LT(worstImage, -100.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, ConverterQuality,
+                         ::testing::Values(Rates{44100, 48000}, Rates{48000, 44100},
+                                           Rates{48000, 96000}, Rates{48000, 192000}));
+
+TEST(SampleRateConverter, convertsAnyPairOfWholeRates) {
+    for (const auto [from, to] : {Rates{4000, 384000},
+                                  {384000, 4000},
+                                  {48000, 4000},
+                                  {12345, 48000},
+                                  {48000, 44099},
+                                  {383997, 4001},
+                                  {47999, 48000},
+                                  {88200, 48000}}) {
+        const double frequency = 0.1 * std::min(from, to);
+        const std::vector<float> sound = convertedSine(from, to, frequency, 0.5);
+        EXPECT_NEAR(decibels(amplitudeAt(sound, frequency, to) / 0.5), 0.0, 0.01)
+            << from << " to " << to;
+        EXPECT_LT(residualDB(sound, frequency, to), -90.0) << from << " to " << to;
+    }
+}
+
+TEST(SampleRateConverter, namesTheRatesThatItRefuses) {
+    for (const auto [from, to] :
+         {Rates{3999, 48000}, {48000, 384001}, {44100.5, 48000}, {0, 0}, {-1, 48000}}) {
+        try {
+            const SampleRateConverter converter(from, to, 2, 512);
+            FAIL() << from << " to " << to << " was accepted";
+        } catch (const std::invalid_argument &error) {
+            const std::string text = error.what();
+            EXPECT_NE(text.find(" Hz to "), std::string::npos) << text;
+        }
+    }
+    EXPECT_THROW(SampleRateConverter(44100, 48000, 0, 512), std::invalid_argument);
+    EXPECT_THROW(SampleRateConverter(44100, 48000, 9, 512), std::invalid_argument);
+}
+
+TEST(SampleRateConverter, givesTheSameSamplesHoweverTheSoundIsCut) {
+    std::mt19937 random(11);
+    std::uniform_real_distribution<float> uniform(-1.0F, 1.0F);
+    std::vector<float> noise(30000);
+    std::generate(noise.begin(), noise.end(), [&] { return uniform(random); });
+    for (const auto [from, to] :
+         {Rates{44100, 48000}, {48000, 44100}, {48000, 47999}, {192000, 8000}}) {
+        SampleRateConverter converter(from, to, 1, 8192);
+        const auto frames = static_cast<std::size_t>(20000.0 * to / from);
+        const std::vector<float> whole = convert(converter, noise, frames, 8192, 8192);
+        for (const auto &[inputBlock, outputBlock] :
+             {std::pair{1U, 1U}, {1U, 8192U}, {7U, 3U}, {64U, 1000U}, {5000U, 1U}}) {
+            converter.reset();
+            EXPECT_EQ(convert(converter, noise, frames, inputBlock, outputBlock), whole)
+                << from << " to " << to << " in blocks of " << inputBlock << " and " << outputBlock;
+        }
+    }
+}
+
+// An hour of silence, in blocks as a device asks for them: what goes in and out must be whole
+// numbers' worth of the ratio to the frame, and what a block needs must be known beforehand.
+TEST(SampleRateConverter, countsFramesExactlyForAnHour) {
+    for (const auto [from, to] : {Rates{44100, 48000}, {48000, 44100}, {44099, 48000}}) {
+        SampleRateConverter converter(from, to, 1, 8192);
+        const AudioBufferList silence; // no channels: nothing but counting is done
+        AudioBufferList nowhere;
+        std::uint64_t consumed = 0;
+        std::uint64_t produced = 0;
+        std::mt19937 random(5);
+        const auto hour = static_cast<std::uint64_t>(to) * 3600;
+        while (produced < hour) {
+            const auto wanted = static_cast<std::uint32_t>(1 + random() % 6000);
+            const auto needed = static_cast<std::uint32_t>(converter.inputFramesFor(wanted));
+            const auto progress = converter.process(silence, needed, nowhere, wanted);
+            ASSERT_EQ(progress.produced, wanted);
+            ASSERT_EQ(progress.consumed, needed);
+            consumed += needed;
+            produced += wanted;
+            ASSERT_EQ(consumed, 1 + (produced - 1) * static_cast<std::uint64_t>(from) /
+                                        static_cast<std::uint64_t>(to));
+        }
+    }
+}
+
+TEST(SampleRateConverter, needsExactlyTheInputItAsksFor) {
+    for (const auto [from, to] :
+         {Rates{44100, 48000}, {48000, 44100}, {384000, 4000}, {48000, 47999}, {8000, 48000}}) {
+        SampleRateConverter converter(from, to, 2, 8192);
+        std::vector<float> silence(400000);
+        AudioBufferList buffer(silence.data(), silence.data());
+        AudioBufferList nowhere;
+        for (const std::uint32_t wanted : {1U, 1U, 2U, 63U, 64U, 500U, 1U}) {
+            const auto needed = static_cast<std::uint32_t>(converter.inputFramesFor(wanted));
+            if (needed > 0) {
+                const auto tooLittle = converter.process(buffer, needed - 1, nowhere, wanted);
+                EXPECT_EQ(tooLittle.consumed, needed - 1);
+                EXPECT_LT(tooLittle.produced, wanted) << from << " to " << to;
+                const auto rest =
+                    converter.process(buffer, 100, nowhere, wanted - tooLittle.produced);
+                EXPECT_EQ(rest.consumed, 1U);
+                EXPECT_EQ(tooLittle.produced + rest.produced, wanted);
+            } else {
+                EXPECT_EQ(converter.process(buffer, 0, nowhere, wanted).produced, wanted);
+            }
+        }
+    }
+}
+
+TEST(SampleRateConverter, delaysByItsLatency) {
+    for (const auto [from, to] :
+         {Rates{44100, 48000}, {48000, 44100}, {192000, 8000}, {48000, 47999}, {48000, 48000}}) {
+        SampleRateConverter converter(from, to, 1, 8192);
+        const auto at = static_cast<std::size_t>(from) / 4;
+        std::vector<float> impulse(static_cast<std::size_t>(from));
+        impulse[at] = 1.0F;
+        const std::vector<float> response =
+            convert(converter, impulse, static_cast<std::size_t>(to) * 3 / 4);
+        double sum = 0.0;
+        double moment = 0.0;
+        for (std::size_t i = 0; i < response.size(); ++i) {
+            const double weight = std::pow(static_cast<double>(response[i]), 2);
+            sum += weight;
+            moment += weight * static_cast<double>(i);
+        }
+        const double middle = moment / sum * from / to;
+        EXPECT_NEAR(middle - static_cast<double>(at), converter.latencyFrames(),
+                    0.02 * std::max(1.0, from / to))
+            << from << " to " << to;
+    }
+}
+
+TEST(SampleRateConverter, keepsChannelsApart) {
+    SampleRateConverter converter(44100, 48000, 3, 4096);
+    std::vector<float> sound = sine(1000.0, 0.5, 4096, 44100);
+    AudioBufferList from;
+    from.bufferCount = 3;
+    from.data = {sound.data(), nullptr, sound.data()};
+    std::vector<float> first(3000), second(3000, 1.0F);
+    AudioBufferList to(first.data(), second.data()); // the third is left out
+    const auto progress = converter.process(from, 4096, to, 3000);
+    ASSERT_EQ(progress.produced, 3000U);
+    EXPECT_GT(levelDB(first), -7.0);
+    EXPECT_EQ(second, std::vector<float>(3000));
+}
+
+TEST(SampleRateConverter, allocatesNothingWhileConverting) {
+    SampleRateConverter oneStage(44100, 48000, 2, 512);
+    SampleRateConverter twoStages(384000, 8000, 2, 512);
+    std::vector<float> sound(512);
+    const AudioBufferList buffer(sound.data(), sound.data());
+    const RealtimeGuard guard;
+    for (int i = 0; i < 100; ++i) {
+        oneStage.process(buffer, 512, {}, 512);
+        twoStages.process(buffer, 512, {}, 512);
+    }
+    oneStage.reset();
+    EXPECT_EQ(guard.violations(), RealtimeViolations{});
+}
+
+} // namespace
+} // namespace quorbel
