@@ -1,0 +1,79 @@
+#pragma once
+
+#include "settings/records/Persisted.h"
+
+#include <gtest/gtest.h>
+#include <sndfile.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace quorbel {
+
+/// Interleaved samples of a sound file.
+struct Sound {
+    int sampleRate = 48000;
+    int channels = 2;
+    std::vector<float> samples;
+
+    [[nodiscard]] std::size_t frames() const {
+        return samples.size() / static_cast<std::size_t>(channels);
+    }
+    [[nodiscard]] float at(std::size_t frame, std::size_t channel) const {
+        return samples[frame * static_cast<std::size_t>(channels) + channel];
+    }
+};
+
+/// White noise between -0.5 and 0.5, the same at every call.
+Sound noise(std::size_t frames, int sampleRate = 48000, int channels = 2);
+
+/// Runs the built program in a folder of its own, away from the user's settings.
+class CliTest : public testing::Test {
+  protected:
+    struct Result {
+        int status = -1;
+        std::string output;
+        std::string errors;
+    };
+
+    CliTest();
+    ~CliTest() override;
+
+    [[nodiscard]] std::string path(const std::string &name) const {
+        return (folder_ / name).string();
+    }
+    std::string file(const std::string &name, const std::string &bytes) const;
+    std::string file(const std::string &name, const Sound &sound,
+                     int format = SF_FORMAT_WAV | SF_FORMAT_FLOAT) const;
+    std::string file(const std::string &name, const Persisted &settings) const;
+
+    [[nodiscard]] static std::string bytes(const std::string &path);
+    [[nodiscard]] static Sound sound(const std::string &path);
+
+    /// Names and contents of everything in the folder.
+    [[nodiscard]] std::map<std::string, std::string> folderContents() const;
+
+    /// Runs the program to its end; after `deadlineSeconds` it is killed and the test fails.
+    [[nodiscard]] Result run(const std::vector<std::string> &arguments) const;
+
+    /// Starts it, to be ended by `waitFor`.
+    [[nodiscard]] pid_t start(const std::vector<std::string> &arguments) const;
+    [[nodiscard]] Result waitFor(pid_t process) const;
+
+    /// Expects failure with exactly one line that holds `part`, and everything in the folder as it
+    /// was.
+    void expectRefusal(const std::vector<std::string> &arguments, const std::string &part) const;
+
+    /// Settings that leave every sample as it is.
+    [[nodiscard]] static Persisted flatSettings();
+
+  private:
+    std::filesystem::path root_;
+    std::filesystem::path folder_; ///< the program's own output is kept beside it
+};
+
+} // namespace quorbel

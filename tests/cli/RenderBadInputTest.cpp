@@ -1,0 +1,140 @@
+#include "cli/CliTest.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace quorbel {
+namespace {
+
+using RenderBadInput = CliTest;
+
+TEST_F(RenderBadInput, inputsThatAreNoUsableSoundAreRefusedByName) {
+    const std::string good = bytes(file("in.wav", noise(5000)));
+    file("empty.wav", std::string());
+    file("none.wav", noise(0));
+    file("text.wav", std::string(3000, 'x') + "\n");
+    file("picture.png", "\x89PNG\r\n\x1a\n" + std::string(5000, '\7'));
+    file("eight.wav", noise(100, 48000, 8));
+    file("header.wav", good.substr(0, 30));
+    file("half.wav", good.substr(0, good.size() / 2));
+    file("almost.wav", good.substr(0, good.size() - 3));
+    file("line\nbreak.wav", std::string("x"));
+    std::filesystem::create_directory(path("folder"));
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+
+    expectRefusal({"render", "missing.wav", "out.wav"}, "missing.wav: No such file");
+    expectRefusal({"render", "empty.wav", "out.wav"}, "empty.wav: is empty");
+    expectRefusal({"render", "none.wav", "out.wav"}, "none.wav: holds no sound");
+    expectRefusal({"render", "text.wav", "out.wav"}, "text.wav: is not a sound file");
+    expectRefusal({"render", "picture.png", "out.wav"}, "picture.png: is not a sound file");
+    expectRefusal({"render", "eight.wav", "out.wav"}, "eight.wav: has 8 channels");
+    expectRefusal({"render", "header.wav", "out.wav"}, "header.wav: is not a sound file");
+    expectRefusal({"render", "half.wav", "out.wav"}, "half.wav: is truncated");
+    expectRefusal({"render", "almost.wav", "out.wav"}, "almost.wav: is truncated");
+    expectRefusal({"render", "line\nbreak.wav", "out.wav"}, "line?break.wav: is not a sound file");
+    expectRefusal({"render", "folder", "out.wav"}, "folder: is a directory");
+    expectRefusal({"render", "pipe", "out.wav"}, "pipe: is not a regular file");
+    expectRefusal({"render", "/dev/zero", "out.wav"}, "/dev/zero: is not a regular file");
+}
+
+TEST_F(RenderBadInput, aCutFileIsNoticedInEveryFormatThatTellsItsLength) {
+    for (const int format : {SF_FORMAT_WAV | SF_FORMAT_PCM_24, SF_FORMAT_AIFF | SF_FORMAT_PCM_16,
+                             SF_FORMAT_AU | SF_FORMAT_FLOAT, SF_FORMAT_W64 | SF_FORMAT_FLOAT,
+                             SF_FORMAT_RF64 | SF_FORMAT_FLOAT, SF_FORMAT_FLAC | SF_FORMAT_PCM_16,
+                             SF_FORMAT_CAF | SF_FORMAT_PCM_16}) {
+        SCOPED_TRACE(format);
+        const std::string whole = bytes(file("whole", noise(20000), format));
+        EXPECT_EQ(run({"render", "whole", "out.wav"}).status, 0);
+        std::filesystem::remove(path("out.wav"));
+        file("cut", whole.substr(0, whole.size() * 2 / 3));
+        expectRefusal({"render", "cut", "out.wav"}, "cut: ");
+    }
+}
+
+// Programs that write into a pipe cannot know the length beforehand.
+TEST_F(RenderBadInput, aLengthLeftOpenIsNoCut) {
+    std::string open = bytes(file("in.wav", noise(1000)));
+    const auto data = open.find("data");
+    ASSERT_NE(data, std::string::npos);
+    open.replace(data + 4, 4, "\xff\xff\xff\xff");
+    file("open.wav", open);
+    EXPECT_EQ(run({"render", "open.wav", "out.wav"}).status, 0);
+    EXPECT_EQ(sound(path("out.wav")).frames(), 1000U);
+}
+
+TEST_F(RenderBadInput, outputsThatCannotBeWrittenAreRefusedByName) {
+    file("in.wav", noise(1000));
+    std::filesystem::create_directory(path("folder"));
+    std::filesystem::create_hard_link(path("in.wav"), path("hard.wav"));
+    std::filesystem::create_symlink("in.wav", path("soft.wav"));
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+
+    expectRefusal({"render", "in.wav", "nowhere/out.wav"}, "nowhere/out.wav: cannot be written");
+    expectRefusal({"render", "in.wav", "in.wav/out.wav"}, "in.wav/out.wav: cannot be written");
+    expectRefusal({"render", "in.wav", "folder"}, "folder: is a directory");
+    expectRefusal({"render", "in.wav", "pipe"}, "pipe: is not a regular file");
+    expectRefusal({"render", "in.wav", "/dev/null"}, "/dev/null: is not a regular file");
+    expectRefusal({"render", "in.wav", "in.wav"}, "in.wav: is the same file as the input");
+    expectRefusal({"render", "in.wav", "./folder/../in.wav"}, "is the same file as the input");
+    expectRefusal({"render", "in.wav", "hard.wav"}, "hard.wav: is the same file as the input");
+    expectRefusal({"render", "in.wav", "soft.wav"}, "soft.wav: is the same file as the input");
+    expectRefusal({"render", "soft.wav", "in.wav"}, "in.wav: is the same file as the input");
+    if (geteuid() != 0) {
+        ASSERT_EQ(chmod(path("folder").c_str(), 0500), 0);
+        expectRefusal({"render", "in.wav", "folder/out.wav"}, "Permission denied");
+    }
+}
+
+TEST_F(RenderBadInput, aFullDiskLeavesTheOldOutputAndNothingElse) {
+    file("in.wav", noise(200000));
+    file("out.wav", std::string("what was there before"));
+    expectRefusal({"/bin/sh", "-c", "ulimit -f 200; exec " QUORBEL_CLI " render in.wav out.wav"},
+                  "out.wav: cannot be written: ");
+}
+
+TEST_F(RenderBadInput, anInterruptedRenderLeavesNothing) {
+    // Longer than any machine needs to see that it has begun; the samples take no room on the disk.
+    std::string header = bytes(file("in.wav", noise(0), SF_FORMAT_W64 | SF_FORMAT_PCM_16));
+    constexpr std::uint64_t soundBytes = std::uint64_t{8} << 30U;
+    const auto putLength = [&](std::size_t at, std::uint64_t length) {
+        for (std::size_t byte = 0; byte < 8; ++byte)
+            header[at + byte] = static_cast<char>(length >> (8 * byte));
+    };
+    putLength(16, header.size() + soundBytes);
+    putLength(header.size() - 8, 24 + soundBytes);
+    file("in.wav", header);
+    std::filesystem::resize_file(path("in.wav"), header.size() + soundBytes);
+
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const pid_t process = start({"render", "in.wav", "out.wav"});
+        const auto holdsOutput = [&] {
+            std::error_code gone;
+            for (const auto &entry : std::filesystem::directory_iterator(
+                     "/proc/" + std::to_string(process) + "/fd", gone)) {
+                const auto target = std::filesystem::read_symlink(entry, gone).string();
+                if (target.starts_with(path("")) && !target.ends_with("in.wav"))
+                    return true;
+            }
+            return false;
+        };
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (!holdsOutput() && std::chrono::steady_clock::now() < end)
+            std::this_thread::yield();
+        EXPECT_TRUE(holdsOutput());
+        kill(process, signal);
+        const Result result = waitFor(process);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.errors, "ostrafine-cli: interrupted, out.wav was not written\n");
+        const std::vector<std::filesystem::directory_entry> left{
+            std::filesystem::directory_iterator(path("")), {}};
+        EXPECT_EQ(left.size(), 1U) << "more than the input is left";
+    }
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,96 @@
+#include "cli/CliTest.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+namespace quorbel {
+namespace {
+
+class RenderSettings : public CliTest {
+  protected:
+    static Persisted settingsWithGain(float gainDB) {
+        Persisted settings = flatSettings();
+        settings.eqGlobalGainDB = gainDB;
+        return settings;
+    }
+
+    /// The gain in dB from IN to OUT, over the frames from `first` to `last`.
+    [[nodiscard]] double gain(std::size_t first, std::size_t last) const {
+        const Sound in = sound(path("in.wav"));
+        const Sound out = sound(path("out.wav"));
+        double inPower = 0.0;
+        double outPower = 0.0;
+        for (std::size_t frame = first; frame < last; ++frame) {
+            inPower += std::pow(static_cast<double>(in.at(frame, 0)), 2);
+            outPower += std::pow(static_cast<double>(out.at(frame, 0)), 2);
+        }
+        return 10.0 * std::log10(outPower / inPower);
+    }
+};
+
+TEST_F(RenderSettings, aFileThatDoesNotDecodeIsNamedWithThePlaceInItAndLeftAlone) {
+    file("in.wav", noise(100));
+    file("good.json", flatSettings());
+    file("broken.json", std::string("{\"bands\": ["));
+    file("empty.json", std::string());
+    file("band.json", std::string(R"({"bands":[{"frequency":63},{"frequency":"125"}]})"));
+    std::string preset = bytes(path("good.json"));
+    preset.replace(preset.find(R"("presets":[)"), 11, R"("presets":[{"id":7})");
+    file("preset.json", preset);
+
+    expectRefusal({"render", "--settings", "missing.json", "in.wav", "out.wav"},
+                  "missing.json: No such file");
+    expectRefusal({"render", "--settings", "broken.json", "in.wav", "out.wav"},
+                  "broken.json: bands[0]: not valid JSON at line 1, column 12");
+    expectRefusal({"render", "--settings", "empty.json", "in.wav", "out.wav"},
+                  "empty.json: empty, holds no JSON");
+    expectRefusal({"render", "--settings", "band.json", "in.wav", "out.wav"},
+                  "band.json: bands[1].frequency: expected a number, found \"125\"");
+    expectRefusal({"render", "--settings", "preset.json", "in.wav", "out.wav"},
+                  "preset.json: presets[0].id: expected a UUID, found 7");
+    expectRefusal(
+        {"render", "--settings", "good.json", "--at", "1", "band.json", "in.wav", "out.wav"},
+        "band.json: bands[1].frequency: ");
+}
+
+TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefaults) {
+    file("in.wav", noise(20000));
+    file("louder.json", settingsWithGain(3.0F));
+    ASSERT_EQ(run({"render", "in.wav", "out.wav"}).status, 0);
+    EXPECT_NEAR(gain(10000, 19000), 0.0, 0.01);
+
+    std::filesystem::create_directory(path("../Quorbel"));
+    file("../Quorbel/state.json", settingsWithGain(-6.0F));
+    ASSERT_EQ(run({"render", "in.wav", "out.wav"}).status, 0);
+    EXPECT_NEAR(gain(10000, 19000), -6.0, 0.01);
+    ASSERT_EQ(run({"render", "--settings", "louder.json", "in.wav", "out.wav"}).status, 0);
+    EXPECT_NEAR(gain(10000, 19000), 3.0, 0.01);
+
+    std::filesystem::remove(path("out.wav"));
+    file("../Quorbel/state.json", std::string("{}"));
+    expectRefusal({"render", "in.wav", "out.wav"}, "state.json: bands: required, but missing");
+    EXPECT_EQ(bytes(path("../Quorbel/state.json")), "{}");
+}
+
+TEST_F(RenderSettings, changeAtTheFirstBlockBoundaryAtOrAfterTheTimeGiven) {
+    file("in.wav", noise(96000));
+    file("flat.json", flatSettings());
+    file("quiet.json", settingsWithGain(-12.0F));
+    file("louder.json", settingsWithGain(6.0F));
+    // Given out of order; 0.7 s lies inside the block that begins at 33280.
+    ASSERT_EQ(run({"render", "--settings", "flat.json", "--at", "1.5", "louder.json", "--at", "0.7",
+                   "quiet.json", "in.wav", "out.wav"})
+                  .status,
+              0);
+    const Sound in = sound(path("in.wav"));
+    const Sound out = sound(path("out.wav"));
+    ASSERT_EQ(out.frames(), in.frames());
+    for (std::size_t sample = 0; sample < 2U * 33792; ++sample)
+        ASSERT_EQ(out.samples[sample], in.samples[sample]) << sample;
+    EXPECT_NEAR(gain(48000, 70000), -12.0, 0.01);
+    EXPECT_NEAR(gain(84000, 95000), 6.0, 0.01);
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,134 @@
+#include "cli/CliTest.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace quorbel {
+namespace {
+
+class RenderSound : public CliTest {
+  protected:
+    /// Renders `in` and returns OUT; extra arguments come first.
+    [[nodiscard]] Sound rendered(const Sound &in, std::vector<std::string> arguments = {}) const {
+        file("in.wav", in);
+        arguments.insert(arguments.begin(), "render");
+        arguments.insert(arguments.end(), {"in.wav", "out.wav"});
+        const Result result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_EQ(result.errors, "");
+        return sound(path("out.wav"));
+    }
+
+    static Persisted busySettings() {
+        Persisted settings = flatSettings();
+        for (std::size_t band = 0; band < settings.bands.size(); ++band)
+            settings.bands[band].gainDB = band % 2 == 0 ? 6.0F : -4.5F;
+        settings.eqGlobalGainDB = -3.0F;
+        settings.spatial.toneBassDB = 4.0F;
+        settings.spatial.toneTrebleDB = -2.0F;
+        return settings;
+    }
+};
+
+TEST_F(RenderSound, flatSettingsGiveEverySampleBackBitForBit) {
+    file("flat.json", flatSettings());
+    const Sound stereo = noise(30001);
+    const Sound out = rendered(stereo, {"--settings", "flat.json"});
+    EXPECT_EQ(out.sampleRate, 48000);
+    EXPECT_EQ(out.channels, 2);
+    EXPECT_TRUE(out.samples == stereo.samples);
+
+    const Sound mono = noise(4097, 48000, 1);
+    const Sound both = rendered(mono, {"--settings", "flat.json"});
+    ASSERT_EQ(both.frames(), mono.frames());
+    for (std::size_t frame = 0; frame < mono.frames(); ++frame) {
+        ASSERT_EQ(both.at(frame, 0), mono.samples[frame]);
+        ASSERT_EQ(both.at(frame, 1), mono.samples[frame]);
+    }
+}
+
+TEST_F(RenderSound, equalInputsGiveEqualBytesWhateverTheBlock) {
+    file("busy.json", busySettings());
+    for (const int rate : {48000, 44100}) {
+        const Sound in = noise(20011, rate);
+        (void)rendered(in, {"--settings", "busy.json"});
+        const std::string reference = bytes(path("out.wav"));
+        EXPECT_NE(sound(path("out.wav")).samples, in.samples);
+        for (const char *block : {"512", "1", "7", "480", "8192"}) {
+            (void)rendered(in, {"--settings", "busy.json", "--block", block});
+            EXPECT_TRUE(bytes(path("out.wav")) == reference) << rate << " Hz, blocks of " << block;
+        }
+    }
+}
+
+TEST_F(RenderSound, anyRateBecomesExactlyAsManyFramesAsItLasts) {
+    for (const int rate : {8000, 11025, 22050, 32000, 44100, 48000, 88200, 96000, 192000}) {
+        for (const std::size_t frames : {1, 2, 999, 44100}) {
+            const auto expected = static_cast<std::size_t>(
+                std::llround(static_cast<double>(frames) * 48000.0 / rate));
+            const Sound out = rendered(noise(frames, rate));
+            EXPECT_EQ(out.frames(), expected) << frames << " frames at " << rate << " Hz";
+            EXPECT_EQ(out.sampleRate, 48000);
+        }
+    }
+}
+
+// A converter that answers late or early by a fraction of a frame would be off by several percent
+// here.
+TEST_F(RenderSound, aConvertedFileKeepsItsPlaceInTime) {
+    file("flat.json", flatSettings());
+    for (const int rate : {22050, 44100, 96000}) {
+        const double hz = 997.0;
+        Sound in{rate, 2, {}};
+        for (int frame = 0; frame < rate / 2; ++frame) {
+            const double phase = 2.0 * std::numbers::pi * hz * frame / rate;
+            in.samples.push_back(static_cast<float>(0.5 * std::sin(phase)));
+            in.samples.push_back(static_cast<float>(0.5 * std::cos(phase)));
+        }
+        const Sound out = rendered(in, {"--settings", "flat.json"});
+        double largest = 0.0;
+        for (std::size_t frame = 2000; frame < out.frames() - 2000; ++frame) {
+            const double phase = 2.0 * std::numbers::pi * hz * static_cast<double>(frame) / 48000.0;
+            largest = std::max(
+                largest, std::abs(static_cast<double>(out.at(frame, 0)) - 0.5 * std::sin(phase)));
+            largest = std::max(
+                largest, std::abs(static_cast<double>(out.at(frame, 1)) - 0.5 * std::cos(phase)));
+        }
+        EXPECT_LT(largest, 1e-4) << rate << " Hz";
+    }
+}
+
+TEST_F(RenderSound, samplesThatAreNoNumbersArePlayedAsZeroAndCounted) {
+    for (const int rate : {48000, 44100}) {
+        Sound in = noise(9000, rate);
+        in.samples[200] = std::numeric_limits<float>::quiet_NaN();
+        in.samples[201] = std::numeric_limits<float>::infinity();
+        in.samples[9001] = -std::numeric_limits<float>::infinity();
+        file("in.wav", in);
+        file("busy.json", busySettings());
+        const Result result = run({"render", "--settings", "busy.json", "in.wav", "out.wav"});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_THAT(result.errors, testing::StartsWith("in.wav: 2 frames held samples"));
+        EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1);
+        const Sound out = sound(path("out.wav"));
+        EXPECT_TRUE(std::all_of(out.samples.begin(), out.samples.end(),
+                                [](float sample) { return std::isfinite(sample); }));
+    }
+}
+
+TEST_F(RenderSound, anExistingOutputIsReplacedWholeAndALinkStaysALink) {
+    file("target.wav", std::string(1000000, 'x'));
+    std::filesystem::create_symlink("target.wav", path("out.wav"));
+    const Sound out = rendered(noise(100));
+    EXPECT_EQ(out.frames(), 100U);
+    EXPECT_TRUE(std::filesystem::is_symlink(path("out.wav")));
+    EXPECT_EQ(bytes(path("target.wav")), bytes(path("out.wav")));
+    EXPECT_EQ(folderContents().size(), 3U);
+}
+
+} // namespace
+} // namespace quorbel

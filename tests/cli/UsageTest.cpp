@@ -1,0 +1,49 @@
+#include "cli/CliTest.h"
+
+#include <gmock/gmock.h>
+
+namespace quorbel {
+namespace {
+
+using testing::HasSubstr;
+
+using Usage = CliTest;
+
+TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
+    const std::vector<std::vector<std::string>> commandLines{
+        {""},
+        {"play"},
+        {"render"},
+        {"render", "in.wav"},
+        {"render", "in.wav", "out.wav", "more.wav"},
+        {"render", "--block", "0", "in.wav", "out.wav"},
+        {"render", "--block", "8193", "in.wav", "out.wav"},
+        {"render", "--block", "many", "in.wav", "out.wav"},
+        {"render", "--at", "-1", "s.json", "in.wav", "out.wav"},
+        {"render", "--at", "nan", "s.json", "in.wav", "out.wav"},
+        {"render", "--unheard-of", "in.wav", "out.wav"},
+    };
+    for (const auto &arguments : commandLines) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const Result result = run(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_NE(result.errors, "");
+        EXPECT_TRUE(folderContents().empty());
+    }
+}
+
+TEST_F(Usage, helpNamesEveryCommandAndIsNoFailure) {
+    const Result result = run({"--help"});
+    EXPECT_EQ(result.status, 0);
+    for (const char *command : {"render", "devices"})
+        EXPECT_THAT(result.output, HasSubstr(command));
+    EXPECT_THAT(run({"render", "--help"}).output, HasSubstr("--block"));
+}
+
+TEST_F(Usage, withoutASoundServerOneLineSaysHowToStartOne) {
+    expectRefusal({"devices"}, "systemctl --user start pipewire");
+    expectRefusal({"devices", "--json"}, "systemctl --user start pipewire");
+}
+
+} // namespace
+} // namespace quorbel
