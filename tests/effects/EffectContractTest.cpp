@@ -1,8 +1,9 @@
 // What every effect unit of the chain promises, whatever it does to the sound.
 
 #include "effects/EffectComponents.h"
+#include "effects/GainTestUnit.h"
 #include "effects/UnitHarness.h"
-#include "effects/units/GainTestUnit.h"
+#include "effects/units/LimiterUnit.h"
 #include "platform/threads/ManualClock.h"
 #include "support/RealtimeGuard.h"
 
@@ -29,6 +30,7 @@ struct EffectTraits {
 
 const std::map<std::string, EffectTraits> &traits() {
     static const std::map<std::string, EffectTraits> table{
+        {"Limiter", {.neutral = {{LimiterUnit::enabled, 0.0F}}}},
         {"Test", {.neutral = {{GainTestUnit::enabled, 0.0F}}}},
     };
     return table;

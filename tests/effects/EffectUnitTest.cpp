@@ -1,8 +1,8 @@
 #include "effects/EffectUnit.h"
 
 #include "effects/EffectComponents.h"
+#include "effects/GainTestUnit.h"
 #include "effects/UnitHarness.h"
-#include "effects/units/GainTestUnit.h"
 #include "platform/threads/ManualClock.h"
 #include "platform/units/UnitStatus.h"
 

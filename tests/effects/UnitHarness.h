@@ -62,12 +62,13 @@ inline double difference(const Sound &a, const Sound &b) {
 /// Plays sound through a unit as the graph does.
 class UnitHarness {
   public:
-    explicit UnitHarness(std::unique_ptr<AudioUnit> unit) : node_(std::move(unit)) {}
+    explicit UnitHarness(std::unique_ptr<AudioUnit> unit)
+        : node_(std::make_unique<UnitNode>(std::move(unit))) {}
 
-    [[nodiscard]] AudioUnit &unit() { return node_.unit(); }
+    [[nodiscard]] AudioUnit &unit() { return node_->unit(); }
 
     Status allocate(double sampleRate = 48000.0, std::uint32_t channels = 2) {
-        return node_.allocateRenderResources({sampleRate, channels}, maximumBlockFrames);
+        return node_->allocateRenderResources({sampleRate, channels}, maximumBlockFrames);
     }
 
     UnitHarness &set(ParameterAddress address, float value) {
@@ -80,17 +81,17 @@ class UnitHarness {
         for (std::size_t done = 0; done < sound.frames();) {
             const std::size_t count = std::min(blockFrames, sound.frames() - done);
             AudioBufferList view = sound.view(done);
-            node_.render({static_cast<std::int64_t>(done)}, view,
-                         static_cast<std::uint32_t>(count));
+            node_->render({static_cast<std::int64_t>(done)}, view,
+                          static_cast<std::uint32_t>(count));
             done += count;
         }
         return sound;
     }
 
-    UnitNode &node() { return node_; }
+    UnitNode &node() { return *node_; }
 
   private:
-    UnitNode node_;
+    std::unique_ptr<UnitNode> node_;
 };
 
 } // namespace quorbel

@@ -1,4 +1,4 @@
-#include "effects/units/GainTestUnit.h"
+#include "effects/GainTestUnit.h"
 
 #include "effects/PlainCell.h"
 #include "platform/units/UnitStatus.h"

@@ -1,0 +1,53 @@
+#include "effects/units/LimiterUnit.h"
+
+#include "effects/PlainCell.h"
+#include "effects/cores/LookaheadLimiterCore.h"
+
+#include <array>
+#include <cmath>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::array parameterTable{
+    EffectParameter{"threshold", "Threshold", -12.0F, 0.0F, ParameterUnit::decibels, -0.3F},
+    EffectParameter{"enabled", "Enabled", 0.0F, 1.0F, ParameterUnit::boolean, 1.0F},
+};
+
+} // namespace
+
+struct LimiterUnit::State {
+    LookaheadLimiterCore core;
+    PlainCell gainReductionStorage{0.0F};
+};
+
+LimiterUnit::LimiterUnit(const ComponentDescription &description, InstantiationOptions options)
+    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+
+Status LimiterUnit::prepare(float sampleRate, std::string &) {
+    state_->gainReductionStorage.store(0.0F);
+    state_->core.prepare(sampleRate);
+    return statusOK;
+}
+
+RenderBlock LimiterUnit::internalRenderBlock() {
+    return effectRenderBlock([state = state_, thresholdStorage = storage(threshold),
+                              enabledStorage = storage(enabled)](const AudioBufferList &buffers,
+                                                                 std::uint32_t frames) noexcept {
+        if (buffers.bufferCount < 2)
+            return;
+        const float thresholdDB = thresholdStorage->value();
+        if (!isOn(enabledStorage->value())) {
+            state->gainReductionStorage.store(0.0F);
+            return;
+        }
+        state->core.process(buffers.data[0], buffers.data[1], frames,
+                            std::pow(10.0F, thresholdDB / 20.0F));
+        state->gainReductionStorage.store(state->core.gainReductionDB());
+    });
+}
+
+float LimiterUnit::readout() const noexcept { return state_->gainReductionStorage.load(); }
+
+} // namespace quorbel

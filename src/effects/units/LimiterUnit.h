@@ -1,0 +1,29 @@
+#pragma once
+
+#include "effects/EffectUnit.h"
+
+namespace quorbel {
+
+/// The safety stage at the end of the chain: keeps every sample within the threshold. Switched off
+/// it also takes its delay away at once; switched on again it first plays the 1.3 ms it last held.
+class LimiterUnit final : public EffectUnit {
+  public:
+    enum Address : ParameterAddress { threshold, enabled };
+
+    LimiterUnit(const ComponentDescription &description, InstantiationOptions options);
+
+    [[nodiscard]] RenderBlock internalRenderBlock() override;
+    [[nodiscard]] double latency() const override { return 0.0013; }
+
+    /// Gain reduction of the last block, dB, never negative.
+    [[nodiscard]] float readout() const noexcept override;
+
+  protected:
+    Status prepare(float sampleRate, std::string &error) override;
+
+  private:
+    struct State;
+    std::shared_ptr<State> state_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,146 @@
+#include "effects/EffectComponents.h"
+#include "effects/TestSounds.h"
+#include "effects/UnitHarness.h"
+#include "effects/cores/LookaheadLimiterCore.h"
+#include "effects/units/LimiterUnit.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <deque>
+
+namespace quorbel {
+namespace {
+
+/// The limiter written down naively: queues instead of rings, double precision.
+class LimiterModel {
+  public:
+    explicit LimiterModel(double sampleRate)
+        : lookahead_(static_cast<std::size_t>(std::max(8.0, std::round(sampleRate * 0.0013)))),
+          attack_(1.0 - std::exp(-4.0 / static_cast<double>(lookahead_))),
+          release_(1.0 - std::exp(-1.0 / (sampleRate * 0.05))), held_(lookahead_, {0.0, 0.0}) {}
+
+    Sound play(const Sound &sound, double thresholdDB) {
+        const double threshold = std::pow(10.0, thresholdDB / 20.0);
+        Sound result(sound.frames());
+        for (std::size_t i = 0; i < sound.frames(); ++i) {
+            held_.push_back({double{sound.left[i]}, double{sound.right[i]}});
+            double peak = 0.0;
+            for (const auto &[left, right] : held_)
+                peak = std::max({peak, std::abs(left), std::abs(right)});
+            const double target = peak > threshold ? threshold / peak : 1.0;
+            gain_ += (target - gain_) * (target < gain_ ? attack_ : release_);
+            const auto [left, right] = held_.front();
+            held_.pop_front();
+            result.left[i] = static_cast<float>(std::clamp(left * gain_, -threshold, threshold));
+            result.right[i] = static_cast<float>(std::clamp(right * gain_, -threshold, threshold));
+        }
+        return result;
+    }
+
+  private:
+    std::size_t lookahead_;
+    double attack_;
+    double release_;
+    std::deque<std::pair<double, double>> held_;
+    double gain_ = 1.0;
+};
+
+UnitHarness makeLimiter(double sampleRate = 48'000.0) {
+    UnitHarness limiter(std::make_unique<LimiterUnit>(limiterDescription, 0));
+    EXPECT_EQ(limiter.allocate(sampleRate), statusOK);
+    return limiter;
+}
+
+double peakOf(const Sound &sound) { return difference(sound, Sound(sound.frames())); }
+
+TEST(LimiterTest, MatchesTheModel) {
+    for (const auto &[name, sound] : modelSounds()) {
+        for (const double rate : {44'100.0, 48'000.0, 96'000.0}) {
+            for (const float threshold : {-12.0F, -3.0F, -0.3F, 0.0F}) {
+                UnitHarness limiter = makeLimiter(rate);
+                limiter.set(LimiterUnit::threshold, threshold);
+                const Sound result = limiter.play(sound, 480);
+                const Sound model = LimiterModel(rate).play(sound, double{threshold});
+                // The gain is a sum over thousands of frames in 32 bits: it creeps to within 1e-4
+                // of its target and stops there, where its steps round to nothing.
+                ASSERT_LT(difference(result, model), 1.2e-4)
+                    << name << " at " << rate << " Hz, threshold " << threshold;
+            }
+        }
+    }
+}
+
+TEST(LimiterTest, NoSampleLeavesBeyondTheThreshold) {
+    for (const float threshold : {-12.0F, -6.0F, -0.3F, 0.0F}) {
+        UnitHarness limiter = makeLimiter();
+        limiter.set(LimiterUnit::threshold, threshold);
+        const float ceiling = std::pow(10.0F, threshold / 20.0F);
+        for (const float level : {1.0F, 30.0F, 1e6F, 3e38F, 1e-3F})
+            EXPECT_LE(peakOf(limiter.play(noise(4096, level))), double{ceiling});
+    }
+}
+
+TEST(LimiterTest, AnImpulseComesOutAttenuatedAndLate) {
+    for (const auto &[rate, delay] : {std::pair{48'000.0, 62}, {44'100.0, 57}, {4'000.0, 8}}) {
+        UnitHarness limiter = makeLimiter(rate);
+        limiter.set(LimiterUnit::threshold, -6.0F);
+        Sound impulse(256);
+        impulse.left[0] = 1.0F;
+        const Sound result = limiter.play(impulse, 64);
+        const float ceiling = std::pow(10.0F, -6.0F / 20.0F);
+        for (int i = 0; i < 256; ++i) {
+            const float sample = result.left[static_cast<std::size_t>(i)];
+            if (i == delay) {
+                EXPECT_NEAR(sample, ceiling, 0.02F);
+            } else {
+                EXPECT_EQ(sample, 0.0F) << "frame " << i;
+            }
+        }
+        EXPECT_GT(limiter.unit().latency(), 0.00129);
+    }
+}
+
+TEST(LimiterTest, QuietSoundIsOnlyDelayedAndTheReductionIsATrueZero) {
+    UnitHarness limiter = makeLimiter();
+    const auto &readout = dynamic_cast<EffectUnit &>(limiter.unit());
+    const Sound sound = noise(4096, 0.5F);
+    const Sound result = limiter.play(sound);
+    for (std::size_t i = 62; i < sound.frames(); ++i)
+        ASSERT_EQ(result.right[i], sound.right[i - 62]);
+    EXPECT_EQ(readout.readout(), 0.0F);
+    EXPECT_FALSE(std::signbit(readout.readout()));
+
+    limiter.set(LimiterUnit::threshold, -12.0F).play(sine(1000.0, 48'000, 1.0));
+    EXPECT_NEAR(readout.readout(), 12.0F, 0.1F);
+    limiter.set(LimiterUnit::enabled, 0.0F).play(noise(64));
+    EXPECT_EQ(readout.readout(), 0.0F);
+}
+
+TEST(LimiterTest, SwitchedOffItIsGoneAndSwitchedOnItFirstPlaysWhatItHeld) {
+    UnitHarness limiter = makeLimiter();
+    limiter.set(LimiterUnit::threshold, 0.0F);
+    const Sound before = noise(640, 0.5F, 1);
+    limiter.play(before);
+    limiter.set(LimiterUnit::enabled, 0.49F);
+    EXPECT_EQ(limiter.play(noise(640, 0.5F, 2)), noise(640, 0.5F, 2));
+
+    limiter.set(LimiterUnit::enabled, 0.5F);
+    const Sound after = noise(640, 0.5F, 3);
+    const Sound result = limiter.play(after);
+    for (std::size_t i = 0; i < 62; ++i)
+        ASSERT_EQ(result.left[i], before.left[640 - 62 + i]);
+    for (std::size_t i = 62; i < 640; ++i)
+        ASSERT_EQ(result.left[i], after.left[i - 62]);
+}
+
+TEST(LimiterTest, AnUnpreparedCoreDoesNothing) {
+    LookaheadLimiterCore core;
+    Sound sound = noise(64);
+    core.process(sound.left.data(), sound.right.data(), 64, 0.1F);
+    EXPECT_EQ(sound, noise(64));
+}
+
+} // namespace
+} // namespace quorbel
