@@ -18,8 +18,10 @@ CaptureConversion::CaptureConversion(const StreamFormat &source, const StreamFor
         return;
     const StreamFormat converted{.sampleRate = chain.sampleRate,
                                  .channelCount = std::min(source.channelCount, chain.channelCount)};
+    const auto longestCycle =
+        static_cast<std::uint32_t>(std::ceil(capacity_ / std::min(ratio_, 1.0)));
     converter_ = std::make_unique<SampleRateConverter>(source.sampleRate, chain.sampleRate,
-                                                       converted.channelCount, capacity_);
+                                                       converted.channelCount, longestCycle);
     convertedBuffer.emplace(converted, capacity_);
     const auto leadFrames =
         static_cast<std::uint32_t>(std::ceil(converter_->latencyFrames() * ratio_));

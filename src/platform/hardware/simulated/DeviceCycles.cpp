@@ -69,6 +69,14 @@ void DeviceCycles::mix(const std::vector<std::shared_ptr<Playing>> &sounds, std:
     }
 }
 
+template <typename Call> void DeviceCycles::callOut(const Call &call) noexcept {
+    if (plan_.watch != nullptr)
+        plan_.watch->enter();
+    call();
+    if (plan_.watch != nullptr)
+        plan_.watch->leave();
+}
+
 void DeviceCycles::cycle() noexcept {
     const std::uint32_t frames = nextBlock();
     ++block_;
@@ -76,16 +84,17 @@ void DeviceCycles::cycle() noexcept {
 
     if (!plan_.captures.empty()) {
         mix(plan_.captured, frames);
+        const IOCycle cycle{.format = {.sampleRate = plan_.sampleRate, .channelCount = 2},
+                            .input = scratch,
+                            .frames = frames,
+                            .willPlay = plan_.willPlay};
         for (IOClient *client : plan_.captures)
-            client->ioCycle({.format = {.sampleRate = plan_.sampleRate, .channelCount = 2},
-                             .input = scratch,
-                             .frames = frames,
-                             .willPlay = plan_.willPlay});
+            callOut([&] { client->ioCycle(cycle); });
     }
 
     if (pace_ == Pace::threads) {
         for (RenderClient *client : plan_.renders)
-            client->renderCycle(scratch, frames);
+            callOut([&] { client->renderCycle(scratch, frames); });
         return;
     }
     const std::size_t before = recording_.left.size();
@@ -93,7 +102,7 @@ void DeviceCycles::cycle() noexcept {
     recording_.left.insert(recording_.left.end(), scratch.data[0], scratch.data[0] + frames);
     recording_.right.insert(recording_.right.end(), scratch.data[1], scratch.data[1] + frames);
     for (RenderClient *client : plan_.renders) {
-        client->renderCycle(scratch, frames);
+        callOut([&] { client->renderCycle(scratch, frames); });
         for (std::uint32_t frame = 0; frame < frames; ++frame) {
             recording_.left[before + frame] += scratch.data[0][frame];
             recording_.right[before + frame] += scratch.data[1][frame];

@@ -29,6 +29,14 @@ struct Recording {
     std::vector<float> right;
 };
 
+/// Stands around every call to a client, on its thread: a place to count what is not allowed there.
+class CallbackWatch {
+  public:
+    virtual ~CallbackWatch() = default;
+    virtual void enter() noexcept = 0;
+    virtual void leave() noexcept = 0;
+};
+
 /// Who takes part in the cycles of one device. Constant while cycles run.
 struct CyclePlan {
     double sampleRate = 48000.0;
@@ -37,7 +45,8 @@ struct CyclePlan {
     std::vector<std::shared_ptr<Playing>> heard;    ///< their sound goes to the device directly
     std::vector<IOClient *> captures;
     std::vector<RenderClient *> renders;
-    bool willPlay = true; ///< what the IO clients are told
+    bool willPlay = true;           ///< what the IO clients are told
+    CallbackWatch *watch = nullptr; ///< may be null
 
     [[nodiscard]] bool isIdle() const {
         return captures.empty() && renders.empty() && heard.empty();
@@ -70,6 +79,7 @@ class DeviceCycles {
   private:
     void armTimer();
     void cycle() noexcept;
+    template <typename Call> void callOut(const Call &call) noexcept;
     [[nodiscard]] std::uint32_t nextBlock() const;
     /// Lets the sounds play on for one block, summed into the scratch buffers.
     void mix(const std::vector<std::shared_ptr<Playing>> &sounds, std::uint32_t frames);

@@ -114,6 +114,10 @@ void SimulatedHardware::restoreConnection() {
 
 // What came of it
 
+void SimulatedHardware::watchCallbacks(simulated::CallbackWatch &watch) {
+    rearrange([&] { watch_ = &watch; });
+}
+
 Recording SimulatedHardware::takeRecording(const std::string &uid) {
     return std::exchange(deviceNamed(uid).cycles.recording(), {});
 }
@@ -353,6 +357,7 @@ CyclePlan SimulatedHardware::planFor(AudioObjectID id, const Device &device) con
     plan.sampleRate = device.script.sampleRate;
     plan.blockFrames = device.script.blockFrames;
     plan.willPlay = isPlaying();
+    plan.watch = watch_;
     if (connection_ != statusOK)
         return plan;
 

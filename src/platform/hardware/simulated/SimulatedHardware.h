@@ -64,6 +64,8 @@ class SimulatedHardware final : public AudioHardware {
     [[nodiscard]] simulated::OperationLog &operations() { return operations_; }
 
     // What came of it.
+    /// The watch must outlive the hardware.
+    void watchCallbacks(simulated::CallbackWatch &watch);
     [[nodiscard]] simulated::Recording takeRecording(const std::string &uid);
     [[nodiscard]] std::vector<TapDescription> taps() const;
     [[nodiscard]] std::vector<AggregateDescription> aggregates() const;
@@ -144,6 +146,7 @@ class SimulatedHardware final : public AudioHardware {
     std::optional<double> declaredTapRate_;
     std::string defaultUID_;
     AudioObjectID ownProcess_ = 0;
+    simulated::CallbackWatch *watch_ = nullptr;
 
     std::map<AudioObjectID, std::unique_ptr<Device>> devices_; // in order of arrival
     std::map<AudioObjectID, Application> applications_;

@@ -1,0 +1,125 @@
+#include "engine/EngineFixture.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace quorbel::testing {
+
+simulated::Sound sine(double hertz, double amplitude) {
+    return [=](double seconds, std::uint32_t) {
+        return static_cast<float>(amplitude * std::sin(2.0 * std::numbers::pi * hertz * seconds));
+    };
+}
+
+simulated::Sound countedFrames() {
+    return [](double seconds, std::uint32_t channel) {
+        const auto value = static_cast<float>(std::lround(seconds * 48000.0) + 1) * countedStep;
+        return channel == 0 ? value : -value;
+    };
+}
+
+Fit fitSine(const std::vector<float> &samples, double hertz, double sampleRate) {
+    // Whole periods make sine and cosine orthogonal.
+    const double period = sampleRate / hertz;
+    const auto count = static_cast<std::size_t>(
+        std::round(std::floor(static_cast<double>(samples.size()) / period) * period));
+    double sinSum = 0.0;
+    double cosSum = 0.0;
+    const double step = 2.0 * std::numbers::pi * hertz / sampleRate;
+    for (std::size_t n = 0; n < count; ++n) {
+        sinSum += static_cast<double>(samples[n]) * std::sin(step * static_cast<double>(n));
+        cosSum += static_cast<double>(samples[n]) * std::cos(step * static_cast<double>(n));
+    }
+    const double a = 2.0 * sinSum / static_cast<double>(count);
+    const double b = 2.0 * cosSum / static_cast<double>(count);
+    double squares = 0.0;
+    for (std::size_t n = 0; n < count; ++n) {
+        const double rest = static_cast<double>(samples[n]) -
+                            a * std::sin(step * static_cast<double>(n)) -
+                            b * std::cos(step * static_cast<double>(n));
+        squares += rest * rest;
+    }
+    return {.amplitude = std::hypot(a, b),
+            .residual = std::sqrt(squares / static_cast<double>(count))};
+}
+
+EngineTest::EngineTest() {
+    hardware.addDevice({.uid = "speakers", .name = "Speakers"});
+    hardware.addDevice({.uid = "hdmi", .name = "HDMI"});
+    devices.refresh();
+    makeEngine([](AudioUnitRegistry &) {});
+}
+
+void EngineTest::makeEngine(const AudioEngine::UnitRegistration &registerUnits) {
+    engine = std::make_unique<AudioEngine>(hardware, devices, clock, EQBand::defaultBands(),
+                                           registerUnits);
+    choose("speakers");
+}
+
+void EngineTest::start() {
+    engine->start();
+    clock.runPending();
+}
+
+std::string EngineTest::state() const {
+    switch (engine->state().kind) {
+    case EngineLifecycle::State::Kind::error:
+        return engine->state().message;
+    case EngineLifecycle::State::Kind::stopped:
+        return "stopped";
+    case EngineLifecycle::State::Kind::running:
+        return "running";
+    }
+    return "?";
+}
+
+std::vector<EngineTest::Operation> EngineTest::actions() {
+    std::vector<Operation> result;
+    for (const Operation call : hardware.operations().calls()) {
+        switch (call) {
+        case Operation::addListener:
+        case Operation::removeListener:
+        case Operation::createProcessTap:
+        case Operation::destroyProcessTap:
+        case Operation::createAggregateDevice:
+        case Operation::destroyAggregateDevice:
+        case Operation::createIOProc:
+        case Operation::destroyIOProc:
+        case Operation::startDevice:
+        case Operation::stopDevice:
+        case Operation::setDevice:
+        case Operation::startOutput:
+        case Operation::stopOutput:
+            result.push_back(call);
+            break;
+        default:
+            break;
+        }
+    }
+    hardware.operations().forgetCalls();
+    return result;
+}
+
+void EngineTest::expectNothingLeft() {
+    EXPECT_TRUE(hardware.taps().empty());
+    EXPECT_TRUE(hardware.aggregates().empty());
+    EXPECT_FALSE(hardware.isCapturing());
+    EXPECT_FALSE(hardware.isPlaying());
+    EXPECT_FALSE(hardware.isListenedTo());
+    EXPECT_FALSE(devices.isObservingHardware());
+    EXPECT_FALSE(devices.onHardwareChange);
+    EXPECT_FALSE(devices.onHardwareLost);
+}
+
+void EngineTest::setBand(std::size_t index, float frequency, float gainDB) {
+    auto bands = engine->eq().bands();
+    bands.at(index) = {.id = bands.at(index).id,
+                       .frequency = frequency,
+                       .gainDB = gainDB,
+                       .q = 1.0F,
+                       .filterType = EQBand::FilterType::parametric,
+                       .bypassed = false};
+    engine->eq().setBands(bands);
+}
+
+} // namespace quorbel::testing

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "devices/DeviceManager.h"
+#include "engine/AudioEngine.h"
+#include "engine/CapturedLog.h"
+#include "platform/hardware/simulated/SimulatedHardware.h"
+#include "platform/threads/ManualClock.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorbel::testing {
+
+/// A sine of `amplitude` at `hertz` on both channels.
+[[nodiscard]] simulated::Sound sine(double hertz, double amplitude = 0.25);
+
+/// The frames of a device at 48 kHz, counted: frame n is (n + 1) / 2^20 on the left, its negative
+/// on the right. Exact in 32 bits for the first twenty seconds, so that every frame that comes out
+/// can be told from every other.
+[[nodiscard]] simulated::Sound countedFrames();
+inline constexpr float countedStep = 1.0F / (1 << 20);
+
+/// The amplitude of a sine of `hertz` in `samples`, as a least-squares fit, and what is left
+/// without it.
+struct Fit {
+    double amplitude = 0.0;
+    double residual = 0.0; ///< root mean square
+};
+[[nodiscard]] Fit fitSine(const std::vector<float> &samples, double hertz, double sampleRate);
+
+/// An engine on a machine in memory: two devices at 48 kHz with cycles of 512 frames, "speakers"
+/// (the default and chosen) and "hdmi". No limiter or other unit exists unless a test registers
+/// one.
+class EngineTest : public ::testing::Test {
+  protected:
+    using Operation = SimulatedHardware::Operation;
+
+    EngineTest();
+
+    /// Makes a new engine that knows these units.
+    void makeEngine(const AudioEngine::UnitRegistration &registerUnits);
+
+    void choose(const std::string &uid) { engine->setOutputDevice(devices.outputDevice(uid)); }
+    /// Starts and lets the start come to its end, without letting time pass.
+    void start();
+    void stop() { engine->stop(); }
+    void play(double seconds) { clock.advance(seconds); }
+    /// "running", "stopped" or the error's text.
+    [[nodiscard]] std::string state() const;
+    /// What a device has played since it was asked last.
+    [[nodiscard]] simulated::Recording heard(const std::string &uid) {
+        return hardware.takeRecording(uid);
+    }
+    /// The calls that change anything, since they were asked for last.
+    [[nodiscard]] std::vector<Operation> actions();
+    /// Nothing of ours is left on the machine.
+    void expectNothingLeft();
+
+    void setBand(std::size_t index, float frequency, float gainDB);
+
+    CapturedLog log;
+    ManualClock clock;
+    SimulatedHardware hardware{clock};
+    DeviceManager devices{hardware, clock};
+    std::unique_ptr<AudioEngine> engine;
+};
+
+} // namespace quorbel::testing

@@ -1,0 +1,162 @@
+// Devices at other rates and with odd cycles: pitch, level and every frame are kept.
+
+#include "engine/EngineFixture.h"
+
+#include <cmath>
+#include <limits>
+
+namespace quorbel::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr const char *losses = "într-o secundă";
+
+class EngineRatesTest : public EngineTest {
+  protected:
+    /// After the first second, in which capture and playback settle: a pure tone of the right pitch
+    /// and level at the device, and not one frame lost.
+    void expectPureTone(double sampleRate) {
+        play(1.1);
+        (void)heard("speakers");
+        (void)log.take();
+        play(3.0);
+        const auto recording = heard("speakers");
+        const Fit fit = fitSine(recording.left, 1000.0, sampleRate);
+        EXPECT_NEAR(20.0 * std::log10(fit.amplitude / 0.25), 0.0, 0.05) << "level in dB";
+        EXPECT_LT(20.0 * std::log10(fit.residual / 0.25), -80.0) << "all that is not the tone";
+        EXPECT_EQ(recording.right, recording.left);
+        EXPECT_THAT(log.takeWith(losses), IsEmpty());
+    }
+};
+
+TEST_F(EngineRatesTest, At44100) {
+    hardware.setSampleRate("speakers", 44100.0);
+    hardware.play(sine(1000.0));
+    (void)log.take();
+    start();
+    EXPECT_THAT(
+        log.take(),
+        ElementsAre(
+            "[AudioEngine] playback: output='Speakers' 44100 Hz, 2 canale",
+            "[AudioEngine] ATENȚIE: dispozitivul rulează la 44100 Hz. Conversia cade pe mixerul "
+            "principal; orice dezechilibru se va vedea în contoarele tamponului de mai jos.",
+            "[SystemAudioTap] rate: agregat 44100 Hz | tap declarat 44100 Hz | sursa "
+            "convertorului 44100 Hz | lanț 48000 Hz → reeșantionare",
+            ::testing::StartsWith("[SystemAudioTap] running")));
+    expectPureTone(44100.0);
+}
+
+TEST_F(EngineRatesTest, At44100NoFrameIsMissingFromTheVeryStart) {
+    hardware.setSampleRate("speakers", 44100.0);
+    hardware.setBlockFrames("speakers", {1024, 1, 333});
+    hardware.play(sine(1000.0));
+    start();
+    (void)log.take();
+    play(20.0);
+    EXPECT_THAT(log.takeWith(losses), IsEmpty());
+}
+
+TEST_F(EngineRatesTest, At96000) {
+    hardware.setSampleRate("speakers", 96000.0);
+    hardware.setBlockFrames("speakers", {1024});
+    hardware.play(sine(1000.0));
+    start();
+    expectPureTone(96000.0);
+}
+
+TEST_F(EngineRatesTest, ARateThatChangesWhileRunning) {
+    hardware.play(sine(1000.0));
+    start();
+    expectPureTone(48000.0);
+    hardware.setSampleRate("speakers", 44100.0);
+    EXPECT_THAT(
+        log.take(),
+        ElementsAre("[SystemAudioTap] rate: agregat 44100 Hz | tap declarat 44100 Hz | sursa "
+                    "convertorului 44100 Hz | lanț 48000 Hz → reeșantionare"));
+    expectPureTone(44100.0);
+    hardware.setSampleRate("speakers", 48000.0);
+    expectPureTone(48000.0);
+    EXPECT_EQ(state(), "running");
+}
+
+TEST_F(EngineRatesTest, CyclesOfAnyLength) {
+    hardware.play(countedFrames());
+    start();
+    hardware.setBlockFrames("speakers", {1, 7936, 64, 3, 8192, 1023});
+    // A cycle beyond the longest that fits, 7936 frames, is lost as a whole and counted; the others
+    // are whole and in order.
+    (void)heard("speakers");
+    (void)log.take();
+    play(1.0);
+    const auto recording = heard("speakers");
+    std::size_t silent = 0;
+    float last = 0.0F;
+    for (const float frame : recording.left) {
+        if (frame == 0.0F) {
+            ++silent;
+            continue;
+        }
+        ASSERT_GT(frame, last);
+        last = frame;
+    }
+    EXPECT_EQ(silent % 8192, 0U);
+    EXPECT_GT(silent, 0U);
+
+    (void)log.take();
+    hardware.setBlockFrames("speakers", {1, 7936, 64});
+    play(2.0); // the second in which it changed, and one more
+    (void)log.take();
+    play(10.0);
+    EXPECT_THAT(log.take(), IsEmpty());
+}
+
+TEST_F(EngineRatesTest, LossesAreReportedOnceASecondAndSinceTheLastReport) {
+    hardware.play(sine(1000.0));
+    hardware.setBlockFrames("speakers", {480});
+    start();
+    play(5.05); // out of step with the reports, which come on the second
+    EXPECT_THAT(log.takeWith(losses), IsEmpty()) << "a healthy second says nothing";
+
+    const auto loseFiveCycles = [this] {
+        hardware.setBlockFrames("speakers", {8000}); // none of them fits
+        play(0.9);
+        hardware.setBlockFrames("speakers", {480});
+    };
+    loseFiveCycles();
+    play(0.1);
+    EXPECT_THAT(
+        log.takeWith(losses),
+        ElementsAre("[AudioEngine] într-o secundă: captura a scris 4800 cadre, redarea a cerut "
+                    "44800; tăiate 0, tăcere 40000, 5 cicluri de captură pierdute"));
+    play(1.0);
+    EXPECT_THAT(log.takeWith(losses), IsEmpty());
+    loseFiveCycles();
+    play(0.1);
+    EXPECT_THAT(log.takeWith(losses), ElementsAre(::testing::HasSubstr(", 5 cicluri")));
+}
+
+TEST_F(EngineRatesTest, NonFiniteSamplesAreReplacedAndReported) {
+    hardware.setBlockFrames("speakers", {480});
+    start();
+    play(2.0);
+    (void)log.take();
+    const auto broken = hardware.play([](double seconds, std::uint32_t channel) {
+        const bool now = channel == 0 && seconds >= 0.5 && seconds < 0.5 + 10.5 / 48000.0;
+        return now ? std::numeric_limits<float>::quiet_NaN() : 0.125F;
+    });
+    play(1.0);
+    EXPECT_THAT(
+        log.takeWith(losses),
+        ElementsAre("[AudioEngine] într-o secundă: 11 cadre cu eșantioane nefinite, redate ca "
+                    "zero"));
+    play(3.0);
+    EXPECT_THAT(log.takeWith(losses), IsEmpty()) << "said once";
+    hardware.stopPlaying(broken);
+    for (const float frame : heard("speakers").left)
+        ASSERT_TRUE(std::isfinite(frame));
+}
+
+} // namespace
+} // namespace quorbel::testing

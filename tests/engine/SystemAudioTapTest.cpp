@@ -1,0 +1,165 @@
+#include "engine/SystemAudioTap.h"
+
+#include "engine/AudioRingBuffer.h"
+#include "engine/CapturedLog.h"
+#include "engine/ChainFormat.h"
+#include "platform/hardware/simulated/SimulatedHardware.h"
+#include "platform/threads/ManualClock.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+namespace quorbel::testing {
+namespace {
+
+using Operation = SimulatedHardware::Operation;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::IsEmpty;
+using ::testing::MatchesRegex;
+using ::testing::SizeIs;
+
+class SystemAudioTapTest : public ::testing::Test {
+  protected:
+    SystemAudioTapTest() { hardware.addDevice({.uid = "speakers", .blockFrames = {480}}); }
+
+    [[nodiscard]] AudioRingBuffer::Pierderi passed(double seconds) {
+        (void)ring.preiaPierderi();
+        clock.advance(seconds);
+        return ring.preiaPierderi();
+    }
+
+    CapturedLog log;
+    ManualClock clock;
+    SimulatedHardware hardware{clock};
+    AudioRingBuffer ring{48000};
+    SystemAudioTap tap{hardware};
+};
+
+/// Lets the machine believe that something is being played.
+class SilentPlayback final : public RenderClient {
+  public:
+    explicit SilentPlayback(SimulatedHardware &hardware) : output_(hardware.makeOutput()) {
+        AudioObjectID device = 0;
+        hardware.defaultOutputDevice(device);
+        output_->setDevice(device);
+        output_->start(*this);
+    }
+    void renderFormatChanged(const StreamFormat &) override {}
+    void renderCycle(const AudioBufferList &, std::uint32_t) noexcept override {}
+
+  private:
+    std::unique_ptr<HardwareOutput> output_;
+};
+
+TEST_F(SystemAudioTapTest, AsksForAPrivateStereoTapOfEverythingButUs) {
+    AudioObjectID own = 0;
+    hardware.processObject(::getpid(), own);
+    tap.activate(ring, chainFormat);
+    EXPECT_TRUE(tap.isRunning());
+    EXPECT_EQ(tap.builtWithDefaultUID(), "speakers");
+
+    ASSERT_THAT(hardware.taps(), SizeIs(1));
+    const TapDescription description = hardware.taps().front();
+    EXPECT_THAT(description.excludedProcesses, ElementsAre(own));
+    EXPECT_EQ(description.name, "Quorbel System Tap");
+    EXPECT_THAT(description.uuid, MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
+    EXPECT_EQ(description.muteBehavior, TapDescription::MuteBehavior::mutedWhenTapped);
+    EXPECT_TRUE(description.isPrivate);
+
+    ASSERT_THAT(hardware.aggregates(), SizeIs(1));
+    const AggregateDescription aggregate = hardware.aggregates().front();
+    EXPECT_EQ(aggregate.name, "Quorbel Capture");
+    EXPECT_EQ(aggregate.uid, "com.quorbel.aggregate." + description.uuid);
+    EXPECT_EQ(aggregate.mainDeviceUID, "speakers");
+    EXPECT_TRUE(aggregate.isPrivate);
+    EXPECT_FALSE(aggregate.isStacked);
+    EXPECT_TRUE(aggregate.tapAutoStart);
+    EXPECT_THAT(aggregate.subdeviceUIDs, ElementsAre("speakers"));
+    ASSERT_THAT(aggregate.taps, SizeIs(1));
+    EXPECT_EQ(aggregate.taps.front().uuid, description.uuid);
+    EXPECT_TRUE(aggregate.taps.front().driftCompensation);
+}
+
+TEST_F(SystemAudioTapTest, CleanupAtAnyTimeAndTwice) {
+    tap.cleanup();
+    EXPECT_THAT(hardware.operations().calls(), IsEmpty()) << "an idle tap has nothing to clean up";
+    tap.activate(ring, chainFormat);
+    hardware.operations().forgetCalls();
+    tap.cleanup();
+    tap.cleanup();
+    EXPECT_THAT(hardware.operations().calls(),
+                ElementsAre(Operation::stopDevice, Operation::destroyIOProc,
+                            Operation::destroyAggregateDevice, Operation::destroyProcessTap));
+    EXPECT_TRUE(tap.isRunning()) << "whoever runs it says when it has stopped";
+    tap.markStopped();
+    EXPECT_FALSE(tap.isRunning());
+    EXPECT_EQ(tap.builtWithDefaultUID(), std::nullopt);
+}
+
+TEST_F(SystemAudioTapTest, CyclesThatNothingPlaysAreCountedNotKept) {
+    tap.activate(ring, chainFormat);
+    EXPECT_EQ(passed(0.1).scrise, 0);
+    EXPECT_EQ(tap.droppedCycles(), 10);
+    const SilentPlayback playback(hardware);
+    EXPECT_EQ(passed(0.1).scrise, 4800);
+    EXPECT_EQ(tap.droppedCycles(), 10);
+}
+
+TEST_F(SystemAudioTapTest, TheAggregatesClockIsTrustedOverTheTap) {
+    const SilentPlayback playback(hardware);
+    hardware.setDeclaredTapRate(48000.0);
+    hardware.setSampleRate("speakers", 44100.0);
+    tap.activate(ring, chainFormat);
+    EXPECT_EQ(
+        log.take().front(),
+        "[SystemAudioTap] rate: agregat 44100 Hz | tap declarat 48000 Hz | sursa convertorului "
+        "44100 Hz | lanț 48000 Hz → reeșantionare");
+    (void)passed(1.0);
+    EXPECT_NEAR(static_cast<double>(passed(10.0).scrise), 480000.0, 600.0);
+    EXPECT_EQ(tap.droppedCycles(), 0);
+}
+
+TEST(SystemAudioTapFormat, IsTheTapsUnlessTheClockDiffers) {
+    const StreamFormat tap{.sampleRate = 48000.0, .channelCount = 2};
+    EXPECT_EQ(SystemAudioTap::formatSursa(tap, std::nullopt), tap);
+    EXPECT_EQ(SystemAudioTap::formatSursa(tap, 48000.5), tap);
+    EXPECT_EQ(SystemAudioTap::formatSursa(tap, 47999.0),
+              (StreamFormat{.sampleRate = 47999.0, .channelCount = 2}));
+}
+
+TEST_F(SystemAudioTapTest, WhatTheCyclesSayInTheEndHolds) {
+    const SilentPlayback playback(hardware);
+    hardware.setSampleRate("speakers", 96000.0);
+    hardware.setDeclaredTapRate(48000.0);
+    hardware.operations().fail(Operation::nominalSampleRate, -1);
+    tap.activate(ring, chainFormat);
+    const auto lines = log.takeWith("rate:");
+    ASSERT_THAT(lines, SizeIs(2)) << "as read, and as announced with the first cycle";
+    EXPECT_THAT(lines[0], EndsWith("→ copiere"));
+    EXPECT_THAT(lines[1], EndsWith("sursa convertorului 96000 Hz | lanț 48000 Hz → reeșantionare"));
+    (void)passed(1.0);
+    EXPECT_NEAR(static_cast<double>(passed(10.0).scrise), 480000.0, 300.0);
+}
+
+TEST_F(SystemAudioTapTest, ARateThatCannotBeConverted) {
+    hardware.setSampleRate("speakers", 44100.5);
+    EXPECT_THROW(
+        {
+            try {
+                tap.activate(ring, chainFormat);
+            } catch (const SystemAudioTap::Error &error) {
+                EXPECT_STREQ(error.what(), "System audio capture failed: the audio tap reported an "
+                                           "invalid stream format.");
+                throw;
+            }
+        },
+        SystemAudioTap::Error);
+    tap.cleanup();
+    EXPECT_THAT(hardware.taps(), IsEmpty());
+}
+
+} // namespace
+} // namespace quorbel::testing
