@@ -6,6 +6,7 @@
 #include "cli/SettingsSource.h"
 #include "cli/SoundFileWriter.h"
 #include "cli/TerminationSignals.h"
+#include "cli/TimeInSeconds.h"
 #include "engine/OfflineRenderer.h"
 #include "platform/core/StreamFormat.h"
 
@@ -13,7 +14,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <sys/stat.h>
 
@@ -34,14 +34,6 @@ std::vector<Change> loadChanges(const std::vector<std::pair<double, std::string>
     std::stable_sort(changes.begin(), changes.end(),
                      [](const Change &a, const Change &b) { return a.seconds < b.seconds; });
     return changes;
-}
-
-/// What is wrong with a time on the command line, empty for nothing.
-std::string problemWithTime(const std::string &text) {
-    double seconds = 0.0;
-    const bool isTime =
-        CLI::detail::lexical_cast(text, seconds) && std::isfinite(seconds) && seconds >= 0.0;
-    return isTime ? "" : text + " is not a time in seconds";
 }
 
 /// Also through links of either kind.
@@ -67,7 +59,7 @@ RenderCommand::RenderCommand(CLI::App &program)
         ->add_option("--at", changes_,
                      "SECONDS FILE: from that time on use this settings file; may be repeated")
         ->type_name("SECONDS FILE")
-        ->check(CLI::Validator(problemWithTime, "").application_index(0))
+        ->check(timeInSeconds().application_index(0))
         ->expected(1)
         ->take_all()
         ->allow_extra_args(false);

@@ -1,5 +1,6 @@
 #include "cli/CommandError.h"
 #include "cli/DevicesCommand.h"
+#include "cli/LiveCommand.h"
 #include "cli/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -34,6 +35,7 @@ int main(int argc, char **argv) {
                      "ostrafine-cli");
     program.require_subcommand(1);
     const quorbel::RenderCommand render(program);
+    const quorbel::LiveCommand live(program);
     const quorbel::DevicesCommand devices(program);
     try {
         program.parse(argc, argv);
@@ -44,6 +46,8 @@ int main(int argc, char **argv) {
     try {
         if (render.isChosen())
             render.run();
+        if (live.isChosen())
+            live.run();
         if (devices.isChosen())
             devices.run();
         return 0;

@@ -1,0 +1,100 @@
+#include "cli/LiveCommand.h"
+
+#include "cli/CommandError.h"
+#include "cli/LiveMeter.h"
+#include "cli/SettingsSource.h"
+#include "cli/SoundServer.h"
+#include "cli/TerminationSignals.h"
+#include "cli/TimeInSeconds.h"
+#include "devices/DeviceManager.h"
+#include "engine/AudioEngine.h"
+#include "platform/hardware/InstanceLock.h"
+#include "platform/threads/MainLoopClock.h"
+#include "settings/records/json/JsonLiterals.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+
+namespace quorbel {
+
+namespace {
+
+/// The device that the user named, else the saved one if it is here, else the default output.
+std::optional<AudioDevice> chooseDevice(const DeviceManager &manager,
+                                        const std::optional<std::string> &named,
+                                        const std::optional<std::string> &saved) {
+    if (named) {
+        const auto device = manager.outputDevice(*named);
+        if (!device)
+            throw CommandError(
+                fmt::format("no output device has the uid {}; `ostrafine-cli devices` lists them",
+                            quotedText(*named)));
+        return device;
+    }
+    if (saved)
+        if (const auto device = manager.outputDevice(*saved))
+            return device;
+    return manager.defaultOutput();
+}
+
+} // namespace
+
+LiveCommand::LiveCommand(CLI::App &program)
+    : command_(
+          program.add_subcommand("live", "Process everything the computer plays, until Ctrl-C")) {
+    command_->add_option("--settings", settingsPath_,
+                         "Settings file (default: your own, else the factory settings)");
+    command_->add_option("--device", deviceUID_,
+                         "UID of the device to play on (default: the saved one, else the system's "
+                         "default output)");
+    command_->add_option("--seconds", seconds_, "Stop after this time")->check(timeInSeconds());
+}
+
+void LiveCommand::run() const {
+    TerminationSignals signals;
+    const Persisted settings = loadSettings(settingsPath_);
+    const ChainSettings chain = chainSettings(settings);
+    const InstanceLock lock;
+    if (!lock.isHeld())
+        throw CommandError("Ostrafine is already running and processes the sound");
+
+    int argumentCount = 1;
+    char name[] = "ostrafine-cli";
+    char *arguments[] = {name, nullptr};
+    const QCoreApplication application(argumentCount, arguments);
+    const auto hardware = connectToSoundServer();
+    MainLoopClock clock;
+    DeviceManager devices(*hardware, clock);
+    AudioEngine engine(*hardware, devices, clock, chain.bands);
+    engine.eq().setGlobalGainDB(chain.eqGlobalGainDB);
+    engine.setSpatial(chain.spatial);
+    engine.setMixer(chain.mixer);
+    engine.setOutputDevice(chooseDevice(devices, deviceUID_, settings.outputDeviceUID));
+
+    const QSocketNotifier notifier(signals.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&notifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
+    std::string failure;
+    Timer end;
+    QObject::connect(&engine, &AudioEngine::stateChanged, &application, [&] {
+        const EngineLifecycle::State &state = engine.state();
+        if (state.kind == EngineLifecycle::State::Kind::error) {
+            failure = state.message;
+            QCoreApplication::exit(1);
+        } else if (state.kind == EngineLifecycle::State::Kind::running && seconds_) {
+            end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
+        }
+    });
+    {
+        const LiveMeter meter(engine, clock);
+        clock.post([&] { engine.start(); });
+        QCoreApplication::exec();
+        engine.stop();
+    }
+    if (!failure.empty())
+        throw CommandError(failure);
+}
+
+} // namespace quorbel

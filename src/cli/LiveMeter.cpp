@@ -1,0 +1,85 @@
+#include "cli/LiveMeter.h"
+
+#include "engine/AudioEngine.h"
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <sys/ioctl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+constexpr double drawingSeconds = 0.1;
+
+std::string stateText(const EngineLifecycle::State &state) {
+    switch (state.kind) {
+    case EngineLifecycle::State::Kind::running:
+        return "running";
+    case EngineLifecycle::State::Kind::error:
+        return "error";
+    case EngineLifecycle::State::Kind::stopped:
+        break;
+    }
+    return "starting";
+}
+
+/// Without what would wrap: a second line could not be taken back.
+std::string cutToTerminal(const std::string &text) {
+    winsize size{};
+    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0)
+        return text;
+    std::string cut;
+    std::size_t columns = 0;
+    for (const char character : text) {
+        const bool startsCharacter = (static_cast<unsigned char>(character) & 0xC0U) != 0x80U;
+        columns += startsCharacter ? 1 : 0;
+        if (columns >= size.ws_col)
+            break;
+        cut += character;
+    }
+    return cut;
+}
+
+} // namespace
+
+LiveMeter::LiveMeter(const AudioEngine &engine, Clock &clock) : engine_(engine) {
+    if (isatty(STDERR_FILENO) != 1)
+        return;
+    previousSink_ = setLogSink([this](std::string_view line) { printAbove(line); });
+    timer_ = Timer::repeating(clock, drawingSeconds, [this] { draw(); });
+}
+
+LiveMeter::~LiveMeter() {
+    if (!timer_.isSet())
+        return;
+    timer_.invalidate();
+    setLogSink(std::move(previousSink_));
+    fmt::print(stderr, "\r\033[K");
+}
+
+void LiveMeter::draw() {
+    const auto &device = engine_.outputDevice();
+    std::string line = fmt::format("{}  {}  reduction {:.1f} dB  auto gain {:+.1f} dB",
+                                   stateText(engine_.state()), device ? device->name : "no device",
+                                   engine_.limiterReductionDB(), engine_.autoGainDB());
+    const std::lock_guard guard(mutex_);
+    shown_ = cutToTerminal(line);
+    fmt::print(stderr, "\r{}\033[K", shown_);
+    std::fflush(stderr);
+}
+
+void LiveMeter::printAbove(std::string_view line) {
+    const std::lock_guard guard(mutex_);
+    fmt::print(stderr, "\r\033[K");
+    std::fflush(stderr);
+    fmt::print("{}\n", line);
+    std::fflush(stdout);
+    fmt::print(stderr, "{}", shown_);
+    std::fflush(stderr);
+}
+
+} // namespace quorbel
