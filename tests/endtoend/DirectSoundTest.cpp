@@ -1,5 +1,6 @@
 #include "endtoend/DelayProbe.h"
 #include "endtoend/LiveTest.h"
+#include "support/soundserver/LateDevice.h"
 
 namespace quorbel {
 namespace {
@@ -31,6 +32,13 @@ TEST_F(DirectSound, TheDelayIsOneCycleAndTheSameForEveryImpulse) {
         server.forceQuantum(quantum);
         EXPECT_EQ(DelayProbe(client, "speakers", "").delays(20), std::set{std::int64_t{quantum}});
     }
+}
+
+TEST_F(DirectSound, ApplicationsAreToldTheLatencyOfTheirDevice) {
+    const LateDevice wireless(client, "wireless", 9600);
+    const Player &player = playSequence({"player", "wireless"});
+    EXPECT_TRUE(comesTrue(2.0, [&] { return player.reportedDelay() == 9600; }))
+        << player.reportedDelay();
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #include "endtoend/DelayProbe.h"
 #include "endtoend/LiveTest.h"
+#include "support/soundserver/LateDevice.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <tuple>
 
 namespace quorbel {
@@ -48,6 +50,17 @@ TEST_P(Sound, NothingIsAddedToTheDelay) {
     ASSERT_TRUE(soonPlaysInto("probe", {tapName(*live)}));
     EXPECT_EQ(probe.delays(20), direct);
     EXPECT_EQ(direct.size(), 1U);
+}
+
+class Delay : public LiveTest {};
+
+TEST_F(Delay, ApplicationsAreToldTheLatencyOfTheDeviceBehindUs) {
+    const LateDevice wireless(client, "wireless", 9600);
+    const Player &player = playSequence();
+    const auto live = startLive(LiveSettings::flat(), {"--device", "wireless"});
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    EXPECT_TRUE(comesTrue(2.0, [&] { return std::abs(player.reportedDelay() - 9600) <= 1; }))
+        << player.reportedDelay();
 }
 
 class Level : public LiveTest {};

@@ -3,6 +3,7 @@
 #include "support/soundserver/Waiting.h"
 
 #include <spa/param/audio/format-utils.h>
+#include <spa/param/latency-utils.h>
 
 #include <algorithm>
 #include <cstring>
@@ -29,6 +30,8 @@ void ClientStream::connect(pw_direction direction, pw_properties *properties, in
     pw_properties_set(properties, PW_KEY_NODE_NAME, name_.c_str());
     pw_properties_set(properties, PW_KEY_APP_NAME, name_.c_str());
 
+    const bool isDevice = pw_properties_get(properties, PW_KEY_MEDIA_CLASS) != nullptr;
+
     std::uint8_t storage[1024];
     spa_pod_builder builder = SPA_POD_BUILDER_INIT(storage, sizeof storage);
     spa_audio_info_raw format{};
@@ -46,12 +49,23 @@ void ClientStream::connect(pw_direction direction, pw_properties *properties, in
         throw ServerError("no stream " + name_);
     }
     pw_stream_add_listener(stream_, &listener_, &events, this);
-    const auto flags = static_cast<pw_stream_flags>(
-        PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
+    const auto flags =
+        static_cast<pw_stream_flags>(PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS |
+                                     (isDevice ? PW_STREAM_FLAG_NONE : PW_STREAM_FLAG_AUTOCONNECT));
     const int result = pw_stream_connect(stream_, direction, PW_ID_ANY, flags, parameters, 1);
     if (result < 0) {
         throw ServerError("cannot connect " + name_ + ": " + std::strerror(-result));
     }
+}
+
+void ClientStream::announceLatency(int frames) {
+    std::uint8_t storage[256];
+    spa_pod_builder builder = SPA_POD_BUILDER_INIT(storage, sizeof storage);
+    spa_latency_info latency = SPA_LATENCY_INFO(SPA_DIRECTION_INPUT);
+    latency.min_rate = latency.max_rate = static_cast<std::uint32_t>(frames);
+    const spa_pod *parameters[] = {spa_latency_build(&builder, SPA_PARAM_Latency, &latency)};
+    const GraphClient::Guard guard(client_);
+    pw_stream_update_params(stream_, parameters, 1);
 }
 
 void ClientStream::disconnect() {
@@ -98,6 +112,13 @@ void ClientStream::onProcess() noexcept {
     }
     pw_stream_queue_buffer(stream_, buffer);
     ++cycles_;
+}
+
+std::int64_t ClientStream::reportedDelay() const {
+    const GraphClient::Guard guard(client_);
+    pw_time time{};
+    pw_stream_get_time_n(stream_, &time, sizeof time);
+    return time.delay;
 }
 
 void ClientStream::waitUntilRunning() const {

@@ -21,6 +21,10 @@ class ClientStream {
     /// Cycles begun so far; more than 0 once the stream is linked to something that runs.
     [[nodiscard]] std::uint64_t cycles() const { return cycles_; }
 
+    /// What the server says about the time between this stream and the device, in frames of the
+    /// graph: what a video player needs to keep its picture in step.
+    [[nodiscard]] std::int64_t reportedDelay() const;
+
     /// Waits until the stream takes part in the graph. Throws `ServerError`.
     void waitUntilRunning() const;
 
@@ -34,8 +38,12 @@ class ClientStream {
 
     ClientStream(GraphClient &client, const std::string &name) : client_(client), name_(name) {}
 
-    /// `properties` is taken over. Throws `ServerError`.
+    /// `properties` is taken over; with a media class among them the stream is a device, which
+    /// waits for others to play into it. Throws `ServerError`.
     void connect(pw_direction direction, pw_properties *properties, int sampleRate);
+
+    /// Tells the graph that what enters here is heard `frames` later.
+    void announceLatency(int frames);
 
     /// Must be called by the destructor of the derived class, while its `process` can still run.
     void disconnect();
