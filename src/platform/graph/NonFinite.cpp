@@ -7,19 +7,21 @@ namespace quorbel {
 
 namespace {
 
-// Not-a-number and infinity have the largest exponent; adding one to it carries into the empty sign
-// bit.
-constexpr std::uint32_t carryIfNonFinite(float sample) {
-    return (std::bit_cast<std::uint32_t>(sample) & 0x7FFFFFFFU) + 0x00800000U;
-}
 constexpr std::uint32_t carry = 0x80000000U;
+
+// Without their signs, floats are ordered like the integers of their bits, with infinity and
+// not-a-number at the end; so one addition carries into the sign bit for all that is too large.
+constexpr std::uint32_t carryIfUnusable(float sample) {
+    constexpr std::uint32_t limit = std::bit_cast<std::uint32_t>(0x1p40F);
+    return (std::bit_cast<std::uint32_t>(sample) & ~carry) + (carry - limit);
+}
 
 constexpr std::uint32_t chunkFrames = 64; // a constant length, so that the scan becomes vector code
 
-bool chunkHasNonFinite(const float *samples) noexcept {
+bool chunkHasUnusable(const float *samples) noexcept {
     std::uint32_t all = 0;
     for (std::uint32_t i = 0; i < chunkFrames; ++i)
-        all |= carryIfNonFinite(samples[i]);
+        all |= carryIfUnusable(samples[i]);
     return (all & carry) != 0;
 }
 
@@ -30,7 +32,7 @@ std::uint32_t replaceInFrames(const AudioBufferList &buffers, std::uint32_t begi
         bool bad = false;
         for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel) {
             float *samples = buffers.data[channel];
-            if (samples != nullptr && (carryIfNonFinite(samples[i]) & carry) != 0) {
+            if (samples != nullptr && (carryIfUnusable(samples[i]) & carry) != 0) {
                 samples[i] = 0.0F;
                 bad = true;
             }
@@ -49,7 +51,7 @@ std::uint32_t replaceNonFinite(const AudioBufferList &buffers, std::uint32_t fra
         bool any = false;
         for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel)
             if (buffers.data[channel] != nullptr)
-                any |= chunkHasNonFinite(buffers.data[channel] + begin);
+                any |= chunkHasUnusable(buffers.data[channel] + begin);
         if (any)
             found += replaceInFrames(buffers, begin, begin + chunkFrames);
     }

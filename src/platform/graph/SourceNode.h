@@ -18,7 +18,8 @@ class SourceNode final : public GraphNode {
 
     SourceNode(const StreamFormat &format, RenderCallback callback);
 
-    /// Frames so far in which a sample was not finite and was replaced by zero. [any]
+    /// Frames so far in which a sample was not finite (or absurdly large) and was replaced by zero.
+    /// [any]
     [[nodiscard]] std::uint64_t replacedNonFiniteFrames() const noexcept {
         return replacedFrames_.load(std::memory_order_relaxed);
     }

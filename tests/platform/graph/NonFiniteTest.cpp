@@ -13,7 +13,7 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-TEST(NonFiniteTest, ReplacesExactlyWhatIsNotFiniteAndCountsFrames) {
+TEST(NonFiniteTest, ReplacesExactlyWhatIsNotFiniteOrAbsurdAndCountsFrames) {
     std::mt19937 random(20260711);
     SCOPED_TRACE("seed 20260711");
     for (std::uint32_t frames = 0; frames < 200; ++frames) {
@@ -25,15 +25,17 @@ TEST(NonFiniteTest, ReplacesExactlyWhatIsNotFiniteAndCountsFrames) {
             for (auto [samples, clean] : {std::pair{&sound.left, &expected.left},
                                           std::pair{&sound.right, &expected.right}}) {
                 static constexpr float values[] = {0.5F,
-                                                   -1e38F,
+                                                   -1e12F,
                                                    std::numeric_limits<float>::denorm_min(),
                                                    -0.0F,
-                                                   std::numeric_limits<float>::max(),
+                                                   0x1.fffffep39F,
                                                    -infinity,
                                                    infinity,
                                                    notANumber,
-                                                   -notANumber};
-                const std::size_t which = random() % 40 < 38 ? random() % 5 : 5 + random() % 4;
+                                                   -notANumber,
+                                                   -0x1p40F,
+                                                   std::numeric_limits<float>::max()};
+                const std::size_t which = random() % 40 < 38 ? random() % 5 : 5 + random() % 6;
                 (*samples)[i] = values[which];
                 (*clean)[i] = which < 5 ? values[which] : 0.0F;
                 badFrame |= which >= 5;
