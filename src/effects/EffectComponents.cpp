@@ -1,6 +1,11 @@
 #include "effects/EffectComponents.h"
 
+#include "effects/units/AutoGainUnit.h"
+#include "effects/units/CrossfeedUnit.h"
 #include "effects/units/LimiterUnit.h"
+#include "effects/units/MSWidenerUnit.h"
+#include "effects/units/SaturationUnit.h"
+#include "effects/units/SpatializerUnit.h"
 
 #include <array>
 
@@ -17,14 +22,14 @@ std::unique_ptr<AudioUnit> make(const ComponentDescription &description,
 }
 
 constexpr std::array components{
-    EffectComponent{msWidenerDescription, "MSWidener", nullptr},
-    EffectComponent{spatializerDescription, "Spatializer", nullptr},
+    EffectComponent{msWidenerDescription, "MSWidener", make<MSWidenerUnit>},
+    EffectComponent{spatializerDescription, "Spatializer", make<SpatializerUnit>},
     EffectComponent{bassEnhancerDescription, "BassEnhancer", nullptr},
     EffectComponent{voiceEnhancerDescription, "VoiceEnhancer", nullptr},
-    EffectComponent{saturationDescription, "Saturation", nullptr},
+    EffectComponent{saturationDescription, "Saturation", make<SaturationUnit>},
     EffectComponent{limiterDescription, "Limiter", make<LimiterUnit>},
-    EffectComponent{crossfeedDescription, "Crossfeed", nullptr},
-    EffectComponent{autoGainDescription, "AutoGain", nullptr},
+    EffectComponent{crossfeedDescription, "Crossfeed", make<CrossfeedUnit>},
+    EffectComponent{autoGainDescription, "AutoGain", make<AutoGainUnit>},
 };
 
 } // namespace

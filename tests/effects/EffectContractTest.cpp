@@ -4,6 +4,7 @@
 #include "effects/GainTestUnit.h"
 #include "effects/UnitHarness.h"
 #include "effects/units/LimiterUnit.h"
+#include "effects/units/SpatializerUnit.h"
 #include "platform/threads/ManualClock.h"
 #include "support/RealtimeGuard.h"
 
@@ -21,7 +22,7 @@ using testing::RealtimeViolations;
 /// What a unit declares where units may differ.
 struct EffectTraits {
     /// Parameter values at which it changes nothing.
-    std::map<ParameterAddress, float> neutral;
+    std::map<ParameterAddress, float> neutral{};
     /// What rounding may change then, of full scale; 0: nothing, bit by bit.
     double neutralRounding = 0.0;
     /// Whether one channel's sound may reach the other at other settings.
@@ -30,7 +31,16 @@ struct EffectTraits {
 
 const std::map<std::string, EffectTraits> &traits() {
     static const std::map<std::string, EffectTraits> table{
+        {"AutoGain", {}},
+        {"Crossfeed", {.mixesChannels = true}},
         {"Limiter", {.neutral = {{LimiterUnit::enabled, 0.0F}}}},
+        // Sums and differences in 32 bits.
+        {"MSWidener", {.neutralRounding = 2e-7, .mixesChannels = true}},
+        {"Saturation", {}},
+        {"Spatializer",
+         {.neutral = {{SpatializerUnit::amount, 0.0F}},
+          .neutralRounding = 1e-6,
+          .mixesChannels = true}},
         {"Test", {.neutral = {{GainTestUnit::enabled, 0.0F}}}},
     };
     return table;

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quorbel {
+
+/// A value on its way from `from` at the first frame of a block to `to` at its last. A block of one
+/// frame is at `to` at once.
+class LinearRamp {
+  public:
+    LinearRamp(float from, float to, std::uint32_t frames) noexcept
+        : from_(frames > 1 ? from : to), step_(to - from_),
+          last_(frames > 1 ? static_cast<float>(frames - 1) : 1.0F) {}
+
+    [[nodiscard]] float at(std::uint32_t frame) const noexcept {
+        return from_ + step_ * (static_cast<float>(frame) / last_);
+    }
+
+  private:
+    float from_;
+    float step_;
+    float last_;
+};
+
+} // namespace quorbel

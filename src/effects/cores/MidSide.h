@@ -1,0 +1,13 @@
+#pragma once
+
+#include "effects/cores/LinearRamp.h"
+
+#include <cstdint>
+
+namespace quorbel {
+
+/// Scales the side (difference) signal against the mid (sum) signal in place: width 0 is mono, 1
+/// changes nothing but rounding, 2 doubles the side. [render]
+void widen(float *left, float *right, std::uint32_t frames, const LinearRamp &width) noexcept;
+
+} // namespace quorbel

@@ -1,0 +1,33 @@
+#include "effects/cores/SpatializerCore.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorbel {
+
+void SpatializerCore::prepare(float sampleRate) noexcept {
+    sampleRate_ = sampleRate;
+    side_ = {};
+}
+
+void SpatializerCore::process(float *left, float *right, std::uint32_t frames, float amount,
+                              float notchHz) noexcept {
+    // Beyond half the sample rate the section would be unstable. Rates from 18 kHz on never get
+    // there.
+    const float centreHz = std::min(notchHz, 0.45F * sampleRate_);
+    const float amplitude = std::pow(10.0F, (2.0F * (-3.0F * amount)) / 40.0F); // −6·amount dB
+    const float w0 = 6.283185F * centreHz / sampleRate_;
+    const BiquadCoefficients coefficients = peaking(w0, std::sin(w0) / 2.4F, amplitude); // Q 1.2
+    const float sideGain = 1.0F + 0.5F * amount;
+
+    BiquadState state = side_;
+    for (std::uint32_t i = 0; i < frames; ++i) {
+        const float mid = (left[i] + right[i]) * 0.5F;
+        const float side = state.process(coefficients, sideGain * (left[i] - right[i]) * 0.5F);
+        left[i] = mid + side;
+        right[i] = mid - side;
+    }
+    side_ = state;
+}
+
+} // namespace quorbel

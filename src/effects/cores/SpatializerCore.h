@@ -1,0 +1,25 @@
+#pragma once
+
+#include "effects/cores/Biquad.h"
+
+#include <cstdint>
+
+namespace quorbel {
+
+/// A shuffler: raises the side signal and carves a dip of up to 6 dB into it.
+class SpatializerCore {
+  public:
+    /// `sampleRate` in Hz. Starts from silence. Not while processing.
+    void prepare(float sampleRate) noexcept;
+
+    /// In place. `amount` 0 to 1; at 1 the side signal is 1.5 times as large. `notchHz` is the
+    /// centre of the dip, kept below the half of the sample rate. [render]
+    void process(float *left, float *right, std::uint32_t frames, float amount,
+                 float notchHz) noexcept;
+
+  private:
+    float sampleRate_ = 48'000.0F;
+    BiquadState side_;
+};
+
+} // namespace quorbel

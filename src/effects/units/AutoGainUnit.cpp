@@ -1,0 +1,76 @@
+#include "effects/units/AutoGainUnit.h"
+
+#include "effects/PlainCell.h"
+#include "effects/cores/AutoGainCore.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::array parameterTable{
+    EffectParameter{"target", "Target Level", -30.0F, -6.0F, ParameterUnit::decibels, -16.0F},
+    EffectParameter{"enabled", "Enabled", 0.0F, 1.0F, ParameterUnit::boolean, 0.0F},
+    EffectParameter{"manual", "Manual Loudness", -12.0F, 12.0F, ParameterUnit::decibels, 0.0F},
+    EffectParameter{"manualEnabled", "Manual Loudness Enabled", 0.0F, 1.0F, ParameterUnit::boolean,
+                    0.0F},
+};
+
+// Linear; exactly 1 at 0 dB, so that the unit can pass the sound through.
+float manualGain(float enabledSwitch, float manualDB) {
+    if (!isOn(enabledSwitch))
+        return 1.0F;
+    const float clamped = std::clamp(manualDB, -12.0F, 12.0F);
+    return clamped == 0.0F ? 1.0F : std::pow(10.0F, clamped / 20.0F);
+}
+
+} // namespace
+
+struct AutoGainUnit::State {
+    AutoGainCore core;
+    PlainCell gainStorage{0.0F}; // dB; carries the gain from block to block
+};
+
+AutoGainUnit::AutoGainUnit(const ComponentDescription &description, InstantiationOptions options)
+    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+
+Status AutoGainUnit::prepare(float sampleRate, std::string &) {
+    state_->gainStorage.store(0.0F);
+    state_->core.prepare(sampleRate,
+                         manualGain(storage(manualEnabled)->value(), storage(manual)->value()));
+    return statusOK;
+}
+
+RenderBlock AutoGainUnit::internalRenderBlock() {
+    return effectRenderBlock([state = state_, targetStorage = storage(target),
+                              enabledStorage = storage(enabled), manualStorage = storage(manual),
+                              manualEnabledStorage = storage(manualEnabled)](
+                                 const AudioBufferList &buffers, std::uint32_t frames) noexcept {
+        const bool levelling = isOn(enabledStorage->value());
+        const float trimTarget = manualGain(manualEnabledStorage->value(), manualStorage->value());
+        const float targetDB = targetStorage->value();
+
+        if (!levelling && !state->core.trimsTo(trimTarget)) {
+            state->gainStorage.store(0.0F);
+            return;
+        }
+        if (buffers.bufferCount < 2)
+            return;
+        float *const left = buffers.data[0];
+        float *const right = buffers.data[1];
+        if (!levelling) {
+            state->gainStorage.store(0.0F);
+            state->core.trim(left, right, frames, trimTarget);
+            return;
+        }
+        state->gainStorage.store(state->core.level(left, right, frames, state->gainStorage.load(),
+                                                   targetDB, trimTarget));
+    });
+}
+
+float AutoGainUnit::readout() const noexcept { return state_->gainStorage.load(); }
+
+} // namespace quorbel

@@ -1,0 +1,51 @@
+#include "effects/units/CrossfeedUnit.h"
+
+#include "effects/PlainCell.h"
+#include "effects/cores/CrossfeedCore.h"
+
+#include <array>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::array parameterTable{
+    EffectParameter{"amount", "Crossfeed Amount", 0.0F, 100.0F, ParameterUnit::percent, 0.0F},
+};
+
+constexpr float smallestActive = 0.01F; // exactly 1 % is active
+
+} // namespace
+
+struct CrossfeedUnit::State {
+    CrossfeedCore core;
+    PlainCell prevAmountStorage{0.0F}; // percent; not reset by allocation
+};
+
+CrossfeedUnit::CrossfeedUnit(const ComponentDescription &description, InstantiationOptions options)
+    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+
+Status CrossfeedUnit::prepare(float sampleRate, std::string &) {
+    state_->core.prepare(sampleRate);
+    return statusOK;
+}
+
+RenderBlock CrossfeedUnit::internalRenderBlock() {
+    return effectRenderBlock([state = state_, amountStorage = storage(amount)](
+                                 const AudioBufferList &buffers, std::uint32_t frames) noexcept {
+        const float percent = amountStorage->value();
+        const float target = percent / 100.0F;
+        const float previous = state->prevAmountStorage.load() / 100.0F;
+        if (target < smallestActive && previous < smallestActive) {
+            state->prevAmountStorage.store(percent);
+            state->core.clear();
+            return;
+        }
+        if (buffers.bufferCount < 2)
+            return;
+        state->core.process(buffers.data[0], buffers.data[1], frames, previous, target);
+        state->prevAmountStorage.store(percent);
+    });
+}
+
+} // namespace quorbel

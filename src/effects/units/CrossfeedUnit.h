@@ -1,0 +1,24 @@
+#pragma once
+
+#include "effects/EffectUnit.h"
+
+namespace quorbel {
+
+/// Crossfeed for headphones. Below 1 % it rests: bit-exact, its memory cleared. A change of amount
+/// is spread over one block.
+class CrossfeedUnit final : public EffectUnit {
+  public:
+    enum Address : ParameterAddress { amount };
+
+    CrossfeedUnit(const ComponentDescription &description, InstantiationOptions options);
+    [[nodiscard]] RenderBlock internalRenderBlock() override;
+
+  protected:
+    Status prepare(float sampleRate, std::string &error) override;
+
+  private:
+    struct State;
+    std::shared_ptr<State> state_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,38 @@
+#include "effects/units/MSWidenerUnit.h"
+
+#include "effects/PlainCell.h"
+#include "effects/cores/MidSide.h"
+
+#include <array>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::array parameterTable{
+    EffectParameter{"width", "Width", 0.0F, 200.0F, ParameterUnit::percent, 100.0F},
+};
+
+} // namespace
+
+struct MSWidenerUnit::State {
+    PlainCell prevWidthStorage{100.0F}; // percent; not reset by allocation
+};
+
+MSWidenerUnit::MSWidenerUnit(const ComponentDescription &description, InstantiationOptions options)
+    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+
+RenderBlock MSWidenerUnit::internalRenderBlock() {
+    return effectRenderBlock([state = state_, widthStorage = storage(width)](
+                                 const AudioBufferList &buffers, std::uint32_t frames) noexcept {
+        if (buffers.bufferCount < 2)
+            return;
+        const float percent = widthStorage->value();
+        const float previous = state->prevWidthStorage.load();
+        widen(buffers.data[0], buffers.data[1], frames,
+              LinearRamp(previous / 100.0F, percent / 100.0F, frames));
+        state->prevWidthStorage.store(percent);
+    });
+}
+
+} // namespace quorbel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "effects/EffectUnit.h"
+
+namespace quorbel {
+
+/// Stereo width from mono (0 %) over neutral (100 %) to twice the side signal (200 %), the whole
+/// spectrum alike. A change is spread over one block.
+class MSWidenerUnit final : public EffectUnit {
+  public:
+    enum Address : ParameterAddress { width };
+
+    MSWidenerUnit(const ComponentDescription &description, InstantiationOptions options);
+    [[nodiscard]] RenderBlock internalRenderBlock() override;
+
+  private:
+    struct State;
+    std::shared_ptr<State> state_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,140 @@
+#include "effects/EffectComponents.h"
+#include "effects/ModelComparison.h"
+#include "effects/units/AutoGainUnit.h"
+
+#include <gtest/gtest.h>
+
+namespace quorbel {
+namespace {
+
+class AutoGainModel final : public UnitModel {
+  public:
+    explicit AutoGainModel(double sampleRate) : sampleRate_(sampleRate) {}
+
+    void process(ModelBlock &block, const Settings &s) override {
+        const bool levelling = s.at(AutoGainUnit::enabled) >= 0.5F;
+        const double m = s.at(AutoGainUnit::manualEnabled) >= 0.5F
+                             ? std::pow(10.0, double{s.at(AutoGainUnit::manual)} / 20.0)
+                             : 1.0;
+        // The coefficients are 32-bit numbers: one minus a smoothing of 3 s has but 7 bits of its
+        // own.
+        const auto keep = [this](float seconds) {
+            return double{std::exp(-1.0F / (seconds * static_cast<float>(sampleRate_)))};
+        };
+        if (!levelling)
+            gain_ = 1.0;
+        const double target = std::pow(10.0, double{s.at(AutoGainUnit::target)} / 20.0);
+        for (std::size_t i = 0; i < block.left.size(); ++i) {
+            double &left = block.left[i];
+            double &right = block.right[i];
+            if (levelling) {
+                power_ =
+                    keep(0.4F) * power_ + (1.0 - keep(0.4F)) * (left * left + right * right) / 2.0;
+                if (std::sqrt(power_) > 0.0056234)
+                    gain_ = keep(3.0F) * gain_ +
+                            (1.0 - keep(3.0F)) * std::clamp(target / std::sqrt(power_), 0.25, 4.0);
+            }
+            trim_ = keep(0.03F) * trim_ + (1.0 - keep(0.03F)) * m;
+            left *= trim_ * gain_;
+            right *= trim_ * gain_;
+        }
+    }
+
+  private:
+    double sampleRate_;
+    double power_ = 0.0;
+    double gain_ = 1.0;
+    double trim_ = 1.0;
+};
+
+struct AutoGainTest : ::testing::Test {
+    UnitHarness unit{std::make_unique<AutoGainUnit>(autoGainDescription, 0)};
+    void SetUp() override { ASSERT_EQ(unit.allocate(), statusOK); }
+
+    float readout() { return dynamic_cast<EffectUnit &>(unit.unit()).readout(); }
+    /// A stereo sine whose level in both channels is `dB` (RMS).
+    static Sound sineAt(double dB, double seconds) {
+        return sine(1000.0, static_cast<std::size_t>(seconds * 48'000.0),
+                    std::sqrt(2.0) * std::pow(10.0, dB / 20.0));
+    }
+};
+
+TEST_F(AutoGainTest, MatchesTheModel) {
+    const auto settings = [](float target, float enabled, float manual, float manualEnabled) {
+        return Settings{{0, target}, {1, enabled}, {2, manual}, {3, manualEnabled}};
+    };
+    const std::vector<Settings> schedule{settings(-16, 0, 0, 0),   settings(-16, 1, 0, 0),
+                                         settings(-16, 1, 6, 1),   settings(-30, 1, 6, 1),
+                                         settings(-30, 0, -12, 1), settings(-6, 0, 0, 1),
+                                         settings(-6, 1, 0, 0)};
+    for (const auto &[name, sound] : modelSounds()) {
+        AutoGainModel model(48'000.0);
+        UnitHarness fresh(std::make_unique<AutoGainUnit>(autoGainDescription, 0));
+        ASSERT_EQ(fresh.allocate(), statusOK);
+        // Every step of a smoother over seconds is rounded at the size of the gain itself,
+        // thousands of times in the same direction, until the steps round to nothing 0.6 % before
+        // the target.
+        EXPECT_LT(differenceFromModel(fresh, model, sound, schedule), 1e-3) << name;
+    }
+}
+
+TEST_F(AutoGainTest, BothOffIsBitExact) {
+    const Sound sound = noise(4096);
+    EXPECT_EQ(unit.play(sound), sound);
+    EXPECT_EQ(readout(), 0.0F);
+    unit.set(AutoGainUnit::manualEnabled, 1.0F);
+    EXPECT_EQ(unit.play(sound), sound) << "a trim of 0 dB is exactly 1";
+}
+
+TEST_F(AutoGainTest, TheTrimGlidesAndStartsAtItsTargetAfterAllocation) {
+    unit.set(AutoGainUnit::manual, 6.0F).set(AutoGainUnit::manualEnabled, 1.0F);
+    Sound constant(48'000);
+    constant.left.assign(48'000, 0.1F);
+    const Sound gliding = unit.play(constant);
+    const double full = std::pow(10.0, 6.0 / 20.0);
+    EXPECT_NEAR(gliding.left[1439], 0.1 * (1.0 + (full - 1.0) * (1.0 - std::exp(-1.0))), 1e-4)
+        << "one time constant of 30 ms";
+    EXPECT_NEAR(gliding.left.back(), 0.1 * full, 2e-5);
+
+    unit.set(AutoGainUnit::manual, 20.0F);
+    ASSERT_EQ(unit.allocate(), statusOK);
+    EXPECT_NEAR(unit.play(constant).left[0], 0.1 * std::pow(10.0, 12.0 / 20.0), 1e-6);
+}
+
+TEST_F(AutoGainTest, LevelsWithinTwelveDecibelsAndHoldsBelowTheGate) {
+    unit.set(AutoGainUnit::enabled, 1.0F);
+    unit.play(sineAt(-46.0, 5.0));
+    EXPECT_NEAR(readout(), 0.0F, 1e-3F) << "below the gate";
+
+    unit.play(sineAt(-30.0, 25.0));
+    EXPECT_NEAR(readout(), 12.0F, 0.1F) << "wants 14 dB, gets 12";
+    unit.play(Sound(48'000));
+    const float held = readout();
+    unit.play(Sound(48'000));
+    EXPECT_EQ(readout(), held);
+
+    unit.set(AutoGainUnit::target, -30.0F).play(sineAt(-6.0, 25.0));
+    EXPECT_NEAR(readout(), -12.0F, 0.2F) << "wants -24 dB, gets -12";
+}
+
+TEST_F(AutoGainTest, ReachesTwoThirdsOfTheWayInThreeSeconds) {
+    unit.set(AutoGainUnit::enabled, 1.0F);
+    unit.play(sineAt(-16.0, 5.0)); // the level is known, the gain near 1
+    unit.set(AutoGainUnit::target, -10.0F).play(sineAt(-16.0, 3.0));
+    const double wanted = std::pow(10.0, 6.0 / 20.0);
+    EXPECT_NEAR(readout(), 20.0 * std::log10(1.0 + (wanted - 1.0) * (1.0 - std::exp(-1.0))), 0.15);
+}
+
+TEST_F(AutoGainTest, SwitchingOffDropsTheGainAtOnceButKeepsTheMeasuredLevel) {
+    unit.set(AutoGainUnit::enabled, 1.0F).play(sineAt(-30.0, 3.0));
+    const Sound sound = noise(64);
+    EXPECT_EQ(unit.set(AutoGainUnit::enabled, 0.0F).play(sound), sound);
+    EXPECT_EQ(readout(), 0.0F);
+
+    // With the level forgotten, silence would be below the gate at once.
+    unit.set(AutoGainUnit::enabled, 1.0F).play(Sound(480));
+    EXPECT_GT(readout(), 0.0F);
+}
+
+} // namespace
+} // namespace quorbel

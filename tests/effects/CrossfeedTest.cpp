@@ -1,0 +1,129 @@
+#include "effects/EffectComponents.h"
+#include "effects/ModelComparison.h"
+#include "effects/units/CrossfeedUnit.h"
+
+#include <gtest/gtest.h>
+
+namespace quorbel {
+namespace {
+
+/// Keeps the whole history of the input instead of a ring.
+class CrossfeedModel final : public UnitModel {
+  public:
+    explicit CrossfeedModel(double sampleRate)
+        : delay_(static_cast<std::size_t>(std::max(1.0, std::round(sampleRate * 0.00033)))) {
+        if (delay_ == 32)
+            delay_ = 0; // the line of 32 reads what it has just written
+        const float w = 4398.2295F / static_cast<float>(sampleRate);
+        const float alpha = std::sin(w) / 1.414F;
+        const float a0 = 1.0F + alpha;
+        const float c = std::cos(w);
+        coefficients_ = {(1.0F - c) * 0.5F / a0, (1.0F - c) / a0, (1.0F - c) * 0.5F / a0,
+                         -2.0F * c / a0, (1.0F - alpha) / a0};
+    }
+
+    void process(ModelBlock &block, const Settings &settings) override {
+        const float percent = settings.at(CrossfeedUnit::amount);
+        const double target = double{percent} / 100.0;
+        const double previous = previous_;
+        previous_ = target;
+        if (percent < 1.0F && previous < 0.01 - 1e-9) {
+            history_ = {};
+            sections_ = {};
+            return;
+        }
+        const std::size_t count = block.left.size();
+        for (std::size_t i = 0; i < count; ++i) {
+            history_.left.push_back(block.left[i]);
+            history_.right.push_back(block.right[i]);
+            const std::size_t now = history_.left.size() - 1;
+            const double oldL = now >= delay_ ? history_.left[now - delay_] : 0.0;
+            const double oldR = now >= delay_ ? history_.right[now - delay_] : 0.0;
+            const double crossL = sections_[0](oldL, coefficients_);
+            const double crossR = sections_[1](oldR, coefficients_);
+            const double amount = rampedTo(target, previous, i, count);
+            if (amount <= 0.0)
+                continue;
+            const double g = std::min(amount, 1.0) * 0.5;
+            block.left[i] = crossR * g + block.left[i] * (1.0 - g);
+            block.right[i] = crossL * g + block.right[i] * (1.0 - g);
+        }
+    }
+
+  private:
+    std::size_t delay_;
+    std::array<float, 5> coefficients_{};
+    std::array<ModelSection, 2> sections_{};
+    ModelBlock history_;
+    double previous_ = 0.0;
+};
+
+UnitHarness makeCrossfeed(double sampleRate = 48'000.0) {
+    UnitHarness unit(std::make_unique<CrossfeedUnit>(crossfeedDescription, 0));
+    EXPECT_EQ(unit.allocate(sampleRate), statusOK);
+    return unit;
+}
+
+TEST(CrossfeedTest, MatchesTheModel) {
+    for (const auto &[name, sound] : modelSounds()) {
+        for (const double rate : {44'100.0, 48'000.0, 88'200.0, 96'000.0, 192'000.0}) {
+            UnitHarness unit = makeCrossfeed(rate);
+            CrossfeedModel model(rate);
+            const std::vector<Settings> schedule{{{0, 0.0F}}, {{0, 100.0F}}, {{0, 60.0F}},
+                                                 {{0, 1.0F}}, {{0, 0.5F}},   {{0, 30.0F}}};
+            EXPECT_LT(differenceFromModel(unit, model, sound, schedule), rate > 1e5 ? 2e-5 : 5e-6)
+                << name << " at " << rate << " Hz";
+        }
+    }
+}
+
+TEST(CrossfeedTest, TheOtherEarHearsItLateAndAtTheStatedLevel) {
+    const std::pair<double, std::size_t> delays[] = {{44'100.0, 15},  {48'000.0, 16},
+                                                     {88'200.0, 29},  {96'000.0, 0},
+                                                     {176'400.0, 58}, {192'000.0, 63}};
+    for (const auto &[rate, delay] : delays) {
+        UnitHarness unit = makeCrossfeed(rate);
+        unit.set(CrossfeedUnit::amount, 100.0F).play(Sound(64));
+        Sound impulse(20'000);
+        impulse.left[0] = 1.0F;
+        const Sound result = unit.play(impulse);
+        EXPECT_NEAR(result.left[0], 0.5F, 1e-6F);
+        std::size_t first = 0;
+        while (first < 200 && std::abs(result.right[first]) < 1e-6F)
+            ++first;
+        EXPECT_EQ(first, delay) << rate;
+        double sum = 0.0; // the response at 0 Hz
+        for (const float sample : result.right)
+            sum += double{sample};
+        EXPECT_NEAR(sum, 0.5, 0.001) << rate;
+    }
+}
+
+TEST(CrossfeedTest, RestsBelowOnePercentWithItsMemoryCleared) {
+    UnitHarness unit = makeCrossfeed();
+    const Sound sound = noise(512);
+    EXPECT_EQ(unit.set(CrossfeedUnit::amount, 0.5F).play(sound), sound);
+    unit.set(CrossfeedUnit::amount, 100.0F).play(sound);
+    unit.set(CrossfeedUnit::amount, 0.0F).play(sound, 512);
+    EXPECT_EQ(unit.play(sound), sound);
+
+    // Nothing of what it heard before comes back.
+    const Sound silence = unit.set(CrossfeedUnit::amount, 100.0F).play(Sound(64));
+    EXPECT_LT(difference(silence, Sound(64)), 1e-15);
+}
+
+TEST(CrossfeedTest, ANewAmountIsReachedAtTheLastFrameOfOneBlock) {
+    UnitHarness unit = makeCrossfeed();
+    Sound left(256);
+    left.left.assign(256, 1.0F);
+    const Sound ramped = unit.set(CrossfeedUnit::amount, 100.0F).play(left, 256);
+    EXPECT_EQ(ramped.left[0], 1.0F);
+    EXPECT_NEAR(ramped.left[128], 1.0F - 0.5F * 128.0F / 255.0F, 1e-5F);
+    EXPECT_NEAR(ramped.left[255], 0.5F, 1e-6F);
+
+    UnitHarness single = makeCrossfeed();
+    EXPECT_EQ(single.set(CrossfeedUnit::amount, 100.0F).play(left, 1).left[0], 0.5F);
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "effects/TestSounds.h"
+#include "effects/UnitHarness.h"
+
+#include <array>
+#include <cmath>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+using Settings = std::map<ParameterAddress, float>;
+
+/// A block of sound in double precision, as models take it.
+struct ModelBlock {
+    std::vector<double> left;
+    std::vector<double> right;
+};
+
+/// A naive version of a unit: `process` turns one block into what the unit should make of it.
+class UnitModel {
+  public:
+    virtual ~UnitModel() = default;
+    virtual void process(ModelBlock &block, const Settings &settings) = 0;
+};
+
+/// Plays `sound` through unit and model in blocks of irregular lengths (single frames among them),
+/// going on to the next of `schedule` every ten blocks. Returns the largest difference.
+inline double differenceFromModel(UnitHarness &unit, UnitModel &model, const Sound &sound,
+                                  const std::vector<Settings> &schedule) {
+    std::mt19937 random(17);
+    constexpr std::array<std::size_t, 8> lengths{1, 2, 7, 64, 100, 480, 512, 4096};
+    double largest = 0.0;
+    Sound heard = sound;
+    std::size_t blocks = 0;
+    for (std::size_t begin = 0; begin < sound.frames(); ++blocks) {
+        const Settings &settings = schedule[blocks / 10 % schedule.size()];
+        for (const auto &[address, value] : settings)
+            unit.set(address, value);
+        const std::size_t count =
+            std::min(lengths[random() % lengths.size()], sound.frames() - begin);
+        const auto at = static_cast<std::ptrdiff_t>(begin);
+        const auto end = static_cast<std::ptrdiff_t>(begin + count);
+        ModelBlock block{{sound.left.begin() + at, sound.left.begin() + end},
+                         {sound.right.begin() + at, sound.right.begin() + end}};
+        model.process(block, settings);
+        AudioBufferList view = heard.view(begin);
+        unit.node().render({}, view, static_cast<std::uint32_t>(count));
+        for (std::size_t i = 0; i < count; ++i)
+            largest = std::max({largest, std::abs(double{heard.left[begin + i]} - block.left[i]),
+                                std::abs(double{heard.right[begin + i]} - block.right[i])});
+        begin += count;
+    }
+    return largest;
+}
+
+/// A second-order section whose coefficients are the given 32-bit numbers and whose arithmetic is
+/// double.
+struct ModelSection {
+    std::array<double, 2> x{};
+    std::array<double, 2> y{};
+
+    double operator()(double in, const std::array<float, 5> &bbbaa) {
+        const double out = double{bbbaa[0]} * in + double{bbbaa[1]} * x[0] +
+                           double{bbbaa[2]} * x[1] - double{bbbaa[3]} * y[0] -
+                           double{bbbaa[4]} * y[1];
+        x = {in, x[0]};
+        y = {out, y[0]};
+        return out;
+    }
+};
+
+/// Where a linear change over a block of `count` frames stands at frame `i`.
+inline double rampedTo(double target, double previous, std::size_t i, std::size_t count) {
+    return count == 1 ? target
+                      : previous + (target - previous) * static_cast<double>(i) /
+                                       static_cast<double>(count - 1);
+}
+
+} // namespace quorbel
