@@ -1,0 +1,132 @@
+// The engine with capture and playback on threads of their own, as fast as they can run: for the
+// thread sanitizer, and to see that a stop leaves no call under way.
+
+#include "engine/EngineFixture.h"
+#include "support/RealtimeGuard.h"
+
+#include <atomic>
+#include <optional>
+#include <thread>
+
+namespace quorbel::testing {
+namespace {
+
+class CycleCount final : public simulated::CallbackWatch {
+  public:
+    void enter() noexcept override { ++inside_; }
+    void leave() noexcept override {
+        --inside_;
+        ++cycles_;
+    }
+
+    /// Waits until that many more cycles have come.
+    void wait(int cycles) const {
+        const int until = cycles_ + cycles;
+        while (cycles_ < until)
+            std::this_thread::yield();
+    }
+    [[nodiscard]] int inside() const { return inside_; }
+
+  private:
+    std::atomic<int> inside_{0};
+    std::atomic<int> cycles_{0};
+};
+
+TEST(EngineThreads, ControlsMoveAndHardwareChangesWhileItRuns) {
+    const CapturedLog log;
+    CycleCount count;
+    ManualClock clock;
+    SimulatedHardware hardware(clock, SimulatedHardware::Pace::threads);
+    hardware.addDevice({.uid = "speakers", .blockFrames = {512, 77}});
+    hardware.addDevice({.uid = "hdmi", .sampleRate = 44100.0, .blockFrames = {256}});
+    hardware.watchCallbacks(count);
+    hardware.play(sine(1000.0));
+    DeviceManager devices(hardware, clock);
+    AudioEngine engine(hardware, devices, clock, EQBand::defaultBands());
+
+    for (int round = 0; round < 20; ++round) {
+        // Every other round capture and playback are two devices, and so two threads.
+        engine.setOutputDevice(devices.outputDevice(round % 2 == 0 ? "hdmi" : "speakers"));
+        engine.start();
+        clock.runPending();
+        ASSERT_EQ(engine.state(), EngineLifecycle::State::running()) << engine.state().message;
+        count.wait(5);
+
+        auto bands = engine.eq().bands();
+        bands[static_cast<std::size_t>(round % 10)].gainDB = static_cast<float>(round % 7) - 3.0F;
+        engine.eq().setBands(bands);
+        SpatialConfig spatial = engine.spatial();
+        spatial.toneBassDB = static_cast<float>(round % 5);
+        engine.setSpatial(spatial);
+        MixerConfig mixer = engine.mixer();
+        mixer.limiterThresholdDB = -static_cast<float>(round % 3);
+        engine.setMixer(mixer);
+        clock.advance(1.05); // read-outs and diagnostics, while cycles come
+        count.wait(5);
+
+        if (round % 4 == 1)
+            hardware.setDefaultOutput("hdmi");
+        if (round % 4 == 2)
+            hardware.setSampleRate("speakers", round % 8 == 2 ? 96000.0 : 48000.0);
+        if (round % 4 == 3)
+            hardware.setDefaultOutput("speakers");
+        clock.advance(0.2);
+        count.wait(5);
+        ASSERT_EQ(engine.state(), EngineLifecycle::State::running()) << engine.state().message;
+
+        if (round % 3 != 0) { // otherwise the next start finds it running
+            engine.stop();
+            EXPECT_EQ(count.inside(), 0);
+            EXPECT_FALSE(hardware.isCapturing());
+            EXPECT_FALSE(hardware.isPlaying());
+        }
+    }
+}
+
+/// Counts what the callbacks do that an audio thread must not.
+class Violations final : public simulated::CallbackWatch {
+  public:
+    void enter() noexcept override { guard_.emplace(); }
+    void leave() noexcept override {
+        const RealtimeViolations here = guard_->violations();
+        guard_.reset();
+        total.allocations += here.allocations;
+        total.frees += here.frees;
+        total.foreignLocks += here.foreignLocks;
+        ++callbacks;
+    }
+
+    RealtimeViolations total;
+    int callbacks = 0;
+
+  private:
+    std::optional<RealtimeGuard> guard_;
+};
+
+class EngineRealtimeTest : public EngineTest {};
+
+TEST_F(EngineRealtimeTest, CallbacksAllocateNothingAndTakeNoForeignLock) {
+    Violations violations;
+    engine = std::make_unique<AudioEngine>(hardware, devices, clock, EQBand::defaultBands());
+    choose("speakers");
+    hardware.watchCallbacks(violations);
+    hardware.play(sine(1000.0));
+    hardware.setBlockFrames("speakers", {512, 1, 1023});
+    for (const double sampleRate : {48000.0, 44100.0}) {
+        hardware.setSampleRate("speakers", sampleRate);
+        start();
+        play(0.3);
+        setBand(5, 1000.0F, 6.0F);
+        engine->eq().setGlobalGainDB(-3.0F);
+        play(0.3);
+        hardware.setSampleRate("speakers", 96000.0);
+        play(0.3);
+        stop();
+    }
+    EXPECT_GT(violations.callbacks, 200);
+    EXPECT_EQ(violations.total, RealtimeViolations{});
+    engine.reset();
+}
+
+} // namespace
+} // namespace quorbel::testing

@@ -1,0 +1,179 @@
+#include "engine/ProcessingChain.h"
+
+#include "engine/EngineFixture.h"
+#include "engine/ProbeUnits.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorbel::testing {
+namespace {
+
+using enum ChainUnit;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr float none = ProbeUnits::untouched; // a parameter that no setting goes into
+
+class ProcessingChainTest : public EngineTest {
+  protected:
+    ProcessingChainTest() {
+        makeEngine([this](AudioUnitRegistry &registry) { probes.registerAll(registry); });
+    }
+    ~ProcessingChainTest() override { engine.reset(); } // before the probes
+
+    ProbeUnits probes;
+};
+
+TEST_F(ProcessingChainTest, StandsInItsOneOrder) {
+    hardware.play(countedFrames());
+    start();
+    play(0.1);
+    EXPECT_THAT(probes.rendered, ElementsAre(bassEnhancer, voiceEnhancer, widener, spatializer,
+                                             saturation, crossfeed, autoGain, limiter));
+}
+
+TEST_F(ProcessingChainTest, GoesWithoutWhatCannotBeMadeAndTriesAgain) {
+    hardware.play(countedFrames());
+    probes.absent = {bassEnhancer, spatializer, limiter};
+    start();
+    EXPECT_EQ(state(), "running");
+    play(0.1);
+    EXPECT_THAT(probes.rendered,
+                ElementsAre(voiceEnhancer, widener, saturation, crossfeed, autoGain));
+    EXPECT_EQ(heard("speakers").left.front(), countedStep) << "the sound passes";
+
+    stop();
+    probes.absent.clear();
+    probes.rendered.clear();
+    start();
+    play(0.1);
+    EXPECT_EQ(probes.rendered.size(), 8U);
+    for (const auto &[which, count] : probes.made)
+        EXPECT_EQ(count, 1) << "a unit that exists is kept";
+}
+
+TEST_F(ProcessingChainTest, NoBlockIsProcessedWithSettingsNobodyChose) {
+    SpatialConfig spatial;
+    spatial.widenerEnabled = true;
+    spatial.widthPercent = 140.0F;
+    engine->setSpatial(spatial);
+    MixerConfig mixer;
+    mixer.manualLoudnessEnabled = true;
+    mixer.manualLoudnessDB = -7.0F;
+    engine->setMixer(mixer);
+    start();
+    EXPECT_EQ(probes.valuesAtAllocation[widener].front(), 140.0F);
+    EXPECT_THAT(probes.valuesAtAllocation[autoGain], ElementsAre(-16.0F, 0.0F, -7.0F, 1.0F));
+}
+
+TEST_F(ProcessingChainTest, ReadOutsAreThoseOfTheUnits) {
+    start();
+    probes.readouts = {
+        {limiter, 3.0F}, {autoGain, -4.0F}, {bassEnhancer, 55.0F}, {voiceEnhancer, 0.5F}};
+    play(0.11);
+    EXPECT_EQ(engine->limiterReductionDB(), 3.0F);
+    EXPECT_EQ(engine->autoGainDB(), -4.0F);
+    EXPECT_EQ(engine->bassTrackedFrequency(), 55.0F);
+    EXPECT_EQ(engine->voiceConfidence(), 0.5F);
+
+    int redraws = 0;
+    QObject::connect(engine.get(), &AudioEngine::voiceConfidenceChanged, [&] { ++redraws; });
+    probes.readouts[voiceEnhancer] = 0.515F;
+    play(0.1);
+    EXPECT_EQ(redraws, 0) << "too small to be seen";
+    probes.readouts[voiceEnhancer] = 0.55F;
+    play(0.1);
+    EXPECT_EQ(redraws, 1);
+    stop();
+    probes.readouts[voiceEnhancer] = 0.9F;
+    play(1.0);
+    EXPECT_EQ(redraws, 1);
+}
+
+class UnitSettingsTest : public ::testing::Test {
+  protected:
+    UnitSettingsTest() {
+        probes.registerAll(registry);
+        chain.instantiateCustomUnits([this] { made = true; });
+        EXPECT_FALSE(made) << "never inside the call";
+        clock.runPending();
+        EXPECT_TRUE(made);
+    }
+
+    [[nodiscard]] std::vector<float> at(ChainUnit which) { return values(chain.unit(which)); }
+
+    ManualClock clock;
+    AudioUnitRegistry registry{clock};
+    ProbeUnits probes;
+    ProcessingChain chain{registry, clock, EQBand::defaultBands()};
+    bool made = false;
+};
+
+TEST_F(UnitSettingsTest, WhatIsOnSendsItsValues) {
+    SpatialConfig spatial;
+    spatial.widenerEnabled = spatial.xtcEnabled = spatial.bassEnabled = spatial.voiceEnabled = true;
+    spatial.bassAdaptiveEnabled = spatial.voiceAdaptiveEnabled = true;
+    spatial.widthPercent = 1.0F;
+    spatial.xtcAmount = 2.0F;
+    spatial.xtcNotchFrequency = 3.0F;
+    spatial.bassAmount = 4.0F;
+    spatial.bassDrive = 5.0F;
+    spatial.bassCrossover = 6.0F;
+    spatial.voiceAmount = 7.0F;
+    spatial.voicePresenceGainDB = 8.0F;
+    spatial.voiceMudCutDB = 9.0F;
+    chain.applySpatial(spatial);
+    MixerConfig mixer;
+    mixer.saturationEnabled = mixer.crossfeedEnabled = mixer.limiterEnabled = true;
+    mixer.autoGainEnabled = mixer.manualLoudnessEnabled = true;
+    mixer.saturationDrive = 10.0F;
+    mixer.crossfeedAmount = 11.0F;
+    mixer.limiterThresholdDB = 12.0F;
+    mixer.autoGainTargetDB = 13.0F;
+    mixer.manualLoudnessDB = 14.0F;
+    chain.applyMixer(mixer);
+
+    EXPECT_THAT(at(widener), ElementsAre(1.0F, none, none, none));
+    EXPECT_THAT(at(spatializer), ElementsAre(2.0F, 3.0F, none, none));
+    EXPECT_THAT(at(bassEnhancer), ElementsAre(4.0F, 5.0F, 6.0F, 1.0F));
+    EXPECT_THAT(at(voiceEnhancer), ElementsAre(7.0F, 8.0F, 9.0F, 1.0F));
+    EXPECT_THAT(at(saturation), ElementsAre(10.0F, none, none, none));
+    EXPECT_THAT(at(crossfeed), ElementsAre(11.0F, none, none, none));
+    EXPECT_THAT(at(limiter), ElementsAre(12.0F, 1.0F, none, none));
+    EXPECT_THAT(at(autoGain), ElementsAre(13.0F, 1.0F, 14.0F, 1.0F));
+}
+
+TEST_F(UnitSettingsTest, WhatIsOffSendsItsNeutralValue) {
+    SpatialConfig spatial;
+    MixerConfig mixer;
+    mixer.limiterEnabled = false;
+    chain.applySpatial(spatial);
+    chain.applyMixer(mixer);
+    EXPECT_EQ(at(widener)[0], 100.0F);
+    EXPECT_EQ(at(spatializer)[0], 0.0F);
+    EXPECT_EQ(at(spatializer)[1], spatial.xtcNotchFrequency) << "sent in any case";
+    EXPECT_THAT(at(bassEnhancer),
+                ElementsAre(0.0F, spatial.bassDrive, spatial.bassCrossover, 0.0F));
+    EXPECT_THAT(at(voiceEnhancer),
+                ElementsAre(0.0F, spatial.voicePresenceGainDB, spatial.voiceMudCutDB, 0.0F));
+    EXPECT_EQ(at(saturation)[0], 0.0F);
+    EXPECT_EQ(at(crossfeed)[0], 0.0F);
+    EXPECT_THAT(at(limiter), ElementsAre(mixer.limiterThresholdDB, 0.0F, none, none));
+    EXPECT_THAT(at(autoGain),
+                ElementsAre(mixer.autoGainTargetDB, 0.0F, mixer.manualLoudnessDB, 0.0F));
+}
+
+TEST_F(UnitSettingsTest, NothingCompletesForAChainThatIsGone) {
+    bool completed = false;
+    {
+        ProcessingChain shortLived(registry, clock, {});
+        shortLived.instantiateCustomUnits([&] { completed = true; });
+    }
+    clock.runPending();
+    EXPECT_FALSE(completed);
+}
+
+} // namespace
+} // namespace quorbel::testing
