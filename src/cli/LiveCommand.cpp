@@ -2,6 +2,7 @@
 
 #include "cli/CommandError.h"
 #include "cli/LiveMeter.h"
+#include "cli/PresetChoice.h"
 #include "cli/SettingsSource.h"
 #include "cli/SoundServer.h"
 #include "cli/TerminationSignals.h"
@@ -47,6 +48,8 @@ LiveCommand::LiveCommand(CLI::App &program)
           program.add_subcommand("live", "Process everything the computer plays, until Ctrl-C")) {
     command_->add_option("--settings", settingsPath_,
                          "Settings file (default: your own, else the factory settings)");
+    command_->add_option("--preset", presetName_,
+                         "Preset to use in place of the settings' bands and spatial effects");
     command_->add_option("--device", deviceUID_,
                          "UID of the device to play on (default: the saved one, else the system's "
                          "default output)");
@@ -55,7 +58,9 @@ LiveCommand::LiveCommand(CLI::App &program)
 
 void LiveCommand::run() const {
     TerminationSignals signals;
-    const Persisted settings = loadSettings(settingsPath_);
+    Persisted settings = loadSettings(settingsPath_);
+    if (presetName_)
+        applyPreset(settings, *presetName_);
     const ChainSettings chain = chainSettings(settings);
     const InstanceLock lock;
     if (!lock.isHeld())

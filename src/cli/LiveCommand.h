@@ -21,6 +21,7 @@ class LiveCommand {
   private:
     CLI::App *command_;
     std::string settingsPath_;
+    std::optional<std::string> presetName_;
     std::optional<std::string> deviceUID_;
     std::optional<double> seconds_;
 };

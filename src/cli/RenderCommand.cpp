@@ -2,6 +2,7 @@
 
 #include "cli/ChainRateReader.h"
 #include "cli/CommandError.h"
+#include "cli/PresetChoice.h"
 #include "cli/ProgressBar.h"
 #include "cli/SettingsSource.h"
 #include "cli/SoundFileWriter.h"
@@ -52,6 +53,8 @@ RenderCommand::RenderCommand(CLI::App &program)
           "render", "Play a sound file through the chain into another, faster than real time")) {
     command_->add_option("--settings", settingsPath_,
                          "Settings file (default: your own, else the factory settings)");
+    command_->add_option("--preset", presetName_,
+                         "Preset to use in place of the settings' bands and spatial effects");
     command_->add_option("--block", blockFrames_, "Frames that are processed at once, 1 to 8192")
         ->check(CLI::Range(std::uint32_t{1}, maximumBlockFrames))
         ->capture_default_str();
@@ -70,7 +73,9 @@ RenderCommand::RenderCommand(CLI::App &program)
 
 void RenderCommand::run() const {
     TerminationSignals signals;
-    const Persisted settings = loadSettings(settingsPath_);
+    Persisted settings = loadSettings(settingsPath_);
+    if (presetName_)
+        applyPreset(settings, *presetName_);
     const std::vector<Change> changes = loadChanges(changes_);
     ChainRateReader input(inputPath_);
     refuseSameFile(inputPath_, outputPath_);

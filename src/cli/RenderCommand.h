@@ -3,6 +3,7 @@
 #include <CLI/App.hpp>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +24,7 @@ class RenderCommand {
   private:
     CLI::App *command_;
     std::string settingsPath_;
+    std::optional<std::string> presetName_;
     std::uint32_t blockFrames_ = 512;
     std::vector<std::pair<double, std::string>> changes_; ///< seconds, settings file
     std::string inputPath_;

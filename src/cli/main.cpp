@@ -1,6 +1,7 @@
 #include "cli/CommandError.h"
 #include "cli/DevicesCommand.h"
 #include "cli/LiveCommand.h"
+#include "cli/PresetsCommand.h"
 #include "cli/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
@@ -36,6 +37,7 @@ int main(int argc, char **argv) {
     program.require_subcommand(1);
     const quorbel::RenderCommand render(program);
     const quorbel::LiveCommand live(program);
+    const quorbel::PresetsCommand presets(program);
     const quorbel::DevicesCommand devices(program);
     try {
         program.parse(argc, argv);
@@ -48,6 +50,8 @@ int main(int argc, char **argv) {
             render.run();
         if (live.isChosen())
             live.run();
+        if (presets.isChosen())
+            presets.run();
         if (devices.isChosen())
             devices.run();
         return 0;

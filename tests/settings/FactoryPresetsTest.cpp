@@ -1,0 +1,99 @@
+#include "settings/presets/FactoryPresets.h"
+
+#include "settings/records/json/SettingsCoding.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <stdexcept>
+#include <string>
+
+namespace quorbel {
+namespace {
+
+const Preset &preset(const std::string &name) {
+    const auto &presets = factoryPresets();
+    const auto found = std::find_if(presets.begin(), presets.end(), [&](const Preset &candidate) {
+        return candidate.name == name;
+    });
+    if (found == presets.end())
+        throw std::out_of_range("no preset " + name);
+    return *found;
+}
+
+TEST(FactoryPresets, theLibraryIsWholeAndUsable) {
+    const auto &presets = factoryPresets();
+    ASSERT_EQ(presets.size(), 33U);
+    EXPECT_EQ(presets.front().name, "Flat");
+    EXPECT_EQ(presets.back().name, "Warm / Long Session");
+    std::set<std::string> ids;
+    std::set<std::string> bandIDs;
+    for (const Preset &entry : presets) {
+        SCOPED_TRACE(entry.name);
+        ids.insert(entry.id.text());
+        EXPECT_EQ(entry.createdAt, Date::unixEpoch());
+        EXPECT_NE(entry.category, Preset::Category::user);
+        EXPECT_NE(entry.notes, "");
+        ASSERT_EQ(entry.bands.size(), 10U);
+        const auto defaults = EQBand::defaultBands();
+        for (std::size_t index = 0; index < 10; ++index) {
+            const EQBand &band = entry.bands[index];
+            bandIDs.insert(band.id.text());
+            EXPECT_EQ(band.frequency, defaults[index].frequency);
+            EXPECT_EQ(band.filterType, defaults[index].filterType);
+            EXPECT_FALSE(band.bypassed);
+            EXPECT_LE(std::abs(band.gainDB), 6.0F);
+        }
+        EXPECT_EQ(decodeRecord<Preset>(encodeRecord(entry)), entry);
+    }
+    EXPECT_EQ(ids.size(), 33U);
+    EXPECT_EQ(bandIDs.size(), 330U);
+    EXPECT_EQ(&factoryPresets(), &presets);
+}
+
+TEST(FactoryPresets, whatAnEntryNamesIsSwitchedOnAndTheRestIsDefault) {
+    SpatialConfig cinema;
+    cinema.widenerEnabled = cinema.xtcEnabled = cinema.reverbEnabled = true;
+    cinema.widthPercent = 140.0F;
+    cinema.xtcAmount = 65.0F;
+    cinema.xtcNotchFrequency = 2200.0F;
+    cinema.reverbPreset = SpatialConfig::ReverbPreset::mediumHall;
+    cinema.reverbMix = 18.0F;
+    EXPECT_EQ(preset("Cinema / Film").spatial, cinema);
+
+    SpatialConfig speech;
+    speech.voiceEnabled = true;
+    speech.voiceAmount = 70.0F;
+    EXPECT_EQ(preset("JBL Go 3 — Vocal / Podcast").spatial, speech);
+    EXPECT_EQ(preset("Flat").spatial, SpatialConfig{});
+    EXPECT_EQ(preset("Flat").bands[0].q, 1.0F);
+
+    const auto &heavy = preset("Bass Heavy").bands;
+    EXPECT_EQ(heavy[0].q, 0.8F);
+    EXPECT_EQ(heavy[5].q, 1.0F);
+    EXPECT_EQ(heavy[9].q, 0.7F);
+    EXPECT_EQ(heavy[4].gainDB, -0.5F);
+}
+
+// Saved settings find their preset by this id again, so it may never change. Expected values:
+// Python's hashlib over the same text.
+TEST(FactoryPresets, idsFollowFromTheNameAlone) {
+    EXPECT_EQ(stableFactoryID("Flat").text(), "0AF4AEBF-A952-50FE-B0E2-06CC11DE9AA4");
+    EXPECT_EQ(stableFactoryID("MR5 Desk — Late Night").text(),
+              "EB5D401E-E1ED-52BC-91D9-FF916A82D1BF");
+    EXPECT_EQ(preset("MR5 Desk — Late Night").id, stableFactoryID("MR5 Desk — Late Night"));
+    for (const Preset &entry : factoryPresets()) {
+        EXPECT_EQ(entry.id.text()[14], '5');
+        EXPECT_NE(std::string("89AB").find(entry.id.text()[19]), std::string::npos);
+    }
+}
+
+TEST(FactoryPresetsDeathTest, aPresetWithNineGainsEndsTheProgram) {
+    EXPECT_DEATH((void)bands({0, 0, 0, 0, 0, 0, 0, 0, 0}, {}), "9 gains instead of 10");
+    EXPECT_EQ(bands(std::vector<float>(10), {{0, 3.0F}})[0].q, 3.0F);
+}
+
+} // namespace
+} // namespace quorbel
