@@ -1,5 +1,7 @@
 #include "platform/dsp/EqualizerChain.h"
 
+#include "platform/dsp/SectionCascade.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -45,18 +47,10 @@ class MovingSection {
     SectionCoefficients step_;
 };
 
-void processSteady(const SectionCoefficients &section, SectionState &state, float *samples,
-                   std::uint32_t frames) noexcept {
-    const SectionCoefficients c = section;
-    SectionState s = state;
-    for (std::uint32_t i = 0; i < frames; ++i)
-        samples[i] = processSample(c, s, samples[i]);
-    state = s;
-}
-
 } // namespace
 
-EqualizerChain::EqualizerChain(std::size_t bandCount) : bands_(bandCount) {}
+EqualizerChain::EqualizerChain(std::size_t bandCount)
+    : bands_(bandCount), restSections_(bandCount), restLeft_(bandCount), restRight_(bandCount) {}
 
 void EqualizerChain::prepare(double sampleRate) {
     for (Band &band : bands_)
@@ -152,7 +146,8 @@ void EqualizerChain::glideTo(const EqualizerDesign &design) noexcept {
 
 void EqualizerChain::startStep() noexcept {
     for (Band &band : bands_) {
-        if (!band.running || band.glide.isSettled())
+        band.moving = band.running && !band.glide.isSettled();
+        if (!band.moving)
             continue;
         band.glide.advance();
         const bool arrived = band.glide.isSettled() && !band.endsFlat;
@@ -198,6 +193,10 @@ void EqualizerChain::processGliding(float *left, float *right, std::uint32_t fra
     for (Band &band : bands_) {
         if (!band.running)
             continue;
+        if (!band.moving) {
+            processCascadePlainly({&band.section, &band.left, &band.right, 1}, left, right, frames);
+            continue;
+        }
         const MovingSection moving(band.section, band.next, stepFrames_);
         for (std::uint32_t i = 0; i < frames; ++i) {
             const SectionCoefficients section = moving.at(stepPosition_ + i);
@@ -214,12 +213,24 @@ void EqualizerChain::processGliding(float *left, float *right, std::uint32_t fra
 }
 
 void EqualizerChain::processAtRest(float *left, float *right, std::uint32_t frames) noexcept {
-    for (Band &band : bands_) {
-        if (!band.running)
-            continue;
-        processSteady(band.section, band.left, left, frames);
-        processSteady(band.section, band.right, right, frames);
-    }
+    std::size_t count = 0;
+    for (const Band &band : bands_)
+        if (band.running) {
+            restSections_[count] = band.section;
+            restLeft_[count] = band.left;
+            restRight_[count] = band.right;
+            ++count;
+        }
+    if (count > 0)
+        processCascade({restSections_.data(), restLeft_.data(), restRight_.data(), count}, left,
+                       right, frames);
+    count = 0;
+    for (Band &band : bands_)
+        if (band.running) {
+            band.left = restLeft_[count];
+            band.right = restRight_[count];
+            ++count;
+        }
     if (gain_ == 1.0F)
         return;
     for (std::uint32_t i = 0; i < frames; ++i) {

@@ -49,6 +49,7 @@ class EqualizerChain {
   private:
     struct Band {
         bool running = false;
+        bool moving = false;   ///< within the current step
         bool endsFlat = false; ///< gliding to flat: stops running when it gets there
         BandDesign design;     ///< where it is, or is going
         Glide<BandDesign::logValueCount> glide;
@@ -69,6 +70,12 @@ class EqualizerChain {
     Glide<1> gainGlide_;    // dB
     float gain_ = 1.0F;     // at the start of the current step
     float nextGain_ = 1.0F; // at its end
+
+    // Only within a call: the running bands side by side.
+    std::vector<SectionCoefficients> restSections_;
+    std::vector<SectionState> restLeft_;
+    std::vector<SectionState> restRight_;
+
     std::uint32_t stepFrames_ = 16;
     std::uint32_t stepPosition_ = 0; // frames of the current step already rendered
     bool gliding_ = false;

@@ -1,0 +1,218 @@
+#include "platform/dsp/reverb/Reverb.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <numbers>
+
+namespace quorbel {
+namespace {
+
+constexpr double mixGlideSeconds = 0.040;
+
+/// What enters a room that has just been made is faded in: the edge of a sound that began suddenly
+/// would be heard in every echo of it.
+constexpr double fadeInSeconds = 0.030;
+
+/// The old room's sound is faded out while the new one's gathers.
+constexpr double fadeOutSeconds = 0.150;
+
+std::uint32_t frameCount(double seconds, double sampleRate) {
+    return std::max(1U, static_cast<std::uint32_t>(std::lround(seconds * sampleRate)));
+}
+
+/// From 0 to 1 with level ends.
+float fadeWeight(std::uint32_t frame, std::uint32_t frames) noexcept {
+    const float t = static_cast<float>(frame) / static_cast<float>(frames);
+    return t * t * (3.0F - 2.0F * t);
+}
+
+} // namespace
+
+Reverb::Gains Reverb::Gains::of(double mix) noexcept {
+    if (mix <= 0.0)
+        return {.dry = 1.0F, .wet = 0.0F};
+    if (mix >= 1.0)
+        return {.dry = 0.0F, .wet = 1.0F};
+    const double angle = mix * std::numbers::pi / 2.0;
+    return {.dry = static_cast<float>(std::cos(angle)), .wet = static_cast<float>(std::sin(angle))};
+}
+
+Reverb::Reverb(ReverbTank::Code code) : voices_{Voice(code), Voice(code)} {}
+
+void Reverb::setRoomModel(RoomModel model) {
+    if (model == model_)
+        return;
+    model_ = model;
+    if (sampleRate_ > 0.0)
+        designs_.publish(RoomDesign::of(model, sampleRate_));
+}
+
+void Reverb::setMixPercent(float percent) {
+    mixPercent_ = percent > 0.0F ? std::min(percent, 100.0F) : 0.0F;
+    mixTarget_.store(mixPercent_ / 100.0F, std::memory_order_relaxed);
+}
+
+void Reverb::prepare(double sampleRate) {
+    assert(sampleRate >= 8000.0 && sampleRate <= 384000.0);
+    sampleRate_ = sampleRate;
+    designs_.publish(RoomDesign::of(model_, sampleRate));
+    fadeInFrames_ = frameCount(fadeInSeconds, sampleRate);
+    fadeOutFrames_ = frameCount(fadeOutSeconds, sampleRate);
+    stepFrames_ = frameCount(mixGlideSeconds / (2.0 * Glide<1>::averageSteps), sampleRate);
+    reset();
+}
+
+void Reverb::reset() {
+    for (Voice &voice : voices_)
+        voice.tank.prepare(sampleRate_);
+    started_ = false;
+    idle_ = true;
+    newDesign_ = true;
+    fading_ = false;
+}
+
+void Reverb::begin() noexcept {
+    started_ = true;
+    const double target = static_cast<double>(mixTarget_.load(std::memory_order_relaxed));
+    mixGlide_.settle({target});
+    gains_ = nextGains_ = Gains::of(target);
+    stepPosition_ = 0;
+    if (target == 0.0)
+        return;
+    leaveIdle();
+    voices_[current_].fadedIn = fadeInFrames_; // what plays from the first frame has no edge
+}
+
+void Reverb::leaveIdle() noexcept {
+    Voice &voice = voices_[current_];
+    voice.tank.start(designs_.current());
+    voice.fadedIn = 0;
+    runningModel_ = designs_.current().model;
+    newDesign_ = false;
+    idle_ = false;
+}
+
+void Reverb::goIdle() noexcept {
+    idle_ = true;
+    fading_ = false;
+}
+
+void Reverb::acceptSettings() noexcept {
+    if (designs_.fetch())
+        newDesign_ = true;
+    if (!started_) {
+        begin();
+        return;
+    }
+    const double target = static_cast<double>(mixTarget_.load(std::memory_order_relaxed));
+    if (idle_) {
+        // Turned up again before the last sound was erased, it waits for that.
+        if (target == 0.0 || !voices_[current_].tank.isClear())
+            return;
+        leaveIdle();
+    }
+    if (target != mixGlide_.target()[0])
+        mixGlide_.retarget({target});
+
+    if (newDesign_ && designs_.current().model == runningModel_)
+        newDesign_ = false; // there and back again before anything was rendered
+    if (newDesign_ && !fading_ && voices_[1 - current_].tank.isClear()) {
+        current_ = 1 - current_;
+        leaveIdle();
+        fading_ = true;
+        fadedOut_ = 0;
+    }
+}
+
+void Reverb::clearUnused(std::uint32_t frames) noexcept {
+    for (std::size_t i = 0; i < voices_.size(); ++i) {
+        const bool used = !idle_ && (i == current_ || fading_);
+        if (!used && !voices_[i].tank.isClear())
+            voices_[i].tank.clearSome(frames);
+    }
+}
+
+void Reverb::process(float *left, float *right, std::uint32_t frames) noexcept {
+    while (frames > 0) {
+        acceptSettings();
+        std::uint32_t count = std::min(frames, longestPiece);
+        if (fading_)
+            count = std::min(count, fadeOutFrames_ - fadedOut_);
+        if (!mixGlide_.isSettled() || stepPosition_ != 0)
+            count = std::min(count, stepFrames_ - stepPosition_);
+        if (!idle_) {
+            renderRooms(left, right, count);
+            mix(left, right, count);
+        }
+        clearUnused(count);
+        left += count;
+        right += count;
+        frames -= count;
+    }
+}
+
+void Reverb::renderVoice(Voice &voice, const float *left, const float *right, float *wetLeft,
+                         float *wetRight, std::uint32_t frames) noexcept {
+    if (voice.fadedIn < fadeInFrames_) {
+        for (std::uint32_t i = 0; i < frames; ++i) {
+            const float weight =
+                fadeWeight(std::min(voice.fadedIn + i, fadeInFrames_), fadeInFrames_);
+            fadedLeft_[i] = weight * left[i];
+            fadedRight_[i] = weight * right[i];
+        }
+        voice.fadedIn += frames;
+        left = fadedLeft_.data();
+        right = fadedRight_.data();
+    }
+    voice.tank.process(left, right, wetLeft, wetRight, frames);
+}
+
+void Reverb::renderRooms(const float *left, const float *right, std::uint32_t frames) noexcept {
+    renderVoice(voices_[current_], left, right, wetLeft_.data(), wetRight_.data(), frames);
+    if (!fading_)
+        return;
+    renderVoice(voices_[1 - current_], left, right, oldLeft_.data(), oldRight_.data(), frames);
+    for (std::uint32_t i = 0; i < frames; ++i) {
+        const float weight = 1.0F - fadeWeight(fadedOut_ + i, fadeOutFrames_);
+        wetLeft_[i] += weight * oldLeft_[i];
+        wetRight_[i] += weight * oldRight_[i];
+    }
+    fadedOut_ += frames;
+    if (fadedOut_ == fadeOutFrames_)
+        fading_ = false;
+}
+
+void Reverb::mix(float *left, float *right, std::uint32_t frames) noexcept {
+    if (mixGlide_.isSettled() && stepPosition_ == 0) {
+        const Gains gains = gains_;
+        for (std::uint32_t i = 0; i < frames; ++i) {
+            left[i] = gains.dry * left[i] + gains.wet * wetLeft_[i];
+            right[i] = gains.dry * right[i] + gains.wet * wetRight_[i];
+        }
+        return;
+    }
+    if (stepPosition_ == 0) {
+        mixGlide_.advance();
+        nextGains_ = Gains::of(mixGlide_.values()[0]);
+    }
+    const float perFrame = 1.0F / static_cast<float>(stepFrames_);
+    const float dryStep = (nextGains_.dry - gains_.dry) * perFrame;
+    const float wetStep = (nextGains_.wet - gains_.wet) * perFrame;
+    for (std::uint32_t i = 0; i < frames; ++i) {
+        const auto position = static_cast<float>(stepPosition_ + i);
+        const float dry = gains_.dry + dryStep * position;
+        const float wet = gains_.wet + wetStep * position;
+        left[i] = dry * left[i] + wet * wetLeft_[i];
+        right[i] = dry * right[i] + wet * wetRight_[i];
+    }
+    stepPosition_ += frames;
+    if (stepPosition_ < stepFrames_)
+        return;
+    stepPosition_ = 0;
+    gains_ = nextGains_;
+    if (mixGlide_.isSettled() && mixGlide_.target()[0] == 0.0)
+        goIdle();
+}
+
+} // namespace quorbel

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "platform/dsp/Glide.h"
+#include "platform/dsp/LatestValue.h"
+#include "platform/dsp/reverb/ReverbTank.h"
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+
+namespace quorbel {
+
+/// A stereo reverb: one of several rooms and a mix of direct and room sound, set on one thread
+/// while another renders.
+///
+/// The mix has equal power: the direct sound by cos(π/2 · mix), the room by sin(π/2 · mix), so that
+/// the loudness stays. Its changes glide for about 40 ms. A mix of 0 leaves the samples as they are
+/// and costs nothing. A new room is faded in while the old one is faded out; each needs its own
+/// memory, so there are two. Settings made before the first block apply from its first frame.
+class Reverb {
+  public:
+    Reverb() : Reverb(ReverbTank::Code::vector) {}
+    explicit Reverb(ReverbTank::Code code);
+
+    [[nodiscard]] RoomModel roomModel() const { return model_; } // [main]
+    /// The same room again changes nothing: its sound goes on.
+    void setRoomModel(RoomModel model); // [main]
+
+    [[nodiscard]] float mixPercent() const { return mixPercent_; } // [main]
+    /// Clamped to 0 to 100; not a number is 0.
+    void setMixPercent(float percent); // [main]
+
+    /// Takes the memory for `sampleRate` Hz, 8000 to 384000, and starts from silence. Not while
+    /// rendering.
+    void prepare(double sampleRate);
+
+    /// Silence inside; the settings stay and are in force at once. Not while rendering.
+    void reset();
+
+    /// Any number of frames, in place. How the sound is cut into calls makes no difference to it.
+    void process(float *left, float *right, std::uint32_t frames) noexcept; // [render]
+
+  private:
+    static constexpr std::uint32_t longestPiece = 256;
+    using Piece = std::array<float, longestPiece>;
+
+    /// A tank and how far its input has been faded in.
+    struct Voice {
+        explicit Voice(ReverbTank::Code code) : tank(code) {}
+        ReverbTank tank;
+        std::uint32_t fadedIn = 0; ///< frames
+    };
+
+    struct Gains {
+        float dry = 1.0F;
+        float wet = 0.0F;
+        [[nodiscard]] static Gains of(double mix) noexcept;
+    };
+
+    void begin() noexcept;
+    void acceptSettings() noexcept;
+    void goIdle() noexcept;
+    void leaveIdle() noexcept;
+    void clearUnused(std::uint32_t frames) noexcept;
+    void renderVoice(Voice &voice, const float *left, const float *right, float *wetLeft,
+                     float *wetRight, std::uint32_t frames) noexcept;
+    void renderRooms(const float *left, const float *right, std::uint32_t frames) noexcept;
+    void mix(float *left, float *right, std::uint32_t frames) noexcept;
+
+    // [main]
+    RoomModel model_ = RoomModel::smallRoom;
+    float mixPercent_ = 0.0F;
+    double sampleRate_ = 0.0; // 0: not prepared
+
+    LatestValue<RoomDesign> designs_{RoomDesign{}};
+    std::atomic<float> mixTarget_{0.0F}; // 0 to 1
+
+    // Constant after prepare.
+    std::uint32_t fadeInFrames_ = 1;
+    std::uint32_t fadeOutFrames_ = 1;
+    std::uint32_t stepFrames_ = 1; // of the mix's glide
+
+    // [render]
+    std::array<Voice, 2> voices_;
+    std::size_t current_ = 0;
+    bool started_ = false;
+    bool idle_ = true;       // nothing of a room is heard, the tanks are not run
+    bool newDesign_ = false; // the newest design is not running yet
+    RoomModel runningModel_ = RoomModel::smallRoom;
+    bool fading_ = false; // from the other voice to the current one
+    std::uint32_t fadedOut_ = 0;
+    Glide<1> mixGlide_;
+    Gains gains_;     // at the start of the current step
+    Gains nextGains_; // at its end
+    std::uint32_t stepPosition_ = 0;
+    Piece fadedLeft_{};
+    Piece fadedRight_{};
+    Piece wetLeft_{};
+    Piece wetRight_{};
+    Piece oldLeft_{};
+    Piece oldRight_{};
+};
+
+} // namespace quorbel

@@ -1,0 +1,112 @@
+#include "platform/dsp/reverb/RoomDesign.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <numbers>
+
+namespace quorbel {
+namespace {
+
+using std::numbers::pi;
+
+constexpr double midHz = 1000.0;
+constexpr double trebleHz = 8000.0;
+
+/// The rate at which neighbouring samples are the right distance for the absorption's taps.
+constexpr double spacingRate = 48000.0;
+
+/// Line delays over their mean: a geometric series, slightly uneven so that differences differ too.
+constexpr std::array<double, RoomDesign::lineCount> lineRatios{0.473, 0.571, 0.697, 0.838,
+                                                               1.003, 1.187, 1.421, 1.810};
+
+/// Stage delays over `reflectionSeconds` (the first three) and `diffusionSeconds` (the others), so
+/// that the sums over all subsets, at which the echoes fall, are spread evenly. The right channel's
+/// differ for its echoes to differ.
+constexpr std::array<std::array<double, RoomDesign::stageCount>, 2> stageRatios{{
+    {0.193, 0.317, 0.490, 0.454, 0.261, 0.151, 0.084, 0.050},
+    {0.229, 0.287, 0.484, 0.431, 0.279, 0.143, 0.093, 0.054},
+}};
+
+/// How much of a hard-panned source's early reflections reaches the other side, in amplitude.
+constexpr double farOverNear = 0.6;
+
+bool isPrime(std::uint32_t number) {
+    if (number % 2 == 0)
+        return number == 2;
+    for (std::uint32_t divisor = 3; divisor * divisor <= number; divisor += 2)
+        if (number % divisor == 0)
+            return false;
+    return number > 1;
+}
+
+std::uint32_t frames(double seconds, double sampleRate) {
+    return static_cast<std::uint32_t>(std::lround(seconds * sampleRate));
+}
+
+/// The gain per pass of a line of `delaySeconds`, for a sound that decays by 60 dB in
+/// `decaySeconds`.
+double passGain(double delaySeconds, double decaySeconds) {
+    return std::pow(10.0, -3.0 * delaySeconds / decaySeconds);
+}
+
+} // namespace
+
+RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
+    assert(sampleRate >= 8000.0 && sampleRate <= 384000.0);
+    const RoomCharacter &room = characterOf(model);
+    RoomDesign design;
+    design.model = model;
+    design.preDelay = frames(room.preDelaySeconds, sampleRate);
+
+    for (std::size_t channel = 0; channel < 2; ++channel)
+        for (std::size_t stage = 0; stage < stageCount; ++stage) {
+            const double span =
+                stage < earlyStages ? room.reflectionSeconds : room.diffusionSeconds;
+            design.stageDelays[channel][stage] =
+                std::max(1U, frames(stageRatios[channel][stage] * span, sampleRate));
+        }
+
+    // A low-pass of three taps hits the wanted loss exactly at two frequencies and is linear in
+    // phase, so the lines' lengths stay what they are. Its response repeats every
+    // sampleRate/spacing: above 20 kHz at high rates, where nobody hears the difference.
+    design.spacing = std::max(1U, frames(1.0 / spacingRate, sampleRate));
+    const double upperHz = std::min(trebleHz, sampleRate / 2.0);
+    const double upperDecay =
+        room.decaySeconds *
+        std::pow(room.trebleDecayRatio, std::log(upperHz / midHz) / std::log(trebleHz / midHz));
+    const auto cosineAt = [&](double frequency) {
+        return std::cos(2.0 * pi * frequency * design.spacing / sampleRate);
+    };
+    double meanPower = 0.0;
+    std::uint32_t last = 0;
+    for (std::size_t line = 0; line < lineCount; ++line) {
+        std::uint32_t delay =
+            std::max(last + 1, frames(lineRatios[line] * room.meanDelaySeconds, sampleRate));
+        while (!isPrime(delay))
+            ++delay;
+        design.lineDelays[line] = last = delay;
+        const double seconds = delay / sampleRate;
+        const double midGain = passGain(seconds, room.decaySeconds);
+        const double upperGain = passGain(seconds, upperDecay);
+        const double side = (midGain - upperGain) / (2.0 * (cosineAt(midHz) - cosineAt(upperHz)));
+        const double centre = midGain - 2.0 * side * cosineAt(midHz);
+        assert(centre + 2.0 * side < 1.0);
+        const double mixing = 1.0 / std::sqrt(static_cast<double>(lineCount));
+        design.side[line] = static_cast<float>(mixing * side);
+        design.centre[line] = static_cast<float>(mixing * centre);
+        meanPower += midGain * midGain / lineCount;
+    }
+
+    // Every diffuser stage doubles the power, and the network multiplies what enters by
+    // 1/(1 - meanPower); the room as a whole shall have a gain of one.
+    const double early = std::sqrt(room.earlyShare / std::exp2(earlyStages));
+    const double late =
+        std::sqrt((1.0 - room.earlyShare) * (1.0 - meanPower) / std::exp2(stageCount));
+    design.earlyNear = static_cast<float>(early / std::hypot(1.0, farOverNear));
+    design.earlyFar = static_cast<float>(farOverNear * early / std::hypot(1.0, farOverNear));
+    design.late = static_cast<float>(late);
+    return design;
+}
+
+} // namespace quorbel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/dsp/reverb/RoomModel.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace quorbel {
+
+/// A room at a sample rate: all that a `ReverbTank` needs, in frames and factors. Made off the
+/// audio thread, copied to it.
+struct RoomDesign {
+    static constexpr std::size_t lineCount = 8;  ///< of the late network
+    static constexpr std::size_t stageCount = 8; ///< of each diffuser
+    static constexpr std::size_t earlyStages =
+        3; ///< after which its output is the early reflections
+
+    RoomModel model = RoomModel::smallRoom;
+    std::uint32_t preDelay = 0; ///< frames
+
+    /// Per input channel: the delay of each diffuser stage in frames, at least 1.
+    std::array<std::array<std::uint32_t, stageCount>, 2> stageDelays{};
+
+    /// Different primes, so that no two lines' echoes fall together for long.
+    std::array<std::uint32_t, lineCount> lineDelays{};
+
+    /// What each line loses per pass: centre · x[n] + side · (x[n - spacing] + x[n + spacing]),
+    /// together with the mixing matrix's 1/√8.
+    std::uint32_t spacing = 1;
+    std::array<float, lineCount> centre{};
+    std::array<float, lineCount> side{};
+
+    // Output gains.
+    float earlyNear = 0.0F; ///< reflections of the channel's own input
+    float earlyFar = 0.0F;  ///< of the other one
+    float late = 0.0F;
+
+    /// `sampleRate` in Hz, 8000 to 384000.
+    [[nodiscard]] static RoomDesign of(RoomModel model, double sampleRate);
+};
+
+} // namespace quorbel

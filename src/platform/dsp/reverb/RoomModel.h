@@ -1,0 +1,36 @@
+#pragma once
+
+#include <array>
+
+namespace quorbel {
+
+/// The rooms that the reverb can be, by the numbers under which such factory presets are known.
+enum class RoomModel : int {
+    smallRoom = 0,
+    mediumRoom = 1,
+    largeRoom = 2,
+    mediumHall = 3,
+    largeHall = 4,
+    plate = 5,
+    cathedral = 8,
+};
+
+inline constexpr std::array allRoomModels{
+    RoomModel::smallRoom, RoomModel::mediumRoom, RoomModel::largeRoom, RoomModel::mediumHall,
+    RoomModel::largeHall, RoomModel::plate,      RoomModel::cathedral,
+};
+
+/// What a room sounds like, apart from any sample rate.
+struct RoomCharacter {
+    double decaySeconds;      ///< RT60 at 1 kHz
+    double trebleDecayRatio;  ///< RT60 at 8 kHz over that at 1 kHz
+    double preDelaySeconds;   ///< until the first reflection
+    double reflectionSeconds; ///< from the first to the last early reflection
+    double diffusionSeconds;  ///< over which each reflection is spread before the late sound
+    double meanDelaySeconds;  ///< of the late network: the time between two walls
+    double earlyShare;        ///< of the energy, 0 to 1: the early reflections' part
+};
+
+[[nodiscard]] const RoomCharacter &characterOf(RoomModel model);
+
+} // namespace quorbel

@@ -1,0 +1,111 @@
+#include "platform/dsp/SectionCascade.h"
+
+#include <gtest/gtest.h>
+#include <hwy/highway.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <random>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+/// Sections between 20 Hz and 15 kHz of any shape.
+std::vector<SectionCoefficients> someSections(std::size_t count) {
+    std::mt19937 random(31);
+    std::uniform_real_distribution<double> uniform(0.0, 1.0);
+    std::vector<SectionCoefficients> result;
+    for (std::size_t i = 0; i < count; ++i)
+        result.emplace_back(
+            StateVariableDesign{.cutoff = 0.0013 * std::pow(1000.0, uniform(random)),
+                                .damping = 0.25 + uniform(random),
+                                .high = 0.5 + uniform(random),
+                                .band = 0.25 + uniform(random),
+                                .low = 0.5 + uniform(random)});
+    return result;
+}
+
+struct Stereo {
+    std::vector<float> left;
+    std::vector<float> right;
+
+    friend bool operator==(const Stereo &, const Stereo &) = default;
+};
+
+Stereo noise(std::size_t frames) {
+    std::mt19937 random(8);
+    std::uniform_real_distribution<float> uniform(-0.5F, 0.5F);
+    Stereo result{std::vector<float>(frames), std::vector<float>(frames)};
+    std::generate(result.left.begin(), result.left.end(), [&] { return uniform(random); });
+    std::generate(result.right.begin(), result.right.end(), [&] { return uniform(random); });
+    return result;
+}
+
+using Process = void (*)(const SectionCascade &, float *, float *, std::uint32_t) noexcept;
+
+Stereo run(Process process, const std::vector<SectionCoefficients> &sections, Stereo sound,
+           std::size_t block) {
+    std::vector<SectionState> left(sections.size());
+    std::vector<SectionState> right(sections.size());
+    for (std::size_t start = 0; start < sound.left.size(); start += block)
+        process({sections.data(), left.data(), right.data(), sections.size()},
+                sound.left.data() + start, sound.right.data() + start,
+                static_cast<std::uint32_t>(std::min(block, sound.left.size() - start)));
+    return sound;
+}
+
+double errorDB(const std::vector<float> &sound, const std::vector<float> &reference) {
+    double error = 0.0;
+    double level = 0.0;
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        error += std::pow(static_cast<double>(sound[i]) - static_cast<double>(reference[i]), 2);
+        level += std::pow(static_cast<double>(reference[i]), 2);
+    }
+    return 10.0 * std::log10(error / level);
+}
+
+class SectionCascadeOnTarget : public ::testing::TestWithParam<std::int64_t> {
+  protected:
+    void SetUp() override {
+        if ((hwy::SupportedTargets() & GetParam()) == 0)
+            GTEST_SKIP() << "not on this machine";
+        hwy::SetSupportedTargetsForTest(GetParam());
+        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    }
+    void TearDown() override {
+        hwy::SetSupportedTargetsForTest(0);
+        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    }
+};
+
+TEST_P(SectionCascadeOnTarget, agreesWithThePlainOne) {
+    const Stereo sound = noise(20000);
+    for (const std::size_t count : {1U, 2U, 4U, 5U, 10U, 16U, 17U, 33U}) {
+        const auto sections = someSections(count);
+        const Stereo expected = run(processCascadePlainly, sections, sound, sound.left.size());
+        const Stereo whole = run(processCascade, sections, sound, sound.left.size());
+        // Rounding noise of 32 bits, as far below the sound as the plain one's own.
+        EXPECT_LT(errorDB(whole.left, expected.left), -110.0) << count << " sections";
+        EXPECT_LT(errorDB(whole.right, expected.right), -110.0) << count << " sections";
+        for (const std::size_t block : {1U, 3U, 17U, 64U, 1000U})
+            EXPECT_EQ(run(processCascade, sections, sound, block), whole)
+                << count << " sections in blocks of " << block;
+    }
+}
+
+std::vector<std::int64_t> compiledTargets() {
+    std::vector<std::int64_t> result;
+    for (std::uint64_t rest = HWY_TARGETS; rest != 0; rest &= rest - 1)
+        result.push_back(static_cast<std::int64_t>(rest & (~rest + 1)));
+    return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(Targets, SectionCascadeOnTarget, ::testing::ValuesIn(compiledTargets()),
+                         [](const auto &parameter) {
+                             return std::string(hwy::TargetName(parameter.param));
+                         });
+
+} // namespace
+} // namespace quorbel
