@@ -3,8 +3,10 @@
 #include "effects/EffectComponents.h"
 #include "effects/GainTestUnit.h"
 #include "effects/UnitHarness.h"
+#include "effects/units/BassEnhancerUnit.h"
 #include "effects/units/LimiterUnit.h"
 #include "effects/units/SpatializerUnit.h"
+#include "effects/units/VoiceEnhancerUnit.h"
 #include "platform/threads/ManualClock.h"
 #include "support/RealtimeGuard.h"
 
@@ -32,6 +34,7 @@ struct EffectTraits {
 const std::map<std::string, EffectTraits> &traits() {
     static const std::map<std::string, EffectTraits> table{
         {"AutoGain", {}},
+        {"BassEnhancer", {.neutral = {{BassEnhancerUnit::amount, 0.0F}}}},
         {"Crossfeed", {.mixesChannels = true}},
         {"Limiter", {.neutral = {{LimiterUnit::enabled, 0.0F}}}},
         // Sums and differences in 32 bits.
@@ -42,6 +45,7 @@ const std::map<std::string, EffectTraits> &traits() {
           .neutralRounding = 1e-6,
           .mixesChannels = true}},
         {"Test", {.neutral = {{GainTestUnit::enabled, 0.0F}}}},
+        {"VoiceEnhancer", {.neutral = {{VoiceEnhancerUnit::amount, 0.0F}}}},
     };
     return table;
 }

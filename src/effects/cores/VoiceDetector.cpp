@@ -1,0 +1,41 @@
+#include "effects/cores/VoiceDetector.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorbel {
+
+std::optional<float> VoiceDetector::voiceRatio(const AnalysisRing &ring, float sampleRate) {
+    constexpr double smallestPower = 1.0;
+    constexpr int lastBin = static_cast<int>(PowerSpectrum::bins) - 1;
+
+    if (!ring.snapshot(spectrum_.samples()))
+        return std::nullopt;
+    spectrum_.transform();
+
+    const float binHz = sampleRate / static_cast<float>(PowerSpectrum::points);
+    const int low = std::max(static_cast<int>(std::ceil(60.0F / binHz)), 1);
+    const int high = std::min(static_cast<int>(std::floor(10'000.0F / binHz)), lastBin);
+    const int voiceLow = std::max(low, static_cast<int>(std::ceil(300.0F / binHz)));
+    const int voiceHigh = std::min(high, static_cast<int>(std::floor(4000.0F / binHz)));
+    if (high <= low || voiceHigh <= voiceLow)
+        return std::nullopt;
+
+    double total = 0.0;
+    double voice = 0.0;
+    for (int k = low; k <= high; ++k) {
+        const double power = spectrum_.power(static_cast<std::size_t>(k));
+        total += power;
+        if (k >= voiceLow && k <= voiceHigh)
+            voice += power;
+    }
+    if (!(total > smallestPower))
+        return std::nullopt;
+    return static_cast<float>(voice / total);
+}
+
+float VoiceDetector::confidenceFor(float ratio) noexcept {
+    return std::clamp((ratio - 0.3F) / 0.3F, 0.0F, 1.0F);
+}
+
+} // namespace quorbel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "effects/cores/AnalysisRing.h"
+#include "effects/cores/PowerSpectrum.h"
+
+#include <optional>
+
+namespace quorbel {
+
+/// Judges how much of the sound lies where voices lie. [analysis]
+class VoiceDetector {
+  public:
+    /// The power between 300 and 4000 Hz by that between 60 and 10 000 Hz; nothing while there are
+    /// not yet 4096 frames, or too little sound to tell.
+    [[nodiscard]] std::optional<float> voiceRatio(const AnalysisRing &ring, float sampleRate);
+
+    /// 0 for a ratio of 0.3 or less, 1 for 0.6 or more, linear in between.
+    [[nodiscard]] static float confidenceFor(float ratio) noexcept;
+
+  private:
+    PowerSpectrum spectrum_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,92 @@
+#include "effects/units/VoiceEnhancerUnit.h"
+
+#include "effects/PlainCell.h"
+#include "effects/cores/AnalysisRing.h"
+#include "effects/cores/VoiceDetector.h"
+#include "effects/cores/VoiceEnhancerCore.h"
+
+#include <array>
+
+namespace quorbel {
+
+namespace {
+
+constexpr std::array parameterTable{
+    EffectParameter{"amount", "Voice Amount", 0.0F, 100.0F, ParameterUnit::percent, 100.0F},
+    EffectParameter{"presence", "Presence Gain", 0.0F, 6.0F, ParameterUnit::decibels, 3.0F},
+    EffectParameter{"mud", "Mud Cut", 0.0F, 4.0F, ParameterUnit::decibels, 2.5F},
+    EffectParameter{"adaptive", "Adaptive Mode", 0.0F, 1.0F, ParameterUnit::boolean, 0.0F},
+};
+
+constexpr float smallestMix = 0.001F;
+
+} // namespace
+
+struct VoiceEnhancerUnit::State {
+    PlainCell sampleRateStorage{48'000.0F};
+    PlainCell confidenceStorage{0.0F}; // 0 to 1; written by the analysis, kept by allocation
+    VoiceEnhancerCore core;
+    AnalysisRing ring; // kept by allocation
+};
+
+struct VoiceEnhancerUnit::Analysis {
+    explicit Analysis(std::shared_ptr<State> shared) : state(std::move(shared)) {}
+
+    std::shared_ptr<State> state;
+    VoiceDetector detector;
+
+    void analyzeOnce() {
+        const auto ratio = detector.voiceRatio(state->ring, state->sampleRateStorage.load());
+        if (ratio)
+            state->confidenceStorage.store(0.9F * state->confidenceStorage.load() +
+                                           0.1F * VoiceDetector::confidenceFor(*ratio));
+    }
+};
+
+VoiceEnhancerUnit::VoiceEnhancerUnit(const ComponentDescription &description,
+                                     InstantiationOptions options,
+                                     const SerialQueueFactory &analysisQueues)
+    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()),
+      analysisTimer_(analysisQueues, "Quorbel.VoiceAnalysis") {}
+
+Status VoiceEnhancerUnit::prepare(float sampleRate, std::string &) {
+    state_->sampleRateStorage.store(sampleRate);
+    state_->core.prepare(sampleRate);
+    if (!analysis_)
+        analysis_ = std::make_shared<Analysis>(state_);
+    analysisTimer_.start([analysis = analysis_] { analysis->analyzeOnce(); });
+    return statusOK;
+}
+
+void VoiceEnhancerUnit::deallocateRenderResources() {
+    analysisTimer_.stop();
+    EffectUnit::deallocateRenderResources();
+}
+
+RenderBlock VoiceEnhancerUnit::internalRenderBlock() {
+    return effectRenderBlock([state = state_, amountStorage = storage(amount),
+                              presenceGainStorage = storage(presence), mudCutStorage = storage(mud),
+                              adaptiveStorage = storage(adaptive)](const AudioBufferList &buffers,
+                                                                   std::uint32_t frames) noexcept {
+        if (buffers.bufferCount < 2)
+            return;
+        const float fullMix = amountStorage->value() / 100.0F;
+        const float presenceDB = presenceGainStorage->value();
+        const float mudDB = mudCutStorage->value();
+        const float mix = isAdaptiveOn(adaptiveStorage->value())
+                              ? fullMix * state->confidenceStorage.load()
+                              : fullMix;
+
+        // The analysis hears the unprocessed sound, also while the unit rests.
+        state->ring.feed(buffers.data[0], buffers.data[1], frames);
+        if (mix < smallestMix) {
+            state->core.clear();
+            return;
+        }
+        state->core.process(buffers.data[0], buffers.data[1], frames, mix, presenceDB, mudDB);
+    });
+}
+
+float VoiceEnhancerUnit::readout() const noexcept { return state_->confidenceStorage.load(); }
+
+} // namespace quorbel

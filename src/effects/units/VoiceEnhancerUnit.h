@@ -1,0 +1,35 @@
+#pragma once
+
+#include "effects/EffectUnit.h"
+#include "effects/units/AnalysisTimer.h"
+
+namespace quorbel {
+
+/// Voice clarity. In adaptive mode the amount follows a running confidence that the sound is a
+/// voice, which is measured in the background all the while. At no amount it rests: bit-exact, its
+/// memory cleared.
+class VoiceEnhancerUnit final : public EffectUnit {
+  public:
+    enum Address : ParameterAddress { amount, presence, mud, adaptive };
+
+    VoiceEnhancerUnit(const ComponentDescription &description, InstantiationOptions options,
+                      const SerialQueueFactory &analysisQueues);
+
+    void deallocateRenderResources() override;
+    [[nodiscard]] RenderBlock internalRenderBlock() override;
+
+    /// The confidence that a voice is heard, 0 to 1.
+    [[nodiscard]] float readout() const noexcept override;
+
+  protected:
+    Status prepare(float sampleRate, std::string &error) override;
+
+  private:
+    struct State;
+    struct Analysis;
+    std::shared_ptr<State> state_;
+    std::shared_ptr<Analysis> analysis_; // made by the first allocation
+    AnalysisTimer analysisTimer_;
+};
+
+} // namespace quorbel

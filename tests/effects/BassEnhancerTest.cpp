@@ -1,0 +1,184 @@
+#include "effects/EffectComponents.h"
+#include "effects/ModelComparison.h"
+#include "effects/NaiveSpectrum.h"
+#include "effects/units/BassEnhancerUnit.h"
+#include "platform/threads/ManualClock.h"
+
+#include <gtest/gtest.h>
+
+namespace quorbel {
+namespace {
+
+class BassModel final : public UnitModel {
+  public:
+    explicit BassModel(double sampleRate) : sampleRate_(static_cast<float>(sampleRate)) {}
+
+    void process(ModelBlock &block, const Settings &s) override {
+        const float hz = s.at(BassEnhancerUnit::crossover);
+        const std::array<float, 5> low = section(hz, false);
+        const std::array<float, 5> high = section(1.5F * hz, true);
+        const double drive = double{s.at(BassEnhancerUnit::drive)};
+        const double a = double{s.at(BassEnhancerUnit::amount)} / 100.0;
+        for (std::size_t i = 0; i < block.left.size(); ++i) {
+            for (const std::size_t channel : {0U, 1U}) {
+                double &x = (channel == 0 ? block.left : block.right)[i];
+                const double bass = lows_[channel](x, low);
+                const double harmonics = highs_[channel](std::tanh(drive * bass) / drive, high);
+                x = (x + 1.8 * a * harmonics) / (1.0 + 0.8 * a);
+            }
+        }
+    }
+
+  private:
+    [[nodiscard]] std::array<float, 5> section(float hz, bool isHighPass) const {
+        const float w = 6.2831853F * hz / sampleRate_;
+        const float alpha = std::sin(w) / 1.414F;
+        const float a0 = 1.0F + alpha;
+        const float edge = isHighPass ? 1.0F + std::cos(w) : 1.0F - std::cos(w);
+        const float b1 = isHighPass ? -edge / a0 : edge / a0;
+        return {edge / 2.0F / a0, b1, edge / 2.0F / a0, -2.0F * std::cos(w) / a0,
+                (1.0F - alpha) / a0};
+    }
+
+    float sampleRate_;
+    std::array<ModelSection, 2> lows_;
+    std::array<ModelSection, 2> highs_;
+};
+
+struct BassEnhancerTest : ::testing::Test {
+    ManualClock clock;
+
+    UnitHarness make(double sampleRate = 48'000.0) {
+        UnitHarness unit(std::make_unique<BassEnhancerUnit>(bassEnhancerDescription, 0,
+                                                            clockedSerialQueues(clock)));
+        EXPECT_EQ(unit.allocate(sampleRate), statusOK);
+        return unit;
+    }
+    static float readout(UnitHarness &unit) {
+        return dynamic_cast<EffectUnit &>(unit.unit()).readout();
+    }
+    /// Plays in blocks and lets their time pass, as file rendering does.
+    Sound playInTime(UnitHarness &unit, Sound sound, std::size_t blockFrames = 512) {
+        for (std::size_t done = 0; done < sound.frames(); done += blockFrames) {
+            const std::size_t count = std::min(blockFrames, sound.frames() - done);
+            AudioBufferList view = sound.view(done);
+            unit.node().render({}, view, static_cast<std::uint32_t>(count));
+            clock.advance(static_cast<double>(count) / 48'000.0);
+        }
+        return sound;
+    }
+};
+
+TEST_F(BassEnhancerTest, MatchesTheModel) {
+    const auto settings = [](float amount, float drive, float crossover) {
+        return Settings{{0, amount}, {1, drive}, {2, crossover}, {3, 0.5F}};
+    };
+    const std::vector<Settings> schedule{settings(50, 3, 80), settings(100, 8, 150),
+                                         settings(0, 3, 80), settings(100, 1, 40),
+                                         settings(30, 2.5F, 99)};
+    for (const auto &[name, sound] : modelSounds()) {
+        for (const double rate : {44'100.0, 48'000.0}) {
+            UnitHarness unit = make(rate);
+            BassModel model(rate);
+            // Direct form I in 32 bits at 40 Hz: the recursion multiplies its rounding by up to
+            // 1e4.
+            EXPECT_LT(differenceFromModel(unit, model, sound, schedule), 2e-3)
+                << name << " at " << rate << " Hz";
+        }
+    }
+}
+
+TEST_F(BassEnhancerTest, AddsOddHarmonicsOfTheBassAndKeepsTheLevel) {
+    UnitHarness unit = make();
+    unit.set(BassEnhancerUnit::amount, 100.0F).set(BassEnhancerUnit::drive, 8.0F);
+    const Sound sound = unit.play(sine(50.0, 96'000, 1.0));
+    const auto levelAt = [&](double hz) {
+        std::complex<double> sum = 0.0;
+        for (std::size_t i = 48'000; i < 96'000; ++i)
+            sum += double{sound.left[i]} * std::polar(1.0, -2.0 * std::numbers::pi * hz *
+                                                               static_cast<double>(i) / 48'000.0);
+        return 20.0 * std::log10(std::abs(sum) / 24'000.0 + 1e-12);
+    };
+    EXPECT_GT(levelAt(150.0), -30.0);
+    EXPECT_GT(levelAt(250.0), -40.0);
+    EXPECT_LT(levelAt(100.0), -80.0);
+
+    // At drive 1 and a small level the shaper is straight.
+    UnitHarness gentle = make();
+    gentle.set(BassEnhancerUnit::amount, 100.0F).set(BassEnhancerUnit::drive, 1.0F);
+    const Sound quiet = gentle.play(sine(50.0, 96'000, 0.01));
+    double third = 0.0;
+    for (std::size_t i = 48'000; i < 96'000; ++i)
+        third += double{quiet.left[i]} *
+                 std::sin(2.0 * std::numbers::pi * 150.0 * static_cast<double>(i) / 48'000.0);
+    EXPECT_LT(std::abs(third) / 24'000.0, 1e-6);
+}
+
+TEST_F(BassEnhancerTest, TracksThePowersCentreOnTheSamplesOfItsSchedule) {
+    UnitHarness unit = make();
+    const Sound music = modelSounds().at("music");
+    AnalysisSchedule schedule(48'000.0);
+    std::vector<double> heard;
+    double expected = 80.0;
+    Sound sound = music;
+    int estimates = 0;
+    for (std::size_t end = 512; end <= 36'000; end += 512) {
+        AudioBufferList view = sound.view(end - 512);
+        for (std::size_t i = end - 512; i < end; ++i)
+            heard.push_back((double{music.left[i]} + double{music.right[i]}) / 2.0);
+        unit.node().render({}, view, 512);
+        clock.advance(512 / 48'000.0);
+        for (int due = schedule.dueBy(end); due > 0; --due) {
+            double power = 0.0;
+            double moment = 0.0;
+            for (std::size_t k = 3; k <= 17; ++k) { // 35 to 199 Hz
+                const double p = naivePower(heard, k);
+                power += p;
+                moment += p * static_cast<double>(k) * 48'000.0 / 4096.0;
+            }
+            expected += 0.08 * (std::clamp(moment / power, 40.0, 150.0) - expected);
+            ++estimates;
+        }
+        ASSERT_NEAR(readout(unit), expected, 2e-4) << "after frame " << end;
+    }
+    EXPECT_EQ(estimates, 13);
+}
+
+TEST_F(BassEnhancerTest, HoldsInSilenceAndBeforeThereIsEnoughToHear) {
+    UnitHarness unit = make();
+    playInTime(unit, sine(60.0, 4095));
+    clock.advance(1.0);
+    EXPECT_EQ(readout(unit), 80.0F) << "fewer than 4096 frames";
+    playInTime(unit, sine(60.0, 480'000));
+    EXPECT_NEAR(readout(unit), 60.0F, 0.5F);
+
+    // Quiet enough: bass of −80 dBFS still counts, silence does not.
+    playInTime(unit, Sound(9600));
+    const float held = readout(unit);
+    playInTime(unit, Sound(96'000));
+    EXPECT_EQ(readout(unit), held);
+
+    ASSERT_EQ(unit.allocate(), statusOK);
+    EXPECT_EQ(readout(unit), held) << "kept by allocation";
+    unit.node().deallocateRenderResources();
+    clock.advance(10.0);
+    EXPECT_EQ(readout(unit), held) << "no analysis without resources";
+}
+
+TEST_F(BassEnhancerTest, TheTrackedFrequencyReplacesTheCrossoverOnlyAboveTheMiddle) {
+    const Sound sound = noise(4096);
+    const auto playedWith = [&](float crossover, float adaptive) {
+        UnitHarness unit = make();
+        return unit.set(BassEnhancerUnit::crossover, crossover)
+            .set(BassEnhancerUnit::adaptive, adaptive)
+            .play(sound);
+    };
+    const Sound at150 = playedWith(150.0F, 0.0F);
+    const Sound at80 = playedWith(80.0F, 0.0F);
+    EXPECT_NE(at150, at80);
+    EXPECT_EQ(playedWith(150.0F, 0.5F), at150);
+    EXPECT_EQ(playedWith(150.0F, 0.51F), at80) << "80 Hz before the first estimate";
+}
+
+} // namespace
+} // namespace quorbel
