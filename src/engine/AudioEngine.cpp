@@ -5,18 +5,12 @@
 #include "engine/AudioEngineError.h"
 #include "engine/ChainFormat.h"
 
-#include <cmath>
 #include <utility>
 
 namespace quorbel {
 namespace {
 
 constexpr std::int64_t ringBufferFrames = 48000; // one second
-constexpr double readoutSeconds = 0.1;
-
-// Smaller movements are not shown: nobody sees them, and every one redraws a screen.
-constexpr float meterStepDB = 0.05F;
-constexpr float confidenceStep = 0.02F;
 
 } // namespace
 
@@ -117,7 +111,7 @@ void AudioEngine::observeHardware() {
 }
 
 void AudioEngine::startTimers() {
-    bassReadoutTimer = Timer::repeating(clock_, readoutSeconds, [this] { updateReadouts(); });
+    bassReadoutTimer = Timer::repeating(clock_, readOutSeconds, [this] { updateReadouts(); });
     diagnostics_.start();
 }
 
@@ -156,26 +150,17 @@ void AudioEngine::publishState() {
 void AudioEngine::updateReadouts() {
     const MeterReadings now = chain_.readings();
     updateMeters(now.limiterReductionDB, now.autoGainDB);
-    if (now.bassTrackedFrequency != readings_.bassTrackedFrequency) {
-        readings_.bassTrackedFrequency = now.bassTrackedFrequency;
+    if (published_.updateBassTracking(now.bassTrackedFrequency))
         Q_EMIT bassTrackedFrequencyChanged();
-    }
-    if (std::abs(now.voiceConfidence - readings_.voiceConfidence) > confidenceStep) {
-        readings_.voiceConfidence = now.voiceConfidence;
+    if (published_.updateVoiceConfidence(now.voiceConfidence))
         Q_EMIT voiceConfidenceChanged();
-    }
 }
 
 void AudioEngine::updateMeters(float limiterReduction, float autoGain) {
-    // Adding zero turns -0.0, which would print with its sign, into a true zero.
-    if (std::abs(limiterReduction - readings_.limiterReductionDB) > meterStepDB) {
-        readings_.limiterReductionDB = limiterReduction + 0.0F;
+    if (published_.updateLimiterReduction(limiterReduction))
         Q_EMIT limiterReductionDBChanged();
-    }
-    if (std::abs(autoGain - readings_.autoGainDB) > meterStepDB) {
-        readings_.autoGainDB = autoGain + 0.0F;
+    if (published_.updateAutoGain(autoGain))
         Q_EMIT autoGainDBChanged();
-    }
 }
 
 } // namespace quorbel

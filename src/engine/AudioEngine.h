@@ -60,13 +60,20 @@ class AudioEngine final : public QObject {
     [[nodiscard]] const EngineLifecycle::State &state() const { return state_; }
 
     // Read-outs, refreshed ten times a second while running.
-    [[nodiscard]] float limiterReductionDB() const { return readings_.limiterReductionDB; }
-    [[nodiscard]] float autoGainDB() const { return readings_.autoGainDB; }
-    [[nodiscard]] float bassTrackedFrequency() const { return readings_.bassTrackedFrequency; }
-    [[nodiscard]] float voiceConfidence() const { return readings_.voiceConfidence; }
+    [[nodiscard]] float limiterReductionDB() const {
+        return published_.values().limiterReductionDB;
+    }
+    [[nodiscard]] float autoGainDB() const { return published_.values().autoGainDB; }
+    [[nodiscard]] float bassTrackedFrequency() const {
+        return published_.values().bassTrackedFrequency;
+    }
+    [[nodiscard]] float voiceConfidence() const { return published_.values().voiceConfidence; }
 
     /// Publishes the two meters where they have moved by more than 0.05 dB.
     void updateMeters(float limiterReduction, float autoGain);
+
+    /// What was lost since the last start, as of the last whole second.
+    [[nodiscard]] const EngineLosses &losses() const { return diagnostics_.losses(); }
 
   Q_SIGNALS:
     void spatialChanged();
@@ -106,7 +113,7 @@ class AudioEngine final : public QObject {
     MixerConfig mixer_;
     std::optional<AudioDevice> outputDevice_;
     EngineLifecycle::State state_; ///< the lifecycle's, as last published
-    MeterReadings readings_;       ///< as last published
+    PublishedReadings published_;
 
     EngineLifecycle lifecycle;
     AudioUnitRegistry registry_;

@@ -6,6 +6,14 @@
 
 namespace quorbel {
 
+/// What went wrong between capture and playback.
+struct EngineLosses {
+    std::int64_t cutFrames = 0;        ///< dropped, because playback did not take them in time
+    std::int64_t silentFrames = 0;     ///< of silence, because capture had not brought them in time
+    std::int64_t lostCycles = 0;       ///< of capture
+    std::uint64_t nonFiniteFrames = 0; ///< played as zero
+};
+
 class AudioRingBuffer;
 class PlaybackGraph;
 class SystemAudioTap;
@@ -18,9 +26,12 @@ class EngineDiagnostics {
     EngineDiagnostics(Clock &clock, AudioRingBuffer &ringBuffer, const SystemAudioTap &systemTap,
                       const PlaybackGraph &playback);
 
-    /// Begins the seconds anew.
+    /// Begins the seconds anew, and the losses from zero.
     void start();
     void stop() { diagnosticTimer.invalidate(); }
+
+    /// Of all whole seconds since the start.
+    [[nodiscard]] const EngineLosses &losses() const { return losses_; }
 
   private:
     void tick();
@@ -30,6 +41,7 @@ class EngineDiagnostics {
     const SystemAudioTap &systemTap_;
     const PlaybackGraph &playback_;
     Timer diagnosticTimer;
+    EngineLosses losses_;
     // What was last reported; like the counters themselves they live through stops and starts.
     std::int32_t ultimeleCicluriPierdute = 0;
     std::uint64_t lastReplacedFrames_ = 0;

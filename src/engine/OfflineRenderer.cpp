@@ -6,12 +6,14 @@
 #include "platform/graph/AudioGraph.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/threads/ManualClock.h"
+#include "platform/threads/Timer.h"
 #include "platform/units/AudioUnitRegistry.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace quorbel {
 
@@ -28,6 +30,9 @@ struct OfflineRenderer::State {
                       }};
     AudioGraph graph{nullptr, queues};
     std::uint64_t framesRendered = 0;
+    PublishedReadings published;
+    ReadOutObserver readOutObserver;
+    Timer readOutTimer;
 
     explicit State(const ChainSettings &settings) : chain(registry, clock, settings.bands) {
         registerEffectUnits(registry, queues);
@@ -40,6 +45,13 @@ struct OfflineRenderer::State {
             throw std::runtime_error(
                 fmt::format("The processing chain could not be started (status {}).", status));
         apply(settings);
+        readOutTimer = Timer::repeating(clock, readOutSeconds, [this] { readOut(); });
+    }
+
+    void readOut() {
+        published.update(chain.readings());
+        if (readOutObserver)
+            readOutObserver(clock.now(), published.values());
     }
 
     void apply(const ChainSettings &settings) {
@@ -73,6 +85,10 @@ Status OfflineRenderer::render(const AudioBufferList &input, const AudioBufferLi
     state_->framesRendered += frames;
     state_->clock.advance(frames / sampleRate);
     return statusOK;
+}
+
+void OfflineRenderer::setReadOutObserver(ReadOutObserver observer) {
+    state_->readOutObserver = std::move(observer);
 }
 
 std::uint64_t OfflineRenderer::framesRendered() const { return state_->framesRendered; }

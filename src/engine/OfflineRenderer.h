@@ -1,10 +1,12 @@
 #pragma once
 
 #include "engine/ChainSettings.h"
+#include "engine/MeterReadings.h"
 #include "platform/core/AudioBufferList.h"
 #include "platform/core/Status.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 namespace quorbel {
@@ -36,6 +38,11 @@ class OfflineRenderer {
                   std::uint32_t frames);
 
     [[nodiscard]] std::uint64_t framesRendered() const;
+
+    /// Called every 0.1 s of the stream, at the end of the block in which it falls due, with the
+    /// read-outs as the live engine would publish them. Not to be called from inside `render`.
+    using ReadOutObserver = std::function<void(double seconds, const MeterReadings &readings)>;
+    void setReadOutObserver(ReadOutObserver observer);
 
     /// Frames of the input so far in which a sample was not a finite number and was played as zero.
     [[nodiscard]] std::uint64_t replacedFrames() const;

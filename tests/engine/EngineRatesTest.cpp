@@ -135,6 +135,12 @@ TEST_F(EngineRatesTest, LossesAreReportedOnceASecondAndSinceTheLastReport) {
     loseFiveCycles();
     play(0.1);
     EXPECT_THAT(log.takeWith(losses), ElementsAre(::testing::HasSubstr(", 5 cicluri")));
+    EXPECT_EQ(engine->losses().lostCycles, 10);
+    EXPECT_EQ(engine->losses().silentFrames, 80000);
+    EXPECT_EQ(engine->losses().cutFrames, 0);
+    stop();
+    start();
+    EXPECT_EQ(engine->losses().lostCycles, 0) << "counted from the start on";
 }
 
 TEST_F(EngineRatesTest, NonFiniteSamplesAreReplacedAndReported) {
@@ -153,6 +159,7 @@ TEST_F(EngineRatesTest, NonFiniteSamplesAreReplacedAndReported) {
                     "zero"));
     play(3.0);
     EXPECT_THAT(log.takeWith(losses), IsEmpty()) << "said once";
+    EXPECT_EQ(engine->losses().nonFiniteFrames, 11U);
     hardware.stopPlaying(broken);
     for (const float frame : heard("speakers").left)
         ASSERT_TRUE(std::isfinite(frame));

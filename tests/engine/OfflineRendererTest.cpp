@@ -116,6 +116,24 @@ TEST(OfflineRenderer, SettingsMoveWhileItRenders) {
     EXPECT_NEAR(fitSine(after.left, 1000.0, 48000.0).amplitude, 0.25 * std::pow(10.0, 0.3), 1e-4);
 }
 
+TEST(OfflineRenderer, ReadsOutTenTimesASecondOfTheStream) {
+    ChainSettings settings;
+    settings.eqGlobalGainDB = 12.0F; // so that the limiter has work
+    OfflineRenderer renderer(settings);
+    std::vector<double> times;
+    float reduction = 0.0F;
+    renderer.setReadOutObserver([&](double seconds, const MeterReadings &readings) {
+        times.push_back(seconds);
+        reduction = readings.limiterReductionDB;
+    });
+    Stereo loud{std::vector<float>(48'000, 0.5F), std::vector<float>(48'000, 0.5F)};
+    (void)render(renderer, loud, 512);
+    ASSERT_EQ(times.size(), 10U);
+    EXPECT_EQ(times.front(), 0.1);
+    EXPECT_EQ(times.back(), 1.0);
+    EXPECT_GT(reduction, 5.0F);
+}
+
 TEST(OfflineRenderer, CountsFramesThatHoldNoNumber) {
     Stereo input = noise(1000, 4);
     input.left[10] = std::numeric_limits<float>::quiet_NaN();
