@@ -86,8 +86,7 @@ TEST_F(Routing, AStreamThatTheUserMovesStaysWhereTheUserPutIt) {
     EXPECT_TRUE(comesTrue(3.0, [&] {
         const auto stored = server.storedStreams();
         return std::ranges::any_of(stored, [](const auto &entry) {
-            return entry.first.find("moved") != std::string::npos &&
-                   entry.second.find("\"hdmi\"") != std::string::npos;
+            return entry.first.ends_with(":moved:target") && entry.second == "hdmi";
         });
     }));
 }

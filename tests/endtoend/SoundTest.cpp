@@ -9,6 +9,8 @@
 namespace quorbel {
 namespace {
 
+constexpr std::int64_t limiterDelayFrames = 62;
+
 /// A device and a quantum; what is heard there must not depend on either.
 class Sound : public LiveTest, public testing::WithParamInterface<std::tuple<std::string, int>> {
   protected:
@@ -28,28 +30,50 @@ INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
 
 TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     const double seconds = slowTestsWanted() ? 300.0 : 30.0;
-    const Recorder &recorder = record(device(), seconds + 30.0);
+    constexpr int attempts = 3;
+    const Recorder &recorder = record(device(), attempts * seconds + 30.0);
     playSequence();
+    // A virtual machine stands still now and then. What happens to sound that does not pass through
+    // us, on the other device, tells such a moment from a fault of ours.
+    const std::string otherDevice = device() == "hdmi" ? "speakers" : "hdmi";
+    const Recorder &control = record(otherDevice, attempts * seconds + 30.0);
+    Player::Options untouched("control", otherDevice);
+    untouched.mayBeMoved = false;
+    playSequence(untouched);
+
     const auto live = startLive(LiveSettings::flat(), onDevice());
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     ASSERT_TRUE(soonHears(recorder, Heard::dry)); // flat: what is heard is the sequence itself
-
     recorder.skip(1.5);
-    const std::size_t linesBefore = lossLines(*live).size();
-    const Recording recording = recorder.next(seconds);
-    const auto report = SequenceReport::of(recording);
-    EXPECT_TRUE(report.intact()) << report << "; the recorder missed " << recording.missedFrames();
-    EXPECT_EQ(report.frames, recording.frames());
-    EXPECT_EQ(lossLines(*live).size(), linesBefore) << lossLines(*live).back();
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
+        const std::size_t linesBefore = lossLines(*live).size();
+        const std::size_t controlStart = control.frames();
+        const Recording heard = recorder.next(seconds);
+        const Recording other = control.recording(controlStart);
+        const auto report = SequenceReport::of(heard);
+        if (report.intact() && report.frames == heard.frames() &&
+            lossLines(*live).size() == linesBefore) {
+            return;
+        }
+        const auto controlReport = SequenceReport::of(other);
+        std::cout << "lost in attempt " << attempt << ": " << report << "; the recorder missed "
+                  << heard.missedFrames() << "; the control: " << controlReport << ", missed "
+                  << other.missedFrames() << "\n";
+        const bool machineStoodStill =
+            heard.missedFrames() > 0 || other.missedFrames() > 0 || !controlReport.intact();
+        ASSERT_TRUE(machineStoodStill) << testing::PrintToString(lossLines(*live));
+    }
+    ASSERT_LT(quantum(), 1024) << "the machine cannot even play undisturbed";
+    GTEST_SKIP() << "this machine cannot play at quantum " << quantum() << " without us either";
 }
 
-TEST_P(Sound, NothingIsAddedToTheDelay) {
+TEST_P(Sound, TheLimiterLooksAheadAndNothingElseAddsToTheDelay) {
     const auto direct = DelayProbe(client, device(), device()).delays(20);
     const auto live = startLive(LiveSettings::flat(), onDevice());
     DelayProbe probe(client, device(), "");
     ASSERT_TRUE(soonPlaysInto("probe", {tapName(*live)}));
-    EXPECT_EQ(probe.delays(20), direct);
-    EXPECT_EQ(direct.size(), 1U);
+    ASSERT_EQ(direct.size(), 1U);
+    EXPECT_EQ(probe.delays(20), std::set{*direct.begin() + limiterDelayFrames});
 }
 
 class Delay : public LiveTest {};
@@ -59,8 +83,11 @@ TEST_F(Delay, ApplicationsAreToldTheLatencyOfTheDeviceBehindUs) {
     const Player &player = playSequence();
     const auto live = startLive(LiveSettings::flat(), {"--device", "wireless"});
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
-    EXPECT_TRUE(comesTrue(2.0, [&] { return std::abs(player.reportedDelay() - 9600) <= 1; }))
-        << player.reportedDelay();
+    // The limiter's own delay may be counted in or not: it is shorter than any picture.
+    EXPECT_TRUE(comesTrue(2.0, [&] {
+        const auto added = player.reportedDelay() - 9600;
+        return added >= -1 && added <= limiterDelayFrames + 1;
+    })) << player.reportedDelay();
 }
 
 class Level : public LiveTest {};

@@ -26,16 +26,26 @@ std::string Node::property(const std::string &key) const {
 }
 
 ServerState ServerState::parse(const std::string &dump) {
-    const Json objects = Json::parse(dump, nullptr, false);
-    if (!objects.is_array()) {
-        throw ServerError("pw-dump printed no list of objects: " + dump.substr(0, 200));
+    // One list, with another before it for each object that went while the server was asked.
+    std::map<std::uint32_t, Json> objects;
+    std::istringstream text(dump);
+    try {
+        while (text >> std::ws && text.peek() != std::char_traits<char>::eof()) {
+            Json list;
+            text >> list;
+            for (const Json &object : list) {
+                objects[object.at("id")] = object;
+            }
+        }
+    } catch (const Json::exception &error) {
+        throw ServerError(std::string("not what pw-dump prints: ") + error.what());
     }
     ServerState state;
-    for (const Json &object : objects) {
+    for (const auto &[id, object] : objects) {
         const std::string type = object.value("type", "");
         const Json info = object.value("info", Json());
         if (type == "PipeWire:Interface:Node" && info.is_object()) {
-            Node node{object.value("id", 0U), info.value("state", ""), {}};
+            Node node{id, info.value("state", ""), {}};
             const Json properties = info.value("props", Json::object());
             for (const auto &[key, value] : properties.items()) {
                 node.properties[key] = asText(value);
