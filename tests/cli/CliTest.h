@@ -68,7 +68,7 @@ class CliTest : public testing::Test {
     /// was.
     void expectRefusal(const std::vector<std::string> &arguments, const std::string &part) const;
 
-    /// Settings that leave every sample as it is.
+    /// Settings that change nothing that can be heard, without the limiter's delay.
     [[nodiscard]] static Persisted flatSettings();
 
   private:

@@ -1,4 +1,5 @@
 #include "cli/CliTest.h"
+#include "settings/records/json/SettingsCoding.h"
 
 #include <gmock/gmock.h>
 
@@ -74,7 +75,7 @@ TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefault
 }
 
 TEST_F(RenderSettings, changeAtTheFirstBlockBoundaryAtOrAfterTheTimeGiven) {
-    file("in.wav", noise(96000));
+    file("in.wav", noise(96000, 48000, 1)); // equal on both sides, so that flat is bit-exact
     file("flat.json", flatSettings());
     file("quiet.json", settingsWithGain(-12.0F));
     file("louder.json", settingsWithGain(6.0F));
@@ -86,10 +87,46 @@ TEST_F(RenderSettings, changeAtTheFirstBlockBoundaryAtOrAfterTheTimeGiven) {
     const Sound in = sound(path("in.wav"));
     const Sound out = sound(path("out.wav"));
     ASSERT_EQ(out.frames(), in.frames());
-    for (std::size_t sample = 0; sample < 2U * 33792; ++sample)
-        ASSERT_EQ(out.samples[sample], in.samples[sample]) << sample;
+    for (std::size_t frame = 0; frame < 33792; ++frame)
+        ASSERT_EQ(out.at(frame, 0), in.at(frame, 0)) << frame;
     EXPECT_NEAR(gain(48000, 70000), -12.0, 0.01);
     EXPECT_NEAR(gain(84000, 95000), 6.0, 0.01);
+}
+
+TEST_F(RenderSettings, aPresetReplacesBandsAndSpatialSettingsOnly) {
+    file("in.wav", noise(20000));
+    Persisted quiet = settingsWithGain(-6.0F);
+    quiet.bands[4].gainDB = 12.0F;
+    Preset mine{.id = Uuid::random(), .name = "Mine — Own", .bands = quiet.bands};
+    mine.bands[4].gainDB = 0.0F;
+    mine.spatial.toneMidDB = 0.0F;
+    quiet.presets = {mine};
+    file("quiet.json", quiet);
+
+    for (const char *name : {"Flat", "Mine — Own", "mine - own", "FLAT"}) {
+        ASSERT_EQ(run({"render", "--settings", "quiet.json", "--preset", name, "in.wav", "out.wav"})
+                      .status,
+                  0)
+            << name;
+        EXPECT_NEAR(gain(10000, 19000), -6.0, 0.01) << name;
+    }
+    std::filesystem::remove(path("out.wav"));
+    expectRefusal({"render", "--preset", "Loudest\n", "in.wav", "out.wav"},
+                  "no preset is named \"Loudest\\n\"");
+}
+
+TEST_F(RenderSettings, theListOfPresetsEndsWithTheUsersOwn) {
+    Persisted settings = flatSettings();
+    settings.presets = {{.id = Uuid::random(), .name = "Evening", .notes = "Soft"}};
+    std::filesystem::create_directory(path("../Quorbel"));
+    file("../Quorbel/state.json", settings);
+    const std::string text = run({"presets"}).output;
+    EXPECT_THAT(text, testing::StartsWith("General\n  Flat "));
+    EXPECT_THAT(text, testing::HasSubstr("\nMine\n  Evening "));
+    const std::string json = run({"presets", "--json"}).output;
+    EXPECT_THAT(json, testing::StartsWith(
+                          "[{\"id\":\"0AF4AEBF-A952-50FE-B0E2-06CC11DE9AA4\",\"name\":\"Flat\""));
+    EXPECT_THAT(json, testing::EndsWith("," + encodeRecord(settings.presets[0]) + "]\n"));
 }
 
 } // namespace

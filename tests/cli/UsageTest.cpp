@@ -21,6 +21,8 @@ TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
         {"render", "--block", "many", "in.wav", "out.wav"},
         {"render", "--at", "-1", "s.json", "in.wav", "out.wav"},
         {"render", "--at", "nan", "s.json", "in.wav", "out.wav"},
+        {"live", "--seconds", "soon"},
+        {"live", "--seconds", "-1"},
         {"render", "--unheard-of", "in.wav", "out.wav"},
     };
     for (const auto &arguments : commandLines) {
@@ -35,7 +37,7 @@ TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
 TEST_F(Usage, helpNamesEveryCommandAndIsNoFailure) {
     const Result result = run({"--help"});
     EXPECT_EQ(result.status, 0);
-    for (const char *command : {"render", "devices"})
+    for (const char *command : {"render", "live", "presets", "devices"})
         EXPECT_THAT(result.output, HasSubstr(command));
     EXPECT_THAT(run({"render", "--help"}).output, HasSubstr("--block"));
 }
@@ -43,6 +45,8 @@ TEST_F(Usage, helpNamesEveryCommandAndIsNoFailure) {
 TEST_F(Usage, withoutASoundServerOneLineSaysHowToStartOne) {
     expectRefusal({"devices"}, "systemctl --user start pipewire");
     expectRefusal({"devices", "--json"}, "systemctl --user start pipewire");
+    expectRefusal({"live"}, "systemctl --user start pipewire");
+    expectRefusal({"live", "--settings", "none.json"}, "none.json: No such file");
 }
 
 } // namespace
