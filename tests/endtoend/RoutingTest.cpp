@@ -103,7 +103,7 @@ TEST_F(Routing, AVirtualDeviceOfTheUsersCanBeChosen) {
     EXPECT_TRUE(soonPlaysInto("virtual.output", {"hdmi"}));
     ASSERT_TRUE(soonHears(hdmi, Heard::dry));
     hdmi.skip(1.0);
-    const auto report = SequenceReport::of(hdmi.next(5.0));
+    const auto report = SequenceReport::of(hdmi.nextUndisturbed(5.0));
     EXPECT_TRUE(report.intact()) << report;
 }
 

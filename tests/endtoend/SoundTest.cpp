@@ -97,13 +97,13 @@ TEST_F(Level, ABandRaisesAToneByItsGainOnceOnBothChannels) {
     playTone(-20.0);
     LiveSettings boost = LiveSettings::flat();
     boost.bands[5].gainDB = 6.0;
-    const auto before = recorder.next(1.0);
+    const auto before = recorder.nextUndisturbed(1.0);
     EXPECT_NEAR(toneLevelDB(before.left, 1000.0, 48000.0), -20.0, 0.01);
 
     const auto live = startLive(boost);
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     ASSERT_TRUE(comesTrue(2.0, [&] { return peak(recorder.last(0.1).left) > 0.19F; }));
-    const auto after = recorder.next(1.0);
+    const auto after = recorder.nextUndisturbed(1.0);
     // Had the unprocessed sound been heard beside it, the level would be up to 3.5 dB off.
     EXPECT_NEAR(toneLevelDB(after.left, 1000.0, 48000.0), -14.0, 0.1);
     EXPECT_NEAR(toneLevelDB(after.right, 1000.0, 48000.0), -14.0, 0.1);

@@ -24,12 +24,6 @@ std::vector<Recording::Segment> cutSegments(std::span<const Recording::Segment> 
     return part;
 }
 
-/// Frames of the graph's clock that lie between two segments which should follow each other.
-std::uint64_t gapBetween(const Recording::Segment &before, const Recording::Segment &after) {
-    const std::uint64_t expected = before.position + before.frames;
-    return after.position > expected ? after.position - expected : 0;
-}
-
 } // namespace
 
 const Recording::Segment &Recording::segmentOf(std::size_t frame) const {
@@ -49,28 +43,11 @@ std::uint64_t Recording::nanosecondsOf(std::size_t frame) const {
 std::uint64_t Recording::missedFrames() const {
     std::uint64_t missed = 0;
     for (std::size_t index = 1; index < segments.size(); ++index) {
-        missed += gapBetween(segments[index - 1], segments[index]);
+        const Segment &before = segments[index - 1];
+        const std::uint64_t expected = before.position + before.frames;
+        missed += segments[index].position > expected ? segments[index].position - expected : 0;
     }
     return missed;
-}
-
-std::vector<Recording> Recording::undisturbedParts(std::size_t marginFrames) const {
-    std::vector<Recording> parts;
-    std::size_t start = 0;
-    const auto endPart = [&](std::size_t end) {
-        if (end > start) {
-            parts.push_back(excerpt(start, end - start));
-        }
-    };
-    for (std::size_t index = 1; index < segments.size(); ++index) {
-        if (gapBetween(segments[index - 1], segments[index]) > 0) {
-            const std::size_t gap = segments[index].start;
-            endPart(gap - std::min(gap, marginFrames));
-            start = gap + marginFrames;
-        }
-    }
-    endPart(frames());
-    return parts;
 }
 
 Recording Recording::excerpt(std::size_t start, std::size_t count) const {
@@ -153,6 +130,16 @@ Recording Recorder::next(double seconds) const {
     const std::size_t start = frames_;
     skip(seconds);
     return recording(start).excerpt(0, static_cast<std::size_t>(seconds * sampleRate_));
+}
+
+Recording Recorder::nextUndisturbed(double seconds) const {
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        Recording heard = next(seconds);
+        if (heard.missedFrames() == 0) {
+            return heard;
+        }
+    }
+    throw ServerError("this machine does not get through so much sound without standing still");
 }
 
 } // namespace quorbel::soundserver

@@ -32,11 +32,6 @@ struct Recording {
     /// Frames that the recorder itself missed, by the clock: gaps between the segments' positions.
     [[nodiscard]] std::uint64_t missedFrames() const;
 
-    /// The recording without the moments in which the recorder itself missed a cycle, which is when
-    /// the machine as a whole stood still: the parts between these moments, each shorter by
-    /// `marginFrames` where it meets one.
-    [[nodiscard]] std::vector<Recording> undisturbedParts(std::size_t marginFrames) const;
-
     /// `count` frames from `start` on.
     [[nodiscard]] Recording excerpt(std::size_t start, std::size_t count) const;
 
@@ -66,6 +61,11 @@ class Recorder : public ClientStream {
 
     /// As `skip`, and returns just these frames.
     [[nodiscard]] Recording next(double seconds) const;
+
+    /// The same without the moments in which the machine as a whole stood still, and with it the
+    /// recorder: if it missed a cycle, it listens again, up to five times. Throws `ServerError` if
+    /// it never got through.
+    [[nodiscard]] Recording nextUndisturbed(double seconds) const;
 
   private:
     std::uint32_t process(const Cycle &cycle, float *left, float *right,
