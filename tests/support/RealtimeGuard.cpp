@@ -4,7 +4,10 @@
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define QUORBEL_SANITIZER_HOOKS 1
-#include <sanitizer/allocator_interface.h>
+// Of the sanitizers' runtime; its header does not come with every compiler.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const volatile void *,
+                                                                          std::size_t),
+                                                         void (*onFree)(const volatile void *));
 #else
 #define QUORBEL_SANITIZER_HOOKS 0
 #include <dlfcn.h>
