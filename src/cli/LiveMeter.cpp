@@ -63,9 +63,11 @@ LiveMeter::~LiveMeter() {
 
 void LiveMeter::draw() {
     const auto &device = engine_.outputDevice();
-    std::string line = fmt::format("{}  {}  reduction {:.1f} dB  auto gain {:+.1f} dB",
-                                   stateText(engine_.state()), device ? device->name : "no device",
-                                   engine_.limiterReductionDB(), engine_.autoGainDB());
+    const EngineLosses &losses = engine_.losses();
+    const std::string line = fmt::format(
+        "{}  {}  reduction {:.1f} dB  auto gain {:+.1f} dB  lost {} frames",
+        stateText(engine_.state()), device ? device->name : "no device",
+        engine_.limiterReductionDB(), engine_.autoGainDB(), losses.cutFrames + losses.silentFrames);
     const std::lock_guard guard(mutex_);
     shown_ = cutToTerminal(line);
     fmt::print(stderr, "\r{}\033[K", shown_);

@@ -2,6 +2,7 @@
 
 #include "cli/ChainRateReader.h"
 #include "cli/CommandError.h"
+#include "cli/MeterTable.h"
 #include "cli/PresetChoice.h"
 #include "cli/ProgressBar.h"
 #include "cli/SettingsSource.h"
@@ -16,7 +17,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <sys/stat.h>
+#include <system_error>
 
 namespace quorbel {
 
@@ -37,13 +40,16 @@ std::vector<Change> loadChanges(const std::vector<std::pair<double, std::string>
     return changes;
 }
 
-/// Also through links of either kind.
-void refuseSameFile(const std::string &input, const std::string &output) {
-    struct stat inputStatus {};
-    struct stat outputStatus {};
-    if (stat(input.c_str(), &inputStatus) == 0 && stat(output.c_str(), &outputStatus) == 0 &&
-        inputStatus.st_dev == outputStatus.st_dev && inputStatus.st_ino == outputStatus.st_ino)
-        throw CommandError(output + ": is the same file as the input");
+/// Also through links of either kind, and for files that are yet to be made.
+bool isSameFile(const std::string &first, const std::string &second) {
+    struct stat firstStatus {};
+    struct stat secondStatus {};
+    if (stat(first.c_str(), &firstStatus) == 0 && stat(second.c_str(), &secondStatus) == 0)
+        return firstStatus.st_dev == secondStatus.st_dev &&
+               firstStatus.st_ino == secondStatus.st_ino;
+    std::error_code unknown;
+    return std::filesystem::weakly_canonical(first, unknown) ==
+           std::filesystem::weakly_canonical(second, unknown);
 }
 
 } // namespace
@@ -66,6 +72,10 @@ RenderCommand::RenderCommand(CLI::App &program)
         ->expected(1)
         ->take_all()
         ->allow_extra_args(false);
+    command_
+        ->add_option("--meters", metersPath_,
+                     "CSV file to write: what the meters show, every 0.1 s of the sound")
+        ->type_name("FILE");
     command_->add_option("IN", inputPath_, "Mono or stereo sound file of any rate")->required();
     command_->add_option("OUT", outputPath_, "WAV file to write: 32-bit floats, stereo, 48 kHz")
         ->required();
@@ -78,9 +88,21 @@ void RenderCommand::run() const {
         applyPreset(settings, *presetName_);
     const std::vector<Change> changes = loadChanges(changes_);
     ChainRateReader input(inputPath_);
-    refuseSameFile(inputPath_, outputPath_);
+    if (isSameFile(inputPath_, outputPath_))
+        throw CommandError(outputPath_ + ": is the same file as the input");
+    if (metersPath_ &&
+        (isSameFile(*metersPath_, inputPath_) || isSameFile(*metersPath_, outputPath_)))
+        throw CommandError(*metersPath_ + ": is the same file as the input or the output");
     SoundFileWriter output(outputPath_, input.expectedFrames());
+    std::optional<MeterTable> meters;
+    if (metersPath_)
+        meters.emplace(*metersPath_);
     OfflineRenderer renderer(chainSettings(settings));
+    const auto replacedFrames = [&] { return input.replacedFrames() + renderer.replacedFrames(); };
+    if (meters)
+        renderer.setReadOutObserver([&](double seconds, const MeterReadings &readings) {
+            meters->addRow(seconds, readings, replacedFrames());
+        });
 
     std::vector<float> samples(std::size_t{2} * blockFrames_);
     const AudioBufferList block(samples.data(), samples.data() + blockFrames_);
@@ -100,8 +122,10 @@ void RenderCommand::run() const {
                 throw CommandError(fmt::format("interrupted, {} was not written", outputPath_));
         }
         output.finish();
+        if (meters)
+            meters->finish();
     }
-    if (const auto replaced = input.replacedFrames() + renderer.replacedFrames(); replaced > 0)
+    if (const auto replaced = replacedFrames(); replaced > 0)
         fmt::print(
             stderr,
             "{}: {} frame{} held samples that are not finite numbers; they were played as zero\n",

@@ -27,6 +27,7 @@ class RenderCommand {
     std::optional<std::string> presetName_;
     std::uint32_t blockFrames_ = 512;
     std::vector<std::pair<double, std::string>> changes_; ///< seconds, settings file
+    std::optional<std::string> metersPath_;
     std::string inputPath_;
     std::string outputPath_;
 };
