@@ -30,7 +30,7 @@ ResamplerStage::ResamplerStage(std::uint64_t source, std::uint64_t target, std::
                                   channels, halfLength, relativeCutoff);
     if (refused != 0)
         throw std::invalid_argument("this ratio of sample rates cannot be converted");
-    latencyFrames_ = (tabulated_ ? exact_.inpsize() : interpolated_.inpsize()) / 2;
+    latencyFrames_ = 0.5 * (tabulated_ ? exact_.inpsize() : interpolated_.inpsize());
     reset();
 }
 

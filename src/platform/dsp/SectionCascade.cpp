@@ -25,6 +25,15 @@ constexpr Tag tag;
 /// for the whole of the step before it, only for its memory.
 constexpr std::uint32_t stepsPerLane = 2;
 
+/// Moves every lane's content up by one, the highest lane's round to the lowest.
+auto upByOneLane() noexcept {
+    const std::size_t lanes = hn::Lanes(tag);
+    HWY_ALIGN std::int32_t indices[16] = {};
+    for (std::size_t i = 0; i < lanes; ++i)
+        indices[i] = static_cast<std::int32_t>((i + lanes - 1) % lanes);
+    return hn::SetTableIndices(tag, indices);
+}
+
 /// The sections of one pass, in the highest lanes; the lanes below stay at zero.
 class LaneCoefficients {
   public:
@@ -56,11 +65,6 @@ class LaneCoefficients {
         outputOfDrive = hn::Load(tag, table[6]);
         startStep = hn::Load(tag, table[7]);
         inputLane = hn::Ne(hn::Load(tag, table[8]), hn::Zero(tag));
-
-        HWY_ALIGN std::int32_t indices[16];
-        for (std::size_t i = 0; i < lanes; ++i)
-            indices[i] = static_cast<std::int32_t>((i + lanes - 1) % lanes);
-        upByOne = hn::SetTableIndices(tag, indices);
     }
 
     Vector twiceCutoff;
@@ -73,7 +77,7 @@ class LaneCoefficients {
     Vector outputOfDrive;
     Vector startStep;        // when each lane's first frame arrives
     hn::Mask<Tag> inputLane; // which lane reads the input
-    decltype(hn::SetTableIndices(tag, static_cast<const std::int32_t *>(nullptr))) upByOne;
+    decltype(upByOneLane()) upByOne = upByOneLane();
 };
 
 class LaneStates {

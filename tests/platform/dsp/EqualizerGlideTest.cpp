@@ -30,7 +30,7 @@ EqualizerBandSettings band(EqualizerFilterType type, float frequency, float octa
 /// settle.
 std::vector<float> playThrough(ParametricEqualizer &equalizer, std::vector<float> sound,
                                const std::function<void()> &change) {
-    constexpr std::uint32_t block = 256;
+    constexpr std::size_t block = 256;
     std::vector<float> right = sound;
     for (std::size_t start = 0; start + block <= sound.size(); start += block) {
         if (start == 94 * block)
@@ -158,9 +158,9 @@ double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t up
     std::size_t nextUpdate = second / 2;
     for (std::size_t start = 0; start < left.size(); start += block) {
         if (start >= nextUpdate) {
-            const double elapsed =
-                static_cast<double>((start - second / 2) / updateFrames * updateFrames);
-            set(std::min(-12.0 + 24.0 * elapsed / second, 12.0));
+            const std::size_t updates = (start - second / 2) / updateFrames;
+            const auto elapsedFrames = static_cast<double>(updates * updateFrames);
+            set(std::min(-12.0 + 24.0 * elapsedFrames / rate, 12.0));
             nextUpdate += updateFrames;
         }
         const std::size_t frames = std::min(block, left.size() - start);

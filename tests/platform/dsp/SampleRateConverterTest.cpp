@@ -94,8 +94,8 @@ TEST_P(ConverterQuality, keepsDistortionRippleAndImagesDown) {
         worstImage = std::max(worstImage, residualDB(sound, frequency, to));
     }
     // What lies above half the new rate has nowhere to go.
-    for (double frequency = to / 2.0 + 20.0; frequency < from / 2.0; frequency += 97.0)
-        worstImage = std::max(worstImage, levelDB(convertedSine(from, to, frequency, 1.0)));
+    for (int above = 20; to / 2.0 + above < from / 2.0; above += 97)
+        worstImage = std::max(worstImage, levelDB(convertedSine(from, to, to / 2.0 + above, 1.0)));
     RecordProperty("ripple_dB", std::to_string(worstRipple));
     RecordProperty("images_dB", std::to_string(worstImage));
     EXPECT_LT(worstRipple, 0.1);

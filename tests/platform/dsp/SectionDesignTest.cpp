@@ -72,7 +72,8 @@ TEST(SectionDesign, movesSmoothlyWithItsSettings) {
                             EqualizerFilterType::lowPass, EqualizerFilterType::highPass})
         for (const float octaves : {0.36F, 1.39F, 2.5F}) {
             double previous[3] = {};
-            for (float frequency = 100.0F; frequency < 20000.0F; frequency *= 1.01F) {
+            for (int percent = 0; percent < 532; ++percent) { // 100 Hz to 20 kHz
+                const float frequency = 100.0F * std::pow(1.01F, static_cast<float>(percent));
                 const auto design = designBand({type, frequency, octaves, 9.0F, false}, 48000.0);
                 for (int i = 0; i < 3; ++i) {
                     const double probe[] = {1000.0, 5000.0, 15000.0};
