@@ -19,6 +19,8 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include <csignal>
+
 namespace quorbel {
 
 namespace {
@@ -57,6 +59,7 @@ LiveCommand::LiveCommand(CLI::App &program)
 }
 
 void LiveCommand::run() const {
+    std::signal(SIGPIPE, SIG_IGN); // whoever reads the log may go, the sound stays
     TerminationSignals signals;
     Persisted settings = loadSettings(settingsPath_);
     if (presetName_)

@@ -28,9 +28,8 @@ void printError(std::string text) {
 } // namespace
 
 int main(int argc, char **argv) {
-    // A full disk quota and a closed pipe are errors of one write, not the end of the program.
+    // A file that may not grow further is an error of one write, not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN);
 
     CLI::App program("Everything the computer plays, through one equaliser and effects chain.",
                      "ostrafine-cli");
@@ -54,6 +53,8 @@ int main(int argc, char **argv) {
             presets.run();
         if (devices.isChosen())
             devices.run();
+        if (!live.isChosen() && std::fflush(stdout) != 0)
+            throw quorbel::CommandError("standard output cannot be written");
         return 0;
     } catch (const std::exception &error) {
         printError(error.what());
