@@ -1,5 +1,7 @@
 #include "effects/cores/BassEnhancerCore.h"
 
+#include "effects/cores/TanhShaper.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -25,18 +27,30 @@ void BassEnhancerCore::process(float *left, float *right, std::uint32_t frames, 
     const float wet = 1.8F * a;
     const float total = 1.0F + 0.8F * a;
 
-    float *const samples[] = {left, right};
-    for (std::size_t c = 0; c < channels_.size(); ++c) {
-        Channel channel = channels_[c];
-        float *const x = samples[c];
-        for (std::uint32_t i = 0; i < frames; ++i) {
-            const float bass = channel.lowPass.process(low, x[i]);
-            const float shaped = std::tanh(drive * bass) / drive;
-            const float harmonics = channel.highPass.process(high, shaped);
-            x[i] = (x[i] + wet * harmonics) / total;
+    // In three passes over short stretches: the recursions of both channels side by side, and
+    // between them the shaper, which takes several frames at once.
+    constexpr std::uint32_t stretch = 128;
+    float bassL[stretch];
+    float bassR[stretch];
+    Channel l = channels_[0];
+    Channel r = channels_[1];
+    for (std::uint32_t begin = 0; begin < frames; begin += stretch) {
+        const std::uint32_t count = std::min(stretch, frames - begin);
+        float *const x = left + begin;
+        float *const y = right + begin;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            bassL[i] = l.lowPass.process(low, x[i]);
+            bassR[i] = r.lowPass.process(low, y[i]);
         }
-        channels_[c] = channel;
+        shapeByTanh(bassL, count, drive);
+        shapeByTanh(bassR, count, drive);
+        for (std::uint32_t i = 0; i < count; ++i) {
+            x[i] = (x[i] + wet * l.highPass.process(high, bassL[i])) / total;
+            y[i] = (y[i] + wet * r.highPass.process(high, bassR[i])) / total;
+        }
     }
+    channels_[0] = l;
+    channels_[1] = r;
 }
 
 } // namespace quorbel

@@ -16,6 +16,12 @@ class LinearRamp {
         return from_ + step_ * (static_cast<float>(frame) / last_);
     }
 
+    // The parts of `at`, for those who compute several frames at once: from + step · (frame /
+    // last).
+    [[nodiscard]] float from() const noexcept { return from_; }
+    [[nodiscard]] float step() const noexcept { return step_; }
+    [[nodiscard]] float last() const noexcept { return last_; }
+
   private:
     float from_;
     float step_;

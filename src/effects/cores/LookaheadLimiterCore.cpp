@@ -1,18 +1,36 @@
 #include "effects/cores/LookaheadLimiterCore.h"
 
+#include "effects/cores/LimiterStretch.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace quorbel {
+
+namespace {
+
+constexpr std::uint32_t stretchFrames = 128;
+
+/// Puts `count` frames behind the `lookahead` that the line holds.
+void append(std::vector<float> &line, std::size_t lookahead, const float *samples,
+            std::uint32_t count) noexcept {
+    std::copy_n(samples, count, line.begin() + static_cast<std::ptrdiff_t>(lookahead));
+}
+
+/// Forgets the oldest `count` frames.
+void advance(std::vector<float> &line, std::size_t lookahead, std::uint32_t count) noexcept {
+    std::copy_n(line.begin() + count, lookahead, line.begin());
+}
+
+} // namespace
 
 void LookaheadLimiterCore::prepare(float sampleRate) {
     constexpr float lookaheadSeconds = 0.0013F;
     constexpr float releaseSeconds = 0.05F;
     constexpr long shortestLookahead = 8;
 
-    for (std::vector<float> *ring : {&delayL_, &delayR_, &peaks_})
-        std::vector<float>().swap(*ring);
-    writeIndex_ = 0;
+    for (std::vector<float> *line : {&delayL_, &delayR_, &peaks_, &gains_})
+        std::vector<float>().swap(*line);
     gain_ = 1.0F;
     gainReductionDB_ = 0.0F;
 
@@ -22,47 +40,53 @@ void LookaheadLimiterCore::prepare(float sampleRate) {
     attackCoeff_ = 1.0F - std::exp(-4.0F / static_cast<float>(lookahead_));
     releaseCoeff_ = 1.0F - std::exp(-1.0F / (sampleRate * releaseSeconds));
 
-    std::vector<float> rings[3];
-    for (std::vector<float> &ring : rings)
-        ring.assign(lookahead_ + 1, 0.0F);
-    delayL_.swap(rings[0]);
-    delayR_.swap(rings[1]);
-    peaks_.swap(rings[2]);
+    const std::size_t length = lookahead_ + stretchFrames + stretchPadding;
+    std::vector<float> lines[4];
+    for (std::vector<float> &line : lines)
+        line.assign(length, 0.0F);
+    delayL_.swap(lines[0]);
+    delayR_.swap(lines[1]);
+    peaks_.swap(lines[2]);
+    gains_.swap(lines[3]);
 }
 
 void LookaheadLimiterCore::process(float *left, float *right, std::uint32_t frameCount,
                                    float thresholdLin) noexcept {
-    const std::size_t capacity = peaks_.size();
-    if (capacity == 0)
+    if (gains_.empty())
         return;
-
-    std::size_t write = writeIndex_;
-    float gain = gain_;
-    float maxReduction = 0.0F;
-    for (std::uint32_t i = 0; i < frameCount; ++i) {
-        delayL_[write] = left[i];
-        delayR_[write] = right[i];
-        peaks_[write] = std::max(std::abs(left[i]), std::abs(right[i]));
-        const std::size_t read = write + 1 == capacity ? 0 : write + 1;
-
-        float peak = 0.0F;
-        for (const float candidate : peaks_)
-            peak = std::max(peak, candidate);
-
-        const float target = thresholdLin < peak ? thresholdLin / peak : 1.0F;
-        const float coefficient = target < gain ? attackCoeff_ : releaseCoeff_;
-        gain += (target - gain) * coefficient;
-
-        // The gain may still be on its way down when the peak is here.
-        left[i] = std::clamp(delayL_[read] * gain, -thresholdLin, thresholdLin);
-        right[i] = std::clamp(delayR_[read] * gain, -thresholdLin, thresholdLin);
-        maxReduction = std::max(maxReduction, 1.0F - gain);
-        write = read;
-    }
-    writeIndex_ = write;
-    gain_ = gain;
-    // Adding zero turns the negative zero of an untouched block into the positive one.
+    float smallestGain = 1.0F;
+    for (std::uint32_t begin = 0; begin < frameCount; begin += stretchFrames)
+        processStretch(left + begin, right + begin, std::min(stretchFrames, frameCount - begin),
+                       thresholdLin, smallestGain);
+    // The largest reduction, by way of its complement as the meter counts it. Adding zero turns the
+    // negative zero of an untouched block into the positive one.
+    const float maxReduction = 1.0F - smallestGain;
     gainReductionDB_ = -20.0F * std::log10(std::max(1.0F - maxReduction, 0.000001F)) + 0.0F;
+}
+
+void LookaheadLimiterCore::processStretch(float *left, float *right, std::uint32_t count,
+                                          float thresholdLin, float &smallestGain) noexcept {
+    append(delayL_, lookahead_, left, count);
+    append(delayR_, lookahead_, right, count);
+    float *const newPeaks = peaks_.data() + lookahead_;
+    for (std::uint32_t i = 0; i < count; ++i)
+        newPeaks[i] = std::max(std::abs(left[i]), std::abs(right[i]));
+
+    const float smallest = limitStretch({.peaks = peaks_.data(),
+                                         .lookahead = static_cast<std::uint32_t>(lookahead_),
+                                         .count = count,
+                                         .threshold = thresholdLin,
+                                         .attackCoeff = attackCoeff_,
+                                         .releaseCoeff = releaseCoeff_,
+                                         .gains = gains_.data(),
+                                         .delayedL = delayL_.data(),
+                                         .delayedR = delayR_.data(),
+                                         .outL = left,
+                                         .outR = right},
+                                        gain_);
+    smallestGain = std::min(smallestGain, smallest);
+    for (std::vector<float> *line : {&delayL_, &delayR_, &peaks_})
+        advance(*line, lookahead_, count);
 }
 
 } // namespace quorbel

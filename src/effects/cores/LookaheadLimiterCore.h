@@ -25,12 +25,16 @@ class LookaheadLimiterCore {
     [[nodiscard]] float gainReductionDB() const { return gainReductionDB_; }
 
   private:
+    void processStretch(float *left, float *right, std::uint32_t count, float thresholdLin,
+                        float &smallestGain) noexcept;
+
     std::size_t lookahead_ = 0;
-    // Rings of lookahead + 1 frames that share the index. The peaks are those of both channels.
+    // Each line holds the last `lookahead_` frames, with room for a stretch of new ones behind
+    // them; empty before `prepare`. The peaks are those of both channels.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
     std::vector<float> peaks_;
-    std::size_t writeIndex_ = 0;
+    std::vector<float> gains_; // of one stretch
     float gain_ = 1.0F;
     float attackCoeff_ = 0.0F;
     float releaseCoeff_ = 0.0F;

@@ -18,17 +18,17 @@ void VoiceEnhancerCore::process(float *left, float *right, std::uint32_t frames,
     const BiquadCoefficients presence = peaking(presenceW0, std::sin(presenceW0) / 2.4F,
                                                 std::pow(10.0F, presenceDB / 40.0F)); // Q 1.2
 
-    float *const samples[] = {left, right};
-    for (std::size_t c = 0; c < channels_.size(); ++c) {
-        Channel channel = channels_[c];
-        float *const x = samples[c];
-        for (std::uint32_t i = 0; i < frames; ++i) {
-            const float cut = channel.mud.process(mud, x[i]);
-            const float shaped = channel.presence.process(presence, cut);
-            x[i] = x[i] + mix * (shaped - x[i]);
-        }
-        channels_[c] = channel;
+    // Both channels in one loop: neither recursion has to wait for the other.
+    Channel l = channels_[0];
+    Channel r = channels_[1];
+    for (std::uint32_t i = 0; i < frames; ++i) {
+        const float shapedL = l.presence.process(presence, l.mud.process(mud, left[i]));
+        const float shapedR = r.presence.process(presence, r.mud.process(mud, right[i]));
+        left[i] = left[i] + mix * (shapedL - left[i]);
+        right[i] = right[i] + mix * (shapedR - right[i]);
     }
+    channels_[0] = l;
+    channels_[1] = r;
 }
 
 } // namespace quorbel

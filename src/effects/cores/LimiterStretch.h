@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quorbel {
+
+/// The work of the limiter on a short stretch of sound, on plain memory. All arrays of `count`
+/// frames may be written up to `stretchPadding` frames beyond, and `peaks` read as far.
+struct LimiterStretch {
+    const float *peaks = nullptr; ///< of `lookahead` frames before the stretch, then of the stretch
+    std::uint32_t lookahead = 0;
+    std::uint32_t count = 0;
+    float threshold = 1.0F; ///< linear
+    float attackCoeff = 0.0F;
+    float releaseCoeff = 0.0F;
+    float *gains = nullptr; ///< room for the gain of every frame
+    const float *delayedL = nullptr;
+    const float *delayedR = nullptr;
+    float *outL = nullptr; ///< exactly `count` frames are written
+    float *outR = nullptr;
+};
+
+inline constexpr std::uint32_t stretchPadding = 16;
+
+/// Finds every frame's gain from the largest of its own and the `lookahead` peaks before it, and
+/// applies it to the delayed sound. `gain` is the smoothed gain before and after; returned is the
+/// smallest one. [render]
+float limitStretch(const LimiterStretch &stretch, float &gain) noexcept;
+
+/// The same written plainly, for comparison; the results are equal bit by bit.
+float limitStretchPlainly(const LimiterStretch &stretch, float &gain) noexcept;
+
+} // namespace quorbel

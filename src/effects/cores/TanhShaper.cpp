@@ -1,0 +1,45 @@
+#include "effects/cores/TanhShaper.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "effects/cores/TanhShaper.cpp"
+// In the order in which Highway wants them.
+// clang-format off
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+#include <hwy/contrib/math/math-inl.h>
+// clang-format on
+
+HWY_BEFORE_NAMESPACE();
+namespace quorbel::HWY_NAMESPACE {
+
+// Without noexcept, which Highway's table of targets does not take; nothing in it throws.
+void shapeByTanhInLanes(float *samples, std::uint32_t frames, float drive) {
+    namespace hn = hwy::HWY_NAMESPACE;
+    const hn::CappedTag<float, 16> tag;
+    const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
+    const auto factor = hn::Set(tag, drive);
+    std::uint32_t i = 0;
+    for (; i + lanes <= frames; i += lanes) {
+        const auto x = hn::LoadU(tag, samples + i);
+        hn::StoreU(hn::Div(hn::Tanh(tag, hn::Mul(factor, x)), factor), tag, samples + i);
+    }
+    for (; i < frames; ++i) {
+        const auto x = hn::Set(tag, samples[i]);
+        samples[i] = hn::GetLane(hn::Div(hn::Tanh(tag, hn::Mul(factor, x)), factor));
+    }
+}
+
+} // namespace quorbel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace quorbel {
+
+HWY_EXPORT(shapeByTanhInLanes);
+
+void shapeByTanh(float *samples, std::uint32_t frames, float drive) noexcept {
+    HWY_DYNAMIC_DISPATCH(shapeByTanhInLanes)(samples, frames, drive);
+}
+
+} // namespace quorbel
+#endif

@@ -1,0 +1,70 @@
+// The kernels that work on several frames at once, against the same written plainly.
+
+#include "effects/UnitHarness.h"
+#include "effects/cores/LimiterStretch.h"
+#include "effects/cores/Saturation.h"
+#include "effects/cores/TanhShaper.h"
+
+#include <gtest/gtest.h>
+
+namespace quorbel {
+namespace {
+
+constexpr std::uint32_t longest = 70;
+
+TEST(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
+    for (const std::uint32_t lookahead : {8U, 57U, 62U, 500U}) {
+        float vectorGain = 1.0F;
+        float plainGain = 1.0F;
+        for (std::uint32_t count = 1; count <= longest; ++count) {
+            const Sound sound = noise(lookahead + longest + stretchPadding, 1.5F, count);
+            std::vector<float> peaks(sound.frames());
+            for (std::size_t i = 0; i < peaks.size(); ++i)
+                peaks[i] = std::max(std::abs(sound.left[i]), std::abs(sound.right[i]));
+            std::vector<float> gains(longest + stretchPadding);
+            Sound vectorOut(longest);
+            Sound plainOut(longest);
+            LimiterStretch stretch{.peaks = peaks.data(),
+                                   .lookahead = lookahead,
+                                   .count = count,
+                                   .threshold = 0.05F * static_cast<float>(count),
+                                   .attackCoeff = 0.06F,
+                                   .releaseCoeff = 0.004F,
+                                   .gains = gains.data(),
+                                   .delayedL = sound.left.data(),
+                                   .delayedR = sound.right.data(),
+                                   .outL = vectorOut.left.data(),
+                                   .outR = vectorOut.right.data()};
+            const float smallest = limitStretch(stretch, vectorGain);
+            stretch.outL = plainOut.left.data();
+            stretch.outR = plainOut.right.data();
+            ASSERT_EQ(smallest, limitStretchPlainly(stretch, plainGain));
+            ASSERT_EQ(vectorGain, plainGain);
+            ASSERT_EQ(vectorOut, plainOut) << count << " frames, look-ahead " << lookahead;
+        }
+    }
+}
+
+TEST(VectorKernelsTest, TanhStaysWithinAFewUnitsInTheLastPlace) {
+    for (std::uint32_t count = 1; count <= longest; ++count) {
+        for (const float level : {1e-6F, 0.1F, 1.0F, 30.0F}) {
+            Sound vector = noise(count, level, count);
+            Sound plain = vector;
+            const LinearRamp ramp(0.2F, 1.0F, count);
+            saturate(vector.left.data(), vector.right.data(), count, ramp);
+            saturatePlainly(plain.left.data(), plain.right.data(), count, ramp);
+            ASSERT_LE(difference(vector, plain), 2.5e-7 * double{level});
+
+            std::vector<float> shaped = noise(count, level, count).left;
+            shapeByTanh(shaped.data(), count, 3.0F);
+            for (std::uint32_t i = 0; i < count; ++i) {
+                const double x = double{noise(count, level, count).left[i]};
+                const double expected = std::tanh(3.0 * x) / 3.0;
+                ASSERT_NEAR(double{shaped[i]}, expected, 5e-7 * std::abs(expected));
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace quorbel
