@@ -58,6 +58,25 @@ TEST_F(EngineRatesTest, At44100NoFrameIsMissingFromTheVeryStart) {
     EXPECT_THAT(log.takeWith(losses), IsEmpty());
 }
 
+// Capture and playback convert each on its own. Whenever one of them begins anew, a block may be
+// asked for that is a frame longer than the one that came.
+TEST_F(EngineRatesTest, NoFrameIsMissingAfterRestartsOfPlayback) {
+    hardware.setBlockFrames("speakers", {101});
+    hardware.play(sine(1000.0));
+    for (const double sampleRate : {44100.0, 88200.0, 96000.0}) {
+        hardware.setSampleRate("speakers", sampleRate);
+        start();
+        (void)log.take();
+        for (int round = 0; round < 20; ++round) {
+            choose("hdmi");
+            choose("speakers"); // before playback has moved: one restart where it was
+            play(0.2 + 0.0023 * round);
+        }
+        EXPECT_THAT(log.takeWith(losses), IsEmpty()) << sampleRate;
+        stop();
+    }
+}
+
 TEST_F(EngineRatesTest, At96000) {
     hardware.setSampleRate("speakers", 96000.0);
     hardware.setBlockFrames("speakers", {1024});
