@@ -127,6 +127,12 @@ void PrivateSoundServer::startServer() {
     pipewire_ = start({"pipewire"});
     waitForSocket(socket(), *pipewire_);
     sessionManager_ = start({"wireplumber"});
+    waitFor("the session manager", 10.0, [&] {
+        if (!sessionManager_->running()) {
+            throw ServerError("wireplumber ended: " + sessionManager_->errors());
+        }
+        return state().hasSessionManager;
+    });
     pulse_ = start({"pipewire-pulse"});
     waitForSocket(folder_ / "run/pulse/native", *pulse_);
     for (const Device &device : options_.devices) {

@@ -56,6 +56,7 @@ ServerState ServerState::parse(const std::string &dump) {
                 {info.value("output-node-id", 0U), info.value("input-node-id", 0U)});
         } else if (type == "PipeWire:Interface:Metadata" &&
                    object.value("props", Json::object()).value("metadata.name", "") == "default") {
+            state.hasSessionManager = true;
             for (const Json &entry : object.value("metadata", Json::array())) {
                 state.metadata[{entry.value("subject", 0U), entry.value("key", "")}] =
                     asText(entry.value("value", Json()));

@@ -36,6 +36,7 @@ struct ServerState {
     std::vector<Node> nodes;
     std::vector<Link> links;
     Metadata metadata;
+    bool hasSessionManager = false; ///< the metadata object is there
 
     /// Reads the output of pw-dump. Throws `ServerError` if it is none.
     static ServerState parse(const std::string &dump);
