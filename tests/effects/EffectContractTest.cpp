@@ -224,6 +224,16 @@ TEST_P(EffectContractTest, RenderingNeitherAllocatesNorTakesForeignLocks) {
     });
 }
 
+TEST_P(EffectContractTest, AfterAResetSilenceGivesSilence) {
+    atExtremes([](UnitHarness &harness) {
+        ASSERT_EQ(harness.allocate(), statusOK);
+        harness.play(noise(3000));
+        harness.node().reset();
+        // The crossfeed's guard against denormal numbers remains.
+        ASSERT_LT(difference(harness.play(Sound(1000)), Sound(1000)), 1e-18);
+    });
+}
+
 TEST_P(EffectContractTest, AllocatedAgainItIsAsNew) {
     atExtremes([this](UnitHarness &used) {
         UnitHarness fresh(make());

@@ -10,7 +10,7 @@ namespace quorbel {
 
 void BassEnhancerCore::prepare(float sampleRate) noexcept {
     sampleRate_ = sampleRate;
-    channels_ = {};
+    clear();
 }
 
 void BassEnhancerCore::process(float *left, float *right, std::uint32_t frames, float amount,

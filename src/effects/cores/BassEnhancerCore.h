@@ -14,6 +14,9 @@ class BassEnhancerCore {
     /// `sampleRate` in Hz. Starts from silence. Not while processing.
     void prepare(float sampleRate) noexcept;
 
+    /// Back to silence.
+    void clear() noexcept { channels_ = {}; }
+
     /// In place. `amount` counts from 0 to 1 and is limited to that; `drive` is 1 or more. At
     /// amount 0 the sound stays as it is while the filters keep running. [render]
     void process(float *left, float *right, std::uint32_t frames, float amount, float drive,

@@ -50,6 +50,12 @@ void LookaheadLimiterCore::prepare(float sampleRate) {
     gains_.swap(lines[3]);
 }
 
+void LookaheadLimiterCore::clear() noexcept {
+    for (std::vector<float> *line : {&delayL_, &delayR_, &peaks_})
+        std::fill(line->begin(), line->end(), 0.0F);
+    gain_ = 1.0F;
+}
+
 void LookaheadLimiterCore::process(float *left, float *right, std::uint32_t frameCount,
                                    float thresholdLin) noexcept {
     if (gains_.empty())

@@ -14,6 +14,9 @@ class LookaheadLimiterCore {
     /// unprepared. Not while processing.
     void prepare(float sampleRate);
 
+    /// Back to silence and unity gain.
+    void clear() noexcept;
+
     /// Limits `frameCount` frames in place to ± `thresholdLin` (linear, above 0). Does nothing
     /// before `prepare`. [render]
     void process(float *left, float *right, std::uint32_t frameCount, float thresholdLin) noexcept;

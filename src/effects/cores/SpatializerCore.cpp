@@ -7,7 +7,7 @@ namespace quorbel {
 
 void SpatializerCore::prepare(float sampleRate) noexcept {
     sampleRate_ = sampleRate;
-    side_ = {};
+    clear();
 }
 
 void SpatializerCore::process(float *left, float *right, std::uint32_t frames, float amount,

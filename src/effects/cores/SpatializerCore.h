@@ -12,6 +12,9 @@ class SpatializerCore {
     /// `sampleRate` in Hz. Starts from silence. Not while processing.
     void prepare(float sampleRate) noexcept;
 
+    /// Back to silence.
+    void clear() noexcept { side_ = {}; }
+
     /// In place. `amount` 0 to 1; at 1 the side signal is 1.5 times as large. `notchHz` is the
     /// centre of the dip, kept below the half of the sample rate. [render]
     void process(float *left, float *right, std::uint32_t frames, float amount,

@@ -62,6 +62,8 @@ void BassEnhancerUnit::deallocateRenderResources() {
     EffectUnit::deallocateRenderResources();
 }
 
+void BassEnhancerUnit::reset() { state_->core.clear(); }
+
 RenderBlock BassEnhancerUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, amountStorage = storage(amount),
                               driveStorage = storage(drive), crossoverStorage = storage(crossover),

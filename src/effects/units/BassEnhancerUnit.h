@@ -15,6 +15,7 @@ class BassEnhancerUnit final : public EffectUnit {
                      const SerialQueueFactory &analysisQueues);
 
     void deallocateRenderResources() override;
+    void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
     /// The tracked frequency, Hz; 80 before the first measurement.

@@ -30,6 +30,8 @@ Status CrossfeedUnit::prepare(float sampleRate, std::string &) {
     return statusOK;
 }
 
+void CrossfeedUnit::reset() { state_->core.clear(); }
+
 RenderBlock CrossfeedUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, amountStorage = storage(amount)](
                                  const AudioBufferList &buffers, std::uint32_t frames) noexcept {

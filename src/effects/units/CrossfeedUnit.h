@@ -11,6 +11,7 @@ class CrossfeedUnit final : public EffectUnit {
     enum Address : ParameterAddress { amount };
 
     CrossfeedUnit(const ComponentDescription &description, InstantiationOptions options);
+    void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
   protected:

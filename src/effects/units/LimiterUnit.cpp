@@ -31,6 +31,8 @@ Status LimiterUnit::prepare(float sampleRate, std::string &) {
     return statusOK;
 }
 
+void LimiterUnit::reset() { state_->core.clear(); }
+
 RenderBlock LimiterUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, thresholdStorage = storage(threshold),
                               enabledStorage = storage(enabled)](const AudioBufferList &buffers,

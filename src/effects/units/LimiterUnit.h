@@ -12,6 +12,7 @@ class LimiterUnit final : public EffectUnit {
 
     LimiterUnit(const ComponentDescription &description, InstantiationOptions options);
 
+    void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
     [[nodiscard]] double latency() const override { return 0.0013; }
 

@@ -28,6 +28,8 @@ Status SpatializerUnit::prepare(float sampleRate, std::string &) {
     return statusOK;
 }
 
+void SpatializerUnit::reset() { state_->core.clear(); }
+
 RenderBlock SpatializerUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, amountStorage = storage(amount),
                               notchStorage = storage(notch)](const AudioBufferList &buffers,

@@ -11,6 +11,7 @@ class SpatializerUnit final : public EffectUnit {
     enum Address : ParameterAddress { amount, notch };
 
     SpatializerUnit(const ComponentDescription &description, InstantiationOptions options);
+    void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
   protected:

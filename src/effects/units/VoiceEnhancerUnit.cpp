@@ -63,6 +63,8 @@ void VoiceEnhancerUnit::deallocateRenderResources() {
     EffectUnit::deallocateRenderResources();
 }
 
+void VoiceEnhancerUnit::reset() { state_->core.clear(); }
+
 RenderBlock VoiceEnhancerUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, amountStorage = storage(amount),
                               presenceGainStorage = storage(presence), mudCutStorage = storage(mud),

@@ -16,6 +16,7 @@ class VoiceEnhancerUnit final : public EffectUnit {
                       const SerialQueueFactory &analysisQueues);
 
     void deallocateRenderResources() override;
+    void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
     /// The confidence that a voice is heard, 0 to 1.

@@ -24,6 +24,7 @@ class UnitNode final : public GraphNode {
     Status allocateRenderResources(const StreamFormat &format,
                                    std::uint32_t maximumFrames) override;
     void deallocateRenderResources() override;
+    void reset() override { unit_->reset(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
 

@@ -20,7 +20,8 @@ using InstantiationOptions = std::uint32_t;
 /// A self-contained processing stage. Constructors throw AudioUnitError.
 ///
 /// Life: constructed; render resources allocated for the formats of its busses; its render block
-/// called any number of times; deallocated; allocated again. All calls [main] but the render block.
+/// called any number of times; deallocated; allocated again. All calls [main] but
+/// where tagged, and the render block.
 class AudioUnit {
   public:
     AudioUnit(const ComponentDescription &description, InstantiationOptions options)
@@ -48,6 +49,10 @@ class AudioUnit {
     virtual Status allocateRenderResources(std::string &error);
     virtual void deallocateRenderResources() { allocated_ = false; }
     [[nodiscard]] bool renderResourcesAllocated() const { return allocated_; }
+
+    /// Forgets the sound it holds (delay lines, filter memories), not parameters and measurements.
+    /// Only while nothing renders. [control]
+    virtual void reset() {}
 
     /// A new block at every call, which keeps what it needs alive, also beyond the unit. It may be
     /// called from the time render resources are allocated.
