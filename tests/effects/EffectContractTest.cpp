@@ -14,8 +14,12 @@
 
 #include <limits>
 #include <map>
+#include <ostream>
 
 namespace quorbel {
+
+void PrintTo(const EffectComponent &component, std::ostream *out) { *out << component.name; }
+
 namespace {
 
 using testing::RealtimeGuard;
