@@ -50,8 +50,9 @@ class DeviceManager::Observation final : public HardwareListener,
     void hardwareLost(Status status) override {
         handOver([status](DeviceManager &manager) {
             manager.refresh();
-            if (manager.onHardwareLost)
-                manager.onHardwareLost(status);
+            // A copy, because what is called may clear the callback.
+            if (const auto callback = manager.onHardwareLost)
+                callback(status);
         });
     }
 
@@ -67,8 +68,8 @@ class DeviceManager::Observation final : public HardwareListener,
     void listenerProc() {
         handOver([](DeviceManager &manager) {
             manager.refresh();
-            if (manager.onHardwareChange)
-                manager.onHardwareChange();
+            if (const auto callback = manager.onHardwareChange)
+                callback();
         });
     }
 

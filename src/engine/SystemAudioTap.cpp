@@ -1,7 +1,9 @@
 #include "engine/SystemAudioTap.h"
 
 #include "engine/AudioRingBuffer.h"
+#include "engine/ChainFormat.h"
 #include "platform/core/Log.h"
+#include "platform/dsp/Denormals.h"
 #include "settings/records/Uuid.h"
 
 #include <fmt/format.h>
@@ -13,9 +15,6 @@
 
 namespace quorbel {
 namespace {
-
-// Rates that differ by less are one and the same, read with different precision.
-constexpr double rateTolerance = 0.5; // Hz
 
 std::string inHertz(double rate) { return fmt::format("{} Hz", rate); }
 
@@ -101,7 +100,7 @@ void SystemAudioTap::markStopped() {
 StreamFormat SystemAudioTap::formatSursa(const StreamFormat &tap,
                                          std::optional<double> rataAgregat) {
     StreamFormat source = tap;
-    if (rataAgregat && std::abs(*rataAgregat - tap.sampleRate) > rateTolerance)
+    if (rataAgregat && std::abs(*rataAgregat - tap.sampleRate) > sampleRateTolerance)
         source.sampleRate = *rataAgregat;
     return source;
 }
@@ -178,7 +177,7 @@ void SystemAudioTap::logRates(std::optional<double> aggregate, double tap,
 
 void SystemAudioTap::ioFormatChanged(const StreamFormat &format) {
     if (conversion_ != nullptr && conversion_->source().channelCount == format.channelCount &&
-        std::abs(conversion_->source().sampleRate - format.sampleRate) <= rateTolerance)
+        std::abs(conversion_->source().sampleRate - format.sampleRate) <= sampleRateTolerance)
         return;
     try {
         if (!format.isValid())
@@ -195,6 +194,7 @@ void SystemAudioTap::ioFormatChanged(const StreamFormat &format) {
 void SystemAudioTap::ioCycle(const IOCycle &cycle) noexcept {
     if (cycle.frames == 0 || cycle.input.bufferCount == 0)
         return;
+    const DenormalsFlushed denormalsFlushed;
     CaptureConversion *conversion = active_.load(std::memory_order_acquire);
     const PCMBuffer *block = nullptr;
     PCMBuffer input = PCMBuffer::wrapping(cycle.format, cycle.input, cycle.frames);
