@@ -43,9 +43,9 @@ SystemAudioTap::SystemAudioTap(AudioHardware &hardware) : hardware_(hardware) {}
 
 SystemAudioTap::~SystemAudioTap() { cleanup(); }
 
-void SystemAudioTap::activate(AudioRingBuffer &ring, const StreamFormat &chainFormat) {
+void SystemAudioTap::activate(AudioRingBuffer &ring, const StreamFormat &chain) {
     ring_ = &ring;
-    chainFormat_ = chainFormat;
+    chainFormat_ = chain;
     leadWritten_ = false;
 
     const std::string uuid = Uuid::random().text();
@@ -59,7 +59,7 @@ void SystemAudioTap::activate(AudioRingBuffer &ring, const StreamFormat &chainFo
     const std::optional<double> rataAgregat = aggregateRate();
     const StreamFormat source = formatSursa(tapFormat, rataAgregat);
     try {
-        install(std::make_unique<CaptureConversion>(source, chainFormat));
+        install(std::make_unique<CaptureConversion>(source, chain));
     } catch (const std::invalid_argument &) {
         throw Error::invalidTapFormat();
     }

@@ -43,7 +43,7 @@ class SystemAudioTap final : private IOClient {
 
     /// Builds and starts the capture. Throws Error and leaves what it has made for `cleanup`.
     /// `ring` must outlive the activation.
-    void activate(AudioRingBuffer &ring, const StreamFormat &chainFormat);
+    void activate(AudioRingBuffer &ring, const StreamFormat &chain);
 
     /// Stops and destroys whatever exists; at any time, any number of times.
     void cleanup();
