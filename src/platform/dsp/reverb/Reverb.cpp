@@ -29,7 +29,7 @@ float fadeWeight(std::uint32_t frame, std::uint32_t frames) noexcept {
 
 } // namespace
 
-Reverb::Gains Reverb::Gains::of(double mix) noexcept {
+Reverb::Gains Reverb::gainsOf(double mix) noexcept {
     if (mix <= 0.0)
         return {.dry = 1.0F, .wet = 0.0F};
     if (mix >= 1.0)
@@ -37,8 +37,6 @@ Reverb::Gains Reverb::Gains::of(double mix) noexcept {
     const double angle = mix * std::numbers::pi / 2.0;
     return {.dry = static_cast<float>(std::cos(angle)), .wet = static_cast<float>(std::sin(angle))};
 }
-
-Reverb::Reverb(ReverbTank::Code code) : voices_{Voice(code), Voice(code)} {}
 
 void Reverb::setRoomModel(RoomModel model) {
     if (model == model_)
@@ -76,7 +74,7 @@ void Reverb::begin() noexcept {
     started_ = true;
     const double target = static_cast<double>(mixTarget_.load(std::memory_order_relaxed));
     mixGlide_.settle({target});
-    gains_ = nextGains_ = Gains::of(target);
+    gains_ = nextGains_ = gainsOf(target);
     stepPosition_ = 0;
     if (target == 0.0)
         return;
@@ -133,6 +131,11 @@ void Reverb::clearUnused(std::uint32_t frames) noexcept {
     }
 }
 
+bool Reverb::isSteady() const noexcept {
+    return !fading_ && mixGlide_.isSettled() && stepPosition_ == 0 &&
+           voices_[current_].fadedIn >= fadeInFrames_;
+}
+
 void Reverb::process(float *left, float *right, std::uint32_t frames) noexcept {
     while (frames > 0) {
         acceptSettings();
@@ -141,7 +144,9 @@ void Reverb::process(float *left, float *right, std::uint32_t frames) noexcept {
             count = std::min(count, fadeOutFrames_ - fadedOut_);
         if (!mixGlide_.isSettled() || stepPosition_ != 0)
             count = std::min(count, stepFrames_ - stepPosition_);
-        if (!idle_) {
+        if (!idle_ && isSteady()) {
+            voices_[current_].tank.process({left, right, left, right, count, gains_});
+        } else if (!idle_) {
             renderRooms(left, right, count);
             mix(left, right, count);
         }
@@ -152,27 +157,29 @@ void Reverb::process(float *left, float *right, std::uint32_t frames) noexcept {
     }
 }
 
-void Reverb::renderVoice(Voice &voice, const float *left, const float *right, float *wetLeft,
-                         float *wetRight, std::uint32_t frames) noexcept {
+void Reverb::renderVoice(Voice &voice, ReverbTank::Block block) noexcept {
     if (voice.fadedIn < fadeInFrames_) {
-        for (std::uint32_t i = 0; i < frames; ++i) {
+        for (std::uint32_t i = 0; i < block.frames; ++i) {
             const float weight =
                 fadeWeight(std::min(voice.fadedIn + i, fadeInFrames_), fadeInFrames_);
-            fadedLeft_[i] = weight * left[i];
-            fadedRight_[i] = weight * right[i];
+            fadedLeft_[i] = weight * block.left[i];
+            fadedRight_[i] = weight * block.right[i];
         }
-        voice.fadedIn += frames;
-        left = fadedLeft_.data();
-        right = fadedRight_.data();
+        voice.fadedIn += block.frames;
+        block.left = fadedLeft_.data();
+        block.right = fadedRight_.data();
     }
-    voice.tank.process(left, right, wetLeft, wetRight, frames);
+    voice.tank.process(block);
 }
 
 void Reverb::renderRooms(const float *left, const float *right, std::uint32_t frames) noexcept {
-    renderVoice(voices_[current_], left, right, wetLeft_.data(), wetRight_.data(), frames);
+    constexpr Gains roomAlone{.dry = 0.0F, .wet = 1.0F};
+    renderVoice(voices_[current_],
+                {left, right, wetLeft_.data(), wetRight_.data(), frames, roomAlone});
     if (!fading_)
         return;
-    renderVoice(voices_[1 - current_], left, right, oldLeft_.data(), oldRight_.data(), frames);
+    renderVoice(voices_[1 - current_],
+                {left, right, oldLeft_.data(), oldRight_.data(), frames, roomAlone});
     for (std::uint32_t i = 0; i < frames; ++i) {
         const float weight = 1.0F - fadeWeight(fadedOut_ + i, fadeOutFrames_);
         wetLeft_[i] += weight * oldLeft_[i];
@@ -194,7 +201,7 @@ void Reverb::mix(float *left, float *right, std::uint32_t frames) noexcept {
     }
     if (stepPosition_ == 0) {
         mixGlide_.advance();
-        nextGains_ = Gains::of(mixGlide_.values()[0]);
+        nextGains_ = gainsOf(mixGlide_.values()[0]);
     }
     const float perFrame = 1.0F / static_cast<float>(stepFrames_);
     const float dryStep = (nextGains_.dry - gains_.dry) * perFrame;

@@ -20,7 +20,7 @@ namespace quorbel {
 class Reverb {
   public:
     Reverb() : Reverb(ReverbTank::Code::vector) {}
-    explicit Reverb(ReverbTank::Code code);
+    explicit Reverb(ReverbTank::Code code) : voices_{Voice(code), Voice(code)} {}
 
     [[nodiscard]] RoomModel roomModel() const { return model_; } // [main]
     /// The same room again changes nothing: its sound goes on.
@@ -51,19 +51,16 @@ class Reverb {
         std::uint32_t fadedIn = 0; ///< frames
     };
 
-    struct Gains {
-        float dry = 1.0F;
-        float wet = 0.0F;
-        [[nodiscard]] static Gains of(double mix) noexcept;
-    };
+    using Gains = ReverbTank::Gains;
+    [[nodiscard]] static Gains gainsOf(double mix) noexcept;
 
     void begin() noexcept;
     void acceptSettings() noexcept;
     void goIdle() noexcept;
     void leaveIdle() noexcept;
     void clearUnused(std::uint32_t frames) noexcept;
-    void renderVoice(Voice &voice, const float *left, const float *right, float *wetLeft,
-                     float *wetRight, std::uint32_t frames) noexcept;
+    [[nodiscard]] bool isSteady() const noexcept;
+    void renderVoice(Voice &voice, ReverbTank::Block block) noexcept;
     void renderRooms(const float *left, const float *right, std::uint32_t frames) noexcept;
     void mix(float *left, float *right, std::uint32_t frames) noexcept;
 
@@ -90,8 +87,8 @@ class Reverb {
     bool fading_ = false; // from the other voice to the current one
     std::uint32_t fadedOut_ = 0;
     Glide<1> mixGlide_;
-    Gains gains_;     // at the start of the current step
-    Gains nextGains_; // at its end
+    Gains gains_{.dry = 1.0F, .wet = 0.0F}; // at the start of the current step
+    Gains nextGains_ = gains_;              // at its end
     std::uint32_t stepPosition_ = 0;
     Piece fadedLeft_{};
     Piece fadedRight_{};

@@ -11,31 +11,59 @@ constexpr std::size_t lineCount = RoomDesign::lineCount;
 
 using Samples = std::array<float, blockFrames>;
 
-const float *before(const ReverbTank::Rings &rings, std::size_t ring, std::uint32_t position,
-                    std::uint32_t delay) noexcept {
-    return rings.ring(ring) + rings.slot(position - delay);
+const float *read(const ReverbTank::State &state, std::size_t head) noexcept {
+    return state.memory + state.headRing[head] +
+           ((state.position - state.headDelay[head]) & state.headMask[head]);
 }
 
-void write(const ReverbTank::Rings &rings, std::size_t ring, std::uint32_t position,
+void write(const ReverbTank::State &state, const ReverbTank::Rings &rings, std::size_t ring,
            const Samples &samples, std::uint32_t frames) noexcept {
-    float *target = rings.ring(ring);
-    const std::uint32_t slot = rings.slot(position);
-    std::copy_n(samples.data(), frames, target + slot);
-    if (slot < blockFrames)
-        std::copy_n(samples.data(), frames, target + rings.length + slot);
+    std::copy_n(samples.data(), frames, rings.ring(ring) + (state.position & (rings.length - 1)));
 }
 
 void hear(ReverbTank::State &state, std::size_t channel, const float *input,
           std::uint32_t frames) noexcept {
-    const std::uint32_t offset = state.position % blockFrames;
+    const float *baseline =
+        state.baseline[channel].data() + state.position % ReverbTank::meanFrames;
+    float *heard = state.heard[channel].data() + state.position % blockFrames;
     Samples samples;
     for (std::uint32_t i = 0; i < frames; ++i) {
-        const float heard = std::abs(input[i]) < loudestReverbInput ? input[i] : 0.0F;
-        state.heard[channel][offset + i] = heard;
-        samples[i] = heard - (state.baseline[channel] +
-                              state.baselineStep[channel] * static_cast<float>(offset + i));
+        const float sample = std::abs(input[i]) < loudestReverbInput ? input[i] : 0.0F;
+        heard[i] += sample;
+        samples[i] = sample - baseline[i];
     }
-    write(state.input, channel, state.position, samples, frames);
+    write(state, state.input, channel, samples, frames);
+}
+
+/// The mean over 128 frames is a sample of what is far below the rate at which means come; one pole
+/// at 20 Hz follows it.
+void followBaseline(ReverbTank::State &state, std::size_t channel) noexcept {
+    auto &heard = state.heard[channel];
+    std::array<float, 8> sums;
+    for (std::size_t i = 0; i < sums.size(); ++i)
+        sums[i] = (heard[i] + heard[i + 8]) + (heard[i + 16] + heard[i + 24]);
+    double sum = 0.0;
+    for (const float part : sums)
+        sum += static_cast<double>(part);
+    heard = {};
+    const double from = state.baselineTarget[channel];
+    const double to = from + state.baselineCoefficient * (sum / ReverbTank::meanFrames - from);
+    state.baselineTarget[channel] = to;
+    const auto begin = static_cast<float>(from);
+    const auto step = static_cast<float>((to - from) / ReverbTank::meanFrames);
+    for (std::uint32_t i = 0; i < ReverbTank::meanFrames; ++i)
+        state.baseline[channel][i] = begin + step * static_cast<float>(i);
+}
+
+/// Keeps the end of the rings equal to their beginning, after a block at `position`.
+void repeatBeginning(const ReverbTank::Rings &rings, std::uint32_t position) noexcept {
+    const std::uint32_t slot = position & (rings.length - 1);
+    if (slot >= ReverbTank::Rings::repeatedFrames)
+        return;
+    for (std::size_t ring = 0; ring < rings.count; ++ring) {
+        float *begin = rings.ring(ring) + slot;
+        std::copy_n(begin, blockFrames, begin + rings.length);
+    }
 }
 
 struct Branches {
@@ -54,11 +82,9 @@ void cross(Branches &branches, const float *delayed, std::uint32_t frames) noexc
 /// The first stage, on the pre-delayed input.
 Branches entering(const ReverbTank::State &state, std::size_t channel,
                   std::uint32_t frames) noexcept {
-    const std::uint32_t preDelay = state.design.preDelay;
-    const std::uint32_t delay = state.design.stageDelays[channel][0];
     Branches branches;
-    std::copy_n(before(state.input, channel, state.position, preDelay), frames, branches.p.data());
-    cross(branches, before(state.input, channel, state.position, preDelay + delay), frames);
+    std::copy_n(read(state, ReverbTank::inputHead + channel), frames, branches.p.data());
+    cross(branches, read(state, ReverbTank::delayedHead + channel), frames);
     return branches;
 }
 
@@ -66,12 +92,9 @@ Branches entering(const ReverbTank::State &state, std::size_t channel,
 Branches diffused(const ReverbTank::State &state, std::size_t channel, std::size_t first,
                   std::size_t last, Branches branches, std::uint32_t frames) noexcept {
     for (std::size_t stage = first; stage < last; ++stage) {
-        const std::size_t ring = channel * (RoomDesign::stageCount - 1) + stage - 1;
-        write(state.diffusers, ring, state.position, branches.q, frames);
-        cross(
-            branches,
-            before(state.diffusers, ring, state.position, state.design.stageDelays[channel][stage]),
-            frames);
+        const std::size_t ring = channel * ReverbTank::diffuserRings + stage - 1;
+        write(state, state.diffusers, ring, branches.q, frames);
+        cross(branches, read(state, ReverbTank::diffuserHead + ring), frames);
     }
     return branches;
 }
@@ -96,7 +119,6 @@ void hadamard(std::array<Samples, lineCount> &x, std::uint32_t frames) noexcept 
 void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block) noexcept {
     const RoomDesign &design = state.design;
     const std::uint32_t frames = block.frames;
-    const std::uint32_t position = state.position;
 
     hear(state, 0, block.left, frames);
     hear(state, 1, block.right, frames);
@@ -111,34 +133,58 @@ void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block
 
     std::array<Samples, lineCount> x;
     for (std::size_t line = 0; line < lineCount; ++line) {
-        const std::uint32_t delay = design.lineDelays[line];
-        const float *newer = before(state.lines, line, position, delay - design.spacing);
-        const float *middle = before(state.lines, line, position, delay);
-        const float *older = before(state.lines, line, position, delay + design.spacing);
+        const float *older = read(state, ReverbTank::lineHead + line);
+        const float *middle = older + design.spacing;
+        const float *newer = middle + design.spacing;
         for (std::uint32_t i = 0; i < frames; ++i)
             x[line][i] =
                 design.centre[line] * middle[i] + design.side[line] * (newer[i] + older[i]);
     }
     hadamard(x, frames);
+    const std::array<Samples, 2> network{x[0], x[1]};
     for (std::uint32_t i = 0; i < frames; ++i) {
-        x[0][i] += late[0].p[i];
-        x[1][i] += late[1].p[i];
-        x[2][i] += late[0].q[i];
-        x[3][i] += late[1].q[i];
-        x[4][i] += late[1].q[i];
-        x[5][i] -= late[0].q[i];
-        x[6][i] -= late[1].p[i];
-        x[7][i] += late[0].p[i];
+        const float pSum = late[0].p[i] + late[1].p[i];
+        const float pDifference = late[0].p[i] - late[1].p[i];
+        const float qSum = late[0].q[i] + late[1].q[i];
+        const float qDifference = late[0].q[i] - late[1].q[i];
+        x[0][i] += pSum;
+        x[1][i] += pDifference;
+        x[2][i] += qSum;
+        x[3][i] += qDifference;
+        x[4][i] += qDifference;
+        x[5][i] -= qSum;
+        x[6][i] -= pDifference;
+        x[7][i] += pSum;
     }
     // Turned by one, so that the matrix is not its own inverse.
     for (std::size_t line = 0; line < lineCount; ++line)
-        write(state.lines, (line + 1) % lineCount, position, x[line], frames);
+        write(state, state.lines, (line + 1) % lineCount, x[line], frames);
 
+    const auto [dry, wet] = block.gains;
+    const auto mixed = [&](std::size_t channel, std::uint32_t i) {
+        const std::size_t other = 1 - channel;
+        const float reflections =
+            design.earlyNear * early[channel].p[i] + design.earlyFar * early[other].q[i];
+        const float reverberation =
+            design.diffuse * late[channel].p[i] + design.late * network[channel][i];
+        return reflections + reverberation;
+    };
     for (std::uint32_t i = 0; i < frames; ++i) {
-        block.wetLeft[i] = (design.earlyNear * early[0].p[i] + design.earlyFar * early[1].q[i]) +
-                           design.late * x[0][i];
-        block.wetRight[i] = (design.earlyNear * early[1].p[i] + design.earlyFar * early[0].q[i]) +
-                            design.late * x[1][i];
+        block.outLeft[i] = dry * block.left[i] + wet * mixed(0, i);
+        block.outRight[i] = dry * block.right[i] + wet * mixed(1, i);
+    }
+}
+
+void advanceReverb(ReverbTank::State &state, std::uint32_t frames) noexcept {
+    state.position += frames;
+    if (state.position % blockFrames != 0)
+        return;
+    const std::uint32_t written = state.position - blockFrames;
+    for (const ReverbTank::Rings *rings : {&state.input, &state.diffusers, &state.lines})
+        repeatBeginning(*rings, written);
+    if (state.position % ReverbTank::meanFrames == 0) {
+        followBaseline(state, 0);
+        followBaseline(state, 1);
     }
 }
 

@@ -6,12 +6,16 @@
 #include <bit>
 #include <cassert>
 #include <cmath>
+#include <memory>
 #include <numbers>
 
 namespace quorbel {
 namespace {
 
 constexpr double lowestHz = 20.0;
+
+/// A vector of 16 floats that is written in one cache line costs half.
+constexpr std::size_t cacheLine = 64;
 
 /// Of memory cleared per frame. At 48 kHz all of it takes some 60 ms.
 constexpr std::size_t clearedPerFrame = 32;
@@ -29,25 +33,30 @@ void ReverbTank::prepare(double sampleRate) {
             longestStage = std::max(longestStage, std::ranges::max(delays));
         }
         longestLine = std::max(longestLine, design.lineDelays.back() + design.spacing);
-        assert(design.lineDelays.front() - design.spacing >= blockFrames);
+        assert(2 * design.spacing <= blockFrames);
     }
-    const auto rings = [](std::uint32_t longestDelay) {
-        return Rings{.memory = nullptr, .length = std::bit_ceil(longestDelay + blockFrames)};
-    };
     state_ = State{};
-    state_.input = rings(longestInput);
-    state_.diffusers = rings(longestStage);
-    state_.lines = rings(longestLine);
-    const std::size_t inputSize = 2 * state_.input.stride();
-    const std::size_t diffuserSize = 2 * (RoomDesign::stageCount - 1) * state_.diffusers.stride();
-    const std::size_t lineSize = RoomDesign::lineCount * state_.lines.stride();
-    memory_.assign(inputSize + diffuserSize + lineSize, 0.0F);
-    state_.input.memory = memory_.data();
-    state_.diffusers.memory = state_.input.memory + inputSize;
-    state_.lines.memory = state_.diffusers.memory + diffuserSize;
-    cleared_ = memory_.size();
-    baselineCoefficient_ =
-        1.0 - std::exp(-2.0 * std::numbers::pi * lowestHz * blockFrames / sampleRate);
+    state_.input.length = std::bit_ceil(longestInput + blockFrames);
+    state_.diffusers.length = std::bit_ceil(longestStage + blockFrames);
+    state_.lines.length = std::bit_ceil(longestLine + blockFrames);
+    const std::array allRings{&state_.input, &state_.diffusers, &state_.lines};
+    std::size_t size = 0;
+    for (const Rings *rings : allRings)
+        size += rings->size();
+    storage_.assign(size + cacheLine / sizeof(float), 0.0F);
+    void *begin = storage_.data();
+    std::size_t space = storage_.size() * sizeof(float);
+    memory_ = {static_cast<float *>(std::align(cacheLine, size * sizeof(float), begin, space)),
+               size};
+    cleared_ = size;
+    state_.memory = memory_.data();
+    float *rest = memory_.data();
+    for (Rings *rings : allRings) {
+        rings->memory = rest;
+        rest += rings->size();
+    }
+    state_.baselineCoefficient =
+        1.0 - std::exp(-2.0 * std::numbers::pi * lowestHz * meanFrames / sampleRate);
 }
 
 void ReverbTank::start(const RoomDesign &design) noexcept {
@@ -55,44 +64,47 @@ void ReverbTank::start(const RoomDesign &design) noexcept {
     state_.design = design;
     state_.position = 0;
     state_.baseline = {};
-    state_.baselineStep = {};
-    baselineTarget_ = {};
-}
+    state_.heard = {};
+    state_.baselineTarget = {};
 
-void ReverbTank::process(const float *left, const float *right, float *wetLeft, float *wetRight,
-                         std::uint32_t frames) noexcept {
-    cleared_ = 0;
-    while (frames > 0) {
-        const std::uint32_t count = std::min(frames, blockFrames - state_.position % blockFrames);
-        const Block block{left, right, wetLeft, wetRight, count};
-        if (count == blockFrames && code_ == Code::vector)
-            processReverbBlockVector(state_, block);
-        else
-            processReverbBlock(state_, block);
-        state_.position += count;
-        if (state_.position % blockFrames == 0)
-            finishBlock();
-        left += count;
-        right += count;
-        wetLeft += count;
-        wetRight += count;
-        frames -= count;
-    }
-}
-
-void ReverbTank::finishBlock() noexcept {
-    // A block's mean is a sample of everything far below 3 kHz; one pole at 20 Hz follows it.
+    const auto place = [this](std::size_t head, const Rings &rings, std::size_t ring,
+                              std::uint32_t delay) {
+        state_.headRing[head] = static_cast<std::uint32_t>(rings.ring(ring) - state_.memory);
+        state_.headMask[head] = rings.length - 1;
+        state_.headDelay[head] = delay;
+    };
     for (std::size_t channel = 0; channel < 2; ++channel) {
-        std::array<float, blockFrames> sums = state_.heard[channel];
-        for (std::size_t half = blockFrames / 2; half > 0; half /= 2)
-            for (std::size_t i = 0; i < half; ++i)
-                sums[i] += sums[i + half];
-        const double mean = static_cast<double>(sums[0]) / blockFrames;
-        const double from = baselineTarget_[channel];
-        const double to = from + baselineCoefficient_ * (mean - from);
-        baselineTarget_[channel] = to;
-        state_.baseline[channel] = static_cast<float>(from);
-        state_.baselineStep[channel] = static_cast<float>((to - from) / blockFrames);
+        const auto &stages = design.stageDelays[channel];
+        place(inputHead + channel, state_.input, channel, design.preDelay);
+        place(delayedHead + channel, state_.input, channel, design.preDelay + stages[0]);
+        for (std::size_t i = 0; i < diffuserRings; ++i) {
+            const std::size_t ring = channel * diffuserRings + i;
+            place(diffuserHead + ring, state_.diffusers, ring, stages[i + 1]);
+        }
+    }
+    for (std::size_t line = 0; line < RoomDesign::lineCount; ++line)
+        place(lineHead + line, state_.lines, line, design.lineDelays[line] + design.spacing);
+}
+
+void ReverbTank::process(const Block &block) noexcept {
+    cleared_ = 0;
+    Block rest = block;
+    while (rest.frames > 0) {
+        Block part = rest;
+        const std::uint32_t begun = state_.position % blockFrames;
+        if (begun == 0 && rest.frames >= blockFrames && code_ == Code::vector) {
+            part.frames -= rest.frames % blockFrames;
+            processReverbBlocks(state_, part);
+        } else {
+            part.frames = std::min(rest.frames, blockFrames - begun);
+            processReverbBlock(state_, part);
+            advanceReverb(state_, part.frames);
+        }
+        rest.left += part.frames;
+        rest.right += part.frames;
+        rest.outLeft += part.frames;
+        rest.outRight += part.frames;
+        rest.frames -= part.frames;
     }
 }
 

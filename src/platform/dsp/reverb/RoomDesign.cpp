@@ -11,7 +11,7 @@ namespace {
 using std::numbers::pi;
 
 constexpr double midHz = 1000.0;
-constexpr double trebleHz = 8000.0;
+constexpr double trebleHz = 7400.0;
 
 /// The rate at which neighbouring samples are the right distance for the absorption's taps.
 constexpr double spacingRate = 48000.0;
@@ -24,8 +24,8 @@ constexpr std::array<double, RoomDesign::lineCount> lineRatios{0.473, 0.571, 0.6
 /// that the sums over all subsets, at which the echoes fall, are spread evenly. The right channel's
 /// differ for its echoes to differ.
 constexpr std::array<std::array<double, RoomDesign::stageCount>, 2> stageRatios{{
-    {0.193, 0.317, 0.490, 0.454, 0.261, 0.151, 0.084, 0.050},
-    {0.229, 0.287, 0.484, 0.431, 0.279, 0.143, 0.093, 0.054},
+    {0.193, 0.317, 0.490, 0.397, 0.241, 0.156, 0.101, 0.064, 0.041},
+    {0.229, 0.287, 0.484, 0.383, 0.252, 0.147, 0.109, 0.067, 0.042},
 }};
 
 /// How much of a hard-panned source's early reflections reaches the other side, in amplitude.
@@ -64,7 +64,7 @@ RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
             const double span =
                 stage < earlyStages ? room.reflectionSeconds : room.diffusionSeconds;
             design.stageDelays[channel][stage] =
-                std::max(1U, frames(stageRatios[channel][stage] * span, sampleRate));
+                std::max(shortestDelay, frames(stageRatios[channel][stage] * span, sampleRate));
         }
 
     // A low-pass of three taps hits the wanted loss exactly at two frequencies and is linear in
@@ -73,13 +73,13 @@ RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
     design.spacing = std::max(1U, frames(1.0 / spacingRate, sampleRate));
     const double upperHz = std::min(trebleHz, sampleRate / 2.0);
     const double upperDecay =
-        room.decaySeconds *
-        std::pow(room.trebleDecayRatio, std::log(upperHz / midHz) / std::log(trebleHz / midHz));
+        room.decaySeconds * std::pow(room.trebleDecayRatio,
+                                     1.12 * std::log(upperHz / midHz) / std::log(trebleHz / midHz));
     const auto cosineAt = [&](double frequency) {
         return std::cos(2.0 * pi * frequency * design.spacing / sampleRate);
     };
     double meanPower = 0.0;
-    std::uint32_t last = 0;
+    std::uint32_t last = shortestDelay + 2 * design.spacing; // with all its taps
     for (std::size_t line = 0; line < lineCount; ++line) {
         std::uint32_t delay =
             std::max(last + 1, frames(lineRatios[line] * room.meanDelaySeconds, sampleRate));
@@ -98,14 +98,16 @@ RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
         meanPower += midGain * midGain / lineCount;
     }
 
-    // Every diffuser stage doubles the power, and the network multiplies what enters by
-    // 1/(1 - meanPower); the room as a whole shall have a gain of one.
+    // Every diffuser stage doubles the power, and so does feeding each line from both channels; the
+    // network multiplies what enters by meanPower/(1 - meanPower). With the first round, which it
+    // has not heard yet, at equal level, the room as a whole has a gain of one.
     const double early = std::sqrt(room.earlyShare / std::exp2(earlyStages));
     const double late =
         std::sqrt((1.0 - room.earlyShare) * (1.0 - meanPower) / std::exp2(stageCount));
     design.earlyNear = static_cast<float>(early / std::hypot(1.0, farOverNear));
     design.earlyFar = static_cast<float>(farOverNear * early / std::hypot(1.0, farOverNear));
-    design.late = static_cast<float>(late);
+    design.diffuse = static_cast<float>(late);
+    design.late = static_cast<float>(late / std::numbers::sqrt2);
     return design;
 }
 

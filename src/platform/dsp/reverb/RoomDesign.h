@@ -12,14 +12,18 @@ namespace quorbel {
 /// audio thread, copied to it.
 struct RoomDesign {
     static constexpr std::size_t lineCount = 8;  ///< of the late network
-    static constexpr std::size_t stageCount = 8; ///< of each diffuser
+    static constexpr std::size_t stageCount = 9; ///< of each diffuser
     static constexpr std::size_t earlyStages =
         3; ///< after which its output is the early reflections
+
+    /// All delays are at least this long, in frames, but for a pre-delay of 0: so many frames can
+    /// be rendered at once.
+    static constexpr std::uint32_t shortestDelay = 32;
 
     RoomModel model = RoomModel::smallRoom;
     std::uint32_t preDelay = 0; ///< frames
 
-    /// Per input channel: the delay of each diffuser stage in frames, at least 1.
+    /// Per input channel: the delay of each diffuser stage in frames.
     std::array<std::array<std::uint32_t, stageCount>, 2> stageDelays{};
 
     /// Different primes, so that no two lines' echoes fall together for long.
@@ -34,7 +38,8 @@ struct RoomDesign {
     // Output gains.
     float earlyNear = 0.0F; ///< reflections of the channel's own input
     float earlyFar = 0.0F;  ///< of the other one
-    float late = 0.0F;
+    float diffuse = 0.0F;   ///< the diffuser's end, which the network hears
+    float late = 0.0F;      ///< the network
 
     /// `sampleRate` in Hz, 8000 to 384000.
     [[nodiscard]] static RoomDesign of(RoomModel model, double sampleRate);
