@@ -109,6 +109,12 @@ struct AudioGraph::State final : RenderClient {
 
     void renderFormatChanged(const StreamFormat &format) override { mixer.setOutputFormat(format); }
 
+    // A tail that was cut off would otherwise be heard before what is played next.
+    void renderPaused() override {
+        plan->reset();
+        mixer.reset();
+    }
+
     void renderCycle(const AudioBufferList &output, std::uint32_t frames) noexcept override {
         const DenormalsFlushed denormalsFlushed;
         mixer.pull(*plan, *mixerTap, output, frames);

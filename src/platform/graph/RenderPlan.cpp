@@ -29,6 +29,11 @@ Status RenderPlan::allocate() {
     return statusOK;
 }
 
+void RenderPlan::reset() {
+    for (const Stage &stage : stages_)
+        stage.node->reset();
+}
+
 Status RenderPlan::render(AudioBufferList &buffers, std::uint32_t frames) noexcept {
     assert(frames >= 1 && frames <= maximumBlockFrames);
     Status result = statusOK;

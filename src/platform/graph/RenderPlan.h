@@ -31,6 +31,9 @@ class RenderPlan {
 
     [[nodiscard]] const StreamFormat &format() const { return format_; }
 
+    /// Forgets the sound held in the stages; only while nothing renders. [control]
+    void reset();
+
     /// Renders the next 1 to `maximumBlockFrames` frames. Returns the first status other than 0: a
     /// failing source leaves silence, any other failing stage is passed over. [render]
     Status render(AudioBufferList &buffers, std::uint32_t frames) noexcept;

@@ -1,4 +1,5 @@
 #include "platform/graph/GraphFixture.h"
+#include "platform/graph/ParametricEqualizerNode.h"
 #include "platform/units/UnitStatus.h"
 
 #include <gmock/gmock.h>
@@ -207,6 +208,31 @@ TEST(HardwareRenderTest, FlushesDenormalsWhileRenderingAndOnlyThen) {
     line.play(16);
     EXPECT_EQ(seen, 0.0F);
     EXPECT_GT(tiny * 0.5F, 0.0F);
+}
+
+TEST(HardwareRenderTest, APauseForgetsWhatTheStagesHold) {
+    float input = 0.5F;
+    SourceNode source(chain, [&](const AudioBufferList &buffers, std::uint32_t frames) {
+        std::fill_n(buffers.data[0], frames, input);
+        std::fill_n(buffers.data[1], frames, input);
+        return statusOK;
+    });
+    ParametricEqualizerNode equalizer(1);
+    equalizer.setBand(0, {.filterType = EqualizerFilterType::lowPass,
+                          .frequencyHz = 50.0F,
+                          .bandwidthOctaves = 2.0F,
+                          .bypass = false});
+    TestOutput::Line line;
+    line.native.sampleRate = 44100.0; // the converter holds sound too
+    AudioGraph graph(std::make_unique<TestOutput>(line));
+    connectInLine(graph, {&source, &equalizer});
+    ASSERT_EQ(graph.start(), statusOK);
+    line.play(4096);
+    input = 0.0F;
+    EXPECT_NE(line.play(16).left.front(), 0.0F);
+    line.client->renderPaused();
+    for (const float sample : line.play(4096).left)
+        ASSERT_EQ(sample, 0.0F);
 }
 
 } // namespace
