@@ -127,14 +127,15 @@ void PrivateSoundServer::startServer() {
     pipewire_ = start({"pipewire"});
     waitForSocket(socket(), *pipewire_);
     sessionManager_ = start({"wireplumber"});
+    pulse_ = start({"pipewire-pulse"});
+    waitForSocket(folder_ / "run/pulse/native", *pulse_);
+    // It keeps the defaults, and a desktop's requests to change them fail until it does.
     waitFor("the session manager", 10.0, [&] {
         if (!sessionManager_->running()) {
             throw ServerError("wireplumber ended: " + sessionManager_->errors());
         }
         return state().hasSessionManager;
     });
-    pulse_ = start({"pipewire-pulse"});
-    waitForSocket(folder_ / "run/pulse/native", *pulse_);
     for (const Device &device : options_.devices) {
         addDevice(device);
     }
@@ -203,9 +204,11 @@ void PrivateSoundServer::removeDevice(const std::string &name) {
 }
 
 void PrivateSoundServer::setDefaultDevice(const std::string &name) const {
-    run({"pactl", "set-default-sink", name});
-    waitFor(name + " is the default", 10.0,
-            [&] { return state().defaultName("default.audio.sink") == name; });
+    waitFor(name + " is the default", 10.0, [&] {
+        // The PulseAudio interface refuses until it has heard of the session manager.
+        start({"pactl", "set-default-sink", name})->exitStatusWithin(5.0);
+        return comesTrue(0.5, [&] { return state().defaultName("default.audio.sink") == name; });
+    });
 }
 
 void PrivateSoundServer::moveApplication(const std::string &nodeName,
