@@ -69,6 +69,21 @@ constexpr const char *busConfiguration = R"(<!DOCTYPE busconfig PUBLIC
 </busconfig>
 )";
 
+/// The session manager leaves this machine's own sound cards, cameras and Bluetooth alone: in Lua
+/// for WirePlumber 0.4, as a profile for 0.5 and later. (Bluetooth would also need a login
+/// service.)
+void allowVirtualDevicesOnly(const fs::path &configuration) {
+    writeFile(configuration / "main.lua.d/51-virtual-devices-only.lua",
+              "alsa_monitor.enabled = false\n"
+              "v4l2_monitor.enabled = false\n"
+              "libcamera_monitor.enabled = false\n");
+    writeFile(configuration / "bluetooth.lua.d/51-virtual-devices-only.lua",
+              "bluez_monitor.enabled = false\n");
+    writeFile(configuration / "wireplumber.conf.d/virtual-devices-only.conf",
+              "wireplumber.profiles = { main = { hardware.audio = disabled, "
+              "hardware.bluetooth = disabled, hardware.video-capture = disabled } }\n");
+}
+
 } // namespace
 
 PrivateSoundServer::PrivateSoundServer(const Options &options)
@@ -96,6 +111,7 @@ PrivateSoundServer::PrivateSoundServer(const Options &options)
                   fmt::format("context.properties = {{ default.clock.rate = {0} "
                               "default.clock.allowed-rates = [ {0} ] }}\n",
                               options.sampleRate));
+        allowVirtualDevicesOnly(folder_ / "config/wireplumber");
         startBus();
         startServer();
     } catch (...) {
