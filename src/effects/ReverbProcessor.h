@@ -1,0 +1,50 @@
+#pragma once
+
+#include "platform/graph/ReverbNode.h"
+#include "settings/records/SpatialConfig.h"
+
+#include <QObject>
+
+#include <cstdint>
+
+namespace quorbel {
+
+/// The reverb of the chain: the settings' room and mix as the model, and the node that they are set
+/// on. Observers hear of every assignment, also of an equal value. [main]
+class ReverbProcessor final : public QObject {
+    Q_OBJECT
+
+  public:
+    using ReverbPreset = SpatialConfig::ReverbPreset;
+
+    /// A small room, fully dry.
+    ReverbProcessor();
+
+    /// Percent, as it was set; the node gets it clamped to 0 to 100.
+    [[nodiscard]] float mix() const { return mix_; }
+    void setMix(float mix);
+
+    /// Only another preset is loaded; the same one leaves the node's sound alone.
+    [[nodiscard]] ReverbPreset preset() const { return preset_; }
+    void setPreset(ReverbPreset preset);
+
+    /// Loads since creation, the first one included.
+    [[nodiscard]] std::int64_t presetReloadCount() const { return presetReloadCount_; }
+
+    /// The chain's stage.
+    [[nodiscard]] ReverbNode &reverb() { return reverb_; }
+
+  Q_SIGNALS:
+    void mixChanged();
+    void presetChanged();
+
+  private:
+    void reloadPreset();
+
+    float mix_ = 0.0F;
+    ReverbPreset preset_ = ReverbPreset::smallRoom;
+    std::int64_t presetReloadCount_ = 0;
+    ReverbNode reverb_;
+};
+
+} // namespace quorbel

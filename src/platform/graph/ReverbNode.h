@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/dsp/reverb/Reverb.h"
+#include "platform/graph/GraphNode.h"
+
+namespace quorbel {
+
+/// A stereo reverb with a set of factory rooms. Mix and room glide; a mix of 0 costs nothing and is
+/// bit-exact.
+///
+/// Setters [main], while rendering or not; what is set before the first block applies from its
+/// first frame.
+class ReverbNode final : public GraphNode {
+  public:
+    [[nodiscard]] RoomModel factoryPreset() const { return reverb_.roomModel(); }
+    /// The mix stays. Loading what is loaded changes nothing.
+    void loadFactoryPreset(RoomModel model) { reverb_.setRoomModel(model); }
+
+    /// Percent, 0 (direct sound alone) to 100 (room alone).
+    [[nodiscard]] float wetDryMix() const { return reverb_.mixPercent(); }
+    /// Clamped to that range; not a number is 0.
+    void setWetDryMix(float percent) { reverb_.setMixPercent(percent); }
+
+    /// -EINVAL for anything but two channels at 8000 to 384000 Hz.
+    Status allocateRenderResources(const StreamFormat &format,
+                                   std::uint32_t maximumFrames) override;
+    void reset() override { reverb_.reset(); }
+    Status render(const RenderTime &time, AudioBufferList &buffers,
+                  std::uint32_t frames) noexcept override;
+
+  private:
+    Reverb reverb_;
+};
+
+} // namespace quorbel
