@@ -2,11 +2,12 @@
 
 #include "cli/ChainRateReader.h"
 #include "cli/CommandError.h"
-#include "cli/MeterTable.h"
 #include "cli/PresetChoice.h"
 #include "cli/ProgressBar.h"
+#include "cli/RenderTables.h"
 #include "cli/SettingsSource.h"
 #include "cli/SoundFileWriter.h"
+#include "cli/TableFile.h"
 #include "cli/TerminationSignals.h"
 #include "cli/TimeInSeconds.h"
 #include "engine/OfflineRenderer.h"
@@ -16,6 +17,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <sys/stat.h>
@@ -52,6 +54,16 @@ bool isSameFile(const std::string &first, const std::string &second) {
            std::filesystem::weakly_canonical(second, unknown);
 }
 
+/// Each file has its own part: the input is only read, and no output may take another's place.
+void requireFilesOfTheirOwn(const std::vector<std::optional<std::string>> &paths) {
+    constexpr std::array<const char *, 4> parts{"the input", "the output", "the meters' table",
+                                                "the spectrum's table"};
+    for (std::size_t later = 1; later < paths.size(); ++later)
+        for (std::size_t earlier = 0; earlier < later; ++earlier)
+            if (paths[later] && paths[earlier] && isSameFile(*paths[later], *paths[earlier]))
+                throw CommandError(*paths[later] + ": is the same file as " + parts[earlier]);
+}
+
 } // namespace
 
 RenderCommand::RenderCommand(CLI::App &program)
@@ -76,6 +88,10 @@ RenderCommand::RenderCommand(CLI::App &program)
         ->add_option("--meters", metersPath_,
                      "CSV file to write: what the meters show, every 0.1 s of the sound")
         ->type_name("FILE");
+    command_
+        ->add_option("--spectrum", spectrumPath_,
+                     "CSV file to write: what the spectrum display shows, 30 times a second")
+        ->type_name("FILE");
     command_->add_option("IN", inputPath_, "Mono or stereo sound file of any rate")->required();
     command_->add_option("OUT", outputPath_, "WAV file to write: 32-bit floats, stereo, 48 kHz")
         ->required();
@@ -88,21 +104,24 @@ void RenderCommand::run() const {
         applyPreset(settings, *presetName_);
     const std::vector<Change> changes = loadChanges(changes_);
     ChainRateReader input(inputPath_);
-    if (isSameFile(inputPath_, outputPath_))
-        throw CommandError(outputPath_ + ": is the same file as the input");
-    if (metersPath_ &&
-        (isSameFile(*metersPath_, inputPath_) || isSameFile(*metersPath_, outputPath_)))
-        throw CommandError(*metersPath_ + ": is the same file as the input or the output");
+    requireFilesOfTheirOwn({inputPath_, outputPath_, metersPath_, spectrumPath_});
     SoundFileWriter output(outputPath_, input.expectedFrames());
-    std::optional<MeterTable> meters;
-    if (metersPath_)
-        meters.emplace(*metersPath_);
     OfflineRenderer renderer(chainSettings(settings));
     const auto replacedFrames = [&] { return input.replacedFrames() + renderer.replacedFrames(); };
-    if (meters)
+    std::optional<TableFile> meters;
+    if (metersPath_) {
+        meters.emplace(*metersPath_, meterNames());
         renderer.setReadOutObserver([&](double seconds, const MeterReadings &readings) {
-            meters->addRow(seconds, readings, replacedFrames());
+            meters->addRow(meterRow(seconds, readings, replacedFrames()));
         });
+    }
+    std::optional<TableFile> spectrum;
+    if (spectrumPath_) {
+        spectrum.emplace(*spectrumPath_, spectrumNames());
+        renderer.setSpectrumObserver([&](double seconds, const SpectrumAnalyzer::Levels &levels) {
+            spectrum->addRow(spectrumRow(seconds, levels));
+        });
+    }
 
     std::vector<float> samples(std::size_t{2} * blockFrames_);
     const AudioBufferList block(samples.data(), samples.data() + blockFrames_);
@@ -122,8 +141,9 @@ void RenderCommand::run() const {
                 throw CommandError(fmt::format("interrupted, {} was not written", outputPath_));
         }
         output.finish();
-        if (meters)
-            meters->finish();
+        for (auto *table : {&meters, &spectrum})
+            if (*table)
+                (*table)->finish();
     }
     if (const auto replaced = replacedFrames(); replaced > 0)
         fmt::print(

@@ -28,6 +28,7 @@ class RenderCommand {
     std::uint32_t blockFrames_ = 512;
     std::vector<std::pair<double, std::string>> changes_; ///< seconds, settings file
     std::optional<std::string> metersPath_;
+    std::optional<std::string> spectrumPath_;
     std::string inputPath_;
     std::string outputPath_;
 };

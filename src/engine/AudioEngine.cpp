@@ -4,6 +4,7 @@
 #include "effects/EffectComponents.h"
 #include "engine/AudioEngineError.h"
 #include "engine/ChainFormat.h"
+#include "platform/graph/MixerNode.h"
 
 #include <utility>
 
@@ -19,13 +20,13 @@ AudioEngine::AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, 
     : deviceManager_(deviceManager), clock_(clock), registry_(clock), ringBuffer(ringBufferFrames),
       chain_(registry_, clock, std::move(bands)),
       playback_(hardware.makeOutput(), chain_, ringBuffer), systemTap(hardware),
-      diagnostics_(clock, ringBuffer, systemTap, playback_) {
+      diagnostics_(clock, ringBuffer, systemTap, playback_), spectrumAnalyzer_(clock) {
     registerUnits(registry_);
 }
 
 AudioEngine::~AudioEngine() {
     lifecycle.end();
-    stopTimers();
+    stopTimersAndSpectrum();
     teardown();
 }
 
@@ -45,6 +46,21 @@ void AudioEngine::setMixer(const MixerConfig &mixer) {
     mixer_ = mixer;
     applyMixer();
     Q_EMIT mixerChanged();
+}
+
+void AudioEngine::applyMixer() {
+    chain_.applyMixer(mixer_);
+    if (lifecycle.state() != EngineLifecycle::State::running())
+        return;
+    if (mixer_.spectrumEnabled)
+        attachSpectrum();
+    else
+        spectrumAnalyzer_.detach();
+}
+
+void AudioEngine::attachSpectrum() {
+    if (mixer_.spectrumEnabled)
+        spectrumAnalyzer_.attach(playback_.graph(), playback_.graph().mainMixer());
 }
 
 void AudioEngine::setOutputDevice(std::optional<AudioDevice> device) {
@@ -86,6 +102,7 @@ void AudioEngine::continueStart(EngineLifecycle::Generation start) {
     }
     applySpatial();
     applyMixer();
+    attachSpectrum();
     observeHardware();
     if (lifecycle.finishStart(start))
         startTimers();
@@ -117,15 +134,16 @@ void AudioEngine::startTimers() {
 
 void AudioEngine::stop() {
     lifecycle.end();
-    stopTimers();
+    stopTimersAndSpectrum();
     teardown();
     publishState();
 }
 
-void AudioEngine::stopTimers() {
+void AudioEngine::stopTimersAndSpectrum() {
     outputRestartTask.invalidate();
     bassReadoutTimer.invalidate();
     diagnostics_.stop();
+    spectrumAnalyzer_.detach();
 }
 
 void AudioEngine::teardown() {

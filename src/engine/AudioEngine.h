@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/SpectrumAnalyzer.h"
 #include "devices/AudioDevice.h"
 #include "engine/AudioRingBuffer.h"
 #include "engine/EngineDiagnostics.h"
@@ -69,6 +70,9 @@ class AudioEngine final : public QObject {
     }
     [[nodiscard]] float voiceConfidence() const { return published_.values().voiceConfidence; }
 
+    /// What is heard, for the display; runs while the setting `spectrumEnabled` is on.
+    [[nodiscard]] SpectrumAnalyzer &spectrumAnalyzer() { return spectrumAnalyzer_; }
+
     /// Publishes the two meters where they have moved by more than 0.05 dB.
     void updateMeters(float limiterReduction, float autoGain);
 
@@ -91,10 +95,11 @@ class AudioEngine final : public QObject {
     void continueStart(EngineLifecycle::Generation start);
     void activateTap();
     void applySpatial() { chain_.applySpatial(spatial_); }
-    void applyMixer() { chain_.applyMixer(mixer_); }
+    void applyMixer();
+    void attachSpectrum();
     void observeHardware();
     void startTimers();
-    void stopTimers();
+    void stopTimersAndSpectrum();
     void teardown();
     void publishState();
     void updateReadouts();
@@ -122,6 +127,7 @@ class AudioEngine final : public QObject {
     PlaybackGraph playback_;
     SystemAudioTap systemTap; ///< after the ring buffer that it writes into
     EngineDiagnostics diagnostics_;
+    SpectrumAnalyzer spectrumAnalyzer_; ///< after the graph that it taps
 
     Timer bassReadoutTimer;
     Timer outputRestartTask;

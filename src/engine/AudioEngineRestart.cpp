@@ -22,6 +22,7 @@ void AudioEngine::scheduleOutputRestart() {
 
 void AudioEngine::restartProcessEngine() {
     // Capture goes on meanwhile.
+    spectrumAnalyzer_.detach();
     try {
         playback_.stop();
         playback_.configure(deviceManager_, outputDevice_);
@@ -59,7 +60,7 @@ void AudioEngine::rebuildTap() {
 
 void AudioEngine::failRunning(std::string_view message) {
     lifecycle.fail(message);
-    stopTimers();
+    stopTimersAndSpectrum();
     teardown();
     publishState();
 }

@@ -4,6 +4,7 @@
 #include "engine/ChainFormat.h"
 #include "engine/ProcessingChain.h"
 #include "platform/graph/AudioGraph.h"
+#include "platform/graph/MixerNode.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/threads/ManualClock.h"
 #include "platform/threads/Timer.h"
@@ -33,6 +34,7 @@ struct OfflineRenderer::State {
     PublishedReadings published;
     ReadOutObserver readOutObserver;
     Timer readOutTimer;
+    SpectrumAnalyzer spectrum{clock};
 
     explicit State(const ChainSettings &settings) : chain(registry, clock, settings.bands) {
         registerEffectUnits(registry, queues);
@@ -89,6 +91,16 @@ Status OfflineRenderer::render(const AudioBufferList &input, const AudioBufferLi
 
 void OfflineRenderer::setReadOutObserver(ReadOutObserver observer) {
     state_->readOutObserver = std::move(observer);
+}
+
+void OfflineRenderer::setSpectrumObserver(SpectrumObserver observer) {
+    SpectrumAnalyzer &spectrum = state_->spectrum;
+    spectrum.disconnect();
+    QObject::connect(&spectrum, &SpectrumAnalyzer::bandsChanged, &spectrum,
+                     [&state = *state_, observer = std::move(observer)] {
+                         observer(state.clock.now(), state.spectrum.bands());
+                     });
+    spectrum.attach(state_->graph, state_->graph.mainMixer());
 }
 
 std::uint64_t OfflineRenderer::framesRendered() const { return state_->framesRendered; }

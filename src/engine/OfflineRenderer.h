@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/SpectrumAnalyzer.h"
 #include "engine/ChainSettings.h"
 #include "engine/MeterReadings.h"
 #include "platform/core/AudioBufferList.h"
@@ -43,6 +44,12 @@ class OfflineRenderer {
     /// read-outs as the live engine would publish them. Not to be called from inside `render`.
     using ReadOutObserver = std::function<void(double seconds, const MeterReadings &readings)>;
     void setReadOutObserver(ReadOutObserver observer);
+
+    /// Called at every tick of the spectrum analyzer, 30 times a second of the stream once it has
+    /// heard enough, with the levels of its bands. Not to be called from inside `render`.
+    using SpectrumObserver =
+        std::function<void(double seconds, const SpectrumAnalyzer::Levels &levels)>;
+    void setSpectrumObserver(SpectrumObserver observer);
 
     /// Frames of the input so far in which a sample was not a finite number and was played as zero.
     [[nodiscard]] std::uint64_t replacedFrames() const;

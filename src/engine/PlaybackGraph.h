@@ -33,6 +33,9 @@ class PlaybackGraph {
     /// Stops if it runs, and forgets the sound inside.
     void stop();
 
+    /// For the spectrum analyzer, which taps the main mixer.
+    [[nodiscard]] AudioGraph &graph() { return processEngine; }
+
     /// Frames ever in which a captured sample was not a finite number.
     [[nodiscard]] std::uint64_t replacedNonFiniteFrames() const;
 
