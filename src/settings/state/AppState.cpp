@@ -1,0 +1,98 @@
+#include "settings/state/AppState.h"
+
+#include "settings/presets/FactoryPresets.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorbel {
+
+AppState::AppState(AudioHardware &hardware, Clock &clock, std::string settingsPath)
+    : clock_(clock), persistURL(std::move(settingsPath)), presets_(factoryPresets()),
+      deviceManager_(hardware, clock),
+      engine_(
+          std::make_unique<AudioEngine>(hardware, deviceManager_, clock, EQBand::defaultBands())) {
+    activePresetID_ = firstPresetID();
+    loadPersisted();
+    takeOverBandIDs();
+    observeSettings();
+}
+
+AppState::~AppState() = default;
+
+std::string AppState::activePresetDisplayName() const {
+    const Preset *active = activePreset();
+    const bool isAsSaved = active != nullptr && engine_->eq().bands() == active->bands &&
+                           engine_->spatial() == active->spatial;
+    return isAsSaved ? active->name : "Custom";
+}
+
+void AppState::applyPreset(const Preset &preset) {
+    const Preset applied = preset; // may be one of ours, and observers may change the list
+    engine_->eq().setBands(applied.bands);
+    engine_->setSpatial(applied.spatial);
+    setActivePresetID(applied.id);
+}
+
+void AppState::savePreset(const std::string &name) {
+    Preset saved{.id = Uuid::random(),
+                 .name = name,
+                 .category = Preset::Category::user,
+                 .createdAt = Date::now(),
+                 .bands = engine_->eq().bands(),
+                 .spatial = engine_->spatial()};
+    const Uuid id = saved.id;
+    std::vector<Preset> presets = presets_;
+    presets.push_back(std::move(saved));
+    setPresets(std::move(presets));
+    setActivePresetID(id);
+    persist();
+}
+
+void AppState::deletePreset(const Preset &preset) {
+    if (preset.category != Preset::Category::user)
+        return;
+    const Uuid id = preset.id; // `preset` may be an entry of the list
+    std::vector<Preset> remaining = presets_;
+    std::erase_if(remaining, [&](const Preset &candidate) { return candidate.id == id; });
+    setPresets(std::move(remaining));
+    if (activePresetID_ == id)
+        setActivePresetID(firstPresetID());
+    persist();
+}
+
+const Preset *AppState::activePreset() const {
+    if (!activePresetID_)
+        return nullptr;
+    const auto found = std::ranges::find(presets_, *activePresetID_, &Preset::id);
+    return found == presets_.end() ? nullptr : &*found;
+}
+
+std::optional<Uuid> AppState::firstPresetID() const {
+    return presets_.empty() ? std::nullopt : std::optional(presets_.front().id);
+}
+
+void AppState::setPresets(std::vector<Preset> presets) {
+    presets_ = std::move(presets);
+    Q_EMIT presetsChanged();
+}
+
+void AppState::setActivePresetID(std::optional<Uuid> id) {
+    activePresetID_ = id;
+    Q_EMIT activePresetIDChanged();
+}
+
+/// Factory bands get new ids at every launch, and ids count when bands are compared: without this,
+/// every start would find the active preset changed.
+void AppState::takeOverBandIDs() {
+    const Preset *active = activePreset();
+    std::vector<EQBand> bands = engine_->eq().bands();
+    if (active == nullptr || active->bands.size() != bands.size())
+        return;
+    for (std::size_t i = 0; i < bands.size(); ++i)
+        bands[i].id = active->bands[i].id;
+    if (bands == active->bands)
+        engine_->eq().setBands(std::move(bands));
+}
+
+} // namespace quorbel

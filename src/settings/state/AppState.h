@@ -1,0 +1,91 @@
+#pragma once
+
+#include "devices/DeviceManager.h"
+#include "engine/AudioEngine.h"
+#include "platform/threads/Timer.h"
+#include "settings/records/Persisted.h"
+#include "settings/records/SettingsFile.h"
+
+#include <QObject>
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// The program's one long-lived model object: owns the devices and the engine, keeps the presets,
+/// and the settings file up to date. The live settings themselves are the engine's; this watches
+/// them and writes them half a second after a change. All calls [main].
+class AppState final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Takes the settings from the file, if there is one. Never starts processing. Hardware and
+    /// clock must outlive it.
+    AppState(AudioHardware &hardware, Clock &clock, std::string settingsPath = userSettingsPath());
+    ~AppState() override;
+
+    [[nodiscard]] DeviceManager &deviceManager() { return deviceManager_; }
+    [[nodiscard]] AudioEngine &engine() { return *engine_; }
+
+    /// The factory library, then the user's own.
+    [[nodiscard]] const std::vector<Preset> &presets() const { return presets_; }
+    /// The preset last applied or saved.
+    [[nodiscard]] const std::optional<Uuid> &activePresetID() const { return activePresetID_; }
+    /// The active preset's name, or "Custom" where bands or spatial settings are no longer its own.
+    /// Changes with those two as well as with what this object announces.
+    [[nodiscard]] std::string activePresetDisplayName() const;
+
+    /// Sets bands and spatial settings; mixer, global gain and output stay.
+    void applyPreset(const Preset &preset);
+    /// Makes the current bands and spatial settings a preset of the user's, and that the active
+    /// one. The name (UTF-8) is taken as given. Written at once.
+    void savePreset(const std::string &name);
+    /// Factory presets stay. Written at once.
+    void deletePreset(const Preset &preset);
+
+    /// Writes the settings file now. A failure is a warning, and the next change tries again.
+    void persist();
+    /// The last load or save problem; none when the last save succeeded.
+    [[nodiscard]] const std::optional<std::string> &persistWarning() const {
+        return persistWarning_;
+    }
+
+  Q_SIGNALS:
+    void presetsChanged();
+    void activePresetIDChanged();
+    void persistWarningChanged();
+
+  private:
+    [[nodiscard]] const Preset *activePreset() const;
+    [[nodiscard]] std::optional<Uuid> firstPresetID() const;
+    void setPresets(std::vector<Preset> presets);
+    void setActivePresetID(std::optional<Uuid> id);
+    void takeOverBandIDs();
+
+    // AppStatePersistence.cpp
+    void loadPersisted();
+    void apply(const Persisted &record);
+    void applyPresets(const Persisted &record);
+    [[nodiscard]] Persisted currentSettings() const;
+    void keepUnknownFile();
+    void observeSettings();
+    void setPersistWarning(std::optional<std::string> warning);
+
+    Clock &clock_;
+    const std::string persistURL;
+    std::vector<Preset> presets_;
+    std::optional<Uuid> activePresetID_;
+    std::optional<std::string> persistWarning_;
+    /// What the file holds is in use, set aside or of our writing: it may be replaced.
+    bool fileIsKnown_ = false;
+
+    std::array<Timer, 5> pendingSaves_; ///< one for each watched setting
+    DeviceManager deviceManager_;
+    std::unique_ptr<AudioEngine> engine_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,48 @@
+#include "settings/state/SetAside.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+
+namespace quorbel {
+
+namespace {
+
+bool isTaken(const std::string &path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0;
+}
+
+/// Returns 0 or the system's error number, EEXIST where something has the name already.
+int moveWithoutReplacing(const std::string &from, const std::string &to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return 0;
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    // A file system that cannot promise it.
+    if (isTaken(to))
+        return EEXIST;
+    return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+SetAside setAside(const std::string &path) {
+    constexpr int triedNames = 1000;
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    const auto unixSeconds = static_cast<long long>(std::time(nullptr));
+    std::string name = fmt::format("state.corrupt-{}.json", unixSeconds);
+    int errorNumber = moveWithoutReplacing(path, folder / name);
+    for (int number = 2; errorNumber == EEXIST && number <= triedNames; ++number) {
+        name = fmt::format("state.corrupt-{}-{}.json", unixSeconds, number);
+        errorNumber = moveWithoutReplacing(path, folder / name);
+    }
+    return {name, {errorNumber, std::generic_category()}};
+}
+
+} // namespace quorbel

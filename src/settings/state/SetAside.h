@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <system_error>
+
+namespace quorbel {
+
+struct SetAside {
+    std::string name;      ///< the new file name, without the folder
+    std::error_code error; ///< why the file could not be moved; none when it was
+};
+
+/// Moves a file that is of no use, but may be of value to the user, out of the way: to
+/// `state.corrupt-<seconds since 1970>.json` in its folder. Never replaces another file: where the
+/// name is taken, the new one gets a number.
+SetAside setAside(const std::string &path);
+
+} // namespace quorbel

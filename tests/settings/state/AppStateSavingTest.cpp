@@ -1,0 +1,191 @@
+#include "settings/state/AppStateFixture.h"
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace quorbel::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::IsEmpty;
+
+class AppStateSaving : public AppStateTest {};
+
+TEST_F(AppStateSaving, aFirstStartLeavesNothingBehindUntilSomethingChanges) {
+    std::filesystem::remove(folder);
+    launch();
+    wait(10.0);
+    EXPECT_EQ(warning(), "");
+    EXPECT_EQ(state->activePresetDisplayName(), "Flat");
+    EXPECT_FALSE(std::filesystem::exists(folder));
+    setGain(-3.0F);
+    wait(0.49);
+    EXPECT_FALSE(std::filesystem::exists(folder));
+    wait(0.02);
+    EXPECT_EQ(saved().eqGlobalGainDB, -3.0F);
+    EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all);
+}
+
+TEST_F(AppStateSaving, onePerValueThatCameToRest) {
+    launch();
+    for (int edit = 1; edit <= 5; ++edit) {
+        setGain(static_cast<float>(edit));
+        wait(0.1);
+    }
+    wait(0.39);
+    EXPECT_EQ(saves(), 0);
+    wait(0.02);
+    EXPECT_EQ(saves(), 1);
+    EXPECT_EQ(saved().eqGlobalGainDB, 5.0F);
+
+    state->engine().setMixer({});
+    state->engine().setOutputDevice(state->deviceManager().outputDevice("hdmi"));
+    state->applyPreset(preset("Flat"));
+    setGain(5.0F);
+    wait(0.6);
+    EXPECT_EQ(saves(), 5) << "bands, gain, spatial, mixer and device, equal ones too";
+    EXPECT_EQ(saved().outputDeviceUID, "hdmi");
+    wait(10.0);
+    EXPECT_EQ(saves(), 0);
+
+    setGain(1.0F);
+    state.reset();
+    wait(1.0);
+    EXPECT_EQ(saves(), 0) << "nothing fires once the state is gone";
+}
+
+TEST_F(AppStateSaving, everythingComesBack) {
+    launch();
+    state->applyPreset(preset("Cinema / Film"));
+    moveBand(3, -4.5F);
+    MixerConfig mixer;
+    mixer.saturationEnabled = true;
+    state->engine().setMixer(mixer);
+    setGain(-1.5F);
+    state->engine().setOutputDevice(state->deviceManager().outputDevice("hdmi"));
+    state->savePreset("Ecoul \xE2\x80\x94 mare");
+    const Persisted before = saved();
+    EXPECT_EQ(before.presets, state->presets());
+    EXPECT_EQ(before.activePresetName, "Ecoul \xE2\x80\x94 mare");
+
+    launch();
+    EXPECT_EQ(state->activePresetDisplayName(), "Ecoul \xE2\x80\x94 mare");
+    EXPECT_EQ(state->engine().outputDevice()->uid, "hdmi");
+    EXPECT_EQ(state->engine().state(), EngineLifecycle::State::stopped());
+    (void)saves();
+    wait(10.0);
+    EXPECT_EQ(saves(), 0) << "loading is no change";
+    state->persist();
+    EXPECT_EQ(saved(), before);
+}
+
+TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
+    launch();
+    setGain(1.0F);
+    wait(0.5);
+    int announced = 0;
+    QObject::connect(state.get(), &AppState::persistWarningChanged, [&] { ++announced; });
+
+    // The folder is gone and a file has taken its name.
+    std::filesystem::remove_all(folder);
+    write(folder, "in the way");
+    setGain(2.0F);
+    wait(0.5);
+    EXPECT_EQ(warning(), "Settings could not be saved: Not a directory");
+    EXPECT_EQ(gain(), 2.0F);
+    EXPECT_EQ(contentOf(folder), "in the way");
+    wait(10.0);
+    EXPECT_EQ(announced, 1) << "tried again at the next change, not before";
+
+    std::filesystem::remove(folder);
+    setGain(3.0F);
+    wait(0.5);
+    EXPECT_EQ(warning(), "");
+    EXPECT_EQ(announced, 2);
+    EXPECT_EQ(saved().eqGlobalGainDB, 3.0F) << "the folder was made again";
+
+    setGain(std::numeric_limits<float>::quiet_NaN());
+    wait(0.5);
+    EXPECT_EQ(warning(), "Settings could not be saved: eqGlobalGainDB: not a finite number, JSON "
+                         "cannot hold it");
+    EXPECT_EQ(saved().eqGlobalGainDB, 3.0F);
+}
+
+TEST_F(AppStateSaving, aFullDiskKeepsTheOldFile) {
+    launch();
+    setGain(1.0F);
+    wait(0.5);
+
+    // A limit on the size of files fails in the middle of the writing, as a full disk does.
+    rlimit unlimited{};
+    getrlimit(RLIMIT_FSIZE, &unlimited);
+    const rlimit small{.rlim_cur = 20000, .rlim_max = unlimited.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    setGain(2.0F);
+    wait(0.5);
+    setrlimit(RLIMIT_FSIZE, &unlimited);
+    EXPECT_EQ(warning(), "Settings could not be saved: File too large");
+    EXPECT_EQ(saved().eqGlobalGainDB, 1.0F);
+    EXPECT_THAT(otherFiles(), IsEmpty());
+
+    setGain(3.0F);
+    wait(0.5);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(warning(), "");
+    EXPECT_EQ(saved().eqGlobalGainDB, 3.0F);
+}
+
+TEST_F(AppStateSaving, whatIsNoFileIsNeitherReadNorReplaced) {
+    const auto changeOnce = [&] {
+        launch();
+        EXPECT_EQ(warning(), "");
+        EXPECT_EQ(gain(), 0.0F);
+        setGain(2.0F);
+        wait(0.5);
+    };
+    std::filesystem::create_directory(file);
+    changeOnce();
+    EXPECT_EQ(warning(), "Settings could not be saved: Is a directory");
+    EXPECT_TRUE(std::filesystem::remove(file));
+
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    changeOnce();
+    EXPECT_THAT(warning(), EndsWith("state.json is not a regular file"));
+    EXPECT_TRUE(std::filesystem::is_fifo(file));
+    EXPECT_THAT(otherFiles(), IsEmpty());
+}
+
+TEST_F(AppStateSaving, aFileThatCouldNotBeReadIsMovedNotReplaced) {
+    write(file, "not ours");
+    std::filesystem::resize_file(file, 100'000'000);
+    launch();
+    EXPECT_EQ(warning(), "");
+    EXPECT_THAT(otherFiles(), IsEmpty());
+    setGain(2.0F);
+    wait(0.5);
+    EXPECT_EQ(saved().eqGlobalGainDB, 2.0F);
+    ASSERT_EQ(otherFiles().size(), 1U);
+    EXPECT_EQ(std::filesystem::file_size(folder / otherFiles().front()), 100'000'000U);
+    setGain(3.0F);
+    wait(0.5);
+    EXPECT_EQ(otherFiles().size(), 1U) << "our own file is replaced";
+}
+
+TEST_F(AppStateSaving, theFileBehindALinkIsReplaced) {
+    store(untouched());
+    std::filesystem::create_directory(folder / "elsewhere");
+    std::filesystem::rename(file, folder / "elsewhere" / "mine.json");
+    std::filesystem::create_symlink("elsewhere/mine.json", file);
+    launch();
+    setGain(2.0F);
+    wait(0.5);
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(readSettingsFile(folder / "elsewhere" / "mine.json").eqGlobalGainDB, 2.0F);
+    EXPECT_THAT(otherFiles(), ElementsAre("elsewhere"));
+}
+
+} // namespace
+} // namespace quorbel::testing

@@ -1,0 +1,75 @@
+#include "settings/state/FileReplacement.h"
+
+#include "settings/state/AppStateFixture.h"
+
+#include <cerrno>
+#include <functional>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+/// Asked before every sync of this program; what it returns, unless 0, is the sync's failure.
+std::function<int(bool ofFolder)> beforeSync;
+
+} // namespace
+
+extern "C" int fsync(int descriptor) {
+    struct stat status {};
+    if (beforeSync && fstat(descriptor, &status) == 0)
+        if (const int failure = beforeSync(S_ISDIR(status.st_mode)); failure != 0) {
+            errno = failure;
+            return -1;
+        }
+    return static_cast<int>(syscall(SYS_fsync, descriptor));
+}
+
+namespace quorbel::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+class FileReplacement : public ::testing::Test {
+  protected:
+    ~FileReplacement() override { beforeSync = nullptr; }
+
+    TemporaryFolder folder;
+    const std::filesystem::path file = folder.path() / "file";
+};
+
+TEST_F(FileReplacement, theContentIsOnTheDiskBeforeTheNameAndTheNameOnReturn) {
+    write(file, "old");
+    std::vector<std::string> seen;
+    beforeSync = [&](bool ofFolder) {
+        seen.push_back((ofFolder ? "folder with " : "content beside ") + contentOf(file));
+        return 0;
+    };
+    replaceFile(file, "new");
+    ASSERT_GE(seen.size(), 2U);
+    EXPECT_EQ(seen.front(), "content beside old");
+    EXPECT_EQ(seen.back(), "folder with new");
+}
+
+TEST_F(FileReplacement, aDiskThatCannotSyncKeepsTheOldFile) {
+    write(file, "old");
+    beforeSync = [](bool ofFolder) { return ofFolder ? 0 : EIO; };
+    try {
+        replaceFile(file, "new");
+        FAIL() << "claims to be on the disk";
+    } catch (const FileReplacementError &error) {
+        EXPECT_STREQ(error.what(), "Input/output error");
+    }
+    EXPECT_EQ(contentOf(file), "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+}
+
+TEST_F(FileReplacement, keepsThePermissionsThatTheFileHas) {
+    write(file, "old");
+    std::filesystem::permissions(file, std::filesystem::perms(0640));
+    replaceFile(file, "new");
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0640));
+}
+
+} // namespace
+} // namespace quorbel::testing
