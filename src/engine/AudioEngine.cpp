@@ -16,10 +16,11 @@ constexpr std::int64_t ringBufferFrames = 48000; // one second
 } // namespace
 
 AudioEngine::AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, Clock &clock,
-                         std::vector<EQBand> bands, const UnitRegistration &registerUnits)
+                         std::vector<EQBand> bands, const UnitRegistration &registerUnits,
+                         SerialQueueFactory queues)
     : deviceManager_(deviceManager), clock_(clock), registry_(clock), ringBuffer(ringBufferFrames),
       chain_(registry_, clock, std::move(bands)),
-      playback_(hardware.makeOutput(), chain_, ringBuffer), systemTap(hardware),
+      playback_(hardware.makeOutput(), chain_, ringBuffer, std::move(queues)), systemTap(hardware),
       diagnostics_(clock, ringBuffer, systemTap, playback_), spectrumAnalyzer_(clock) {
     registerUnits(registry_);
 }

@@ -9,6 +9,7 @@
 #include "engine/PlaybackGraph.h"
 #include "engine/ProcessingChain.h"
 #include "engine/SystemAudioTap.h"
+#include "platform/threads/SerialQueue.h"
 #include "platform/threads/Timer.h"
 #include "platform/units/AudioUnitRegistry.h"
 #include "settings/records/EQBand.h"
@@ -39,9 +40,11 @@ class AudioEngine final : public QObject {
     /// Fills the registry of effect units; by default with every unit this program has.
     using UnitRegistration = std::function<void(AudioUnitRegistry &)>;
 
-    /// Hardware, device manager and clock must outlive the engine.
+    /// Hardware, device manager and clock must outlive the engine. `queues` makes the threads of
+    /// its own that the display's tap is served on.
     AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, Clock &clock,
-                std::vector<EQBand> bands, const UnitRegistration &registerUnits = allEffectUnits);
+                std::vector<EQBand> bands, const UnitRegistration &registerUnits = allEffectUnits,
+                SerialQueueFactory queues = threadedSerialQueues());
     ~AudioEngine() override;
 
     // Settings. Each assignment reaches the sound at once and is announced, also one that changes

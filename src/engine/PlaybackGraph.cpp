@@ -16,8 +16,9 @@
 namespace quorbel {
 
 PlaybackGraph::PlaybackGraph(std::unique_ptr<HardwareOutput> output, ProcessingChain &chain,
-                             AudioRingBuffer &ringBuffer)
-    : chain_(chain), ringBuffer_(ringBuffer), processEngine(std::move(output)) {}
+                             AudioRingBuffer &ringBuffer, SerialQueueFactory tapQueues)
+    : chain_(chain), ringBuffer_(ringBuffer),
+      processEngine(std::move(output), std::move(tapQueues)) {}
 
 void PlaybackGraph::configure(const DeviceManager &devices,
                               const std::optional<AudioDevice> &device) {

@@ -18,9 +18,10 @@ struct AudioDevice;
 /// output device. [main]
 class PlaybackGraph {
   public:
-    /// A null `output` cannot be bound to a device. The others must outlive the graph.
+    /// A null `output` cannot be bound to a device. `tapQueues` makes what taps are served on. The
+    /// others must outlive the graph.
     PlaybackGraph(std::unique_ptr<HardwareOutput> output, ProcessingChain &chain,
-                  AudioRingBuffer &ringBuffer);
+                  AudioRingBuffer &ringBuffer, SerialQueueFactory tapQueues);
 
     /// Binds the output to the device, says in the log what it runs at, and connects everything
     /// anew with a new source. While stopped. Throws AudioEngineError without a device, DeviceError

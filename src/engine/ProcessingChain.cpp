@@ -63,9 +63,12 @@ const AudioUnit *ProcessingChain::unit(ChainUnit which) const {
 
 std::vector<GraphNode *> ProcessingChain::stages() {
     std::vector<GraphNode *> result{&eq_.eq(), &toneEQ_.node()};
-    for (const auto &unit : units_)
-        if (unit != nullptr)
-            result.push_back(unit.get());
+    for (std::size_t index = 0; index < chainUnitCount; ++index) {
+        if (units_[index] != nullptr)
+            result.push_back(units_[index].get());
+        if (static_cast<ChainUnit>(index) == ChainUnit::spatializer)
+            result.push_back(&reverb_.reverb());
+    }
     return result;
 }
 
@@ -95,6 +98,8 @@ void ProcessingChain::applySpatial(const SpatialConfig &spatial) {
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(spatial, static_cast<ChainUnit>(index), units_[index]->unit());
+    reverb_.setPreset(spatial.reverbPreset);
+    reverb_.setMix(spatial.reverbEnabled ? spatial.reverbMix : 0.0F);
 }
 
 void ProcessingChain::applyMixer(const MixerConfig &mixer) {

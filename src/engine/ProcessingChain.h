@@ -1,6 +1,7 @@
 #pragma once
 
 #include "effects/EQProcessor.h"
+#include "effects/ReverbProcessor.h"
 #include "effects/ToneEqualizer.h"
 #include "engine/ChainUnits.h"
 #include "engine/MeterReadings.h"
@@ -34,6 +35,7 @@ class ProcessingChain {
     ProcessingChain &operator=(const ProcessingChain &) = delete;
 
     [[nodiscard]] EQProcessor &eq() { return eq_; }
+    [[nodiscard]] ReverbProcessor &reverb() { return reverb_; }
 
     /// Makes the units that do not exist yet, each with the settings of the moment from its first
     /// breath, and calls `completion` when all of them have been made or have failed: never inside
@@ -69,6 +71,7 @@ class ProcessingChain {
 
     EQProcessor eq_;
     ToneEqualizer toneEQ_;
+    ReverbProcessor reverb_;
     std::array<std::unique_ptr<UnitNode>, chainUnitCount> units_;
     std::shared_ptr<ProcessingChain *> self_; ///< what units on their way find the chain by
 };

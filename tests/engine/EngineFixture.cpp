@@ -52,7 +52,7 @@ EngineTest::EngineTest() {
 
 void EngineTest::makeEngine(const AudioEngine::UnitRegistration &registerUnits) {
     engine = std::make_unique<AudioEngine>(hardware, devices, clock, EQBand::defaultBands(),
-                                           registerUnits);
+                                           registerUnits, clockedSerialQueues(clock));
     choose("speakers");
 }
 

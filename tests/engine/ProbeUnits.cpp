@@ -30,9 +30,11 @@ class ProbeUnit final : public EffectUnit {
     float readout() const noexcept override { return probes_.readouts[which_]; }
 
     RenderBlock internalRenderBlock() override {
-        return effectRenderBlock([this](AudioBufferList &, std::uint32_t) noexcept {
-            if (std::ranges::count(probes_.rendered, which_) == 0)
-                probes_.rendered.push_back(which_);
+        return effectRenderBlock([this](AudioBufferList &buffers, std::uint32_t) noexcept {
+            if (std::ranges::count(probes_.rendered, which_) > 0)
+                return;
+            probes_.rendered.push_back(which_);
+            probes_.firstSample[which_] = buffers.data[0][0];
         });
     }
 

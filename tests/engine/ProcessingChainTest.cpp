@@ -92,6 +92,48 @@ TEST_F(ProcessingChainTest, ReadOutsAreThoseOfTheUnits) {
     EXPECT_EQ(redraws, 1);
 }
 
+TEST_F(ProcessingChainTest, TheReverbStandsBetweenSpatializerAndSaturation) {
+    SpatialConfig spatial;
+    spatial.reverbEnabled = true;
+    spatial.reverbMix = 100.0F;
+    engine->setSpatial(spatial);
+    hardware.play(countedFrames());
+    start();
+    play(0.1);
+    EXPECT_EQ(probes.firstSample[spatializer], countedStep);
+    EXPECT_EQ(probes.firstSample[saturation], 0.0F) << "the room answers a moment later";
+}
+
+TEST_F(ProcessingChainTest, TheSpectrumIsAnalysedWhileRunningAndWanted) {
+    const auto ticks = [this] { return engine->spectrumAnalyzer().ticuri(); };
+    const auto isAnalysedNow = [&] {
+        const auto before = ticks();
+        play(0.5);
+        return ticks() > before;
+    };
+    const auto want = [this](bool wanted) {
+        MixerConfig mixer;
+        mixer.spectrumEnabled = wanted;
+        engine->setMixer(mixer);
+    };
+    hardware.play(countedFrames());
+    EXPECT_FALSE(isAnalysedNow()) << "before the start";
+    start();
+    EXPECT_TRUE(isAnalysedNow());
+    want(false);
+    EXPECT_FALSE(isAnalysedNow());
+    want(true);
+    EXPECT_TRUE(isAnalysedNow());
+    choose("hdmi");
+    play(0.3);
+    EXPECT_TRUE(isAnalysedNow()) << "after playback has moved";
+    stop();
+    EXPECT_FALSE(isAnalysedNow());
+    want(false);
+    start();
+    EXPECT_FALSE(isAnalysedNow());
+}
+
 class UnitSettingsTest : public ::testing::Test {
   protected:
     UnitSettingsTest() {
@@ -115,6 +157,9 @@ TEST_F(UnitSettingsTest, WhatIsOnSendsItsValues) {
     SpatialConfig spatial;
     spatial.widenerEnabled = spatial.xtcEnabled = spatial.bassEnabled = spatial.voiceEnabled = true;
     spatial.bassAdaptiveEnabled = spatial.voiceAdaptiveEnabled = true;
+    spatial.reverbEnabled = true;
+    spatial.reverbMix = 15.0F;
+    spatial.reverbPreset = SpatialConfig::ReverbPreset::plate;
     spatial.widthPercent = 1.0F;
     spatial.xtcAmount = 2.0F;
     spatial.xtcNotchFrequency = 3.0F;
@@ -135,6 +180,8 @@ TEST_F(UnitSettingsTest, WhatIsOnSendsItsValues) {
     mixer.manualLoudnessDB = 14.0F;
     chain.applyMixer(mixer);
 
+    EXPECT_EQ(chain.reverb().preset(), SpatialConfig::ReverbPreset::plate);
+    EXPECT_EQ(chain.reverb().mix(), 15.0F);
     EXPECT_THAT(at(widener), ElementsAre(1.0F, none, none, none));
     EXPECT_THAT(at(spatializer), ElementsAre(2.0F, 3.0F, none, none));
     EXPECT_THAT(at(bassEnhancer), ElementsAre(4.0F, 5.0F, 6.0F, 1.0F));
