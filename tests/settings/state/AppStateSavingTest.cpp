@@ -1,6 +1,7 @@
 #include "settings/state/AppStateFixture.h"
 
 #include <csignal>
+#include <limits>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -18,7 +19,7 @@ TEST_F(AppStateSaving, aFirstStartLeavesNothingBehindUntilSomethingChanges) {
     launch();
     wait(10.0);
     EXPECT_EQ(warning(), "");
-    EXPECT_EQ(state->activePresetDisplayName(), "Flat");
+    EXPECT_EQ(displayName(), "Flat");
     EXPECT_FALSE(std::filesystem::exists(folder));
     setGain(-3.0F);
     wait(0.49);
@@ -60,9 +61,7 @@ TEST_F(AppStateSaving, everythingComesBack) {
     launch();
     state->applyPreset(preset("Cinema / Film"));
     moveBand(3, -4.5F);
-    MixerConfig mixer;
-    mixer.saturationEnabled = true;
-    state->engine().setMixer(mixer);
+    state->engine().setMixer({.saturationEnabled = true});
     setGain(-1.5F);
     state->engine().setOutputDevice(state->deviceManager().outputDevice("hdmi"));
     state->savePreset("Ecoul \xE2\x80\x94 mare");
@@ -71,7 +70,7 @@ TEST_F(AppStateSaving, everythingComesBack) {
     EXPECT_EQ(before.activePresetName, "Ecoul \xE2\x80\x94 mare");
 
     launch();
-    EXPECT_EQ(state->activePresetDisplayName(), "Ecoul \xE2\x80\x94 mare");
+    EXPECT_EQ(displayName(), "Ecoul \xE2\x80\x94 mare");
     EXPECT_EQ(state->engine().outputDevice()->uid, "hdmi");
     EXPECT_EQ(state->engine().state(), EngineLifecycle::State::stopped());
     (void)saves();
@@ -83,16 +82,14 @@ TEST_F(AppStateSaving, everythingComesBack) {
 
 TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
     launch();
-    setGain(1.0F);
-    wait(0.5);
+    saveGain(1.0F);
     int announced = 0;
     QObject::connect(state.get(), &AppState::persistWarningChanged, [&] { ++announced; });
 
     // The folder is gone and a file has taken its name.
     std::filesystem::remove_all(folder);
     write(folder, "in the way");
-    setGain(2.0F);
-    wait(0.5);
+    saveGain(2.0F);
     EXPECT_EQ(warning(), "Settings could not be saved: Not a directory");
     EXPECT_EQ(gain(), 2.0F);
     EXPECT_EQ(contentOf(folder), "in the way");
@@ -100,14 +97,12 @@ TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
     EXPECT_EQ(announced, 1) << "tried again at the next change, not before";
 
     std::filesystem::remove(folder);
-    setGain(3.0F);
-    wait(0.5);
+    saveGain(3.0F);
     EXPECT_EQ(warning(), "");
     EXPECT_EQ(announced, 2);
     EXPECT_EQ(saved().eqGlobalGainDB, 3.0F) << "the folder was made again";
 
-    setGain(std::numeric_limits<float>::quiet_NaN());
-    wait(0.5);
+    saveGain(std::numeric_limits<float>::quiet_NaN());
     EXPECT_EQ(warning(), "Settings could not be saved: eqGlobalGainDB: not a finite number, JSON "
                          "cannot hold it");
     EXPECT_EQ(saved().eqGlobalGainDB, 3.0F);
@@ -115,8 +110,7 @@ TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
 
 TEST_F(AppStateSaving, aFullDiskKeepsTheOldFile) {
     launch();
-    setGain(1.0F);
-    wait(0.5);
+    saveGain(1.0F);
 
     // A limit on the size of files fails in the middle of the writing, as a full disk does.
     rlimit unlimited{};
@@ -124,15 +118,13 @@ TEST_F(AppStateSaving, aFullDiskKeepsTheOldFile) {
     const rlimit small{.rlim_cur = 20000, .rlim_max = unlimited.rlim_max};
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &small);
-    setGain(2.0F);
-    wait(0.5);
+    saveGain(2.0F);
     setrlimit(RLIMIT_FSIZE, &unlimited);
     EXPECT_EQ(warning(), "Settings could not be saved: File too large");
     EXPECT_EQ(saved().eqGlobalGainDB, 1.0F);
     EXPECT_THAT(otherFiles(), IsEmpty());
 
-    setGain(3.0F);
-    wait(0.5);
+    saveGain(3.0F);
     std::signal(SIGXFSZ, handler);
     EXPECT_EQ(warning(), "");
     EXPECT_EQ(saved().eqGlobalGainDB, 3.0F);
@@ -143,8 +135,7 @@ TEST_F(AppStateSaving, whatIsNoFileIsNeitherReadNorReplaced) {
         launch();
         EXPECT_EQ(warning(), "");
         EXPECT_EQ(gain(), 0.0F);
-        setGain(2.0F);
-        wait(0.5);
+        saveGain(2.0F);
     };
     std::filesystem::create_directory(file);
     changeOnce();
@@ -164,24 +155,20 @@ TEST_F(AppStateSaving, aFileThatCouldNotBeReadIsMovedNotReplaced) {
     launch();
     EXPECT_EQ(warning(), "");
     EXPECT_THAT(otherFiles(), IsEmpty());
-    setGain(2.0F);
-    wait(0.5);
+    saveGain(2.0F);
     EXPECT_EQ(saved().eqGlobalGainDB, 2.0F);
     ASSERT_EQ(otherFiles().size(), 1U);
     EXPECT_EQ(std::filesystem::file_size(folder / otherFiles().front()), 100'000'000U);
-    setGain(3.0F);
-    wait(0.5);
+    saveGain(3.0F);
     EXPECT_EQ(otherFiles().size(), 1U) << "our own file is replaced";
 }
 
 TEST_F(AppStateSaving, theFileBehindALinkIsReplaced) {
-    store(untouched());
     std::filesystem::create_directory(folder / "elsewhere");
-    std::filesystem::rename(file, folder / "elsewhere" / "mine.json");
+    write(folder / "elsewhere" / "mine.json", encodeRecord(untouched()));
     std::filesystem::create_symlink("elsewhere/mine.json", file);
     launch();
-    setGain(2.0F);
-    wait(0.5);
+    saveGain(2.0F);
     EXPECT_TRUE(std::filesystem::is_symlink(file));
     EXPECT_EQ(readSettingsFile(folder / "elsewhere" / "mine.json").eqGlobalGainDB, 2.0F);
     EXPECT_THAT(otherFiles(), ElementsAre("elsewhere"));

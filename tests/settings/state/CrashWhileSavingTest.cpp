@@ -23,12 +23,13 @@ struct Progress {
 };
 
 class CrashWhileSaving : public AppStateTest {
-  protected:
+  public:
     CrashWhileSaving()
         : progress(*new (mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE,
                               MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Progress) {}
     ~CrashWhileSaving() override { munmap(&progress, sizeof(Progress)); }
 
+  protected:
     /// Another process that saves the gains 1, 2, 3 ... without end, and has saved the first.
     [[nodiscard]] pid_t startSaving() {
         std::array<int, 2> pipe{};

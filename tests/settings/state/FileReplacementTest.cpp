@@ -1,12 +1,17 @@
 #include "settings/state/FileReplacement.h"
 
-#include "settings/state/AppStateFixture.h"
+#include "settings/state/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <functional>
+#include <iterator>
+#include <string>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -28,12 +33,11 @@ extern "C" int fsync(int descriptor) {
 namespace quorbel::testing {
 namespace {
 
-using ::testing::ElementsAre;
-
 class FileReplacement : public ::testing::Test {
-  protected:
+  public:
     ~FileReplacement() override { beforeSync = nullptr; }
 
+  protected:
     TemporaryFolder folder;
     const std::filesystem::path file = folder.path() / "file";
 };
@@ -62,13 +66,6 @@ TEST_F(FileReplacement, aDiskThatCannotSyncKeepsTheOldFile) {
     }
     EXPECT_EQ(contentOf(file), "old");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
-}
-
-TEST_F(FileReplacement, keepsThePermissionsThatTheFileHas) {
-    write(file, "old");
-    std::filesystem::permissions(file, std::filesystem::perms(0640));
-    replaceFile(file, "new");
-    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0640));
 }
 
 } // namespace
