@@ -39,8 +39,8 @@ Player &LiveTest::playSequence(const Player::Options &options) {
     return *players_.back();
 }
 
-Player &LiveTest::playTone(double levelDB, const Player::Options &options) {
-    sounds_.push_back(std::make_unique<Tone>(1000.0, levelDB, options.sampleRate));
+Player &LiveTest::playTone(double levelDB, const Player::Options &options, bool onRight) {
+    sounds_.push_back(std::make_unique<Tone>(1000.0, levelDB, options.sampleRate, onRight));
     players_.push_back(std::make_unique<Player>(client, *sounds_.back(), options));
     players_.back()->waitUntilRunning();
     return *players_.back();

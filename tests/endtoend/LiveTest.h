@@ -48,8 +48,8 @@ class LiveTest : public testing::Test {
     /// An application that plays a sequence of its own, and returns when it is heard somewhere.
     Player &playSequence(const Player::Options &options = {});
 
-    /// The same for a tone of 1 kHz.
-    Player &playTone(double levelDB, const Player::Options &options = {});
+    /// The same for a tone of 1 kHz, on both channels or on the left one alone.
+    Player &playTone(double levelDB, const Player::Options &options = {}, bool onRight = true);
 
     /// The player that was started last ends.
     void closePlayer() { players_.pop_back(); }

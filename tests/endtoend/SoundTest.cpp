@@ -109,6 +109,17 @@ TEST_F(Level, ABandRaisesAToneByItsGainOnceOnBothChannels) {
     EXPECT_NEAR(toneLevelDB(after.right, 1000.0, 48000.0), -14.0, 0.1);
 }
 
+TEST_F(Level, TheChannelsStayApartAndInTheirPlaces) {
+    const Recorder &recorder = record("speakers");
+    playTone(-20.0, {}, false);
+    const auto live = startLive(LiveSettings::flat(-6.0));
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    recorder.skip(0.5);
+    const auto heard = recorder.nextUndisturbed(1.0);
+    EXPECT_NEAR(toneLevelDB(heard.left, 1000.0, 48000.0), -26.0, 0.1);
+    EXPECT_LT(toneLevelDB(heard.right, 1000.0, 48000.0), -120.0);
+}
+
 TEST_F(Level, TheUnprocessedSoundOfNewApplicationsIsNeverHeard) {
     const auto live = startLive(LiveSettings::flat(-96.0));
     const Recorder &recorder = record("speakers", 120.0);

@@ -12,7 +12,7 @@ namespace {
 std::optional<std::int64_t> indexOf(float left, float right) {
     const float index =
         (left - Sequence::first) / Sequence::step; // exact for every value of the sequence
-    const bool belongs = left == -right && index >= 0.0F &&
+    const bool belongs = left == right && index >= 0.0F &&
                          index < static_cast<float>(Sequence::length) && index == std::floor(index);
     return belongs ? std::optional(static_cast<std::int64_t>(index)) : std::nullopt;
 }

@@ -20,7 +20,8 @@ class Sound {
 
 /// Every frame is a value of its own, the next one always a step higher, so that a recording shows
 /// any frame that was lost, doubled, replaced or changed. The values are exact in 32 bits, never
-/// zero, and stay well below full scale; the right channel is the negated left one.
+/// zero, and stay well below full scale. Both channels are equal: what differs between them passes
+/// a filter of the chain whose rounding shows even where it does nothing.
 class Sequence : public Sound {
   public:
     static constexpr std::int32_t length = 1 << 22; ///< then it begins again
@@ -35,7 +36,7 @@ class Sequence : public Sound {
     void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
         for (std::uint32_t frame = 0; frame < frames; ++frame) {
             left[frame] = value(next_++);
-            right[frame] = -left[frame];
+            right[frame] = left[frame];
         }
     }
 
@@ -43,21 +44,23 @@ class Sequence : public Sound {
     std::int64_t next_ = 0;
 };
 
-/// A sine on both channels.
+/// A sine, on both channels or on the left one alone.
 class Tone : public Sound {
   public:
-    Tone(double hz, double levelDB, double sampleRate)
-        : step_(2.0 * std::numbers::pi * hz / sampleRate),
+    Tone(double hz, double levelDB, double sampleRate, bool onRight = true)
+        : onRight_(onRight), step_(2.0 * std::numbers::pi * hz / sampleRate),
           amplitude_(std::pow(10.0, levelDB / 20.0)) {}
 
     void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
         for (std::uint32_t frame = 0; frame < frames; ++frame) {
-            left[frame] = right[frame] = static_cast<float>(amplitude_ * std::sin(phase_));
+            left[frame] = static_cast<float>(amplitude_ * std::sin(phase_));
+            right[frame] = onRight_ ? left[frame] : 0.0F;
             phase_ = std::remainder(phase_ + step_, 2.0 * std::numbers::pi);
         }
     }
 
   private:
+    bool onRight_;
     double step_;
     double amplitude_;
     double phase_ = 0.0;
