@@ -6,6 +6,8 @@ target_include_directories(quorbel_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(quorbel_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wdouble-promotion
     -Werror
+    # GCC 12 sees overlapping copies in the joining of strings where there are none (GCC bug 105651).
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
     # Sums are evaluated as written: results must be the same on every machine.
     -ffp-contract=off)
 target_compile_definitions(quorbel_options INTERFACE QT_NO_KEYWORDS)
