@@ -14,8 +14,8 @@ constexpr double mixGlideSeconds = 0.040;
 /// would be heard in every echo of it.
 constexpr double fadeInSeconds = 0.030;
 
-/// The old room's sound is faded out while the new one's gathers.
-constexpr double fadeOutSeconds = 0.150;
+/// From an old room's sound to a new one's, which has to gather.
+constexpr double fadeSeconds = 0.150;
 
 std::uint32_t frameCount(double seconds, double sampleRate) {
     return std::max(1U, static_cast<std::uint32_t>(std::lround(seconds * sampleRate)));
@@ -27,16 +27,21 @@ float fadeWeight(std::uint32_t frame, std::uint32_t frames) noexcept {
     return t * t * (3.0F - 2.0F * t);
 }
 
-} // namespace
-
-Reverb::Gains Reverb::gainsOf(double mix) noexcept {
-    if (mix <= 0.0)
-        return {.dry = 1.0F, .wet = 0.0F};
-    if (mix >= 1.0)
-        return {.dry = 0.0F, .wet = 1.0F};
-    const double angle = mix * std::numbers::pi / 2.0;
-    return {.dry = static_cast<float>(std::cos(angle)), .wet = static_cast<float>(std::sin(angle))};
+/// The gains of the direct and the room's sound for a mix of 0 to 1.
+Glide<2>::Values gainsFor(float mix) noexcept {
+    if (mix <= 0.0F)
+        return {1.0, 0.0};
+    if (mix >= 1.0F)
+        return {0.0, 1.0};
+    const double angle = static_cast<double>(mix) * std::numbers::pi / 2.0;
+    return {std::cos(angle), std::sin(angle)};
 }
+
+ReverbTank::Gains asFloats(const Glide<2>::Values &gains) noexcept {
+    return {.dry = static_cast<float>(gains[0]), .wet = static_cast<float>(gains[1])};
+}
+
+} // namespace
 
 void Reverb::setRoomModel(RoomModel model) {
     if (model == model_)
@@ -56,8 +61,8 @@ void Reverb::prepare(double sampleRate) {
     sampleRate_ = sampleRate;
     designs_.publish(RoomDesign::of(model_, sampleRate));
     fadeInFrames_ = frameCount(fadeInSeconds, sampleRate);
-    fadeOutFrames_ = frameCount(fadeOutSeconds, sampleRate);
-    stepFrames_ = frameCount(mixGlideSeconds / (2.0 * Glide<1>::averageSteps), sampleRate);
+    fadeFrames_ = frameCount(fadeSeconds, sampleRate);
+    stepFrames_ = frameCount(mixGlideSeconds / (2.0 * Glide<2>::averageSteps), sampleRate);
     reset();
 }
 
@@ -72,11 +77,11 @@ void Reverb::reset() {
 
 void Reverb::begin() noexcept {
     started_ = true;
-    const double target = static_cast<double>(mixTarget_.load(std::memory_order_relaxed));
-    mixGlide_.settle({target});
-    gains_ = nextGains_ = gainsOf(target);
+    mix_ = mixTarget_.load(std::memory_order_relaxed);
+    gainGlide_.settle(gainsFor(mix_));
+    gains_ = nextGains_ = asFloats(gainGlide_.values());
     stepPosition_ = 0;
-    if (target == 0.0)
+    if (mix_ == 0.0F)
         return;
     leaveIdle();
     voices_[current_].fadedIn = fadeInFrames_; // what plays from the first frame has no edge
@@ -103,15 +108,17 @@ void Reverb::acceptSettings() noexcept {
         begin();
         return;
     }
-    const double target = static_cast<double>(mixTarget_.load(std::memory_order_relaxed));
+    const float target = mixTarget_.load(std::memory_order_relaxed);
     if (idle_) {
         // Turned up again before the last sound was erased, it waits for that.
-        if (target == 0.0 || !voices_[current_].tank.isClear())
+        if (target == 0.0F || !voices_[current_].tank.isClear())
             return;
         leaveIdle();
     }
-    if (target != mixGlide_.target()[0])
-        mixGlide_.retarget({target});
+    if (target != mix_) {
+        mix_ = target;
+        gainGlide_.retarget(gainsFor(target));
+    }
 
     if (newDesign_ && designs_.current().model == runningModel_)
         newDesign_ = false; // there and back again before anything was rendered
@@ -119,7 +126,7 @@ void Reverb::acceptSettings() noexcept {
         current_ = 1 - current_;
         leaveIdle();
         fading_ = true;
-        fadedOut_ = 0;
+        faded_ = 0;
     }
 }
 
@@ -132,7 +139,7 @@ void Reverb::clearUnused(std::uint32_t frames) noexcept {
 }
 
 bool Reverb::isSteady() const noexcept {
-    return !fading_ && mixGlide_.isSettled() && stepPosition_ == 0 &&
+    return !fading_ && gainGlide_.isSettled() && stepPosition_ == 0 &&
            voices_[current_].fadedIn >= fadeInFrames_;
 }
 
@@ -141,8 +148,8 @@ void Reverb::process(float *left, float *right, std::uint32_t frames) noexcept {
         acceptSettings();
         std::uint32_t count = std::min(frames, longestPiece);
         if (fading_)
-            count = std::min(count, fadeOutFrames_ - fadedOut_);
-        if (!mixGlide_.isSettled() || stepPosition_ != 0)
+            count = std::min(count, fadeFrames_ - faded_);
+        if (!gainGlide_.isSettled() || stepPosition_ != 0)
             count = std::min(count, stepFrames_ - stepPosition_);
         if (!idle_ && isSteady()) {
             voices_[current_].tank.process({left, right, left, right, count, gains_});
@@ -181,17 +188,17 @@ void Reverb::renderRooms(const float *left, const float *right, std::uint32_t fr
     renderVoice(voices_[1 - current_],
                 {left, right, oldLeft_.data(), oldRight_.data(), frames, roomAlone});
     for (std::uint32_t i = 0; i < frames; ++i) {
-        const float weight = 1.0F - fadeWeight(fadedOut_ + i, fadeOutFrames_);
-        wetLeft_[i] += weight * oldLeft_[i];
-        wetRight_[i] += weight * oldRight_[i];
+        const float weight = fadeWeight(faded_ + i, fadeFrames_);
+        wetLeft_[i] = oldLeft_[i] + weight * (wetLeft_[i] - oldLeft_[i]);
+        wetRight_[i] = oldRight_[i] + weight * (wetRight_[i] - oldRight_[i]);
     }
-    fadedOut_ += frames;
-    if (fadedOut_ == fadeOutFrames_)
+    faded_ += frames;
+    if (faded_ == fadeFrames_)
         fading_ = false;
 }
 
 void Reverb::mix(float *left, float *right, std::uint32_t frames) noexcept {
-    if (mixGlide_.isSettled() && stepPosition_ == 0) {
+    if (gainGlide_.isSettled() && stepPosition_ == 0) {
         const Gains gains = gains_;
         for (std::uint32_t i = 0; i < frames; ++i) {
             left[i] = gains.dry * left[i] + gains.wet * wetLeft_[i];
@@ -200,8 +207,8 @@ void Reverb::mix(float *left, float *right, std::uint32_t frames) noexcept {
         return;
     }
     if (stepPosition_ == 0) {
-        mixGlide_.advance();
-        nextGains_ = gainsOf(mixGlide_.values()[0]);
+        gainGlide_.advance();
+        nextGains_ = asFloats(gainGlide_.values());
     }
     const float perFrame = 1.0F / static_cast<float>(stepFrames_);
     const float dryStep = (nextGains_.dry - gains_.dry) * perFrame;
@@ -218,7 +225,7 @@ void Reverb::mix(float *left, float *right, std::uint32_t frames) noexcept {
         return;
     stepPosition_ = 0;
     gains_ = nextGains_;
-    if (mixGlide_.isSettled() && mixGlide_.target()[0] == 0.0)
+    if (gainGlide_.isSettled() && mix_ == 0.0F)
         goIdle();
 }
 

@@ -14,9 +14,11 @@ namespace quorbel {
 /// while another renders.
 ///
 /// The mix has equal power: the direct sound by cos(π/2 · mix), the room by sin(π/2 · mix), so that
-/// the loudness stays. Its changes glide for about 40 ms. A mix of 0 leaves the samples as they are
-/// and costs nothing. A new room is faded in while the old one is faded out; each needs its own
-/// memory, so there are two. Settings made before the first block apply from its first frame.
+/// the loudness stays. Its changes glide for about 40 ms, on the straight line from gains to gains:
+/// so the level exceeds the louder of before and after at no time. A mix of 0 leaves the samples as
+/// they are and costs nothing. A new room is faded in while the old one is faded out; each needs
+/// its own memory, so there are two. Settings made before the first block apply from its first
+/// frame.
 class Reverb {
   public:
     Reverb() : Reverb(ReverbTank::Code::vector) {}
@@ -52,8 +54,6 @@ class Reverb {
     };
 
     using Gains = ReverbTank::Gains;
-    [[nodiscard]] static Gains gainsOf(double mix) noexcept;
-
     void begin() noexcept;
     void acceptSettings() noexcept;
     void goIdle() noexcept;
@@ -74,7 +74,7 @@ class Reverb {
 
     // Constant after prepare.
     std::uint32_t fadeInFrames_ = 1;
-    std::uint32_t fadeOutFrames_ = 1;
+    std::uint32_t fadeFrames_ = 1;
     std::uint32_t stepFrames_ = 1; // of the mix's glide
 
     // [render]
@@ -85,8 +85,9 @@ class Reverb {
     bool newDesign_ = false; // the newest design is not running yet
     RoomModel runningModel_ = RoomModel::smallRoom;
     bool fading_ = false; // from the other voice to the current one
-    std::uint32_t fadedOut_ = 0;
-    Glide<1> mixGlide_;
+    std::uint32_t faded_ = 0;
+    Glide<2> gainGlide_;                    // dry, wet
+    float mix_ = 0.0F;                      // what it goes to
     Gains gains_{.dry = 1.0F, .wet = 0.0F}; // at the start of the current step
     Gains nextGains_ = gains_;              // at its end
     std::uint32_t stepPosition_ = 0;

@@ -141,8 +141,10 @@ void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block
                 design.centre[line] * middle[i] + design.side[line] * (newer[i] + older[i]);
     }
     hadamard(x, frames);
-    const std::array<Samples, 2> network{x[0], x[1]};
+    std::array<Samples, 2> network;
     for (std::uint32_t i = 0; i < frames; ++i) {
+        network[0][i] = (x[0][i] + x[1][i]) + (x[2][i] - x[3][i]);
+        network[1][i] = (x[4][i] + x[5][i]) + (x[6][i] - x[7][i]);
         const float pSum = late[0].p[i] + late[1].p[i];
         const float pDifference = late[0].p[i] - late[1].p[i];
         const float qSum = late[0].q[i] + late[1].q[i];

@@ -166,7 +166,8 @@ HWY_INLINE Late circulated(const RoomDesign &design, const Reader &read, const W
     enter(6, hn::Sub(c15.q, q.p));
     enter(7, hn::Sub(c26.q, p.q));
     enter(0, hn::Add(c37.q, p.p));
-    return {c04.p, c15.p};
+    return {hn::Add(hn::Add(c04.p, c15.p), hn::Sub(c26.p, c37.p)),
+            hn::Add(hn::Add(c04.q, c15.q), hn::Sub(c26.q, c37.q))};
 }
 
 struct Room {

@@ -19,13 +19,14 @@ namespace quorbel {
 ///    the difference go on. This doubles the echoes per stage and changes no energy at any
 ///    frequency, as |p|² + |q|² stays flat (M. Golay's complementary sequences, with delays of our
 ///    choice).
-/// 3. After three stages that is the early reflections; after all eight it feeds
+/// 3. After three stages that is the early reflections; after all nine it feeds
 /// 4. a feedback delay network (J.-M. Jot, "Digital delay networks for designing artificial
 ///    reverberators", 1991): eight lines, mixed by a Hadamard matrix, which keeps all energy, and
-///    in each line the loss that its length takes for the wanted decay. Two of the matrix's
-///    outputs, being orthogonal, are the two channels.
+///    in each line the loss that its length takes for the wanted decay. The channels are two sums
+///    of all lines with orthogonal signs, neither of which any one line hears undiluted: what a
+///    line repeats is then lost among the others.
 ///
-/// All delays of the network exceed a block of 32 frames, so a block is 32 frames of plain
+/// No delay of the network is shorter than a block of 32 frames, so a block is 32 frames of plain
 /// arithmetic without recursion. Vector and plain code do the same sums in the same order and give
 /// the same bytes.
 class ReverbTank {
@@ -103,7 +104,7 @@ class ReverbTank {
     struct State {
         RoomDesign design;
         Rings input{.count = 2};                     ///< left, right
-        Rings diffusers{.count = 2 * diffuserRings}; ///< the left's stages 2 to 8, the right's
+        Rings diffusers{.count = 2 * diffuserRings}; ///< the left's stages 2 to 9, the right's
         Rings lines{.count = RoomDesign::lineCount};
         std::uint32_t position = 0;    ///< of the next frame
         const float *memory = nullptr; ///< of all rings

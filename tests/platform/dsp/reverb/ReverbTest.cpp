@@ -1,0 +1,305 @@
+#include "platform/dsp/reverb/Reverb.h"
+
+#include "platform/dsp/Denormals.h"
+#include "platform/dsp/reverb/RoomMeasurement.h"
+#include "support/RealtimeGuard.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <random>
+#include <thread>
+
+namespace quorbel {
+namespace {
+
+using testing::StereoSamples;
+
+StereoSamples noise(std::size_t frames, unsigned seed = 7) {
+    StereoSamples sound;
+    sound.left = testing::pinkNoise(frames, seed);
+    sound.right = testing::pinkNoise(frames, seed + 1);
+    return sound;
+}
+
+bool equalSamples(const StereoSamples &a, const StereoSamples &b) {
+    return a.left == b.left && a.right == b.right;
+}
+
+double power(const std::vector<float> &samples, std::size_t first, std::size_t last) {
+    double sum = 0.0;
+    for (std::size_t i = first; i < last; ++i)
+        sum += static_cast<double>(samples[i]) * static_cast<double>(samples[i]);
+    return sum / static_cast<double>(last - first);
+}
+
+class ReverbTest : public ::testing::Test {
+  protected:
+    void render(StereoSamples &sound, std::size_t first, std::size_t last,
+                std::size_t block = 512) {
+        for (std::size_t i = first; i < last; i += block)
+            reverb_.process(&sound.left[i], &sound.right[i],
+                            static_cast<std::uint32_t>(std::min(block, last - i)));
+    }
+    StereoSamples rendered(StereoSamples sound, std::size_t block = 512) {
+        render(sound, 0, sound.size(), block);
+        return sound;
+    }
+
+    /// A room that has been left to play.
+    void begin(RoomModel model, float mix, double sampleRate = 48000.0) {
+        reverb_.setRoomModel(model);
+        reverb_.setMixPercent(mix);
+        reverb_.prepare(sampleRate);
+    }
+
+    Reverb reverb_;
+};
+
+TEST_F(ReverbTest, VectorsAndPlainCodeGiveTheSameBytesHoweverTheSoundIsCut) {
+    for (const auto &[sampleRate, model] : {std::pair{8000.0, RoomModel::smallRoom},
+                                            {48000.0, RoomModel::cathedral},
+                                            {48000.0, RoomModel::plate},
+                                            {384000.0, RoomModel::plate}}) {
+        const StereoSamples sound = noise(40000);
+        begin(model, 40.0F, sampleRate);
+        const StereoSamples expected = rendered(sound);
+
+        Reverb plain(ReverbTank::Code::plain);
+        plain.setRoomModel(model);
+        plain.setMixPercent(40.0F);
+        plain.prepare(sampleRate);
+        StereoSamples reference = sound;
+        plain.process(reference.left.data(), reference.right.data(), 40000);
+        EXPECT_TRUE(equalSamples(expected, reference)) << sampleRate;
+
+        for (const std::size_t block : {1UL, 7UL, 33UL, 441UL, 8192UL}) {
+            begin(model, 40.0F, sampleRate);
+            EXPECT_TRUE(equalSamples(expected, rendered(sound, block))) << block;
+        }
+    }
+}
+
+TEST_F(ReverbTest, AMixOfZeroIsBitExact) {
+    begin(RoomModel::largeHall, 0.0F);
+    const StereoSamples sound = noise(20000);
+    EXPECT_TRUE(equalSamples(rendered(sound), sound));
+    // Again after something was heard, once the glide is over.
+    reverb_.setMixPercent(50.0F);
+    rendered(sound);
+    reverb_.setMixPercent(0.0F);
+    rendered(sound);
+    EXPECT_TRUE(equalSamples(rendered(sound), sound));
+}
+
+TEST_F(ReverbTest, SilencedRoomsComeBackWithoutOldSound) {
+    begin(RoomModel::cathedral, 100.0F);
+    rendered(noise(48000));
+    reverb_.setMixPercent(0.0F);
+    rendered(StereoSamples(9600));
+    reverb_.setMixPercent(100.0F);
+    const StereoSamples silence = rendered(StereoSamples(48000));
+    EXPECT_EQ(power(silence.left, 0, 48000), 0.0);
+    const StereoSamples heard = rendered(noise(48000));
+    EXPECT_GT(power(heard.left, 24000, 48000), 0.0);
+}
+
+TEST_F(ReverbTest, LoudnessStaysOverTheMix) {
+    const StereoSamples sound = noise(480000);
+    for (const float mix : {10.0F, 25.0F, 50.0F, 75.0F}) {
+        begin(RoomModel::mediumHall, mix);
+        EXPECT_NEAR(testing::loudness(rendered(sound)), testing::loudness(sound), 1.5) << mix;
+    }
+}
+
+TEST_F(ReverbTest, TheSameRoomAgainKeepsItsTail) {
+    const StereoSamples sound = [] {
+        StereoSamples burst = noise(48000);
+        std::fill(burst.left.begin() + 9600, burst.left.end(), 0.0F);
+        std::fill(burst.right.begin() + 9600, burst.right.end(), 0.0F);
+        return burst;
+    }();
+    begin(RoomModel::largeHall, 60.0F);
+    const StereoSamples expected = rendered(sound);
+
+    begin(RoomModel::largeHall, 60.0F);
+    StereoSamples again = sound;
+    render(again, 0, 14400);
+    reverb_.setRoomModel(RoomModel::largeHall);
+    render(again, 14400, 19200);
+    reverb_.setRoomModel(RoomModel::plate); // there and back before a block is rendered
+    reverb_.setRoomModel(RoomModel::largeHall);
+    render(again, 19200, 48000);
+    EXPECT_TRUE(equalSamples(again, expected));
+}
+
+TEST_F(ReverbTest, ANewRoomReplacesTheOldOne) {
+    begin(RoomModel::cathedral, 100.0F);
+    rendered(noise(96000));
+    reverb_.setRoomModel(RoomModel::smallRoom);
+    rendered(noise(24000)); // the fade takes 150 ms
+    const StereoSamples tail = rendered(StereoSamples(48000));
+    // A second after the sound the small room is down by more than 100 dB, the cathedral by 11.
+    EXPECT_LT(power(tail.left, 43200, 48000), 1e-9 * power(tail.left, 0, 4800));
+
+    // Several changes at once end in the last one.
+    for (const RoomModel model :
+         {RoomModel::plate, RoomModel::mediumHall, RoomModel::smallRoom, RoomModel::cathedral}) {
+        reverb_.setRoomModel(model);
+        rendered(noise(64));
+    }
+    rendered(noise(96000));
+    const StereoSamples later = rendered(StereoSamples(48000));
+    EXPECT_GT(power(later.left, 43200, 48000), 1e-3 * power(later.left, 0, 4800));
+}
+
+/// A sine of 100 Hz at -12 dBFS, whose largest step from sample to sample is the measure.
+class ReverbGlideTest : public ReverbTest {
+  protected:
+    StereoSamples sine(std::size_t frames) {
+        StereoSamples sound(frames);
+        for (std::size_t i = 0; i < frames; ++i, ++played_) {
+            const double phase =
+                2.0 * std::numbers::pi * 100.0 * static_cast<double>(played_ % 480) / 48000.0;
+            sound.left[i] = sound.right[i] = 0.25F * static_cast<float>(std::sin(phase));
+        }
+        return sound;
+    }
+    /// Of the next `frames` frames, in blocks of 64, both channels.
+    float largestStep(std::size_t frames) {
+        const StereoSamples sound = rendered(sine(frames), 64);
+        float largest = 0.0F;
+        for (std::size_t i = 0; i < frames; ++i) {
+            if (hasLast_)
+                largest = std::max({largest, std::abs(sound.left[i] - lastLeft_),
+                                    std::abs(sound.right[i] - lastRight_)});
+            lastLeft_ = sound.left[i];
+            lastRight_ = sound.right[i];
+            hasLast_ = true;
+        }
+        return largest;
+    }
+    /// Nothing happens but `change`, between two steady states.
+    template <typename Change> void expectSmooth(const char *what, Change change) {
+        const float before = largestStep(4800);
+        change();
+        const float during = largestStep(24000);
+        largestStep(12 * 48000); // the longest room takes so long to be steady
+        const float after = largestStep(4800);
+        EXPECT_LE(during, 1.5F * std::max(before, after)) << what;
+    }
+
+  private:
+    std::size_t played_ = 0;
+    float lastLeft_ = 0.0F;
+    float lastRight_ = 0.0F;
+    bool hasLast_ = false;
+};
+
+TEST_F(ReverbGlideTest, MixChangesHaveNoCorners) {
+    for (const RoomModel model : allRoomModels) {
+        begin(model, 0.0F);
+        largestStep(48000);
+        for (const float mix : {100.0F, 0.0F, 15.0F, 80.0F, 30.0F, 0.0F})
+            expectSmooth("mix", [&] { reverb_.setMixPercent(mix); });
+        // Dragged, with a new value in every block or two.
+        expectSmooth("drag", [&] {
+            for (int i = 0; i <= 100; ++i) {
+                reverb_.setMixPercent(static_cast<float>(i));
+                EXPECT_LE(largestStep(480), 1.5F * 0.25F * 0.01309F * 3.0F);
+            }
+        });
+    }
+}
+
+TEST_F(ReverbGlideTest, RoomChangesHaveNoCorners) {
+    for (const float mix : {30.0F, 100.0F}) {
+        begin(RoomModel::smallRoom, mix);
+        largestStep(10 * 48000);
+        for (const RoomModel model : allRoomModels)
+            expectSmooth("room", [&] { reverb_.setRoomModel(model); });
+    }
+}
+
+TEST_F(ReverbTest, FiniteAtEveryRateAndWhateverComesIn) {
+    constexpr float huge = std::numeric_limits<float>::max();
+    const float poison[] = {std::numeric_limits<float>::quiet_NaN(),
+                            std::numeric_limits<float>::infinity(),
+                            -huge,
+                            huge,
+                            1e30F,
+                            1e-40F};
+    for (const double sampleRate : {8000.0, 11025.0, 22050.0, 44100.0, 88200.0, 192000.0, 384000.0})
+        for (const RoomModel model : allRoomModels) {
+            begin(model, 100.0F, sampleRate);
+            StereoSamples sound = noise(20000);
+            for (std::size_t i = 0; i < std::size(poison); ++i)
+                sound.left[100 + 7 * i] = sound.right[3000 + i] = poison[i];
+            const StereoSamples result = rendered(sound, 441);
+            for (std::size_t i = 4000; i < result.size(); ++i)
+                ASSERT_TRUE(std::isfinite(result.left[i]) && std::isfinite(result.right[i]))
+                    << sampleRate << " Hz, frame " << i;
+        }
+}
+
+TEST_F(ReverbTest, RateChangesNeitherDecayNorLevel) {
+    for (const double sampleRate : {44100.0, 96000.0, 192000.0}) {
+        begin(RoomModel::mediumHall, 100.0F, sampleRate);
+        StereoSamples impulse(static_cast<std::size_t>(2.8 * sampleRate));
+        impulse.left[0] = impulse.right[0] = 1.0F;
+        const StereoSamples response = rendered(impulse);
+        EXPECT_NEAR(testing::decayTime(response.left, sampleRate, 1000.0, 1.0), 1.9, 0.19);
+        EXPECT_NEAR(testing::decayTime(response.left, sampleRate, 8000.0, 1.0 / 3.0), 1.9 * 0.55,
+                    0.15 * 1.9 * 0.55);
+        const double energy =
+            power(response.left, 0, response.size()) * static_cast<double>(response.size());
+        EXPECT_NEAR(10.0 * std::log10(energy), 0.0, 2.0);
+    }
+}
+
+TEST_F(ReverbTest, RendersWithoutAllocatingWhileSettingsChange) {
+    begin(RoomModel::smallRoom, 0.0F);
+    StereoSamples sound = noise(48000);
+    std::size_t at = 0;
+    const DenormalsFlushed flushed;
+    for (int i = 0; i < 40; ++i) {
+        reverb_.setMixPercent(i % 5 == 0 ? 0.0F : static_cast<float>(i));
+        reverb_.setRoomModel(allRoomModels[static_cast<std::size_t>(i) % allRoomModels.size()]);
+        const testing::RealtimeGuard guard;
+        for (const std::size_t block : {1UL, 7UL, 64UL, 512UL}) {
+            reverb_.process(&sound.left[at], &sound.right[at], static_cast<std::uint32_t>(block));
+            at += block;
+        }
+        ASSERT_EQ(guard.violations(), testing::RealtimeViolations{});
+    }
+}
+
+TEST_F(ReverbTest, SettingsMayChangeOnAnotherThread) {
+    begin(RoomModel::smallRoom, 50.0F);
+    std::thread main([&] {
+        std::mt19937 random(5);
+        for (int i = 0; i < 2000; ++i) {
+            reverb_.setRoomModel(allRoomModels[random() % allRoomModels.size()]);
+            reverb_.setMixPercent(static_cast<float>(random() % 101));
+        }
+    });
+    const StereoSamples sound = rendered(noise(96000), 64);
+    main.join();
+    for (const auto &channel : {sound.left, sound.right})
+        for (const float sample : channel)
+            ASSERT_LT(std::abs(sample), 10.0F);
+}
+
+TEST_F(ReverbTest, ResetForgetsTheSound) {
+    begin(RoomModel::cathedral, 100.0F);
+    const StereoSamples sound = noise(10000);
+    const StereoSamples first = rendered(sound);
+    reverb_.reset();
+    EXPECT_TRUE(equalSamples(rendered(sound), first));
+}
+
+} // namespace
+} // namespace quorbel
