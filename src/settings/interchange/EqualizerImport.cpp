@@ -1,0 +1,93 @@
+#include "settings/interchange/EqualizerImport.h"
+
+#include "settings/interchange/BandResponse.h"
+#include "settings/interchange/EqualizerText.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace quorbel {
+
+namespace {
+
+std::string trimmed(std::string_view name) {
+    constexpr std::string_view blanks = " \t\r\n\v\f";
+    const std::size_t first = name.find_first_not_of(blanks);
+    if (first == std::string_view::npos)
+        return {};
+    return std::string(name.substr(first, name.find_last_not_of(blanks) - first + 1));
+}
+
+bool isFlat(const EQBand &band) {
+    return hasGain(prototypeType(band.filterType)) && band.gainDB == 0.0F;
+}
+
+bool isActive(const EQBand &band) { return !band.bypassed && !isFlat(band); }
+
+/// Of more than ten bands leaves out the ones without effect, from the last on.
+void dropInactive(std::vector<TextBand> &bands, std::vector<LineNote> &skipped) {
+    for (std::size_t i = bands.size(); i-- > 0 && bands.size() > equalizerBandCount;) {
+        if (isActive(bands[i].band))
+            continue;
+        skipped.push_back({bands[i].line, bands[i].band.bypassed
+                                              ? "it is off, and the active ones take all ten bands"
+                                              : "it is flat, and the others take all ten bands"});
+        bands.erase(bands.begin() + static_cast<std::ptrdiff_t>(i));
+    }
+    std::stable_sort(skipped.begin(), skipped.end(),
+                     [](const LineNote &a, const LineNote &b) { return a.line < b.line; });
+}
+
+std::string notesOf(const EqualizerImport &import) {
+    std::string notes = "Imported.";
+    if (import.globalGainDB != 0.0F)
+        notes += fmt::format(" Belongs with a global gain of {} dB.", import.globalGainDB);
+    if (import.fit)
+        notes += fmt::format(" {} filters fitted onto {} bands: {:.2f} dB RMS, at most {:.2f} dB.",
+                             import.activeFilters, equalizerBandCount, import.fit->rmsDB,
+                             import.fit->maximumDB);
+    return notes;
+}
+
+} // namespace
+
+EqualizerImport importEqualizerText(std::string_view bytes, std::string_view name) {
+    EqualizerText text = readEqualizerText(bytes);
+    EqualizerImport import;
+    import.preset = {.id = Uuid::random(), .name = trimmed(name), .createdAt = Date::now()};
+    if (import.preset.name.empty())
+        throw InterchangeError(0, "the preset needs a name");
+    import.globalGainDB = text.preampDB;
+    import.limited = std::move(text.limited);
+    import.skipped = std::move(text.skipped);
+    import.activeFilters = static_cast<std::size_t>(
+        std::count_if(text.bands.begin(), text.bands.end(),
+                      [](const TextBand &entry) { return isActive(entry.band);
+}));
+
+dropInactive(text.bands, import.skipped);
+std::vector<EQBand> &bands = import.preset.bands;
+std::transform(text.bands.begin(), text.bands.end(), std::back_inserter(bands),
+               [](const TextBand &entry) { return entry.band; });
+if (bands.size() > equalizerBandCount) {
+    BandFit fit = fitBands(bands, equalizerBandCount);
+    bands = std::move(fit.bands);
+    import.fit = fit.error;
+}
+fillWithFlatBands(bands);
+import.preset.notes = notesOf(import);
+return import;
+} // namespace quorbel
+
+void applyImport(Persisted &settings, const EqualizerImport &import) {
+    settings.bands = import.preset.bands;
+    settings.spatial = import.preset.spatial;
+    settings.presets.push_back(import.preset);
+    settings.activePresetID = import.preset.id;
+    settings.activePresetName = import.preset.name;
+    settings.eqGlobalGainDB = import.globalGainDB;
+}
+
+} // namespace quorbel

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "settings/interchange/BandFit.h"
+#include "settings/interchange/FlatBands.h"
+#include "settings/interchange/InterchangeError.h"
+#include "settings/records/Persisted.h"
+#include "settings/records/Preset.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+/// A parametric equaliser text as a preset of the user's.
+struct EqualizerImport {
+    /// Exactly ten bands, because a shorter list would leave bands of the preset before it in
+    /// force: missing ones are flat. Every other setting is at its default, which is off. The
+    /// notes name the gain that belongs to the preset.
+    Preset preset;
+
+    /// The preamp. A preset has no place for it: it is the equaliser's global gain.
+    float globalGainDB = 0.0F;
+
+    std::size_t activeFilters = 0;    ///< of the text: neither OFF nor flat
+    std::optional<ResponseError> fit; ///< when there were more than ten of them
+    std::vector<LineNote> skipped;    ///< lines without effect on the preset, by line
+    std::vector<LineNote> limited;    ///< values beyond what the equaliser plays, by line
+};
+
+/// Reads a parametric equaliser text (see readEqualizerText). Up to ten filters become bands with
+/// the very values of the text; of more, first the ones without effect are left out, and if that
+/// is not enough all active ones are fitted onto ten. `name` is trimmed of blanks. Throws
+/// InterchangeError, also for an empty name.
+[[nodiscard]] EqualizerImport importEqualizerText(std::string_view bytes, std::string_view name);
+
+/// Puts an import in force in a settings file: the preset joins the list and becomes the active
+/// one, its bands and spatial settings the current ones, and the global gain that of the text, also
+/// when it is 0. Everything else stays.
+void applyImport(Persisted &settings, const EqualizerImport &import);
+
+} // namespace quorbel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace quorbel {
+
+// One line of an equaliser text, taken apart. Numbers stay texts: how they are to be read depends
+// on the whole file.
+
+/// "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70"
+struct FilterLine {
+    bool on = true;
+    std::string type; ///< in capitals
+    std::optional<std::string> frequency;
+    bool kilohertz = false;
+    std::optional<std::string> gain;
+    std::optional<std::string> q;
+    std::optional<std::string> octaves; ///< "BW Oct 0.5", in the place of Q
+};
+
+/// "Preamp: -6.2 dB"
+struct PreampLine {
+    std::string gain;
+};
+
+/// "Channel: L": the lines behind it are for these channels only.
+struct ChannelLine {
+    bool everything = true; ///< all channels, or both sides
+};
+
+struct EmptyLine {};
+
+struct RefusedLine {
+    std::string reason;
+};
+
+using EqualizerLine = std::variant<EmptyLine, FilterLine, PreampLine, ChannelLine, RefusedLine>;
+
+/// `line` is UTF-8 without its line break. Letters of either case, any blanks.
+[[nodiscard]] EqualizerLine parseEqualizerLine(std::string_view line);
+
+} // namespace quorbel

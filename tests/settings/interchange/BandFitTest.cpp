@@ -1,0 +1,127 @@
+#include "settings/interchange/BandFit.h"
+
+#include "effects/FilterBandwidth.h"
+#include "platform/dsp/SectionDesign.h"
+#include "settings/interchange/BandResponse.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+namespace quorbel {
+namespace {
+
+using FilterType = EQBand::FilterType;
+
+EQBand peak(double frequency, double gainDB, double q) {
+    return {.frequency = static_cast<float>(frequency),
+            .gainDB = static_cast<float>(gainDB),
+            .q = static_cast<float>(q)};
+}
+
+TEST(BandResponse, isWhatTheEqualizerPlays) {
+    for (const FilterType type : EQBand::allFilterTypes)
+        for (const float frequency : {40.0F, 1000.0F, 9000.0F})
+            for (const float q : {0.05F, 0.7F, 4.0F, 90.0F}) {
+                const EQBand band{
+                    .frequency = frequency, .gainDB = -7.5F, .q = q, .filterType = type};
+                const auto design = designBand({.filterType = prototypeType(type),
+                                                .frequencyHz = frequency,
+                                                .bandwidthOctaves = bandwidthOctaves(q),
+                                                .gainDB = band.gainDB,
+                                                .bypass = false},
+                                               48000.0);
+                ASSERT_TRUE(design);
+                for (const double at : {30.0, 500.0, 2000.0, 9500.0}) {
+                    const double played = 10.0 * std::log10(design->power(at / 48000.0));
+                    if (played > -40.0) { // below, the section is designed less exactly
+                        EXPECT_NEAR(bandResponseDB(band, at), played, 0.15)
+                            << frequency << " Hz, Q " << q << ", at " << at << " Hz";
+                    }
+                }
+            }
+    EXPECT_EQ(bandResponseDB({.gainDB = 6.0F, .bypassed = true}, 1000.0), 0.0);
+}
+
+TEST(BandFit, findsTenBandsThatWereSplit) {
+    // Every peak written as two halves of its gain at one place: ten bands can say the same.
+    std::vector<EQBand> bands;
+    for (int i = 0; i < 10; ++i)
+        for (int half = 0; half < 2; ++half)
+            bands.push_back(peak(30.0 * std::exp2(i), i % 2 == 0 ? 2.5 : -1.5, 1.2));
+    const BandFit fit = fitBands(bands, 10);
+    EXPECT_EQ(fit.bands.size(), 10U);
+    EXPECT_LT(fit.error.rmsDB, 0.05);
+    EXPECT_LT(fit.error.maximumDB, 0.15);
+}
+
+/// The error of keeping the ten strongest as they are, which is what a fit has to beat.
+double rmsOfTheStrongest(std::vector<EQBand> bands) {
+    std::sort(bands.begin(), bands.end(), [](const EQBand &a, const EQBand &b) {
+        return std::abs(a.gainDB) / a.q > std::abs(b.gainDB) / b.q;
+    });
+    return responseError({bands.begin(), bands.begin() + 10}, bands).rmsDB;
+}
+
+TEST(BandFit, correctionsOfManyFiltersComeNear) {
+    std::mt19937 random(20);
+    const auto between = [&random](double low, double high) {
+        return low + (high - low) * static_cast<double>(random()) / 4294967295.0;
+    };
+    const struct {
+        std::size_t filters;
+        double rmsDB, maximumDB; // measured, with half to spare
+    } cases[] = {{12, 0.07, 0.25}, {20, 0.36, 1.5}, {31, 0.8, 3.5}};
+    for (const auto &c : cases)
+        for (int round = 0; round < 3; ++round) {
+            std::vector<EQBand> bands{{.frequency = 105,
+                                       .gainDB = static_cast<float>(between(-6, 6)),
+                                       .q = 0.7F,
+                                       .filterType = FilterType::lowShelf},
+                                      {.frequency = 10000,
+                                       .gainDB = static_cast<float>(between(-6, 6)),
+                                       .q = 0.7F,
+                                       .filterType = FilterType::highShelf}};
+            while (bands.size() < c.filters)
+                bands.push_back(
+                    peak(20.0 * std::pow(1000.0, between(0, 1)), between(-5, 5), between(0.5, 4)));
+            const BandFit fit = fitBands(bands, 10);
+            EXPECT_LT(fit.error.rmsDB, c.rmsDB) << c.filters << " filters";
+            EXPECT_LT(fit.error.maximumDB, c.maximumDB) << c.filters << " filters";
+            EXPECT_LT(fit.error.rmsDB, 0.5 * rmsOfTheStrongest(bands));
+            for (const EQBand &band : fit.bands) {
+                EXPECT_LE(std::abs(band.gainDB), 12.0F);
+                EXPECT_FALSE(band.bypassed);
+            }
+        }
+}
+
+TEST(BandFit, aHighPassKeepsItsStopBand) {
+    std::vector<EQBand> bands{{.frequency = 40, .q = 0.7F, .filterType = FilterType::highPass}};
+    for (int i = 0; i < 12; ++i)
+        bands.push_back(peak(60.0 * std::exp2(0.6 * i), i % 2 == 0 ? 2 : -2, 1.5));
+    const BandFit fit = fitBands(bands, 10);
+    EXPECT_EQ(fit.bands.front().filterType, FilterType::highPass);
+    EXPECT_NEAR(fit.bands.front().frequency, 40.0F, 2.0F);
+    EXPECT_LT(fit.error.rmsDB, 0.5);
+}
+
+TEST(BandFit, extremeBandsStayFinite) {
+    std::vector<EQBand> bands;
+    for (int i = 0; i < 40; ++i)
+        bands.push_back({.frequency = i % 2 == 0 ? 1e-30F : 1e30F,
+                         .gainDB = i % 3 == 0 ? 1e30F : -1e30F,
+                         .q = i % 5 == 0 ? 1e30F : 1e-30F,
+                         .filterType = EQBand::allFilterTypes[static_cast<std::size_t>(i) % 5]});
+    const BandFit fit = fitBands(bands, 10);
+    EXPECT_EQ(fit.bands.size(), 10U);
+    for (const EQBand &band : fit.bands)
+        EXPECT_TRUE(std::isfinite(band.frequency) && std::isfinite(band.gainDB) &&
+                    std::isfinite(band.q));
+    EXPECT_TRUE(std::isfinite(fit.error.maximumDB));
+}
+
+} // namespace
+} // namespace quorbel

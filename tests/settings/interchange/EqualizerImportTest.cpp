@@ -1,0 +1,112 @@
+#include "settings/interchange/EqualizerImport.h"
+
+#include "settings/interchange/BandResponse.h"
+#include "settings/interchange/EqualizerText.h"
+#include "settings/presets/FactoryPresets.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+using testing::HasSubstr;
+
+/// `count` filters, one octave apart and then again; the ones listed are off.
+std::string filters(std::size_t count, const std::vector<std::size_t> &off = {}) {
+    std::string text;
+    for (std::size_t i = 1; i <= count; ++i) {
+        const bool isOff = std::find(off.begin(), off.end(), i) != off.end();
+        text += "Filter " + std::to_string(i) + (isOff ? ": OFF" : ": ON") + " PK Fc " +
+                std::to_string(30 * i * i) + " Hz Gain -" + std::to_string(i % 4 + 1) +
+                ".3 dB Q 1.41\n";
+    }
+    return text;
+}
+
+TEST(EqualizerImport, upToTenFiltersAreTakenAsTheyAre) {
+    for (const std::size_t count : {1U, 7U, 10U}) {
+        const std::string text = "Preamp: -6.2 dB\n" + filters(count);
+        const EqualizerImport import = importEqualizerText(text, "  My headphones \n");
+        EXPECT_EQ(import.preset.name, "My headphones");
+        EXPECT_EQ(import.preset.category, Preset::Category::user);
+        EXPECT_EQ(import.preset.spatial, SpatialConfig());
+        EXPECT_EQ(import.globalGainDB, -6.2F);
+        EXPECT_THAT(import.preset.notes, HasSubstr("a global gain of -6.2 dB"));
+        EXPECT_EQ(import.activeFilters, count);
+        EXPECT_FALSE(import.fit);
+
+        // The equaliser keeps the former bands where a list is shorter than ten.
+        ASSERT_EQ(import.preset.bands.size(), 10U);
+        const EqualizerText read = readEqualizerText(text);
+        std::vector<EQBand> asWritten;
+        for (std::size_t i = 0; i < count; ++i) {
+            asWritten.push_back(read.bands[i].band);
+            EXPECT_EQ(import.preset.bands[i].frequency, read.bands[i].band.frequency);
+            EXPECT_EQ(import.preset.bands[i].q, 1.41F);
+        }
+        EXPECT_EQ(responseError(import.preset.bands, asWritten).maximumDB, 0.0);
+        for (std::size_t i = count; i < 10; ++i)
+            for (std::size_t j = 0; j < i; ++j)
+                EXPECT_NE(import.preset.bands[i].frequency, import.preset.bands[j].frequency);
+    }
+}
+
+TEST(EqualizerImport, filtersWithoutEffectMakeRoomBeforeAnythingIsFitted) {
+    const EqualizerImport import = importEqualizerText(
+        "Filter: ON PK Fc 50 Hz Gain 0 dB Q 1\nnonsense\n" + filters(12, {3, 8, 12}), "x");
+    EXPECT_FALSE(import.fit);
+    EXPECT_EQ(import.activeFilters, 9U);
+    ASSERT_EQ(import.preset.bands.size(), 10U);
+    EXPECT_EQ(import.preset.bands[0].gainDB, 0.0F); // the earliest one without effect still fits
+    std::vector<std::size_t> lines;
+    for (const LineNote &note : import.skipped)
+        lines.push_back(note.line);
+    EXPECT_EQ(lines, (std::vector<std::size_t>{2, 5, 10, 14}));
+    EXPECT_EQ(import.skipped[1].reason, "it is off, and the active ones take all ten bands");
+}
+
+TEST(EqualizerImport, moreThanTenActiveFiltersAreFitted) {
+    const EqualizerImport import = importEqualizerText(filters(15), "x");
+    ASSERT_TRUE(import.fit);
+    EXPECT_EQ(import.preset.bands.size(), 10U);
+    EXPECT_GT(import.fit->rmsDB, 0.0);
+    EXPECT_LE(import.fit->rmsDB, import.fit->maximumDB);
+    EXPECT_LT(import.fit->rmsDB, 0.5);
+    EXPECT_THAT(import.preset.notes, HasSubstr("15 filters fitted onto 10 bands"));
+}
+
+TEST(EqualizerImport, aPreampAloneIsAFlatPreset) {
+    const EqualizerImport import = importEqualizerText("Preamp: 3 dB", "x");
+    EXPECT_EQ(import.preset.bands.size(), 10U);
+    EXPECT_EQ(responseError(import.preset.bands, {}).maximumDB, 0.0);
+    EXPECT_THROW((void)importEqualizerText("Preamp: 3 dB", " \t"), InterchangeError);
+}
+
+TEST(EqualizerImport, inForceTheFileIsHeardWhateverWasSetBefore) {
+    Persisted settings;
+    settings.bands = factoryPresets()[9].bands;
+    settings.spatial = factoryPresets()[9].spatial;
+    settings.presets = factoryPresets();
+    settings.eqGlobalGainDB = -4.0F;
+    settings.outputDeviceUID = "uid";
+    settings.mixer = MixerConfig{.limiterThresholdDB = -1.0F};
+    const EqualizerImport import = importEqualizerText(filters(3), "Mine");
+    applyImport(settings, import);
+    EXPECT_EQ(settings.bands, import.preset.bands);
+    EXPECT_EQ(settings.spatial, SpatialConfig());
+    EXPECT_EQ(settings.eqGlobalGainDB, 0.0F); // the text has no preamp: that of before is not its
+    EXPECT_EQ(settings.activePresetID, import.preset.id);
+    EXPECT_EQ(settings.activePresetName, "Mine");
+    EXPECT_EQ(settings.presets.size(), factoryPresets().size() + 1);
+    EXPECT_EQ(settings.presets.back(), import.preset);
+    EXPECT_EQ(settings.outputDeviceUID, "uid");
+    EXPECT_EQ(settings.mixer->limiterThresholdDB, -1.0F);
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,51 @@
+#include "settings/interchange/PresetFile.h"
+
+#include "settings/interchange/InterchangeError.h"
+#include "settings/presets/FactoryPresets.h"
+#include "settings/records/json/CodingError.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace quorbel {
+namespace {
+
+TEST(PresetFile, aPresetComesBackAsOneOfTheUsersOwn) {
+    for (const Preset &preset : factoryPresets()) {
+        Preset read = readPresetFile(writePresetFile(preset));
+        EXPECT_NE(read.id, preset.id);
+        EXPECT_EQ(read.category, Preset::Category::user);
+        read.id = preset.id;
+        read.category = preset.category;
+        EXPECT_EQ(read, preset);
+    }
+}
+
+TEST(PresetFile, aShortListOfBandsIsFilledUp) {
+    Preset preset = factoryPresets()[1];
+    preset.bands.resize(4);
+    const Preset read = readPresetFile(writePresetFile(preset));
+    ASSERT_EQ(read.bands.size(), 10U);
+    EXPECT_EQ(read.bands[3], preset.bands[3]);
+    EXPECT_EQ(read.bands[9].gainDB, 0.0F);
+}
+
+TEST(PresetFile, whatDoesNotFitIsNamed) {
+    try {
+        (void)readPresetFile(R"({"id":"00000000-0000-0000-0000-000000000001","name":"One",)"
+                             R"("createdAt":0,"bands":[{"frequency":"low"}],"spatial":{}})");
+        ADD_FAILURE() << "was read";
+    } catch (const DecodingError &error) {
+        EXPECT_EQ(error.path(), "bands[0].frequency");
+    }
+    EXPECT_THROW((void)readPresetFile(std::string(maximumPresetFileBytes + 1, ' ')),
+                 InterchangeError);
+    EXPECT_THROW((void)readPresetFile("Preamp: 0 dB"), DecodingError);
+    Preset preset;
+    preset.bands.push_back({.gainDB = std::numeric_limits<float>::infinity()});
+    EXPECT_THROW((void)writePresetFile(preset), EncodingError);
+}
+
+} // namespace
+} // namespace quorbel
