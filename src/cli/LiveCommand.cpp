@@ -64,7 +64,8 @@ void LiveCommand::run() const {
     Persisted settings = loadSettings(settingsPath_);
     if (presetName_)
         applyPreset(settings, *presetName_);
-    const ChainSettings chain = chainSettings(settings);
+    ChainSettings chain = chainSettings(settings);
+    chain.mixer.spectrumEnabled = false; // there is no display to analyse for
     const InstanceLock lock;
     if (!lock.isHeld())
         throw CommandError("Ostrafine is already running and processes the sound");
