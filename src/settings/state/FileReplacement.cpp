@@ -49,7 +49,7 @@ void makeFolder(const fs::path &folder) {
     syncFolder(folder.parent_path());
 }
 
-/// A rename would put the file where the link is, and leave the one that the link is for behind.
+/// The file that QSaveFile is going to replace, whose folder is the one to sync.
 fs::path behindLinks(const fs::path &path) {
     std::error_code error;
     const fs::path target = fs::canonical(path, error);
