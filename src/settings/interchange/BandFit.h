@@ -27,7 +27,7 @@ struct BandFit {
 ///
 /// Starts from all bands, of which one after another is taken away where it is missed least while
 /// the others move to take over its part (Levenberg-Marquardt over frequency, gain and Q). Of more
-/// than 32 bands, the 32 strongest are started from. Takes up to a second or two.
+/// than 32 bands, the 32 strongest are started from. Takes a few tenths of a second.
 [[nodiscard]] BandFit fitBands(const std::vector<EQBand> &bands, std::size_t count);
 
 } // namespace quorbel
