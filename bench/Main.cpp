@@ -1,12 +1,19 @@
+#include "SlowestBlock.h"
 #include "platform/dsp/Denormals.h"
 
 #include <benchmark/benchmark.h>
 
+#include <string_view>
+
 int main(int argc, char **argv) {
+    const quorbel::DenormalsFlushed flushed; // as on the audio threads
+    if (argc == 2 && std::string_view(argv[1]) == "--slowest-block") {
+        quorbel::bench::printSlowestBlock(1'000'000);
+        return 0;
+    }
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;
-    const quorbel::DenormalsFlushed flushed; // as on the audio threads
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;

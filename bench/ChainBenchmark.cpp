@@ -1,0 +1,68 @@
+#include "StageBenchmark.h"
+#include "WholeChain.h"
+#include "effects/ToneEqualizer.h"
+#include "engine/ChainUnits.h"
+#include "engine/UnitSettings.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorbel::bench {
+namespace {
+
+Stage wholeChain() {
+    auto chain = std::make_shared<WholeChain>();
+    return [chain](float *left, float *right, std::uint32_t frames) {
+        chain->process(left, right, frames);
+        chain->passTime(frames);
+    };
+}
+
+Stage equalizer() {
+    auto processor = std::make_shared<EQProcessor>(everythingOn().bands);
+    return stageOf({processor, &processor->eq()});
+}
+
+Stage tone() {
+    auto tone = std::make_shared<ToneEqualizer>();
+    tone->setGainDB(ToneEqualizer::bass, 2.0F);
+    tone->setGainDB(ToneEqualizer::mid, -1.0F);
+    tone->setGainDB(ToneEqualizer::treble, 1.0F);
+    return stageOf({tone, &tone->node()});
+}
+
+/// Its clock stands still: nothing is analysed, and nothing depends on the analysis.
+struct SingleUnit {
+    SingleUnit(const EffectComponent &component, ChainUnit which)
+        : node(component.make(component.description, 0, clockedSerialQueues(clock))) {
+        ChainSettings settings = everythingOn();
+        settings.spatial.bassAdaptiveEnabled = settings.spatial.voiceAdaptiveEnabled = false;
+        pushSettings(settings.spatial, which, node.unit());
+        pushSettings(settings.mixer, which, node.unit());
+    }
+
+    ManualClock clock;
+    UnitNode node;
+};
+
+std::vector<StageBenchmark> units() {
+    std::vector<StageBenchmark> result;
+    for (std::size_t index = 0; index < chainUnitCount; ++index)
+        for (const EffectComponent &component : effectComponents())
+            if (component.description == chainUnitDescriptions[index])
+                result.emplace_back(component.name, [&component, index] {
+                    auto unit =
+                        std::make_shared<SingleUnit>(component, static_cast<ChainUnit>(index));
+                    return stageOf({unit, &unit->node});
+                });
+    return result;
+}
+
+const StageBenchmark whole("everything on, with analyses", wholeChain);
+const StageBenchmark equalizerOfTenBands("equaliser, 10 bands", equalizer);
+const StageBenchmark toneControls("tone, 3 bands", tone);
+const std::vector<StageBenchmark> everyUnit = units();
+
+} // namespace
+} // namespace quorbel::bench

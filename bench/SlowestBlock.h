@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quorbel::bench {
+
+/// Renders so many blocks of 64 frames through the whole chain with everything on and prints how
+/// long the slowest of them, the slowest but a thousandth, and the middle one took.
+void printSlowestBlock(std::uint32_t blocks);
+
+} // namespace quorbel::bench

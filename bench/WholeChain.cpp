@@ -1,0 +1,61 @@
+#include "WholeChain.h"
+
+#include "engine/ChainFormat.h"
+#include "platform/graph/MixerNode.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace quorbel::bench {
+
+ChainSettings everythingOn() {
+    ChainSettings settings;
+    float gainDB = 3.0F;
+    for (EQBand &band : settings.bands) {
+        band.gainDB = gainDB;
+        gainDB = -gainDB;
+    }
+    SpatialConfig &spatial = settings.spatial;
+    spatial.widenerEnabled = spatial.xtcEnabled = spatial.reverbEnabled = true;
+    spatial.bassEnabled = spatial.bassAdaptiveEnabled = true;
+    spatial.voiceEnabled = spatial.voiceAdaptiveEnabled = true;
+    spatial.widthPercent = 130.0F;
+    spatial.reverbPreset = SpatialConfig::ReverbPreset::mediumHall;
+    spatial.toneBassDB = 2.0F;
+    spatial.toneMidDB = -1.0F;
+    spatial.toneTrebleDB = 1.0F;
+    MixerConfig &mixer = settings.mixer;
+    mixer.saturationEnabled = mixer.crossfeedEnabled = true;
+    mixer.autoGainEnabled = mixer.manualLoudnessEnabled = true;
+    mixer.manualLoudnessDB = 1.0F;
+    return settings;
+}
+
+WholeChain::WholeChain()
+    : chain_(registry_, clock_, everythingOn().bands),
+      source_(chainFormat, [this](const AudioBufferList &buffers, std::uint32_t frames) {
+          for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel)
+              if (buffers.data[channel] != block_.data[channel])
+                  std::copy_n(block_.data[channel], frames, buffers.data[channel]);
+          return statusOK;
+      }) {
+    const ChainSettings settings = everythingOn();
+    registerEffectUnits(registry_, queues_);
+    chain_.applySpatial(settings.spatial);
+    chain_.applyMixer(settings.mixer);
+    chain_.instantiateCustomUnits([] {});
+    clock_.runPending();
+    graph_.attach(source_);
+    chain_.connect(graph_, source_);
+    if (graph_.start() != statusOK)
+        throw std::runtime_error("the benchmarked chain does not start");
+}
+
+void WholeChain::process(float *left, float *right, std::uint32_t frames) noexcept {
+    block_ = AudioBufferList(left, right);
+    graph_.render(block_, frames);
+}
+
+void WholeChain::passTime(std::uint32_t frames) { clock_.advance(frames / chainSampleRate); }
+
+} // namespace quorbel::bench

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "engine/ChainSettings.h"
+#include "engine/ProcessingChain.h"
+#include "platform/graph/AudioGraph.h"
+#include "platform/graph/SourceNode.h"
+#include "platform/threads/ManualClock.h"
+#include "platform/units/AudioUnitRegistry.h"
+
+#include <cstdint>
+
+namespace quorbel::bench {
+
+/// Every stage on, with ten bands of the equaliser.
+[[nodiscard]] ChainSettings everythingOn();
+
+/// The whole chain as the device's render thread runs it, with everything on. The analyses, which
+/// run on threads of their own there, run in `passTime` here.
+class WholeChain {
+  public:
+    /// Throws std::runtime_error if the chain does not start.
+    WholeChain();
+
+    /// A block in place; at most `maximumBlockFrames`.
+    void process(float *left, float *right, std::uint32_t frames) noexcept;
+
+    /// Lets the time of so many frames pass.
+    void passTime(std::uint32_t frames);
+
+  private:
+    ManualClock clock_;
+    SerialQueueFactory queues_ = clockedSerialQueues(clock_);
+    AudioUnitRegistry registry_{clock_};
+    ProcessingChain chain_;
+    AudioBufferList block_; ///< what the source plays next
+    SourceNode source_;
+    AudioGraph graph_{nullptr, queues_};
+};
+
+} // namespace quorbel::bench
