@@ -3,6 +3,7 @@
 #include "effects/UnitHarness.h"
 #include "effects/cores/LimiterStretch.h"
 #include "effects/cores/Saturation.h"
+#include "effects/cores/StereoSection.h"
 #include "effects/cores/TanhShaper.h"
 
 #include <gtest/gtest.h>
@@ -42,6 +43,28 @@ TEST(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
             ASSERT_EQ(vectorGain, plainGain);
             ASSERT_EQ(vectorOut, plainOut) << count << " frames, look-ahead " << lookahead;
         }
+    }
+}
+
+// The rounding of a section is part of the sound: side by side is the same as one after the other.
+TEST(VectorKernelsTest, SectionsSideBySideAreEqualBitByBit) {
+    const BiquadCoefficients low = lowPass(0.01F, 0.007F);
+    const BiquadCoefficients peak = peaking(0.39F, 0.16F, 1.2F);
+    StereoSection first;
+    StereoSection second;
+    BiquadState plain[4];
+    for (std::uint32_t count = 0; count <= longest; count += 5) {
+        const std::vector<float> x = noise(2 * longest, 0.9F, count + 1).left;
+        const std::vector<float> y = noise(2 * longest, 0.9F, count + 1).right;
+        const std::uint32_t other = longest - count;
+        std::vector<float> outX(x.size());
+        std::vector<float> outY = y;
+        processSections({low, first, x.data(), outX.data(), count},
+                        {peak, second, outY.data(), outY.data(), other});
+        for (std::uint32_t i = 0; i < 2 * count; ++i)
+            ASSERT_EQ(outX[i], plain[i % 2].process(low, x[i]));
+        for (std::uint32_t i = 0; i < 2 * other; ++i)
+            ASSERT_EQ(outY[i], plain[2 + i % 2].process(peak, y[i]));
     }
 }
 

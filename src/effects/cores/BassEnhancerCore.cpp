@@ -27,30 +27,30 @@ void BassEnhancerCore::process(float *left, float *right, std::uint32_t frames, 
     const float wet = 1.8F * a;
     const float total = 1.0F + 0.8F * a;
 
-    // In three passes over short stretches: the recursions of both channels side by side, and
-    // between them the shaper, which takes several frames at once.
-    constexpr std::uint32_t stretch = 128;
-    float bassL[stretch];
-    float bassR[stretch];
-    Channel l = channels_[0];
-    Channel r = channels_[1];
-    for (std::uint32_t begin = 0; begin < frames; begin += stretch) {
-        const std::uint32_t count = std::min(stretch, frames - begin);
-        float *const x = left + begin;
-        float *const y = right + begin;
-        for (std::uint32_t i = 0; i < count; ++i) {
-            bassL[i] = l.lowPass.process(low, x[i]);
-            bassR[i] = r.lowPass.process(low, y[i]);
+    // In short tiles, the high-pass one tile behind the low-pass, so that all four recursions run
+    // side by side; between them the shaper, which takes several frames at once.
+    constexpr std::uint32_t tile = 32;
+    float dry[2 * tile];
+    float bass[2][2 * tile];
+    float harmonics[2 * tile];
+    std::uint32_t behind = 0; // frames of the tile before
+    for (std::uint32_t begin = 0, turn = 0; begin < frames || behind > 0;
+         begin += tile, turn = 1 - turn) {
+        const std::uint32_t count = begin < frames ? std::min(tile, frames - begin) : 0;
+        if (count > 0)
+            interleave(left + begin, right + begin, count, dry);
+        processSections({low, lowPass_, dry, bass[turn], count},
+                        {high, highPass_, bass[1 - turn], harmonics, behind});
+        shapeByTanh(bass[turn], 2 * count, drive);
+        const std::uint32_t beginBehind = behind > 0 ? begin - tile : 0;
+        float *const l = left + beginBehind;
+        float *const r = right + beginBehind;
+        for (std::uint32_t i = 0; i < behind; ++i) {
+            l[i] = (l[i] + wet * harmonics[2 * i]) / total;
+            r[i] = (r[i] + wet * harmonics[2 * i + 1]) / total;
         }
-        shapeByTanh(bassL, count, drive);
-        shapeByTanh(bassR, count, drive);
-        for (std::uint32_t i = 0; i < count; ++i) {
-            x[i] = (x[i] + wet * l.highPass.process(high, bassL[i])) / total;
-            y[i] = (y[i] + wet * r.highPass.process(high, bassR[i])) / total;
-        }
+        behind = count;
     }
-    channels_[0] = l;
-    channels_[1] = r;
 }
 
 } // namespace quorbel

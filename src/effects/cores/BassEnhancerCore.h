@@ -1,8 +1,7 @@
 #pragma once
 
-#include "effects/cores/Biquad.h"
+#include "effects/cores/StereoSection.h"
 
-#include <array>
 #include <cstdint>
 
 namespace quorbel {
@@ -15,7 +14,7 @@ class BassEnhancerCore {
     void prepare(float sampleRate) noexcept;
 
     /// Back to silence.
-    void clear() noexcept { channels_ = {}; }
+    void clear() noexcept { lowPass_ = highPass_ = {}; }
 
     /// In place. `amount` counts from 0 to 1 and is limited to that; `drive` is 1 or more. At
     /// amount 0 the sound stays as it is while the filters keep running. [render]
@@ -23,13 +22,9 @@ class BassEnhancerCore {
                  float crossoverHz) noexcept;
 
   private:
-    struct Channel {
-        BiquadState lowPass;
-        BiquadState highPass;
-    };
-
     float sampleRate_ = 48'000.0F;
-    std::array<Channel, 2> channels_{};
+    StereoSection lowPass_;
+    StereoSection highPass_;
 };
 
 } // namespace quorbel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "effects/cores/Biquad.h"
+#include "effects/cores/StereoSection.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,13 +26,17 @@ class CrossfeedCore {
                  float target) noexcept;
 
   private:
+    /// Puts the frames into the lines and takes those that come out, interleaved. `frames` is even
+    /// unless the block ends with it.
+    void delay(const float *left, const float *right, std::uint32_t frames,
+               float *delayed) noexcept;
+
     std::size_t delay_ = 16;
     BiquadCoefficients lowPass_;
+    // Each holds the last `delay_` frames, with room for a stretch of new ones behind them.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
-    std::size_t writeIndex_ = 0;
-    BiquadState fromLeft_;
-    BiquadState fromRight_;
+    StereoSection crossing_; // of each channel, before it is mixed into the other
 };
 
 } // namespace quorbel

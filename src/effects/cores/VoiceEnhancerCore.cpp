@@ -1,5 +1,6 @@
 #include "effects/cores/VoiceEnhancerCore.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace quorbel {
@@ -18,17 +19,29 @@ void VoiceEnhancerCore::process(float *left, float *right, std::uint32_t frames,
     const BiquadCoefficients presence = peaking(presenceW0, std::sin(presenceW0) / 2.4F,
                                                 std::pow(10.0F, presenceDB / 40.0F)); // Q 1.2
 
-    // Both channels in one loop: neither recursion has to wait for the other.
-    Channel l = channels_[0];
-    Channel r = channels_[1];
-    for (std::uint32_t i = 0; i < frames; ++i) {
-        const float shapedL = l.presence.process(presence, l.mud.process(mud, left[i]));
-        const float shapedR = r.presence.process(presence, r.mud.process(mud, right[i]));
-        left[i] = left[i] + mix * (shapedL - left[i]);
-        right[i] = right[i] + mix * (shapedR - right[i]);
+    // The presence filter follows the mud filter by a few frames, so that all four recursions run
+    // side by side.
+    constexpr std::uint32_t stretch = 128;
+    constexpr std::uint32_t lag = 8;
+    float dry[2 * stretch];
+    float cleared[2 * stretch];
+    float shaped[2 * stretch];
+    for (std::uint32_t begin = 0; begin < frames; begin += stretch) {
+        const std::uint32_t count = std::min(stretch, frames - begin);
+        const std::uint32_t ahead = std::min(lag, count);
+        const std::uint32_t rest = count - ahead;
+        float *const l = left + begin;
+        float *const r = right + begin;
+        interleave(l, r, count, dry);
+        processSection({mud, mud_, dry, cleared, ahead});
+        processSections({mud, mud_, dry + 2 * ahead, cleared + 2 * ahead, rest},
+                        {presence, presence_, cleared, shaped, rest});
+        processSection({presence, presence_, cleared + 2 * rest, shaped + 2 * rest, ahead});
+        for (std::uint32_t i = 0; i < count; ++i) {
+            l[i] = l[i] + mix * (shaped[2 * i] - l[i]);
+            r[i] = r[i] + mix * (shaped[2 * i + 1] - r[i]);
+        }
     }
-    channels_[0] = l;
-    channels_[1] = r;
 }
 
 } // namespace quorbel

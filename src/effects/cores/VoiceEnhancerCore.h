@@ -1,8 +1,7 @@
 #pragma once
 
-#include "effects/cores/Biquad.h"
+#include "effects/cores/StereoSection.h"
 
-#include <array>
 #include <cstdint>
 
 namespace quorbel {
@@ -14,20 +13,16 @@ class VoiceEnhancerCore {
     void prepare(float sampleRate) noexcept;
 
     /// Back to silence. [render]
-    void clear() noexcept { channels_ = {}; }
+    void clear() noexcept { mud_ = presence_ = {}; }
 
     /// In place. `mix` 0 to 1; `presenceDB` is a boost, `mudDB` a cut, both 0 or more. [render]
     void process(float *left, float *right, std::uint32_t frames, float mix, float presenceDB,
                  float mudDB) noexcept;
 
   private:
-    struct Channel {
-        BiquadState mud;
-        BiquadState presence; // its input is the mud filter's output
-    };
-
     float sampleRate_ = 48'000.0F;
-    std::array<Channel, 2> channels_{};
+    StereoSection mud_;
+    StereoSection presence_; // its input is the mud filter's output
 };
 
 } // namespace quorbel
