@@ -2,6 +2,8 @@
 #include "endtoend/LiveTest.h"
 #include "support/soundserver/LateDevice.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <tuple>
@@ -19,6 +21,33 @@ class Sound : public LiveTest, public testing::WithParamInterface<std::tuple<std
     static int quantum() { return std::get<1>(GetParam()); }
     static std::vector<std::string> onDevice() { return {"--device", device()}; }
 };
+
+/// When the machine stood still, in nanoseconds: a recorder missed a cycle, or sound on the other
+/// device, which does not pass through us, was hurt.
+std::vector<std::uint64_t> stallsIn(const Recording &heard, const Recording &control) {
+    std::vector<std::uint64_t> stalls;
+    for (const std::size_t frame : heard.framesAfterGaps()) {
+        stalls.push_back(heard.nanosecondsOf(frame));
+    }
+    for (const std::size_t frame : control.framesAfterGaps()) {
+        stalls.push_back(control.nanosecondsOf(frame));
+    }
+    for (const std::size_t frame : SequenceReport::of(control).faults) {
+        stalls.push_back(control.nanosecondsOf(frame));
+    }
+    return stalls;
+}
+
+/// Whether everything that went wrong went wrong within 50 ms of a stall.
+bool allFaultsAreIn(const std::vector<std::uint64_t> &stalls, const Recording &heard,
+                    const SequenceReport &report) {
+    return std::ranges::all_of(report.faults, [&](std::size_t frame) {
+        const auto when = static_cast<double>(heard.nanosecondsOf(frame));
+        return std::ranges::any_of(stalls, [&](std::uint64_t stall) {
+            return std::abs(static_cast<double>(stall) - when) < 50e6;
+        });
+    });
+}
 
 INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
                          testing::Combine(testing::Values("speakers", "hdmi"),
@@ -45,26 +74,28 @@ TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     ASSERT_TRUE(soonHears(recorder, Heard::dry)); // flat: what is heard is the sequence itself
     recorder.skip(1.5);
+    std::string story;
     for (int attempt = 1; attempt <= attempts; ++attempt) {
         const std::size_t linesBefore = lossLines(*live).size();
         const std::size_t controlStart = control.frames();
         const Recording heard = recorder.next(seconds);
-        const Recording other = control.recording(controlStart);
         const auto report = SequenceReport::of(heard);
-        if (report.intact() && report.frames == heard.frames() &&
-            lossLines(*live).size() == linesBefore) {
+        ASSERT_EQ(report.leadingSilence, 0U);
+        ASSERT_EQ(report.frames, heard.frames());
+        if (report.intact() && lossLines(*live).size() == linesBefore) {
             return;
         }
-        const auto controlReport = SequenceReport::of(other);
-        std::cout << "lost in attempt " << attempt << ": " << report << "; the recorder missed "
-                  << heard.missedFrames() << "; the control: " << controlReport << ", missed "
-                  << other.missedFrames() << "\n";
-        const bool machineStoodStill =
-            heard.missedFrames() > 0 || other.missedFrames() > 0 || !controlReport.intact();
-        ASSERT_TRUE(machineStoodStill) << testing::PrintToString(lossLines(*live));
+        const Recording other = control.recording(controlStart);
+        const auto stalls = stallsIn(heard, other);
+        story += fmt::format("{} ({} stalls of the machine)\n", testing::PrintToString(report),
+                             stalls.size());
+        ASSERT_FALSE(stalls.empty()) << story << testing::PrintToString(lossLines(*live));
+        if (allFaultsAreIn(stalls, heard, report)) {
+            std::cout << story;
+            return;
+        }
     }
-    ASSERT_LT(quantum(), 1024) << "the machine cannot even play undisturbed";
-    GTEST_SKIP() << "this machine cannot play at quantum " << quantum() << " without us either";
+    FAIL() << story;
 }
 
 TEST_P(Sound, TheLimiterLooksAheadAndNothingElseAddsToTheDelay) {

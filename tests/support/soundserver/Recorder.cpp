@@ -42,12 +42,21 @@ std::uint64_t Recording::nanosecondsOf(std::size_t frame) const {
 
 std::uint64_t Recording::missedFrames() const {
     std::uint64_t missed = 0;
-    for (std::size_t index = 1; index < segments.size(); ++index) {
-        const Segment &before = segments[index - 1];
-        const std::uint64_t expected = before.position + before.frames;
-        missed += segments[index].position > expected ? segments[index].position - expected : 0;
+    for (const std::size_t frame : framesAfterGaps()) {
+        missed += positionOf(frame) - positionOf(frame - 1) - 1;
     }
     return missed;
+}
+
+std::vector<std::size_t> Recording::framesAfterGaps() const {
+    std::vector<std::size_t> frames;
+    for (std::size_t index = 1; index < segments.size(); ++index) {
+        const Segment &before = segments[index - 1];
+        if (segments[index].position > before.position + before.frames) {
+            frames.push_back(segments[index].start);
+        }
+    }
+    return frames;
 }
 
 Recording Recording::excerpt(std::size_t start, std::size_t count) const {

@@ -32,6 +32,9 @@ struct Recording {
     /// Frames that the recorder itself missed, by the clock: gaps between the segments' positions.
     [[nodiscard]] std::uint64_t missedFrames() const;
 
+    /// The first frames after these gaps.
+    [[nodiscard]] std::vector<std::size_t> framesAfterGaps() const;
+
     /// `count` frames from `start` on.
     [[nodiscard]] Recording excerpt(std::size_t start, std::size_t count) const;
 

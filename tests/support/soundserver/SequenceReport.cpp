@@ -39,11 +39,13 @@ SequenceReport SequenceReport::of(const Recording &recording) {
     for (std::size_t frame = begin; frame < end; ++frame) {
         if (isSilent(frame)) {
             ++report.silent;
+            report.faults.push_back(frame);
             continue;
         }
         const auto index = indexOf(recording.left[frame], recording.right[frame]);
         if (!index) {
             ++report.changed;
+            report.faults.push_back(frame);
             continue;
         }
         if (last) {
@@ -54,9 +56,7 @@ SequenceReport SequenceReport::of(const Recording &recording) {
                 ++report.jumps;
                 report.lost += advance > 1 ? advance - 1 : 0;
                 report.repeated += advance < 1 ? 1 - advance : 0;
-                if (report.jumpFrames.size() < 8) {
-                    report.jumpFrames.push_back(frame);
-                }
+                report.faults.push_back(frame);
             }
         }
         last = index;
@@ -69,8 +69,8 @@ std::ostream &operator<<(std::ostream &out, const SequenceReport &report) {
         << " silent ones: " << report.silent << " silent, " << report.changed << " changed, "
         << report.jumps << " jumps (" << report.lost << " lost, " << report.repeated
         << " repeated)";
-    for (const std::size_t frame : report.jumpFrames) {
-        out << " @" << frame;
+    if (!report.faults.empty()) {
+        out << ", the first at frame " << report.faults.front();
     }
     return out;
 }

@@ -14,8 +14,8 @@ struct SequenceReport {
     std::size_t changed = 0; ///< frames that are no value of the sequence, or not on both channels
     std::size_t jumps = 0;   ///< places where the sequence does not go on with the next value
     std::int64_t lost = 0;   ///< values left out at forward jumps
-    std::int64_t repeated = 0;           ///< values heard again at backward jumps
-    std::vector<std::size_t> jumpFrames; ///< where in the recording, the first few
+    std::int64_t repeated = 0;       ///< values heard again at backward jumps
+    std::vector<std::size_t> faults; ///< where in the recording, each frame of the above
 
     [[nodiscard]] bool intact() const {
         return frames > 0 && silent == 0 && changed == 0 && jumps == 0;
