@@ -38,7 +38,7 @@ std::vector<Preset> availablePresets(const Persisted &settings) {
     return presets;
 }
 
-void applyPreset(Persisted &settings, const std::string &name) {
+Preset presetNamed(const Persisted &settings, const std::string &name) {
     const std::vector<Preset> presets = availablePresets(settings);
     auto chosen = std::find_if(presets.begin(), presets.end(),
                                [&](const Preset &preset) { return preset.name == name; });
@@ -49,8 +49,13 @@ void applyPreset(Persisted &settings, const std::string &name) {
     if (chosen == presets.end())
         throw CommandError(fmt::format("no preset is named {}; `ostrafine-cli presets` lists them",
                                        quotedText(name)));
-    settings.bands = chosen->bands;
-    settings.spatial = chosen->spatial;
+    return *chosen;
+}
+
+void applyPreset(Persisted &settings, const std::string &name) {
+    const Preset chosen = presetNamed(settings, name);
+    settings.bands = chosen.bands;
+    settings.spatial = chosen.spatial;
 }
 
 } // namespace quorbel

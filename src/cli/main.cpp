@@ -1,5 +1,7 @@
 #include "cli/CommandError.h"
 #include "cli/DevicesCommand.h"
+#include "cli/ExportCommand.h"
+#include "cli/ImportCommand.h"
 #include "cli/LiveCommand.h"
 #include "cli/PresetsCommand.h"
 #include "cli/RenderCommand.h"
@@ -37,6 +39,8 @@ int main(int argc, char **argv) {
     const quorbel::RenderCommand render(program);
     const quorbel::LiveCommand live(program);
     const quorbel::PresetsCommand presets(program);
+    const quorbel::ImportCommand importPreset(program);
+    const quorbel::ExportCommand exportPreset(program);
     const quorbel::DevicesCommand devices(program);
     try {
         program.parse(argc, argv);
@@ -51,6 +55,10 @@ int main(int argc, char **argv) {
             live.run();
         if (presets.isChosen())
             presets.run();
+        if (importPreset.isChosen())
+            importPreset.run();
+        if (exportPreset.isChosen())
+            exportPreset.run();
         if (devices.isChosen())
             devices.run();
         if (!live.isChosen() && std::fflush(stdout) != 0)

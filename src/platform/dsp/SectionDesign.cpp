@@ -288,19 +288,21 @@ class SectionFit {
 } // namespace
 
 double clampedGainDB(float gainDB) {
-    const double gain =
-        std::isnan(gainDB) ? 0.0 : std::clamp<double>(gainDB, minimumBandGainDB, maximumBandGainDB);
+    const double gain = std::isnan(gainDB) ? 0.0
+                                           : std::clamp(double{gainDB}, double{minimumBandGainDB},
+                                                        double{maximumBandGainDB});
     return std::abs(gain) < flatGainDB ? 0.0 : gain;
 }
 
 double clampedFrequencyHz(float frequencyHz, double sampleRate) {
-    return std::clamp<double>(frequencyHz, minimumBandFrequencyHz,
-                              maximumBandFrequencyRatio * sampleRate);
+    return std::clamp(double{frequencyHz}, double{minimumBandFrequencyHz},
+                      maximumBandFrequencyRatio * sampleRate);
 }
 
 double clampedQuality(float bandwidthOctaves) {
-    return qualityFromBandwidth(
-        std::clamp<double>(bandwidthOctaves, minimumBandwidthOctaves, maximumBandwidthOctaves));
+    return qualityFromBandwidth(std::clamp(double{bandwidthOctaves},
+                                           double{minimumBandwidthOctaves},
+                                           double{maximumBandwidthOctaves}));
 }
 
 std::optional<StateVariableDesign> designBand(const EqualizerBandSettings &settings,

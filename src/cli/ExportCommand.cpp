@@ -1,0 +1,44 @@
+#include "cli/ExportCommand.h"
+
+#include "cli/CommandError.h"
+#include "cli/PresetChoice.h"
+#include "cli/SettingsSource.h"
+#include "settings/interchange/EqualizerText.h"
+#include "settings/interchange/InterchangeError.h"
+#include "settings/interchange/PresetFile.h"
+#include "settings/state/FileReplacement.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <filesystem>
+
+namespace quorbel {
+
+ExportCommand::ExportCommand(CLI::App &program)
+    : command_(program.add_subcommand(
+          "export", "Write a preset as a parametric equaliser text, or whole to a .json file")) {
+    command_->add_option("--preset", presetName_, "Name of the preset")->required();
+    command_->add_option("FILE", path_, "File to write; one that exists is replaced")->required();
+}
+
+void ExportCommand::run() const {
+    const Persisted settings = loadSettings("");
+    const Preset preset = presetNamed(settings, presetName_);
+    const bool isActive = settings.activePresetID == preset.id;
+    try {
+        // The global gain belongs to what is heard now, and so to the preset in force alone.
+        const std::string text =
+            std::filesystem::path(path_).extension() == ".json"
+                ? writePresetFile(preset)
+                : writeEqualizerText(preset.bands,
+                                     isActive ? settings.eqGlobalGainDB.value_or(0.0F) : 0.0F);
+        replaceFile(path_, text);
+    } catch (const InterchangeError &error) {
+        throw CommandError(fmt::format("{}: {}", preset.name, error.what()));
+    } catch (const FileReplacementError &error) {
+        throw CommandError(fmt::format("{}: cannot be written: {}", path_, error.what()));
+    }
+}
+
+} // namespace quorbel

@@ -1,0 +1,55 @@
+#include "cli/CliTest.h"
+
+#include <gmock/gmock.h>
+
+namespace quorbel {
+namespace {
+
+using testing::HasSubstr;
+
+class ImportExport : public CliTest {
+  protected:
+    const std::string text = "Preamp: -6 dB\n"
+                             "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.7\n"
+                             "Filter 2: ON XX Fc 1000 Hz Gain 2 dB Q 1\n";
+};
+
+TEST_F(ImportExport, WhatIsImportedIsHeardAndListedAndWrittenAgain) {
+    const std::string input = file("cans.txt", text);
+    const Result import = run({"import", input, "--name", "Cans"});
+    ASSERT_EQ(import.status, 0) << import.errors;
+    EXPECT_THAT(import.output, HasSubstr("line 3: "));
+    EXPECT_THAT(run({"presets"}).output, HasSubstr("Cans"));
+
+    // The user's settings are what `render` starts from.
+    const std::string silence = file("in.wav", noise(4800));
+    ASSERT_EQ(run({"render", silence, path("out.wav")}).status, 0);
+    double energyIn = 0.0;
+    double energyOut = 0.0;
+    for (const float sample : sound(silence).samples)
+        energyIn += double{sample} * double{sample};
+    for (const float sample : sound(path("out.wav")).samples)
+        energyOut += double{sample} * double{sample};
+    EXPECT_NEAR(energyOut / energyIn, 0.25, 0.02) << "the preamp of -6 dB";
+
+    ASSERT_EQ(run({"export", "--preset", "Cans", path("again.txt")}).status, 0);
+    const std::string again = bytes(path("again.txt"));
+    EXPECT_THAT(again, HasSubstr("Preamp: -6 dB"));
+    EXPECT_THAT(again, HasSubstr("Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.7"));
+
+    ASSERT_EQ(run({"export", "--preset", "Cans", path("cans.json")}).status, 0);
+    EXPECT_EQ(run({"import", path("cans.json"), "--name", "Twin"}).status, 0);
+    EXPECT_THAT(run({"presets"}).output, HasSubstr("Twin"));
+}
+
+TEST_F(ImportExport, WhatCannotBeTakenLeavesEverythingAsItWas) {
+    const std::string good = file("cans.txt", text);
+    expectRefusal({"import", path("absent.txt")}, "does not exist");
+    expectRefusal({"import", file("prose.txt", "no filter here\n")}, "prose.txt");
+    expectRefusal({"import", file("cut.json", "{\"name\": \"x\"")}, "cut.json");
+    expectRefusal({"export", "--preset", "Nobody's", path("out.txt")}, "no preset is named");
+    expectRefusal({"export", "--preset", "Flat", path("cans.txt/out.txt")}, "cannot be written");
+}
+
+} // namespace
+} // namespace quorbel
