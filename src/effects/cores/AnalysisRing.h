@@ -4,6 +4,7 @@
 
 #include <span>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -18,10 +19,18 @@ class AnalysisRing {
     /// Appends (left + right) / 2. [render]
     void feed(const float *left, const float *right, std::uint32_t frames) noexcept {
         const std::lock_guard lock(lock_);
-        for (std::uint32_t i = 0; i < frames; ++i)
-            samples_[static_cast<std::size_t>(written_ + i) % capacity] =
-                (left[i] + right[i]) * 0.5F;
-        written_ += frames;
+        while (frames > 0) {
+            const std::size_t at = static_cast<std::size_t>(written_) % capacity;
+            const auto count =
+                static_cast<std::uint32_t>(std::min<std::size_t>(frames, capacity - at));
+            float *const samples = samples_.data() + at;
+            for (std::uint32_t i = 0; i < count; ++i)
+                samples[i] = (left[i] + right[i]) * 0.5F;
+            left += count;
+            right += count;
+            frames -= count;
+            written_ += count;
+        }
     }
 
     /// Copies the newest samples in the order of time; false, and nothing copied, if fewer were
@@ -30,9 +39,11 @@ class AnalysisRing {
         const std::lock_guard lock(lock_);
         if (written_ < newest.size())
             return false;
-        const std::uint64_t begin = written_ - newest.size();
-        for (std::size_t i = 0; i < newest.size(); ++i)
-            newest[i] = samples_[static_cast<std::size_t>(begin + i) % capacity];
+        // From the oldest wanted to the end of the array, the rest from its beginning.
+        const std::size_t at = static_cast<std::size_t>(written_ - newest.size()) % capacity;
+        const std::size_t count = std::min(newest.size(), capacity - at);
+        std::copy_n(samples_.data() + at, count, newest.data());
+        std::copy_n(samples_.data(), newest.size() - count, newest.data() + count);
         return true;
     }
 
