@@ -57,8 +57,9 @@ class LaneCoefficients {
         }
         twiceCutoff = hn::Load(tag, table[0]);
         feedback = hn::Load(tag, table[1]);
-        scale = hn::Load(tag, table[2]);
+        const Vector scale = hn::Load(tag, table[2]);
         twiceScale = hn::Add(scale, scale);
+        secondOfDrive = hn::Mul(twiceCutoff, scale);
         direct = hn::Load(tag, table[3]);
         outputOfFirst = hn::Load(tag, table[4]);
         outputOfSecond = hn::Load(tag, table[5]);
@@ -69,8 +70,8 @@ class LaneCoefficients {
 
     Vector twiceCutoff;
     Vector feedback;
-    Vector scale;
     Vector twiceScale;
+    Vector secondOfDrive; // what the drive adds to the second memory
     Vector direct;
     Vector outputOfFirst;
     Vector outputOfSecond;
@@ -125,9 +126,9 @@ class LaneStates {
             hn::MulAdd(c.outputOfSecond, second_, hn::Mul(c.outputOfFirst, first_));
         const Vector output =
             hn::MulAdd(c.outputOfDrive, drive, hn::MulAdd(c.direct, x, remembered));
-        const Vector bandpass = hn::MulAdd(c.scale, drive, first_);
+        const Vector integrated = hn::MulAdd(c.twiceCutoff, first_, second_);
         first_ = hn::MulAdd(c.twiceScale, drive, first_);
-        second_ = hn::MulAdd(c.twiceCutoff, bandpass, second_);
+        second_ = hn::MulAdd(c.secondOfDrive, drive, integrated);
         // The highest lane, that of the last section, comes round to the lowest.
         const Vector moved = hn::TableLookupLanes(output, c.upByOne);
         next_ = after_;
