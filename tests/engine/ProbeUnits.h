@@ -22,7 +22,7 @@ class ProbeUnits {
     std::set<ChainUnit> absent; ///< fail when they are made; looked at each time
     std::map<ChainUnit, int> made;
     std::map<ChainUnit, std::vector<float>> valuesAtAllocation;
-    std::vector<ChainUnit> rendered; ///< in the order of the first block after an allocation
+    std::vector<ChainUnit> rendered;        ///< in the order of the first block after an allocation
     std::map<ChainUnit, float> firstSample; ///< of the left channel of that block, as it came in
     std::map<ChainUnit, float> readouts;
 };
