@@ -49,6 +49,11 @@ void AudioEngine::setMixer(const MixerConfig &mixer) {
     Q_EMIT mixerChanged();
 }
 
+void AudioEngine::applySpatial() {
+    chain_.applySpatial(spatial_);
+    playback_.updateTail();
+}
+
 void AudioEngine::applyMixer() {
     chain_.applyMixer(mixer_);
     if (lifecycle.state() != EngineLifecycle::State::running())

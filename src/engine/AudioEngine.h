@@ -97,7 +97,7 @@ class AudioEngine final : public QObject {
 
     void continueStart(EngineLifecycle::Generation start);
     void activateTap();
-    void applySpatial() { chain_.applySpatial(spatial_); }
+    void applySpatial();
     void applyMixer();
     void attachSpectrum();
     void observeHardware();

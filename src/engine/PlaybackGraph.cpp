@@ -66,6 +66,11 @@ void PlaybackGraph::stop() {
     processEngine.reset();
 }
 
+void PlaybackGraph::updateTail() {
+    if (HardwareOutput *output = processEngine.outputNode().hardware())
+        output->setHoldsTail(chain_.holdsTail());
+}
+
 std::uint64_t PlaybackGraph::replacedNonFiniteFrames() const {
     return replacedBefore_ + (sourceNode ? sourceNode->replacedNonFiniteFrames() : 0);
 }

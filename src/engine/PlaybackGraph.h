@@ -34,6 +34,9 @@ class PlaybackGraph {
     /// Stops if it runs, and forgets the sound inside.
     void stop();
 
+    /// The chain's settings have changed: whether the device is to be kept running for its tail.
+    void updateTail();
+
     /// For the spectrum analyzer, which taps the main mixer.
     [[nodiscard]] AudioGraph &graph() { return processEngine; }
 

@@ -52,6 +52,9 @@ class ProcessingChain {
     void applySpatial(const SpatialConfig &spatial);
     void applyMixer(const MixerConfig &mixer);
 
+    /// True if sound goes on coming out for a while after it has stopped coming in.
+    [[nodiscard]] bool holdsTail() const { return reverb_.mix() > 0.0F; }
+
     [[nodiscard]] MeterReadings readings() const;
 
   private:

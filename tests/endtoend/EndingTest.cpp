@@ -172,6 +172,26 @@ TEST_F(Ending, SwitchingOnAndOffDuringPlaybackCostsNoTime) {
     EXPECT_TRUE(comesTrue(1.0, [&] { return server.state().routing() == routingBefore; }));
 }
 
+TEST_F(Ending, AReverbIsHeardOutAfterTheLastApplication) {
+    const PrivateSoundServer quiet;
+    LiveSettings settings = LiveSettings::flat();
+    settings.reverbMix = 100.0;
+    LiveProcess live(quiet, settings);
+    live.waitUntilRunning();
+    {
+        Sequence sequence;
+        const auto file = quiet.folder() / "sequence.wav";
+        writeSoundFile(file, rendered(sequence, 0.5));
+        const auto application = quiet.start({"pw-play", file.string()});
+        ASSERT_EQ(application->exitStatusWithin(5.0), 0);
+    }
+    // No recorder runs yet: one would keep the device running by itself.
+    const auto isPlaying = [&] { return quiet.state().node("speakers")->state == "running"; };
+    const auto ended = SteadyClock::now();
+    ASSERT_TRUE(comesTrue(15.0, [&] { return !isPlaying(); }));
+    EXPECT_GT(SteadyClock::now() - ended, std::chrono::seconds(2));
+}
+
 TEST_F(Ending, TheDeviceGoesToSleepAfterTheLastApplication) {
     // A recorder would keep the device awake; this test has only its own.
     const PrivateSoundServer quiet;

@@ -103,6 +103,10 @@ class HardwareOutput {
     /// invalid format when there is none.
     [[nodiscard]] virtual StreamFormat nativeFormat() const = 0;
 
+    /// Whether what is rendered goes on for a while after the last application has stopped, and the
+    /// device is to be kept running until it has died away.
+    virtual void setHoldsTail(bool) {}
+
     /// Starts asking `client` for sound. The client must stay alive until `stop` has returned. On
     /// failure nothing is left running.
     virtual Status start(RenderClient &client) = 0;

@@ -43,8 +43,8 @@ std::string LiveSettings::json() const {
     }
     file["spatial"] = {{"widenerEnabled", false},     {"widthPercent", 100.0},
                        {"xtcEnabled", false},         {"xtcAmount", 50.0},
-                       {"xtcNotchFrequency", 2000.0}, {"reverbEnabled", false},
-                       {"reverbMix", 15.0},           {"reverbPreset", "smallRoom"}};
+                       {"xtcNotchFrequency", 2000.0}, {"reverbEnabled", reverbMix > 0.0},
+                       {"reverbMix", reverbMix},      {"reverbPreset", "cathedral"}};
     file["presets"] = Json::array();
     file["mixer"] = Json::object();
     file["eqGlobalGainDB"] = eqGlobalGainDB;

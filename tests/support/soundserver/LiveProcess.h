@@ -21,6 +21,7 @@ struct LiveSettings {
 
     std::vector<Band> bands;
     double eqGlobalGainDB = 0.0;
+    double reverbMix = 0.0; ///< percent, of a cathedral
 
     /// Ten bands that do nothing, and a gain for all.
     static LiveSettings flat(double globalGainDB = 0.0);

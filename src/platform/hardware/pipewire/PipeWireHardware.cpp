@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
@@ -80,6 +81,8 @@ class PipeWireHardware::Output final : public HardwareOutput {
         return {hardware_.graphRate(), channels.front()};
     }
 
+    void setHoldsTail(bool holdsTail) override { holdsTail_ = holdsTail; }
+
     Status start(RenderClient &client) override {
         ServerConnection &connection = *hardware_.connection_;
         const LoopLock lock(connection.loop());
@@ -134,7 +137,8 @@ class PipeWireHardware::Output final : public HardwareOutput {
             loop,
             [](void *self, std::uint64_t) {
                 auto &output = *static_cast<Output *>(self);
-                output.keep_->setActive(output.stream_->wasHeardWithin(tailSeconds));
+                output.keep_->setActive(output.holdsTail_ &&
+                                        output.stream_->wasHeardWithin(tailSeconds));
             },
             this);
         timespec interval{0, tailCheckNanoseconds};
@@ -145,6 +149,7 @@ class PipeWireHardware::Output final : public HardwareOutput {
     PipeWireHardware &hardware_;
     AudioObjectID device_ = 0;
     std::unique_ptr<OutStream> stream_;
+    std::atomic<bool> holdsTail_{false}; ///< set by main, read by control
     std::unique_ptr<KeepStream> keep_;
     spa_source *tailTimer_ = nullptr;
 };
