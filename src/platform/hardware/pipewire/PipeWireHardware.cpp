@@ -1,34 +1,24 @@
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 
+#include "platform/hardware/pipewire/PipeWireOutput.h"
+
 #include <spa/utils/json.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
-#include <ctime>
-#include <utility>
 
 namespace quorbel {
 namespace {
 
-// Deadlines of waits for the server. It answers within milliseconds or not at all.
-constexpr double answerSeconds = 2.0;
+// Deadlines of what follows a routing; both take milliseconds.
 constexpr double restoreSeconds = 0.5;
 constexpr double unlinkSeconds = 0.3;
-
-/// After this much inaudible output the device may rest.
-constexpr double tailSeconds = 2.0;
-constexpr long tailCheckNanoseconds = 200'000'000;
 
 /// No object of the server: the capture device is the scheduling group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;
 constexpr IOProcID theIOProc = 1;
-
-bool isOutputDevice(const NodeRecord &node) {
-    return node.mediaClass() == "Audio/Sink" || node.mediaClass() == "Audio/Duplex";
-}
 
 bool isDevice(const NodeRecord &node) {
     return node.isComplete && (isOutputDevice(node) || node.mediaClass() == "Audio/Source");
@@ -54,105 +44,6 @@ std::string nameInJson(const std::string &text) {
 }
 
 } // namespace
-
-/// The playback side: one output stream at a time.
-class PipeWireHardware::Output final : public HardwareOutput {
-  public:
-    explicit Output(PipeWireHardware &hardware) : hardware_(hardware) {}
-    ~Output() override { stop(); }
-
-    Status setDevice(AudioObjectID device) override {
-        const LoopLock lock(hardware_.connection_->loop());
-        const NodeRecord *node = hardware_.registry_->node(device);
-        if (node == nullptr || !isOutputDevice(*node))
-            return -ENODEV;
-        device_ = device;
-        return statusOK;
-    }
-
-    StreamFormat nativeFormat() const override {
-        if (device_ == 0)
-            return {};
-        std::vector<std::uint32_t> channels;
-        if (hardware_.streamChannelCounts(device_, Scope::output, channels) != statusOK ||
-            channels.empty())
-            return {};
-        const LoopLock lock(hardware_.connection_->loop());
-        return {hardware_.graphRate(), channels.front()};
-    }
-
-    void setHoldsTail(bool holdsTail) override { holdsTail_ = holdsTail; }
-
-    Status start(RenderClient &client) override {
-        ServerConnection &connection = *hardware_.connection_;
-        const LoopLock lock(connection.loop());
-        if (connection.isLost())
-            return -EPIPE;
-        const NodeRecord *device = hardware_.registry_->node(device_);
-        if (device == nullptr)
-            return -ENODEV;
-        stream_ = std::make_unique<OutStream>(connection, hardware_.pair_, client);
-        Status status = stream_->connect(device->name(), {hardware_.graphRate(), 2});
-        if (status == statusOK)
-            status = connection.waitUntil(
-                [&] {
-                    return stream_->error() != statusOK ||
-                           hardware_.registry_->node(device_) == nullptr ||
-                           hardware_.registry_->isLinked(stream_->nodeID(), device_);
-                },
-                answerSeconds);
-        if (status == statusOK)
-            status = stream_->error();
-        if (status == statusOK && hardware_.registry_->node(device_) == nullptr)
-            status = -ENODEV;
-        if (status != statusOK) {
-            stream_.reset();
-            return status;
-        }
-        keep_ = std::make_unique<KeepStream>(connection, hardware_.pair_);
-        if (keep_->connect(device->name()) == statusOK)
-            watchTail();
-        hardware_.outputDevice_ = device_;
-        hardware_.routeIfReady();
-        return statusOK;
-    }
-
-    void stop() override {
-        if (!stream_)
-            return;
-        const LoopLock lock(hardware_.connection_->loop());
-        hardware_.outputDevice_ = 0;
-        if (tailTimer_ != nullptr)
-            pw_loop_destroy_source(pw_thread_loop_get_loop(hardware_.connection_->loop()),
-                                   std::exchange(tailTimer_, nullptr));
-        keep_.reset();
-        stream_.reset();
-    }
-
-  private:
-    /// Looks now and then whether something is still to be heard out.
-    void watchTail() {
-        pw_loop *loop = pw_thread_loop_get_loop(hardware_.connection_->loop());
-        tailTimer_ = pw_loop_add_timer(
-            loop,
-            [](void *self, std::uint64_t) {
-                auto &output = *static_cast<Output *>(self);
-                output.keep_->setActive(output.holdsTail_ &&
-                                        output.stream_->wasHeardWithin(tailSeconds));
-            },
-            this);
-        timespec interval{0, tailCheckNanoseconds};
-        if (tailTimer_ != nullptr)
-            pw_loop_update_timer(loop, tailTimer_, &interval, &interval, false);
-    }
-
-    PipeWireHardware &hardware_;
-    AudioObjectID device_ = 0;
-    std::unique_ptr<OutStream> stream_;
-    std::atomic<bool> holdsTail_{false}; ///< set by main, read by control
-    std::unique_ptr<KeepStream> keep_;
-    spa_source *tailTimer_ = nullptr;
-};
 
 std::unique_ptr<PipeWireHardware> PipeWireHardware::connect(Status &status) {
     std::unique_ptr<PipeWireHardware> hardware(new PipeWireHardware);

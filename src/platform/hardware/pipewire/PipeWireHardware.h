@@ -14,6 +14,14 @@
 
 namespace quorbel {
 
+/// How long the server is waited for. It answers within milliseconds or not at all.
+inline constexpr double answerSeconds = 2.0;
+
+/// True for what can be played on.
+inline bool isOutputDevice(const NodeRecord &node) {
+    return node.mediaClass() == "Audio/Sink" || node.mediaClass() == "Audio/Duplex";
+}
+
 /// The hardware layer on a PipeWire server. A process tap is an input stream plus the router that
 /// sends the applications' streams to it; the capture device around it is no object of its own,
 /// because tap and output run in one group of the graph, at the output device's clock.

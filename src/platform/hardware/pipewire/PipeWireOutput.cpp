@@ -1,0 +1,101 @@
+#include "platform/hardware/pipewire/PipeWireOutput.h"
+
+#include <cerrno>
+#include <ctime>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+/// After this much inaudible output the device may rest.
+constexpr double tailSeconds = 2.0;
+constexpr long tailCheckNanoseconds = 200'000'000;
+
+} // namespace
+
+Status PipeWireHardware::Output::setDevice(AudioObjectID device) {
+    const LoopLock lock(hardware_.connection_->loop());
+    const NodeRecord *node = hardware_.registry_->node(device);
+    if (node == nullptr || !isOutputDevice(*node))
+        return -ENODEV;
+    device_ = device;
+    return statusOK;
+}
+
+StreamFormat PipeWireHardware::Output::nativeFormat() const {
+    if (device_ == 0)
+        return {};
+    std::vector<std::uint32_t> channels;
+    if (hardware_.streamChannelCounts(device_, Scope::output, channels) != statusOK ||
+        channels.empty())
+        return {};
+    const LoopLock lock(hardware_.connection_->loop());
+    return {hardware_.graphRate(), channels.front()};
+}
+
+Status PipeWireHardware::Output::start(RenderClient &client) {
+    ServerConnection &connection = *hardware_.connection_;
+    const ObjectRegistry &registry = *hardware_.registry_;
+    const LoopLock lock(connection.loop());
+    if (connection.isLost())
+        return -EPIPE;
+    const NodeRecord *device = registry.node(device_);
+    if (device == nullptr)
+        return -ENODEV;
+    const std::string deviceName = device->name(); // the device itself may go while we wait
+    stream_ = std::make_unique<OutStream>(connection, hardware_.pair_, client);
+    Status status = stream_->connect(deviceName, {hardware_.graphRate(), 2});
+    if (status == statusOK)
+        status = connection.waitUntil(
+            [&] {
+                return stream_->error() != statusOK || registry.node(device_) == nullptr ||
+                       registry.isLinked(stream_->nodeID(), device_);
+            },
+            answerSeconds);
+    if (status == statusOK)
+        status = stream_->error();
+    if (status == statusOK && registry.node(device_) == nullptr)
+        status = -ENODEV;
+    if (status != statusOK) {
+        stream_.reset();
+        return status;
+    }
+    keep_ = std::make_unique<KeepStream>(connection, hardware_.pair_);
+    if (keep_->connect(deviceName) == statusOK)
+        watchTail();
+    hardware_.outputDevice_ = device_;
+    hardware_.routeIfReady();
+    return statusOK;
+}
+
+void PipeWireHardware::Output::stop() {
+    if (!stream_)
+        return;
+    const LoopLock lock(hardware_.connection_->loop());
+    hardware_.outputDevice_ = 0;
+    if (tailTimer_ != nullptr)
+        pw_loop_destroy_source(pw_thread_loop_get_loop(hardware_.connection_->loop()),
+                               std::exchange(tailTimer_, nullptr));
+    keep_.reset();
+    stream_.reset();
+}
+
+/// Looks now and then whether something is still to be heard out.
+void PipeWireHardware::Output::watchTail() {
+    pw_loop *loop = pw_thread_loop_get_loop(hardware_.connection_->loop());
+    tailTimer_ = pw_loop_add_timer(
+        loop,
+        [](void *self, std::uint64_t) {
+            auto &output = *static_cast<Output *>(self);
+            output.keep_->setActive(output.holdsTail_ &&
+                                    output.stream_->wasHeardWithin(tailSeconds));
+        },
+        this);
+    timespec interval{0, tailCheckNanoseconds};
+    if (tailTimer_ != nullptr)
+        pw_loop_update_timer(loop, tailTimer_, &interval, &interval, false);
+}
+
+} // namespace quorbel
