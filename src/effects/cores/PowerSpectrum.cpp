@@ -4,18 +4,16 @@
 
 namespace quorbel {
 
-PowerSpectrum::PowerSpectrum() : window_(normalisedHannWindow(points)) {}
-
-void PowerSpectrum::transform() noexcept {
-    for (std::size_t i = 0; i < points; ++i)
-        samples_[i] *= window_[i];
-    fft_.forward(samples_, real_, imaginary_);
+PowerSpectrum::PowerSpectrum() : window_(normalisedHannWindow(points)) {
+    for (float &weight : window_)
+        weight *= 2.0F;
 }
 
-double PowerSpectrum::power(std::size_t bin) const noexcept {
-    const auto re = static_cast<double>(real_[bin]);
-    const auto im = static_cast<double>(imaginary_[bin]);
-    return re * re + im * im;
+void PowerSpectrum::transform() noexcept {
+    const std::span<float> input = fft_.input();
+    for (std::size_t i = 0; i < points; ++i)
+        input[i] *= window_[i];
+    fft_.transformInput();
 }
 
 } // namespace quorbel

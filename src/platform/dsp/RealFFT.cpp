@@ -58,6 +58,16 @@ RealFFT::RealFFT(std::size_t points) : points_(points) {
 
 RealFFT::~RealFFT() = default;
 
+std::span<float> RealFFT::input() noexcept { return {plan_->samples, points_}; }
+
+void RealFFT::transformInput() noexcept { fftwf_execute(plan_->plan); }
+
+double RealFFT::power(std::size_t bin) const noexcept {
+    const auto real = static_cast<double>(plan_->bins[bin][0]);
+    const auto imaginary = static_cast<double>(plan_->bins[bin][1]);
+    return real * real + imaginary * imaginary;
+}
+
 void RealFFT::forward(std::span<const float> samples, std::span<float> real,
                       std::span<float> imaginary) noexcept {
     const std::size_t bins = binCount();

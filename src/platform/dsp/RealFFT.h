@@ -30,6 +30,14 @@ class RealFFT {
     void forward(std::span<const float> samples, std::span<float> real,
                  std::span<float> imaginary) noexcept;
 
+    /// For callers that would copy in and out for nothing: the transform's own `points()` samples,
+    /// to be filled before each `transformInput`, which may destroy them. Its result is the
+    /// mathematical transform, without the factor of two.
+    [[nodiscard]] std::span<float> input() noexcept;
+    void transformInput() noexcept;
+    /// |X[k]|² of the last `transformInput`, for a bin from 1 to `binCount()` − 1.
+    [[nodiscard]] double power(std::size_t bin) const noexcept;
+
   private:
     struct Plan;
 
