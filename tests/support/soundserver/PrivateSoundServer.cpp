@@ -229,12 +229,12 @@ void PrivateSoundServer::setDefaultDevice(const std::string &name) const {
 
 void PrivateSoundServer::moveApplication(const std::string &nodeName,
                                          const std::string &device) const {
-    const ServerState before = state();
-    const Node *application = before.node(nodeName);
-    if (application == nullptr) {
-        throw ServerError("no application " + nodeName);
-    }
-    run({"pactl", "move-sink-input", application->property("object.serial"), device});
+    // A user moves what is heard. The session manager writes down where a new stream goes a moment
+    // after it is linked, and would overwrite a move that comes before.
+    waitFor(nodeName + " plays", 5.0, [&] { return !state().targetsOf(nodeName).empty(); });
+    const Node application = *state().node(nodeName);
+    comesTrue(0.5, [&] { return state().metadata.contains({application.id, "target.node"}); });
+    run({"pactl", "move-sink-input", application.property("object.serial"), device});
 }
 
 void PrivateSoundServer::forceQuantum(int frames) const {
