@@ -1,0 +1,72 @@
+#include "ui/logic/DisplayResponse.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorbel {
+
+namespace {
+
+double passDB(double ratio, double order) {
+    constexpr double smallestGain = 1e-6;
+    return 20.0 * std::log10(std::max(smallestGain, 1.0 / std::sqrt(std::pow(ratio, order) + 1.0)));
+}
+
+double shareDB(const EQBand &band, double frequencyHz) {
+    const double f0 = static_cast<double>(band.frequency);
+    const double gain = static_cast<double>(band.gainDB);
+    const double q = std::max(static_cast<double>(band.q), 0.1);
+    switch (band.filterType) {
+    case EQBand::FilterType::parametric: {
+        const double x = (frequencyHz / f0 - f0 / frequencyHz) * q;
+        return gain / (1.0 + x * x);
+    }
+    case EQBand::FilterType::lowShelf:
+        return gain / (std::pow(frequencyHz / f0, 2.0 * q) + 1.0);
+    case EQBand::FilterType::highShelf:
+        return gain / (std::pow(f0 / frequencyHz, 2.0 * q) + 1.0);
+    case EQBand::FilterType::lowPass:
+        return passDB(frequencyHz / f0, 2.0 * q);
+    case EQBand::FilterType::highPass:
+        return passDB(f0 / frequencyHz, 2.0 * q);
+    }
+    return 0.0;
+}
+
+} // namespace
+
+double displayFrequency(std::size_t point) {
+    return 20.0 * std::pow(1000.0,
+                           static_cast<double>(point) / static_cast<double>(displayPointCount - 1));
+}
+
+DisplayResponse displayResponse(const std::vector<EQBand> &bands) {
+    DisplayResponse response{};
+    for (std::size_t point = 0; point < displayPointCount; ++point) {
+        const double frequencyHz = displayFrequency(point);
+        for (const EQBand &band : bands)
+            if (!band.bypassed)
+                response[point] += shareDB(band, frequencyHz);
+    }
+    return response;
+}
+
+double peakDB(const DisplayResponse &response) {
+    return *std::ranges::max_element(response, {}, [](double value) { return std::abs(value); });
+}
+
+double drawingHeight(double valueDB, double lowDB, double highDB) {
+    const double height = valueDB / (highDB - lowDB) + 0.5;
+    return height > 0.0 ? std::min(height, 1.0) : 0.0; // not-a-number is drawn at the bottom
+}
+
+std::vector<double> curveValues(const DisplayResponse &response, double lowDB, double highDB,
+                                double offsetDB) {
+    std::vector<double> heights(response.size());
+    std::ranges::transform(response, heights.begin(), [&](double value) {
+        return drawingHeight(value + offsetDB, lowDB, highDB);
+    });
+    return heights;
+}
+
+} // namespace quorbel

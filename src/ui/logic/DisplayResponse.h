@@ -1,0 +1,35 @@
+#pragma once
+
+#include "settings/records/EQBand.h"
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace quorbel {
+
+inline constexpr std::size_t displayPointCount = 90;
+
+/// A response in dB at `displayFrequency(0)` to `displayFrequency(89)`.
+using DisplayResponse = std::array<double, displayPointCount>;
+
+/// 20 Hz to 20 kHz in equal ratios.
+[[nodiscard]] double displayFrequency(std::size_t point);
+
+/// The response as the equaliser's screen draws it: each band's share follows from a simple formula
+/// in f/f0 and Q that shows what the band is for. It is not what the equaliser plays; that is
+/// `equalizerResponseDB`. Bypassed bands have no share, a Q below 0.1 counts as 0.1.
+[[nodiscard]] DisplayResponse displayResponse(const std::vector<EQBand> &bands);
+
+/// The value of largest magnitude, with its sign; of equal ones the first.
+[[nodiscard]] double peakDB(const DisplayResponse &response);
+
+/// Where a value in dB is drawn between the bottom (0) and the top (1) of a range with 0 dB in the
+/// middle.
+[[nodiscard]] double drawingHeight(double valueDB, double lowDB, double highDB);
+
+/// The heights of a response, each point raised by `offsetDB` first.
+[[nodiscard]] std::vector<double> curveValues(const DisplayResponse &response, double lowDB,
+                                              double highDB, double offsetDB = 0.0);
+
+} // namespace quorbel

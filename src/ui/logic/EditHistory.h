@@ -1,0 +1,79 @@
+#pragma once
+
+#include "settings/records/EQBand.h"
+#include "settings/records/MixerConfig.h"
+#include "settings/records/Preset.h"
+#include "settings/records/SpatialConfig.h"
+#include "settings/records/Uuid.h"
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// Everything that undo brings back.
+struct EditState {
+    std::vector<EQBand> bands;
+    float globalGainDB = 0.0F;
+    SpatialConfig spatial;
+    MixerConfig mixer;
+    std::vector<Preset> presets;
+    std::optional<Uuid> activePresetID;
+
+    friend bool operator==(const EditState &, const EditState &) = default;
+};
+
+/// One thing that the user did.
+struct EditStep {
+    EditState before;
+    EditState after;
+    std::string what; ///< in words, for "Undo …"
+};
+
+/// The steps that can be taken back and taken again. A gesture (from pressing a control to letting
+/// it go) is one step; outside of gestures, changes of the same thing that follow each other within
+/// `burstSeconds`, as from keys held down or a wheel, are one step.
+///
+/// The caller changes the settings and sets them back; this only remembers.
+class EditHistory {
+  public:
+    static constexpr double burstSeconds = 0.8;
+    static constexpr std::size_t maximumSteps = 100;
+
+    /// From now until `endGesture` all changes are one step. Ends a gesture that was left open.
+    void beginGesture();
+    void endGesture();
+
+    /// Something was changed, at `now` seconds. `key` names what, such as a field: equal keys may
+    /// become one step. No step where nothing differs. Whatever could be redone is forgotten.
+    void record(EditState before, EditState after, std::string what, const std::string &key,
+                double now);
+
+    [[nodiscard]] bool canUndo() const { return position_ > 0; }
+    [[nodiscard]] bool canRedo() const { return position_ < steps_.size(); }
+    /// The step that undo would take back, and the one that redo would take again; only where
+    /// there is one.
+    [[nodiscard]] const EditStep &undoable() const { return steps_[position_ - 1]; }
+    [[nodiscard]] const EditStep &redoable() const { return steps_[position_]; }
+
+    /// Moves over that step; the caller then sets `before` or `after`.
+    EditStep undo();
+    EditStep redo();
+
+  private:
+    [[nodiscard]] bool continuesLast(const std::string &key, double now) const;
+    void close();
+
+    std::deque<EditStep> steps_;
+    std::size_t position_ = 0; ///< steps before it are done, the others undone
+    bool inGesture_ = false;
+    bool gestureHasStep_ = false;
+    bool lastIsOpen_ = false; ///< the last step may still grow by a burst
+    std::string lastKey_;
+    double lastTime_ = 0.0;
+};
+
+} // namespace quorbel

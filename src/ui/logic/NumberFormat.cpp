@@ -1,0 +1,42 @@
+#include "ui/logic/NumberFormat.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+namespace quorbel {
+
+namespace {
+
+/// The value itself, but zero instead of anything that `decimals` digits show as zero.
+double withoutMinusZero(double value, int decimals) {
+    return std::abs(value) * std::pow(10.0, decimals) <= 0.5 ? 0.0 : value;
+}
+
+bool isWhole(double value) { return std::floor(value) == value; }
+
+} // namespace
+
+std::string fixedText(double value, int decimals) {
+    if (std::isnan(value))
+        return "–";
+    return fmt::format("{:.{}f}", withoutMinusZero(value, decimals), decimals);
+}
+
+std::string signedText(double value, int decimals) {
+    if (std::isnan(value))
+        return "–";
+    return fmt::format("{:+.{}f}", withoutMinusZero(value, decimals), decimals);
+}
+
+std::string gainText(double dB) { return signedText(dB, 1) + " dB"; }
+
+std::string frequencyLabel(float hertz) {
+    const double value = static_cast<double>(hertz);
+    if (value < 1000.0 || std::isnan(value))
+        return fixedText(value, isWhole(value) ? 0 : 1);
+    const double thousands = value / 1000.0;
+    return fixedText(thousands, isWhole(thousands) ? 0 : 1) + "k";
+}
+
+} // namespace quorbel

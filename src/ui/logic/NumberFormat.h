@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+namespace quorbel {
+
+/// Numbers as the screens show them. What prints as zero prints without a minus; what is not a
+/// number prints as "–".
+///
+/// `decimals` 0 to 9.
+[[nodiscard]] std::string fixedText(double value, int decimals);
+/// With a plus where it is not negative.
+[[nodiscard]] std::string signedText(double value, int decimals);
+
+/// "+2.0 dB"
+[[nodiscard]] std::string gainText(double dB);
+
+/// A band's frequency in Hz, short: "31.5", "250", "2.5k", "16k".
+[[nodiscard]] std::string frequencyLabel(float hertz);
+
+} // namespace quorbel

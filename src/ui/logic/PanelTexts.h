@@ -1,0 +1,28 @@
+#pragma once
+
+#include "engine/EngineDiagnostics.h"
+#include "engine/EngineLifecycle.h"
+#include "settings/records/MixerConfig.h"
+
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+/// "LIVE", "ERROR" or "STOPPED".
+[[nodiscard]] std::string_view stateWord(const EngineLifecycle::State &state);
+
+/// The error's text as it stands, or else the name of what is played.
+[[nodiscard]] std::string subtitlu(const EngineLifecycle::State &state,
+                                   std::string_view activePresetName);
+
+/// Whether peaks are held.
+[[nodiscard]] std::string protectie(const MixerConfig &mixer);
+
+/// "No output device", or how peaks are held.
+[[nodiscard]] std::string secondLine(bool hasOutputDevice, const MixerConfig &mixer);
+
+/// What was lost between capture and playback since the start; empty when nothing was.
+[[nodiscard]] std::string lossesText(const EngineLosses &losses);
+
+} // namespace quorbel

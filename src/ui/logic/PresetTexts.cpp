@@ -1,0 +1,48 @@
+#include "ui/logic/PresetTexts.h"
+
+#include "ui/logic/Stages.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace quorbel {
+
+std::string_view title(PresetFilter filter) {
+    switch (filter) {
+    case PresetFilter::all:
+        return "All presets";
+    case PresetFilter::factory:
+        return "Factory";
+    case PresetFilter::mine:
+        return "Mine";
+    }
+    return {};
+}
+
+bool passes(PresetFilter filter, const Preset &preset) {
+    const bool isMine = preset.category == Preset::Category::user;
+    return filter == PresetFilter::all || isMine == (filter == PresetFilter::mine);
+}
+
+int countOf(PresetFilter filter, const std::vector<Preset> &presets) {
+    return static_cast<int>(std::ranges::count_if(
+        presets, [filter](const Preset &preset) { return passes(filter, preset); }));
+}
+
+std::string descriere(const Preset &preset) {
+    std::string text = fmt::format("{} bands", preset.bands.size());
+    if (const int stages = spatialStagesOn(preset.spatial); stages > 0)
+        text += fmt::format(" · {} spatial stage{}", stages, stages == 1 ? "" : "s");
+    return text;
+}
+
+std::string trimmedName(std::string_view name) {
+    constexpr std::string_view blanks = " \t\r\n\v\f";
+    const auto first = name.find_first_not_of(blanks);
+    if (first == std::string_view::npos)
+        return {};
+    return std::string(name.substr(first, name.find_last_not_of(blanks) - first + 1));
+}
+
+} // namespace quorbel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "settings/records/Preset.h"
+
+#include <string>
+#include <string_view>
+
+namespace quorbel {
+
+/// Which presets a list shows.
+enum class PresetFilter { all, factory, mine };
+
+[[nodiscard]] std::string_view title(PresetFilter filter);
+[[nodiscard]] bool passes(PresetFilter filter, const Preset &preset);
+[[nodiscard]] int countOf(PresetFilter filter, const std::vector<Preset> &presets);
+
+/// What is in a preset, in one line: "10 bands · 2 spatial stages".
+[[nodiscard]] std::string descriere(const Preset &preset);
+
+/// `name` without blanks at both ends, as a preset is saved under it; empty for one that cannot be
+/// used.
+[[nodiscard]] std::string trimmedName(std::string_view name);
+
+} // namespace quorbel

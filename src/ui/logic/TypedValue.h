@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace quorbel {
+
+// What a user types into a field: a number in either decimal notation, blanks, and the unit or its
+// beginning in either case. Nothing for any other text. Values are not limited here.
+
+/// Hz: "8k", "1,5 kHz", "250", "31.5 Hz". "1,000" is a thousand.
+[[nodiscard]] std::optional<double> parseFrequency(std::string_view text);
+
+/// dB: "-3 dB", "+1,5", "−2" (with a minus sign proper).
+[[nodiscard]] std::optional<double> parseGain(std::string_view text);
+
+/// ".7", "Q 1,4"
+[[nodiscard]] std::optional<double> parseQ(std::string_view text);
+
+} // namespace quorbel
