@@ -20,7 +20,7 @@ struct EditState {
     float globalGainDB = 0.0F;
     SpatialConfig spatial;
     MixerConfig mixer;
-    std::vector<Preset> presets;
+    std::vector<Preset> userPresets;
     std::optional<Uuid> activePresetID;
 
     friend bool operator==(const EditState &, const EditState &) = default;

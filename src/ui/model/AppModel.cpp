@@ -1,0 +1,45 @@
+#include "ui/model/AppModel.h"
+
+#include <QJSEngine>
+
+namespace quorbel {
+
+AppModel *AppModel::instance_ = nullptr;
+
+AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
+    : QObject(parent), state_(state), history_(state, clock, nullptr),
+      engine_(state, clock, nullptr), spatial_(state.engine(), history_, nullptr),
+      mixer_(state.engine(), history_, nullptr), equalizer_(state.engine().eq(), history_, nullptr),
+      presets_(state, history_, nullptr), devices_(state, nullptr),
+      spectrum_(state.engine(), nullptr), navigation_(state, nullptr) {
+    instance_ = this;
+    connect(&state_, &AppState::persistWarningChanged, this, [this] {
+        warningDismissed_ = false;
+        Q_EMIT persistWarningChanged();
+    });
+    connect(&presets_, &PresetListModel::activeNameChanged, &engine_,
+            &EngineModel::subtitleChanged);
+}
+
+AppModel::~AppModel() {
+    if (instance_ == this)
+        instance_ = nullptr;
+}
+
+AppModel *AppModel::create(QQmlEngine *, QJSEngine *) {
+    Q_ASSERT_X(instance_ != nullptr, "App", "QML was loaded before the program made its model");
+    QJSEngine::setObjectOwnership(instance_, QJSEngine::CppOwnership);
+    return instance_;
+}
+
+QString AppModel::persistWarning() const {
+    const auto &warning = state_.persistWarning();
+    return warning && !warningDismissed_ ? QString::fromStdString(*warning) : QString();
+}
+
+void AppModel::dismissWarning() {
+    warningDismissed_ = true;
+    Q_EMIT persistWarningChanged();
+}
+
+} // namespace quorbel

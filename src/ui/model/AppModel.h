@@ -1,0 +1,82 @@
+#pragma once
+
+#include "ui/model/DeviceListModel.h"
+#include "ui/model/EngineModel.h"
+#include "ui/model/EqualizerModel.h"
+#include "ui/model/HistoryModel.h"
+#include "ui/model/MixerModel.h"
+#include "ui/model/NavigationModel.h"
+#include "ui/model/PresetListModel.h"
+#include "ui/model/SpatialModel.h"
+#include "ui/model/SpectrumModel.h"
+
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+class QJSEngine;
+class QQmlEngine;
+
+namespace quorbel {
+
+/// What QML sees of the program: one object for each thing it has to do with. The program makes it
+/// before it loads any QML; QML finds it as the singleton `App`. [main]
+class AppModel final : public QObject {
+    Q_OBJECT
+    QML_NAMED_ELEMENT(App)
+    QML_SINGLETON
+    Q_PROPERTY(quorbel::EngineModel *engine READ engine CONSTANT)
+    Q_PROPERTY(quorbel::SpatialModel *spatial READ spatial CONSTANT)
+    Q_PROPERTY(quorbel::MixerModel *mixer READ mixer CONSTANT)
+    Q_PROPERTY(quorbel::EqualizerModel *equalizer READ equalizer CONSTANT)
+    Q_PROPERTY(quorbel::PresetListModel *presets READ presets CONSTANT)
+    Q_PROPERTY(quorbel::DeviceListModel *devices READ devices CONSTANT)
+    Q_PROPERTY(quorbel::SpectrumModel *spectrum READ spectrum CONSTANT)
+    Q_PROPERTY(quorbel::NavigationModel *navigation READ navigation CONSTANT)
+    Q_PROPERTY(quorbel::HistoryModel *history READ history CONSTANT)
+    /// The last load or save problem; empty when there is none or it was dismissed.
+    Q_PROPERTY(QString persistWarning READ persistWarning NOTIFY persistWarningChanged)
+
+  public:
+    /// State and clock must outlive it. The newest one is the singleton.
+    AppModel(AppState &state, Clock &clock, QObject *parent = nullptr);
+    ~AppModel() override;
+
+    /// Null before the program has made one.
+    [[nodiscard]] static AppModel *instance() { return instance_; }
+    static AppModel *create(QQmlEngine *engine, QJSEngine *scripts);
+
+    [[nodiscard]] EngineModel *engine() { return &engine_; }
+    [[nodiscard]] SpatialModel *spatial() { return &spatial_; }
+    [[nodiscard]] MixerModel *mixer() { return &mixer_; }
+    [[nodiscard]] EqualizerModel *equalizer() { return &equalizer_; }
+    [[nodiscard]] PresetListModel *presets() { return &presets_; }
+    [[nodiscard]] DeviceListModel *devices() { return &devices_; }
+    [[nodiscard]] SpectrumModel *spectrum() { return &spectrum_; }
+    [[nodiscard]] NavigationModel *navigation() { return &navigation_; }
+    [[nodiscard]] HistoryModel *history() { return &history_; }
+
+    [[nodiscard]] QString persistWarning() const;
+    /// Until there is another one.
+    Q_INVOKABLE void dismissWarning();
+
+  Q_SIGNALS:
+    void persistWarningChanged();
+
+  private:
+    static AppModel *instance_;
+
+    AppState &state_;
+    bool warningDismissed_ = false;
+    HistoryModel history_; ///< before those who write through it
+    EngineModel engine_;
+    SpatialModel spatial_;
+    MixerModel mixer_;
+    EqualizerModel equalizer_;
+    PresetListModel presets_;
+    DeviceListModel devices_;
+    SpectrumModel spectrum_;
+    NavigationModel navigation_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,113 @@
+#include "ui/model/EngineModel.h"
+
+#include "ui/logic/NumberFormat.h"
+#include "ui/logic/PanelTexts.h"
+#include "ui/model/EngineTexts.h"
+
+namespace quorbel {
+
+namespace {
+
+QString shown(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
+EngineModel::EngineModel(AppState &state, Clock &clock, QObject *parent)
+    : QObject(parent), appState_(state), engine_(state.engine()), clock_(clock) {
+    connect(&engine_, &AudioEngine::stateChanged, this, &EngineModel::followState);
+    connect(&engine_, &AudioEngine::mixerChanged, this, &EngineModel::secondLineChanged);
+    connect(&engine_, &AudioEngine::outputDeviceChanged, this, &EngineModel::secondLineChanged);
+    connect(&engine_, &AudioEngine::limiterReductionDBChanged, this,
+            &EngineModel::limiterReductionDBChanged);
+    connect(&engine_, &AudioEngine::autoGainDBChanged, this, &EngineModel::autoGainDBChanged);
+    connect(&engine_, &AudioEngine::bassTrackedFrequencyChanged, this,
+            &EngineModel::bassTrackedFrequencyChanged);
+    connect(&engine_, &AudioEngine::voiceConfidenceChanged, this,
+            &EngineModel::voiceConfidenceChanged);
+    followState();
+}
+
+QString EngineModel::state() const {
+    switch (engine_.state().kind) {
+    case EngineLifecycle::State::Kind::running:
+        return QStringLiteral("running");
+    case EngineLifecycle::State::Kind::error:
+        return QStringLiteral("error");
+    case EngineLifecycle::State::Kind::stopped:
+        break;
+    }
+    return QStringLiteral("idle");
+}
+
+bool EngineModel::running() const {
+    return engine_.state().kind == EngineLifecycle::State::Kind::running;
+}
+
+QString EngineModel::errorMessage() const { return shownError(engine_.state().message); }
+QString EngineModel::stateWord() const { return shown(quorbel::stateWord(engine_.state())); }
+
+QString EngineModel::subtitle() const {
+    EngineLifecycle::State shownState = engine_.state();
+    shownState.message = errorMessage().toStdString();
+    return shown(subtitlu(shownState, appState_.activePresetDisplayName()));
+}
+
+QString EngineModel::secondLine() const {
+    return shown(quorbel::secondLine(engine_.outputDevice().has_value(), engine_.mixer()));
+}
+
+void EngineModel::start() { engine_.start(); }
+void EngineModel::stop() { engine_.stop(); }
+
+void EngineModel::toggle() {
+    if (running())
+        stop();
+    else
+        start();
+}
+
+double EngineModel::limiterReductionDB() const {
+    return static_cast<double>(engine_.limiterReductionDB()) + 0.0;
+}
+QString EngineModel::reductionText() const {
+    return shown(fixedText(limiterReductionDB(), 1) + " dB");
+}
+QString EngineModel::reductionCompactText() const {
+    return shown(fixedText(limiterReductionDB(), 0) + " dB red.");
+}
+double EngineModel::autoGainDB() const { return static_cast<double>(engine_.autoGainDB()) + 0.0; }
+QString EngineModel::autoGainText() const { return shown(gainText(autoGainDB())); }
+double EngineModel::bassTrackedFrequency() const {
+    return static_cast<double>(engine_.bassTrackedFrequency());
+}
+QString EngineModel::trackingText() const {
+    return shown(fixedText(bassTrackedFrequency(), 0) + " Hz");
+}
+double EngineModel::voiceConfidence() const {
+    return static_cast<double>(engine_.voiceConfidence());
+}
+QString EngineModel::confidenceText() const {
+    return shown(fixedText(100.0 * voiceConfidence(), 0) + "%");
+}
+
+void EngineModel::followState() {
+    if (running())
+        lossesTimer_ = Timer::repeating(clock_, 1.0, [this] { updateLosses(); });
+    else
+        lossesTimer_.invalidate();
+    updateLosses();
+    Q_EMIT stateChanged();
+    Q_EMIT subtitleChanged();
+}
+
+void EngineModel::updateLosses() {
+    const QString now = running() ? shown(lossesText(engine_.losses())) : QString();
+    if (now == losses_)
+        return;
+    losses_ = now;
+    Q_EMIT lossesChanged();
+}
+
+} // namespace quorbel

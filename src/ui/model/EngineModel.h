@@ -1,0 +1,84 @@
+#pragma once
+
+#include "platform/threads/Timer.h"
+#include "settings/state/AppState.h"
+
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+namespace quorbel {
+
+/// The engine as the toolbar, the live panel and the meters show it. [main]
+class EngineModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("App.engine is the only one")
+    /// "idle", "running" or "error". While a start is under way it is what it was before.
+    Q_PROPERTY(QString state READ state NOTIFY stateChanged)
+    Q_PROPERTY(bool running READ running NOTIFY stateChanged)
+    Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY stateChanged)
+    Q_PROPERTY(QString stateWord READ stateWord NOTIFY stateChanged)
+    Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
+    Q_PROPERTY(QString secondLine READ secondLine NOTIFY secondLineChanged)
+    Q_PROPERTY(double limiterReductionDB READ limiterReductionDB NOTIFY limiterReductionDBChanged)
+    Q_PROPERTY(QString reductionText READ reductionText NOTIFY limiterReductionDBChanged)
+    Q_PROPERTY(
+        QString reductionCompactText READ reductionCompactText NOTIFY limiterReductionDBChanged)
+    Q_PROPERTY(double autoGainDB READ autoGainDB NOTIFY autoGainDBChanged)
+    Q_PROPERTY(QString autoGainText READ autoGainText NOTIFY autoGainDBChanged)
+    Q_PROPERTY(
+        double bassTrackedFrequency READ bassTrackedFrequency NOTIFY bassTrackedFrequencyChanged)
+    Q_PROPERTY(QString trackingText READ trackingText NOTIFY bassTrackedFrequencyChanged)
+    Q_PROPERTY(double voiceConfidence READ voiceConfidence NOTIFY voiceConfidenceChanged)
+    Q_PROPERTY(QString confidenceText READ confidenceText NOTIFY voiceConfidenceChanged)
+    /// What was lost since the start; empty when nothing was.
+    Q_PROPERTY(QString losses READ losses NOTIFY lossesChanged)
+
+  public:
+    EngineModel(AppState &state, Clock &clock, QObject *parent);
+
+    [[nodiscard]] QString state() const;
+    [[nodiscard]] bool running() const;
+    [[nodiscard]] QString errorMessage() const;
+    [[nodiscard]] QString stateWord() const;
+    [[nodiscard]] QString subtitle() const;
+    [[nodiscard]] QString secondLine() const;
+
+    Q_INVOKABLE void start();
+    Q_INVOKABLE void stop();
+    Q_INVOKABLE void toggle();
+
+    [[nodiscard]] double limiterReductionDB() const;
+    [[nodiscard]] QString reductionText() const;        ///< "1.3 dB"
+    [[nodiscard]] QString reductionCompactText() const; ///< "1 dB red."
+    [[nodiscard]] double autoGainDB() const;
+    [[nodiscard]] QString autoGainText() const;        ///< "+4.2 dB"
+    [[nodiscard]] double bassTrackedFrequency() const; ///< Hz
+    [[nodiscard]] QString trackingText() const;
+    [[nodiscard]] double voiceConfidence() const; ///< 0 to 1
+    [[nodiscard]] QString confidenceText() const;
+    [[nodiscard]] QString losses() const { return losses_; }
+
+  Q_SIGNALS:
+    void stateChanged();
+    void subtitleChanged();
+    void secondLineChanged();
+    void limiterReductionDBChanged();
+    void autoGainDBChanged();
+    void bassTrackedFrequencyChanged();
+    void voiceConfidenceChanged();
+    void lossesChanged();
+
+  private:
+    void followState();
+    void updateLosses();
+
+    AppState &appState_;
+    AudioEngine &engine_;
+    Clock &clock_;
+    Timer lossesTimer_; ///< the engine counts them by the second and does not announce them
+    QString losses_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,89 @@
+#include "ui/model/HistoryModel.h"
+
+#include "ui/model/UserPresets.h"
+
+#include <utility>
+
+namespace quorbel {
+
+HistoryModel::HistoryModel(AppState &state, Clock &clock, QObject *parent)
+    : QObject(parent), state_(state), clock_(clock) {}
+
+void HistoryModel::edit(const QString &what, const std::string &key,
+                        const std::function<void()> &change) {
+    EditState before = current();
+    change();
+    history_.record(std::move(before), current(), what.toStdString(), key, clock_.now());
+    Q_EMIT changed();
+}
+
+QString HistoryModel::undoText() const {
+    return canUndo() ? tr("Undo %1").arg(QString::fromStdString(history_.undoable().what))
+                     : tr("Undo");
+}
+
+QString HistoryModel::redoText() const {
+    return canRedo() ? tr("Redo %1").arg(QString::fromStdString(history_.redoable().what))
+                     : tr("Redo");
+}
+
+void HistoryModel::undo() {
+    history_.endGesture();
+    if (canUndo()) {
+        const EditStep step = history_.undo();
+        restore(step.after, step.before);
+    }
+    Q_EMIT changed();
+}
+
+void HistoryModel::redo() {
+    history_.endGesture();
+    if (canRedo()) {
+        const EditStep step = history_.redo();
+        restore(step.before, step.after);
+    }
+    Q_EMIT changed();
+}
+
+void HistoryModel::beginGesture() { history_.beginGesture(); }
+
+void HistoryModel::endGesture() {
+    history_.endGesture();
+    Q_EMIT changed();
+}
+
+EditState HistoryModel::current() const {
+    AudioEngine &engine = state_.engine();
+    return {.bands = engine.eq().bands(),
+            .globalGainDB = engine.eq().globalGainDB(),
+            .spatial = engine.spatial(),
+            .mixer = engine.mixer(),
+            .userPresets = userPresets(state_),
+            .activePresetID = state_.activePresetID()};
+}
+
+void HistoryModel::restore(const EditState &from, const EditState &to) {
+    AudioEngine &engine = state_.engine();
+    const bool presetsChange = from.userPresets != to.userPresets;
+    if (presetsChange)
+        setUserPresets(state_, to.userPresets);
+    const auto &bands = from.bands == to.bands ? engine.eq().bands() : to.bands;
+    const SpatialConfig &spatial = from.spatial == to.spatial ? engine.spatial() : to.spatial;
+    if (from.activePresetID != to.activePresetID && to.activePresetID) {
+        // Applying is the way to make a preset the active one, whatever it holds.
+        state_.applyPreset({.id = *to.activePresetID, .bands = bands, .spatial = spatial});
+    } else {
+        if (from.bands != to.bands)
+            engine.eq().setBands(bands);
+        if (from.spatial != to.spatial)
+            engine.setSpatial(spatial);
+    }
+    if (from.globalGainDB != to.globalGainDB)
+        engine.eq().setGlobalGainDB(to.globalGainDB);
+    if (from.mixer != to.mixer)
+        engine.setMixer(to.mixer);
+    if (presetsChange)
+        state_.persist();
+}
+
+} // namespace quorbel

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "platform/threads/Clock.h"
+#include "settings/state/AppState.h"
+#include "ui/logic/EditHistory.h"
+
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+#include <functional>
+
+namespace quorbel {
+
+/// Undo and redo over everything that the window can change, and the one door through which it
+/// does: a change that does not go through `edit` cannot be undone. [main]
+class HistoryModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("App.history is the only one")
+    Q_PROPERTY(bool canUndo READ canUndo NOTIFY changed)
+    Q_PROPERTY(bool canRedo READ canRedo NOTIFY changed)
+    Q_PROPERTY(QString undoText READ undoText NOTIFY changed)
+    Q_PROPERTY(QString redoText READ redoText NOTIFY changed)
+
+  public:
+    HistoryModel(AppState &state, Clock &clock, QObject *parent);
+
+    /// Runs `change`, which changes settings, and remembers what it changed. `what` goes on after
+    /// "Undo "; changes of the same `key` in quick succession become one step.
+    void edit(const QString &what, const std::string &key, const std::function<void()> &change);
+    /// The same for something whose name is its key.
+    void edit(const char *what, const std::function<void()> &change) {
+        edit(QString::fromUtf8(what), what, change);
+    }
+
+    [[nodiscard]] bool canUndo() const { return history_.canUndo(); }
+    [[nodiscard]] bool canRedo() const { return history_.canRedo(); }
+    /// "Undo Bass amount"; only "Undo" where there is nothing.
+    [[nodiscard]] QString undoText() const;
+    [[nodiscard]] QString redoText() const;
+
+    Q_INVOKABLE void undo();
+    Q_INVOKABLE void redo();
+
+    /// What changes between the two is one step: a control calls them when it is pressed and let
+    /// go.
+    Q_INVOKABLE void beginGesture();
+    Q_INVOKABLE void endGesture();
+
+  Q_SIGNALS:
+    void changed();
+
+  private:
+    [[nodiscard]] EditState current() const;
+    /// Sets what differs between the two states as it is in `to`.
+    void restore(const EditState &from, const EditState &to);
+
+    AppState &state_;
+    Clock &clock_;
+    EditHistory history_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,179 @@
+#include "ui/model/PresetListModel.h"
+
+#include "ui/logic/PresetTexts.h"
+#include "ui/model/HistoryModel.h"
+#include "ui/model/PresetExchange.h"
+#include "ui/model/UserPresets.h"
+
+#include <algorithm>
+
+namespace quorbel {
+
+namespace {
+
+QString shown(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QStringList shown(const std::vector<LineNote> &notes) {
+    QStringList lines;
+    for (const LineNote &note : notes)
+        lines << PresetListModel::tr("line %1: %2").arg(note.line).arg(shown(note.reason));
+    return lines;
+}
+
+} // namespace
+
+PresetListModel::PresetListModel(AppState &state, HistoryModel &history, QObject *parent)
+    : RecordListModel(parent), state_(state), history_(history), presets_(state.presets()),
+      activeName_(shown(state.activePresetDisplayName())) {
+    connect(&state_, &AppState::presetsChanged, this, &PresetListModel::followPresets);
+    connect(&state_, &AppState::activePresetIDChanged, this, &PresetListModel::followActive);
+    // The name shown compares these two with the active preset.
+    connect(&state_.engine().eq(), &EQProcessor::bandsChanged, this,
+            &PresetListModel::updateActiveName);
+    connect(&state_.engine(), &AudioEngine::spatialChanged, this,
+            &PresetListModel::updateActiveName);
+}
+
+int PresetListModel::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(presets_.size());
+}
+
+QVariant PresetListModel::data(const QModelIndex &index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const Preset &preset = presets_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case presetIdRole:
+        return QString::fromStdString(preset.id.text());
+    case nameRole:
+        return shown(preset.name);
+    case categoryTitleRole:
+        return shown(displayName(preset.category));
+    case notesRole:
+        return shown(preset.notes);
+    case summaryRole:
+        return shown(descriere(preset));
+    case isUserRole:
+        return preset.category == Preset::Category::user;
+    case playingRole:
+        return preset.id == state_.activePresetID();
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> PresetListModel::roleNames() const {
+    return {
+        {presetIdRole, "presetId"}, {nameRole, "name"},       {categoryTitleRole, "categoryTitle"},
+        {notesRole, "notes"},       {summaryRole, "summary"}, {isUserRole, "isUser"},
+        {playingRole, "playing"}};
+}
+
+int PresetListModel::activeIndex() const {
+    const auto active = std::ranges::find_if(
+        presets_, [&](const Preset &preset) { return preset.id == state_.activePresetID(); });
+    return active == presets_.end() ? -1 : static_cast<int>(active - presets_.begin());
+}
+
+QStringList PresetListModel::names() const {
+    QStringList names;
+    for (const Preset &preset : presets_)
+        names << shown(preset.name);
+    return names;
+}
+
+void PresetListModel::apply(const QString &id) {
+    if (const Preset *preset = find(id))
+        history_.edit(tr("Preset %1").arg(shown(preset->name)), "preset",
+                      [&] { state_.applyPreset(*preset); });
+}
+
+void PresetListModel::applyRow(int row) {
+    if (row >= 0 && row < count())
+        apply(data(index(row), presetIdRole).toString());
+}
+
+void PresetListModel::remove(const QString &id) {
+    const Preset *preset = find(id);
+    if (preset != nullptr && preset->category == Preset::Category::user)
+        history_.edit(tr("Delete preset %1").arg(shown(preset->name)), "delete " + id.toStdString(),
+                      [&] { state_.deletePreset(*preset); });
+}
+
+void PresetListModel::save(const QString &name) {
+    const std::string trimmed = trimmedName(name.toStdString());
+    if (!trimmed.empty())
+        history_.edit(tr("Save preset %1").arg(shown(trimmed)), "save",
+                      [&] { state_.savePreset(trimmed); });
+}
+
+bool PresetListModel::canSave(const QString &name) {
+    return !trimmedName(name.toStdString()).empty();
+}
+
+QVariantMap PresetListModel::importFile(const QUrl &file) {
+    try {
+        const ImportedPreset imported = readPreset(file.toLocalFile().toStdString());
+        history_.edit(tr("Import %1").arg(shown(imported.preset.name)), "import", [&] {
+            adoptPreset(state_, imported.preset);
+            if (imported.globalGainDB)
+                state_.engine().eq().setGlobalGainDB(*imported.globalGainDB);
+        });
+        return {{"ok", true},
+                {"message", shown(imported.summary)},
+                {"skipped", shown(imported.skipped)},
+                {"limited", shown(imported.limited)}};
+    } catch (const PresetExchangeError &error) {
+        return {{"ok", false},
+                {"message", QString::fromUtf8(error.what())},
+                {"skipped", QStringList()},
+                {"limited", QStringList()}};
+    }
+}
+
+QVariantMap PresetListModel::exportPreset(const QString &id, const QUrl &file) const {
+    const Preset *preset = find(id);
+    if (preset == nullptr)
+        return {{"ok", false}, {"message", tr("This preset is no longer there.")}};
+    try {
+        // The global gain belongs to what is heard now, and so to the preset in force alone.
+        const bool isActive = preset->id == state_.activePresetID();
+        writePreset(file.toLocalFile().toStdString(), *preset,
+                    isActive ? state_.engine().eq().globalGainDB() : 0.0F);
+        return {{"ok", true},
+                {"message", tr("%1 was written to %2").arg(shown(preset->name), file.fileName())}};
+    } catch (const PresetExchangeError &error) {
+        return {{"ok", false}, {"message", QString::fromUtf8(error.what())}};
+    }
+}
+
+void PresetListModel::followPresets() {
+    replaceRecords(presets_, state_.presets(), &Preset::id);
+    Q_EMIT namesChanged();
+    followActive();
+}
+
+void PresetListModel::followActive() {
+    announceContents();
+    Q_EMIT activeIndexChanged();
+    updateActiveName();
+}
+
+void PresetListModel::updateActiveName() {
+    const QString name = shown(state_.activePresetDisplayName());
+    if (name == activeName_)
+        return;
+    activeName_ = name;
+    Q_EMIT activeNameChanged();
+}
+
+const Preset *PresetListModel::find(const QString &id) const {
+    const auto uuid = Uuid::fromText(id.toStdString());
+    const auto found = std::ranges::find_if(
+        state_.presets(), [&](const Preset &preset) { return preset.id == uuid; });
+    return found == state_.presets().end() ? nullptr : &*found;
+}
+
+} // namespace quorbel
