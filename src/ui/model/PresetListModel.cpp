@@ -22,6 +22,12 @@ QStringList shown(const std::vector<LineNote> &notes) {
     return lines;
 }
 
+ExchangeResult failed(const QString &why) {
+    ExchangeResult result;
+    result.message = why;
+    return result;
+}
+
 } // namespace
 
 PresetListModel::PresetListModel(AppState &state, HistoryModel &history, QObject *parent)
@@ -113,7 +119,7 @@ bool PresetListModel::canSave(const QString &name) {
     return !trimmedName(name.toStdString()).empty();
 }
 
-QVariantMap PresetListModel::importFile(const QUrl &file) {
+ExchangeResult PresetListModel::importFile(const QUrl &file) {
     try {
         const ImportedPreset imported = readPreset(file.toLocalFile().toStdString());
         history_.edit(tr("Import %1").arg(shown(imported.preset.name)), "import", [&] {
@@ -121,31 +127,30 @@ QVariantMap PresetListModel::importFile(const QUrl &file) {
             if (imported.globalGainDB)
                 state_.engine().eq().setGlobalGainDB(*imported.globalGainDB);
         });
-        return {{"ok", true},
-                {"message", shown(imported.summary)},
-                {"skipped", shown(imported.skipped)},
-                {"limited", shown(imported.limited)}};
+        return {.ok = true,
+                .message = shown(imported.summary),
+                .skipped = shown(imported.skipped),
+                .limited = shown(imported.limited)};
     } catch (const PresetExchangeError &error) {
-        return {{"ok", false},
-                {"message", QString::fromUtf8(error.what())},
-                {"skipped", QStringList()},
-                {"limited", QStringList()}};
+        return failed(shown(error.what()));
     }
 }
 
-QVariantMap PresetListModel::exportPreset(const QString &id, const QUrl &file) const {
+ExchangeResult PresetListModel::exportPreset(const QString &id, const QUrl &file) const {
     const Preset *preset = find(id);
     if (preset == nullptr)
-        return {{"ok", false}, {"message", tr("This preset is no longer there.")}};
+        return failed(tr("This preset is no longer there."));
     try {
         // The global gain belongs to what is heard now, and so to the preset in force alone.
         const bool isActive = preset->id == state_.activePresetID();
         writePreset(file.toLocalFile().toStdString(), *preset,
                     isActive ? state_.engine().eq().globalGainDB() : 0.0F);
-        return {{"ok", true},
-                {"message", tr("%1 was written to %2").arg(shown(preset->name), file.fileName())}};
+        ExchangeResult done;
+        done.ok = true;
+        done.message = tr("%1 was written to %2").arg(shown(preset->name), file.fileName());
+        return done;
     } catch (const PresetExchangeError &error) {
-        return {{"ok", false}, {"message", QString::fromUtf8(error.what())}};
+        return failed(shown(error.what()));
     }
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "settings/state/AppState.h"
+#include "ui/model/ExchangeResult.h"
 #include "ui/model/RecordListModel.h"
 
 #include <QString>
 #include <QStringList>
 #include <QUrl>
-#include <QVariantMap>
 
 #include <vector>
 
@@ -58,13 +58,10 @@ class PresetListModel final : public RecordListModel {
     [[nodiscard]] Q_INVOKABLE static bool canSave(const QString &name);
 
     /// Makes a preset of a parametric equaliser text or a preset file, and the active one.
-    /// `{ok: bool, message: string, skipped: [string], limited: [string]}`: what was read or why
-    /// nothing was, the lines that have no effect, and those that are played otherwise than
-    /// written, each with the reason.
-    Q_INVOKABLE QVariantMap importFile(const QUrl &file);
+    Q_INVOKABLE quorbel::ExchangeResult importFile(const QUrl &file);
     /// Writes a preset, whole where the name ends in ".json", else as a parametric equaliser text.
-    /// `{ok: bool, message: string}`.
-    Q_INVOKABLE QVariantMap exportPreset(const QString &id, const QUrl &file) const;
+    [[nodiscard]] Q_INVOKABLE quorbel::ExchangeResult exportPreset(const QString &id,
+                                                                   const QUrl &file) const;
 
   Q_SIGNALS:
     void activeNameChanged();
