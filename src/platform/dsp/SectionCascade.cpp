@@ -21,174 +21,283 @@ using Vector = hn::Vec<Tag>;
 
 constexpr Tag tag;
 
-/// A lane reads in one step what its neighbour wrote two steps ago, not one: so no step has to wait
-/// for the whole of the step before it, only for its memory.
-constexpr std::uint32_t stepsPerLane = 2;
+/// A lane reads in one step what its neighbour wrote three steps ago, not one: so no step has to
+/// wait for the whole of the step before it, only for its memory.
+constexpr std::uint32_t stepsPerLane = 3;
 
-/// Moves every lane's content up by one, the highest lane's round to the lowest.
-auto upByOneLane() noexcept {
-    const std::size_t lanes = hn::Lanes(tag);
+/// Left and right as two vectors, for many sections; or, where both fit, as the halves of one.
+/// A part is a vector or half of one; the sections are in its highest lanes.
+enum class Channels { apart, together };
+
+template <Channels channels> std::size_t partLanes() noexcept {
+    return hn::Lanes(tag) / (channels == Channels::together ? 2 : 1);
+}
+
+/// Calls `place(lane, section)` for every section in every part of a vector.
+template <Channels channels, typename Place>
+HWY_INLINE void forEachLane(std::size_t count, const Place &place) noexcept {
+    const std::size_t lanes = partLanes<channels>();
+    for (std::size_t part = 0; part < hn::Lanes(tag); part += lanes)
+        for (std::size_t i = 0; i < count; ++i)
+            place(part + lanes - count + i, i);
+}
+
+HWY_INLINE float firstOfUpperHalf(Vector v) noexcept {
+#if HWY_TARGET == HWY_SCALAR // one lane, and so never two parts
+    return hn::GetLane(v);
+#else
+    const hn::Half<Tag> half;
+    return hn::GetLane(hn::UpperHalf(half, v));
+#endif
+}
+
+/// Moves every lane's content up by one, that of a part's highest lane round to its lowest.
+template <Channels channels> auto upByOneLane() noexcept {
+    const std::size_t lanes = partLanes<channels>();
     HWY_ALIGN std::int32_t indices[16] = {};
-    for (std::size_t i = 0; i < lanes; ++i)
-        indices[i] = static_cast<std::int32_t>((i + lanes - 1) % lanes);
+    for (std::size_t i = 0; i < hn::Lanes(tag); ++i)
+        indices[i] = static_cast<std::int32_t>(i - i % lanes + (i + lanes - 1) % lanes);
     return hn::SetTableIndices(tag, indices);
 }
 
-/// The sections of one pass, in the highest lanes; the lanes below stay at zero.
-class LaneCoefficients {
+/// The sections of one pass; the lanes that have none stay at zero.
+template <Channels channels> class LaneCoefficients {
   public:
     LaneCoefficients(const SectionCoefficients *sections, std::size_t count) noexcept {
-        const std::size_t lanes = hn::Lanes(tag);
-        const std::size_t firstLane = lanes - count;
         HWY_ALIGN float table[9][16] = {};
-        for (std::size_t i = 0; i < count; ++i) {
+        forEachLane<channels>(count, [&](std::size_t lane, std::size_t i) {
             const SectionCoefficients &section = sections[i];
-            const std::size_t lane = firstLane + i;
             const float throughBandpass = section.first + section.second * section.cutoff;
-            table[0][lane] = 2.0F * section.cutoff;
-            table[1][lane] = section.feedback;
-            table[2][lane] = section.scale;
-            table[3][lane] = section.direct;
-            table[4][lane] = throughBandpass;
-            table[5][lane] = section.second;
-            table[6][lane] = throughBandpass * section.scale;
+            const float drive = 2.0F * section.scale;
+            table[0][lane] = drive;
+            table[1][lane] = drive * section.cutoff;
+            table[2][lane] = drive * section.feedback;
+            table[3][lane] = 2.0F * section.cutoff * (1.0F - section.scale * section.feedback);
+            table[4][lane] = section.direct + throughBandpass * section.scale;
+            table[5][lane] = throughBandpass * (1.0F - section.scale * section.feedback);
+            table[6][lane] = section.second - throughBandpass * section.scale;
             table[7][lane] = static_cast<float>(i * stepsPerLane);
-            table[8][lane] = i == 0 ? 1.0F : 0.0F;
-        }
-        twiceCutoff = hn::Load(tag, table[0]);
-        feedback = hn::Load(tag, table[1]);
-        const Vector scale = hn::Load(tag, table[2]);
-        twiceScale = hn::Add(scale, scale);
-        secondOfDrive = hn::Mul(twiceCutoff, scale);
-        direct = hn::Load(tag, table[3]);
-        outputOfFirst = hn::Load(tag, table[4]);
-        outputOfSecond = hn::Load(tag, table[5]);
-        outputOfDrive = hn::Load(tag, table[6]);
+            table[8][lane] = i == 0 ? (lane < partLanes<channels>() ? 1.0F : 2.0F) : 0.0F;
+        });
+        firstOfDifference = hn::Load(tag, table[0]);
+        secondOfDifference = hn::Load(tag, table[1]);
+        firstOfFirst = hn::Load(tag, table[2]);
+        secondOfFirst = hn::Load(tag, table[3]);
+        outputOfInput = hn::Load(tag, table[4]);
+        outputOfFirst = hn::Load(tag, table[5]);
+        outputOfSecond = hn::Load(tag, table[6]);
         startStep = hn::Load(tag, table[7]);
-        inputLane = hn::Ne(hn::Load(tag, table[8]), hn::Zero(tag));
+        const Vector inputs = hn::Load(tag, table[8]);
+        inputLane = hn::Eq(inputs, hn::Set(tag, 1.0F));
+        rightInputLane = hn::Eq(inputs, hn::Set(tag, 2.0F));
     }
 
-    Vector twiceCutoff;
-    Vector feedback;
-    Vector twiceScale;
-    Vector secondOfDrive; // what the drive adds to the second memory
-    Vector direct;
+    Vector firstOfDifference; // what input - second memory adds to the first
+    Vector secondOfDifference;
+    Vector firstOfFirst; // what the first memory takes from itself
+    Vector secondOfFirst;
+    Vector outputOfInput;
     Vector outputOfFirst;
     Vector outputOfSecond;
-    Vector outputOfDrive;
-    Vector startStep;        // when each lane's first frame arrives
-    hn::Mask<Tag> inputLane; // which lane reads the input
-    decltype(upByOneLane()) upByOne = upByOneLane();
+    Vector startStep;             // when each lane's first frame arrives
+    hn::Mask<Tag> inputLane;      // which lane reads the input
+    hn::Mask<Tag> rightInputLane; // of the second part
+    decltype(upByOneLane<channels>()) upByOne = upByOneLane<channels>();
 };
 
+/// The sections' memories and what is on its way from lane to lane.
 class LaneStates {
   public:
-    LaneStates(const SectionState *states, std::size_t count) noexcept {
-        HWY_ALIGN float firstTable[16] = {};
-        HWY_ALIGN float secondTable[16] = {};
-        const std::size_t firstLane = hn::Lanes(tag) - count;
-        for (std::size_t i = 0; i < count; ++i) {
-            firstTable[firstLane + i] = states[i].first;
-            secondTable[firstLane + i] = states[i].second;
-        }
-        first_ = hn::Load(tag, firstTable);
-        second_ = hn::Load(tag, secondTable);
-        next_ = after_ = hn::Zero(tag);
-    }
+    LaneStates(Vector first, Vector second) noexcept : first_(first), second_(second) {}
 
-    void save(SectionState *states, std::size_t count) const noexcept {
-        HWY_ALIGN float firstTable[16];
-        HWY_ALIGN float secondTable[16];
-        hn::Store(first_, tag, firstTable);
-        hn::Store(second_, tag, secondTable);
-        const std::size_t firstLane = hn::Lanes(tag) - count;
-        for (std::size_t i = 0; i < count; ++i)
-            states[i] = {firstTable[firstLane + i], secondTable[firstLane + i]};
-    }
+    [[nodiscard]] HWY_INLINE Vector first() const noexcept { return first_; }
+    [[nodiscard]] HWY_INLINE Vector second() const noexcept { return second_; }
+    /// What the lanes read in the next step, but for the lanes that read the input.
+    [[nodiscard]] HWY_INLINE Vector next() const noexcept { return next_; }
 
-    /// One step: `input` goes into the first section, what the last section puts out comes back.
-    /// Only lanes in `active` remember anything of it.
-    HWY_INLINE float step(const LaneCoefficients &c, float input, hn::Mask<Tag> active) noexcept {
+    /// One step; what comes back is what the sections put out, a lane further up. Only lanes in
+    /// `active` remember anything of it.
+    template <typename Coefficients>
+    HWY_INLINE Vector step(const Coefficients &c, Vector x, hn::Mask<Tag> active) noexcept {
         const Vector first = first_;
         const Vector second = second_;
-        const float output = step(c, input);
+        const Vector output = step(c, x);
         first_ = hn::IfThenElse(active, first_, first);
         second_ = hn::IfThenElse(active, second_, second);
         return output;
     }
 
-    HWY_INLINE float step(const LaneCoefficients &c, float input) noexcept {
-        const Vector x = hn::IfThenElse(c.inputLane, hn::Set(tag, input), next_);
+    template <typename Coefficients>
+    HWY_INLINE Vector step(const Coefficients &c, Vector x) noexcept {
         // The sums of processSample, in the order that leaves the shortest way from one step's
-        // memory to the next one's and from input to output.
-        const Vector drive = hn::Sub(hn::NegMulAdd(c.feedback, first_, x), second_);
-        const Vector remembered =
-            hn::MulAdd(c.outputOfSecond, second_, hn::Mul(c.outputOfFirst, first_));
+        // memory to the next one's. Both memories still grow by increments.
         const Vector output =
-            hn::MulAdd(c.outputOfDrive, drive, hn::MulAdd(c.direct, x, remembered));
-        const Vector integrated = hn::MulAdd(c.twiceCutoff, first_, second_);
-        first_ = hn::MulAdd(c.twiceScale, drive, first_);
-        second_ = hn::MulAdd(c.secondOfDrive, drive, integrated);
-        // The highest lane, that of the last section, comes round to the lowest.
-        const Vector moved = hn::TableLookupLanes(output, c.upByOne);
+            hn::MulAdd(c.outputOfInput, x,
+                       hn::MulAdd(c.outputOfFirst, first_, hn::Mul(c.outputOfSecond, second_)));
+        const Vector difference = hn::Sub(x, second_);
+        const Vector first = hn::NegMulAdd(c.firstOfFirst, first_, first_);
+        const Vector second = hn::MulAdd(c.secondOfFirst, first_, second_);
+        first_ = hn::MulAdd(c.firstOfDifference, difference, first);
+        second_ = hn::MulAdd(c.secondOfDifference, difference, second);
         next_ = after_;
-        after_ = moved;
-        return hn::GetLane(moved);
+        after_ = last_;
+        last_ = hn::TableLookupLanes(output, c.upByOne);
+        return last_;
     }
 
   private:
     Vector first_;
     Vector second_;
-    Vector next_;  // what the lanes read in the next step
-    Vector after_; // and in the one after that
+    Vector next_ = hn::Zero(tag);
+    Vector after_ = hn::Zero(tag); // what they read in the step after the next
+    Vector last_ = hn::Zero(tag);  // and in the one after that
+};
+
+struct Frame {
+    float left;
+    float right;
+};
+
+/// Both channels' lanes. `active...` are one mask or none, see LaneStates.
+template <Channels channels> class StereoLanes;
+
+template <> class StereoLanes<Channels::apart> {
+  public:
+    using Coefficients = LaneCoefficients<Channels::apart>;
+
+    explicit StereoLanes(const SectionCascade &cascade) noexcept
+        : left_(load(cascade.left, cascade.count)), right_(load(cascade.right, cascade.count)) {}
+
+    template <typename... Active>
+    HWY_INLINE Frame step(const Coefficients &c, Frame input, Active... active) noexcept {
+        return {step(c, left_, input.left, active...), step(c, right_, input.right, active...)};
+    }
+
+    void save(const SectionCascade &cascade) const noexcept {
+        save(left_, cascade.left, cascade.count);
+        save(right_, cascade.right, cascade.count);
+    }
+
+  private:
+    template <typename... Active>
+    static HWY_INLINE float step(const Coefficients &c, LaneStates &lanes, float input,
+                                 Active... active) noexcept {
+        const Vector x = hn::IfThenElse(c.inputLane, hn::Set(tag, input), lanes.next());
+        return hn::GetLane(lanes.step(c, x, active...));
+    }
+
+    static LaneStates load(const SectionState *states, std::size_t count) noexcept {
+        HWY_ALIGN float table[2][16] = {};
+        forEachLane<Channels::apart>(count, [&](std::size_t lane, std::size_t i) {
+            table[0][lane] = states[i].first;
+            table[1][lane] = states[i].second;
+        });
+        return {hn::Load(tag, table[0]), hn::Load(tag, table[1])};
+    }
+
+    static void save(const LaneStates &lanes, SectionState *states, std::size_t count) noexcept {
+        HWY_ALIGN float table[2][16];
+        hn::Store(lanes.first(), tag, table[0]);
+        hn::Store(lanes.second(), tag, table[1]);
+        forEachLane<Channels::apart>(count, [&](std::size_t lane, std::size_t i) {
+            states[i] = {table[0][lane], table[1][lane]};
+        });
+    }
+
+    LaneStates left_;
+    LaneStates right_;
+};
+
+template <> class StereoLanes<Channels::together> {
+  public:
+    using Coefficients = LaneCoefficients<Channels::together>;
+
+    explicit StereoLanes(const SectionCascade &cascade) noexcept : lanes_(load(cascade)) {}
+
+    template <typename... Active>
+    HWY_INLINE Frame step(const Coefficients &c, Frame input, Active... active) noexcept {
+        const Vector left = hn::IfThenElse(c.inputLane, hn::Set(tag, input.left), lanes_.next());
+        const Vector x = hn::IfThenElse(c.rightInputLane, hn::Set(tag, input.right), left);
+        const Vector output = lanes_.step(c, x, active...);
+        return {hn::GetLane(output), firstOfUpperHalf(output)};
+    }
+
+    void save(const SectionCascade &cascade) const noexcept {
+        HWY_ALIGN float table[2][16];
+        hn::Store(lanes_.first(), tag, table[0]);
+        hn::Store(lanes_.second(), tag, table[1]);
+        forEachLane<Channels::together>(cascade.count, [&](std::size_t lane, std::size_t i) {
+            SectionState *states = isLeft(lane) ? cascade.left : cascade.right;
+            states[i] = {table[0][lane], table[1][lane]};
+        });
+    }
+
+  private:
+    static bool isLeft(std::size_t lane) noexcept { return lane < partLanes<Channels::together>(); }
+
+    static LaneStates load(const SectionCascade &cascade) noexcept {
+        HWY_ALIGN float table[2][16] = {};
+        forEachLane<Channels::together>(cascade.count, [&](std::size_t lane, std::size_t i) {
+            const SectionState *states = isLeft(lane) ? cascade.left : cascade.right;
+            table[0][lane] = states[i].first;
+            table[1][lane] = states[i].second;
+        });
+        return {hn::Load(tag, table[0]), hn::Load(tag, table[1])};
+    }
+
+    LaneStates lanes_;
+};
+
+struct Steps {
+    std::uint32_t delay; // from input to output
+    std::uint32_t from;
+    std::uint32_t to;
 };
 
 /// Steps in which some lanes have not started yet or have already stopped.
-void runEdge(const LaneCoefficients &coefficients, LaneStates &leftLanes, LaneStates &rightLanes,
-             float *left, float *right, std::uint32_t frames, std::uint32_t delay,
-             std::uint32_t fromStep, std::uint32_t toStep) noexcept {
-    const Vector end = hn::Add(coefficients.startStep, hn::Set(tag, static_cast<float>(frames)));
-    for (std::uint32_t step = fromStep; step < toStep; ++step) {
+template <Channels channels>
+void runEdge(const LaneCoefficients<channels> &c, StereoLanes<channels> &states, float *left,
+             float *right, std::uint32_t frames, Steps steps) noexcept {
+    StereoLanes<channels> lanes = states;
+    const Vector end = hn::Add(c.startStep, hn::Set(tag, static_cast<float>(frames)));
+    for (std::uint32_t step = steps.from; step < steps.to; ++step) {
         const Vector now = hn::Set(tag, static_cast<float>(step));
-        const auto active = hn::And(hn::Ge(now, coefficients.startStep), hn::Lt(now, end));
-        const bool hasInput = step < frames;
-        const float leftOut = leftLanes.step(coefficients, hasInput ? left[step] : 0.0F, active);
-        const float rightOut = rightLanes.step(coefficients, hasInput ? right[step] : 0.0F, active);
-        if (step >= delay) {
-            left[step - delay] = leftOut;
-            right[step - delay] = rightOut;
+        const auto active = hn::And(hn::Ge(now, c.startStep), hn::Lt(now, end));
+        const Frame input = step < frames ? Frame{left[step], right[step]} : Frame{0.0F, 0.0F};
+        const Frame output = lanes.step(c, input, active);
+        if (step >= steps.delay) {
+            left[step - steps.delay] = output.left;
+            right[step - steps.delay] = output.right;
         }
     }
+    states = lanes;
 }
 
 /// Steps in which all lanes work. Everything is copied, so that the loop runs in registers.
-void runMiddle(LaneCoefficients coefficients, LaneStates &leftStates, LaneStates &rightStates,
-               float *left, float *right, std::uint32_t delay, std::uint32_t fromStep,
-               std::uint32_t toStep) noexcept {
-    LaneStates leftLanes = leftStates;
-    LaneStates rightLanes = rightStates;
-    for (std::size_t step = fromStep; step < toStep; ++step) {
-        left[step - delay] = leftLanes.step(coefficients, left[step]);
-        right[step - delay] = rightLanes.step(coefficients, right[step]);
+template <Channels channels>
+void runMiddle(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left,
+               float *right, Steps steps) noexcept {
+    StereoLanes<channels> lanes = states;
+    for (std::size_t step = steps.from; step < steps.to; ++step) {
+        const Frame output = lanes.step(c, {left[step], right[step]});
+        left[step - steps.delay] = output.left;
+        right[step - steps.delay] = output.right;
     }
-    leftStates = leftLanes;
-    rightStates = rightLanes;
+    states = lanes;
 }
 
-/// As many sections as there are lanes, at most.
+/// As many sections as there are lanes in a part, at most.
+template <Channels channels>
 void processLanes(const SectionCascade &cascade, float *left, float *right,
                   std::uint32_t frames) noexcept {
-    const LaneCoefficients coefficients(cascade.sections, cascade.count);
-    LaneStates leftLanes(cascade.left, cascade.count);
-    LaneStates rightLanes(cascade.right, cascade.count);
+    const LaneCoefficients<channels> coefficients(cascade.sections, cascade.count);
+    StereoLanes<channels> lanes(cascade);
     const auto delay = static_cast<std::uint32_t>(cascade.count - 1) * stepsPerLane;
     const std::uint32_t middleEnd = std::max(frames, delay);
-    runEdge(coefficients, leftLanes, rightLanes, left, right, frames, delay, 0, delay);
-    runMiddle(coefficients, leftLanes, rightLanes, left, right, delay, delay, middleEnd);
-    runEdge(coefficients, leftLanes, rightLanes, left, right, frames, delay, middleEnd,
-            frames + delay);
-    leftLanes.save(cascade.left, cascade.count);
-    rightLanes.save(cascade.right, cascade.count);
+    runEdge(coefficients, lanes, left, right, frames, {delay, 0, delay});
+    runMiddle(coefficients, lanes, left, right, {delay, delay, middleEnd});
+    runEdge(coefficients, lanes, left, right, frames, {delay, middleEnd, frames + delay});
+    lanes.save(cascade);
 }
 
 } // namespace
@@ -201,8 +310,12 @@ void processCascadeInLanes(const SectionCascade &cascade, float *left, float *ri
     const std::size_t passes = (cascade.count + lanes - 1) / lanes;
     for (std::size_t pass = 0, done = 0; pass < passes; ++pass) {
         const std::size_t count = (cascade.count - done + passes - pass - 1) / (passes - pass);
-        processLanes({cascade.sections + done, cascade.left + done, cascade.right + done, count},
-                     left, right, frames);
+        const SectionCascade part{cascade.sections + done, cascade.left + done,
+                                  cascade.right + done, count};
+        if (2 * count <= lanes)
+            processLanes<Channels::together>(part, left, right, frames);
+        else
+            processLanes<Channels::apart>(part, left, right, frames);
         done += count;
     }
 }

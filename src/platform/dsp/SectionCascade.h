@@ -21,9 +21,9 @@ void processCascadePlainly(const SectionCascade &cascade, float *left, float *ri
                            std::uint32_t frames) noexcept;
 
 /// The same to within rounding, more than twenty times as fast. One section has to wait for its own
-/// last frame, but not for the other sections: every lane of a vector runs one section, two frames
-/// behind the lane before it. The lanes start and stop within the call, so no delay is added, and
-/// the result does not depend on how the sound is cut into calls.
+/// last frame, but not for the other sections: every lane of a vector runs one section, a few
+/// frames behind the lane before it. The lanes start and stop within the call, so no delay is
+/// added, and the result does not depend on how the sound is cut into calls.
 void processCascade(const SectionCascade &cascade, float *left, float *right,
                     std::uint32_t frames) noexcept;
 
