@@ -1,0 +1,105 @@
+#include "ui/dotmatrix/Appearance.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+
+namespace quorbel {
+namespace {
+
+const auto portalService = QStringLiteral("org.freedesktop.portal.Desktop");
+const auto portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const auto portalInterface = QStringLiteral("org.freedesktop.portal.Settings");
+
+const auto appearanceGroup = QStringLiteral("org.freedesktop.appearance");
+const auto gnomeGroup = QStringLiteral("org.gnome.desktop.interface");
+const auto gnomeAccessGroup = QStringLiteral("org.gnome.desktop.a11y.interface");
+const auto plasmaGroup = QStringLiteral("org.kde.kdeglobals.KDE");
+
+// Values of the portal's older call are wrapped twice.
+QVariant unwrapped(QVariant value) {
+    while (value.canConvert<QDBusVariant>()) {
+        value = value.value<QDBusVariant>().variant();
+    }
+    return value;
+}
+
+} // namespace
+
+Appearance &Appearance::instance() {
+    static Appearance appearance;
+    return appearance;
+}
+
+void Appearance::setHighContrast(bool on) {
+    if (highContrast_ != on) {
+        highContrast_ = on;
+        Q_EMIT changed();
+    }
+}
+
+void Appearance::setReducedMotion(bool on) {
+    if (reducedMotion_ != on) {
+        reducedMotion_ = on;
+        Q_EMIT changed();
+    }
+}
+
+void Appearance::followDesktop() {
+    if (following_) {
+        return;
+    }
+    following_ = true;
+    auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return;
+    }
+    bus.connect(portalService, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
+                SLOT(settingChanged(QString, QString, QDBusVariant)));
+    const QList<std::pair<QString, QString>> keys = {
+        {appearanceGroup, QStringLiteral("contrast")},
+        {appearanceGroup, QStringLiteral("reduced-motion")},
+        {gnomeGroup, QStringLiteral("enable-animations")},
+        {gnomeAccessGroup, QStringLiteral("high-contrast")},
+        {plasmaGroup, QStringLiteral("AnimationDurationFactor")},
+    };
+    for (const auto &[group, key] : keys) {
+        auto call = QDBusMessage::createMethodCall(portalService, portalPath, portalInterface,
+                                                   QStringLiteral("Read"));
+        call << group << key;
+        auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), this);
+        connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                [this, group = group, key = key](QDBusPendingCallWatcher *finished) {
+                    const QDBusPendingReply<QDBusVariant> reply = *finished;
+                    if (!reply.isError()) {
+                        apply(group, key, reply.value().variant());
+                    }
+                    finished->deleteLater();
+                });
+    }
+}
+
+void Appearance::settingChanged(const QString &group, const QString &key,
+                                const QDBusVariant &value) {
+    apply(group, key, value.variant());
+}
+
+// A desktop answers the keys it knows; where it knows two of them they agree.
+void Appearance::apply(const QString &group, const QString &key, const QVariant &wrapped) {
+    const QVariant value = unwrapped(wrapped);
+    if (group == appearanceGroup && key == QStringLiteral("contrast")) {
+        setHighContrast(value.toUInt() == 1);
+    } else if (group == gnomeAccessGroup && key == QStringLiteral("high-contrast")) {
+        setHighContrast(value.toBool());
+    } else if (group == appearanceGroup && key == QStringLiteral("reduced-motion")) {
+        setReducedMotion(value.toUInt() == 1);
+    } else if (group == gnomeGroup && key == QStringLiteral("enable-animations")) {
+        setReducedMotion(!value.toBool());
+    } else if (group == plasmaGroup && key == QStringLiteral("AnimationDurationFactor")) {
+        setReducedMotion(value.toString().toDouble() == 0);
+    }
+}
+
+} // namespace quorbel

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "ui/dotmatrix/DotItem.h"
+
+#include <QList>
+#include <QPixmap>
+
+#include <vector>
+
+namespace quorbel {
+
+/// Levels as columns of dots, the topmost lit one in the signal colour. An item wide enough gives each
+/// level several dots side by side, with a dark one between neighbours.
+class DotBars : public DotItem {
+    Q_OBJECT
+    QML_NAMED_ELEMENT(DotBarsItem)
+    Q_PROPERTY(QList<double> levels READ levels WRITE setLevels NOTIFY levelsChanged FINAL)
+    Q_PROPERTY(int columns READ columns WRITE setColumns NOTIFY columnsChanged FINAL)
+    Q_PROPERTY(int rows READ rows WRITE setRows NOTIFY rowsChanged FINAL)
+    Q_PROPERTY(bool active READ isActive WRITE setActive NOTIFY activeChanged FINAL)
+
+  public:
+    explicit DotBars(QQuickItem *parent = nullptr);
+
+    /// Heights, 0 to 1; what is missing or not a number stands at 0.
+    QList<double> levels() const { return levels_; }
+    void setLevels(const QList<double> &levels);
+
+    int columns() const { return columns_; }
+    void setColumns(int columns);
+    int rows() const { return rows_; }
+    void setRows(int rows);
+
+    /// Whether anything is shown at all; if not, every dot is dark.
+    bool isActive() const { return active_; }
+    void setActive(bool active);
+
+  Q_SIGNALS:
+    void levelsChanged();
+    void columnsChanged();
+    void rowsChanged();
+    void activeChanged();
+
+  protected:
+    void paintDots(DotPainter &painter, QSize size) override;
+    void dropPictures() override;
+
+  private:
+    void light();
+    void makePictures(QSize size);
+
+    QList<double> levels_;
+    int columns_ = 32;
+    int rows_ = 12;
+    bool active_ = true;
+    std::vector<int> lit_; // dots lit in each column
+
+    struct Pictures {
+        QPixmap dark, lit, top;
+        int columnPitch = 0; // device pixels
+        int rowPitch = 0;
+        int columnWidth = 0;
+    } pictures_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,9 @@
+import QtQuick
+
+// A spectrum: levels 0..1 as columns of dots. Best at widths of columns times a whole number of units.
+DotBarsItem {
+    property string accessibleName: ""
+
+    Accessible.role: Accessible.Graphic
+    Accessible.name: accessibleName
+}

@@ -1,0 +1,60 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A button with a text, a symbol or both. `primary`: the one that matters most; `flat`: without outline.
+T.Button {
+    id: control
+
+    property string symbol: ""
+    property bool primary: false
+    property string accessibleName: ""
+
+    readonly property color foreground: primary ? Theme.onSignal : Theme.ink
+
+    implicitWidth: Math.max(implicitContentWidth + leftPadding + rightPadding, Theme.controlHeight)
+    implicitHeight: Theme.controlHeight
+    leftPadding: (text === "" ? 1 : flat ? 1 : 2) * Theme.unit
+    rightPadding: leftPadding
+    spacing: Theme.unit
+    font.pixelSize: Theme.bodySize
+    opacity: enabled ? 1 : Theme.disabledOpacity
+
+    Accessible.name: accessibleName !== "" ? accessibleName : text
+
+    background: Rectangle {
+        radius: Theme.radius
+        color: control.primary ? (control.down || control.hovered ? Theme.signalInk : Theme.signal) : control.down || control.checked ? Theme.rule : control.flat ? (control.hovered ? Theme.rule : "transparent") : Theme.card
+        border.width: control.primary || control.flat ? 0 : Theme.hairline
+        border.color: control.hovered || control.down ? Theme.ink : Theme.edge
+
+        FocusRing {
+            visible: control.visualFocus
+        }
+    }
+
+    contentItem: Item {
+        implicitWidth: row.implicitWidth
+        implicitHeight: row.implicitHeight
+
+        Row {
+            id: row
+
+            anchors.centerIn: parent
+            spacing: control.spacing
+
+            Symbol {
+                anchors.verticalCenter: parent.verticalCenter
+                visible: control.symbol !== ""
+                name: control.symbol
+                color: control.foreground
+            }
+            Text {
+                anchors.verticalCenter: parent.verticalCenter
+                visible: text !== ""
+                text: control.text
+                font: control.font
+                color: control.foreground
+            }
+        }
+    }
+}

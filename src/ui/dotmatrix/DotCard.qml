@@ -1,0 +1,39 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A raised ground with an optional heading; what is put into it lies below the heading.
+T.Pane {
+    id: card
+
+    property string title: ""
+
+    implicitWidth: Math.max(implicitContentWidth + leftPadding + rightPadding, heading.implicitWidth + 2 * padding)
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    padding: 2 * Theme.unit
+    topPadding: title !== "" ? padding + 3 * Theme.unit : padding
+    focusPolicy: Qt.NoFocus
+
+    Accessible.role: title !== "" ? Accessible.Grouping : Accessible.NoRole
+    Accessible.name: title
+
+    background: Rectangle {
+        radius: 2 * Theme.radius
+        color: Theme.card
+        border.width: Theme.hairline
+        border.color: Theme.rule
+
+        Text {
+            id: heading
+
+            x: card.padding
+            y: card.padding
+            visible: card.title !== ""
+            text: card.title
+            color: Theme.inkSoft
+            font.pixelSize: Theme.captionSize
+            font.letterSpacing: 1
+            font.capitalization: Font.AllUppercase
+            Accessible.ignored: true
+        }
+    }
+}

@@ -1,0 +1,28 @@
+import QtQuick
+
+// A short fact beside a title.
+Rectangle {
+    id: chip
+
+    property alias text: label.text
+    property bool lit: false
+
+    implicitWidth: label.implicitWidth + 2 * Theme.unit
+    implicitHeight: 3 * Theme.unit
+    radius: height / 2
+    color: lit ? Theme.signal : "transparent"
+    border.width: lit ? 0 : Theme.hairline
+    border.color: Theme.edge
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+
+    Text {
+        id: label
+
+        anchors.centerIn: parent
+        color: chip.lit ? Theme.onSignal : Theme.inkSoft
+        font.pixelSize: Theme.captionSize
+        Accessible.ignored: true
+    }
+}

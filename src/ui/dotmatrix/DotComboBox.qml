@@ -1,0 +1,99 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// One of several. `title` stands before the choice, in the same box.
+T.ComboBox {
+    id: control
+
+    property string title: ""
+    property string accessibleName: ""
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: Theme.controlHeight
+    leftPadding: 1.5 * Theme.unit
+    rightPadding: 4 * Theme.unit
+    spacing: Theme.unit
+    font.pixelSize: Theme.bodySize
+    opacity: enabled ? 1 : Theme.disabledOpacity
+
+    Accessible.name: accessibleName !== "" ? accessibleName : title
+
+    delegate: DotMenuItem {
+        required property var model
+        required property int index
+
+        width: ListView.view.width
+        text: control.textRole !== "" ? (model[control.textRole] ?? model.modelData?.[control.textRole] ?? "") : (model.modelData ?? "")
+        symbol: control.currentIndex === index ? "checkmark" : ""
+        highlighted: control.highlightedIndex === index
+        Accessible.role: Accessible.ListItem
+        Accessible.selected: control.currentIndex === index
+    }
+    indicator: Symbol {
+        x: control.width - width - 1.5 * Theme.unit
+        y: (control.height - height) / 2
+        size: 12
+        name: "chevron.down"
+        color: Theme.inkSoft
+    }
+    contentItem: Item {
+        implicitWidth: (caption.visible ? caption.implicitWidth + control.spacing : 0) + choice.implicitWidth
+        implicitHeight: choice.implicitHeight
+
+        Text {
+            id: caption
+
+            anchors.baseline: choice.baseline
+            visible: control.title !== ""
+            text: control.title
+            color: Theme.inkSoft
+            font.pixelSize: Theme.captionSize
+            Accessible.ignored: true
+        }
+        Text {
+            id: choice
+
+            anchors.verticalCenter: parent.verticalCenter
+            x: caption.visible ? caption.implicitWidth + control.spacing : 0
+            width: parent.width - x
+            text: control.displayText
+            font: control.font
+            color: Theme.ink
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+    }
+    background: Rectangle {
+        radius: Theme.radius
+        color: control.down ? Theme.rule : Theme.card
+        border.width: Theme.hairline
+        border.color: control.hovered || control.down ? Theme.ink : Theme.edge
+
+        FocusRing {
+            visible: control.visualFocus
+        }
+    }
+    popup: T.Popup {
+        y: control.height + Theme.radius
+        width: Math.max(control.width, 24 * Theme.unit)
+        height: Math.min(contentItem.implicitHeight + topPadding + bottomPadding, control.Window.height - 4 * Theme.unit)
+        padding: Theme.radius
+        margins: Theme.unit
+
+        contentItem: ListView {
+            implicitHeight: contentHeight
+            clip: true
+            model: control.delegateModel
+            currentIndex: control.highlightedIndex
+            highlightMoveDuration: 0
+            boundsBehavior: Flickable.StopAtBounds
+            T.ScrollBar.vertical: DotScrollBar {}
+        }
+        background: Rectangle {
+            radius: 2 * Theme.radius
+            color: Theme.card
+            border.width: Theme.hairline
+            border.color: Theme.edge
+        }
+    }
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "ui/dotmatrix/DotItem.h"
+
+#include <QList>
+#include <QPixmap>
+#include <QPolygonF>
+
+#include <vector>
+
+namespace quorbel {
+
+/// A response over frequency, 20 Hz to 20 kHz on a logarithmic axis: a lattice of dots, on it the field
+/// between the curve and the middle, a spectrum behind, and the curve as a string of dots. Painting only.
+///
+/// The plot fills the item but for half a unit on every side, so that a curve at either end is whole.
+class DotCurve : public DotItem {
+    Q_OBJECT
+    QML_NAMED_ELEMENT(DotCurveItem)
+    Q_PROPERTY(QList<double> values READ values WRITE setValues NOTIFY valuesChanged FINAL)
+    Q_PROPERTY(QList<double> secondaryValues READ secondaryValues WRITE setSecondaryValues NOTIFY
+                   secondaryValuesChanged FINAL)
+    Q_PROPERTY(QList<double> spectrum READ spectrum WRITE setSpectrum NOTIFY spectrumChanged FINAL)
+    Q_PROPERTY(bool octaveMarks READ octaveMarks WRITE setOctaveMarks NOTIFY octaveMarksChanged FINAL)
+    Q_PROPERTY(bool zeroLine READ zeroLine WRITE setZeroLine NOTIFY zeroLineChanged FINAL)
+
+  public:
+    explicit DotCurve(QQuickItem *parent = nullptr);
+
+    /// Heights of the curve, 0 (bottom) to 1 (top), at equal distances on the axis.
+    QList<double> values() const { return values_; }
+    void setValues(const QList<double> &values);
+    /// A second curve, fainter; may be empty.
+    QList<double> secondaryValues() const { return secondaryValues_; }
+    void setSecondaryValues(const QList<double> &values);
+    /// Levels 0 to 1 of bands of equal width on the axis; may be empty.
+    QList<double> spectrum() const { return spectrum_; }
+    void setSpectrum(const QList<double> &levels);
+    /// Darker columns at 31.5, 63, 125 Hz ... 16 kHz.
+    bool octaveMarks() const { return octaveMarks_; }
+    void setOctaveMarks(bool show);
+    /// A darker row at half the height.
+    bool zeroLine() const { return zeroLine_; }
+    void setZeroLine(bool show);
+
+    /// Places in the item, in its coordinates. Outside of the axis they go on linearly.
+    Q_INVOKABLE double xOfFrequency(double hz) const;
+    Q_INVOKABLE double frequencyAt(double x) const;
+    /// Places of heights 0 to 1.
+    Q_INVOKABLE double yOfHeight(double height) const;
+    Q_INVOKABLE double heightAt(double y) const;
+
+  Q_SIGNALS:
+    void valuesChanged();
+    void secondaryValuesChanged();
+    void spectrumChanged();
+    void octaveMarksChanged();
+    void zeroLineChanged();
+
+  protected:
+    void geometryChange(const QRectF &now, const QRectF &before) override;
+    void paintDots(DotPainter &painter, QSize size) override;
+    void dropPictures() override;
+
+  private:
+    struct Lattice;
+    Lattice lattice() const;
+    void light();
+    QPolygonF points(const QList<double> &heights) const;
+    void paintGround(QSize size, double scale);
+    void paintCurve(QSize size, double scale);
+
+    QList<double> values_;
+    QList<double> secondaryValues_;
+    QList<double> spectrum_;
+    bool octaveMarks_ = true;
+    bool zeroLine_ = true;
+    std::vector<int> lit_; // dots of the spectrum lit in each column of the lattice
+
+    QPixmap ground_; // the dark lattice with its marks
+    QPixmap behind_; // one column of the lattice as the spectrum lights it
+    QPixmap curve_;  // curves and field, on nothing; made anew when a curve changes
+};
+
+} // namespace quorbel

@@ -1,0 +1,13 @@
+import QtQuick
+
+// A button that is a symbol only; its name is shown beside the pointer and read to assistive technology.
+DotButton {
+    id: control
+
+    flat: true
+
+    DotToolTip {
+        visible: control.hovered && text !== ""
+        text: control.accessibleName
+    }
+}

@@ -1,0 +1,30 @@
+#include "ui/dotmatrix/DotItem.h"
+
+#include "ui/dotmatrix/DotPainter.h"
+
+#include <cmath>
+
+namespace quorbel {
+
+DotItem::DotItem(QQuickItem *parent) : QQuickPaintedItem(parent) {
+    // Where an item stands between two pixels its dots move to the nearer one instead of blurring.
+    setSmooth(false);
+    connect(&Appearance::instance(), &Appearance::changed, this, [this] {
+        dropPictures();
+        update();
+    });
+}
+
+void DotItem::paint(QPainter *painter) {
+    ++paintCount_;
+    DotPainter dots(*painter);
+    const QSize size(static_cast<int>(std::lround(width() * dots.scale())),
+                     static_cast<int>(std::lround(height() * dots.scale())));
+    if (size != paintedSize_) {
+        paintedSize_ = size;
+        dropPictures();
+    }
+    paintDots(dots, size);
+}
+
+} // namespace quorbel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ui/dotmatrix/Appearance.h"
+
+#include <QQuickPaintedItem>
+#include <QtQml/qqmlregistration.h>
+
+namespace quorbel {
+
+class DotPainter;
+
+/// An item of dots, painted as one picture. It is painted again only after `update()`, that is when what
+/// it shows has changed, and not while it or its window is hidden.
+class DotItem : public QQuickPaintedItem {
+    Q_OBJECT
+    QML_ANONYMOUS
+
+  public:
+    explicit DotItem(QQuickItem *parent = nullptr);
+
+    /// How often the item was painted.
+    Q_INVOKABLE int paintCount() const { return paintCount_; }
+
+    void paint(QPainter *painter) final;
+
+  protected:
+    /// @param size  the item's size in device pixels
+    virtual void paintDots(DotPainter &painter, QSize size) = 0;
+
+    /// Called when colours or size or scale are others: pictures kept for painting are to be dropped.
+    virtual void dropPictures() {}
+
+    static const Palette &palette() { return Appearance::instance().palette(); }
+
+    /// Takes a new value of a property and has the item painted where it differs.
+    /// @returns whether it differs
+    template <class T> bool take(T &member, const T &value) {
+        if (member == value) {
+            return false;
+        }
+        member = value;
+        update();
+        return true;
+    }
+
+  private:
+    int paintCount_ = 0;
+    QSize paintedSize_;
+};
+
+} // namespace quorbel

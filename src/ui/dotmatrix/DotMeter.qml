@@ -1,0 +1,11 @@
+import QtQuick
+
+// A level between `from` and `to`, lit from `origin`, with a mark at `peak`.
+DotMeterItem {
+    property string accessibleName: ""
+    property string valueText: ""
+
+    Accessible.role: Accessible.Indicator
+    Accessible.name: accessibleName
+    Accessible.description: valueText
+}

@@ -1,0 +1,19 @@
+import QtQuick
+import QtQuick.Templates as T
+
+T.ScrollBar {
+    id: control
+
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    padding: 2
+    minimumSize: 0.1
+    visible: policy !== T.ScrollBar.AlwaysOff && size < 1
+
+    contentItem: Rectangle {
+        implicitWidth: Theme.radius
+        implicitHeight: Theme.radius
+        radius: Theme.radius / 2
+        color: control.pressed || control.hovered ? Theme.ink : Theme.edge
+    }
+}

@@ -1,0 +1,48 @@
+import QtQuick
+
+// A value on a row of dots. `moved` while the user changes it, `resetRequested` on double click.
+ValueControl {
+    id: control
+
+    property int orientation: Qt.Horizontal
+    readonly property bool pressed: handle.pressed
+    readonly property bool hovered: handle.hovered
+    readonly property bool visualFocus: handle.visualFocus
+
+    implicitWidth: orientation === Qt.Horizontal ? 25 * Theme.unit : 3 * Theme.unit
+    implicitHeight: orientation === Qt.Horizontal ? 3 * Theme.unit : 25 * Theme.unit
+    opacity: enabled ? 1 : Theme.disabledOpacity
+
+    DotTrack {
+        id: track
+
+        anchors.fill: parent
+        position: control.position
+        origin: control.originPosition
+        vertical: control.orientation === Qt.Vertical
+        hot: handle.hot
+    }
+
+    Rectangle {
+        readonly property real centre: track.handleCentre(control.position) + 0 * (track.width + track.height)
+
+        visible: handle.visualFocus
+        width: track.handleSize + 2 * Theme.unit - 6
+        height: width
+        radius: width / 2
+        x: track.vertical ? (control.width - width) / 2 : centre - width / 2
+        y: track.vertical ? centre - height / 2 : (control.height - height) / 2
+        color: "transparent"
+        border.width: 2
+        border.color: Theme.signalInk
+    }
+
+    ValueHandle {
+        id: handle
+
+        anchors.fill: parent
+        target: control
+        onHandle: (x, y) => track.onHandle(x, y)
+        positionAt: (x, y) => track.positionAt(x, y)
+    }
+}

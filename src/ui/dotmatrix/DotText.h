@@ -1,0 +1,53 @@
+#pragma once
+
+#include "ui/dotmatrix/DotItem.h"
+
+namespace quorbel {
+
+/// Text in the dot font: numbers, units and the state word.
+class DotText : public DotItem {
+    Q_OBJECT
+    QML_NAMED_ELEMENT(DotTextItem)
+    Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged FINAL)
+    Q_PROPERTY(double dotSize READ dotSize WRITE setDotSize NOTIFY dotSizeChanged FINAL)
+    Q_PROPERTY(QColor color READ color WRITE setColor RESET resetColor NOTIFY colorChanged FINAL)
+    Q_PROPERTY(bool showUnlit READ showUnlit WRITE setShowUnlit NOTIFY showUnlitChanged FINAL)
+
+  public:
+    explicit DotText(QQuickItem *parent = nullptr);
+
+    QString text() const { return text_; }
+    void setText(const QString &text);
+
+    /// Distance from one dot to the next; the text is seven of them high.
+    double dotSize() const { return dotSize_; }
+    void setDotSize(double size);
+
+    /// Ink, unless set.
+    QColor color() const;
+    void setColor(const QColor &color);
+    void resetColor();
+
+    /// Whether the dots that are not lit are shown too, as on a display.
+    bool showUnlit() const { return showUnlit_; }
+    void setShowUnlit(bool show);
+
+  Q_SIGNALS:
+    void textChanged();
+    void dotSizeChanged();
+    void colorChanged();
+    void showUnlitChanged();
+
+  protected:
+    void paintDots(DotPainter &painter, QSize size) override;
+
+  private:
+    void measure();
+
+    QString text_;
+    double dotSize_ = 2;
+    QColor color_;
+    bool showUnlit_ = false;
+};
+
+} // namespace quorbel

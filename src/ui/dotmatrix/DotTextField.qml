@@ -1,0 +1,46 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// One line of text. `invalid` marks what could not be read.
+T.TextField {
+    id: control
+
+    property alias placeholder: control.placeholderText
+    property string accessibleName: ""
+    property bool invalid: false
+
+    implicitWidth: 25 * Theme.unit
+    implicitHeight: Theme.controlHeight
+    leftPadding: Theme.unit
+    rightPadding: Theme.unit
+    verticalAlignment: TextInput.AlignVCenter
+    font.pixelSize: Theme.bodySize
+    color: Theme.ink
+    selectionColor: Theme.ink
+    selectedTextColor: Theme.card
+    placeholderTextColor: Theme.inkSoft
+    selectByMouse: true
+    opacity: enabled ? 1 : Theme.disabledOpacity
+
+    Accessible.name: accessibleName !== "" ? accessibleName : placeholderText
+
+    background: Rectangle {
+        radius: Theme.radius
+        color: Theme.card
+        border.width: control.invalid || control.activeFocus ? 2 : Theme.hairline
+        border.color: control.invalid ? Theme.warning : control.activeFocus ? Theme.signalInk : control.hovered ? Theme.ink : Theme.edge
+    }
+
+    Text {
+        x: control.leftPadding
+        width: control.width - control.leftPadding - control.rightPadding
+        height: control.height
+        visible: control.text === "" && control.preeditText === ""
+        verticalAlignment: Text.AlignVCenter
+        text: control.placeholderText
+        font: control.font
+        color: control.placeholderTextColor
+        elide: Text.ElideRight
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,28 @@
+import QtQuick
+import QtQuick.Templates as T
+
+T.ToolTip {
+    id: control
+
+    x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
+    y: -implicitHeight - Theme.radius
+    implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
+    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
+    margins: Theme.radius
+    horizontalPadding: Theme.unit
+    verticalPadding: Theme.radius
+    delay: 600
+    timeout: 6000
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
+    font.pixelSize: Theme.captionSize
+
+    contentItem: Text {
+        text: control.text
+        font: control.font
+        color: Theme.card
+    }
+    background: Rectangle {
+        radius: Theme.radius
+        color: Theme.ink
+    }
+}

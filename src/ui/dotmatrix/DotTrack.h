@@ -1,0 +1,57 @@
+#pragma once
+
+#include "ui/dotmatrix/DotItem.h"
+
+namespace quorbel {
+
+/// A slider's track: a row of dots, lit from `origin` to `position`, and the handle.
+class DotTrack : public DotItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(double position READ position WRITE setPosition NOTIFY positionChanged FINAL)
+    Q_PROPERTY(double origin READ origin WRITE setOrigin NOTIFY originChanged FINAL)
+    Q_PROPERTY(bool vertical READ isVertical WRITE setVertical NOTIFY verticalChanged FINAL)
+    Q_PROPERTY(bool hot READ isHot WRITE setHot NOTIFY hotChanged FINAL)
+    Q_PROPERTY(double handleSize READ handleSize CONSTANT FINAL)
+
+  public:
+    explicit DotTrack(QQuickItem *parent = nullptr);
+
+    double position() const { return position_; }
+    void setPosition(double position);
+    double origin() const { return origin_; }
+    void setOrigin(double origin);
+    /// Upward instead of to the right.
+    bool isVertical() const { return vertical_; }
+    void setVertical(bool vertical);
+    /// Whether the handle is under the pointer or held.
+    bool isHot() const { return hot_; }
+    void setHot(bool hot);
+
+    double handleSize() const;
+
+    /// The position under a point of the item; may lie outside 0 to 1.
+    Q_INVOKABLE double positionAt(double x, double y) const;
+    /// Centre of the handle, measured along the track from its upper or left end.
+    Q_INVOKABLE double handleCentre(double position) const;
+    Q_INVOKABLE bool onHandle(double x, double y) const;
+
+  Q_SIGNALS:
+    void positionChanged();
+    void originChanged();
+    void verticalChanged();
+    void hotChanged();
+
+  protected:
+    void paintDots(DotPainter &painter, QSize size) override;
+
+  private:
+    double length() const { return vertical_ ? height() : width(); }
+
+    double position_ = 0;
+    double origin_ = 0;
+    bool vertical_ = false;
+    bool hot_ = false;
+};
+
+} // namespace quorbel

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ui/dotmatrix/DotItem.h"
+
+#include <QImage>
+
+namespace quorbel {
+
+/// One symbol of the program's own set, by name, in one colour.
+class Symbol : public DotItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged FINAL)
+    Q_PROPERTY(QColor color READ color WRITE setColor RESET resetColor NOTIFY colorChanged FINAL)
+    Q_PROPERTY(double size READ size WRITE setSize NOTIFY sizeChanged FINAL)
+
+  public:
+    explicit Symbol(QQuickItem *parent = nullptr);
+
+    /// As in `ui/symbols`; none: nothing is shown.
+    QString name() const { return name_; }
+    void setName(const QString &name);
+    /// Ink, unless set.
+    QColor color() const;
+    void setColor(const QColor &color);
+    void resetColor();
+    /// Edge of the square that the symbol fills; 16 is what it is drawn for.
+    double size() const { return size_; }
+    void setSize(double size);
+
+  Q_SIGNALS:
+    void nameChanged();
+    void colorChanged();
+    void sizeChanged();
+
+  protected:
+    void paintDots(DotPainter &painter, QSize size) override;
+
+  private:
+    QString name_;
+    QColor color_;
+    double size_ = 16;
+};
+
+} // namespace quorbel

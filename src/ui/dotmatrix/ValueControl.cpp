@@ -1,0 +1,97 @@
+#include "ui/dotmatrix/ValueControl.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace quorbel {
+namespace {
+
+constexpr double unset = std::numeric_limits<double>::quiet_NaN();
+
+} // namespace
+
+ValueControl::ValueControl(QQuickItem *parent) : QQuickItem(parent), origin_(unset) {
+    setFlag(ItemIsFocusScope);
+}
+
+void ValueControl::setFrom(double from) {
+    if (from_ != from) {
+        from_ = from;
+        Q_EMIT fromChanged();
+        Q_EMIT positionChanged();
+        Q_EMIT originPositionChanged();
+    }
+}
+
+void ValueControl::setTo(double to) {
+    if (to_ != to) {
+        to_ = to;
+        Q_EMIT toChanged();
+        Q_EMIT positionChanged();
+        Q_EMIT originPositionChanged();
+    }
+}
+
+void ValueControl::setValue(double value) {
+    if (value_ != value && !std::isnan(value)) {
+        value_ = value;
+        Q_EMIT valueChanged();
+        Q_EMIT positionChanged();
+    }
+}
+
+void ValueControl::setStepSize(double size) {
+    if (stepSize_ != size) {
+        stepSize_ = size;
+        Q_EMIT stepSizeChanged();
+    }
+}
+
+double ValueControl::origin() const { return std::isnan(origin_) ? from_ : origin_; }
+
+void ValueControl::setOrigin(double origin) {
+    if (origin_ != origin && !(std::isnan(origin_) && std::isnan(origin))) {
+        origin_ = origin;
+        Q_EMIT originChanged();
+        Q_EMIT originPositionChanged();
+    }
+}
+
+void ValueControl::resetOrigin() { setOrigin(unset); }
+
+double ValueControl::step() const { return stepSize_ > 0 ? stepSize_ : (to_ - from_) / 100; }
+
+void ValueControl::moveTo(double value) {
+    const double next = reachable(value);
+    if (next != value_) {
+        setValue(next);
+        Q_EMIT moved();
+    }
+}
+
+void ValueControl::moveToPosition(double position) { moveTo(from_ + position * (to_ - from_)); }
+
+void ValueControl::moveBy(int steps) { moveTo(value_ + steps * step()); }
+
+double ValueControl::positionOf(double value) const {
+    const double position = (value - from_) / (to_ - from_);
+    return std::isfinite(position) ? std::clamp(position, 0.0, 1.0) : 0;
+}
+
+double ValueControl::reachable(double value) const {
+    if (std::isnan(value)) {
+        return value_;
+    }
+    if (stepSize_ > 0) {
+        // Counted in whole steps per unit where there are: 3 * 0.1 is not the number written 0.3, 3 / 10 is.
+        const double steps = std::round((value - from_) / stepSize_);
+        const double perUnit = std::round(1 / stepSize_);
+        value = perUnit >= 1 && std::abs(perUnit * stepSize_ - 1) < 1e-9
+                    ? std::round(from_ * perUnit + steps) / perUnit
+                    : from_ + steps * stepSize_;
+    }
+    return std::clamp(value, std::min(from_, to_), std::max(from_, to_));
+}
+
+} // namespace quorbel

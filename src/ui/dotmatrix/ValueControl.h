@@ -1,0 +1,86 @@
+#pragma once
+
+#include <QQuickItem>
+#include <QtQml/qqmlregistration.h>
+
+namespace quorbel {
+
+/// What slider and knob have in common: a value in a range, moved in steps. The value is the model's;
+/// a move of the user's takes it along and says so, and leaves the binding on it in place.
+class ValueControl : public QQuickItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(double from READ from WRITE setFrom NOTIFY fromChanged FINAL)
+    Q_PROPERTY(double to READ to WRITE setTo NOTIFY toChanged FINAL)
+    Q_PROPERTY(double value READ value WRITE setValue NOTIFY valueChanged FINAL)
+    Q_PROPERTY(double stepSize READ stepSize WRITE setStepSize NOTIFY stepSizeChanged FINAL)
+    Q_PROPERTY(double origin READ origin WRITE setOrigin RESET resetOrigin NOTIFY originChanged FINAL)
+    Q_PROPERTY(double position READ position NOTIFY positionChanged FINAL)
+    Q_PROPERTY(double originPosition READ originPosition NOTIFY originPositionChanged FINAL)
+    Q_PROPERTY(double step READ step NOTIFY stepSizeChanged FINAL)
+    Q_PROPERTY(QString accessibleName MEMBER accessibleName NOTIFY accessibleNameChanged FINAL)
+    Q_PROPERTY(QString valueText MEMBER valueText NOTIFY valueTextChanged FINAL)
+    Q_PROPERTY(bool wheelEnabled MEMBER wheelEnabled NOTIFY wheelEnabledChanged FINAL)
+
+  public:
+    explicit ValueControl(QQuickItem *parent = nullptr);
+
+    double from() const { return from_; }
+    void setFrom(double from);
+    double to() const { return to_; }
+    void setTo(double to);
+    double value() const { return value_; }
+    void setValue(double value);
+    /// Distance of the values the user can reach, counted from `from`; 0: any value.
+    double stepSize() const { return stepSize_; }
+    void setStepSize(double size);
+    /// The value where the lit run begins; `from`, unless set.
+    double origin() const;
+    void setOrigin(double origin);
+    void resetOrigin();
+
+    /// Value and origin as parts of the range, 0 to 1.
+    double position() const { return positionOf(value_); }
+    double originPosition() const { return positionOf(origin()); }
+    /// What one press of an arrow key moves: the step size, or a hundredth of the range without one.
+    double step() const;
+
+    /// The user's moves. The new value is the nearest one that can be reached; `moved` follows if it is
+    /// another than before.
+    Q_INVOKABLE void moveTo(double value);
+    Q_INVOKABLE void moveToPosition(double position);
+    Q_INVOKABLE void moveBy(int steps);
+
+    QString accessibleName;
+    QString valueText;
+    /// Whether the wheel moves the value. Off, so that rolling over a page changes no sound.
+    bool wheelEnabled = false;
+
+  Q_SIGNALS:
+    void fromChanged();
+    void toChanged();
+    void valueChanged();
+    void stepSizeChanged();
+    void originChanged();
+    void positionChanged();
+    void originPositionChanged();
+    void accessibleNameChanged();
+    void valueTextChanged();
+    void wheelEnabledChanged();
+    /// The user has changed the value.
+    void moved();
+    /// The user asks for the value's default.
+    void resetRequested();
+
+  private:
+    double positionOf(double value) const;
+    double reachable(double value) const;
+
+    double from_ = 0;
+    double to_ = 1;
+    double value_ = 0;
+    double stepSize_ = 0;
+    double origin_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,117 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// What makes a value control a control: focus, keys, pointer, and its face to assistive technology.
+// The mouse takes the handle where it stands; `positionAt` says which position a point on the track is,
+// `turn` makes every way of moving the pointer a turn instead.
+T.Control {
+    id: handle
+
+    required property ValueControl target
+    property int role: Accessible.Slider
+    property bool turn: false
+    property var onHandle: (x, y) => true
+    property var positionAt: (x, y) => 0
+
+    readonly property bool pressed: pointer.pressed
+    readonly property bool hot: pointer.pressed || pointer.containsMouse
+
+    // Under these names assistive technology reads the value, and writes it.
+    property real value: target.value
+    readonly property real minimumValue: target.from
+    readonly property real maximumValue: target.to
+    readonly property real stepSize: target.step
+
+    focus: true
+    focusPolicy: Qt.StrongFocus
+    onValueChanged: {
+        if (value !== target.value) {
+            const wanted = value;
+            value = Qt.binding(() => handle.target.value);
+            target.moveTo(wanted);
+        }
+    }
+
+    Accessible.role: role
+    Accessible.name: target.accessibleName
+    Accessible.description: target.valueText
+    Accessible.focusable: true
+    Accessible.onIncreaseAction: target.moveBy(1)
+    Accessible.onDecreaseAction: target.moveBy(-1)
+
+    Keys.onPressed: event => {
+        switch (event.key) {
+        case Qt.Key_Up:
+        case Qt.Key_Right:
+            target.moveBy(1);
+            break;
+        case Qt.Key_Down:
+        case Qt.Key_Left:
+            target.moveBy(-1);
+            break;
+        case Qt.Key_PageUp:
+            target.moveBy(10);
+            break;
+        case Qt.Key_PageDown:
+            target.moveBy(-10);
+            break;
+        case Qt.Key_Home:
+            target.moveTo(target.from);
+            break;
+        case Qt.Key_End:
+            target.moveTo(target.to);
+            break;
+        case Qt.Key_Delete:
+        case Qt.Key_Backspace:
+            target.resetRequested();
+            break;
+        default:
+            return;
+        }
+        event.accepted = true;
+    }
+
+    MouseArea {
+        id: pointer
+
+        property real held: 0 // position as the pointer has moved it, beyond the ends too
+        property point last
+        property bool wasReset: false
+
+        // Pixels of a turn from one end to the other.
+        readonly property real turnLength: 160
+
+        anchors.fill: parent
+        hoverEnabled: true
+        preventStealing: true
+
+        onPressed: mouse => {
+            handle.forceActiveFocus(Qt.MouseFocusReason);
+            wasReset = false;
+            last = Qt.point(mouse.x, mouse.y);
+            held = handle.target.position;
+            if (!handle.turn && !handle.onHandle(mouse.x, mouse.y)) {
+                held = handle.positionAt(mouse.x, mouse.y);
+                handle.target.moveToPosition(held);
+            }
+        }
+        onPositionChanged: mouse => {
+            if (!pressed || wasReset)
+                return;
+            const way = handle.turn ? (mouse.x - last.x - mouse.y + last.y) / turnLength : handle.positionAt(mouse.x, mouse.y) - handle.positionAt(last.x, last.y);
+            last = Qt.point(mouse.x, mouse.y);
+            held += way * (mouse.modifiers & Qt.ShiftModifier ? 0.1 : 1);
+            handle.target.moveToPosition(held);
+        }
+        onDoubleClicked: {
+            wasReset = true;
+            handle.target.resetRequested();
+        }
+        onWheel: wheel => {
+            if (handle.target.wheelEnabled && wheel.angleDelta.y !== 0)
+                handle.target.moveBy(wheel.angleDelta.y > 0 ? 1 : -1);
+            else
+                wheel.accepted = false;
+        }
+    }
+}

@@ -1,0 +1,44 @@
+#include "ui/dotmatrix/Appearance.h"
+
+#include <QCommandLineParser>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QTimer>
+
+#include <cstdio>
+
+/// Shows every primitive in every state; with --grab, writes the picture and ends.
+int main(int argc, char **argv) {
+    const QGuiApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    const QCommandLineOption grab(QStringLiteral("grab"), QStringLiteral("Write a picture and end."),
+                                  QStringLiteral("FILE.png"));
+    const QCommandLineOption contrast(QStringLiteral("contrast"), QStringLiteral("High contrast."));
+    const QCommandLineOption still(QStringLiteral("still"), QStringLiteral("Reduced motion."));
+    parser.addOptions({grab, contrast, still});
+    parser.process(application);
+
+    auto &appearance = quorbel::Appearance::instance();
+    appearance.setHighContrast(parser.isSet(contrast));
+    appearance.setReducedMotion(parser.isSet(still));
+
+    QQmlApplicationEngine engine;
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quorbel/Gallery/Gallery.qml")));
+    if (engine.rootObjects().isEmpty()) {
+        return 1;
+    }
+    if (parser.isSet(grab)) {
+        auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+        QTimer::singleShot(0, window, [&, window] {
+            const bool written = window->grabWindow().save(parser.value(grab));
+            if (!written) {
+                std::fprintf(stderr, "cannot write %s\n", qPrintable(parser.value(grab)));
+            }
+            QCoreApplication::exit(written ? 0 : 1);
+        });
+    }
+    return QGuiApplication::exec();
+}
