@@ -2,6 +2,7 @@
 
 #include "ui/logic/NumberFormat.h"
 #include "ui/logic/PanelTexts.h"
+#include "ui/model/Comparing.h"
 #include "ui/model/EngineTexts.h"
 
 namespace quorbel {
@@ -30,7 +31,7 @@ EngineModel::EngineModel(AppState &state, Clock &clock, QObject *parent)
 }
 
 QString EngineModel::state() const {
-    switch (engine_.state().kind) {
+    switch (shownState().kind) {
     case EngineLifecycle::State::Kind::running:
         return QStringLiteral("running");
     case EngineLifecycle::State::Kind::error:
@@ -45,27 +46,42 @@ bool EngineModel::running() const {
     return engine_.state().kind == EngineLifecycle::State::Kind::running;
 }
 
-QString EngineModel::errorMessage() const { return shownError(engine_.state().message); }
-QString EngineModel::stateWord() const { return shown(quorbel::stateWord(engine_.state())); }
-
+QString EngineModel::errorMessage() const { return shown(shownState().message); }
+QString EngineModel::stateWord() const { return shown(quorbel::stateWord(shownState())); }
 QString EngineModel::subtitle() const {
-    EngineLifecycle::State shownState = engine_.state();
-    shownState.message = errorMessage().toStdString();
-    return shown(subtitlu(shownState, appState_.activePresetDisplayName()));
+    return shown(subtitlu(shownState(), appState_.activePresetDisplayName()));
 }
 
 QString EngineModel::secondLine() const {
     return shown(quorbel::secondLine(engine_.outputDevice().has_value(), engine_.mixer()));
 }
 
-void EngineModel::start() { engine_.start(); }
-void EngineModel::stop() { engine_.stop(); }
+void EngineModel::start() {
+    const QString reason = startCheck_ && !running() ? startCheck_() : QString();
+    setRefusal(reason);
+    if (reason.isEmpty())
+        engine_.start();
+}
+
+void EngineModel::stop() {
+    setRefusal({});
+    engine_.stop();
+}
 
 void EngineModel::toggle() {
     if (running())
         stop();
     else
         start();
+}
+
+bool EngineModel::comparing() const { return isComparing(engine_); }
+
+void EngineModel::setComparing(bool comparing) {
+    if (comparing == this->comparing())
+        return;
+    quorbel::setComparing(engine_, comparing);
+    Q_EMIT comparingChanged();
 }
 
 double EngineModel::limiterReductionDB() const {
@@ -90,6 +106,22 @@ double EngineModel::voiceConfidence() const {
 }
 QString EngineModel::confidenceText() const {
     return shown(fixedText(100.0 * voiceConfidence(), 0) + "%");
+}
+
+EngineLifecycle::State EngineModel::shownState() const {
+    if (!refusal_.isEmpty())
+        return EngineLifecycle::State::error(refusal_.toStdString());
+    EngineLifecycle::State state = engine_.state();
+    state.message = shownError(state.message).toStdString();
+    return state;
+}
+
+void EngineModel::setRefusal(const QString &reason) {
+    if (reason == refusal_)
+        return;
+    refusal_ = reason;
+    Q_EMIT stateChanged();
+    Q_EMIT subtitleChanged();
 }
 
 void EngineModel::followState() {

@@ -7,6 +7,9 @@
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
+#include <functional>
+#include <utility>
+
 namespace quorbel {
 
 /// The engine as the toolbar, the live panel and the meters show it. [main]
@@ -34,6 +37,8 @@ class EngineModel final : public QObject {
     Q_PROPERTY(QString confidenceText READ confidenceText NOTIFY voiceConfidenceChanged)
     /// What was lost since the start; empty when nothing was.
     Q_PROPERTY(QString losses READ losses NOTIFY lossesChanged)
+    /// Whether the unprocessed sound is heard, at matched loudness: for as long as a key is held.
+    Q_PROPERTY(bool comparing READ comparing WRITE setComparing NOTIFY comparingChanged)
 
   public:
     EngineModel(AppState &state, Clock &clock, QObject *parent);
@@ -48,6 +53,13 @@ class EngineModel final : public QObject {
     Q_INVOKABLE void start();
     Q_INVOKABLE void stop();
     Q_INVOKABLE void toggle();
+
+    /// Asked before every start: the reason why it must not be, which is then shown like an error
+    /// of the engine's; empty where it may.
+    void setStartCheck(std::function<QString()> check) { startCheck_ = std::move(check); }
+
+    [[nodiscard]] bool comparing() const;
+    void setComparing(bool comparing);
 
     [[nodiscard]] double limiterReductionDB() const;
     [[nodiscard]] QString reductionText() const;        ///< "1.3 dB"
@@ -69,14 +81,20 @@ class EngineModel final : public QObject {
     void bassTrackedFrequencyChanged();
     void voiceConfidenceChanged();
     void lossesChanged();
+    void comparingChanged();
 
   private:
+    /// The engine's, or an error where a start was refused; with the text that is shown.
+    [[nodiscard]] EngineLifecycle::State shownState() const;
+    void setRefusal(const QString &reason);
     void followState();
     void updateLosses();
 
     AppState &appState_;
     AudioEngine &engine_;
     Clock &clock_;
+    std::function<QString()> startCheck_;
+    QString refusal_;   ///< of the last start, until the next one
     Timer lossesTimer_; ///< the engine counts them by the second and does not announce them
     QString losses_;
 };
