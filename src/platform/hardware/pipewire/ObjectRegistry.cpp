@@ -300,14 +300,18 @@ std::optional<MetadataValue> ObjectRegistry::metadata(std::uint32_t subject,
 
 void ObjectRegistry::setMetadata(std::uint32_t subject, const char *key,
                                  const MetadataValue &value) {
-    if (default_)
-        pw_metadata_set_property(default_->proxy.get(), subject, key, value.type.c_str(),
-                                 value.value.c_str());
+    if (!default_)
+        return;
+    default_->values[{subject, key}] = value;
+    pw_metadata_set_property(default_->proxy.get(), subject, key, value.type.c_str(),
+                             value.value.c_str());
 }
 
 void ObjectRegistry::deleteMetadata(std::uint32_t subject, const char *key) {
-    if (default_)
-        pw_metadata_set_property(default_->proxy.get(), subject, key, nullptr, nullptr);
+    if (!default_)
+        return;
+    default_->values.erase({subject, key});
+    pw_metadata_set_property(default_->proxy.get(), subject, key, nullptr, nullptr);
 }
 
 double ObjectRegistry::setting(std::string_view key) const {

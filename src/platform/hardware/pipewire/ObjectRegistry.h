@@ -91,6 +91,8 @@ class ObjectRegistry {
     [[nodiscard]] bool hasMetadata() const { return metadataComplete_; }
     [[nodiscard]] std::optional<MetadataValue> metadata(std::uint32_t subject,
                                                         std::string_view key) const;
+    /// Both hold at once, without waiting for the server's echo: a 0.3.65 server sends no more of
+    /// them for good once a client has left in the middle of binding the table.
     void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value);
     void deleteMetadata(std::uint32_t subject, const char *key);
 
