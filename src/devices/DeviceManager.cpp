@@ -49,10 +49,11 @@ class DeviceManager::Observation final : public HardwareListener,
     void defaultOutputChanged() override { listenerProc(); }
     void hardwareLost(Status status) override {
         handOver([status](DeviceManager &manager) {
-            manager.refresh();
             // A copy, because what is called may clear the callback.
             if (const auto callback = manager.onHardwareLost)
                 callback(status);
+            // Only now, because nothing may be left of the lost hardware when a new one is found.
+            manager.refresh();
         });
     }
 
@@ -94,7 +95,16 @@ DeviceManager::DeviceManager(AudioHardware &hardware, Clock &clock)
 
 DeviceManager::~DeviceManager() { stopObservingHardware(); }
 
+void DeviceManager::refreshIfChanged() {
+    std::vector<AudioObjectID> ids;
+    if (hardware_.deviceList(ids) != statusOK || ids != listedIDs_)
+        refresh();
+}
+
 void DeviceManager::refresh() {
+    hardware_.reconnect();
+    listedIDs_.clear();
+    hardware_.deviceList(listedIDs_);
     std::vector<AudioDevice> devices = allDevices();
     std::erase_if(devices, [](const AudioDevice &device) { return device.outputChannels <= 0; });
     if (devices == outputDevices_)

@@ -41,8 +41,11 @@ class DeviceManager final : public QObject {
     /// Every device with at least one output channel, in the platform's order.
     [[nodiscard]] const std::vector<AudioDevice> &outputDevices() const { return outputDevices_; }
 
-    /// Lists the output devices anew.
+    /// Lists the output devices anew; where the connection to the hardware was lost, tries to
+    /// connect again first.
     void refresh();
+    /// The same, but only where devices have come or gone since, or the connection is lost.
+    void refreshIfChanged();
 
     [[nodiscard]] std::vector<AudioDevice> allDevices() const;
 
@@ -81,6 +84,7 @@ class DeviceManager final : public QObject {
     AudioHardware &hardware_;
     Clock &clock_;
     std::vector<AudioDevice> outputDevices_;
+    std::vector<AudioObjectID> listedIDs_;     ///< of all devices
     std::shared_ptr<Observation> observation_; ///< shared with what it has handed over
 };
 

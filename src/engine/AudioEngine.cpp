@@ -70,16 +70,25 @@ void AudioEngine::attachSpectrum() {
 }
 
 void AudioEngine::setOutputDevice(std::optional<AudioDevice> device) {
-    const bool changed = device != outputDevice_;
-    outputDevice_ = std::move(device);
-    Q_EMIT outputDeviceChanged();
-    if (changed)
-        scheduleOutputRestart();
+    vanishedUID_.reset();
+    moveOutput(std::move(device));
 }
 
 // Start and stop
 
 void AudioEngine::start() {
+    if (lifecycle.isStarting() || lifecycle.state() == EngineLifecycle::State::running())
+        return;
+    comebackTimer.invalidate();
+    upheavals_ = {};
+    deviceManager_.refreshIfChanged(); // nobody has listened to the hardware while it was stopped
+    if (vanishedUID_)
+        if (auto device = deviceManager_.outputDevice(*vanishedUID_))
+            setOutputDevice(std::move(device));
+    beginStart();
+}
+
+void AudioEngine::beginStart() {
     const auto generation = lifecycle.beginStart();
     if (!generation)
         return;
@@ -110,8 +119,10 @@ void AudioEngine::continueStart(EngineLifecycle::Generation start) {
     applyMixer();
     attachSpectrum();
     observeHardware();
-    if (lifecycle.finishStart(start))
+    if (lifecycle.finishStart(start)) {
         startTimers();
+        finishComeback();
+    }
     publishState();
 }
 
@@ -139,6 +150,7 @@ void AudioEngine::startTimers() {
 }
 
 void AudioEngine::stop() {
+    comebackTimer.invalidate();
     lifecycle.end();
     stopTimersAndSpectrum();
     teardown();

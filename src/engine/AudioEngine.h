@@ -27,6 +27,12 @@ namespace quorbel {
 
 class DeviceManager;
 
+/// What was done so that processing goes on.
+struct EngineUpheavals {
+    int outputRestarts = 0; ///< playback moved or was bound anew
+    int comebacks = 0;      ///< everything started again after a failure
+};
+
 /// Conducts the live sound: capture into the ring buffer, the playback graph out of it, the
 /// settings into its stages; starts and stops them together and keeps them running through changes
 /// of the hardware. What it publishes is what the screens show. All calls [main].
@@ -55,13 +61,22 @@ class AudioEngine final : public QObject {
     void setMixer(const MixerConfig &mixer);
     [[nodiscard]] EQProcessor &eq() { return chain_.eq(); }
     [[nodiscard]] const std::optional<AudioDevice> &outputDevice() const { return outputDevice_; }
-    /// While running, playback moves to another device after a short pause for more such changes.
+    /// The user's choice. While running, playback moves to another device after a short pause for
+    /// more such changes. A chosen device that vanishes is replaced by the default output, and
+    /// chosen again when it is back.
     void setOutputDevice(std::optional<AudioDevice> device);
 
     /// Returns at once; the outcome is a change of `state`. Ignored while starting or running.
     void start();
+    /// Also ends the wish to come back.
     void stop();
     [[nodiscard]] const EngineLifecycle::State &state() const { return state_; }
+
+    /// True while the engine, after a failure in the middle of processing, waits for the hardware
+    /// to be fit again and then starts by itself. The state is the failure's text meanwhile.
+    [[nodiscard]] bool isComingBack() const { return comebackTimer.isSet(); }
+    /// What the hardware has made necessary since the user's last start.
+    [[nodiscard]] const EngineUpheavals &upheavals() const { return upheavals_; }
 
     // Read-outs, refreshed ten times a second while running.
     [[nodiscard]] float limiterReductionDB() const {
@@ -95,6 +110,7 @@ class AudioEngine final : public QObject {
   private:
     static void allEffectUnits(AudioUnitRegistry &registry);
 
+    void beginStart();
     void continueStart(EngineLifecycle::Generation start);
     void activateTap();
     void applySpatial();
@@ -108,11 +124,16 @@ class AudioEngine final : public QObject {
     void updateReadouts();
 
     // AudioEngineRestart.cpp
+    void moveOutput(std::optional<AudioDevice> device);
     void scheduleOutputRestart();
     void restartProcessEngine();
     void handleHardwareChange();
     void rebuildTap();
     void failRunning(std::string_view message);
+    void scheduleComeback();
+    void comeBack();
+    void finishComeback();
+    [[nodiscard]] bool findOutputAgain();
 
     DeviceManager &deviceManager_;
     Clock &clock_;
@@ -120,6 +141,8 @@ class AudioEngine final : public QObject {
     SpatialConfig spatial_;
     MixerConfig mixer_;
     std::optional<AudioDevice> outputDevice_;
+    /// The user's choice while it is not there and `outputDevice` stands in for it.
+    std::optional<std::string> vanishedUID_;
     EngineLifecycle::State state_; ///< the lifecycle's, as last published
     PublishedReadings published_;
 
@@ -132,8 +155,18 @@ class AudioEngine final : public QObject {
     EngineDiagnostics diagnostics_;
     SpectrumAnalyzer spectrumAnalyzer_; ///< after the graph that it taps
 
+    /// How the return after a failure stands.
+    struct Comeback {
+        double failedAt = 0.0;              ///< seconds on the clock
+        std::optional<double> devicesSince; ///< when the first device was seen again
+        int failedStarts = 0;
+    };
+
     Timer bassReadoutTimer;
     Timer outputRestartTask;
+    Timer comebackTimer; ///< set while the wish to process waits for the hardware
+    Comeback comeback_;
+    EngineUpheavals upheavals_;
 };
 
 } // namespace quorbel

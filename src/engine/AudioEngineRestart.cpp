@@ -1,9 +1,10 @@
-// The engine's reactions to the hardware: another output device, another default output, a lost
-// server.
+// The engine's reactions to the hardware: another output device, another default output.
 
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
 #include "engine/AudioEngineError.h"
+
+#include <utility>
 
 namespace quorbel {
 namespace {
@@ -12,6 +13,14 @@ namespace {
 constexpr double outputRestartDelaySeconds = 0.15;
 
 } // namespace
+
+void AudioEngine::moveOutput(std::optional<AudioDevice> device) {
+    const bool changed = device != outputDevice_;
+    outputDevice_ = std::move(device);
+    Q_EMIT outputDeviceChanged();
+    if (changed)
+        scheduleOutputRestart();
+}
 
 void AudioEngine::scheduleOutputRestart() {
     if (lifecycle.state() != EngineLifecycle::State::running())
@@ -29,18 +38,24 @@ void AudioEngine::restartProcessEngine() {
         playback_.start();
         applySpatial();
         applyMixer();
+        ++upheavals_.outputRestarts;
     } catch (const std::exception &error) {
         failRunning(error.what());
     }
 }
 
 void AudioEngine::handleHardwareChange() {
-    if (outputDevice_) {
+    if (vanishedUID_ && deviceManager_.outputDevice(*vanishedUID_)) {
+        setOutputDevice(deviceManager_.outputDevice(*vanishedUID_));
+    } else if (outputDevice_) {
         const auto listed = deviceManager_.outputDevice(outputDevice_->uid);
-        if (!listed)
-            setOutputDevice(deviceManager_.defaultOutput());
-        else if (listed->id != outputDevice_->id)
-            setOutputDevice(listed); // it went and came back: what plays is bound to the old one
+        if (!listed) {
+            if (!vanishedUID_)
+                vanishedUID_ = outputDevice_->uid;
+            moveOutput(deviceManager_.defaultOutput());
+        } else if (listed->id != outputDevice_->id) {
+            moveOutput(listed); // it went and came back: what plays is bound to the old one
+        }
     }
 
     const auto defaultUID = deviceManager_.currentDefaultOutputUID();
@@ -56,13 +71,6 @@ void AudioEngine::rebuildTap() {
     } catch (const std::exception &error) {
         failRunning(error.what());
     }
-}
-
-void AudioEngine::failRunning(std::string_view message) {
-    lifecycle.fail(message);
-    stopTimersAndSpectrum();
-    teardown();
-    publishState();
 }
 
 } // namespace quorbel

@@ -71,6 +71,11 @@ AudioRingBuffer::Pierderi AudioRingBuffer::preiaPierderi() noexcept {
     return taken;
 }
 
+void AudioRingBuffer::discard() noexcept {
+    const std::lock_guard guard(lock);
+    readFrame = writeFrame;
+}
+
 void AudioRingBuffer::reset() noexcept {
     // The samples may stay: with both positions equal nothing reaches them.
     const std::lock_guard guard(lock);

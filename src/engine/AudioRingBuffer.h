@@ -40,6 +40,9 @@ class AudioRingBuffer {
     /// Takes the losses: returns the counters and zeroes them in one step.
     [[nodiscard]] Pierderi preiaPierderi() noexcept;
 
+    /// Empties the buffer; what it held is lost without being counted. [capture]
+    void discard() noexcept;
+
     /// Empties the buffer and zeroes the counters.
     void reset() noexcept;
 

@@ -16,6 +16,9 @@
 namespace quorbel {
 namespace {
 
+/// After a longer pause between two cycles (the machine slept) what the ring still holds is stale.
+constexpr double longestGapSeconds = 0.25;
+
 std::string inHertz(double rate) { return fmt::format("{} Hz", rate); }
 
 } // namespace
@@ -195,6 +198,11 @@ void SystemAudioTap::ioCycle(const IOCycle &cycle) noexcept {
     if (cycle.frames == 0 || cycle.input.bufferCount == 0)
         return;
     const DenormalsFlushed denormalsFlushed;
+    if (cycle.hostSeconds - lastCycleEnd_ > longestGapSeconds) {
+        ring_->discard();
+        leadWritten_ = false;
+    }
+    lastCycleEnd_ = cycle.hostSeconds + cycle.frames / cycle.format.sampleRate;
     CaptureConversion *conversion = active_.load(std::memory_order_acquire);
     const PCMBuffer *block = nullptr;
     PCMBuffer input = PCMBuffer::wrapping(cycle.format, cycle.input, cycle.frames);

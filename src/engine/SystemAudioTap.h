@@ -99,7 +99,9 @@ class SystemAudioTap final : private IOClient {
     std::unique_ptr<CaptureConversion> retired_;
     std::atomic<CaptureConversion *> active_{nullptr};
 
-    bool leadWritten_ = false; // capture only, while an IO procedure exists
+    // Capture only, while an IO procedure exists.
+    bool leadWritten_ = false;
+    double lastCycleEnd_ = 0.0; ///< seconds on the cycles' own clock
     std::atomic<std::int32_t> droppedCycles_{0};
 };
 

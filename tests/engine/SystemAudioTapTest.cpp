@@ -9,7 +9,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <unistd.h>
+#include <vector>
 
 namespace quorbel::testing {
 namespace {
@@ -53,6 +55,32 @@ class SilentPlayback final : public RenderClient {
   private:
     std::unique_ptr<HardwareOutput> output_;
 };
+
+TEST_F(SystemAudioTapTest, EmptiesTheRingAfterAPauseOfMoreThanAQuarterSecond) {
+    const SilentPlayback playback(hardware);
+    hardware.play([](double, std::uint32_t) { return 0.5F; });
+    tap.activate(ring, chainFormat);
+    const auto waiting = [&] {
+        std::vector<float> left(48000);
+        ring.read(AudioBufferList(left.data(), left.data()), 48000);
+        return std::ranges::count(left, 0.5F);
+    };
+    const auto sleep = [&](double seconds) {
+        hardware.setAsleep(true);
+        clock.advance(seconds);
+        hardware.setAsleep(false);
+    };
+    clock.advance(0.1);
+    sleep(0.2);
+    clock.advance(0.1);
+    EXPECT_NEAR(waiting(), 2 * 4800, 2 * 480) << "a hiccup loses nothing";
+
+    clock.advance(0.1);
+    sleep(0.3);
+    clock.advance(0.1);
+    EXPECT_NEAR(waiting(), 4800, 480)
+        << "what was captured before the sleep is not played after it";
+}
 
 TEST_F(SystemAudioTapTest, AsksForAPrivateStereoTapOfEverythingButUs) {
     AudioObjectID own = 0;

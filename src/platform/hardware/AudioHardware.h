@@ -56,6 +56,8 @@ struct IOCycle {
     StreamFormat format; ///< of this cycle; its rate may change while the device runs
     AudioBufferList input;
     std::uint32_t frames = 0;
+    /// When the cycle began: seconds on a clock that goes on while the machine sleeps.
+    double hostSeconds = 0.0;
     /// False if the playback side will not run in this cycle: the block must not be kept, or the
     /// delay would grow by its length; it counts as lost.
     bool willPlay = true;
@@ -135,6 +137,11 @@ enum class Scope { input, output };
 class AudioHardware {
   public:
     virtual ~AudioHardware() = default;
+
+    /// After `hardwareLost`, once everything is stopped and destroyed: tries to reach the hardware
+    /// layer again. On success every object has a new id; listeners and outputs go on, outputs are
+    /// bound to nothing. Does nothing where the connection stands. Answers within half a second.
+    virtual Status reconnect() = 0;
 
     // Devices
     virtual Status processObject(std::int32_t pid, AudioObjectID &process) = 0;

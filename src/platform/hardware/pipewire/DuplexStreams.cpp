@@ -69,9 +69,9 @@ bool isAudible(const AudioBufferList &list, std::uint32_t frames) noexcept {
     return peak > 1e-5F;
 }
 
-double monotonicSeconds() noexcept {
+double secondsOn(clockid_t clock) noexcept {
     timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
+    clock_gettime(clock, &now);
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
@@ -245,6 +245,7 @@ void TapStream::process() noexcept {
     }
     IOCycle cycle;
     cycle.format = format_;
+    cycle.hostSeconds = secondsOn(CLOCK_BOOTTIME);
     cycle.frames = maximumBlockFrames;
     if (newest != nullptr)
         cycle.input = planes(*newest, cycle.frames, true);
@@ -311,7 +312,7 @@ void OutStream::paused() {
 }
 
 bool OutStream::wasHeardWithin(double seconds) const noexcept {
-    return monotonicSeconds() - lastHeardSeconds_ < seconds;
+    return secondsOn(CLOCK_MONOTONIC) - lastHeardSeconds_ < seconds;
 }
 
 bool OutStream::isReadyForBlock() const noexcept { return isStreaming_ && !isBlockUnplayed_; }
@@ -342,7 +343,7 @@ void OutStream::process() noexcept {
         if (client) {
             client->renderCycle(list, frames);
             if (isAudible(list, frames))
-                lastHeardSeconds_ = monotonicSeconds();
+                lastHeardSeconds_ = secondsOn(CLOCK_MONOTONIC);
         } else {
             for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel)
                 std::fill_n(list.data[channel], frames, 0.0F);

@@ -16,6 +16,9 @@ namespace {
 constexpr double restoreSeconds = 0.5;
 constexpr double unlinkSeconds = 0.3;
 
+// A server that has just come back and does not answer soon is asked again a moment later.
+constexpr double reconnectSeconds = 0.2;
+
 /// No object of the server: the capture device is the scheduling group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;
 constexpr IOProcID theIOProc = 1;
@@ -47,39 +50,60 @@ std::string nameInJson(const std::string &text) {
 
 std::unique_ptr<PipeWireHardware> PipeWireHardware::connect(Status &status) {
     std::unique_ptr<PipeWireHardware> hardware(new PipeWireHardware);
-    status = hardware->open();
+    status = hardware->open(answerSeconds);
     if (status != statusOK)
         return nullptr;
     return hardware;
 }
 
-Status PipeWireHardware::open() {
+Status PipeWireHardware::open(double seconds) {
     Status status = statusOK;
-    connection_ = ServerConnection::open(status);
-    if (!connection_)
+    auto connection = ServerConnection::open(status);
+    if (!connection)
         return status;
+    close();
+    connection_ = std::move(connection);
     const LoopLock lock(connection_->loop());
     registry_ = std::make_unique<ObjectRegistry>(*connection_);
     registry_->addObserver(*this);
     connection_->setLostHandler([this](Status lost) { tell(HardwareProperty::connection, lost); });
     // The first answer names every object, the second brings their properties.
-    status = connection_->roundTrip(answerSeconds);
+    status = connection_->roundTrip(seconds);
     if (status == statusOK)
-        status = connection_->roundTrip(answerSeconds);
+        status = connection_->roundTrip(seconds);
+    isSettled_ = status == statusOK;
     return status;
 }
 
-PipeWireHardware::~PipeWireHardware() {
+PipeWireHardware::~PipeWireHardware() { close(); }
+
+void PipeWireHardware::close() {
     if (!connection_)
         return;
-    const LoopLock lock(connection_->loop());
-    connection_->setLostHandler(nullptr);
-    stopRouting();
-    tap_.reset();
-    router_.reset();
-    if (registry_)
-        registry_->removeObserver(*this);
-    registry_.reset();
+    isSettled_ = false;
+    {
+        const LoopLock lock(connection_->loop());
+        connection_->setLostHandler(nullptr);
+        stopRouting();
+        tap_.reset();
+        router_.reset();
+        if (registry_)
+            registry_->removeObserver(*this);
+        registry_.reset();
+    }
+    connection_.reset();
+    knownDevices_.clear();
+}
+
+Status PipeWireHardware::reconnect() {
+    {
+        const LoopLock lock(connection_->loop());
+        if (!connection_->isLost() && isSettled_)
+            return statusOK;
+        if (tap_ || captureDevice_ != 0 || outputDevice_ != 0)
+            return -EBUSY;
+    }
+    return open(reconnectSeconds);
 }
 
 double PipeWireHardware::graphRate() const {

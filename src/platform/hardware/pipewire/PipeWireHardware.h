@@ -34,6 +34,7 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     static std::unique_ptr<PipeWireHardware> connect(Status &status);
     ~PipeWireHardware() override;
 
+    Status reconnect() override;
     Status processObject(std::int32_t pid, AudioObjectID &process) override;
     Status defaultOutputDevice(AudioObjectID &device) override;
     Status deviceList(std::vector<AudioObjectID> &devices) override;
@@ -63,7 +64,8 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     class Output;
 
     PipeWireHardware() = default;
-    Status open();
+    Status open(double answerSeconds);
+    void close();
     [[nodiscard]] double graphRate() const;
     [[nodiscard]] const NodeRecord *defaultSink() const;
     void routeIfReady();
@@ -88,6 +90,7 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     bool isIORunning_ = false;
     AudioObjectID outputDevice_ = 0; ///< of the running output; 0 while none runs
     std::vector<AudioObjectID> knownDevices_;
+    bool isSettled_ = false; ///< the server has told what it holds [main]
 
     std::mutex listenersMutex_;
     std::vector<std::pair<HardwareProperty, HardwareListener *>> listeners_;

@@ -87,6 +87,7 @@ void DeviceCycles::cycle() noexcept {
         const IOCycle cycle{.format = {.sampleRate = plan_.sampleRate, .channelCount = 2},
                             .input = scratch,
                             .frames = frames,
+                            .hostSeconds = clock_.now(),
                             .willPlay = plan_.willPlay};
         for (IOClient *client : plan_.captures)
             callOut([&] { client->ioCycle(cycle); });

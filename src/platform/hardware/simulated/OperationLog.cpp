@@ -5,7 +5,8 @@
 namespace quorbel::simulated {
 
 std::string_view name(Operation operation) {
-    static constexpr std::array<std::string_view, 25> names{
+    static constexpr std::array<std::string_view, 26> names{
+        "reconnect",
         "processObject",
         "defaultOutputDevice",
         "deviceList",

@@ -10,6 +10,7 @@ namespace quorbel::simulated {
 
 /// The calls of the hardware interface that can be watched and made to fail.
 enum class Operation {
+    reconnect,
     processObject,
     defaultOutputDevice,
     deviceList,

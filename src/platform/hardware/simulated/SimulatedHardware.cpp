@@ -87,9 +87,14 @@ void SimulatedHardware::stopPlaying(AudioObjectID application) {
 
 // The script: trouble
 
+void SimulatedHardware::setAsleep(bool asleep) {
+    rearrange([&] { isAsleep_ = asleep; });
+}
+
 void SimulatedHardware::loseConnection(Status status) {
     rearrange([&] {
         connection_ = status;
+        isReachable_ = false;
         taps_.clear();
         aggregates_.clear();
         procs_.clear();
@@ -97,19 +102,6 @@ void SimulatedHardware::loseConnection(Status status) {
     });
     notify(HardwareProperty::connection,
            [status](auto &listener) { listener.hardwareLost(status); });
-}
-
-void SimulatedHardware::restoreConnection() {
-    rearrange([&] {
-        connection_ = statusOK;
-        ownProcess_ = 0;
-        // A new server numbers its objects anew.
-        std::map<AudioObjectID, std::unique_ptr<Device>> renumbered;
-        for (auto &[id, device] : devices_)
-            renumbered[newID()] = std::move(device);
-        devices_ = std::move(renumbered);
-    });
-    notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
 }
 
 // What came of it
@@ -145,6 +137,26 @@ bool SimulatedHardware::isPlaying() const { return !outputs_.empty(); }
 bool SimulatedHardware::isListenedTo() const { return !listeners_.empty(); }
 
 // AudioHardware: devices
+
+Status SimulatedHardware::reconnect() {
+    const auto verdict = operations_.note(Operation::reconnect);
+    if (connection_ == statusOK)
+        return statusOK;
+    if (!verdict.carryOut)
+        return verdict.status;
+    if (!isReachable_)
+        return -EHOSTDOWN;
+    rearrange([&] {
+        connection_ = statusOK;
+        ownProcess_ = 0;
+        // A new server numbers its objects anew.
+        std::map<AudioObjectID, std::unique_ptr<Device>> renumbered;
+        for (auto &[id, device] : devices_)
+            renumbered[newID()] = std::move(device);
+        devices_ = std::move(renumbered);
+    });
+    return statusOK;
+}
 
 Status SimulatedHardware::processObject(std::int32_t, AudioObjectID &process) {
     if (const auto verdict = note(Operation::processObject); !verdict.carryOut)
@@ -208,7 +220,8 @@ Status SimulatedHardware::streamChannelCounts(AudioObjectID device, Scope scope,
 }
 
 Status SimulatedHardware::addListener(HardwareProperty property, HardwareListener &listener) {
-    if (const auto verdict = note(Operation::addListener); !verdict.carryOut)
+    // With or without a server: listeners outlive connections.
+    if (const auto verdict = operations_.note(Operation::addListener); !verdict.carryOut)
         return verdict.status;
     assert(std::ranges::count(listeners_, std::pair(property, &listener)) == 0);
     listeners_.emplace_back(property, &listener);
@@ -358,7 +371,7 @@ CyclePlan SimulatedHardware::planFor(AudioObjectID id, const Device &device) con
     plan.blockFrames = device.script.blockFrames;
     plan.willPlay = isPlaying();
     plan.watch = watch_;
-    if (connection_ != statusOK)
+    if (connection_ != statusOK || isAsleep_)
         return plan;
 
     std::vector<const TapDescription *> readTaps;

@@ -57,10 +57,12 @@ class SimulatedHardware final : public AudioHardware {
     void stopPlaying(AudioObjectID application);
 
     // The script: trouble.
+    /// The machine sleeps and wakes: no device has cycles, while the clock goes on.
+    void setAsleep(bool asleep);
     /// The sound server dies: every object is gone, every call fails with `status`.
     void loseConnection(Status status);
-    /// It is there again, with the same devices.
-    void restoreConnection();
+    /// It is there again, with the same devices, for whoever connects anew.
+    void restoreConnection() { isReachable_ = true; }
     [[nodiscard]] simulated::OperationLog &operations() { return operations_; }
 
     // What came of it.
@@ -74,6 +76,7 @@ class SimulatedHardware final : public AudioHardware {
     [[nodiscard]] bool isListenedTo() const;
 
     // AudioHardware
+    Status reconnect() override;
     Status processObject(std::int32_t pid, AudioObjectID &process) override;
     Status defaultOutputDevice(AudioObjectID &device) override;
     Status deviceList(std::vector<AudioObjectID> &devices) override;
@@ -143,6 +146,8 @@ class SimulatedHardware final : public AudioHardware {
     simulated::OperationLog operations_;
     AudioObjectID lastID_ = 0;
     Status connection_ = statusOK;
+    bool isReachable_ = true;
+    bool isAsleep_ = false;
     std::optional<double> declaredTapRate_;
     std::string defaultUID_;
     AudioObjectID ownProcess_ = 0;

@@ -1,0 +1,95 @@
+// The engine's return after a failure in the middle of processing: the sound server went away, the
+// last device was unplugged, playback could not be started again. The user's wish to process
+// stands until they press Stop.
+
+#include "devices/DeviceManager.h"
+#include "engine/AudioEngine.h"
+#include "platform/core/Log.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorbel {
+namespace {
+
+/// How often the hardware is looked at. A look costs next to nothing while no server answers.
+constexpr double lookSeconds = 0.25;
+/// A start that keeps failing is tried less often, but never given up.
+constexpr double longestPauseSeconds = 2.0;
+/// After a server's start its devices come one by one: so long the chosen one is waited for before
+/// another takes its place.
+constexpr double deviceWaitSeconds = 1.0;
+
+} // namespace
+
+void AudioEngine::failRunning(std::string_view message) {
+    lifecycle.fail(message);
+    stopTimersAndSpectrum();
+    teardown();
+    comeback_ = {};
+    comeback_.failedAt = clock_.now();
+    scheduleComeback();
+    publishState();
+    logLine("AudioEngine", fmt::format("procesarea s-a oprit ({}); revine singură", message));
+}
+
+void AudioEngine::scheduleComeback() {
+    const double pause =
+        std::min(lookSeconds * std::exp2(comeback_.failedStarts), longestPauseSeconds);
+    comebackTimer = Timer::once(clock_, pause, [this] { comeBack(); });
+}
+
+void AudioEngine::comeBack() {
+    scheduleComeback();
+    if (lifecycle.isStarting())
+        return;
+    deviceManager_.refreshIfChanged();
+    if (!isComingBack() || !findOutputAgain()) // who hears of the devices may press Stop
+        return;
+    ++comeback_.failedStarts; // until it has succeeded
+    scheduleComeback();
+    beginStart();
+}
+
+/// True if there is a device to play on; it is then the output.
+bool AudioEngine::findOutputAgain() {
+    if (deviceManager_.outputDevices().empty()) {
+        comeback_.devicesSince.reset();
+        return false;
+    }
+    if (!comeback_.devicesSince)
+        comeback_.devicesSince = clock_.now();
+    const auto listed = [this](const std::optional<std::string> &uid) {
+        return uid ? deviceManager_.outputDevice(*uid) : std::nullopt;
+    };
+    if (const auto chosen = listed(vanishedUID_)) {
+        setOutputDevice(chosen);
+        return true;
+    }
+    const auto uid = outputDevice_ ? std::optional(outputDevice_->uid) : std::nullopt;
+    if (const auto present = listed(uid)) {
+        if (present != outputDevice_)
+            moveOutput(present); // under its new id
+        return true;
+    }
+    const bool isChoiceAwaited = vanishedUID_ || uid;
+    if (isChoiceAwaited && clock_.now() - *comeback_.devicesSince < deviceWaitSeconds)
+        return false;
+    if (!vanishedUID_)
+        vanishedUID_ = uid;
+    moveOutput(deviceManager_.defaultOutput());
+    return outputDevice_.has_value();
+}
+
+void AudioEngine::finishComeback() {
+    if (!comebackTimer.isSet())
+        return;
+    comebackTimer.invalidate();
+    ++upheavals_.comebacks;
+    logLine("AudioEngine",
+            fmt::format("procesarea a revenit după {:.1f} s", clock_.now() - comeback_.failedAt));
+}
+
+} // namespace quorbel
