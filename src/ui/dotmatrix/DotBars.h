@@ -4,13 +4,14 @@
 
 #include <QList>
 #include <QPixmap>
+#include <QtQml/qqmlregistration.h>
 
 #include <vector>
 
 namespace quorbel {
 
-/// Levels as columns of dots, the topmost lit one in the signal colour. An item wide enough gives each
-/// level several dots side by side, with a dark one between neighbours.
+/// Levels as columns of dots, the topmost lit one in the signal colour. An item wide enough gives
+/// each level several dots side by side, with a dark one between neighbours.
 class DotBars : public DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotBarsItem)

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorbel.Dotmatrix
 
 // A spectrum: levels 0..1 as columns of dots. Best at widths of columns times a whole number of units.
 DotBarsItem {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 // A button with a text, a symbol or both. `primary`: the one that matters most; `flat`: without outline.
 T.Button {
@@ -32,29 +33,12 @@ T.Button {
         }
     }
 
-    contentItem: Item {
-        implicitWidth: row.implicitWidth
-        implicitHeight: row.implicitHeight
-
-        Row {
-            id: row
-
-            anchors.centerIn: parent
-            spacing: control.spacing
-
-            Symbol {
-                anchors.verticalCenter: parent.verticalCenter
-                visible: control.symbol !== ""
-                name: control.symbol
-                color: control.foreground
-            }
-            Text {
-                anchors.verticalCenter: parent.verticalCenter
-                visible: text !== ""
-                text: control.text
-                font: control.font
-                color: control.foreground
-            }
-        }
+    contentItem: LabelFace {
+        centred: true
+        symbol: control.symbol
+        text: control.text
+        font: control.font
+        spacing: control.spacing
+        color: control.foreground
     }
 }

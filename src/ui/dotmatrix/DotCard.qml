@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 // A raised ground with an optional heading; what is put into it lies below the heading.
 T.Pane {
@@ -7,7 +8,7 @@ T.Pane {
 
     property string title: ""
 
-    implicitWidth: Math.max(implicitContentWidth + leftPadding + rightPadding, heading.implicitWidth + 2 * padding)
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 2 * Theme.unit
     topPadding: title !== "" ? padding + 3 * Theme.unit : padding
@@ -23,12 +24,12 @@ T.Pane {
         border.color: Theme.rule
 
         Text {
-            id: heading
-
             x: card.padding
             y: card.padding
-            visible: card.title !== ""
+            width: parent.width - 2 * card.padding
+            visible: text !== ""
             text: card.title
+            elide: Text.ElideRight
             color: Theme.inkSoft
             font.pixelSize: Theme.captionSize
             font.letterSpacing: 1

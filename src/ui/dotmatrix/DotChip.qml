@@ -1,4 +1,5 @@
 import QtQuick
+import Quorbel.Dotmatrix
 
 // A short fact beside a title.
 Rectangle {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 // One of several. `title` stands before the choice, in the same box.
 T.ComboBox {
@@ -36,32 +37,12 @@ T.ComboBox {
         name: "chevron.down"
         color: Theme.inkSoft
     }
-    contentItem: Item {
-        implicitWidth: (caption.visible ? caption.implicitWidth + control.spacing : 0) + choice.implicitWidth
-        implicitHeight: choice.implicitHeight
-
-        Text {
-            id: caption
-
-            anchors.baseline: choice.baseline
-            visible: control.title !== ""
-            text: control.title
-            color: Theme.inkSoft
-            font.pixelSize: Theme.captionSize
-            Accessible.ignored: true
-        }
-        Text {
-            id: choice
-
-            anchors.verticalCenter: parent.verticalCenter
-            x: caption.visible ? caption.implicitWidth + control.spacing : 0
-            width: parent.width - x
-            text: control.displayText
-            font: control.font
-            color: Theme.ink
-            elide: Text.ElideRight
-            Accessible.ignored: true
-        }
+    contentItem: LabelFace {
+        caption: control.title
+        text: control.displayText
+        font: control.font
+        spacing: control.spacing
+        color: Theme.ink
     }
     background: Rectangle {
         radius: Theme.radius

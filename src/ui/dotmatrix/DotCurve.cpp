@@ -9,8 +9,8 @@
 namespace quorbel {
 namespace {
 
-constexpr double pitch = 8;  // of the lattice
-constexpr double inset = 4;  // of the plot in the item
+constexpr double pitch = 8; // of the lattice
+constexpr double inset = 4; // of the plot in the item
 constexpr double lowestHz = 20;
 constexpr double decades = 3; // up to 20 kHz
 constexpr std::array<double, 10> octavesHz = {31.5, 63,   125,  250,  500,
@@ -47,8 +47,8 @@ double finiteHeight(double height) {
 
 } // namespace
 
-/// The lattice's cells. Columns stand at whole pitches from the left edge of the plot; rows at whole
-/// pitches from its middle, so that there is always one at half the height.
+/// The lattice's cells. Columns stand at whole pitches from the left edge of the plot; rows at
+/// whole pitches from its middle, so that there is always one at half the height.
 struct DotCurve::Lattice {
     int columns = 0;
     int rowsAbove = 0; // and as many below
@@ -58,7 +58,9 @@ struct DotCurve::Lattice {
     double y(int row) const { return middle - row * pitch; } // row 0 in the middle, upward
 };
 
-DotCurve::DotCurve(QQuickItem *parent) : DotItem(parent) { setImplicitSize(80 * pitch, 25 * pitch); }
+DotCurve::DotCurve(QQuickItem *parent) : DotItem(parent) {
+    setImplicitSize(80 * pitch, 25 * pitch);
+}
 
 void DotCurve::setValues(const QList<double> &values) {
     if (take(values_, values)) {
@@ -106,9 +108,7 @@ double DotCurve::yOfHeight(double height) const {
     return inset + (1 - height) * (this->height() - 2 * inset);
 }
 
-double DotCurve::heightAt(double y) const {
-    return 1 - (y - inset) / (this->height() - 2 * inset);
-}
+double DotCurve::heightAt(double y) const { return 1 - (y - inset) / (this->height() - 2 * inset); }
 
 void DotCurve::geometryChange(const QRectF &now, const QRectF &before) {
     DotItem::geometryChange(now, before);
@@ -203,7 +203,8 @@ void DotCurve::paintCurve(QSize size, double scale) {
         const double step = line[1].x() - line[0].x();
         for (int column = 0; column < cells.columns; ++column) {
             const double place = (cells.x(column) - inset) / step;
-            const auto index = std::clamp<qsizetype>(static_cast<qsizetype>(place), 0, line.size() - 2);
+            const auto index =
+                std::clamp<qsizetype>(static_cast<qsizetype>(place), 0, line.size() - 2);
             const double part = place - static_cast<double>(index);
             const double y = line[index].y() * (1 - part) + line[index + 1].y() * part;
             const double rows = (cells.middle - y) / pitch;
@@ -214,9 +215,8 @@ void DotCurve::paintCurve(QSize size, double scale) {
             }
         }
     }
-    walk(points(secondaryValues_), secondaryStep, [&](QPointF at) {
-        painter.dot(at * scale, secondaryDot * scale, palette().inkSoft);
-    });
+    walk(points(secondaryValues_), secondaryStep,
+         [&](QPointF at) { painter.dot(at * scale, secondaryDot * scale, palette().inkSoft); });
     walk(line, curveStep,
          [&](QPointF at) { painter.dot(at * scale, curveDot * scale, palette().signal); });
 }

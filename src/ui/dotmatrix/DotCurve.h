@@ -5,15 +5,18 @@
 #include <QList>
 #include <QPixmap>
 #include <QPolygonF>
+#include <QtQml/qqmlregistration.h>
 
 #include <vector>
 
 namespace quorbel {
 
-/// A response over frequency, 20 Hz to 20 kHz on a logarithmic axis: a lattice of dots, on it the field
-/// between the curve and the middle, a spectrum behind, and the curve as a string of dots. Painting only.
+/// A response over frequency, 20 Hz to 20 kHz on a logarithmic axis: a lattice of dots, on it the
+/// field between the curve and the middle, a spectrum behind, and the curve as a string of dots.
+/// Painting only.
 ///
-/// The plot fills the item but for half a unit on every side, so that a curve at either end is whole.
+/// The plot fills the item but for half a unit on every side, so that a curve at either end is
+/// whole.
 class DotCurve : public DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotCurveItem)
@@ -21,7 +24,8 @@ class DotCurve : public DotItem {
     Q_PROPERTY(QList<double> secondaryValues READ secondaryValues WRITE setSecondaryValues NOTIFY
                    secondaryValuesChanged FINAL)
     Q_PROPERTY(QList<double> spectrum READ spectrum WRITE setSpectrum NOTIFY spectrumChanged FINAL)
-    Q_PROPERTY(bool octaveMarks READ octaveMarks WRITE setOctaveMarks NOTIFY octaveMarksChanged FINAL)
+    Q_PROPERTY(
+        bool octaveMarks READ octaveMarks WRITE setOctaveMarks NOTIFY octaveMarksChanged FINAL)
     Q_PROPERTY(bool zeroLine READ zeroLine WRITE setZeroLine NOTIFY zeroLineChanged FINAL)
 
   public:

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorbel.Dotmatrix
 
 // A response over frequency. See DotCurveItem for the axes and where things are drawn.
 DotCurveItem {

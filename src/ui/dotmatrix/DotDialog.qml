@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 // A modal sheet in the middle of the window: title, content, and two buttons at the foot.
 T.Dialog {

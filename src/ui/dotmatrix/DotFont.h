@@ -8,14 +8,15 @@
 
 namespace quorbel {
 
-/// A 5x7 dot font: digits, signs, capitals, and the small letters that units are written with. Other small
-/// letters are shown as capitals. A character that the font lacks is a box in debug builds and a blank in
-/// others.
+/// A 5x7 dot font: digits, signs, capitals, and the small letters that units are written with.
+/// Other small letters are shown as capitals. A character that the font lacks is a box in debug
+/// builds and a blank in others.
 namespace dotFont {
 
 constexpr int rows = 7;
 
-/// One glyph: seven rows from the top, the leftmost of `width` dots in the highest of the five low bits.
+/// One glyph: seven rows from the top, the leftmost of `width` dots in the highest of the five low
+/// bits.
 struct Glyph {
     int width = 5;
     std::array<std::uint8_t, rows> bits{};

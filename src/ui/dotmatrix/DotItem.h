@@ -3,17 +3,15 @@
 #include "ui/dotmatrix/Appearance.h"
 
 #include <QQuickPaintedItem>
-#include <QtQml/qqmlregistration.h>
 
 namespace quorbel {
 
 class DotPainter;
 
-/// An item of dots, painted as one picture. It is painted again only after `update()`, that is when what
-/// it shows has changed, and not while it or its window is hidden.
+/// An item of dots, painted as one picture. It is painted again only after `update()`, that is when
+/// what it shows has changed, and not while it or its window is hidden.
 class DotItem : public QQuickPaintedItem {
     Q_OBJECT
-    QML_ANONYMOUS
 
   public:
     explicit DotItem(QQuickItem *parent = nullptr);
@@ -27,7 +25,8 @@ class DotItem : public QQuickPaintedItem {
     /// @param size  the item's size in device pixels
     virtual void paintDots(DotPainter &painter, QSize size) = 0;
 
-    /// Called when colours or size or scale are others: pictures kept for painting are to be dropped.
+    /// Called when colours or size or scale are others: pictures kept for painting are to be
+    /// dropped.
     virtual void dropPictures() {}
 
     static const Palette &palette() { return Appearance::instance().palette(); }

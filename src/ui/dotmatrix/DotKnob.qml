@@ -1,4 +1,5 @@
 import QtQuick
+import Quorbel.Dotmatrix
 
 // A value on a ring of dots, turned by moving the pointer up or to the right.
 ValueControl {

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 T.MenuItem {
     id: control
@@ -16,30 +17,13 @@ T.MenuItem {
 
     Accessible.name: text
 
-    contentItem: Item {
-        implicitWidth: mark.width + control.spacing + label.implicitWidth
-        implicitHeight: label.implicitHeight
-
-        Symbol {
-            id: mark
-
-            anchors.verticalCenter: parent.verticalCenter
-            width: size
-            height: size
-            name: control.checked ? "checkmark" : control.symbol
-            color: label.color
-        }
-        Text {
-            id: label
-
-            anchors.verticalCenter: parent.verticalCenter
-            x: mark.width + control.spacing
-            width: parent.width - x
-            text: control.text
-            font: control.font
-            elide: Text.ElideRight
-            color: control.highlighted ? Theme.card : Theme.ink
-        }
+    contentItem: LabelFace {
+        symbol: control.checked ? "checkmark" : control.symbol
+        keepSymbolSpace: true
+        text: control.text
+        font: control.font
+        spacing: control.spacing
+        color: control.highlighted ? Theme.card : Theme.ink
     }
     background: Rectangle {
         radius: Theme.radius

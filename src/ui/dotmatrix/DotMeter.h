@@ -2,6 +2,8 @@
 
 #include "ui/dotmatrix/DotItem.h"
 
+#include <QtQml/qqmlregistration.h>
+
 namespace quorbel {
 
 /// A value as a run of lit dots from `origin`, and a mark in the signal colour at `peak`.
@@ -11,7 +13,8 @@ class DotMeter : public DotItem {
     Q_PROPERTY(double from READ from WRITE setFrom NOTIFY fromChanged FINAL)
     Q_PROPERTY(double to READ to WRITE setTo NOTIFY toChanged FINAL)
     Q_PROPERTY(double value READ value WRITE setValue NOTIFY valueChanged FINAL)
-    Q_PROPERTY(double origin READ origin WRITE setOrigin RESET resetOrigin NOTIFY originChanged FINAL)
+    Q_PROPERTY(
+        double origin READ origin WRITE setOrigin RESET resetOrigin NOTIFY originChanged FINAL)
     Q_PROPERTY(double peak READ peak WRITE setPeak RESET resetPeak NOTIFY peakChanged FINAL)
 
   public:

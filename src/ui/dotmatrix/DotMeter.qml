@@ -1,4 +1,5 @@
 import QtQuick
+import Quorbel.Dotmatrix
 
 // A level between `from` and `to`, lit from `origin`, with a mark at `peak`.
 DotMeterItem {

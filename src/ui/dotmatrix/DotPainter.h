@@ -8,8 +8,9 @@
 
 namespace quorbel {
 
-/// Paints dots where the screen's pixels are. Everything here is in device pixels: while it lives, the
-/// painter's coordinates are the item's own pixels, so that dots are equally crisp at every scale.
+/// Paints dots where the screen's pixels are. Everything here is in device pixels: while it lives,
+/// the painter's coordinates are the item's own pixels, so that dots are equally crisp at every
+/// scale.
 class DotPainter {
   public:
     explicit DotPainter(QPainter &painter);
@@ -30,8 +31,8 @@ class DotPainter {
     double scale_;
 };
 
-/// A dot as a picture, kept by colour and diameter: round from four pixels up, square below, where a
-/// circle would only be a blur. Diameter in device pixels, at least 1.
+/// A dot as a picture, kept by colour and diameter: round from four pixels up, square below, where
+/// a circle would only be a blur. Diameter in device pixels, at least 1.
 QPixmap dotSprite(int diameter, const QColor &color);
 
 /// Dots at one distance: how many there are, how far apart and how large, in device pixels.
@@ -45,7 +46,8 @@ struct DotLattice {
     QPoint at(int column, int row) const;
 };
 
-/// All dots of the lattice in one colour, on nothing. Items blit parts of it instead of painting dots.
+/// All dots of the lattice in one colour, on nothing. Items blit parts of it instead of painting
+/// dots.
 QPixmap dotSheet(const DotLattice &lattice, const QColor &color);
 
 } // namespace quorbel

@@ -2,9 +2,12 @@
 
 #include "ui/dotmatrix/DotItem.h"
 
+#include <QtQml/qqmlregistration.h>
+
 namespace quorbel {
 
-/// A knob's face: dots around three quarters of a circle, lit from `origin` to `position`, and a pointer.
+/// A knob's face: dots around three quarters of a circle, lit from `origin` to `position`, and a
+/// pointer.
 class DotRing : public DotItem {
     Q_OBJECT
     QML_ELEMENT

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 T.ScrollView {
     id: control

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorbel.Dotmatrix
 
 // A value on a row of dots. `moved` while the user changes it, `resetRequested` on double click.
 ValueControl {

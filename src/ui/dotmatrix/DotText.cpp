@@ -29,15 +29,19 @@ void DotText::setDotSize(double size) {
 
 QColor DotText::color() const { return color_.isValid() ? color_ : palette().ink; }
 
-void DotText::setColor(const QColor &color) { if (take(color_, color)) {
+void DotText::setColor(const QColor &color) {
+    if (take(color_, color)) {
         Q_EMIT colorChanged();
-    } }
+    }
+}
 
 void DotText::resetColor() { setColor(QColor()); }
 
-void DotText::setShowUnlit(bool show) { if (take(showUnlit_, show)) {
+void DotText::setShowUnlit(bool show) {
+    if (take(showUnlit_, show)) {
         Q_EMIT showUnlitChanged();
-    } }
+    }
+}
 
 void DotText::measure() {
     setImplicitSize(dotFont::columns(text_) * dotSize_, dotFont::rows * dotSize_);

@@ -2,6 +2,8 @@
 
 #include "ui/dotmatrix/DotItem.h"
 
+#include <QtQml/qqmlregistration.h>
+
 namespace quorbel {
 
 /// Text in the dot font: numbers, units and the state word.

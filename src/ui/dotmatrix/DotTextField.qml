@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 // One line of text. `invalid` marks what could not be read.
 T.TextField {

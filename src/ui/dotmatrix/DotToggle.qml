@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 // A switch: on is a dot in the signal colour at the right, off a ring at the left.
 T.Switch {

@@ -64,7 +64,8 @@ void DotTrack::paintDots(DotPainter &painter, QSize) {
         const double along = handleCentre(position);
         return (vertical_ ? QPointF(across, along) : QPointF(along, across)) * scale;
     };
-    // The first and the last dot stand where the handle ends; the others share the way between equally.
+    // The first and the last dot stand where the handle ends; the others share the way between
+    // equally.
     const int steps = std::max(1, static_cast<int>(std::lround((length() - handle) / pitch)));
     const auto [first, last] = std::minmax(origin_, position_);
     for (int index = 0; index <= steps; ++index) {

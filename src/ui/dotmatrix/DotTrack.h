@@ -2,6 +2,8 @@
 
 #include "ui/dotmatrix/DotItem.h"
 
+#include <QtQml/qqmlregistration.h>
+
 namespace quorbel {
 
 /// A slider's track: a row of dots, lit from `origin` to `position`, and the handle.

@@ -1,4 +1,5 @@
 import QtQuick
+import Quorbel.Dotmatrix
 
 // The ring around what has the keyboard's focus. Anchored around its parent, never over it.
 Rectangle {

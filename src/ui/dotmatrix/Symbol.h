@@ -3,6 +3,7 @@
 #include "ui/dotmatrix/DotItem.h"
 
 #include <QImage>
+#include <QtQml/qqmlregistration.h>
 
 namespace quorbel {
 

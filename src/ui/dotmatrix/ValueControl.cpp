@@ -84,7 +84,8 @@ double ValueControl::reachable(double value) const {
         return value_;
     }
     if (stepSize_ > 0) {
-        // Counted in whole steps per unit where there are: 3 * 0.1 is not the number written 0.3, 3 / 10 is.
+        // Counted in whole steps per unit where there are: 3 * 0.1 is not the number written 0.3, 3
+        // / 10 is.
         const double steps = std::round((value - from_) / stepSize_);
         const double perUnit = std::round(1 / stepSize_);
         value = perUnit >= 1 && std::abs(perUnit * stepSize_ - 1) < 1e-9

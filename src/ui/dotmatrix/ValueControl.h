@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// What slider and knob have in common: a value in a range, moved in steps. The value is the model's;
-/// a move of the user's takes it along and says so, and leaves the binding on it in place.
+/// What slider and knob have in common: a value in a range, moved in steps. The value is the
+/// model's; a move of the user's takes it along and says so, and leaves the binding on it in place.
 class ValueControl : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -14,7 +14,8 @@ class ValueControl : public QQuickItem {
     Q_PROPERTY(double to READ to WRITE setTo NOTIFY toChanged FINAL)
     Q_PROPERTY(double value READ value WRITE setValue NOTIFY valueChanged FINAL)
     Q_PROPERTY(double stepSize READ stepSize WRITE setStepSize NOTIFY stepSizeChanged FINAL)
-    Q_PROPERTY(double origin READ origin WRITE setOrigin RESET resetOrigin NOTIFY originChanged FINAL)
+    Q_PROPERTY(
+        double origin READ origin WRITE setOrigin RESET resetOrigin NOTIFY originChanged FINAL)
     Q_PROPERTY(double position READ position NOTIFY positionChanged FINAL)
     Q_PROPERTY(double originPosition READ originPosition NOTIFY originPositionChanged FINAL)
     Q_PROPERTY(double step READ step NOTIFY stepSizeChanged FINAL)
@@ -42,11 +43,12 @@ class ValueControl : public QQuickItem {
     /// Value and origin as parts of the range, 0 to 1.
     double position() const { return positionOf(value_); }
     double originPosition() const { return positionOf(origin()); }
-    /// What one press of an arrow key moves: the step size, or a hundredth of the range without one.
+    /// What one press of an arrow key moves: the step size, or a hundredth of the range without
+    /// one.
     double step() const;
 
-    /// The user's moves. The new value is the nearest one that can be reached; `moved` follows if it is
-    /// another than before.
+    /// The user's moves. The new value is the nearest one that can be reached; `moved` follows if
+    /// it is another than before.
     Q_INVOKABLE void moveTo(double value);
     Q_INVOKABLE void moveToPosition(double position);
     Q_INVOKABLE void moveBy(int steps);

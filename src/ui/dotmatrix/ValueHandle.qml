@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Quorbel.Dotmatrix
 
 // What makes a value control a control: focus, keys, pointer, and its face to assistive technology.
 // The mouse takes the handle where it stands; `positionAt` says which position a point on the track is,

@@ -5,15 +5,19 @@
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QTimer>
+#include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
+
+Q_IMPORT_QML_PLUGIN(Quorbel_DotmatrixPlugin)
 
 /// Shows every primitive in every state; with --grab, writes the picture and ends.
 int main(int argc, char **argv) {
     const QGuiApplication application(argc, argv);
     QCommandLineParser parser;
     parser.addHelpOption();
-    const QCommandLineOption grab(QStringLiteral("grab"), QStringLiteral("Write a picture and end."),
+    const QCommandLineOption grab(QStringLiteral("grab"),
+                                  QStringLiteral("Write a picture and end."),
                                   QStringLiteral("FILE.png"));
     const QCommandLineOption contrast(QStringLiteral("contrast"), QStringLiteral("High contrast."));
     const QCommandLineOption still(QStringLiteral("still"), QStringLiteral("Reduced motion."));
