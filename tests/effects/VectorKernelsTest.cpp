@@ -1,6 +1,7 @@
 // The kernels that work on several frames at once, against the same written plainly.
 
 #include "effects/UnitHarness.h"
+#include "effects/cores/BassHarmonics.h"
 #include "effects/cores/LimiterStretch.h"
 #include "effects/cores/Saturation.h"
 #include "effects/cores/StereoSection.h"
@@ -52,19 +53,45 @@ TEST(VectorKernelsTest, SectionsSideBySideAreEqualBitByBit) {
     const BiquadCoefficients peak = peaking(0.39F, 0.16F, 1.2F);
     StereoSection first;
     StereoSection second;
-    BiquadState plain[4];
-    for (std::uint32_t count = 0; count <= longest; count += 5) {
-        const std::vector<float> x = noise(2 * longest, 0.9F, count + 1).left;
-        const std::vector<float> y = noise(2 * longest, 0.9F, count + 1).right;
-        const std::uint32_t other = longest - count;
-        std::vector<float> outX(x.size());
-        std::vector<float> outY = y;
-        processSections({low, first, x.data(), outX.data(), count},
-                        {peak, second, outY.data(), outY.data(), other});
-        for (std::uint32_t i = 0; i < 2 * count; ++i)
-            ASSERT_EQ(outX[i], plain[i % 2].process(low, x[i]));
-        for (std::uint32_t i = 0; i < 2 * other; ++i)
-            ASSERT_EQ(outY[i], plain[2 + i % 2].process(peak, y[i]));
+    StereoSection plainFirst;
+    StereoSection plainSecond;
+    for (std::uint32_t call = 0; call < 3; ++call) {
+        SectionPair pair(low, first, peak, second);
+        for (std::uint32_t begin = 0; begin < longest; begin += 4) {
+            const Sound x = noise(4, 0.9F, 100 * call + begin + 1);
+            const Sound y = noise(4, 0.7F, 100 * call + begin + 2);
+            FourFrames secondInput;
+            for (std::uint32_t i = 0; i < 4; ++i)
+                secondInput.frame[i] = FourFloats{y.left[i], y.right[i]};
+            const FourFrames out =
+                FourFrames::of(loadFour(x.left.data()), loadFour(x.right.data()), secondInput)
+                    .through(pair);
+            for (std::uint32_t i = 0; i < 4; ++i) {
+                ASSERT_EQ(out.first().left[i], plainFirst.left.process(low, x.left[i]));
+                ASSERT_EQ(out.first().right[i], plainFirst.right.process(low, x.right[i]));
+                ASSERT_EQ(out.second().left[i], plainSecond.left.process(peak, y.left[i]));
+                ASSERT_EQ(out.second().right[i], plainSecond.right.process(peak, y.right[i]));
+            }
+        }
+        pair.save(first, second);
+    }
+}
+
+TEST(VectorKernelsTest, BassHarmonicsAreEqualBitByBit) {
+    const BassHarmonics harmonics{.lowPass = lowPass(0.01F, 0.007F),
+                                  .highPass = highPass(0.015F, 0.0105F),
+                                  .drive = 3.0F,
+                                  .wet = 0.9F,
+                                  .total = 1.4F};
+    BassSections sections;
+    BassSections plainSections;
+    for (std::uint32_t count = 0; count <= longest; ++count) {
+        Sound vector = noise(count, 0.9F, count + 1);
+        Sound plain = vector;
+        addBassHarmonics(harmonics, sections, vector.left.data(), vector.right.data(), count);
+        addBassHarmonicsPlainly(harmonics, plainSections, plain.left.data(), plain.right.data(),
+                                count);
+        ASSERT_EQ(vector, plain) << count << " frames";
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "effects/cores/StereoSection.h"
+#include "effects/cores/BassHarmonics.h"
 
 #include <cstdint>
 
@@ -14,7 +14,7 @@ class BassEnhancerCore {
     void prepare(float sampleRate) noexcept;
 
     /// Back to silence.
-    void clear() noexcept { lowPass_ = highPass_ = {}; }
+    void clear() noexcept { sections_ = {}; }
 
     /// In place. `amount` counts from 0 to 1 and is limited to that; `drive` is 1 or more. At
     /// amount 0 the sound stays as it is while the filters keep running. [render]
@@ -23,8 +23,7 @@ class BassEnhancerCore {
 
   private:
     float sampleRate_ = 48'000.0F;
-    StereoSection lowPass_;
-    StereoSection highPass_;
+    BassSections sections_;
 };
 
 } // namespace quorbel

@@ -7,7 +7,32 @@ namespace quorbel {
 
 namespace {
 
+/// Even, so that the alternating offset begins every stretch alike.
 constexpr std::uint32_t stretchFrames = 128;
+
+/// The amount on its way through a block, and what it does to a channel. For one frame or four.
+class CrossingMix {
+  public:
+    CrossingMix(float previous, float target, std::uint32_t frames) noexcept
+        : from_(frames > 1 ? previous : target), step_(target - from_),
+          last_(frames > 1 ? static_cast<float>(frames - 1) : 1.0F) {}
+
+    template <typename Samples> [[nodiscard]] Samples amount(Samples frame) const noexcept {
+        return from_ + step_ * frame / last_;
+    }
+
+    /// `crossing` is the other channel's part.
+    template <typename Samples>
+    [[nodiscard]] static Samples mixed(Samples own, Samples crossing, Samples amount) noexcept {
+        const Samples share = (amount < 1.0F ? amount : Samples{} + 1.0F) * 0.5F;
+        return amount > 0.0F ? crossing * share + own * (1.0F - share) : own;
+    }
+
+  private:
+    float from_;
+    float step_;
+    float last_;
+};
 
 } // namespace
 
@@ -37,45 +62,56 @@ void CrossfeedCore::clear() noexcept {
 
 void CrossfeedCore::process(float *left, float *right, std::uint32_t frames, float previous,
                             float target) noexcept {
-    float cross[2 * stretchFrames];
+    constexpr float tiny = 1e-20F; // alternates, and so keeps the filters out of denormal numbers
+    const CrossingMix mix(previous, target, frames);
     for (std::uint32_t begin = 0; begin < frames; begin += stretchFrames) {
         const std::uint32_t count = std::min(stretchFrames, frames - begin);
+        const std::uint32_t fours = count - count % 4;
+        append(left + begin, right + begin, count);
         float *const l = left + begin;
         float *const r = right + begin;
-        delay(l, r, count, cross);
-        processSection({lowPass_, crossing_, cross, cross, count});
 
-        const auto mix = [&](std::uint32_t i, float amount) {
-            const float share = std::min(amount, 1.0F) * 0.5F;
-            l[i] = cross[2 * i + 1] * share + l[i] * (1.0F - share);
-            r[i] = cross[2 * i] * share + r[i] * (1.0F - share);
-        };
-        if (target == previous || frames == 1) {
-            for (std::uint32_t i = 0; target > 0.0F && i < count; ++i)
-                mix(i, target);
-            continue;
+        // The filters wait for their own last output most of the time; all else finds its place
+        // meanwhile, if it comes in small pieces.
+        const StereoSection none;
+        StereoSection unused;
+        SectionPair sections(lowPass_, crossing_, {}, none);
+        const FourFloats offset{tiny, -tiny, tiny, -tiny};
+        for (std::uint32_t i = 0; i < fours; i += 4) {
+            const FourFrames::Channels crossing =
+                FourFrames::of(loadFour(delayL_.data() + i) + offset,
+                               loadFour(delayR_.data() + i) + offset, {})
+                    .through(sections)
+                    .first();
+            const auto frame = static_cast<float>(begin + i);
+            const FourFloats amount =
+                mix.amount(FourFloats{frame, frame + 1.0F, frame + 2.0F, frame + 3.0F});
+            storeFour(CrossingMix::mixed(loadFour(l + i), crossing.right, amount), l + i);
+            storeFour(CrossingMix::mixed(loadFour(r + i), crossing.left, amount), r + i);
         }
-        for (std::uint32_t i = 0; i < count; ++i) {
-            const float amount = previous + (target - previous) * static_cast<float>(begin + i) /
-                                                static_cast<float>(frames - 1);
-            if (amount > 0.0F)
-                mix(i, amount);
+        sections.save(crossing_, unused);
+
+        for (std::uint32_t i = fours; i < count; ++i) {
+            const float sign = i % 2 == 0 ? tiny : -tiny;
+            const float lpL = crossing_.left.process(lowPass_, delayL_[i] + sign);
+            const float lpR = crossing_.right.process(lowPass_, delayR_[i] + sign);
+            const float amount = mix.amount(static_cast<float>(begin + i));
+            l[i] = CrossingMix::mixed(l[i], lpR, amount);
+            r[i] = CrossingMix::mixed(r[i], lpL, amount);
         }
+        advance(count);
     }
 }
 
-void CrossfeedCore::delay(const float *left, const float *right, std::uint32_t frames,
-                          float *delayed) noexcept {
-    constexpr float tiny = 1e-20F; // alternates, and so keeps the filters out of denormal numbers
-    const auto put = [&](std::vector<float> &line, const float *samples, float *channel) {
-        const auto held = static_cast<std::ptrdiff_t>(delay_);
-        std::copy_n(samples, frames, line.begin() + held);
-        for (std::uint32_t i = 0; i < frames; ++i)
-            channel[2 * i] = line[i] + (i % 2 == 0 ? tiny : -tiny);
-        std::copy_n(line.begin() + frames, held, line.begin());
-    };
-    put(delayL_, left, delayed);
-    put(delayR_, right, delayed + 1);
+void CrossfeedCore::append(const float *left, const float *right, std::uint32_t frames) noexcept {
+    const auto held = static_cast<std::ptrdiff_t>(delay_);
+    std::copy_n(left, frames, delayL_.begin() + held);
+    std::copy_n(right, frames, delayR_.begin() + held);
+}
+
+void CrossfeedCore::advance(std::uint32_t frames) noexcept {
+    std::copy_n(delayL_.begin() + frames, delay_, delayL_.begin());
+    std::copy_n(delayR_.begin() + frames, delay_, delayR_.begin());
 }
 
 } // namespace quorbel

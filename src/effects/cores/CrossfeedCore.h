@@ -26,10 +26,10 @@ class CrossfeedCore {
                  float target) noexcept;
 
   private:
-    /// Puts the frames into the lines and takes those that come out, interleaved. `frames` is even
-    /// unless the block ends with it.
-    void delay(const float *left, const float *right, std::uint32_t frames,
-               float *delayed) noexcept;
+    /// Puts so many frames behind those that the lines hold.
+    void append(const float *left, const float *right, std::uint32_t frames) noexcept;
+    /// Forgets the oldest ones.
+    void advance(std::uint32_t frames) noexcept;
 
     std::size_t delay_ = 16;
     BiquadCoefficients lowPass_;

@@ -6,7 +6,7 @@
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-#include <hwy/contrib/math/math-inl.h>
+#include "effects/cores/TanhShaper-inl.h"
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
@@ -19,14 +19,10 @@ void shapeByTanhInLanes(float *samples, std::uint32_t frames, float drive) {
     const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
     const auto factor = hn::Set(tag, drive);
     std::uint32_t i = 0;
-    for (; i + lanes <= frames; i += lanes) {
-        const auto x = hn::LoadU(tag, samples + i);
-        hn::StoreU(hn::Div(hn::Tanh(tag, hn::Mul(factor, x)), factor), tag, samples + i);
-    }
-    for (; i < frames; ++i) {
-        const auto x = hn::Set(tag, samples[i]);
-        samples[i] = hn::GetLane(hn::Div(hn::Tanh(tag, hn::Mul(factor, x)), factor));
-    }
+    for (; i + lanes <= frames; i += lanes)
+        hn::StoreU(shapedByTanh(hn::LoadU(tag, samples + i), factor), tag, samples + i);
+    for (; i < frames; ++i)
+        samples[i] = hn::GetLane(shapedByTanh(hn::Set(tag, samples[i]), factor));
 }
 
 } // namespace quorbel::HWY_NAMESPACE
