@@ -2,6 +2,7 @@
 
 #include "effects/UnitHarness.h"
 #include "effects/cores/BassHarmonics.h"
+#include "effects/cores/Levelling.h"
 #include "effects/cores/LimiterStretch.h"
 #include "effects/cores/Saturation.h"
 #include "effects/cores/StereoSection.h"
@@ -92,6 +93,25 @@ TEST(VectorKernelsTest, BassHarmonicsAreEqualBitByBit) {
         addBassHarmonicsPlainly(harmonics, plainSections, plain.left.data(), plain.right.data(),
                                 count);
         ASSERT_EQ(vector, plain) << count << " frames";
+    }
+}
+
+TEST(VectorKernelsTest, LevellingIsEqualBitByBit) {
+    const Levelling levelling{.keepLevel = 0.995F,
+                              .keepGain = 0.999F,
+                              .keepTrim = 0.97F,
+                              .target = 0.16F,
+                              .trimTarget = 1.4F};
+    LevellingState state;
+    LevellingState plainState;
+    for (std::uint32_t count = 0; count <= longest; ++count) {
+        // Across the gate and back.
+        Sound vector = noise(count, count % 20 < 10 ? 0.5F : 1e-4F, count + 1);
+        Sound plain = vector;
+        level(levelling, state, vector.left.data(), vector.right.data(), count);
+        levelPlainly(levelling, plainState, plain.left.data(), plain.right.data(), count);
+        ASSERT_EQ(vector, plain) << count << " frames";
+        ASSERT_EQ(state.gain, plainState.gain);
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "effects/cores/Levelling.h"
+
 #include <cstdint>
 
 namespace quorbel {
@@ -8,6 +10,8 @@ namespace quorbel {
 /// that glides to its own.
 class AutoGainCore {
   public:
+    AutoGainCore() noexcept { prepare(48'000.0F, 1.0F); }
+
     /// `sampleRate` in Hz; `trimTarget` (linear) is where the trim stands at once. Not while
     /// processing.
     void prepare(float sampleRate, float trimTarget) noexcept;
@@ -27,9 +31,7 @@ class AutoGainCore {
                 float trimTarget) noexcept;
 
   private:
-    [[nodiscard]] float smoothing(float seconds) const noexcept;
-
-    float sampleRate_ = 48'000.0F;
+    Levelling levelling_; // its targets are those of the last block
     float trim_ = 1.0F;
     float meanSquare_ = 0.0F;
 };

@@ -1,0 +1,171 @@
+#include "effects/cores/Levelling.h"
+
+#include <algorithm>
+#include <cmath>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "effects/cores/Levelling.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#ifndef QUORBEL_LEVELLING_ONCE
+#define QUORBEL_LEVELLING_ONCE
+namespace quorbel {
+namespace {
+
+constexpr float gateLevel = 0.0056234F; // −45 dBFS: below, the gain is held
+constexpr float smallestGain = 0.25F;   // −12 dB
+constexpr float largestGain = 4.0F;     // +12 dB
+
+constexpr std::uint32_t tileFrames = 16;
+
+/// The gain is moved so many tiles behind the level: the way from one to the other, through a root
+/// and a quotient, then has its time beside the recursions.
+constexpr std::uint32_t lagTiles = 2;
+
+struct alignas(64) Tile {
+    float samples[tileFrames];
+};
+
+} // namespace
+} // namespace quorbel
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace quorbel::HWY_NAMESPACE {
+namespace {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Tag = hn::CappedTag<float, tileFrames>;
+constexpr Tag tag;
+
+/// What every frame adds to the mean square.
+HWY_INLINE void measure(const float *left, const float *right, float share, Tile &powers) {
+    for (std::size_t i = 0; i < tileFrames; i += hn::Lanes(tag)) {
+        const auto l = hn::LoadU(tag, left + i);
+        const auto r = hn::LoadU(tag, right + i);
+        const auto power = hn::Add(hn::Mul(l, l), hn::Mul(r, r));
+        hn::Store(hn::Mul(hn::Set(tag, share), power), tag, powers.samples + i);
+    }
+}
+
+/// What every frame keeps of the gain and adds to it; all and nothing below the gate.
+HWY_INLINE void aim(const Levelling &levelling, const Tile &meanSquares, Tile &kept, Tile &added) {
+    const auto share = hn::Set(tag, 1.0F - levelling.keepGain);
+    for (std::size_t i = 0; i < tileFrames; i += hn::Lanes(tag)) {
+        const auto rms = hn::Sqrt(hn::Load(tag, meanSquares.samples + i));
+        const auto open = hn::Gt(rms, hn::Set(tag, gateLevel));
+        const auto desired = hn::Min(
+            hn::Max(hn::Div(hn::Set(tag, levelling.target), rms), hn::Set(tag, smallestGain)),
+            hn::Set(tag, largestGain));
+        hn::Store(hn::IfThenElse(open, hn::Set(tag, levelling.keepGain), hn::Set(tag, 1.0F)), tag,
+                  kept.samples + i);
+        hn::Store(hn::IfThenElseZero(open, hn::Mul(share, desired)), tag, added.samples + i);
+    }
+}
+
+HWY_INLINE void apply(const Tile &gains, const Tile &trims, float *samples) {
+    for (std::size_t i = 0; i < tileFrames; i += hn::Lanes(tag)) {
+        const auto gained = hn::Mul(hn::LoadU(tag, samples + i), hn::Load(tag, gains.samples + i));
+        hn::StoreU(hn::Mul(hn::Load(tag, trims.samples + i), gained), tag, samples + i);
+    }
+}
+
+} // namespace
+
+/// Whole tiles, at least as many as the lag.
+void levelInLanes(const Levelling &levelling, LevellingState &state, float *left, float *right,
+                  std::uint32_t frames) {
+    const float keepLevel = levelling.keepLevel;
+    const float keepTrim = levelling.keepTrim;
+    const float trimStep = (1.0F - keepTrim) * levelling.trimTarget;
+    const float levelShare = (1.0F - keepLevel) * 0.5F;
+    LevellingState s = state;
+    Tile meanSquares;
+    Tile kept[lagTiles];
+    Tile added[lagTiles];
+    Tile gains;
+    Tile trims;
+
+    const auto follow = [&](std::uint32_t i) HWY_ATTR {
+        s.meanSquare = keepLevel * s.meanSquare + meanSquares.samples[i];
+        meanSquares.samples[i] = s.meanSquare;
+    };
+    const auto move = [&](std::uint32_t i, std::uint32_t slot) HWY_ATTR {
+        s.gain = kept[slot].samples[i] * s.gain + added[slot].samples[i];
+        gains.samples[i] = s.gain;
+        s.trim = trimStep + keepTrim * s.trim;
+        trims.samples[i] = s.trim;
+    };
+    const auto applyTo = [&](std::uint32_t begin) HWY_ATTR {
+        apply(gains, trims, left + begin);
+        apply(gains, trims, right + begin);
+    };
+
+    constexpr std::uint32_t lag = lagTiles * tileFrames;
+    std::uint32_t slot = 0;
+    const auto next = [](std::uint32_t last) { return last + 1 < lagTiles ? last + 1 : 0; };
+    for (std::uint32_t begin = 0; begin < lag; begin += tileFrames, slot = next(slot)) {
+        measure(left + begin, right + begin, levelShare, meanSquares);
+        for (std::uint32_t i = 0; i < tileFrames; ++i)
+            follow(i);
+        aim(levelling, meanSquares, kept[slot], added[slot]);
+    }
+    for (std::uint32_t begin = lag; begin < frames; begin += tileFrames, slot = next(slot)) {
+        measure(left + begin, right + begin, levelShare, meanSquares);
+        for (std::uint32_t i = 0; i < tileFrames; ++i) {
+            follow(i);
+            move(i, slot);
+        }
+        aim(levelling, meanSquares, kept[slot], added[slot]);
+        applyTo(begin - lag);
+    }
+    for (std::uint32_t begin = frames - lag; begin < frames;
+         begin += tileFrames, slot = next(slot)) {
+        for (std::uint32_t i = 0; i < tileFrames; ++i)
+            move(i, slot);
+        applyTo(begin);
+    }
+    state = s;
+}
+
+} // namespace quorbel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace quorbel {
+
+HWY_EXPORT(levelInLanes);
+
+void level(const Levelling &levelling, LevellingState &state, float *left, float *right,
+           std::uint32_t frames) noexcept {
+    std::uint32_t tiled = frames - frames % tileFrames;
+    if (tiled < lagTiles * tileFrames)
+        tiled = 0;
+    if (tiled > 0)
+        HWY_DYNAMIC_DISPATCH(levelInLanes)(levelling, state, left, right, tiled);
+    levelPlainly(levelling, state, left + tiled, right + tiled, frames - tiled);
+}
+
+void levelPlainly(const Levelling &levelling, LevellingState &state, float *left, float *right,
+                  std::uint32_t frames) noexcept {
+    const auto &[keepLevel, keepGain, keepTrim, target, trimTarget] = levelling;
+    auto [meanSquare, gain, trim] = state;
+    for (std::uint32_t i = 0; i < frames; ++i) {
+        const float power = left[i] * left[i] + right[i] * right[i];
+        meanSquare = keepLevel * meanSquare + (1.0F - keepLevel) * 0.5F * power;
+        const float rms = std::sqrt(meanSquare);
+        if (rms > gateLevel) {
+            const float desired = std::clamp(target / rms, smallestGain, largestGain);
+            gain = keepGain * gain + (1.0F - keepGain) * desired;
+        }
+        trim = (1.0F - keepTrim) * trimTarget + keepTrim * trim;
+        left[i] = trim * (left[i] * gain);
+        right[i] = trim * (right[i] * gain);
+    }
+    state = {meanSquare, gain, trim};
+}
+
+} // namespace quorbel
+#endif
