@@ -1,10 +1,12 @@
 #include "StageBenchmark.h"
 #include "WholeChain.h"
 #include "effects/ToneEqualizer.h"
+#include "effects/units/LimiterUnit.h"
 #include "engine/ChainUnits.h"
 #include "engine/UnitSettings.h"
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -59,10 +61,25 @@ std::vector<StageBenchmark> units() {
     return result;
 }
 
+/// At work all the time, which it is only on sound that is too loud.
+Stage busyLimiter() {
+    for (const EffectComponent &component : effectComponents())
+        if (component.description == limiterDescription) {
+            auto unit = std::make_shared<SingleUnit>(component, ChainUnit::limiter);
+            unit->node.unit()
+                .parameterTree()
+                ->parameterWithAddress(LimiterUnit::threshold)
+                ->setValue(-12.0F);
+            return stageOf({unit, &unit->node});
+        }
+    throw std::logic_error("no limiter");
+}
+
 const StageBenchmark whole("everything on, with analyses", wholeChain);
 const StageBenchmark equalizerOfTenBands("equaliser, 10 bands", equalizer);
 const StageBenchmark toneControls("tone, 3 bands", tone);
 const std::vector<StageBenchmark> everyUnit = units();
+const StageBenchmark limiting("Limiter, at work", busyLimiter);
 
 } // namespace
 } // namespace quorbel::bench

@@ -19,7 +19,7 @@ TEST(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
     for (const std::uint32_t lookahead : {8U, 57U, 62U, 500U}) {
         float vectorGain = 1.0F;
         float plainGain = 1.0F;
-        for (std::uint32_t count = 1; count <= longest; ++count) {
+        const auto compare = [&](std::uint32_t count, float threshold) {
             const Sound sound = noise(lookahead + longest + stretchPadding, 1.5F, count);
             std::vector<float> peaks(sound.frames());
             for (std::size_t i = 0; i < peaks.size(); ++i)
@@ -30,7 +30,7 @@ TEST(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
             LimiterStretch stretch{.peaks = peaks.data(),
                                    .lookahead = lookahead,
                                    .count = count,
-                                   .threshold = 0.05F * static_cast<float>(count),
+                                   .threshold = threshold,
                                    .attackCoeff = 0.06F,
                                    .releaseCoeff = 0.004F,
                                    .gains = gains.data(),
@@ -44,7 +44,12 @@ TEST(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
             ASSERT_EQ(smallest, limitStretchPlainly(stretch, plainGain));
             ASSERT_EQ(vectorGain, plainGain);
             ASSERT_EQ(vectorOut, plainOut) << count << " frames, look-ahead " << lookahead;
-        }
+        };
+        for (std::uint32_t count = 1; count <= longest; ++count)
+            compare(count, 0.05F * static_cast<float>(count));
+        // Released until the gain's steps round to nothing.
+        for (std::uint32_t again = 0; again < 60; ++again)
+            compare(longest - again % 20, 2.0F);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "effects/cores/LimiterStretch.h"
 
 #include <algorithm>
+#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "effects/cores/LimiterStretch.cpp"
@@ -38,37 +39,88 @@ HWY_INLINE Vector limited(const float *delayed, Vector gain, Vector threshold) {
     return hn::Min(hn::Max(scaled, hn::Neg(threshold)), threshold);
 }
 
+/// Every frame's output, from `gains(i)` of the frames from i on.
+template <typename Gains> HWY_INLINE void apply(const LimiterStretch &s, const Gains &gains) {
+    const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
+    const Vector threshold = hn::Set(tag, s.threshold);
+    std::uint32_t i = 0;
+    for (; i + lanes <= s.count; i += lanes) {
+        hn::StoreU(limited(s.delayedL + i, gains(i), threshold), tag, s.outL + i);
+        hn::StoreU(limited(s.delayedR + i, gains(i), threshold), tag, s.outR + i);
+    }
+    if (i == s.count)
+        return;
+    const std::size_t rest = (s.count - i) * sizeof(float);
+    HWY_ALIGN float last[stretchPadding];
+    hn::Store(limited(s.delayedL + i, gains(i), threshold), tag, last);
+    std::memcpy(s.outL + i, last, rest);
+    hn::Store(limited(s.delayedR + i, gains(i), threshold), tag, last);
+    std::memcpy(s.outR + i, last, rest);
+}
+
+HWY_INLINE bool anyBeyond(const float *peaks, std::uint32_t count, float threshold) {
+    const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
+    Vector largest = hn::Zero(tag);
+    std::uint32_t i = 0;
+    for (; i + lanes <= count; i += lanes)
+        largest = hn::Max(largest, hn::LoadU(tag, peaks + i));
+    for (; i < count; ++i)
+        largest = hn::Max(largest, hn::Set(tag, peaks[i]));
+    return !hn::AllTrue(tag, hn::Le(largest, hn::Set(tag, threshold)));
+}
+
+/// A stretch in which every frame aims at 1.
+HWY_INLINE float releaseStretch(const LimiterStretch &s, float &gain) {
+    const float before = gain;
+    // Where the steps have come to round to nothing, they stay so.
+    if (const float after = before + (1.0F - before) * s.releaseCoeff; after == before) {
+        apply(s, [before](std::uint32_t) HWY_ATTR { return hn::Set(tag, before); });
+        return before;
+    }
+    float g = before;
+    for (std::uint32_t i = 0; i < s.count; ++i) {
+        g += (1.0F - g) * s.releaseCoeff;
+        s.gains[i] = g;
+    }
+    gain = g;
+    apply(s, [&](std::uint32_t i) HWY_ATTR { return hn::LoadU(tag, s.gains + i); });
+    // The gain only rises.
+    return s.gains[0];
+}
+
 } // namespace
 
 // Without noexcept, which Highway's table of targets does not take; nothing in it throws.
 float limitStretchInLanes(const LimiterStretch &s, float &gain) {
+    if (!anyBeyond(s.peaks, s.lookahead + s.count, s.threshold))
+        return releaseStretch(s, gain);
+
     const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
     const Vector threshold = hn::Set(tag, s.threshold);
-    for (std::uint32_t i = 0; i < s.count; i += lanes)
-        hn::StoreU(targets(s.peaks + i, s.lookahead + 1, threshold), tag, s.gains + i);
-
-    // The one thing that has to go frame by frame.
+    const auto aim = [&](std::uint32_t begin) HWY_ATTR {
+        hn::StoreU(targets(s.peaks + begin, s.lookahead + 1, threshold), tag, s.gains + begin);
+    };
+    const float attackCoeff = s.attackCoeff;
+    const float releaseCoeff = s.releaseCoeff;
+    float *const gains = s.gains;
     float g = gain;
     float smallest = 1.0F;
-    for (std::uint32_t i = 0; i < s.count; ++i) {
-        const float target = s.gains[i];
-        const float coefficient = target < g ? s.attackCoeff : s.releaseCoeff;
-        g += (target - g) * coefficient;
-        s.gains[i] = g;
-        smallest = std::min(smallest, g);
+    aim(0);
+    for (std::uint32_t begin = 0; begin < s.count; begin += lanes) {
+        // Ahead, so that the scan has its time beside what has to go frame by frame.
+        if (begin + lanes < s.count)
+            aim(begin + lanes);
+        const std::uint32_t end = std::min(begin + lanes, s.count);
+        for (std::uint32_t i = begin; i < end; ++i) {
+            // The attack being the faster, the smaller step is the one in the distance's direction.
+            const float distance = gains[i] - g;
+            g += std::min(distance * attackCoeff, distance * releaseCoeff);
+            gains[i] = g;
+            smallest = std::min(smallest, g);
+        }
     }
     gain = g;
-
-    std::uint32_t i = 0;
-    for (; i + lanes <= s.count; i += lanes) {
-        const Vector gains = hn::LoadU(tag, s.gains + i);
-        hn::StoreU(limited(s.delayedL + i, gains, threshold), tag, s.outL + i);
-        hn::StoreU(limited(s.delayedR + i, gains, threshold), tag, s.outR + i);
-    }
-    for (; i < s.count; ++i) {
-        s.outL[i] = std::clamp(s.delayedL[i] * s.gains[i], -s.threshold, s.threshold);
-        s.outR[i] = std::clamp(s.delayedR[i] * s.gains[i], -s.threshold, s.threshold);
-    }
+    apply(s, [&](std::uint32_t i) HWY_ATTR { return hn::LoadU(tag, s.gains + i); });
     return smallest;
 }
 

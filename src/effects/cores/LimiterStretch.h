@@ -10,8 +10,8 @@ struct LimiterStretch {
     const float *peaks = nullptr; ///< of `lookahead` frames before the stretch, then of the stretch
     std::uint32_t lookahead = 0;
     std::uint32_t count = 0;
-    float threshold = 1.0F; ///< linear
-    float attackCoeff = 0.0F;
+    float threshold = 1.0F;   ///< linear
+    float attackCoeff = 0.0F; ///< not below the release's
     float releaseCoeff = 0.0F;
     float *gains = nullptr; ///< room for the gain of every frame
     const float *delayedL = nullptr;
