@@ -91,10 +91,11 @@ void LiveCommand::run() const {
     Timer end;
     QObject::connect(&engine, &AudioEngine::stateChanged, &application, [&] {
         const EngineLifecycle::State &state = engine.state();
-        if (state.kind == EngineLifecycle::State::Kind::error) {
+        if (state.kind == EngineLifecycle::State::Kind::error && !engine.isComingBack()) {
             failure = state.message;
             QCoreApplication::exit(1);
-        } else if (state.kind == EngineLifecycle::State::Kind::running && seconds_) {
+        } else if (state.kind == EngineLifecycle::State::Kind::running && seconds_ &&
+                   !end.isSet()) {
             end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
         }
     });

@@ -15,12 +15,12 @@ namespace {
 
 constexpr double drawingSeconds = 0.1;
 
-std::string stateText(const EngineLifecycle::State &state) {
-    switch (state.kind) {
+std::string stateText(const AudioEngine &engine) {
+    switch (engine.state().kind) {
     case EngineLifecycle::State::Kind::running:
         return "running";
     case EngineLifecycle::State::Kind::error:
-        return "error";
+        return engine.isComingBack() ? "waiting for the sound server" : "error";
     case EngineLifecycle::State::Kind::stopped:
         break;
     }
@@ -64,10 +64,15 @@ LiveMeter::~LiveMeter() {
 void LiveMeter::draw() {
     const auto &device = engine_.outputDevice();
     const EngineLosses &losses = engine_.losses();
-    const std::string line = fmt::format(
-        "{}  {}  reduction {:.1f} dB  auto gain {:+.1f} dB  lost {} frames",
-        stateText(engine_.state()), device ? device->name : "no device",
-        engine_.limiterReductionDB(), engine_.autoGainDB(), losses.cutFrames + losses.silentFrames);
+    const EngineUpheavals &upheavals = engine_.upheavals();
+    std::string line = fmt::format(
+        "{}  {}  reduction {:.1f} dB  auto gain {:+.1f} dB  lost {} frames", stateText(engine_),
+        device ? device->name : "no device", engine_.limiterReductionDB(), engine_.autoGainDB(),
+        losses.cutFrames + losses.silentFrames);
+    if (upheavals.outputRestarts > 0)
+        line += fmt::format("  {} restarts", upheavals.outputRestarts);
+    if (upheavals.comebacks > 0)
+        line += fmt::format("  {} returns", upheavals.comebacks);
     const std::lock_guard guard(mutex_);
     shown_ = cutToTerminal(line);
     fmt::print(stderr, "\r{}\033[K", shown_);

@@ -33,15 +33,6 @@ TEST_F(Failure, AnUnknownDeviceIsNamed) {
     expectOneLine(live.process().errors(), "kitchen");
 }
 
-TEST_F(Failure, ALostServerEndsInAnError) {
-    playSequence();
-    const auto live = startLive(twelveDBLower());
-    server.crash();
-    EXPECT_EQ(live->process().exitStatusWithin(3.0), 1);
-    EXPECT_FALSE(live->process().errors().empty());
-    EXPECT_TRUE(comesTrue(3.0, [&] { return live->helpers().empty(); }));
-}
-
 TEST_F(Failure, WithoutAServerOneLineSaysHowToStartOne) {
     server.crash();
     LiveProcess live(server, twelveDBLower());

@@ -145,6 +145,11 @@ void PrivateSoundServer::startServer() {
     sessionManager_ = start({"wireplumber"});
     pulse_ = start({"pipewire-pulse"});
     waitForSocket(folder_ / "run/pulse/native", *pulse_);
+    waitForSessionManager();
+    addDevices();
+}
+
+void PrivateSoundServer::waitForSessionManager() const {
     // It keeps the defaults, and a desktop's requests to change them fail until it does.
     waitFor("the session manager", 10.0, [&] {
         if (!sessionManager_->running()) {
@@ -152,6 +157,9 @@ void PrivateSoundServer::startServer() {
         }
         return state().hasSessionManager;
     });
+}
+
+void PrivateSoundServer::addDevices() {
     for (const Device &device : options_.devices) {
         addDevice(device);
     }
@@ -259,6 +267,21 @@ void PrivateSoundServer::crash() {
     pulse_.reset();
     sessionManager_.reset();
     pipewire_.reset();
+}
+
+void PrivateSoundServer::restart() {
+    moduleOfDevice_.clear();
+    startServer();
+}
+
+void PrivateSoundServer::restartSessionManager() {
+    sessionManager_.reset();
+    waitFor("the session manager has left", 5.0, [&] { return !state().hasSessionManager; });
+    for (const Device &device : options_.devices)
+        removeDevice(device.name);
+    sessionManager_ = start({"wireplumber"});
+    waitForSessionManager();
+    addDevices();
 }
 
 } // namespace quorbel::soundserver

@@ -67,9 +67,19 @@ class PrivateSoundServer {
     /// Ends the server as a crash would, with the session's programs left alone.
     void crash();
 
+    /// Starts it again after a crash, as the user's service manager would. What was connected
+    /// before is not any more.
+    void restart();
+
+    /// The session manager alone ends and is started again. Version 0.4 leaves virtual devices that
+    /// were there before without links, with or without anybody processing: they are made anew.
+    void restartSessionManager();
+
   private:
     void startBus();
     void startServer();
+    void waitForSessionManager() const;
+    void addDevices();
     void waitForSocket(const std::filesystem::path &path, ChildProcess &owner) const;
 
     Options options_;

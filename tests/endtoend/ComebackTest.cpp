@@ -1,0 +1,139 @@
+#include "endtoend/LiveTest.h"
+
+#include <csignal>
+
+namespace quorbel {
+namespace {
+
+/// Whatever a desktop does to its sound, processing goes on or comes back by itself.
+class Comeback : public LiveTest {
+  protected:
+    /// The machine's devices and one application, as they are after the server's return: clients
+    /// of before know nothing of it.
+    struct Afterwards {
+        explicit Afterwards(PrivateSoundServer &server) : client(server) {}
+        GraphClient client;
+        Recorder speakers{client, "speakers", 60.0, 48000};
+        Recorder hdmi{client, "hdmi", 60.0, 48000};
+        Sequence sequence;
+        Player player{client, sequence};
+    };
+
+    static bool waits(const LiveProcess &live) { return live.hasLogged("revine singură"); }
+    static bool isBack(const LiveProcess &live) { return live.hasLogged("a revenit după"); }
+};
+
+TEST_F(Comeback, WithTheServerWithinTwoSeconds) {
+    playSequence();
+    auto live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    server.crash();
+    EXPECT_TRUE(comesTrue(1.0, [&] { return waits(*live); })) << "noticed within a second";
+    EXPECT_TRUE(live->process().running());
+
+    server.restart();
+    EXPECT_TRUE(comesTrue(2.0, [&] { return isBack(*live); })) << live->process().errors();
+    {
+        Afterwards now(server);
+        EXPECT_TRUE(soonHears(now.speakers, Heard::processed));
+        EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+        stopLive(live);
+        EXPECT_TRUE(soonPlaysInto("player", {"speakers"}));
+        EXPECT_TRUE(soonHears(now.speakers, Heard::dry));
+    }
+}
+
+TEST_F(Comeback, NotAfterCtrlC) {
+    playSequence();
+    auto live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    server.crash();
+    ASSERT_TRUE(comesTrue(1.0, [&] { return waits(*live); }));
+    stopLive(live);
+}
+
+TEST_F(Comeback, OnTheChosenDevice) {
+    playSequence();
+    auto live = startLive(twelveDBLower(), {"--device", "hdmi"});
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    server.crash();
+    ASSERT_TRUE(comesTrue(1.0, [&] { return waits(*live); }));
+    server.restart();
+    ASSERT_TRUE(comesTrue(3.0, [&] { return isBack(*live); }));
+    Afterwards now(server);
+    EXPECT_TRUE(soonHears(now.hdmi, Heard::processed));
+    EXPECT_TRUE(soonHears(now.speakers, Heard::silence));
+    stopLive(live);
+}
+
+TEST_F(Comeback, AfterTheSessionManagerWithinTwoSeconds) {
+    const auto live = startLive(twelveDBLower());
+    playSequence();
+    server.restartSessionManager();
+    EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    const Recorder &speakers = record("speakers");
+    EXPECT_TRUE(soonHears(speakers, Heard::processed));
+}
+
+TEST_F(Comeback, ToTheChosenDeviceWhenItReturns) {
+    const Recorder &speakers = record("speakers");
+    playSequence();
+    const auto live = startLive(twelveDBLower(), {"--device", "hdmi"});
+    {
+        const Recorder &hdmi = record("hdmi");
+        ASSERT_TRUE(soonHears(hdmi, Heard::processed));
+    }
+    server.removeDevice("hdmi");
+    EXPECT_TRUE(soonHears(speakers, Heard::processed));
+    server.addDevice({"hdmi", "HDMI"});
+    const Recorder &hdmi = record("hdmi");
+    EXPECT_TRUE(soonHears(hdmi, Heard::processed));
+    EXPECT_TRUE(soonHears(speakers, Heard::silence));
+}
+
+TEST_F(Comeback, ThroughEveryQuantumWithoutARestart) {
+    const Recorder &speakers = record("speakers");
+    playSequence();
+    const auto live = startLive(twelveDBLower());
+    for (const int quantum : {8192, 64, 2048, 256, 1024}) {
+        server.forceQuantum(quantum);
+        EXPECT_TRUE(soonHears(speakers, Heard::processed, 3.0, 0.4)) << quantum;
+    }
+    EXPECT_TRUE(live->process().running());
+    EXPECT_FALSE(waits(*live));
+}
+
+TEST_F(Comeback, FromAnotherDefaultDevice) {
+    playSequence();
+    const auto live = startLive(twelveDBLower(), {"--device", "speakers"});
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    server.setDefaultDevice("hdmi");
+    ASSERT_TRUE(
+        comesTrue(2.0, [&] { return server.state().defaultName("default.audio.sink") == "hdmi"; }));
+    const Recorder &speakers = record("speakers"); // now, because the default moves recorders too
+    EXPECT_TRUE(soonHears(speakers, Heard::processed)) << "the choice stands";
+    EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+}
+
+TEST_F(Comeback, ApplicationsMayComeAndGoLikeHail) {
+    const Recorder &speakers = record("speakers");
+    auto live = startLive(twelveDBLower());
+    const double before = live->memoryMiB();
+    for (int round = 0; round < 40; ++round) {
+        std::vector<std::unique_ptr<Sequence>> sounds;
+        std::vector<std::unique_ptr<Player>> players;
+        for (int i = 0; i < 5; ++i) {
+            sounds.push_back(std::make_unique<Sequence>());
+            players.push_back(std::make_unique<Player>(
+                client, *sounds.back(), Player::Options("hail" + std::to_string(i))));
+        }
+    }
+    playSequence();
+    EXPECT_TRUE(soonHears(speakers, Heard::processed));
+    EXPECT_LT(live->memoryMiB(), before + 4.0) << "nothing is kept of the two hundred";
+    stopLive(live);
+    EXPECT_TRUE(soonPlaysInto("player", {"speakers"}));
+}
+
+} // namespace
+} // namespace quorbel
