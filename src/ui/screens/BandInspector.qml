@@ -1,0 +1,95 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// The rest of the selected strip: Q, filter type, bypass, and the way back.
+ColumnLayout {
+    id: inspector
+
+    required property BandStripView strip
+
+    readonly property int row: strip !== null ? strip.index : -1
+    readonly property string bandName: strip !== null ? strip.bandName : ""
+    readonly property real q: strip !== null ? strip.q : 1
+
+    spacing: Theme.unit
+    enabled: strip !== null
+
+    RowLayout {
+        Layout.fillWidth: true
+
+        CaptionText {
+            text: inspector.bandName.toUpperCase()
+            font.letterSpacing: 1
+        }
+        Item {
+            Layout.fillWidth: true
+        }
+        CaptionText {
+            text: inspector.strip !== null ? inspector.strip.frequencyLabel : ""
+            color: Theme.ink
+        }
+    }
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: Theme.unit
+
+        DotKnob {
+            id: knob
+            // Twice the Q is the same turn everywhere.
+            from: Math.log2(App.equalizer.minQ)
+            to: Math.log2(App.equalizer.maxQ)
+            stepSize: 0.1
+            value: Math.log2(Math.max(App.equalizer.minQ, inspector.q))
+            accessibleName: qsTr("%1 Q").arg(inspector.bandName)
+            valueText: Format.fixed(inspector.q, 2)
+            onPressedChanged: pressed ? App.history.beginGesture() : App.history.endGesture()
+            onMoved: App.equalizer.bands.setQ(inspector.row, Math.pow(2, value))
+            onResetRequested: App.equalizer.bands.setQ(inspector.row, 1)
+        }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 0
+
+            CaptionText {
+                text: qsTr("Q")
+            }
+            ValueField {
+                Layout.fillWidth: true
+                valueText: Format.fixed(inspector.q, 2)
+                parse: text => App.equalizer.parseQ(text)
+                accessibleName: qsTr("%1 Q, typed").arg(inspector.bandName)
+                onCommitted: value => App.equalizer.bands.setQ(inspector.row, value)
+            }
+        }
+    }
+    DotComboBox {
+        Layout.fillWidth: true
+        title: qsTr("Type")
+        model: App.equalizer.filterTypeTitles
+        currentIndex: inspector.strip !== null ? inspector.strip.filterType : 0
+        accessibleName: qsTr("%1 type").arg(inspector.bandName)
+        onActivated: index => App.equalizer.bands.setFilterType(inspector.row, index)
+    }
+    RowLayout {
+        Layout.fillWidth: true
+        spacing: Theme.unit
+
+        DotToggle {
+            text: qsTr("Bypass")
+            checked: inspector.strip !== null && inspector.strip.bypassed
+            accessibleName: qsTr("%1 bypass").arg(inspector.bandName)
+            onToggled: App.equalizer.bands.setBypassed(inspector.row, !inspector.strip.bypassed)
+        }
+        Item {
+            Layout.fillWidth: true
+        }
+        DotButton {
+            flat: true
+            text: qsTr("Reset")
+            Accessible.name: qsTr("Reset %1").arg(inspector.bandName)
+            onClicked: App.equalizer.bands.resetBand(inspector.row)
+        }
+    }
+}

@@ -1,0 +1,102 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// One band as a strip: gain, its slider, frequency, and whether it is in use. Only the selected
+/// strip is on the way of the Tab key; the arrows left and right lead from band to band.
+FocusScope {
+    id: strip
+
+    required property int index
+    required property double frequency
+    required property double gain
+    required property double q
+    required property int filterType
+    required property bool bypassed
+    required property string frequencyLabel
+    required property string gainLabel
+
+    property bool selected: false
+    readonly property string bandName: qsTr("Band %1").arg(index + 1)
+    signal chosen
+
+    /// The slider's part that takes the keyboard.
+    readonly property Item sliderHandle: Array.from(gainSlider.children).find(child => child instanceof T.Control) ?? null
+
+    function takeFocus() {
+        sliderHandle.forceActiveFocus(Qt.TabFocusReason);
+    }
+
+    implicitWidth: 6 * Theme.unit
+    implicitHeight: rows.implicitHeight
+    onActiveFocusChanged: {
+        if (activeFocus)
+            chosen();
+    }
+    Accessible.role: Accessible.Grouping
+    Accessible.name: bandName + ", " + frequencyLabel
+
+    Binding {
+        target: strip.sliderHandle
+        property: "activeFocusOnTab"
+        value: strip.selected
+    }
+    Rectangle {
+        anchors.fill: parent
+        visible: strip.selected
+        color: Theme.paper
+        radius: Theme.radius
+    }
+    TapHandler {
+        onTapped: strip.chosen()
+        onDoubleTapped: App.equalizer.bands.resetBand(strip.index)
+    }
+
+    ColumnLayout {
+        id: rows
+        anchors.fill: parent
+        anchors.topMargin: Theme.unit / 2
+        anchors.bottomMargin: Theme.unit / 2
+        spacing: 0
+
+        ValueField {
+            Layout.fillWidth: true
+            horizontalAlignment: TextInput.AlignHCenter
+            activeFocusOnTab: strip.selected
+            valueText: strip.gainLabel
+            parse: text => App.equalizer.parseGain(text)
+            color: strip.bypassed ? Theme.inkSoft : Theme.ink
+            accessibleName: qsTr("%1 gain, typed").arg(strip.bandName)
+            onCommitted: value => App.equalizer.bands.setGain(strip.index, value)
+        }
+        ParamSlider {
+            id: gainSlider
+            Layout.alignment: Qt.AlignHCenter
+            Layout.fillHeight: true
+            Layout.minimumHeight: 11 * Theme.unit
+            orientation: Qt.Vertical
+            from: App.equalizer.minGain
+            to: App.equalizer.maxGain
+            stepSize: App.equalizer.gainStep
+            origin: 0
+            value: strip.gain
+            opacity: strip.bypassed ? 0.45 : 1
+            accessibleName: qsTr("%1 gain").arg(strip.bandName)
+            valueText: qsTr("%1 dB").arg(strip.gainLabel)
+            onMoved: App.equalizer.bands.setGain(strip.index, value)
+            onResetRequested: App.equalizer.bands.resetBand(strip.index)
+        }
+        ValueField {
+            Layout.fillWidth: true
+            horizontalAlignment: TextInput.AlignHCenter
+            activeFocusOnTab: strip.selected
+            valueText: strip.frequencyLabel
+            parse: text => App.equalizer.parseFrequency(text)
+            color: strip.bypassed ? Theme.inkSoft : Theme.ink
+            accessibleName: qsTr("%1 frequency").arg(strip.bandName)
+            onCommitted: value => App.equalizer.bands.setFrequency(strip.index, value)
+        }
+    }
+}

@@ -1,0 +1,13 @@
+import QtQuick
+import Quorbel.Dotmatrix
+
+/// A text of the window in the size of running text.
+Text {
+    color: Theme.ink
+    font.family: Theme.fontFamily
+    font.pixelSize: Theme.bodySize
+    lineHeight: 1.25
+    textFormat: Text.PlainText
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+}

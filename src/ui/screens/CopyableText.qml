@@ -1,0 +1,45 @@
+import QtQuick
+import Quorbel.Dotmatrix
+
+/// A text that can be selected and copied, such as the words of an error.
+TextEdit {
+    id: copyable
+
+    property string accessibleName: ""
+
+    /// The whole text to the clipboard, whatever is selected.
+    function copyAll() {
+        selectAll();
+        copy();
+        deselect();
+    }
+
+    readOnly: true
+    selectByMouse: true
+    selectByKeyboard: true
+    activeFocusOnTab: text !== ""
+    wrapMode: TextEdit.Wrap
+    textFormat: TextEdit.PlainText
+    color: Theme.ink
+    selectionColor: Theme.signal
+    selectedTextColor: Theme.onSignal
+    font.family: Theme.fontFamily
+    font.pixelSize: Theme.bodySize
+    Accessible.role: Accessible.StaticText
+    Accessible.name: copyable.text
+    Accessible.description: copyable.accessibleName
+    // Tab leaves a text that nobody can type into.
+    KeyNavigation.priority: KeyNavigation.BeforeItem
+    Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
+    Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -Theme.unit / 2
+        visible: copyable.activeFocus
+        color: "transparent"
+        border.color: Theme.signal
+        border.width: 2
+        radius: Theme.radius
+    }
+}

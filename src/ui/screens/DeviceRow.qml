@@ -1,0 +1,78 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Quorbel.Dotmatrix
+
+/// One output device; choosing it makes it the output.
+T.AbstractButton {
+    id: row
+
+    required property int index
+    required property string uid
+    required property string name
+    required property bool isCurrent
+    required property bool isDefault
+
+    implicitHeight: 7 * Theme.unit
+    hoverEnabled: true
+    Accessible.role: Accessible.RadioButton
+    Accessible.name: name
+    Accessible.description: isCurrent ? qsTr("In use") : isDefault ? qsTr("System default") : ""
+    Accessible.checkable: true
+    Accessible.checked: isCurrent
+    Accessible.onToggleAction: row.clicked()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
+
+    background: Rectangle {
+        color: row.down || row.hovered ? Theme.paper : "transparent"
+
+        Rectangle {
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.bottom: parent.bottom
+            height: 1
+            color: Theme.rule
+        }
+        FocusRing {
+            visible: row.visualFocus
+            distance: -2
+        }
+    }
+    contentItem: RowLayout {
+        spacing: 2 * Theme.unit
+
+        Item {
+            implicitWidth: 0
+        }
+        Symbol {
+            name: row.isCurrent ? "hifispeaker.2.fill" : "hifispeaker.2"
+            size: 3 * Theme.unit
+            color: row.isCurrent ? Theme.ink : Theme.inkSoft
+        }
+        HeadingText {
+            Layout.fillWidth: true
+            text: row.name
+            Accessible.ignored: true
+        }
+        CaptionText {
+            visible: row.isDefault
+            text: qsTr("System default")
+            Accessible.ignored: true
+        }
+        CaptionText {
+            visible: row.isCurrent
+            text: qsTr("In use")
+            color: Theme.signalInk
+            font.weight: Font.DemiBold
+            Accessible.ignored: true
+        }
+        Rectangle {
+            Layout.rightMargin: 2 * Theme.unit
+            implicitWidth: Theme.unit
+            implicitHeight: Theme.unit
+            radius: Theme.unit / 2
+            color: row.isCurrent ? Theme.signal : Theme.dot
+        }
+    }
+}

@@ -1,0 +1,97 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// The output devices, and the switch of the spectrum.
+ScreenPage {
+    ScreenHeader {
+        Layout.fillWidth: true
+        title: qsTr("Devices")
+        chips: [qsTr("%1 found").arg(App.devices.count)]
+
+        DotButton {
+            id: refresh
+            text: qsTr("Refresh")
+            symbol: "arrow.clockwise"
+            Accessible.description: help.text
+            onClicked: App.devices.refresh()
+
+            DotToolTip {
+                id: help
+                visible: refresh.hovered
+                text: qsTr("Refresh device list")
+            }
+        }
+    }
+    DotCard {
+        Layout.fillWidth: true
+        padding: 0
+        implicitHeight: Math.max(rows.implicitHeight, 16 * Theme.unit)
+
+        ColumnLayout {
+            id: rows
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: parent.top
+            spacing: 0
+
+            Repeater {
+                model: App.devices
+                delegate: DeviceRow {
+                    Layout.fillWidth: true
+                    onClicked: App.devices.select(uid)
+                }
+            }
+        }
+        ColumnLayout {
+            anchors.centerIn: parent
+            visible: App.devices.count === 0
+            spacing: Theme.unit
+
+            HeadingText {
+                Layout.alignment: Qt.AlignHCenter
+                text: qsTr("No output device found")
+            }
+            BodyText {
+                Layout.alignment: Qt.AlignHCenter
+                text: qsTr("Connect speakers or headphones, then press Refresh.")
+                color: Theme.inkSoft
+            }
+        }
+    }
+    DotCard {
+        Layout.fillWidth: true
+            RowLayout {
+            id: spectrum
+            anchors.fill: parent
+            spacing: 2 * Theme.unit
+
+            DotToggle {
+                checked: App.mixer.spectrumEnabled
+                accessibleName: qsTr("Spectrum analyzer (visual only)")
+                Accessible.description: explanation.text
+                onToggled: App.mixer.spectrumEnabled = !App.mixer.spectrumEnabled
+            }
+            ColumnLayout {
+                Layout.fillWidth: true
+                spacing: Theme.unit / 4
+
+                HeadingText {
+                    text: qsTr("Spectrum analyzer (visual only)")
+                }
+                CaptionText {
+                    id: explanation
+                    Layout.fillWidth: true
+                    text: qsTr("Drives the graphic in the panel above. Visual only — it does not touch the sound.")
+                }
+            }
+        }
+    }
+    DriverNote {
+        Layout.fillWidth: true
+    }
+    Item {
+        Layout.fillHeight: true
+    }
+}

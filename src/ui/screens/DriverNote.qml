@@ -1,0 +1,18 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+
+/// That nothing was installed, and how normal sound comes back.
+RowLayout {
+    spacing: 1.5 * Theme.unit
+
+    DotChip {
+        text: qsTr("0 drivers")
+    }
+    BodyText {
+        Layout.fillWidth: true
+        text: qsTr("Quit the app and macOS sound returns by itself.")
+        wrapMode: Text.WordWrap
+        color: Theme.inkSoft
+    }
+}

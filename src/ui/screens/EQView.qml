@@ -1,0 +1,107 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// The equaliser: its response, and a strip for each band.
+ScreenPage {
+    id: screen
+
+    property int selectedBand: 0
+    property BandStripView selectedStrip: null
+    readonly property bool onSlider: selectedStrip !== null && selectedStrip.sliderHandle.activeFocus
+
+    function select(row) {
+        selectedBand = row;
+        selectedStrip = strips.itemAt(row) as BandStripView;
+    }
+
+    function focusBand(row) {
+        const strip = strips.itemAt(row) as BandStripView;
+        if (strip !== null)
+            strip.takeFocus();
+    }
+
+    // The arrows along a vertical slider change it; those across lead to its neighbours.
+    Shortcut {
+        sequence: "Left"
+        enabled: screen.onSlider
+        onActivated: screen.focusBand(screen.selectedBand - 1)
+    }
+    Shortcut {
+        sequence: "Right"
+        enabled: screen.onSlider
+        onActivated: screen.focusBand(screen.selectedBand + 1)
+    }
+
+    ScreenHeader {
+        Layout.fillWidth: true
+        title: qsTr("Equalizer")
+        chips: {
+            const bypassed = App.equalizer.bypassedCount;
+            const bands = qsTr("%1 bands").arg(App.equalizer.count);
+            return bypassed > 0 ? [bands, qsTr("%1 bypassed").arg(bypassed)] : [bands];
+        }
+
+        DotButton {
+            text: qsTr("Reset all bands")
+            onClicked: App.equalizer.resetAll()
+        }
+    }
+    ResponseCard {
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        Layout.preferredHeight: 3
+        Layout.minimumHeight: 26 * Theme.unit
+        selectedBand: screen.selectedBand
+        onBandChosen: row => screen.select(row)
+    }
+    DotCard {
+        Layout.fillWidth: true
+        Layout.fillHeight: true
+        Layout.preferredHeight: 2
+        Layout.minimumHeight: 28 * Theme.unit
+
+        RowLayout {
+            anchors.fill: parent
+            spacing: 2 * Theme.unit
+
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                spacing: 0
+
+                Repeater {
+                    id: strips
+                    model: App.equalizer.bands
+                    onItemAdded: index => {
+                        if (index === screen.selectedBand)
+                            screen.select(index);
+                    }
+                    onItemRemoved: index => {
+                        if (index === screen.selectedBand)
+                            screen.selectedStrip = null;
+                    }
+                    delegate: BandStripView {
+                        Layout.fillWidth: true
+                        Layout.fillHeight: true
+                        Layout.preferredWidth: 1
+                        selected: screen.selectedBand === index
+                        onChosen: screen.select(index)
+                    }
+                }
+            }
+            Rectangle {
+                Layout.fillHeight: true
+                implicitWidth: 1
+                color: Theme.rule
+            }
+            BandInspector {
+                Layout.preferredWidth: 22 * Theme.unit
+                Layout.maximumWidth: 22 * Theme.unit
+                Layout.alignment: Qt.AlignTop
+                strip: screen.selectedStrip
+            }
+        }
+    }
+}

@@ -1,0 +1,103 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// The live panel: whether it runs, what is heard, and what the level stages do about it.
+DotCard {
+    id: panel
+
+    readonly property bool failed: App.engine.state === "error"
+
+    implicitHeight: 17 * Theme.unit
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 3 * Theme.unit
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            Layout.minimumWidth: 30 * Theme.unit
+            spacing: Theme.unit
+
+            DotText {
+                text: App.engine.stateWord
+                dotSize: 4
+                color: panel.failed ? Theme.warning : App.engine.running ? Theme.signal : Theme.ink
+                Accessible.role: Accessible.StaticText
+                Accessible.name: App.engine.stateWord
+            }
+            Item {
+                Layout.fillHeight: true
+            }
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: Theme.unit
+
+                CopyableText {
+                    id: subtitle
+                    Layout.fillWidth: true
+                    text: App.engine.subtitle
+                    color: panel.failed ? Theme.warning : Theme.ink
+                    accessibleName: qsTr("Status")
+                }
+                DotButton {
+                    Layout.alignment: Qt.AlignTop
+                    visible: panel.failed
+                    flat: true
+                    text: qsTr("Copy")
+                    Accessible.description: qsTr("Copies the error's text")
+                    onClicked: subtitle.copyAll()
+                }
+            }
+            CaptionText {
+                Layout.fillWidth: true
+                text: App.engine.secondLine
+            }
+            CaptionText {
+                Layout.fillWidth: true
+                visible: App.engine.losses !== ""
+                text: App.engine.losses
+            }
+        }
+        ColumnLayout {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            Layout.minimumWidth: 34 * Theme.unit
+            Layout.maximumWidth: 64 * Theme.unit
+            spacing: Theme.unit / 2
+
+            CaptionText {
+                text: qsTr("Live spectrum")
+                Accessible.ignored: true
+            }
+            DotBars {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                levels: App.spectrum.levels
+                rows: 12
+                active: App.spectrum.active
+                accessibleName: qsTr("Live spectrum")
+            }
+        }
+        ColumnLayout {
+            Layout.preferredWidth: 12 * Theme.unit
+            Layout.maximumWidth: 12 * Theme.unit
+            Layout.fillHeight: true
+            spacing: Theme.unit
+
+            Readout {
+                caption: qsTr("Reduction")
+                value: App.engine.reductionText
+            }
+            Item {
+                Layout.fillHeight: true
+            }
+            Readout {
+                caption: qsTr("Auto-gain")
+                value: App.engine.autoGainText
+            }
+        }
+    }
+}

@@ -1,0 +1,104 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// The screen of the selected destination below the live panel.
+Item {
+    id: view
+    objectName: "mainView"
+
+    /// A raw value of `Destinatie`.
+    required property string destination
+    signal saveRequested
+
+    /// Outlives the spatial screen, so that its cards are as they were left.
+    property var expandedStages: []
+
+    function toggleStage(stage) {
+        expandedStages = expandedStages.includes(stage) ? expandedStages.filter(open => open !== stage)
+                                                        : expandedStages.concat(stage);
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.margins: 3 * Theme.unit
+        anchors.topMargin: 2 * Theme.unit
+        anchors.rightMargin: Theme.unit // the screens bring the rest, with their scroll bar in it
+        anchors.bottomMargin: 2 * Theme.unit
+        spacing: 2 * Theme.unit
+
+        Notice {
+            Layout.fillWidth: true
+            message: App.persistWarning
+            isWarning: true
+            Layout.rightMargin: 2 * Theme.unit
+            onDismissed: App.dismissWarning()
+        }
+        LiveOutputView {
+            Layout.fillWidth: true
+            Layout.rightMargin: 2 * Theme.unit
+        }
+        Loader {
+            id: screen
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            sourceComponent: {
+                switch (view.destination) {
+                case "spatial":
+                    return spatial;
+                case "mixer":
+                    return mixer;
+                case "devices":
+                    return devices;
+                case "limiter":
+                    return limiter;
+                case "presetsAll":
+                case "presetsFactory":
+                case "presetsMine":
+                    return presets;
+                case "setup":
+                    return setup;
+                }
+                return equalizer;
+            }
+        }
+    }
+
+    Component {
+        id: equalizer
+        EQView {}
+    }
+    Component {
+        id: spatial
+        SpatialView {
+            expanded: view.expandedStages
+            onExpansionRequested: stage => view.toggleStage(stage)
+        }
+    }
+    Component {
+        id: mixer
+        MixerView {}
+    }
+    Component {
+        id: devices
+        DevicesView {}
+    }
+    Component {
+        id: limiter
+        LimiterGainView {}
+    }
+    Component {
+        id: presets
+        PresetsView {
+            filter: view.destination === "presetsFactory" ? PresetFilterModel.Factory
+                  : view.destination === "presetsMine" ? PresetFilterModel.Mine
+                                                       : PresetFilterModel.All
+            onSaveRequested: view.saveRequested()
+        }
+    }
+    Component {
+        id: setup
+        SetupGuideView {}
+    }
+}

@@ -1,0 +1,118 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+
+/// One preset (`rand`): what it is called and for, what is in it, and what can be done with it. The
+/// list leads from row to row; the current row's buttons are on the way of the Tab key.
+FocusScope {
+    id: row
+
+    required property int index
+    required property string presetId
+    required property string name
+    required property string categoryTitle
+    required property string notes
+    required property string summary
+    required property bool isUser
+    required property bool playing
+
+    property bool current: false
+    signal applyRequested
+    signal exportRequested
+    signal deleteRequested
+
+    implicitHeight: 11 * Theme.unit
+    Accessible.role: Accessible.ListItem
+    Accessible.name: name
+    Accessible.description: [categoryTitle, notes, summary, playing ? qsTr("Playing") : ""].filter(text => text !== "").join(", ")
+    Accessible.selectable: true
+    Accessible.selected: playing
+    Accessible.onPressAction: row.applyRequested()
+
+    Rectangle {
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 1
+        color: Theme.rule
+    }
+    Rectangle {
+        visible: row.playing
+        anchors.verticalCenter: parent.verticalCenter
+        x: Theme.unit
+        width: Theme.unit
+        height: width
+        radius: width / 2
+        color: Theme.signal
+    }
+
+    RowLayout {
+        anchors.fill: parent
+        anchors.leftMargin: 3 * Theme.unit
+        anchors.rightMargin: 2 * Theme.unit
+        spacing: 2 * Theme.unit
+
+        ColumnLayout {
+            Layout.fillWidth: true
+            Layout.alignment: Qt.AlignVCenter
+            spacing: Theme.unit / 2
+
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: 1.5 * Theme.unit
+
+                HeadingText {
+                    Layout.fillWidth: true
+                    Layout.maximumWidth: implicitWidth
+                    text: row.name
+                }
+                CaptionText {
+                    text: row.categoryTitle
+                }
+                CaptionText {
+                    visible: row.playing
+                    text: qsTr("Playing")
+                    color: Theme.signalInk
+                    font.weight: Font.DemiBold
+                }
+                Item {
+                    Layout.fillWidth: true
+                }
+            }
+            BodyText {
+                Layout.fillWidth: true
+                visible: text !== ""
+                text: row.notes
+                elide: Text.ElideRight
+                maximumLineCount: 1
+                wrapMode: Text.WordWrap
+                lineHeight: 1
+            }
+            CaptionText {
+                Layout.fillWidth: true
+                text: row.summary
+            }
+        }
+        DotIconButton {
+            visible: row.isUser
+            activeFocusOnTab: row.current
+            symbol: "trash"
+            accessibleName: qsTr("Delete preset")
+            Accessible.description: row.name
+            onClicked: row.deleteRequested()
+        }
+        DotIconButton {
+            activeFocusOnTab: row.current
+            symbol: "square.and.arrow.up"
+            accessibleName: qsTr("Export preset")
+            Accessible.description: row.name
+            onClicked: row.exportRequested()
+        }
+        DotButton {
+            activeFocusOnTab: row.current
+            text: qsTr("Apply")
+            Accessible.description: row.name
+            onClicked: row.applyRequested()
+        }
+    }
+}

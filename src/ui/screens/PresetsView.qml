@@ -1,0 +1,150 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Dialogs
+import QtQuick.Templates as T
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// The presets: all of them, the factory library, or the user's own.
+Item {
+    id: screen
+    objectName: "presetsView"
+
+    /// Which list (`Filtru`).
+    required property int filter
+    signal saveRequested
+
+    /// What the last import or export said, and what of the file was not taken.
+    property string report: ""
+    property var reportDetails: []
+    property bool reportIsWarning: false
+
+    function importFrom(file) {
+        show(App.presets.importFile(file));
+    }
+    function show(result) {
+        report = result.message;
+        reportDetails = (result.skipped ?? []).concat(result.limited ?? []);
+        reportIsWarning = !result.ok;
+    }
+
+    PresetFilterModel {
+        id: filtered
+        filter: screen.filter
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        anchors.rightMargin: 2 * Theme.unit
+        spacing: 2 * Theme.unit
+
+        ScreenHeader {
+            Layout.fillWidth: true
+            title: filtered.title
+            chips: [qsTr("%1 total").arg(filtered.count)]
+
+            DotButton {
+                text: qsTr("Import…")
+                onClicked: importDialog.open()
+            }
+            DotButton {
+                text: qsTr("Save current…")
+                onClicked: screen.saveRequested()
+            }
+        }
+        Notice {
+            Layout.fillWidth: true
+            message: screen.report
+            details: screen.reportDetails
+            isWarning: screen.reportIsWarning
+            onDismissed: screen.report = ""
+        }
+        DotCard {
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            padding: 0
+
+            ListView {
+                id: lista
+                anchors.fill: parent
+                anchors.margins: 1
+                visible: count > 0
+                clip: true
+                activeFocusOnTab: true
+                keyNavigationEnabled: true
+                boundsBehavior: Flickable.StopAtBounds
+                highlightMoveDuration: Theme.duration
+                cacheBuffer: 60 * Theme.unit
+                model: filtered
+                T.ScrollBar.vertical: DotScrollBar {}
+                Accessible.role: Accessible.List
+                Accessible.name: filtered.title
+                Keys.onReturnPressed: (currentItem as PresetRow)?.applyRequested()
+                Keys.onEnterPressed: (currentItem as PresetRow)?.applyRequested()
+                Keys.onDeletePressed: {
+                    const row = currentItem as PresetRow;
+                    if (row !== null && row.isUser)
+                        row.deleteRequested();
+                }
+
+                highlight: Rectangle {
+                    visible: lista.activeFocus
+                    color: "transparent"
+                    border.color: Theme.signal
+                    border.width: 2
+                    radius: Theme.radius
+                    z: 2
+                }
+                delegate: PresetRow {
+                    id: rand
+                    width: ListView.view.width
+                    current: ListView.isCurrentItem
+                    onActiveFocusChanged: {
+                        if (activeFocus)
+                            lista.currentIndex = index;
+                    }
+                    onApplyRequested: App.presets.apply(presetId)
+                    onDeleteRequested: App.presets.remove(presetId)
+                    onExportRequested: {
+                        exportDialog.presetId = presetId;
+                        exportDialog.open();
+                    }
+                }
+            }
+            ColumnLayout {
+                anchors.centerIn: parent
+                visible: lista.count === 0
+                spacing: Theme.unit
+
+                HeadingText {
+                    Layout.alignment: Qt.AlignHCenter
+                    text: qsTr("No presets here yet")
+                }
+                BodyText {
+                    Layout.alignment: Qt.AlignHCenter
+                    text: qsTr("Shape the sound, then use Save current… to keep it.")
+                    color: Theme.inkSoft
+                }
+            }
+        }
+    }
+
+    FileDialog {
+        id: importDialog
+        title: qsTr("Import a preset")
+        fileMode: FileDialog.OpenFile
+        nameFilters: [qsTr("Presets and equaliser texts (*.json *.txt)"), qsTr("All files (*)")]
+        onAccepted: screen.importFrom(selectedFile)
+    }
+    FileDialog {
+        id: exportDialog
+
+        property string presetId
+
+        title: qsTr("Export a preset")
+        fileMode: FileDialog.SaveFile
+        nameFilters: [qsTr("Preset (*.json)"), qsTr("Equaliser text (*.txt)")]
+        defaultSuffix: selectedNameFilter.extensions[0] ?? "json"
+        onAccepted: screen.show(App.presets.exportPreset(presetId, selectedFile))
+    }
+}

@@ -1,0 +1,60 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+
+/// A screen that scrolls where the window is too low for it. An item that the keyboard reaches is
+/// brought into view.
+DotScrollView {
+    id: page
+    objectName: "screenPage"
+
+    default property alias content: column.data
+    /// The room that a screen has without scrolling: what can stretch may use it.
+    readonly property real roomHeight: availableHeight
+
+    function reveal(item) {
+        const flickable = page.contentItem as Flickable;
+        if (flickable === null)
+            return;
+        const top = item.mapToItem(column, 0, 0).y;
+        const bottom = top + item.height;
+        const margin = 2 * Theme.unit;
+        if (top - margin < flickable.contentY)
+            flickable.contentY = Math.max(0, top - margin);
+        else if (bottom + margin > flickable.contentY + flickable.height)
+            flickable.contentY = Math.min(Math.max(0, flickable.contentHeight - flickable.height),
+                                          bottom + margin - flickable.height);
+    }
+    function scrollToEnd() {
+        const flickable = page.contentItem as Flickable;
+        flickable.contentY = Math.max(0, flickable.contentHeight - flickable.height);
+    }
+    function holds(item) {
+        for (let at = item; at !== null; at = at.parent) {
+            if (at === column)
+                return true;
+        }
+        return false;
+    }
+
+    rightPadding: 2 * Theme.unit // the scroll bar's
+    contentWidth: availableWidth
+    contentHeight: column.implicitHeight
+
+    Connections {
+        target: page.Window.window
+        function onActiveFocusItemChanged() {
+            const item = page.Window.activeFocusItem;
+            // A click lands on what is already in view.
+            if (item && item.visualFocus !== false && page.holds(item))
+                page.reveal(item);
+        }
+    }
+
+    ColumnLayout {
+        id: column
+        width: page.availableWidth
+        height: Math.max(implicitHeight, page.availableHeight)
+        spacing: 2 * Theme.unit
+    }
+}

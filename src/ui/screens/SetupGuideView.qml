@@ -1,0 +1,99 @@
+import QtQuick
+import QtQuick.Layouts
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// The guide of the first run, and where the user stands.
+ScreenPage {
+    ScreenHeader {
+        Layout.fillWidth: true
+        title: qsTr("Setup")
+        chips: [qsTr("4 steps")]
+    }
+    DotCard {
+        Layout.fillWidth: true
+            ColumnLayout {
+            id: steps
+            anchors.fill: parent
+            spacing: 4 * Theme.unit
+
+            SetupStep {
+                Layout.fillWidth: true
+                number: 1
+                title: qsTr("Pick your output device")
+                paragraphs: [
+                    qsTr("Use the Output picker in the toolbar above. Any output device works — wired speakers, AirPods, Bluetooth speakers.")
+                ]
+            }
+            SetupStep {
+                Layout.fillWidth: true
+                number: 2
+                title: qsTr("Click Start and approve the one-time permission")
+                paragraphs: [
+                    qsTr("Ostrafine captures system audio natively (no driver, no settings changes). The first time you click **Start**, macOS asks for **System Audio Recording** permission — approve it once."),
+                    qsTr("If you denied it by accident: System Settings → Privacy & Security → Screen & System Audio Recording → enable Ostrafine, then Start again."),
+                    qsTr("While Ostrafine is running, the original (unprocessed) audio is muted automatically — you hear only the processed signal. On Stop or quit, normal audio resumes by itself.")
+                ]
+            }
+            SetupStep {
+                Layout.fillWidth: true
+                number: 3
+                title: qsTr("Play something")
+                paragraphs: [
+                    qsTr("Play audio from Spotify, YouTube, or any app — it comes out of your speakers with all effects applied. Pick a preset from the toolbar, or shape the sound in the EQ / Spatial / Mixer tabs.")
+                ]
+            }
+            SetupStep {
+                Layout.fillWidth: true
+                number: 4
+                title: qsTr("Edifier MR5 tips (optional)")
+                paragraphs: [qsTr("For the most neutral starting point on the MR5:")]
+                points: [
+                    qsTr("LED color: red = Monitor mode (short-press the volume knob)"),
+                    qsTr("Bass and Treble knobs on the back: 0 (center position)"),
+                    qsTr("Physical volume: 60-80% — the internal limiter kicks in above ~85%"),
+                    qsTr("Do all tonal corrections in Ostrafine; leave the speaker knobs flat.")
+                ]
+            }
+        }
+    }
+    DotCard {
+        Layout.fillWidth: true
+            ColumnLayout {
+            id: status
+            anchors.fill: parent
+            spacing: 2 * Theme.unit
+
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: 2 * Theme.unit
+
+                Rectangle {
+                    implicitWidth: 1.5 * Theme.unit
+                    implicitHeight: implicitWidth
+                    radius: implicitWidth / 2
+                    color: App.engine.running ? Theme.signal : Theme.dotMid
+                }
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: Theme.unit / 2
+
+                    HeadingText {
+                        text: App.engine.running ? qsTr("Processing is running") : qsTr("Ready to start")
+                    }
+                    BodyText {
+                        Layout.fillWidth: true
+                        wrapMode: Text.WordWrap
+                        text: App.engine.running ? qsTr("System audio is being captured and processed live.") : qsTr("Click Start in the toolbar to begin system-wide processing. No driver or manual routing needed.")
+                    }
+                }
+            }
+            DriverNote {
+                Layout.fillWidth: true
+            }
+        }
+    }
+    Item {
+        Layout.fillHeight: true
+    }
+}

@@ -1,0 +1,232 @@
+#include "ui/screens/AccessibleWindow.h"
+
+#include <QAccessible>
+#include <QMetaEnum>
+#include <QQuickItem>
+
+#include <functional>
+#include <vector>
+
+namespace quorbel::testing {
+
+namespace {
+
+using Visit = std::function<bool(QAccessibleInterface &)>; ///< false: do not go on
+
+bool walk(QAccessibleInterface *at, const Visit &visit) {
+    if (at == nullptr || !at->isValid())
+        return true;
+    if (at->state().invisible && at->role() != QAccessible::Window)
+        return true;
+    if (!visit(*at))
+        return false;
+    for (int child = 0; child < at->childCount(); ++child)
+        if (!walk(at->child(child), visit))
+            return false;
+    return true;
+}
+
+QString roleName(QAccessible::Role role) {
+    return QString::fromUtf8(QMetaEnum::fromType<QAccessible::Role>().valueToKey(role));
+}
+
+QString nameOf(QAccessibleInterface &of) { return of.text(QAccessible::Name); }
+
+QVariantMap describe(QAccessibleInterface &of) {
+    const QAccessible::State state = of.state();
+    QVariantMap map{{"role", roleName(of.role())},
+                    {"name", nameOf(of)},
+                    {"description", of.text(QAccessible::Description)},
+                    {"text", of.text(QAccessible::Value)},
+                    {"checked", bool(state.checked)},
+                    {"enabled", !state.disabled},
+                    {"focusable", bool(state.focusable)},
+                    {"focused", bool(state.focused)},
+                    {"selected", bool(state.selected)}};
+    if (QAccessibleValueInterface *value = of.valueInterface()) {
+        map["value"] = value->currentValue();
+        map["from"] = value->minimumValue();
+        map["to"] = value->maximumValue();
+    }
+    return map;
+}
+
+QAccessibleInterface *lookUp(QQuickWindow *window, const QString &name, const QString &role) {
+    QAccessibleInterface *found = nullptr;
+    walk(QAccessible::queryAccessibleInterface(window), [&](QAccessibleInterface &at) {
+        if (nameOf(at) == name && at.role() != QAccessible::Window &&
+            (role.isEmpty() || roleName(at.role()) == role))
+            found = &at;
+        return found == nullptr;
+    });
+    return found;
+}
+
+bool isOperated(QAccessible::Role role) {
+    switch (role) {
+    case QAccessible::Button:
+    case QAccessible::CheckBox:
+    case QAccessible::RadioButton:
+    case QAccessible::Slider:
+    case QAccessible::Dial:
+    case QAccessible::ComboBox:
+    case QAccessible::EditableText:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The part of an item that can be seen, in the window's coordinates.
+QRectF shownRect(const QQuickItem &item) {
+    QRectF rect = item.mapRectToScene(QRectF(0, 0, item.width(), item.height()));
+    for (const QQuickItem *at = item.parentItem(); at != nullptr; at = at->parentItem())
+        if (at->clip())
+            rect &= at->mapRectToScene(QRectF(0, 0, at->width(), at->height()));
+    return rect;
+}
+
+void eachShownItem(const QQuickItem &item, const std::function<void(const QQuickItem &)> &visit) {
+    if (!item.isVisible())
+        return;
+    visit(item);
+    for (const QQuickItem *child : item.childItems())
+        eachShownItem(*child, visit);
+}
+
+bool isInside(const QQuickItem *item, const QQuickItem *ancestor) {
+    for (; item != nullptr; item = item->parentItem())
+        if (item == ancestor)
+            return true;
+    return false;
+}
+
+} // namespace
+
+AccessibleWindow::AccessibleWindow() { QAccessible::setActive(true); }
+
+QVariantList AccessibleWindow::all() const {
+    QVariantList list;
+    walk(QAccessible::queryAccessibleInterface(window_), [&](QAccessibleInterface &at) {
+        list.append(describe(at));
+        return true;
+    });
+    return list;
+}
+
+QStringList AccessibleWindow::names(const QString &role) const {
+    QStringList list;
+    walk(QAccessible::queryAccessibleInterface(window_), [&](QAccessibleInterface &at) {
+        if (role.isEmpty() || roleName(at.role()) == role)
+            list.append(nameOf(at));
+        return true;
+    });
+    return list;
+}
+
+QVariantMap AccessibleWindow::find(const QString &name, const QString &role) const {
+    QAccessibleInterface *found = lookUp(window_, name, role);
+    return found != nullptr ? describe(*found) : QVariantMap();
+}
+
+bool AccessibleWindow::press(const QString &name, const QString &role) {
+    QAccessibleInterface *found = lookUp(window_, name, role);
+    QAccessibleActionInterface *actions = found != nullptr ? found->actionInterface() : nullptr;
+    if (actions == nullptr || found->state().disabled)
+        return false;
+    for (const QString &action :
+         {QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::toggleAction()})
+        if (actions->actionNames().contains(action)) {
+            actions->doAction(action);
+            return true;
+        }
+    return false;
+}
+
+bool AccessibleWindow::setValue(const QString &name, double value) {
+    QAccessibleInterface *found = nullptr;
+    walk(QAccessible::queryAccessibleInterface(window_), [&](QAccessibleInterface &at) {
+        if (nameOf(at) == name && at.valueInterface() != nullptr)
+            found = &at;
+        return found == nullptr;
+    });
+    if (found == nullptr)
+        return false;
+    found->valueInterface()->setCurrentValue(value);
+    return true;
+}
+
+bool AccessibleWindow::setText(const QString &name, const QString &text) {
+    QAccessibleInterface *found = lookUp(window_, name, "EditableText");
+    if (found == nullptr)
+        return false;
+    found->setText(QAccessible::Value, text);
+    return true;
+}
+
+bool AccessibleWindow::focus(const QString &name, const QString &role) {
+    QAccessibleInterface *found = lookUp(window_, name, role);
+    auto *item = found != nullptr ? qobject_cast<QQuickItem *>(found->object()) : nullptr;
+    if (item == nullptr)
+        return false;
+    item->forceActiveFocus(Qt::TabFocusReason);
+    return item->hasActiveFocus();
+}
+
+QStringList AccessibleWindow::cutTexts() const {
+    QStringList list;
+    const QRectF whole(0, 0, window_->width(), window_->height());
+    eachShownItem(*window_->contentItem(), [&](const QQuickItem &item) {
+        if (!item.inherits("QQuickText") || item.property("text").toString().isEmpty())
+            return;
+        const QString text = item.property("text").toString();
+        const bool wraps = item.property("wrapMode").toInt() != 0; // Text.NoWrap
+        const bool tooNarrow =
+            !wraps && item.width() + 0.5 < item.property("contentWidth").toDouble();
+        const bool tooLow = item.height() + 0.5 < item.property("contentHeight").toDouble();
+        if (item.property("truncated").toBool() || tooNarrow || tooLow)
+            list.append("cut: " + text);
+        const QRectF shown = shownRect(item);
+        if (!shown.isEmpty() && !whole.contains(shown))
+            list.append("outside: " + text);
+    });
+    return list;
+}
+
+QStringList AccessibleWindow::overlaps() const {
+    std::vector<const QQuickItem *> leaves;
+    walk(QAccessible::queryAccessibleInterface(window_), [&](QAccessibleInterface &at) {
+        const auto *item = qobject_cast<const QQuickItem *>(at.object());
+        if (item != nullptr && (isOperated(at.role()) || at.role() == QAccessible::StaticText ||
+                                at.role() == QAccessible::Heading))
+            leaves.push_back(item);
+        return true;
+    });
+    QStringList list;
+    for (std::size_t one = 0; one < leaves.size(); ++one)
+        for (std::size_t other = one + 1; other < leaves.size(); ++other) {
+            if (isInside(leaves[one], leaves[other]) || isInside(leaves[other], leaves[one]))
+                continue;
+            const QRectF both = shownRect(*leaves[one]) & shownRect(*leaves[other]);
+            if (both.width() > 1 && both.height() > 1)
+                list.append(nameOf(*QAccessible::queryAccessibleInterface(
+                                const_cast<QQuickItem *>(leaves[one]))) +
+                            " / " +
+                            nameOf(*QAccessible::queryAccessibleInterface(
+                                const_cast<QQuickItem *>(leaves[other]))));
+        }
+    return list;
+}
+
+QStringList AccessibleWindow::unnamed() const {
+    QStringList list;
+    walk(QAccessible::queryAccessibleInterface(window_), [&](QAccessibleInterface &at) {
+        if (isOperated(at.role()) && nameOf(at).isEmpty())
+            list.append(roleName(at.role()) + " in " +
+                        (at.parent() != nullptr ? nameOf(*at.parent()) : QString()));
+        return true;
+    });
+    return list;
+}
+
+} // namespace quorbel::testing

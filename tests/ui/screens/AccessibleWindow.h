@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QObject>
+#include <QQuickWindow>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+namespace quorbel::testing {
+
+/// A window as assistive technology meets it: what is there is read, operated and typed into
+/// through the accessibility interfaces alone. Things are named by their accessible names; what is
+/// not shown is not there. To QML it is the singleton `Screen`. [main]
+class AccessibleWindow final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QQuickWindow *window MEMBER window_)
+
+  public:
+    AccessibleWindow();
+
+    /// Everything shown, in reading order: `{role, name, description, value, checked, enabled,
+    /// focusable, focused, selected}`.
+    [[nodiscard]] Q_INVOKABLE QVariantList all() const;
+    /// The names of everything of that role ("Button", "Slider", "CheckBox", …), or of any.
+    [[nodiscard]] Q_INVOKABLE QStringList names(const QString &role = {}) const;
+    /// The first of that name (and role, unless empty); an empty object where there is none.
+    [[nodiscard]] Q_INVOKABLE QVariantMap find(const QString &name, const QString &role = {}) const;
+    [[nodiscard]] Q_INVOKABLE bool has(const QString &name, const QString &role = {}) const {
+        return !find(name, role).isEmpty();
+    }
+
+    /// False where it is not there or cannot be done.
+    Q_INVOKABLE bool press(const QString &name, const QString &role = {});
+    Q_INVOKABLE bool setValue(const QString &name, double value);
+    Q_INVOKABLE bool setText(const QString &name, const QString &text);
+    Q_INVOKABLE bool focus(const QString &name, const QString &role = {});
+
+    // What a designer would not be shown. Empty lists when all is well.
+    /// Texts that are cut off, and what lies outside of the window though it does not scroll.
+    [[nodiscard]] Q_INVOKABLE QStringList cutTexts() const;
+    /// Pairs of texts and controls that lie on each other.
+    [[nodiscard]] Q_INVOKABLE QStringList overlaps() const;
+    /// Controls that can be operated but have no name.
+    [[nodiscard]] Q_INVOKABLE QStringList unnamed() const;
+
+  private:
+    QQuickWindow *window_ = nullptr;
+};
+
+} // namespace quorbel::testing

@@ -1,0 +1,98 @@
+#include "ui/screens/SimulatedMachine.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <array>
+#include <cmath>
+
+namespace quorbel::testing {
+
+namespace {
+
+constexpr double twoPi = 6.283185307179586;
+
+/// Partials from 40 Hz up, falling by 4 dB per octave, each swelling in a rhythm of its own.
+float music(double seconds, std::uint32_t channel) {
+    static constexpr std::array partials{41.2,   61.7,   82.4,   123.5,  164.8,   246.9,
+                                         329.6,  493.9,  659.3,  987.8,  1480.0,  2217.0,
+                                         3520.0, 5274.0, 7040.0, 9397.0, 11840.0, 14080.0};
+    double sum = 0.0;
+    double level = 0.16;
+    double rhythm = 1.1;
+    for (const double hertz : partials) {
+        const double swell = 0.55 + 0.45 * std::sin(twoPi * rhythm * seconds + rhythm * 5.0);
+        sum += level * swell * std::sin(twoPi * hertz * seconds + channel * 0.3);
+        level *= 0.83;
+        rhythm = std::fmod(rhythm * 1.37, 2.0) + 0.3;
+    }
+    return static_cast<float>(sum);
+}
+
+} // namespace
+
+SimulatedMachine::SimulatedMachine() {
+    hardware_.addDevice({.uid = "speakers", .name = "Studio monitors"});
+    hardware_.addDevice({.uid = "headphones", .name = "USB headphones"});
+    const QString file = folder_.filePath("Quorbel/state.json");
+    QDir().mkpath(folder_.filePath("Quorbel"));
+    state_ = std::make_unique<AppState>(hardware_, clock_, file.toStdString());
+    state_->engine().setOutputDevice(state_->deviceManager().outputDevice("speakers"));
+    model_ = std::make_unique<AppModel>(*state_, clock_);
+}
+
+SimulatedMachine::~SimulatedMachine() {
+    allowSaving();
+    model_.reset();
+    state_.reset();
+}
+
+void SimulatedMachine::addDevice(const QString &uid, const QString &name) {
+    hardware_.addDevice({.uid = uid.toStdString(), .name = name.toStdString()});
+    clock_.advance(0.5);
+}
+
+void SimulatedMachine::removeDevice(const QString &uid) {
+    hardware_.removeDevice(uid.toStdString());
+    clock_.advance(0.5);
+}
+
+void SimulatedMachine::removeAllDevices() {
+    state_->engine().setOutputDevice(std::nullopt);
+    for (const AudioDevice &device : state_->deviceManager().outputDevices())
+        hardware_.removeDevice(device.uid);
+    clock_.advance(0.5);
+}
+
+void SimulatedMachine::playMusic() { hardware_.play(music); }
+
+void SimulatedMachine::failCapture() {
+    hardware_.operations().fail(simulated::Operation::createProcessTap, -1);
+}
+
+void SimulatedMachine::repairCapture() {
+    hardware_.operations().repair(simulated::Operation::createProcessTap);
+}
+
+void SimulatedMachine::blockSaving() {
+    // A folder in the file's place cannot be replaced, whoever runs this.
+    QFile::remove(folder_.filePath("Quorbel/state.json"));
+    QDir().mkpath(folder_.filePath("Quorbel/state.json/in the way"));
+}
+
+void SimulatedMachine::allowSaving() {
+    QDir(folder_.filePath("Quorbel/state.json")).removeRecursively();
+}
+
+QUrl SimulatedMachine::writeFile(const QString &name, const QString &text) {
+    QFile file(folder_.filePath(name));
+    if (file.open(QIODevice::WriteOnly))
+        file.write(text.toUtf8());
+    return QUrl::fromLocalFile(file.fileName());
+}
+
+bool SimulatedMachine::fileExists(const QUrl &file) const {
+    return QFile::exists(file.toLocalFile());
+}
+
+} // namespace quorbel::testing

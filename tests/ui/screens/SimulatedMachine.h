@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/hardware/simulated/SimulatedHardware.h"
+#include "platform/threads/ManualClock.h"
+#include "settings/state/AppState.h"
+#include "ui/model/AppModel.h"
+
+#include <QObject>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <memory>
+
+namespace quorbel::testing {
+
+/// The program below its window on a machine in memory: two devices, the speakers the default and
+/// chosen, settings in an empty folder. Nothing happens but while `advance` lets time pass. To QML
+/// it is the singleton `Machine`. [main]
+class SimulatedMachine final : public QObject {
+    Q_OBJECT
+
+  public:
+    SimulatedMachine();
+    ~SimulatedMachine() override;
+
+    Q_INVOKABLE void advance(double seconds) { clock_.advance(seconds); }
+
+    Q_INVOKABLE void addDevice(const QString &uid, const QString &name);
+    Q_INVOKABLE void removeDevice(const QString &uid);
+    /// No device at all, and none chosen.
+    Q_INVOKABLE void removeAllDevices();
+    /// An application plays noise like music, louder in the bass, in bursts.
+    Q_INVOKABLE void playMusic();
+    /// The next start ends in an error with status -1.
+    Q_INVOKABLE void failCapture();
+    Q_INVOKABLE void repairCapture();
+    /// Saves fail from now on, or work again.
+    Q_INVOKABLE void blockSaving();
+    Q_INVOKABLE void allowSaving();
+    Q_INVOKABLE void persist() { state_->persist(); }
+
+    /// Writes a file beside the settings.
+    Q_INVOKABLE QUrl writeFile(const QString &name, const QString &text);
+    [[nodiscard]] Q_INVOKABLE bool fileExists(const QUrl &file) const;
+
+    [[nodiscard]] AppModel &model() { return *model_; }
+    [[nodiscard]] AppState &state() { return *state_; }
+
+  private:
+    QTemporaryDir folder_;
+    ManualClock clock_;
+    SimulatedHardware hardware_{clock_};
+    std::unique_ptr<AppState> state_;
+    std::unique_ptr<AppModel> model_;
+};
+
+} // namespace quorbel::testing
