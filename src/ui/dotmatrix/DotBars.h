@@ -12,7 +12,7 @@ namespace quorbel {
 
 /// Levels as columns of dots, the topmost lit one in the signal colour. An item wide enough gives
 /// each level several dots side by side, with a dark one between neighbours.
-class DotBars : public DotItem {
+class DotBars : public quorbel::DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotBarsItem)
     Q_PROPERTY(QList<double> levels READ levels WRITE setLevels NOTIFY levelsChanged FINAL)

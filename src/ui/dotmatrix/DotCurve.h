@@ -17,7 +17,7 @@ namespace quorbel {
 ///
 /// The plot fills the item but for half a unit on every side, so that a curve at either end is
 /// whole.
-class DotCurve : public DotItem {
+class DotCurve : public quorbel::DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotCurveItem)
     Q_PROPERTY(QList<double> values READ values WRITE setValues NOTIFY valuesChanged FINAL)

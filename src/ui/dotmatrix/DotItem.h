@@ -3,6 +3,7 @@
 #include "ui/dotmatrix/Appearance.h"
 
 #include <QQuickPaintedItem>
+#include <QtQml/qqmlregistration.h>
 
 namespace quorbel {
 
@@ -10,8 +11,11 @@ class DotPainter;
 
 /// An item of dots, painted as one picture. It is painted again only after `update()`, that is when
 /// what it shows has changed, and not while it or its window is hidden.
+///
+/// Items derive from `quorbel::DotItem` in full: the tools that read QML know no shorter name.
 class DotItem : public QQuickPaintedItem {
     Q_OBJECT
+    QML_ANONYMOUS
 
   public:
     explicit DotItem(QQuickItem *parent = nullptr);

@@ -7,7 +7,7 @@
 namespace quorbel {
 
 /// A value as a run of lit dots from `origin`, and a mark in the signal colour at `peak`.
-class DotMeter : public DotItem {
+class DotMeter : public quorbel::DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotMeterItem)
     Q_PROPERTY(double from READ from WRITE setFrom NOTIFY fromChanged FINAL)

@@ -8,7 +8,7 @@ namespace quorbel {
 
 /// A knob's face: dots around three quarters of a circle, lit from `origin` to `position`, and a
 /// pointer.
-class DotRing : public DotItem {
+class DotRing : public quorbel::DotItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(double position READ position WRITE setPosition NOTIFY positionChanged FINAL)

@@ -43,7 +43,7 @@ ValueControl {
 
         anchors.fill: parent
         target: control
-        onHandle: (x, y) => track.onHandle(x, y)
+        isHandle: (x, y) => track.isHandle(x, y)
         positionAt: (x, y) => track.positionAt(x, y)
     }
 }

@@ -7,7 +7,7 @@
 namespace quorbel {
 
 /// Text in the dot font: numbers, units and the state word.
-class DotText : public DotItem {
+class DotText : public quorbel::DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotTextItem)
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY textChanged FINAL)

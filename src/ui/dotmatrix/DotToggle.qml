@@ -15,8 +15,6 @@ T.Switch {
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.name: accessibleName !== "" ? accessibleName : text
-    Accessible.onToggleAction: control.click()
-    Accessible.onPressAction: control.click()
 
     indicator: Rectangle {
         y: (control.height - height) / 2

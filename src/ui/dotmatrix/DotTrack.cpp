@@ -53,7 +53,7 @@ double DotTrack::handleCentre(double position) const {
     return vertical_ ? length() - along : along;
 }
 
-bool DotTrack::onHandle(double x, double y) const {
+bool DotTrack::isHandle(double x, double y) const {
     return std::abs((vertical_ ? y : x) - handleCentre(position_)) <= handle / 2 + 2;
 }
 

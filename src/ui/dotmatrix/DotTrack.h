@@ -7,7 +7,7 @@
 namespace quorbel {
 
 /// A slider's track: a row of dots, lit from `origin` to `position`, and the handle.
-class DotTrack : public DotItem {
+class DotTrack : public quorbel::DotItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(double position READ position WRITE setPosition NOTIFY positionChanged FINAL)
@@ -36,7 +36,7 @@ class DotTrack : public DotItem {
     Q_INVOKABLE double positionAt(double x, double y) const;
     /// Centre of the handle, measured along the track from its upper or left end.
     Q_INVOKABLE double handleCentre(double position) const;
-    Q_INVOKABLE bool onHandle(double x, double y) const;
+    Q_INVOKABLE bool isHandle(double x, double y) const;
 
   Q_SIGNALS:
     void positionChanged();

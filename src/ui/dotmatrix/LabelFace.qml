@@ -15,39 +15,44 @@ Item {
     property real spacing: Theme.unit
     property bool centred: false
 
-    readonly property real before: (mark.visible || keepSymbolSpace ? mark.width + (text !== "" ? spacing : 0) : 0) + (small.visible ? small.implicitWidth + spacing : 0)
-    readonly property real left: centred ? Math.max(0, Math.round((width - implicitWidth) / 2)) : 0
+    readonly property real before: (mark.visible ? mark.width + spacing : 0) + (small.visible ? small.implicitWidth + spacing : 0)
 
-    implicitWidth: before + (text !== "" ? label.implicitWidth : 0)
-    implicitHeight: Math.max(mark.height, label.implicitHeight)
+    implicitWidth: row.implicitWidth
+    implicitHeight: row.implicitHeight
 
-    Symbol {
-        id: mark
+    Row {
+        id: row
 
-        x: face.left
-        y: Math.round((face.height - height) / 2)
-        visible: face.symbol !== ""
-        name: face.symbol
-        color: label.color
-    }
-    Text {
-        id: small
+        anchors.verticalCenter: parent.verticalCenter
+        anchors.horizontalCenter: face.centred ? parent.horizontalCenter : undefined
+        spacing: face.spacing
 
-        x: face.left + (mark.visible ? mark.width + face.spacing : 0)
-        anchors.baseline: label.baseline
-        visible: text !== ""
-        text: face.caption
-        color: Theme.inkSoft
-        font.pixelSize: Theme.captionSize
-        Accessible.ignored: true
-    }
-    Text {
-        id: label
+        Symbol {
+            id: mark
 
-        x: face.left + face.before
-        y: Math.round((face.height - height) / 2)
-        width: Math.max(0, Math.min(implicitWidth, face.width - x))
-        elide: Text.ElideRight
-        Accessible.ignored: true
+            anchors.verticalCenter: parent.verticalCenter
+            visible: face.symbol !== "" || face.keepSymbolSpace
+            name: face.symbol
+            color: label.color
+        }
+        Text {
+            id: small
+
+            anchors.baseline: label.baseline
+            visible: text !== ""
+            text: face.caption
+            color: Theme.inkSoft
+            font.pixelSize: Theme.captionSize
+            Accessible.ignored: true
+        }
+        Text {
+            id: label
+
+            anchors.verticalCenter: parent.verticalCenter
+            visible: text !== ""
+            width: face.width > 0 ? Math.min(implicitWidth, Math.max(0, face.width - face.before)) : implicitWidth
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
     }
 }

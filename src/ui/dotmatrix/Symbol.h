@@ -8,7 +8,7 @@
 namespace quorbel {
 
 /// One symbol of the program's own set, by name, in one colour.
-class Symbol : public DotItem {
+class Symbol : public quorbel::DotItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged FINAL)

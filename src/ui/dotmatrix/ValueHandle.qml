@@ -3,15 +3,15 @@ import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
 // What makes a value control a control: focus, keys, pointer, and its face to assistive technology.
-// The mouse takes the handle where it stands; `positionAt` says which position a point on the track is,
-// `turn` makes every way of moving the pointer a turn instead.
+// The mouse takes the handle where it stands; `isHandle` says whether a point
+// is on it, `positionAt` which position a point of the track is; `turn` makes of every move a turn instead.
 T.Control {
     id: handle
 
     required property ValueControl target
     property int role: Accessible.Slider
     property bool turn: false
-    property var onHandle: (x, y) => true
+    property var isHandle: (x, y) => true
     property var positionAt: (x, y) => 0
 
     readonly property bool pressed: pointer.pressed
@@ -91,7 +91,7 @@ T.Control {
             wasReset = false;
             last = Qt.point(mouse.x, mouse.y);
             held = handle.target.position;
-            if (!handle.turn && !handle.onHandle(mouse.x, mouse.y)) {
+            if (!handle.turn && !handle.isHandle(mouse.x, mouse.y)) {
                 held = handle.positionAt(mouse.x, mouse.y);
                 handle.target.moveToPosition(held);
             }

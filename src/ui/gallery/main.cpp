@@ -1,4 +1,5 @@
 #include "ui/dotmatrix/Appearance.h"
+#include "ui/symbols/Symbols.h"
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
@@ -21,7 +22,10 @@ int main(int argc, char **argv) {
                                   QStringLiteral("FILE.png"));
     const QCommandLineOption contrast(QStringLiteral("contrast"), QStringLiteral("High contrast."));
     const QCommandLineOption still(QStringLiteral("still"), QStringLiteral("Reduced motion."));
-    parser.addOptions({grab, contrast, still});
+    const QCommandLineOption dialog(QStringLiteral("dialog"),
+                                    QStringLiteral("With an open dialog."));
+    const QCommandLineOption menu(QStringLiteral("menu"), QStringLiteral("With an open menu."));
+    parser.addOptions({grab, contrast, still, dialog, menu});
     parser.process(application);
 
     auto &appearance = quorbel::Appearance::instance();
@@ -30,13 +34,18 @@ int main(int argc, char **argv) {
 
     QQmlApplicationEngine engine;
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.setInitialProperties({{QStringLiteral("symbolNames"), quorbel::symbols::names()},
+                                 {QStringLiteral("moving"), !parser.isSet(grab)},
+                                 {QStringLiteral("dialogOpen"), parser.isSet(dialog)},
+                                 {QStringLiteral("menuOpen"), parser.isSet(menu)}});
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quorbel/Gallery/Gallery.qml")));
     if (engine.rootObjects().isEmpty()) {
         return 1;
     }
     if (parser.isSet(grab)) {
         auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-        QTimer::singleShot(0, window, [&, window] {
+        // After the transitions of what is open.
+        QTimer::singleShot(300, window, [&, window] {
             const bool written = window->grabWindow().save(parser.value(grab));
             if (!written) {
                 std::fprintf(stderr, "cannot write %s\n", qPrintable(parser.value(grab)));
