@@ -1,0 +1,42 @@
+#include "ui/app/MainWindow.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QQuickWindow>
+#include <QtQml/QQmlExtensionPlugin>
+
+Q_IMPORT_QML_PLUGIN(Quorbel_DotmatrixPlugin)
+Q_IMPORT_QML_PLUGIN(Quorbel_ModelPlugin)
+Q_IMPORT_QML_PLUGIN(Quorbel_ScreensPlugin)
+
+namespace quorbel {
+
+MainWindow::MainWindow(const QVariantMap &properties) {
+    engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine_.setInitialProperties(properties);
+    engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Quorbel/Screens/Main.qml")));
+    if (!engine_.rootObjects().isEmpty())
+        window_ = qobject_cast<QQuickWindow *>(engine_.rootObjects().constFirst());
+    if (window_ != nullptr)
+        window_->installEventFilter(this);
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::raise(const QString &activationToken) {
+    if (!activationToken.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken.toUtf8());
+    if (window_->visibility() == QWindow::Minimized)
+        window_->showNormal();
+    window_->show();
+    window_->raise();
+    window_->requestActivate();
+}
+
+bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == window_ && event->type() == QEvent::Close && !goesOnWithoutWindow())
+        QCoreApplication::quit();
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace quorbel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+#include <QQmlApplicationEngine>
+#include <QVariantMap>
+
+#include <functional>
+
+class QQuickWindow;
+
+namespace quorbel {
+
+/// The window as the program holds it: loads it, shows it, and decides what closing it means.
+/// [main]
+class MainWindow final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Loads the window and does not show it yet. `properties` are set on it before. The model must
+    /// have been made, and outlive this.
+    explicit MainWindow(const QVariantMap &properties = {});
+    ~MainWindow() override;
+
+    /// False where the QML could not be loaded; Qt has then said why.
+    [[nodiscard]] bool isLoaded() const { return window_ != nullptr; }
+    [[nodiscard]] QQuickWindow &window() { return *window_; }
+
+    /// Asked when the window is closed: whether the program goes on without it. By default not.
+    std::function<bool()> goesOnWithoutWindow = [] { return false; };
+
+    /// Shows the window, in front of others where the desktop lets us. The token is the desktop's
+    /// leave to do so; may be empty.
+    void raise(const QString &activationToken = {});
+
+  protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+  private:
+    QQmlApplicationEngine engine_;
+    QQuickWindow *window_ = nullptr; ///< the engine's
+};
+
+} // namespace quorbel

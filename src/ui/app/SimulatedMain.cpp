@@ -1,0 +1,144 @@
+// For development: the real window on a machine that exists only in memory, in a state of choice.
+
+#include "platform/hardware/simulated/SimulatedHardware.h"
+#include "platform/threads/MainLoopClock.h"
+#include "platform/threads/Timer.h"
+#include "settings/state/AppState.h"
+#include "ui/app/MainWindow.h"
+#include "ui/app/QuitSignals.h"
+#include "ui/app/Setup.h"
+#include "ui/app/SimulatedMusic.h"
+#include "ui/model/AppModel.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QImage>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace {
+
+using namespace quorbel;
+
+struct Options {
+    QString state = QStringLiteral("stopped");
+    QString settings;
+    QString grab;
+    double grabSeconds = 2.0;
+    QSize size;
+    QVariantMap properties; ///< of the window
+};
+
+Options readOptions(const QApplication &application) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Shows Ostrafine's window on simulated sound hardware."));
+    parser.addHelpOption();
+    parser.addOptions({
+        {QStringLiteral("state"),
+         QStringLiteral("stopped, running (with sound), error (of a start) or empty (no devices)."),
+         QStringLiteral("STATE"), QStringLiteral("stopped")},
+        {QStringLiteral("settings"),
+         QStringLiteral("Settings file; without it, defaults that are forgotten at the end."),
+         QStringLiteral("FILE")},
+        {QStringLiteral("set"),
+         QStringLiteral("Sets a property of the window before it is shown; repeatable."),
+         QStringLiteral("NAME=VALUE")},
+        {QStringLiteral("size"), QStringLiteral("Size of the window."), QStringLiteral("WxH")},
+        {QStringLiteral("grab"), QStringLiteral("Writes a picture of the window and ends."),
+         QStringLiteral("FILE.png")},
+        {QStringLiteral("after"), QStringLiteral("When to take the picture (default: 2)."),
+         QStringLiteral("SECONDS"), QStringLiteral("2")},
+    });
+    parser.process(application);
+    const auto refuse = [&](const QString &what) {
+        std::fprintf(stderr, "quorbel-window-simulated: %s\n", qPrintable(what));
+        std::exit(2);
+    };
+
+    Options options;
+    options.state = parser.value(QStringLiteral("state"));
+    if (!QStringList{"stopped", "running", "error", "empty"}.contains(options.state))
+        refuse(QStringLiteral("there is no state ") + options.state);
+    options.settings = parser.value(QStringLiteral("settings"));
+    options.grab = parser.value(QStringLiteral("grab"));
+    bool isNumber = false;
+    options.grabSeconds = parser.value(QStringLiteral("after")).toDouble(&isNumber);
+    if (!isNumber || options.grabSeconds < 0.0)
+        refuse(QStringLiteral("--after takes seconds"));
+    if (parser.isSet(QStringLiteral("size"))) {
+        const QStringList parts = parser.value(QStringLiteral("size")).split('x');
+        options.size = QSize(parts.value(0).toInt(), parts.value(1).toInt());
+        if (options.size.isEmpty())
+            refuse(QStringLiteral("--size takes WIDTHxHEIGHT"));
+    }
+    for (const QString &setting : parser.values(QStringLiteral("set")))
+        options.properties[setting.section('=', 0, 0)] = setting.section('=', 1);
+    return options;
+}
+
+void equip(SimulatedHardware &machine, const QString &state) {
+    if (state == QStringLiteral("empty"))
+        return;
+    machine.addDevice({.uid = "speakers", .name = "Edifier MR5"});
+    machine.addDevice({.uid = "headphones", .name = "Headphones"});
+    machine.addDevice({.uid = "hdmi", .name = "HDMI / DisplayPort"});
+    if (state == QStringLiteral("running"))
+        machine.play(simulatedMusic());
+    if (state == QStringLiteral("error"))
+        machine.operations().fail(SimulatedHardware::Operation::startDevice, -EACCES);
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    QuitSignals signals;
+    QApplication application(argc, argv);
+    setUpApplication(application);
+    const Options options = readOptions(application);
+
+    const QTemporaryDir temporary;
+    const QString settings = options.settings.isEmpty()
+                                 ? temporary.filePath(QStringLiteral("state.json"))
+                                 : options.settings;
+    MainLoopClock clock;
+    SimulatedHardware machine(clock);
+    equip(machine, options.state);
+    AppState state(machine, clock, settings.toStdString());
+    AppModel model(state, clock);
+    // What was played is not needed, and would be kept for ever.
+    const auto forget = Timer::repeating(clock, 5.0, [&] {
+        for (const AudioDevice &device : state.deviceManager().outputDevices())
+            static_cast<void>(machine.takeRecording(device.uid));
+    });
+
+    MainWindow window(options.properties);
+    if (!window.isLoaded())
+        return 1;
+    if (options.size.isValid())
+        window.window().resize(options.size);
+    window.raise();
+    if (!state.engine().outputDevice())
+        state.engine().setOutputDevice(state.deviceManager().defaultOutput());
+    if (options.state == QStringLiteral("running") || options.state == QStringLiteral("error"))
+        model.engine()->start();
+
+    Timer grab;
+    if (!options.grab.isEmpty())
+        grab = Timer::once(clock, options.grabSeconds, [&] {
+            const bool written = window.window().grabWindow().save(options.grab);
+            if (!written)
+                std::fprintf(stderr, "quorbel-window-simulated: %s cannot be written\n",
+                             qPrintable(options.grab));
+            QCoreApplication::exit(written ? 0 : 1);
+        });
+
+    signals.watch();
+    const int result = QCoreApplication::exec();
+    state.engine().stop();
+    state.persist();
+    return result;
+}
