@@ -1,0 +1,56 @@
+#include "ui/logic/Destinatie.h"
+
+#include "settings/presets/FactoryPresets.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quorbel {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(DestinatieTest, GroupsListEveryDestinationOnceInOrder) {
+    std::vector<std::string> rows;
+    for (const GrupDestinatii &group : grupuri())
+        for (const Destinatie destination : group.destinations)
+            rows.push_back(std::string(group.title) + ": " + std::string(title(destination)));
+    EXPECT_THAT(rows,
+                ElementsAre("Tuning: Equalizer", "Tuning: Spatial", "Tuning: Mixer",
+                            "Output: Devices", "Output: Limiter & gain", "Presets: All presets",
+                            "Presets: Factory", "Presets: Mine", "Help: Setup guide"));
+}
+
+TEST(DestinatieTest, RawValuesAndSymbolsAreTheOnesThatOtherFilesUse) {
+    EXPECT_EQ(rawValue(Destinatie::equalizer), "equalizer");
+    EXPECT_EQ(rawValue(Destinatie::setup), "setup");
+    EXPECT_EQ(symbol(Destinatie::mixer), "slider.horizontal.below.rectangle");
+    EXPECT_EQ(symbol(Destinatie::presetsMine), "heart");
+    EXPECT_EQ(symbol(Destinatie::setup), "gearshape");
+}
+
+TEST(DestinatieTest, BadgesTellOfWhatIsBehindThem) {
+    SpatialConfig spatial;
+    spatial.voiceEnabled = spatial.widenerEnabled = true;
+    spatial.toneBassDB = 6; // tone is no stage
+    MixerConfig mixer;
+    mixer.crossfeedEnabled = true;
+    std::vector<Preset> presets = factoryPresets();
+    presets.push_back({.name = "My Preset"});
+    const InsigneSource source{10, spatial, mixer, 3, presets};
+
+    EXPECT_EQ(insigna(Destinatie::equalizer, source), "10 bands");
+    EXPECT_EQ(insigna(Destinatie::spatial, source), "2 on");
+    EXPECT_EQ(insigna(Destinatie::mixer, source), "1 on");
+    EXPECT_EQ(insigna(Destinatie::devices, source), "3 found");
+    EXPECT_EQ(insigna(Destinatie::limiter, source), "on");
+    EXPECT_EQ(insigna(Destinatie::presetsAll, source), "34");
+    EXPECT_EQ(insigna(Destinatie::presetsFactory, source), "33");
+    EXPECT_EQ(insigna(Destinatie::presetsMine, source), "1");
+    EXPECT_EQ(insigna(Destinatie::setup, source), "");
+    mixer.limiterEnabled = false;
+    EXPECT_EQ(insigna(Destinatie::limiter, source), "off");
+}
+
+} // namespace
+} // namespace quorbel

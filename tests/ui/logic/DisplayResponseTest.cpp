@@ -1,0 +1,100 @@
+#include "ui/logic/DisplayResponse.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace quorbel {
+namespace {
+
+using Type = EQBand::FilterType;
+using ::testing::Each;
+
+EQBand band(Type type, float frequency, float gainDB, float q) {
+    return {.frequency = frequency, .gainDB = gainDB, .q = q, .filterType = type};
+}
+
+/// The drawn value at the point nearest to a frequency in Hz.
+double at(double frequencyHz, const std::vector<EQBand> &bands) {
+    std::size_t nearest = 0;
+    for (std::size_t i = 0; i < displayPointCount; ++i)
+        if (std::abs(std::log(displayFrequency(i) / frequencyHz)) <
+            std::abs(std::log(displayFrequency(nearest) / frequencyHz)))
+            nearest = i;
+    return displayResponse(bands)[nearest];
+}
+
+TEST(DisplayResponseTest, GridRunsFrom20HzTo20kHzInEqualRatios) {
+    EXPECT_DOUBLE_EQ(displayFrequency(0), 20.0);
+    EXPECT_NEAR(displayFrequency(89), 20000.0, 1e-9);
+    EXPECT_NEAR(displayFrequency(45) / displayFrequency(44), displayFrequency(1) / 20.0, 1e-12);
+}
+
+TEST(DisplayResponseTest, EachTypeTakesHalfOrItsCornerValueAtItsFrequency) {
+    // The grid has no point at f0 itself, but one within 4 %: shelves are within 3 % of half there.
+    EXPECT_NEAR(at(1000, {band(Type::parametric, 1000, 6, 1)}), 6.0, 0.05);
+    EXPECT_NEAR(at(1000, {band(Type::lowShelf, 1000, 6, 1)}), 3.0, 0.25);
+    EXPECT_NEAR(at(1000, {band(Type::highShelf, 1000, -6, 1)}), -3.0, 0.25);
+    EXPECT_NEAR(at(1000, {band(Type::lowPass, 1000, 6, 1)}), -3.01, 0.4);
+    EXPECT_NEAR(at(1000, {band(Type::highPass, 1000, 6, 1)}), -3.01, 0.4);
+
+    // Far away: all of the gain on a shelf's own side, 12 dB per octave at Q 1 for a pass.
+    EXPECT_NEAR(at(20, {band(Type::lowShelf, 1000, 6, 1)}), 6.0, 0.01);
+    EXPECT_NEAR(at(20000, {band(Type::lowShelf, 1000, 6, 1)}), 0.0, 0.02);
+    EXPECT_NEAR(at(20000, {band(Type::highShelf, 1000, -6, 1)}), -6.0, 0.02);
+    EXPECT_NEAR(at(20000, {band(Type::lowPass, 1000, 0, 1)}), -20 * std::log10(20.0), 0.02);
+    EXPECT_NEAR(at(20, {band(Type::highPass, 1000, 0, 1)}), -20 * std::log10(50.0), 0.02);
+    EXPECT_NEAR(at(20000, {band(Type::lowPass, 20, 0, 10)}), -120.0, 1e-6) << "not below";
+}
+
+TEST(DisplayResponseTest, ParametricWidthFollowsQWhichIsNeverBelowATenth) {
+    const auto atTwiceTheFrequency = [](float q) {
+        // x = (f/f0 - f0/f) Q at the point's own f
+        return at(2000, {band(Type::parametric, 1000, 10, q)});
+    };
+    EXPECT_NEAR(atTwiceTheFrequency(1.0F), 10.0 / (1.0 + 1.5 * 1.5), 0.15);
+    EXPECT_NEAR(atTwiceTheFrequency(4.0F), 10.0 / (1.0 + 36.0), 0.02);
+    EXPECT_NEAR(atTwiceTheFrequency(0.0F), atTwiceTheFrequency(0.1F), 1e-6);
+    EXPECT_NEAR(atTwiceTheFrequency(-3.0F), atTwiceTheFrequency(0.1F), 1e-6);
+}
+
+TEST(DisplayResponseTest, SumsBandsAndLeavesBypassedOnesOut) {
+    EQBand off = band(Type::parametric, 1000, 12, 1);
+    off.bypassed = true;
+    const EQBand one = band(Type::parametric, 1000, 6, 1);
+    EXPECT_DOUBLE_EQ(at(700, {one, one, off}), 2 * at(700, {one}));
+
+    const DisplayResponse flat = displayResponse({off});
+    EXPECT_THAT(flat, Each(0.0));
+    EXPECT_EQ(peakDB(flat), 0.0);
+    EXPECT_THAT(curveValues(flat, -15, 15), Each(0.5));
+    EXPECT_EQ(peakDB(displayResponse({})), 0.0);
+}
+
+TEST(DisplayResponseTest, PeakIsTheLargestMagnitudeWithItsSignAndTheFirstOfEqualOnes) {
+    EXPECT_NEAR(peakDB(displayResponse({band(Type::parametric, 1000, 6, 1)})), 6.0, 0.05);
+    EXPECT_NEAR(peakDB(displayResponse(
+                    {band(Type::parametric, 1000, 3, 4), band(Type::parametric, 100, -9, 4)})),
+                -9.0, 0.5);
+    DisplayResponse tie{};
+    tie[3] = -2.0;
+    tie[7] = 2.0;
+    EXPECT_EQ(peakDB(tie), -2.0);
+}
+
+TEST(DisplayResponseTest, HeightsPutZeroInTheMiddleAndStayInTheDrawing) {
+    EXPECT_DOUBLE_EQ(drawingHeight(7.5, -15, 15), 0.75);
+    EXPECT_DOUBLE_EQ(drawingHeight(-40, -15, 15), 0.0);
+    EXPECT_DOUBLE_EQ(drawingHeight(40, -15, 15), 1.0);
+    EXPECT_EQ(drawingHeight(std::numeric_limits<double>::quiet_NaN(), -15, 15), 0.0);
+
+    const DisplayResponse flat{};
+    EXPECT_EQ(curveValues(flat, -15, 15, 3.0).size(), displayPointCount);
+    EXPECT_THAT(curveValues(flat, -15, 15, 3.0), Each(0.6)) << "raised by the global gain";
+}
+
+} // namespace
+} // namespace quorbel

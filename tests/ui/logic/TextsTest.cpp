@@ -1,0 +1,99 @@
+// What the screens print.
+
+#include "settings/presets/FactoryPresets.h"
+#include "ui/logic/NumberFormat.h"
+#include "ui/logic/PanelTexts.h"
+#include "ui/logic/PresetTexts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace quorbel {
+namespace {
+
+using State = EngineLifecycle::State;
+
+TEST(NumberFormatTest, NothingPrintsAsMinusZero) {
+    EXPECT_EQ(fixedText(-0.0, 1), "0.0");
+    EXPECT_EQ(fixedText(-0.04, 1), "0.0");
+    EXPECT_EQ(fixedText(-0.3, 0), "0");
+    EXPECT_EQ(signedText(-0.0, 1), "+0.0");
+    EXPECT_EQ(signedText(-0.04, 1), "+0.0");
+    EXPECT_EQ(signedText(-0.06, 1), "-0.1");
+    EXPECT_EQ(gainText(2.0), "+2.0 dB");
+    EXPECT_EQ(gainText(-11.96), "-12.0 dB");
+    EXPECT_EQ(fixedText(std::numeric_limits<double>::quiet_NaN(), 1), "–");
+}
+
+TEST(NumberFormatTest, FrequencyLabelsBranchOnTheValue) {
+    EXPECT_EQ(frequencyLabel(31.5F), "31.5");
+    EXPECT_EQ(frequencyLabel(63.0F), "63");
+    EXPECT_EQ(frequencyLabel(999.0F), "999");
+    EXPECT_EQ(frequencyLabel(999.97F), "1000.0");
+    EXPECT_EQ(frequencyLabel(1000.0F), "1k");
+    EXPECT_EQ(frequencyLabel(2500.0F), "2.5k");
+    EXPECT_EQ(frequencyLabel(4000.0F), "4k");
+    EXPECT_EQ(frequencyLabel(4001.0F), "4.0k");
+    EXPECT_EQ(frequencyLabel(16000.0F), "16k");
+}
+
+TEST(PanelTextsTest, SayWhatTheEngineDoes) {
+    EXPECT_EQ(stateWord(State::running()), "LIVE");
+    EXPECT_EQ(stateWord(State::error("no")), "ERROR");
+    EXPECT_EQ(stateWord(State::stopped()), "STOPPED");
+    EXPECT_EQ(subtitlu(State::running(), "Custom"), "48 kHz · 32 ms · Custom");
+    EXPECT_EQ(subtitlu(State::stopped(), "Flat"), "48 kHz · 32 ms · Flat");
+    EXPECT_EQ(subtitlu(State::error("No output device selected."), "Flat"),
+              "No output device selected.");
+}
+
+TEST(PanelTextsTest, SecondLineAndProtection) {
+    MixerConfig mixer;
+    mixer.limiterThresholdDB = -0.3F;
+    EXPECT_EQ(secondLine(false, mixer), "No output device");
+    EXPECT_EQ(secondLine(true, mixer), "Limiter on at -0.3 dBFS");
+    EXPECT_EQ(protectie(mixer), "Limiter on at -0.3 dBFS");
+    mixer.limiterEnabled = false;
+    EXPECT_EQ(secondLine(true, mixer), "Limiter off — a positive trim can clip");
+}
+
+TEST(PanelTextsTest, LossesAreNamedOnlyWhereThereAreAny) {
+    EXPECT_EQ(lossesText({}), "");
+    EXPECT_EQ(lossesText({.cutFrames = 1, .silentFrames = 480, .lostCycles = 2}),
+              "1 frame cut · 480 frames of silence · 2 cycles lost");
+}
+
+class PresetTextsTest : public ::testing::Test {
+  protected:
+    [[nodiscard]] static Preset factory(const std::string &name) {
+        return *std::ranges::find(factoryPresets(), name, &Preset::name);
+    }
+};
+
+TEST_F(PresetTextsTest, DescriptionCountsBandsAndStages) {
+    EXPECT_EQ(descriere(factory("Flat")), "10 bands");
+    EXPECT_EQ(descriere(factory("Bass Heavy")), "10 bands · 1 spatial stage");
+    EXPECT_EQ(descriere(factory("Cinema / Film")), "10 bands · 3 spatial stages");
+}
+
+TEST_F(PresetTextsTest, FiltersSplitTheListByWhoseItIs) {
+    std::vector<Preset> presets = factoryPresets();
+    presets.push_back({.name = "My Preset"});
+    EXPECT_EQ(countOf(PresetFilter::all, presets), 34);
+    EXPECT_EQ(countOf(PresetFilter::factory, presets), 33);
+    EXPECT_EQ(countOf(PresetFilter::mine, presets), 1);
+    EXPECT_TRUE(passes(PresetFilter::mine, presets.back()));
+    EXPECT_FALSE(passes(PresetFilter::factory, presets.back()));
+}
+
+TEST_F(PresetTextsTest, NamesAreTrimmedAndBlankOnesAreNone) {
+    EXPECT_EQ(trimmedName("  Desk \t"), "Desk");
+    EXPECT_EQ(trimmedName("a b"), "a b");
+    EXPECT_EQ(trimmedName(" \t\n "), "");
+}
+
+} // namespace
+} // namespace quorbel
