@@ -69,6 +69,7 @@ TEST_F(Comeback, OnTheChosenDevice) {
 TEST_F(Comeback, AfterTheSessionManagerWithinTwoSeconds) {
     const auto live = startLive(twelveDBLower());
     playSequence();
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     server.restartSessionManager();
     EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     const Recorder &speakers = record("speakers");

@@ -271,6 +271,8 @@ void PrivateSoundServer::crash() {
 
 void PrivateSoundServer::restart() {
     moduleOfDevice_.clear();
+    fs::remove(socket()); // or the new server would seem to be there already
+    fs::remove(folder_ / "run/pulse/native");
     startServer();
 }
 
