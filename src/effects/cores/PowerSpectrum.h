@@ -28,6 +28,11 @@ class PowerSpectrum {
     /// re² + im² of a bin from 1 to `bins` − 1. Bin 0 is packed and has no meaning here.
     [[nodiscard]] double power(std::size_t bin) const noexcept { return fft_.power(bin); }
 
+    /// Their sum from one bin to another, both included.
+    [[nodiscard]] double powerBetween(std::size_t first, std::size_t last) const noexcept {
+        return fft_.powerBetween(first, last);
+    }
+
   private:
     // Twenty times a second on caches that the sound has filled: memory touched is what it costs.
     RealFFT fft_{points};

@@ -2,6 +2,9 @@
 
 #include <cmath>
 
+// Types of unknown size cannot be members of the structure below; such machines use their 128-bit
+// vectors instead.
+#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "effects/cores/Saturation.cpp"
 // In the order in which Highway wants them.
@@ -21,11 +24,23 @@ using Tag = hn::CappedTag<float, 16>;
 using Vector = hn::Vec<Tag>;
 constexpr Tag tag;
 
-HWY_INLINE Vector shaped(Vector x, Vector drive) {
-    const Vector one = hn::Set(tag, 1.0F);
-    const Vector k = hn::Add(one, hn::Mul(hn::Set(tag, 3.0F), drive));
-    const Vector dry = hn::Sub(one, hn::Mul(hn::Set(tag, 0.5F), drive));
-    return hn::Add(hn::Mul(x, dry), hn::Div(hn::Mul(drive, hn::Tanh(tag, hn::Mul(k, x))), k));
+/// What a drive does to samples.
+struct Shape {
+    HWY_INLINE explicit Shape(Vector drive)
+        : wet(drive), k(hn::Add(hn::Set(tag, 1.0F), hn::Mul(hn::Set(tag, 3.0F), drive))),
+          dry(hn::Sub(hn::Set(tag, 1.0F), hn::Mul(hn::Set(tag, 0.5F), drive))) {}
+
+    HWY_INLINE Vector operator()(Vector x) const {
+        return hn::Add(hn::Mul(x, dry), hn::Div(hn::Mul(wet, hn::Tanh(tag, hn::Mul(k, x))), k));
+    }
+
+    Vector wet;
+    Vector k;
+    Vector dry;
+};
+
+HWY_INLINE void shape(const Shape &shaped, float *samples) {
+    hn::StoreU(shaped(hn::LoadU(tag, samples)), tag, samples);
 }
 
 } // namespace
@@ -37,16 +52,23 @@ void saturateInLanes(float *left, float *right, std::uint32_t frames, const Line
     const Vector step = hn::Set(tag, drive.step());
     const Vector last = hn::Set(tag, drive.last());
     std::uint32_t i = 0;
+    if (drive.step() == 0.0F) {
+        const Shape shaped(from);
+        for (; i + lanes <= frames; i += lanes) {
+            shape(shaped, left + i);
+            shape(shaped, right + i);
+        }
+    }
     for (; i + lanes <= frames; i += lanes) {
         const Vector position = hn::Div(hn::Iota(tag, static_cast<float>(i)), last);
-        const Vector d = hn::Add(from, hn::Mul(step, position));
-        hn::StoreU(shaped(hn::LoadU(tag, left + i), d), tag, left + i);
-        hn::StoreU(shaped(hn::LoadU(tag, right + i), d), tag, right + i);
+        const Shape shaped(hn::Add(from, hn::Mul(step, position)));
+        shape(shaped, left + i);
+        shape(shaped, right + i);
     }
     for (; i < frames; ++i) {
-        const Vector d = hn::Set(tag, drive.at(i));
-        left[i] = hn::GetLane(shaped(hn::Set(tag, left[i]), d));
-        right[i] = hn::GetLane(shaped(hn::Set(tag, right[i]), d));
+        const Shape shaped(hn::Set(tag, drive.at(i)));
+        left[i] = hn::GetLane(shaped(hn::Set(tag, left[i])));
+        right[i] = hn::GetLane(shaped(hn::Set(tag, right[i])));
     }
 }
 

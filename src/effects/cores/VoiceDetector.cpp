@@ -21,14 +21,14 @@ std::optional<float> VoiceDetector::voiceRatio(const AnalysisRing &ring, float s
     if (high <= low || voiceHigh <= voiceLow)
         return std::nullopt;
 
-    double total = 0.0;
-    double voice = 0.0;
-    for (int k = low; k <= high; ++k) {
-        const double power = spectrum_.power(static_cast<std::size_t>(k));
-        total += power;
-        if (k >= voiceLow && k <= voiceHigh)
-            voice += power;
-    }
+    const auto powerBetween = [this](int first, int last) {
+        return first > last ? 0.0
+                            : spectrum_.powerBetween(static_cast<std::size_t>(first),
+                                                     static_cast<std::size_t>(last));
+    };
+    const double voice = powerBetween(voiceLow, voiceHigh);
+    const double total =
+        powerBetween(low, voiceLow - 1) + voice + powerBetween(voiceHigh + 1, high);
     if (!(total > smallestPower))
         return std::nullopt;
     return static_cast<float>(voice / total);

@@ -37,6 +37,8 @@ class RealFFT {
     void transformInput() noexcept;
     /// |X[k]|² of the last `transformInput`, for a bin from 1 to `binCount()` − 1.
     [[nodiscard]] double power(std::size_t bin) const noexcept;
+    /// The sum of `power` from one bin to another, both included.
+    [[nodiscard]] double powerBetween(std::size_t first, std::size_t last) const noexcept;
 
   private:
     struct Plan;
