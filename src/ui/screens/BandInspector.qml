@@ -16,20 +16,10 @@ ColumnLayout {
     spacing: Theme.unit
     enabled: strip !== null
 
-    RowLayout {
+    CaptionText {
         Layout.fillWidth: true
-
-        CaptionText {
-            text: inspector.bandName.toUpperCase()
-            font.letterSpacing: 1
-        }
-        Item {
-            Layout.fillWidth: true
-        }
-        CaptionText {
-            text: inspector.strip !== null ? inspector.strip.frequencyLabel : ""
-            color: Theme.ink
-        }
+        text: inspector.strip !== null ? inspector.bandName + " · " + inspector.strip.frequencyLabel : ""
+        Accessible.role: Accessible.Heading
     }
     RowLayout {
         Layout.fillWidth: true
@@ -53,7 +43,9 @@ ColumnLayout {
             spacing: 0
 
             CaptionText {
+                Layout.leftMargin: Theme.unit / 2
                 text: qsTr("Q")
+                Accessible.ignored: true
             }
             ValueField {
                 Layout.fillWidth: true

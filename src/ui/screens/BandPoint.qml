@@ -18,10 +18,10 @@ Item {
     required property real rangeDB
 
     property bool selected: false
-    readonly property real centreX: curve.width > 0 ? curve.xOfFrequency(frequency) : 0
+    readonly property real centreX: curve && curve.width > 0 ? curve.xOfFrequency(frequency) : 0
     readonly property real shownDB: Math.max(-rangeDB, Math.min(rangeDB, gain + App.equalizer.globalGainDB))
     // Follows the curve's height, which the mapping depends on.
-    readonly property real centreY: curve.height > 0 ? curve.yOfHeight(0.5 + shownDB / rangeDB / 2) : 0
+    readonly property real centreY: curve && curve.height > 0 ? curve.yOfHeight(0.5 + shownDB / rangeDB / 2) : 0
     signal chosen
 
     x: centreX - width / 2

@@ -6,7 +6,7 @@ Text {
     color: Theme.ink
     font.family: Theme.fontFamily
     font.pixelSize: Theme.bodySize
-    lineHeight: 1.25
+    lineHeight: wrapMode === Text.NoWrap ? 1 : 1.25
     textFormat: Text.PlainText
     Accessible.role: Accessible.StaticText
     Accessible.name: text

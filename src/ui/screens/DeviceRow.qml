@@ -30,7 +30,7 @@ T.AbstractButton {
         Rectangle {
             anchors.left: parent.left
             anchors.right: parent.right
-            anchors.bottom: parent.bottom
+            visible: row.index > 0
             height: 1
             color: Theme.rule
         }

@@ -27,7 +27,7 @@ ScreenPage {
     DotCard {
         Layout.fillWidth: true
         padding: 0
-        implicitHeight: Math.max(rows.implicitHeight, 16 * Theme.unit)
+        implicitHeight: App.devices.count > 0 ? rows.implicitHeight : 16 * Theme.unit
 
         ColumnLayout {
             id: rows

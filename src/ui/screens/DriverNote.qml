@@ -11,6 +11,7 @@ RowLayout {
     }
     BodyText {
         Layout.fillWidth: true
+        Layout.alignment: Qt.AlignVCenter
         text: qsTr("Quit the app and macOS sound returns by itself.")
         wrapMode: Text.WordWrap
         color: Theme.inkSoft

@@ -52,7 +52,7 @@ ScreenPage {
         Layout.fillWidth: true
         Layout.fillHeight: true
         Layout.preferredHeight: 3
-        Layout.minimumHeight: 26 * Theme.unit
+        Layout.minimumHeight: 23 * Theme.unit
         selectedBand: screen.selectedBand
         onBandChosen: row => screen.select(row)
     }
@@ -60,7 +60,7 @@ ScreenPage {
         Layout.fillWidth: true
         Layout.fillHeight: true
         Layout.preferredHeight: 2
-        Layout.minimumHeight: 28 * Theme.unit
+        Layout.minimumHeight: 27 * Theme.unit
 
         RowLayout {
             anchors.fill: parent

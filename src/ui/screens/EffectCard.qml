@@ -10,6 +10,8 @@ DotCard {
     required property string name
     required property string description
     required property string readout
+    property string readoutUnit: ""
+    readonly property real expanderWidth: 15 * Theme.unit
     /// The value within its range, 0 to 1.
     required property real level
     required property bool on
@@ -47,27 +49,49 @@ DotCard {
             }
             DotMeter {
                 Layout.fillWidth: true
+                // In line with the dots of the sliders below, which leave room for their handle.
+                Layout.leftMargin: 6
                 Layout.alignment: Qt.AlignVCenter
                 implicitHeight: Theme.unit
+                accessibleName: card.name
+                valueText: card.readout + card.readoutUnit
                 value: card.on ? card.level : 0
                 from: 0
                 to: 1
             }
-            DotText {
+            RowLayout {
                 Layout.preferredWidth: 12 * Theme.unit
-                Layout.alignment: Qt.AlignVCenter
-                text: card.readout
-                dotSize: 2
-                color: card.on ? Theme.ink : Theme.inkSoft
-                Accessible.name: card.name + ": " + card.readout
+                Layout.maximumWidth: 12 * Theme.unit
+                spacing: Theme.unit / 2
+                Accessible.role: Accessible.StaticText
+                Accessible.name: card.name + ": " + card.readout + card.readoutUnit
+
+                DotText {
+                    text: card.readout
+                    dotSize: 2
+                    color: card.on ? Theme.ink : Theme.inkSoft
+                    Accessible.ignored: true
+                }
+                BodyText {
+                    Layout.fillWidth: true
+                    text: card.readoutUnit
+                    color: card.on ? Theme.ink : Theme.inkSoft
+                    Accessible.ignored: true
+                }
             }
-            DotButton {
-                Layout.preferredWidth: 15 * Theme.unit
-                flat: true
-                text: card.expanded ? qsTr("Hide") : qsTr("All controls")
-                symbol: card.expanded ? "chevron.up" : "chevron.down"
-                Accessible.description: card.name
-                onClicked: card.expandRequested()
+            Item {
+                Layout.preferredWidth: card.expanderWidth
+                implicitHeight: expander.height
+
+                DotButton {
+                    id: expander
+                    anchors.right: parent.right
+                    flat: true
+                    text: card.expanded ? qsTr("Hide") : qsTr("All controls")
+                    symbol: card.expanded ? "chevron.up" : "chevron.down"
+                    Accessible.description: card.name
+                    onClicked: card.expandRequested()
+                }
             }
         }
         ColumnLayout {

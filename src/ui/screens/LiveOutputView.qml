@@ -9,7 +9,7 @@ DotCard {
 
     readonly property bool failed: App.engine.state === "error"
 
-    implicitHeight: 17 * Theme.unit
+    implicitHeight: 18 * Theme.unit
 
     RowLayout {
         anchors.fill: parent
@@ -18,7 +18,6 @@ DotCard {
         ColumnLayout {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            Layout.minimumWidth: 30 * Theme.unit
             spacing: Theme.unit
 
             DotText {
@@ -63,18 +62,22 @@ DotCard {
         }
         ColumnLayout {
             Layout.fillHeight: true
-            Layout.fillWidth: true
-            Layout.minimumWidth: 34 * Theme.unit
-            Layout.maximumWidth: 64 * Theme.unit
-            spacing: Theme.unit / 2
+            // A whole number of dots for each of the 32 columns.
+            Layout.preferredWidth: (panel.width < 120 * Theme.unit ? 32 : 64) * Theme.unit
+            Layout.minimumWidth: Layout.preferredWidth
+            Layout.maximumWidth: Layout.preferredWidth
+            spacing: 0
 
             CaptionText {
                 text: qsTr("Live spectrum")
                 Accessible.ignored: true
             }
+            Item {
+                Layout.fillHeight: true
+            }
             DotBars {
                 Layout.fillWidth: true
-                Layout.fillHeight: true
+                Layout.preferredHeight: 12 * Theme.unit
                 levels: App.spectrum.levels
                 rows: 12
                 active: App.spectrum.active
@@ -83,6 +86,7 @@ DotCard {
         }
         ColumnLayout {
             Layout.preferredWidth: 12 * Theme.unit
+            Layout.minimumWidth: 12 * Theme.unit
             Layout.maximumWidth: 12 * Theme.unit
             Layout.fillHeight: true
             spacing: Theme.unit

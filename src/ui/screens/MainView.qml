@@ -25,7 +25,7 @@ Item {
         anchors.margins: 3 * Theme.unit
         anchors.topMargin: 2 * Theme.unit
         anchors.rightMargin: Theme.unit // the screens bring the rest, with their scroll bar in it
-        anchors.bottomMargin: 2 * Theme.unit
+        anchors.bottomMargin: 0 // screens scroll to the window's end
         spacing: 2 * Theme.unit
 
         Notice {

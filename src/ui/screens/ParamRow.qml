@@ -19,10 +19,15 @@ RowLayout {
     property string accessibleContext: ""
     signal moved(real value)
 
+    /// Left free at the end, as wide as what the card's head has there.
+    property real trailing: 0
+
     spacing: 2 * Theme.unit
 
     BodyText {
-        Layout.preferredWidth: 21 * Theme.unit
+        // Below the name of the card, which stands beside its switch.
+        Layout.leftMargin: 7 * Theme.unit
+        Layout.preferredWidth: 22 * Theme.unit
         Layout.alignment: Qt.AlignVCenter
         text: row.label
         elide: Text.ElideRight
@@ -43,9 +48,9 @@ RowLayout {
         onResetRequested: row.moved(row.defaultValue)
     }
     BodyText {
-        Layout.preferredWidth: 10 * Theme.unit
+        Layout.preferredWidth: 12 * Theme.unit
+        Layout.rightMargin: row.trailing
         Layout.alignment: Qt.AlignVCenter
-        horizontalAlignment: Text.AlignRight
         text: row.valueText
         Accessible.ignored: true
     }

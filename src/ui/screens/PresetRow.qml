@@ -21,7 +21,7 @@ FocusScope {
     signal exportRequested
     signal deleteRequested
 
-    implicitHeight: 11 * Theme.unit
+    implicitHeight: texts.implicitHeight + 3 * Theme.unit
     Accessible.role: Accessible.ListItem
     Accessible.name: name
     Accessible.description: [categoryTitle, notes, summary, playing ? qsTr("Playing") : ""].filter(text => text !== "").join(", ")
@@ -52,18 +52,18 @@ FocusScope {
         anchors.rightMargin: 2 * Theme.unit
         spacing: 2 * Theme.unit
 
-        ColumnLayout {
+        Column {
+            id: texts
             Layout.fillWidth: true
             Layout.alignment: Qt.AlignVCenter
             spacing: Theme.unit / 2
 
             RowLayout {
-                Layout.fillWidth: true
+                width: Math.min(implicitWidth, parent.width)
                 spacing: 1.5 * Theme.unit
 
                 HeadingText {
                     Layout.fillWidth: true
-                    Layout.maximumWidth: implicitWidth
                     text: row.name
                 }
                 CaptionText {
@@ -75,21 +75,17 @@ FocusScope {
                     color: Theme.signalInk
                     font.weight: Font.DemiBold
                 }
-                Item {
-                    Layout.fillWidth: true
-                }
             }
             BodyText {
-                Layout.fillWidth: true
+                width: parent.width
                 visible: text !== ""
                 text: row.notes
                 elide: Text.ElideRight
-                maximumLineCount: 1
+                maximumLineCount: 3
                 wrapMode: Text.WordWrap
-                lineHeight: 1
             }
             CaptionText {
-                Layout.fillWidth: true
+                width: parent.width
                 text: row.summary
             }
         }

@@ -36,6 +36,7 @@ Item {
     ColumnLayout {
         anchors.fill: parent
         anchors.rightMargin: 2 * Theme.unit
+        anchors.bottomMargin: 2 * Theme.unit
         spacing: 2 * Theme.unit
 
         ScreenHeader {

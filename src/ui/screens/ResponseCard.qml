@@ -27,6 +27,35 @@ DotCard {
             Item {
                 Layout.fillWidth: true
             }
+            BodyText {
+                text: qsTr("Global")
+                Accessible.ignored: true
+            }
+            ParamSlider {
+                Layout.preferredWidth: 21 * Theme.unit
+                Layout.minimumWidth: 14 * Theme.unit
+                Layout.fillWidth: true
+                Layout.maximumWidth: 31 * Theme.unit
+                from: App.equalizer.minGain
+                to: App.equalizer.maxGain
+                stepSize: App.equalizer.gainStep
+                origin: 0
+                value: App.equalizer.globalGainDB
+                accessibleName: qsTr("Global")
+                valueText: App.equalizer.globalGainText
+                onMoved: App.equalizer.globalGainDB = value
+                onResetRequested: App.equalizer.globalGainDB = 0
+            }
+            ValueField {
+                Layout.preferredWidth: 8 * Theme.unit
+                valueText: App.equalizer.globalGainText
+                parse: text => App.equalizer.parseGain(text)
+                accessibleName: qsTr("Global gain, typed")
+                onCommitted: value => App.equalizer.globalGainDB = value
+            }
+            Item {
+                Layout.fillWidth: true
+            }
             DotToggle {
                 id: exact
                 text: qsTr("Exact response")
@@ -40,7 +69,7 @@ DotCard {
             }
         }
         DotCurve {
-            id: curve
+            id: plot
             Layout.fillWidth: true
             Layout.fillHeight: true
             Layout.minimumHeight: 12 * Theme.unit
@@ -56,7 +85,7 @@ DotCard {
             Repeater {
                 model: App.equalizer.bands
                 delegate: BandPoint {
-                    curve: curve
+                    curve: plot
                     rangeDB: App.equalizer.drawnRangeDB
                     selected: card.selectedBand === index
                     onChosen: card.bandChosen(index)
@@ -81,46 +110,13 @@ DotCard {
                 delegate: CaptionText {
                     required property var modelData
                     // Follows the curve's width, which the mapping depends on.
-                    x: curve.width > 0 ? curve.xOfFrequency(modelData.hertz) - width / 2 : 0
+                    x: plot.width > 0 ? plot.xOfFrequency(modelData.hertz) - width / 2 : 0
                     text: modelData.label
                 }
             }
             CaptionText {
                 anchors.right: parent.right
                 text: qsTr("20 kHz")
-            }
-        }
-        RowLayout {
-            Layout.fillWidth: true
-            spacing: 2 * Theme.unit
-
-            BodyText {
-                text: qsTr("Global")
-                Accessible.ignored: true
-            }
-            ParamSlider {
-                id: globalGain
-                Layout.fillWidth: true
-                Layout.maximumWidth: 40 * Theme.unit
-                from: App.equalizer.minGain
-                to: App.equalizer.maxGain
-                stepSize: App.equalizer.gainStep
-                origin: 0
-                value: App.equalizer.globalGainDB
-                accessibleName: qsTr("Global")
-                valueText: App.equalizer.globalGainText
-                onMoved: App.equalizer.globalGainDB = value
-                onResetRequested: App.equalizer.globalGainDB = 0
-            }
-            ValueField {
-                Layout.preferredWidth: 9 * Theme.unit
-                valueText: App.equalizer.globalGainText
-                parse: text => App.equalizer.parseGain(text)
-                accessibleName: qsTr("Global gain, typed")
-                onCommitted: value => App.equalizer.globalGainDB = value
-            }
-            Item {
-                Layout.fillWidth: true
             }
         }
     }

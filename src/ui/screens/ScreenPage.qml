@@ -9,8 +9,8 @@ DotScrollView {
     objectName: "screenPage"
 
     default property alias content: column.data
-    /// The room that a screen has without scrolling: what can stretch may use it.
-    readonly property real roomHeight: availableHeight
+    /// Below the last card.
+    readonly property real endMargin: 2 * Theme.unit
 
     function reveal(item) {
         const flickable = page.contentItem as Flickable;
@@ -39,7 +39,7 @@ DotScrollView {
 
     rightPadding: 2 * Theme.unit // the scroll bar's
     contentWidth: availableWidth
-    contentHeight: column.implicitHeight
+    contentHeight: column.implicitHeight + endMargin
 
     Connections {
         target: page.Window.window
@@ -54,7 +54,7 @@ DotScrollView {
     ColumnLayout {
         id: column
         width: page.availableWidth
-        height: Math.max(implicitHeight, page.availableHeight)
+        height: Math.max(implicitHeight, page.availableHeight - page.endMargin)
         spacing: 2 * Theme.unit
     }
 }

@@ -1,9 +1,8 @@
 import QtQuick
-import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
 /// One numbered step of the guide. Its texts may mark words as bold with double asterisks.
-RowLayout {
+Item {
     id: step
 
     required property int number
@@ -11,21 +10,26 @@ RowLayout {
     required property var paragraphs
     property var points: []
 
-    spacing: 3 * Theme.unit
+    /// Where the texts begin, beside the number.
+    readonly property real indent: 7 * Theme.unit
+
+    implicitHeight: Math.max(figure.height, texts.height)
 
     DotText {
-        Layout.alignment: Qt.AlignTop
-        Layout.preferredWidth: 4 * Theme.unit
+        id: figure
         text: step.number
         dotSize: 4
         color: Theme.signal
+        Accessible.ignored: true
     }
-    ColumnLayout {
-        Layout.fillWidth: true
+    Column {
+        id: texts
+        x: step.indent
+        width: Math.min(step.width - x, 88 * Theme.unit)
         spacing: Theme.unit
 
         HeadingText {
-            Layout.fillWidth: true
+            width: parent.width
             text: step.title
             Accessible.name: step.number + ". " + step.title
         }
@@ -33,31 +37,32 @@ RowLayout {
             model: step.paragraphs
             delegate: BodyText {
                 required property string modelData
-                Layout.fillWidth: true
-                Layout.maximumWidth: 88 * Theme.unit
-                text: modelData
-                textFormat: Text.MarkdownText
+                width: texts.width
+                text: modelData.replace(/&/g, "&amp;").replace(/\*\*(.+?)\*\*/g, "<b>$1</b>")
+                textFormat: Text.StyledText
                 wrapMode: Text.WordWrap
                 Accessible.name: modelData.replace(/\*\*/g, "")
             }
         }
         Repeater {
             model: step.points
-            delegate: RowLayout {
+            delegate: Item {
                 id: bullet
                 required property string modelData
-                spacing: 1.5 * Theme.unit
+                width: texts.width
+                height: point.height
 
                 Rectangle {
-                    Layout.alignment: Qt.AlignTop
-                    Layout.topMargin: Theme.unit * 0.75
-                    implicitWidth: Theme.unit / 2
-                    implicitHeight: Theme.unit / 2
-                    radius: Theme.unit / 4
+                    y: Theme.unit * 0.75
+                    width: Theme.unit / 2
+                    height: width
+                    radius: width / 2
                     color: Theme.ink
                 }
                 BodyText {
-                    Layout.fillWidth: true
+                    id: point
+                    x: 2 * Theme.unit
+                    width: parent.width - x
                     text: bullet.modelData
                     wrapMode: Text.WordWrap
                 }

@@ -44,7 +44,6 @@ T.AbstractButton {
             Layout.fillWidth: true
             text: row.title
             elide: Text.ElideRight
-            lineHeight: 1
             color: row.selected ? Theme.paper : Theme.ink
             Accessible.ignored: true
         }

@@ -14,6 +14,12 @@ ScreenPage {
     property var expanded: []
     signal expansionRequested(int stage)
 
+    /// A row of a stage's card: it ends where the meter and the value in the head do.
+    component StageParam: ParamRow {
+        Layout.fillWidth: true
+        trailing: 17 * Theme.unit
+    }
+
     ScreenHeader {
         Layout.fillWidth: true
         title: qsTr("Spatial")
@@ -30,8 +36,7 @@ ScreenPage {
         onSwitched: App.spatial.xtcEnabled = !App.spatial.xtcEnabled
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Xtc)
 
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("XTC Amount")
             from: 0
             to: 100
@@ -40,8 +45,7 @@ ScreenPage {
             defaultValue: 50
             onMoved: value => App.spatial.xtcAmount = value
         }
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Head-width Notch")
             from: 500
             to: 8000
@@ -63,8 +67,7 @@ ScreenPage {
         onSwitched: App.spatial.widenerEnabled = !App.spatial.widenerEnabled
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Widener)
 
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Width")
             from: 0
             to: 200
@@ -79,15 +82,15 @@ ScreenPage {
         Layout.fillWidth: true
         name: qsTr("Reverb")
         description: qsTr("Room Ambience")
-        readout: qsTr("%1% wet").arg(Format.fixed(App.spatial.reverbMix, 0))
+        readout: Format.fixed(App.spatial.reverbMix, 0)
+        readoutUnit: qsTr("% wet")
         level: App.spatial.reverbMix / 60
         on: App.spatial.reverbEnabled
         expanded: screen.expanded.includes(SpatialView.Etaj.Reverb)
         onSwitched: App.spatial.reverbEnabled = !App.spatial.reverbEnabled
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Reverb)
 
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Wet Mix")
             from: 0
             to: 60
@@ -101,7 +104,8 @@ ScreenPage {
             spacing: 2 * Theme.unit
 
             BodyText {
-                Layout.preferredWidth: 21 * Theme.unit
+                Layout.leftMargin: 7 * Theme.unit
+                Layout.preferredWidth: 22 * Theme.unit
                 text: qsTr("Preset")
                 Accessible.ignored: true
             }
@@ -125,8 +129,7 @@ ScreenPage {
         onSwitched: App.spatial.voiceEnabled = !App.spatial.voiceEnabled
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Voice)
 
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Amount")
             accessibleContext: qsTr("Voice Clarity")
             from: 0
@@ -136,8 +139,7 @@ ScreenPage {
             defaultValue: 100
             onMoved: value => App.spatial.voiceAmount = value
         }
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Presence @ 3 kHz")
             from: 0
             to: 6
@@ -147,8 +149,7 @@ ScreenPage {
             defaultValue: 3
             onMoved: value => App.spatial.voicePresenceGainDB = value
         }
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Mud cut @ 300 Hz")
             from: 0
             to: 4
@@ -162,6 +163,7 @@ ScreenPage {
             Layout.fillWidth: true
 
             SwitchRow {
+                Layout.leftMargin: 7 * Theme.unit
                 label: qsTr("Adaptive scaling (experimental)")
                 checked: App.spatial.voiceAdaptiveEnabled
                 onToggled: App.spatial.voiceAdaptiveEnabled = !App.spatial.voiceAdaptiveEnabled
@@ -170,6 +172,8 @@ ScreenPage {
                 Layout.fillWidth: true
             }
             Readout {
+                Layout.preferredWidth: 12 * Theme.unit
+                Layout.rightMargin: 17 * Theme.unit
                 caption: qsTr("Mid-range content")
                 value: App.engine.confidenceText
             }
@@ -186,8 +190,7 @@ ScreenPage {
         onSwitched: App.spatial.bassEnabled = !App.spatial.bassEnabled
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Bass)
 
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Amount")
             accessibleContext: qsTr("Deep Bass")
             from: 0
@@ -197,8 +200,7 @@ ScreenPage {
             defaultValue: 50
             onMoved: value => App.spatial.bassAmount = value
         }
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Drive")
             accessibleContext: qsTr("Deep Bass")
             from: 1
@@ -209,8 +211,7 @@ ScreenPage {
             defaultValue: 3
             onMoved: value => App.spatial.bassDrive = value
         }
-        ParamRow {
-            Layout.fillWidth: true
+        StageParam {
             label: qsTr("Crossover")
             from: 40
             to: 150
@@ -223,6 +224,7 @@ ScreenPage {
             Layout.fillWidth: true
 
             SwitchRow {
+                Layout.leftMargin: 7 * Theme.unit
                 label: qsTr("Adaptive — track song’s bass fundamental")
                 checked: App.spatial.bassAdaptiveEnabled
                 onToggled: App.spatial.bassAdaptiveEnabled = !App.spatial.bassAdaptiveEnabled
@@ -231,6 +233,8 @@ ScreenPage {
                 Layout.fillWidth: true
             }
             Readout {
+                Layout.preferredWidth: 12 * Theme.unit
+                Layout.rightMargin: 17 * Theme.unit
                 caption: qsTr("Tracking")
                 value: App.engine.trackingText
             }
@@ -251,9 +255,11 @@ ScreenPage {
                     spacing: Theme.unit / 4
 
                     HeadingText {
+                        Layout.fillWidth: true
                         text: qsTr("Tone Controls")
                     }
                     CaptionText {
+                        Layout.fillWidth: true
                         text: qsTr("Shelf 100 Hz · peak 1 kHz · shelf 5 kHz · ±12 dB each")
                     }
                 }

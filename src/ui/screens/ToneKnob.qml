@@ -32,4 +32,7 @@ RowLayout {
         caption: tone.label
         value: tone.valueText
     }
+    Item {
+        Layout.fillWidth: true
+    }
 }
