@@ -17,11 +17,9 @@ constexpr float gateLevel = 0.0056234F; // −45 dBFS: below, the gain is held
 constexpr float smallestGain = 0.25F;   // −12 dB
 constexpr float largestGain = 4.0F;     // +12 dB
 
-constexpr std::uint32_t tileFrames = 16;
-
-/// The gain is moved so many tiles behind the level: the way from one to the other, through a root
-/// and a quotient, then has its time beside the recursions.
-constexpr std::uint32_t lagTiles = 2;
+/// The gain is moved one tile behind the level: the way from one to the other, through a root and a
+/// quotient, then has its time beside the recursions.
+constexpr std::uint32_t tileFrames = 32;
 
 struct alignas(64) Tile {
     float samples[tileFrames];
@@ -37,7 +35,7 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Tag = hn::CappedTag<float, tileFrames>;
+using Tag = hn::CappedTag<float, 16>;
 constexpr Tag tag;
 
 /// What every frame adds to the mean square.
@@ -74,7 +72,7 @@ HWY_INLINE void apply(const Tile &gains, const Tile &trims, float *samples) {
 
 } // namespace
 
-/// Whole tiles, at least as many as the lag.
+/// Whole tiles, at least one.
 void levelInLanes(const Levelling &levelling, LevellingState &state, float *left, float *right,
                   std::uint32_t frames) {
     const float keepLevel = levelling.keepLevel;
@@ -83,8 +81,8 @@ void levelInLanes(const Levelling &levelling, LevellingState &state, float *left
     const float levelShare = (1.0F - keepLevel) * 0.5F;
     LevellingState s = state;
     Tile meanSquares;
-    Tile kept[lagTiles];
-    Tile added[lagTiles];
+    Tile kept;
+    Tile added;
     Tile gains;
     Tile trims;
 
@@ -92,41 +90,31 @@ void levelInLanes(const Levelling &levelling, LevellingState &state, float *left
         s.meanSquare = keepLevel * s.meanSquare + meanSquares.samples[i];
         meanSquares.samples[i] = s.meanSquare;
     };
-    const auto move = [&](std::uint32_t i, std::uint32_t slot) HWY_ATTR {
-        s.gain = kept[slot].samples[i] * s.gain + added[slot].samples[i];
+    const auto move = [&](std::uint32_t i) HWY_ATTR {
+        s.gain = kept.samples[i] * s.gain + added.samples[i];
         gains.samples[i] = s.gain;
         s.trim = trimStep + keepTrim * s.trim;
         trims.samples[i] = s.trim;
     };
-    const auto applyTo = [&](std::uint32_t begin) HWY_ATTR {
-        apply(gains, trims, left + begin);
-        apply(gains, trims, right + begin);
-    };
 
-    constexpr std::uint32_t lag = lagTiles * tileFrames;
-    std::uint32_t slot = 0;
-    const auto next = [](std::uint32_t last) { return last + 1 < lagTiles ? last + 1 : 0; };
-    for (std::uint32_t begin = 0; begin < lag; begin += tileFrames, slot = next(slot)) {
-        measure(left + begin, right + begin, levelShare, meanSquares);
-        for (std::uint32_t i = 0; i < tileFrames; ++i)
-            follow(i);
-        aim(levelling, meanSquares, kept[slot], added[slot]);
-    }
-    for (std::uint32_t begin = lag; begin < frames; begin += tileFrames, slot = next(slot)) {
+    measure(left, right, levelShare, meanSquares);
+    for (std::uint32_t i = 0; i < tileFrames; ++i)
+        follow(i);
+    aim(levelling, meanSquares, kept, added);
+    for (std::uint32_t begin = tileFrames; begin < frames; begin += tileFrames) {
         measure(left + begin, right + begin, levelShare, meanSquares);
         for (std::uint32_t i = 0; i < tileFrames; ++i) {
             follow(i);
-            move(i, slot);
+            move(i);
         }
-        aim(levelling, meanSquares, kept[slot], added[slot]);
-        applyTo(begin - lag);
+        aim(levelling, meanSquares, kept, added);
+        apply(gains, trims, left + begin - tileFrames);
+        apply(gains, trims, right + begin - tileFrames);
     }
-    for (std::uint32_t begin = frames - lag; begin < frames;
-         begin += tileFrames, slot = next(slot)) {
-        for (std::uint32_t i = 0; i < tileFrames; ++i)
-            move(i, slot);
-        applyTo(begin);
-    }
+    for (std::uint32_t i = 0; i < tileFrames; ++i)
+        move(i);
+    apply(gains, trims, left + frames - tileFrames);
+    apply(gains, trims, right + frames - tileFrames);
     state = s;
 }
 
@@ -140,9 +128,7 @@ HWY_EXPORT(levelInLanes);
 
 void level(const Levelling &levelling, LevellingState &state, float *left, float *right,
            std::uint32_t frames) noexcept {
-    std::uint32_t tiled = frames - frames % tileFrames;
-    if (tiled < lagTiles * tileFrames)
-        tiled = 0;
+    const std::uint32_t tiled = frames - frames % tileFrames;
     if (tiled > 0)
         HWY_DYNAMIC_DISPATCH(levelInLanes)(levelling, state, left, right, tiled);
     levelPlainly(levelling, state, left + tiled, right + tiled, frames - tiled);
