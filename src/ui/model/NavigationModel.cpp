@@ -69,7 +69,8 @@ QString NavigationModel::titleOf(const QString &raw) const { return textOf(raw, 
 QString NavigationModel::groupOf(const QString &raw) const { return textOf(raw, groupRole); }
 
 QString NavigationModel::textOf(const QString &raw, Role role) const {
-    return data(index(indexOf(raw)), role).toString();
+    const int row = indexOf(raw);
+    return row >= 0 ? data(index(row), role).toString() : QString();
 }
 
 void NavigationModel::updateBadges() {

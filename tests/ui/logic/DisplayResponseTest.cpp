@@ -51,14 +51,17 @@ TEST(DisplayResponseTest, EachTypeTakesHalfOrItsCornerValueAtItsFrequency) {
 }
 
 TEST(DisplayResponseTest, ParametricWidthFollowsQWhichIsNeverBelowATenth) {
-    const auto atTwiceTheFrequency = [](float q) {
-        // x = (f/f0 - f0/f) Q at the point's own f
-        return at(2000, {band(Type::parametric, 1000, 10, q)});
+    // Ten points of the grid are a ratio r above f0: x = (r - 1/r) Q.
+    const auto tenPointsAbove = [](float q) {
+        const EQBand peak = band(Type::parametric, static_cast<float>(displayFrequency(50)), 10, q);
+        return displayResponse({peak})[60];
     };
-    EXPECT_NEAR(atTwiceTheFrequency(1.0F), 10.0 / (1.0 + 1.5 * 1.5), 0.15);
-    EXPECT_NEAR(atTwiceTheFrequency(4.0F), 10.0 / (1.0 + 36.0), 0.02);
-    EXPECT_NEAR(atTwiceTheFrequency(0.0F), atTwiceTheFrequency(0.1F), 1e-6);
-    EXPECT_NEAR(atTwiceTheFrequency(-3.0F), atTwiceTheFrequency(0.1F), 1e-6);
+    const double r = displayFrequency(60) / displayFrequency(50);
+    const double x = r - 1.0 / r;
+    EXPECT_NEAR(tenPointsAbove(1.0F), 10.0 / (1.0 + x * x), 1e-5);
+    EXPECT_NEAR(tenPointsAbove(4.0F), 10.0 / (1.0 + 16.0 * x * x), 1e-5);
+    EXPECT_NEAR(tenPointsAbove(0.0F), tenPointsAbove(0.1F), 1e-6);
+    EXPECT_NEAR(tenPointsAbove(-3.0F), tenPointsAbove(0.1F), 1e-6);
 }
 
 TEST(DisplayResponseTest, SumsBandsAndLeavesBypassedOnesOut) {

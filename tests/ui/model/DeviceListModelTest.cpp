@@ -1,0 +1,50 @@
+#include "ui/model/ModelFixture.h"
+
+namespace quorbel::testing {
+namespace {
+
+class DeviceListModelTest : public ModelTest {
+  protected:
+    [[nodiscard]] DeviceListModel &devices() { return *app->devices(); }
+};
+
+TEST_F(DeviceListModelTest, ListsAndSelects) {
+    EXPECT_EQ(devices().count(), 2);
+    EXPECT_EQ(says(devices(), 1, "name").toString(), "HDMI");
+    EXPECT_TRUE(says(devices(), 0, "isDefault").toBool());
+    EXPECT_EQ(devices().currentIndex(), -1);
+    EXPECT_EQ(devices().currentName(), "");
+
+    Announcements changes(devices(), &DeviceListModel::currentChanged);
+    devices().select("hdmi");
+    EXPECT_EQ(devices().currentIndex(), 1);
+    EXPECT_EQ(devices().currentName(), "HDMI");
+    EXPECT_TRUE(says(devices(), 1, "isCurrent").toBool());
+    EXPECT_FALSE(says(devices(), 0, "isCurrent").toBool());
+    EXPECT_EQ(changes.take(), 1);
+    devices().select("nothing");
+    EXPECT_EQ(devices().currentName(), "HDMI");
+}
+
+TEST_F(DeviceListModelTest, ADeviceThatWentAndCameBackIsStillTheOneInUse) {
+    devices().select("speakers");
+    hardware.removeDevice("speakers");
+    devices().refresh();
+    EXPECT_EQ(devices().count(), 1);
+    EXPECT_EQ(devices().currentIndex(), -1);
+    EXPECT_EQ(devices().currentName(), "Speakers");
+    hardware.addDevice({.uid = "speakers", .name = "Speakers"});
+    devices().refresh();
+    EXPECT_EQ(devices().currentIndex(), 1) << "under another id";
+}
+
+TEST_F(DeviceListModelTest, NoDevices) {
+    hardware.removeDevice("speakers");
+    hardware.removeDevice("hdmi");
+    devices().refresh();
+    EXPECT_EQ(devices().count(), 0);
+    EXPECT_EQ(app->engine()->secondLine(), "No output device");
+}
+
+} // namespace
+} // namespace quorbel::testing

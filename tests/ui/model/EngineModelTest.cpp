@@ -1,0 +1,118 @@
+// The engine and the live spectrum as QML sees them.
+
+#include "ui/model/ModelFixture.h"
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace quorbel::testing {
+namespace {
+
+class EngineModelTest : public ModelTest {
+  protected:
+    [[nodiscard]] EngineModel &model() { return *app->engine(); }
+    [[nodiscard]] SpectrumModel &spectrum() { return *app->spectrum(); }
+    [[nodiscard]] double loudest() {
+        const QList<qreal> levels = spectrum().levels();
+        return *std::ranges::max_element(levels);
+    }
+    /// Lets time pass until the tone is seen. It comes to the analyzer on a thread of its own, so
+    /// how long that takes is not the clock's to say: ten seconds at most.
+    [[nodiscard]] bool waitForTone() {
+        QElapsedTimer timer;
+        for (timer.start(); loudest() < 0.5 && timer.elapsed() < 10000;)
+            clock.advance(0.05);
+        return loudest() >= 0.5;
+    }
+};
+
+TEST_F(EngineModelTest, StartWithoutADeviceShowsTheErrorUntilAStartSucceeds) {
+    EXPECT_EQ(model().state(), "idle");
+    EXPECT_EQ(model().stateWord(), "STOPPED");
+    EXPECT_EQ(model().secondLine(), "No output device");
+    Announcements states(model(), &EngineModel::stateChanged);
+    model().toggle();
+    clock.runPending();
+    EXPECT_EQ(states.take(), 1);
+    EXPECT_EQ(model().state(), "error");
+    EXPECT_EQ(model().stateWord(), "ERROR");
+    EXPECT_EQ(model().errorMessage(), "No output device selected. Choose your speakers as output.");
+    EXPECT_EQ(model().subtitle(), model().errorMessage());
+
+    run();
+    EXPECT_EQ(model().state(), "running");
+    EXPECT_EQ(model().stateWord(), "LIVE");
+    EXPECT_EQ(model().errorMessage(), "");
+    EXPECT_EQ(model().subtitle(), "48 kHz · 32 ms · Flat");
+    EXPECT_EQ(model().secondLine(), "Limiter on at -0.3 dBFS");
+    model().toggle();
+    EXPECT_EQ(model().state(), "idle");
+    EXPECT_FALSE(hardware.isCapturing());
+}
+
+TEST_F(EngineModelTest, ARefusedStartIsAnErrorThatTheNextStartOrStopClears) {
+    QString reason = "busy";
+    model().setStartCheck([&] { return reason; });
+    app->devices()->select("speakers");
+    model().start();
+    clock.runPending();
+    EXPECT_EQ(model().state(), "error");
+    EXPECT_EQ(model().subtitle(), "busy");
+    EXPECT_FALSE(hardware.isCapturing());
+    model().stop();
+    EXPECT_EQ(model().state(), "idle");
+    model().start();
+    reason.clear();
+    model().start();
+    clock.runPending();
+    EXPECT_TRUE(model().running());
+    EXPECT_EQ(model().errorMessage(), "");
+}
+
+TEST_F(EngineModelTest, ReadOutsPrintAsTheScreensShowThem) {
+    run();
+    app->equalizer()->setGlobalGainDB(12);
+    app->mixer()->setManualLoudnessEnabled(true);
+    app->mixer()->setManualLoudnessDB(12);
+    Announcements reductions(model(), &EngineModel::limiterReductionDBChanged);
+    EXPECT_EQ(model().reductionText(), "0.0 dB");
+    EXPECT_EQ(model().reductionCompactText(), "0 dB red.");
+    clock.advance(1.0);
+    // The tone of -6 dBFS comes out 24 dB higher and is held at -0.3.
+    EXPECT_GT(reductions.take(), 0);
+    EXPECT_NEAR(model().limiterReductionDB(), 18.3, 0.5);
+    EXPECT_EQ(model().reductionText(),
+              QString::number(model().limiterReductionDB(), 'f', 1) + " dB");
+    EXPECT_EQ(model().autoGainText().right(3), " dB");
+    EXPECT_EQ(model().trackingText(), "80 Hz");
+    EXPECT_EQ(model().confidenceText(), "0%");
+    EXPECT_EQ(model().losses(), "");
+}
+
+TEST_F(EngineModelTest, TheSpectrumMovesOnlyWhileItIsSeenAndNoMoreOftenThan30TimesASecond) {
+    Announcements levels(spectrum(), &SpectrumModel::levelsChanged);
+    EXPECT_FALSE(spectrum().active());
+    EXPECT_EQ(spectrum().levels().size(), 32);
+    run();
+    EXPECT_TRUE(spectrum().active());
+    EXPECT_TRUE(waitForTone());
+    EXPECT_GT(levels.take(), 0);
+    clock.advance(1.0);
+    EXPECT_LE(levels.take(), 30);
+
+    spectrum().setVisible(false);
+    clock.advance(1.0);
+    EXPECT_EQ(levels.take(), 0);
+    spectrum().setVisible(true);
+    app->mixer()->setSpectrumEnabled(false);
+    EXPECT_FALSE(spectrum().active());
+    EXPECT_EQ(loudest(), 0.0) << "a display that stands still would look like sound";
+    app->mixer()->setSpectrumEnabled(true);
+    EXPECT_TRUE(waitForTone());
+    model().stop();
+    EXPECT_EQ(loudest(), 0.0);
+}
+
+} // namespace
+} // namespace quorbel::testing

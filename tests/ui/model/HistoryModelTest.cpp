@@ -1,0 +1,149 @@
+#include "ui/model/ModelFixture.h"
+#include "ui/model/UserPresets.h"
+
+#include <algorithm>
+
+namespace quorbel::testing {
+namespace {
+
+/// Everything that undo promises to bring back.
+struct Settings {
+    std::vector<EQBand> bands;
+    float globalGainDB;
+    SpatialConfig spatial;
+    MixerConfig mixer;
+    std::vector<Preset> presets;
+    std::optional<Uuid> active;
+
+    friend bool operator==(const Settings &, const Settings &) = default;
+};
+
+class HistoryModelTest : public ModelTest {
+  protected:
+    [[nodiscard]] Settings now() {
+        return {
+            bands(),          engine().eq().globalGainDB(), engine().spatial(), engine().mixer(),
+            state->presets(), state->activePresetID()};
+    }
+    [[nodiscard]] HistoryModel &history() { return *app->history(); }
+    /// Lets a burst of changes come to its end.
+    void pause() { clock.advance(2.0); }
+
+    /// Does something and expects one step there and back.
+    template <typename Change> void expectOneStep(const Change &change) {
+        pause();
+        const Settings before = now();
+        change();
+        const Settings after = now();
+        ASSERT_FALSE(after == before) << "it changes something";
+        history().undo();
+        EXPECT_TRUE(now() == before) << "undone";
+        history().redo();
+        EXPECT_TRUE(now() == after) << "redone";
+    }
+};
+
+TEST_F(HistoryModelTest, EveryKindOfChangeIsOneStep) {
+    EqualizerModel &equalizer = *app->equalizer();
+    expectOneStep([&] { equalizer.bands()->setGain(3, 4); });
+    expectOneStep([&] { equalizer.bands()->resetBand(3); });
+    expectOneStep([&] { equalizer.bands()->setBypassed(1, true); });
+    expectOneStep([&] { equalizer.resetAll(); });
+    expectOneStep([&] { equalizer.setGlobalGainDB(-6); });
+    expectOneStep([&] { app->spatial()->setXtcEnabled(true); });
+    expectOneStep([&] { app->spatial()->setReverbPresetIndex(5); });
+    expectOneStep([&] { app->mixer()->setSaturationDrive(80); });
+    expectOneStep([&] { app->presets()->apply(presetId(9)); });
+}
+
+TEST_F(HistoryModelTest, ADragIsOneStepAlsoOfTwoValues) {
+    BandListModel &list = *app->equalizer()->bands();
+    expectOneStep([&] {
+        history().beginGesture();
+        for (int i = 1; i <= 30; ++i) {
+            list.setFrequency(5, 1000 + 10 * i);
+            list.setGain(5, 0.1 * i);
+            clock.advance(0.1);
+        }
+        history().endGesture();
+    });
+    EXPECT_EQ(history().undoText(), "Undo Band frequency");
+    history().undo();
+    EXPECT_FALSE(history().canUndo());
+}
+
+TEST_F(HistoryModelTest, KeysHeldDownOnOneControlAreOneStepAndOnAnotherAreAnother) {
+    BandListModel &list = *app->equalizer()->bands();
+    for (int i = 1; i <= 10; ++i) {
+        list.setGain(5, 0.1 * i);
+        clock.advance(0.05);
+    }
+    list.setGain(6, 1);
+    history().undo();
+    EXPECT_EQ(bands()[6].gainDB, 0.0F);
+    EXPECT_EQ(bands()[5].gainDB, 1.0F);
+    history().undo();
+    EXPECT_EQ(bands()[5].gainDB, 0.0F);
+    EXPECT_FALSE(history().canUndo());
+    EXPECT_EQ(history().undoText(), "Undo");
+    EXPECT_EQ(history().redoText(), "Redo Band gain");
+}
+
+TEST_F(HistoryModelTest, ApplyingAPresetIsUndoneToThePresetBeforeAndItsName) {
+    app->presets()->apply(presetId(9));
+    pause();
+    app->presets()->apply(presetId(28));
+    EXPECT_EQ(app->presets()->activeName(), "Cinema / Film");
+    history().undo();
+    EXPECT_EQ(app->presets()->activeName(), "Bass Heavy");
+    history().undo();
+    EXPECT_EQ(app->presets()->activeName(), "Flat");
+}
+
+TEST_F(HistoryModelTest, UndoLeavesAloneWhatItsStepDidNotChange) {
+    app->spatial()->setXtcAmount(70);
+    engine().eq().setGlobalGainDB(-5); // not the user's doing
+    history().undo();
+    EXPECT_EQ(engine().spatial().xtcAmount, 50.0F);
+    EXPECT_EQ(engine().eq().globalGainDB(), -5.0F);
+}
+
+TEST_F(HistoryModelTest, UndoneSettingsAreSavedLikeAnyOther) {
+    app->mixer()->setSaturationDrive(80);
+    pause();
+    history().undo();
+    clock.advance(0.5);
+    EXPECT_EQ(readSettingsFile((folder.path() / "state.json").string()).mixer->saturationDrive,
+              30.0F);
+}
+
+TEST_F(HistoryModelTest, NothingToUndoDoesNothing) {
+    const Settings before = now();
+    history().undo();
+    history().redo();
+    EXPECT_TRUE(now() == before);
+}
+
+TEST_F(HistoryModelTest, SavingDeletingAndImportingAreSteps) {
+    if constexpr (!KeepsUserPresets<AppState>)
+        GTEST_SKIP() << "the application's state cannot take presets back";
+    const auto file = folder.path() / "Desk.txt";
+    write(file, "Preamp: -6 dB\nFilter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70\n");
+    expectOneStep([&] { app->presets()->save("One"); });
+    expectOneStep([&] { app->presets()->save("Two"); });
+    expectOneStep([&] { app->presets()->remove(presetId(33)); });
+    expectOneStep(
+        [&] { ASSERT_TRUE(app->presets()->importFile(QUrl::fromLocalFile(file.c_str())).ok); });
+    const Settings end = now();
+    for (int i = 0; i < 4; ++i)
+        history().undo();
+    EXPECT_EQ(app->presets()->count(), 33);
+    for (int i = 0; i < 4; ++i)
+        history().redo();
+    EXPECT_TRUE(now() == end);
+    EXPECT_EQ(readSettingsFile((folder.path() / "state.json").string()).presets, end.presets)
+        << "on disk as well, at once";
+}
+
+} // namespace
+} // namespace quorbel::testing
