@@ -58,7 +58,7 @@ void DotBars::light() {
     }
     if (lit != lit_) {
         lit_ = std::move(lit);
-        update();
+        repaint();
     }
 }
 

@@ -21,6 +21,13 @@ T.Button {
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.name: accessibleName !== "" ? accessibleName : text
+    Accessible.onPressAction: {
+        if (checkable) {
+            toggle();
+            toggled();
+        }
+        clicked();
+    }
 
     background: Rectangle {
         radius: Theme.radius

@@ -14,7 +14,6 @@ T.Pane {
     topPadding: title !== "" ? padding + 3 * Theme.unit : padding
     focusPolicy: Qt.NoFocus
 
-    Accessible.role: title !== "" ? Accessible.Grouping : Accessible.NoRole
     Accessible.name: title
 
     background: Rectangle {

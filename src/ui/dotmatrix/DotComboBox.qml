@@ -20,6 +20,14 @@ T.ComboBox {
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.name: accessibleName !== "" ? accessibleName : title
+    Accessible.description: displayText
+    Accessible.onPressAction: {
+        forceActiveFocus();
+        if (popup.visible)
+            popup.close();
+        else
+            popup.open();
+    }
 
     delegate: DotMenuItem {
         required property var model

@@ -138,7 +138,7 @@ void DotCurve::light() {
     }
     if (lit != lit_) {
         lit_ = std::move(lit);
-        update();
+        repaint();
     }
 }
 

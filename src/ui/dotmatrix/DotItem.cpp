@@ -11,8 +11,22 @@ DotItem::DotItem(QQuickItem *parent) : QQuickPaintedItem(parent) {
     setSmooth(false);
     connect(&Appearance::instance(), &Appearance::changed, this, [this] {
         dropPictures();
-        update();
+        repaint();
     });
+}
+
+void DotItem::itemChange(ItemChange change, const ItemChangeData &data) {
+    QQuickPaintedItem::itemChange(change, data);
+    if (change == ItemVisibleHasChanged && data.boolValue && stale_) {
+        repaint();
+    }
+}
+
+void DotItem::repaint() {
+    stale_ = !isVisible();
+    if (!stale_) {
+        update();
+    }
 }
 
 void DotItem::paint(QPainter *painter) {

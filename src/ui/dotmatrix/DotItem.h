@@ -26,6 +26,11 @@ class DotItem : public QQuickPaintedItem {
     void paint(QPainter *painter) final;
 
   protected:
+    void itemChange(ItemChange change, const ItemChangeData &data) override;
+
+    /// Has the item painted in the next frame, or in the first one in which it is visible.
+    void repaint();
+
     /// @param size  the item's size in device pixels
     virtual void paintDots(DotPainter &painter, QSize size) = 0;
 
@@ -42,12 +47,13 @@ class DotItem : public QQuickPaintedItem {
             return false;
         }
         member = value;
-        update();
+        repaint();
         return true;
     }
 
   private:
     int paintCount_ = 0;
+    bool stale_ = false; // to be painted once it is visible
     QSize paintedSize_;
 };
 

@@ -16,6 +16,10 @@ T.MenuItem {
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.name: text
+    Accessible.onPressAction: {
+        clicked();
+        triggered();
+    }
 
     contentItem: LabelFace {
         symbol: control.checked ? "checkmark" : control.symbol

@@ -92,7 +92,7 @@ void DotMeter::light() {
     const Lit now = lit();
     if (now != lit_) {
         lit_ = now;
-        update();
+        repaint();
     }
 }
 

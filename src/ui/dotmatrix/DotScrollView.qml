@@ -2,11 +2,13 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
+// A part of something larger. Its size comes from outside: one that followed the content would follow a
+// text that wraps to the size, and so itself.
 T.ScrollView {
     id: control
 
-    implicitWidth: contentWidth + leftPadding + rightPadding
-    implicitHeight: contentHeight + topPadding + bottomPadding
+    implicitWidth: 25 * Theme.unit
+    implicitHeight: 25 * Theme.unit
 
     T.ScrollBar.vertical: DotScrollBar {
         parent: control

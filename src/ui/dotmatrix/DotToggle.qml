@@ -14,7 +14,15 @@ T.Switch {
     font.pixelSize: Theme.bodySize
     opacity: enabled ? 1 : Theme.disabledOpacity
 
+    function turn() {
+        toggle();
+        toggled();
+        clicked();
+    }
+
     Accessible.name: accessibleName !== "" ? accessibleName : text
+    Accessible.onToggleAction: turn()
+    Accessible.onPressAction: turn()
 
     indicator: Rectangle {
         y: (control.height - height) / 2

@@ -11,7 +11,8 @@ namespace {
 constexpr double pitch = 8;
 constexpr double handle = 16;
 constexpr double dotSize = 4;
-constexpr double eyeSize = 6; // in the handle, while it is hot
+constexpr double eyeSize = 6;   // in the handle, while it is hot
+constexpr double clearance = 2; // between the handle and the next dot
 
 } // namespace
 
@@ -70,6 +71,10 @@ void DotTrack::paintDots(DotPainter &painter, QSize) {
     const auto [first, last] = std::minmax(origin_, position_);
     for (int index = 0; index <= steps; ++index) {
         const double at = static_cast<double>(index) / steps;
+        if (std::abs(handleCentre(at) - handleCentre(position_)) <
+            handle / 2 + dotSize / 2 + clearance) {
+            continue;
+        }
         const bool lit = at >= first - 1e-9 && at <= last + 1e-9 && first != last;
         painter.dot(place(at), dotSize * scale, lit ? palette().ink : palette().dotMid);
     }

@@ -1,11 +1,10 @@
 import QtQuick
-import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
 // What makes a value control a control: focus, keys, pointer, and its face to assistive technology.
 // The mouse takes the handle where it stands; `isHandle` says whether a point
 // is on it, `positionAt` which position a point of the track is; `turn` makes of every move a turn instead.
-T.Control {
+FocusArea {
     id: handle
 
     required property ValueControl target
@@ -15,6 +14,7 @@ T.Control {
     property var positionAt: (x, y) => 0
 
     readonly property bool pressed: pointer.pressed
+    readonly property bool hovered: pointer.containsMouse
     readonly property bool hot: pointer.pressed || pointer.containsMouse
 
     // Under these names assistive technology reads the value, and writes it.
@@ -24,7 +24,6 @@ T.Control {
     readonly property real stepSize: target.step
 
     focus: true
-    focusPolicy: Qt.StrongFocus
     onValueChanged: {
         if (value !== target.value) {
             const wanted = value;

@@ -30,7 +30,7 @@ Window {
 
     visible: true
     width: 1280
-    height: 1040
+    height: 1056
     title: "Gallery"
     color: Theme.paper
     Component.onCompleted: {
@@ -171,6 +171,7 @@ Window {
 
             DotCard {
                 title: "Sliders"
+                Layout.fillWidth: true
                 Layout.preferredHeight: 31 * Theme.unit
 
                 RowLayout {
@@ -255,9 +256,15 @@ Window {
                     }
                 }
             }
+        }
+
+        RowLayout {
+            spacing: 2 * Theme.unit
+
             DotCard {
                 title: "Switches"
-                Layout.preferredHeight: 31 * Theme.unit
+                Layout.preferredHeight: 26 * Theme.unit
+                Layout.fillWidth: true
 
                 ColumnLayout {
                     anchors.fill: parent
@@ -285,6 +292,32 @@ Window {
                         text: "Spectrum analyzer (visual only)"
                         checked: true
                     }
+                    DotScrollView {
+                        Layout.fillWidth: true
+                        Layout.preferredHeight: 6 * Theme.unit
+                        contentWidth: availableWidth
+
+                        Text {
+                            width: parent.width
+                            wrapMode: Text.Wrap
+                            color: Theme.inkSoft
+                            font.pixelSize: Theme.bodySize
+                            text: "The limiter sees peaks before they arrive and rides the gain down, so a boosted band can't clip. Auto-gain chases a target level on its own. Manual loudness is a fixed trim that stays exactly where you put it; nothing follows the music."
+                        }
+                    }
+                    Item {
+                        Layout.fillHeight: true
+                    }
+                }
+            }
+            DotCard {
+                title: "Fields"
+                Layout.preferredHeight: 26 * Theme.unit
+
+                ColumnLayout {
+                    anchors.fill: parent
+                    spacing: 2 * Theme.unit
+
                     DotComboBox {
                         id: choices
 
@@ -309,7 +342,7 @@ Window {
             DotCard {
                 title: "Buttons"
                 Layout.fillWidth: true
-                Layout.preferredHeight: 31 * Theme.unit
+                Layout.preferredHeight: 26 * Theme.unit
 
                 ColumnLayout {
                     anchors.fill: parent
@@ -375,6 +408,7 @@ Window {
 
         Flow {
             Layout.fillWidth: true
+            Layout.preferredHeight: 12 * Theme.unit
             spacing: Theme.unit
 
             Repeater {

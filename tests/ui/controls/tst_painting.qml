@@ -1,0 +1,241 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorbel.Dotmatrix
+import Quorbel.Probe
+
+// Painted items: what they paint, and that they paint nothing while nothing has changed.
+ControlCase {
+    id: root
+
+    name: "painting"
+
+    // Pictures hold what lies behind too, so it must be known.
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.card
+    }
+
+    Component {
+        id: bars
+
+        DotBars {}
+    }
+    Component {
+        id: curve
+
+        DotCurve {
+            width: 408 // a plot of 400
+            height: 208
+        }
+    }
+    Component {
+        id: meter
+
+        DotMeter {}
+    }
+    Component {
+        id: text
+
+        DotText {
+            text: "-3.5"
+        }
+    }
+    Component {
+        id: symbol
+
+        Symbol {
+            name: "heart"
+        }
+    }
+    Component {
+        id: ticker
+
+        Rectangle {
+            property int ticks: 0
+
+            x: 600
+            width: 8
+            height: 8
+            color: ticks % 2 ? "black" : "white"
+        }
+    }
+
+    // Passes frames in which only another item changes.
+    function passFrames(count: int) {
+        const other = createTemporaryObject(ticker, root);
+        for (let frame = 0; frame < count; ++frame) {
+            ++other.ticks;
+            waitForRendering(other);
+        }
+    }
+
+    function rising(factor: real): list<real> {
+        const levels = [];
+        for (let band = 0; band < 32; ++band)
+            levels.push(factor * band / 31);
+        return levels;
+    }
+
+    function same(one: color, other: color): bool {
+        return Qt.colorEqual(one, other);
+    }
+
+    function test_paints_on_change_only_data() {
+        return [
+            {
+                tag: "bars",
+                component: bars,
+                change: item => item.levels = rising(0.5),
+                repeat: item => item.levels = rising(0.5)
+            },
+            {
+                tag: "bars, less than a dot",
+                component: bars,
+                change: item => item.levels = rising(0.5),
+                repeat: item => item.levels = rising(0.5001)
+            },
+            {
+                tag: "curve",
+                component: curve,
+                change: item => item.values = rising(1),
+                repeat: item => item.values = rising(1)
+            },
+            {
+                tag: "spectrum",
+                component: curve,
+                change: item => item.spectrum = rising(0.5),
+                repeat: item => item.spectrum = rising(0.5001)
+            },
+            {
+                tag: "meter",
+                component: meter,
+                change: item => item.value = 0.5,
+                repeat: item => item.value = 0.501
+            },
+            {
+                tag: "text",
+                component: text,
+                change: item => item.text = "+2.0",
+                repeat: item => item.text = "+2.0"
+            },
+            {
+                tag: "symbol",
+                component: symbol,
+                change: item => item.name = "trash",
+                repeat: item => item.name = "trash"
+            }
+        ];
+    }
+    function test_paints_on_change_only(data) {
+        const item = createTemporaryObject(data.component, root);
+        tryVerify(() => item.paintCount() === 1);
+        passFrames(3);
+        compare(item.paintCount(), 1);
+        data.change(item);
+        tryVerify(() => item.paintCount() === 2);
+        data.repeat(item);
+        passFrames(3);
+        compare(item.paintCount(), 2);
+    }
+
+    function test_paints_nothing_while_hidden() {
+        const item = createTemporaryObject(bars, root) as DotBars;
+        tryVerify(() => item.paintCount() === 1);
+        item.visible = false;
+        for (let frame = 0; frame < 5; ++frame) {
+            item.levels = rising(frame / 5);
+            passFrames(1);
+        }
+        compare(item.paintCount(), 1);
+        item.visible = true;
+        tryVerify(() => item.paintCount() === 2);
+    }
+
+    function test_colours_follow_the_desktop() {
+        const item = createTemporaryObject(text, root) as DotText;
+        tryVerify(() => item.paintCount() === 1);
+        const usual = String(item.color);
+        Probe.setHighContrast(true);
+        tryVerify(() => item.paintCount() === 2);
+        verify(String(item.color) !== usual);
+        Probe.setHighContrast(false);
+        compare(String(item.color), usual);
+    }
+
+    function test_bars_light_from_below() {
+        const item = createTemporaryObject(bars, root) as DotBars;
+        item.levels = [1, 0.5, 0, NaN, 7, -1];
+        waitForRendering(item);
+        const picture = grabImage(item);
+        const at = (column, row) => picture.pixel(column * 8 + 2, row * 8 + 2);
+        const lit = column => {
+            let count = 0;
+            for (let row = 0; row < 12; ++row)
+                count += same(at(column, row), Theme.ink) || same(at(column, row), Theme.signal) ? 1 : 0;
+            return count;
+        };
+        compare([0, 1, 2, 3, 4, 5, 6].map(lit), [12, 6, 0, 0, 12, 0, 0]);
+        verify(same(at(1, 6), Theme.signal));
+        verify(same(at(1, 7), Theme.ink));
+        verify(same(at(1, 11), Theme.ink));
+        verify(same(at(1, 5), Theme.dot));
+        item.active = false;
+        waitForRendering(item);
+        verify(same(grabImage(item).pixel(2, 90), Theme.dot));
+    }
+
+    function test_curve_places() {
+        const item = createTemporaryObject(curve, root) as DotCurve;
+        compare(item.xOfFrequency(20), 4);
+        compare(item.xOfFrequency(20000), 404);
+        fuzzyCompare(item.xOfFrequency(200), 4 + 400 / 3, 1e-9);
+        for (const hz of [20, 31.5, 1000, 16000])
+            fuzzyCompare(item.frequencyAt(item.xOfFrequency(hz)), hz, 1e-6);
+        compare(item.yOfHeight(0.5), 104);
+        compare(item.yOfHeight(1), 4);
+        compare(item.heightAt(item.yOfHeight(0.3)), 0.3);
+    }
+
+    function test_curve_goes_through_its_values() {
+        const item = createTemporaryObject(curve, root, {
+            octaveMarks: false
+        }) as DotCurve;
+        item.values = [0.5, 0.5, NaN, 0.75, 0.75];
+        waitForRendering(item);
+        const picture = grabImage(item);
+        const touches = (x, height) => {
+            const y = item.yOfHeight(height);
+            for (let dx = -3; dx <= 3; ++dx)
+                for (let dy = -2; dy <= 2; ++dy)
+                    if (same(picture.pixel(x + dx, y + dy), Theme.signal))
+                        return true;
+            return false;
+        };
+        verify(touches(50, 0.5));
+        verify(touches(204, 0.5)); // what is no number is the middle
+        verify(touches(354, 0.75));
+        verify(!touches(354, 0.5));
+    }
+
+    function test_every_symbol_has_ink() {
+        const names = Probe.symbolNames();
+        for (const expected of ["slider.vertical.3", "sparkles", "slider.horizontal.below.rectangle", "hifispeaker.2", "hifispeaker.2.fill", "shield.checkered", "music.note.list", "music.note", "heart", "gearshape", "play.fill", "stop.fill", "chevron.down", "chevron.up", "trash", "arrow.clockwise"])
+            verify(names.includes(expected), expected);
+        const item = createTemporaryObject(symbol, root, {
+            size: 32,
+            color: "#ff0000"
+        }) as Symbol;
+        for (const name of names) {
+            const before = item.paintCount();
+            item.name = name;
+            tryVerify(() => item.paintCount() > before || name === "heart");
+            const picture = grabImage(item);
+            let ink = 0;
+            for (let x = 0; x < 32; ++x)
+                for (let y = 0; y < 32; ++y)
+                    ink += same(picture.pixel(x, y), "#ff0000") ? 1 : 0;
+            verify(ink > 20 && ink < 32 * 32 * 0.8, name + ": " + ink);
+        }
+    }
+}
