@@ -60,19 +60,20 @@ void addBassHarmonicsInLanes(const BassHarmonics &h, BassSections &sections, flo
             samples[0] = sections.lowPass.left.process(h.lowPass, left[frame]);
             samples[1] = sections.lowPass.right.process(h.lowPass, right[frame]);
         }
-        if (tile + 1 < lagTiles)
-            shape(bass[tile], h.drive, shaped[tile]);
     }
+    shape(bass[0], h.drive, shaped[0]);
 
     const auto mix = [&](std::uint32_t begin, FourFrames::Channels harmonics) HWY_ATTR {
         storeFour((loadFour(left + begin) + h.wet * harmonics.left) / h.total, left + begin);
         storeFour((loadFour(right + begin) + h.wet * harmonics.right) / h.total, right + begin);
     };
     SectionPair pair(h.lowPass, sections.lowPass, h.highPass, sections.highPass);
-    std::uint32_t slot = 0;              // of this tile and of the one that the high-pass is at
-    std::uint32_t before = lagTiles - 1; // of the tile before this one
+    // The slot of this tile is that of the one which the high-pass is at.
+    const auto after = [](std::uint32_t slot) { return slot + 1 < lagTiles ? slot + 1 : 0; };
+    std::uint32_t slot = 0;
     for (std::uint32_t tile = lagTiles; tile < tiles; ++tile) {
-        shape(bass[before], h.drive, shaped[before]);
+        // Not the newest, which is not there yet: the machine would fill with what waits for it.
+        shape(bass[after(slot)], h.drive, shaped[after(slot)]);
         for (std::uint32_t i = 0; i < BassTile::frames; i += 4) {
             const std::uint32_t begin = tile * BassTile::frames + i;
             FourFrames harmonics;
@@ -85,12 +86,12 @@ void addBassHarmonicsInLanes(const BassHarmonics &h, BassSections &sections, flo
                 storeFrame(out.frame[k], bass[slot].samples + 2 * (i + k));
             mix(begin - lagTiles * BassTile::frames, out.second());
         }
-        before = slot;
-        slot = slot + 1 < lagTiles ? slot + 1 : 0;
+        slot = after(slot);
     }
     pair.save(sections.lowPass, sections.highPass);
 
-    shape(bass[before], h.drive, shaped[before]);
+    for (std::uint32_t i = after(slot); i != slot; i = after(i))
+        shape(bass[i], h.drive, shaped[i]);
     for (std::uint32_t tile = tiles - lagTiles; tile < tiles; ++tile) {
         for (std::uint32_t i = 0; i < BassTile::frames; i += 4) {
             FourFrames out;
@@ -101,7 +102,7 @@ void addBassHarmonicsInLanes(const BassHarmonics &h, BassSections &sections, flo
             }
             mix(tile * BassTile::frames + i, out.first());
         }
-        slot = slot + 1 < lagTiles ? slot + 1 : 0;
+        slot = after(slot);
     }
 }
 
