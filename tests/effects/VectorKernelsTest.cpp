@@ -9,13 +9,33 @@
 #include "effects/cores/TanhShaper.h"
 
 #include <gtest/gtest.h>
+#include <hwy/highway.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace quorbel {
 namespace {
 
 constexpr std::uint32_t longest = 70;
 
-TEST(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
+/// Once for every kind of vector that the machine has.
+class VectorKernelsTest : public ::testing::TestWithParam<std::int64_t> {
+  protected:
+    void SetUp() override {
+        if ((hwy::SupportedTargets() & GetParam()) == 0)
+            GTEST_SKIP() << "not on this machine";
+        hwy::SetSupportedTargetsForTest(GetParam());
+        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    }
+    void TearDown() override {
+        hwy::SetSupportedTargetsForTest(0);
+        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    }
+};
+
+TEST_P(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
     for (const std::uint32_t lookahead : {8U, 57U, 62U, 500U}) {
         float vectorGain = 1.0F;
         float plainGain = 1.0F;
@@ -54,7 +74,7 @@ TEST(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
 }
 
 // The rounding of a section is part of the sound: side by side is the same as one after the other.
-TEST(VectorKernelsTest, SectionsSideBySideAreEqualBitByBit) {
+TEST_P(VectorKernelsTest, SectionsSideBySideAreEqualBitByBit) {
     const BiquadCoefficients low = lowPass(0.01F, 0.007F);
     const BiquadCoefficients peak = peaking(0.39F, 0.16F, 1.2F);
     StereoSection first;
@@ -83,7 +103,7 @@ TEST(VectorKernelsTest, SectionsSideBySideAreEqualBitByBit) {
     }
 }
 
-TEST(VectorKernelsTest, BassHarmonicsAreEqualBitByBit) {
+TEST_P(VectorKernelsTest, BassHarmonicsAreEqualBitByBit) {
     const BassHarmonics harmonics{.lowPass = lowPass(0.01F, 0.007F),
                                   .highPass = highPass(0.015F, 0.0105F),
                                   .drive = 3.0F,
@@ -101,7 +121,7 @@ TEST(VectorKernelsTest, BassHarmonicsAreEqualBitByBit) {
     }
 }
 
-TEST(VectorKernelsTest, LevellingIsEqualBitByBit) {
+TEST_P(VectorKernelsTest, LevellingIsEqualBitByBit) {
     const Levelling levelling{.keepLevel = 0.995F,
                               .keepGain = 0.999F,
                               .keepTrim = 0.97F,
@@ -120,7 +140,7 @@ TEST(VectorKernelsTest, LevellingIsEqualBitByBit) {
     }
 }
 
-TEST(VectorKernelsTest, TanhStaysWithinAFewUnitsInTheLastPlace) {
+TEST_P(VectorKernelsTest, TanhStaysWithinAFewUnitsInTheLastPlace) {
     for (std::uint32_t count = 1; count <= longest; ++count) {
         for (const float level : {1e-6F, 0.1F, 1.0F, 30.0F}) {
             Sound vector = noise(count, level, count);
@@ -140,6 +160,18 @@ TEST(VectorKernelsTest, TanhStaysWithinAFewUnitsInTheLastPlace) {
         }
     }
 }
+
+std::vector<std::int64_t> compiledTargets() {
+    std::vector<std::int64_t> result;
+    for (std::uint64_t rest = HWY_TARGETS; rest != 0; rest &= rest - 1)
+        result.push_back(static_cast<std::int64_t>(rest & (~rest + 1)));
+    return result;
+}
+
+INSTANTIATE_TEST_SUITE_P(Targets, VectorKernelsTest, ::testing::ValuesIn(compiledTargets()),
+                         [](const auto &parameter) {
+                             return std::string(hwy::TargetName(parameter.param));
+                         });
 
 } // namespace
 } // namespace quorbel
