@@ -165,6 +165,7 @@ void AudioEngine::stopTimersAndSpectrum() {
 }
 
 void AudioEngine::teardown() {
+    playback_.fadeOut(); // while there is still something to fade
     deviceManager_.stopObservingHardware();
     deviceManager_.onHardwareChange = nullptr;
     deviceManager_.onHardwareLost = nullptr;

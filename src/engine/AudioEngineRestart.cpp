@@ -33,6 +33,7 @@ void AudioEngine::restartProcessEngine() {
     // Capture goes on meanwhile.
     spectrumAnalyzer_.detach();
     try {
+        playback_.fadeOut();
         playback_.stop();
         playback_.configure(deviceManager_, outputDevice_);
         playback_.start();

@@ -31,6 +31,9 @@ class PlaybackGraph {
     /// Throws AudioEngineError.
     void start();
 
+    /// Lets what plays go down to silence, if it runs, and returns when it has.
+    void fadeOut() { processEngine.fadeOut(); }
+
     /// Stops if it runs, and forgets the sound inside.
     void stop();
 

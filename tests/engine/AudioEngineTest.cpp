@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 
 namespace quorbel::testing {
 namespace {
@@ -21,9 +22,9 @@ TEST_F(AudioEngineTest, SoundPassesOnceAndWithoutDelay) {
     play(5.0);
     const auto recording = heard("speakers");
     ASSERT_EQ(recording.left.size(), 468U * 512);
-    // Flat settings change no bit, and each frame comes out in the very cycle that it was captured
-    // in.
-    for (std::size_t frame = 0; frame < recording.left.size(); ++frame) {
+    // Flat settings change no bit once the sound has faded in, and each frame comes out in the very
+    // cycle that it was captured in.
+    for (std::size_t frame = 960; frame < recording.left.size(); ++frame) {
         ASSERT_EQ(recording.left[frame], static_cast<float>(frame + 1) * countedStep) << frame;
         ASSERT_EQ(recording.right[frame], -recording.left[frame]) << frame;
     }
@@ -43,9 +44,40 @@ TEST_F(AudioEngineTest, NormalSoundComesBackByItself) {
         << "processed, and the unprocessed sound is not heard beside it";
     stop();
     EXPECT_EQ(state(), "stopped");
-    play(0.1);
-    EXPECT_NEAR(fitSine(heard("speakers").left, 1000.0, 48000.0).amplitude, 0.25, 1e-4);
+    EXPECT_NEAR(toneOn("speakers"), 0.25, 1e-4);
     expectNothingLeft();
+}
+
+// The largest step of a 100 Hz sine of amplitude 0.25 is 0.0033; a cut would be up to 0.25.
+TEST_F(AudioEngineTest, StartStopAndAnotherDeviceFadeWithoutAStep) {
+    hardware.play([](double seconds, std::uint32_t) {
+        return static_cast<float>(0.25 * std::cos(2.0 * std::numbers::pi * 100.0 * seconds));
+    });
+    const auto largestStep = [](const std::vector<float> &samples) {
+        float largest = 0.0F;
+        for (std::size_t i = 1; i < samples.size(); ++i)
+            largest = std::max(largest, std::abs(samples[i] - samples[i - 1]));
+        return largest;
+    };
+    constexpr float steady = 0.00328F;
+    start();
+    play(0.2);
+    const auto beginning = heard("speakers").left;
+    EXPECT_LT(std::abs(beginning.front()), steady);
+    EXPECT_LT(largestStep(beginning), 1.5F * steady) << "start";
+
+    choose("hdmi");
+    play(0.4);
+    const auto left = heard("speakers").left;
+    EXPECT_LT(largestStep(left), 1.5F * steady) << "away from the old device";
+    EXPECT_EQ(left.back(), 0.0F);
+    EXPECT_LT(largestStep(heard("hdmi").left), 1.5F * steady) << "onto the new one";
+
+    engine->stop();
+    const auto ending = heard("hdmi").left;
+    EXPECT_LT(largestStep(ending), 1.5F * steady) << "stop";
+    EXPECT_EQ(ending.back(), 0.0F);
+    EXPECT_GE(ending.size(), 960U);
 }
 
 TEST_F(AudioEngineTest, SettingsReachTheSoundLiveAndBeforeTheFirstBlock) {
@@ -138,8 +170,8 @@ TEST_F(AudioEngineTest, StartAndStopAThousandTimes) {
     }
     expectNothingLeft();
 
-    (void)heard("speakers");
     start();
+    settle();
     play(1.0);
     const auto recording = heard("speakers");
     for (std::size_t frame = 1; frame < recording.left.size(); ++frame)

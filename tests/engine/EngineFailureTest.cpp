@@ -98,17 +98,15 @@ TEST_P(EngineFailureTest, IsShownTornDownAndForgotten) {
                             calls.end()),
                 ElementsAreArray(failure.teardown));
     expectNothingLeft();
-    play(0.1);
-    EXPECT_NEAR(fitSine(heard("speakers").left, 1000.0, 48000.0).amplitude, 0.25, 1e-4)
-        << "normal sound meanwhile";
+    EXPECT_NEAR(toneOn("speakers"), 0.25, 1e-4) << "normal sound meanwhile";
 
     start();
     EXPECT_EQ(state(), failure.expectedState) << "again, and still no harm";
     hardware.operations().repair(failure.operation);
     start();
     EXPECT_EQ(state(), "running");
-    play(0.1);
-    EXPECT_NEAR(fitSine(heard("speakers").left, 1000.0, 48000.0).amplitude, 0.25, 1e-4);
+    settle();
+    EXPECT_NEAR(toneOn("speakers"), 0.25, 1e-4);
     stop();
     expectNothingLeft();
 }
@@ -154,8 +152,8 @@ TEST_F(EngineWithoutTest, WhatItCanDoWithout) {
     EXPECT_EQ(lines[1], "[SystemAudioTap] rate: agregat necitită | tap declarat 48000 Hz | sursa "
                         "convertorului 48000 Hz | lanț 48000 Hz → copiere");
     EXPECT_EQ(lines[3], "[DeviceManager] nu am putut asculta dev#: OSStatus -1");
-    play(0.1);
-    EXPECT_NEAR(fitSine(heard("speakers").left, 1000.0, 48000.0).amplitude, 0.25, 1e-4);
+    settle();
+    EXPECT_NEAR(toneOn("speakers"), 0.25, 1e-4);
 }
 
 // Nothing in a teardown may keep the rest of it from happening.

@@ -61,6 +61,18 @@ void EngineTest::start() {
     clock.runPending();
 }
 
+void EngineTest::settle() {
+    play(0.05);
+    for (const AudioDevice &device : devices.outputDevices())
+        (void)heard(device.uid);
+}
+
+double EngineTest::toneOn(const std::string &uid) {
+    (void)heard(uid);
+    play(0.1);
+    return fitSine(heard(uid).left, 1000.0, 48000.0).amplitude;
+}
+
 std::string EngineTest::state() const {
     switch (engine->state().kind) {
     case EngineLifecycle::State::Kind::error:

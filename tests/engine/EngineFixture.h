@@ -49,6 +49,10 @@ class EngineTest : public ::testing::Test {
     void start();
     void stop() { engine->stop(); }
     void play(double seconds) { clock.advance(seconds); }
+    /// Lets what has just started or ended fade, and forgets how that sounded.
+    void settle();
+    /// The amplitude of a 1 kHz tone on a device, over the next tenth of a second.
+    [[nodiscard]] double toneOn(const std::string &uid);
     /// "running", "stopped" or the error's text.
     [[nodiscard]] std::string state() const;
     /// What a device has played since it was asked last.

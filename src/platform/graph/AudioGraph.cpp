@@ -17,6 +17,9 @@ namespace quorbel {
 
 namespace {
 
+/// The fade itself, and two of the longest cycles that a device may have.
+constexpr double longestFadeOutSeconds = 0.4;
+
 /// A node's place in the graph.
 struct Place {
     GraphNode *node = nullptr;
@@ -94,8 +97,12 @@ struct AudioGraph::State final : RenderClient {
             return status;
         if (Status status = plan->allocate(); status != statusOK)
             return status;
-        if (!outputNode.hasHardware())
+        if (outputNode.hasHardware()) {
+            mixer.fade().startSilent();
+        } else {
+            mixer.fade().startFull();
             mixer.setOutputFormat(plan->format());
+        }
         if (Status status = mixer.allocateRenderResources(plan->format(), maximumBlockFrames);
             status != statusOK)
             return status;
@@ -175,6 +182,15 @@ Status AudioGraph::start() {
     else
         state_->dropPlan();
     return status;
+}
+
+void AudioGraph::fadeOut() {
+    HardwareOutput *hardware = state_->outputNode.hardware();
+    if (!isRunning() || hardware == nullptr)
+        return;
+    Fade &fade = state_->mixer.fade();
+    fade.goDown();
+    hardware->renderUntil([&] { return fade.isSilent(); }, longestFadeOutSeconds);
 }
 
 void AudioGraph::stop() {

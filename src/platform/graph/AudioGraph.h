@@ -47,10 +47,14 @@ class AudioGraph {
     [[nodiscard]] MixerNode &mainMixer();
     [[nodiscard]] OutputNode &outputNode();
 
-    /// Plans, allocates every planned node and starts the output. Any failure leaves it stopped. A
-    /// graph without a source connected through to the mixer fails with `statusNoConnection`, one
-    /// whose connections are not all of one stereo format with `statusFormatNotSupported`.
+    /// Plans, allocates every planned node and starts the output, which fades in. Any failure
+    /// leaves it stopped. A graph without a source connected through to the mixer fails with
+    /// `statusNoConnection`, one whose connections are not all of one stereo format with
+    /// `statusFormatNotSupported`.
     Status start();
+    /// Lets what plays go down to silence, where it stays until the next start; returns when it has
+    /// got there, or after half a second at most. Does nothing without a hardware output.
+    void fadeOut();
     void stop();
     /// Forgets the sound held in every attached node. Only while stopped.
     void reset();

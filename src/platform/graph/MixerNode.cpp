@@ -66,6 +66,7 @@ Status MixerNode::setOutputFormat(const StreamFormat &format) {
 
 Status MixerNode::makeConverter() {
     const double outputRate = outputRate_.load();
+    fade_.setSampleRate(outputRate);
     converter_.reset();
     longestPull_ = maximumBlockFrames;
     convertible_ = true;
@@ -126,7 +127,9 @@ Status MixerNode::convert(RenderPlan &plan, const AudioBufferList &output,
     return status;
 }
 
-Status MixerNode::render(const RenderTime &, AudioBufferList &, std::uint32_t) noexcept {
+Status MixerNode::render(const RenderTime &, AudioBufferList &buffers,
+                         std::uint32_t frames) noexcept {
+    fade_.apply(buffers, frames);
     return statusOK;
 }
 

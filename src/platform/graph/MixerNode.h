@@ -2,6 +2,7 @@
 
 #include "platform/core/PCMBuffer.h"
 #include "platform/dsp/SampleRateConverter.h"
+#include "platform/graph/Fade.h"
 #include "platform/graph/GraphNode.h"
 #include "platform/graph/NodeTap.h"
 #include "platform/graph/RenderPlan.h"
@@ -39,8 +40,10 @@ class MixerNode final : public GraphNode {
     Status pull(RenderPlan &plan, NodeTap &tap, const AudioBufferList &output,
                 std::uint32_t frames) noexcept;
 
-    /// The mixer's own work on a stereo block at the output's rate. Its gain is one; this is the
-    /// place for a ramp. [render]
+    /// How what comes out begins and ends.
+    [[nodiscard]] Fade &fade() { return fade_; }
+
+    /// The mixer's own work on a stereo block at the output's rate: the fade. [render]
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
 
@@ -59,6 +62,7 @@ class MixerNode final : public GraphNode {
     std::optional<PCMBuffer> graphBlock_;            // input of the converter
     std::optional<PCMBuffer> stereoBlock_;           // for outputs that are not stereo
     RenderTime time_;
+    Fade fade_;
 };
 
 } // namespace quorbel

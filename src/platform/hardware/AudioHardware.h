@@ -113,6 +113,10 @@ class HardwareOutput {
     /// failure nothing is left running.
     virtual Status start(RenderClient &client) = 0;
 
+    /// Waits while the client is asked for sound: until `condition` holds, which rendering brings
+    /// about, or for `seconds` at most. Returns at once if nobody asks.
+    virtual void renderUntil(const std::function<bool()> &condition, double seconds) = 0;
+
     /// When this returns, no call to the client is under way and none will come. Stopping what does
     /// not run does nothing.
     virtual void stop() = 0;

@@ -109,6 +109,10 @@ class TestOutput final : public HardwareOutput {
         client.renderFormatChanged({line_.native.sampleRate, 2});
         return statusOK;
     }
+    void renderUntil(const std::function<bool()> &condition, double) override {
+        for (int cycle = 0; cycle < 10 && !condition(); ++cycle)
+            line_.play(512);
+    }
     void stop() override { line_.client = nullptr; }
 
   private:

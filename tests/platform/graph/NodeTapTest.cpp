@@ -63,6 +63,7 @@ TEST(NodeTapTest, OnAClockItIsDeliveredAtItsOwnTimesAndStartsAfreshWhenInstalled
     AudioGraph graph(std::make_unique<TestOutput>(line), clockedSerialQueues(clock));
     connectInLine(graph, {&source.node});
     ASSERT_EQ(graph.start(), statusOK);
+    line.play(1000); // fades in
 
     Heard heard;
     graph.installTap(graph.mainMixer(), 512, heard.listener());
@@ -70,7 +71,7 @@ TEST(NodeTapTest, OnAClockItIsDeliveredAtItsOwnTimesAndStartsAfreshWhenInstalled
     EXPECT_TRUE(heard.left.empty()) << "never inside the render call";
     clock.advance(1000 / 48000.0);
     EXPECT_EQ(heard.left.size(), 512U);
-    EXPECT_TRUE(heard.countsFrom(0.0F));
+    EXPECT_TRUE(heard.countsFrom(1000.0F));
 
     graph.removeTap(graph.mainMixer());
     line.play(1000);
@@ -82,7 +83,7 @@ TEST(NodeTapTest, OnAClockItIsDeliveredAtItsOwnTimesAndStartsAfreshWhenInstalled
     line.play(256);
     clock.advance(1.0);
     EXPECT_EQ(again.left.size(), 256U);
-    EXPECT_TRUE(again.countsFrom(2000.0F)) << "nothing left over from before";
+    EXPECT_TRUE(again.countsFrom(3000.0F)) << "nothing left over from before";
 }
 
 TEST(NodeTapTest, ASlowListenerCostsItsOwnFramesOnly) {
@@ -92,14 +93,15 @@ TEST(NodeTapTest, ASlowListenerCostsItsOwnFramesOnly) {
     AudioGraph graph(std::make_unique<TestOutput>(line), clockedSerialQueues(clock));
     connectInLine(graph, {&source.node});
     ASSERT_EQ(graph.start(), statusOK);
+    line.play(1000); // fades in
     Heard heard;
     graph.installTap(graph.mainMixer(), 1024, heard.listener());
     for (int i = 0; i < 100; ++i)
         line.play(1024);
-    EXPECT_EQ(source.position, 102'400);
+    EXPECT_EQ(source.position, 103'400);
     clock.advance(1.0);
     EXPECT_EQ(heard.left.size(), 32'768U);
-    EXPECT_TRUE(heard.countsFrom(0.0F)) << "what is heard is whole";
+    EXPECT_TRUE(heard.countsFrom(1000.0F)) << "what is heard is whole";
 }
 
 TEST(NodeTapTest, InstallsAndRemovesWhileAnotherThreadRenders) {

@@ -39,6 +39,8 @@ class ServerStream {
     [[nodiscard]] const StreamFormat &format() const { return format_; }
     /// 0, or the negative errno that the stream ended with.
     [[nodiscard]] Status error() const { return error_; }
+    /// True while the graph runs the stream.
+    [[nodiscard]] bool isStreaming() const { return isStreaming_; }
     void updateLatency(const spa_latency_info &latency);
 
   protected:

@@ -11,6 +11,8 @@ namespace {
 
 /// After this much inaudible output the device may rest.
 constexpr double tailSeconds = 2.0;
+/// How often the control side looks at what the real-time side has done.
+constexpr double renderLookSeconds = 0.002;
 constexpr long tailCheckNanoseconds = 200'000'000;
 
 } // namespace
@@ -68,6 +70,15 @@ Status PipeWireHardware::Output::start(RenderClient &client) {
     hardware_.outputDevice_ = device_;
     hardware_.routeIfReady();
     return statusOK;
+}
+
+void PipeWireHardware::Output::renderUntil(const std::function<bool()> &condition, double seconds) {
+    if (!stream_)
+        return;
+    const LoopLock lock(hardware_.connection_->loop());
+    hardware_.connection_->waitUntil(
+        [&] { return condition() || !stream_->isStreaming() || stream_->error() != statusOK; },
+        seconds, renderLookSeconds);
 }
 
 void PipeWireHardware::Output::stop() {

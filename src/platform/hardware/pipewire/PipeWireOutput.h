@@ -3,6 +3,7 @@
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 
 #include <atomic>
+#include <functional>
 #include <memory>
 
 namespace quorbel {
@@ -20,6 +21,7 @@ class PipeWireHardware::Output final : public HardwareOutput {
     void setHoldsTail(bool holdsTail) override { holdsTail_ = holdsTail; }
     /// Returns once the session manager has linked the stream to the device.
     Status start(RenderClient &client) override;
+    void renderUntil(const std::function<bool()> &condition, double seconds) override;
     void stop() override;
 
   private:

@@ -109,13 +109,25 @@ Status ServerConnection::roundTrip(double seconds) {
     return waitUntil([&] { return doneSequence_ >= sequence; }, seconds);
 }
 
-Status ServerConnection::waitUntil(const std::function<bool()> &condition, double seconds) {
-    timespec deadline{};
-    pw_thread_loop_get_time(loop(), &deadline, static_cast<std::int64_t>(seconds * 1e9));
+Status ServerConnection::waitUntil(const std::function<bool()> &condition, double seconds,
+                                   double lookSeconds) {
+    const auto in = [this](double wait) {
+        timespec time{};
+        pw_thread_loop_get_time(loop(), &time, static_cast<std::int64_t>(wait * 1e9));
+        return time;
+    };
+    const auto isBefore = [](const timespec &a, const timespec &b) {
+        return a.tv_sec != b.tv_sec ? a.tv_sec < b.tv_sec : a.tv_nsec < b.tv_nsec;
+    };
+    const timespec deadline = in(seconds);
     while (!condition()) {
         if (lost_)
             return -EPIPE;
-        if (pw_thread_loop_timed_wait_full(loop(), &deadline) != 0)
+        timespec wake = lookSeconds > 0.0 ? in(lookSeconds) : deadline;
+        const bool isLast = !isBefore(wake, deadline);
+        if (isLast)
+            wake = deadline;
+        if (pw_thread_loop_timed_wait_full(loop(), &wake) != 0 && isLast)
             return condition() ? statusOK : -ETIMEDOUT;
     }
     return statusOK;

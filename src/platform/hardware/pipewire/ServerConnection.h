@@ -33,9 +33,10 @@ class ServerConnection {
     /// after `seconds`, -EPIPE if the server is gone.
     Status roundTrip(double seconds);
 
-    /// Waits until `condition` holds, looking again after every event from the server. Needs the
-    /// loop's lock. Same statuses.
-    Status waitUntil(const std::function<bool()> &condition, double seconds);
+    /// Waits until `condition` holds, looking again after every event from the server, and every
+    /// `lookSeconds` if that is not 0. Needs the loop's lock. Same statuses.
+    Status waitUntil(const std::function<bool()> &condition, double seconds,
+                     double lookSeconds = 0.0);
 
     /// Makes `waitUntil` look again. [control]
     void wakeWaiters() { pw_thread_loop_signal(loop_.get(), false); }

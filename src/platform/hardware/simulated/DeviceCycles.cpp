@@ -45,6 +45,14 @@ void DeviceCycles::resume(CyclePlan plan) {
     }
 }
 
+double DeviceCycles::extraCycle() {
+    if (!timer_.isSet())
+        return 0.0;
+    const double seconds = nextBlock() / plan_.sampleRate;
+    cycle();
+    return seconds;
+}
+
 void DeviceCycles::armTimer() {
     timer_ = Timer::once(clock_, nextBlock() / plan_.sampleRate, [this] {
         cycle();

@@ -74,6 +74,10 @@ class DeviceCycles {
     /// plan has no cycles.
     void resume(CyclePlan plan);
 
+    /// On the clock, if there are cycles: one beside those that the clock brings. Returns the
+    /// seconds that it covers; 0 without cycles.
+    double extraCycle();
+
     [[nodiscard]] Recording &recording() { return recording_; }
 
   private:

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cerrno>
+#include <chrono>
 #include <thread>
 #include <utility>
 
@@ -363,6 +364,27 @@ void SimulatedHardware::rearrange(const std::function<void()> &change) {
     change();
     for (const auto &[id, device] : devices_)
         device->cycles.resume(planFor(id, *device));
+}
+
+void SimulatedHardware::playOn(const std::function<bool()> &condition, double seconds) {
+    if (pace_ == Pace::threads) {
+        const auto deadline =
+            std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+        while (!condition() && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::yield();
+        return;
+    }
+    std::map<AudioObjectID, double> played;
+    for (const auto &[id, device] : devices_)
+        played[id] = 0.0;
+    while (!condition() && !played.empty()) {
+        const auto next =
+            std::ranges::min_element(played, {}, [](auto &entry) { return entry.second; });
+        const double more = devices_.at(next->first)->cycles.extraCycle();
+        next->second += more;
+        if (more == 0.0 || next->second > seconds)
+            played.erase(next);
+    }
 }
 
 CyclePlan SimulatedHardware::planFor(AudioObjectID id, const Device &device) const {

@@ -126,6 +126,9 @@ class SimulatedHardware final : public AudioHardware {
 
     /// Stops every cycle, lets `change` change the machine, plans every device anew and goes on.
     void rearrange(const std::function<void()> &change);
+    /// The devices play on, all in step, until `condition` holds or `seconds` have passed for them;
+    /// on the clock the program's own time stands still meanwhile.
+    void playOn(const std::function<bool()> &condition, double seconds);
     [[nodiscard]] simulated::CyclePlan planFor(AudioObjectID id, const Device &device) const;
     /// Some started IO procedure delivers what the tap with this uuid hears.
     [[nodiscard]] bool isRead(const std::string &tapUUID) const;

@@ -44,6 +44,11 @@ Status SimulatedOutput::start(RenderClient &client) {
     return statusOK;
 }
 
+void SimulatedOutput::renderUntil(const std::function<bool()> &condition, double seconds) {
+    if (hardware_.outputs_.contains(this) && hardware_.find(device_) != nullptr)
+        hardware_.playOn(condition, seconds);
+}
+
 void SimulatedOutput::stop() {
     // Stopping cannot fail: the caller relies on hearing nothing afterwards.
     (void)hardware_.note(Operation::stopOutput);

@@ -15,6 +15,7 @@ class SimulatedOutput final : public HardwareOutput {
     Status setDevice(AudioObjectID device) override;
     [[nodiscard]] StreamFormat nativeFormat() const override;
     Status start(RenderClient &client) override;
+    void renderUntil(const std::function<bool()> &condition, double seconds) override;
     void stop() override;
 
   private:
