@@ -25,7 +25,7 @@ ColumnLayout {
         Layout.fillWidth: true
         spacing: Theme.unit
 
-        DotKnob {
+        ParamKnob {
             id: knob
             // Twice the Q is the same turn everywhere.
             from: Math.log2(App.equalizer.minQ)
@@ -34,7 +34,6 @@ ColumnLayout {
             value: Math.log2(Math.max(App.equalizer.minQ, inspector.q))
             accessibleName: qsTr("%1 Q").arg(inspector.bandName)
             valueText: Format.fixed(inspector.q, 2)
-            onPressedChanged: pressed ? App.history.beginGesture() : App.history.endGesture()
             onMoved: App.equalizer.bands.setQ(inspector.row, Math.pow(2, value))
             onResetRequested: App.equalizer.bands.setQ(inspector.row, 1)
         }
@@ -62,6 +61,7 @@ ColumnLayout {
         model: App.equalizer.filterTypeTitles
         currentIndex: inspector.strip !== null ? inspector.strip.filterType : 0
         accessibleName: qsTr("%1 type").arg(inspector.bandName)
+        Accessible.description: displayText
         onActivated: index => App.equalizer.bands.setFilterType(inspector.row, index)
     }
     RowLayout {

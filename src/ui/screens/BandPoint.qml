@@ -6,6 +6,7 @@ import Quorbel.Model
 /// and put back by a double click. The strips below do the same from the keyboard.
 Item {
     id: point
+    objectName: "bandPoint" + index
 
     required property int index
     required property double frequency

@@ -41,7 +41,7 @@ FocusScope {
     Binding {
         target: strip.sliderHandle
         property: "activeFocusOnTab"
-        value: strip.selected
+        value: strip.selected || (strip.sliderHandle?.activeFocus ?? false)
     }
     Rectangle {
         anchors.fill: parent
@@ -64,7 +64,7 @@ FocusScope {
         ValueField {
             Layout.fillWidth: true
             horizontalAlignment: TextInput.AlignHCenter
-            activeFocusOnTab: strip.selected
+            activeFocusOnTab: strip.selected || activeFocus
             valueText: strip.gainLabel
             parse: text => App.equalizer.parseGain(text)
             color: strip.bypassed ? Theme.inkSoft : Theme.ink
@@ -91,7 +91,7 @@ FocusScope {
         ValueField {
             Layout.fillWidth: true
             horizontalAlignment: TextInput.AlignHCenter
-            activeFocusOnTab: strip.selected
+            activeFocusOnTab: strip.selected || activeFocus
             valueText: strip.frequencyLabel
             parse: text => App.equalizer.parseFrequency(text)
             color: strip.bypassed ? Theme.inkSoft : Theme.ink

@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
 /// One output device; choosing it makes it the output.
-T.AbstractButton {
+T.RadioDelegate {
     id: row
 
     required property int index
@@ -14,12 +14,11 @@ T.AbstractButton {
     required property bool isDefault
 
     implicitHeight: 7 * Theme.unit
+    checked: isCurrent
     hoverEnabled: true
-    Accessible.role: Accessible.RadioButton
     Accessible.name: name
     Accessible.description: isCurrent ? qsTr("In use") : isDefault ? qsTr("System default") : ""
-    Accessible.checkable: true
-    Accessible.checked: isCurrent
+    Accessible.onPressAction: row.clicked()
     Accessible.onToggleAction: row.clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()

@@ -79,6 +79,7 @@ ScreenPage {
 
                 HeadingText {
                     text: qsTr("Spectrum analyzer (visual only)")
+                    Accessible.ignored: true // the switch says it
                 }
                 CaptionText {
                     id: explanation

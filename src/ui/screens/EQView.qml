@@ -9,7 +9,7 @@ ScreenPage {
 
     property int selectedBand: 0
     property BandStripView selectedStrip: null
-    readonly property bool onSlider: selectedStrip !== null && selectedStrip.sliderHandle.activeFocus
+    readonly property bool onSlider: selectedStrip?.sliderHandle?.activeFocus ?? false
 
     function select(row) {
         selectedBand = row;
@@ -51,16 +51,14 @@ ScreenPage {
     ResponseCard {
         Layout.fillWidth: true
         Layout.fillHeight: true
-        Layout.preferredHeight: 3
         Layout.minimumHeight: 23 * Theme.unit
         selectedBand: screen.selectedBand
         onBandChosen: row => screen.select(row)
     }
     DotCard {
         Layout.fillWidth: true
-        Layout.fillHeight: true
-        Layout.preferredHeight: 2
-        Layout.minimumHeight: 27 * Theme.unit
+        // The curve gets the greater part of what there is to give.
+        Layout.preferredHeight: Math.max(25 * Theme.unit, Math.min(36 * Theme.unit, 0.42 * (screen.availableHeight - 9 * Theme.unit)))
 
         RowLayout {
             anchors.fill: parent

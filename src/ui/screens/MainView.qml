@@ -12,6 +12,18 @@ Item {
     required property string destination
     signal saveRequested
 
+    /// The list that the presets screen shows or would show.
+    property int presetFilter: PresetFilterModel.All
+
+    onDestinationChanged: {
+        const filters = {
+            presetsAll: PresetFilterModel.All,
+            presetsFactory: PresetFilterModel.Factory,
+            presetsMine: PresetFilterModel.Mine
+        };
+        presetFilter = filters[destination] ?? presetFilter;
+    }
+
     /// Outlives the spatial screen, so that its cards are as they were left.
     property var expandedStages: []
 
@@ -91,9 +103,7 @@ Item {
     Component {
         id: presets
         PresetsView {
-            filter: view.destination === "presetsFactory" ? PresetFilterModel.Factory
-                  : view.destination === "presetsMine" ? PresetFilterModel.Mine
-                                                       : PresetFilterModel.All
+            filter: view.presetFilter
             onSaveRequested: view.saveRequested()
         }
     }

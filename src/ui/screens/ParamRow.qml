@@ -35,6 +35,7 @@ RowLayout {
     }
     ParamSlider {
         id: slider
+        objectName: accessibleName
         Layout.fillWidth: true
         from: row.from
         to: row.to

@@ -91,21 +91,21 @@ FocusScope {
         }
         DotIconButton {
             visible: row.isUser
-            activeFocusOnTab: row.current
+            activeFocusOnTab: row.current || activeFocus
             symbol: "trash"
             accessibleName: qsTr("Delete preset")
             Accessible.description: row.name
             onClicked: row.deleteRequested()
         }
         DotIconButton {
-            activeFocusOnTab: row.current
+            activeFocusOnTab: row.current || activeFocus
             symbol: "square.and.arrow.up"
             accessibleName: qsTr("Export preset")
             Accessible.description: row.name
             onClicked: row.exportRequested()
         }
         DotButton {
-            activeFocusOnTab: row.current
+            activeFocusOnTab: row.current || activeFocus
             text: qsTr("Apply")
             Accessible.description: row.name
             onClicked: row.applyRequested()

@@ -22,6 +22,9 @@ Item {
     function importFrom(file) {
         show(App.presets.importFile(file));
     }
+    function exportTo(presetId, file) {
+        show(App.presets.exportPreset(presetId, file));
+    }
     function show(result) {
         report = result.message;
         reportDetails = (result.skipped ?? []).concat(result.limited ?? []);
@@ -67,6 +70,7 @@ Item {
 
             ListView {
                 id: lista
+                objectName: "presetList"
                 anchors.fill: parent
                 anchors.margins: 1
                 visible: count > 0
@@ -146,6 +150,6 @@ Item {
         fileMode: FileDialog.SaveFile
         nameFilters: [qsTr("Preset (*.json)"), qsTr("Equaliser text (*.txt)")]
         defaultSuffix: selectedNameFilter.extensions[0] ?? "json"
-        onAccepted: screen.show(App.presets.exportPreset(presetId, selectedFile))
+        onAccepted: screen.exportTo(presetId, selectedFile)
     }
 }

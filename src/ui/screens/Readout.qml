@@ -23,5 +23,6 @@ ColumnLayout {
         text: readout.value
         dotSize: readout.dotSize
         color: readout.dotColor
+        Accessible.ignored: true
     }
 }

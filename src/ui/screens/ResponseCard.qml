@@ -60,7 +60,6 @@ DotCard {
                 id: exact
                 text: qsTr("Exact response")
                 accessibleName: qsTr("Show the exact response")
-                onToggled: checked = !checked
             }
             CaptionText {
                 text: App.equalizer.peakText

@@ -20,6 +20,8 @@ DotDialog {
 
     contentItem: ColumnLayout {
         spacing: Theme.unit
+        Accessible.role: Accessible.Dialog
+        Accessible.name: sheet.title
 
         CaptionText {
             text: qsTr("Name")

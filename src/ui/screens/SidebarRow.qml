@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
 /// One destination of the sidebar.
-T.AbstractButton {
+T.ItemDelegate {
     id: row
 
     required property string title
@@ -14,8 +14,7 @@ T.AbstractButton {
 
     implicitHeight: 4.5 * Theme.unit
     hoverEnabled: true
-    activeFocusOnTab: selected
-    Accessible.role: Accessible.ListItem
+    activeFocusOnTab: selected || activeFocus
     Accessible.name: title
     Accessible.description: badge
     Accessible.selectable: true

@@ -114,6 +114,7 @@ ScreenPage {
                 model: App.spatial.reverbPresetTitles
                 currentIndex: App.spatial.reverbPresetIndex
                 accessibleName: qsTr("Reverb, %1").arg(qsTr("Preset"))
+                Accessible.description: displayText
                 onActivated: index => App.spatial.reverbPresetIndex = index
             }
         }

@@ -34,6 +34,7 @@ DotCard {
                 HeadingText {
                     Layout.fillWidth: true
                     text: card.name
+                    Accessible.ignored: true // the switch says it
                 }
                 CaptionText {
                     Layout.fillWidth: true

@@ -1,7 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
-import Quorbel.Model
 
 /// One tone control as a knob with its gain.
 RowLayout {
@@ -15,7 +14,7 @@ RowLayout {
 
     spacing: 2 * Theme.unit
 
-    DotKnob {
+    ParamKnob {
         id: knob
         from: -12
         to: 12
@@ -24,7 +23,6 @@ RowLayout {
         value: tone.value
         accessibleName: tone.label
         valueText: tone.valueText
-        onPressedChanged: pressed ? App.history.beginGesture() : App.history.endGesture()
         onMoved: tone.moved(value)
         onResetRequested: tone.moved(0)
     }

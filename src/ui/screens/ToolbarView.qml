@@ -57,6 +57,7 @@ Rectangle {
             Layout.maximumWidth: 34 * Theme.unit
             title: qsTr("Output")
             accessibleName: qsTr("Output")
+            Accessible.description: displayText
             model: App.devices
             textRole: "name"
             currentIndex: App.devices.currentIndex
@@ -78,6 +79,7 @@ Rectangle {
             Layout.maximumWidth: 34 * Theme.unit
             title: qsTr("Preset")
             accessibleName: qsTr("Preset")
+            Accessible.description: displayText
             model: App.presets
             textRole: "name"
             valueRole: "presetId"

@@ -43,6 +43,8 @@ QVariantMap describe(QAccessibleInterface &of) {
                     {"focusable", bool(state.focusable)},
                     {"focused", bool(state.focused)},
                     {"selected", bool(state.selected)}};
+    if (QAccessibleTextInterface *text = of.textInterface())
+        map["text"] = text->text(0, text->characterCount());
     if (QAccessibleValueInterface *value = of.valueInterface()) {
         map["value"] = value->currentValue();
         map["from"] = value->minimumValue();
@@ -216,6 +218,15 @@ QStringList AccessibleWindow::overlaps() const {
                                 const_cast<QQuickItem *>(leaves[other]))));
         }
     return list;
+}
+
+QString AccessibleWindow::focusOutOfView() const {
+    QQuickItem *item = window_->activeFocusItem();
+    const QRectF whole = item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
+    const QRectF window(0, 0, window_->width(), window_->height());
+    if (shownRect(*item) == whole && window.contains(whole))
+        return {};
+    return nameOf(*QAccessible::queryAccessibleInterface(item));
 }
 
 QStringList AccessibleWindow::unnamed() const {

@@ -10,7 +10,7 @@ namespace quorbel::testing {
 
 /// A window as assistive technology meets it: what is there is read, operated and typed into
 /// through the accessibility interfaces alone. Things are named by their accessible names; what is
-/// not shown is not there. To QML it is the singleton `Screen`. [main]
+/// not shown is not there. To QML it is the singleton `Assistive`. [main]
 class AccessibleWindow final : public QObject {
     Q_OBJECT
     Q_PROPERTY(QQuickWindow *window MEMBER window_)
@@ -42,6 +42,8 @@ class AccessibleWindow final : public QObject {
     [[nodiscard]] Q_INVOKABLE QStringList overlaps() const;
     /// Controls that can be operated but have no name.
     [[nodiscard]] Q_INVOKABLE QStringList unnamed() const;
+    /// The name of what has the keyboard's focus, if it cannot be seen whole; else nothing.
+    [[nodiscard]] Q_INVOKABLE QString focusOutOfView() const;
 
   private:
     QQuickWindow *window_ = nullptr;

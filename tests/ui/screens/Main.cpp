@@ -24,7 +24,7 @@ class Setup final : public QObject {
         machine_ = std::make_unique<SimulatedMachine>();
         engine->addImportPath("qrc:/qt/qml");
         qmlRegisterSingletonInstance("Quorbel.Testing", 1, 0, "Machine", machine_.get());
-        qmlRegisterSingletonInstance("Quorbel.Testing", 1, 0, "Screen", &screen_);
+        qmlRegisterSingletonInstance("Quorbel.Testing", 1, 0, "Assistive", &screen_);
     }
     void cleanupTestCase() { machine_.reset(); }
 

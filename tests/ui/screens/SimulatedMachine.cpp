@@ -1,7 +1,9 @@
 #include "ui/screens/SimulatedMachine.h"
 
+#include <QClipboard>
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 
 #include <array>
 #include <cmath>
@@ -61,6 +63,7 @@ void SimulatedMachine::removeAllDevices() {
     state_->engine().setOutputDevice(std::nullopt);
     for (const AudioDevice &device : state_->deviceManager().outputDevices())
         hardware_.removeDevice(device.uid);
+    state_->deviceManager().refresh();
     clock_.advance(0.5);
 }
 
@@ -90,6 +93,8 @@ QUrl SimulatedMachine::writeFile(const QString &name, const QString &text) {
         file.write(text.toUtf8());
     return QUrl::fromLocalFile(file.fileName());
 }
+
+QString SimulatedMachine::clipboard() const { return QGuiApplication::clipboard()->text(); }
 
 bool SimulatedMachine::fileExists(const QUrl &file) const {
     return QFile::exists(file.toLocalFile());

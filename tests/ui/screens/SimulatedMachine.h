@@ -41,7 +41,12 @@ class SimulatedMachine final : public QObject {
 
     /// Writes a file beside the settings.
     Q_INVOKABLE QUrl writeFile(const QString &name, const QString &text);
+    [[nodiscard]] Q_INVOKABLE QUrl fileUrl(const QString &name) const {
+        return QUrl::fromLocalFile(folder_.filePath(name));
+    }
     [[nodiscard]] Q_INVOKABLE bool fileExists(const QUrl &file) const;
+
+    [[nodiscard]] Q_INVOKABLE QString clipboard() const;
 
     [[nodiscard]] AppModel &model() { return *model_; }
     [[nodiscard]] AppState &state() { return *state_; }

@@ -1,0 +1,158 @@
+import QtQuick
+import QtTest
+import Quorbel.Model
+import Quorbel.Testing
+
+ScreenTest {
+    id: testCase
+    name: "Effects"
+
+    function openCards() {
+        open("spatial");
+        while (Assistive.has("All controls", "Button"))
+            press("All controls", "Button");
+    }
+
+    function test_stage_cards_in_order() {
+        open("spatial");
+        const names = Assistive.names("CheckBox").filter(name => !name.startsWith("Adaptive"));
+        compare(names, ["XTC Shuffler", "Stereo Widening", "Reverb", "Voice Clarity", "Deep Bass"]);
+        compareTexts(["Room Filling", "Mid / Side", "Room Ambience", "Presence and mud cut",
+            "Harmonic enhancement", "Tone Controls", "Shelf 100 Hz · peak 1 kHz · shelf 5 kHz · ±12 dB each",
+            "XTC Shuffler: 50", "Stereo Widening: 100", "Reverb: 15% wet", "Voice Clarity: 100", "Deep Bass: 50"]);
+    }
+
+    function test_every_control_writes_its_field_within_its_range_data() {
+        return [
+            ["XTC Amount", "spatial", "xtcAmount", 0, 100],
+            ["Head-width Notch", "spatial", "xtcNotchFrequency", 500, 8000],
+            ["Width", "spatial", "widthPercent", 0, 200],
+            ["Wet Mix", "spatial", "reverbMix", 0, 60],
+            ["Voice Clarity, Amount", "spatial", "voiceAmount", 0, 100],
+            ["Presence @ 3 kHz", "spatial", "voicePresenceGainDB", 0, 6],
+            ["Mud cut @ 300 Hz", "spatial", "voiceMudCutDB", 0, 4],
+            ["Deep Bass, Amount", "spatial", "bassAmount", 0, 100],
+            ["Deep Bass, Drive", "spatial", "bassDrive", 1, 8],
+            ["Crossover", "spatial", "bassCrossover", 40, 150],
+            ["Bass", "spatial", "toneBassDB", -12, 12],
+            ["Mid", "spatial", "toneMidDB", -12, 12],
+            ["Treble", "spatial", "toneTrebleDB", -12, 12],
+            ["Saturation, Drive", "mixer", "saturationDrive", 0, 100],
+            ["Crossfeed, Amount", "mixer", "crossfeedAmount", 0, 100],
+            ["Threshold", "limiter", "limiterThresholdDB", -12, 0],
+            ["Target", "limiter", "autoGainTargetDB", -30, -6],
+            ["Trim", "limiter", "manualLoudnessDB", -12, 12]
+        ].map(([label, screen, field, from, to]) => ({ tag: label, screen, field, from, to }));
+    }
+    function test_every_control_writes_its_field_within_its_range(data) {
+        if (data.screen === "spatial")
+            openCards();
+        else
+            open(data.screen);
+        const model = data.screen === "spatial" ? App.spatial : App.mixer;
+        const control = Assistive.has(data.tag, "Dial") ? Assistive.find(data.tag, "Dial") : Assistive.find(data.tag, "Slider");
+        compare(control.from, data.from);
+        compare(control.to, data.to);
+        compare(control.value, model[data.field]);
+        setValue(data.tag, data.to);
+        compare(model[data.field], data.to);
+        setValue(data.tag, data.from);
+        compare(model[data.field], data.from);
+        App.history.undo();
+    }
+
+    function test_switches_data() {
+        return [
+            ["XTC Shuffler", "spatial", "xtcEnabled"], ["Stereo Widening", "spatial", "widenerEnabled"],
+            ["Reverb", "spatial", "reverbEnabled"], ["Voice Clarity", "spatial", "voiceEnabled"],
+            ["Deep Bass", "spatial", "bassEnabled"],
+            ["Adaptive scaling (experimental)", "spatial", "voiceAdaptiveEnabled"],
+            ["Adaptive — track song’s bass fundamental", "spatial", "bassAdaptiveEnabled"],
+            ["Saturation", "mixer", "saturationEnabled"], ["Crossfeed", "mixer", "crossfeedEnabled"],
+            ["Master Limiter", "limiter", "limiterEnabled"], ["Auto-Gain", "limiter", "autoGainEnabled"],
+            ["Manual Loudness", "limiter", "manualLoudnessEnabled"],
+            ["Spectrum analyzer (visual only)", "devices", "spectrumEnabled"]
+        ].map(([label, screen, field]) => ({ tag: label, screen, field }));
+    }
+    function test_switches(data) {
+        if (data.screen === "spatial")
+            openCards();
+        else
+            open(data.screen);
+        const model = data.screen === "spatial" ? App.spatial : App.mixer;
+        const before = model[data.field];
+        compare(Assistive.find(data.tag, "CheckBox").checked, before);
+        press(data.tag, "CheckBox");
+        compare(model[data.field], !before);
+        compare(Assistive.find(data.tag, "CheckBox").checked, !before);
+        verify(Assistive.focus(data.tag, "CheckBox"));
+        keyClick(Qt.Key_Space);
+        compare(model[data.field], before);
+    }
+
+    function test_open_cards_stay_open_and_close() {
+        openCards();
+        compare(Assistive.cutTexts(), []);
+        compare(Assistive.overlaps(), []);
+        compareTexts(["Mid-range content 0%", "Tracking " + App.engine.trackingText]);
+        open("mixer");
+        open("spatial");
+        verify(!Assistive.has("All controls", "Button"));
+        while (Assistive.has("Hide", "Button"))
+            press("Hide", "Button");
+        compare(Assistive.names("Slider"), []);
+    }
+
+    function test_reverb_preset() {
+        openCards();
+        compare(Assistive.find("Reverb, Preset", "ComboBox").description, App.spatial.reverbPresetTitles[0]);
+        verify(Assistive.focus("Reverb, Preset", "ComboBox"));
+        keyClick(Qt.Key_Down);
+        compare(App.spatial.reverbPresetIndex, 1);
+        compare(App.spatial.reverbPresetTitles.length, 7);
+    }
+
+    function test_tone_reset_is_of_the_tone_alone() {
+        open("spatial");
+        App.spatial.toneBassDB = 3;
+        App.spatial.toneMidDB = -2;
+        App.spatial.toneTrebleDB = 1;
+        App.spatial.widthPercent = 140;
+        settle();
+        verify(Assistive.has("Bass +3.0 dB"));
+        press("Reset", "Button");
+        compare([App.spatial.toneBassDB, App.spatial.toneMidDB, App.spatial.toneTrebleDB], [0, 0, 0]);
+        compare(App.spatial.widthPercent, 140);
+    }
+
+    function test_mixer_texts() {
+        open("mixer");
+        compareTexts(["Mixer", "Colour stages", "0 on", "Analog warmth · tanh",
+            "Saturation adds harmonics by soft-clipping; crossfeed bleeds a delayed copy of each channel into the other ear, the way speakers do. Both are off by default."]);
+        App.mixer.saturationEnabled = true;
+        verify(Assistive.has("1 on"));
+    }
+
+    function test_limiter_texts() {
+        open("limiter");
+        compareTexts(["Limiter & gain", "Level stages", "1 on", "Peak protection", "Limiter on at -0.3 dBFS",
+            "Gain reduction 0.0 dB", "Applied gain +0.0 dB"]);
+        App.mixer.limiterEnabled = false;
+        compareTexts(["Limiter off — a positive trim can clip", "0 on"]);
+        compare(Assistive.find("Limiter & gain", "ListItem").description, "off");
+    }
+
+    function test_a_drag_is_one_step_of_history() {
+        open("mixer");
+        const slider = part("Saturation, Drive");
+        verify(slider !== null);
+        mousePress(slider, 30, slider.height / 2);
+        for (let x = 30; x < 200; x += 10)
+            mouseMove(slider, x, slider.height / 2);
+        mouseRelease(slider, 200, slider.height / 2);
+        verify(App.mixer.saturationDrive !== 30);
+        App.history.undo();
+        compare(App.mixer.saturationDrive, 30);
+        verify(!App.history.canUndo);
+    }
+}

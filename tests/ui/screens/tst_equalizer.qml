@@ -1,0 +1,188 @@
+import QtQuick
+import QtTest
+import Quorbel.Model
+import Quorbel.Testing
+
+ScreenTest {
+    id: testCase
+    name: "Equalizer"
+
+    function pointAt(row) {
+        return part("bandPoint" + row);
+    }
+    function dragPoint(row, dx, dy) {
+        const point = pointAt(row);
+        const x = point.width / 2, y = point.height / 2;
+        mousePress(point, x, y);
+        // The point goes along: places are given relative to it.
+        for (let step = 0; step < 8; ++step)
+            mouseMove(point, x + dx / 8, y + dy / 8);
+        mouseRelease(point, x, y);
+    }
+
+    function test_texts() {
+        compareTexts(["Equalizer", "10 bands", "Reset all bands", "RESPONSE", "20 Hz", "20 kHz",
+            "Global", "0.0 dB peak"]);
+        const fields = Assistive.all().filter(entry => entry.role === "EditableText").map(entry => entry.text);
+        for (const label of ["31.5", "63", "125", "250", "500", "1k", "2k", "4k", "8k", "16k", "+0.0", "+0.0 dB"])
+            verify(fields.includes(label), label + " in " + fields);
+        verify(!Assistive.has("0 bypassed"));
+        App.equalizer.bands.setBypassed(2, true);
+        App.equalizer.bands.setBypassed(3, true);
+        settle();
+        verify(Assistive.has("2 bypassed"));
+        verify(Assistive.find("Equalizer", "ListItem").description === "10 bands");
+    }
+
+    function test_slider_moves_its_band_and_only_that() {
+        setValue("Band 6 gain", 6);
+        compare(value("Band 6 gain"), 6);
+        for (let band = 1; band <= 10; ++band)
+            compare(value("Band " + band + " gain"), band === 6 ? 6 : 0);
+        compare(Assistive.find("Band 6 gain", "Slider").from, -12);
+        compare(Assistive.find("Band 6 gain", "Slider").to, 12);
+        fuzzyCompare(App.equalizer.peakDB, 6, 0.1);
+    }
+
+    function test_keys_on_a_slider() {
+        verify(Assistive.focus("Band 5 gain", "Slider"));
+        keyClick(Qt.Key_Up);
+        fuzzyCompare(value("Band 5 gain"), 0.1, 1e-6);
+        keyClick(Qt.Key_PageUp);
+        fuzzyCompare(value("Band 5 gain"), 1.1, 1e-6);
+        keyClick(Qt.Key_End);
+        compare(value("Band 5 gain"), 12);
+        keyClick(Qt.Key_Home);
+        compare(value("Band 5 gain"), -12);
+        keyClick(Qt.Key_Right);
+        compare(focusedName(), "Band 6 gain");
+        compare(value("Band 6 gain"), 0);
+        keyClick(Qt.Key_Left);
+        keyClick(Qt.Key_Left);
+        compare(focusedName(), "Band 4 gain");
+        compare(value("Band 4 gain"), 0);
+        // From a slider the Tab key leads to the rest of the same band.
+        keyClick(Qt.Key_Tab);
+        compare(focusedName(), "Band 4 frequency");
+        keyClick(Qt.Key_Tab);
+        compare(focusedName(), "Band 4 Q");
+    }
+
+    function test_typed_values_data() {
+        return [
+            { tag: "frequency", field: "Band 3 frequency", typed: "8k", role: "frequency", value: 8000, shown: "8k" },
+            { tag: "gain", field: "Band 3 gain, typed", typed: "-3 dB", role: "gain", value: -3, shown: "-3.0" },
+            { tag: "decimal comma", field: "Band 3 gain, typed", typed: "1,5", role: "gain", value: 1.5, shown: "+1.5" },
+            { tag: "q", field: "Band 3 Q, typed", typed: ".7", role: "q", value: 0.7, shown: "0.70" },
+            { tag: "beyond the range", field: "Band 3 gain, typed", typed: "40", role: "gain", value: 12, shown: "+12.0" },
+            { tag: "no number", field: "Band 3 gain, typed", typed: "loud", role: "gain", value: 0, shown: "+0.0" }
+        ];
+    }
+    function test_typed_values(data) {
+        verify(Assistive.focus("Band 3 gain", "Slider")); // chooses the band
+        verify(Assistive.focus(data.field, "EditableText"));
+        keySequence("Ctrl+A");
+        for (const letter of data.typed)
+            keyClick(letter);
+        keyClick(Qt.Key_Return);
+        const row = App.equalizer.bands.index(2, 0);
+        const roles = { frequency: 1, gain: 2, q: 3 };
+        fuzzyCompare(App.equalizer.bands.data(row, Qt.UserRole + roles[data.role]), data.value, 1e-4);
+        compare(Assistive.find(data.field, "EditableText").text, data.shown);
+    }
+
+    function test_escape_gives_up_what_was_typed() {
+        verify(Assistive.focus("Band 1 frequency", "EditableText"));
+        keySequence("Ctrl+A");
+        keyClick("9");
+        keyClick(Qt.Key_Escape);
+        compare(Assistive.find("Band 1 frequency", "EditableText").text, "31.5");
+        verify(!App.history.canUndo);
+    }
+
+    function test_dragging_a_point_is_one_step() {
+        const point = pointAt(5);
+        const plot = point.curve;
+        dragPoint(5, 80, -40);
+        const bands = App.equalizer.bands;
+        const row = bands.index(5, 0);
+        const hertz = bands.data(row, Qt.UserRole + 1);
+        const gain = bands.data(row, Qt.UserRole + 2);
+        verify(hertz > 1100 && hertz < 8000, "frequency " + hertz);
+        verify(gain > 1 && gain <= 12, "gain " + gain);
+        fuzzyCompare(gain, Math.round(gain * 10) / 10, 1e-4);
+        // The point is where the band is.
+        fuzzyCompare(point.x + point.width / 2, plot.xOfFrequency(hertz), 0.5);
+        App.history.undo();
+        compare(bands.data(row, Qt.UserRole + 1), 1000);
+        compare(bands.data(row, Qt.UserRole + 2), 0);
+        verify(!App.history.canUndo);
+    }
+
+    function test_a_click_on_a_point_chooses_and_moves_nothing() {
+        const point = pointAt(7);
+        mouseClick(point, 3, 3);
+        verify(!App.history.canUndo);
+        verify(Assistive.has("Band 8 Q", "Dial"));
+    }
+
+    function test_double_click_resets_and_wheel_turns_q() {
+        const bands = App.equalizer.bands;
+        const row = bands.index(2, 0);
+        bands.setGain(2, 6);
+        bands.setFrequency(2, 200);
+        mouseDoubleClickSequence(pointAt(2));
+        compare(bands.data(row, Qt.UserRole + 2), 0);
+        compare(bands.data(row, Qt.UserRole + 1), 125);
+        const point = pointAt(2);
+        const before = bands.data(row, Qt.UserRole + 3);
+        mouseWheel(point, point.width / 2, point.height / 2, 0, 120);
+        fuzzyCompare(bands.data(row, Qt.UserRole + 3), before * Math.pow(2, 0.25), 1e-3);
+    }
+
+    function test_type_and_bypass_of_the_chosen_band() {
+        verify(Assistive.focus("Band 10 gain", "Slider"));
+        press("Band 10 bypass", "CheckBox");
+        verify(Assistive.has("1 bypassed"));
+        verify(Assistive.focus("Band 10 type", "ComboBox"));
+        keyClick(Qt.Key_Down);
+        const row = App.equalizer.bands.index(9, 0);
+        const shown = Assistive.find("Band 10 type", "ComboBox").description;
+        compare(shown, App.equalizer.filterTypeTitles[App.equalizer.bands.data(row, Qt.UserRole + 4)]);
+        press("Reset Band 10", "Button");
+        verify(!Assistive.has("1 bypassed"));
+    }
+
+    function test_reset_all_can_be_undone() {
+        App.equalizer.bands.setGain(1, 5);
+        App.equalizer.bands.setFrequency(4, 600);
+        press("Reset all bands", "Button");
+        compare(value("Band 2 gain"), 0);
+        App.history.undo();
+        compare(value("Band 2 gain"), 5);
+    }
+
+    function test_exact_response_beside_the_drawn_one() {
+        App.equalizer.bands.setGain(5, 9);
+        const plot = pointAt(5).curve;
+        compare(plot.secondaryValues.length, 0);
+        press("Show the exact response", "CheckBox");
+        compare(plot.secondaryValues.length, App.equalizer.exactValues.length);
+        press("Show the exact response", "CheckBox");
+        compare(plot.secondaryValues.length, 0);
+    }
+
+    function test_nothing_is_painted_while_nothing_changes() {
+        const plot = pointAt(0).curve;
+        settle();
+        const painted = plot.paintCount();
+        for (let step = 0; step < 10; ++step) {
+            Machine.advance(0.1);
+            settle();
+        }
+        compare(plot.paintCount(), painted);
+        App.equalizer.globalGainDB = 2;
+        settle();
+        verify(plot.paintCount() > painted);
+    }
+}

@@ -1,0 +1,175 @@
+import QtQuick
+import QtTest
+import Quorbel.Model
+import Quorbel.Testing
+
+ScreenTest {
+    id: testCase
+    name: "Shell"
+
+    readonly property var destinations: ["equalizer", "spatial", "mixer", "devices", "limiter",
+        "presetsAll", "presetsFactory", "presetsMine", "setup"]
+
+    function test_window() {
+        compare(window.title, "Ostrafine");
+        compare(window.minimumWidth, 1020);
+        compare(window.minimumHeight, 760);
+        compare(window.destination, "equalizer");
+    }
+
+    function test_sidebar_leads_everywhere_and_tells_how_much_there_is() {
+        const rows = [["Equalizer", "10 bands", "Equalizer"], ["Spatial", "0 on", "Spatial"],
+            ["Mixer", "0 on", "Mixer"], ["Devices", "2 found", "Devices"],
+            ["Limiter & gain", "on", "Limiter & gain"], ["All presets", "33", "All presets"],
+            ["Factory", "33", "Factory"], ["Mine", "0", "Mine"], ["Setup guide", "", "Setup"]];
+        for (const [row, badge, title] of rows) {
+            compare(Assistive.find(row, "ListItem").description, badge);
+            press(row, "ListItem");
+            verify(Assistive.find(row, "ListItem").selected);
+            verify(Assistive.has(title, "Heading"), "no title " + title);
+        }
+        for (const group of ["Tuning", "Output", "Presets", "Help"])
+            verify(Assistive.has(group, "Heading"));
+    }
+
+    function test_toolbar_jumps_to_sections() {
+        const jumps = { Tuning: "equalizer", Output: "devices", Presets: "presetsAll", Help: "setup" };
+        for (const section in jumps) {
+            press("Opens the " + section + " section", "Button");
+            compare(window.destination, jumps[section]);
+        }
+    }
+
+    function test_start_and_stop() {
+        compare(Assistive.find("Start", "Button").description, "Start processing");
+        verify(Assistive.has("STOPPED"));
+        verify(!Assistive.find("Compare", "Button").enabled);
+        press("Start", "Button");
+        Machine.advance(0.5);
+        compare(Assistive.find("Stop", "Button").description, "Stop processing");
+        verify(Assistive.has("LIVE"));
+        verify(Assistive.has("48 kHz · 32 ms · Flat"));
+        verify(Assistive.has("Limiter on at -0.3 dBFS"));
+        press("Stop", "Button");
+        verify(Assistive.has("STOPPED"));
+    }
+
+    function test_failed_start_shows_its_text_and_copies_it() {
+        Machine.failCapture();
+        press("Start", "Button");
+        Machine.advance(0.5);
+        Machine.repairCapture();
+        settle();
+        verify(Assistive.has("ERROR"));
+        const text = App.engine.errorMessage;
+        verify(text !== "");
+        verify(Assistive.has(text));
+        compare(Assistive.overlaps(), []);
+        compare(Assistive.cutTexts(), []);
+        press("Copy", "Button");
+        compare(Machine.clipboard(), text);
+    }
+
+    function test_pickers() {
+        compare(Assistive.find("Output", "ComboBox").description, "Studio monitors");
+        compare(Assistive.find("Preset", "ComboBox").description, "Flat");
+        App.equalizer.bands.setGain(0, 3);
+        compare(Assistive.find("Preset", "ComboBox").description, "Custom");
+        verify(Assistive.focus("Preset", "ComboBox"));
+        keyClick(Qt.Key_Down);
+        tryVerify(() => App.presets.activeName !== "Custom" && App.presets.activeName !== "Flat");
+    }
+
+    function test_undo_and_redo_by_keys() {
+        setValue("Band 4 gain", 3);
+        keyClick(Qt.Key_Z, Qt.ControlModifier);
+        compare(value("Band 4 gain"), 0);
+        keyClick(Qt.Key_Z, Qt.ControlModifier | Qt.ShiftModifier);
+        compare(value("Band 4 gain"), 3);
+    }
+
+    function test_compare_while_held() {
+        App.engine.start();
+        Machine.advance(0.5);
+        verify(Assistive.focus("Equalizer", "ListItem"));
+        keyPress(Qt.Key_B);
+        verify(App.engine.comparing);
+        keyRelease(Qt.Key_B);
+        verify(!App.engine.comparing);
+
+        // Typed into a field it is a letter.
+        verify(Assistive.focus("Band 1 frequency", "EditableText"));
+        keyPress(Qt.Key_B);
+        verify(!App.engine.comparing);
+        keyRelease(Qt.Key_B);
+        keyClick(Qt.Key_Escape);
+
+        // Nothing is left held when processing ends.
+        verify(Assistive.focus("Equalizer", "ListItem"));
+        keyPress(Qt.Key_B);
+        App.engine.stop();
+        verify(!App.engine.comparing);
+        keyRelease(Qt.Key_B);
+    }
+
+    function test_persist_warning_is_dismissed_or_goes_by_itself() {
+        Machine.blockSaving();
+        Machine.persist();
+        const text = App.persistWarning;
+        verify(text !== "");
+        settle();
+        verify(Assistive.has(text));
+        press("Dismiss", "Button");
+        verify(!Assistive.has(text));
+        Machine.persist();
+        settle();
+        verify(Assistive.has(App.persistWarning));
+        Machine.allowSaving();
+        Machine.persist();
+        settle();
+        compare(App.persistWarning, "");
+        verify(!Assistive.has("Dismiss"));
+    }
+
+    function test_nothing_is_cut_off_overlaps_or_has_no_name_data() {
+        const rows = [];
+        for (const [width, height] of [[1020, 760], [1280, 900], [1920, 1080]])
+            for (const destination of destinations)
+                rows.push({ tag: destination + " " + width + "x" + height, destination, width, height });
+        return rows;
+    }
+    function test_nothing_is_cut_off_overlaps_or_has_no_name(data) {
+        resize(data.width, data.height);
+        open(data.destination);
+        compare(Assistive.cutTexts(), []);
+        compare(Assistive.overlaps(), []);
+        compare(Assistive.unnamed(), []);
+        resize(1020, 760);
+    }
+
+    function test_tab_goes_through_everything_and_comes_back_data() {
+        return destinations.map(destination => ({ tag: destination }));
+    }
+    function test_tab_goes_through_everything_and_comes_back(data) {
+        open(data.tag);
+        verify(Assistive.focus("Start", "Button"));
+        const visited = [];
+        const bound = 200;
+        do {
+            const name = focusedName();
+            verify(name !== undefined && name !== "", "focus on something without a name after " + visited[visited.length - 1]);
+            visited.push(name);
+            compare(Assistive.focusOutOfView(), "");
+            keyClick(Qt.Key_Tab);
+        } while (focusedName() !== "Start" && visited.length < bound);
+        verify(visited.length < bound, "the way of the Tab key does not end: " + visited.slice(0, 30).join(", "));
+        const needed = { equalizer: ["Reset all bands", "Global", "Band 1 gain", "Band 1 frequency", "Band 1 Q", "Band 1 type", "Band 1 bypass"],
+            spatial: ["XTC Shuffler", "All controls", "Bass", "Treble", "Reset"],
+            mixer: ["Saturation", "Saturation, Drive", "Crossfeed, Amount"],
+            devices: ["Refresh", "USB headphones", "Spectrum analyzer (visual only)"],
+            limiter: ["Master Limiter", "Threshold", "Target", "Trim"],
+            presetsAll: ["Import…", "Save current…", "Apply"], presetsFactory: ["Apply"] }[data.tag] ?? [];
+        for (const name of needed)
+            verify(visited.includes(name), "not on the way: " + name + " (" + visited.join(", ") + ")");
+    }
+}
