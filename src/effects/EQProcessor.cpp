@@ -39,9 +39,23 @@ void EQProcessor::setBands(std::vector<EQBand> bands) {
 
 void EQProcessor::setGlobalGainDB(float gainDB) {
     globalGainDB_ = gainDB;
-    eq_.setGlobalGainDB(gainDB);
+    syncGlobalGain();
     Q_EMIT globalGainDBChanged();
 }
+
+void EQProcessor::setBypassed(float gainDB) {
+    bypassGainDB_ = gainDB;
+    sync();
+    syncGlobalGain();
+}
+
+void EQProcessor::endBypass() {
+    bypassGainDB_.reset();
+    sync();
+    syncGlobalGain();
+}
+
+void EQProcessor::syncGlobalGain() { eq_.setGlobalGainDB(bypassGainDB_.value_or(globalGainDB_)); }
 
 void EQProcessor::sync() {
     const std::size_t count = std::min(bands_.size(), eq_.bandCount());
@@ -51,7 +65,7 @@ void EQProcessor::sync() {
                         .frequencyHz = band.frequency,
                         .bandwidthOctaves = bandwidthOctaves(band.q),
                         .gainDB = band.gainDB,
-                        .bypass = band.bypassed});
+                        .bypass = band.bypassed || bypassGainDB_});
     }
 }
 

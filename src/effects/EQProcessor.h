@@ -5,6 +5,7 @@
 
 #include <QObject>
 
+#include <optional>
 #include <vector>
 
 namespace quorbel {
@@ -26,6 +27,10 @@ class EQProcessor final : public QObject {
     [[nodiscard]] float globalGainDB() const { return globalGainDB_; }
     void setGlobalGainDB(float gainDB);
 
+    /// Leaves the sound alone but for a gain, whatever is set meanwhile, until `endBypass`.
+    void setBypassed(float gainDB);
+    void endBypass();
+
     /// The chain's stage.
     [[nodiscard]] ParametricEqualizerNode &eq() { return eq_; }
 
@@ -35,9 +40,11 @@ class EQProcessor final : public QObject {
 
   private:
     void sync();
+    void syncGlobalGain();
 
     std::vector<EQBand> bands_;
     float globalGainDB_ = 0.0F;
+    std::optional<float> bypassGainDB_; ///< while bypassed
     ParametricEqualizerNode eq_;
 };
 

@@ -74,6 +74,14 @@ void AudioEngine::setOutputDevice(std::optional<AudioDevice> device) {
     moveOutput(std::move(device));
 }
 
+void AudioEngine::setComparing(bool comparing) {
+    if (comparing == comparing_)
+        return;
+    comparing_ = comparing;
+    chain_.setBypassed(comparing);
+    Q_EMIT comparingChanged();
+}
+
 // Start and stop
 
 void AudioEngine::start() {
@@ -89,6 +97,7 @@ void AudioEngine::start() {
 }
 
 void AudioEngine::beginStart() {
+    setComparing(false);
     const auto generation = lifecycle.beginStart();
     if (!generation)
         return;

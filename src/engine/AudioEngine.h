@@ -66,6 +66,14 @@ class AudioEngine final : public QObject {
     /// chosen again when it is back.
     void setOutputDevice(std::optional<AudioDevice> device);
 
+    /// Whether playback can be compared with the unprocessed sound; measuring the loudness for that
+    /// costs a little. From the next start on.
+    void setComparable(bool comparable) { chain_.setMeasuresLoudness(comparable); }
+    /// While comparing, the unprocessed sound is heard, as loud as the processed one was; only the
+    /// limiter stays. Settings may change meanwhile. A start ends it.
+    void setComparing(bool comparing);
+    [[nodiscard]] bool comparing() const { return comparing_; }
+
     /// Returns at once; the outcome is a change of `state`. Ignored while starting or running.
     void start();
     /// Also ends the wish to come back.
@@ -101,6 +109,7 @@ class AudioEngine final : public QObject {
     void spatialChanged();
     void mixerChanged();
     void outputDeviceChanged();
+    void comparingChanged();
     void stateChanged();
     void limiterReductionDBChanged();
     void autoGainDBChanged();
@@ -140,6 +149,7 @@ class AudioEngine final : public QObject {
 
     SpatialConfig spatial_;
     MixerConfig mixer_;
+    bool comparing_ = false;
     std::optional<AudioDevice> outputDevice_;
     /// The user's choice while it is not there and `outputDevice` stands in for it.
     std::optional<std::string> vanishedUID_;

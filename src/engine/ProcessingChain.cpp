@@ -63,12 +63,16 @@ const AudioUnit *ProcessingChain::unit(ChainUnit which) const {
 
 std::vector<GraphNode *> ProcessingChain::stages() {
     std::vector<GraphNode *> result{&eq_.eq(), &toneEQ_.node()};
+    if (measuresLoudness_)
+        result.insert(result.begin(), &loudnessBefore_);
     for (std::size_t index = 0; index < chainUnitCount; ++index) {
         if (units_[index] != nullptr)
             result.push_back(units_[index].get());
         if (static_cast<ChainUnit>(index) == ChainUnit::spatializer)
             result.push_back(&reverb_.reverb());
     }
+    if (measuresLoudness_)
+        result.push_back(&loudnessAfter_);
     return result;
 }
 
@@ -90,8 +94,30 @@ void ProcessingChain::connect(AudioGraph &graph, SourceNode &source) {
     graph.connect(*previous, graph.mainMixer(), chainFormat);
 }
 
+void ProcessingChain::setBypassed(bool bypassed) {
+    if (bypassed == isBypassed_)
+        return;
+    isBypassed_ = bypassed;
+    if (bypassed)
+        eq_.setBypassed(matchingGainDB(loudnessBefore_.power(), loudnessAfter_.power()));
+    else
+        eq_.endBypass();
+    pushSpatial();
+    pushMixer();
+}
+
 void ProcessingChain::applySpatial(const SpatialConfig &spatial) {
     spatial_ = spatial;
+    pushSpatial();
+}
+
+void ProcessingChain::pushSpatial() {
+    SpatialConfig spatial = spatial_;
+    if (isBypassed_) {
+        spatial.widenerEnabled = spatial.xtcEnabled = spatial.reverbEnabled = false;
+        spatial.bassEnabled = spatial.voiceEnabled = false;
+        spatial.toneBassDB = spatial.toneMidDB = spatial.toneTrebleDB = 0.0F;
+    }
     toneEQ_.setGainDB(ToneEqualizer::bass, spatial.toneBassDB);
     toneEQ_.setGainDB(ToneEqualizer::mid, spatial.toneMidDB);
     toneEQ_.setGainDB(ToneEqualizer::treble, spatial.toneTrebleDB);
@@ -104,6 +130,15 @@ void ProcessingChain::applySpatial(const SpatialConfig &spatial) {
 
 void ProcessingChain::applyMixer(const MixerConfig &mixer) {
     mixer_ = mixer;
+    pushMixer();
+}
+
+void ProcessingChain::pushMixer() {
+    MixerConfig mixer = mixer_;
+    if (isBypassed_) {
+        mixer.saturationEnabled = mixer.crossfeedEnabled = false;
+        mixer.autoGainEnabled = mixer.manualLoudnessEnabled = false;
+    }
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(mixer, static_cast<ChainUnit>(index), units_[index]->unit());

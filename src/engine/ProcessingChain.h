@@ -4,6 +4,7 @@
 #include "effects/ReverbProcessor.h"
 #include "effects/ToneEqualizer.h"
 #include "engine/ChainUnits.h"
+#include "engine/LoudnessNode.h"
 #include "engine/MeterReadings.h"
 #include "platform/graph/AudioGraph.h"
 #include "platform/graph/SourceNode.h"
@@ -49,6 +50,13 @@ class ProcessingChain {
     /// what a run before left connected is undone first.
     void connect(AudioGraph &graph, SourceNode &source);
 
+    /// Whether the loudness before and after the chain is measured, from the next `connect` on.
+    void setMeasuresLoudness(bool measures) { measuresLoudness_ = measures; }
+
+    /// While bypassed, every effect but the limiter is neutral and the sound has the loudness that
+    /// it had processed. The settings are kept and followed, and come back with `false`. Glides.
+    void setBypassed(bool bypassed);
+
     void applySpatial(const SpatialConfig &spatial);
     void applyMixer(const MixerConfig &mixer);
 
@@ -60,6 +68,8 @@ class ProcessingChain {
   private:
     struct Instantiation;
 
+    void pushSpatial();
+    void pushMixer();
     void adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit);
     /// Those that exist, in order.
     [[nodiscard]] std::vector<GraphNode *> stages();
@@ -76,6 +86,10 @@ class ProcessingChain {
     ToneEqualizer toneEQ_;
     ReverbProcessor reverb_;
     std::array<std::unique_ptr<UnitNode>, chainUnitCount> units_;
+    LoudnessNode loudnessBefore_;
+    LoudnessNode loudnessAfter_;
+    bool measuresLoudness_ = false;
+    bool isBypassed_ = false;
     std::shared_ptr<ProcessingChain *> self_; ///< what units on their way find the chain by
 };
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <numbers>
+#include <utility>
 
 namespace quorbel::testing {
 namespace {
@@ -102,6 +103,42 @@ TEST_F(AudioEngineTest, SettingsReachTheSoundLiveAndBeforeTheFirstBlock) {
     EXPECT_NEAR(20.0 *
                     std::log10(fitSine(heard("speakers").left, 1000.0, 48000.0).amplitude / 0.25),
                 6.0 + 3.0 - 2.0, 0.01);
+}
+
+TEST_F(AudioEngineTest, ComparesWithTheUnprocessedSoundAtTheSameLoudness) {
+    // A cut of the louder of two tones: bypassed, both are back in their proportion, and quieter.
+    hardware.play([](double seconds, std::uint32_t) {
+        const double radians = 2.0 * std::numbers::pi * seconds;
+        return static_cast<float>(0.2 * std::sin(1000.0 * radians) +
+                                  0.05 * std::sin(4000.0 * radians));
+    });
+    const auto tones = [this] {
+        settle();
+        play(0.2);
+        const auto left = heard("speakers").left;
+        return std::pair(fitSine(left, 1000.0, 48000.0).amplitude,
+                         fitSine(left, 4000.0, 48000.0).amplitude);
+    };
+    engine->setComparable(true);
+    start();
+    setBand(5, 1000.0F, -12.0F);
+    play(20.0);
+    const auto processed = tones();
+    EXPECT_NEAR(processed.first, 0.2 * 0.2512, 1e-3);
+
+    engine->setComparing(true);
+    const auto dry = tones();
+    EXPECT_NEAR(dry.first / dry.second, 0.2 / 0.05, 0.01) << "nothing is processed";
+    const auto power = [](const auto &pair) {
+        // K weighting: +0.7 dB at 1 kHz, +3.9 dB at 4 kHz.
+        return pair.first * pair.first * 1.17 + pair.second * pair.second * 2.47;
+    };
+    EXPECT_NEAR(10.0 * std::log10(power(dry) / power(processed)), 0.0, 0.3);
+
+    setBand(5, 1000.0F, -6.0F);
+    EXPECT_NEAR(tones().first, dry.first, 1e-3) << "settings wait";
+    engine->setComparing(false);
+    EXPECT_NEAR(tones().first, 0.2 * 0.5012, 1e-3);
 }
 
 TEST_F(AudioEngineTest, StartAndStopInTheirOrder) {
