@@ -1,7 +1,6 @@
 #include "ui/dotmatrix/Appearance.h"
 
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
@@ -57,7 +56,7 @@ void Appearance::followDesktop() {
         return;
     }
     bus.connect(portalService, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     const QList<std::pair<QString, QString>> keys = {
         {appearanceGroup, QStringLiteral("contrast")},
         {appearanceGroup, QStringLiteral("reduced-motion")},
@@ -81,9 +80,9 @@ void Appearance::followDesktop() {
     }
 }
 
-void Appearance::settingChanged(const QString &group, const QString &key,
-                                const QDBusVariant &value) {
-    apply(group, key, value.variant());
+void Appearance::settingChanged(const QDBusMessage &message) {
+    const auto arguments = message.arguments(); // group, key, value
+    apply(arguments.value(0).toString(), arguments.value(1).toString(), arguments.value(2));
 }
 
 // A desktop answers the keys it knows; where it knows two of them they agree.

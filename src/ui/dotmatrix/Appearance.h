@@ -2,9 +2,8 @@
 
 #include "ui/dotmatrix/Palette.h"
 
+#include <QDBusMessage>
 #include <QObject>
-
-class QDBusVariant;
 
 namespace quorbel {
 
@@ -32,7 +31,7 @@ class Appearance : public QObject {
     void changed();
 
   private Q_SLOTS:
-    void settingChanged(const QString &group, const QString &key, const QDBusVariant &value);
+    void settingChanged(const QDBusMessage &message);
 
   private:
     Appearance() = default;

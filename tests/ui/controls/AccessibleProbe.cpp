@@ -3,8 +3,6 @@
 #include "ui/dotmatrix/Appearance.h"
 #include "ui/symbols/Symbols.h"
 
-#include <ctime>
-
 namespace quorbel {
 namespace {
 
@@ -94,12 +92,6 @@ void AccessibleProbe::act(QQuickItem *item, const QString &action) const {
 }
 
 QStringList AccessibleProbe::symbolNames() const { return symbols::names(); }
-
-double AccessibleProbe::processorTime() const {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
 
 void AccessibleProbe::setHighContrast(bool on) const { Appearance::instance().setHighContrast(on); }
 

@@ -28,11 +28,8 @@ class AccessibleProbe : public QObject {
     Q_INVOKABLE QStringList actions(QQuickItem *item) const;
     Q_INVOKABLE void act(QQuickItem *item, const QString &action) const;
 
-    /// The symbols' names, and whether one has any ink when painted.
+    /// All that `Symbol` can show.
     Q_INVOKABLE QStringList symbolNames() const;
-
-    /// Milliseconds of processor time that this process has taken.
-    Q_INVOKABLE double processorTime() const;
 
     Q_INVOKABLE void setHighContrast(bool on) const;
     Q_INVOKABLE void setReducedMotion(bool on) const;
