@@ -70,7 +70,7 @@ void DotBars::makePictures(QSize size) {
     made.rowPitch = std::max(1, size.height() / rows_);
     const int pitch = std::min(made.columnPitch, made.rowPitch);
     const int fitting = made.columnPitch / pitch;
-    const int across = fitting >= 3 ? fitting - 1 : 1;
+    const int across = fitting >= 3 ? fitting - 1 : fitting;
     const DotLattice column{.cells = {across, rows_},
                             .pitch = {pitch, made.rowPitch},
                             .diameter = std::max(1, static_cast<int>(std::lround(pitch * 0.625)))};

@@ -11,7 +11,7 @@
 namespace quorbel {
 
 /// Levels as columns of dots, the topmost lit one in the signal colour. An item wide enough gives
-/// each level several dots side by side, with a dark one between neighbours.
+/// each level several dots side by side; three or more are parted from the next by a dark one.
 class DotBars : public quorbel::DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotBarsItem)
