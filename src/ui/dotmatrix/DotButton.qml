@@ -18,6 +18,7 @@ T.Button {
     rightPadding: leftPadding
     spacing: Theme.unit
     font.pixelSize: Theme.bodySize
+    hoverEnabled: true
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.name: accessibleName !== "" ? accessibleName : text

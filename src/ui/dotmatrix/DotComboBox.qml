@@ -17,6 +17,7 @@ T.ComboBox {
     rightPadding: 4 * Theme.unit
     spacing: Theme.unit
     font.pixelSize: Theme.bodySize
+    hoverEnabled: true
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.name: accessibleName !== "" ? accessibleName : title

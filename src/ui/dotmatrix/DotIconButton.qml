@@ -8,6 +8,7 @@ DotButton {
     flat: true
 
     DotToolTip {
+        objectName: "toolTip"
         visible: control.hovered && text !== ""
         text: control.accessibleName
     }

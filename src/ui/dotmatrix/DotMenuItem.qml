@@ -13,6 +13,7 @@ T.MenuItem {
     rightPadding: 2 * Theme.unit
     spacing: Theme.unit
     font.pixelSize: Theme.bodySize
+    hoverEnabled: true
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.name: text

@@ -16,6 +16,7 @@ T.TextField {
     rightPadding: Theme.unit
     verticalAlignment: TextInput.AlignVCenter
     font.pixelSize: Theme.bodySize
+    hoverEnabled: true
     color: Theme.ink
     selectionColor: Theme.ink
     selectedTextColor: Theme.card

@@ -12,6 +12,7 @@ T.Switch {
     implicitHeight: Math.max(implicitContentHeight, 3 * Theme.unit)
     spacing: Theme.unit
     font.pixelSize: Theme.bodySize
+    hoverEnabled: true
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     function turn() {

@@ -138,6 +138,18 @@ ControlCase {
         compare(kept.clicks, 3);
     }
 
+    function test_a_symbol_tells_its_name() {
+        const control = make(iconButton) as DotIconButton;
+        mouseMove(control, 5, 5);
+        mouseMove(control, 10, 10);
+        verify(control.hovered);
+        const tip = findChild(control, "toolTip");
+        tryVerify(() => tip.opened);
+        compare(tip.text, "Delete preset");
+        mouseMove(root, 600, 400);
+        tryVerify(() => !tip.visible);
+    }
+
     function test_choices_data() {
         return [
             {
