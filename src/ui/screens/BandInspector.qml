@@ -49,7 +49,9 @@ ColumnLayout {
             ValueField {
                 Layout.fillWidth: true
                 valueText: Format.fixed(inspector.q, 2)
-                parse: text => App.equalizer.parseQ(text)
+                function parse(text: string): real {
+                    return App.equalizer.parseQ(text);
+                }
                 accessibleName: qsTr("%1 Q, typed").arg(inspector.bandName)
                 onCommitted: value => App.equalizer.bands.setQ(inspector.row, value)
             }

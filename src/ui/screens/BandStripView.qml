@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
@@ -23,7 +22,7 @@ FocusScope {
     signal chosen
 
     /// The slider's part that takes the keyboard.
-    readonly property Item sliderHandle: Array.from(gainSlider.children).find(child => child instanceof T.Control) ?? null
+    readonly property Item sliderHandle: Array.from(gainSlider.children).find(child => child instanceof ValueHandle) ?? null
 
     function takeFocus() {
         sliderHandle.forceActiveFocus(Qt.TabFocusReason);
@@ -66,7 +65,9 @@ FocusScope {
             horizontalAlignment: TextInput.AlignHCenter
             activeFocusOnTab: strip.selected || activeFocus
             valueText: strip.gainLabel
-            parse: text => App.equalizer.parseGain(text)
+            function parse(text: string): real {
+                return App.equalizer.parseGain(text);
+            }
             color: strip.bypassed ? Theme.inkSoft : Theme.ink
             accessibleName: qsTr("%1 gain, typed").arg(strip.bandName)
             onCommitted: value => App.equalizer.bands.setGain(strip.index, value)
@@ -93,7 +94,9 @@ FocusScope {
             horizontalAlignment: TextInput.AlignHCenter
             activeFocusOnTab: strip.selected || activeFocus
             valueText: strip.frequencyLabel
-            parse: text => App.equalizer.parseFrequency(text)
+            function parse(text: string): real {
+                return App.equalizer.parseFrequency(text);
+            }
             color: strip.bypassed ? Theme.inkSoft : Theme.ink
             accessibleName: qsTr("%1 frequency").arg(strip.bandName)
             onCommitted: value => App.equalizer.bands.setFrequency(strip.index, value)

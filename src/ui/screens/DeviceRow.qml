@@ -15,6 +15,7 @@ T.RadioDelegate {
 
     implicitHeight: 7 * Theme.unit
     checked: isCurrent
+    focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     Accessible.name: name
     Accessible.description: isCurrent ? qsTr("In use") : isDefault ? qsTr("System default") : ""

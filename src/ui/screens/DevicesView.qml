@@ -8,7 +8,7 @@ ScreenPage {
     ScreenHeader {
         Layout.fillWidth: true
         title: qsTr("Devices")
-        chips: [qsTr("%1 found").arg(App.devices.count)]
+        chips: [qsTr("%1 found").arg(devices.count)]
 
         DotButton {
             id: refresh
@@ -27,7 +27,7 @@ ScreenPage {
     DotCard {
         Layout.fillWidth: true
         padding: 0
-        implicitHeight: App.devices.count > 0 ? rows.implicitHeight : 16 * Theme.unit
+        implicitHeight: devices.count > 0 ? rows.implicitHeight : 16 * Theme.unit
 
         ColumnLayout {
             id: rows
@@ -37,6 +37,7 @@ ScreenPage {
             spacing: 0
 
             Repeater {
+                id: devices
                 model: App.devices
                 delegate: DeviceRow {
                     Layout.fillWidth: true
@@ -46,7 +47,7 @@ ScreenPage {
         }
         ColumnLayout {
             anchors.centerIn: parent
-            visible: App.devices.count === 0
+            visible: devices.count === 0
             spacing: Theme.unit
 
             HeadingText {

@@ -84,8 +84,11 @@ ScreenPage {
                         Layout.fillWidth: true
                         Layout.fillHeight: true
                         Layout.preferredWidth: 1
+                        // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+                        // qmllint disable unqualified
                         selected: screen.selectedBand === index
                         onChosen: screen.select(index)
+                        // qmllint enable unqualified
                     }
                 }
             }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
@@ -29,11 +28,11 @@ Window {
         value: window.seen
     }
     Shortcut {
-        sequences: [StandardKey.Undo]
+        sequence: "Ctrl+Z"
         onActivated: App.history.undo()
     }
     Shortcut {
-        sequences: [StandardKey.Redo, "Ctrl+Shift+Z"]
+        sequences: ["Ctrl+Shift+Z", "Ctrl+Y"]
         onActivated: App.history.redo()
     }
 

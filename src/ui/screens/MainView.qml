@@ -77,6 +77,8 @@ Item {
         }
     }
 
+    // Up to Qt 6.4 qmllint does not know the ids around a component.
+    // qmllint disable unqualified
     Component {
         id: equalizer
         EQView {}
@@ -111,4 +113,5 @@ Item {
         id: setup
         SetupGuideView {}
     }
+    // qmllint enable unqualified
 }

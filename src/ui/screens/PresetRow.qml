@@ -24,7 +24,7 @@ FocusScope {
     implicitHeight: texts.implicitHeight + 3 * Theme.unit
     Accessible.role: Accessible.ListItem
     Accessible.name: name
-    Accessible.description: [categoryTitle, notes, summary, playing ? qsTr("Playing") : ""].filter(text => text !== "").join(", ")
+    Accessible.description: categoryTitle + (notes !== "" ? ", " + notes : "") + ", " + summary + (playing ? ", " + qsTr("Playing") : "")
     Accessible.selectable: true
     Accessible.selected: playing
     Accessible.onPressAction: row.applyRequested()

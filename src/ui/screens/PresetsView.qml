@@ -22,6 +22,10 @@ Item {
     function importFrom(file) {
         show(App.presets.importFile(file));
     }
+    function askWhereTo(presetId) {
+        exportDialog.presetId = presetId;
+        exportDialog.open();
+    }
     function exportTo(presetId, file) {
         show(App.presets.exportPreset(presetId, file));
     }
@@ -93,7 +97,10 @@ Item {
                 }
 
                 highlight: Rectangle {
+                    // Up to Qt 6.4 qmllint does not know the ids around a component.
+                    // qmllint disable unqualified
                     visible: lista.activeFocus
+                    // qmllint enable unqualified
                     color: "transparent"
                     border.color: Theme.signal
                     border.width: 2
@@ -106,14 +113,11 @@ Item {
                     current: ListView.isCurrentItem
                     onActiveFocusChanged: {
                         if (activeFocus)
-                            lista.currentIndex = index;
+                            ListView.view.currentIndex = index;
                     }
                     onApplyRequested: App.presets.apply(presetId)
                     onDeleteRequested: App.presets.remove(presetId)
-                    onExportRequested: {
-                        exportDialog.presetId = presetId;
-                        exportDialog.open();
-                    }
+                    onExportRequested: screen.askWhereTo(presetId) // qmllint disable unqualified
                 }
             }
             ColumnLayout {

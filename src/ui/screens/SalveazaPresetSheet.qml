@@ -18,7 +18,8 @@ DotDialog {
     }
     onAccepted: App.presets.save(name.text)
 
-    contentItem: ColumnLayout {
+    ColumnLayout {
+        anchors.fill: parent
         spacing: Theme.unit
         Accessible.role: Accessible.Dialog
         Accessible.name: sheet.title

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
 /// A screen that scrolls where the window is too low for it. An item that the keyboard reaches is
@@ -46,7 +47,8 @@ DotScrollView {
         function onActiveFocusItemChanged() {
             const item = page.Window.activeFocusItem;
             // A click lands on what is already in view.
-            if (item && item.visualFocus !== false && page.holds(item))
+            const clicked = (item as T.Control)?.visualFocus === false || (item as FocusArea)?.visualFocus === false;
+            if (item !== null && !clicked && page.holds(item))
                 page.reveal(item);
         }
     }

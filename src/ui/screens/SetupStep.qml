@@ -37,7 +37,7 @@ Item {
             model: step.paragraphs
             delegate: BodyText {
                 required property string modelData
-                width: texts.width
+                width: texts.width // qmllint disable unqualified
                 text: modelData.replace(/&/g, "&amp;").replace(/\*\*(.+?)\*\*/g, "<b>$1</b>")
                 textFormat: Text.StyledText
                 wrapMode: Text.WordWrap
@@ -49,8 +49,11 @@ Item {
             delegate: Item {
                 id: bullet
                 required property string modelData
+                // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+                // qmllint disable unqualified
                 width: texts.width
                 height: point.height
+                // qmllint enable unqualified
 
                 Rectangle {
                     y: Theme.unit * 0.75

@@ -14,6 +14,7 @@ T.ItemDelegate {
 
     implicitHeight: 4.5 * Theme.unit
     hoverEnabled: true
+    focusPolicy: Qt.ClickFocus
     activeFocusOnTab: selected || activeFocus
     Accessible.name: title
     Accessible.description: badge

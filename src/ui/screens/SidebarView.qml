@@ -12,8 +12,9 @@ Rectangle {
     signal chosen(string destination)
 
     function move(index) {
-        if (index >= 0 && index < rows.count)
-            rows.itemAt(index).takeFocus();
+        const entry = rows.itemAt(index) as SidebarEntry;
+        if (entry !== null)
+            entry.takeFocus();
     }
 
     implicitWidth: 27 * Theme.unit
@@ -37,44 +38,14 @@ Rectangle {
         Repeater {
             id: rows
             model: App.navigation
-            delegate: ColumnLayout {
-                id: entry
-
-                required property int index
-                required property string rawValue
-                required property string title
-                required property string symbol
-                required property string badge
-                required property string group
-                required property bool startsGroup
-
-                function takeFocus() {
-                    row.forceActiveFocus(Qt.TabFocusReason);
-                    sidebar.chosen(rawValue);
-                }
-
+            delegate: SidebarEntry {
                 Layout.fillWidth: true
-                spacing: 0
-
-                CaptionText {
-                    Layout.leftMargin: 1.5 * Theme.unit
-                    Layout.topMargin: (entry.index > 0 ? 3 : 1) * Theme.unit
-                    Layout.bottomMargin: Theme.unit
-                    visible: entry.startsGroup
-                    text: entry.group
-                    Accessible.role: Accessible.Heading
-                }
-                SidebarRow {
-                    id: row
-                    Layout.fillWidth: true
-                    title: entry.title
-                    symbol: entry.symbol
-                    badge: entry.badge
-                    selected: sidebar.destination === entry.rawValue
-                    onClicked: sidebar.chosen(entry.rawValue)
-                    Keys.onUpPressed: sidebar.move(entry.index - 1)
-                    Keys.onDownPressed: sidebar.move(entry.index + 1)
-                }
+                // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+                // qmllint disable unqualified
+                selected: sidebar.destination === rawValue
+                onChosen: sidebar.chosen(rawValue)
+                onMoveRequested: step => sidebar.move(index + step)
+                // qmllint enable unqualified
             }
         }
         Item {

@@ -7,12 +7,14 @@ DotTextField {
     id: field
 
     required property string valueText
-    /// From text to number, NaN for a text that is none.
-    required property var parse
     signal committed(real value)
 
     property bool dirty: false
 
+    /// From text to number, NaN for a text that is none. The caller has its own.
+    function parse(text: string): real {
+        return NaN;
+    }
     function takeTyped() {
         if (!dirty)
             return;

@@ -32,6 +32,12 @@ QString roleName(QAccessible::Role role) {
 
 QString nameOf(QAccessibleInterface &of) { return of.text(QAccessible::Name); }
 
+/// Qt's accessibility does not tell of items that are switched off.
+bool isEnabled(const QAccessibleInterface &of) {
+    const auto *item = qobject_cast<const QQuickItem *>(of.object());
+    return item == nullptr || item->isEnabled();
+}
+
 QVariantMap describe(QAccessibleInterface &of) {
     const QAccessible::State state = of.state();
     QVariantMap map{{"role", roleName(of.role())},
@@ -39,7 +45,7 @@ QVariantMap describe(QAccessibleInterface &of) {
                     {"description", of.text(QAccessible::Description)},
                     {"text", of.text(QAccessible::Value)},
                     {"checked", bool(state.checked)},
-                    {"enabled", !state.disabled},
+                    {"enabled", isEnabled(of)},
                     {"focusable", bool(state.focusable)},
                     {"focused", bool(state.focused)},
                     {"selected", bool(state.selected)}};
@@ -134,7 +140,7 @@ QVariantMap AccessibleWindow::find(const QString &name, const QString &role) con
 bool AccessibleWindow::press(const QString &name, const QString &role) {
     QAccessibleInterface *found = lookUp(window_, name, role);
     QAccessibleActionInterface *actions = found != nullptr ? found->actionInterface() : nullptr;
-    if (actions == nullptr || found->state().disabled)
+    if (actions == nullptr || !isEnabled(*found))
         return false;
     for (const QString &action :
          {QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::toggleAction()})

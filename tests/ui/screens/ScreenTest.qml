@@ -28,7 +28,7 @@ TestCase {
     /// Layouts are done before the next frame.
     function settle() {
         wait(0);
-        waitForRendering(window.contentItem, 200);
+        waitForRendering(window.contentItem, 60);
     }
     function compareTexts(expected) {
         const names = Assistive.names();
