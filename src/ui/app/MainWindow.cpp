@@ -35,7 +35,7 @@ void MainWindow::raise(const QString &activationToken) {
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
     if (watched == window_ && event->type() == QEvent::Close && !goesOnWithoutWindow())
-        QCoreApplication::quit();
+        QCoreApplication::exit(0);
     return QObject::eventFilter(watched, event);
 }
 

@@ -37,7 +37,7 @@ void QuitSignals::watch() {
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
         signalfd_siginfo info{};
         while (read(descriptor_, &info, sizeof info) == sizeof info)
-            QCoreApplication::quit();
+            QCoreApplication::exit(0); // not `quit`, which a window could refuse
     });
 }
 

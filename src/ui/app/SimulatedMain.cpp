@@ -98,6 +98,7 @@ int main(int argc, char **argv) {
     QuitSignals signals;
     QApplication application(argc, argv);
     setUpApplication(application);
+    signals.watch();
     const Options options = readOptions(application);
 
     const QTemporaryDir temporary;
@@ -136,7 +137,6 @@ int main(int argc, char **argv) {
             QCoreApplication::exit(written ? 0 : 1);
         });
 
-    signals.watch();
     const int result = QCoreApplication::exec();
     state.engine().stop();
     state.persist();

@@ -1,6 +1,7 @@
 #include "ui/app/TrayItem.h"
 
 #include "ui/model/AppModel.h"
+#include "ui/symbols/Symbols.h"
 
 #include <QCoreApplication>
 #include <QIcon>
@@ -20,7 +21,7 @@ TrayItem::TrayItem(AppModel &model) : model_(model) {
     startStop_ = menu_.addAction(QString(), model_.engine(), &EngineModel::toggle);
     presets_ = menu_.addMenu(tr("Preset"));
     menu_.addSeparator();
-    menu_.addAction(tr("Quit"), qApp, &QCoreApplication::quit);
+    menu_.addAction(tr("Quit"), this, [] { QCoreApplication::exit(0); });
     connect(model_.presets(), &PresetListModel::namesChanged, this, &TrayItem::fillPresets);
     connect(model_.presets(), &PresetListModel::activeNameChanged, this, &TrayItem::markPreset);
     connect(model_.presets(), &PresetListModel::activeIndexChanged, this, &TrayItem::markPreset);
@@ -31,7 +32,7 @@ TrayItem::TrayItem(AppModel &model) : model_(model) {
     followEngine();
 
     icon_.setIcon(QIcon::fromTheme(QStringLiteral("com.quorbel.Ostrafine-symbolic"),
-                                   QIcon(QStringLiteral(":/quorbel/icons/tray.svg"))));
+                                   QIcon(symbols::path(QStringLiteral("waveform")))));
     icon_.setContextMenu(&menu_);
     connect(&icon_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {

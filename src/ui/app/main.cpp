@@ -22,6 +22,7 @@ int main(int argc, char **argv) {
     QuitSignals signals;
     QApplication application(argc, argv);
     setUpApplication(application);
+    signals.watch();
 
     const SingleInstance instance(QDBusConnection::sessionBus());
     if (!instance.isFirst()) {
@@ -52,7 +53,6 @@ int main(int argc, char **argv) {
                      [&] { state.persist(); });
     raise();
 
-    signals.watch();
     QCoreApplication::exec();
 
     // Everyone's sound first, then the edits of the last half second.
