@@ -14,6 +14,7 @@ RowLayout {
         Layout.alignment: Qt.AlignVCenter
         text: qsTr("Quit the app and macOS sound returns by itself.")
         wrapMode: Text.WordWrap
+        lineHeight: 1 // level with the chip
         color: Theme.inkSoft
     }
 }

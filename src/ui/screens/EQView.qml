@@ -51,6 +51,7 @@ ScreenPage {
     ResponseCard {
         Layout.fillWidth: true
         Layout.fillHeight: true
+        Layout.preferredHeight: 23 * Theme.unit
         Layout.minimumHeight: 23 * Theme.unit
         selectedBand: screen.selectedBand
         onBandChosen: row => screen.select(row)

@@ -61,8 +61,8 @@ DotCard {
                 to: 1
             }
             RowLayout {
-                Layout.preferredWidth: 12 * Theme.unit
-                Layout.maximumWidth: 12 * Theme.unit
+                Layout.preferredWidth: 13 * Theme.unit
+                Layout.maximumWidth: 13 * Theme.unit
                 spacing: Theme.unit / 2
                 Accessible.role: Accessible.StaticText
                 Accessible.name: card.name + ": " + card.readout + card.readoutUnit

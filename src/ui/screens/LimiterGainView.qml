@@ -23,7 +23,7 @@ ScreenPage {
         on: App.mixer.limiterEnabled
         onSwitched: App.mixer.limiterEnabled = !App.mixer.limiterEnabled
         trailing: Readout {
-            Layout.preferredWidth: 12 * Theme.unit
+            Layout.preferredWidth: 13 * Theme.unit
             caption: qsTr("Gain reduction")
             value: App.engine.reductionText
         }
@@ -46,7 +46,7 @@ ScreenPage {
         on: App.mixer.autoGainEnabled
         onSwitched: App.mixer.autoGainEnabled = !App.mixer.autoGainEnabled
         trailing: Readout {
-            Layout.preferredWidth: 12 * Theme.unit
+            Layout.preferredWidth: 13 * Theme.unit
             caption: qsTr("Applied gain")
             value: App.engine.autoGainText
         }

@@ -49,7 +49,7 @@ RowLayout {
         onResetRequested: row.moved(row.defaultValue)
     }
     BodyText {
-        Layout.preferredWidth: 12 * Theme.unit
+        Layout.preferredWidth: 13 * Theme.unit
         Layout.rightMargin: row.trailing
         Layout.alignment: Qt.AlignVCenter
         text: row.valueText

@@ -173,7 +173,7 @@ ScreenPage {
                 Layout.fillWidth: true
             }
             Readout {
-                Layout.preferredWidth: 12 * Theme.unit
+                Layout.preferredWidth: 13 * Theme.unit
                 Layout.rightMargin: 17 * Theme.unit
                 caption: qsTr("Mid-range content")
                 value: App.engine.confidenceText
@@ -234,7 +234,7 @@ ScreenPage {
                 Layout.fillWidth: true
             }
             Readout {
-                Layout.preferredWidth: 12 * Theme.unit
+                Layout.preferredWidth: 13 * Theme.unit
                 Layout.rightMargin: 17 * Theme.unit
                 caption: qsTr("Tracking")
                 value: App.engine.trackingText

@@ -1,6 +1,7 @@
 // Pictures of every screen in its main states, taken from the real window on a machine in memory.
 // Usage: quorbel-screenshots FOLDER [WIDTH HEIGHT]
 
+#include "ui/app/LinuxWording.h"
 #include "ui/screens/SimulatedMachine.h"
 
 #include <QDir>
@@ -217,6 +218,8 @@ const Picture pictures[] = {
 
 int main(int argc, char **argv) {
     QGuiApplication application(argc, argv);
+    quorbel::LinuxWording wording;
+    QCoreApplication::installTranslator(&wording);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 2 && arguments.size() != 4) {
         std::cerr << "Usage: quorbel-screenshots FOLDER [WIDTH HEIGHT]\n";
@@ -225,11 +228,8 @@ int main(int argc, char **argv) {
     const QDir folder(arguments[1]);
     const int width = arguments.size() == 4 ? arguments[2].toInt() : 1280;
     const int height = arguments.size() == 4 ? arguments[3].toInt() : 900;
-    const QString only = qEnvironmentVariable("ONLY");
     folder.mkpath(".");
     for (const quorbel::Picture &picture : quorbel::pictures) {
-        if (!QString(picture.name).contains(only))
-            continue;
         quorbel::Stage stage(width, height);
         picture.prepare(stage);
         const QString path = folder.filePath(QString(picture.name) + ".png");

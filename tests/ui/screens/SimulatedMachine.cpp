@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QGuiApplication>
 
-#include <array>
 #include <cmath>
 
 namespace quorbel::testing {
@@ -14,19 +13,16 @@ namespace {
 
 constexpr double twoPi = 6.283185307179586;
 
-/// Partials from 40 Hz up, falling by 4 dB per octave, each swelling in a rhythm of its own.
+/// Partials from 40 Hz to 15 kHz, falling by 3 dB per octave, each swelling in a rhythm of its own.
 float music(double seconds, std::uint32_t channel) {
-    static constexpr std::array partials{41.2,   61.7,   82.4,   123.5,  164.8,   246.9,
-                                         329.6,  493.9,  659.3,  987.8,  1480.0,  2217.0,
-                                         3520.0, 5274.0, 7040.0, 9397.0, 11840.0, 14080.0};
+    constexpr int partials = 60;
     double sum = 0.0;
-    double level = 0.16;
-    double rhythm = 1.1;
-    for (const double hertz : partials) {
-        const double swell = 0.55 + 0.45 * std::sin(twoPi * rhythm * seconds + rhythm * 5.0);
-        sum += level * swell * std::sin(twoPi * hertz * seconds + channel * 0.3);
-        level *= 0.83;
-        rhythm = std::fmod(rhythm * 1.37, 2.0) + 0.3;
+    for (int partial = 0; partial < partials; ++partial) {
+        const double hertz = 40.0 * std::pow(375.0, partial / (partials - 1.0));
+        const double rhythm = 0.3 + std::fmod(1.37 * partial, 2.0);
+        const double swell = 0.55 + 0.45 * std::sin(twoPi * rhythm * seconds + 5.0 * partial);
+        sum += 0.14 * std::sqrt(40.0 / hertz) * swell *
+               std::sin(twoPi * hertz * seconds + partial + channel * 0.3);
     }
     return static_cast<float>(sum);
 }
