@@ -19,7 +19,9 @@ void setUpApplication(QApplication &application) {
     QCoreApplication::setApplicationName(QStringLiteral("ostrafine"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Ostrafine"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.quorbel.Ostrafine"));
-    QGuiApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("com.quorbel.Ostrafine")));
+    QGuiApplication::setWindowIcon(QIcon::fromTheme(
+        QStringLiteral("com.quorbel.Ostrafine"),
+        QIcon(QStringLiteral(":/quorbel/icons/scalable/apps/com.quorbel.Ostrafine.svg"))));
     // The tray's item goes on when the window is closed; MainWindow says when that is the end.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 

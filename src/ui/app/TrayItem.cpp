@@ -1,7 +1,6 @@
 #include "ui/app/TrayItem.h"
 
 #include "ui/model/AppModel.h"
-#include "ui/symbols/Symbols.h"
 
 #include <QCoreApplication>
 #include <QIcon>
@@ -31,8 +30,9 @@ TrayItem::TrayItem(AppModel &model) : model_(model) {
     connect(model_.engine(), &EngineModel::subtitleChanged, this, &TrayItem::followEngine);
     followEngine();
 
-    icon_.setIcon(QIcon::fromTheme(QStringLiteral("com.quorbel.Ostrafine-symbolic"),
-                                   QIcon(symbols::path(QStringLiteral("waveform")))));
+    icon_.setIcon(QIcon::fromTheme(
+        QStringLiteral("com.quorbel.Ostrafine-symbolic"),
+        QIcon(QStringLiteral(":/quorbel/icons/symbolic/apps/com.quorbel.Ostrafine-symbolic.svg"))));
     icon_.setContextMenu(&menu_);
     connect(&icon_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
