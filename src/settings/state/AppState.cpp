@@ -3,6 +3,7 @@
 #include "settings/presets/FactoryPresets.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace quorbel {
@@ -57,6 +58,21 @@ void AppState::deletePreset(const Preset &preset) {
     std::erase_if(remaining, [&](const Preset &candidate) { return candidate.id == id; });
     setPresets(std::move(remaining));
     if (activePresetID_ == id)
+        setActivePresetID(firstPresetID());
+    persist();
+}
+
+void AppState::setUserPresets(std::vector<Preset> presets) {
+    std::erase_if(presets, [](const Preset &preset) {
+        return preset.category != Preset::Category::user;
+    });
+    std::vector<Preset> all = presets_;
+    std::erase_if(all, [](const Preset &preset) {
+        return preset.category == Preset::Category::user;
+    });
+    std::ranges::move(presets, std::back_inserter(all));
+    setPresets(std::move(all));
+    if (activePreset() == nullptr)
         setActivePresetID(firstPresetID());
     persist();
 }

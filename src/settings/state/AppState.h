@@ -46,6 +46,10 @@ class AppState final : public QObject {
     void savePreset(const std::string &name);
     /// Factory presets stay. Written at once.
     void deletePreset(const Preset &preset);
+    /// Puts `presets` in the place of all of the user's own, in this order; entries of another
+    /// category are left out. Where the active preset is gone, the first one is active. Written at
+    /// once.
+    void setUserPresets(std::vector<Preset> presets);
 
     /// Writes the settings file now. A failure is a warning, and the next change tries again.
     void persist();

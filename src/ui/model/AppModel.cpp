@@ -13,6 +13,7 @@ AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
       presets_(state, history_, nullptr), devices_(state, nullptr),
       spectrum_(state.engine(), nullptr), navigation_(state, nullptr) {
     instance_ = this;
+    state_.engine().setComparable(true);
     connect(&state_, &AppState::persistWarningChanged, this, [this] {
         warningDismissed_ = false;
         Q_EMIT persistWarningChanged();
