@@ -27,6 +27,10 @@ namespace quorbel {
 
 namespace {
 
+/// Asking for signals costs a call of the system. Even blocks of one frame get through this many in
+/// some hundredths of a second.
+constexpr std::uint32_t framesBetweenSignalChecks = 16384;
+
 /// A settings file that takes effect at the first block boundary at or after a frame.
 struct Change {
     double seconds;
@@ -126,6 +130,11 @@ void RenderCommand::run() const {
     std::vector<float> samples(std::size_t{2} * blockFrames_);
     const AudioBufferList block(samples.data(), samples.data() + blockFrames_);
     auto nextChange = changes.begin();
+    const auto endIfInterrupted = [&] {
+        if (signals.received())
+            throw CommandError(fmt::format("interrupted, {} was not written", outputPath_));
+    };
+    std::uint64_t nextSignalCheck = 0;
     {
         ProgressBar progress(input.expectedFrames());
         while (const std::uint32_t frames = input.read(block, blockFrames_)) {
@@ -137,9 +146,12 @@ void RenderCommand::run() const {
                 throw CommandError(fmt::format("the chain failed with status {}", status));
             output.write(block, frames);
             progress.update(renderer.framesRendered());
-            if (signals.received())
-                throw CommandError(fmt::format("interrupted, {} was not written", outputPath_));
+            if (renderer.framesRendered() >= nextSignalCheck) {
+                endIfInterrupted();
+                nextSignalCheck = renderer.framesRendered() + framesBetweenSignalChecks;
+            }
         }
+        endIfInterrupted();
         output.finish();
         for (auto *table : {&meters, &spectrum})
             if (*table)

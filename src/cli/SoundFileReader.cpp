@@ -18,7 +18,8 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::uint32_t bufferFrames = 4096;
+// Many blocks of the chain in one call of the system: half a read's cost is the call itself.
+constexpr std::uint32_t bufferFrames = 8192;
 
 /// Opens a regular file without ever waiting (a named pipe would).
 int openRegularFile(const std::string &path) {
@@ -106,7 +107,9 @@ struct SoundFileReader::State {
     std::unique_ptr<SNDFILE, Closer> file;
     SF_INFO info{};
     std::uint64_t framesRead = 0;
-    std::vector<float> interleaved;
+    std::vector<float> interleaved;   ///< `bufferFrames` frames, of which the file filled some
+    std::uint32_t framesTaken = 0;    ///< of those, what callers have had
+    std::uint32_t framesBuffered = 0; ///< of those, what the file filled
 
     /// Only estimated for compressed streams that carry no length.
     [[nodiscard]] bool lengthIsExact() const {
@@ -150,26 +153,45 @@ std::uint32_t SoundFileReader::read(const AudioBufferList &output, std::uint32_t
     const auto channels = static_cast<std::size_t>(state.info.channels);
     std::uint32_t done = 0;
     while (done < frames) {
-        const std::uint32_t wanted = std::min(frames - done, bufferFrames);
-        const auto got = static_cast<std::uint32_t>(
-            sf_readf_float(state.file.get(), state.interleaved.data(), wanted));
-        for (std::uint32_t frame = 0; frame < got; ++frame) {
-            const float *samples = state.interleaved.data() + frame * channels;
-            output.data[0][done + frame] = samples[0];
-            output.data[1][done + frame] = samples[channels - 1];
-        }
-        done += got;
-        state.framesRead += got;
-        if (got < wanted) {
-            if (sf_error(state.file.get()) != SF_ERR_NO_ERROR)
-                fail(sf_strerror(state.file.get()));
-            if (state.lengthIsExact() && state.framesRead < expectedFrames())
-                fail(fmt::format("is truncated: {} of {} frames are there", state.framesRead,
-                                 expectedFrames()));
+        if (state.framesTaken == state.framesBuffered)
+            fillBuffer();
+        const std::uint32_t count =
+            std::min(frames - done, state.framesBuffered - state.framesTaken);
+        if (count == 0)
             break;
+        const float *samples = state.interleaved.data() + state.framesTaken * channels;
+        float *const left = output.data[0] + done;
+        float *const right = output.data[1] + done;
+        if (channels == 1) {
+            std::copy_n(samples, count, left);
+            std::copy_n(samples, count, right);
+        } else {
+            for (std::uint32_t frame = 0; frame < count; ++frame) {
+                left[frame] = samples[2 * frame];
+                right[frame] = samples[2 * frame + 1];
+            }
         }
+        done += count;
+        state.framesTaken += count;
     }
     return done;
+}
+
+/// The next frames of the file; none at its end.
+void SoundFileReader::fillBuffer() {
+    State &state = *state_;
+    const auto got = static_cast<std::uint32_t>(
+        sf_readf_float(state.file.get(), state.interleaved.data(), bufferFrames));
+    state.framesTaken = 0;
+    state.framesBuffered = got;
+    state.framesRead += got;
+    if (got == bufferFrames)
+        return;
+    if (sf_error(state.file.get()) != SF_ERR_NO_ERROR)
+        fail(sf_strerror(state.file.get()));
+    if (state.lengthIsExact() && state.framesRead < expectedFrames())
+        fail(fmt::format("is truncated: {} of {} frames are there", state.framesRead,
+                         expectedFrames()));
 }
 
 void SoundFileReader::fail(const std::string &reason) const {

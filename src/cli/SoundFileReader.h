@@ -10,7 +10,8 @@
 namespace quorbel {
 
 /// Reads a mono or stereo sound file as planar stereo at the file's own rate, block by block; mono
-/// is heard on both sides. Throws CommandError, naming the file, for whatever is not such a file.
+/// is heard on both sides. Reads ahead by some blocks, a constant amount. Throws CommandError,
+/// naming the file, for whatever is not such a file.
 class SoundFileReader {
   public:
     explicit SoundFileReader(const std::string &path);
@@ -30,6 +31,7 @@ class SoundFileReader {
 
   private:
     struct State;
+    void fillBuffer();
     [[noreturn]] void fail(const std::string &reason) const;
 
     std::string path_;

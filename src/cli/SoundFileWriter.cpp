@@ -5,7 +5,9 @@
 
 #include <sndfile.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace quorbel {
@@ -14,6 +16,9 @@ namespace {
 
 constexpr int sampleRate = 48000;
 constexpr std::uint64_t bytesPerFrame = 2 * sizeof(float);
+
+// Many blocks of the chain in one call of the system.
+constexpr std::uint32_t bufferFrames = 8192;
 
 // Below it a plain WAV file is certain to do, also where the length was only estimated.
 constexpr std::uint64_t plainWavBytes = std::uint64_t{3} << 30U;
@@ -29,7 +34,8 @@ struct SoundFileWriter::State {
 
     NamelessFile target;
     std::unique_ptr<SNDFILE, Closer> file;
-    std::vector<float> interleaved;
+    std::vector<float> interleaved = std::vector<float>(std::size_t{2} * bufferFrames);
+    std::uint32_t framesBuffered = 0; ///< of those, what the file has not had yet
 };
 
 SoundFileWriter::SoundFileWriter(const std::string &path, std::uint64_t expectedFrames)
@@ -51,17 +57,31 @@ SoundFileWriter::SoundFileWriter(const std::string &path, std::uint64_t expected
 SoundFileWriter::~SoundFileWriter() = default;
 
 void SoundFileWriter::write(const AudioBufferList &sound, std::uint32_t frames) {
-    std::vector<float> &interleaved = state_->interleaved;
-    interleaved.resize(std::size_t{2} * frames);
-    for (std::uint32_t frame = 0; frame < frames; ++frame) {
-        interleaved[2 * frame] = sound.data[0][frame];
-        interleaved[2 * frame + 1] = sound.data[1][frame];
+    State &state = *state_;
+    for (std::uint32_t done = 0; done < frames;) {
+        const std::uint32_t count = std::min(frames - done, bufferFrames - state.framesBuffered);
+        const float *const left = sound.data[0] + done;
+        const float *const right = sound.data[1] + done;
+        float *const samples = state.interleaved.data() + std::size_t{2} * state.framesBuffered;
+        for (std::uint32_t frame = 0; frame < count; ++frame) {
+            samples[2 * frame] = left[frame];
+            samples[2 * frame + 1] = right[frame];
+        }
+        done += count;
+        state.framesBuffered += count;
+        if (state.framesBuffered == bufferFrames)
+            flush();
     }
-    if (sf_writef_float(state_->file.get(), interleaved.data(), frames) != frames)
+}
+
+void SoundFileWriter::flush() {
+    const sf_count_t frames = std::exchange(state_->framesBuffered, 0);
+    if (sf_writef_float(state_->file.get(), state_->interleaved.data(), frames) != frames)
         fail(sf_strerror(state_->file.get()));
 }
 
 void SoundFileWriter::finish() {
+    flush();
     sf_write_sync(state_->file.get());
     if (sf_error(state_->file.get()) != SF_ERR_NO_ERROR)
         fail(sf_strerror(state_->file.get()));

@@ -20,13 +20,16 @@ class SoundFileWriter {
     SoundFileWriter(const SoundFileWriter &) = delete;
     SoundFileWriter &operator=(const SoundFileWriter &) = delete;
 
+    /// Gathers some blocks, a constant amount, so an error may belong to an earlier call's sound.
     void write(const AudioBufferList &sound, std::uint32_t frames);
 
-    /// Puts the file in its place; without this call nothing is left behind.
+    /// Writes what is still gathered and puts the file in its place; without this call nothing is
+    /// left behind.
     void finish();
 
   private:
     struct State;
+    void flush();
     [[noreturn]] void fail(const std::string &reason) const;
 
     std::string path_;
