@@ -60,5 +60,18 @@ TEST_F(AppStatePresets, deletingSparesTheFactorysAndMovesOnToTheFirst) {
     EXPECT_EQ(saved().activePresetName, "Flat");
 }
 
+TEST_F(AppStatePresets, theUsersOwnCanBeSetAsAWholeAndTheFactorysNever) {
+    state->savePreset("One");
+    state->savePreset("Two");
+    const Preset one = state->presets()[factoryPresets().size()];
+    (void)saves();
+    state->setUserPresets({one, preset("Bass Heavy")});
+    EXPECT_EQ(saves(), 1);
+    EXPECT_EQ(state->presets().size(), factoryPresets().size() + 1);
+    EXPECT_EQ(state->presets().back(), one);
+    EXPECT_EQ(state->activePresetID(), stableFactoryID("Flat")) << "Two was active and is gone";
+    EXPECT_EQ(saved().presets.back(), one);
+}
+
 } // namespace
 } // namespace quorbel::testing
