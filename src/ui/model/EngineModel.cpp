@@ -2,7 +2,6 @@
 
 #include "ui/logic/NumberFormat.h"
 #include "ui/logic/PanelTexts.h"
-#include "ui/model/Comparing.h"
 #include "ui/model/EngineTexts.h"
 
 namespace quorbel {
@@ -25,6 +24,7 @@ EngineModel::EngineModel(AppState &state, Clock &clock, QObject *parent)
     connect(&engine_, &AudioEngine::autoGainDBChanged, this, &EngineModel::autoGainDBChanged);
     connect(&engine_, &AudioEngine::bassTrackedFrequencyChanged, this,
             &EngineModel::bassTrackedFrequencyChanged);
+    connect(&engine_, &AudioEngine::comparingChanged, this, &EngineModel::comparingChanged);
     connect(&engine_, &AudioEngine::voiceConfidenceChanged, this,
             &EngineModel::voiceConfidenceChanged);
     followState();
@@ -75,13 +75,11 @@ void EngineModel::toggle() {
         start();
 }
 
-bool EngineModel::comparing() const { return isComparing(engine_); }
+bool EngineModel::comparing() const { return engine_.comparing(); }
 
 void EngineModel::setComparing(bool comparing) {
-    if (comparing == this->comparing())
-        return;
-    quorbel::setComparing(engine_, comparing);
-    Q_EMIT comparingChanged();
+    if (comparing != engine_.comparing())
+        engine_.setComparing(comparing);
 }
 
 double EngineModel::limiterReductionDB() const {
@@ -125,6 +123,8 @@ void EngineModel::setRefusal(const QString &reason) {
 }
 
 void EngineModel::followState() {
+    if (!running())
+        setComparing(false);
     if (running())
         lossesTimer_ = Timer::repeating(clock_, 1.0, [this] { updateLosses(); });
     else

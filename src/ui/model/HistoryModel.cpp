@@ -66,7 +66,7 @@ void HistoryModel::restore(const EditState &from, const EditState &to) {
     AudioEngine &engine = state_.engine();
     const bool presetsChange = from.userPresets != to.userPresets;
     if (presetsChange)
-        setUserPresets(state_, to.userPresets);
+        state_.setUserPresets(to.userPresets);
     const auto &bands = from.bands == to.bands ? engine.eq().bands() : to.bands;
     const SpatialConfig &spatial = from.spatial == to.spatial ? engine.spatial() : to.spatial;
     if (from.activePresetID != to.activePresetID && to.activePresetID) {

@@ -90,6 +90,18 @@ TEST_F(EngineModelTest, ReadOutsPrintAsTheScreensShowThem) {
     EXPECT_EQ(model().losses(), "");
 }
 
+TEST_F(EngineModelTest, ComparingIsTheEnginesAndEndsWithIt) {
+    Announcements changes(model(), &EngineModel::comparingChanged);
+    run();
+    model().setComparing(true);
+    model().setComparing(true);
+    EXPECT_TRUE(engine().comparing());
+    EXPECT_EQ(changes.take(), 1);
+    model().stop();
+    EXPECT_FALSE(model().comparing());
+    EXPECT_EQ(changes.take(), 1);
+}
+
 TEST_F(EngineModelTest, TheSpectrumMovesOnlyWhileItIsSeenAndNoMoreOftenThan30TimesASecond) {
     Announcements levels(spectrum(), &SpectrumModel::levelsChanged);
     EXPECT_FALSE(spectrum().active());

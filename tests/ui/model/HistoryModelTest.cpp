@@ -1,5 +1,4 @@
 #include "ui/model/ModelFixture.h"
-#include "ui/model/UserPresets.h"
 
 #include <algorithm>
 
@@ -125,8 +124,6 @@ TEST_F(HistoryModelTest, NothingToUndoDoesNothing) {
 }
 
 TEST_F(HistoryModelTest, SavingDeletingAndImportingAreSteps) {
-    if constexpr (!KeepsUserPresets<AppState>)
-        GTEST_SKIP() << "the application's state cannot take presets back";
     const auto file = folder.path() / "Desk.txt";
     write(file, "Preamp: -6 dB\nFilter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70\n");
     expectOneStep([&] { app->presets()->save("One"); });
