@@ -32,7 +32,8 @@ AudioEngine::~AudioEngine() {
 }
 
 void AudioEngine::allEffectUnits(AudioUnitRegistry &registry) {
-    registerEffectUnits(registry, threadedSerialQueues());
+    // Bass and voice are analysed at the same moments: one wake-up does for both.
+    registerEffectUnits(registry, sharedThreadSerialQueues("Quorbel.Analysis"));
 }
 
 // Settings

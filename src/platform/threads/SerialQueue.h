@@ -41,6 +41,11 @@ using SerialQueueFactory = std::function<std::unique_ptr<SerialQueue>(const std:
 /// Each queue has a thread of its own and runs on real time.
 [[nodiscard]] SerialQueueFactory threadedSerialQueues();
 
+/// The queues of one factory share a thread on real time, named `threadName`, which lives as long
+/// as one of them: timers of several queues that fall due together cost one wake-up. A queue waits
+/// for the others' tasks as well, so this is for short ones.
+[[nodiscard]] SerialQueueFactory sharedThreadSerialQueues(std::string threadName);
+
 /// Queues that run on `clock` and its thread, so that on a manual clock their work falls on exactly
 /// the same sample in every run. All calls are then [main]; the clock must outlive the queues.
 [[nodiscard]] SerialQueueFactory clockedSerialQueues(Clock &clock);

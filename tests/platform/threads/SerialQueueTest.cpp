@@ -78,6 +78,40 @@ TEST(ThreadedSerialQueueTest, ATimerMayCancelItselfAndEndsWithTheQueue) {
     EXPECT_EQ(ticks, 1);
 }
 
+TEST(SharedThreadSerialQueueTest, QueuesEndOneByOneAndTheThreadWithTheLast) {
+    const auto queues = sharedThreadSerialQueues("shared");
+    std::atomic<int> firstTicks{0};
+    std::promise<std::thread::id> firstThread;
+    std::promise<std::thread::id> secondThread;
+    auto first = queues("first");
+    auto second = queues("second");
+    std::atomic<bool> told{false};
+    first->repeating(1e-4, 1e-4, [&] {
+        if (!told.exchange(true))
+            firstThread.set_value(std::this_thread::get_id());
+        ++firstTicks;
+    });
+    second->async([&] { secondThread.set_value(std::this_thread::get_id()); });
+    EXPECT_EQ(firstThread.get_future().get(), secondThread.get_future().get());
+
+    first.reset();
+    const int ended = firstTicks;
+    std::promise<void> stillRuns;
+    std::atomic<int> ticks{0};
+    second->repeating(1e-4, 1e-4, [&] {
+        if (++ticks == 20)
+            stillRuns.set_value();
+    });
+    stillRuns.get_future().wait();
+    EXPECT_EQ(firstTicks, ended) << "the other queue's timer went with it";
+
+    second.reset();
+    std::promise<void> again;
+    auto third = queues("third");
+    third->async([&] { again.set_value(); });
+    again.get_future().wait();
+}
+
 TEST(ClockedSerialQueueTest, TicksAtExactlyItsTimesAndNotBeyondItsEnd) {
     ManualClock clock;
     std::vector<int> blocksOfTicks;
