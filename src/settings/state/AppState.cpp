@@ -63,13 +63,11 @@ void AppState::deletePreset(const Preset &preset) {
 }
 
 void AppState::setUserPresets(std::vector<Preset> presets) {
-    std::erase_if(presets, [](const Preset &preset) {
-        return preset.category != Preset::Category::user;
-    });
+    std::erase_if(presets,
+                  [](const Preset &preset) { return preset.category != Preset::Category::user; });
     std::vector<Preset> all = presets_;
-    std::erase_if(all, [](const Preset &preset) {
-        return preset.category == Preset::Category::user;
-    });
+    std::erase_if(all,
+                  [](const Preset &preset) { return preset.category == Preset::Category::user; });
     std::ranges::move(presets, std::back_inserter(all));
     setPresets(std::move(all));
     if (activePreset() == nullptr)

@@ -3,14 +3,23 @@
 #include <algorithm>
 
 namespace quorbel {
+namespace {
 
-DeviceListModel::DeviceListModel(AppState &state, QObject *parent)
+constexpr double lookSeconds = 2.0;
+
+} // namespace
+
+DeviceListModel::DeviceListModel(AppState &state, Clock &clock, QObject *parent)
     : RecordListModel(parent), state_(state), devices_(state.deviceManager().outputDevices()),
       defaultUID_(state.deviceManager().currentDefaultOutputUID()) {
     connect(&state_.deviceManager(), &DeviceManager::outputDevicesChanged, this,
             &DeviceListModel::followDevices);
     connect(&state_.engine(), &AudioEngine::outputDeviceChanged, this,
             &DeviceListModel::followCurrent);
+    look_ = Timer::repeating(clock, lookSeconds, [this] {
+        if (state_.engine().state() != EngineLifecycle::State::running())
+            state_.deviceManager().refreshIfChanged();
+    });
 }
 
 int DeviceListModel::rowCount(const QModelIndex &parent) const {

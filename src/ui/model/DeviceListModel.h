@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/threads/Timer.h"
 #include "settings/state/AppState.h"
 #include "ui/model/RecordListModel.h"
 
@@ -29,7 +30,7 @@ class DeviceListModel final : public RecordListModel {
         isDefaultRole, ///< whether the system plays on it by default
     };
 
-    DeviceListModel(AppState &state, QObject *parent);
+    DeviceListModel(AppState &state, Clock &clock, QObject *parent);
 
     [[nodiscard]] int rowCount(const QModelIndex &parent) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
@@ -53,6 +54,7 @@ class DeviceListModel final : public RecordListModel {
     AppState &state_;
     std::vector<AudioDevice> devices_; ///< as shown
     std::optional<std::string> defaultUID_;
+    Timer look_; ///< while nothing runs, nobody else looks what is plugged in
 };
 
 } // namespace quorbel

@@ -1,5 +1,7 @@
 #include "ui/model/ModelFixture.h"
 
+#include <cerrno>
+
 namespace quorbel::testing {
 namespace {
 
@@ -36,6 +38,18 @@ TEST_F(DeviceListModelTest, ADeviceThatWentAndCameBackIsStillTheOneInUse) {
     hardware.addDevice({.uid = "speakers", .name = "Speakers"});
     devices().refresh();
     EXPECT_EQ(devices().currentIndex(), 1) << "under another id";
+}
+
+TEST_F(DeviceListModelTest, FollowsWhatIsPluggedInAlsoWhileNothingRuns) {
+    hardware.addDevice({.uid = "usb", .name = "Headset"});
+    clock.advance(2.5);
+    EXPECT_EQ(devices().count(), 3);
+    hardware.loseConnection(-EPIPE);
+    clock.advance(2.5);
+    EXPECT_EQ(devices().count(), 0);
+    hardware.restoreConnection();
+    clock.advance(2.5);
+    EXPECT_EQ(devices().count(), 3) << "and a server that came back";
 }
 
 TEST_F(DeviceListModelTest, NoDevices) {
