@@ -1,0 +1,111 @@
+#include "endtoend/window/WindowTest.h"
+
+#include <csignal>
+
+namespace quorbel {
+namespace {
+
+constexpr const char *noDeviceText = "No output device selected. Choose your speakers as output.";
+
+/// The gain of a band in what is saved.
+std::optional<double> savedGain(const nlohmann::json &settings, std::size_t band) {
+    const auto bands = settings.find("bands");
+    if (bands == settings.end() || bands->size() <= band)
+        return {};
+    return (*bands)[band]["gainDB"].get<double>();
+}
+
+TEST_F(WindowTest, FromTheFirstStartToTheLastEdit) {
+    ASSERT_FALSE(exists(settingsFile()));
+    open();
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LABEL, "STOPPED"}));
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LIST_ITEM, "Mine", "0"}));
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LIST_ITEM, "Factory", "33"}));
+
+    pressButton("Start");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LABEL, "ERROR"}));
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LABEL, noDeviceText}));
+
+    playTone();
+    ASSERT_TRUE(soonPlaysInto("speakers"));
+    startProcessing();
+    EXPECT_TRUE(soonHears(toneLevelDB)) << "ten flat bands";
+
+    setSlider("Band 7 gain", 6.0);
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_COMBO_BOX, "Preset", "Custom"}));
+    EXPECT_TRUE(soonHears(toneLevelDB + 6.0));
+
+    goTo("Factory");
+    pressButton("Apply", "MR5 Studio / Mixing");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_COMBO_BOX, "Preset", "MR5 Studio / Mixing"}));
+    EXPECT_TRUE(soonHears(toneLevelDB - 3.0, 0.3)) << "-3 dB at 2 kHz, and a little of -1 at 4 kHz";
+
+    goTo("Equalizer");
+    setSlider("Band 7 gain", -6.0);
+    EXPECT_TRUE(soonHears(toneLevelDB - 6.0, 0.3));
+    goTo("Mine");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LABEL, "No presets here yet"}));
+    pressButton("Save current…");
+    typeInto("Name", "Evening");
+    pressButton("Save");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_COMBO_BOX, "Preset", "Evening"}));
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LIST_ITEM, "Mine", "1"}));
+    EXPECT_EQ(saved()["presets"].size(), 34U) << "written at once";
+    pressButton("Delete preset", "Evening");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LIST_ITEM, "Mine", "0"}));
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LABEL, "No presets here yet"}));
+    EXPECT_EQ(saved()["presets"].size(), 33U);
+    EXPECT_TRUE(soonHears(toneLevelDB - 6.0, 0.3)) << "the sound stays";
+
+    goTo("Devices");
+    const Sought spectrum = {ATSPI_ROLE_CHECK_BOX, "Spectrum analyzer (visual only)"};
+    ASSERT_TRUE(window().find(spectrum).is(ATSPI_STATE_CHECKED));
+    press(spectrum);
+    EXPECT_TRUE(comesTrue(2.0, [&] { return !window().find(spectrum).is(ATSPI_STATE_CHECKED); }));
+    EXPECT_TRUE(comesTrue(2.0, [&] { return saved()["mixer"]["spectrumEnabled"] == false; }));
+    EXPECT_TRUE(soonHears(toneLevelDB - 6.0, 0.3));
+
+    pressButton("Stop", "Stop processing");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LABEL, "STOPPED"}));
+    EXPECT_TRUE(soonPlaysInto("speakers"));
+    EXPECT_TRUE(soonHears(toneLevelDB)) << "normal sound";
+
+    goTo("Equalizer");
+    const auto cross = frame();
+    setSlider("Band 2 gain", 4.5);
+    const auto edited = SteadyClock::now();
+    display().close(cross);
+    EXPECT_LT(SteadyClock::now() - edited, std::chrono::milliseconds(300));
+    EXPECT_EQ(program().exitStatusWithin(5.0), 0);
+    EXPECT_EQ(savedGain(saved(), 1), 4.5);
+}
+
+TEST_F(WindowTest, ASecondStartShowsTheFirst) {
+    open();
+    const auto ours = frame();
+    display().coverEverything();
+    ASSERT_TRUE(comesTrue(2.0, [&] { return !display().isInFront(ours); }));
+    EXPECT_EQ(start()->exitStatusWithin(5.0), 0);
+    EXPECT_TRUE(comesTrue(2.0, [&] { return display().isInFront(ours); }));
+
+    display().minimise(ours);
+    ASSERT_TRUE(comesTrue(2.0, [&] { return !display().isInFront(ours); }));
+    EXPECT_EQ(start()->exitStatusWithin(5.0), 0);
+    EXPECT_TRUE(comesTrue(2.0, [&] { return display().isInFront(ours); }));
+    EXPECT_TRUE(program().running());
+}
+
+TEST_F(WindowTest, AnEndBySignalSavesAndGivesTheSoundBack) {
+    open();
+    playTone();
+    startProcessing();
+    setSlider("Band 7 gain", -9.0);
+    program().signal(SIGTERM);
+    EXPECT_EQ(program().exitStatusWithin(5.0), 0);
+    EXPECT_EQ(savedGain(saved(), 6), -9.0);
+    EXPECT_TRUE(soonPlaysInto("speakers"));
+    EXPECT_TRUE(soonHears(toneLevelDB));
+}
+
+} // namespace
+} // namespace quorbel
