@@ -27,8 +27,11 @@ std::string launcherPath() {
 AccessibilityBus::AccessibilityBus(const PrivateSoundServer &session, const std::string &display) {
     Environment environment = session.environment();
     environment["DISPLAY"] = display;
-    launcher_ = std::make_unique<ChildProcess>(
-        std::vector<std::string>{launcherPath(), "--launch-immediately"}, environment);
+    // Killed, it would leave its bus behind: should this process die, it is asked to end instead.
+    launcher_ = std::make_unique<ChildProcess>(std::vector<std::string>{"setpriv", "--pdeathsig",
+                                                                        "TERM", launcherPath(),
+                                                                        "--launch-immediately"},
+                                               environment);
     std::string address;
     waitFor("the accessibility bus", 10.0, [&] {
         const auto question =
