@@ -106,6 +106,16 @@ bool VirtualDisplay::isInFront(Window window) const {
     return highest == window;
 }
 
+std::vector<std::uint8_t> VirtualDisplay::picture() const {
+    const auto cookie = xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, root_, 0, 0, width_,
+                                      height_, ~std::uint32_t{0});
+    const Owned<xcb_get_image_reply_t> reply(xcb_get_image_reply(connection_, cookie, nullptr));
+    if (!reply)
+        throw ServerError("the display shows nothing");
+    const std::uint8_t *pixels = xcb_get_image_data(reply.get());
+    return {pixels, pixels + xcb_get_image_data_length(reply.get())};
+}
+
 void VirtualDisplay::coverEverything() {
     const Window cover = xcb_generate_id(connection_);
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, cover, root_, 0, 0, width_, height_, 0,

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 struct xcb_connection_t;
 
@@ -30,6 +31,9 @@ class VirtualDisplay {
 
     /// Whether it is shown and no other window lies above it.
     [[nodiscard]] bool isInFront(Window window) const;
+
+    /// What is to be seen, four bytes for each pixel, row by row. Throws `ServerError`.
+    [[nodiscard]] std::vector<std::uint8_t> picture() const;
 
     /// Another program's window over all of the display, until the display ends.
     void coverEverything();

@@ -73,8 +73,8 @@ testing::AssertionResult WindowTest::soonShows(const Sought &what) const {
            << "the window does not show " << what.name << " (" << what.description << ")";
 }
 
-void WindowTest::playTone() {
-    sound_ = std::make_unique<Tone>(toneHz, toneLevelDB, sampleRate);
+void WindowTest::play(std::unique_ptr<Sound> sound) {
+    sound_ = std::move(sound);
     player_ = std::make_unique<Player>(session_->client, *sound_);
     speakers_ = std::make_unique<Recorder>(session_->client, "speakers", 120.0);
     player_->waitUntilRunning();

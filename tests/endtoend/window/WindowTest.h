@@ -61,8 +61,10 @@ class WindowTest : public testing::Test {
 
     // The user's eyes and ears.
     [[nodiscard]] testing::AssertionResult soonShows(const Sought &what) const;
-    /// An application plays the tone from now on.
-    void playTone();
+    /// An application plays from now on, and the speakers are recorded.
+    void play(std::unique_ptr<Sound> sound);
+    void playTone() { play(std::make_unique<Tone>(toneHz, toneLevelDB, sampleRate)); }
+    [[nodiscard]] const Recorder &speakers() const { return *speakers_; }
     /// Where it plays, as far as the server knows.
     [[nodiscard]] static testing::AssertionResult soonPlaysInto(const std::string &target);
     [[nodiscard]] std::string tapName() const;

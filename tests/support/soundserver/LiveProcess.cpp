@@ -1,11 +1,11 @@
 #include "support/soundserver/LiveProcess.h"
 
+#include "support/soundserver/ProcessUsage.h"
 #include "support/soundserver/Waiting.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -94,30 +94,10 @@ bool LiveProcess::hasLogged(const std::string &part) const {
 }
 
 double LiveProcess::processorSeconds() const {
-    // Nanoseconds of every thread, as the scheduler counts them; the process's own figure has a
-    // hundredth of a second for its smallest step.
-    double seconds = 0.0;
-    std::error_code ignored;
-    const std::string tasks = "/proc/" + std::to_string(process_->pid()) + "/task";
-    for (const auto &task : std::filesystem::directory_iterator(tasks, ignored)) {
-        double nanoseconds = 0.0;
-        std::ifstream(task.path() / "schedstat") >> nanoseconds;
-        seconds += nanoseconds * 1e-9;
-    }
-    return seconds;
+    return soundserver::processorSeconds(process_->pid());
 }
 
-double LiveProcess::memoryMiB() const {
-    std::ifstream file("/proc/" + std::to_string(process_->pid()) + "/smaps_rollup");
-    for (std::string word; file >> word;) {
-        if (word == "Pss:") {
-            double kilobytes = 0.0;
-            file >> kilobytes;
-            return kilobytes / 1024.0;
-        }
-    }
-    throw ServerError("no memory figures of ostrafine-cli");
-}
+double LiveProcess::memoryMiB() const { return soundserver::memoryMiB(process_->pid()); }
 
 std::vector<pid_t> LiveProcess::helpers() const {
     std::vector<pid_t> found;

@@ -55,10 +55,8 @@ class LiveProcess {
     [[nodiscard]] std::vector<std::string> logLines() const;
     [[nodiscard]] bool hasLogged(const std::string &part) const;
 
-    /// Time on a processor so far, of all threads.
+    /// See ProcessUsage.h.
     [[nodiscard]] double processorSeconds() const;
-
-    /// Memory in RAM: its own and its share of what it shares with other programs (Pss), in MiB.
     [[nodiscard]] double memoryMiB() const;
 
     /// The watchdog and other helpers it started, as far as they live.

@@ -1,0 +1,71 @@
+#include "endtoend/window/WindowTest.h"
+#include "support/soundserver/ProcessUsage.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <iostream>
+
+namespace quorbel {
+namespace {
+
+/// Noise in beats, four a second: every bar of the spectrum moves.
+class Beats : public Sound {
+  public:
+    void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
+        for (std::uint32_t frame = 0; frame < frames; ++frame) {
+            loudness_ = now_++ % 12000 == 0 ? 0.7F : loudness_ * 0.9998F;
+            left[frame] = loudness_ * noise();
+            right[frame] = loudness_ * noise();
+        }
+    }
+
+  private:
+    float noise() noexcept {
+        seed_ = seed_ * 1664525U + 1013904223U; // a linear congruence is noise enough
+        return static_cast<float>(static_cast<std::int32_t>(seed_)) / 0x1p31F;
+    }
+
+    std::uint64_t now_ = 0;
+    std::uint32_t seed_ = 1;
+    float loudness_ = 0.0F;
+};
+
+/// The share of a core that a process takes, the least of three: what else the machine does only
+/// adds to it.
+double loadOf(pid_t process, const Recorder &clock) {
+    constexpr double seconds = 2.0;
+    double least = 1.0;
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        const double before = processorSeconds(process);
+        clock.skip(seconds);
+        least = std::min(least, (processorSeconds(process) - before) / seconds);
+    }
+    return least;
+}
+
+TEST_F(WindowTest, CostsLittleAndLessWhileMinimised) {
+    server().forceQuantum(1024);
+    open();
+    play(std::make_unique<Beats>());
+    startProcessing();
+    const pid_t process = program().pid();
+    speakers().skip(1.0);
+
+    const auto picture = display().picture();
+    ASSERT_TRUE(comesTrue(1.0, [&] { return display().picture() != picture; })) << "it moves";
+    const double shown = loadOf(process, speakers());
+    const double memory = memoryMiB(process);
+    display().minimise(frame());
+    speakers().skip(0.5);
+    const double minimised = loadOf(process, speakers());
+    EXPECT_TRUE(soonPlaysInto(tapName())) << "processing goes on";
+    std::cout << "load with the window shown " << shown * 100 << " %, minimised " << minimised * 100
+              << " % of a core; memory " << memory << " MiB\n";
+    EXPECT_LT(shown, 0.25);
+    EXPECT_LT(minimised, 0.05);
+    EXPECT_LT(memory, 110.0);
+}
+
+} // namespace
+} // namespace quorbel

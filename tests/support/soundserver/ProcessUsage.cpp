@@ -1,0 +1,37 @@
+#include "support/soundserver/ProcessUsage.h"
+
+#include "support/soundserver/Waiting.h"
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace quorbel::soundserver {
+
+double processorSeconds(pid_t process) {
+    // Nanoseconds of every thread, as the scheduler counts them; the process's own figure has a
+    // hundredth of a second for its smallest step.
+    double seconds = 0.0;
+    std::error_code ignored;
+    const std::string tasks = "/proc/" + std::to_string(process) + "/task";
+    for (const auto &task : std::filesystem::directory_iterator(tasks, ignored)) {
+        double nanoseconds = 0.0;
+        std::ifstream(task.path() / "schedstat") >> nanoseconds;
+        seconds += nanoseconds * 1e-9;
+    }
+    return seconds;
+}
+
+double memoryMiB(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
+    for (std::string word; file >> word;) {
+        if (word == "Pss:") {
+            double kilobytes = 0.0;
+            file >> kilobytes;
+            return kilobytes / 1024.0;
+        }
+    }
+    throw ServerError("no memory figures of process " + std::to_string(process));
+}
+
+} // namespace quorbel::soundserver

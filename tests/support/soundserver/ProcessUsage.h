@@ -1,0 +1,14 @@
+#pragma once
+
+#include <sys/types.h>
+
+namespace quorbel::soundserver {
+
+/// Time on a processor that a process has had so far, in seconds, of all its threads.
+double processorSeconds(pid_t process);
+
+/// A process's memory in RAM: its own and its share of what it shares with others (Pss), in MiB.
+/// Throws `ServerError` if there is no such process.
+double memoryMiB(pid_t process);
+
+} // namespace quorbel::soundserver
