@@ -30,7 +30,7 @@ T.ComboBox {
             popup.open();
     }
 
-    delegate: DotMenuItem {
+    delegate: ChoiceLine {
         required property var model
         required property int index
 
@@ -38,7 +38,6 @@ T.ComboBox {
         text: control.textRole !== "" ? (model[control.textRole] ?? model.modelData?.[control.textRole] ?? "") : (model.modelData ?? "")
         symbol: control.currentIndex === index ? "checkmark" : ""
         highlighted: control.highlightedIndex === index
-        Accessible.role: Accessible.ListItem
         Accessible.selected: control.currentIndex === index
     }
     indicator: Symbol {
@@ -80,6 +79,8 @@ T.ComboBox {
             highlightMoveDuration: 0
             boundsBehavior: Flickable.StopAtBounds
             T.ScrollBar.vertical: DotScrollBar {}
+            Accessible.role: Accessible.List
+            Accessible.name: control.Accessible.name
         }
         background: Rectangle {
             radius: 2 * Theme.radius

@@ -42,7 +42,7 @@ void WindowTest::open() {
 
 void WindowTest::pick(const std::string &picker, const std::string &entry) const {
     press({ATSPI_ROLE_COMBO_BOX, picker});
-    press({ATSPI_ROLE_MENU_ITEM, entry});
+    press({ATSPI_ROLE_LIST_ITEM, entry});
     ASSERT_TRUE(soonShows({ATSPI_ROLE_COMBO_BOX, picker, entry}));
 }
 

@@ -181,6 +181,7 @@ ControlCase {
         const line = control.popup.contentItem.itemAtIndex(1);
         compare(line.text, data.second);
         compare(Probe.name(line), data.second);
+        compare(Probe.role(line), Accessible.ListItem);
         mouseClick(line);
         tryVerify(() => !control.popup.visible);
         compare(kept.choice, 1);
