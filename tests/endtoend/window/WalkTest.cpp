@@ -107,5 +107,31 @@ TEST_F(WindowTest, AnEndBySignalSavesAndGivesTheSoundBack) {
     EXPECT_TRUE(soonHears(toneLevelDB));
 }
 
+TEST_F(WindowTest, ClosedWhereThereIsNoTrayItEndsAndIsTheSameAgain) {
+    open();
+    playTone();
+    startProcessing();
+    setSlider("Band 7 gain", -9.0);
+    ASSERT_TRUE(soonHears(toneLevelDB - 9.0));
+    display().close(frame());
+    EXPECT_EQ(program().exitStatusWithin(5.0), 0);
+    EXPECT_TRUE(soonHears(toneLevelDB));
+
+    open();
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LABEL, "STOPPED"})) << "nothing starts by itself";
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_COMBO_BOX, "Output", "Speakers"}));
+    EXPECT_EQ(window().find({ATSPI_ROLE_SLIDER, "Band 7 gain"}).value(), -9.0);
+}
+
+TEST_F(WindowTest, KilledItGivesTheSoundBack) {
+    open();
+    playTone();
+    startProcessing();
+    program().signal(SIGKILL);
+    EXPECT_EQ(program().exitStatusWithin(5.0), 128 + SIGKILL);
+    EXPECT_TRUE(soonPlaysInto("speakers"));
+    EXPECT_TRUE(soonHears(toneLevelDB));
+}
+
 } // namespace
 } // namespace quorbel
