@@ -222,10 +222,10 @@ TEST_F(Load, StartsQuicklyAndRunsOnLittle) {
     std::cout << "first sound after " << startNanoseconds * 1e-6 << " ms, load " << load * 100
               << " % of a core, memory " << live->memoryMiB() << " MiB\n";
     EXPECT_LT(live->memoryMiB(), 25.0);
-    // The goal is 0.6 %, and it is not reached yet: a virtual machine that is otherwise idle takes
-    // up to 1.2 %, about a tenth of it for the chain's arithmetic. This bound only catches a load
-    // that has grown.
-    EXPECT_LT(load, 0.02);
+    // The goal is 0.6 %. Two otherwise idle virtual cores took 0.47 to 0.66 % from one minute to the
+    // next, a tenth of it for the chain's arithmetic: the bound leaves room for that and catches a
+    // load that has grown.
+    EXPECT_LT(load, 0.012);
 }
 
 } // namespace
