@@ -20,7 +20,7 @@ std::string stateText(const AudioEngine &engine) {
     case EngineLifecycle::State::Kind::running:
         return "running";
     case EngineLifecycle::State::Kind::error:
-        return engine.isComingBack() ? "waiting for the sound server" : "error";
+        return engine.isComingBack() ? "waiting: " + engine.state().message : "error";
     case EngineLifecycle::State::Kind::stopped:
         break;
     }

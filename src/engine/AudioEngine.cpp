@@ -88,12 +88,20 @@ void AudioEngine::setComparing(bool comparing) {
 void AudioEngine::start() {
     if (lifecycle.isStarting() || lifecycle.state() == EngineLifecycle::State::running())
         return;
-    comebackTimer.invalidate();
+    if (isComingBack()) {
+        comeback_.failedStarts = 0;
+        comeBack();
+        return;
+    }
     upheavals_ = {};
     deviceManager_.refreshIfChanged(); // nobody has listened to the hardware while it was stopped
     if (vanishedUID_)
         if (auto device = deviceManager_.outputDevice(*vanishedUID_))
             setOutputDevice(std::move(device));
+    if (outputDevice_)
+        if (auto listed = deviceManager_.outputDevice(outputDevice_->uid);
+            listed && listed != outputDevice_)
+            moveOutput(std::move(listed)); // it was replaced by itself
     beginStart();
 }
 

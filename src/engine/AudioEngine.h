@@ -74,7 +74,8 @@ class AudioEngine final : public QObject {
     void setComparing(bool comparing);
     [[nodiscard]] bool comparing() const { return comparing_; }
 
-    /// Returns at once; the outcome is a change of `state`. Ignored while starting or running.
+    /// Returns at once; the outcome is a change of `state`. Ignored while starting or running;
+    /// while coming back it means a look at once.
     void start();
     /// Also ends the wish to come back.
     void stop();

@@ -61,7 +61,7 @@ void AudioEngine::handleHardwareChange() {
 
     const auto defaultUID = deviceManager_.currentDefaultOutputUID();
     // Between two defaults there is nothing to build a capture around; the next change brings one.
-    if (systemTap.isRunning() && defaultUID && systemTap.builtWithDefaultUID() != defaultUID)
+    if (defaultUID && systemTap.isOutdatedBy(*defaultUID))
         rebuildTap();
 }
 

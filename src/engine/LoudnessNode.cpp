@@ -72,10 +72,10 @@ Status LoudnessNode::render(const RenderTime &, AudioBufferList &buffers,
     return statusOK;
 }
 
-float matchingGainDB(float power, float wanted) {
+std::optional<float> matchingGainDB(float power, float wanted) {
     constexpr float quietest = 1e-7F;
     if (!(power > quietest) || !(wanted > quietest))
-        return 0.0F;
+        return std::nullopt;
     return std::clamp(10.0F * std::log10(wanted / power), -24.0F, 24.0F);
 }
 

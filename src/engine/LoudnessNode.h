@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <optional>
 
 namespace quorbel {
 
@@ -38,8 +39,8 @@ class LoudnessNode final : public GraphNode {
     std::atomic<float> power_{0.0F};
 };
 
-/// The gain in dB that makes sound of `power` as loud as sound of `wanted` power, within ±24 dB; 0
-/// where either is too quiet to tell (below -70 dB).
-[[nodiscard]] float matchingGainDB(float power, float wanted);
+/// The gain in dB that makes sound of `power` as loud as sound of `wanted` power, within ±24 dB;
+/// nothing where either is too quiet to tell (below -70 dB).
+[[nodiscard]] std::optional<float> matchingGainDB(float power, float wanted);
 
 } // namespace quorbel

@@ -5,6 +5,7 @@
 #include "engine/UnitSettings.h"
 #include "platform/graph/MixerNode.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quorbel {
@@ -99,11 +100,18 @@ void ProcessingChain::setBypassed(bool bypassed) {
         return;
     isBypassed_ = bypassed;
     if (bypassed)
-        eq_.setBypassed(matchingGainDB(loudnessBefore_.power(), loudnessAfter_.power()));
+        eq_.setBypassed(bypassGainDB());
     else
         eq_.endBypass();
     pushSpatial();
     pushMixer();
+}
+
+float ProcessingChain::bypassGainDB() const {
+    // In silence nobody knows what comes next: no louder than the settings would have it.
+    const float gain = matchingGainDB(loudnessBefore_.power(), loudnessAfter_.power())
+                           .value_or(std::min(0.0F, eq_.globalGainDB()));
+    return mixer_.limiterEnabled ? gain : std::min(0.0F, gain);
 }
 
 void ProcessingChain::applySpatial(const SpatialConfig &spatial) {

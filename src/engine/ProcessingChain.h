@@ -68,6 +68,7 @@ class ProcessingChain {
   private:
     struct Instantiation;
 
+    [[nodiscard]] float bypassGainDB() const;
     void pushSpatial();
     void pushMixer();
     void adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit);

@@ -52,6 +52,11 @@ class SystemAudioTap final : private IOClient {
     [[nodiscard]] bool isRunning() const { return isRunning_; }
     void markStopped();
 
+    /// Whether the running capture has to be built anew now that `uid` is the default output.
+    [[nodiscard]] bool isOutdatedBy(const std::string &uid) const {
+        return isRunning_ && hardware_.isCaptureOutdated(builtWithDefaultUID_ != uid);
+    }
+
     /// The default output that the running capture was built around.
     [[nodiscard]] const std::optional<std::string> &builtWithDefaultUID() const {
         return builtWithDefaultUID_;

@@ -104,16 +104,20 @@ TEST_F(Comeback, ThroughEveryQuantumWithoutARestart) {
     EXPECT_FALSE(waits(*live));
 }
 
-TEST_F(Comeback, FromAnotherDefaultDevice) {
+TEST_F(Comeback, FromAnotherDefaultDeviceWithoutADrySound) {
+    const Recorder &hdmi = record("hdmi");
     playSequence();
     const auto live = startLive(twelveDBLower(), {"--device", "speakers"});
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    ASSERT_TRUE(soonHears(hdmi, Heard::silence));
+    const std::size_t change = hdmi.frames();
     server.setDefaultDevice("hdmi");
     ASSERT_TRUE(
         comesTrue(2.0, [&] { return server.state().defaultName("default.audio.sink") == "hdmi"; }));
     const Recorder &speakers = record("speakers"); // now, because the default moves recorders too
     EXPECT_TRUE(soonHears(speakers, Heard::processed)) << "the choice stands";
     EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    EXPECT_EQ(heardIn(hdmi.recording(change)), Heard::silence) << "nobody was put back meanwhile";
 }
 
 TEST_F(Comeback, ApplicationsMayComeAndGoLikeHail) {

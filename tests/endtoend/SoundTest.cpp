@@ -222,9 +222,9 @@ TEST_F(Load, StartsQuicklyAndRunsOnLittle) {
     std::cout << "first sound after " << startNanoseconds * 1e-6 << " ms, load " << load * 100
               << " % of a core, memory " << live->memoryMiB() << " MiB\n";
     EXPECT_LT(live->memoryMiB(), 25.0);
-    // The goal is 0.6 %. Two otherwise idle virtual cores took 0.47 to 0.66 % from one minute to the
-    // next, a tenth of it for the chain's arithmetic: the bound leaves room for that and catches a
-    // load that has grown.
+    // The goal is 0.6 %. Two otherwise idle virtual cores took 0.47 to 0.66 % from one minute to
+    // the next, a tenth of it for the chain's arithmetic: the bound leaves room for that and
+    // catches a load that has grown.
     EXPECT_LT(load, 0.012);
 }
 

@@ -79,6 +79,15 @@ TEST_F(EngineComebackTest, ADeviceReplacedWhileStoppedIsFoundByTheNextStart) {
     EXPECT_EQ(state(), "running");
 }
 
+TEST_F(EngineComebackTest, AStartByHandThatComesTooEarlyIsNoEnd) {
+    loseServer();
+    start();
+    EXPECT_TRUE(engine->isComingBack());
+    hardware.restoreConnection();
+    play(0.5);
+    EXPECT_EQ(state(), "running");
+}
+
 TEST_F(EngineComebackTest, AStartByHandDoesNotWaitForTheNextLook) {
     loseServer();
     hardware.restoreConnection();

@@ -164,6 +164,11 @@ class AudioHardware {
     virtual Status removeListener(HardwareProperty property, HardwareListener &listener) = 0;
 
     // Capture
+    /// Whether the capture that runs has to be made anew, now that the default output is another
+    /// one than it was made around, or the same.
+    [[nodiscard]] virtual bool isCaptureOutdated(bool isAnotherDefaultOutput) {
+        return isAnotherDefaultOutput;
+    }
     virtual Status createProcessTap(const TapDescription &description, AudioObjectID &tap) = 0;
     virtual Status destroyProcessTap(AudioObjectID tap) = 0;
     virtual Status tapFormat(AudioObjectID tap, StreamFormat &format) = 0;

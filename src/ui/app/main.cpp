@@ -44,7 +44,10 @@ int main(int argc, char **argv) {
     if (!window.isLoaded())
         return 1;
     const TrayItem tray(model);
-    window.goesOnWithoutWindow = [&] { return model.engine()->running() && tray.isThere(); };
+    window.goesOnWithoutWindow = [&] {
+        const EngineModel &engine = *model.engine();
+        return (engine.running() || engine.comingBack()) && tray.isThere();
+    };
     const auto raise = [&](const QString &token = {}) { window.raise(token); };
     QObject::connect(&tray, &TrayItem::windowRequested, &window, [&] { raise(); });
     QObject::connect(&instance, &SingleInstance::raiseRequested, &window, raise);

@@ -12,8 +12,9 @@ void EditHistory::beginGesture() {
 void EditHistory::endGesture() { close(); }
 
 void EditHistory::close() {
-    // A gesture that came back to where it began has changed nothing.
-    if (gestureHasStep_ && steps_.back().before == steps_.back().after) {
+    // A gesture or a burst that came back to where it began has changed nothing.
+    if ((gestureHasStep_ || lastIsOpen_) && !steps_.empty() &&
+        steps_.back().before == steps_.back().after) {
         steps_.pop_back();
         position_ = steps_.size();
     }
@@ -32,7 +33,11 @@ void EditHistory::record(EditState before, EditState after, std::string what,
                          const std::string &key, double now) {
     if (continuesLast(key, now)) {
         steps_.back().after = std::move(after);
+        if (!inGesture_)
+            steps_.back().what = std::move(what);
     } else {
+        if (!inGesture_)
+            close();
         if (before == after)
             return;
         steps_.erase(steps_.begin() + static_cast<std::ptrdiff_t>(position_), steps_.end());

@@ -46,6 +46,8 @@ bool EngineModel::running() const {
     return engine_.state().kind == EngineLifecycle::State::Kind::running;
 }
 
+bool EngineModel::comingBack() const { return engine_.isComingBack(); }
+
 QString EngineModel::errorMessage() const { return shown(shownState().message); }
 QString EngineModel::stateWord() const { return shown(quorbel::stateWord(shownState())); }
 QString EngineModel::subtitle() const {
@@ -57,10 +59,13 @@ QString EngineModel::secondLine() const {
 }
 
 void EngineModel::start() {
+    // Gone before the check, which may take hold of something that lasts until the next change.
+    setRefusal({});
     const QString reason = startCheck_ && !running() ? startCheck_() : QString();
-    setRefusal(reason);
     if (reason.isEmpty())
         engine_.start();
+    else
+        setRefusal(reason);
 }
 
 void EngineModel::stop() {

@@ -20,6 +20,8 @@ class EngineModel final : public QObject {
     /// "idle", "running" or "error". While a start is under way it is what it was before.
     Q_PROPERTY(QString state READ state NOTIFY stateChanged)
     Q_PROPERTY(bool running READ running NOTIFY stateChanged)
+    /// Whether it starts again by itself once the hardware is fit for it; `stop` ends that.
+    Q_PROPERTY(bool comingBack READ comingBack NOTIFY stateChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY stateChanged)
     Q_PROPERTY(QString stateWord READ stateWord NOTIFY stateChanged)
     Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
@@ -45,6 +47,7 @@ class EngineModel final : public QObject {
 
     [[nodiscard]] QString state() const;
     [[nodiscard]] bool running() const;
+    [[nodiscard]] bool comingBack() const;
     [[nodiscard]] QString errorMessage() const;
     [[nodiscard]] QString stateWord() const;
     [[nodiscard]] QString subtitle() const;

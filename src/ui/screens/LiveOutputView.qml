@@ -43,6 +43,14 @@ DotCard {
                 }
                 DotButton {
                     Layout.alignment: Qt.AlignTop
+                    visible: App.engine.comingBack
+                    flat: true
+                    text: qsTr("Give up")
+                    Accessible.description: qsTr("Processing would start again by itself")
+                    onClicked: App.engine.stop()
+                }
+                DotButton {
+                    Layout.alignment: Qt.AlignTop
                     visible: panel.failed
                     flat: true
                     text: qsTr("Copy")

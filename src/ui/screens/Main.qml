@@ -40,6 +40,9 @@ Window {
         id: desk
         anchors.fill: parent
         focus: true
+        // A popup takes the keyboard, and with it the release of the key.
+        onActiveFocusChanged: if (!activeFocus)
+            App.engine.comparing = false
         Keys.onPressed: event => {
             if (event.key !== Qt.Key_B || event.modifiers !== Qt.NoModifier || !App.engine.running)
                 return;

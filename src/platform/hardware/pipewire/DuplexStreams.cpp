@@ -232,6 +232,7 @@ void TapStream::deliver(IOClient &client, IOCycle cycle) noexcept {
         cycle.frames = std::min(left, longestDelivery);
         client.ioCycle(cycle);
         cycle.input = cycle.input.advancedBy(cycle.frames);
+        cycle.hostSeconds += cycle.frames / cycle.format.sampleRate;
         left -= cycle.frames;
     }
 }

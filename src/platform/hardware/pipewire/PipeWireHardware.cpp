@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 
 namespace quorbel {
 namespace {
@@ -18,6 +19,15 @@ constexpr double unlinkSeconds = 0.3;
 
 // A server that has just come back and does not answer soon is asked again a moment later.
 constexpr double reconnectSeconds = 0.2;
+
+/// After its start a session manager has found its devices by then.
+constexpr double managerStartSeconds = 10.0;
+
+double monotonicSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
 
 /// No object of the server: the capture device is the scheduling group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;
@@ -67,8 +77,13 @@ Status PipeWireHardware::open(double seconds) {
     registry_ = std::make_unique<ObjectRegistry>(*connection_);
     registry_->addObserver(*this);
     connection_->setLostHandler([this](Status lost) { tell(HardwareProperty::connection, lost); });
+    return settle(seconds);
+}
+
+/// Waits until the server has told what it holds.
+Status PipeWireHardware::settle(double seconds) {
     // The first answer names every object, the second brings their properties.
-    status = connection_->roundTrip(seconds);
+    Status status = connection_->roundTrip(seconds);
     if (status == statusOK)
         status = connection_->roundTrip(seconds);
     isSettled_ = status == statusOK;
@@ -102,6 +117,8 @@ Status PipeWireHardware::reconnect() {
             return statusOK;
         if (tap_ || captureDevice_ != 0 || outputDevice_ != 0)
             return -EBUSY;
+        if (!connection_->isLost())
+            return settle(reconnectSeconds); // a slow server, which has had more time now
     }
     return open(reconnectSeconds);
 }
@@ -210,8 +227,14 @@ Status PipeWireHardware::streamChannelCounts(AudioObjectID device, Scope scope,
 }
 
 Status PipeWireHardware::addListener(HardwareProperty property, HardwareListener &listener) {
-    const std::lock_guard guard(listenersMutex_);
-    listeners_.emplace_back(property, &listener);
+    {
+        const std::lock_guard guard(listenersMutex_);
+        listeners_.emplace_back(property, &listener);
+    }
+    // What was lost before anybody listened is not told again by itself.
+    const LoopLock lock(connection_->loop());
+    if (property == HardwareProperty::connection && connection_->isLost())
+        listener.hardwareLost(-EPIPE);
     return statusOK;
 }
 
@@ -258,7 +281,11 @@ void PipeWireHardware::metadataChanged(std::uint32_t subject, std::string_view k
         tell(HardwareProperty::defaultOutput);
 }
 
-void PipeWireHardware::metadataArrived() { tell(HardwareProperty::defaultOutput); }
+void PipeWireHardware::metadataArrived() {
+    if (isSettled_)
+        managerArrival_ = monotonicSeconds();
+    tell(HardwareProperty::defaultOutput);
+}
 
 // Capture
 
@@ -296,6 +323,11 @@ Status PipeWireHardware::createProcessTap(const TapDescription &description, Aud
     }
     tap = tap_->nodeID();
     return statusOK;
+}
+
+bool PipeWireHardware::isCaptureOutdated(bool isAnotherDefaultOutput) {
+    const LoopLock lock(connection_->loop());
+    return isAnotherDefaultOutput && monotonicSeconds() - managerArrival_ < managerStartSeconds;
 }
 
 void PipeWireHardware::restoreLeftovers() {

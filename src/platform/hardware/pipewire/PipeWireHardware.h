@@ -46,6 +46,10 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     Status addListener(HardwareProperty property, HardwareListener &listener) override;
     Status removeListener(HardwareProperty property, HardwareListener &listener) override;
 
+    /// The default output is nothing to the capture. But a new session manager does not link
+    /// streams to a tap that was there before it was ready, and until it is, its defaults come and
+    /// go.
+    bool isCaptureOutdated(bool isAnotherDefaultOutput) override;
     Status createProcessTap(const TapDescription &description, AudioObjectID &tap) override;
     Status destroyProcessTap(AudioObjectID tap) override;
     Status tapFormat(AudioObjectID tap, StreamFormat &format) override;
@@ -64,7 +68,8 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     class Output;
 
     PipeWireHardware() = default;
-    Status open(double answerSeconds);
+    Status open(double seconds);
+    Status settle(double seconds);
     void close();
     [[nodiscard]] double graphRate() const;
     [[nodiscard]] const NodeRecord *defaultSink() const;
@@ -85,6 +90,7 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     std::unique_ptr<StreamRouter> router_;
     DuplexPair pair_;
     std::unique_ptr<TapStream> tap_;
+    double managerArrival_ = -1e9; ///< monotonic seconds; long ago if it was there before us
     AudioObjectID captureDevice_ = 0;
     IOClient *ioClient_ = nullptr;
     bool isIORunning_ = false;
