@@ -103,9 +103,9 @@ void DeviceManager::refreshIfChanged() {
 
 void DeviceManager::refresh() {
     hardware_.reconnect();
-    listedIDs_.clear();
-    hardware_.deviceList(listedIDs_);
     std::vector<AudioDevice> devices = allDevices();
+    listedIDs_.clear();
+    std::ranges::transform(devices, std::back_inserter(listedIDs_), &AudioDevice::id);
     std::erase_if(devices, [](const AudioDevice &device) { return device.outputChannels <= 0; });
     if (devices == outputDevices_)
         return;

@@ -53,22 +53,18 @@ void AppState::savePreset(const std::string &name) {
 void AppState::deletePreset(const Preset &preset) {
     if (preset.category != Preset::Category::user)
         return;
-    const Uuid id = preset.id; // `preset` may be an entry of the list
     std::vector<Preset> remaining = presets_;
-    std::erase_if(remaining, [&](const Preset &candidate) { return candidate.id == id; });
-    setPresets(std::move(remaining));
-    if (activePresetID_ == id)
-        setActivePresetID(firstPresetID());
-    persist();
+    std::erase_if(remaining, [&](const Preset &candidate) { return candidate.id == preset.id; });
+    setUserPresets(std::move(remaining));
 }
 
 void AppState::setUserPresets(std::vector<Preset> presets) {
-    std::erase_if(presets,
-                  [](const Preset &preset) { return preset.category != Preset::Category::user; });
+    const auto isUsers = [](const Preset &preset) {
+        return preset.category == Preset::Category::user;
+    };
     std::vector<Preset> all = presets_;
-    std::erase_if(all,
-                  [](const Preset &preset) { return preset.category == Preset::Category::user; });
-    std::ranges::move(presets, std::back_inserter(all));
+    std::erase_if(all, isUsers);
+    std::ranges::copy_if(presets, std::back_inserter(all), isUsers);
     setPresets(std::move(all));
     if (activePreset() == nullptr)
         setActivePresetID(firstPresetID());

@@ -1,5 +1,7 @@
 #include "platform/hardware/pipewire/DuplexStreams.h"
 
+#include "platform/hardware/pipewire/SystemTime.h"
+
 #include <fmt/format.h>
 #include <spa/param/audio/format-utils.h>
 #include <spa/param/props.h>
@@ -8,7 +10,6 @@
 #include <array>
 #include <cerrno>
 #include <cmath>
-#include <ctime>
 #include <unistd.h>
 
 namespace quorbel {
@@ -67,12 +68,6 @@ bool isAudible(const AudioBufferList &list, std::uint32_t frames) noexcept {
         for (std::uint32_t i = 0; i < frames; ++i)
             peak = std::max(peak, std::abs(list.data[channel][i]));
     return peak > 1e-5F;
-}
-
-double secondsOn(clockid_t clock) noexcept {
-    timespec now{};
-    clock_gettime(clock, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
 } // namespace
@@ -313,7 +308,7 @@ void OutStream::paused() {
 }
 
 bool OutStream::wasHeardWithin(double seconds) const noexcept {
-    return secondsOn(CLOCK_MONOTONIC) - lastHeardSeconds_ < seconds;
+    return monotonicSeconds() - lastHeardSeconds_ < seconds;
 }
 
 bool OutStream::isReadyForBlock() const noexcept { return isStreaming_ && !isBlockUnplayed_; }
@@ -344,7 +339,7 @@ void OutStream::process() noexcept {
         if (client) {
             client->renderCycle(list, frames);
             if (isAudible(list, frames))
-                lastHeardSeconds_ = secondsOn(CLOCK_MONOTONIC);
+                lastHeardSeconds_ = monotonicSeconds();
         } else {
             for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel)
                 std::fill_n(list.data[channel], frames, 0.0F);

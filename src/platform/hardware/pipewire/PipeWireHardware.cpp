@@ -1,6 +1,7 @@
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 
 #include "platform/hardware/pipewire/PipeWireOutput.h"
+#include "platform/hardware/pipewire/SystemTime.h"
 
 #include <spa/utils/json.h>
 
@@ -8,7 +9,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <ctime>
 
 namespace quorbel {
 namespace {
@@ -22,12 +22,6 @@ constexpr double reconnectSeconds = 0.2;
 
 /// After its start a session manager has found its devices by then.
 constexpr double managerStartSeconds = 10.0;
-
-double monotonicSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
 
 /// No object of the server: the capture device is the scheduling group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;

@@ -1,5 +1,7 @@
 #include "platform/hardware/pipewire/StreamRouter.h"
 
+#include "platform/hardware/pipewire/SystemTime.h"
+
 #include <algorithm>
 #include <array>
 #include <ctime>
@@ -11,12 +13,6 @@ namespace {
 constexpr double handshakeSeconds = 0.5;
 constexpr double linkSeconds = 2.0;
 constexpr long timerNanoseconds = 50'000'000;
-
-double monotonicSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
 
 /// The PulseAudio server sets this on a stream in the moment in which it answers the client.
 bool isAnsweredPulseClient(const NodeRecord &node) {
