@@ -74,6 +74,8 @@ NamelessFile::~NamelessFile() {
 
 // A nameless file can only be given a name that is free, so replacing takes two steps.
 void NamelessFile::takeName() {
+    if (fsync(descriptor_) != 0)
+        failWithErrno();
     if (temporary_.empty()) {
         const std::string self = "/proc/self/fd/" + std::to_string(descriptor_);
         std::string name = freeNameBeside(resolved_);

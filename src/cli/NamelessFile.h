@@ -18,7 +18,7 @@ class NamelessFile {
 
     [[nodiscard]] int descriptor() const { return descriptor_; }
 
-    /// Replaces the target. Throws CommandError.
+    /// Replaces the target with what has reached the disk. Throws CommandError.
     void takeName();
 
   private:

@@ -2,11 +2,13 @@
 
 #include "cli/CommandError.h"
 #include "cli/NamelessFile.h"
+#include "cli/WriteBehind.h"
 
 #include <sndfile.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -33,6 +35,8 @@ struct SoundFileWriter::State {
     explicit State(const std::string &path) : target(path) {}
 
     NamelessFile target;
+    WriteBehind writeBehind{target.descriptor()};
+    std::uint64_t bytesWritten = 0;
     std::unique_ptr<SNDFILE, Closer> file;
     std::vector<float> interleaved = std::vector<float>(std::size_t{2} * bufferFrames);
     std::uint32_t framesBuffered = 0; ///< of those, what the file has not had yet
@@ -78,13 +82,13 @@ void SoundFileWriter::flush() {
     const sf_count_t frames = std::exchange(state_->framesBuffered, 0);
     if (sf_writef_float(state_->file.get(), state_->interleaved.data(), frames) != frames)
         fail(sf_strerror(state_->file.get()));
+    state_->bytesWritten += static_cast<std::uint64_t>(frames) * bytesPerFrame;
+    if (const int error = state_->writeBehind.reached(state_->bytesWritten); error != 0)
+        fail(std::generic_category().message(error));
 }
 
 void SoundFileWriter::finish() {
     flush();
-    sf_write_sync(state_->file.get());
-    if (sf_error(state_->file.get()) != SF_ERR_NO_ERROR)
-        fail(sf_strerror(state_->file.get()));
     if (const int status = sf_close(state_->file.release()); status != SF_ERR_NO_ERROR)
         fail(sf_error_number(status));
     state_->target.takeName();
