@@ -1,6 +1,7 @@
 #include "endtoend/DelayProbe.h"
 #include "endtoend/LiveTest.h"
 #include "support/soundserver/LateDevice.h"
+#include "support/soundserver/StallWitness.h"
 
 #include <fmt/format.h>
 
@@ -23,32 +24,41 @@ class Sound : public LiveTest, public testing::WithParamInterface<std::tuple<std
     static std::vector<std::string> onDevice() { return {"--device", device()}; }
 };
 
-/// When the machine stood still, in nanoseconds: a recorder missed a cycle, or sound on the other
-/// device, which does not pass through us, was hurt.
-std::vector<std::uint64_t> stallsIn(const Recording &heard, const Recording &control) {
-    std::vector<std::uint64_t> stalls;
-    for (const std::size_t frame : heard.framesAfterGaps()) {
-        stalls.push_back(heard.nanosecondsOf(frame));
+/// Tells the moments of a recording that say something about us from those in which the machine
+/// stood still or the recorder missed a cycle.
+class Disturbances {
+  public:
+    Disturbances(const StallWitness &witness, const Recording &heard)
+        : heard_(heard), stalls_(witness.stalls()) {
+        for (const std::size_t frame : heard.framesAfterGaps()) {
+            stalls_.push_back({heard.nanosecondsOf(frame), heard.nanosecondsOf(frame)});
+        }
     }
-    for (const std::size_t frame : control.framesAfterGaps()) {
-        stalls.push_back(control.nanosecondsOf(frame));
-    }
-    for (const std::size_t frame : SequenceReport::of(control).faults) {
-        stalls.push_back(control.nanosecondsOf(frame));
-    }
-    return stalls;
-}
 
-/// Whether everything that went wrong went wrong within 50 ms of a stall.
-bool allFaultsAreIn(const std::vector<std::uint64_t> &stalls, const Recording &heard,
-                    const SequenceReport &report) {
-    return std::ranges::all_of(report.faults, [&](std::size_t frame) {
-        const auto when = static_cast<double>(heard.nanosecondsOf(frame));
-        return std::ranges::any_of(stalls, [&](std::uint64_t stall) {
-            return std::abs(static_cast<double>(stall) - when) < 50e6;
+    [[nodiscard]] bool none() const { return stalls_.empty(); }
+
+    /// Or comes within 20 ms of one.
+    [[nodiscard]] bool include(std::size_t frame) const {
+        constexpr std::uint64_t margin = 20'000'000;
+        const std::uint64_t when = heard_.nanosecondsOf(frame);
+        return std::ranges::any_of(stalls_, [&](const StallWitness::Stall &stall) {
+            return when + margin >= stall.begin && when <= stall.end + margin;
         });
-    });
-}
+    }
+
+    [[nodiscard]] double undisturbedSeconds() const {
+        constexpr std::size_t step = 48;
+        std::size_t undisturbed = 0;
+        for (std::size_t frame = 0; frame < heard_.frames(); frame += step) {
+            undisturbed += include(frame) ? 0 : step;
+        }
+        return static_cast<double>(undisturbed) / 48000.0;
+    }
+
+  private:
+    const Recording &heard_;
+    std::vector<StallWitness::Stall> stalls_;
+};
 
 INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
                          testing::Combine(testing::Values("speakers", "hdmi"),
@@ -60,47 +70,40 @@ INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
 
 TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     const double seconds = slowTestsWanted() ? 300.0 : 30.0;
-    const int attempts = quantum() == 64 ? 2 : 3;
-    const Recorder &recorder = record(device(), attempts * seconds + 30.0);
+    const Recorder &recorder = record(device(), 8.0 * seconds);
     playSequence();
-    // A virtual machine stands still now and then. What happens to sound that does not pass through
-    // us, on the other device, tells such a moment from a fault of ours.
-    const std::string otherDevice = device() == "hdmi" ? "speakers" : "hdmi";
-    const Recorder &control = record(otherDevice, attempts * seconds + 30.0);
-    Player::Options untouched("control", otherDevice);
-    untouched.mayBeMoved = false;
-    playSequence(untouched);
-
     const auto live = startLive(LiveSettings::flat(), onDevice());
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     ASSERT_TRUE(soonHears(recorder, Heard::dry)); // flat: what is heard is the sequence itself
     recorder.skip(1.5);
-    std::string story;
-    for (int attempt = 1; attempt <= attempts; ++attempt) {
+    // A virtual machine stands still now and then, and the cycle that this takes up is lost to
+    // every program. Where the graph's threads wake up late by a quarter of a cycle each, it is at
+    // risk.
+    const StallWitness witness(0.25 * quantum() / 48000.0);
+    double undisturbed = 0.0;
+    for (int stretch = 0; stretch < 8 && undisturbed < seconds; ++stretch) {
         const std::size_t linesBefore = lossLines(*live).size();
-        const std::size_t controlStart = control.frames();
-        const Recording heard = recorder.next(seconds);
+        const Recording heard = recorder.next(seconds - undisturbed + 0.1);
         const auto report = SequenceReport::of(heard);
         ASSERT_EQ(report.leadingSilence, 0U);
         ASSERT_EQ(report.frames, heard.frames());
-        if (report.intact() && lossLines(*live).size() == linesBefore) {
-            return;
+        const Disturbances disturbances(witness, heard);
+        for (const std::size_t frame : report.faults) {
+            ASSERT_TRUE(disturbances.include(frame)) << "at frame " << frame << " of " << report;
         }
-        const Recording other = control.recording(controlStart);
-        const auto stalls = stallsIn(heard, other);
-        story += fmt::format("{} ({} stalls of the machine)\n", testing::PrintToString(report),
-                             stalls.size());
-        ASSERT_FALSE(stalls.empty()) << story << testing::PrintToString(lossLines(*live));
-        if (allFaultsAreIn(stalls, heard, report)) {
-            std::cout << story;
-            return;
+        ASSERT_TRUE(lossLines(*live).size() == linesBefore || !disturbances.none())
+            << testing::PrintToString(lossLines(*live));
+        if (!report.intact()) {
+            std::cout << "while the machine stood still: " << report << "\n";
         }
+        undisturbed += disturbances.undisturbedSeconds();
     }
-    // Cycles of 1.3 ms are beyond some machines: the control lost frames in every attempt, too.
-    if (quantum() == 64) {
-        GTEST_SKIP() << "this machine stands still too often for quantum 64:\n" << story;
+    // Cycles of 1.3 ms are beyond some virtual machines; they do not get so far.
+    if (undisturbed < seconds && quantum() == 64) {
+        GTEST_SKIP() << "this machine stands still too often for quantum 64: " << undisturbed
+                     << " s of " << seconds << " s without";
     }
-    FAIL() << story;
+    EXPECT_GE(undisturbed, seconds) << "this machine stands still too often";
 }
 
 TEST_P(Sound, TheLimiterLooksAheadAndNothingElseAddsToTheDelay) {
@@ -110,6 +113,28 @@ TEST_P(Sound, TheLimiterLooksAheadAndNothingElseAddsToTheDelay) {
     ASSERT_TRUE(soonPlaysInto("probe", {tapName(*live)}));
     ASSERT_EQ(direct.size(), 1U);
     EXPECT_EQ(probe.delays(20), std::set{*direct.begin() + limiterDelayFrames});
+}
+
+TEST_F(LiveTest, AServerThatIsHeldUpCostsWholeCycles) {
+    constexpr int quantum = 256;
+    server.forceQuantum(quantum);
+    const Recorder &recorder = record("speakers", 60.0);
+    playSequence();
+    const auto live = startLive(LiveSettings::flat());
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    ASSERT_TRUE(soonHears(recorder, Heard::dry));
+    recorder.skip(1.5);
+    // Two or three cycles long: the server then starts as many at once.
+    for (int milliseconds = 8; milliseconds < 16; ++milliseconds) {
+        for (int turn = 0; turn < 3; ++turn) {
+            const std::size_t start = recorder.frames();
+            server.holdUp(milliseconds * 1e-3);
+            recorder.skip(0.2);
+            const auto report = SequenceReport::of(recorder.recording(start));
+            // What the limiter held was not exchanged for silence that nobody played.
+            EXPECT_EQ(report.lost % quantum, 0) << milliseconds << " ms: " << report;
+        }
+    }
 }
 
 class Delay : public LiveTest {};

@@ -7,11 +7,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <sstream>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace quorbel::soundserver {
@@ -267,6 +270,12 @@ void PrivateSoundServer::crash() {
     pulse_.reset();
     sessionManager_.reset();
     pipewire_.reset();
+}
+
+void PrivateSoundServer::holdUp(double seconds) const {
+    pipewire_->signal(SIGSTOP);
+    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    pipewire_->signal(SIGCONT);
 }
 
 void PrivateSoundServer::restart() {

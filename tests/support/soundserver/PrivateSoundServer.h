@@ -67,6 +67,9 @@ class PrivateSoundServer {
     /// Ends the server as a crash would, with the session's programs left alone.
     void crash();
 
+    /// The machine does not get round to the server for so long.
+    void holdUp(double seconds) const;
+
     /// Starts it again after a crash, as the user's service manager would. What was connected
     /// before is not any more.
     void restart();

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cmath>
 #include <unistd.h>
+#include <utility>
 
 namespace quorbel {
 namespace {
@@ -187,6 +188,11 @@ std::uint32_t ServerStream::cycleFrames() const noexcept {
                                : 0;
 }
 
+std::uint64_t ServerStream::cycleStartNanoseconds() const noexcept {
+    const spa_io_position *position = position_.load();
+    return position != nullptr ? position->clock.nsec : 0;
+}
+
 TapStream::TapStream(ServerConnection &connection, DuplexPair &pair)
     : ServerStream(connection, pair) {
     pair_.tap = this;
@@ -239,6 +245,11 @@ void TapStream::process() noexcept {
             pw_stream_queue_buffer(stream_.get(), newest);
         newest = buffer;
     }
+    if (hasRunInThisCycle()) {
+        if (newest != nullptr)
+            pw_stream_queue_buffer(stream_.get(), newest);
+        return;
+    }
     IOCycle cycle;
     cycle.format = format_;
     cycle.hostSeconds = secondsOn(CLOCK_BOOTTIME);
@@ -263,6 +274,11 @@ void TapStream::process() noexcept {
     }
     if (newest != nullptr)
         pw_stream_queue_buffer(stream_.get(), newest);
+}
+
+bool TapStream::hasRunInThisCycle() noexcept {
+    const std::uint64_t start = cycleStartNanoseconds();
+    return start != 0 && std::exchange(lastCycleStart_, start) == start;
 }
 
 OutStream::OutStream(ServerConnection &connection, DuplexPair &pair, RenderClient &client)

@@ -56,6 +56,8 @@ class ServerStream {
     virtual void paused() {}          ///< the graph has stopped running the stream [control]
     /// The graph's block length, or 0 while it is unknown. [real-time]
     [[nodiscard]] std::uint32_t cycleFrames() const noexcept;
+    /// When the graph's cycle began, which no other began, or 0 while it is unknown. [real-time]
+    [[nodiscard]] std::uint64_t cycleStartNanoseconds() const noexcept;
 
     ServerConnection &connection_;
     DuplexPair &pair_;
@@ -88,8 +90,13 @@ class TapStream final : public ServerStream {
     void process() noexcept override;
     void formatChanged() override;
     static void deliver(IOClient &client, IOCycle cycle) noexcept;
+    /// A server that was held up starts its cycles one right after the other; by the time that we
+    /// wake for one, the next may have begun, and we are run twice in it: once with its sound, once
+    /// with nothing, which must not be taken for silence. [real-time]
+    [[nodiscard]] bool hasRunInThisCycle() noexcept;
 
     RealtimeSlot<IOClient> client_;
+    std::uint64_t lastCycleStart_ = 0; // real-time only
     std::array<float, maximumBlockFrames> silence_{};
 };
 
