@@ -49,8 +49,7 @@ class MovingSection {
 
 } // namespace
 
-EqualizerChain::EqualizerChain(std::size_t bandCount)
-    : bands_(bandCount), restSections_(bandCount), restLeft_(bandCount), restRight_(bandCount) {}
+EqualizerChain::EqualizerChain(std::size_t bandCount) : bands_(bandCount) {}
 
 void EqualizerChain::prepare(double sampleRate) {
     for (Band &band : bands_)
@@ -185,8 +184,11 @@ void EqualizerChain::process(float *left, float *right, std::uint32_t frames) no
         if (stepPosition_ == stepFrames_)
             finishStep();
     }
-    if (frames > 0)
-        processAtRest(left, right, frames);
+    if (frames == 0)
+        return;
+    RestingSections sections(left, right, frames);
+    addTo(sections);
+    sections.run();
 }
 
 void EqualizerChain::processGliding(float *left, float *right, std::uint32_t frames) noexcept {
@@ -212,31 +214,11 @@ void EqualizerChain::processGliding(float *left, float *right, std::uint32_t fra
     }
 }
 
-void EqualizerChain::processAtRest(float *left, float *right, std::uint32_t frames) noexcept {
-    std::size_t count = 0;
-    for (const Band &band : bands_)
-        if (band.running) {
-            restSections_[count] = band.section;
-            restLeft_[count] = band.left;
-            restRight_[count] = band.right;
-            ++count;
-        }
-    if (count > 0)
-        processCascade({restSections_.data(), restLeft_.data(), restRight_.data(), count}, left,
-                       right, frames);
-    count = 0;
+void EqualizerChain::addTo(RestingSections &sections) noexcept {
     for (Band &band : bands_)
-        if (band.running) {
-            band.left = restLeft_[count];
-            band.right = restRight_[count];
-            ++count;
-        }
-    if (gain_ == 1.0F)
-        return;
-    for (std::uint32_t i = 0; i < frames; ++i) {
-        left[i] *= gain_;
-        right[i] *= gain_;
-    }
+        if (band.running)
+            sections.add(band.section, band.left, band.right);
+    sections.scale(gain_);
 }
 
 void EqualizerChain::dropNonFinite() noexcept {

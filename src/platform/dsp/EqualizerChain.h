@@ -2,6 +2,7 @@
 
 #include "platform/dsp/BandDesign.h"
 #include "platform/dsp/Glide.h"
+#include "platform/dsp/RestingSections.h"
 #include "platform/dsp/StateVariableSection.h"
 
 #include <cstddef>
@@ -43,6 +44,10 @@ class EqualizerChain {
     /// In place. At rest flat bands and a gain of 0 dB leave the samples untouched.
     void process(float *left, float *right, std::uint32_t frames) noexcept;
 
+    [[nodiscard]] bool isAtRest() const noexcept { return !gliding_; }
+    /// What `process` would do, for a chain that is at rest.
+    void addTo(RestingSections &sections) noexcept;
+
     /// Takes out what is not a finite number, so that it does not stay for ever.
     void dropNonFinite() noexcept;
 
@@ -64,17 +69,11 @@ class EqualizerChain {
     void startStep() noexcept;
     void finishStep() noexcept;
     void processGliding(float *left, float *right, std::uint32_t frames) noexcept;
-    void processAtRest(float *left, float *right, std::uint32_t frames) noexcept;
 
     std::vector<Band> bands_;
     Glide<1> gainGlide_;    // dB
     float gain_ = 1.0F;     // at the start of the current step
     float nextGain_ = 1.0F; // at its end
-
-    // Only within a call: the running bands side by side.
-    std::vector<SectionCoefficients> restSections_;
-    std::vector<SectionState> restLeft_;
-    std::vector<SectionState> restRight_;
 
     std::uint32_t stepFrames_ = 16;
     std::uint32_t stepPosition_ = 0; // frames of the current step already rendered

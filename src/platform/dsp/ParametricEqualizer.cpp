@@ -86,8 +86,7 @@ void ParametricEqualizer::acceptDesign() noexcept {
 }
 
 void ParametricEqualizer::process(float *left, float *right, std::uint32_t frames) noexcept {
-    if (handOver_.fetch())
-        pending_ = true;
+    fetchDesign();
     while (frames > 0) {
         if (pending_ && !fading_)
             acceptDesign();
@@ -106,6 +105,32 @@ void ParametricEqualizer::process(float *left, float *right, std::uint32_t frame
     chain_.dropNonFinite();
     if (fading_)
         incoming_.dropNonFinite();
+}
+
+void ParametricEqualizer::processInSeries(ParametricEqualizer &first, ParametricEqualizer &second,
+                                          float *left, float *right,
+                                          std::uint32_t frames) noexcept {
+    if (!first.isAtRest() || !second.isAtRest()) {
+        first.process(left, right, frames);
+        second.process(left, right, frames);
+        return;
+    }
+    RestingSections sections(left, right, frames);
+    first.chain_.addTo(sections);
+    second.chain_.addTo(sections);
+    sections.run();
+    first.chain_.dropNonFinite();
+    second.chain_.dropNonFinite();
+}
+
+void ParametricEqualizer::fetchDesign() noexcept {
+    if (handOver_.fetch())
+        pending_ = true;
+}
+
+bool ParametricEqualizer::isAtRest() noexcept {
+    fetchDesign();
+    return !pending_ && !fading_ && chain_.isAtRest();
 }
 
 void ParametricEqualizer::processFading(float *left, float *right, std::uint32_t frames) noexcept {

@@ -39,10 +39,17 @@ class ParametricEqualizer {
     /// Any number of frames, in place. How the sound is cut into calls makes no difference to it.
     void process(float *left, float *right, std::uint32_t frames) noexcept; // [render]
 
+    /// `first`, then `second`: in one pass while neither changes, for about the time of one.
+    static void processInSeries(ParametricEqualizer &first, ParametricEqualizer &second,
+                                float *left, float *right,
+                                std::uint32_t frames) noexcept; // [render]
+
   private:
     static constexpr std::uint32_t fadeChunk = 64;
 
     void publish();
+    void fetchDesign() noexcept;
+    [[nodiscard]] bool isAtRest() noexcept; ///< also of what was set just now
     void acceptDesign() noexcept;
     void processFading(float *left, float *right, std::uint32_t frames) noexcept;
 

@@ -273,6 +273,34 @@ void runEdge(const LaneCoefficients<channels> &c, StereoLanes<channels> &states,
     states = lanes;
 }
 
+/// The first steps of a call that is longer than the delay: one lane after the other starts.
+template <Channels channels>
+void runStart(LaneCoefficients<channels> c, StereoLanes<channels> &states, const float *left,
+              const float *right, std::uint32_t delay) noexcept {
+    StereoLanes<channels> lanes = states;
+    Vector now = hn::Zero(tag);
+    for (std::size_t step = 0; step < delay; ++step) {
+        lanes.step(c, {left[step], right[step]}, hn::Ge(now, c.startStep));
+        now = hn::Add(now, hn::Set(tag, 1.0F));
+    }
+    states = lanes;
+}
+
+/// The steps after its last input: one lane after the other stops.
+template <Channels channels>
+void runEnd(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left, float *right,
+            std::uint32_t delay) noexcept {
+    StereoLanes<channels> lanes = states;
+    Vector now = hn::Zero(tag);
+    for (std::size_t step = 0; step < delay; ++step) {
+        const Frame output = lanes.step(c, {0.0F, 0.0F}, hn::Lt(now, c.startStep));
+        left[step] = output.left;
+        right[step] = output.right;
+        now = hn::Add(now, hn::Set(tag, 1.0F));
+    }
+    states = lanes;
+}
+
 /// Steps in which all lanes work. Everything is copied, so that the loop runs in registers.
 template <Channels channels>
 void runMiddle(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left,
@@ -293,10 +321,13 @@ void processLanes(const SectionCascade &cascade, float *left, float *right,
     const LaneCoefficients<channels> coefficients(cascade.sections, cascade.count);
     StereoLanes<channels> lanes(cascade);
     const auto delay = static_cast<std::uint32_t>(cascade.count - 1) * stepsPerLane;
-    const std::uint32_t middleEnd = std::max(frames, delay);
-    runEdge(coefficients, lanes, left, right, frames, {delay, 0, delay});
-    runMiddle(coefficients, lanes, left, right, {delay, delay, middleEnd});
-    runEdge(coefficients, lanes, left, right, frames, {delay, middleEnd, frames + delay});
+    if (frames < delay) {
+        runEdge(coefficients, lanes, left, right, frames, {delay, 0, frames + delay});
+    } else {
+        runStart(coefficients, lanes, left, right, delay);
+        runMiddle(coefficients, lanes, left, right, {delay, delay, frames});
+        runEnd(coefficients, lanes, left + frames - delay, right + frames - delay, delay);
+    }
     lanes.save(cascade);
 }
 

@@ -38,6 +38,13 @@ class GraphNode {
     virtual Status render(const RenderTime &time, AudioBufferList &buffers,
                           std::uint32_t frames) noexcept = 0;
 
+    /// Renders this stage and `next`, the one behind it, if one pass can do the work of both;
+    /// otherwise does nothing and says so with false. [render]
+    virtual bool renderWithNext(GraphNode & /*next*/, AudioBufferList & /*buffers*/,
+                                std::uint32_t /*frames*/) noexcept {
+        return false;
+    }
+
   protected:
     GraphNode() = default;
 };

@@ -34,6 +34,11 @@ class NodeTap {
     /// After this the block is not called again. [main]
     void remove();
 
+    /// [render]
+    [[nodiscard]] bool isInstalled() const noexcept {
+        return target_.load(std::memory_order_acquire) != nullptr;
+    }
+
     /// Passes the block on if anybody listens; drops it if the listener is too slow. [render]
     void write(const AudioBufferList &buffers, std::uint32_t frames) noexcept;
 

@@ -33,6 +33,9 @@ class ParametricEqualizerNode final : public GraphNode {
     void reset() override { equalizer_.reset(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
+    /// With another equaliser.
+    bool renderWithNext(GraphNode &next, AudioBufferList &buffers,
+                        std::uint32_t frames) noexcept override;
 
   private:
     ParametricEqualizer equalizer_;

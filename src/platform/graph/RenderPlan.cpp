@@ -37,18 +37,27 @@ void RenderPlan::reset() {
 Status RenderPlan::render(AudioBufferList &buffers, std::uint32_t frames) noexcept {
     assert(frames >= 1 && frames <= maximumBlockFrames);
     Status result = statusOK;
-    for (const Stage &stage : stages_) {
-        const Status status = stage.node->render(time_, buffers, frames);
-        if (status != statusOK) {
-            result = result == statusOK ? status : result;
-            if (stage.node->isSource())
-                for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel)
-                    std::fill_n(buffers.data[channel], frames, 0.0F);
-        }
-        stage.tap->write(buffers, frames);
+    for (auto stage = stages_.begin(); stage != stages_.end(); ++stage) {
+        const auto next = stage + 1;
+        // What is tapped has to be there.
+        if (next != stages_.end() && !stage->tap->isInstalled() &&
+            stage->node->renderWithNext(*next->node, buffers, frames))
+            stage = next;
+        else if (const Status status = renderAlone(*stage, buffers, frames); result == statusOK)
+            result = status;
+        stage->tap->write(buffers, frames);
     }
     time_.sampleTime += frames;
     return result;
+}
+
+Status RenderPlan::renderAlone(const Stage &stage, AudioBufferList &buffers,
+                               std::uint32_t frames) noexcept {
+    const Status status = stage.node->render(time_, buffers, frames);
+    if (status != statusOK && stage.node->isSource())
+        for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel)
+            std::fill_n(buffers.data[channel], frames, 0.0F);
+    return status;
 }
 
 } // namespace quorbel

@@ -39,6 +39,8 @@ class RenderPlan {
     Status render(AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
   private:
+    Status renderAlone(const Stage &stage, AudioBufferList &buffers, std::uint32_t frames) noexcept;
+
     std::vector<Stage> stages_;
     StreamFormat format_;
     std::size_t allocated_ = 0; // so many of the stages

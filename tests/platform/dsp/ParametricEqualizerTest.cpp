@@ -240,6 +240,58 @@ TEST(ParametricEqualizer, soundsTheSameInBlocksOfAnyLength) {
         EXPECT_EQ(playInBlocksOf(block), whole) << "blocks of " << block;
 }
 
+double errorDB(const std::vector<float> &sound, const std::vector<double> &reference) {
+    double error = 0.0;
+    double level = 0.0;
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        error += std::pow(static_cast<double>(sound[i]) - reference[i], 2);
+        level += reference[i] * reference[i];
+    }
+    return 10.0 * std::log10(error / level);
+}
+
+TEST(ParametricEqualizer, twoInOnePassSoundLikeOneAfterTheOther) {
+    const std::vector<float> sound = noise(24000);
+    const auto playBoth = [&](bool inOnePass) {
+        ParametricEqualizer first(10);
+        ParametricEqualizer second(3);
+        first.prepare(rate);
+        second.prepare(rate);
+        std::vector<float> left = sound;
+        std::vector<float> right = sound;
+        const auto go = [&](std::size_t from, std::size_t to) {
+            for (std::size_t start = from; start < to; start += 100) {
+                float *const l = left.data() + start;
+                float *const r = right.data() + start;
+                if (inOnePass) {
+                    ParametricEqualizer::processInSeries(first, second, l, r, 100);
+                } else {
+                    first.process(l, r, 100);
+                    second.process(l, r, 100);
+                }
+            }
+        };
+        go(0, 2000); // flat: untouched
+        first.setGlobalGainDB(-7.0F);
+        second.setBand(0, band(EqualizerFilterType::lowShelf, 100.0F, 0.7, 6.0F));
+        go(2000, 6000); // a gain before the only section
+        for (std::size_t i = 0; i < 10; ++i)
+            first.setBand(i, band(EqualizerFilterType::parametric, defaultFrequencies[i], 1.0,
+                                  i % 2 == 0 ? 5.0F : -4.0F));
+        go(6000, 12000); // a gain between sections
+        first.setBand(3, band(EqualizerFilterType::highPass, 60.0F, 1.0, 0.0F)); // fades
+        second.setGlobalGainDB(3.0F);
+        go(12000, 18000);
+        second.setBand(2, band(EqualizerFilterType::highShelf, 5000.0F, 0.7, -6.0F));
+        go(18000, 24000);
+        return left;
+    };
+    const std::vector<float> together = playBoth(true);
+    EXPECT_TRUE(std::equal(sound.begin(), sound.begin() + 2000, together.begin()));
+    const std::vector<float> apart = playBoth(false);
+    EXPECT_LT(errorDB(together, {apart.begin(), apart.end()}), -120.0);
+}
+
 /// A cascade in double precision, from the same designs.
 std::vector<double> playInDouble(std::span<const EqualizerBandSettings> bands,
                                  std::span<const float> sound) {
@@ -259,16 +311,6 @@ std::vector<double> playInDouble(std::span<const EqualizerBandSettings> bands,
         }
     }
     return result;
-}
-
-double errorDB(const std::vector<float> &sound, const std::vector<double> &reference) {
-    double error = 0.0;
-    double level = 0.0;
-    for (std::size_t i = 0; i < sound.size(); ++i) {
-        error += std::pow(static_cast<double>(sound[i]) - reference[i], 2);
-        level += reference[i] * reference[i];
-    }
-    return 10.0 * std::log10(error / level);
 }
 
 TEST(ParametricEqualizer, keepsRoundingErrorsLowWithTenLowBands) {

@@ -1,9 +1,11 @@
 #include "platform/graph/GraphFixture.h"
+#include "platform/graph/ParametricEqualizerNode.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cmath>
 #include <thread>
 
 namespace quorbel {
@@ -54,6 +56,27 @@ TEST(NodeTapTest, InManualRenderingHearsEveryFrameInsideRender) {
     graph.removeTap(graph.mainMixer());
     graph.render(block.view(), 1000);
     EXPECT_EQ(heard.left.size(), 1024U);
+}
+
+TEST(NodeTapTest, OfTwoStagesThatAreRenderedAsOneTheFirstCanBeHeard) {
+    CountingSource source;
+    ParametricEqualizerNode first(1);
+    ParametricEqualizerNode second(1);
+    AudioGraph graph(nullptr);
+    connectInLine(graph, {&source.node, &first, &second});
+    first.setGlobalGainDB(-6.0F);
+    second.setGlobalGainDB(-20.0F);
+    ASSERT_EQ(graph.start(), statusOK);
+    Stereo block(512);
+    graph.render(block.view(), 512);
+    EXPECT_NEAR(block.left[100], 100.0F * std::pow(10.0F, -1.3F), 1e-4F);
+
+    Heard heard;
+    graph.installTap(first, 512, heard.listener());
+    graph.render(block.view(), 512);
+    ASSERT_EQ(heard.left.size(), 512U);
+    EXPECT_NEAR(heard.left[100], 612.0F * std::pow(10.0F, -0.3F), 1e-3F);
+    EXPECT_NEAR(block.left[100], 612.0F * std::pow(10.0F, -1.3F), 1e-3F);
 }
 
 TEST(NodeTapTest, OnAClockItIsDeliveredAtItsOwnTimesAndStartsAfreshWhenInstalledAgain) {
