@@ -1,31 +1,12 @@
 #include "effects/EQProcessor.h"
 
 #include "effects/FilterBandwidth.h"
+#include "settings/records/PlayedFilterType.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace quorbel {
-
-namespace {
-
-EqualizerFilterType nodeFilterType(EQBand::FilterType type) {
-    switch (type) {
-    case EQBand::FilterType::parametric:
-        return EqualizerFilterType::parametric;
-    case EQBand::FilterType::lowShelf:
-        return EqualizerFilterType::lowShelf;
-    case EQBand::FilterType::highShelf:
-        return EqualizerFilterType::highShelf;
-    case EQBand::FilterType::lowPass:
-        return EqualizerFilterType::lowPass;
-    case EQBand::FilterType::highPass:
-        return EqualizerFilterType::highPass;
-    }
-    return EqualizerFilterType::parametric;
-}
-
-} // namespace
 
 EQProcessor::EQProcessor(std::vector<EQBand> bands) : bands_(std::move(bands)), eq_(bands_.size()) {
     sync();
@@ -61,7 +42,7 @@ void EQProcessor::sync() {
     const std::size_t count = std::min(bands_.size(), eq_.bandCount());
     for (std::size_t i = 0; i < count; ++i) {
         const EQBand &band = bands_[i];
-        eq_.setBand(i, {.filterType = nodeFilterType(band.filterType),
+        eq_.setBand(i, {.filterType = playedFilterType(band.filterType),
                         .frequencyHz = band.frequency,
                         .bandwidthOctaves = bandwidthOctaves(band.q),
                         .gainDB = band.gainDB,

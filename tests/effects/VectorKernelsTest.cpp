@@ -7,9 +7,9 @@
 #include "effects/cores/Saturation.h"
 #include "effects/cores/StereoSection.h"
 #include "effects/cores/TanhShaper.h"
+#include "support/EveryVectorTarget.h"
 
 #include <gtest/gtest.h>
-#include <hwy/highway.h>
 
 #include <cstdint>
 #include <string>
@@ -20,20 +20,7 @@ namespace {
 
 constexpr std::uint32_t longest = 70;
 
-/// Once for every kind of vector that the machine has.
-class VectorKernelsTest : public ::testing::TestWithParam<std::int64_t> {
-  protected:
-    void SetUp() override {
-        if ((hwy::SupportedTargets() & GetParam()) == 0)
-            GTEST_SKIP() << "not on this machine";
-        hwy::SetSupportedTargetsForTest(GetParam());
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-    void TearDown() override {
-        hwy::SetSupportedTargetsForTest(0);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-};
+class VectorKernelsTest : public EveryVectorTarget {};
 
 TEST_P(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
     for (const std::uint32_t lookahead : {8U, 57U, 62U, 500U}) {
@@ -161,17 +148,9 @@ TEST_P(VectorKernelsTest, TanhStaysWithinAFewUnitsInTheLastPlace) {
     }
 }
 
-std::vector<std::int64_t> compiledTargets() {
-    std::vector<std::int64_t> result;
-    for (std::uint64_t rest = HWY_TARGETS; rest != 0; rest &= rest - 1)
-        result.push_back(static_cast<std::int64_t>(rest & (~rest + 1)));
-    return result;
-}
-
-INSTANTIATE_TEST_SUITE_P(Targets, VectorKernelsTest, ::testing::ValuesIn(compiledTargets()),
-                         [](const auto &parameter) {
-                             return std::string(hwy::TargetName(parameter.param));
-                         });
+INSTANTIATE_TEST_SUITE_P(Targets, VectorKernelsTest,
+                         ::testing::ValuesIn(VectorKernelsTest::compiled()),
+                         VectorKernelsTest::nameOf);
 
 } // namespace
 } // namespace quorbel

@@ -22,6 +22,14 @@ class Sound : public LiveTest, public testing::WithParamInterface<std::tuple<std
     static std::string device() { return std::get<0>(GetParam()); }
     static int quantum() { return std::get<1>(GetParam()); }
     static std::vector<std::string> onDevice() { return {"--device", device()}; }
+
+    SequenceReport reportWithoutUs(const Recorder &recorder, double seconds) {
+        playSequence(Player::Options("direct", device()));
+        recorder.skip(1.5);
+        const auto report = SequenceReport::of(recorder.next(seconds));
+        closePlayer();
+        return report;
+    }
 };
 
 /// Tells the moments of a recording that say something about us from those in which the machine
@@ -70,7 +78,14 @@ INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
 
 TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     const double seconds = slowTestsWanted() ? 300.0 : 30.0;
-    const Recorder &recorder = record(device(), 8.0 * seconds);
+    const Recorder &recorder = record(device(), 9.0 * seconds);
+    // Cycles of 1.3 ms are beyond some virtual machines, with us or without.
+    if (quantum() == 64) {
+        const auto direct = reportWithoutUs(recorder, seconds);
+        if (!direct.intact()) {
+            GTEST_SKIP() << "this machine loses cycles at quantum 64 without us: " << direct;
+        }
+    }
     playSequence();
     const auto live = startLive(LiveSettings::flat(), onDevice());
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
@@ -97,11 +112,6 @@ TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
             std::cout << "while the machine stood still: " << report << "\n";
         }
         undisturbed += disturbances.undisturbedSeconds();
-    }
-    // Cycles of 1.3 ms are beyond some virtual machines; they do not get so far.
-    if (undisturbed < seconds && quantum() == 64) {
-        GTEST_SKIP() << "this machine stands still too often for quantum 64: " << undisturbed
-                     << " s of " << seconds << " s without";
     }
     EXPECT_GE(undisturbed, seconds) << "this machine stands still too often";
 }

@@ -1,6 +1,7 @@
 #include "settings/interchange/BandFit.h"
 
 #include "settings/interchange/BandResponse.h"
+#include "settings/records/PlayedFilterType.h"
 
 #include <algorithm>
 #include <array>
@@ -52,7 +53,7 @@ double costOf(const Curve &response, const Curve &target) {
     return sum;
 }
 
-bool isPass(const EQBand &band) { return !hasGain(prototypeType(band.filterType)); }
+bool isPass(const EQBand &band) { return !hasGain(playedFilterType(band.filterType)); }
 
 /// Bands while they are moved: three unknowns each, ln f, gain in dB and ln Q, kept in range.
 class MovingBands {

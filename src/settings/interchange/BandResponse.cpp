@@ -2,6 +2,7 @@
 
 #include "platform/dsp/AnalogPrototype.h"
 #include "platform/dsp/SectionDesign.h"
+#include "settings/records/PlayedFilterType.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +16,7 @@ constexpr double smallestPower = 1e-20;
 
 AnalogPrototype prototypeOf(const EQBand &band) {
     return AnalogPrototype::of(
-        prototypeType(band.filterType), clampedGainDB(band.gainDB),
+        playedFilterType(band.filterType), clampedGainDB(band.gainDB),
         std::clamp(static_cast<double>(band.q), lowestPlayedQ(), highestPlayedQ()));
 }
 
@@ -30,22 +31,6 @@ double decibels(double power) { return 10.0 * std::log10(std::max(power, smalles
 
 double lowestPlayedQ() { return qualityFromBandwidth(maximumBandwidthOctaves); }
 double highestPlayedQ() { return qualityFromBandwidth(minimumBandwidthOctaves); }
-
-EqualizerFilterType prototypeType(EQBand::FilterType type) {
-    switch (type) {
-    case EQBand::FilterType::parametric:
-        return EqualizerFilterType::parametric;
-    case EQBand::FilterType::lowShelf:
-        return EqualizerFilterType::lowShelf;
-    case EQBand::FilterType::highShelf:
-        return EqualizerFilterType::highShelf;
-    case EQBand::FilterType::lowPass:
-        return EqualizerFilterType::lowPass;
-    case EQBand::FilterType::highPass:
-        return EqualizerFilterType::highPass;
-    }
-    return EqualizerFilterType::parametric;
-}
 
 std::vector<double> audibleFrequencies(std::size_t pointCount) {
     std::vector<double> frequencies(pointCount);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/dsp/EqualizerBandSettings.h"
 #include "settings/records/EQBand.h"
 
 #include <vector>
@@ -12,8 +11,6 @@ inline constexpr double playedTopFrequencyHz = 0.49 * 48000.0;
 /// The range of Q that is played; beyond it the nearer end is.
 [[nodiscard]] double lowestPlayedQ();
 [[nodiscard]] double highestPlayedQ();
-
-[[nodiscard]] EqualizerFilterType prototypeType(EQBand::FilterType type);
 
 /// `pointCount` (2 or more) frequencies in Hz from 20 Hz to 20 kHz in equal ratios.
 [[nodiscard]] std::vector<double> audibleFrequencies(std::size_t pointCount);

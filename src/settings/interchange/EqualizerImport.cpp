@@ -2,6 +2,7 @@
 
 #include "settings/interchange/BandResponse.h"
 #include "settings/interchange/EqualizerText.h"
+#include "settings/records/PlayedFilterType.h"
 
 #include <fmt/format.h>
 
@@ -21,7 +22,7 @@ std::string trimmed(std::string_view name) {
 }
 
 bool isFlat(const EQBand &band) {
-    return hasGain(prototypeType(band.filterType)) && band.gainDB == 0.0F;
+    return hasGain(playedFilterType(band.filterType)) && band.gainDB == 0.0F;
 }
 
 bool isActive(const EQBand &band) { return !band.bypassed && !isFlat(band); }

@@ -5,6 +5,7 @@
 #include "settings/interchange/EqualizerLine.h"
 #include "settings/interchange/EqualizerText.h"
 #include "settings/interchange/TextEncoding.h"
+#include "settings/records/PlayedFilterType.h"
 #include "settings/records/json/JsonLiterals.h"
 
 #include <fmt/format.h>
@@ -169,7 +170,7 @@ class TextReader {
     }
 
     bool takeGain(const FilterLine &filter, EQBand &band) {
-        if (!hasGain(prototypeType(band.filterType)))
+        if (!hasGain(playedFilterType(band.filterType)))
             return true;
         if (!filter.gain)
             return refuse("Gain is missing");
@@ -209,7 +210,7 @@ class TextReader {
                 limit(line_, fmt::format("{} {}", name, value), lowest, highest, unit);
         };
         note("Fc", band.frequency, minimumBandFrequencyHz, playedTopFrequencyHz, " Hz");
-        if (hasGain(prototypeType(band.filterType)))
+        if (hasGain(playedFilterType(band.filterType)))
             note("Gain", band.gainDB, minimumBandGainDB, maximumBandGainDB, " dB");
         note("Q", band.q, lowestPlayedQ(), highestPlayedQ(), "");
     }

@@ -1,7 +1,8 @@
 #include "platform/dsp/SectionCascade.h"
 
+#include "support/EveryVectorTarget.h"
+
 #include <gtest/gtest.h>
-#include <hwy/highway.h>
 
 #include <algorithm>
 #include <cmath>
@@ -66,19 +67,7 @@ double errorDB(const std::vector<float> &sound, const std::vector<float> &refere
     return 10.0 * std::log10(error / level);
 }
 
-class SectionCascadeOnTarget : public ::testing::TestWithParam<std::int64_t> {
-  protected:
-    void SetUp() override {
-        if ((hwy::SupportedTargets() & GetParam()) == 0)
-            GTEST_SKIP() << "not on this machine";
-        hwy::SetSupportedTargetsForTest(GetParam());
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-    void TearDown() override {
-        hwy::SetSupportedTargetsForTest(0);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-};
+class SectionCascadeOnTarget : public EveryVectorTarget {};
 
 TEST_P(SectionCascadeOnTarget, agreesWithThePlainOne) {
     const Stereo sound = noise(20000);
@@ -95,17 +84,9 @@ TEST_P(SectionCascadeOnTarget, agreesWithThePlainOne) {
     }
 }
 
-std::vector<std::int64_t> compiledTargets() {
-    std::vector<std::int64_t> result;
-    for (std::uint64_t rest = HWY_TARGETS; rest != 0; rest &= rest - 1)
-        result.push_back(static_cast<std::int64_t>(rest & (~rest + 1)));
-    return result;
-}
-
-INSTANTIATE_TEST_SUITE_P(Targets, SectionCascadeOnTarget, ::testing::ValuesIn(compiledTargets()),
-                         [](const auto &parameter) {
-                             return std::string(hwy::TargetName(parameter.param));
-                         });
+INSTANTIATE_TEST_SUITE_P(Targets, SectionCascadeOnTarget,
+                         ::testing::ValuesIn(SectionCascadeOnTarget::compiled()),
+                         SectionCascadeOnTarget::nameOf);
 
 } // namespace
 } // namespace quorbel

@@ -3,6 +3,7 @@
 #include "effects/FilterBandwidth.h"
 #include "platform/dsp/SectionDesign.h"
 #include "settings/interchange/BandResponse.h"
+#include "settings/records/PlayedFilterType.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +28,7 @@ TEST(BandResponse, isWhatTheEqualizerPlays) {
             for (const float q : {0.05F, 0.7F, 4.0F, 90.0F}) {
                 const EQBand band{
                     .frequency = frequency, .gainDB = -7.5F, .q = q, .filterType = type};
-                const auto design = designBand({.filterType = prototypeType(type),
+                const auto design = designBand({.filterType = playedFilterType(type),
                                                 .frequencyHz = frequency,
                                                 .bandwidthOctaves = bandwidthOctaves(q),
                                                 .gainDB = band.gainDB,

@@ -1,0 +1,21 @@
+#include "settings/records/PlayedFilterType.h"
+
+namespace quorbel {
+
+EqualizerFilterType playedFilterType(EQBand::FilterType type) {
+    switch (type) {
+    case EQBand::FilterType::parametric:
+        return EqualizerFilterType::parametric;
+    case EQBand::FilterType::lowShelf:
+        return EqualizerFilterType::lowShelf;
+    case EQBand::FilterType::highShelf:
+        return EqualizerFilterType::highShelf;
+    case EQBand::FilterType::lowPass:
+        return EqualizerFilterType::lowPass;
+    case EQBand::FilterType::highPass:
+        return EqualizerFilterType::highPass;
+    }
+    return EqualizerFilterType::parametric;
+}
+
+} // namespace quorbel

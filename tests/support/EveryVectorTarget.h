@@ -1,0 +1,39 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <hwy/highway.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// Once for every kind of vector that the machine has: what is dispatched runs on that kind.
+class EveryVectorTarget : public ::testing::TestWithParam<std::int64_t> {
+  public:
+    [[nodiscard]] static std::vector<std::int64_t> compiled() {
+        std::vector<std::int64_t> result;
+        for (std::uint64_t rest = HWY_TARGETS; rest != 0; rest &= rest - 1)
+            result.push_back(static_cast<std::int64_t>(rest & (~rest + 1)));
+        return result;
+    }
+    [[nodiscard]] static std::string
+    nameOf(const ::testing::TestParamInfo<std::int64_t> &parameter) {
+        return hwy::TargetName(parameter.param);
+    }
+
+  protected:
+    void SetUp() override {
+        if ((hwy::SupportedTargets() & GetParam()) == 0)
+            GTEST_SKIP() << "not on this machine";
+        hwy::SetSupportedTargetsForTest(GetParam());
+        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    }
+    void TearDown() override {
+        hwy::SetSupportedTargetsForTest(0);
+        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    }
+};
+
+} // namespace quorbel
