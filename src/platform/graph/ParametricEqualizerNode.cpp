@@ -1,6 +1,7 @@
 #include "platform/graph/ParametricEqualizerNode.h"
 
 #include <cerrno>
+#include <typeinfo>
 
 namespace quorbel {
 namespace {
@@ -29,11 +30,12 @@ Status ParametricEqualizerNode::render(const RenderTime & /*time*/, AudioBufferL
 
 bool ParametricEqualizerNode::renderWithNext(GraphNode &next, AudioBufferList &buffers,
                                              std::uint32_t frames) noexcept {
-    auto *const other = dynamic_cast<ParametricEqualizerNode *>(&next);
-    if (other == nullptr || !isStereo(buffers))
+    // The class is final, so this is as safe as a dynamic cast and far quicker.
+    if (typeid(next) != typeid(ParametricEqualizerNode) || !isStereo(buffers))
         return false;
-    ParametricEqualizer::processInSeries(equalizer_, other->equalizer_, buffers.data[0],
-                                         buffers.data[1], frames);
+    ParametricEqualizer::processInSeries(equalizer_,
+                                         static_cast<ParametricEqualizerNode &>(next).equalizer_,
+                                         buffers.data[0], buffers.data[1], frames);
     return true;
 }
 
