@@ -140,6 +140,9 @@ void AudioEngine::continueStart(EngineLifecycle::Generation start) {
     if (lifecycle.finishStart(start)) {
         startTimers();
         finishComeback();
+        // Whatever happened before anybody listened.
+        deviceManager_.refreshIfChanged();
+        handleHardwareChange();
     }
     publishState();
 }

@@ -115,6 +115,14 @@ TEST_F(EngineRestartTest, AnotherDefaultOutputRebuildsTheCapture) {
     EXPECT_THAT(actions(), IsEmpty());
 }
 
+TEST_F(EngineRestartTest, AChangeInTheMiddleOfAStartIsNotMissed) {
+    hardware.operations().during(Operation::startOutput,
+                                 [this] { hardware.setDefaultOutput("hdmi"); });
+    start();
+    EXPECT_EQ(state(), "running");
+    EXPECT_EQ(hardware.aggregates().front().mainDeviceUID, "hdmi");
+}
+
 TEST_F(EngineRestartTest, ARebuildThatFailsIsTheEndWithItsText) {
     start();
     hardware.operations().fail(Operation::createAggregateDevice, -12);

@@ -39,6 +39,8 @@ std::string_view name(Operation operation) {
 
 OperationLog::Verdict OperationLog::note(Operation operation) {
     calls_.push_back(operation);
+    if (auto event = events_.extract(operation))
+        event.mapped()();
     const auto failure = failures_.find(operation);
     if (failure == failures_.end())
         return {};

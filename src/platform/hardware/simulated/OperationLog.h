@@ -2,8 +2,10 @@
 
 #include "platform/core/Status.h"
 
+#include <functional>
 #include <map>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quorbel::simulated {
@@ -48,6 +50,11 @@ class OperationLog {
     void fail(Operation operation, Status status) { failures_[operation] = status; }
     void repair(Operation operation) { failures_.erase(operation); }
 
+    /// `event` happens in the middle of the next call.
+    void during(Operation operation, std::function<void()> event) {
+        events_[operation] = std::move(event);
+    }
+
     [[nodiscard]] const std::vector<Operation> &calls() const { return calls_; }
     void forgetCalls() { calls_.clear(); }
 
@@ -61,6 +68,7 @@ class OperationLog {
   private:
     std::vector<Operation> calls_;
     std::map<Operation, Status> failures_;
+    std::map<Operation, std::function<void()>> events_;
 };
 
 } // namespace quorbel::simulated
