@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -34,7 +35,7 @@ struct OfflineRenderer::State {
     PublishedReadings published;
     ReadOutObserver readOutObserver;
     Timer readOutTimer;
-    SpectrumAnalyzer spectrum{clock};
+    std::optional<SpectrumAnalyzer> spectrum; // for the observer; to prepare it takes a while
 
     explicit State(const ChainSettings &settings) : chain(registry, clock, settings.bands) {
         registerEffectUnits(registry, queues);
@@ -94,11 +95,10 @@ void OfflineRenderer::setReadOutObserver(ReadOutObserver observer) {
 }
 
 void OfflineRenderer::setSpectrumObserver(SpectrumObserver observer) {
-    SpectrumAnalyzer &spectrum = state_->spectrum;
-    spectrum.disconnect();
+    SpectrumAnalyzer &spectrum = state_->spectrum.emplace(state_->clock);
     QObject::connect(&spectrum, &SpectrumAnalyzer::bandsChanged, &spectrum,
-                     [&state = *state_, observer = std::move(observer)] {
-                         observer(state.clock.now(), state.spectrum.bands());
+                     [&clock = state_->clock, &spectrum, observer = std::move(observer)] {
+                         observer(clock.now(), spectrum.bands());
                      });
     spectrum.attach(state_->graph, state_->graph.mainMixer());
 }
