@@ -248,32 +248,29 @@ template <> class StereoLanes<Channels::together> {
     LaneStates lanes_;
 };
 
-struct Steps {
-    std::uint32_t delay; // from input to output
-    std::uint32_t from;
-    std::uint32_t to;
-};
-
-/// Steps in which some lanes have not started yet or have already stopped.
+/// A call that is no longer than the delay from input to output: the first lanes have stopped
+/// before the last ones start.
 template <Channels channels>
-void runEdge(const LaneCoefficients<channels> &c, StereoLanes<channels> &states, float *left,
-             float *right, std::uint32_t frames, Steps steps) noexcept {
+void runShort(const LaneCoefficients<channels> &c, StereoLanes<channels> &states, float *left,
+              float *right, std::uint32_t frames, std::uint32_t delay) noexcept {
     StereoLanes<channels> lanes = states;
     const Vector end = hn::Add(c.startStep, hn::Set(tag, static_cast<float>(frames)));
-    for (std::uint32_t step = steps.from; step < steps.to; ++step) {
+    for (std::uint32_t step = 0; step < frames + delay; ++step) {
         const Vector now = hn::Set(tag, static_cast<float>(step));
         const auto active = hn::And(hn::Ge(now, c.startStep), hn::Lt(now, end));
         const Frame input = step < frames ? Frame{left[step], right[step]} : Frame{0.0F, 0.0F};
         const Frame output = lanes.step(c, input, active);
-        if (step >= steps.delay) {
-            left[step - steps.delay] = output.left;
-            right[step - steps.delay] = output.right;
+        if (step >= delay) {
+            left[step - delay] = output.left;
+            right[step - delay] = output.right;
         }
     }
     states = lanes;
 }
 
-/// The first steps of a call that is longer than the delay: one lane after the other starts.
+// A longer call in three parts. Everything is copied, so that the loops run in registers.
+
+/// The first steps: one lane after the other starts, and nothing comes out yet.
 template <Channels channels>
 void runStart(LaneCoefficients<channels> c, StereoLanes<channels> &states, const float *left,
               const float *right, std::uint32_t delay) noexcept {
@@ -286,7 +283,21 @@ void runStart(LaneCoefficients<channels> c, StereoLanes<channels> &states, const
     states = lanes;
 }
 
-/// The steps after its last input: one lane after the other stops.
+/// The steps in which all lanes work.
+template <Channels channels>
+void runMiddle(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left,
+               float *right, std::size_t frames, std::size_t delay) noexcept {
+    StereoLanes<channels> lanes = states;
+    for (std::size_t step = delay; step < frames; ++step) {
+        const Frame output = lanes.step(c, {left[step], right[step]});
+        left[step - delay] = output.left;
+        right[step - delay] = output.right;
+    }
+    states = lanes;
+}
+
+/// The steps behind the last input: one lane after the other stops. `left` and `right` are where
+/// the last `delay` frames go.
 template <Channels channels>
 void runEnd(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left, float *right,
             std::uint32_t delay) noexcept {
@@ -301,19 +312,6 @@ void runEnd(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *
     states = lanes;
 }
 
-/// Steps in which all lanes work. Everything is copied, so that the loop runs in registers.
-template <Channels channels>
-void runMiddle(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left,
-               float *right, Steps steps) noexcept {
-    StereoLanes<channels> lanes = states;
-    for (std::size_t step = steps.from; step < steps.to; ++step) {
-        const Frame output = lanes.step(c, {left[step], right[step]});
-        left[step - steps.delay] = output.left;
-        right[step - steps.delay] = output.right;
-    }
-    states = lanes;
-}
-
 /// As many sections as there are lanes in a part, at most.
 template <Channels channels>
 void processLanes(const SectionCascade &cascade, float *left, float *right,
@@ -322,10 +320,10 @@ void processLanes(const SectionCascade &cascade, float *left, float *right,
     StereoLanes<channels> lanes(cascade);
     const auto delay = static_cast<std::uint32_t>(cascade.count - 1) * stepsPerLane;
     if (frames < delay) {
-        runEdge(coefficients, lanes, left, right, frames, {delay, 0, frames + delay});
+        runShort(coefficients, lanes, left, right, frames, delay);
     } else {
         runStart(coefficients, lanes, left, right, delay);
-        runMiddle(coefficients, lanes, left, right, {delay, delay, frames});
+        runMiddle(coefficients, lanes, left, right, frames, delay);
         runEnd(coefficients, lanes, left + frames - delay, right + frames - delay, delay);
     }
     lanes.save(cascade);

@@ -245,14 +245,15 @@ void TapStream::process() noexcept {
             pw_stream_queue_buffer(stream_.get(), newest);
         newest = buffer;
     }
-    if (hasRunInThisCycle()) {
+    const double now = secondsOn(CLOCK_BOOTTIME);
+    if (hasRunInThisCycle(now)) {
         if (newest != nullptr)
             pw_stream_queue_buffer(stream_.get(), newest);
         return;
     }
     IOCycle cycle;
     cycle.format = format_;
-    cycle.hostSeconds = secondsOn(CLOCK_BOOTTIME);
+    cycle.hostSeconds = now;
     cycle.frames = maximumBlockFrames;
     if (newest != nullptr)
         cycle.input = planes(*newest, cycle.frames, true);
@@ -276,9 +277,12 @@ void TapStream::process() noexcept {
         pw_stream_queue_buffer(stream_.get(), newest);
 }
 
-bool TapStream::hasRunInThisCycle() noexcept {
+bool TapStream::hasRunInThisCycle(double now) noexcept {
+    const double sinceLastRun = now - std::exchange(lastRunSeconds_, now);
     const std::uint64_t start = cycleStartNanoseconds();
-    return start != 0 && std::exchange(lastCycleStart_, start) == start;
+    // Where a driver keeps no time for the graph, its cycles still take theirs.
+    return std::exchange(lastCycleStart_, start) == start && start != 0 &&
+           sinceLastRun * format_.sampleRate < 0.5 * cycleFrames();
 }
 
 OutStream::OutStream(ServerConnection &connection, DuplexPair &pair, RenderClient &client)

@@ -92,11 +92,13 @@ class TapStream final : public ServerStream {
     static void deliver(IOClient &client, IOCycle cycle) noexcept;
     /// A server that was held up starts its cycles one right after the other; by the time that we
     /// wake for one, the next may have begun, and we are run twice in it: once with its sound, once
-    /// with nothing, which must not be taken for silence. [real-time]
-    [[nodiscard]] bool hasRunInThisCycle() noexcept;
+    /// with nothing, which must not be taken for silence. `now` in seconds. [real-time]
+    [[nodiscard]] bool hasRunInThisCycle(double now) noexcept;
 
     RealtimeSlot<IOClient> client_;
-    std::uint64_t lastCycleStart_ = 0; // real-time only
+    // Real-time only.
+    std::uint64_t lastCycleStart_ = 0;
+    double lastRunSeconds_ = 0.0;
     std::array<float, maximumBlockFrames> silence_{};
 };
 
