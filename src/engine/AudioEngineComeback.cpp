@@ -42,14 +42,14 @@ void AudioEngine::scheduleComeback() {
 }
 
 void AudioEngine::comeBack() {
-    scheduleComeback();
+    scheduleComeback(); // the next look, whatever this one finds
     if (lifecycle.isStarting())
         return;
     deviceManager_.refreshIfChanged();
     if (!isComingBack() || !findOutputAgain()) // who hears of the devices may press Stop
         return;
     ++comeback_.failedStarts; // until it has succeeded
-    scheduleComeback();
+    scheduleComeback();       // later than it would have been, if not
     beginStart();
 }
 

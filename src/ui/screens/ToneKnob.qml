@@ -1,6 +1,7 @@
 import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
+import Quorbel.Model
 
 /// One tone control as a knob with its gain.
 RowLayout {
