@@ -78,7 +78,7 @@ INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
 
 TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     const double seconds = slowTestsWanted() ? 300.0 : 30.0;
-    const Recorder &recorder = record(device(), 9.0 * seconds);
+    const Recorder &recorder = record(device(), 5.0 * seconds);
     // Cycles of 1.3 ms are beyond some virtual machines, with us or without.
     if (quantum() == 64) {
         const auto direct = reportWithoutUs(recorder, seconds);
@@ -96,7 +96,7 @@ TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     // risk.
     const StallWitness witness(0.25 * quantum() / 48000.0);
     double undisturbed = 0.0;
-    for (int stretch = 0; stretch < 8 && undisturbed < seconds; ++stretch) {
+    for (int stretch = 0; stretch < 4 && undisturbed < seconds; ++stretch) {
         const std::size_t linesBefore = lossLines(*live).size();
         const Recording heard = recorder.next(seconds - undisturbed + 0.1);
         const auto report = SequenceReport::of(heard);
