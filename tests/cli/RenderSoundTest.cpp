@@ -55,6 +55,16 @@ TEST_F(RenderSound, flatSettingsGiveTheSoundBack) {
         ASSERT_NEAR(out.samples[sample], stereo.samples[sample], 1e-6F) << sample;
 }
 
+// Its first parts are on the disk and out of the memory before its last ones are made.
+TEST_F(RenderSound, aLongFileArrivesWhole) {
+    file("flat.json", flatSettings());
+    const Sound mono = noise(3'000'000, 48000, 1);
+    const Sound both = rendered(mono, {"--settings", "flat.json"});
+    ASSERT_EQ(both.frames(), mono.frames());
+    for (std::size_t frame = 0; frame < mono.frames(); ++frame)
+        ASSERT_EQ(both.at(frame, 0), mono.samples[frame]) << frame;
+}
+
 TEST_F(RenderSound, equalInputsGiveEqualBytesWhateverTheBlock) {
     file("busy.json", busySettings());
     for (const int rate : {48000, 44100}) {
