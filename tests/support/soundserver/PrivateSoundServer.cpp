@@ -245,7 +245,18 @@ void PrivateSoundServer::moveApplication(const std::string &nodeName,
     waitFor(nodeName + " plays", 5.0, [&] { return !state().targetsOf(nodeName).empty(); });
     const Node application = *state().node(nodeName);
     comesTrue(0.5, [&] { return state().metadata.contains({application.id, "target.node"}); });
-    run({"pactl", "move-sink-input", application.property("object.serial"), device});
+    // The PulseAudio server answers before it has passed the wish on, and forgets it if the program
+    // ends too soon. Programs with a window do not.
+    const std::string serial = state().node(device)->property("object.serial");
+    waitFor(nodeName + " is moved to " + device, 5.0, [&] {
+        run({"pactl", "move-sink-input", application.property("object.serial"), device});
+        return comesTrue(0.3, [&] {
+            const auto metadata = state().metadata;
+            const auto target = metadata.find({application.id, "target.object"});
+            return target != metadata.end() &&
+                   (target->second == serial || target->second == device);
+        });
+    });
 }
 
 void PrivateSoundServer::forceQuantum(int frames) const {

@@ -66,9 +66,14 @@ void StreamRouter::begin(std::uint32_t tapID, std::uint32_t outputDeviceID) {
 }
 
 void StreamRouter::end() {
-    for (auto &[_, stream] : streams_)
-        if (stream.phase == Phase::routing || stream.phase == Phase::captured)
+    for (auto &[id, stream] : streams_) {
+        // Servers of 0.3.65 stop telling of changed values when a program has left them in the
+        // middle of asking; where the sound goes says who has decided.
+        if (stream.phase == Phase::captured && hasLeftTap(id))
+            journal_.released(stream.route);
+        else if (stream.phase == Phase::routing || stream.phase == Phase::captured)
             putBack(stream, Phase::released);
+    }
     streams_.clear();
     tapID_ = 0;
 }
@@ -76,6 +81,13 @@ void StreamRouter::end() {
 bool StreamRouter::isAnyLinkedTo(std::uint32_t tapID) const {
     return std::any_of(registry_.links().begin(), registry_.links().end(),
                        [&](const auto &entry) { return entry.second.inputNodeID == tapID; });
+}
+
+/// True if the stream plays into something else, and no longer into the tap.
+bool StreamRouter::hasLeftTap(std::uint32_t streamID) const {
+    return !registry_.isLinked(streamID, tapID_) &&
+           std::any_of(registry_.links().begin(), registry_.links().end(),
+                       [&](const auto &entry) { return entry.second.outputNodeID == streamID; });
 }
 
 void StreamRouter::routeAll() {

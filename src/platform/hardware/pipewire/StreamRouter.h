@@ -64,6 +64,7 @@ class StreamRouter final : public RegistryObserver {
     void startHandshake(Stream &stream, const NodeRecord &node);
     void portsArrived(Stream &stream, const NodeRecord &node);
     [[nodiscard]] bool isVirtualSinkOutput(const NodeRecord &node) const;
+    [[nodiscard]] bool hasLeftTap(std::uint32_t streamID) const;
     void checkDeadlines();
     void armTimer();
 
