@@ -36,7 +36,6 @@ struct SoundFileWriter::State {
 
     NamelessFile target;
     WriteBehind writeBehind{target.descriptor()};
-    std::uint64_t bytesWritten = 0;
     std::unique_ptr<SNDFILE, Closer> file;
     std::vector<float> interleaved = std::vector<float>(std::size_t{2} * bufferFrames);
     std::uint32_t framesBuffered = 0; ///< of those, what the file has not had yet
@@ -82,8 +81,8 @@ void SoundFileWriter::flush() {
     const sf_count_t frames = std::exchange(state_->framesBuffered, 0);
     if (sf_writef_float(state_->file.get(), state_->interleaved.data(), frames) != frames)
         fail(sf_strerror(state_->file.get()));
-    state_->bytesWritten += static_cast<std::uint64_t>(frames) * bytesPerFrame;
-    if (const int error = state_->writeBehind.reached(state_->bytesWritten); error != 0)
+    const auto bytes = static_cast<std::uint64_t>(frames) * bytesPerFrame;
+    if (const int error = state_->writeBehind.wrote(bytes); error != 0)
         fail(std::generic_category().message(error));
 }
 

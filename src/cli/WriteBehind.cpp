@@ -14,11 +14,13 @@ bool isOfTheDisk(int error) noexcept { return error == EIO || error == ENOSPC ||
 
 } // namespace
 
-int WriteBehind::reached(std::uint64_t bytes) noexcept {
-    if (bytes < started_ + stretchBytes)
+int WriteBehind::wrote(std::uint64_t bytes) noexcept {
+    handed_ += bytes;
+    if (handed_ < started_ + stretchBytes)
         return 0;
     const auto offset = [](std::uint64_t position) { return static_cast<off64_t>(position); };
-    sync_file_range(descriptor_, offset(started_), offset(bytes - started_), SYNC_FILE_RANGE_WRITE);
+    sync_file_range(descriptor_, offset(started_), offset(handed_ - started_),
+                    SYNC_FILE_RANGE_WRITE);
     // The stretch before has had the time of one to get there.
     if (started_ > written_) {
         constexpr unsigned all =
@@ -31,7 +33,7 @@ int WriteBehind::reached(std::uint64_t bytes) noexcept {
                       POSIX_FADV_DONTNEED);
     }
     written_ = started_;
-    started_ = bytes;
+    started_ = handed_;
     return 0;
 }
 

@@ -11,14 +11,15 @@ class WriteBehind {
   public:
     explicit WriteBehind(int descriptor) : descriptor_(descriptor) {}
 
-    /// The file's first `bytes` have been handed to the system. Returns 0, or the errno with which
+    /// The file's next `bytes` have been handed to the system. Returns 0, or the errno with which
     /// an earlier part did not reach the disk; file systems that cannot do this are let be.
-    int reached(std::uint64_t bytes) noexcept;
+    int wrote(std::uint64_t bytes) noexcept;
 
   private:
     int descriptor_;
     std::uint64_t written_ = 0; ///< so far the disk has it
     std::uint64_t started_ = 0; ///< so far it has been asked to
+    std::uint64_t handed_ = 0;  ///< so far the system has it
 };
 
 } // namespace quorbel

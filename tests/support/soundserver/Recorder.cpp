@@ -69,15 +69,7 @@ Recording Recording::excerpt(std::size_t start, std::size_t count) const {
     };
     part.left = cut(left);
     part.right = cut(right);
-    for (const Segment &segment : segments) {
-        const std::size_t from = std::max(segment.start, start);
-        const std::size_t to = std::min(segment.start + segment.frames, end);
-        if (from < to) {
-            part.segments.push_back({from - start, static_cast<std::uint32_t>(to - from),
-                                     segment.position + (from - segment.start),
-                                     segment.nanoseconds});
-        }
-    }
+    part.segments = cutSegments(segments, start, end);
     return part;
 }
 

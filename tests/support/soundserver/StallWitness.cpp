@@ -1,30 +1,15 @@
 #include "support/soundserver/StallWitness.h"
 
-#include <ctime>
+#include "support/soundserver/Waiting.h"
+
+#include <chrono>
 #include <pthread.h>
 #include <sched.h>
 
 namespace quorbel::soundserver {
-namespace {
-
-std::uint64_t monotonicNanoseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<std::uint64_t>(now.tv_sec) * 1'000'000'000U +
-           static_cast<std::uint64_t>(now.tv_nsec);
-}
-
-void waitUntil(std::uint64_t nanoseconds) {
-    const timespec moment{static_cast<time_t>(nanoseconds / 1'000'000'000U),
-                          static_cast<long>(nanoseconds % 1'000'000'000U)};
-    while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &moment, nullptr) != 0) {
-    }
-}
-
-} // namespace
 
 StallWitness::StallWitness(double lateSeconds)
-    : lateNanoseconds_(static_cast<std::uint64_t>(lateSeconds * 1e9)) {
+    : late_(static_cast<std::int64_t>(lateSeconds * 1e9)) {
     cpu_set_t ours;
     sched_getaffinity(0, sizeof ours, &ours);
     for (int processor = 0; processor < CPU_SETSIZE; ++processor) {
@@ -54,12 +39,13 @@ void StallWitness::watch(int processor) {
     const sched_param urgent{.sched_priority = 89}; // sound servers and their clients have 88
     pthread_setschedparam(pthread_self(), SCHED_FIFO, &urgent);
     while (!ends_) {
-        const std::uint64_t planned = monotonicNanoseconds() + lateNanoseconds_ / 2;
-        waitUntil(planned);
-        const std::uint64_t now = monotonicNanoseconds();
-        if (now >= planned + lateNanoseconds_) {
+        const auto planned = SteadyClock::now() + late_ / 2;
+        std::this_thread::sleep_until(planned);
+        const auto now = SteadyClock::now();
+        if (now >= planned + late_) {
             const std::lock_guard lock(mutex_);
-            stalls_.push_back({planned, now});
+            stalls_.push_back({static_cast<std::uint64_t>(planned.time_since_epoch().count()),
+                               static_cast<std::uint64_t>(now.time_since_epoch().count())});
         }
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <thread>
@@ -30,7 +31,7 @@ class StallWitness {
   private:
     void watch(int processor);
 
-    const std::uint64_t lateNanoseconds_;
+    const std::chrono::nanoseconds late_;
     std::atomic<bool> ends_{false};
     mutable std::mutex mutex_;
     std::vector<Stall> stalls_;
