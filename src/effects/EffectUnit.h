@@ -23,6 +23,10 @@ struct EffectParameter {
     float defaultValue;
 };
 
+/// Amount of crossfeed and saturation, as a fraction, below which the unit does nothing: exactly 1
+/// % is active.
+inline constexpr float smallestActiveAmount = 0.01F;
+
 /// What the effect units of the chain share: one stereo bus on either side, parameters declared by
 /// a table, and one cell per parameter between the tree and the render block. The tree's observer
 /// and provider hold the cells, not the unit, so a tree or a render block may outlive it.

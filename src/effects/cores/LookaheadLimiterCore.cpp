@@ -9,7 +9,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::uint32_t stretchFrames = 128;
+constexpr std::uint32_t limiterStretchFrames = 128;
 
 /// Puts `count` frames behind the `lookahead` that the line holds.
 void append(std::vector<float> &line, std::size_t lookahead, const float *samples,
@@ -40,7 +40,7 @@ void LookaheadLimiterCore::prepare(float sampleRate) {
     attackCoeff_ = 1.0F - std::exp(-4.0F / static_cast<float>(lookahead_));
     releaseCoeff_ = 1.0F - std::exp(-1.0F / (sampleRate * releaseSeconds));
 
-    const std::size_t length = lookahead_ + stretchFrames + stretchPadding;
+    const std::size_t length = lookahead_ + limiterStretchFrames + stretchPadding;
     std::vector<float> lines[4];
     for (std::vector<float> &line : lines)
         line.assign(length, 0.0F);
@@ -61,9 +61,10 @@ void LookaheadLimiterCore::process(float *left, float *right, std::uint32_t fram
     if (gains_.empty())
         return;
     float smallestGain = 1.0F;
-    for (std::uint32_t begin = 0; begin < frameCount; begin += stretchFrames)
-        processStretch(left + begin, right + begin, std::min(stretchFrames, frameCount - begin),
-                       thresholdLin, smallestGain);
+    for (std::uint32_t begin = 0; begin < frameCount; begin += limiterStretchFrames)
+        processStretch(left + begin, right + begin,
+                       std::min(limiterStretchFrames, frameCount - begin), thresholdLin,
+                       smallestGain);
     // The largest reduction, by way of its complement as the meter counts it. Adding zero turns the
     // negative zero of an untouched block into the positive one.
     const float maxReduction = 1.0F - smallestGain;

@@ -11,7 +11,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array parameterTable{
+constexpr std::array autoGainParameters{
     EffectParameter{"target", "Target Level", -30.0F, -6.0F, ParameterUnit::decibels, -16.0F},
     EffectParameter{"enabled", "Enabled", 0.0F, 1.0F, ParameterUnit::boolean, 0.0F},
     EffectParameter{"manual", "Manual Loudness", -12.0F, 12.0F, ParameterUnit::decibels, 0.0F},
@@ -35,7 +35,7 @@ struct AutoGainUnit::State {
 };
 
 AutoGainUnit::AutoGainUnit(const ComponentDescription &description, InstantiationOptions options)
-    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+    : EffectUnit(description, options, autoGainParameters), state_(std::make_shared<State>()) {}
 
 Status AutoGainUnit::prepare(float sampleRate, std::string &) {
     state_->gainStorage.store(0.0F);

@@ -12,7 +12,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array parameterTable{
+constexpr std::array bassEnhancerParameters{
     EffectParameter{"amount", "Bass Amount", 0.0F, 100.0F, ParameterUnit::percent, 50.0F},
     EffectParameter{"drive", "Drive", 1.0F, 8.0F, ParameterUnit::generic, 3.0F},
     EffectParameter{"crossover", "Crossover", 40.0F, 150.0F, ParameterUnit::hertz, 80.0F},
@@ -45,7 +45,7 @@ struct BassEnhancerUnit::Analysis {
 BassEnhancerUnit::BassEnhancerUnit(const ComponentDescription &description,
                                    InstantiationOptions options,
                                    const SerialQueueFactory &analysisQueues)
-    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()),
+    : EffectUnit(description, options, bassEnhancerParameters), state_(std::make_shared<State>()),
       analysisTimer_(analysisQueues, "Quorbel.BassAnalysis") {}
 
 Status BassEnhancerUnit::prepare(float sampleRate, std::string &) {

@@ -9,11 +9,9 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array parameterTable{
+constexpr std::array crossfeedParameters{
     EffectParameter{"amount", "Crossfeed Amount", 0.0F, 100.0F, ParameterUnit::percent, 0.0F},
 };
-
-constexpr float smallestActive = 0.01F; // exactly 1 % is active
 
 } // namespace
 
@@ -23,7 +21,7 @@ struct CrossfeedUnit::State {
 };
 
 CrossfeedUnit::CrossfeedUnit(const ComponentDescription &description, InstantiationOptions options)
-    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+    : EffectUnit(description, options, crossfeedParameters), state_(std::make_shared<State>()) {}
 
 Status CrossfeedUnit::prepare(float sampleRate, std::string &) {
     state_->core.prepare(sampleRate);
@@ -38,7 +36,7 @@ RenderBlock CrossfeedUnit::internalRenderBlock() {
         const float percent = amountStorage->value();
         const float target = percent / 100.0F;
         const float previous = state->prevAmountStorage.load() / 100.0F;
-        if (target < smallestActive && previous < smallestActive) {
+        if (target < smallestActiveAmount && previous < smallestActiveAmount) {
             state->prevAmountStorage.store(percent);
             state->core.clear();
             return;

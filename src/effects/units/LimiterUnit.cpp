@@ -10,7 +10,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array parameterTable{
+constexpr std::array limiterParameters{
     EffectParameter{"threshold", "Threshold", -12.0F, 0.0F, ParameterUnit::decibels, -0.3F},
     EffectParameter{"enabled", "Enabled", 0.0F, 1.0F, ParameterUnit::boolean, 1.0F},
 };
@@ -23,7 +23,7 @@ struct LimiterUnit::State {
 };
 
 LimiterUnit::LimiterUnit(const ComponentDescription &description, InstantiationOptions options)
-    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+    : EffectUnit(description, options, limiterParameters), state_(std::make_shared<State>()) {}
 
 Status LimiterUnit::prepare(float sampleRate, std::string &) {
     state_->gainReductionStorage.store(0.0F);

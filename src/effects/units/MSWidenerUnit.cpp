@@ -9,7 +9,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array parameterTable{
+constexpr std::array widenerParameters{
     EffectParameter{"width", "Width", 0.0F, 200.0F, ParameterUnit::percent, 100.0F},
 };
 
@@ -20,7 +20,7 @@ struct MSWidenerUnit::State {
 };
 
 MSWidenerUnit::MSWidenerUnit(const ComponentDescription &description, InstantiationOptions options)
-    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+    : EffectUnit(description, options, widenerParameters), state_(std::make_shared<State>()) {}
 
 RenderBlock MSWidenerUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, widthStorage = storage(width)](

@@ -9,11 +9,9 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array parameterTable{
+constexpr std::array saturationParameters{
     EffectParameter{"drive", "Saturation Drive", 0.0F, 100.0F, ParameterUnit::percent, 0.0F},
 };
-
-constexpr float smallestActive = 0.01F; // exactly 1 % is active
 
 } // namespace
 
@@ -23,7 +21,7 @@ struct SaturationUnit::State {
 
 SaturationUnit::SaturationUnit(const ComponentDescription &description,
                                InstantiationOptions options)
-    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+    : EffectUnit(description, options, saturationParameters), state_(std::make_shared<State>()) {}
 
 RenderBlock SaturationUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, driveStorage = storage(drive)](
@@ -31,7 +29,7 @@ RenderBlock SaturationUnit::internalRenderBlock() {
         const float percent = driveStorage->value();
         const float target = percent / 100.0F;
         const float previous = state->prevDriveStorage.load() / 100.0F;
-        if (target < smallestActive && previous < smallestActive) {
+        if (target < smallestActiveAmount && previous < smallestActiveAmount) {
             state->prevDriveStorage.store(percent);
             return;
         }

@@ -8,7 +8,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array parameterTable{
+constexpr std::array spatializerParameters{
     EffectParameter{"amount", "XTC Amount", 0.0F, 100.0F, ParameterUnit::percent, 50.0F},
     EffectParameter{"notch", "Notch Frequency", 500.0F, 8000.0F, ParameterUnit::hertz, 2000.0F},
 };
@@ -21,7 +21,7 @@ struct SpatializerUnit::State {
 
 SpatializerUnit::SpatializerUnit(const ComponentDescription &description,
                                  InstantiationOptions options)
-    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()) {}
+    : EffectUnit(description, options, spatializerParameters), state_(std::make_shared<State>()) {}
 
 Status SpatializerUnit::prepare(float sampleRate, std::string &) {
     state_->core.prepare(sampleRate);

@@ -11,7 +11,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::array parameterTable{
+constexpr std::array voiceEnhancerParameters{
     EffectParameter{"amount", "Voice Amount", 0.0F, 100.0F, ParameterUnit::percent, 100.0F},
     EffectParameter{"presence", "Presence Gain", 0.0F, 6.0F, ParameterUnit::decibels, 3.0F},
     EffectParameter{"mud", "Mud Cut", 0.0F, 4.0F, ParameterUnit::decibels, 2.5F},
@@ -46,7 +46,7 @@ struct VoiceEnhancerUnit::Analysis {
 VoiceEnhancerUnit::VoiceEnhancerUnit(const ComponentDescription &description,
                                      InstantiationOptions options,
                                      const SerialQueueFactory &analysisQueues)
-    : EffectUnit(description, options, parameterTable), state_(std::make_shared<State>()),
+    : EffectUnit(description, options, voiceEnhancerParameters), state_(std::make_shared<State>()),
       analysisTimer_(analysisQueues, "Quorbel.VoiceAnalysis") {}
 
 Status VoiceEnhancerUnit::prepare(float sampleRate, std::string &) {

@@ -16,6 +16,11 @@ struct AudioBufferList {
     AudioBufferList() = default;
     AudioBufferList(float *left, float *right) : bufferCount(2), data{left, right} {}
 
+    /// Whether the first two channels carry sound.
+    [[nodiscard]] bool isStereo() const noexcept {
+        return bufferCount >= 2 && data[0] != nullptr && data[1] != nullptr;
+    }
+
     /// The same channels, `frames` further on.
     [[nodiscard]] AudioBufferList advancedBy(std::uint32_t frames) const noexcept {
         AudioBufferList result = *this;

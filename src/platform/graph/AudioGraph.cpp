@@ -20,19 +20,19 @@ namespace {
 /// The fade itself, and two of the longest cycles that a device may have.
 constexpr double longestFadeOutSeconds = 0.4;
 
-/// A node's place in the graph.
-struct Place {
-    GraphNode *node = nullptr;
-    GraphNode *input = nullptr;
-    GraphNode *output = nullptr;
-    StreamFormat inputFormat;  // while `input` is set
-    StreamFormat outputFormat; // while `output` is set
-    std::unique_ptr<NodeTap> tap;
-};
-
 } // namespace
 
 struct AudioGraph::State final : RenderClient {
+    /// A node's place in the graph.
+    struct Place {
+        GraphNode *node = nullptr;
+        GraphNode *input = nullptr;
+        GraphNode *output = nullptr;
+        StreamFormat inputFormat;  // while `input` is set
+        StreamFormat outputFormat; // while `output` is set
+        std::unique_ptr<NodeTap> tap;
+    };
+
     State(std::unique_ptr<HardwareOutput> output, SerialQueueFactory queues)
         : outputNode(std::move(output)), tapQueues(std::move(queues)) {
         add(mixer);
@@ -151,8 +151,8 @@ void AudioGraph::connect(GraphNode &from, GraphNode &to, const StreamFormat &for
     assert(isAttached(from) && isAttached(to));
     disconnectOutput(from);
     disconnectInput(to);
-    Place &source = *state_->find(from);
-    Place &target = *state_->find(to);
+    State::Place &source = *state_->find(from);
+    State::Place &target = *state_->find(to);
     source.output = &to;
     source.outputFormat = format;
     target.input = &from;
@@ -160,12 +160,12 @@ void AudioGraph::connect(GraphNode &from, GraphNode &to, const StreamFormat &for
 }
 
 void AudioGraph::disconnectInput(GraphNode &node) {
-    if (const Place *place = state_->find(node); place != nullptr && place->input != nullptr)
+    if (const State::Place *place = state_->find(node); place != nullptr && place->input != nullptr)
         state_->unlink(*state_->find(*place->input));
 }
 
 void AudioGraph::disconnectOutput(GraphNode &node) {
-    if (Place *place = state_->find(node))
+    if (State::Place *place = state_->find(node))
         state_->unlink(*place);
 }
 
@@ -219,7 +219,7 @@ Status AudioGraph::render(const AudioBufferList &output, std::uint32_t frames) n
 }
 
 void AudioGraph::installTap(GraphNode &node, std::uint32_t bufferFrames, TapBlock block) {
-    Place *place = state_->find(node);
+    State::Place *place = state_->find(node);
     const StreamFormat format = outputFormat(node);
     if (place == nullptr || !format.isValid())
         return;
@@ -229,12 +229,12 @@ void AudioGraph::installTap(GraphNode &node, std::uint32_t bufferFrames, TapBloc
 }
 
 void AudioGraph::removeTap(GraphNode &node) {
-    if (Place *place = state_->find(node))
+    if (State::Place *place = state_->find(node))
         place->tap->remove();
 }
 
 StreamFormat AudioGraph::outputFormat(const GraphNode &node) const {
-    const Place *place = state_->find(node);
+    const State::Place *place = state_->find(node);
     if (place == nullptr)
         return {};
     if (&node != &state_->mixer)

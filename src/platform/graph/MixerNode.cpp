@@ -12,11 +12,6 @@ namespace {
 
 constexpr std::uint32_t stereo = 2;
 
-bool isStereo(const AudioBufferList &buffers) {
-    return buffers.bufferCount == stereo && buffers.data[0] != nullptr &&
-           buffers.data[1] != nullptr;
-}
-
 void clear(const AudioBufferList &buffers, std::uint32_t begin, std::uint32_t end) {
     for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel)
         if (buffers.data[channel] != nullptr)
@@ -95,7 +90,7 @@ Status MixerNode::pull(RenderPlan &plan, NodeTap &tap, const AudioBufferList &ou
         clear(output, 0, frames);
         return statusFormatNotSupported;
     }
-    const bool direct = isStereo(output);
+    const bool direct = output.bufferCount == stereo && output.isStereo();
     Status result = statusOK;
     for (std::uint32_t done = 0; done < frames;) {
         const std::uint32_t count = std::min(frames - done, longestPull_);

@@ -4,13 +4,6 @@
 #include <typeinfo>
 
 namespace quorbel {
-namespace {
-
-bool isStereo(const AudioBufferList &buffers) noexcept {
-    return buffers.bufferCount >= 2 && buffers.data[0] != nullptr && buffers.data[1] != nullptr;
-}
-
-} // namespace
 
 Status ParametricEqualizerNode::allocateRenderResources(const StreamFormat &format,
                                                         std::uint32_t /*maximumFrames*/) {
@@ -22,7 +15,7 @@ Status ParametricEqualizerNode::allocateRenderResources(const StreamFormat &form
 
 Status ParametricEqualizerNode::render(const RenderTime & /*time*/, AudioBufferList &buffers,
                                        std::uint32_t frames) noexcept {
-    if (!isStereo(buffers))
+    if (!buffers.isStereo())
         return -EINVAL;
     equalizer_.process(buffers.data[0], buffers.data[1], frames);
     return statusOK;
@@ -31,7 +24,7 @@ Status ParametricEqualizerNode::render(const RenderTime & /*time*/, AudioBufferL
 bool ParametricEqualizerNode::renderWithNext(GraphNode &next, AudioBufferList &buffers,
                                              std::uint32_t frames) noexcept {
     // The class is final, so this is as safe as a dynamic cast and far quicker.
-    if (typeid(next) != typeid(ParametricEqualizerNode) || !isStereo(buffers))
+    if (typeid(next) != typeid(ParametricEqualizerNode) || !buffers.isStereo())
         return false;
     ParametricEqualizer::processInSeries(equalizer_,
                                          static_cast<ParametricEqualizerNode &>(next).equalizer_,

@@ -1,5 +1,6 @@
 #include "settings/interchange/EqualizerImport.h"
 
+#include "platform/core/Trimmed.h"
 #include "settings/interchange/BandResponse.h"
 #include "settings/interchange/EqualizerText.h"
 #include "settings/records/PlayedFilterType.h"
@@ -12,14 +13,6 @@
 namespace quorbel {
 
 namespace {
-
-std::string trimmed(std::string_view name) {
-    constexpr std::string_view blanks = " \t\r\n\v\f";
-    const std::size_t first = name.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
-    return std::string(name.substr(first, name.find_last_not_of(blanks) - first + 1));
-}
 
 bool isFlat(const EQBand &band) {
     return hasGain(playedFilterType(band.filterType)) && band.gainDB == 0.0F;
@@ -57,7 +50,8 @@ std::string notesOf(const EqualizerImport &import) {
 EqualizerImport importEqualizerText(std::string_view bytes, std::string_view name) {
     EqualizerText text = readEqualizerText(bytes);
     EqualizerImport import;
-    import.preset = {.id = Uuid::random(), .name = trimmed(name), .createdAt = Date::now()};
+    import.preset = {
+        .id = Uuid::random(), .name = std::string(trimmed(name)), .createdAt = Date::now()};
     if (import.preset.name.empty())
         throw InterchangeError(0, "the preset needs a name");
     import.globalGainDB = text.preampDB;

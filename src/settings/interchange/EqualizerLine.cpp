@@ -1,5 +1,6 @@
 #include "settings/interchange/EqualizerLine.h"
 
+#include "platform/core/Trimmed.h"
 #include "settings/records/json/JsonLiterals.h"
 
 #include <algorithm>
@@ -23,14 +24,6 @@ std::string capitals(std::string_view text) {
         if (c >= 'a' && c <= 'z')
             c = static_cast<char>(c - 'a' + 'A');
     return result;
-}
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
 }
 
 /// Typographic blanks and minus signs become the plain ones.

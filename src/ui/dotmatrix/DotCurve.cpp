@@ -9,7 +9,7 @@
 namespace quorbel {
 namespace {
 
-constexpr double pitch = 8; // of the lattice
+constexpr double latticePitch = 8;
 constexpr double inset = 4; // of the plot in the item
 constexpr double lowestHz = 20;
 constexpr double decades = 3; // up to 20 kHz
@@ -54,12 +54,12 @@ struct DotCurve::Lattice {
     int rowsAbove = 0; // and as many below
     double middle = 0;
 
-    double x(int column) const { return inset + column * pitch; }
-    double y(int row) const { return middle - row * pitch; } // row 0 in the middle, upward
+    double x(int column) const { return inset + column * latticePitch; }
+    double y(int row) const { return middle - row * latticePitch; } // row 0 in the middle, upward
 };
 
 DotCurve::DotCurve(QQuickItem *parent) : DotItem(parent) {
-    setImplicitSize(80 * pitch, 25 * pitch);
+    setImplicitSize(80 * latticePitch, 25 * latticePitch);
 }
 
 void DotCurve::setValues(const QList<double> &values) {
@@ -116,8 +116,8 @@ void DotCurve::geometryChange(const QRectF &now, const QRectF &before) {
 }
 
 DotCurve::Lattice DotCurve::lattice() const {
-    return {.columns = std::max(0, static_cast<int>((width() - 2 * inset) / pitch) + 1),
-            .rowsAbove = std::max(0, static_cast<int>((height() / 2 - inset) / pitch)),
+    return {.columns = std::max(0, static_cast<int>((width() - 2 * inset) / latticePitch) + 1),
+            .rowsAbove = std::max(0, static_cast<int>((height() / 2 - inset) / latticePitch)),
             .middle = height() / 2};
 }
 
@@ -128,7 +128,7 @@ void DotCurve::light() {
     const auto bands = static_cast<int>(spectrum_.size());
     const int rows = 2 * cells.rowsAbove + 1;
     for (int column = 0; column < cells.columns && bands > 0; ++column) {
-        const double position = column * pitch / std::max(1.0, width() - 2 * inset);
+        const double position = column * latticePitch / std::max(1.0, width() - 2 * inset);
         const int band = std::clamp(static_cast<int>(position * bands), 0, bands - 1);
         const double level = spectrum_[band];
         if (level > 0) { // false for what is not a number
@@ -163,7 +163,7 @@ void DotCurve::paintGround(QSize size, double scale) {
     std::vector<bool> marked(static_cast<std::size_t>(cells.columns), false);
     if (octaveMarks_) {
         for (const double hz : octavesHz) {
-            const auto column = std::lround((xOfFrequency(hz) - inset) / pitch);
+            const auto column = std::lround((xOfFrequency(hz) - inset) / latticePitch);
             if (column >= 0 && column < cells.columns) {
                 marked[static_cast<std::size_t>(column)] = true;
             }
@@ -183,12 +183,13 @@ void DotCurve::paintGround(QSize size, double scale) {
         }
     }
 
-    behind_ = QPixmap(static_cast<int>(std::lround(pitch * scale)), size.height());
+    behind_ = QPixmap(static_cast<int>(std::lround(latticePitch * scale)), size.height());
     behind_.fill(Qt::transparent);
     QPainter ontoColumn(&behind_);
     DotPainter column(ontoColumn);
     for (int row = -cells.rowsAbove; row <= cells.rowsAbove; ++row) {
-        column.dot(QPointF(pitch / 2, cells.y(row)) * scale, spectrumDot * scale, palette().dotMid);
+        column.dot(QPointF(latticePitch / 2, cells.y(row)) * scale, spectrumDot * scale,
+                   palette().dotMid);
     }
 }
 
@@ -207,7 +208,7 @@ void DotCurve::paintCurve(QSize size, double scale) {
                 std::clamp<qsizetype>(static_cast<qsizetype>(place), 0, line.size() - 2);
             const double part = place - static_cast<double>(index);
             const double y = line[index].y() * (1 - part) + line[index + 1].y() * part;
-            const double rows = (cells.middle - y) / pitch;
+            const double rows = (cells.middle - y) / latticePitch;
             const int away = rows < 0 ? -1 : 1;
             for (int row = away; std::abs(row) < std::abs(rows); row += away) {
                 painter.dot(QPointF(cells.x(column), cells.y(row)) * scale, fieldDot * scale,
@@ -237,9 +238,10 @@ void DotCurve::paintDots(DotPainter &painter, QSize size) {
     for (int column = 0; column < cells.columns; ++column) {
         const int count = lit_[static_cast<std::size_t>(column)];
         if (count > 0) {
-            const int x = static_cast<int>(std::lround((cells.x(column) - pitch / 2) * scale));
+            const int x =
+                static_cast<int>(std::lround((cells.x(column) - latticePitch / 2) * scale));
             const double highest = cells.y(count - 1 - cells.rowsAbove);
-            const int top = static_cast<int>(std::lround((highest - pitch / 2) * scale));
+            const int top = static_cast<int>(std::lround((highest - latticePitch / 2) * scale));
             painter->drawPixmap(x, top, behind_, 0, top, behind_.width(), size.height() - top);
         }
     }

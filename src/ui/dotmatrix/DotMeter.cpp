@@ -4,14 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <tuple>
 
 namespace quorbel {
 namespace {
-
-constexpr double pitch = 8;
-constexpr double unset = std::numeric_limits<double>::quiet_NaN();
 
 bool same(double one, double other) {
     return one == other || (std::isnan(one) && std::isnan(other));
@@ -19,8 +15,8 @@ bool same(double one, double other) {
 
 } // namespace
 
-DotMeter::DotMeter(QQuickItem *parent) : DotItem(parent), origin_(unset), peak_(unset) {
-    setImplicitSize(20 * pitch, pitch);
+DotMeter::DotMeter(QQuickItem *parent) : DotItem(parent), origin_(qQNaN()), peak_(qQNaN()) {
+    setImplicitSize(20 * dotPitch, dotPitch);
 }
 
 void DotMeter::setFrom(double from) {
@@ -57,7 +53,7 @@ void DotMeter::setOrigin(double origin) {
     }
 }
 
-void DotMeter::resetOrigin() { setOrigin(unset); }
+void DotMeter::resetOrigin() { setOrigin(qQNaN()); }
 
 void DotMeter::setPeak(double peak) {
     if (!same(peak_, peak)) {
@@ -67,7 +63,7 @@ void DotMeter::setPeak(double peak) {
     }
 }
 
-void DotMeter::resetPeak() { setPeak(unset); }
+void DotMeter::resetPeak() { setPeak(qQNaN()); }
 
 void DotMeter::geometryChange(const QRectF &now, const QRectF &before) {
     DotItem::geometryChange(now, before);
@@ -76,7 +72,7 @@ void DotMeter::geometryChange(const QRectF &now, const QRectF &before) {
 
 DotMeter::Lit DotMeter::lit() const {
     Lit result;
-    result.count = std::max(1, static_cast<int>(width() / pitch));
+    result.count = std::max(1, static_cast<int>(width() / dotPitch));
     const auto dots = [&](double value) {
         const double position = (value - from_) / (to_ - from_);
         return std::isfinite(position)
@@ -97,7 +93,7 @@ void DotMeter::light() {
 }
 
 void DotMeter::paintDots(DotPainter &painter, QSize size) {
-    const double step = pitch * painter.scale();
+    const double step = dotPitch * painter.scale();
     const double diameter = step * 0.625;
     for (int index = 0; index < lit_.count; ++index) {
         const bool on = index >= lit_.first && index < lit_.last;

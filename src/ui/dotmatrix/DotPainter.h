@@ -8,6 +8,10 @@
 
 namespace quorbel {
 
+/// Distance and diameter of a control's dots, in device-independent pixels.
+inline constexpr double dotPitch = 8;
+inline constexpr double dotDiameter = 4;
+
 /// Paints dots where the screen's pixels are. Everything here is in device pixels: while it lives,
 /// the painter's coordinates are the item's own pixels, so that dots are equally crisp at every
 /// scale.

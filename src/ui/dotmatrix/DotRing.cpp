@@ -9,7 +9,6 @@
 namespace quorbel {
 namespace {
 
-constexpr double dotSize = 4;
 constexpr double pointerSize = 6;
 constexpr double faceMargin = 10; // from the item's edge to the face
 constexpr double sweep = 1.5 * std::numbers::pi;
@@ -55,7 +54,7 @@ void DotRing::paintDots(DotPainter &painter, QSize) {
     for (int index = 0; index < dots_; ++index) {
         const double at = static_cast<double>(index) / (dots_ - 1);
         const bool lit = at >= first - 1e-9 && at <= last + 1e-9;
-        painter.dot(place(at, radius - dotSize / 2), dotSize * scale,
+        painter.dot(place(at, radius - dotDiameter / 2), dotDiameter * scale,
                     lit ? palette().ink : palette().dotMid);
     }
     const double face = radius - faceMargin;

@@ -8,9 +8,7 @@
 namespace quorbel {
 namespace {
 
-constexpr double pitch = 8;
 constexpr double handle = 16;
-constexpr double dotSize = 4;
 constexpr double eyeSize = 6;   // in the handle, while it is hot
 constexpr double clearance = 2; // between the handle and the next dot
 
@@ -67,16 +65,16 @@ void DotTrack::paintDots(DotPainter &painter, QSize) {
     };
     // The first and the last dot stand where the handle ends; the others share the way between
     // equally.
-    const int steps = std::max(1, static_cast<int>(std::lround((length() - handle) / pitch)));
+    const int steps = std::max(1, static_cast<int>(std::lround((length() - handle) / dotPitch)));
     const auto [first, last] = std::minmax(origin_, position_);
     for (int index = 0; index <= steps; ++index) {
         const double at = static_cast<double>(index) / steps;
         if (std::abs(handleCentre(at) - handleCentre(position_)) <
-            handle / 2 + dotSize / 2 + clearance) {
+            handle / 2 + dotDiameter / 2 + clearance) {
             continue;
         }
         const bool lit = at >= first - 1e-9 && at <= last + 1e-9 && first != last;
-        painter.dot(place(at), dotSize * scale, lit ? palette().ink : palette().dotMid);
+        painter.dot(place(at), dotDiameter * scale, lit ? palette().ink : palette().dotMid);
     }
     const QPointF centre = place(position_);
     painter.dot(centre, handle * scale, palette().ink);

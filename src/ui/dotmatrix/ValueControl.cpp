@@ -2,16 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace quorbel {
-namespace {
 
-constexpr double unset = std::numeric_limits<double>::quiet_NaN();
-
-} // namespace
-
-ValueControl::ValueControl(QQuickItem *parent) : QQuickItem(parent), origin_(unset) {
+ValueControl::ValueControl(QQuickItem *parent) : QQuickItem(parent), origin_(qQNaN()) {
     setFlag(ItemIsFocusScope);
 }
 
@@ -58,7 +52,7 @@ void ValueControl::setOrigin(double origin) {
     }
 }
 
-void ValueControl::resetOrigin() { setOrigin(unset); }
+void ValueControl::resetOrigin() { setOrigin(qQNaN()); }
 
 double ValueControl::step() const { return stepSize_ > 0 ? stepSize_ : (to_ - from_) / 100; }
 

@@ -1,5 +1,6 @@
 #include "ui/logic/PresetTexts.h"
 
+#include "platform/core/Trimmed.h"
 #include "ui/logic/Stages.h"
 
 #include <fmt/format.h>
@@ -37,12 +38,6 @@ std::string descriere(const Preset &preset) {
     return text;
 }
 
-std::string trimmedName(std::string_view name) {
-    constexpr std::string_view blanks = " \t\r\n\v\f";
-    const auto first = name.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
-    return std::string(name.substr(first, name.find_last_not_of(blanks) - first + 1));
-}
+std::string trimmedName(std::string_view name) { return std::string(trimmed(name)); }
 
 } // namespace quorbel

@@ -6,14 +6,6 @@
 
 namespace quorbel {
 
-namespace {
-
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-} // namespace
-
 EngineModel::EngineModel(AppState &state, Clock &clock, QObject *parent)
     : QObject(parent), appState_(state), engine_(state.engine()), clock_(clock) {
     connect(&engine_, &AudioEngine::stateChanged, this, &EngineModel::followState);
@@ -48,14 +40,17 @@ bool EngineModel::running() const {
 
 bool EngineModel::comingBack() const { return engine_.isComingBack(); }
 
-QString EngineModel::errorMessage() const { return shown(shownState().message); }
-QString EngineModel::stateWord() const { return shown(quorbel::stateWord(shownState())); }
+QString EngineModel::errorMessage() const { return QString::fromUtf8(shownState().message); }
+QString EngineModel::stateWord() const {
+    return QString::fromUtf8(quorbel::stateWord(shownState()));
+}
 QString EngineModel::subtitle() const {
-    return shown(subtitlu(shownState(), appState_.activePresetDisplayName()));
+    return QString::fromUtf8(subtitlu(shownState(), appState_.activePresetDisplayName()));
 }
 
 QString EngineModel::secondLine() const {
-    return shown(quorbel::secondLine(engine_.outputDevice().has_value(), engine_.mixer()));
+    return QString::fromUtf8(
+        quorbel::secondLine(engine_.outputDevice().has_value(), engine_.mixer()));
 }
 
 void EngineModel::start() {
@@ -91,24 +86,24 @@ double EngineModel::limiterReductionDB() const {
     return static_cast<double>(engine_.limiterReductionDB()) + 0.0;
 }
 QString EngineModel::reductionText() const {
-    return shown(fixedText(limiterReductionDB(), 1) + " dB");
+    return QString::fromUtf8(fixedText(limiterReductionDB(), 1) + " dB");
 }
 QString EngineModel::reductionCompactText() const {
-    return shown(fixedText(limiterReductionDB(), 0) + " dB red.");
+    return QString::fromUtf8(fixedText(limiterReductionDB(), 0) + " dB red.");
 }
 double EngineModel::autoGainDB() const { return static_cast<double>(engine_.autoGainDB()) + 0.0; }
-QString EngineModel::autoGainText() const { return shown(gainText(autoGainDB())); }
+QString EngineModel::autoGainText() const { return QString::fromUtf8(gainText(autoGainDB())); }
 double EngineModel::bassTrackedFrequency() const {
     return static_cast<double>(engine_.bassTrackedFrequency());
 }
 QString EngineModel::trackingText() const {
-    return shown(fixedText(bassTrackedFrequency(), 0) + " Hz");
+    return QString::fromUtf8(fixedText(bassTrackedFrequency(), 0) + " Hz");
 }
 double EngineModel::voiceConfidence() const {
     return static_cast<double>(engine_.voiceConfidence());
 }
 QString EngineModel::confidenceText() const {
-    return shown(fixedText(100.0 * voiceConfidence(), 0) + "%");
+    return QString::fromUtf8(fixedText(100.0 * voiceConfidence(), 0) + "%");
 }
 
 EngineLifecycle::State EngineModel::shownState() const {
@@ -140,7 +135,7 @@ void EngineModel::followState() {
 }
 
 void EngineModel::updateLosses() {
-    const QString now = running() ? shown(lossesText(engine_.losses())) : QString();
+    const QString now = running() ? QString::fromUtf8(lossesText(engine_.losses())) : QString();
     if (now == losses_)
         return;
     losses_ = now;

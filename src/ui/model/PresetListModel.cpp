@@ -11,14 +11,12 @@ namespace quorbel {
 
 namespace {
 
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-QStringList shown(const std::vector<LineNote> &notes) {
+QStringList shownNotes(const std::vector<LineNote> &notes) {
     QStringList lines;
     for (const LineNote &note : notes)
-        lines << PresetListModel::tr("line %1: %2").arg(note.line).arg(shown(note.reason));
+        lines << PresetListModel::tr("line %1: %2")
+                     .arg(note.line)
+                     .arg(QString::fromUtf8(note.reason));
     return lines;
 }
 
@@ -32,7 +30,7 @@ ExchangeResult failed(const QString &why) {
 
 PresetListModel::PresetListModel(AppState &state, HistoryModel &history, QObject *parent)
     : RecordListModel(parent), state_(state), history_(history), presets_(state.presets()),
-      activeName_(shown(state.activePresetDisplayName())) {
+      activeName_(QString::fromUtf8(state.activePresetDisplayName())) {
     connect(&state_, &AppState::presetsChanged, this, &PresetListModel::followPresets);
     connect(&state_, &AppState::activePresetIDChanged, this, &PresetListModel::followActive);
     // The name shown compares these two with the active preset.
@@ -54,13 +52,13 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const {
     case presetIdRole:
         return QString::fromStdString(preset.id.text());
     case nameRole:
-        return shown(preset.name);
+        return QString::fromUtf8(preset.name);
     case categoryTitleRole:
-        return shown(displayName(preset.category));
+        return QString::fromUtf8(displayName(preset.category));
     case notesRole:
-        return shown(preset.notes);
+        return QString::fromUtf8(preset.notes);
     case summaryRole:
-        return shown(descriere(preset));
+        return QString::fromUtf8(descriere(preset));
     case isUserRole:
         return preset.category == Preset::Category::user;
     case playingRole:
@@ -86,13 +84,13 @@ int PresetListModel::activeIndex() const {
 QStringList PresetListModel::names() const {
     QStringList names;
     for (const Preset &preset : presets_)
-        names << shown(preset.name);
+        names << QString::fromUtf8(preset.name);
     return names;
 }
 
 void PresetListModel::apply(const QString &id) {
     if (const Preset *preset = find(id))
-        history_.edit(tr("Preset %1").arg(shown(preset->name)), "preset",
+        history_.edit(tr("Preset %1").arg(QString::fromUtf8(preset->name)), "preset",
                       [&] { state_.applyPreset(*preset); });
 }
 
@@ -104,14 +102,14 @@ void PresetListModel::applyRow(int row) {
 void PresetListModel::remove(const QString &id) {
     const Preset *preset = find(id);
     if (preset != nullptr && preset->category == Preset::Category::user)
-        history_.edit(tr("Delete preset %1").arg(shown(preset->name)), "delete " + id.toStdString(),
-                      [&] { state_.deletePreset(*preset); });
+        history_.edit(tr("Delete preset %1").arg(QString::fromUtf8(preset->name)),
+                      "delete " + id.toStdString(), [&] { state_.deletePreset(*preset); });
 }
 
 void PresetListModel::save(const QString &name) {
     const std::string trimmed = trimmedName(name.toStdString());
     if (!trimmed.empty())
-        history_.edit(tr("Save preset %1").arg(shown(trimmed)), "save",
+        history_.edit(tr("Save preset %1").arg(QString::fromUtf8(trimmed)), "save",
                       [&] { state_.savePreset(trimmed); });
 }
 
@@ -122,17 +120,17 @@ bool PresetListModel::canSave(const QString &name) {
 ExchangeResult PresetListModel::importFile(const QUrl &file) {
     try {
         const ImportedPreset imported = readPreset(file.toLocalFile().toStdString());
-        history_.edit(tr("Import %1").arg(shown(imported.preset.name)), "import", [&] {
+        history_.edit(tr("Import %1").arg(QString::fromUtf8(imported.preset.name)), "import", [&] {
             adoptPreset(state_, imported.preset);
             if (imported.globalGainDB)
                 state_.engine().eq().setGlobalGainDB(*imported.globalGainDB);
         });
         return {.ok = true,
-                .message = shown(imported.summary),
-                .skipped = shown(imported.skipped),
-                .limited = shown(imported.limited)};
+                .message = QString::fromUtf8(imported.summary),
+                .skipped = shownNotes(imported.skipped),
+                .limited = shownNotes(imported.limited)};
     } catch (const PresetExchangeError &error) {
-        return failed(shown(error.what()));
+        return failed(QString::fromUtf8(error.what()));
     }
 }
 
@@ -147,10 +145,11 @@ ExchangeResult PresetListModel::exportPreset(const QString &id, const QUrl &file
                     isActive ? state_.engine().eq().globalGainDB() : 0.0F);
         ExchangeResult done;
         done.ok = true;
-        done.message = tr("%1 was written to %2").arg(shown(preset->name), file.fileName());
+        done.message =
+            tr("%1 was written to %2").arg(QString::fromUtf8(preset->name), file.fileName());
         return done;
     } catch (const PresetExchangeError &error) {
-        return failed(shown(error.what()));
+        return failed(QString::fromUtf8(error.what()));
     }
 }
 
@@ -167,7 +166,7 @@ void PresetListModel::followActive() {
 }
 
 void PresetListModel::updateActiveName() {
-    const QString name = shown(state_.activePresetDisplayName());
+    const QString name = QString::fromUtf8(state_.activePresetDisplayName());
     if (name == activeName_)
         return;
     activeName_ = name;
