@@ -1,13 +1,13 @@
 #pragma once
 
-#include "support/soundserver/Levels.h"
-#include "support/soundserver/LiveProcess.h"
+#include "soundserver/Levels.h"
+#include "soundserver/LiveProcess.h"
+#include "soundserver/PrivateSoundServer.h"
+#include "soundserver/Recorder.h"
+#include "soundserver/SoundFile.h"
+#include "soundserver/Waiting.h"
 #include "support/soundserver/Player.h"
-#include "support/soundserver/PrivateSoundServer.h"
-#include "support/soundserver/Recorder.h"
 #include "support/soundserver/SequenceReport.h"
-#include "support/soundserver/SoundFile.h"
-#include "support/soundserver/Waiting.h"
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 #include "platform/hardware/AudioHardwareContract.h"
 #include "platform/hardware/SystemHardware.h"
-#include "support/soundserver/GraphClient.h"
-#include "support/soundserver/Levels.h"
+#include "soundserver/GraphClient.h"
+#include "soundserver/Levels.h"
+#include "soundserver/PrivateSoundServer.h"
+#include "soundserver/Recorder.h"
+#include "soundserver/Waiting.h"
 #include "support/soundserver/Player.h"
-#include "support/soundserver/PrivateSoundServer.h"
-#include "support/soundserver/Recorder.h"
 #include "support/soundserver/Sounds.h"
-#include "support/soundserver/Waiting.h"
 
 #include <cstdlib>
 #include <numbers>

@@ -1,6 +1,6 @@
 #include "endtoend/window/AccessibilityBus.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <atspi/atspi.h>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/soundserver/PrivateSoundServer.h"
+#include "soundserver/PrivateSoundServer.h"
 
 #include <memory>
 #include <string>

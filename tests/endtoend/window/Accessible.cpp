@@ -1,6 +1,6 @@
 #include "endtoend/window/Accessible.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <fmt/format.h>
 

@@ -1,5 +1,5 @@
 #include "endtoend/window/WindowTest.h"
-#include "support/soundserver/ProcessUsage.h"
+#include "soundserver/ProcessUsage.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/soundserver/ChildProcess.h"
+#include "soundserver/ChildProcess.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "endtoend/window/WindowTest.h"
 
-#include "support/soundserver/Levels.h"
+#include "soundserver/Levels.h"
 
 #include <cmath>
 #include <csignal>

@@ -3,11 +3,11 @@
 #include "endtoend/window/AccessibilityBus.h"
 #include "endtoend/window/Accessible.h"
 #include "endtoend/window/VirtualDisplay.h"
-#include "support/soundserver/GraphClient.h"
+#include "soundserver/GraphClient.h"
+#include "soundserver/PrivateSoundServer.h"
+#include "soundserver/Recorder.h"
+#include "soundserver/Waiting.h"
 #include "support/soundserver/Player.h"
-#include "support/soundserver/PrivateSoundServer.h"
-#include "support/soundserver/Recorder.h"
-#include "support/soundserver/Waiting.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

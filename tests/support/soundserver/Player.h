@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/soundserver/ClientStream.h"
+#include "soundserver/ClientStream.h"
 #include "support/soundserver/Sounds.h"
 
 #include <string>

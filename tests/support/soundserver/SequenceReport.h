@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/soundserver/Recorder.h"
+#include "soundserver/Recorder.h"
 
 #include <iosfwd>
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "soundserver/SoundFile.h"
+
 #include <atomic>
 #include <cmath>
 #include <cstdint>
@@ -100,5 +102,15 @@ class Impulses : public Sound {
     mutable std::mutex mutex_;
     std::vector<std::uint64_t> positions_;
 };
+
+/// The first `seconds` of a sound at 48 kHz.
+inline StereoSound rendered(Sound &sound, double seconds) {
+    StereoSound result;
+    result.left.resize(static_cast<std::size_t>(seconds * result.sampleRate));
+    result.right.resize(result.left.size());
+    sound.fill(0, result.left.data(), result.right.data(),
+               static_cast<std::uint32_t>(result.left.size()));
+    return result;
+}
 
 } // namespace quorbel::soundserver

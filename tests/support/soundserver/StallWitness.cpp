@@ -1,6 +1,6 @@
 #include "support/soundserver/StallWitness.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <chrono>
 #include <pthread.h>

@@ -18,13 +18,19 @@ extern char **environ;
 namespace quorbel {
 namespace {
 
-/// "…/bin/program" finds "…/libexec/quorbel-watchdog", in the build tree and when installed.
+/// Path of the watchdog, from the place of this program: as installed, else as in the build tree.
+/// Empty if it is in neither.
 std::string watchdogProgram() {
     std::error_code error;
     const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
     if (error)
         return {};
-    return (self.parent_path().parent_path() / "libexec" / "quorbel-watchdog").string();
+    for (const char *place : {QUORBEL_WATCHDOG, "../libexec/quorbel-watchdog"}) {
+        const std::string program = (self.parent_path() / place).lexically_normal().string();
+        if (access(program.c_str(), X_OK) == 0)
+            return program;
+    }
+    return {};
 }
 
 /// Starts the watchdog with one end of a socket pair as its standard input; the other end is ours
@@ -33,8 +39,7 @@ std::string watchdogProgram() {
 bool startWatchdog(int &ourEnd, int &pid) {
     const std::string program = watchdogProgram();
     std::array<int, 2> ends{};
-    if (program.empty() || access(program.c_str(), X_OK) != 0 ||
-        socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
+    if (program.empty() || socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
         return false;
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

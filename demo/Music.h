@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/soundserver/SoundFile.h"
+#include "soundserver/SoundFile.h"
 
 namespace quorbel::demo {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "support/soundserver/ChildProcess.h"
-#include "support/soundserver/ServerState.h"
+#include "soundserver/ChildProcess.h"
+#include "soundserver/ServerState.h"
 
 #include <filesystem>
 #include <memory>

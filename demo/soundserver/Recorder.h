@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/soundserver/ClientStream.h"
+#include "soundserver/ClientStream.h"
 
 #include <mutex>
 #include <optional>

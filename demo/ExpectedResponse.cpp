@@ -1,4 +1,4 @@
-#include "demo/ExpectedResponse.h"
+#include "ExpectedResponse.h"
 
 #include <cmath>
 #include <complex>

@@ -1,4 +1,4 @@
-#include "support/soundserver/Levels.h"
+#include "soundserver/Levels.h"
 
 #include <fftw3.h>
 

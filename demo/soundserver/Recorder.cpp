@@ -1,6 +1,6 @@
-#include "support/soundserver/Recorder.h"
+#include "soundserver/Recorder.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <span>
 

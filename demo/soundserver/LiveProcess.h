@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/soundserver/PrivateSoundServer.h"
+#include "soundserver/PrivateSoundServer.h"
 
 #include <cstdint>
 #include <memory>
@@ -43,7 +43,8 @@ class LiveProcess {
     /// takes longer than `seconds`.
     void waitUntilRunning(double seconds = 5.0);
 
-    /// The path of the command-line program.
+    /// The path of the command-line program: QUORBEL_CLI_PROGRAM in the environment, for an
+    /// installed one, else that of this build.
     [[nodiscard]] static std::string program();
 
     /// When it was started, on the monotonic clock.

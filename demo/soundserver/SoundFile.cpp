@@ -1,7 +1,6 @@
-#include "support/soundserver/SoundFile.h"
+#include "soundserver/SoundFile.h"
 
-#include "support/soundserver/Sounds.h"
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <sndfile.h>
 
@@ -24,16 +23,6 @@ void writeSoundFile(const std::filesystem::path &path, const StereoSound &sound)
     if (sf_close(file) != 0 || !written) {
         throw ServerError("cannot write " + path.string() + ": " + sf_strerror(nullptr));
     }
-}
-
-StereoSound rendered(Sound &sound, double seconds, int sampleRate) {
-    StereoSound result;
-    result.sampleRate = sampleRate;
-    result.left.resize(static_cast<std::size_t>(seconds * sampleRate));
-    result.right.resize(result.left.size());
-    sound.fill(0, result.left.data(), result.right.data(),
-               static_cast<std::uint32_t>(result.left.size()));
-    return result;
 }
 
 } // namespace quorbel::soundserver

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/soundserver/GraphClient.h"
+#include "soundserver/GraphClient.h"
 
 #include <pipewire/pipewire.h>
 

@@ -1,6 +1,6 @@
-#include "support/soundserver/ServerState.h"
+#include "soundserver/ServerState.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <nlohmann/json.hpp>
 

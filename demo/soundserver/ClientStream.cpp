@@ -1,6 +1,6 @@
-#include "support/soundserver/ClientStream.h"
+#include "soundserver/ClientStream.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <spa/param/audio/format-utils.h>
 #include <spa/param/latency-utils.h>

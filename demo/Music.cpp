@@ -1,6 +1,6 @@
-#include "demo/Music.h"
+#include "Music.h"
 
-#include "support/soundserver/Levels.h"
+#include "soundserver/Levels.h"
 
 #include <algorithm>
 #include <array>

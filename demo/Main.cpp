@@ -2,15 +2,14 @@
 // devices, a player as any application would be, Ostrafine in between, and what was heard before
 // and after.
 
-#include "demo/ExpectedResponse.h"
-#include "demo/Music.h"
-#include "support/soundserver/LiveProcess.h"
-#include "support/soundserver/PrivateSoundServer.h"
-#include "support/soundserver/Recorder.h"
-#include "support/soundserver/SoundFile.h"
-#include "support/soundserver/Waiting.h"
+#include "ExpectedResponse.h"
+#include "Music.h"
+#include "soundserver/LiveProcess.h"
+#include "soundserver/PrivateSoundServer.h"
+#include "soundserver/Recorder.h"
+#include "soundserver/SoundFile.h"
+#include "soundserver/Waiting.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <cmath>
@@ -121,6 +120,9 @@ void runDemo(const fs::path &folder) {
     const Metadata settingsBefore = server.state().metadata;
     LiveProcess live(server, settings);
     live.waitUntilRunning();
+    if (live.helpers().empty()) {
+        throw ServerError("the watchdog, which restores the routing after a crash, does not run");
+    }
     const Recording after = playAndRecord(server, recorder, afterSeconds);
     const int status = live.process().stop(5.0, SIGINT);
     if (status != 0) {
@@ -146,15 +148,18 @@ void interrupt(int) { interruptRequested = true; }
 
 int main(int argc, char **argv) {
     using namespace quorbel;
-    CLI::App app("Ostrafine on a private sound server: what was heard before and after");
-    std::string folder;
-    app.add_option("--output", folder, "Folder for the two recordings")->required();
-    CLI11_PARSE(app, argc, argv);
+    if (argc != 2) {
+        fmt::print(stderr,
+                   "Usage: quorbel-demo FOLDER\n"
+                   "Plays music on a private sound server without and with Ostrafine, compares\n"
+                   "the two, and leaves both recordings in FOLDER.\n");
+        return 2;
+    }
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         std::signal(signal, demo::interrupt);
     }
     try {
-        demo::runDemo(folder);
+        demo::runDemo(argv[1]);
         return 0;
     } catch (const soundserver::Interrupted &) {
         fmt::print(stderr, "\nInterrupted.\n");

@@ -5,8 +5,8 @@
 
 namespace quorbel::soundserver {
 
-class Sound;
-
+/// Both channels of a sound, equally long; 1 is full scale.
+/// Two channels of equal length; 1 is full scale.
 struct StereoSound {
     int sampleRate = 48000;
     std::vector<float> left;
@@ -15,8 +15,5 @@ struct StereoSound {
 
 /// Writes a WAV file of 32-bit floats. Throws `ServerError`.
 void writeSoundFile(const std::filesystem::path &path, const StereoSound &sound);
-
-/// `seconds` of what a player would play.
-StereoSound rendered(Sound &sound, double seconds, int sampleRate = 48000);
 
 } // namespace quorbel::soundserver

@@ -1,6 +1,6 @@
-#include "support/soundserver/PrivateSoundServer.h"
+#include "soundserver/PrivateSoundServer.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
-#include "support/soundserver/ProcessUsage.h"
+#include "soundserver/ProcessUsage.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <filesystem>
 #include <fstream>

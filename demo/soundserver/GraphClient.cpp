@@ -1,7 +1,7 @@
-#include "support/soundserver/GraphClient.h"
+#include "soundserver/GraphClient.h"
 
-#include "support/soundserver/PrivateSoundServer.h"
-#include "support/soundserver/Waiting.h"
+#include "soundserver/PrivateSoundServer.h"
+#include "soundserver/Waiting.h"
 
 #include <pipewire/pipewire.h>
 

@@ -1,11 +1,12 @@
-#include "support/soundserver/LiveProcess.h"
+#include "soundserver/LiveProcess.h"
 
-#include "support/soundserver/ProcessUsage.h"
-#include "support/soundserver/Waiting.h"
+#include "soundserver/ProcessUsage.h"
+#include "soundserver/Waiting.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -62,7 +63,10 @@ LiveProcess::LiveProcess(const PrivateSoundServer &server, const LiveSettings &s
     process_ = server.start(std::move(command));
 }
 
-std::string LiveProcess::program() { return QUORBEL_CLI; }
+std::string LiveProcess::program() {
+    const char *installed = std::getenv("QUORBEL_CLI_PROGRAM");
+    return installed != nullptr ? installed : QUORBEL_CLI;
+}
 
 LiveProcess::~LiveProcess() { process_->stop(3.0, SIGINT); }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "support/soundserver/Levels.h"
-#include "support/soundserver/LiveProcess.h"
+#include "soundserver/Levels.h"
+#include "soundserver/LiveProcess.h"
 
 namespace quorbel::demo {
 

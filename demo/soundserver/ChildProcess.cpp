@@ -1,6 +1,6 @@
-#include "support/soundserver/ChildProcess.h"
+#include "soundserver/ChildProcess.h"
 
-#include "support/soundserver/Waiting.h"
+#include "soundserver/Waiting.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,0 +1,6 @@
+# Run by CPack on the folder that is to be packed: manual pages and the changelog are compressed, without the
+# time of the run, as Debian wants them.
+file(GLOB manuals ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share/man/man*/*.[1-9])
+set(changelog ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/usr/share/doc/${CPACK_PACKAGE_NAME}/changelog)
+configure_file(${CPACK_QUORBEL_CHANGELOG} ${changelog} COPYONLY)
+execute_process(COMMAND gzip -9nf ${manuals} ${changelog} COMMAND_ERROR_IS_FATAL ANY)
