@@ -5,6 +5,7 @@
 #include "platform/threads/Timer.h"
 #include "settings/state/AppState.h"
 #include "ui/app/MainWindow.h"
+#include "ui/app/PresetFileDialogs.h"
 #include "ui/app/QuitSignals.h"
 #include "ui/app/Setup.h"
 #include "ui/app/SimulatedMusic.h"
@@ -119,6 +120,8 @@ int main(int argc, char **argv) {
     MainWindow window(options.properties);
     if (!window.isLoaded())
         return 1;
+    PresetFileDialogs fileDialogs(window.window());
+    model.presets()->setFileChooser(&fileDialogs);
     if (options.size.isValid())
         window.window().resize(options.size);
     window.raise();

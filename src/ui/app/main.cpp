@@ -3,6 +3,7 @@
 #include "platform/threads/MainLoopClock.h"
 #include "settings/state/AppState.h"
 #include "ui/app/MainWindow.h"
+#include "ui/app/PresetFileDialogs.h"
 #include "ui/app/ProcessingPermit.h"
 #include "ui/app/QuitSignals.h"
 #include "ui/app/Setup.h"
@@ -13,6 +14,7 @@
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QQuickWindow>
 
 #include <cstdio>
 
@@ -43,6 +45,8 @@ int main(int argc, char **argv) {
     MainWindow window;
     if (!window.isLoaded())
         return 1;
+    PresetFileDialogs fileDialogs(window.window());
+    model.presets()->setFileChooser(&fileDialogs);
     const TrayItem tray(model);
     window.goesOnWithoutWindow = [&] {
         const EngineModel &engine = *model.engine();

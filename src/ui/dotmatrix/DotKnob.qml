@@ -33,6 +33,5 @@ ValueControl {
         anchors.fill: parent
         target: control
         role: Accessible.Dial
-        turn: true
     }
 }

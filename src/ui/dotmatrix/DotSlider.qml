@@ -15,7 +15,7 @@ ValueControl {
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     DotTrack {
-        id: track
+        id: dotTrack
 
         anchors.fill: parent
         position: control.position
@@ -25,14 +25,14 @@ ValueControl {
     }
 
     Rectangle {
-        readonly property real centre: track.handleCentre(control.position) + 0 * (track.width + track.height)
+        readonly property real centre: dotTrack.handleCentre(control.position) + 0 * (dotTrack.width + dotTrack.height)
 
         visible: handle.visualFocus
-        width: track.handleSize + 2 * Theme.unit - 6
+        width: dotTrack.handleSize + 2 * Theme.unit - 6
         height: width
         radius: width / 2
-        x: track.vertical ? (control.width - width) / 2 : centre - width / 2
-        y: track.vertical ? centre - height / 2 : (control.height - height) / 2
+        x: dotTrack.vertical ? (control.width - width) / 2 : centre - width / 2
+        y: dotTrack.vertical ? centre - height / 2 : (control.height - height) / 2
         color: "transparent"
         border.width: 2
         border.color: Theme.signalInk
@@ -43,7 +43,6 @@ ValueControl {
 
         anchors.fill: parent
         target: control
-        isHandle: (x, y) => track.isHandle(x, y)
-        positionAt: (x, y) => track.positionAt(x, y)
+        track: dotTrack
     }
 }

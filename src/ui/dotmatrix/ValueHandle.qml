@@ -2,16 +2,14 @@ import QtQuick
 import Quorbel.Dotmatrix
 
 // What makes a value control a control: focus, keys, pointer, and its face to assistive technology.
-// The mouse takes the handle where it stands; `isHandle` says whether a point
-// is on it, `positionAt` which position a point of the track is; `turn` makes of every move a turn instead.
+// The mouse takes the handle of `track`, which lies below this item at its size; without a track every move
+// is a turn.
 FocusArea {
     id: handle
 
     required property ValueControl target
     property int role: Accessible.Slider
-    property bool turn: false
-    property var isHandle: (x, y) => true
-    property var positionAt: (x, y) => 0
+    property DotTrack track: null
 
     readonly property bool pressed: pointer.pressed
     readonly property bool hovered: pointer.containsMouse
@@ -90,15 +88,16 @@ FocusArea {
             wasReset = false;
             last = Qt.point(mouse.x, mouse.y);
             held = handle.target.position;
-            if (!handle.turn && !handle.isHandle(mouse.x, mouse.y)) {
-                held = handle.positionAt(mouse.x, mouse.y);
+            if (handle.track !== null && !handle.track.isHandle(mouse.x, mouse.y)) {
+                held = handle.track.positionAt(mouse.x, mouse.y);
                 handle.target.moveToPosition(held);
             }
         }
         onPositionChanged: mouse => {
             if (!pressed || wasReset)
                 return;
-            const way = handle.turn ? (mouse.x - last.x - mouse.y + last.y) / turnLength : handle.positionAt(mouse.x, mouse.y) - handle.positionAt(last.x, last.y);
+            const track = handle.track;
+            const way = track === null ? (mouse.x - last.x - mouse.y + last.y) / turnLength : track.positionAt(mouse.x, mouse.y) - track.positionAt(last.x, last.y);
             last = Qt.point(mouse.x, mouse.y);
             held += way * (mouse.modifiers & Qt.ShiftModifier ? 0.1 : 1);
             handle.target.moveToPosition(held);

@@ -40,4 +40,24 @@ std::string descriere(const Preset &preset) {
 
 std::string trimmedName(std::string_view name) { return std::string(trimmed(name)); }
 
+std::string fileNameFor(std::string_view name) {
+    constexpr std::string_view refused = "/\\:*?\"<>|";
+    constexpr std::size_t maximumBytes = 200;
+    std::string file(name);
+    for (char &letter : file)
+        if (refused.find(letter) != std::string_view::npos ||
+            static_cast<unsigned char>(letter) < 0x20 || letter == 0x7f)
+            letter = '-';
+    if (file.size() > maximumBytes) {
+        std::size_t end = maximumBytes;
+        while ((static_cast<unsigned char>(file[end]) & 0xc0U) == 0x80U) // inside a character
+            --end;
+        file.resize(end);
+    }
+    const auto first = file.find_first_not_of(". ");
+    if (first == std::string::npos)
+        return "Preset";
+    return file.substr(first, file.find_last_not_of(". ") - first + 1);
+}
+
 } // namespace quorbel

@@ -21,4 +21,8 @@ enum class PresetFilter { all, factory, mine };
 /// used.
 [[nodiscard]] std::string trimmedName(std::string_view name);
 
+/// `name` (UTF-8) as the name of a file without its extension: at most 200 bytes, not hidden, and
+/// without the characters that a file system of Linux, Windows or macOS refuses. Never empty.
+[[nodiscard]] std::string fileNameFor(std::string_view name);
+
 } // namespace quorbel

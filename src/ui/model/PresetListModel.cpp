@@ -3,7 +3,10 @@
 #include "ui/logic/PresetTexts.h"
 #include "ui/model/HistoryModel.h"
 #include "ui/model/PresetExchange.h"
+#include "ui/model/PresetFileChooser.h"
 #include "ui/model/UserPresets.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -117,9 +120,22 @@ bool PresetListModel::canSave(const QString &name) {
     return !trimmedName(name.toStdString()).empty();
 }
 
-ExchangeResult PresetListModel::importFile(const QUrl &file) {
+void PresetListModel::requestImport() {
+    if (chooser_ != nullptr)
+        chooser_->chooseImport([this](const QString &path) { Q_EMIT exchanged(importFile(path)); });
+}
+
+void PresetListModel::requestExport(const QString &id) {
+    const Preset *preset = find(id);
+    if (chooser_ != nullptr && preset != nullptr)
+        chooser_->chooseExport(
+            QString::fromUtf8(fileNameFor(preset->name)),
+            [this, id](const QString &path) { Q_EMIT exchanged(exportPreset(id, path)); });
+}
+
+ExchangeResult PresetListModel::importFile(const QString &path) {
     try {
-        const ImportedPreset imported = readPreset(file.toLocalFile().toStdString());
+        const ImportedPreset imported = readPreset(path.toStdString());
         history_.edit(tr("Import %1").arg(QString::fromUtf8(imported.preset.name)), "import", [&] {
             adoptPreset(state_, imported.preset);
             if (imported.globalGainDB)
@@ -134,19 +150,19 @@ ExchangeResult PresetListModel::importFile(const QUrl &file) {
     }
 }
 
-ExchangeResult PresetListModel::exportPreset(const QString &id, const QUrl &file) const {
+ExchangeResult PresetListModel::exportPreset(const QString &id, const QString &path) const {
     const Preset *preset = find(id);
     if (preset == nullptr)
         return failed(tr("This preset is no longer there."));
     try {
         // The global gain belongs to what is heard now, and so to the preset in force alone.
         const bool isActive = preset->id == state_.activePresetID();
-        writePreset(file.toLocalFile().toStdString(), *preset,
+        writePreset(path.toStdString(), *preset,
                     isActive ? state_.engine().eq().globalGainDB() : 0.0F);
         ExchangeResult done;
         done.ok = true;
-        done.message =
-            tr("%1 was written to %2").arg(QString::fromUtf8(preset->name), file.fileName());
+        done.message = tr("%1 was written to %2")
+                           .arg(QString::fromUtf8(preset->name), QFileInfo(path).fileName());
         return done;
     } catch (const PresetExchangeError &error) {
         return failed(QString::fromUtf8(error.what()));

@@ -6,13 +6,13 @@
 
 #include <QString>
 #include <QStringList>
-#include <QUrl>
 
 #include <vector>
 
 namespace quorbel {
 
 class HistoryModel;
+class PresetFileChooser;
 
 /// The presets, in list order, and what can be done with them. Presets are named by their ids, as
 /// text; an id that none has is ignored. [main]
@@ -57,16 +57,24 @@ class PresetListModel final : public RecordListModel {
     Q_INVOKABLE void save(const QString &name);
     [[nodiscard]] Q_INVOKABLE static bool canSave(const QString &name);
 
+    /// The chooser must outlive the last request. Null: requests are ignored.
+    void setFileChooser(PresetFileChooser *chooser) { chooser_ = chooser; }
+    /// Ask the user for a file, then import or export it; `exchanged` follows unless the user
+    /// cancels.
+    Q_INVOKABLE void requestImport();
+    Q_INVOKABLE void requestExport(const QString &id);
+
     /// Makes a preset of a parametric equaliser text or a preset file, and the active one.
-    Q_INVOKABLE quorbel::ExchangeResult importFile(const QUrl &file);
+    ExchangeResult importFile(const QString &path);
     /// Writes a preset, whole where the name ends in ".json", else as a parametric equaliser text.
-    [[nodiscard]] Q_INVOKABLE quorbel::ExchangeResult exportPreset(const QString &id,
-                                                                   const QUrl &file) const;
+    [[nodiscard]] ExchangeResult exportPreset(const QString &id, const QString &path) const;
 
   Q_SIGNALS:
     void activeNameChanged();
     void activeIndexChanged();
     void namesChanged();
+    /// A requested import or export has been done, or could not be.
+    void exchanged(const quorbel::ExchangeResult &result);
 
   private:
     void followPresets();
@@ -76,6 +84,7 @@ class PresetListModel final : public RecordListModel {
 
     AppState &state_;
     HistoryModel &history_;
+    PresetFileChooser *chooser_ = nullptr;
     std::vector<Preset> presets_; ///< as shown
     QString activeName_;
 };

@@ -1,6 +1,5 @@
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Dialogs
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 import Quorbel.Model
@@ -19,22 +18,18 @@ Item {
     property var reportDetails: []
     property bool reportIsWarning: false
 
-    function importFrom(file) {
-        show(App.presets.importFile(file));
-    }
-    function askWhereTo(presetId) {
-        exportDialog.presetId = presetId;
-        exportDialog.open();
-    }
-    function exportTo(presetId, file) {
-        show(App.presets.exportPreset(presetId, file));
-    }
     function show(result) {
         report = result.message;
         reportDetails = (result.skipped ?? []).concat(result.limited ?? []);
         reportIsWarning = !result.ok;
     }
 
+    Connections {
+        target: App.presets
+        function onExchanged(result) {
+            screen.show(result);
+        }
+    }
     PresetFilterModel {
         id: filtered
         filter: screen.filter
@@ -53,7 +48,7 @@ Item {
 
             DotButton {
                 text: qsTr("Import…")
-                onClicked: importDialog.open()
+                onClicked: App.presets.requestImport()
             }
             DotButton {
                 text: qsTr("Save current…")
@@ -117,7 +112,7 @@ Item {
                     }
                     onApplyRequested: App.presets.apply(presetId)
                     onDeleteRequested: App.presets.remove(presetId)
-                    onExportRequested: screen.askWhereTo(presetId) // qmllint disable unqualified
+                    onExportRequested: App.presets.requestExport(presetId)
                 }
             }
             ColumnLayout {
@@ -136,24 +131,5 @@ Item {
                 }
             }
         }
-    }
-
-    FileDialog {
-        id: importDialog
-        title: qsTr("Import a preset")
-        fileMode: FileDialog.OpenFile
-        nameFilters: [qsTr("Presets and equaliser texts (*.json *.txt)"), qsTr("All files (*)")]
-        onAccepted: screen.importFrom(selectedFile)
-    }
-    FileDialog {
-        id: exportDialog
-
-        property string presetId
-
-        title: qsTr("Export a preset")
-        fileMode: FileDialog.SaveFile
-        nameFilters: [qsTr("Preset (*.json)"), qsTr("Equaliser text (*.txt)")]
-        defaultSuffix: selectedNameFilter.extensions[0] ?? "json"
-        onAccepted: screen.exportTo(presetId, selectedFile)
     }
 }

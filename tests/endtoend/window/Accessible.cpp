@@ -13,8 +13,12 @@ using namespace soundserver;
 
 namespace {
 
+/// A shared pointer calls it for null too: where a thing went before it could be read.
 struct Unref {
-    void operator()(gpointer object) const { g_object_unref(object); }
+    void operator()(gpointer object) const {
+        if (object != nullptr)
+            g_object_unref(object);
+    }
 };
 template <typename Type> using Owned = std::unique_ptr<Type, Unref>;
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 
 namespace quorbel {
@@ -31,7 +32,9 @@ std::unique_ptr<ChildProcess> WindowTest::start() {
     environment["QT_QPA_PLATFORM"] = "xcb";
     environment["QT_QUICK_BACKEND"] = "software";
     environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
-    return std::make_unique<ChildProcess>(std::vector<std::string>{QUORBEL_PROGRAM}, environment);
+    const char *installed = std::getenv("QUORBEL_WINDOW_PROGRAM");
+    return std::make_unique<ChildProcess>(
+        std::vector<std::string>{installed != nullptr ? installed : QUORBEL_PROGRAM}, environment);
 }
 
 void WindowTest::open() {

@@ -95,5 +95,15 @@ TEST_F(PresetTextsTest, NamesAreTrimmedAndBlankOnesAreNone) {
     EXPECT_EQ(trimmedName(" \t\n "), "");
 }
 
+TEST_F(PresetTextsTest, FilesAreNamedAfterPresetsAsFarAsFileSystemsAllow) {
+    EXPECT_EQ(fileNameFor("MR5 Studio / Mixing"), "MR5 Studio - Mixing");
+    EXPECT_EQ(fileNameFor("..a:b\\c\n\"d\"?. "), "a-b-c--d--");
+    EXPECT_EQ(fileNameFor(". ."), "Preset");
+    std::string umlauts;
+    for (int letter = 0; letter < 150; ++letter)
+        umlauts += "\u00fc";
+    EXPECT_EQ(fileNameFor("x" + umlauts), "x" + umlauts.substr(0, 198)) << "no half character";
+}
+
 } // namespace
 } // namespace quorbel

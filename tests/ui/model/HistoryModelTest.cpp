@@ -129,8 +129,7 @@ TEST_F(HistoryModelTest, SavingDeletingAndImportingAreSteps) {
     expectOneStep([&] { app->presets()->save("One"); });
     expectOneStep([&] { app->presets()->save("Two"); });
     expectOneStep([&] { app->presets()->remove(presetId(33)); });
-    expectOneStep(
-        [&] { ASSERT_TRUE(app->presets()->importFile(QUrl::fromLocalFile(file.c_str())).ok); });
+    expectOneStep([&] { ASSERT_TRUE(app->presets()->importFile(file.c_str()).ok); });
     const Settings end = now();
     for (int i = 0; i < 4; ++i)
         history().undo();

@@ -23,12 +23,12 @@ class PresetListModelTest : public ModelTest {
                 found = found == -1 ? row : -2; // two would be wrong
         return found;
     }
-    [[nodiscard]] QUrl file(const std::string &name, const std::string &content) {
+    [[nodiscard]] QString file(const std::string &name, const std::string &content) {
         write(folder.path() / name, content);
-        return url(name);
+        return path(name);
     }
-    [[nodiscard]] QUrl url(const std::string &name) {
-        return QUrl::fromLocalFile((folder.path() / name).c_str());
+    [[nodiscard]] QString path(const std::string &name) {
+        return QString::fromStdString(folder.path() / name);
     }
 };
 
@@ -123,9 +123,9 @@ TEST_F(PresetListModelTest, ImportsAnEqualiserTextWithItsGainAndSaysWhatItSkippe
 TEST_F(PresetListModelTest, WhatItWritesItReads) {
     presets().apply(presetId(9));
     app->equalizer()->setGlobalGainDB(-2);
-    ASSERT_TRUE(presets().exportPreset(presetId(9), url("out.json")).ok);
-    ASSERT_TRUE(presets().exportPreset(presetId(9), url("active.txt")).ok);
-    ASSERT_TRUE(presets().exportPreset(presetId(10), url("other.txt")).ok);
+    ASSERT_TRUE(presets().exportPreset(presetId(9), path("out.json")).ok);
+    ASSERT_TRUE(presets().exportPreset(presetId(9), path("active.txt")).ok);
+    ASSERT_TRUE(presets().exportPreset(presetId(10), path("other.txt")).ok);
     EXPECT_THAT(contentOf(folder.path() / "active.txt"), HasSubstr("Preamp: -2"));
     EXPECT_THAT(contentOf(folder.path() / "other.txt"), HasSubstr("Preamp: 0"))
         << "the gain belongs to what is heard";
@@ -133,7 +133,7 @@ TEST_F(PresetListModelTest, WhatItWritesItReads) {
     const SpatialConfig spatial = engine().spatial();
     const std::vector<EQBand> exported = bands();
     presets().applyRow(0);
-    const ExchangeResult back = presets().importFile(url("out.json"));
+    const ExchangeResult back = presets().importFile(path("out.json"));
     ASSERT_TRUE(back.ok) << back.message.toStdString();
     EXPECT_EQ(bands(), exported);
     EXPECT_EQ(engine().spatial(), spatial);
@@ -142,22 +142,22 @@ TEST_F(PresetListModelTest, WhatItWritesItReads) {
 }
 
 TEST_F(PresetListModelTest, FailuresNameTheFileAndChangeNothing) {
-    const auto failure = [&](const QUrl &from) {
+    const auto failure = [&](const QString &from) {
         const ExchangeResult result = presets().importFile(from);
         EXPECT_FALSE(result.ok);
         EXPECT_EQ(presets().count(), 33);
         return result.message.toStdString();
     };
-    EXPECT_EQ(failure(url("none.txt")), "none.txt: the file does not exist");
+    EXPECT_EQ(failure(path("none.txt")), "none.txt: the file does not exist");
     std::filesystem::create_directory(folder.path() / "folder");
-    EXPECT_EQ(failure(url("folder")), "folder: not a file");
+    EXPECT_EQ(failure(path("folder")), "folder: not a file");
     EXPECT_THAT(failure(file("bad.json", "{\"id\": 3}")), HasSubstr("bad.json: "));
     EXPECT_THAT(failure(file("prose.txt", "Dear reader,")), HasSubstr("prose.txt: "));
     EXPECT_THAT(failure(file("large.txt", std::string(3 << 20, ' '))), HasSubstr("too large"));
     EXPECT_FALSE(app->history()->canUndo());
 
-    EXPECT_FALSE(presets().exportPreset("no id", url("x.txt")).ok);
-    const ExchangeResult unwritable = presets().exportPreset(presetId(0), url("folder"));
+    EXPECT_FALSE(presets().exportPreset("no id", path("x.txt")).ok);
+    const ExchangeResult unwritable = presets().exportPreset(presetId(0), path("folder"));
     EXPECT_FALSE(unwritable.ok);
     EXPECT_THAT(unwritable.message.toStdString(), HasSubstr("folder: "));
 }

@@ -73,13 +73,14 @@ class Stage {
         settle();
     }
     void importTextWithGaps() {
-        const QUrl file =
+        const QString file =
             machine.writeFile("Headphones.txt", "Preamp: -4.5 dB\n"
                                                 "Filter 1: ON PK Fc 63 Hz Gain 3.5 dB Q 0.9\n"
                                                 "Filter 2: ON NO Fc 900 Hz\n"
                                                 "Filter 3: ON HSC Fc 8000 Hz Gain -2 dB Q 0.7\n"
                                                 "Channel: L\n");
-        QMetaObject::invokeMethod(&part("presetsView"), "importFrom", Q_ARG(QVariant, file));
+        machine.setProperty("chosenFile", file);
+        app().presets()->requestImport();
         settle();
     }
 

@@ -37,6 +37,7 @@ SimulatedMachine::SimulatedMachine() {
     state_ = std::make_unique<AppState>(hardware_, clock_, file.toStdString());
     state_->engine().setOutputDevice(state_->deviceManager().outputDevice("speakers"));
     model_ = std::make_unique<AppModel>(*state_, clock_);
+    model_->presets()->setFileChooser(this);
 }
 
 SimulatedMachine::~SimulatedMachine() {
@@ -83,17 +84,26 @@ void SimulatedMachine::allowSaving() {
     QDir(folder_.filePath("Quorbel/state.json")).removeRecursively();
 }
 
-QUrl SimulatedMachine::writeFile(const QString &name, const QString &text) {
+QString SimulatedMachine::writeFile(const QString &name, const QString &text) {
     QFile file(folder_.filePath(name));
     if (file.open(QIODevice::WriteOnly))
         file.write(text.toUtf8());
-    return QUrl::fromLocalFile(file.fileName());
+    return file.fileName();
 }
 
 QString SimulatedMachine::clipboard() const { return QGuiApplication::clipboard()->text(); }
 
-bool SimulatedMachine::fileExists(const QUrl &file) const {
-    return QFile::exists(file.toLocalFile());
+bool SimulatedMachine::fileExists(const QString &path) const { return QFile::exists(path); }
+
+void SimulatedMachine::chooseImport(Chosen chosen) {
+    if (!chosenFile_.isEmpty())
+        chosen(chosenFile_);
+}
+
+void SimulatedMachine::chooseExport(const QString &suggestedName, Chosen chosen) {
+    suggestedName_ = suggestedName;
+    if (!chosenFile_.isEmpty())
+        chosen(chosenFile_);
 }
 
 } // namespace quorbel::testing

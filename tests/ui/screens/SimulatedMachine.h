@@ -4,10 +4,10 @@
 #include "platform/threads/ManualClock.h"
 #include "settings/state/AppState.h"
 #include "ui/model/AppModel.h"
+#include "ui/model/PresetFileChooser.h"
 
 #include <QObject>
 #include <QTemporaryDir>
-#include <QUrl>
 
 #include <memory>
 
@@ -16,8 +16,11 @@ namespace quorbel::testing {
 /// The program below its window on a machine in memory: two devices, the speakers the default and
 /// chosen, settings in an empty folder. Nothing happens but while `advance` lets time pass. To QML
 /// it is the singleton `Machine`. [main]
-class SimulatedMachine final : public QObject {
+class SimulatedMachine final : public QObject, public PresetFileChooser {
     Q_OBJECT
+    /// What the user answers when asked for a file; empty: they cancel.
+    Q_PROPERTY(QString chosenFile MEMBER chosenFile_)
+    Q_PROPERTY(QString suggestedName MEMBER suggestedName_)
 
   public:
     SimulatedMachine();
@@ -39,12 +42,15 @@ class SimulatedMachine final : public QObject {
     Q_INVOKABLE void allowSaving();
     Q_INVOKABLE void persist() { state_->persist(); }
 
-    /// Writes a file beside the settings.
-    Q_INVOKABLE QUrl writeFile(const QString &name, const QString &text);
-    [[nodiscard]] Q_INVOKABLE QUrl fileUrl(const QString &name) const {
-        return QUrl::fromLocalFile(folder_.filePath(name));
+    /// Writes a file beside the settings. Returns its path.
+    Q_INVOKABLE QString writeFile(const QString &name, const QString &text);
+    [[nodiscard]] Q_INVOKABLE QString filePath(const QString &name) const {
+        return folder_.filePath(name);
     }
-    [[nodiscard]] Q_INVOKABLE bool fileExists(const QUrl &file) const;
+    [[nodiscard]] Q_INVOKABLE bool fileExists(const QString &path) const;
+
+    void chooseImport(Chosen chosen) override;
+    void chooseExport(const QString &suggestedName, Chosen chosen) override;
 
     [[nodiscard]] Q_INVOKABLE QString clipboard() const;
 
@@ -52,6 +58,8 @@ class SimulatedMachine final : public QObject {
     [[nodiscard]] AppState &state() { return *state_; }
 
   private:
+    QString chosenFile_;
+    QString suggestedName_; ///< of the last export
     QTemporaryDir folder_;
     ManualClock clock_;
     SimulatedHardware hardware_{clock_};

@@ -99,31 +99,34 @@ ScreenTest {
 
     function test_import_says_what_was_skipped() {
         open("presetsMine");
-        const view = part("presetsView");
-        view.importFrom(Machine.writeFile("Phones.txt", "Preamp: -4 dB\nFilter 1: ON PK Fc 100 Hz Gain 3 dB Q 1\nFilter 2: ON NO Fc 900 Hz\n"));
-        settle();
+        Machine.chosenFile = Machine.writeFile("Phones.txt", "Preamp: -4 dB\nFilter 1: ON PK Fc 100 Hz Gain 3 dB Q 1\nFilter 2: ON NO Fc 900 Hz\n");
+        press("Import…", "Button");
         verify(Assistive.has("Phones", "ListItem"));
         verify(Assistive.names().some(name => name.startsWith("line 3:")), "the skipped line is not shown");
         compare(Assistive.overlaps(), []);
         press("Dismiss", "Button");
         verify(!Assistive.has("Dismiss", "Button"));
 
-        view.importFrom(Machine.writeFile("broken.json", "{"));
-        settle();
+        Machine.chosenFile = Machine.writeFile("broken.json", "{");
+        press("Import…", "Button");
         verify(Assistive.names("AlertMessage").some(name => name.includes("broken.json")));
         press("Dismiss", "Button");
+        compare(App.presets.count, 34);
+
+        Machine.chosenFile = "";
+        press("Import…", "Button");
+        verify(!Assistive.has("Dismiss", "Button"), "cancelled, and still something was said");
         compare(App.presets.count, 34);
     }
 
     function test_export_and_import_again() {
-        open("presetsAll");
-        const view = part("presetsView");
-        const file = Machine.fileUrl("flat.json");
-        view.exportTo(App.presets.data(App.presets.index(0, 0), Qt.UserRole), file);
-        settle();
-        verify(Machine.fileExists(file));
-        view.importFrom(file);
-        settle();
-        compare(App.presets.count, 34);
+        App.presets.save("Desk / 1");
+        open("presetsMine");
+        Machine.chosenFile = Machine.filePath("desk.json");
+        press("Export preset", "Button");
+        compare(Machine.suggestedName, "Desk - 1");
+        verify(Machine.fileExists(Machine.chosenFile));
+        press("Import…", "Button");
+        compare(App.presets.count, 35);
     }
 }

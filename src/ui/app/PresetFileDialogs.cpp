@@ -1,0 +1,87 @@
+#include "ui/app/PresetFileDialogs.h"
+
+#include <QCoreApplication>
+#include <QStandardPaths>
+#include <QWindow>
+
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+QString text(const char *source) {
+    return QCoreApplication::translate("quorbel::PresetFileDialogs", source);
+}
+
+/// A new user may have no such folder yet.
+QDir documents() {
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    return folder.exists() ? folder : QDir::home();
+}
+
+/// "txt" of "Equaliser text (*.txt)".
+QString extensionOf(const QString &filter) {
+    return filter.section(QStringLiteral("*."), 1).section(')', 0, 0);
+}
+
+} // namespace
+
+PresetFileDialogs::PresetFileDialogs(QWindow &window) : window_(window), folder_(documents()) {}
+
+PresetFileDialogs::~PresetFileDialogs() = default;
+
+void PresetFileDialogs::chooseImport(Chosen chosen) {
+    QFileDialog *dialog = make(text("Import a preset"), QFileDialog::AcceptOpen);
+    if (dialog == nullptr)
+        return;
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    dialog->setNameFilters(
+        {text("Presets and equaliser texts (*.json *.txt)"), text("All files (*)")});
+    show(*dialog, std::move(chosen));
+}
+
+void PresetFileDialogs::chooseExport(const QString &suggestedName, Chosen chosen) {
+    QFileDialog *dialog = make(text("Export a preset"), QFileDialog::AcceptSave);
+    if (dialog == nullptr)
+        return;
+    const QStringList filters = {text("Preset (*.json)"), text("Equaliser text (*.txt)")};
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setNameFilters(filters);
+    const auto followFilter = [dialog](const QString &filter) {
+        dialog->setDefaultSuffix(extensionOf(filter));
+    };
+    QObject::connect(dialog, &QFileDialog::filterSelected, dialog, followFilter);
+    followFilter(filters.first());
+    dialog->selectFile(suggestedName + '.' + extensionOf(filters.first()));
+    show(*dialog, std::move(chosen));
+}
+
+QFileDialog *PresetFileDialogs::make(const QString &title, QFileDialog::AcceptMode mode) {
+    if (dialog_ && dialog_->isVisible()) {
+        dialog_->raise();
+        dialog_->activateWindow();
+        return nullptr;
+    }
+    dialog_ = std::make_unique<QFileDialog>(nullptr, title,
+                                            folder_.exists() ? folder_.path() : QDir::homePath());
+    dialog_->setAcceptMode(mode);
+    return dialog_.get();
+}
+
+void PresetFileDialogs::show(QFileDialog &dialog, Chosen chosen) {
+    QObject::connect(&dialog, &QFileDialog::fileSelected, &dialog,
+                     [this, chosen = std::move(chosen)](const QString &path) {
+                         folder_ = dialog_->directory();
+                         chosen(path);
+                     });
+    // The window is none of Qt Widgets': only its handle can be the dialog's parent.
+    dialog.winId();
+    dialog.windowHandle()->setTransientParent(&window_);
+    dialog.open();
+    // Without a window manager, or with one that leaves the focus where it is.
+    if (dialog.windowHandle()->isVisible())
+        dialog.activateWindow();
+}
+
+} // namespace quorbel

@@ -1,0 +1,37 @@
+#include "endtoend/window/WindowTest.h"
+
+#include <fstream>
+
+namespace quorbel {
+namespace {
+
+TEST_F(WindowTest, ImportsAndExportsThroughTheDesktopsFileDialogs) {
+    const std::filesystem::path folder(server().environment().at("HOME"));
+    const std::filesystem::path imported = folder / "Evening on paper.txt";
+    std::filesystem::create_directories(folder);
+    std::ofstream(imported) << "Preamp: -4 dB\nFilter 1: ON PK Fc 1000 Hz Gain 3 dB Q 1\n";
+
+    open();
+    goTo("Mine");
+    pressButton("Import…");
+    typeInto("File name:", imported);
+    pressButton("Open");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_LIST_ITEM, "Evening on paper"}));
+
+    // The folder of the import, and the preset's name with the extension of the filter.
+    const std::filesystem::path exported = folder / "Evening on paper.json";
+    pressButton("Export preset", "Evening on paper");
+    const Accessible name = window().find({ATSPI_ROLE_TEXT, "File name:"});
+    EXPECT_TRUE(comesTrue(2.0, [&] { return name.text() == exported.filename(); }))
+        << name.summary();
+    pressButton("Save");
+    EXPECT_TRUE(
+        soonShows({ATSPI_ROLE_ALERT, "Evening on paper was written to Evening on paper.json"}));
+    ASSERT_TRUE(exists(exported));
+    const auto preset = nlohmann::json::parse(std::ifstream(exported), nullptr, false);
+    EXPECT_EQ(preset["name"], "Evening on paper");
+    EXPECT_EQ(preset["bands"][0]["gainDB"], 3.0);
+}
+
+} // namespace
+} // namespace quorbel
