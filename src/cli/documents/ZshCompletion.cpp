@@ -9,9 +9,9 @@ namespace {
 constexpr const char *head = R"(#compdef ostrafine-cli
 
 _ostrafine_cli_presets() {
-    local -a names
+    local -a names # which the program takes in any capitals
     names=("${(@f)$(_call_program presets $program presets --names 2>/dev/null)}")
-    _wanted presets expl preset compadd -a - names
+    _wanted presets expl preset compadd -M 'm:{a-zA-Z}={A-Za-z}' -a - names
 }
 
 _ostrafine_cli_devices() {
