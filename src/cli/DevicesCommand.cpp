@@ -1,11 +1,11 @@
 #include "cli/DevicesCommand.h"
 
+#include "cli/PrintableText.h"
 #include "cli/SoundServer.h"
 #include "devices/DeviceManager.h"
 #include "platform/threads/ManualClock.h"
 #include "settings/records/json/JsonLiterals.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -37,7 +37,7 @@ void printTable(const std::vector<AudioDevice> &devices, const std::string &defa
         width = std::max(width, device.uid.size());
     for (const AudioDevice &device : devices)
         fmt::print("{} {:<{}}  {}, {} channel{}\n", device.uid == defaultUID ? '*' : ' ',
-                   device.uid, width, device.name, device.outputChannels,
+                   printable(device.uid), width, printable(device.name), device.outputChannels,
                    device.outputChannels == 1 ? "" : "s");
     if (devices.empty())
         fmt::print("No output device found.\n");
@@ -45,9 +45,13 @@ void printTable(const std::vector<AudioDevice> &devices, const std::string &defa
 
 } // namespace
 
-DevicesCommand::DevicesCommand(CLI::App &program)
-    : command_(program.add_subcommand("devices", "List the output devices; * marks the default")) {
-    command_->add_flag("--json", json_, "As a JSON array");
+DevicesCommand::DevicesCommand()
+    : Command("devices", "List the output devices; * marks the default") {
+    declare({.name = "--json", .help = "As a JSON array", .variable = &json_});
+    declare({.name = "--uids",
+             .help = "Only the UIDs, one on each line",
+             .variable = &uids_,
+             .excludes = "--json"});
 }
 
 void DevicesCommand::run() const {
@@ -57,6 +61,9 @@ void DevicesCommand::run() const {
     const std::string defaultUID = manager.currentDefaultOutputUID().value_or("");
     if (json_)
         printJson(manager.outputDevices(), defaultUID);
+    else if (uids_)
+        for (const AudioDevice &device : manager.outputDevices())
+            fmt::print("{}\n", printable(device.uid));
     else
         printTable(manager.outputDevices(), defaultUID);
 }

@@ -1,23 +1,19 @@
 #pragma once
 
-#include <CLI/App.hpp>
+#include "cli/Command.h"
 
 namespace quorbel {
 
 /// `devices`: the output devices that sound can be played on.
-class DevicesCommand {
+class DevicesCommand final : public Command {
   public:
-    /// Declares the subcommand and its options.
-    explicit DevicesCommand(CLI::App &program);
+    DevicesCommand();
 
-    [[nodiscard]] bool isChosen() const { return command_->parsed(); }
-
-    /// Throws CommandError.
-    void run() const;
+    void run() const override;
 
   private:
-    CLI::App *command_;
     bool json_ = false;
+    bool uids_ = false;
 };
 
 } // namespace quorbel

@@ -8,18 +8,24 @@
 #include "settings/interchange/PresetFile.h"
 #include "settings/state/FileReplacement.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <filesystem>
 
 namespace quorbel {
 
-ExportCommand::ExportCommand(CLI::App &program)
-    : command_(program.add_subcommand(
-          "export", "Write a preset as a parametric equaliser text, or whole to a .json file")) {
-    command_->add_option("--preset", presetName_, "Name of the preset")->required();
-    command_->add_option("FILE", path_, "File to write; one that exists is replaced")->required();
+ExportCommand::ExportCommand()
+    : Command("export", "Write a preset as a parametric equaliser text, or whole to a .json file") {
+    declare({.name = "--preset",
+             .help = "Name of the preset",
+             .values = {{"NAME", CommandValue::Completion::presetName}},
+             .variable = &presetName_,
+             .isRequired = true});
+    declare({.name = "FILE",
+             .help = "File to write; one that exists is replaced",
+             .values = {{"FILE", CommandValue::Completion::file}},
+             .variable = &path_,
+             .isRequired = true});
 }
 
 void ExportCommand::run() const {

@@ -1,24 +1,19 @@
 #pragma once
 
-#include <CLI/App.hpp>
+#include "cli/Command.h"
 
 #include <string>
 
 namespace quorbel {
 
 /// `export`: a preset as a parametric equaliser text, or as JSON where the file's name ends so.
-class ExportCommand {
+class ExportCommand final : public Command {
   public:
-    /// Declares the subcommand and its options.
-    explicit ExportCommand(CLI::App &program);
+    ExportCommand();
 
-    [[nodiscard]] bool isChosen() const { return command_->parsed(); }
-
-    /// Throws CommandError.
-    void run() const;
+    void run() const override;
 
   private:
-    CLI::App *command_;
     std::string presetName_;
     std::string path_;
 };

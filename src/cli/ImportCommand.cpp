@@ -1,6 +1,7 @@
 #include "cli/ImportCommand.h"
 
 #include "cli/CommandError.h"
+#include "cli/PrintableText.h"
 #include "cli/UserSettings.h"
 #include "settings/interchange/EqualizerImport.h"
 #include "settings/interchange/EqualizerText.h"
@@ -8,7 +9,6 @@
 #include "settings/interchange/PresetFile.h"
 #include "settings/records/json/CodingError.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -41,28 +41,30 @@ bool isJson(const std::string &text) {
     return first != std::string::npos && text[first] == '{';
 }
 
-void printNotes(const char *title, const std::vector<LineNote> &notes) {
-    if (notes.empty())
-        return;
-    fmt::print("{}:\n", title);
+std::string notesText(const char *title, const std::vector<LineNote> &notes) {
+    std::string text = notes.empty() ? "" : fmt::format("{}:\n", title);
     for (const LineNote &note : notes)
-        fmt::print("  line {}: {}\n", note.line, note.reason);
+        text += fmt::format("  line {}: {}\n", note.line, printable(note.reason));
+    return text;
 }
 
-void importText(Persisted &settings, const std::string &text, const std::string &name) {
+/// Both forms of import return the report for the user.
+std::string importText(Persisted &settings, const std::string &text, const std::string &name) {
     const EqualizerImport import = importEqualizerText(text, name);
     applyImport(settings, import);
-    fmt::print("{}: {} filter{}, preamp {:g} dB as the global gain\n", import.preset.name,
-               import.activeFilters, import.activeFilters == 1 ? "" : "s", import.globalGainDB);
+    std::string report = fmt::format("{}: {} filter{}, preamp {:g} dB as the global gain\n",
+                                     printable(import.preset.name), import.activeFilters,
+                                     import.activeFilters == 1 ? "" : "s", import.globalGainDB);
     if (import.fit)
-        fmt::print("fitted onto ten bands: {:.2f} dB off on average, {:.2f} dB at most\n",
-                   import.fit->rmsDB, import.fit->maximumDB);
-    printNotes("played otherwise than written", import.limited);
-    printNotes("skipped", import.skipped);
+        report +=
+            fmt::format("fitted onto ten bands: {:.2f} dB off on average, {:.2f} dB at most\n",
+                        import.fit->rmsDB, import.fit->maximumDB);
+    return report + notesText("played otherwise than written", import.limited) +
+           notesText("skipped", import.skipped);
 }
 
-void importPreset(Persisted &settings, const std::string &text,
-                  const std::optional<std::string> &name) {
+std::string importPreset(Persisted &settings, const std::string &text,
+                         const std::optional<std::string> &name) {
     Preset preset = readPresetFile(text);
     if (name)
         preset.name = *name;
@@ -71,33 +73,41 @@ void importPreset(Persisted &settings, const std::string &text,
     settings.activePresetName = preset.name;
     settings.bands = preset.bands;
     settings.spatial = preset.spatial;
-    fmt::print("{}: {} bands\n", preset.name, preset.bands.size());
+    return fmt::format("{}: {} bands\n", printable(preset.name), preset.bands.size());
 }
 
 } // namespace
 
-ImportCommand::ImportCommand(CLI::App &program)
-    : command_(program.add_subcommand(
-          "import", "Make a preset of a parametric equaliser text or a preset file, and use it")) {
-    command_->add_option("--name", name_, "Name of the preset (default: the file's name)");
-    command_->add_option("FILE", path_, "Text or JSON file")->required();
+ImportCommand::ImportCommand()
+    : Command("import",
+              "Make a preset of a parametric equaliser text or a preset file, and use it") {
+    declare({.name = "--name",
+             .help = "Name of the preset (default: the file's name)",
+             .values = {{"NAME"}},
+             .variable = &name_});
+    declare({.name = "FILE",
+             .help = "Text or JSON file",
+             .values = {{"FILE", CommandValue::Completion::file}},
+             .variable = &path_,
+             .isRequired = true});
 }
 
 void ImportCommand::run() const {
     const std::string text = readText(path_);
     UserSettings user;
+    std::string report;
     try {
-        if (isJson(text))
-            importPreset(user.settings, text, name_);
-        else
-            importText(user.settings, text,
-                       name_.value_or(std::filesystem::path(path_).stem().string()));
+        report = isJson(text)
+                     ? importPreset(user.settings, text, name_)
+                     : importText(user.settings, text,
+                                  name_.value_or(std::filesystem::path(path_).stem().string()));
     } catch (const InterchangeError &error) {
         throw CommandError(fmt::format("{}: {}", path_, error.what()));
     } catch (const DecodingError &error) {
         throw CommandError(fmt::format("{}: {}", path_, error.what()));
     }
     user.save();
+    fmt::print("{}", report);
 }
 
 } // namespace quorbel

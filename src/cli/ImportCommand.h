@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CLI/App.hpp>
+#include "cli/Command.h"
 
 #include <optional>
 #include <string>
@@ -9,18 +9,14 @@ namespace quorbel {
 
 /// `import`: a parametric equaliser text or a preset file becomes a preset of the user's own, which
 /// is put in force.
-class ImportCommand {
+class ImportCommand final : public Command {
   public:
-    /// Declares the subcommand and its options.
-    explicit ImportCommand(CLI::App &program);
-
-    [[nodiscard]] bool isChosen() const { return command_->parsed(); }
+    ImportCommand();
 
     /// Throws CommandError; the settings are then as they were.
-    void run() const;
+    void run() const override;
 
   private:
-    CLI::App *command_;
     std::string path_;
     std::optional<std::string> name_;
 };

@@ -6,14 +6,12 @@
 #include "cli/SettingsSource.h"
 #include "cli/SoundServer.h"
 #include "cli/TerminationSignals.h"
-#include "cli/TimeInSeconds.h"
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
 #include "platform/hardware/InstanceLock.h"
 #include "platform/threads/MainLoopClock.h"
 #include "settings/records/json/JsonLiterals.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <QCoreApplication>
@@ -45,17 +43,25 @@ std::optional<AudioDevice> chooseDevice(const DeviceManager &manager,
 
 } // namespace
 
-LiveCommand::LiveCommand(CLI::App &program)
-    : command_(
-          program.add_subcommand("live", "Process everything the computer plays, until Ctrl-C")) {
-    command_->add_option("--settings", settingsPath_,
-                         "Settings file (default: your own, else the factory settings)");
-    command_->add_option("--preset", presetName_,
-                         "Preset to use in place of the settings' bands and spatial effects");
-    command_->add_option("--device", deviceUID_,
-                         "UID of the device to play on (default: the saved one, else the system's "
-                         "default output)");
-    command_->add_option("--seconds", seconds_, "Stop after this time")->check(timeInSeconds());
+LiveCommand::LiveCommand()
+    : Command("live", "Process everything the computer plays, until Ctrl-C") {
+    declare({.name = "--settings",
+             .help = "Settings file (default: your own, else the factory settings)",
+             .values = {{"FILE", CommandValue::Completion::file}},
+             .variable = &settingsPath_});
+    declare({.name = "--preset",
+             .help = "Preset to use in place of the settings' bands and spatial effects",
+             .values = {{"NAME", CommandValue::Completion::presetName}},
+             .variable = &presetName_});
+    declare({.name = "--device",
+             .help = "UID of the device to play on (default: the saved one, else the system's "
+                     "default output)",
+             .values = {{"UID", CommandValue::Completion::deviceUID}},
+             .variable = &deviceUID_});
+    declare({.name = "--seconds",
+             .help = "Stop after this time",
+             .values = {{"SECONDS"}},
+             .variable = &seconds_});
 }
 
 void LiveCommand::run() const {

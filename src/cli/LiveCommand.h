@@ -1,6 +1,6 @@
 #pragma once
 
-#include <CLI/App.hpp>
+#include "cli/Command.h"
 
 #include <optional>
 #include <string>
@@ -8,18 +8,17 @@
 namespace quorbel {
 
 /// `live`: everything the computer plays through the chain, until a signal or for some time.
-class LiveCommand {
+class LiveCommand final : public Command {
   public:
-    /// Declares the subcommand and its options.
-    explicit LiveCommand(CLI::App &program);
-
-    [[nodiscard]] bool isChosen() const { return command_->parsed(); }
+    LiveCommand();
 
     /// Throws CommandError; the sound is then as it was.
-    void run() const;
+    void run() const override;
+
+    /// Only logs there: the sound stays when the reader of the log is gone.
+    [[nodiscard]] bool needsOutput() const override { return false; }
 
   private:
-    CLI::App *command_;
     std::string settingsPath_;
     std::optional<std::string> presetName_;
     std::optional<std::string> deviceUID_;

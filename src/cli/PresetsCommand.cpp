@@ -1,23 +1,34 @@
 #include "cli/PresetsCommand.h"
 
 #include "cli/PresetChoice.h"
+#include "cli/PrintableText.h"
 #include "cli/SettingsSource.h"
 #include "settings/records/json/SettingsCoding.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace quorbel {
 
-PresetsCommand::PresetsCommand(CLI::App &program)
-    : command_(program.add_subcommand("presets", "List the presets, the program's and your own")) {
-    command_->add_flag("--json", json_, "As a JSON array, in the form of the settings file");
+PresetsCommand::PresetsCommand()
+    : Command("presets", "List the presets, the program's and your own") {
+    declare({.name = "--json",
+             .help = "As a JSON array, in the form of the settings file",
+             .variable = &json_});
+    declare({.name = "--names",
+             .help = "Only the names, one on each line",
+             .variable = &names_,
+             .excludes = "--json"});
 }
 
 void PresetsCommand::run() const {
     const std::vector<Preset> presets = availablePresets(loadSettings(""));
     if (json_) {
         fmt::print("{}\n", encodeRecord(presets));
+        return;
+    }
+    if (names_) {
+        for (const Preset &preset : presets)
+            fmt::print("{}\n", printable(preset.name));
         return;
     }
     const char *separator = "";
@@ -30,7 +41,7 @@ void PresetsCommand::run() const {
                 fmt::print("{}{}\n", separator, displayName(category));
             titled = true;
             separator = "\n";
-            fmt::print("  {:<28}  {}\n", preset.name, preset.notes);
+            fmt::print("  {:<28}  {}\n", printable(preset.name), printable(preset.notes));
         }
     }
 }

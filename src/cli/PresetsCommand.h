@@ -1,23 +1,19 @@
 #pragma once
 
-#include <CLI/App.hpp>
+#include "cli/Command.h"
 
 namespace quorbel {
 
 /// `presets`: the program's presets and the user's own.
-class PresetsCommand {
+class PresetsCommand final : public Command {
   public:
-    /// Declares the subcommand and its options.
-    explicit PresetsCommand(CLI::App &program);
+    PresetsCommand();
 
-    [[nodiscard]] bool isChosen() const { return command_->parsed(); }
-
-    /// Throws CommandError.
-    void run() const;
+    void run() const override;
 
   private:
-    CLI::App *command_;
     bool json_ = false;
+    bool names_ = false;
 };
 
 } // namespace quorbel

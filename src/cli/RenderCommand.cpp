@@ -9,11 +9,9 @@
 #include "cli/SoundFileWriter.h"
 #include "cli/TableFile.h"
 #include "cli/TerminationSignals.h"
-#include "cli/TimeInSeconds.h"
 #include "engine/OfflineRenderer.h"
 #include "platform/core/StreamFormat.h"
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -37,7 +35,7 @@ struct Change {
     ChainSettings settings;
 };
 
-std::vector<Change> loadChanges(const std::vector<std::pair<double, std::string>> &requests) {
+std::vector<Change> loadChanges(const std::vector<TimedFile> &requests) {
     std::vector<Change> changes;
     for (const auto &[seconds, path] : requests)
         changes.push_back({seconds, chainSettings(loadSettings(path))});
@@ -70,35 +68,44 @@ void requireFilesOfTheirOwn(const std::vector<std::optional<std::string>> &paths
 
 } // namespace
 
-RenderCommand::RenderCommand(CLI::App &program)
-    : command_(program.add_subcommand(
-          "render", "Play a sound file through the chain into another, faster than real time")) {
-    command_->add_option("--settings", settingsPath_,
-                         "Settings file (default: your own, else the factory settings)");
-    command_->add_option("--preset", presetName_,
-                         "Preset to use in place of the settings' bands and spatial effects");
-    command_->add_option("--block", blockFrames_, "Frames that are processed at once, 1 to 8192")
-        ->check(CLI::Range(std::uint32_t{1}, maximumBlockFrames))
-        ->capture_default_str();
-    command_
-        ->add_option("--at", changes_,
-                     "SECONDS FILE: from that time on use this settings file; may be repeated")
-        ->type_name("SECONDS FILE")
-        ->check(timeInSeconds().application_index(0))
-        ->expected(1)
-        ->take_all()
-        ->allow_extra_args(false);
-    command_
-        ->add_option("--meters", metersPath_,
-                     "CSV file to write: what the meters show, every 0.1 s of the sound")
-        ->type_name("FILE");
-    command_
-        ->add_option("--spectrum", spectrumPath_,
-                     "CSV file to write: what the spectrum display shows, 30 times a second")
-        ->type_name("FILE");
-    command_->add_option("IN", inputPath_, "Mono or stereo sound file of any rate")->required();
-    command_->add_option("OUT", outputPath_, "WAV file to write: 32-bit floats, stereo, 48 kHz")
-        ->required();
+RenderCommand::RenderCommand()
+    : Command("render", "Play a sound file through the chain into another, faster than real time") {
+    using Completion = CommandValue::Completion;
+    declare({.name = "--settings",
+             .help = "Settings file (default: your own, else the factory settings)",
+             .values = {{"FILE", Completion::file}},
+             .variable = &settingsPath_});
+    declare({.name = "--preset",
+             .help = "Preset to use in place of the settings' bands and spatial effects",
+             .values = {{"NAME", Completion::presetName}},
+             .variable = &presetName_});
+    declare({.name = "--block",
+             .help = fmt::format("Frames that are processed at once, 1 to {} (default: {})",
+                                 maximumBlockFrames, blockFrames_),
+             .values = {{"FRAMES"}},
+             .variable = CommandArgument::WholeNumber{&blockFrames_, 1, maximumBlockFrames}});
+    declare({.name = "--at",
+             .help = "From that time on use this settings file; may be repeated",
+             .values = {{"SECONDS"}, {"FILE", Completion::file}},
+             .variable = &changes_});
+    declare({.name = "--meters",
+             .help = "CSV file to write: what the meters show, every 0.1 s of the sound",
+             .values = {{"FILE", Completion::file}},
+             .variable = &metersPath_});
+    declare({.name = "--spectrum",
+             .help = "CSV file to write: what the spectrum display shows, 30 times a second",
+             .values = {{"FILE", Completion::file}},
+             .variable = &spectrumPath_});
+    declare({.name = "IN",
+             .help = "Mono or stereo sound file of any rate",
+             .values = {{"IN", Completion::file}},
+             .variable = &inputPath_,
+             .isRequired = true});
+    declare({.name = "OUT",
+             .help = "WAV file to write: 32-bit floats, stereo, 48 kHz",
+             .values = {{"OUT", Completion::file}},
+             .variable = &outputPath_,
+             .isRequired = true});
 }
 
 void RenderCommand::run() const {

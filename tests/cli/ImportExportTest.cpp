@@ -49,6 +49,8 @@ TEST_F(ImportExport, WhatCannotBeTakenLeavesEverythingAsItWas) {
     expectRefusal({"import", file("cut.json", "{\"name\": \"x\"")}, "cut.json");
     expectRefusal({"export", "--preset", "Nobody's", path("out.txt")}, "no preset is named");
     expectRefusal({"export", "--preset", "Flat", path("cans.txt/out.txt")}, "cannot be written");
+    file("../Quorbel", "a file in the place of the settings' folder");
+    expectRefusal({"import", good}, "cannot be written");
 }
 
 } // namespace

@@ -117,12 +117,13 @@ TEST_F(RenderSettings, aPresetReplacesBandsAndSpatialSettingsOnly) {
 
 TEST_F(RenderSettings, theListOfPresetsEndsWithTheUsersOwn) {
     Persisted settings = flatSettings();
-    settings.presets = {{.id = Uuid::random(), .name = "Evening", .notes = "Soft"}};
+    settings.presets = {{.id = Uuid::random(), .name = "Evening", .notes = "Soft\x1B\u009Bä"}};
     std::filesystem::create_directory(path("../Quorbel"));
     file("../Quorbel/state.json", settings);
     const std::string text = run({"presets"}).output;
     EXPECT_THAT(text, testing::StartsWith("General\n  Flat "));
     EXPECT_THAT(text, testing::HasSubstr("\nMine\n  Evening "));
+    EXPECT_THAT(text, testing::HasSubstr("  Soft??ä\n")) << "nothing that a terminal obeys";
     const std::string json = run({"presets", "--json"}).output;
     EXPECT_THAT(json, testing::StartsWith(
                           "[{\"id\":\"0AF4AEBF-A952-50FE-B0E2-06CC11DE9AA4\",\"name\":\"Flat\""));

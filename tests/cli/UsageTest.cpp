@@ -1,4 +1,5 @@
 #include "cli/CliTest.h"
+#include "platform/core/Version.h"
 
 #include <gmock/gmock.h>
 
@@ -23,6 +24,7 @@ TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
         {"render", "--at", "nan", "s.json", "in.wav", "out.wav"},
         {"live", "--seconds", "soon"},
         {"live", "--seconds", "-1"},
+        {"presets", "--json", "--names"},
         {"render", "--unheard-of", "in.wav", "out.wav"},
     };
     for (const auto &arguments : commandLines) {
@@ -40,6 +42,7 @@ TEST_F(Usage, helpNamesEveryCommandAndIsNoFailure) {
     for (const char *command : {"render", "live", "presets", "devices"})
         EXPECT_THAT(result.output, HasSubstr(command));
     EXPECT_THAT(run({"render", "--help"}).output, HasSubstr("--block"));
+    EXPECT_EQ(run({"--version"}).output, std::string("ostrafine-cli ") + version + "\n");
 }
 
 TEST_F(Usage, withoutASoundServerOneLineSaysHowToStartOne) {

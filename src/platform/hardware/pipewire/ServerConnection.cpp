@@ -45,11 +45,13 @@ std::unique_ptr<ServerConnection> ServerConnection::open(Status &status) {
         return nullptr;
     }
     const LoopLock lock(connection->loop());
-    connection->core_.reset(
-        pw_context_connect(connection->context_.get(),
-                           pw_properties_new(PW_KEY_APP_NAME, "Ostrafine", PW_KEY_APP_ID,
-                                             "com.quorbel.Ostrafine", nullptr),
-                           0));
+    // Session managers let a sandboxed client change other clients' objects only if it calls itself
+    // a manager.
+    connection->core_.reset(pw_context_connect(
+        connection->context_.get(),
+        pw_properties_new(PW_KEY_APP_NAME, "Ostrafine", PW_KEY_APP_ID, "com.quorbel.Ostrafine",
+                          PW_KEY_MEDIA_CATEGORY, "Manager", nullptr),
+        0));
     if (!connection->core_) {
         status = lastError();
         return nullptr;

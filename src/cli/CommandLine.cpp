@@ -1,0 +1,105 @@
+#include "cli/CommandLine.h"
+
+#include "platform/core/Version.h"
+
+// The only file that includes CLI11: its headers take seconds to compile.
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+#include <CLI/Validators.hpp>
+
+#include <cmath>
+#include <string>
+
+namespace quorbel {
+
+namespace {
+
+constexpr int exitUsage = 2;
+
+CLI::Validator timeInSeconds() {
+    return {[](const std::string &text) -> std::string {
+                double seconds = 0.0;
+                const bool isTime = CLI::detail::lexical_cast(text, seconds) &&
+                                    std::isfinite(seconds) && seconds >= 0.0;
+                return isTime ? "" : text + " is not a time in seconds";
+            },
+            ""};
+}
+
+/// Adds one argument to a subcommand, with the conversion that its variable needs.
+struct ArgumentAdder {
+    CLI::App &subcommand;
+    const CommandArgument &argument;
+
+    CLI::Option *operator()(bool *variable) const {
+        return subcommand.add_flag(argument.name, *variable, argument.help);
+    }
+    CLI::Option *operator()(std::string *variable) const { return add(*variable); }
+    CLI::Option *operator()(std::optional<std::string> *variable) const { return add(*variable); }
+    CLI::Option *operator()(CommandArgument::WholeNumber number) const {
+        return add(*number.variable)->check(CLI::Range(number.least, number.most).description(""));
+    }
+    CLI::Option *operator()(std::optional<double> *variable) const {
+        return add(*variable)->check(timeInSeconds());
+    }
+    CLI::Option *operator()(std::vector<TimedFile> *variable) const {
+        return add(*variable)
+            ->check(timeInSeconds().application_index(0))
+            ->expected(1)
+            ->take_all()
+            ->allow_extra_args(false);
+    }
+
+  private:
+    template <typename Value> CLI::Option *add(Value &variable) const {
+        return subcommand.add_option(argument.name, variable, argument.help);
+    }
+};
+
+/// The names of an option's values. Those of a positional argument are its own name already.
+std::string valueNames(const CommandArgument &argument) {
+    std::string names;
+    if (argument.isOption())
+        for (const CommandValue &value : argument.values)
+            names += (names.empty() ? "" : " ") + value.name;
+    return names;
+}
+
+CLI::App *addSubcommand(CLI::App &program, const Command &command) {
+    CLI::App *subcommand = program.add_subcommand(command.name(), command.summary());
+    for (const CommandArgument &argument : command.arguments()) {
+        CLI::Option *option = std::visit(ArgumentAdder{*subcommand, argument}, argument.variable);
+        option->required(argument.isRequired);
+        if (!argument.values.empty())
+            option->type_name(valueNames(argument));
+        if (!argument.excludes.empty())
+            option->excludes(subcommand->get_option(argument.excludes));
+    }
+    return subcommand;
+}
+
+} // namespace
+
+ParsedCommandLine parseCommandLine(const std::vector<std::unique_ptr<Command>> &commands, int argc,
+                                   const char *const *argv) {
+    CLI::App program(programSummary, "ostrafine-cli");
+    program.set_help_flag(helpOption.names, helpOption.help);
+    program.set_version_flag(versionOption.names, std::string("ostrafine-cli ") + version,
+                             versionOption.help);
+    program.require_subcommand(1);
+    std::vector<const CLI::App *> subcommands;
+    for (const auto &command : commands)
+        subcommands.push_back(addSubcommand(program, *command));
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return {nullptr, program.exit(error) == 0 ? 0 : exitUsage};
+    }
+    std::size_t chosen = 0;
+    while (!subcommands[chosen]->parsed())
+        ++chosen;
+    return {commands[chosen].get(), 0};
+}
+
+} // namespace quorbel

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "cli/Command.h"
+
+#include <memory>
+#include <vector>
+
+namespace quorbel {
+
+inline constexpr const char *programSummary =
+    "Everything the computer plays, through one equaliser and effects chain.";
+
+/// An option without value that ends the program.
+struct EndingOption {
+    const char *names; ///< separated by a comma
+    const char *help;
+};
+inline constexpr EndingOption helpOption{"-h,--help", "Print this help and exit"};
+inline constexpr EndingOption versionOption{"--version", "Print the version and exit"};
+
+/// The subcommands, in the order of help and manual.
+[[nodiscard]] std::vector<std::unique_ptr<Command>> allCommands();
+
+struct ParsedCommandLine {
+    const Command *command = nullptr; ///< null when there is nothing to run
+    int status = 0;                   ///< exit status where there is nothing to run
+};
+
+/// Finds the subcommand and fills the variables of its arguments. Prints the help or version that
+/// was asked for on standard output, and what is wrong with the command line on standard error.
+[[nodiscard]] ParsedCommandLine
+parseCommandLine(const std::vector<std::unique_ptr<Command>> &commands, int argc,
+                 const char *const *argv);
+
+} // namespace quorbel

@@ -1,0 +1,117 @@
+#include "cli/documents/Documents.h"
+
+#include <fmt/format.h>
+
+namespace quorbel {
+
+namespace {
+
+constexpr const char *head = R"(#compdef ostrafine-cli
+
+_ostrafine_cli_presets() {
+    local -a names # which the program takes in any capitals
+    names=("${(@f)$(_call_program presets $program presets --names 2>/dev/null)}")
+    _wanted presets expl preset compadd -M 'm:{a-zA-Z}={A-Za-z}' -a - names
+}
+
+_ostrafine_cli_devices() {
+    local -a uids
+    uids=("${(@f)$(_call_program devices $program devices --uids 2>/dev/null)}")
+    _wanted devices expl device compadd -a - uids
+}
+
+_ostrafine_cli() {
+    local context state state_desc line expl program=$words[1]
+    local -A opt_args
+    local -a commands=(
+@COMMANDS@    )
+    _arguments -C \
+@PROGRAM@        '1: :->command' \
+        '*:: :->arguments' && return
+    case $state in
+        command) _describe -t commands command commands ;;
+        arguments)
+            case $words[1] in
+@ARGUMENTS@            esac
+            ;;
+    esac
+}
+
+_ostrafine_cli "$@"
+)";
+
+/// Text between single quotes, with what `_arguments` reads as its own marks escaped.
+std::string quoted(const std::string &text) {
+    std::string escaped;
+    for (const char character : text) {
+        if (character == '\'')
+            escaped += "'\\'";
+        else if (character == '[' || character == ']' || character == ':' || character == '\\')
+            escaped += '\\';
+        escaped += character;
+    }
+    return escaped;
+}
+
+std::string valueSpec(const CommandValue &value) {
+    switch (value.completion) {
+    case CommandValue::Completion::file:
+        return fmt::format(":{}:_files", value.name);
+    case CommandValue::Completion::presetName:
+        return fmt::format(":{}:_ostrafine_cli_presets", value.name);
+    case CommandValue::Completion::deviceUID:
+        return fmt::format(":{}:_ostrafine_cli_devices", value.name);
+    case CommandValue::Completion::none:
+        break;
+    }
+    return fmt::format(":{}: ", value.name);
+}
+
+std::string argumentSpec(const CommandArgument &argument, std::size_t position) {
+    if (!argument.isOption())
+        return fmt::format("'{}{}'", position, valueSpec(argument.values.front()));
+    std::string spec = argument.isRepeatable() ? "'*" : "'";
+    if (!argument.excludes.empty())
+        spec += fmt::format("({})", argument.excludes);
+    // One value may also follow an equals sign.
+    spec += fmt::format("{}{}[{}]", argument.name, argument.values.size() == 1 ? "=" : "",
+                        quoted(argument.help));
+    for (const CommandValue &value : argument.values)
+        spec += valueSpec(value);
+    return spec + "'";
+}
+
+std::string endingSpecs(const EndingOption &option, const char *indent) {
+    std::string specs;
+    for (const std::string &name : namesOf(option))
+        specs += fmt::format("{}'(- *){}[{}]' \\\n", indent, name, quoted(option.help));
+    return specs;
+}
+
+} // namespace
+
+std::string zshCompletion(const Commands &commands) {
+    std::string list;
+    std::string arguments;
+    for (const auto &command : commands) {
+        list += fmt::format("        '{}:{}'\n", command->name(), quoted(command->summary()));
+        arguments += fmt::format("                {})\n                    _arguments \\\n",
+                                 command->name());
+        arguments += endingSpecs(helpOption, "                        ");
+        std::size_t position = 0;
+        for (const CommandArgument &argument : command->arguments()) {
+            position += argument.isOption() ? 0 : 1;
+            arguments +=
+                fmt::format("                        {}{}\n", argumentSpec(argument, position),
+                            &argument == &command->arguments().back() ? "" : " \\");
+        }
+        arguments += "                    ;;\n";
+    }
+    std::string text = withReplaced(head, "@COMMANDS@", list);
+    text =
+        withReplaced(text, "@PROGRAM@",
+                     endingSpecs(helpOption, "        ") + endingSpecs(versionOption, "        "));
+    return withReplaced(text, "@ARGUMENTS@", arguments);
+}
+
+} // namespace quorbel
