@@ -105,10 +105,10 @@ int main(int argc, char **argv) {
     if (!answer(*first))
         return 1;
 
-    QCoreApplication::exec();
+    const int result = QCoreApplication::exec();
 
     // Everyone's sound first, then the edits of the last half second.
     state.engine().stop();
     state.persist();
-    return 0;
+    return result;
 }
