@@ -29,7 +29,7 @@ set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
     "pipewire (>= 0.3.65), wireplumber, qml6-module-qtqml, qml6-module-qtqml-models, \
 qml6-module-qtqml-workerscript, qml6-module-qtquick, qml6-module-qtquick-layouts, qml6-module-qtquick-templates")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pipewire-pulse, qt6-wayland, rtkit")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pipewire-pulse, qt6-wayland, rtkit, libglib2.0-bin")
 
 # The documents that every Debian package has; CompressDocuments.cmake adds the compressed ones.
 install(FILES ${PROJECT_SOURCE_DIR}/data/debian/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -2,7 +2,7 @@
 
 namespace quorbel {
 
-/// The program's version, as releases and packages name it; from the project's CMake file.
-inline constexpr const char *version = QUORBEL_VERSION;
+/// The project's version, such as "0.1.0".
+extern const char *const version;
 
 } // namespace quorbel

@@ -8,4 +8,6 @@ std::unique_ptr<AudioHardware> makeSystemHardware(Status &status) {
     return connectToPipeWire(status);
 }
 
+std::string systemHardwareLibrary() { return pipeWireLibrary(); }
+
 } // namespace quorbel

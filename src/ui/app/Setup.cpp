@@ -2,9 +2,9 @@
 
 #include "ui/app/GraphicsChoice.h"
 #include "ui/app/LinuxWording.h"
+#include "ui/app/ProgramIcon.h"
 
 #include <QApplication>
-#include <QIcon>
 #include <QQuickStyle>
 #include <QStyle>
 #include <QStyleFactory>
@@ -19,9 +19,7 @@ void setUpApplication(QApplication &application) {
     QCoreApplication::setApplicationName(QStringLiteral("ostrafine"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Ostrafine"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.quorbel.Ostrafine"));
-    QGuiApplication::setWindowIcon(QIcon::fromTheme(
-        QStringLiteral("com.quorbel.Ostrafine"),
-        QIcon(QStringLiteral(":/quorbel/icons/scalable/apps/com.quorbel.Ostrafine.svg"))));
+    QGuiApplication::setWindowIcon(windowIcon());
     // The tray's item goes on when the window is closed; MainWindow says when that is the end.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 

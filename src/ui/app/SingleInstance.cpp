@@ -2,6 +2,10 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <unistd.h>
 
 namespace quorbel {
 
@@ -47,17 +51,40 @@ bool SingleInstance::raiseFirst() const {
     return bus_.call(call, QDBus::Block, timeoutMilliseconds).type() == QDBusMessage::ReplyMessage;
 }
 
+std::optional<DesktopRequest> SingleInstance::waitForRequest(int milliseconds) const {
+    std::optional<DesktopRequest> first;
+    QEventLoop loop;
+    connect(this, &SingleInstance::requested, &loop, [&](const DesktopRequest &request) {
+        first = request;
+        loop.quit();
+    });
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+    return first;
+}
+
+bool wasStartedByBus() {
+    return qEnvironmentVariableIsSet("DBUS_STARTER_BUS_TYPE") && isatty(STDIN_FILENO) == 0;
+}
+
 void ApplicationAdaptor::Activate(const QVariantMap &platformData) {
-    Q_EMIT instance_.raiseRequested(platformData.value("activation-token").toString());
+    Q_EMIT instance_.requested(
+        {.kind = DesktopRequest::Kind::show,
+         .activationToken = platformData.value("activation-token").toString()});
 }
 
 void ApplicationAdaptor::Open(const QStringList &, const QVariantMap &platformData) {
     Activate(platformData);
 }
 
-void ApplicationAdaptor::ActivateAction(const QString &, const QVariantList &,
+void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantList &,
                                         const QVariantMap &platformData) {
-    Activate(platformData);
+    if (action == QStringLiteral("Start"))
+        Q_EMIT instance_.requested({.kind = DesktopRequest::Kind::startProcessing});
+    else if (action == QStringLiteral("Stop"))
+        Q_EMIT instance_.requested({.kind = DesktopRequest::Kind::stopProcessing});
+    else
+        Activate(platformData);
 }
 
 } // namespace quorbel

@@ -5,7 +5,16 @@
 #include <QObject>
 #include <QVariantMap>
 
+#include <optional>
+
 namespace quorbel {
+
+/// What the desktop or a second start asks of the program.
+struct DesktopRequest {
+    enum class Kind { show, startProcessing, stopProcessing };
+    Kind kind = Kind::show;
+    QString activationToken{}; ///< the desktop's permission to take the focus; may be empty
+};
 
 /// One window per user session: the first program to start owns a name on the session bus, a second
 /// one asks it to show itself and ends. Without a session bus everyone is the first. [main]
@@ -21,17 +30,24 @@ class SingleInstance final : public QObject {
     /// Asks the first one to show its window. False if it does not answer.
     [[nodiscard]] bool raiseFirst() const;
 
+    /// The next request, for which the event loop runs. Nothing after `milliseconds`, or when the
+    /// program is told to quit.
+    [[nodiscard]] std::optional<DesktopRequest> waitForRequest(int milliseconds) const;
+
   Q_SIGNALS:
-    /// Another one was started. `activationToken` is the desktop's permission to take the focus;
-    /// may be empty.
-    void raiseRequested(const QString &activationToken);
+    void requested(const quorbel::DesktopRequest &request);
 
   private:
     QDBusConnection bus_;
     bool isFirst_ = true;
 };
 
+/// Whether the session bus started this program because of a request to its name, which then
+/// follows. A terminal's shell may have inherited the same variables.
+[[nodiscard]] bool wasStartedByBus();
+
 /// The face of a program on the bus, as the desktop entry specification (D-Bus activation) has it.
+/// Actions are the desktop entry's; an unknown one shows the window.
 class ApplicationAdaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")

@@ -6,8 +6,12 @@
 
 namespace quorbel {
 
-/// The hardware layer of this machine. Where no sound server answers, the user is told and can try
-/// again; null when they give up. [main]
-[[nodiscard]] std::unique_ptr<AudioHardware> connectToSoundServer();
+/// Where no sound server answers: tell the user in a message box, who can try again, or write one
+/// line to standard error.
+enum class WithoutServer { ask, complain };
+
+/// The hardware layer of this machine; null without a sound server, or when the user gives up.
+/// [main]
+[[nodiscard]] std::unique_ptr<AudioHardware> connectToSoundServer(WithoutServer otherwise);
 
 } // namespace quorbel

@@ -1,9 +1,9 @@
 #include "ui/app/TrayItem.h"
 
+#include "ui/app/ProgramIcon.h"
 #include "ui/model/AppModel.h"
 
 #include <QCoreApplication>
-#include <QIcon>
 
 namespace quorbel {
 
@@ -30,9 +30,7 @@ TrayItem::TrayItem(AppModel &model) : model_(model) {
     connect(model_.engine(), &EngineModel::subtitleChanged, this, &TrayItem::followEngine);
     followEngine();
 
-    icon_.setIcon(QIcon::fromTheme(
-        QStringLiteral("com.quorbel.Ostrafine-symbolic"),
-        QIcon(QStringLiteral(":/quorbel/icons/symbolic/apps/com.quorbel.Ostrafine-symbolic.svg"))));
+    icon_.setIcon(trayIcon());
     icon_.setContextMenu(&menu_);
     connect(&icon_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {

@@ -1,5 +1,6 @@
 // Ostrafine: the window.
 
+#include "platform/hardware/SystemHardware.h"
 #include "platform/threads/MainLoopClock.h"
 #include "settings/state/AppState.h"
 #include "ui/app/MainWindow.h"
@@ -17,6 +18,7 @@
 #include <QQuickWindow>
 
 #include <cstdio>
+#include <optional>
 
 int main(int argc, char **argv) {
     using namespace quorbel;
@@ -26,44 +28,87 @@ int main(int argc, char **argv) {
     setUpApplication(application);
     signals.watch();
 
+    const bool isBusStart = wasStartedByBus();
     const SingleInstance instance(QDBusConnection::sessionBus());
     if (!instance.isFirst()) {
-        if (instance.raiseFirst())
+        if (isBusStart || instance.raiseFirst())
             return 0;
         std::fputs("ostrafine: the one that is running does not answer\n", stderr);
         return 1;
     }
+    // Started by the bus, it does what it is asked for and shows no window by itself.
+    using Kind = DesktopRequest::Kind;
+    constexpr int patienceMilliseconds = 5000;
+    const std::optional<DesktopRequest> first =
+        isBusStart ? instance.waitForRequest(patienceMilliseconds) : DesktopRequest{};
+    if (!first || first->kind == Kind::stopProcessing)
+        return 0;
 
-    const auto hardware = connectToSoundServer();
+    const auto hardware = connectToSoundServer(first->kind == Kind::show ? WithoutServer::ask
+                                                                         : WithoutServer::complain);
     if (!hardware)
         return 1;
     MainLoopClock clock;
     AppState state(*hardware, clock);
     AppModel model(state, clock);
-    const ProcessingPermit permit(*model.engine());
+    model.about()->setSoundLibrary(QString::fromStdString(systemHardwareLibrary()));
+    EngineModel &engine = *model.engine();
+    const ProcessingPermit permit(engine);
 
-    MainWindow window;
-    if (!window.isLoaded())
-        return 1;
-    PresetFileDialogs fileDialogs(window.window());
-    model.presets()->setFileChooser(&fileDialogs);
     const TrayItem tray(model);
-    window.goesOnWithoutWindow = [&] {
-        const EngineModel &engine = *model.engine();
-        return (engine.running() || engine.comingBack()) && tray.isThere();
+    std::optional<MainWindow> window; // made when it is first shown
+    std::optional<PresetFileDialogs> fileDialogs;
+    const auto show = [&](const QString &token) {
+        if (!window) {
+            window.emplace();
+            if (!window->isLoaded())
+                return false;
+            window->goesOnWithoutWindow = [&] {
+                return (engine.running() || engine.comingBack()) && tray.isThere();
+            };
+            fileDialogs.emplace(window->window());
+            model.presets()->setFileChooser(&*fileDialogs);
+        }
+        window->raise(token);
+        return true;
     };
-    const auto raise = [&](const QString &token = {}) { window.raise(token); };
-    QObject::connect(&tray, &TrayItem::windowRequested, &window, [&] { raise(); });
-    QObject::connect(&instance, &SingleInstance::raiseRequested, &window, raise);
+    const auto endIfOfNoUse = [&] {
+        if (window || engine.running() || engine.comingBack())
+            return;
+        const QString error = engine.errorMessage();
+        if (!error.isEmpty())
+            std::fprintf(stderr, "ostrafine: %s\n", qPrintable(error));
+        QCoreApplication::exit(error.isEmpty() ? 0 : 1);
+    };
+    const auto answer = [&](const DesktopRequest &request) {
+        if (request.kind == Kind::startProcessing && !engine.running())
+            engine.start();
+        if (request.kind == Kind::stopProcessing) {
+            engine.stop();
+            endIfOfNoUse();
+        }
+        return request.kind != Kind::show || show(request.activationToken);
+    };
+    const auto answerOrEnd = [&](const DesktopRequest &request) {
+        if (!answer(request))
+            QCoreApplication::exit(1);
+    };
+    QObject::connect(&tray, &TrayItem::windowRequested, &application,
+                     [&] { answerOrEnd(DesktopRequest{}); });
+    QObject::connect(&instance, &SingleInstance::requested, &application, answerOrEnd);
+    // Queued: a state is left before the next one is entered.
+    QObject::connect(&engine, &EngineModel::stateChanged, &application, endIfOfNoUse,
+                     Qt::QueuedConnection);
     // The session may end without letting us come to our own end.
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, &window,
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
                      [&] { state.persist(); });
-    raise();
+    if (!answer(*first))
+        return 1;
 
-    QCoreApplication::exec();
+    const int result = QCoreApplication::exec();
 
     // Everyone's sound first, then the edits of the last half second.
     state.engine().stop();
     state.persist();
-    return 0;
+    return result;
 }

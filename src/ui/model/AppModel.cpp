@@ -11,7 +11,7 @@ AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
       engine_(state, clock, nullptr), spatial_(state.engine(), history_, nullptr),
       mixer_(state.engine(), history_, nullptr), equalizer_(state.engine().eq(), history_, nullptr),
       presets_(state, history_, nullptr), devices_(state, clock, nullptr),
-      spectrum_(state.engine(), nullptr), navigation_(state, nullptr) {
+      spectrum_(state.engine(), nullptr), navigation_(state, nullptr), about_(nullptr) {
     instance_ = this;
     state_.engine().setComparable(true);
     connect(&state_, &AppState::persistWarningChanged, this, [this] {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/model/AboutModel.h"
 #include "ui/model/DeviceListModel.h"
 #include "ui/model/EngineModel.h"
 #include "ui/model/EqualizerModel.h"
@@ -34,6 +35,7 @@ class AppModel final : public QObject {
     Q_PROPERTY(quorbel::SpectrumModel *spectrum READ spectrum CONSTANT)
     Q_PROPERTY(quorbel::NavigationModel *navigation READ navigation CONSTANT)
     Q_PROPERTY(quorbel::HistoryModel *history READ history CONSTANT)
+    Q_PROPERTY(quorbel::AboutModel *about READ about CONSTANT)
     /// The last load or save problem; empty when there is none or it was dismissed.
     Q_PROPERTY(QString persistWarning READ persistWarning NOTIFY persistWarningChanged)
 
@@ -55,6 +57,7 @@ class AppModel final : public QObject {
     [[nodiscard]] SpectrumModel *spectrum() { return &spectrum_; }
     [[nodiscard]] NavigationModel *navigation() { return &navigation_; }
     [[nodiscard]] HistoryModel *history() { return &history_; }
+    [[nodiscard]] AboutModel *about() { return &about_; }
 
     [[nodiscard]] QString persistWarning() const;
     /// Until there is another one.
@@ -77,6 +80,7 @@ class AppModel final : public QObject {
     DeviceListModel devices_;
     SpectrumModel spectrum_;
     NavigationModel navigation_;
+    AboutModel about_;
 };
 
 } // namespace quorbel

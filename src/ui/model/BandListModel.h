@@ -14,7 +14,7 @@ class HistoryModel;
 
 /// The equaliser's bands, in list order. Values are limited to what the controls offer
 /// (`BandLimits`); rows that do not exist and values that are no numbers are ignored. [main]
-class BandListModel final : public RecordListModel {
+class BandListModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.equalizer.bands is the only one")

@@ -13,7 +13,7 @@
 namespace quorbel {
 
 /// The output devices, in the platform's order, and the choice among them. [main]
-class DeviceListModel final : public RecordListModel {
+class DeviceListModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.devices is the only one")

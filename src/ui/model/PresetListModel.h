@@ -16,7 +16,7 @@ class PresetFileChooser;
 
 /// The presets, in list order, and what can be done with them. Presets are named by their ids, as
 /// text; an id that none has is ignored. [main]
-class PresetListModel final : public RecordListModel {
+class PresetListModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.presets is the only one")

@@ -70,6 +70,7 @@ Window {
             anchors.bottom: parent.bottom
             destination: window.destination
             onChosen: destination => window.destination = destination
+            onAboutRequested: aboutDialog.open()
         }
         MainView {
             anchors.left: sidebar.right
@@ -84,5 +85,9 @@ Window {
     SalveazaPresetSheet {
         id: saveSheet
         objectName: "saveSheet"
+    }
+    AboutDialog {
+        id: aboutDialog
+        objectName: "aboutDialog"
     }
 }

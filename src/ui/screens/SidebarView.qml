@@ -10,6 +10,7 @@ Rectangle {
 
     required property string destination
     signal chosen(string destination)
+    signal aboutRequested
 
     function move(index) {
         const entry = rows.itemAt(index) as SidebarEntry;
@@ -50,6 +51,14 @@ Rectangle {
         }
         Item {
             Layout.fillHeight: true
+        }
+        DotButton {
+            Layout.leftMargin: 0.5 * Theme.unit
+            Layout.bottomMargin: Theme.unit
+            flat: true
+            text: qsTr("About Ostrafine")
+            symbol: "info"
+            onClicked: sidebar.aboutRequested()
         }
         DotText {
             Layout.leftMargin: 1.5 * Theme.unit

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <span>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <vector>
@@ -96,6 +97,12 @@ VirtualDisplay::Window VirtualDisplay::window(const std::string &title) const {
         return found != 0;
     });
     return found;
+}
+
+bool VirtualDisplay::shows(const std::string &title) const {
+    return std::ranges::any_of(topLevelWindows(connection_, root_), [&](Window window) {
+        return isShown(window) && titleOf(window) == title;
+    });
 }
 
 bool VirtualDisplay::isInFront(Window window) const {

@@ -29,6 +29,8 @@ class VirtualDisplay {
     /// The window of that title, shown or not. Throws `ServerError` if none comes.
     [[nodiscard]] Window window(const std::string &title) const;
 
+    /// Whether a window of that title is shown now.
+    [[nodiscard]] bool shows(const std::string &title) const;
     /// Whether it is shown and no other window lies above it.
     [[nodiscard]] bool isInFront(Window window) const;
 

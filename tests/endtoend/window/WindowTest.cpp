@@ -25,13 +25,15 @@ void WindowTest::TearDown() {
     std::filesystem::remove_all(settingsFile().parent_path());
 }
 
-std::unique_ptr<ChildProcess> WindowTest::start() {
+std::unique_ptr<ChildProcess> WindowTest::start(const Environment &more) {
     Environment environment = server().environment();
     environment["DISPLAY"] = display().name();
     environment["LANG"] = "C.UTF-8";
     environment["QT_QPA_PLATFORM"] = "xcb";
     environment["QT_QUICK_BACKEND"] = "software";
     environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
+    for (const auto &[variable, value] : more)
+        environment[variable] = value;
     const char *installed = std::getenv("QUORBEL_WINDOW_PROGRAM");
     return std::make_unique<ChildProcess>(
         std::vector<std::string>{installed != nullptr ? installed : QUORBEL_PROGRAM}, environment);

@@ -36,8 +36,8 @@ class WindowTest : public testing::Test {
     static PrivateSoundServer &server() { return session_->server; }
     static VirtualDisplay &display() { return session_->display; }
 
-    /// The program, as the desktop's menu starts it.
-    [[nodiscard]] static std::unique_ptr<ChildProcess> start();
+    /// The program, as the desktop's menu starts it; with `more` variables in its environment.
+    [[nodiscard]] static std::unique_ptr<ChildProcess> start(const Environment &more = {});
 
     /// Starts it, and returns when its window can be operated.
     void open();

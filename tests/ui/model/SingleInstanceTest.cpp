@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDBusMessage>
 #include <QElapsedTimer>
 #include <QProcess>
 
@@ -51,7 +52,10 @@ TEST_F(SingleInstanceTest, TheSecondRaisesTheFirstAndAfterItsEndIsFirstItself) {
     auto first = std::make_unique<SingleInstance>(connection("first"));
     EXPECT_TRUE(first->isFirst());
     int raised = 0;
-    QObject::connect(first.get(), &SingleInstance::raiseRequested, first.get(), [&] { ++raised; });
+    QObject::connect(first.get(), &SingleInstance::requested, first.get(),
+                     [&](const DesktopRequest &request) {
+                         raised += request.kind == DesktopRequest::Kind::show ? 1 : 100;
+                     });
 
     bool answered = false;
     bool isFirst = true;
@@ -68,6 +72,26 @@ TEST_F(SingleInstanceTest, TheSecondRaisesTheFirstAndAfterItsEndIsFirstItself) {
 
     first.reset();
     EXPECT_TRUE(SingleInstance(connection("third")).isFirst());
+}
+
+TEST_F(SingleInstanceTest, TheDesktopEntrysActionsAreAnswered) {
+    const SingleInstance instance(connection("program"));
+    const auto answer = [&](const QString &action) {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall("com.quorbel.Ostrafine", "/com/quorbel/Ostrafine",
+                                           "org.freedesktop.Application", "ActivateAction");
+        call << action << QVariantList() << QVariantMap{{"activation-token", "a token"}};
+        connection("desktop").send(call);
+        return instance.waitForRequest(10000);
+    };
+    const auto start = answer("Start");
+    ASSERT_TRUE(start);
+    EXPECT_EQ(start->kind, DesktopRequest::Kind::startProcessing);
+    EXPECT_EQ(answer("Stop")->kind, DesktopRequest::Kind::stopProcessing);
+    const auto other = answer("new-window");
+    EXPECT_EQ(other->kind, DesktopRequest::Kind::show);
+    EXPECT_EQ(other->activationToken, "a token");
+    EXPECT_FALSE(instance.waitForRequest(0)) << "nobody has asked";
 }
 
 TEST_F(SingleInstanceTest, WithoutABusEveryoneIsTheFirst) {

@@ -55,8 +55,8 @@ class Stage {
         QMetaObject::invokeMethod(&part("screenPage"), "scrollToEnd");
         settle();
     }
-    void openSheet() {
-        QMetaObject::invokeMethod(&part("saveSheet"), "open");
+    void openDialog(const char *name) {
+        QMetaObject::invokeMethod(&part(name), "open");
         settle();
     }
     void startWithMusic() {
@@ -197,8 +197,9 @@ const Picture pictures[] = {
     {"save-sheet",
      [](Stage &stage) {
          stage.open("presetsAll");
-         stage.openSheet();
+         stage.openDialog("saveSheet");
      }},
+    {"about", [](Stage &stage) { stage.openDialog("aboutDialog"); }},
     {"setup-stopped", [](Stage &stage) { stage.open("setup"); }},
     {"setup-running-end",
      [](Stage &stage) {

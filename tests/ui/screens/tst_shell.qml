@@ -32,6 +32,19 @@ ScreenTest {
             verify(Assistive.has(group, "Heading"));
     }
 
+    function test_about_names_the_version_and_copies_it() {
+        press("About Ostrafine", "Button");
+        tryVerify(() => Assistive.has("Version " + App.about.version));
+        compare(focusedName(), "Copy for a bug report");
+        keyClick(Qt.Key_Space);
+        compare(Machine.clipboard(), App.about.report);
+        verify(/^Ostrafine \d+\.\d+\.\d+\nQt 6\./.test(Machine.clipboard()), Machine.clipboard());
+        compare(Assistive.cutTexts(), []);
+        keyClick(Qt.Key_Escape);
+        tryVerify(() => !Assistive.has("Version " + App.about.version));
+        compare(window.destination, "equalizer");
+    }
+
     function test_toolbar_jumps_to_sections() {
         const jumps = { Tuning: "equalizer", Output: "devices", Presets: "presetsAll", Help: "setup" };
         for (const section in jumps) {
