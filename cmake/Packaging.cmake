@@ -5,10 +5,11 @@ set(CPACK_PACKAGE_CONTACT "Ostrafine developers <developers@quorbel.com>")
 set(CPACK_PACKAGE_HOMEPAGE_URL https://quorbel.com/ostrafine)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "live sound processor for everything the desktop plays")
 set(CPACK_PACKAGE_DESCRIPTION
-"Ostrafine takes everything the computer plays, runs it through an equaliser and a
-chain of effects, and plays the result on the device you choose: ten parametric
-bands, tone controls, harmonic bass, voice clarity, stereo width, crosstalk
-shuffling, reverb, saturation, crossfeed, loudness and a look-ahead limiter.
+"Ostrafine takes everything the computer plays, runs it through an equaliser
+and a chain of effects, and plays the result on the device you choose: ten
+parametric bands, tone controls, harmonic bass, voice clarity, stereo width,
+crosstalk shuffling, reverb, saturation, crossfeed, loudness and a look-ahead
+limiter.
 .
 It works on PipeWire, installs no driver and changes no sound settings: when it
 stops, normal sound is back by itself. The package holds the window (ostrafine)
@@ -32,7 +33,7 @@ qml6-module-qtqml-workerscript, qml6-module-qtquick, qml6-module-qtquick-layouts
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pipewire-pulse, qt6-wayland, rtkit, libglib2.0-bin")
 
 # The documents that every Debian package has; CompressDocuments.cmake adds the compressed ones.
-install(FILES ${PROJECT_SOURCE_DIR}/data/debian/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/data/debian/copyright DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostrafine)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/CompressDocuments.cmake)
 set(CPACK_QUORBEL_CHANGELOG ${PROJECT_SOURCE_DIR}/data/debian/changelog)
 
