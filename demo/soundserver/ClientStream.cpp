@@ -18,6 +18,11 @@ const pw_stream_events ClientStream::events = [] {
             static_cast<ClientStream *>(data)->position_ = static_cast<spa_io_position *>(area);
         }
     };
+    handlers.param_changed = [](void *data, std::uint32_t id, const spa_pod *parameter) {
+        if (id == SPA_PARAM_Latency && parameter != nullptr) {
+            static_cast<ClientStream *>(data)->onLatencyOf(parameter);
+        }
+    };
     handlers.process = [](void *data) { static_cast<ClientStream *>(data)->onProcess(); };
     return handlers;
 }();
@@ -59,13 +64,28 @@ void ClientStream::connect(pw_direction direction, pw_properties *properties, in
 }
 
 void ClientStream::announceLatency(int frames) {
+    const GraphClient::Guard guard(client_);
+    latencyFrames_ = frames;
+    sendLatency();
+}
+
+void ClientStream::sendLatency() {
     std::uint8_t storage[256];
     spa_pod_builder builder = SPA_POD_BUILDER_INIT(storage, sizeof storage);
     spa_latency_info latency = SPA_LATENCY_INFO(SPA_DIRECTION_INPUT);
-    latency.min_rate = latency.max_rate = static_cast<std::uint32_t>(frames);
+    latency.min_rate = latency.max_rate = static_cast<std::uint32_t>(latencyFrames_);
     const spa_pod *parameters[] = {spa_latency_build(&builder, SPA_PARAM_Latency, &latency)};
-    const GraphClient::Guard guard(client_);
     pw_stream_update_params(stream_, parameters, 1);
+}
+
+void ClientStream::onLatencyOf(const spa_pod *parameter) {
+    // The library keeps one latency, since 1.4 at the latest the one that came last: that of the
+    // players, which must not replace the device's own.
+    spa_latency_info latency{};
+    if (latencyFrames_ != 0 && spa_latency_parse(parameter, &latency) >= 0 &&
+        latency.direction == SPA_DIRECTION_OUTPUT) {
+        sendLatency();
+    }
 }
 
 void ClientStream::disconnect() {

@@ -56,6 +56,8 @@ class ClientStream {
 
   private:
     static const pw_stream_events events;
+    void onLatencyOf(const spa_pod *parameter);
+    void sendLatency();
     void onProcess() noexcept;
 
     GraphClient &client_;
@@ -63,6 +65,7 @@ class ClientStream {
     pw_stream *stream_ = nullptr;
     spa_hook listener_{};
     pw_direction direction_ = PW_DIRECTION_OUTPUT;
+    int latencyFrames_ = 0; ///< announced; main loop only
     std::atomic<spa_io_position *> position_{nullptr};
     std::atomic<std::uint64_t> cycles_{0};
 };

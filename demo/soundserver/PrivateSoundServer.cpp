@@ -269,8 +269,11 @@ void PrivateSoundServer::forceSampleRate(int rate) const {
 
 ServerState PrivateSoundServer::state() const { return ServerState::parse(run({"pw-dump"})); }
 
-std::map<std::string, std::string> PrivateSoundServer::storedStreams() const {
-    return parseStateFile(readFile(folder_ / "state/wireplumber/restore-stream"));
+StoredStreams PrivateSoundServer::storedStreams() const {
+    const fs::path folder = folder_ / "state/wireplumber";
+    StoredStreams stored = parseStoredStreams(readFile(folder / "stream-properties")); // 0.5
+    stored.merge(parseStoredStreams(readFile(folder / "restore-stream")));             // 0.4
+    return stored;
 }
 
 std::string PrivateSoundServer::desktopList(const std::string &kind) const {

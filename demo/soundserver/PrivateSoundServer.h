@@ -4,6 +4,7 @@
 #include "soundserver/ServerState.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -55,8 +56,9 @@ class PrivateSoundServer {
     // What it looks like
     [[nodiscard]] ServerState state() const;
     /// What the session manager has stored for every application; complete when `state` has been
-    /// the same for a second, which is how long it waits with writing.
-    [[nodiscard]] std::map<std::string, std::string> storedStreams() const;
+    /// the same for a second, which is how long it waits with writing. Empty before its first
+    /// writing.
+    [[nodiscard]] StoredStreams storedStreams() const;
     /// A list as desktops show it: "sinks", "sources", "sink-inputs" or "source-outputs".
     [[nodiscard]] std::string desktopList(const std::string &kind) const;
 

@@ -107,13 +107,23 @@ Metadata ServerState::routing() const {
     return entries;
 }
 
-std::map<std::string, std::string> parseStateFile(const std::string &text) {
-    std::map<std::string, std::string> entries;
+StoredStreams parseStoredStreams(const std::string &text) {
+    StoredStreams entries;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         const auto equals = line.find('=');
-        if (equals != std::string::npos) {
-            entries[line.substr(0, equals)] = line.substr(equals + 1);
+        if (equals == std::string::npos) {
+            continue;
+        }
+        const std::string key = line.substr(0, equals);
+        const std::string value = line.substr(equals + 1);
+        const Json properties = Json::parse(value, nullptr, false);
+        if (!properties.is_object()) {
+            entries[key] = value;
+            continue;
+        }
+        for (const auto &[property, stored] : properties.items()) {
+            entries[key + ':' + property] = asText(stored);
         }
     }
     return entries;

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorbel::soundserver {
@@ -54,7 +55,11 @@ struct ServerState {
     [[nodiscard]] Metadata routing() const;
 };
 
-/// Reads a state file of the session manager: "key=value" lines below a section line.
-std::map<std::string, std::string> parseStateFile(const std::string &text);
+/// Properties by "stream:property", such as "Output/Audio:application.name:player:target".
+using StoredStreams = std::map<std::string, std::string>;
+
+/// Reads what WirePlumber stores about streams: "key=value" lines below a section line. Version 0.4
+/// writes one line per property, 0.5 one JSON object per stream; both are read into the same keys.
+StoredStreams parseStoredStreams(const std::string &text);
 
 } // namespace quorbel::soundserver

@@ -3,6 +3,7 @@
 #include "effects/TestSounds.h"
 #include "effects/UnitHarness.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>

@@ -3,6 +3,7 @@
 #include "effects/EffectUnit.h"
 #include "platform/graph/UnitNode.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,7 @@
 #include "endtoend/LiveTest.h"
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <random>
 
@@ -14,7 +15,7 @@ class Ending : public LiveTest {
     struct Memory {
         Metadata routing;
         std::string defaultDevice;
-        std::map<std::string, std::string> stored;
+        StoredStreams stored;
         friend bool operator==(const Memory &, const Memory &) = default;
     };
 
@@ -36,8 +37,7 @@ class Ending : public LiveTest {
     }
 
     /// Entries of the desktop's applications. One of our own name holds no more than a volume of 1.
-    static std::map<std::string, std::string>
-    applicationsOf(std::map<std::string, std::string> stored) {
+    static StoredStreams applicationsOf(StoredStreams stored) {
         std::erase_if(stored, [](const auto &entry) {
             return entry.first.find("Ostrafine") != std::string::npos &&
                    !entry.first.ends_with(":target");
@@ -56,6 +56,9 @@ class Ending : public LiveTest {
         ASSERT_TRUE(soonHears(hdmi, Heard::dry));
         ASSERT_TRUE(soonHears(speakers, Heard::dry));
         before = settledMemory();
+        // Without the pin in it, every later comparison would hold.
+        ASSERT_TRUE(remembersTarget(before.stored, "pinned", "hdmi"))
+            << testing::PrintToString(before.stored);
     }
 
     void expectEverythingAsBefore() {

@@ -111,6 +111,13 @@ std::vector<std::string> LiveTest::lossLines(const LiveProcess &live) {
     return lines;
 }
 
+bool remembersTarget(const StoredStreams &stored, const std::string &application,
+                     const std::string &device) {
+    return std::ranges::any_of(stored, [&](const auto &entry) {
+        return entry.first.ends_with(":" + application + ":target") && entry.second == device;
+    });
+}
+
 std::string tapName(LiveProcess &live) {
     return "quorbel.tap." + std::to_string(live.process().pid());
 }

@@ -89,6 +89,10 @@ class LiveTest : public testing::Test {
     std::vector<std::unique_ptr<Recorder>> recorders_;
 };
 
+/// Whether the session manager will let an application play on `device` when it is next started.
+bool remembersTarget(const StoredStreams &stored, const std::string &application,
+                     const std::string &device);
+
 /// The name of our node that an application plays into while it is captured.
 std::string tapName(LiveProcess &live);
 

@@ -8,6 +8,7 @@
 #include "support/soundserver/Player.h"
 #include "support/soundserver/Sounds.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <numbers>
 

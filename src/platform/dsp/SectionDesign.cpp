@@ -240,8 +240,8 @@ class SectionFit {
             normal[i][i] = normal[i][i] * (1.0 + damping) + 1e-9;
         for (std::size_t column = 0; column < n; ++column) {
             std::size_t pivot = column;
-            for (std::size_t row = column + 1; row < n; ++row)
-                if (std::abs(normal[row][column]) > std::abs(normal[pivot][column]))
+            for (std::size_t row = 0; row < n; ++row) // from 0: GCC 14 misjudges a later start
+                if (row > column && std::abs(normal[row][column]) > std::abs(normal[pivot][column]))
                     pivot = row;
             std::swap(normal[pivot], normal[column]);
             std::swap(right[pivot], right[column]);

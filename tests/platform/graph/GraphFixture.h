@@ -6,6 +6,7 @@
 #include "platform/graph/SourceNode.h"
 #include "platform/threads/ManualClock.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <functional>
