@@ -94,7 +94,7 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
     if (targetName != nullptr)
         pw_properties_set(properties, "target.object", targetName);
     stream_.reset(pw_stream_new(connection_.core(), mediaName, properties));
-    if (!stream_)
+    if (stream_.get() == nullptr)
         return errno > 0 ? -errno : -EIO;
 
     static const pw_stream_events events = [] {

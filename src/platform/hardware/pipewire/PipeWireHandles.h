@@ -46,10 +46,27 @@ struct ProxyDeleter {
 };
 template <typename T> using Proxy = std::unique_ptr<T, ProxyDeleter>;
 
-struct StreamDeleter {
-    void operator()(pw_stream *stream) const { pw_stream_destroy(stream); }
+/// Owns a stream. The data thread uses the pointer until `pw_stream_destroy` has taken the stream
+/// off its loop, so it is cleared only then; std::unique_ptr would clear it first.
+class StreamHandle {
+  public:
+    StreamHandle() = default;
+    explicit StreamHandle(pw_stream *stream) : stream_(stream) {}
+    ~StreamHandle() { reset(); }
+    StreamHandle(const StreamHandle &) = delete;
+    StreamHandle &operator=(const StreamHandle &) = delete;
+
+    [[nodiscard]] pw_stream *get() const { return stream_; }
+
+    void reset(pw_stream *stream = nullptr) {
+        if (stream_ != nullptr)
+            pw_stream_destroy(stream_);
+        stream_ = stream;
+    }
+
+  private:
+    pw_stream *stream_ = nullptr;
 };
-using StreamHandle = std::unique_ptr<pw_stream, StreamDeleter>;
 
 struct ThreadLoopDeleter {
     void operator()(pw_thread_loop *loop) const { pw_thread_loop_destroy(loop); }
