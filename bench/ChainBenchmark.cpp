@@ -1,3 +1,4 @@
+#include "EverythingOn.h"
 #include "StageBenchmark.h"
 #include "WholeChain.h"
 #include "effects/ToneEqualizer.h"

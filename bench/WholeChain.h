@@ -1,6 +1,5 @@
 #pragma once
 
-#include "engine/ChainSettings.h"
 #include "engine/ProcessingChain.h"
 #include "platform/graph/AudioGraph.h"
 #include "platform/graph/SourceNode.h"
@@ -10,9 +9,6 @@
 #include <cstdint>
 
 namespace quorbel::bench {
-
-/// Every stage on, with ten bands of the equaliser.
-[[nodiscard]] ChainSettings everythingOn();
 
 /// The whole chain as the device's render thread runs it, with everything on. The analyses, which
 /// run on threads of their own there, run in `passTime` here.

@@ -1,0 +1,97 @@
+#include "live/LiveLoad.h"
+
+#include "soundserver/ProcessUsage.h"
+#include "soundserver/Waiting.h"
+#include "support/soundserver/Player.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+
+namespace quorbel::bench {
+namespace {
+
+using namespace soundserver;
+
+// Undisturbed, both processors come within 0.02 dB of the expected levels; an interruption moves
+// the adaptive stages by some tenths for seconds. Without the spatial settings the levels are 0.45
+// dB off, unprocessed sound by 2.1 dB.
+constexpr double toleranceDB = 0.4;
+constexpr double settlingSeconds = 60.0;
+
+double voluntarySwitches(pid_t process) {
+    double count = 0.0;
+    const std::string tasks = fmt::format("/proc/{}/task", process);
+    for (const auto &task : std::filesystem::directory_iterator(tasks)) {
+        std::ifstream file(task.path() / "status");
+        for (std::string word; file >> word;) {
+            if (double switches = 0.0; word == "voluntary_ctxt_switches:" && file >> switches) {
+                count += switches;
+            }
+        }
+    }
+    return count;
+}
+
+/// Short windows: on a busy machine some contain an interruption.
+void waitUntilHeard(const Recorder &recorder, const Processor &processor, ChildProcess &process,
+                    std::size_t quantum) {
+    constexpr double windowSeconds = 0.1;
+    SteadyLevels heard{};
+    std::size_t heardQuantum = 0;
+    const bool settled = comesTrue(settlingSeconds, [&] {
+        const Recording sound = recorder.next(windowSeconds);
+        heard = levelsOf(sound);
+        heardQuantum = sound.segments[1].frames; // the first one may be cut
+        return !process.running() || (heardQuantum == quantum &&
+                                      std::abs(heard[0] - processor.expected[0]) < toleranceDB &&
+                                      std::abs(heard[1] - processor.expected[1]) < toleranceDB);
+    });
+    if (!settled || !process.running()) {
+        throw ServerError(fmt::format(
+            "{} should play {:.2f} dB (left) and {:.2f} dB (right) at quantum {}, but {:.2f} dB "
+            "and {:.2f} dB at quantum {} are heard\n{}{}",
+            processor.name, processor.expected[0], processor.expected[1], quantum, heard[0],
+            heard[1], heardQuantum, process.errors(), process.output()));
+    }
+}
+
+} // namespace
+
+LiveLoad measureLiveLoad(const PrivateSoundServer &server, GraphClient &client,
+                         const Processor &processor, std::size_t quantum, double seconds) {
+    const auto process = server.start(processor.command);
+    waitFor("the sink of " + processor.name, 10.0, [&] {
+        if (!process->running()) {
+            throw ServerError(processor.name + " ended: " + process->errors() + process->output());
+        }
+        return processor.sink.empty() ||
+               server.desktopList("sinks").find("\t" + processor.sink + "\t") != std::string::npos;
+    });
+    SteadySound sound;
+    const Player player(client, sound, {"player of " + processor.name, processor.sink});
+    const Recorder recorder(client, LiveLoad::device, seconds + 2.0 * settlingSeconds);
+    waitUntilHeard(recorder, processor, *process, quantum);
+
+    const std::size_t start = recorder.frames();
+    const auto startTime = SteadyClock::now();
+    const double processorSecondsBefore = processorSeconds(process->pid());
+    const double switchesBefore = voluntarySwitches(process->pid());
+    recorder.skip(seconds);
+    const double used = processorSeconds(process->pid()) - processorSecondsBefore;
+    const double switches = voluntarySwitches(process->pid()) - switchesBefore;
+    const std::chrono::duration<double> elapsed = SteadyClock::now() - startTime;
+    const Recording measured = recorder.recording(start);
+
+    waitUntilHeard(recorder, processor, *process, quantum);
+    if (const int status = process->stop(5.0, SIGINT); status != 0) {
+        throw ServerError(
+            fmt::format("{} ended with status {}: {}", processor.name, status, process->errors()));
+    }
+    return {used / elapsed.count(), switches / elapsed.count(), interruptions(measured, quantum)};
+}
+
+} // namespace quorbel::bench

@@ -1,0 +1,82 @@
+#include "live/Processor.h"
+
+#include "EverythingOn.h"
+#include "engine/OfflineRenderer.h"
+#include "live/FilterChain.h"
+#include "settings/interchange/BandResponse.h"
+#include "settings/records/json/SettingsCoding.h"
+#include "soundserver/LiveProcess.h"
+#include "soundserver/Waiting.h"
+
+#include <fstream>
+
+namespace quorbel::bench {
+namespace {
+
+/// What the settings do to a `SteadySound`, rendered without a sound server until auto gain and the
+/// adaptive stages have settled.
+SteadyLevels renderedLevels(const ChainSettings &settings) {
+    constexpr std::uint32_t blockFrames = 480;
+    constexpr int blocks = 3000; // 30 s
+    OfflineRenderer renderer(settings);
+    SteadySound sound;
+    soundserver::Recording last;
+    last.left.resize(blockFrames);
+    last.right.resize(blockFrames);
+    const AudioBufferList buffers(last.left.data(), last.right.data());
+    for (int block = 0; block < blocks; ++block) {
+        sound.fill(0, buffers.data[0], buffers.data[1], blockFrames);
+        renderer.render(buffers, buffers, blockFrames);
+    }
+    return levelsOf(last);
+}
+
+std::string writeFile(const std::filesystem::path &path, const std::string &text) {
+    if (!(std::ofstream(path) << text << std::flush)) {
+        throw soundserver::ServerError("cannot write " + path.string());
+    }
+    return path.string();
+}
+
+} // namespace
+
+Processor ostrafine(const std::filesystem::path &folder) {
+    const ChainSettings settings = everythingOn();
+    Persisted file;
+    file.bands = settings.bands;
+    file.spatial = settings.spatial;
+    file.mixer = settings.mixer;
+    const std::string path = writeFile(folder / "settings.json", encodeRecord(file));
+    return {"ostrafine-cli live",
+            {soundserver::LiveProcess::program(), "live", "--settings", path},
+            "",
+            renderedLevels(settings)};
+}
+
+Processor filterChain(const std::filesystem::path &folder, const std::string &device) {
+    const ChainSettings settings = everythingOn();
+    std::vector<EQBand> bands = settings.bands;
+    const auto add = [&](EQBand::FilterType type, float hz, float q, float gainDB) {
+        EQBand &band = bands.emplace_back();
+        band.filterType = type;
+        band.frequency = hz;
+        band.q = q;
+        band.gainDB = gainDB;
+    };
+    // Frequency and Q as in effects/ToneEqualizer.
+    add(EQBand::FilterType::lowShelf, 100.0F, 0.707F, settings.spatial.toneBassDB);
+    add(EQBand::FilterType::parametric, 1000.0F, 0.7F, settings.spatial.toneMidDB);
+    add(EQBand::FilterType::highShelf, 5000.0F, 0.707F, settings.spatial.toneTrebleDB);
+
+    SteadyLevels expected = {SteadySound::levelDB, SteadySound::levelDB};
+    for (std::size_t channel = 0; channel < expected.size(); ++channel) {
+        for (const EQBand &band : bands) {
+            expected[channel] += bandResponseDB(band, SteadySound::hz[channel]);
+        }
+    }
+    const std::string path =
+        writeFile(folder / "filter-chain.conf", filterChainConfiguration(bands, device));
+    return {"the filter chain", {"pipewire", "-c", path}, filterChainSink, expected};
+}
+
+} // namespace quorbel::bench

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "live/SteadySound.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quorbel::bench {
+
+/// A program that processes what an application plays.
+struct Processor {
+    std::string name;
+    std::vector<std::string> command;
+    std::string sink;      ///< that the application chooses; empty for the default device
+    SteadyLevels expected; ///< of a `SteadySound` after processing
+};
+
+/// `ostrafine-cli live` with everything on. Writes its settings into `folder`; throws `ServerError`
+/// if that fails.
+[[nodiscard]] Processor ostrafine(const std::filesystem::path &folder);
+
+/// PipeWire's own filter chain in front of `device`, with the equaliser and the tone controls of
+/// the same settings. Writes its configuration into `folder`; throws `ServerError` if that fails.
+[[nodiscard]] Processor filterChain(const std::filesystem::path &folder, const std::string &device);
+
+} // namespace quorbel::bench
