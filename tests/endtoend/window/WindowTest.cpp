@@ -6,10 +6,27 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 namespace quorbel {
 
 std::unique_ptr<WindowTest::Session> WindowTest::session_;
+
+namespace {
+
+/// What a program has to complain about. Qt 6.8 tells on standard error when we ask about an object
+/// that has gone since we heard of it, which is our doing.
+std::string complaints(const ChildProcess &program) {
+    std::istringstream lines(program.errors());
+    std::string complaints;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with("qt.accessibility.atspi: Could not find accessible on path"))
+            complaints += line + '\n';
+    }
+    return complaints;
+}
+
+} // namespace
 
 void WindowTest::TearDown() {
     if (HasFailure() && window_ && program_->running())
@@ -19,7 +36,7 @@ void WindowTest::TearDown() {
     speakers_.reset();
     if (program_) {
         program_->stop();
-        EXPECT_EQ(program_->errors(), "") << "nothing to complain about";
+        EXPECT_EQ(complaints(*program_), "");
         program_.reset();
     }
     std::filesystem::remove_all(settingsFile().parent_path());

@@ -199,7 +199,6 @@ const Picture pictures[] = {
          stage.open("presetsAll");
          stage.openDialog("saveSheet");
      }},
-    {"about", [](Stage &stage) { stage.openDialog("aboutDialog"); }},
     {"setup-stopped", [](Stage &stage) { stage.open("setup"); }},
     {"setup-running-end",
      [](Stage &stage) {
