@@ -80,8 +80,8 @@ Recording playOnce(const PrivateSoundServer &server, const Recorder &recorder, d
     return sound;
 }
 
-/// The same, again if it was interrupted: a machine with other work, or a virtual one that stands
-/// still for a moment, loses cycles of any sound.
+/// Plays again if the sound was interrupted: a busy machine or a stalled virtual one loses cycles
+/// of any sound.
 Recording playAndRecord(const PrivateSoundServer &server, const Recorder &recorder,
                         double seconds) {
     constexpr int attempts = 3;

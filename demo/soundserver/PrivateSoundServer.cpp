@@ -118,17 +118,14 @@ PrivateSoundServer::PrivateSoundServer(const Options &options)
         startBus();
         startServer();
     } catch (...) {
-        pulse_.reset();
-        sessionManager_.reset();
-        pipewire_.reset();
-        bus_.reset();
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
+        end();
         throw;
     }
 }
 
-PrivateSoundServer::~PrivateSoundServer() {
+PrivateSoundServer::~PrivateSoundServer() { end(); }
+
+void PrivateSoundServer::end() noexcept {
     pulse_.reset();
     sessionManager_.reset();
     pipewire_.reset();

@@ -83,6 +83,7 @@ class PrivateSoundServer {
   private:
     void startBus();
     void startServer();
+    void end() noexcept;
     void waitForSessionManager() const;
     void addDevices();
     void waitForSocket(const std::filesystem::path &path, ChildProcess &owner) const;
