@@ -154,6 +154,9 @@ ScreenTest {
     function test_nothing_is_cut_off_overlaps_or_has_no_name(data) {
         resize(data.width, data.height);
         open(data.destination);
+        // On a busy machine a list's rows are laid out some frames later.
+        for (let frame = 0; frame < 50 && Assistive.overlaps().length > 0; ++frame)
+            settle();
         compare(Assistive.cutTexts(), []);
         compare(Assistive.overlaps(), []);
         compare(Assistive.unnamed(), []);
