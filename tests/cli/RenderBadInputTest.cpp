@@ -93,7 +93,7 @@ TEST_F(RenderBadInput, outputsThatCannotBeWrittenAreRefusedByName) {
 TEST_F(RenderBadInput, aFullDiskLeavesTheOldOutputAndNothingElse) {
     file("in.wav", noise(200000));
     file("out.wav", std::string("what was there before"));
-    expectRefusal({"/bin/sh", "-c", "ulimit -f 200; exec " QUORBEL_CLI " render in.wav out.wav"},
+    expectRefusal({"/bin/sh", "-c", "ulimit -f 200; exec '" QUORBEL_CLI "' render in.wav out.wav"},
                   "out.wav: cannot be written: ");
 }
 
