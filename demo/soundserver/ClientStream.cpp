@@ -49,7 +49,13 @@ void ClientStream::connect(pw_direction direction, pw_properties *properties, in
         spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format)};
 
     const GraphClient::Guard guard(client_);
-    stream_ = pw_stream_new(client_.core(), name_.c_str(), properties);
+    const bool isRecorder = direction == PW_DIRECTION_INPUT && !isDevice;
+    if (isRecorder) {
+        // A program of its own, as far as anybody can see.
+        pw_properties_set(properties, PW_KEY_APP_PROCESS_ID, name_.c_str());
+    }
+    stream_ = pw_stream_new(isRecorder ? client_.recordingCore() : client_.playingCore(),
+                            name_.c_str(), properties);
     if (stream_ == nullptr) {
         throw ServerError("no stream " + name_);
     }

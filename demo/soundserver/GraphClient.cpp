@@ -46,7 +46,8 @@ int connectTo(const std::string &path) {
 
 GraphClient::GraphClient(const PrivateSoundServer &server) {
     pw_init(nullptr, nullptr);
-    const int socketFile = connectTo(server.socket());
+    const int playingSocket = connectTo(server.socket());
+    const int recordingSocket = connectTo(server.socket());
     loop_ = pw_thread_loop_new("soundserver", nullptr);
     pw_properties *properties = pw_properties_new(nullptr, nullptr);
     if (needsRealTimeConfiguration()) {
@@ -54,9 +55,10 @@ GraphClient::GraphClient(const PrivateSoundServer &server) {
     }
     context_ = pw_context_new(pw_thread_loop_get_loop(loop_), properties, 0);
     if (context_ != nullptr) {
-        core_ = pw_context_connect_fd(context_, socketFile, nullptr, 0);
+        playingCore_ = pw_context_connect_fd(context_, playingSocket, nullptr, 0);
+        recordingCore_ = pw_context_connect_fd(context_, recordingSocket, nullptr, 0);
     }
-    if (core_ == nullptr || pw_thread_loop_start(loop_) != 0) {
+    if (playingCore_ == nullptr || recordingCore_ == nullptr || pw_thread_loop_start(loop_) != 0) {
         if (context_ != nullptr) {
             pw_context_destroy(context_);
         }
@@ -67,7 +69,8 @@ GraphClient::GraphClient(const PrivateSoundServer &server) {
 
 GraphClient::~GraphClient() {
     pw_thread_loop_stop(loop_);
-    pw_core_disconnect(core_);
+    pw_core_disconnect(playingCore_);
+    pw_core_disconnect(recordingCore_);
     pw_context_destroy(context_);
     pw_thread_loop_destroy(loop_);
 }

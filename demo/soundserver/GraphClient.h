@@ -12,8 +12,9 @@ namespace quorbel::soundserver {
 
 class PrivateSoundServer;
 
-/// This process's own connection to a private sound server, shared by the streams that play and
-/// record. They run on one data thread and, once linked to the same device, in the same cycles of
+/// This process's own connections to a private sound server, one for the streams that play and one
+/// for those that record: a program that does both over one connection could be playing what it
+/// records. All run on one data thread and, once linked to the same device, in the same cycles of
 /// the same clock.
 class GraphClient {
   public:
@@ -35,12 +36,14 @@ class GraphClient {
         pw_thread_loop *loop_;
     };
 
-    [[nodiscard]] pw_core *core() const { return core_; }
+    [[nodiscard]] pw_core *playingCore() const { return playingCore_; }
+    [[nodiscard]] pw_core *recordingCore() const { return recordingCore_; }
 
   private:
     pw_thread_loop *loop_ = nullptr;
     pw_context *context_ = nullptr;
-    pw_core *core_ = nullptr;
+    pw_core *playingCore_ = nullptr;
+    pw_core *recordingCore_ = nullptr;
 };
 
 } // namespace quorbel::soundserver
