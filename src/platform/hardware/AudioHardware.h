@@ -61,6 +61,9 @@ struct IOCycle {
     /// False if the playback side will not run in this cycle: the block must not be kept, or the
     /// delay would grow by its length; it counts as lost.
     bool willPlay = true;
+    /// True if capture and playback share their cycles and everything handed over in earlier ones
+    /// has been played: what the client still holds is stale and would delay the sound for good.
+    bool isAllPlayed = false;
 };
 
 /// Called by the hardware for an IO procedure.

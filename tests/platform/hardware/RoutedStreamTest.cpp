@@ -1,15 +1,9 @@
-#include "platform/hardware/pipewire/RoutedStream.h"
-
-#include "platform/hardware/pipewire/RouteJournal.h"
-#include "platform/hardware/pipewire/StreamRouter.h"
+#include "platform/hardware/routing/RouteLog.h"
+#include "platform/hardware/routing/StreamRules.h"
 
 #include <gmock/gmock.h>
 
 namespace quorbel {
-
-bool operator==(const MetadataValue &a, const MetadataValue &b) {
-    return a.type == b.type && a.value == b.value;
-}
 
 namespace {
 

@@ -136,6 +136,7 @@ void ServerStream::stateChanged(pw_stream_state state, const char * /*error*/) {
         paused();
     if (state == PW_STREAM_STATE_ERROR)
         error_ = -EIO;
+    isGone_ = isGone_ || state == PW_STREAM_STATE_ERROR || state == PW_STREAM_STATE_UNCONNECTED;
     if (state == PW_STREAM_STATE_STREAMING) {
         // The session manager may have brought back a volume that it remembers for our name.
         std::array<float, streamChannels> unity{1.0F, 1.0F};
@@ -143,6 +144,8 @@ void ServerStream::stateChanged(pw_stream_state state, const char * /*error*/) {
         pw_stream_set_control(stream_.get(), SPA_PROP_channelVolumes, streamChannels, unity.data(),
                               SPA_PROP_mute, 1, &unmuted, 0);
     }
+    if (pair_.changed)
+        pair_.changed();
     connection_.wakeWaiters();
 }
 
@@ -204,8 +207,10 @@ TapStream::~TapStream() {
     stream_.reset();
 }
 
-Status TapStream::connect() {
-    return create(PW_DIRECTION_INPUT, "quorbel.tap", "Stream/Input/Audio/Internal",
+Status TapStream::connect(bool isDevice) {
+    isDevice_ = isDevice;
+    return create(PW_DIRECTION_INPUT, "quorbel.tap",
+                  isDevice ? "Audio/Sink/Internal" : "Stream/Input/Audio/Internal",
                   "Quorbel System Tap", nullptr, false,
                   PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS | asyncFlag);
 }
@@ -234,6 +239,7 @@ void TapStream::deliver(IOClient &client, IOCycle cycle) noexcept {
         client.ioCycle(cycle);
         cycle.input = cycle.input.advancedBy(cycle.frames);
         cycle.hostSeconds += cycle.frames / cycle.format.sampleRate;
+        cycle.isAllPlayed = false; // not before the pieces of this very cycle
         left -= cycle.frames;
     }
 }
@@ -268,6 +274,7 @@ void TapStream::process() noexcept {
         const RealtimeSlot<IOClient>::Use client(client_);
         // The block comes first: older servers run the output inside the call that wakes it.
         cycle.willPlay = out && out->isReadyForBlock();
+        cycle.isAllPlayed = cycle.willPlay;
         if (client && cycle.frames > 0)
             deliver(*client.operator->(), cycle);
         if (out)
@@ -325,6 +332,11 @@ void OutStream::paused() {
     client_.set(nullptr);
     client->renderPaused();
     client_.set(client);
+}
+
+void OutStream::nudge() {
+    pw_stream_set_active(stream_.get(), false);
+    pw_stream_set_active(stream_.get(), true);
 }
 
 bool OutStream::wasHeardWithin(double seconds) const noexcept {

@@ -11,6 +11,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace quorbel {
@@ -22,8 +23,9 @@ class OutStream;
 /// tap receives what the applications play and wakes the output, which plays it processed in that
 /// same cycle.
 struct DuplexPair {
-    RealtimeSlot<OutStream> out; ///< used by the tap's callback
-    TapStream *tap = nullptr;    ///< loop's lock
+    RealtimeSlot<OutStream> out;   ///< used by the tap's callback
+    TapStream *tap = nullptr;      ///< loop's lock
+    std::function<void()> changed; ///< a stream has started, stopped or ended [control]
 };
 
 /// A stream of the sound server and what both of ours have in common. Needs the loop's lock
@@ -39,6 +41,8 @@ class ServerStream {
     [[nodiscard]] const StreamFormat &format() const { return format_; }
     /// 0, or the negative errno that the stream ended with.
     [[nodiscard]] Status error() const { return error_; }
+    /// True once somebody has removed the stream's node.
+    [[nodiscard]] bool isGone() const { return isGone_; }
     /// True while the graph runs the stream.
     [[nodiscard]] bool isStreaming() const { return isStreaming_; }
     void updateLatency(const spa_latency_info &latency);
@@ -64,6 +68,7 @@ class ServerStream {
     StreamHandle stream_;
     StreamFormat format_;
     Status error_ = statusOK;
+    bool isGone_ = false;
     std::atomic<bool> isStreaming_{false};
 
   private:
@@ -80,7 +85,11 @@ class TapStream final : public ServerStream {
     TapStream(ServerConnection &connection, DuplexPair &pair);
     ~TapStream() override;
 
-    Status connect();
+    /// `isDevice`: the session manager counts the tap as a device, so that it gives the streams the
+    /// tap's channels and not the tap those of a stream. It also pauses media players when a device
+    /// that they play on vanishes, so a tap is one only where it must be.
+    Status connect(bool isDevice);
+    [[nodiscard]] bool isDevice() const { return isDevice_; }
 
     /// From the next cycle on blocks go to `client` (null: to nobody). When this returns, no call
     /// to the earlier client is under way.
@@ -96,6 +105,7 @@ class TapStream final : public ServerStream {
     [[nodiscard]] bool hasRunInThisCycle(double now) noexcept;
 
     RealtimeSlot<IOClient> client_;
+    bool isDevice_ = false;
     // Real-time only.
     std::uint64_t lastCycleStart_ = 0;
     double lastRunSeconds_ = 0.0;
@@ -126,6 +136,9 @@ class OutStream final : public ServerStream {
     ~OutStream() override;
 
     Status connect(const std::string &deviceName, const StreamFormat &formatUntilNegotiated);
+
+    /// Stops the stream and starts it again.
+    void nudge();
 
     /// True if a block handed over now is played in this cycle: the stream runs, and has played
     /// what it was woken for before. [capture]

@@ -1,6 +1,9 @@
 #include "platform/hardware/pipewire/ObjectRegistry.h"
 
+#include "platform/hardware/pipewire/SystemTime.h"
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 
@@ -27,24 +30,21 @@ std::uint32_t idProperty(const PropertyMap &properties, std::string_view key) {
 
 } // namespace
 
-const std::string &propertyValue(const PropertyMap &properties, std::string_view key) {
-    static const std::string none;
-    const auto found = properties.find(key);
-    return found == properties.end() ? none : found->second;
-}
-
 struct ObjectRegistry::BoundNode {
     ObjectRegistry &owner;
-    NodeRecord record;
+    std::uint32_t id;
     Proxy<pw_node> proxy;
     Hook hook;
 
     void infoChanged(const pw_node_info *info) {
-        if ((info->change_mask & PW_NODE_CHANGE_MASK_PROPS) == 0)
+        const NodeRecord *known = owner.objects_.node(id);
+        if ((info->change_mask & PW_NODE_CHANGE_MASK_PROPS) == 0 || known == nullptr)
             return;
+        NodeRecord record = *known;
         merge(record.properties, info->props);
         record.isComplete = true;
-        owner.notify([&](RegistryObserver &observer) { observer.nodeChanged(record); });
+        const NodeRecord &changed = owner.objects_.putNode(std::move(record));
+        owner.notify([&](ServerObserver &observer) { observer.nodeChanged(changed); });
     }
 };
 
@@ -54,13 +54,15 @@ struct ObjectRegistry::BoundDevice {
     Hook hook;
 };
 
+/// A binding of a metadata table.
 struct ObjectRegistry::BoundMetadata {
-    ObjectRegistry &owner;
     std::uint32_t id;
-    bool isDefault;
+    std::uint32_t version;
     Proxy<pw_metadata> proxy;
     Hook hook;
     std::map<std::pair<std::uint32_t, std::string>, MetadataValue> values;
+    /// Told of each change; null while the values are being collected.
+    ObjectRegistry *listener = nullptr;
 
     int propertyChanged(std::uint32_t subject, const char *key, const char *type,
                         const char *value) {
@@ -80,9 +82,8 @@ struct ObjectRegistry::BoundMetadata {
         } else {
             values.erase({subject, key});
         }
-        if (isDefault && owner.metadataComplete_)
-            owner.notify(
-                [&](RegistryObserver &observer) { observer.metadataChanged(subject, key, now); });
+        if (listener != nullptr)
+            listener->changeMetadata(subject, key, now);
         return 0;
     }
 };
@@ -108,18 +109,9 @@ ObjectRegistry::ObjectRegistry(ServerConnection &connection) : connection_(conne
 ObjectRegistry::~ObjectRegistry() = default;
 
 template <typename Call> void ObjectRegistry::notify(Call call) {
-    // Over a copy: an observer may leave from inside its own call.
-    const std::vector<RegistryObserver *> observers = observers_;
-    for (RegistryObserver *observer : observers)
-        if (std::find(observers_.begin(), observers_.end(), observer) != observers_.end())
-            call(*observer);
+    if (observer_ != nullptr)
+        call(*observer_);
     connection_.wakeWaiters();
-}
-
-void ObjectRegistry::addObserver(RegistryObserver &observer) { observers_.push_back(&observer); }
-
-void ObjectRegistry::removeObserver(RegistryObserver &observer) {
-    std::erase(observers_, &observer);
 }
 
 void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32_t version,
@@ -127,11 +119,13 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
     PropertyMap properties;
     merge(properties, dictionary);
     if (std::strcmp(type, PW_TYPE_INTERFACE_Node) == 0) {
-        auto bound = std::unique_ptr<BoundNode>(new BoundNode{*this, {}, {}, {}});
-        bound->record.id = id;
-        bound->record.serial =
+        auto bound = std::unique_ptr<BoundNode>(new BoundNode{*this, id, {}, {}});
+        NodeRecord record;
+        record.id = id;
+        record.serial =
             std::strtoull(propertyValue(properties, PW_KEY_OBJECT_SERIAL).c_str(), nullptr, 10);
-        bound->record.properties = std::move(properties);
+        record.properties = std::move(properties);
+        objects_.putNode(std::move(record));
         bound->proxy.reset(static_cast<pw_node *>(pw_registry_bind(
             registry_.get(), id, type, std::min<std::uint32_t>(version, PW_VERSION_NODE), 0)));
         if (!bound->proxy)
@@ -151,15 +145,18 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
         port.id = id;
         port.nodeID = idProperty(properties, PW_KEY_NODE_ID);
         port.index = idProperty(properties, PW_KEY_PORT_ID);
+        port.channel = propertyValue(properties, PW_KEY_AUDIO_CHANNEL);
         port.isInput = propertyValue(properties, PW_KEY_PORT_DIRECTION) == "in";
         port.isMonitor = propertyValue(properties, PW_KEY_PORT_MONITOR) == "true";
-        ports_[id] = port;
-        notify([&](RegistryObserver &observer) { observer.portAdded(port); });
+        objects_.putPort(port);
+        notify([&](ServerObserver &observer) { observer.portAdded(port); });
     } else if (std::strcmp(type, PW_TYPE_INTERFACE_Link) == 0) {
         const LinkRecord link{id, idProperty(properties, PW_KEY_LINK_OUTPUT_NODE),
-                              idProperty(properties, PW_KEY_LINK_INPUT_NODE)};
-        links_[id] = link;
-        notify([&](RegistryObserver &observer) { observer.linkAdded(link); });
+                              idProperty(properties, PW_KEY_LINK_INPUT_NODE),
+                              idProperty(properties, PW_KEY_LINK_OUTPUT_PORT),
+                              idProperty(properties, PW_KEY_LINK_INPUT_PORT)};
+        objects_.putLink(link);
+        notify([&](ServerObserver &observer) { observer.linkAdded(link); });
     } else if (std::strcmp(type, PW_TYPE_INTERFACE_Device) == 0) {
         auto bound = std::make_unique<BoundDevice>();
         bound->properties = std::move(properties);
@@ -182,20 +179,15 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
     }
 }
 
-void ObjectRegistry::bindMetadata(std::uint32_t id, std::uint32_t version,
-                                  const std::string &name) {
-    if (name != "default" && name != "settings")
-        return;
-    const bool isDefault = name == "default";
-    auto &slot = isDefault ? default_ : settings_;
-    slot = std::unique_ptr<BoundMetadata>(new BoundMetadata{*this, id, isDefault, {}, {}, {}});
-    slot->proxy.reset(static_cast<pw_metadata *>(
+std::unique_ptr<ObjectRegistry::BoundMetadata>
+ObjectRegistry::boundMetadata(std::uint32_t id, std::uint32_t version) {
+    auto bound =
+        std::unique_ptr<BoundMetadata>(new BoundMetadata{id, version, {}, {}, {}, nullptr});
+    bound->proxy.reset(static_cast<pw_metadata *>(
         pw_registry_bind(registry_.get(), id, PW_TYPE_INTERFACE_Metadata,
                          std::min<std::uint32_t>(version, PW_VERSION_METADATA), 0)));
-    if (!slot->proxy) {
-        slot.reset();
-        return;
-    }
+    if (!bound->proxy)
+        return nullptr;
     static const pw_metadata_events events = [] {
         pw_metadata_events table{};
         table.version = PW_VERSION_METADATA_EVENTS;
@@ -205,113 +197,85 @@ void ObjectRegistry::bindMetadata(std::uint32_t id, std::uint32_t version,
         };
         return table;
     }();
-    pw_metadata_add_listener(slot->proxy.get(), slot->hook.get(), &events, slot.get());
-    if (!isDefault)
+    pw_metadata_add_listener(bound->proxy.get(), bound->hook.get(), &events, bound.get());
+    return bound;
+}
+
+void ObjectRegistry::bindMetadata(std::uint32_t id, std::uint32_t version,
+                                  const std::string &name) {
+    if (name == "settings")
+        settings_ = boundMetadata(id, version);
+    if (name != "default")
         return;
-    metadataComplete_ = false;
-    connection_.afterRoundTrip([this] {
-        metadataComplete_ = default_ != nullptr;
-        if (metadataComplete_)
-            notify([](RegistryObserver &observer) { observer.metadataArrived(); });
+    default_ = boundMetadata(id, version);
+    objects_.setHasMetadata(false);
+    objects_.clearMetadata();
+    connection_.afterRoundTrip([weak = std::weak_ptr(self_), id] {
+        const auto self = weak.lock();
+        if (!self)
+            return;
+        ObjectRegistry &registry = **self;
+        if (!registry.default_ || registry.default_->id != id)
+            return;
+        for (const auto &[where, value] : registry.default_->values)
+            registry.objects_.putMetadata(where.first, where.second, value);
+        registry.default_->listener = &registry;
+        registry.objects_.setHasMetadata(true);
+        registry.notify([](ServerObserver &observer) { observer.metadataArrived(); });
     });
+}
+
+void ObjectRegistry::changeMetadata(std::uint32_t subject, const std::string &key,
+                                    const std::optional<MetadataValue> &value) {
+    objects_.putMetadata(subject, key, value);
+    notify([&](ServerObserver &observer) { observer.metadataChanged(subject, key, value); });
+}
+
+Status ObjectRegistry::refreshMetadata(double seconds) {
+    if (!default_ || !objects_.hasMetadata())
+        return statusOK;
+    auto fresh = boundMetadata(default_->id, default_->version);
+    if (!fresh)
+        return -ENOENT;
+    const Status status = connection_.roundTrip(seconds);
+    if (status != statusOK || !default_ || default_->id != fresh->id)
+        return status;
+    default_ = std::move(fresh);
+    default_->listener = this;
+    const auto values = default_->values;
+    for (const auto &[where, value] : values)
+        if (objects_.metadata(where.first, where.second) != value)
+            changeMetadata(where.first, where.second, value);
+    for (const std::uint32_t subject : objects_.metadataSubjects())
+        for (const char *key : {targetObjectKey, targetNodeKey})
+            if (!values.contains({subject, key}) && objects_.metadata(subject, key))
+                changeMetadata(subject, key, std::nullopt);
+    return statusOK;
 }
 
 void ObjectRegistry::globalRemoved(std::uint32_t id) {
-    if (const auto node = nodes_.find(id); node != nodes_.end()) {
-        const std::unique_ptr<BoundNode> gone = std::move(node->second);
-        nodes_.erase(node);
-        notify([&](RegistryObserver &observer) { observer.nodeRemoved(gone->record); });
+    if (nodes_.erase(id) > 0) {
+        if (const auto gone = objects_.takeNode(id))
+            notify([&](ServerObserver &observer) { observer.nodeRemoved(*gone); });
+    } else if (const auto link = objects_.takeLink(id)) {
+        notify([&](ServerObserver &observer) { observer.linkRemoved(*link); });
+    } else if (const auto port = objects_.takePort(id)) {
+        notify([&](ServerObserver &observer) { observer.portRemoved(*port); });
+    } else if (devices_.erase(id) > 0) {
         return;
-    }
-    if (const auto link = links_.find(id); link != links_.end()) {
-        const LinkRecord gone = link->second;
-        links_.erase(link);
-        notify([&](RegistryObserver &observer) { observer.linkRemoved(gone); });
-        return;
-    }
-    if (ports_.erase(id) > 0 || devices_.erase(id) > 0)
-        return;
-    if (settings_ && settings_->id == id)
+    } else if (settings_ && settings_->id == id) {
         settings_.reset();
-    if (default_ && default_->id == id) {
+    } else if (default_ && default_->id == id) {
         default_.reset();
-        metadataComplete_ = false;
-        notify([](RegistryObserver &observer) { observer.metadataGone(); });
+        objects_.setHasMetadata(false);
+        objects_.clearMetadata();
+        notify([](ServerObserver &observer) { observer.metadataGone(); });
     }
-}
-
-const NodeRecord *ObjectRegistry::node(std::uint32_t id) const {
-    const auto found = nodes_.find(id);
-    return found == nodes_.end() ? nullptr : &found->second->record;
-}
-
-const NodeRecord *ObjectRegistry::nodeNamed(std::string_view name) const {
-    for (const auto &[_, bound] : nodes_)
-        if (bound->record.name() == name)
-            return &bound->record;
-    return nullptr;
-}
-
-const NodeRecord *ObjectRegistry::nodeWithSerial(std::uint64_t serial) const {
-    for (const auto &[_, bound] : nodes_)
-        if (bound->record.serial == serial)
-            return &bound->record;
-    return nullptr;
-}
-
-std::vector<const NodeRecord *> ObjectRegistry::nodes() const {
-    std::vector<const NodeRecord *> result;
-    result.reserve(nodes_.size());
-    for (const auto &[_, bound] : nodes_)
-        result.push_back(&bound->record);
-    return result;
-}
-
-std::vector<PortRecord> ObjectRegistry::ports(std::uint32_t nodeID, bool input) const {
-    std::vector<PortRecord> result;
-    for (const auto &[_, port] : ports_)
-        if (port.nodeID == nodeID && port.isInput == input)
-            result.push_back(port);
-    std::sort(result.begin(), result.end(),
-              [](const PortRecord &a, const PortRecord &b) { return a.index < b.index; });
-    return result;
-}
-
-bool ObjectRegistry::isLinked(std::uint32_t outputNodeID, std::uint32_t inputNodeID) const {
-    return std::any_of(links_.begin(), links_.end(), [&](const auto &entry) {
-        return entry.second.outputNodeID == outputNodeID && entry.second.inputNodeID == inputNodeID;
-    });
 }
 
 const PropertyMap *ObjectRegistry::deviceProperties(std::uint32_t deviceID) const {
     const auto found = devices_.find(deviceID);
     return found == devices_.end() ? nullptr : &found->second->properties;
-}
-
-std::optional<MetadataValue> ObjectRegistry::metadata(std::uint32_t subject,
-                                                      std::string_view key) const {
-    if (!default_)
-        return std::nullopt;
-    const auto found = default_->values.find({subject, std::string(key)});
-    if (found == default_->values.end())
-        return std::nullopt;
-    return found->second;
-}
-
-void ObjectRegistry::setMetadata(std::uint32_t subject, const char *key,
-                                 const MetadataValue &value) {
-    if (!default_)
-        return;
-    default_->values[{subject, key}] = value;
-    pw_metadata_set_property(default_->proxy.get(), subject, key, value.type.c_str(),
-                             value.value.c_str());
-}
-
-void ObjectRegistry::deleteMetadata(std::uint32_t subject, const char *key) {
-    if (!default_)
-        return;
-    default_->values.erase({subject, key});
-    pw_metadata_set_property(default_->proxy.get(), subject, key, nullptr, nullptr);
 }
 
 double ObjectRegistry::setting(std::string_view key) const {
@@ -321,5 +285,43 @@ double ObjectRegistry::setting(std::string_view key) const {
     return found == settings_->values.end() ? 0.0
                                             : std::strtod(found->second.value.c_str(), nullptr);
 }
+
+void ObjectRegistry::setMetadata(std::uint32_t subject, const char *key,
+                                 const MetadataValue &value) {
+    if (!default_)
+        return;
+    objects_.putMetadata(subject, key, value);
+    pw_metadata_set_property(default_->proxy.get(), subject, key, value.type.c_str(),
+                             value.value.c_str());
+}
+
+void ObjectRegistry::deleteMetadata(std::uint32_t subject, const char *key) {
+    if (!default_)
+        return;
+    objects_.putMetadata(subject, key, std::nullopt);
+    pw_metadata_set_property(default_->proxy.get(), subject, key, nullptr, nullptr);
+}
+
+OwnLink ObjectRegistry::createLink(const LinkRequest &request) {
+    pw_properties *properties = pw_properties_new(PW_KEY_OBJECT_LINGER, "false", nullptr);
+    if (request.isPassive)
+        pw_properties_set(properties, PW_KEY_LINK_PASSIVE, "true");
+    pw_properties_setf(properties, PW_KEY_LINK_OUTPUT_NODE, "%u", request.outputNodeID);
+    pw_properties_setf(properties, PW_KEY_LINK_OUTPUT_PORT, "%u", request.outputPortID);
+    pw_properties_setf(properties, PW_KEY_LINK_INPUT_NODE, "%u", request.inputNodeID);
+    pw_properties_setf(properties, PW_KEY_LINK_INPUT_PORT, "%u", request.inputPortID);
+    Proxy<pw_proxy> link(static_cast<pw_proxy *>(
+        pw_core_create_object(connection_.core(), "link-factory", PW_TYPE_INTERFACE_Link,
+                              PW_VERSION_LINK, &properties->dict, 0)));
+    pw_properties_free(properties);
+    if (!link)
+        return 0;
+    ownLinks_[++lastOwnLink_] = std::move(link);
+    return lastOwnLink_;
+}
+
+void ObjectRegistry::destroyLink(OwnLink link) { ownLinks_.erase(link); }
+
+double ObjectRegistry::seconds() const { return monotonicSeconds(); }
 
 } // namespace quorbel

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/hardware/pipewire/ServerConnection.h"
+#include "platform/hardware/routing/ServerCommands.h"
+#include "platform/hardware/routing/ServerObjects.h"
 
 #include <pipewire/extensions/metadata.h>
 
@@ -13,91 +15,34 @@
 
 namespace quorbel {
 
-using PropertyMap = std::map<std::string, std::string, std::less<>>;
-
-/// The value of `key`, or an empty text.
-const std::string &propertyValue(const PropertyMap &properties, std::string_view key);
-
-struct NodeRecord {
-    std::uint32_t id = 0;
-    std::uint64_t serial = 0;
-    PropertyMap properties; ///< the registry's few at first, all of them once `isComplete`
-    bool isComplete = false;
-
-    [[nodiscard]] const std::string &property(std::string_view key) const {
-        return propertyValue(properties, key);
-    }
-    [[nodiscard]] const std::string &mediaClass() const { return property("media.class"); }
-    [[nodiscard]] const std::string &name() const { return property("node.name"); }
-};
-
-struct PortRecord {
-    std::uint32_t id = 0;
-    std::uint32_t nodeID = 0;
-    std::uint32_t index = 0;
-    bool isInput = false;
-    bool isMonitor = false;
-};
-
-struct LinkRecord {
-    std::uint32_t id = 0;
-    std::uint32_t outputNodeID = 0;
-    std::uint32_t inputNodeID = 0;
-};
-
-struct MetadataValue {
-    std::string type;
-    std::string value;
-};
-
-/// Hears what changes in the registry. [control]
-class RegistryObserver {
-  public:
-    virtual ~RegistryObserver() = default;
-    virtual void nodeChanged(const NodeRecord &) {}
-    virtual void nodeRemoved(const NodeRecord &) {}
-    virtual void portAdded(const PortRecord &) {}
-    virtual void linkAdded(const LinkRecord &) {}
-    virtual void linkRemoved(const LinkRecord &) {}
-    /// A key of the "default" metadata changed; no value means that it was deleted.
-    virtual void metadataChanged(std::uint32_t, std::string_view,
-                                 const std::optional<MetadataValue> &) {}
-    virtual void metadataArrived() {} ///< "default" is bound and all its values have been received
-    virtual void metadataGone() {}    ///< the session manager has left
-};
-
-/// What the sound server holds, as far as it has told: nodes, ports, links, devices and the two
-/// metadata tables that matter. Everything needs the loop's lock.
-class ObjectRegistry {
+/// Fills a `ServerObjects` with what the sound server tells, and carries out commands: the
+/// translation between the server's library and routing. Everything needs the loop's lock.
+class ObjectRegistry final : public ServerCommands {
   public:
     explicit ObjectRegistry(ServerConnection &connection);
-    ~ObjectRegistry();
+    ~ObjectRegistry() override;
     ObjectRegistry(const ObjectRegistry &) = delete;
     ObjectRegistry &operator=(const ObjectRegistry &) = delete;
 
-    void addObserver(RegistryObserver &observer);
-    void removeObserver(RegistryObserver &observer);
+    /// Hears of every change. [control]
+    void setObserver(ServerObserver *observer) { observer_ = observer; }
 
-    [[nodiscard]] const NodeRecord *node(std::uint32_t id) const;
-    [[nodiscard]] const NodeRecord *nodeNamed(std::string_view name) const;
-    [[nodiscard]] const NodeRecord *nodeWithSerial(std::uint64_t serial) const;
-    [[nodiscard]] std::vector<const NodeRecord *> nodes() const; ///< in the order of their ids
-    [[nodiscard]] std::vector<PortRecord> ports(std::uint32_t nodeID, bool input) const;
-    [[nodiscard]] const std::map<std::uint32_t, LinkRecord> &links() const { return links_; }
-    [[nodiscard]] bool isLinked(std::uint32_t outputNodeID, std::uint32_t inputNodeID) const;
+    [[nodiscard]] const ServerObjects &objects() const { return objects_; }
     [[nodiscard]] const PropertyMap *deviceProperties(std::uint32_t deviceID) const;
-
-    /// The "default" metadata.
-    [[nodiscard]] bool hasMetadata() const { return metadataComplete_; }
-    [[nodiscard]] std::optional<MetadataValue> metadata(std::uint32_t subject,
-                                                        std::string_view key) const;
-    /// Both hold at once, without waiting for the server's echo: a 0.3.65 server sends no more of
-    /// them for good once a client has left in the middle of binding the table.
-    void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value);
-    void deleteMetadata(std::uint32_t subject, const char *key);
-
     /// A number of the "settings" metadata (clock.rate and its like); 0 when it is not there.
     [[nodiscard]] double setting(std::string_view key) const;
+
+    /// Asks for all values of the "default" metadata again; the differences are told to the
+    /// observer. A server of 0.3.65 sends no more of its changes for good once a client has left in
+    /// the middle of binding the table. Waits `seconds` at most; -ETIMEDOUT and the like as
+    /// `ServerConnection::roundTrip`.
+    Status refreshMetadata(double seconds);
+
+    void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
+    void deleteMetadata(std::uint32_t subject, const char *key) override;
+    OwnLink createLink(const LinkRequest &request) override;
+    void destroyLink(OwnLink link) override;
+    [[nodiscard]] double seconds() const override;
 
   private:
     struct BoundNode;
@@ -108,19 +53,25 @@ class ObjectRegistry {
                      const spa_dict *properties);
     void globalRemoved(std::uint32_t id);
     void bindMetadata(std::uint32_t id, std::uint32_t version, const std::string &name);
+    [[nodiscard]] std::unique_ptr<BoundMetadata> boundMetadata(std::uint32_t id,
+                                                               std::uint32_t version);
+    void changeMetadata(std::uint32_t subject, const std::string &key,
+                        const std::optional<MetadataValue> &value);
     template <typename Call> void notify(Call call);
 
     ServerConnection &connection_;
+    ServerObserver *observer_ = nullptr;
+    ServerObjects objects_;
     Proxy<pw_registry> registry_;
     Hook registryHook_;
-    std::vector<RegistryObserver *> observers_;
     std::map<std::uint32_t, std::unique_ptr<BoundNode>> nodes_;
     std::map<std::uint32_t, std::unique_ptr<BoundDevice>> devices_;
-    std::map<std::uint32_t, PortRecord> ports_;
-    std::map<std::uint32_t, LinkRecord> links_;
     std::unique_ptr<BoundMetadata> default_;
     std::unique_ptr<BoundMetadata> settings_;
-    bool metadataComplete_ = false;
+    std::map<OwnLink, Proxy<pw_proxy>> ownLinks_;
+    OwnLink lastOwnLink_ = 0;
+    /// Ends with the registry: round trips outlive it.
+    std::shared_ptr<ObjectRegistry *> self_ = std::make_shared<ObjectRegistry *>(this);
 };
 
 } // namespace quorbel

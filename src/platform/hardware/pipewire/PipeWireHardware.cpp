@@ -2,13 +2,17 @@
 
 #include "platform/hardware/pipewire/PipeWireOutput.h"
 #include "platform/hardware/pipewire/SystemTime.h"
+#include "platform/hardware/routing/StreamRules.h"
 
 #include <spa/utils/json.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
+#include <set>
+#include <utility>
 
 namespace quorbel {
 namespace {
@@ -20,8 +24,9 @@ constexpr double unlinkSeconds = 0.3;
 // A server that has just come back and does not answer soon is asked again a moment later.
 constexpr double reconnectSeconds = 0.2;
 
-/// After its start a session manager has found its devices by then.
-constexpr double managerStartSeconds = 10.0;
+// Bounds of the control loop's timer: 0 would disarm it.
+constexpr double shortestWaitSeconds = 1e-3;
+constexpr double longestWaitSeconds = 60.0;
 
 /// No object of the server: the capture device is the scheduling group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;
@@ -69,8 +74,18 @@ Status PipeWireHardware::open(double seconds) {
     connection_ = std::move(connection);
     const LoopLock lock(connection_->loop());
     registry_ = std::make_unique<ObjectRegistry>(*connection_);
-    registry_->addObserver(*this);
+    registry_->setObserver(this);
     connection_->setLostHandler([this](Status lost) { tell(HardwareProperty::connection, lost); });
+    pw_loop *loop = pw_thread_loop_get_loop(connection_->loop());
+    lookEvent_ = pw_loop_add_event(
+        loop,
+        [](void *self, std::uint64_t) { static_cast<PipeWireHardware *>(self)->lookAround(); },
+        this);
+    timer_ = pw_loop_add_timer(
+        loop,
+        [](void *self, std::uint64_t) { static_cast<PipeWireHardware *>(self)->lookAround(); },
+        this);
+    pair_.changed = [this] { lookSoon(); };
     return settle(seconds);
 }
 
@@ -94,10 +109,15 @@ void PipeWireHardware::close() {
         const LoopLock lock(connection_->loop());
         connection_->setLostHandler(nullptr);
         stopRouting();
+        pair_.changed = nullptr;
+        pw_loop *loop = pw_thread_loop_get_loop(connection_->loop());
+        for (spa_source **source : {&lookEvent_, &timer_})
+            if (*source != nullptr)
+                pw_loop_destroy_source(loop, std::exchange(*source, nullptr));
         tap_.reset();
         router_.reset();
         if (registry_)
-            registry_->removeObserver(*this);
+            registry_->setObserver(nullptr);
         registry_.reset();
     }
     connection_.reset();
@@ -109,7 +129,7 @@ Status PipeWireHardware::reconnect() {
         const LoopLock lock(connection_->loop());
         if (!connection_->isLost() && isSettled_)
             return statusOK;
-        if (tap_ || captureDevice_ != 0 || outputDevice_ != 0)
+        if (tap_ || captureDevice_ != 0 || output_ != nullptr)
             return -EBUSY;
         if (!connection_->isLost())
             return settle(reconnectSeconds); // a slow server, which has had more time now
@@ -125,8 +145,8 @@ double PipeWireHardware::graphRate() const {
 }
 
 const NodeRecord *PipeWireHardware::defaultSink() const {
-    const auto value = registry_->metadata(0, "default.audio.sink");
-    return value ? registry_->nodeNamed(nameInJson(value->value)) : nullptr;
+    const auto value = registry_->objects().metadata(0, "default.audio.sink");
+    return value ? registry_->objects().nodeNamed(nameInJson(value->value)) : nullptr;
 }
 
 // Devices
@@ -161,15 +181,15 @@ Status PipeWireHardware::deviceList(std::vector<AudioObjectID> &devices) {
     if (connection_->isLost())
         return -EPIPE;
     devices.clear();
-    for (const NodeRecord *node : registry_->nodes())
-        if (isDevice(*node))
-            devices.push_back(node->id);
+    for (const auto &[id, node] : registry_->objects().nodes())
+        if (isDevice(node))
+            devices.push_back(id);
     return statusOK;
 }
 
 std::optional<std::string> PipeWireHardware::deviceUID(AudioObjectID device) {
     const LoopLock lock(connection_->loop());
-    const NodeRecord *node = registry_->node(device);
+    const NodeRecord *node = registry_->objects().node(device);
     if (node == nullptr || node->name().empty())
         return std::nullopt;
     return node->name();
@@ -177,7 +197,7 @@ std::optional<std::string> PipeWireHardware::deviceUID(AudioObjectID device) {
 
 std::optional<std::string> PipeWireHardware::deviceName(AudioObjectID device) {
     const LoopLock lock(connection_->loop());
-    const NodeRecord *node = registry_->node(device);
+    const NodeRecord *node = registry_->objects().node(device);
     if (node == nullptr)
         return std::nullopt;
     for (const char *key : {"node.description", "node.nick", "node.name"})
@@ -188,7 +208,7 @@ std::optional<std::string> PipeWireHardware::deviceName(AudioObjectID device) {
 
 std::optional<std::string> PipeWireHardware::deviceManufacturer(AudioObjectID device) {
     const LoopLock lock(connection_->loop());
-    const NodeRecord *node = registry_->node(device);
+    const NodeRecord *node = registry_->objects().node(device);
     if (node == nullptr || node->property("device.id").empty())
         return std::nullopt;
     const auto *properties = registry_->deviceProperties(
@@ -202,7 +222,7 @@ std::optional<std::string> PipeWireHardware::deviceManufacturer(AudioObjectID de
 Status PipeWireHardware::streamChannelCounts(AudioObjectID device, Scope scope,
                                              std::vector<std::uint32_t> &channelsPerBuffer) {
     const LoopLock lock(connection_->loop());
-    const NodeRecord *node = registry_->node(device);
+    const NodeRecord *node = registry_->objects().node(device);
     if (node == nullptr)
         return -ENODEV;
     channelsPerBuffer.clear();
@@ -214,7 +234,8 @@ Status PipeWireHardware::streamChannelCounts(AudioObjectID device, Scope scope,
     auto channels = static_cast<std::uint32_t>(
         std::strtoul(node->property("audio.channels").c_str(), nullptr, 10));
     if (channels == 0)
-        channels = static_cast<std::uint32_t>(registry_->ports(device, isOutputScope).size());
+        channels =
+            static_cast<std::uint32_t>(registry_->objects().ports(device, isOutputScope).size());
     if (channels > 0)
         channelsPerBuffer.push_back(channels);
     return statusOK;
@@ -258,6 +279,9 @@ void PipeWireHardware::tell(HardwareProperty property, Status status) {
 }
 
 void PipeWireHardware::nodeChanged(const NodeRecord &node) {
+    if (router_)
+        router_->nodeChanged(node);
+    lookSoon();
     if (!isDevice(node) || std::count(knownDevices_.begin(), knownDevices_.end(), node.id) > 0)
         return;
     knownDevices_.push_back(node.id);
@@ -265,20 +289,66 @@ void PipeWireHardware::nodeChanged(const NodeRecord &node) {
 }
 
 void PipeWireHardware::nodeRemoved(const NodeRecord &node) {
+    if (router_)
+        router_->nodeRemoved(node);
+    lookSoon();
     if (std::erase(knownDevices_, node.id) > 0)
         tell(HardwareProperty::deviceList);
 }
 
+void PipeWireHardware::portAdded(const PortRecord &port) {
+    if (router_)
+        router_->portAdded(port);
+    lookSoon();
+    devicePortsChanged(port);
+}
+
+void PipeWireHardware::portRemoved(const PortRecord &port) {
+    if (router_)
+        router_->portRemoved(port);
+    lookSoon();
+    devicePortsChanged(port);
+}
+
+/// Some devices say how many channels they have by their ports alone, which come after them.
+void PipeWireHardware::devicePortsChanged(const PortRecord &port) {
+    if (!port.isMonitor && std::count(knownDevices_.begin(), knownDevices_.end(), port.nodeID) > 0)
+        tell(HardwareProperty::deviceList);
+}
+
+void PipeWireHardware::linkAdded(const LinkRecord &link) {
+    if (router_)
+        router_->linkAdded(link);
+    lookSoon();
+}
+
+void PipeWireHardware::linkRemoved(const LinkRecord &link) {
+    if (router_)
+        router_->linkRemoved(link);
+    lookSoon();
+}
+
 void PipeWireHardware::metadataChanged(std::uint32_t subject, std::string_view key,
-                                       const std::optional<MetadataValue> & /*value*/) {
+                                       const std::optional<MetadataValue> &value) {
+    if (router_)
+        router_->metadataChanged(subject, key, value);
+    lookSoon();
     if (subject == 0 && key == "default.audio.sink")
         tell(HardwareProperty::defaultOutput);
 }
 
 void PipeWireHardware::metadataArrived() {
     if (isSettled_)
-        managerArrival_ = monotonicSeconds();
+        supervisor_.sessionManagerReturned();
+    if (router_)
+        router_->metadataArrived();
+    lookSoon();
     tell(HardwareProperty::defaultOutput);
+}
+
+void PipeWireHardware::metadataGone() {
+    if (router_)
+        router_->metadataGone();
 }
 
 // Capture
@@ -293,17 +363,18 @@ Status PipeWireHardware::createProcessTap(const TapDescription &description, Aud
         return -EPIPE;
     if (tap_)
         return -EBUSY;
-    journal_ = std::make_unique<RouteJournal>();
-    router_ = std::make_unique<StreamRouter>(*connection_, *registry_, *journal_);
+    journal_ = std::make_unique<RouteJournal>(connection_->serverCookie());
+    router_ = std::make_unique<StreamRouter>(registry_->objects(), *registry_, *journal_);
     restoreLeftovers();
+    isRestored_ = true;
     tap_ = std::make_unique<TapStream>(*connection_, pair_);
-    Status status = tap_->connect();
+    Status status = tap_->connect(router_->needsDeviceTap());
     if (status == statusOK)
         status = connection_->waitUntil(
             [&] {
                 return tap_->error() != statusOK ||
-                       (registry_->node(tap_->nodeID()) != nullptr &&
-                        registry_->ports(tap_->nodeID(), true).size() >= 2);
+                       (registry_->objects().node(tap_->nodeID()) != nullptr &&
+                        registry_->objects().ports(tap_->nodeID(), true).size() >= 2);
             },
             answerSeconds);
     if (status == statusOK)
@@ -315,37 +386,35 @@ Status PipeWireHardware::createProcessTap(const TapDescription &description, Aud
         journal_.reset();
         return status;
     }
-    tap = tap_->nodeID();
+    tapHandle_ = tap_->nodeID();
+    tap = tapHandle_;
     return statusOK;
-}
-
-bool PipeWireHardware::isCaptureOutdated(bool isAnotherDefaultOutput) {
-    const LoopLock lock(connection_->loop());
-    return isAnotherDefaultOutput && monotonicSeconds() - managerArrival_ < managerStartSeconds;
 }
 
 void PipeWireHardware::restoreLeftovers() {
     for (const RoutedStream &stream : journal_->leftovers()) {
-        restoreRoute(*registry_, stream);
+        restoreRoute(registry_->objects(), *registry_, stream);
         journal_->released(stream);
     }
 }
 
 Status PipeWireHardware::destroyProcessTap(AudioObjectID tap) {
     const LoopLock lock(connection_->loop());
-    if (!tap_ || (!connection_->isLost() && tap_->nodeID() != tap))
+    if (!tap_ || tapHandle_ != tap)
         return -ENOENT;
     stopRouting();
     tap_.reset();
     router_.reset();
-    journal_->allRestored();
+    // What could not be restored is left to the watchdog, which hears of our end here.
+    if (isRestored_)
+        journal_->allRestored();
     journal_.reset();
     return statusOK;
 }
 
 Status PipeWireHardware::tapFormat(AudioObjectID tap, StreamFormat &format) {
     const LoopLock lock(connection_->loop());
-    if (!tap_ || tap_->nodeID() != tap)
+    if (!tap_ || tapHandle_ != tap)
         return -ENOENT;
     // Until the first stream is routed to it, it is what it will be: the graph's rate.
     format = tap_->format().isValid() ? tap_->format() : StreamFormat{graphRate(), 2};
@@ -359,7 +428,7 @@ Status PipeWireHardware::createAggregateDevice(const AggregateDescription &descr
         return -EPIPE;
     if (!tap_ || captureDevice_ != 0)
         return -EBUSY;
-    if (registry_->nodeNamed(description.mainDeviceUID) == nullptr)
+    if (registry_->objects().nodeNamed(description.mainDeviceUID) == nullptr)
         return -ENODEV;
     captureDevice_ = captureDeviceID;
     device = captureDevice_;
@@ -404,7 +473,7 @@ Status PipeWireHardware::startDevice(AudioObjectID device, IOProcID proc) {
         return -EPIPE;
     tap_->setClient(ioClient_, {graphRate(), 2});
     isIORunning_ = true;
-    routeIfReady();
+    lookAround();
     return statusOK;
 }
 
@@ -419,25 +488,161 @@ Status PipeWireHardware::stopDevice(AudioObjectID device, IOProcID proc) {
     return statusOK;
 }
 
-void PipeWireHardware::routeIfReady() {
-    if (!router_ || !isIORunning_ || outputDevice_ == 0)
-        return;
-    if (router_->isOn())
-        router_->setOutputDevice(outputDevice_);
-    else
-        router_->begin(tap_->nodeID(), outputDevice_);
-}
-
 void PipeWireHardware::stopRouting() {
-    if (!router_ || !router_->isOn())
+    supervisor_.reset();
+    outputLinks_.clear();
+    if (!router_ || !router_->isOn() || !tap_)
         return;
+    const std::uint32_t tapID = tap_->nodeID();
+    if (!connection_->isLost())
+        registry_->refreshMetadata(restoreSeconds);
+    const std::vector<RoutedStream> routed = journal_->streams();
     router_->end();
     if (connection_->isLost())
         return;
     // The processed sound goes on until every application is heard on its own device again.
-    const std::uint32_t tapID = tap_->nodeID();
-    if (connection_->roundTrip(restoreSeconds) == statusOK)
+    isRestored_ = connection_->roundTrip(restoreSeconds) == statusOK;
+    if (isRestored_)
         connection_->waitUntil([&] { return !router_->isAnyLinkedTo(tapID); }, unlinkSeconds);
+    else
+        for (const RoutedStream &stream : routed)
+            journal_->routed(stream);
+}
+
+// Watching over the two streams
+
+void PipeWireHardware::lookSoon() {
+    if (lookEvent_ != nullptr && tap_)
+        pw_loop_signal_event(pw_thread_loop_get_loop(connection_->loop()), lookEvent_);
+}
+
+void PipeWireHardware::lookAround() {
+    if (!router_ || !tap_ || connection_->isLost())
+        return;
+    bool isDone = !isIORunning_ || output_ == nullptr;
+    while (!isDone) {
+        switch (supervisor_.look(pairFacts(), monotonicSeconds())) {
+        case PairStep::none:
+            isDone = true;
+            break;
+        case PairStep::route:
+            startRouting();
+            break;
+        case PairStep::link:
+            linkOutput(*output_->stream(), output_->device());
+            break;
+        case PairStep::nudge:
+            output_->nudge();
+            break;
+        case PairStep::release:
+            router_->end();
+            break;
+        case PairStep::rebuild:
+            rebuildPair();
+            break;
+        case PairStep::giveUp:
+            router_->end();
+            tell(HardwareProperty::connection, -EIO);
+            isDone = true;
+            break;
+        }
+    }
+    if (router_->isOn()) {
+        router_->checkDeadlines();
+        if (const double now = monotonicSeconds(); !journal_->isEmpty() && now >= nextBeat_) {
+            nextBeat_ = now + RouteJournal::beatSeconds;
+            if (journal_->beat())
+                router_->startOver();
+        }
+    }
+    armTimer();
+}
+
+void PipeWireHardware::armTimer() {
+    const double now = monotonicSeconds();
+    double next = std::min(supervisor_.nextLook(now), router_->nextDeadline());
+    if (!isIORunning_ || output_ == nullptr)
+        next = router_->nextDeadline();
+    if (!journal_->isEmpty())
+        next = std::min(next, nextBeat_);
+    timespec wait{};
+    if (std::isfinite(next)) {
+        const double seconds = std::clamp(next - now, shortestWaitSeconds, longestWaitSeconds);
+        wait.tv_sec = static_cast<time_t>(seconds);
+        wait.tv_nsec = static_cast<long>((seconds - std::floor(seconds)) * 1e9);
+    }
+    pw_loop_update_timer(pw_thread_loop_get_loop(connection_->loop()), timer_, &wait, nullptr,
+                         false);
+}
+
+/// The node of one of our streams; null if somebody has removed it. (Ids are used again.)
+const NodeRecord *PipeWireHardware::ownNode(const ServerStream &stream) const {
+    if (stream.isGone() || stream.nodeID() == SPA_ID_INVALID)
+        return nullptr;
+    const NodeRecord *node = registry_->objects().node(stream.nodeID());
+    return node != nullptr && node->name().starts_with("quorbel.") ? node : nullptr;
+}
+
+PairFacts PipeWireHardware::pairFacts() const {
+    const ServerObjects &objects = registry_->objects();
+    PairFacts facts;
+    const NodeRecord *tap = ownNode(*tap_);
+    const OutStream *stream = output_->stream();
+    const NodeRecord *output = stream != nullptr ? ownNode(*stream) : nullptr;
+    facts.hasTap = tap != nullptr && objects.ports(tap->id, true).size() >= 2;
+    facts.isTapOfWrongKind = facts.hasTap && !tap_->isDevice() &&
+                             (!isPlainStereo(objects, tap->id, true) || router_->needsDeviceTap());
+    facts.hasOutput = output != nullptr;
+    facts.tapRuns = tap_->isStreaming();
+    facts.outputRuns = stream != nullptr && stream->isStreaming();
+    const NodeRecord *device = objects.node(output_->device());
+    facts.hasDevice = device != nullptr && objects.hasPorts(device->id, true);
+    if (output == nullptr)
+        return facts;
+    std::set<std::uint32_t> linkedPorts;
+    for (const auto &[_, link] : objects.links())
+        if (const NodeRecord *to = objects.node(link.inputNodeID);
+            link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
+            linkedPorts.insert(link.outputPortID);
+    // Of more than two channels some may have no counterpart on the device.
+    const std::size_t wanted = std::min<std::size_t>(2, objects.ports(output->id, false).size());
+    facts.isOutputLinked = wanted > 0 && linkedPorts.size() >= wanted;
+    return facts;
+}
+
+void PipeWireHardware::startRouting() {
+    const NodeRecord *tap = ownNode(*tap_);
+    const NodeRecord *output = ownNode(*output_->stream());
+    if (tap != nullptr && output != nullptr)
+        router_->begin({tap->id, tap->serial, output->id, output_->device()});
+}
+
+/// Both streams, with the same clients. Applications stay where they are until the new tap is
+/// there; the session manager bridges the moment.
+void PipeWireHardware::rebuildPair() {
+    outputLinks_.clear();
+    tap_.reset();
+    tap_ = std::make_unique<TapStream>(*connection_, pair_);
+    tap_->connect(router_->needsDeviceTap());
+    tap_->setClient(ioClient_, {graphRate(), 2});
+    output_->rebuild();
+}
+
+/// Links the output to its device where the session manager does not.
+void PipeWireHardware::linkOutput(const OutStream &stream, AudioObjectID device) {
+    const ServerObjects &objects = registry_->objects();
+    const NodeRecord *output = ownNode(stream);
+    if (output == nullptr)
+        return;
+    const auto inputs = objects.ports(device, true);
+    for (const PortRecord &from : objects.ports(output->id, false)) {
+        const auto to = std::find_if(inputs.begin(), inputs.end(), [&](const PortRecord &input) {
+            return input.channel == from.channel || inputs.size() == 1;
+        });
+        if (to != inputs.end())
+            outputLinks_.push_back(
+                registry_->createLink({output->id, from.id, device, to->id, true}));
+    }
 }
 
 // Playback

@@ -5,7 +5,8 @@
 #include "platform/hardware/pipewire/ObjectRegistry.h"
 #include "platform/hardware/pipewire/RouteJournal.h"
 #include "platform/hardware/pipewire/ServerConnection.h"
-#include "platform/hardware/pipewire/StreamRouter.h"
+#include "platform/hardware/routing/PairSupervisor.h"
+#include "platform/hardware/routing/StreamRouter.h"
 
 #include <map>
 #include <memory>
@@ -17,18 +18,15 @@ namespace quorbel {
 /// How long the server is waited for. It answers within milliseconds or not at all.
 inline constexpr double answerSeconds = 2.0;
 
-/// True for what can be played on.
-inline bool isOutputDevice(const NodeRecord &node) {
-    return node.mediaClass() == "Audio/Sink" || node.mediaClass() == "Audio/Duplex";
-}
-
 /// The hardware layer on a PipeWire server. A process tap is an input stream plus the router that
 /// sends the applications' streams to it; the capture device around it is no object of its own,
 /// because tap and output run in one group of the graph, at the output device's clock.
 ///
 /// Applications are routed to the tap from the moment in which the IO procedure runs and the output
-/// is linked to its device, so that nobody is silenced before the processed sound can be heard.
-class PipeWireHardware final : public AudioHardware, private RegistryObserver {
+/// is linked to its device, so that nobody is silenced before the processed sound can be heard. If
+/// one of the two streams is removed or cannot be healed, both are made anew with the same clients;
+/// if that fails too, the listeners are told that the hardware is lost, though the server is there.
+class PipeWireHardware final : public AudioHardware, private ServerObserver {
   public:
     /// Connects to the user's server; null and a negative errno when there is none.
     static std::unique_ptr<PipeWireHardware> connect(Status &status);
@@ -46,10 +44,9 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     Status addListener(HardwareProperty property, HardwareListener &listener) override;
     Status removeListener(HardwareProperty property, HardwareListener &listener) override;
 
-    /// The default output is nothing to the capture. But a new session manager does not link
-    /// streams to a tap that was there before it was ready, and until it is, its defaults come and
-    /// go.
-    bool isCaptureOutdated(bool isAnotherDefaultOutput) override;
+    /// Never: the default output is nothing to the capture, and the pair of streams is watched
+    /// here.
+    bool isCaptureOutdated(bool /*isAnotherDefaultOutput*/) override { return false; }
     Status createProcessTap(const TapDescription &description, AudioObjectID &tap) override;
     Status destroyProcessTap(AudioObjectID tap) override;
     Status tapFormat(AudioObjectID tap, StreamFormat &format) override;
@@ -73,15 +70,31 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     void close();
     [[nodiscard]] double graphRate() const;
     [[nodiscard]] const NodeRecord *defaultSink() const;
-    void routeIfReady();
     void stopRouting();
     void restoreLeftovers();
 
+    // Watching over the two streams. [control], or under the loop's lock
+    void lookAround();
+    void armTimer();
+    [[nodiscard]] PairFacts pairFacts() const;
+    [[nodiscard]] const NodeRecord *ownNode(const ServerStream &stream) const;
+    void startRouting();
+    void rebuildPair();
+    void linkOutput(const OutStream &stream, AudioObjectID device);
+
     void nodeChanged(const NodeRecord &node) override;
     void nodeRemoved(const NodeRecord &node) override;
+    void portAdded(const PortRecord &port) override;
+    void portRemoved(const PortRecord &port) override;
+    void linkAdded(const LinkRecord &link) override;
+    void linkRemoved(const LinkRecord &link) override;
     void metadataChanged(std::uint32_t subject, std::string_view key,
                          const std::optional<MetadataValue> &value) override;
     void metadataArrived() override;
+    void metadataGone() override;
+    void devicePortsChanged(const PortRecord &port);
+    /// Looks around soon, outside of the server's callback.
+    void lookSoon();
     void tell(HardwareProperty property, Status status = statusOK);
 
     std::unique_ptr<ServerConnection> connection_;
@@ -90,11 +103,18 @@ class PipeWireHardware final : public AudioHardware, private RegistryObserver {
     std::unique_ptr<StreamRouter> router_;
     DuplexPair pair_;
     std::unique_ptr<TapStream> tap_;
-    double managerArrival_ = -1e9; ///< monotonic seconds; long ago if it was there before us
+    AudioObjectID tapHandle_ =
+        0; ///< the node's id when the tap was made; a rebuilt one has another
+    PairSupervisor supervisor_;
+    std::vector<OwnLink> outputLinks_; ///< where the session manager made none
+    bool isRestored_ = true;           ///< the server has confirmed that the streams are back
+    spa_source *lookEvent_ = nullptr;
+    spa_source *timer_ = nullptr;
+    double nextBeat_ = 0.0;
     AudioObjectID captureDevice_ = 0;
     IOClient *ioClient_ = nullptr;
     bool isIORunning_ = false;
-    AudioObjectID outputDevice_ = 0; ///< of the running output; 0 while none runs
+    Output *output_ = nullptr; ///< the running one
     std::vector<AudioObjectID> knownDevices_;
     bool isSettled_ = false; ///< the server has told what it holds [main]
 

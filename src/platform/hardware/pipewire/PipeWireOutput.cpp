@@ -9,6 +9,8 @@
 namespace quorbel {
 namespace {
 
+/// The session manager links within milliseconds; some of its starts forget what was there before.
+constexpr double linkSeconds = 0.5;
 /// After this much inaudible output the device may rest.
 constexpr double tailSeconds = 2.0;
 /// How often the control side looks at what the real-time side has done.
@@ -19,7 +21,7 @@ constexpr long tailCheckNanoseconds = 200'000'000;
 
 Status PipeWireHardware::Output::setDevice(AudioObjectID device) {
     const LoopLock lock(hardware_.connection_->loop());
-    const NodeRecord *node = hardware_.registry_->node(device);
+    const NodeRecord *node = hardware_.registry_->objects().node(device);
     if (node == nullptr || !isOutputDevice(*node))
         return -ENODEV;
     device_ = device;
@@ -39,37 +41,54 @@ StreamFormat PipeWireHardware::Output::nativeFormat() const {
 
 Status PipeWireHardware::Output::start(RenderClient &client) {
     ServerConnection &connection = *hardware_.connection_;
-    const ObjectRegistry &registry = *hardware_.registry_;
+    const ServerObjects &objects = hardware_.registry_->objects();
     const LoopLock lock(connection.loop());
     if (connection.isLost())
         return -EPIPE;
-    const NodeRecord *device = registry.node(device_);
+    const NodeRecord *device = objects.node(device_);
     if (device == nullptr)
         return -ENODEV;
-    const std::string deviceName = device->name(); // the device itself may go while we wait
+    startedOn_ = device->name(); // the device itself may go while we wait
     stream_ = std::make_unique<OutStream>(connection, hardware_.pair_, client);
-    Status status = stream_->connect(deviceName, {hardware_.graphRate(), 2});
+    Status status = stream_->connect(startedOn_, {hardware_.graphRate(), 2});
+    const auto isDecided = [&] {
+        return stream_->error() != statusOK || objects.node(device_) == nullptr ||
+               objects.isLinked(stream_->nodeID(), device_);
+    };
     if (status == statusOK)
-        status = connection.waitUntil(
-            [&] {
-                return stream_->error() != statusOK || registry.node(device_) == nullptr ||
-                       registry.isLinked(stream_->nodeID(), device_);
-            },
-            answerSeconds);
+        status = connection.waitUntil(isDecided, linkSeconds);
+    if (status == -ETIMEDOUT) {
+        hardware_.linkOutput(*stream_, device_);
+        status = connection.waitUntil(isDecided, answerSeconds);
+    }
     if (status == statusOK)
         status = stream_->error();
-    if (status == statusOK && registry.node(device_) == nullptr)
+    if (status == statusOK && objects.node(device_) == nullptr)
         status = -ENODEV;
     if (status != statusOK) {
         stream_.reset();
         return status;
     }
-    keep_ = std::make_unique<KeepStream>(connection, hardware_.pair_);
-    if (keep_->connect(deviceName) == statusOK)
-        watchTail();
-    hardware_.outputDevice_ = device_;
-    hardware_.routeIfReady();
+    client_ = &client;
+    startKeeping();
+    hardware_.output_ = this;
+    hardware_.lookAround();
     return statusOK;
+}
+
+void PipeWireHardware::Output::startKeeping() {
+    keep_ = std::make_unique<KeepStream>(*hardware_.connection_, hardware_.pair_);
+    if (keep_->connect(startedOn_) == statusOK && tailTimer_ == nullptr)
+        watchTail();
+}
+
+void PipeWireHardware::Output::rebuild() {
+    keep_.reset();
+    stream_.reset();
+    client_->renderPaused();
+    stream_ = std::make_unique<OutStream>(*hardware_.connection_, hardware_.pair_, *client_);
+    stream_->connect(startedOn_, {hardware_.graphRate(), 2});
+    startKeeping();
 }
 
 void PipeWireHardware::Output::renderUntil(const std::function<bool()> &condition, double seconds) {
@@ -85,7 +104,8 @@ void PipeWireHardware::Output::stop() {
     if (!stream_)
         return;
     const LoopLock lock(hardware_.connection_->loop());
-    hardware_.outputDevice_ = 0;
+    hardware_.output_ = nullptr;
+    client_ = nullptr;
     if (tailTimer_ != nullptr)
         pw_loop_destroy_source(pw_thread_loop_get_loop(hardware_.connection_->loop()),
                                std::exchange(tailTimer_, nullptr));
@@ -100,6 +120,8 @@ void PipeWireHardware::Output::watchTail() {
         loop,
         [](void *self, std::uint64_t) {
             auto &output = *static_cast<Output *>(self);
+            if (output.keep_->isGone())
+                output.startKeeping();
             output.keep_->setActive(output.holdsTail_ &&
                                     output.stream_->wasHeardWithin(tailSeconds));
         },

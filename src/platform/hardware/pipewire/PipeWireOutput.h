@@ -5,6 +5,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace quorbel {
 
@@ -24,11 +25,21 @@ class PipeWireHardware::Output final : public HardwareOutput {
     void renderUntil(const std::function<bool()> &condition, double seconds) override;
     void stop() override;
 
+    // For the hardware, which watches over the running output. Loop's lock.
+    [[nodiscard]] const OutStream *stream() const { return stream_.get(); }
+    [[nodiscard]] AudioObjectID device() const { return device_; }
+    void nudge() { stream_->nudge(); }
+    /// Makes the streams anew, to the same device and with the same client.
+    void rebuild();
+
   private:
+    void startKeeping();
     void watchTail();
 
     PipeWireHardware &hardware_;
     AudioObjectID device_ = 0;
+    std::string startedOn_; ///< name of the device that the running streams were made for
+    RenderClient *client_ = nullptr;
     std::unique_ptr<OutStream> stream_;
     std::atomic<bool> holdsTail_{false}; ///< set by main, read by control
     std::unique_ptr<KeepStream> keep_;

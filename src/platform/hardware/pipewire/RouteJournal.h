@@ -1,54 +1,49 @@
 #pragma once
 
-#include "platform/hardware/pipewire/RoutedStream.h"
+#include "platform/hardware/pipewire/WatchdogLink.h"
+#include "platform/hardware/routing/RouteLog.h"
 
-#include <map>
-#include <string>
-#include <utility>
+#include <cstddef>
 #include <vector>
 
 namespace quorbel {
 
-/// Which streams are routed to a tap at this moment, as told line by line.
-class RouteLedger {
+/// Writes down every routed stream before it is routed, in two places: a file in our runtime folder
+/// that the next start reads, and the watchdog, which acts as soon as we are gone. Without a
+/// runtime folder or a watchdog program it does what it can.
+class RouteJournal final : public RouteLog {
   public:
-    /// Takes one line; returns false for one that is neither a routing nor a release.
-    bool take(std::string_view line);
-    [[nodiscard]] std::vector<RoutedStream> streams() const;
-
-  private:
-    std::map<std::pair<std::uint32_t, std::uint64_t>, RoutedStream> streams_;
-};
-
-/// Writes down every routed stream before it is routed, in two places: a file in the user's runtime
-/// folder that the next start reads, and a socket to a watchdog process that acts as soon as we are
-/// gone. Without a runtime folder or a watchdog program it does what it can.
-class RouteJournal {
-  public:
-    RouteJournal();
-    ~RouteJournal();
+    /// `serverCookie` tells one run of the sound server from another, whose serials begin again.
+    explicit RouteJournal(std::uint32_t serverCookie);
+    ~RouteJournal() override;
     RouteJournal(const RouteJournal &) = delete;
     RouteJournal &operator=(const RouteJournal &) = delete;
 
-    /// What an earlier run left routed: it and its watchdog were both killed.
+    /// What an earlier run left routed on this server: it and its watchdog were both killed.
     [[nodiscard]] const std::vector<RoutedStream> &leftovers() const { return leftovers_; }
 
-    void routed(const RoutedStream &stream);
-    void released(const RoutedStream &stream);
+    void routed(const RoutedStream &stream) override;
+    void released(const RoutedStream &stream) override;
+    [[nodiscard]] bool isEmpty() const { return ledger_.size() == 0; }
+    [[nodiscard]] std::vector<RoutedStream> streams() const { return ledger_.streams(); }
+    /// As `WatchdogLink::beat`: to be called every `beatSeconds` while streams are routed.
+    bool beat() { return watchdog_.beat(ledger_); }
+    static constexpr double beatSeconds = 0.25;
     /// Everything is back in its place; the watchdog may go.
     void allRestored();
 
   private:
-    void write(std::string line);
+    void readLeftovers();
+    void rewrite();
+    void append(const std::string &line);
 
-    std::string path_;
+    std::uint32_t serverCookie_;
+    WatchdogLink watchdog_;
+    RouteLedger ledger_;
+    int folder_ = -1;
     int file_ = -1;
-    int watchdogSocket_ = -1;
-    int watchdogPid_ = -1;
+    std::size_t linesInFile_ = 0;
     std::vector<RoutedStream> leftovers_;
 };
-
-/// Ends the watchdog's duty without a restore.
-inline constexpr std::string_view watchdogCleanWord = "CLEAN";
 
 } // namespace quorbel

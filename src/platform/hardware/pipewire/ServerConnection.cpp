@@ -1,5 +1,7 @@
 #include "platform/hardware/pipewire/ServerConnection.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
@@ -59,6 +61,9 @@ std::unique_ptr<ServerConnection> ServerConnection::open(Status &status) {
     static const pw_core_events events = [] {
         pw_core_events table{};
         table.version = PW_VERSION_CORE_EVENTS;
+        table.info = [](void *self, const pw_core_info *info) {
+            static_cast<ServerConnection *>(self)->serverCookie_ = info->cookie;
+        };
         table.done = [](void *self, std::uint32_t id, int sequence) {
             if (id == PW_ID_CORE)
                 static_cast<ServerConnection *>(self)->coreDone(sequence);
@@ -94,8 +99,10 @@ void ServerConnection::coreDone(int sequence) {
 }
 
 void ServerConnection::coreError(std::uint32_t id, int result) {
-    // Errors of single objects reach those objects; on the core itself only a broken pipe is final.
-    if (id != PW_ID_CORE || result != -EPIPE || lost_)
+    // Errors of single objects reach those objects, and some requests for what is gone meanwhile
+    // reach the core; these say that the connection itself has ended.
+    constexpr std::array final{-EPIPE, -ECONNRESET, -ENOTCONN, -EPROTO, -EBADMSG, -EIO, -ENOMEM};
+    if (id != PW_ID_CORE || lost_ || std::find(final.begin(), final.end(), result) == final.end())
         return;
     lost_ = true;
     wakeWaiters();

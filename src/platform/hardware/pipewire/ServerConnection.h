@@ -3,6 +3,7 @@
 #include "platform/core/Status.h"
 #include "platform/hardware/pipewire/PipeWireHandles.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -24,6 +25,10 @@ class ServerConnection {
 
     [[nodiscard]] pw_thread_loop *loop() const { return loop_.get(); }
     [[nodiscard]] pw_core *core() const { return core_.get(); }
+
+    /// A number that tells this run of the server from others; 0 until the first round trip is
+    /// over.
+    [[nodiscard]] std::uint32_t serverCookie() const { return serverCookie_; }
 
     /// Called once, when the server has gone. Set under the loop's lock. [control]
     void setLostHandler(std::function<void(Status)> handler) { lostHandler_ = std::move(handler); }
@@ -59,6 +64,7 @@ class ServerConnection {
     int pendingSequence_ = 0;
     int doneSequence_ = -1;
     int afterSequence_ = -1;
+    std::uint32_t serverCookie_ = 0;
     bool lost_ = false;
 };
 

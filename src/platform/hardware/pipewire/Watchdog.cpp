@@ -1,59 +1,132 @@
 #include "platform/hardware/pipewire/Watchdog.h"
 
 #include "platform/hardware/pipewire/ObjectRegistry.h"
-#include "platform/hardware/pipewire/RouteJournal.h"
-#include "platform/hardware/pipewire/ServerConnection.h"
+#include "platform/hardware/pipewire/SystemTime.h"
+#include "platform/hardware/pipewire/WatchdogLink.h"
 
 #include <array>
 #include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <poll.h>
 #include <string>
 #include <unistd.h>
 
 namespace quorbel {
 namespace {
 
-constexpr double answerSeconds = 2.0;
+constexpr double watchdogAnswerSeconds = 2.0;
+constexpr useconds_t retryMicroseconds = 1'000'000;
+/// The program says that it is alive four times a second.
+constexpr double silenceSeconds = 1.0;
+constexpr int lookMilliseconds = 250;
 
-bool restoreAll(const std::vector<RoutedStream> &streams) {
+enum class Outcome {
+    restored,
+    serverGone, ///< with every stream that was routed on it
+    tryAgain,   ///< it does not answer
+};
+
+Outcome restoreOnce(const std::vector<RoutedStream> &streams, std::uint32_t serverCookie) {
     Status status = statusOK;
     const auto connection = ServerConnection::open(status);
     if (!connection)
-        return false;
+        return status == -EHOSTDOWN || status == -ECONNREFUSED || status == -ENOENT
+                   ? Outcome::serverGone
+                   : Outcome::tryAgain;
     const LoopLock lock(connection->loop());
     ObjectRegistry registry(*connection);
     // Objects first, then what is known about them, then our changes.
-    if (connection->roundTrip(answerSeconds) != statusOK ||
-        connection->roundTrip(answerSeconds) != statusOK)
-        return false;
+    if (connection->roundTrip(watchdogAnswerSeconds) != statusOK ||
+        connection->roundTrip(watchdogAnswerSeconds) != statusOK)
+        return connection->isLost() ? Outcome::serverGone : Outcome::tryAgain;
+    if (connection->serverCookie() != serverCookie)
+        return Outcome::serverGone;
     for (const RoutedStream &stream : streams)
-        restoreRoute(registry, stream);
-    return connection->roundTrip(answerSeconds) == statusOK;
+        restoreRoute(registry.objects(), registry, stream);
+    return connection->roundTrip(watchdogAnswerSeconds) == statusOK ? Outcome::restored
+                                                                    : Outcome::tryAgain;
 }
+
+void restoreAll(RouteLedger &routed, std::uint32_t serverCookie) {
+    const auto streams = routed.streams();
+    routed.clear();
+    while (!streams.empty() && restoreOnce(streams, serverCookie) == Outcome::tryAgain)
+        usleep(retryMicroseconds);
+}
+
+/// What the program says, read line by line.
+class ProgramVoice {
+  public:
+    explicit ProgramVoice(int input) : input_(input) {}
+
+    enum class Heard { something, nothing, end };
+
+    /// Waits until there is something to read, `milliseconds` at most; for ever if negative.
+    Heard listen(int milliseconds) {
+        pollfd waiting{input_, POLLIN, 0};
+        const int ready = poll(&waiting, 1, milliseconds);
+        if (ready == 0 || (ready < 0 && errno == EINTR))
+            return Heard::nothing;
+        std::array<char, 4096> chunk{};
+        const ssize_t count = read(input_, chunk.data(), chunk.size());
+        if (count < 0 && errno == EINTR)
+            return Heard::nothing;
+        if (count <= 0)
+            return Heard::end;
+        pending_.append(chunk.data(), static_cast<std::size_t>(count));
+        return Heard::something;
+    }
+
+    /// The next whole line; nothing if there is none yet.
+    std::optional<std::string> line() {
+        const std::size_t end = pending_.find('\n');
+        if (end == std::string::npos)
+            return std::nullopt;
+        std::string result = pending_.substr(0, end);
+        pending_.erase(0, end + 1);
+        return result;
+    }
+
+  private:
+    int input_;
+    std::string pending_;
+};
 
 } // namespace
 
 int runWatchdog(int input) {
-    RouteLedger ledger;
-    std::string pending;
-    std::array<char, 4096> chunk{};
+    ProgramVoice program(input);
+    RouteLedger routed;
+    std::uint32_t serverCookie = 0;
+    double heardAt = monotonicSeconds();
     for (;;) {
-        const ssize_t count = read(input, chunk.data(), chunk.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
+        const auto heard = program.listen(routed.size() > 0 ? lookMilliseconds : -1);
+        if (heard == ProgramVoice::Heard::end)
             break;
-        pending.append(chunk.data(), static_cast<std::size_t>(count));
-        std::size_t lineEnd = 0;
-        while ((lineEnd = pending.find('\n')) != std::string::npos) {
-            const std::string line = pending.substr(0, lineEnd);
-            pending.erase(0, lineEnd + 1);
-            if (line == watchdogCleanWord)
+        const double now = monotonicSeconds();
+        if (heard == ProgramVoice::Heard::something)
+            heardAt = now;
+        while (const auto line = program.line()) {
+            if (*line == watchdogWord::clean)
                 return 0;
-            ledger.take(line);
+            if (*line == watchdogWord::reset)
+                routed.clear();
+            else if (line->starts_with(watchdogWord::server))
+                std::from_chars(line->data() + watchdogWord::server.size(),
+                                line->data() + line->size(), serverCookie);
+            else
+                routed.take(*line);
+        }
+        if (now - heardAt > silenceSeconds && routed.size() > 0) {
+            restoreAll(routed, serverCookie);
+            const std::string word = std::string(watchdogWord::took) + '\n';
+            if (write(input, word.data(), word.size()) < 0)
+                break;
         }
     }
-    const auto streams = ledger.streams();
-    return streams.empty() || restoreAll(streams) ? 0 : 1;
+    restoreAll(routed, serverCookie);
+    return 0;
 }
 
 } // namespace quorbel

@@ -1,4 +1,4 @@
-#include "platform/hardware/pipewire/RoutedStream.h"
+#include "platform/hardware/routing/RoutedStream.h"
 
 #include <fmt/format.h>
 
@@ -8,8 +8,6 @@
 namespace quorbel {
 namespace {
 
-constexpr const char *targetObjectKey = "target.object";
-constexpr const char *targetNodeKey = "target.node";
 constexpr std::string_view routedWord = "routed";
 constexpr std::string_view releasedWord = "released";
 constexpr std::string_view absent = "-";
@@ -80,20 +78,20 @@ bool decodeValue(std::string_view type, std::string_view value,
     return true;
 }
 
-void setOrDelete(ObjectRegistry &registry, std::uint32_t subject, const char *key,
+void setOrDelete(ServerCommands &commands, std::uint32_t subject, const char *key,
                  const std::optional<MetadataValue> &value) {
     if (value)
-        registry.setMetadata(subject, key, *value);
+        commands.setMetadata(subject, key, *value);
     else
-        registry.deleteMetadata(subject, key);
+        commands.deleteMetadata(subject, key);
 }
 
 /// The id of the node that a target names, by serial or by name.
-std::optional<std::uint32_t> targetedNode(const ObjectRegistry &registry,
+std::optional<std::uint32_t> targetedNode(const ServerObjects &objects,
                                           const MetadataValue &target) {
     std::uint64_t serial = 0;
-    const NodeRecord *node = parse(target.value, serial) ? registry.nodeWithSerial(serial)
-                                                         : registry.nodeNamed(target.value);
+    const NodeRecord *node = parse(target.value, serial) ? objects.nodeWithSerial(serial)
+                                                         : objects.nodeNamed(target.value);
     if (node == nullptr)
         return std::nullopt;
     return node->id;
@@ -130,43 +128,44 @@ std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string
     return key;
 }
 
-void routeToTap(ObjectRegistry &registry, const RoutedStream &stream) {
-    // By serial: a name would be remembered as the application's own choice.
-    registry.setMetadata(stream.streamID, targetObjectKey,
-                         {"Spa:Id", std::to_string(stream.tapSerial)});
-    MetadataValue remembered{"Spa:Id", "-1"};
-    if (stream.targetObject) {
-        if (const auto node = targetedNode(registry, *stream.targetObject))
-            remembered.value = std::to_string(*node);
-        else if (stream.targetNode)
-            remembered = *stream.targetNode;
-    } else if (stream.targetNode) {
-        remembered = *stream.targetNode;
-    }
-    // Deleted first, because setting an equal value is not an event.
-    registry.deleteMetadata(stream.streamID, targetNodeKey);
-    registry.setMetadata(stream.streamID, targetNodeKey, remembered);
+MetadataValue rememberedTarget(const ServerObjects &objects, const RoutedStream &stream) {
+    if (stream.targetObject)
+        if (const auto node = targetedNode(objects, *stream.targetObject))
+            return {"Spa:Id", std::to_string(*node)};
+    return stream.targetNode.value_or(MetadataValue{"Spa:Id", "-1"});
 }
 
-bool isRoutedTo(const ObjectRegistry &registry, std::uint32_t streamID, std::uint64_t tapSerial) {
-    const auto current = registry.metadata(streamID, targetObjectKey);
+MetadataValue routeTo(std::uint64_t nodeSerial, const ServerObjects &objects,
+                      ServerCommands &commands, const RoutedStream &stream) {
+    // By serial: a name would be remembered as the application's own choice.
+    commands.setMetadata(stream.streamID, targetObjectKey, {"Spa:Id", std::to_string(nodeSerial)});
+    MetadataValue remembered = rememberedTarget(objects, stream);
+    // Deleted first, because setting an equal value is not an event.
+    commands.deleteMetadata(stream.streamID, targetNodeKey);
+    commands.setMetadata(stream.streamID, targetNodeKey, remembered);
+    return remembered;
+}
+
+bool isRoutedTo(const ServerObjects &objects, std::uint32_t streamID, std::uint64_t tapSerial) {
+    const auto current = objects.metadata(streamID, targetObjectKey);
     return current && current->value == std::to_string(tapSerial);
 }
 
-void restoreRoute(ObjectRegistry &registry, const RoutedStream &stream) {
-    if (!isRoutedTo(registry, stream.streamID, stream.tapSerial))
+void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
+                  const RoutedStream &stream) {
+    if (!isRoutedTo(objects, stream.streamID, stream.tapSerial))
         return;
-    const NodeRecord *node = registry.node(stream.streamID);
+    const NodeRecord *node = objects.node(stream.streamID);
     const bool hasEnded = node == nullptr || node->serial != stream.streamSerial;
     if (!hasEnded && stream.targetObject) {
-        setOrDelete(registry, stream.streamID, targetNodeKey, stream.targetNode);
-        registry.setMetadata(stream.streamID, targetObjectKey, *stream.targetObject);
+        setOrDelete(commands, stream.streamID, targetNodeKey, stream.targetNode);
+        commands.setMetadata(stream.streamID, targetObjectKey, *stream.targetObject);
         return;
     }
-    registry.deleteMetadata(stream.streamID, targetObjectKey);
-    registry.deleteMetadata(stream.streamID, targetNodeKey);
+    commands.deleteMetadata(stream.streamID, targetObjectKey);
+    commands.deleteMetadata(stream.streamID, targetNodeKey);
     if (!hasEnded && stream.targetNode)
-        registry.setMetadata(stream.streamID, targetNodeKey, *stream.targetNode);
+        commands.setMetadata(stream.streamID, targetNodeKey, *stream.targetNode);
 }
 
 } // namespace quorbel

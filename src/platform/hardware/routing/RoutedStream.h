@@ -1,11 +1,12 @@
 #pragma once
 
-#include "platform/hardware/pipewire/ObjectRegistry.h"
+#include "platform/hardware/routing/ServerCommands.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace quorbel {
 
@@ -28,16 +29,22 @@ std::string encodedRelease(const RoutedStream &stream);
 /// The stream id and serial of such a line.
 std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string_view line);
 
-/// Sends the stream to the tap in such an order that the session manager, which remembers the last
-/// of these values that it sees, remembers the user's own choice.
-void routeToTap(ObjectRegistry &registry, const RoutedStream &stream);
+/// The value of "target.node" that makes the session manager remember the user's own choice.
+MetadataValue rememberedTarget(const ServerObjects &objects, const RoutedStream &stream);
 
-/// True while the values that `routeToTap` sets are in force.
-bool isRoutedTo(const ObjectRegistry &registry, std::uint32_t streamID, std::uint64_t tapSerial);
+/// Sends the stream to a node in such an order that the session manager, which remembers the last
+/// of these values that it sees, remembers the user's own choice. Returns what it wrote as
+/// "target.node".
+MetadataValue routeTo(std::uint64_t nodeSerial, const ServerObjects &objects,
+                      ServerCommands &commands, const RoutedStream &stream);
+
+/// True if the stream's target is the tap with this serial.
+bool isRoutedTo(const ServerObjects &objects, std::uint32_t streamID, std::uint64_t tapSerial);
 
 /// Puts the stream back where `stream` says it was, unless somebody else has moved it in the
 /// meantime. Of a stream that has ended it removes what we set: the server keeps the values of an
 /// id, and would apply them to the next stream that is given it.
-void restoreRoute(ObjectRegistry &registry, const RoutedStream &stream);
+void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
+                  const RoutedStream &stream);
 
 } // namespace quorbel

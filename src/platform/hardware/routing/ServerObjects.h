@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+
+using PropertyMap = std::map<std::string, std::string, std::less<>>;
+
+/// The value of `key`, or an empty text.
+const std::string &propertyValue(const PropertyMap &properties, std::string_view key);
+
+struct NodeRecord {
+    std::uint32_t id = 0;     ///< used again by the server as soon as the node is gone
+    std::uint64_t serial = 0; ///< never used again
+    PropertyMap properties;   ///< the registry's few at first, all of them once `isComplete`
+    bool isComplete = false;
+
+    [[nodiscard]] const std::string &property(std::string_view key) const {
+        return propertyValue(properties, key);
+    }
+    [[nodiscard]] const std::string &mediaClass() const { return property("media.class"); }
+    [[nodiscard]] const std::string &name() const { return property("node.name"); }
+};
+
+struct PortRecord {
+    std::uint32_t id = 0;
+    std::uint32_t nodeID = 0;
+    std::uint32_t index = 0;
+    std::string channel; ///< "FL", "MONO", "AUX0" and so on
+    bool isInput = false;
+    bool isMonitor = false;
+};
+
+struct LinkRecord {
+    std::uint32_t id = 0;
+    std::uint32_t outputNodeID = 0;
+    std::uint32_t inputNodeID = 0;
+    std::uint32_t outputPortID = 0;
+    std::uint32_t inputPortID = 0;
+};
+
+struct MetadataValue {
+    std::string type;
+    std::string value;
+    bool operator==(const MetadataValue &) const = default;
+};
+
+inline constexpr const char *targetObjectKey = "target.object";
+inline constexpr const char *targetNodeKey = "target.node";
+
+/// True for what can be played on.
+inline bool isOutputDevice(const NodeRecord &node) {
+    return node.mediaClass() == "Audio/Sink" || node.mediaClass() == "Audio/Duplex";
+}
+
+/// What the sound server holds, as far as it has told: nodes, ports, links and the session
+/// manager's "default" metadata table. A plain table; whoever talks to the server fills it.
+class ServerObjects {
+  public:
+    [[nodiscard]] const NodeRecord *node(std::uint32_t id) const;
+    [[nodiscard]] const NodeRecord *nodeNamed(std::string_view name) const;
+    [[nodiscard]] const NodeRecord *nodeWithSerial(std::uint64_t serial) const;
+    [[nodiscard]] const std::map<std::uint32_t, NodeRecord> &nodes() const { return nodes_; }
+    /// In the order of their indices.
+    [[nodiscard]] std::vector<PortRecord> ports(std::uint32_t nodeID, bool input) const;
+    [[nodiscard]] bool hasPorts(std::uint32_t nodeID, bool input) const;
+    [[nodiscard]] const std::map<std::uint32_t, LinkRecord> &links() const { return links_; }
+    [[nodiscard]] bool isLinked(std::uint32_t outputNodeID, std::uint32_t inputNodeID) const;
+
+    /// True once the table is bound and all its values have been received.
+    [[nodiscard]] bool hasMetadata() const { return hasMetadata_; }
+    [[nodiscard]] std::optional<MetadataValue> metadata(std::uint32_t subject,
+                                                        std::string_view key) const;
+    /// The subjects of the table.
+    [[nodiscard]] std::vector<std::uint32_t> metadataSubjects() const;
+
+    NodeRecord &putNode(NodeRecord node);
+    std::optional<NodeRecord> takeNode(std::uint32_t id);
+    void putPort(PortRecord port);
+    std::optional<PortRecord> takePort(std::uint32_t id);
+    void putLink(const LinkRecord &link);
+    std::optional<LinkRecord> takeLink(std::uint32_t id);
+    void setHasMetadata(bool has) { hasMetadata_ = has; }
+    /// No value deletes.
+    void putMetadata(std::uint32_t subject, std::string_view key,
+                     const std::optional<MetadataValue> &value);
+    void clearMetadata() { metadata_.clear(); }
+
+  private:
+    using Table = std::map<std::string, MetadataValue, std::less<>>;
+
+    std::map<std::uint32_t, NodeRecord> nodes_;
+    std::map<std::uint32_t, PortRecord> ports_;
+    std::map<std::uint32_t, LinkRecord> links_;
+    std::map<std::uint32_t, Table> metadata_; ///< by subject
+    bool hasMetadata_ = false;
+};
+
+/// Hears of every change of a `ServerObjects`, right after it (of a removal too).
+class ServerObserver {
+  public:
+    virtual ~ServerObserver() = default;
+    virtual void nodeChanged(const NodeRecord &) {}
+    virtual void nodeRemoved(const NodeRecord &) {}
+    virtual void portAdded(const PortRecord &) {}
+    virtual void portRemoved(const PortRecord &) {}
+    virtual void linkAdded(const LinkRecord &) {}
+    virtual void linkRemoved(const LinkRecord &) {}
+    /// A key of the "default" metadata changed; no value means that it was deleted.
+    virtual void metadataChanged(std::uint32_t /*subject*/, std::string_view /*key*/,
+                                 const std::optional<MetadataValue> & /*value*/) {}
+    virtual void metadataArrived() {} ///< `hasMetadata` has become true
+    virtual void metadataGone() {}    ///< the session manager has left
+};
+
+} // namespace quorbel

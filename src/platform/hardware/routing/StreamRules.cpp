@@ -1,0 +1,92 @@
+#include "platform/hardware/routing/StreamRules.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quorbel {
+namespace {
+
+bool isPlayback(const NodeRecord &node) { return node.mediaClass().starts_with("Stream/Output"); }
+
+bool haveEqual(const NodeRecord &a, const NodeRecord &b, const char *key) {
+    const std::string &value = a.property(key);
+    return !value.empty() && value == b.property(key);
+}
+
+bool areOfOneProgram(const NodeRecord &a, const NodeRecord &b) {
+    if (haveEqual(a, b, "node.link-group") || haveEqual(a, b, "client.id"))
+        return true;
+    // Modules of the PulseAudio server all run in its one process.
+    return haveEqual(a, b, "application.process.id") && a.property("pulse.module.id").empty() &&
+           b.property("pulse.module.id").empty();
+}
+
+} // namespace
+
+bool isRoutable(const NodeRecord &node) {
+    if (node.mediaClass() != "Stream/Output/Audio" || node.property("node.autoconnect") != "true")
+        return false;
+    // Each of these says that the stream must stay where it is; some would be destroyed by a move.
+    constexpr std::array fixed{"node.dont-reconnect", "node.dont-move", "node.dont-fallback",
+                               "node.exclusive"};
+    return std::none_of(fixed.begin(), fixed.end(),
+                        [&](const char *key) { return node.property(key) == "true"; });
+}
+
+bool isPulseClient(const NodeRecord &node) {
+    return node.property("client.api") == "pipewire-pulse";
+}
+
+bool isAnsweredPulseClient(const NodeRecord &node) {
+    return !node.property("pulse.attr.tlength").empty();
+}
+
+bool isVirtualSinkOutput(const ServerObjects &objects, const NodeRecord &node) {
+    const std::string &group = node.property("node.link-group");
+    if (group.empty())
+        return false;
+    return std::any_of(objects.nodes().begin(), objects.nodes().end(), [&](const auto &entry) {
+        const NodeRecord &other = entry.second;
+        return other.mediaClass().starts_with("Audio/Sink") &&
+               other.property("node.link-group") == group;
+    });
+}
+
+bool isPlainStereo(const ServerObjects &objects, std::uint32_t nodeID, bool input) {
+    const auto ports = objects.ports(nodeID, input);
+    return std::count_if(ports.begin(), ports.end(),
+                         [](const PortRecord &port) { return !port.isMonitor; }) == 2 &&
+           std::all_of(ports.begin(), ports.end(), [](const PortRecord &port) {
+               return port.isMonitor || port.channel == "FL" || port.channel == "FR";
+           });
+}
+
+std::set<std::uint32_t> hearersOf(const ServerObjects &objects, std::uint32_t nodeID) {
+    std::set<std::uint32_t> hearers;
+    std::vector<std::uint32_t> fresh{nodeID};
+    const auto add = [&](std::uint32_t id) {
+        if (id != nodeID && hearers.insert(id).second)
+            fresh.push_back(id);
+    };
+    while (!fresh.empty()) {
+        const std::uint32_t from = fresh.back();
+        fresh.pop_back();
+        for (const auto &[_, link] : objects.links()) {
+            if (link.outputNodeID != from)
+                continue;
+            add(link.inputNodeID);
+            const NodeRecord *listener = objects.node(link.inputNodeID);
+            if (listener == nullptr)
+                continue;
+            // Of a sink only the output half of a virtual one plays what it hears.
+            const bool isSink = isOutputDevice(*listener);
+            for (const auto &[id, node] : objects.nodes())
+                if (isPlayback(node) && (isSink ? haveEqual(*listener, node, "node.link-group")
+                                                : areOfOneProgram(*listener, node)))
+                    add(id);
+        }
+    }
+    return hearers;
+}
+
+} // namespace quorbel
