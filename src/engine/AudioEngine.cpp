@@ -206,6 +206,7 @@ void AudioEngine::publishState() {
 }
 
 void AudioEngine::updateReadouts() {
+    systemTap.logFormatChange();
     const MeterReadings now = chain_.readings();
     updateMeters(now.limiterReductionDB, now.autoGainDB);
     if (published_.updateBassTracking(now.bassTrackedFrequency))

@@ -66,7 +66,7 @@ void SystemAudioTap::activate(AudioRingBuffer &ring, const StreamFormat &chain) 
     } catch (const std::invalid_argument &) {
         throw Error::invalidTapFormat();
     }
-    logRates(rataAgregat, tapFormat.sampleRate, *conversion_);
+    logLine("SystemAudioTap", ratesLine(rataAgregat, tapFormat.sampleRate, *conversion_));
 
     Status status = hardware_.createIOProc(aggregateID, *this, ioProcID);
     if (status != statusOK || ioProcID == 0)
@@ -165,17 +165,26 @@ std::optional<double> SystemAudioTap::aggregateRate() {
 
 void SystemAudioTap::install(std::unique_ptr<CaptureConversion> conversion) {
     active_.store(conversion.get(), std::memory_order_release);
+    conversions_.fetch_add(1, std::memory_order_release);
     retired_ = std::exchange(conversion_, std::move(conversion));
 }
 
-void SystemAudioTap::logRates(std::optional<double> aggregate, double tap,
-                              const CaptureConversion &conversion) {
-    logLine(
-        "SystemAudioTap",
-        fmt::format("rate: agregat {} | tap declarat {} | sursa convertorului {} | lanț {} → {}",
-                    aggregate ? inHertz(*aggregate) : "necitită", inHertz(tap),
-                    inHertz(conversion.source().sampleRate), inHertz(chainFormat_.sampleRate),
-                    conversion.copies() ? "copiere" : "reeșantionare"));
+std::string SystemAudioTap::ratesLine(std::optional<double> aggregate, double tap,
+                                      const CaptureConversion &conversion) const {
+    return fmt::format("rate: agregat {} | tap declarat {} | sursa convertorului {} | lanț {} → {}",
+                       aggregate ? inHertz(*aggregate) : "necitită", inHertz(tap),
+                       inHertz(conversion.source().sampleRate), inHertz(chainFormat_.sampleRate),
+                       conversion.copies() ? "copiere" : "reeșantionare");
+}
+
+void SystemAudioTap::logFormatChange() {
+    std::string line;
+    {
+        const std::lock_guard guard(changeMutex_);
+        line = std::exchange(formatChange_, {});
+    }
+    if (!line.empty())
+        logLine("SystemAudioTap", line);
 }
 
 void SystemAudioTap::ioFormatChanged(const StreamFormat &format) {
@@ -191,7 +200,8 @@ void SystemAudioTap::ioFormatChanged(const StreamFormat &format) {
         return;
     }
     // From here on the cycles themselves say how fast they come.
-    logRates(format.sampleRate, format.sampleRate, *conversion_);
+    const std::lock_guard guard(changeMutex_);
+    formatChange_ = ratesLine(format.sampleRate, format.sampleRate, *conversion_);
 }
 
 void SystemAudioTap::ioCycle(const IOCycle &cycle) noexcept {
@@ -204,6 +214,13 @@ void SystemAudioTap::ioCycle(const IOCycle &cycle) noexcept {
     }
     lastCycleEnd_ = cycle.hostSeconds + cycle.frames / cycle.format.sampleRate;
     CaptureConversion *conversion = active_.load(std::memory_order_acquire);
+    // A conversion leaves its lead in the ring, and an output that was replaced its last block.
+    const std::uint32_t number = conversions_.load(std::memory_order_acquire);
+    const bool isOtherConversion = std::exchange(lastConversion_, number) != number;
+    if (isOtherConversion || (cycle.isAllPlayed && conversion != nullptr && conversion->copies())) {
+        ring_->discard();
+        leadWritten_ = leadWritten_ && !isOtherConversion;
+    }
     const PCMBuffer *block = nullptr;
     PCMBuffer input = PCMBuffer::wrapping(cycle.format, cycle.input, cycle.frames);
     if (conversion != nullptr && cycle.willPlay)

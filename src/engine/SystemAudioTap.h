@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -62,6 +63,10 @@ class SystemAudioTap final : private IOClient {
         return builtWithDefaultUID_;
     }
 
+    /// Logs a change of the format that has come since the last call: the thread that is told of it
+    /// must not wait for a reader of the log. [main]
+    void logFormatChange();
+
     /// Capture cycles, ever, of which nothing reached the ring. [any]
     [[nodiscard]] std::int32_t droppedCycles() const noexcept {
         return droppedCycles_.load(std::memory_order_relaxed);
@@ -79,7 +84,8 @@ class SystemAudioTap final : private IOClient {
     void createAggregate(const std::string &tapUUID);
     [[nodiscard]] std::optional<double> aggregateRate();
     void install(std::unique_ptr<CaptureConversion> conversion);
-    void logRates(std::optional<double> aggregate, double tap, const CaptureConversion &conversion);
+    [[nodiscard]] std::string ratesLine(std::optional<double> aggregate, double tap,
+                                        const CaptureConversion &conversion) const;
 
     void ioFormatChanged(const StreamFormat &format) override;
     void ioCycle(const IOCycle &cycle) noexcept override;
@@ -103,8 +109,12 @@ class SystemAudioTap final : private IOClient {
     std::unique_ptr<CaptureConversion> conversion_;
     std::unique_ptr<CaptureConversion> retired_;
     std::atomic<CaptureConversion *> active_{nullptr};
+    std::atomic<std::uint32_t> conversions_{0}; ///< how many there have been
+    std::mutex changeMutex_;
+    std::string formatChange_; ///< a line not logged yet; under its mutex
 
     // Capture only, while an IO procedure exists.
+    std::uint32_t lastConversion_ = 0;
     bool leadWritten_ = false;
     double lastCycleEnd_ = 0.0; ///< seconds on the cycles' own clock
     std::atomic<std::int32_t> droppedCycles_{0};

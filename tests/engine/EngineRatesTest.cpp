@@ -90,8 +90,9 @@ TEST_F(EngineRatesTest, ARateThatChangesWhileRunning) {
     start();
     expectPureTone(48000.0);
     hardware.setSampleRate("speakers", 44100.0);
+    play(0.2);
     EXPECT_THAT(
-        log.take(),
+        log.takeWith("rate:"),
         ElementsAre("[SystemAudioTap] rate: agregat 44100 Hz | tap declarat 44100 Hz | sursa "
                     "convertorului 44100 Hz | lanț 48000 Hz → reeșantionare"));
     expectPureTone(44100.0);

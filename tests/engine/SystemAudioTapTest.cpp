@@ -164,6 +164,7 @@ TEST_F(SystemAudioTapTest, WhatTheCyclesSayInTheEndHolds) {
     hardware.setDeclaredTapRate(48000.0);
     hardware.operations().fail(Operation::nominalSampleRate, -1);
     tap.activate(ring, chainFormat);
+    tap.logFormatChange();
     const auto lines = log.takeWith("rate:");
     ASSERT_THAT(lines, SizeIs(2)) << "as read, and as announced with the first cycle";
     EXPECT_THAT(lines[0], EndsWith("→ copiere"));
