@@ -1,11 +1,13 @@
 #include "soundserver/ClientStream.h"
 
+#include "soundserver/ChannelLayout.h"
 #include "soundserver/Waiting.h"
 
 #include <spa/param/audio/format-utils.h>
 #include <spa/param/latency-utils.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace quorbel::soundserver {
@@ -29,8 +31,10 @@ const pw_stream_events ClientStream::events = [] {
 
 ClientStream::~ClientStream() { disconnect(); }
 
-void ClientStream::connect(pw_direction direction, pw_properties *properties, int sampleRate) {
+void ClientStream::connect(pw_direction direction, pw_properties *properties, int sampleRate,
+                           int channels) {
     direction_ = direction;
+    channels_ = static_cast<std::uint32_t>(channels);
     pw_properties_set(properties, PW_KEY_MEDIA_TYPE, "Audio");
     pw_properties_set(properties, PW_KEY_NODE_NAME, name_.c_str());
     pw_properties_set(properties, PW_KEY_APP_NAME, name_.c_str());
@@ -42,9 +46,8 @@ void ClientStream::connect(pw_direction direction, pw_properties *properties, in
     spa_audio_info_raw format{};
     format.format = SPA_AUDIO_FORMAT_F32P;
     format.rate = static_cast<std::uint32_t>(sampleRate);
-    format.channels = 2;
-    format.position[0] = SPA_AUDIO_CHANNEL_FL;
-    format.position[1] = SPA_AUDIO_CHANNEL_FR;
+    format.channels = channels_;
+    std::ranges::transform(channelLayout(channels), format.position, &Channel::position);
     const spa_pod *parameters[] = {
         spa_format_audio_raw_build(&builder, SPA_PARAM_EnumFormat, &format)};
 
@@ -114,7 +117,9 @@ void ClientStream::onProcess() noexcept {
         cycle.frames = static_cast<std::uint32_t>(position->clock.duration);
     }
     spa_data *planes = buffer->buffer->datas;
-    if (buffer->buffer->n_datas >= 2 && planes[0].data != nullptr && planes[1].data != nullptr) {
+    const std::span data(planes, std::min(buffer->buffer->n_datas, channels_));
+    if (data.size() == channels_ &&
+        std::ranges::all_of(data, [](const spa_data &plane) { return plane.data != nullptr; })) {
         std::uint32_t frames = 0;
         std::uint32_t offset = 0;
         if (direction_ == PW_DIRECTION_INPUT) {
@@ -125,15 +130,17 @@ void ClientStream::onProcess() noexcept {
             frames = std::min<std::uint32_t>(wanted != 0 ? wanted : cycle.frames,
                                              planes[0].maxsize / sizeof(float));
         }
-        const auto plane = [&](int index) {
-            return reinterpret_cast<float *>(static_cast<std::uint8_t *>(planes[index].data) +
-                                             offset);
-        };
-        frames = process(cycle, plane(0), plane(1), frames);
-        for (int index = 0; direction_ == PW_DIRECTION_OUTPUT && index < 2; ++index) {
-            planes[index].chunk->offset = 0;
-            planes[index].chunk->stride = sizeof(float);
-            planes[index].chunk->size = frames * static_cast<std::uint32_t>(sizeof(float));
+        std::array<float *, SPA_AUDIO_MAX_CHANNELS> pointers{};
+        std::ranges::transform(data, pointers.begin(), [&](const spa_data &plane) {
+            return reinterpret_cast<float *>(static_cast<std::uint8_t *>(plane.data) + offset);
+        });
+        frames = process(cycle, {pointers.data(), data.size()}, frames);
+        if (direction_ == PW_DIRECTION_OUTPUT) {
+            for (const spa_data &plane : data) {
+                plane.chunk->offset = 0;
+                plane.chunk->stride = sizeof(float);
+                plane.chunk->size = frames * static_cast<std::uint32_t>(sizeof(float));
+            }
         }
     }
     pw_stream_queue_buffer(stream_, buffer);

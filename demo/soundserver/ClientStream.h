@@ -3,6 +3,7 @@
 #include "soundserver/GraphClient.h"
 
 #include <pipewire/pipewire.h>
+#include <span>
 
 #include <atomic>
 #include <cstdint>
@@ -10,8 +11,8 @@
 
 namespace quorbel::soundserver {
 
-/// What a player and a recorder have in common: one stereo stream of floats whose cycles know where
-/// they stand on the graph's clock.
+/// What a player and a recorder have in common: one stream of floats, stereo unless said otherwise,
+/// whose cycles know where they stand on the graph's clock.
 class ClientStream {
   public:
     virtual ~ClientStream();
@@ -40,7 +41,8 @@ class ClientStream {
 
     /// `properties` is taken over; with a media class among them the stream is a device, which
     /// waits for others to play into it. Throws `ServerError`.
-    void connect(pw_direction direction, pw_properties *properties, int sampleRate);
+    void connect(pw_direction direction, pw_properties *properties, int sampleRate,
+                 int channels = 2);
 
     /// Tells the graph that what enters here is heard `frames` later.
     void announceLatency(int frames);
@@ -48,10 +50,10 @@ class ClientStream {
     /// Must be called by the destructor of the derived class, while its `process` can still run.
     void disconnect();
 
-    /// One cycle on the data thread: at most `capacityFrames` of both channels, of which the
-    /// function returns how many it has filled (playing) or seen (recording, which gets exactly
-    /// what there is).
-    virtual std::uint32_t process(const Cycle &cycle, float *left, float *right,
+    /// One cycle on the data thread: at most `frames` of every channel, of which the function
+    /// returns how many it has filled (playing) or seen (recording, which gets exactly what there
+    /// is).
+    virtual std::uint32_t process(const Cycle &cycle, std::span<float *const> channels,
                                   std::uint32_t frames) noexcept = 0;
 
   private:
@@ -65,6 +67,7 @@ class ClientStream {
     pw_stream *stream_ = nullptr;
     spa_hook listener_{};
     pw_direction direction_ = PW_DIRECTION_OUTPUT;
+    std::uint32_t channels_ = 2;
     int latencyFrames_ = 0; ///< announced; main loop only
     std::atomic<spa_io_position *> position_{nullptr};
     std::atomic<std::uint64_t> cycles_{0};

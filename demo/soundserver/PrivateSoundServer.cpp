@@ -1,5 +1,6 @@
 #include "soundserver/PrivateSoundServer.h"
 
+#include "soundserver/ChannelLayout.h"
 #include "soundserver/Waiting.h"
 
 #include <fmt/format.h>
@@ -212,10 +213,25 @@ std::vector<pid_t> PrivateSoundServer::otherProcesses() const {
 }
 
 void PrivateSoundServer::addDevice(const Device &device) {
-    moduleOfDevice_[device.name] =
-        trimmed(run({"pactl", "load-module", "module-null-sink", "sink_name=" + device.name,
-                     fmt::format("rate={}", options_.sampleRate),
-                     "sink_properties=device.description=" + device.description}));
+    std::string names;
+    std::string pulseNames;
+    for (const Channel &channel : channelLayout(device.channels)) {
+        names += fmt::format(" {}", channel.name);
+        pulseNames += fmt::format("{}{}", pulseNames.empty() ? "" : ",", channel.pulseName);
+    }
+    if (options_.devicesOutlastSessionManager) {
+        run({"pw-cli", "create-node", "adapter",
+             fmt::format("{{ factory.name=support.null-audio-sink media.class=Audio/Sink "
+                         "object.linger=true node.name={} node.description={} audio.rate={} "
+                         "audio.position=[{} ] monitor.channel-volumes=true }}",
+                         device.name, device.description, options_.sampleRate, names)});
+    } else {
+        moduleOfDevice_[device.name] =
+            trimmed(run({"pactl", "load-module", "module-null-sink", "sink_name=" + device.name,
+                         fmt::format("rate={}", options_.sampleRate),
+                         fmt::format("channels={}", device.channels), "channel_map=" + pulseNames,
+                         "sink_properties=device.description=" + device.description}));
+    }
     waitFor("the device " + device.name, 10.0, [&] {
         return state().node(device.name) != nullptr &&
                desktopList("sinks").find("\t" + device.name + "\t") != std::string::npos;
@@ -223,7 +239,11 @@ void PrivateSoundServer::addDevice(const Device &device) {
 }
 
 void PrivateSoundServer::removeDevice(const std::string &name) {
-    run({"pactl", "unload-module", moduleOfDevice_.at(name)});
+    if (const auto module = moduleOfDevice_.find(name); module != moduleOfDevice_.end()) {
+        run({"pactl", "unload-module", module->second});
+    } else {
+        destroyNode(name);
+    }
     waitFor(name + " is gone", 10.0, [&] { return state().node(name) == nullptr; });
 }
 
@@ -256,6 +276,21 @@ void PrivateSoundServer::moveApplication(const std::string &nodeName,
     });
 }
 
+void PrivateSoundServer::setRoute(const std::string &nodeName, const std::string &key,
+                                  const std::string &value, const std::string &type) const {
+    run({"pw-metadata", std::to_string(state().node(nodeName)->id), key, value, type});
+}
+
+void PrivateSoundServer::destroyNode(const std::string &name) const {
+    const Node node = *state().node(name);
+    run({"pw-cli", "destroy", std::to_string(node.id)});
+    waitFor(name + " is destroyed", 5.0, [&] {
+        const ServerState now = state();
+        const Node *same = now.node(node.id); // perhaps another's by now: ids are used again
+        return same == nullptr || same->property("object.serial") != node.property("object.serial");
+    });
+}
+
 void PrivateSoundServer::forceQuantum(int frames) const {
     run({"pw-metadata", "-n", "settings", "0", "clock.force-quantum", std::to_string(frames)});
 }
@@ -283,10 +318,14 @@ void PrivateSoundServer::crash() {
     pipewire_.reset();
 }
 
+void PrivateSoundServer::pause() const { pipewire_->signal(SIGSTOP); }
+
+void PrivateSoundServer::resume() const { pipewire_->signal(SIGCONT); }
+
 void PrivateSoundServer::holdUp(double seconds) const {
-    pipewire_->signal(SIGSTOP);
+    pause();
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-    pipewire_->signal(SIGCONT);
+    resume();
 }
 
 void PrivateSoundServer::restart() {
@@ -299,11 +338,16 @@ void PrivateSoundServer::restart() {
 void PrivateSoundServer::restartSessionManager() {
     sessionManager_.reset();
     waitFor("the session manager has left", 5.0, [&] { return !state().hasSessionManager; });
-    for (const Device &device : options_.devices)
-        removeDevice(device.name);
+    if (!options_.devicesOutlastSessionManager) {
+        for (const Device &device : options_.devices) {
+            removeDevice(device.name);
+        }
+    }
     sessionManager_ = start({"wireplumber"});
     waitForSessionManager();
-    addDevices();
+    if (!options_.devicesOutlastSessionManager) {
+        addDevices();
+    }
 }
 
 } // namespace quorbel::soundserver

@@ -19,11 +19,14 @@ class PrivateSoundServer {
     struct Device {
         std::string name;
         std::string description;
+        int channels = 2; ///< 1, 2, 4, 6 or 8
     };
     struct Options {
         int sampleRate = 48000; ///< the only rate the graph runs at
         /// The first one is the user's default.
         std::vector<Device> devices = {{"speakers", "Speakers"}, {"hdmi", "HDMI"}};
+        /// The devices stay while the session manager is restarted, as sound cards do.
+        bool devicesOutlastSessionManager = false;
     };
 
     /// Returns when applications can play. Throws `ServerError` if that does not come about.
@@ -53,6 +56,13 @@ class PrivateSoundServer {
     /// 0 lets the server choose.
     void forceSampleRate(int rate) const;
 
+    /// Sets a value of a playing application in the session manager's metadata, as programs that
+    /// move streams do.
+    void setRoute(const std::string &nodeName, const std::string &key, const std::string &value,
+                  const std::string &type = "Spa:Id") const;
+    /// Destroys a program's node behind its back.
+    void destroyNode(const std::string &name) const;
+
     // What it looks like
     [[nodiscard]] ServerState state() const;
     /// What the session manager has stored for every application; complete when `state` has been
@@ -69,6 +79,10 @@ class PrivateSoundServer {
     /// Ends the server as a crash would, with the session's programs left alone.
     void crash();
 
+    /// The server stands still until `resume`.
+    void pause() const;
+    void resume() const;
+
     /// The machine does not get round to the server for so long.
     void holdUp(double seconds) const;
 
@@ -77,7 +91,8 @@ class PrivateSoundServer {
     void restart();
 
     /// The session manager alone ends and is started again. Version 0.4 leaves virtual devices that
-    /// were there before without links, with or without anybody processing: they are made anew.
+    /// were there before without links, with or without anybody processing: unless the options say
+    /// that they stay, they are made anew.
     void restartSessionManager();
 
   private:
@@ -91,7 +106,7 @@ class PrivateSoundServer {
     Options options_;
     std::filesystem::path folder_;
     Environment environment_;
-    std::map<std::string, std::string> moduleOfDevice_;
+    std::map<std::string, std::string> moduleOfDevice_; ///< except for devices that outlast
     // In the order of their start; destroyed in reverse.
     std::unique_ptr<ChildProcess> bus_;
     std::unique_ptr<ChildProcess> pipewire_;

@@ -85,7 +85,7 @@ Recorder::Recorder(GraphClient &client, const std::string &device, double maxSec
     waitUntilRunning();
 }
 
-std::uint32_t Recorder::process(const Cycle &cycle, float *left, float *right,
+std::uint32_t Recorder::process(const Cycle &cycle, std::span<float *const> channels,
                                 std::uint32_t frames) noexcept {
     const std::size_t start = frames_;
     const std::size_t segment = segmentCount_;
@@ -93,8 +93,8 @@ std::uint32_t Recorder::process(const Cycle &cycle, float *left, float *right,
     if (count == 0 || segment == segments_.size()) {
         return frames;
     }
-    std::copy_n(left, count, left_.begin() + static_cast<std::ptrdiff_t>(start));
-    std::copy_n(right, count, right_.begin() + static_cast<std::ptrdiff_t>(start));
+    std::copy_n(channels[0], count, left_.begin() + static_cast<std::ptrdiff_t>(start));
+    std::copy_n(channels[1], count, right_.begin() + static_cast<std::ptrdiff_t>(start));
     segments_[segment] = {start, static_cast<std::uint32_t>(count), cycle.position,
                           cycle.nanoseconds};
     segmentCount_ = segment + 1;

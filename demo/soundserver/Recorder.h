@@ -71,7 +71,7 @@ class Recorder : public ClientStream {
     [[nodiscard]] Recording nextUndisturbed(double seconds) const;
 
   private:
-    std::uint32_t process(const Cycle &cycle, float *left, float *right,
+    std::uint32_t process(const Cycle &cycle, std::span<float *const> channels,
                           std::uint32_t frames) noexcept override;
 
     int sampleRate_;

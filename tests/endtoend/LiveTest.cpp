@@ -1,8 +1,10 @@
 #include "endtoend/LiveTest.h"
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <iterator>
 
 namespace quorbel {
 
@@ -12,22 +14,62 @@ std::ostream &operator<<(std::ostream &out, Heard heard) {
     return out << names[static_cast<int>(heard)];
 }
 
-Heard heardIn(const Recording &recording) {
+namespace {
+
+Heard heardAs(float sample) {
     constexpr float gain = 0.251189F; // -12 dB
     constexpr float highest = Sequence::first + Sequence::step * Sequence::length;
-    const auto allWithin = [&](float low, float high) {
-        return recording.frames() > 0 && std::ranges::all_of(recording.left, [=](float sample) {
-                   return sample >= low && sample <= high;
-               });
-    };
-    if (allWithin(0.0F, 0.0F)) {
+    if (sample == 0.0F) {
         return Heard::silence;
     }
-    if (allWithin(Sequence::first, highest)) {
+    if (sample >= Sequence::first && sample <= highest) {
         return Heard::dry;
     }
-    return allWithin(Sequence::first * gain * 0.99F, highest * gain * 1.01F) ? Heard::processed
-                                                                             : Heard::other;
+    const bool isProcessed =
+        sample >= Sequence::first * gain * 0.99F && sample <= highest * gain * 1.01F;
+    return isProcessed ? Heard::processed : Heard::other;
+}
+
+/// Entries of the desktop's applications. One of our own name holds no more than a volume of 1.
+StoredStreams applicationsOf(StoredStreams stored) {
+    std::erase_if(stored, [](const auto &entry) {
+        return entry.first.find("Ostrafine") != std::string::npos &&
+               !entry.first.ends_with(":target");
+    });
+    return stored;
+}
+
+/// What `one` holds and `other` does not, as text.
+std::string differenceOf(const SessionMemory &one, const SessionMemory &other) {
+    Metadata routing;
+    std::ranges::set_difference(one.routing, other.routing, std::inserter(routing, routing.end()));
+    StoredStreams stored;
+    std::ranges::set_difference(one.stored, other.stored, std::inserter(stored, stored.end()));
+    return (one.defaultDevice != other.defaultDevice ? "default " + one.defaultDevice + ", " : "") +
+           "routed " + testing::PrintToString(routing) + ", stored " +
+           testing::PrintToString(stored);
+}
+
+} // namespace
+
+Heard heardIn(const Recording &recording) {
+    if (recording.frames() == 0) {
+        return Heard::other;
+    }
+    const Heard first = heardAs(recording.left.front());
+    const bool isAllOfOneKind =
+        std::ranges::all_of(recording.left, [=](float sample) { return heardAs(sample) == first; });
+    return isAllOfOneKind ? first : Heard::other;
+}
+
+double longestSeconds(const Recording &recording, Heard kind) {
+    std::size_t longest = 0;
+    std::size_t current = 0;
+    for (const float sample : recording.left) {
+        current = heardAs(sample) == kind ? current + 1 : 0;
+        longest = std::max(longest, current);
+    }
+    return static_cast<double>(longest) / 48000.0;
 }
 
 bool slowTestsWanted() { return std::getenv("QUORBEL_SLOW_TESTS") != nullptr; }
@@ -103,6 +145,43 @@ testing::AssertionResult LiveTest::soonPlaysInto(const std::string &application,
            << testing::PrintToString(targets);
 }
 
+SessionMemory LiveTest::settledMemory() const {
+    SessionMemory memory;
+    auto lastChange = SteadyClock::now();
+    waitFor("the session manager's memory rests", 20.0, [&] {
+        const ServerState state = server.state();
+        SessionMemory now = {state.routing(), state.defaultName("default.audio.sink"),
+                             applicationsOf(server.storedStreams())};
+        if (now != memory) {
+            memory = std::move(now);
+            lastChange = SteadyClock::now();
+        }
+        return SteadyClock::now() - lastChange > std::chrono::milliseconds(1500);
+    });
+    return memory;
+}
+
+testing::AssertionResult LiveTest::soonIsAsBefore(const SessionMemory &before) const {
+    const SessionMemory now = settledMemory();
+    if (now == before && ourNodes().empty() && !exists(journal())) {
+        return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure()
+           << "gone: " << differenceOf(before, now) << "\nnew: " << differenceOf(now, before)
+           << "\nour nodes: " << testing::PrintToString(ourNodes())
+           << (exists(journal()) ? "\nthe journal is left" : "");
+}
+
+std::vector<std::string> LiveTest::ourNodes() const {
+    std::vector<std::string> names;
+    for (const Node &node : server.state().nodes) {
+        if (node.name().starts_with("quorbel.")) {
+            names.push_back(node.name());
+        }
+    }
+    return names;
+}
+
 std::vector<std::string> LiveTest::lossLines(const LiveProcess &live) {
     std::vector<std::string> lines = live.logLines();
     std::erase_if(lines, [](const std::string &line) {
@@ -116,6 +195,26 @@ bool remembersTarget(const StoredStreams &stored, const std::string &application
     return std::ranges::any_of(stored, [&](const auto &entry) {
         return entry.first.ends_with(":" + application + ":target") && entry.second == device;
     });
+}
+
+bool saysItRuns(const LiveProcess &live) {
+    const auto count = [lines = live.logLines()](const char *part) {
+        return std::ranges::count_if(
+            lines, [=](const std::string &line) { return line.find(part) != std::string::npos; });
+    };
+    return count("procesarea s-a oprit") == count("procesarea a revenit");
+}
+
+std::string saidDevice(const LiveProcess &live) {
+    std::string device;
+    const std::string before = "playback: output='";
+    for (const std::string &line : live.logLines()) {
+        if (const auto found = line.find(before); found != std::string::npos) {
+            const auto start = found + before.size();
+            device = line.substr(start, line.find('\'', start) - start);
+        }
+    }
+    return device;
 }
 
 std::string tapName(LiveProcess &live) {

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -37,6 +38,17 @@ inline LiveSettings twelveDBLower() { return LiveSettings::flat(-12.0); }
 
 /// True when the endurance tests run at full length.
 bool slowTestsWanted();
+
+/// Frames of the longest stretch of a recording that was nothing but `kind`, in seconds at 48 kHz.
+double longestSeconds(const Recording &recording, Heard kind);
+
+/// What the user's session holds about where applications play.
+struct SessionMemory {
+    Metadata routing;
+    std::string defaultDevice;
+    StoredStreams stored;
+    friend bool operator==(const SessionMemory &, const SessionMemory &) = default;
+};
 
 /// A machine with two devices, `speakers` (the default) and `hdmi`, each of them recorded, on which
 /// applications play.
@@ -76,6 +88,21 @@ class LiveTest : public testing::Test {
                                            const std::vector<std::string> &targets,
                                            double deadlineSeconds = 2.0) const;
 
+    /// Waits until the session manager has written down what it knows, which it does a second late.
+    [[nodiscard]] SessionMemory settledMemory() const;
+
+    /// Whether the session comes to be as it was and nothing of ours is left in it: no node, no
+    /// journal.
+    testing::AssertionResult soonIsAsBefore(const SessionMemory &before) const;
+
+    /// The names of our nodes.
+    [[nodiscard]] std::vector<std::string> ourNodes() const;
+
+    /// The file in which we note what is routed.
+    [[nodiscard]] std::filesystem::path journal() const {
+        return server.folder() / "run/quorbel/captured";
+    }
+
     /// The once-a-second lines about losses that `live` has printed.
     static std::vector<std::string> lossLines(const LiveProcess &live);
 
@@ -92,6 +119,12 @@ class LiveTest : public testing::Test {
 /// Whether the session manager will let an application play on `device` when it is next started.
 bool remembersTarget(const StoredStreams &stored, const std::string &application,
                      const std::string &device);
+
+/// Whether its log says that it processes: it came back as often as it was stopped.
+bool saysItRuns(const LiveProcess &live);
+
+/// The device that its log says it plays on, by description.
+std::string saidDevice(const LiveProcess &live);
 
 /// The name of our node that an application plays into while it is captured.
 std::string tapName(LiveProcess &live);

@@ -11,7 +11,7 @@ Player::Player(GraphClient &client, Sound &sound, const Options &options)
     if (!options.mayBeMoved) {
         pw_properties_set(properties, PW_KEY_NODE_DONT_RECONNECT, "true");
     }
-    connect(PW_DIRECTION_OUTPUT, properties, options.sampleRate);
+    connect(PW_DIRECTION_OUTPUT, properties, options.sampleRate, options.channels);
 }
 
 } // namespace quorbel::soundserver

@@ -3,6 +3,7 @@
 #include "soundserver/ClientStream.h"
 #include "support/soundserver/Sounds.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -20,6 +21,7 @@ class Player : public ClientStream {
         std::string target; ///< a device that the application insists on; empty for the default
         int sampleRate;
         bool mayBeMoved = true; ///< false sets node.dont-reconnect
+        int channels = 2;       ///< those beyond the second are silent
     };
 
     Player(GraphClient &client, Sound &sound) : Player(client, sound, Options{}) {}
@@ -27,9 +29,12 @@ class Player : public ClientStream {
     ~Player() override { disconnect(); }
 
   private:
-    std::uint32_t process(const Cycle &cycle, float *left, float *right,
+    std::uint32_t process(const Cycle &cycle, std::span<float *const> channels,
                           std::uint32_t frames) noexcept override {
-        sound_.fill(cycle.position, left, right, frames);
+        sound_.fill(cycle.position, channels[0], channels[1], frames);
+        for (float *silent : channels.subspan(2)) {
+            std::fill_n(silent, frames, 0.0F);
+        }
         return frames;
     }
 
