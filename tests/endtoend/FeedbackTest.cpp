@@ -1,0 +1,124 @@
+#include "endtoend/LiveTest.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace quorbel {
+namespace {
+
+/// Copies one device's monitor to another, as the user does to hear everything on two.
+struct Copy {
+    std::string from;
+    std::string to;
+    [[nodiscard]] std::string name() const { return "copy-of-" + from; }
+};
+
+/// A stream that brings back what we play is never captured: our sound would go round and grow.
+struct FeedbackCase {
+    std::string name;
+    std::vector<Copy> copies;
+    std::string device;                ///< the one that we play on
+    std::vector<std::string> mustStay; ///< copies that bring our sound back if captured
+    bool areMadeWhileProcessing = false;
+    friend std::ostream &operator<<(std::ostream &out, const FeedbackCase &value) {
+        return out << value.name;
+    }
+};
+
+class Feedback : public LiveTest {
+  protected:
+    static constexpr double levelDB = -20.0;
+
+    Feedback()
+        : LiveTest({48000,
+                    {{"speakers", "Speakers"}, {"headphones", "Headphones"}, {"hdmi", "HDMI"}}}) {}
+
+    void make(const Copy &copy) {
+        const std::string module =
+            server.run({"pactl", "load-module", "module-loopback",
+                        "source=" + copy.from + ".monitor", "sink=" + copy.to, "latency_msec=20",
+                        "sink_input_properties=node.name=" + copy.name()});
+        modules_.push_back(module.substr(0, module.find('\n')));
+        waitFor(copy.name() + " plays", 5.0,
+                [&] { return !server.state().targetsOf(copy.name()).empty(); });
+    }
+
+    void removeCopies() {
+        for (const std::string &module : modules_) {
+            server.run({"pactl", "unload-module", module});
+        }
+        modules_.clear();
+    }
+
+    /// Level of the loudest 50 ms, in dB of a sine; whole periods of the tone.
+    static double loudestDB(const std::vector<float> &samples) {
+        constexpr std::size_t window = 2400;
+        double loudest = 1e-12;
+        for (std::size_t start = 0; start + window <= samples.size(); start += window / 2) {
+            const auto begin = samples.begin() + static_cast<std::ptrdiff_t>(start);
+            const double energy = std::inner_product(begin, begin + window, begin, 0.0);
+            loudest = std::max(loudest, 2.0 * energy / window);
+        }
+        return 10.0 * std::log10(loudest);
+    }
+
+    static constexpr const char *devices[] = {"speakers", "headphones", "hdmi"};
+    const std::vector<Recorder *> recorders = {&record(devices[0]), &record(devices[1]),
+                                               &record(devices[2])};
+
+  private:
+    std::vector<std::string> modules_;
+};
+
+TEST_F(Feedback, NeverArisesAndEndsWithTheSound) {
+    const Copy toHeadphones{"speakers", "headphones"};
+    const Copy toHDMI{"headphones", "hdmi"};
+    const FeedbackCase cases[] = {
+        {"a copy of our device", {toHeadphones}, "speakers", {toHeadphones.name()}},
+        {"a copy made while processing", {toHeadphones}, "speakers", {toHeadphones.name()}, true},
+        {"a copy of a copy",
+         {toHeadphones, toHDMI},
+         "speakers",
+         {toHeadphones.name(), toHDMI.name()}},
+        {"the middle of a chain", {toHeadphones, toHDMI}, "headphones", {toHDMI.name()}},
+    };
+    for (const FeedbackCase &now : cases) {
+        SCOPED_TRACE(now.name);
+        std::vector<std::size_t> start;
+        for (const Recorder *recorder : recorders) {
+            start.push_back(recorder->frames());
+        }
+        const auto makeCopies = [&] {
+            std::ranges::for_each(now.copies, [&](auto &c) { make(c); });
+        };
+        if (!now.areMadeWhileProcessing) {
+            makeCopies();
+        }
+        auto live = startLive(LiveSettings::flat(), {"--device", now.device});
+        playTone(levelDB);
+        EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+        if (now.areMadeWhileProcessing) {
+            makeCopies();
+        }
+        for (const Copy &copy : now.copies) {
+            if (std::ranges::find(now.mustStay, copy.name()) != now.mustStay.end()) {
+                EXPECT_TRUE(soonPlaysInto(copy.name(), {copy.to}));
+            }
+        }
+        recorders.front()->skip(1.0); // a loop of 40 ms has gone round often enough to be heard
+        closePlayer();
+        for (std::size_t index = 0; index < recorders.size(); ++index) {
+            const Recorder &recorder = *recorders[index];
+            EXPECT_TRUE(comesTrue(3.0, [&] { return peak(recorder.last(0.2).left) < 1e-4F; }))
+                << devices[index] << " plays on at " << peak(recorder.last(0.2).left);
+            EXPECT_LT(loudestDB(recorder.recording(start[index]).left), levelDB + 1.0)
+                << devices[index];
+        }
+        stopLive(live);
+        removeCopies();
+    }
+}
+
+} // namespace
+} // namespace quorbel
