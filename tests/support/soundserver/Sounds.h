@@ -68,6 +68,23 @@ class Tone : public Sound {
     double phase_ = 0.0;
 };
 
+/// A sine on the left channel and one of another frequency on the right.
+class TwoTones : public Sound {
+  public:
+    TwoTones(double leftHz, double rightHz, double levelDB, double sampleRate)
+        : left_(leftHz, levelDB, sampleRate), right_(rightHz, levelDB, sampleRate) {}
+
+    void fill(std::uint64_t position, float *left, float *right,
+              std::uint32_t frames) noexcept override {
+        left_.fill(position, left, left, frames);
+        right_.fill(position, right, right, frames);
+    }
+
+  private:
+    Tone left_;
+    Tone right_;
+};
+
 /// Single samples of 0.5 in silence, one every `interval` frames, which remember their clock
 /// positions.
 class Impulses : public Sound {

@@ -1,0 +1,148 @@
+#include "endtoend/LiveTest.h"
+#include "support/soundserver/ChannelRecorder.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <cmath>
+#include <optional>
+
+namespace quorbel {
+namespace {
+
+/// An application with a tone of its own on each of its first two channels.
+struct Application {
+    std::string name;
+    double leftHz;
+    double rightHz;
+    int channels = 2;
+};
+
+/// Levels in dB of an application's two tones, on each channel of a device.
+struct ChannelLevels {
+    std::vector<double> left;
+    std::vector<double> right;
+
+    /// Within 0.5 dB, or inaudible in both. Enough to tell a wrong mixture, whose levels are off by
+    /// 3 dB at least, and wide enough for 0.2 s of a tone.
+    [[nodiscard]] bool matches(const ChannelLevels &other) const {
+        const auto match = [](double one, double another) {
+            constexpr double inaudible = -70.0;
+            return std::abs(one - another) < 0.5 || (one < inaudible && another < inaudible);
+        };
+        return std::ranges::equal(left, other.left, match) &&
+               std::ranges::equal(right, other.right, match);
+    }
+
+    [[nodiscard]] ChannelLevels changedBy(double gainDB) const {
+        ChannelLevels changed = *this;
+        for (std::vector<double> *levels : {&changed.left, &changed.right}) {
+            for (double &level : *levels) {
+                level += gainDB;
+            }
+        }
+        return changed;
+    }
+
+    friend std::ostream &operator<<(std::ostream &out, const ChannelLevels &levels) {
+        return out << fmt::format("left {:.1f} right {:.1f}", fmt::join(levels.left, ", "),
+                                  fmt::join(levels.right, ", "));
+    }
+};
+
+/// A machine whose default device has so many channels.
+class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
+  protected:
+    static constexpr double levelDB = -24.0;
+    static constexpr double windowSeconds = 0.2;
+
+    ChannelCount() : LiveTest({48000, {{"device", "Device", GetParam()}}}) {}
+
+    /// An application that plays while the object lives.
+    struct Playing {
+        Playing(GraphClient &client, const Application &application)
+            : tones(application.leftHz, application.rightHz, levelDB, 48000.0),
+              player(client, tones, options(application)) {}
+
+        static Player::Options options(const Application &application) {
+            Player::Options options(application.name);
+            options.channels = application.channels;
+            return options;
+        }
+
+        TwoTones tones;
+        Player player;
+    };
+
+    [[nodiscard]] ChannelLevels levelsOf(const Application &application) const {
+        ChannelLevels levels;
+        for (const std::vector<float> &channel : recorder.last(windowSeconds)) {
+            levels.left.push_back(toneLevelDB(channel, application.leftHz, 48000.0));
+            levels.right.push_back(toneLevelDB(channel, application.rightHz, 48000.0));
+        }
+        return levels;
+    }
+
+    /// What is heard without us, once it has settled.
+    [[nodiscard]] ChannelLevels direct(const Application &application) {
+        const Playing playing(client, application);
+        ChannelLevels last;
+        waitFor(application.name + " is heard", 5.0, [&] {
+            const std::size_t start = recorder.frames();
+            waitFor("sound", 5.0, [&] {
+                return recorder.frames() >= start + static_cast<std::size_t>(48000 * windowSeconds);
+            });
+            const ChannelLevels now = levelsOf(application);
+            const bool isSettled = now.matches(last) && now.left.front() > -60.0;
+            last = now;
+            return isSettled;
+        });
+        return last;
+    }
+
+    /// Whether an application comes to be heard in one of these ways, 12 dB lower.
+    [[nodiscard]] testing::AssertionResult soonSoundsLike(const std::vector<ChannelLevels> &wanted,
+                                                          const Application &application) const {
+        ChannelLevels heard;
+        const bool came = comesTrue(2.5, [&] {
+            heard = levelsOf(application);
+            return std::ranges::any_of(wanted, [&](const ChannelLevels &levels) {
+                return heard.matches(levels.changedBy(-12.0));
+            });
+        });
+        if (came) {
+            return testing::AssertionSuccess();
+        }
+        return testing::AssertionFailure() << application.name << " is heard as " << heard
+                                           << ", without us as " << testing::PrintToString(wanted);
+    }
+
+    ChannelRecorder recorder{client, "device", GetParam(), 120.0};
+};
+
+INSTANTIATE_TEST_SUITE_P(Device, ChannelCount, testing::Values(1, 2, 4, 6, 8),
+                         testing::PrintToStringParamName());
+
+TEST_P(ChannelCount, EveryChannelIsHeardWhereItIsWithoutUs) {
+    const Application stereo{"stereo", 500.0, 800.0};
+    const Application surround{"surround", 1100.0, 1300.0, 6};
+    const Application later{"later", 1700.0, 1900.0};
+    const ChannelLevels directStereo = direct(stereo);
+    const int starts = slowTestsWanted() ? 20 : 5;
+    for (const Application &application : {stereo, surround}) {
+        // What we play is stereo: what the server makes of that is right too.
+        const std::vector<ChannelLevels> right = {directStereo, direct(application)};
+        const Playing playing(client, application);
+        for (int start = 0; start < starts; ++start) {
+            SCOPED_TRACE(fmt::format("start {} with {} playing", start, application.name));
+            auto live = startLive(twelveDBLower());
+            ASSERT_TRUE(soonSoundsLike(right, application));
+            const Playing another(client, later);
+            ASSERT_TRUE(soonSoundsLike({directStereo}, later));
+            stopLive(live);
+        }
+    }
+}
+
+} // namespace
+} // namespace quorbel
