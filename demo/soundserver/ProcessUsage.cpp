@@ -7,6 +7,22 @@
 #include <string>
 
 namespace quorbel::soundserver {
+namespace {
+
+/// The figure after `name`, which the kernel gives in KiB.
+double memoryFigureMiB(pid_t process, const std::string &fileName, const std::string &name) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/" + fileName);
+    for (std::string word; file >> word;) {
+        if (word == name) {
+            double kilobytes = 0.0;
+            file >> kilobytes;
+            return kilobytes / 1024.0;
+        }
+    }
+    throw ServerError("no memory figures of process " + std::to_string(process));
+}
+
+} // namespace
 
 double processorSeconds(pid_t process) {
     // Nanoseconds of every thread, as the scheduler counts them; the process's own figure has a
@@ -22,16 +38,8 @@ double processorSeconds(pid_t process) {
     return seconds;
 }
 
-double memoryMiB(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
-    for (std::string word; file >> word;) {
-        if (word == "Pss:") {
-            double kilobytes = 0.0;
-            file >> kilobytes;
-            return kilobytes / 1024.0;
-        }
-    }
-    throw ServerError("no memory figures of process " + std::to_string(process));
-}
+double memoryMiB(pid_t process) { return memoryFigureMiB(process, "smaps_rollup", "Pss:"); }
+
+double peakMemoryMiB(pid_t process) { return memoryFigureMiB(process, "status", "VmHWM:"); }
 
 } // namespace quorbel::soundserver

@@ -11,4 +11,8 @@ double processorSeconds(pid_t process);
 /// Throws `ServerError` if there is no such process.
 double memoryMiB(pid_t process);
 
+/// The most memory in RAM that a process has had, shared memory included (VmHWM), in MiB. Throws
+/// `ServerError` if there is no such process.
+double peakMemoryMiB(pid_t process);
+
 } // namespace quorbel::soundserver

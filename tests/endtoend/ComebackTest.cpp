@@ -76,22 +76,6 @@ TEST_F(Comeback, AfterTheSessionManagerWithinTwoSeconds) {
     EXPECT_TRUE(soonHears(speakers, Heard::processed));
 }
 
-TEST_F(Comeback, ToTheChosenDeviceWhenItReturns) {
-    const Recorder &speakers = record("speakers");
-    playSequence();
-    const auto live = startLive(twelveDBLower(), {"--device", "hdmi"});
-    {
-        const Recorder &hdmi = record("hdmi");
-        ASSERT_TRUE(soonHears(hdmi, Heard::processed));
-    }
-    server.removeDevice("hdmi");
-    EXPECT_TRUE(soonHears(speakers, Heard::processed));
-    server.addDevice({"hdmi", "HDMI"});
-    const Recorder &hdmi = record("hdmi");
-    EXPECT_TRUE(soonHears(hdmi, Heard::processed));
-    EXPECT_TRUE(soonHears(speakers, Heard::silence));
-}
-
 TEST_F(Comeback, ThroughEveryQuantumWithoutARestart) {
     const Recorder &speakers = record("speakers");
     playSequence();

@@ -8,6 +8,9 @@
 
 namespace quorbel {
 
+/// The limiter looks ahead so far; nothing else of ours delays the sound.
+constexpr std::int64_t limiterDelayFrames = 62;
+
 /// Measures how long sound takes from an application to a device's monitor, in frames of the
 /// graph's clock. Player and recorder run in the same cycles of the same clock, so that the figures
 /// are exact.

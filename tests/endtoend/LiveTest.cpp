@@ -14,8 +14,6 @@ std::ostream &operator<<(std::ostream &out, Heard heard) {
     return out << names[static_cast<int>(heard)];
 }
 
-namespace {
-
 Heard heardAs(float sample) {
     constexpr float gain = 0.251189F; // -12 dB
     constexpr float highest = Sequence::first + Sequence::step * Sequence::length;
@@ -29,6 +27,8 @@ Heard heardAs(float sample) {
         sample >= Sequence::first * gain * 0.99F && sample <= highest * gain * 1.01F;
     return isProcessed ? Heard::processed : Heard::other;
 }
+
+namespace {
 
 /// Entries of the desktop's applications. One of our own name holds no more than a volume of 1.
 StoredStreams applicationsOf(StoredStreams stored) {

@@ -31,6 +31,7 @@ enum class Heard {
 
 std::ostream &operator<<(std::ostream &out, Heard heard);
 
+Heard heardAs(float sample);
 Heard heardIn(const Recording &recording);
 
 /// The setting that makes processed sound easy to tell from unprocessed.

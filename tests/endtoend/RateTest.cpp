@@ -1,3 +1,4 @@
+#include "endtoend/DelayProbe.h"
 #include "endtoend/LiveTest.h"
 
 #include <algorithm>
@@ -60,6 +61,22 @@ TEST_F(Graph48000, FollowsTheGraphToAnotherRateAndBack) {
         EXPECT_LT(residueDB(recording.left, 1000.0, 48000.0), -70.0) << rate;
         EXPECT_EQ(lossLines(*live).size(), linesBefore) << lossLines(*live).back();
     }
+}
+
+TEST_F(Graph48000, TheDelayIsTheSameAfterAnotherRate) {
+    const auto direct = DelayProbe(client, "speakers", "").delays(10);
+    ASSERT_EQ(direct.size(), 1U);
+    const std::set<std::int64_t> processed{*direct.begin() + limiterDelayFrames};
+    const auto live = startLive(LiveSettings::flat());
+    playTone(-60.0); // so that cycles of sound run on from rate to rate
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    EXPECT_EQ(DelayProbe(client, "speakers", "").delays(10), processed);
+    const Recorder &recorder = record("speakers");
+    for (const int rate : {44100, 48000}) {
+        server.forceSampleRate(rate);
+        recorder.skip(1.0);
+    }
+    EXPECT_EQ(DelayProbe(client, "speakers", "").delays(10), processed);
 }
 
 } // namespace

@@ -13,8 +13,6 @@
 namespace quorbel {
 namespace {
 
-constexpr std::int64_t limiterDelayFrames = 62;
-
 /// A device and a quantum; what is heard there must not depend on either.
 class Sound : public LiveTest, public testing::WithParamInterface<std::tuple<std::string, int>> {
   protected:

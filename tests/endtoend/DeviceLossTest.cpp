@@ -1,0 +1,112 @@
+#include "endtoend/LiveTest.h"
+#include "support/soundserver/LateDevice.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorbel {
+namespace {
+
+/// The device in use goes and comes back.
+class DeviceLoss : public LiveTest {
+  protected:
+    DeviceLoss()
+        : LiveTest({48000,
+                    {{"hdmi", "HDMI"}, {"headphones", "Headphones"}, {"speakers", "Speakers"}}}) {}
+};
+
+TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
+    // The server falls back to the default of before; the lowest id would be the wrong guess.
+    std::string fallback = "headphones";
+    std::string other = "hdmi";
+    if (server.state().node(fallback)->id < server.state().node(other)->id) {
+        std::swap(fallback, other);
+    }
+    server.setDefaultDevice(fallback);
+    server.setDefaultDevice("speakers");
+    const Recorder &onFallback = record(fallback);
+    const Recorder &onOther = record(other);
+    const auto description = [&](const std::string &device) {
+        return server.state().node(device)->property("node.description");
+    };
+    playSequence();
+    for (const std::vector<std::string> &arguments :
+         {std::vector<std::string>{}, {"--device", "speakers"}}) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        auto live = startLive(twelveDBLower(), arguments);
+        ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+        server.removeDevice("speakers");
+        EXPECT_TRUE(comesTrue(2.0, [&] { return saidDevice(*live) == description(fallback); }))
+            << saidDevice(*live);
+        EXPECT_TRUE(soonHears(onFallback, Heard::processed));
+        EXPECT_TRUE(soonHears(onOther, Heard::silence));
+        EXPECT_EQ(server.state().defaultName("default.audio.sink"), fallback);
+        EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live); }));
+
+        // Until the device returns, its stand-in is the default.
+        server.setDefaultDevice(other);
+        EXPECT_TRUE(comesTrue(2.0, [&] { return saidDevice(*live) == description(other); }))
+            << saidDevice(*live);
+        EXPECT_TRUE(soonHears(onOther, Heard::processed));
+        EXPECT_TRUE(soonHears(onFallback, Heard::silence));
+        server.setDefaultDevice(fallback);
+
+        server.addDevice({"speakers", "Speakers"});
+        {
+            const Recorder speakers(client, "speakers", 60.0);
+            EXPECT_TRUE(soonHears(speakers, Heard::processed));
+        }
+        EXPECT_TRUE(soonHears(onFallback, Heard::silence));
+        EXPECT_EQ(saidDevice(*live), description("speakers"));
+        EXPECT_TRUE(saysItRuns(*live));
+        stopLive(live);
+        server.setDefaultDevice("speakers");
+    }
+}
+
+TEST_F(DeviceLoss, EndsWhenTheChosenDeviceReturnsWithPortsThatComeLate) {
+    auto wireless = std::make_unique<LateDevice>(client, "wireless", 9600);
+    waitFor("the device", 5.0,
+            [&] { return server.desktopList("sinks").find("\twireless\t") != std::string::npos; });
+    const Recorder &standIn = record("hdmi"); // the default
+    playSequence();
+    const auto live = startLive(twelveDBLower(), {"--device", "wireless"});
+    const auto isPlayedTo = [](const LateDevice &device) {
+        return comesTrue(2.0, [&] { return heardAs(device.lastSample()) == Heard::processed; });
+    };
+    ASSERT_TRUE(isPlayedTo(*wireless));
+    for (int turn = 0; turn < 4; ++turn) { // a race decides whether the ports come with the node
+        SCOPED_TRACE(turn);
+        wireless.reset();
+        ASSERT_TRUE(soonHears(standIn, Heard::processed));
+        wireless = std::make_unique<LateDevice>(client, "wireless", 9600);
+        ASSERT_TRUE(comesTrue(2.0, [&] { return saidDevice(*live) == "wireless"; }))
+            << saidDevice(*live);
+        EXPECT_TRUE(isPlayedTo(*wireless));
+        EXPECT_TRUE(soonHears(standIn, Heard::silence));
+    }
+}
+
+TEST_F(DeviceLoss, LetsNoPulseAudioClientHang) {
+    // Their streams come before, while and after the device goes, which takes a moment.
+    constexpr int clientsPerTurn = 8;
+    const auto live = startLive(twelveDBLower());
+    for (int turn = 0; turn < 4; ++turn) {
+        SCOPED_TRACE(turn);
+        std::vector<std::unique_ptr<ChildProcess>> clients;
+        for (int index = 0; index < clientsPerTurn; ++index) {
+            if (index == 2 * turn) {
+                server.removeDevice("hdmi");
+            }
+            clients.push_back(playWith("paplay", 0.3));
+        }
+        server.addDevice({"hdmi", "HDMI"});
+        const auto hanging = [&] {
+            return std::ranges::count_if(clients, [](auto &one) { return one->running(); });
+        };
+        EXPECT_TRUE(comesTrue(5.0, [&] { return hanging() == 0; })) << hanging() << " hang";
+    }
+}
+
+} // namespace
+} // namespace quorbel

@@ -1,0 +1,76 @@
+#include "endtoend/LiveTest.h"
+
+#include <csignal>
+
+namespace quorbel {
+namespace {
+
+/// The device that the user has chosen for an application stays chosen, whatever comes to our tap.
+class SavedPin : public LiveTest {
+  protected:
+    Recorder &speakers = record("speakers");
+    Recorder &hdmi = record("hdmi");
+};
+
+TEST_F(SavedPin, OfAProgramThatStartsMeanwhileIsKept) {
+    struct Program {
+        std::string name;
+        std::string remembered; ///< what the session manager knows it by
+    };
+    const Program programs[] = {{"pw-play", "Music"}, {"paplay", "paplay"}};
+    const auto play = [&](const Program &program) { return playWith(program.name, 20.0); };
+    const auto pin = [&](const Program &program) {
+        const auto application = play(program);
+        server.moveApplication(program.name, "hdmi");
+        waitFor("the choice is remembered", 3.0, [&] {
+            return remembersTarget(server.storedStreams(), program.remembered, "hdmi");
+        });
+    };
+    for (const Program &program : programs) {
+        pin(program);
+    }
+    const SessionMemory before = settledMemory();
+    for (const Program &program : programs) {
+        for (const int ending : {SIGINT, SIGKILL}) {
+            SCOPED_TRACE(program.name + " and " + sigabbrev_np(ending));
+            if (!remembersTarget(server.storedStreams(), program.remembered, "hdmi")) {
+                pin(program); // lost in the round before
+            }
+            auto live = startLive(twelveDBLower());
+            auto application = play(program);
+            EXPECT_TRUE(soonHears(speakers, Heard::processed));
+            EXPECT_TRUE(soonPlaysInto(program.name, {tapName(*live)}));
+            live->process().signal(ending);
+            EXPECT_TRUE(soonHears(hdmi, Heard::dry));
+            EXPECT_TRUE(soonPlaysInto(program.name, {"hdmi"}));
+            application.reset();
+            application = play(program);
+            EXPECT_TRUE(soonPlaysInto(program.name, {"hdmi"})) << "at its next start";
+            EXPECT_TRUE(soonHears(hdmi, Heard::dry));
+        }
+    }
+    EXPECT_TRUE(soonIsAsBefore(before));
+}
+
+TEST_F(SavedPin, ThatIsSetMeanwhileIsKept) {
+    playSequence();
+    ASSERT_TRUE(soonHears(speakers, Heard::dry));
+    auto live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    const std::string wanted = std::to_string(server.state().node("hdmi")->id);
+    server.setRoute("player", "target.node", wanted);
+    ASSERT_TRUE(comesTrue(2.0, [&] {
+        const ServerState state = server.state();
+        const auto entry = state.metadata.find({state.node("player")->id, "target.node"});
+        return entry != state.metadata.end() && entry->second == wanted;
+    })) << testing::PrintToString(server.state().routing());
+    stopLive(live);
+    EXPECT_TRUE(soonPlaysInto("player", {"hdmi"}));
+    EXPECT_TRUE(soonHears(hdmi, Heard::dry));
+    EXPECT_TRUE(comesTrue(3.0, [&] {
+        return remembersTarget(server.storedStreams(), "player", "hdmi");
+    })) << testing::PrintToString(server.storedStreams());
+}
+
+} // namespace
+} // namespace quorbel

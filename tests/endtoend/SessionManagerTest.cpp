@@ -1,0 +1,39 @@
+#include "endtoend/LiveTest.h"
+
+namespace quorbel {
+namespace {
+
+/// The session manager is restarted, for an update or after a crash, under devices that stay.
+class SessionManager : public LiveTest {
+  protected:
+    static PrivateSoundServer::Options options() {
+        PrivateSoundServer::Options options;
+        options.devicesOutlastSessionManager = true;
+        return options;
+    }
+
+    SessionManager() : LiveTest(options()) {}
+};
+
+TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
+    const int restarts = slowTestsWanted() ? 30 : 5;
+    // What the server does without us.
+    playSequence();
+    server.restartSessionManager();
+    if (!soonPlaysInto("player", {"speakers"})) {
+        GTEST_SKIP() << "this session manager links nothing to devices that were there before it, "
+                        "without us";
+    }
+    const auto live = startLive(twelveDBLower());
+    for (int restart = 0; restart < restarts; ++restart) {
+        SCOPED_TRACE(restart);
+        server.restartSessionManager();
+        EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+        const Recorder speakers(client, "speakers", 10.0);
+        EXPECT_TRUE(soonHears(speakers, Heard::processed));
+        EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live); }));
+    }
+}
+
+} // namespace
+} // namespace quorbel
