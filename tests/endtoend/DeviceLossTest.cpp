@@ -13,6 +13,15 @@ class DeviceLoss : public LiveTest {
     DeviceLoss()
         : LiveTest({48000,
                     {{"hdmi", "HDMI"}, {"headphones", "Headphones"}, {"speakers", "Speakers"}}}) {}
+
+    /// Whether the log comes to name a device as the one that is played on.
+    static testing::AssertionResult soonSaysDevice(const LiveProcess &live,
+                                                   const std::string &description) {
+        if (comesTrue(2.0, [&] { return saidDevice(live) == description; })) {
+            return testing::AssertionSuccess();
+        }
+        return testing::AssertionFailure() << "says that it plays on " << saidDevice(live);
+    }
 };
 
 TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
@@ -36,8 +45,7 @@ TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
         auto live = startLive(twelveDBLower(), arguments);
         ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
         server.removeDevice("speakers");
-        EXPECT_TRUE(comesTrue(2.0, [&] { return saidDevice(*live) == description(fallback); }))
-            << saidDevice(*live);
+        EXPECT_TRUE(soonSaysDevice(*live, description(fallback)));
         EXPECT_TRUE(soonHears(onFallback, Heard::processed));
         EXPECT_TRUE(soonHears(onOther, Heard::silence));
         EXPECT_EQ(server.state().defaultName("default.audio.sink"), fallback);
@@ -45,8 +53,7 @@ TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
 
         // Until the device returns, its stand-in is the default.
         server.setDefaultDevice(other);
-        EXPECT_TRUE(comesTrue(2.0, [&] { return saidDevice(*live) == description(other); }))
-            << saidDevice(*live);
+        EXPECT_TRUE(soonSaysDevice(*live, description(other)));
         EXPECT_TRUE(soonHears(onOther, Heard::processed));
         EXPECT_TRUE(soonHears(onFallback, Heard::silence));
         server.setDefaultDevice(fallback);
@@ -57,7 +64,7 @@ TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
             EXPECT_TRUE(soonHears(speakers, Heard::processed));
         }
         EXPECT_TRUE(soonHears(onFallback, Heard::silence));
-        EXPECT_EQ(saidDevice(*live), description("speakers"));
+        EXPECT_TRUE(soonSaysDevice(*live, "Speakers"));
         EXPECT_TRUE(saysItRuns(*live));
         stopLive(live);
         server.setDefaultDevice("speakers");
@@ -78,10 +85,10 @@ TEST_F(DeviceLoss, EndsWhenTheChosenDeviceReturnsWithPortsThatComeLate) {
     for (int turn = 0; turn < 4; ++turn) { // a race decides whether the ports come with the node
         SCOPED_TRACE(turn);
         wireless.reset();
+        ASSERT_TRUE(soonSaysDevice(*live, "HDMI"));
         ASSERT_TRUE(soonHears(standIn, Heard::processed));
         wireless = std::make_unique<LateDevice>(client, "wireless", 9600);
-        ASSERT_TRUE(comesTrue(2.0, [&] { return saidDevice(*live) == "wireless"; }))
-            << saidDevice(*live);
+        ASSERT_TRUE(soonSaysDevice(*live, "wireless"));
         EXPECT_TRUE(isPlayedTo(*wireless));
         EXPECT_TRUE(soonHears(standIn, Heard::silence));
     }
