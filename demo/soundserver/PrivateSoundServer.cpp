@@ -220,11 +220,15 @@ void PrivateSoundServer::addDevice(const Device &device) {
         pulseNames += fmt::format("{}{}", pulseNames.empty() ? "" : ",", channel.pulseName);
     }
     if (options_.devicesOutlastSessionManager) {
+        // The first one is the default for a session manager that was killed before it wrote down
+        // the user's choice.
+        const bool isFirst = device.name == options_.devices.front().name;
         run({"pw-cli", "create-node", "adapter",
              fmt::format("{{ factory.name=support.null-audio-sink media.class=Audio/Sink "
                          "object.linger=true node.name={} node.description={} audio.rate={} "
-                         "audio.position=[{} ] monitor.channel-volumes=true }}",
-                         device.name, device.description, options_.sampleRate, names)});
+                         "audio.position=[{} ] priority.session={} }}",
+                         device.name, device.description, options_.sampleRate, names,
+                         isFirst ? 1000 : 900)});
     } else {
         moduleOfDevice_[device.name] =
             trimmed(run({"pactl", "load-module", "module-null-sink", "sink_name=" + device.name,

@@ -17,12 +17,12 @@ class SessionManager : public LiveTest {
 
 TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
     const int restarts = slowTestsWanted() ? 30 : 5;
-    // What the server does without us.
     playSequence();
     server.restartSessionManager();
-    if (!soonPlaysInto("player", {"speakers"})) {
+    if (const auto plays = soonPlaysInto("player", {"speakers"}); !plays) {
+        ASSERT_TRUE(server.state().targetsOf("player").empty()) << plays.message();
         GTEST_SKIP() << "this session manager links nothing to devices that were there before it, "
-                        "without us";
+                        "even without us";
     }
     const auto live = startLive(twelveDBLower());
     for (int restart = 0; restart < restarts; ++restart) {
