@@ -92,8 +92,7 @@ class LiveTest : public testing::Test {
     /// Waits until the session manager has written down what it knows, which it does a second late.
     [[nodiscard]] SessionMemory settledMemory() const;
 
-    /// Whether the session comes to be as it was and nothing of ours is left in it: no node, no
-    /// journal.
+    /// Whether the session comes to be as it was, with no node of ours left in it.
     testing::AssertionResult soonIsAsBefore(const SessionMemory &before) const;
 
     /// The names of our nodes.

@@ -34,6 +34,7 @@ TEST_F(Standstill, OfTheServerDelaysNoEndAndLosesNothing) {
         server.resume();
         EXPECT_TRUE(soonHears(hdmi, Heard::dry));
         EXPECT_TRUE(comesTrue(2.0, [&] { return live->helpers().empty(); }));
+        EXPECT_FALSE(exists(journal())) << "with all that it named restored";
         EXPECT_TRUE(soonIsAsBefore(before));
     }
 }
