@@ -3,6 +3,7 @@
 #include "platform/hardware/AudioHardware.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -10,12 +11,13 @@ namespace quorbel {
 
 /// An audio device as it stood when the devices were listed.
 struct AudioDevice {
-    AudioObjectID id = 0; ///< valid as long as the device is there
+    AudioObjectID id = 0; ///< valid as long as the device is there; then free for another
     std::string uid;      ///< stays the same when the device goes and comes back
     std::string name;
     std::string manufacturer;
     int inputChannels = 0;
     int outputChannels = 0;
+    std::uint64_t serial = 0; ///< another one when the device comes back, also under the same id
 
     friend bool operator==(const AudioDevice &, const AudioDevice &) = default;
 };

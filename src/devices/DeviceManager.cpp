@@ -96,18 +96,32 @@ DeviceManager::DeviceManager(AudioHardware &hardware, Clock &clock)
 DeviceManager::~DeviceManager() { stopObservingHardware(); }
 
 void DeviceManager::refreshIfChanged() {
-    std::vector<AudioObjectID> ids;
-    if (hardware_.deviceList(ids) != statusOK || ids != listedIDs_)
+    const auto census = takeCensus();
+    if (!census || census != census_)
         refresh();
+}
+
+std::optional<DeviceManager::Census> DeviceManager::takeCensus() const {
+    std::vector<AudioObjectID> ids;
+    if (hardware_.deviceList(ids) != statusOK)
+        return std::nullopt;
+    Census census;
+    for (const AudioObjectID id : ids)
+        census.devices.emplace_back(id, hardware_.deviceSerial(id));
+    if (hardware_.defaultOutputDevice(census.defaultOutput) != statusOK)
+        census.defaultOutput = 0;
+    return census;
 }
 
 void DeviceManager::refresh() {
     hardware_.reconnect();
     std::vector<AudioDevice> devices = allDevices();
-    listedIDs_.clear();
-    std::ranges::transform(devices, std::back_inserter(listedIDs_), &AudioDevice::id);
     std::erase_if(devices, [](const AudioDevice &device) { return device.outputChannels <= 0; });
-    if (devices == outputDevices_)
+    const auto defaultIn = [](const std::optional<Census> &census) {
+        return census ? census->defaultOutput : 0;
+    };
+    const auto before = std::exchange(census_, takeCensus());
+    if (devices == outputDevices_ && defaultIn(before) == defaultIn(census_))
         return;
     outputDevices_ = std::move(devices);
     Q_EMIT outputDevicesChanged();
@@ -130,7 +144,8 @@ AudioDevice DeviceManager::describe(AudioObjectID id) const {
             .name = hardware_.deviceName(id).value_or("Unknown"),
             .manufacturer = hardware_.deviceManufacturer(id).value_or(""),
             .inputChannels = channelCount(id, Scope::input),
-            .outputChannels = channelCount(id, Scope::output)};
+            .outputChannels = channelCount(id, Scope::output),
+            .serial = hardware_.deviceSerial(id)};
 }
 
 int DeviceManager::channelCount(AudioObjectID id, Scope scope) const {

@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quorbel {
@@ -44,7 +45,8 @@ class DeviceManager final : public QObject {
     /// Lists the output devices anew; where the connection to the hardware was lost, tries to
     /// connect again first.
     void refresh();
-    /// The same, but only where devices have come or gone since, or the connection is lost.
+    /// The same, but only where devices have come or gone since, the default output is another, or
+    /// the connection is lost.
     void refreshIfChanged();
 
     [[nodiscard]] std::vector<AudioDevice> allDevices() const;
@@ -73,6 +75,7 @@ class DeviceManager final : public QObject {
     std::function<void(Status)> onHardwareLost;
 
   Q_SIGNALS:
+    /// The list is another, or the default among it.
     void outputDevicesChanged();
 
   private:
@@ -81,10 +84,18 @@ class DeviceManager final : public QObject {
     [[nodiscard]] int channelCount(AudioObjectID id, Scope scope) const;
     [[nodiscard]] AudioDevice describe(AudioObjectID id) const;
 
+    /// Enough of what is there to see that it has changed.
+    struct Census {
+        std::vector<std::pair<AudioObjectID, std::uint64_t>> devices; ///< all, with their serials
+        AudioObjectID defaultOutput = 0;
+        friend bool operator==(const Census &, const Census &) = default;
+    };
+    [[nodiscard]] std::optional<Census> takeCensus() const; ///< none where the hardware fails
+
     AudioHardware &hardware_;
     Clock &clock_;
     std::vector<AudioDevice> outputDevices_;
-    std::vector<AudioObjectID> listedIDs_;     ///< of all devices
+    std::optional<Census> census_;             ///< of the last listing
     std::shared_ptr<Observation> observation_; ///< shared with what it has handed over
 };
 

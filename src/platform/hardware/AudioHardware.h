@@ -154,6 +154,9 @@ class AudioHardware {
     virtual Status processObject(std::int32_t pid, AudioObjectID &process) = 0;
     virtual Status defaultOutputDevice(AudioObjectID &device) = 0;
     virtual Status deviceList(std::vector<AudioObjectID> &devices) = 0;
+    /// Tells a device from one that had the same id before: a serial is never used again. 0 where
+    /// the id names no device.
+    [[nodiscard]] virtual std::uint64_t deviceSerial(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceUID(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceName(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceManufacturer(AudioObjectID device) = 0;

@@ -187,6 +187,12 @@ Status PipeWireHardware::deviceList(std::vector<AudioObjectID> &devices) {
     return statusOK;
 }
 
+std::uint64_t PipeWireHardware::deviceSerial(AudioObjectID device) {
+    const LoopLock lock(connection_->loop());
+    const NodeRecord *node = registry_->objects().node(device);
+    return node == nullptr ? 0 : node->serial;
+}
+
 std::optional<std::string> PipeWireHardware::deviceUID(AudioObjectID device) {
     const LoopLock lock(connection_->loop());
     const NodeRecord *node = registry_->objects().node(device);

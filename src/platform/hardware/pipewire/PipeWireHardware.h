@@ -36,6 +36,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     Status processObject(std::int32_t pid, AudioObjectID &process) override;
     Status defaultOutputDevice(AudioObjectID &device) override;
     Status deviceList(std::vector<AudioObjectID> &devices) override;
+    std::uint64_t deviceSerial(AudioObjectID device) override;
     std::optional<std::string> deviceUID(AudioObjectID device) override;
     std::optional<std::string> deviceName(AudioObjectID device) override;
     std::optional<std::string> deviceManufacturer(AudioObjectID device) override;

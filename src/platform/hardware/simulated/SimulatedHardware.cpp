@@ -23,11 +23,21 @@ SimulatedHardware::~SimulatedHardware() = default;
 // The script: devices
 
 AudioObjectID SimulatedHardware::addDevice(SimulatedDevice device) {
-    const AudioObjectID id = newID();
-    const bool isFirst = devices_.empty();
+    AudioObjectID id = 0;
+    if (isReusingIDs_ && !freeIDs_.empty()) {
+        id = freeIDs_.back();
+        freeIDs_.pop_back();
+    } else {
+        id = newID();
+    }
+    const bool isFirst = devices_.empty() && (defaultUID_.empty() || !isDefaultLagging_);
     if (isFirst)
         defaultUID_ = device.uid;
-    rearrange([&] { devices_[id] = std::make_unique<Device>(std::move(device), clock_, pace_); });
+    rearrange([&] {
+        auto &added = devices_[id];
+        added = std::make_unique<Device>(std::move(device), clock_, pace_);
+        added->serial = ++lastSerial_;
+    });
     notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
     if (isFirst)
         notify(HardwareProperty::defaultOutput,
@@ -36,8 +46,15 @@ AudioObjectID SimulatedHardware::addDevice(SimulatedDevice device) {
 }
 
 void SimulatedHardware::removeDevice(const std::string &uid) {
-    rearrange([&] { devices_.erase(idOf(uid)); });
-    const bool wasDefault = defaultUID_ == uid;
+    rearrange([&] {
+        const AudioObjectID id = idOf(uid);
+        devices_.erase(id);
+        freeIDs_.push_back(id);
+        for (auto &[output, started] : outputs_)
+            if (started.device == id)
+                started.device = 0; // a device that gets the id is another one
+    });
+    const bool wasDefault = defaultUID_ == uid && !isDefaultLagging_;
     if (wasDefault)
         defaultUID_ = devices_.empty() ? std::string() : devices_.begin()->second->script.uid;
     notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
@@ -152,8 +169,11 @@ Status SimulatedHardware::reconnect() {
         ownProcess_ = 0;
         // A new server numbers its objects anew.
         std::map<AudioObjectID, std::unique_ptr<Device>> renumbered;
-        for (auto &[id, device] : devices_)
+        for (auto &[id, device] : devices_) {
+            device->serial = ++lastSerial_;
             renumbered[newID()] = std::move(device);
+        }
+        freeIDs_.clear();
         devices_ = std::move(renumbered);
     });
     return statusOK;
@@ -185,6 +205,11 @@ Status SimulatedHardware::deviceList(std::vector<AudioObjectID> &devices) {
     for (const auto &[id, device] : devices_)
         devices.push_back(id);
     return statusOK;
+}
+
+std::uint64_t SimulatedHardware::deviceSerial(AudioObjectID device) {
+    const auto *found = find(device);
+    return found == nullptr || connection_ != statusOK ? 0 : found->serial;
 }
 
 std::optional<std::string> SimulatedHardware::deviceUID(AudioObjectID device) {

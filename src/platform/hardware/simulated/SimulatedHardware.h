@@ -43,7 +43,13 @@ class SimulatedHardware final : public AudioHardware {
 
     // The script: devices. The first one added is the default until another is chosen.
     AudioObjectID addDevice(SimulatedDevice device);
-    void removeDevice(const std::string &uid); ///< the default moves on to the first that is left
+    /// The default moves to the first device that is left, unless `setDefaultLagging`.
+    void removeDevice(const std::string &uid);
+    /// While lagging, the default goes on naming a device that was removed until
+    /// `setDefaultOutput`: on a desktop the session manager moves it some milliseconds later.
+    void setDefaultLagging(bool lagging) { isDefaultLagging_ = lagging; }
+    /// New devices take the ids of removed ones, as a sound server gives them out.
+    void setReusingIDs(bool reusing) { isReusingIDs_ = reusing; }
     void setDefaultOutput(const std::string &uid);
     void setSampleRate(const std::string &uid, double sampleRate);
     void setBlockFrames(const std::string &uid, std::vector<std::uint32_t> blockFrames);
@@ -80,6 +86,7 @@ class SimulatedHardware final : public AudioHardware {
     Status processObject(std::int32_t pid, AudioObjectID &process) override;
     Status defaultOutputDevice(AudioObjectID &device) override;
     Status deviceList(std::vector<AudioObjectID> &devices) override;
+    std::uint64_t deviceSerial(AudioObjectID device) override;
     std::optional<std::string> deviceUID(AudioObjectID device) override;
     std::optional<std::string> deviceName(AudioObjectID device) override;
     std::optional<std::string> deviceManufacturer(AudioObjectID device) override;
@@ -107,6 +114,7 @@ class SimulatedHardware final : public AudioHardware {
         Device(SimulatedDevice description, Clock &clock, Pace pace)
             : script(std::move(description)), cycles(clock, pace) {}
         SimulatedDevice script;
+        std::uint64_t serial = 0;
         simulated::DeviceCycles cycles;
     };
     struct IOProc {
@@ -120,7 +128,7 @@ class SimulatedHardware final : public AudioHardware {
     };
     /// An output that has been started.
     struct Output {
-        AudioObjectID device = 0;
+        AudioObjectID device = 0; ///< 0 once it is gone
         RenderClient *client = nullptr;
     };
 
@@ -151,6 +159,10 @@ class SimulatedHardware final : public AudioHardware {
     Status connection_ = statusOK;
     bool isReachable_ = true;
     bool isAsleep_ = false;
+    bool isDefaultLagging_ = false;
+    bool isReusingIDs_ = false;
+    std::vector<AudioObjectID> freeIDs_; ///< of removed devices
+    std::uint64_t lastSerial_ = 0;
     std::optional<double> declaredTapRate_;
     std::string defaultUID_;
     AudioObjectID ownProcess_ = 0;
