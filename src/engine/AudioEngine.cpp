@@ -23,6 +23,8 @@ AudioEngine::AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, 
       playback_(hardware.makeOutput(), chain_, ringBuffer, std::move(queues)), systemTap(hardware),
       diagnostics_(clock, ringBuffer, systemTap, playback_), spectrumAnalyzer_(clock) {
     registerUnits(registry_);
+    connect(&deviceManager_, &DeviceManager::outputDevicesChanged, this,
+            &AudioEngine::followDeviceList);
 }
 
 AudioEngine::~AudioEngine() {
@@ -71,8 +73,10 @@ void AudioEngine::attachSpectrum() {
 }
 
 void AudioEngine::setOutputDevice(std::optional<AudioDevice> device) {
-    vanishedUID_.reset();
+    chosenUID_ = device ? std::optional(device->uid) : std::nullopt;
+    mayStandIn_ = chosenUID_.has_value();
     moveOutput(std::move(device));
+    endErrorOfNoOutput();
 }
 
 void AudioEngine::setComparing(bool comparing) {
@@ -94,14 +98,6 @@ void AudioEngine::start() {
         return;
     }
     upheavals_ = {};
-    deviceManager_.refreshIfChanged(); // nobody has listened to the hardware while it was stopped
-    if (vanishedUID_)
-        if (auto device = deviceManager_.outputDevice(*vanishedUID_))
-            setOutputDevice(std::move(device));
-    if (outputDevice_)
-        if (auto listed = deviceManager_.outputDevice(outputDevice_->uid);
-            listed && listed != outputDevice_)
-            moveOutput(std::move(listed)); // it was replaced by itself
     beginStart();
 }
 
@@ -110,6 +106,10 @@ void AudioEngine::beginStart() {
     const auto generation = lifecycle.beginStart();
     if (!generation)
         return;
+    deviceManager_.refreshIfChanged(); // nothing listened to the hardware while it was stopped
+    // Without a stand-in the absent choice stays, for the error to name.
+    if (wantedOutput())
+        followWantedOutput();
     chain_.instantiateCustomUnits([this, start = *generation] { continueStart(start); });
 }
 
@@ -199,8 +199,7 @@ void AudioEngine::teardown() {
 // What is published
 
 void AudioEngine::publishState() {
-    if (state_ == lifecycle.state())
-        return;
+    // Also where it is the same: whoever waits for the end of a start hears of each.
     state_ = lifecycle.state();
     Q_EMIT stateChanged();
 }

@@ -60,11 +60,25 @@ class AudioEngine final : public QObject {
     [[nodiscard]] const MixerConfig &mixer() const { return mixer_; }
     void setMixer(const MixerConfig &mixer);
     [[nodiscard]] EQProcessor &eq() { return chain_.eq(); }
+    /// The device in use: the chosen one or its stand-in.
     [[nodiscard]] const std::optional<AudioDevice> &outputDevice() const { return outputDevice_; }
-    /// The user's choice. While running, playback moves to another device after a short pause for
-    /// more such changes. A chosen device that vanishes is replaced by the default output, and
-    /// chosen again when it is back.
+    /// The user's choice, which ends an error of having none. While running, playback moves after a
+    /// short pause for more such changes. While the chosen device is away, the default output
+    /// stands in, as it changes; when the device is back, it is in use again.
     void setOutputDevice(std::optional<AudioDevice> device);
+
+    /// The uid of the device that the user chose, there or not; none where they chose none.
+    [[nodiscard]] const std::optional<std::string> &outputChoice() const { return chosenUID_; }
+    /// A choice of an earlier session: in use if the device is there. Otherwise the output stays as
+    /// it is, as a stand-in.
+    void restoreOutputChoice(std::optional<std::string> uid);
+    /// Where the chosen device is away or none was chosen, the default output stands in from now
+    /// on. Before this, nothing is selected until the user selects it.
+    void useDefaultOutput();
+    /// Whether the device in use is not the choice.
+    [[nodiscard]] bool isOutputStandIn() const {
+        return outputDevice_ && outputDevice_->uid != chosenUID_;
+    }
 
     /// Whether playback can be compared with the unprocessed sound; measuring the loudness for that
     /// costs a little. From the next start on.
@@ -111,7 +125,7 @@ class AudioEngine final : public QObject {
     void mixerChanged();
     void outputDeviceChanged();
     void comparingChanged();
-    void stateChanged();
+    void stateChanged(); ///< also where a start or a stop ends in the state before it
     void limiterReductionDBChanged();
     void autoGainDBChanged();
     void bassTrackedFrequencyChanged();
@@ -135,6 +149,10 @@ class AudioEngine final : public QObject {
 
     // AudioEngineRestart.cpp
     void moveOutput(std::optional<AudioDevice> device);
+    [[nodiscard]] std::optional<AudioDevice> wantedOutput() const;
+    void followWantedOutput();
+    void followDeviceList();
+    void endErrorOfNoOutput();
     void scheduleOutputRestart();
     void restartProcessEngine();
     void handleHardwareChange();
@@ -152,8 +170,8 @@ class AudioEngine final : public QObject {
     MixerConfig mixer_;
     bool comparing_ = false;
     std::optional<AudioDevice> outputDevice_;
-    /// The user's choice while it is not there and `outputDevice` stands in for it.
-    std::optional<std::string> vanishedUID_;
+    std::optional<std::string> chosenUID_;
+    bool mayStandIn_ = false;      ///< the default output takes the place of a choice that is away
     EngineLifecycle::State state_; ///< the lifecycle's, as last published
     PublishedReadings published_;
 

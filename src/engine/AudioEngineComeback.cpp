@@ -18,8 +18,8 @@ namespace {
 constexpr double lookSeconds = 0.25;
 /// A start that keeps failing is tried less often, but never given up.
 constexpr double longestPauseSeconds = 2.0;
-/// After a server's start its devices come one by one: so long the chosen one is waited for before
-/// another takes its place.
+/// Grace period for the chosen device before another takes its place: after a server's start its
+/// devices come one by one.
 constexpr double deviceWaitSeconds = 1.0;
 
 } // namespace
@@ -61,25 +61,14 @@ bool AudioEngine::findOutputAgain() {
     }
     if (!comeback_.devicesSince)
         comeback_.devicesSince = clock_.now();
-    const auto listed = [this](const std::optional<std::string> &uid) {
-        return uid ? deviceManager_.outputDevice(*uid) : std::nullopt;
+    const auto isThere = [this](const std::optional<std::string> &uid) {
+        return uid && deviceManager_.outputDevice(*uid);
     };
-    if (const auto chosen = listed(vanishedUID_)) {
-        setOutputDevice(chosen);
-        return true;
-    }
-    const auto uid = outputDevice_ ? std::optional(outputDevice_->uid) : std::nullopt;
-    if (const auto present = listed(uid)) {
-        if (present != outputDevice_)
-            moveOutput(present); // under its new id
-        return true;
-    }
-    const bool isChoiceAwaited = vanishedUID_ || uid;
-    if (isChoiceAwaited && clock_.now() - *comeback_.devicesSince < deviceWaitSeconds)
+    const auto lastUsed = outputDevice_ ? std::optional(outputDevice_->uid) : std::nullopt;
+    const bool isAwaited = (chosenUID_ || lastUsed) && !isThere(chosenUID_) && !isThere(lastUsed);
+    if (isAwaited && clock_.now() - *comeback_.devicesSince < deviceWaitSeconds)
         return false;
-    if (!vanishedUID_)
-        vanishedUID_ = uid;
-    moveOutput(deviceManager_.defaultOutput());
+    followWantedOutput();
     return outputDevice_.has_value();
 }
 

@@ -14,6 +14,54 @@ constexpr double outputRestartDelaySeconds = 0.15;
 
 } // namespace
 
+void AudioEngine::restoreOutputChoice(std::optional<std::string> uid) {
+    chosenUID_ = std::move(uid);
+    mayStandIn_ = outputDevice_.has_value();
+    if (chosenUID_)
+        if (auto chosen = deviceManager_.outputDevice(*chosenUID_))
+            setOutputDevice(std::move(chosen));
+}
+
+void AudioEngine::useDefaultOutput() {
+    mayStandIn_ = true;
+    followDeviceList();
+}
+
+/// The chosen device, or the default in its place.
+std::optional<AudioDevice> AudioEngine::wantedOutput() const {
+    if (chosenUID_)
+        if (auto chosen = deviceManager_.outputDevice(*chosenUID_))
+            return chosen;
+    return mayStandIn_ ? deviceManager_.defaultOutput() : std::nullopt;
+}
+
+void AudioEngine::followWantedOutput() {
+    auto wanted = wantedOutput();
+    // Equal but for the serial, it went and came back: what plays is bound to the one before.
+    if (wanted != outputDevice_)
+        moveOutput(std::move(wanted));
+}
+
+/// Nothing but what is shown depends on the device while nothing plays, so a choice that is away
+/// stays shown as such until the start.
+void AudioEngine::followDeviceList() {
+    const bool isAtRest = !lifecycle.isStarting() && !isComingBack() &&
+                          lifecycle.state() != EngineLifecycle::State::running();
+    if (!isAtRest || (outputDevice_ && !isOutputStandIn()))
+        return;
+    followWantedOutput();
+    endErrorOfNoOutput();
+}
+
+/// The error of having no device ends with its cause.
+void AudioEngine::endErrorOfNoOutput() {
+    const auto error = EngineLifecycle::State::error(AudioEngineError::noOutputSelected().what());
+    if (!outputDevice_ || isComingBack() || lifecycle.isStarting() || lifecycle.state() != error)
+        return;
+    lifecycle.end();
+    publishState();
+}
+
 void AudioEngine::moveOutput(std::optional<AudioDevice> device) {
     const bool changed = device != outputDevice_;
     outputDevice_ = std::move(device);
@@ -46,18 +94,7 @@ void AudioEngine::restartProcessEngine() {
 }
 
 void AudioEngine::handleHardwareChange() {
-    if (vanishedUID_ && deviceManager_.outputDevice(*vanishedUID_)) {
-        setOutputDevice(deviceManager_.outputDevice(*vanishedUID_));
-    } else if (outputDevice_) {
-        const auto listed = deviceManager_.outputDevice(outputDevice_->uid);
-        if (!listed) {
-            if (!vanishedUID_)
-                vanishedUID_ = outputDevice_->uid;
-            moveOutput(deviceManager_.defaultOutput());
-        } else if (listed->id != outputDevice_->id) {
-            moveOutput(listed); // it went and came back: what plays is bound to the old one
-        }
-    }
+    followWantedOutput();
 
     const auto defaultUID = deviceManager_.currentDefaultOutputUID();
     // Between two defaults there is nothing to build a capture around; the next change brings one.

@@ -118,14 +118,22 @@ class EngineWithoutTest : public EngineTest {};
 
 TEST_F(EngineWithoutTest, AnOutputChosen) {
     engine->setOutputDevice(std::nullopt);
-    start();
-    EXPECT_EQ(state(), "No output device selected. Choose your speakers as output.");
+    int announced = 0;
+    QObject::connect(engine.get(), &AudioEngine::stateChanged, [&] { ++announced; });
+    for (int starts = 1; starts <= 2; ++starts) {
+        start();
+        EXPECT_EQ(state(), "No output device selected. Choose your speakers as output.");
+        EXPECT_EQ(announced, starts) << "whoever waits for the end of a start hears of each";
+    }
     expectNothingLeft();
+    choose("hdmi");
+    EXPECT_EQ(state(), "stopped") << "the error goes with its cause";
 }
 
 TEST_F(EngineWithoutTest, TheChosenOutputListed) {
     choose("hdmi");
     hardware.removeDevice("hdmi");
+    hardware.removeDevice("speakers");
     devices.refresh();
     start();
     EXPECT_EQ(state(), "Audio device not found.");

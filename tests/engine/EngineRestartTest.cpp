@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <random>
 
 namespace quorbel::testing {
 namespace {
@@ -133,53 +134,107 @@ TEST_F(EngineRestartTest, ARebuildThatFailsIsTheEndWithItsText) {
     expectNothingLeft();
 }
 
-TEST_F(EngineRestartTest, UnpluggedItMovesToTheDefaultAndBackWhenItReturns) {
-    hardware.play(sine(1000.0));
-    choose("hdmi");
-    start();
-    play(0.1);
-    hardware.removeDevice("hdmi");
-    play(0.2);
-    EXPECT_EQ(engine->outputDevice()->uid, "speakers");
-    EXPECT_EQ(state(), "running");
-    EXPECT_NEAR(level("speakers"), 0.25, 1e-3);
-    hardware.addDevice({.uid = "hdmi"});
-    play(0.5);
-    EXPECT_EQ(engine->outputDevice()->uid, "hdmi");
-    EXPECT_NEAR(level("hdmi"), 0.25, 1e-3);
-    EXPECT_EQ(engine->upheavals().outputRestarts, 2);
-
-    // Unless the user has chosen meanwhile, be it the stand-in itself.
-    hardware.removeDevice("hdmi");
-    play(0.5);
-    choose("speakers");
-    hardware.addDevice({.uid = "hdmi"});
-    play(0.5);
-    EXPECT_EQ(engine->outputDevice()->uid, "speakers");
-}
-
-TEST_F(EngineRestartTest, ReplacedByItselfItIsBoundAnew) {
-    hardware.play(sine(1000.0));
-    choose("hdmi");
-    start();
-    play(0.1);
-    hardware.removeDevice("hdmi");
-    hardware.addDevice({.uid = "hdmi"});
-    play(0.3);
-    EXPECT_EQ(engine->outputDevice()->uid, "hdmi");
-    EXPECT_NEAR(level("hdmi"), 0.25, 1e-3);
-}
-
-TEST_F(EngineRestartTest, WithTheDefaultUnpluggedBothSidesMove) {
-    hardware.play(sine(1000.0));
+TEST_F(EngineRestartTest, TheDefaultStandsInAlsoWhenItMovesAfterTheUnplugging) {
+    hardware.addDevice({.uid = "usb"});
+    devices.refresh();
+    hardware.setDefaultLagging(true);
     start();
     play(0.1);
     hardware.removeDevice("speakers");
+    play(0.02);
+    hardware.setDefaultOutput("usb");
     play(0.3);
-    EXPECT_EQ(state(), "running");
-    EXPECT_EQ(engine->outputDevice()->uid, "hdmi");
-    EXPECT_EQ(hardware.aggregates().front().mainDeviceUID, "hdmi");
-    EXPECT_NEAR(level("hdmi"), 0.25, 1e-3);
+    EXPECT_EQ(engine->outputDevice()->uid, "usb") << "not the first one listed";
+    EXPECT_EQ(engine->outputChoice(), "speakers");
+    EXPECT_EQ(engine->upheavals().outputRestarts, 1);
+
+    hardware.setDefaultOutput("hdmi");
+    play(0.3);
+    EXPECT_EQ(engine->outputDevice()->uid, "hdmi") << "the default, as it changes";
+    stop();
+    choose("hdmi");
+    hardware.addDevice({.uid = "speakers"});
+    start();
+    EXPECT_EQ(engine->outputDevice()->uid, "hdmi") << "the stand-in itself was chosen";
+}
+
+TEST_F(EngineRestartTest, WithoutAChoiceTheDefaultPlaysOnceThatIsAllowed) {
+    engine->setOutputDevice(std::nullopt);
+    engine->restoreOutputChoice("usb");
+    EXPECT_FALSE(engine->outputDevice()) << "nothing is selected in place of an absent choice";
+    engine->useDefaultOutput();
+    EXPECT_EQ(engine->outputDevice()->uid, "speakers");
+    hardware.setDefaultOutput("hdmi");
+    devices.refreshIfChanged();
+    EXPECT_EQ(engine->outputDevice()->uid, "hdmi") << "at rest too";
+    hardware.addDevice({.uid = "usb"});
+    devices.refreshIfChanged();
+    EXPECT_EQ(engine->outputDevice()->uid, "usb");
+    EXPECT_FALSE(engine->isOutputStandIn());
+}
+
+/// A desktop's devices come, go, take each other's ids and the default follows late, while the user
+/// chooses. Whenever that has come to rest, the chosen device plays, or else the default.
+TEST_F(EngineRestartTest, PlaysOnTheChoiceElseOnTheDefaultAfterAnyStormOfChanges) {
+    const auto seed = std::random_device{}();
+    SCOPED_TRACE(::testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    const auto upTo = [&](std::size_t count) {
+        return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
+    };
+    std::vector<std::string> present{"speakers", "hdmi", "usb"}, absent;
+    hardware.addDevice({.uid = "usb"});
+    hardware.setDefaultLagging(true);
+    hardware.setReusingIDs(true);
+    hardware.play(sine(1000.0));
+    start();
+    std::string chosen = "speakers", defaultUID = "speakers";
+    const auto move = [](auto &from, auto &to, std::size_t index) {
+        to.push_back(from[index]);
+        from.erase(from.begin() + static_cast<std::ptrdiff_t>(index));
+        return to.back();
+    };
+    for (int rest = 0; rest < 40; ++rest) {
+        for (std::size_t change = 0, count = 1 + upTo(6); change < count; ++change) {
+            switch (upTo(5)) {
+            case 0:
+                if (!present.empty())
+                    hardware.removeDevice(move(present, absent, upTo(present.size())));
+                break;
+            case 1:
+                if (!absent.empty())
+                    hardware.addDevice({.uid = move(absent, present, upTo(absent.size()))});
+                break;
+            case 2: // before anybody is told
+                if (!present.empty()) {
+                    const std::string replaced = present[upTo(present.size())];
+                    hardware.removeDevice(replaced);
+                    hardware.addDevice({.uid = replaced});
+                }
+                break;
+            case 3:
+                if (!present.empty())
+                    hardware.setDefaultOutput(defaultUID = present[upTo(present.size())]);
+                break;
+            default:
+                if (const auto &listed = devices.outputDevices(); !listed.empty()) {
+                    engine->setOutputDevice(listed[upTo(listed.size())]);
+                    chosen = *engine->outputChoice();
+                }
+            }
+            play(0.1 * static_cast<double>(upTo(3)));
+        }
+        if (present.empty())
+            hardware.addDevice({.uid = move(absent, present, 0)});
+        if (std::ranges::count(present, defaultUID) == 0)
+            hardware.setDefaultOutput(defaultUID = present.front());
+        play(4.0); // as long as a return after a failure takes
+        const bool isThere = std::ranges::count(present, chosen) > 0;
+        ASSERT_EQ(state(), "running");
+        ASSERT_EQ(engine->outputDevice()->uid, isThere ? chosen : defaultUID);
+        ASSERT_EQ(engine->outputChoice(), chosen);
+        ASSERT_NEAR(toneOn(engine->outputDevice()->uid), 0.25, 1e-3);
+    }
 }
 
 TEST_F(EngineRestartTest, WithTheLastDeviceUnpluggedItSaysSo) {
