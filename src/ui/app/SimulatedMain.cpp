@@ -125,8 +125,6 @@ int main(int argc, char **argv) {
     if (options.size.isValid())
         window.window().resize(options.size);
     window.raise();
-    if (!state.engine().outputDevice())
-        state.engine().setOutputDevice(state.deviceManager().defaultOutput());
     if (options.state == QStringLiteral("running") || options.state == QStringLiteral("error"))
         model.engine()->start();
 

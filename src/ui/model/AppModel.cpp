@@ -14,6 +14,7 @@ AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
       spectrum_(state.engine(), nullptr), navigation_(state, nullptr), about_(nullptr) {
     instance_ = this;
     state_.engine().setComparable(true);
+    state_.engine().useDefaultOutput(); // so that a first Start works
     connect(&state_, &AppState::persistWarningChanged, this, [this] {
         warningDismissed_ = false;
         Q_EMIT persistWarningChanged();

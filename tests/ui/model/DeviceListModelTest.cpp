@@ -14,8 +14,13 @@ TEST_F(DeviceListModelTest, ListsAndSelects) {
     EXPECT_EQ(devices().count(), 2);
     EXPECT_EQ(says(devices(), 1, "name").toString(), "HDMI");
     EXPECT_TRUE(says(devices(), 0, "isDefault").toBool());
-    EXPECT_EQ(devices().currentIndex(), -1);
-    EXPECT_EQ(devices().currentName(), "");
+    EXPECT_EQ(devices().currentName(), "Speakers") << "the default, before any choice";
+    hardware.setDefaultOutput("hdmi");
+    clock.advance(2.5);
+    EXPECT_EQ(devices().currentName(), "HDMI");
+    EXPECT_TRUE(says(devices(), 1, "isDefault").toBool());
+    hardware.setDefaultOutput("speakers");
+    clock.advance(2.5);
 
     Announcements changes(devices(), &DeviceListModel::currentChanged);
     devices().select("hdmi");

@@ -28,6 +28,7 @@ class EngineModelTest : public ModelTest {
 };
 
 TEST_F(EngineModelTest, StartWithoutADeviceShowsTheErrorUntilAStartSucceeds) {
+    engine().setOutputDevice(std::nullopt);
     EXPECT_EQ(model().state(), "idle");
     EXPECT_EQ(model().stateWord(), "STOPPED");
     EXPECT_EQ(model().secondLine(), "No output device");

@@ -31,7 +31,7 @@ class Announcements {
 };
 
 /// The program as QML sees it, on a machine in memory with the devices "speakers" and "hdmi" and
-/// one application that plays a tone. Nothing is chosen and no settings file is there yet.
+/// one application that plays a tone. The default is preselected; no settings file is there yet.
 class ModelTest : public ::testing::Test {
   public:
     ModelTest() {

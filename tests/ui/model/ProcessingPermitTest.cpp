@@ -39,6 +39,37 @@ TEST_F(ProcessingPermitTest, OneProgramProcessesAtATime) {
     EXPECT_TRUE(isFree());
 }
 
+TEST_F(ProcessingPermitTest, StartsThatFailAlikeOrAreStoppedKeepNobodyOut) {
+    const ProcessingPermit permit(*app->engine());
+    hardware.operations().fail(SimulatedHardware::Operation::createProcessTap, -1);
+    for (int start = 0; start < 3; ++start) {
+        app->engine()->start();
+        clock.runPending();
+        EXPECT_EQ(app->engine()->state(), "error");
+        EXPECT_TRUE(isFree()) << start;
+    }
+    app->engine()->stop();
+    app->engine()->start();
+    app->engine()->stop(); // in the middle of the start: stopped before and after
+    clock.runPending();
+    EXPECT_TRUE(isFree());
+
+    // An error that ends with its cause does so before the start that notices, not within it.
+    hardware.operations().repair(SimulatedHardware::Operation::createProcessTap);
+    hardware.removeDevice("speakers");
+    hardware.removeDevice("hdmi");
+    app->devices()->refresh();
+    app->engine()->start();
+    clock.runPending();
+    EXPECT_EQ(app->engine()->errorMessage(),
+              "No output device selected. Choose your speakers as output.");
+    hardware.addDevice({.uid = "speakers"});
+    app->engine()->start();
+    clock.runPending();
+    EXPECT_TRUE(app->engine()->running());
+    EXPECT_FALSE(isFree());
+}
+
 TEST_F(ProcessingPermitTest, WaitingToComeBackKeepsTheOthersOut) {
     const ProcessingPermit permit(*app->engine());
     run();
