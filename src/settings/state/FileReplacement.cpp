@@ -49,28 +49,36 @@ void makeFolder(const fs::path &folder) {
     syncFolder(folder.parent_path());
 }
 
-/// The file that QSaveFile is going to replace, whose folder is the one to sync.
-fs::path behindLinks(const fs::path &path) {
+} // namespace
+
+std::string fileBehindLinks(const std::string &path) {
+    constexpr int mostLinks = 40; // as Linux follows
+    fs::path target = path;
     std::error_code error;
-    const fs::path target = fs::canonical(path, error);
-    return error ? path : target;
+    for (int links = 0; fs::is_symlink(target, error); ++links) {
+        if (links == mostLinks)
+            return path;
+        target = target.parent_path() / fs::read_symlink(target, error);
+        if (error)
+            return path;
+    }
+    return target;
 }
 
-/// A rename would also replace a named pipe or a device.
-void requireFileOrNothing(const fs::path &path) {
+void makeFolderOf(const std::string &path) { makeFolder(fs::path(path).parent_path()); }
+
+void requireFileOrNothing(const std::string &path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode))
         return;
     if (S_ISDIR(status.st_mode))
         fail(EISDIR);
-    throw FileReplacementError(path.string() + " is not a regular file");
+    throw FileReplacementError(path + " is not a regular file");
 }
 
-} // namespace
-
 void replaceFile(const std::string &path, std::string_view content) {
-    const fs::path target = behindLinks(path);
-    requireFileOrNothing(target);
+    requireFileOrNothing(path);
+    const fs::path target = fileBehindLinks(path);
     makeFolder(target.parent_path());
 
     QSaveFile file(QFile::decodeName(target.c_str()));

@@ -1,5 +1,7 @@
 #include "settings/state/SetAside.h"
 
+#include "settings/state/FileReplacement.h"
+
 #include <fmt/format.h>
 
 #include <cerrno>
@@ -32,8 +34,9 @@ int moveWithoutReplacing(const std::string &from, const std::string &to) {
 
 } // namespace
 
-SetAside setAside(const std::string &path) {
+SetAside setAside(const std::string &link) {
     constexpr int triedNames = 1000;
+    const std::string path = fileBehindLinks(link);
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
     const auto unixSeconds = static_cast<long long>(std::time(nullptr));
     std::string name = fmt::format("state.corrupt-{}.json", unixSeconds);
@@ -42,7 +45,8 @@ SetAside setAside(const std::string &path) {
         name = fmt::format("state.corrupt-{}-{}.json", unixSeconds, number);
         errorNumber = moveWithoutReplacing(path, folder / name);
     }
-    return {name, {errorNumber, std::generic_category()}};
+    const bool isElsewhere = folder != std::filesystem::path(link).parent_path();
+    return {isElsewhere ? (folder / name).string() : name, {errorNumber, std::generic_category()}};
 }
 
 } // namespace quorbel

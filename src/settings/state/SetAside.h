@@ -6,13 +6,13 @@
 namespace quorbel {
 
 struct SetAside {
-    std::string name;      ///< the new file name, without the folder
+    std::string name;      ///< the new file name; with its folder where links led to another one
     std::error_code error; ///< why the file could not be moved; none when it was
 };
 
 /// Moves a file that is of no use, but may be of value to the user, out of the way: to
-/// `state.corrupt-<seconds since 1970>.json` in its folder. Never replaces another file: where the
-/// name is taken, the new one gets a number.
+/// `state.corrupt-<seconds since 1970>.json` in its folder. Symbolic links stay; what they lead to
+/// is moved. Never replaces another file: where the name is taken, the new one gets a number.
 SetAside setAside(const std::string &path);
 
 } // namespace quorbel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "settings/records/OutputChoice.h"
 #include "settings/records/Persisted.h"
 
 #include <string_view>
@@ -138,6 +139,12 @@ template <> struct RecordFields<Persisted> {
         optional("activePresetName", &Persisted::activePresetName),
         optional("eqGlobalGainDB", &Persisted::eqGlobalGainDB),
         optional("outputDeviceUID", &Persisted::outputDeviceUID));
+};
+
+template <> struct RecordFields<OutputChoice> {
+    static constexpr auto all =
+        std::make_tuple(optional("outputDeviceUID", &OutputChoice::outputDeviceUID),
+                        required("standIns", &OutputChoice::standIns));
 };
 
 } // namespace quorbel

@@ -17,12 +17,14 @@ template <class Record> std::string encodeRecord(const Record &record) {
     return json;
 }
 
+template OutputChoice decodeRecord<OutputChoice>(std::string_view);
 template EQBand decodeRecord<EQBand>(std::string_view);
 template MixerConfig decodeRecord<MixerConfig>(std::string_view);
 template SpatialConfig decodeRecord<SpatialConfig>(std::string_view);
 template Preset decodeRecord<Preset>(std::string_view);
 template Persisted decodeRecord<Persisted>(std::string_view);
 
+template std::string encodeRecord(const OutputChoice &);
 template std::string encodeRecord(const EQBand &);
 template std::string encodeRecord(const MixerConfig &);
 template std::string encodeRecord(const SpatialConfig &);

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "settings/records/OutputChoice.h"
+
+#include <optional>
+#include <string>
+
+namespace quorbel {
+
+/// `output-choice.json` beside the settings file. It exists only while the device in use, which the
+/// settings file names, stands in for the user's choice: without it, the device in use is the
+/// choice. So it is, too, where the settings file names a device that is not among the stand-ins:
+/// then someone else has changed it since.
+class OutputChoiceFile {
+  public:
+    /// Reads the file. One that cannot be read or decoded is ignored and replaced by the next
+    /// choice.
+    explicit OutputChoiceFile(const std::string &settingsPath);
+
+    /// The user's choice, given the device that the settings file names.
+    [[nodiscard]] std::optional<std::string>
+    chosenUID(const std::optional<std::string> &uidInSettings) const;
+
+    /// Before the settings file is written: from now on the choice is `chosen`, and neither the
+    /// device that the file names now nor the one that it is going to name overrules it. Throws
+    /// FileReplacementError.
+    void prepare(const std::optional<std::string> &chosen,
+                 const std::optional<std::string> &uidInSettings,
+                 const std::optional<std::string> &nextUID);
+    /// After that: removes the file where it has become needless. Throws FileReplacementError.
+    void finish(const std::optional<std::string> &chosen,
+                const std::optional<std::string> &uidInSettings);
+
+  private:
+    std::string path_;
+    std::optional<OutputChoice> content_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace quorbel {
+
+/// Held for the moment in which a program reads, compares and replaces the settings file: no other
+/// program of ours writes it meanwhile. A file lock on `<file>.lock` beside the file that the path
+/// leads to; it ends with the process, however that ends.
+class SettingsFileLock {
+  public:
+    /// Makes the folder where it is missing. Waits for another program, which takes milliseconds
+    /// unless it is stopped or its disk hangs. Throws FileReplacementError.
+    explicit SettingsFileLock(const std::string &settingsPath, double patienceSeconds = 1.0);
+    ~SettingsFileLock();
+    SettingsFileLock(const SettingsFileLock &) = delete;
+    SettingsFileLock &operator=(const SettingsFileLock &) = delete;
+
+  private:
+    int file_ = -1;
+};
+
+} // namespace quorbel
