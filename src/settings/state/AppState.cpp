@@ -9,13 +9,16 @@
 namespace quorbel {
 
 AppState::AppState(AudioHardware &hardware, Clock &clock, std::string settingsPath)
-    : clock_(clock), persistURL(std::move(settingsPath)), presets_(factoryPresets()),
-      deviceManager_(hardware, clock),
+    : clock_(clock), file_(std::move(settingsPath)), choiceFile_(file_.path()),
+      presets_(factoryPresets()), deviceManager_(hardware, clock),
       engine_(
           std::make_unique<AudioEngine>(hardware, deviceManager_, clock, EQBand::defaultBands())) {
     activePresetID_ = firstPresetID();
     loadPersisted();
     takeOverBandIDs();
+    const auto uidInFile = std::move(seen_.outputDeviceUID);
+    seen_ = currentSettings();
+    seen_.outputDeviceUID = uidInFile;
     observeSettings();
 }
 

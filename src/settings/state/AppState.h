@@ -5,6 +5,8 @@
 #include "platform/threads/Timer.h"
 #include "settings/records/Persisted.h"
 #include "settings/records/SettingsFile.h"
+#include "settings/state/OutputChoiceFile.h"
+#include "settings/state/SharedSettingsFile.h"
 
 #include <QObject>
 
@@ -18,7 +20,9 @@ namespace quorbel {
 
 /// The program's one long-lived model object: owns the devices and the engine, keeps the presets,
 /// and the settings file up to date. The live settings themselves are the engine's; this watches
-/// them and writes them half a second after a change. All calls [main].
+/// them and writes them half a second after a change. Other programs may write the file too: what
+/// they have changed since is taken before each save, and what was changed here since wins field by
+/// field. All calls [main].
 class AppState final : public QObject {
     Q_OBJECT
 
@@ -51,9 +55,16 @@ class AppState final : public QObject {
     /// once.
     void setUserPresets(std::vector<Preset> presets);
 
-    /// Writes the settings file now. A failure is a warning, and the next change tries again.
+    /// Writes the settings file now. A failure is a warning, and the next change tries again. A
+    /// file that is there but cannot be read is left as it is, and the save fails.
     void persist();
-    /// The last load or save problem; none when the last save succeeded.
+    /// Takes what another program has written into the settings file. Text that is no settings
+    /// record is set aside a second later, with a warning, if it is still there: its writer may not
+    /// have come to the end.
+    void takeFileChanges();
+    [[nodiscard]] const std::string &settingsPath() const { return file_.path(); }
+    /// The last load or save problem; none when the last save succeeded, unless that save had to
+    /// set a file aside.
     [[nodiscard]] const std::optional<std::string> &persistWarning() const {
         return persistWarning_;
     }
@@ -61,7 +72,10 @@ class AppState final : public QObject {
   Q_SIGNALS:
     void presetsChanged();
     void activePresetIDChanged();
-    void persistWarningChanged();
+    void persistWarningChanged(); ///< also where a save fails like the one before
+    /// What another program wrote has made `after` of the presets, which were `before`.
+    void presetsTaken(const std::vector<quorbel::Preset> &before,
+                      const std::vector<quorbel::Preset> &after);
 
   private:
     [[nodiscard]] const Preset *activePreset() const;
@@ -74,18 +88,27 @@ class AppState final : public QObject {
     void loadPersisted();
     void apply(const Persisted &record);
     void applyPresets(const Persisted &record);
+    void setActivePreset(std::optional<Uuid> id, const std::optional<std::string> &name);
+    void applyOutput(const Persisted &record);
+    void take(const Persisted &theirs);
+    void takeOutput(const std::optional<std::string> &uid);
+    void setAsideIfUnreadable();
+    [[nodiscard]] std::optional<std::string> takeUnseenOrSetAside();
     [[nodiscard]] Persisted currentSettings() const;
-    void keepUnknownFile();
     void observeSettings();
     void setPersistWarning(std::optional<std::string> warning);
 
     Clock &clock_;
-    const std::string persistURL;
+    SharedSettingsFile file_;
+    OutputChoiceFile choiceFile_;
     std::vector<Preset> presets_;
     std::optional<Uuid> activePresetID_;
     std::optional<std::string> persistWarning_;
-    /// What the file holds is in use, set aside or of our writing: it may be replaced.
-    bool fileIsKnown_ = false;
+    /// The settings as the file had them when it was last read or written: what differs from them
+    /// was changed here.
+    Persisted seen_;
+    bool isTaking_ = false; ///< what changes now comes from the file
+    Timer unreadableLook_;
 
     std::array<Timer, 5> pendingSaves_; ///< one for each watched setting
     DeviceManager deviceManager_;

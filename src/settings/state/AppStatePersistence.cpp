@@ -5,9 +5,12 @@
 #include "settings/state/AppState.h"
 #include "settings/state/FileReplacement.h"
 #include "settings/state/SetAside.h"
+#include "settings/state/SettingsFileLock.h"
+#include "settings/state/SettingsMerge.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 #include <utility>
 
@@ -18,29 +21,24 @@ namespace {
 /// A control that moves is written once, after it has come to rest.
 constexpr double saveDelaySeconds = 0.5;
 
+std::string setAsideWarning(const SetAside &result) {
+    return "Saved settings were unreadable and were set aside as " + result.name +
+           ". Starting fresh.";
+}
+
 } // namespace
 
 // Loading
 
 void AppState::loadPersisted() {
-    std::string text;
     try {
-        text = readSettingsText(persistURL);
+        if (const auto record = file_.readChange())
+            apply(*record);
     } catch (const SettingsFileError &) {
-        return; // most often a first start
-    }
-    Persisted record;
-    try {
-        record = decodeRecord<Persisted>(text);
+        return; // it cannot be read: a save will say so
     } catch (const DecodingError &) {
-        const SetAside result = setAside(persistURL);
-        fileIsKnown_ = !result.error;
-        setPersistWarning("Saved settings were unreadable and were set aside as " + result.name +
-                          ". Starting fresh.");
-        return;
+        setPersistWarning(setAsideWarning(setAside(file_.path())));
     }
-    fileIsKnown_ = true;
-    apply(record);
 }
 
 void AppState::apply(const Persisted &record) {
@@ -50,10 +48,19 @@ void AppState::apply(const Persisted &record) {
         engine_->setMixer(*record.mixer);
     if (record.eqGlobalGainDB)
         engine_->eq().setGlobalGainDB(*record.eqGlobalGainDB);
+    applyOutput(record);
+    applyPresets(record);
+}
+
+/// A device that is away stays unselected; the choice is kept all the same.
+void AppState::applyOutput(const Persisted &record) {
     if (record.outputDeviceUID)
         if (auto device = deviceManager_.outputDevice(*record.outputDeviceUID))
             engine_->setOutputDevice(std::move(device));
-    applyPresets(record);
+    if (auto chosen = choiceFile_.chosenUID(record.outputDeviceUID);
+        chosen != engine_->outputChoice())
+        engine_->restoreOutputChoice(std::move(chosen));
+    seen_.outputDeviceUID = record.outputDeviceUID;
 }
 
 void AppState::applyPresets(const Persisted &record) {
@@ -64,12 +71,17 @@ void AppState::applyPresets(const Persisted &record) {
     });
     setPresets(std::move(presets));
 
-    setActivePresetID(record.activePresetID);
-    if (activePreset() != nullptr)
-        return;
-    const auto named = std::ranges::find_if(
-        presets_, [&](const Preset &preset) { return record.activePresetName == preset.name; });
-    setActivePresetID(named != presets_.end() ? named->id : firstPresetID());
+    setActivePreset(record.activePresetID, record.activePresetName);
+}
+
+void AppState::setActivePreset(std::optional<Uuid> id, const std::optional<std::string> &name) {
+    const auto isIn = [this](const auto &found) { return found != presets_.end(); };
+    if (!id || !isIn(std::ranges::find(presets_, *id, &Preset::id))) {
+        const auto named = std::ranges::find_if(
+            presets_, [&](const Preset &preset) { return name == preset.name; });
+        id = isIn(named) ? named->id : firstPresetID();
+    }
+    setActivePresetID(id);
 }
 
 // Saving
@@ -80,6 +92,8 @@ void AppState::observeSettings() {
     const auto observe = [&](const auto *owner, auto changed) {
         Timer &save = *pending++;
         connect(owner, changed, this, [this, &save] {
+            if (isTaking_)
+                return; // the file has it
             save = Timer::once(clock_, saveDelaySeconds, [this] { persist(); });
         });
     };
@@ -92,10 +106,19 @@ void AppState::observeSettings() {
 
 void AppState::persist() {
     try {
-        const std::string text = encodeRecord(currentSettings());
-        keepUnknownFile();
-        replaceFile(persistURL, text);
-        setPersistWarning(std::nullopt);
+        requireFileOrNothing(file_.path());
+        const SettingsFileLock lock(file_.path());
+        auto warning = takeUnseenOrSetAside();
+        Persisted record = currentSettings();
+        const auto &chosen = engine_->outputChoice();
+        choiceFile_.prepare(chosen, seen_.outputDeviceUID, record.outputDeviceUID);
+        file_.write(record);
+        choiceFile_.finish(chosen, record.outputDeviceUID);
+        seen_ = std::move(record);
+        setPersistWarning(std::move(warning));
+    } catch (const SettingsFileError &error) {
+        setPersistWarning(fmt::format("Settings could not be saved: {}. The file is left as it is.",
+                                      error.what()));
     } catch (const std::exception &error) {
         setPersistWarning(std::string("Settings could not be saved: ") + error.what());
     }
@@ -114,18 +137,101 @@ Persisted AppState::currentSettings() const {
             .outputDeviceUID = output ? std::optional(output->uid) : std::nullopt};
 }
 
-/// A file that could not be read at the start was passed over in silence, but it may be all that
-/// the user ever set: it is moved, not replaced.
-void AppState::keepUnknownFile() {
-    std::error_code ignored;
-    if (!fileIsKnown_ && std::filesystem::is_regular_file(persistURL, ignored))
-        if (const SetAside result = setAside(persistURL); result.error)
+// Changes from outside
+
+void AppState::takeFileChanges() {
+    constexpr double secondLookSeconds = 1.0;
+    try {
+        if (const auto theirs = file_.readChange())
+            take(*theirs);
+        unreadableLook_.invalidate();
+    } catch (const SettingsFileError &) {
+        return; // a save will say so
+    } catch (const DecodingError &) {
+        unreadableLook_ =
+            Timer::once(clock_, secondLookSeconds, [this] { setAsideIfUnreadable(); });
+    }
+}
+
+void AppState::setAsideIfUnreadable() {
+    try {
+        const SettingsFileLock lock(file_.path());
+        if (auto warning = takeUnseenOrSetAside())
+            setPersistWarning(std::move(warning));
+    } catch (const std::exception &) {
+        return; // a save will say so
+    }
+}
+
+/// Needs the lock. Returns the warning of a file that had to be moved; throws FileReplacementError
+/// for one that cannot be moved, and SettingsFileError for one that cannot be read.
+std::optional<std::string> AppState::takeUnseenOrSetAside() {
+    try {
+        if (const auto theirs = file_.readChange())
+            take(*theirs);
+        return std::nullopt;
+    } catch (const DecodingError &) {
+        const SetAside result = setAside(file_.path());
+        if (result.error)
             throw FileReplacementError(result.error.message());
-    fileIsKnown_ = true;
+        return setAsideWarning(result);
+    }
+}
+
+void AppState::take(const Persisted &theirs) {
+    const Persisted ours = currentSettings();
+    const Persisted merged = mergedSettings(seen_, ours, theirs);
+    const bool isOutputTheirs = ours.outputDeviceUID == seen_.outputDeviceUID &&
+                                theirs.outputDeviceUID != seen_.outputDeviceUID;
+    const bool isActiveTheirs = ours.activePresetID == seen_.activePresetID;
+    Persisted before = std::exchange(seen_, theirs);
+    if (!seen_.mixer)
+        seen_.mixer = before.mixer;
+    if (!seen_.eqGlobalGainDB)
+        seen_.eqGlobalGainDB = before.eqGlobalGainDB;
+
+    isTaking_ = true;
+    if (merged.presets != ours.presets) {
+        setPresets(merged.presets);
+        Q_EMIT presetsTaken(ours.presets, merged.presets);
+    }
+    if (merged.activePresetID != activePresetID_ || activePreset() == nullptr)
+        setActivePreset(merged.activePresetID, merged.activePresetName);
+    if (isActiveTheirs)
+        seen_.activePresetID = activePresetID_;
+    // Never louder than before and after on the way.
+    const bool isGainLower = merged.eqGlobalGainDB < ours.eqGlobalGainDB;
+    const auto applyGain = [&](bool isItsTurn) {
+        if (isItsTurn && merged.eqGlobalGainDB != ours.eqGlobalGainDB)
+            engine_->eq().setGlobalGainDB(*merged.eqGlobalGainDB);
+    };
+    applyGain(isGainLower);
+    if (merged.bands != ours.bands) {
+        engine_->eq().setBands(merged.bands);
+        takeOverBandIDs();
+        seen_.bands = engine_->eq().bands();
+    }
+    applyGain(!isGainLower);
+    if (merged.spatial != ours.spatial)
+        engine_->setSpatial(merged.spatial);
+    if (merged.mixer != ours.mixer)
+        engine_->setMixer(*merged.mixer);
+    if (isOutputTheirs)
+        takeOutput(theirs.outputDeviceUID);
+    isTaking_ = false;
+}
+
+/// The choice of another program on this machine; a device of another machine is passed over.
+void AppState::takeOutput(const std::optional<std::string> &uid) {
+    choiceFile_ = OutputChoiceFile(file_.path());
+    const auto chosen = choiceFile_.chosenUID(uid);
+    if (chosen && chosen != engine_->outputChoice())
+        if (auto device = deviceManager_.outputDevice(*chosen))
+            engine_->setOutputDevice(std::move(device));
 }
 
 void AppState::setPersistWarning(std::optional<std::string> warning) {
-    if (warning == persistWarning_)
+    if (!warning && !persistWarning_)
         return;
     persistWarning_ = std::move(warning);
     Q_EMIT persistWarningChanged();

@@ -81,11 +81,11 @@ class AppStateTest : public ::testing::Test {
     }
     /// What the settings file says now.
     [[nodiscard]] Persisted saved() const { return readSettingsFile(file.string()); }
-    /// The names in the settings folder, but for the settings file.
+    /// The names in the settings folder, but for the settings file and its lock.
     [[nodiscard]] std::vector<std::string> otherFiles() const {
         std::vector<std::string> names;
         for (const auto &entry : std::filesystem::directory_iterator(folder))
-            if (entry.path() != file)
+            if (entry.path() != file && entry.path() != file.string() + ".lock")
                 names.push_back(entry.path().filename());
         return names;
     }

@@ -10,6 +10,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 class AppStateSaving : public AppStateTest {};
@@ -149,28 +150,50 @@ TEST_F(AppStateSaving, whatIsNoFileIsNeitherReadNorReplaced) {
     EXPECT_THAT(otherFiles(), IsEmpty());
 }
 
-TEST_F(AppStateSaving, aFileThatCouldNotBeReadIsMovedNotReplaced) {
-    write(file, "not ours");
-    std::filesystem::resize_file(file, 100'000'000);
+TEST_F(AppStateSaving, aFileThatCannotBeReadIsLeftUntilItCanAndThenTaken) {
+    std::filesystem::create_symlink("state.json", file); // a circle: nobody can read it
     launch();
     EXPECT_EQ(warning(), "");
-    EXPECT_THAT(otherFiles(), IsEmpty());
-    saveGain(2.0F);
-    EXPECT_EQ(saved().eqGlobalGainDB, 2.0F);
-    ASSERT_EQ(otherFiles().size(), 1U);
-    EXPECT_EQ(std::filesystem::file_size(folder / otherFiles().front()), 100'000'000U);
+    int announced = 0;
+    QObject::connect(state.get(), &AppState::persistWarningChanged, [&] { ++announced; });
+    for (int save = 1; save <= 2; ++save) {
+        saveGain(2.0F);
+        EXPECT_THAT(warning(), HasSubstr("state.json: Too many levels of symbolic links"));
+        EXPECT_THAT(warning(), EndsWith("The file is left as it is."));
+        EXPECT_EQ(announced, save) << "each failure is told";
+    }
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+
+    std::filesystem::remove(file);
+    Persisted theirs = untouched();
+    theirs.mixer = MixerConfig{.saturationEnabled = true};
+    write(file, encodeRecord(theirs));
     saveGain(3.0F);
-    EXPECT_EQ(otherFiles().size(), 1U) << "our own file is replaced";
+    EXPECT_EQ(warning(), "");
+    EXPECT_EQ(saved().eqGlobalGainDB, 3.0F);
+    EXPECT_TRUE(saved().mixer->saturationEnabled) << "what could not be read then";
+    EXPECT_THAT(otherFiles(), IsEmpty());
 }
 
-TEST_F(AppStateSaving, theFileBehindALinkIsReplaced) {
-    std::filesystem::create_directory(folder / "elsewhere");
-    write(folder / "elsewhere" / "mine.json", encodeRecord(untouched()));
-    std::filesystem::create_symlink("elsewhere/mine.json", file);
+TEST_F(AppStateSaving, linksAreKeptWhateverTheyLeadTo) {
+    const std::filesystem::path target = folder / "elsewhere" / "mine.json";
+    std::filesystem::create_symlink("elsewhere/mine.json", file); // leads nowhere yet
     launch();
     saveGain(2.0F);
     EXPECT_TRUE(std::filesystem::is_symlink(file));
-    EXPECT_EQ(readSettingsFile(folder / "elsewhere" / "mine.json").eqGlobalGainDB, 2.0F);
+    EXPECT_EQ(readSettingsFile(target).eqGlobalGainDB, 2.0F);
+    launch();
+    EXPECT_EQ(gain(), 2.0F);
+    saveGain(3.0F);
+    EXPECT_EQ(readSettingsFile(target).eqGlobalGainDB, 3.0F);
+
+    write(target, "broken");
+    launch();
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_THAT(warning(), HasSubstr((folder / "elsewhere" / "state.corrupt-").string()));
+    EXPECT_FALSE(std::filesystem::exists(target)) << "what it leads to was set aside";
+    saveGain(4.0F);
+    EXPECT_EQ(readSettingsFile(target).eqGlobalGainDB, 4.0F);
     EXPECT_THAT(otherFiles(), ElementsAre("elsewhere"));
 }
 

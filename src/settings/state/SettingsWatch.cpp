@@ -1,0 +1,61 @@
+#include "settings/state/SettingsWatch.h"
+
+#include "settings/state/AppState.h"
+
+#include <QFile>
+#include <QStringList>
+
+#include <filesystem>
+
+namespace quorbel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A program that writes the file piece by piece is given this long between two pieces.
+constexpr double quietSeconds = 0.25;
+
+/// Everything whose change can make the path lead to another content: the file and each link on the
+/// way, with their folders, or the nearest folder that exists.
+QStringList placesOf(const std::string &path) {
+    constexpr int mostLinks = 40;
+    QStringList places;
+    std::error_code error;
+    fs::path place = fs::absolute(path, error);
+    for (int links = 0; links <= mostLinks; ++links) {
+        fs::path folder = place.parent_path();
+        while (!fs::is_directory(folder, error) && folder != folder.parent_path())
+            folder = folder.parent_path();
+        places << QFile::decodeName(folder.c_str());
+        if (!fs::is_symlink(place, error))
+            break;
+        const fs::path target = fs::read_symlink(place, error);
+        place = place.parent_path() / target;
+    }
+    if (fs::is_regular_file(place, error))
+        places << QFile::decodeName(place.c_str());
+    places.removeDuplicates();
+    return places;
+}
+
+} // namespace
+
+SettingsWatch::SettingsWatch(AppState &state, Clock &clock) : state_(state), clock_(clock) {
+    const auto changed = [this] {
+        watchPlaces();
+        look_ = Timer::once(clock_, quietSeconds, [this] { state_.takeFileChanges(); });
+    };
+    connect(&watcher_, &QFileSystemWatcher::fileChanged, this, changed);
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, changed);
+    watchPlaces();
+}
+
+/// All anew: under the same name there may be another file now.
+void SettingsWatch::watchPlaces() {
+    if (const QStringList watched = watcher_.files() + watcher_.directories(); !watched.isEmpty())
+        watcher_.removePaths(watched);
+    watcher_.addPaths(placesOf(state_.settingsPath()));
+}
+
+} // namespace quorbel

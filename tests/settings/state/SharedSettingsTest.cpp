@@ -1,0 +1,217 @@
+#include "settings/state/AppStateFixture.h"
+#include "settings/state/FileReplacement.h"
+#include "settings/state/SettingsFileLock.h"
+#include "settings/state/SettingsMerge.h"
+#include "settings/state/SettingsWatch.h"
+#include "settings/state/SharedSettingsFile.h"
+
+#include <QCoreApplication>
+
+#include <random>
+#include <set>
+
+namespace quorbel::testing {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class SharedSettings : public AppStateTest {
+  protected:
+    [[nodiscard]] std::unique_ptr<AppState> program() {
+        return std::make_unique<AppState>(hardware, clock, file.string());
+    }
+    /// As a synchronising tool or an editor changes the file.
+    void writeGain(float gainDB) {
+        Persisted record = saved();
+        record.eqGlobalGainDB = gainDB;
+        replaceFile(file, encodeRecord(record));
+    }
+    [[nodiscard]] static std::set<std::string> userNames(const std::vector<Preset> &presets) {
+        std::set<std::string> names;
+        for (const Preset &preset : presets)
+            if (preset.category == Preset::Category::user)
+                names.insert(preset.name);
+        return names;
+    }
+};
+
+/// Two programs and an importing command change different fields, and presets, of one file, with
+/// and without hearing of each other's changes. Nothing that anyone has set is lost.
+TEST_F(SharedSettings, loseNothingInAnyStormOfWriters) {
+    const auto seed = std::random_device{}();
+    SCOPED_TRACE(::testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    const auto upTo = [&](int count) {
+        return std::uniform_int_distribution<int>(0, count - 1)(random);
+    };
+    std::array<std::unique_ptr<AppState>, 2> programs{program(), program()};
+    Persisted expected = untouched();
+    expected.eqGlobalGainDB = 0.0F;
+    expected.mixer = MixerConfig{};
+    std::set<std::string> names;
+    int number = 0;
+    for (int rest = 0; rest < 25; ++rest) {
+        const int swapped = upTo(2); // who changes what, until the next rest
+        AppState &first = *programs[static_cast<std::size_t>(swapped)];
+        AppState &second = *programs[static_cast<std::size_t>(1 - swapped)];
+        for (int change = 0, count = 1 + upTo(12); change < count; ++change) {
+            const auto value = static_cast<float>(1 + number++ % 11);
+            const std::string name = "preset " + std::to_string(number);
+            AppState &either = *programs[static_cast<std::size_t>(upTo(2))];
+            switch (upTo(9)) {
+            case 0:
+                first.engine().eq().setGlobalGainDB(value);
+                expected.eqGlobalGainDB = value;
+                break;
+            case 1:
+                expected.spatial.widthPercent = 100.0F + value;
+                first.engine().setSpatial(expected.spatial);
+                break;
+            case 2:
+                expected.mixer->manualLoudnessDB = value;
+                second.engine().setMixer(*expected.mixer);
+                break;
+            case 3: {
+                auto bands = second.engine().eq().bands();
+                bands[0].gainDB = expected.bands[0].gainDB = value;
+                second.engine().eq().setBands(bands);
+                break;
+            }
+            case 4:
+                either.savePreset(name);
+                names.insert(name);
+                break;
+            case 5:
+                if (const Preset last = first.presets().back();
+                    last.category == Preset::Category::user) {
+                    first.deletePreset(last);
+                    names.erase(last.name);
+                }
+                break;
+            case 6: { // a command that knows the file of this moment
+                const SettingsFileLock lock(file);
+                SharedSettingsFile shared(file);
+                Persisted record = shared.readChange().value_or(untouched());
+                record.presets.push_back({.id = Uuid::random(), .name = name});
+                shared.write(record);
+                names.insert(name);
+                break;
+            }
+            case 7:
+                either.takeFileChanges();
+                break;
+            default:
+                wait(0.2 * upTo(4));
+            }
+        }
+        wait(0.6);
+        for (const auto &each : programs)
+            each->persist();
+        for (const auto &each : programs)
+            each->takeFileChanges();
+        if (upTo(3) == 0)
+            programs[0] = program();
+        (void)saves();
+        wait(1.0);
+        ASSERT_EQ(saves(), 0) << "they do not answer each other for ever";
+        for (const auto &each : programs) {
+            ASSERT_EQ(each->engine().eq().globalGainDB(), expected.eqGlobalGainDB);
+            ASSERT_EQ(each->engine().spatial(), expected.spatial);
+            ASSERT_EQ(each->engine().mixer(), expected.mixer);
+            ASSERT_EQ(each->engine().eq().bands()[0].gainDB, expected.bands[0].gainDB);
+            ASSERT_EQ(userNames(each->presets()), names);
+        }
+        ASSERT_EQ(userNames(saved().presets), names);
+        ASSERT_EQ(saved().eqGlobalGainDB, expected.eqGlobalGainDB);
+    }
+    EXPECT_THAT(otherFiles(), IsEmpty());
+}
+
+TEST_F(SharedSettings, anUnfinishedTextIsWaitedForAndAnUnreadableOneSetAside) {
+    launchWith(untouched());
+    write(file, "{\"bands\":");
+    state->takeFileChanges();
+    wait(0.9);
+    Persisted theirs = untouched();
+    theirs.eqGlobalGainDB = 4.0F;
+    write(file, encodeRecord(theirs)); // its writer has come to the end
+    state->takeFileChanges();
+    wait(2.0);
+    EXPECT_EQ(gain(), 4.0F);
+    EXPECT_THAT(otherFiles(), IsEmpty());
+
+    write(file, "broken");
+    state->takeFileChanges();
+    wait(1.1);
+    ASSERT_THAT(otherFiles(), SizeIs(1));
+    EXPECT_EQ(contentOf(folder / otherFiles().front()), "broken");
+    EXPECT_EQ(warning(), "Saved settings were unreadable and were set aside as " +
+                             otherFiles().front() + ". Starting fresh.");
+    EXPECT_EQ(gain(), 4.0F);
+
+    // Found by a save, the warning stays until the next one.
+    write(file, "broken again");
+    saveGain(5.0F);
+    EXPECT_THAT(warning(), HasSubstr("set aside"));
+    EXPECT_THAT(otherFiles(), SizeIs(2));
+    EXPECT_EQ(saved().eqGlobalGainDB, 5.0F);
+    saveGain(6.0F);
+    EXPECT_EQ(warning(), "");
+}
+
+TEST_F(SharedSettings, areWrittenByOneAtATime) {
+    std::filesystem::create_symlink("mine.json", folder / "link");
+    {
+        const SettingsFileLock lock(folder / "mine.json");
+        EXPECT_THROW(SettingsFileLock(folder / "link", 0.0), FileReplacementError);
+    }
+    EXPECT_NO_THROW(SettingsFileLock(folder / "link", 0.0));
+}
+
+TEST_F(SharedSettings, areHeardOfHoweverTheyAreWritten) {
+    int argumentCount = 1;
+    char name[] = "test";
+    char *arguments[] = {name, nullptr};
+    const QCoreApplication application(argumentCount, arguments);
+    std::filesystem::remove(folder);
+    const auto elsewhere = folder.parent_path() / "elsewhere";
+    std::filesystem::create_directory(elsewhere);
+    launch();
+    const SettingsWatch watch(*state, clock);
+    // The system tells of a change before the call that makes it returns.
+    const auto heard = [&] {
+        QCoreApplication::processEvents();
+        wait(0.3);
+        return gain();
+    };
+    Persisted record = untouched();
+    std::filesystem::create_directory(folder);
+    EXPECT_EQ(heard(), 0.0F);
+    record.eqGlobalGainDB = 1.0F;
+    write(file, encodeRecord(record));
+    EXPECT_EQ(heard(), 1.0F) << "in a folder that was not there";
+    record.eqGlobalGainDB = 2.0F;
+    write(file, encodeRecord(record));
+    EXPECT_EQ(heard(), 2.0F) << "in place";
+    writeGain(3.0F);
+    EXPECT_EQ(heard(), 3.0F) << "replaced";
+    record.eqGlobalGainDB = 4.0F;
+    write(file, encodeRecord(record));
+    EXPECT_EQ(heard(), 4.0F) << "in place of what was replaced";
+
+    std::filesystem::rename(file, elsewhere / "mine.json");
+    std::filesystem::create_symlink(elsewhere / "mine.json", file);
+    EXPECT_EQ(heard(), 4.0F);
+    writeGain(5.0F);
+    EXPECT_EQ(heard(), 5.0F) << "behind a link";
+    record.eqGlobalGainDB = 6.0F;
+    write(elsewhere / "other.json", encodeRecord(record));
+    std::filesystem::create_symlink(elsewhere / "other.json", folder / "new");
+    std::filesystem::rename(folder / "new", file);
+    EXPECT_EQ(heard(), 6.0F) << "by another link";
+}
+
+} // namespace
+} // namespace quorbel::testing
