@@ -153,6 +153,8 @@ TEST(RecordDecodingErrors, documentsThatAreNoSettingsAtAll) {
         {"\"text\"", "expected an object, found \"text\""},
         {"{}", "required, but missing"},
         {std::string(3, '\0'), "not valid JSON at line 1, column 1"},
+        {goodTextWith("", "") + std::string("\n\0{", 3),
+         "not valid JSON at line 2, column 1: zero"},
         {"\xff\xfe{\0}", "not valid JSON"},
         {"\n\n  {,}", "not valid JSON at line 3, column 4: "},
         {"PK\x03\x04", "not valid JSON"},

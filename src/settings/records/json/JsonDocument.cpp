@@ -52,6 +52,10 @@ class DocumentBuilder final : public nlohmann::json_sax<json> {
         throw DecodingError(path(), "not valid JSON at " + place(position) + ": " + reason(error));
     }
 
+    [[noreturn]] void fail(std::size_t index, const std::string &why) const {
+        throw DecodingError(path(), "not valid JSON at " + place(index + 1) + ": " + why);
+    }
+
   private:
     struct Container {
         json *value;
@@ -139,6 +143,9 @@ json parseJson(std::string_view text) {
         throw DecodingError("", "empty, holds no JSON");
     DocumentBuilder builder(text);
     json::sax_parse(text, &builder);
+    // The library takes a zero byte for the end of the text.
+    if (const auto zero = text.find('\0'); zero != std::string_view::npos)
+        builder.fail(zero, "zero byte");
     return builder.take();
 }
 
