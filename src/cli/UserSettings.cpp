@@ -2,29 +2,34 @@
 
 #include "cli/CommandError.h"
 #include "cli/PresetChoice.h"
-#include "cli/SettingsSource.h"
 #include "settings/records/SettingsFile.h"
-#include "settings/records/json/SettingsCoding.h"
-#include "settings/state/FileReplacement.h"
-
-#include <filesystem>
+#include "settings/records/json/CodingError.h"
+#include "settings/state/SettingsFileLock.h"
+#include "settings/state/SettingsMerge.h"
 
 namespace quorbel {
 
-UserSettings::UserSettings() : path_(userSettingsPath()) {
-    std::error_code unknown;
-    const bool exists = std::filesystem::symlink_status(path_, unknown).type() !=
-                        std::filesystem::file_type::not_found;
-    // Named, the file must be readable; unnamed, the defaults would take its place.
-    settings = loadSettings(exists ? path_ : "");
+UserSettings::UserSettings() : file_(userSettingsPath()) {
+    settings.bands = EQBand::defaultBands();
+    try {
+        if (auto record = file_.readChange())
+            settings = std::move(*record);
+    } catch (const SettingsFileError &error) {
+        throw CommandError(error.what());
+    } catch (const DecodingError &error) {
+        throw CommandError(file_.path() + ": " + error.what());
+    }
     settings.presets = availablePresets(settings);
+    asRead_ = settings;
 }
 
-void UserSettings::save() const {
+void UserSettings::save() {
     try {
-        replaceFile(path_, encodeRecord(settings));
-    } catch (const FileReplacementError &error) {
-        throw CommandError(path_ + ": cannot be written: " + error.what());
+        const SettingsFileLock lock(file_.path());
+        const auto theirs = file_.readChange();
+        file_.write(theirs ? mergedSettings(asRead_, settings, *theirs) : settings);
+    } catch (const std::exception &error) {
+        throw CommandError(file_.path() + ": cannot be written: " + error.what());
     }
 }
 

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "settings/records/Persisted.h"
-
-#include <string>
+#include "settings/state/SharedSettingsFile.h"
 
 namespace quorbel {
 
@@ -15,11 +14,13 @@ class UserSettings {
 
     Persisted settings;
 
-    /// Replaces the file as a whole. Throws CommandError; the file is then as it was.
-    void save() const;
+    /// Replaces the file as a whole, with what another program has written since. Throws
+    /// CommandError; the file is then as it was.
+    void save();
 
   private:
-    std::string path_;
+    SharedSettingsFile file_;
+    Persisted asRead_;
 };
 
 } // namespace quorbel
