@@ -10,7 +10,9 @@
 #include "engine/AudioEngine.h"
 #include "platform/hardware/InstanceLock.h"
 #include "platform/threads/MainLoopClock.h"
+#include "settings/records/SettingsFile.h"
 #include "settings/records/json/JsonLiterals.h"
+#include "settings/state/OutputChoiceFile.h"
 
 #include <fmt/format.h>
 
@@ -23,22 +25,13 @@ namespace quorbel {
 
 namespace {
 
-/// The device that the user named, else the saved one if it is here, else the default output.
-std::optional<AudioDevice> chooseDevice(const DeviceManager &manager,
-                                        const std::optional<std::string> &named,
-                                        const std::optional<std::string> &saved) {
-    if (named) {
-        const auto device = manager.outputDevice(*named);
-        if (!device)
-            throw CommandError(
-                fmt::format("no output device has the uid {}; `ostrafine-cli devices` lists them",
-                            quotedText(*named)));
-        return device;
-    }
-    if (saved)
-        if (const auto device = manager.outputDevice(*saved))
-            return device;
-    return manager.defaultOutput();
+AudioDevice deviceNamed(const DeviceManager &manager, const std::string &uid) {
+    const auto device = manager.outputDevice(uid);
+    if (!device)
+        throw CommandError(
+            fmt::format("no output device has the uid {}; `ostrafine-cli devices` lists them",
+                        quotedText(uid)));
+    return *device;
 }
 
 } // namespace
@@ -89,7 +82,15 @@ void LiveCommand::run() const {
     engine.eq().setGlobalGainDB(chain.eqGlobalGainDB);
     engine.setSpatial(chain.spatial);
     engine.setMixer(chain.mixer);
-    engine.setOutputDevice(chooseDevice(devices, deviceUID_, settings.outputDeviceUID));
+    if (deviceUID_) {
+        engine.setOutputDevice(deviceNamed(devices, *deviceUID_));
+    } else {
+        engine.restoreOutputChoice(
+            settingsPath_.empty()
+                ? OutputChoiceFile(userSettingsPath()).chosenUID(settings.outputDeviceUID)
+                : settings.outputDeviceUID);
+        engine.useDefaultOutput();
+    }
 
     const QSocketNotifier notifier(signals.descriptor(), QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
