@@ -36,11 +36,6 @@ std::string readText(const std::string &path) {
     return text;
 }
 
-bool isJson(const std::string &text) {
-    const auto first = text.find_first_not_of(" \t\r\n");
-    return first != std::string::npos && text[first] == '{';
-}
-
 std::string notesText(const char *title, const std::vector<LineNote> &notes) {
     std::string text = notes.empty() ? "" : fmt::format("{}:\n", title);
     for (const LineNote &note : notes)
@@ -65,9 +60,7 @@ std::string importText(Persisted &settings, const std::string &text, const std::
 
 std::string importPreset(Persisted &settings, const std::string &text,
                          const std::optional<std::string> &name) {
-    Preset preset = readPresetFile(text);
-    if (name)
-        preset.name = *name;
+    const Preset preset = readPresetFile(text, name);
     settings.presets.push_back(preset);
     settings.activePresetID = preset.id;
     settings.activePresetName = preset.name;
@@ -97,7 +90,7 @@ void ImportCommand::run() const {
     UserSettings user;
     std::string report;
     try {
-        report = isJson(text)
+        report = isPresetFile(text)
                      ? importPreset(user.settings, text, name_)
                      : importText(user.settings, text,
                                   name_.value_or(std::filesystem::path(path_).stem().string()));

@@ -38,7 +38,8 @@ TEST_F(ImportExport, WhatIsImportedIsHeardAndListedAndWrittenAgain) {
     EXPECT_THAT(again, HasSubstr("Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.7"));
 
     ASSERT_EQ(run({"export", "--preset", "Cans", path("cans.json")}).status, 0);
-    EXPECT_EQ(run({"import", path("cans.json"), "--name", "Twin"}).status, 0);
+    const std::string marked = file("marked.json", "\xEF\xBB\xBF" + bytes(path("cans.json")));
+    EXPECT_EQ(run({"import", marked, "--name", "Twin"}).status, 0);
     EXPECT_THAT(run({"presets"}).output, HasSubstr("Twin"));
 }
 
@@ -47,6 +48,7 @@ TEST_F(ImportExport, WhatCannotBeTakenLeavesEverythingAsItWas) {
     expectRefusal({"import", path("absent.txt")}, "does not exist");
     expectRefusal({"import", file("prose.txt", "no filter here\n")}, "prose.txt");
     expectRefusal({"import", file("cut.json", "{\"name\": \"x\"")}, "cut.json");
+    expectRefusal({"import", good, "--name", " "}, "the preset needs a name");
     expectRefusal({"export", "--preset", "Nobody's", path("out.txt")}, "no preset is named");
     expectRefusal({"export", "--preset", "Flat", path("cans.txt/out.txt")}, "cannot be written");
     file("../Quorbel", "a file in the place of the settings' folder");

@@ -34,11 +34,6 @@ std::string readText(const std::string &path) {
     return text;
 }
 
-bool isJson(const std::string &text) {
-    const auto first = text.find_first_not_of(" \t\r\n");
-    return first != std::string::npos && text[first] == '{';
-}
-
 ImportedPreset fromText(const std::string &text, const std::string &name) {
     EqualizerImport import = importEqualizerText(text, name);
     std::string summary = fmt::format(
@@ -68,7 +63,7 @@ ImportedPreset readPreset(const std::string &path) {
     const std::filesystem::path file(path);
     try {
         const std::string text = readText(path);
-        return isJson(text) ? fromPresetFile(text) : fromText(text, file.stem().string());
+        return isPresetFile(text) ? fromPresetFile(text) : fromText(text, file.stem().string());
     } catch (const std::exception &error) {
         throw PresetExchangeError(file.filename().string() + ": " + error.what());
     }

@@ -31,6 +31,18 @@ TEST(PresetFile, aShortListOfBandsIsFilledUp) {
     EXPECT_EQ(read.bands[9].gainDB, 0.0F);
 }
 
+TEST(PresetFile, aByteOrderMarkIsNoReasonToRefuseButANameOfBlanksIs) {
+    Preset preset = factoryPresets()[1];
+    const std::string marked = "\xEF\xBB\xBF" + writePresetFile(preset);
+    EXPECT_TRUE(isPresetFile(marked));
+    EXPECT_FALSE(isPresetFile("\xEF\xBB\xBFPreamp: 0 dB"));
+    EXPECT_EQ(readPresetFile(marked).bands, preset.bands);
+    EXPECT_THROW((void)readPresetFile(marked, " \t"), InterchangeError);
+    preset.name = " ";
+    EXPECT_THROW((void)readPresetFile(writePresetFile(preset)), InterchangeError);
+    EXPECT_EQ(readPresetFile(writePresetFile(preset), "Given").name, "Given");
+}
+
 TEST(PresetFile, whatDoesNotFitIsNamed) {
     try {
         (void)readPresetFile(R"({"id":"00000000-0000-0000-0000-000000000001","name":"One",)"
