@@ -1,5 +1,6 @@
 #include "ui/model/HistoryModel.h"
 
+#include "settings/state/SettingsMerge.h"
 #include "ui/model/UserPresets.h"
 
 #include <utility>
@@ -12,7 +13,16 @@ HistoryModel::HistoryModel(AppState &state, Clock &clock, QObject *parent)
 void HistoryModel::edit(const QString &what, const std::string &key,
                         const std::function<void()> &change) {
     EditState before = current();
-    change();
+    {
+        // A save within the change may take presets that another program wrote. They are no part of
+        // the step, and undoing it must not delete them.
+        QObject context;
+        connect(&state_, &AppState::presetsTaken, &context, [&](const auto &from, const auto &to) {
+            before.userPresets =
+                mergedPresets(userPresets(from), userPresets(to), before.userPresets);
+        });
+        change();
+    }
     history_.record(std::move(before), current(), what.toStdString(), key, clock_.now());
     Q_EMIT changed();
 }
@@ -58,7 +68,7 @@ EditState HistoryModel::current() const {
             .globalGainDB = engine.eq().globalGainDB(),
             .spatial = engine.spatial(),
             .mixer = engine.mixer(),
-            .userPresets = userPresets(state_),
+            .userPresets = userPresets(state_.presets()),
             .activePresetID = state_.activePresetID()};
 }
 
@@ -66,7 +76,8 @@ void HistoryModel::restore(const EditState &from, const EditState &to) {
     AudioEngine &engine = state_.engine();
     const bool presetsChange = from.userPresets != to.userPresets;
     if (presetsChange)
-        state_.setUserPresets(to.userPresets);
+        state_.setUserPresets(
+            mergedPresets(from.userPresets, to.userPresets, userPresets(state_.presets())));
     const auto &bands = from.bands == to.bands ? engine.eq().bands() : to.bands;
     const SpatialConfig &spatial = from.spatial == to.spatial ? engine.spatial() : to.spatial;
     if (from.activePresetID != to.activePresetID && to.activePresetID) {

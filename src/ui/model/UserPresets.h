@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// The user's presets, in list order.
-[[nodiscard]] std::vector<Preset> userPresets(const AppState &state);
+/// The user's among `presets`, in list order.
+[[nodiscard]] std::vector<Preset> userPresets(const std::vector<Preset> &presets);
 
 /// Makes `preset` one of the user's and the active one, its bands and spatial settings the current
 /// ones; written at once.

@@ -1,3 +1,4 @@
+#include "settings/records/json/SettingsCoding.h"
 #include "ui/model/ModelFixture.h"
 
 #include <algorithm>
@@ -139,6 +140,16 @@ TEST_F(HistoryModelTest, SavingDeletingAndImportingAreSteps) {
     EXPECT_TRUE(now() == end);
     EXPECT_EQ(readSettingsFile((folder.path() / "state.json").string()).presets, end.presets)
         << "on disk as well, at once";
+
+    // Another program adds a preset meanwhile; the next save takes it, and undo leaves it.
+    Persisted theirs = readSettingsFile(state->settingsPath());
+    theirs.presets.push_back({.id = Uuid::random(), .name = "Theirs"});
+    write(state->settingsPath(), encodeRecord(theirs));
+    app->presets()->save("Three");
+    for (int i = 0; i < 5; ++i)
+        history().undo();
+    EXPECT_EQ(app->presets()->count(), 34);
+    EXPECT_EQ(state->presets().back().name, "Theirs");
 }
 
 } // namespace
