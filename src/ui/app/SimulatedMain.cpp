@@ -4,6 +4,7 @@
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/Timer.h"
 #include "settings/state/AppState.h"
+#include "settings/state/SettingsWatch.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/QuitSignals.h"
@@ -110,6 +111,7 @@ int main(int argc, char **argv) {
     SimulatedHardware machine(clock);
     equip(machine, options.state);
     AppState state(machine, clock, settings.toStdString());
+    const SettingsWatch watch(state, clock);
     AppModel model(state, clock);
     // What was played is not needed, and would be kept for ever.
     const auto forget = Timer::repeating(clock, 5.0, [&] {

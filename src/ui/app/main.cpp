@@ -3,6 +3,7 @@
 #include "platform/hardware/SystemHardware.h"
 #include "platform/threads/MainLoopClock.h"
 #include "settings/state/AppState.h"
+#include "settings/state/SettingsWatch.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/ProcessingPermit.h"
@@ -50,6 +51,7 @@ int main(int argc, char **argv) {
         return 1;
     MainLoopClock clock;
     AppState state(*hardware, clock);
+    const SettingsWatch watch(state, clock);
     AppModel model(state, clock);
     model.about()->setSoundLibrary(QString::fromStdString(systemHardwareLibrary()));
     EngineModel &engine = *model.engine();
