@@ -29,9 +29,7 @@ Stage equalizer() {
 
 Stage tone() {
     auto tone = std::make_shared<ToneEqualizer>();
-    tone->setGainDB(ToneEqualizer::bass, 2.0F);
-    tone->setGainDB(ToneEqualizer::mid, -1.0F);
-    tone->setGainDB(ToneEqualizer::treble, 1.0F);
+    tone->setGainsDB({2.0F, -1.0F, 1.0F});
     return stageOf({tone, &tone->node()});
 }
 

@@ -71,6 +71,7 @@ Stage stageOf(std::shared_ptr<GraphNode> node) {
     return [node = std::move(node), time = RenderTime{}](float *left, float *right,
                                                          std::uint32_t frames) mutable {
         AudioBufferList buffers(left, right);
+        node->takeSettings();
         node->render(time, buffers, frames);
         time.sampleTime += frames;
     };

@@ -20,34 +20,39 @@ void EQProcessor::setBands(std::vector<EQBand> bands) {
 
 void EQProcessor::setGlobalGainDB(float gainDB) {
     globalGainDB_ = gainDB;
-    syncGlobalGain();
+    sync();
+    Q_EMIT globalGainDBChanged();
+}
+
+void EQProcessor::set(std::vector<EQBand> bands, float globalGainDB) {
+    bands_ = std::move(bands);
+    globalGainDB_ = globalGainDB;
+    sync();
+    Q_EMIT bandsChanged();
     Q_EMIT globalGainDBChanged();
 }
 
 void EQProcessor::setBypassed(float gainDB) {
     bypassGainDB_ = gainDB;
     sync();
-    syncGlobalGain();
 }
 
 void EQProcessor::endBypass() {
     bypassGainDB_.reset();
     sync();
-    syncGlobalGain();
 }
 
-void EQProcessor::syncGlobalGain() { eq_.setGlobalGainDB(bypassGainDB_.value_or(globalGainDB_)); }
-
 void EQProcessor::sync() {
-    const std::size_t count = std::min(bands_.size(), eq_.bandCount());
-    for (std::size_t i = 0; i < count; ++i) {
+    std::vector<EqualizerBandSettings> settings(std::min(bands_.size(), eq_.bandCount()));
+    for (std::size_t i = 0; i < settings.size(); ++i) {
         const EQBand &band = bands_[i];
-        eq_.setBand(i, {.filterType = playedFilterType(band.filterType),
-                        .frequencyHz = band.frequency,
-                        .bandwidthOctaves = bandwidthOctaves(band.q),
-                        .gainDB = band.gainDB,
-                        .bypass = band.bypassed || bypassGainDB_});
+        settings[i] = {.filterType = playedFilterType(band.filterType),
+                       .frequencyHz = band.frequency,
+                       .bandwidthOctaves = bandwidthOctaves(band.q),
+                       .gainDB = band.gainDB,
+                       .bypass = band.bypassed || bypassGainDB_};
     }
+    eq_.set(settings, bypassGainDB_.value_or(globalGainDB_));
 }
 
 } // namespace quorbel

@@ -10,8 +10,9 @@
 
 namespace quorbel {
 
-/// The parametric equaliser of the chain: the band list as the model, and the node that it is
-/// copied onto. Observers hear of every assignment, also of an equal value. [main]
+/// The parametric equaliser of the chain: the band list and the gain as the model, and the node
+/// that both are copied onto, always together. Observers hear of every assignment, also of an equal
+/// value. [main]
 class EQProcessor final : public QObject {
     Q_OBJECT
 
@@ -27,6 +28,9 @@ class EQProcessor final : public QObject {
     [[nodiscard]] float globalGainDB() const { return globalGainDB_; }
     void setGlobalGainDB(float gainDB);
 
+    /// Both at once: no block is rendered with one of them.
+    void set(std::vector<EQBand> bands, float globalGainDB);
+
     /// Leaves the sound alone but for a gain, whatever is set meanwhile, until `endBypass`.
     void setBypassed(float gainDB);
     void endBypass();
@@ -40,7 +44,6 @@ class EQProcessor final : public QObject {
 
   private:
     void sync();
-    void syncGlobalGain();
 
     std::vector<EQBand> bands_;
     float globalGainDB_ = 0.0F;

@@ -56,6 +56,11 @@ Status EffectUnit::allocateRenderResources(std::string &error) {
     return status;
 }
 
+void EffectUnit::takeSettings() noexcept {
+    for (const Cell &cell : cells_)
+        cell->take();
+}
+
 Status EffectUnit::prepare(float, std::string &) { return statusOK; }
 
 } // namespace quorbel

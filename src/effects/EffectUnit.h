@@ -38,6 +38,8 @@ class EffectUnit : public AudioUnit {
     /// The base class's allocation, then `prepare` with the output's rate.
     Status allocateRenderResources(std::string &error) override;
 
+    void takeSettings() noexcept override;
+
     /// What the unit publishes for display (each unit says what); 0 for units that publish nothing.
     /// [any]
     [[nodiscard]] virtual float readout() const noexcept { return 0.0F; }

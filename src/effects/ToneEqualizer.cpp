@@ -25,10 +25,13 @@ ToneEqualizer::ToneEqualizer() {
                           .bypass = false});
 }
 
-void ToneEqualizer::setGainDB(Band band, float gainDB) {
-    EqualizerBandSettings settings = node_.band(band);
-    settings.gainDB = gainDB;
-    node_.setBand(band, settings);
+void ToneEqualizer::setGainsDB(const std::array<float, bandCount> &gainsDB) {
+    std::array<EqualizerBandSettings, bandCount> settings;
+    for (std::size_t i = 0; i < bandCount; ++i) {
+        settings[i] = node_.band(i);
+        settings[i].gainDB = gainsDB[i];
+    }
+    node_.set(settings, 0.0F);
 }
 
 } // namespace quorbel

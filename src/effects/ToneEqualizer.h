@@ -2,6 +2,7 @@
 
 #include "platform/graph/ParametricEqualizerNode.h"
 
+#include <array>
 #include <cstddef>
 
 namespace quorbel {
@@ -13,8 +14,8 @@ class ToneEqualizer {
 
     ToneEqualizer();
 
-    /// In dB; at 0 dB a band costs nothing and changes nothing.
-    void setGainDB(Band band, float gainDB);
+    /// All bands, in dB, taken together; at 0 dB a band costs nothing and changes nothing.
+    void setGainsDB(const std::array<float, bandCount> &gainsDB);
     [[nodiscard]] float gainDB(Band band) const { return node_.band(band).gainDB; }
 
     /// The chain's stage.

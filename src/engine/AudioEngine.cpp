@@ -133,8 +133,11 @@ void AudioEngine::continueStart(EngineLifecycle::Generation start) {
         publishState();
         return;
     }
-    applySpatial();
-    applyMixer();
+    {
+        const auto change = changeSettings();
+        applySpatial();
+        applyMixer();
+    }
     attachSpectrum();
     observeHardware();
     if (lifecycle.finishStart(start)) {

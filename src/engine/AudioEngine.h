@@ -60,6 +60,12 @@ class AudioEngine final : public QObject {
     [[nodiscard]] const MixerConfig &mixer() const { return mixer_; }
     void setMixer(const MixerConfig &mixer);
     [[nodiscard]] EQProcessor &eq() { return chain_.eq(); }
+    /// Settings made while the result lives, the equaliser's included, are heard from one block on:
+    /// `const auto change = engine.changeSettings();`. To be held for the assignments only.
+    [[nodiscard]] ProcessingChain::SettingsChange changeSettings() {
+        return ProcessingChain::SettingsChange(chain_);
+    }
+
     /// The device in use: the chosen one or its stand-in.
     [[nodiscard]] const std::optional<AudioDevice> &outputDevice() const { return outputDevice_; }
     /// The user's choice, which ends an error of having none. While running, playback moves after a

@@ -58,8 +58,8 @@ struct OfflineRenderer::State {
     }
 
     void apply(const ChainSettings &settings) {
-        chain.eq().setBands(settings.bands);
-        chain.eq().setGlobalGainDB(settings.eqGlobalGainDB);
+        const ProcessingChain::SettingsChange change(chain);
+        chain.eq().set(settings.bands, settings.eqGlobalGainDB);
         chain.applySpatial(settings.spatial);
         chain.applyMixer(settings.mixer);
     }

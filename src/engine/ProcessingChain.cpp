@@ -78,6 +78,7 @@ std::vector<GraphNode *> ProcessingChain::stages() {
 }
 
 void ProcessingChain::connect(AudioGraph &graph, SourceNode &source) {
+    graph.setSettingsLock(settingsLock_);
     const std::vector<GraphNode *> present = stages();
     for (GraphNode *stage : present)
         if (!graph.isAttached(*stage))
@@ -99,6 +100,7 @@ void ProcessingChain::setBypassed(bool bypassed) {
     if (bypassed == isBypassed_)
         return;
     isBypassed_ = bypassed;
+    const SettingsChange change(*this);
     if (bypassed)
         eq_.setBypassed(bypassGainDB());
     else
@@ -126,9 +128,8 @@ void ProcessingChain::pushSpatial() {
         spatial.bassEnabled = spatial.voiceEnabled = false;
         spatial.toneBassDB = spatial.toneMidDB = spatial.toneTrebleDB = 0.0F;
     }
-    toneEQ_.setGainDB(ToneEqualizer::bass, spatial.toneBassDB);
-    toneEQ_.setGainDB(ToneEqualizer::mid, spatial.toneMidDB);
-    toneEQ_.setGainDB(ToneEqualizer::treble, spatial.toneTrebleDB);
+    const SettingsChange change(*this);
+    toneEQ_.setGainsDB({spatial.toneBassDB, spatial.toneMidDB, spatial.toneTrebleDB});
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(spatial, static_cast<ChainUnit>(index), units_[index]->unit());
@@ -147,6 +148,7 @@ void ProcessingChain::pushMixer() {
         mixer.saturationEnabled = mixer.crossfeedEnabled = false;
         mixer.autoGainEnabled = mixer.manualLoudnessEnabled = false;
     }
+    const SettingsChange change(*this);
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(mixer, static_cast<ChainUnit>(index), units_[index]->unit());

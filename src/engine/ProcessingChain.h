@@ -46,6 +46,25 @@ class ProcessingChain {
     /// Null if the unit does not exist.
     [[nodiscard]] const AudioUnit *unit(ChainUnit which) const;
 
+    /// While one of these lives, whatever is set on this chain or its equaliser waits, and is then
+    /// heard from one block on. May be nested. Rendering does not wait for its end. [main]
+    class [[nodiscard]] SettingsChange {
+      public:
+        explicit SettingsChange(ProcessingChain &chain) : chain_(chain) {
+            if (chain_.openChanges_++ == 0)
+                chain_.settingsLock_.lock();
+        }
+        ~SettingsChange() {
+            if (--chain_.openChanges_ == 0)
+                chain_.settingsLock_.unlock();
+        }
+        SettingsChange(const SettingsChange &) = delete;
+        SettingsChange &operator=(const SettingsChange &) = delete;
+
+      private:
+        ProcessingChain &chain_;
+    };
+
     /// Puts the stages that exist between `source`, which must be attached, and the main mixer;
     /// what a run before left connected is undone first.
     void connect(AudioGraph &graph, SourceNode &source);
@@ -91,6 +110,8 @@ class ProcessingChain {
     LoudnessNode loudnessAfter_;
     bool measuresLoudness_ = false;
     bool isBypassed_ = false;
+    ShortLock settingsLock_; ///< of the graph that renders the chain
+    int openChanges_ = 0;
     std::shared_ptr<ProcessingChain *> self_; ///< what units on their way find the chain by
 };
 

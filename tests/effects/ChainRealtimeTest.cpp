@@ -65,7 +65,7 @@ struct ChainRealtimeTest : ::testing::TestWithParam<double> {
         for (EQBand &band : bands)
             band.gainDB = static_cast<float>(step % 7) - 3.0F;
         eq.setBands(bands);
-        tone.setGainDB(ToneEqualizer::bass, static_cast<float>(step % 3));
+        tone.setGainsDB({static_cast<float>(step % 3), 0.0F, 0.0F});
     }
 };
 

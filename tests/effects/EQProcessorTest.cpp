@@ -82,8 +82,7 @@ TEST_F(EQProcessorTest, TellsOfEveryAssignmentAlsoOfAnEqualValue) {
 
 TEST(ToneEqualizerTest, HasTheThreeBandsAndMovesOnlyTheirGains) {
     ToneEqualizer tone;
-    tone.setGainDB(ToneEqualizer::mid, 4.0F);
-    tone.setGainDB(ToneEqualizer::treble, -5.0F);
+    tone.setGainsDB({0.0F, 4.0F, -5.0F});
     const auto expected = [](EqualizerFilterType type, float hz, float q, float gain) {
         return EqualizerBandSettings{type, hz, bandwidthOctaves(q), gain, false};
     };

@@ -56,16 +56,19 @@ TEST(EffectUnitTest, TreeAndRenderBlockOutliveTheUnit) {
     auto unit = makeUnit();
     const auto tree = unit->parameterTree();
     const RenderBlock block = unit->internalRenderBlock();
+    tree->parameterWithAddress(0)->setValue(3.0F);
+    unit->takeSettings();
     unit.reset();
 
-    tree->parameterWithAddress(0)->setValue(3.0F);
+    tree->parameterWithAddress(0)->setValue(5.0F);
+    EXPECT_EQ(tree->parameterWithAddress(0)->value(), 5.0F);
     Sound sound = sine(1000, 16);
     AudioBufferList view = sound.view();
     RenderActionFlags flags = 0;
     const PullInputBlock ready = [](RenderActionFlags &, const RenderTime &, std::uint32_t,
                                     std::int32_t, AudioBufferList &) { return statusOK; };
     EXPECT_EQ(block(flags, {}, 16, 0, view, nullptr, ready), statusOK);
-    EXPECT_FLOAT_EQ(sound.left[5], 3.0F * sine(1000, 16).left[5]);
+    EXPECT_FLOAT_EQ(sound.left[5], 3.0F * sine(1000, 16).left[5]) << "as taken last";
 }
 
 TEST(EffectUnitTest, RateIsTheStandardOneUntilAllocationAndAFailedAllocationChangesNothing) {

@@ -40,8 +40,8 @@ RenderBlock GainTestUnit::internalRenderBlock() {
          state = state_](const AudioBufferList &buffers, std::uint32_t frames) {
             if (buffers.bufferCount < 2)
                 return;
-            const float factor = gainStorage->value();
-            const bool on = isOn(enabledStorage->value());
+            const float factor = gainStorage->taken();
+            const bool on = isOn(enabledStorage->taken());
             state->frames.store(state->frames.load() + static_cast<float>(frames));
             if (!on)
                 return;

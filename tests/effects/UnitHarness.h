@@ -82,6 +82,7 @@ class UnitHarness {
         for (std::size_t done = 0; done < sound.frames();) {
             const std::size_t count = std::min(blockFrames, sound.frames() - done);
             AudioBufferList view = sound.view(done);
+            node_->takeSettings();
             node_->render({static_cast<std::int64_t>(done)}, view,
                           static_cast<std::uint32_t>(count));
             done += count;

@@ -49,9 +49,9 @@ RenderBlock AutoGainUnit::internalRenderBlock() {
                               enabledStorage = storage(enabled), manualStorage = storage(manual),
                               manualEnabledStorage = storage(manualEnabled)](
                                  const AudioBufferList &buffers, std::uint32_t frames) noexcept {
-        const bool levelling = isOn(enabledStorage->value());
-        const float trimTarget = manualGain(manualEnabledStorage->value(), manualStorage->value());
-        const float targetDB = targetStorage->value();
+        const bool levelling = isOn(enabledStorage->taken());
+        const float trimTarget = manualGain(manualEnabledStorage->taken(), manualStorage->taken());
+        const float targetDB = targetStorage->taken();
 
         if (!levelling && !state->core.trimsTo(trimTarget)) {
             state->gainStorage.store(0.0F);

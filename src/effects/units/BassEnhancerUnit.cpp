@@ -71,11 +71,11 @@ RenderBlock BassEnhancerUnit::internalRenderBlock() {
                                                                    std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float amountPercent = amountStorage->value();
-        const float driveFactor = driveStorage->value();
-        const float setCrossover = crossoverStorage->value();
+        const float amountPercent = amountStorage->taken();
+        const float driveFactor = driveStorage->taken();
+        const float setCrossover = crossoverStorage->taken();
         const float crossoverHz =
-            isAdaptiveOn(adaptiveStorage->value())
+            isAdaptiveOn(adaptiveStorage->taken())
                 ? std::clamp(state->detectedFundamentalStorage.load(), 40.0F, 150.0F)
                 : setCrossover;
 

@@ -33,7 +33,7 @@ void CrossfeedUnit::reset() { state_->core.clear(); }
 RenderBlock CrossfeedUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, amountStorage = storage(amount)](
                                  const AudioBufferList &buffers, std::uint32_t frames) noexcept {
-        const float percent = amountStorage->value();
+        const float percent = amountStorage->taken();
         const float target = percent / 100.0F;
         const float previous = state->prevAmountStorage.load() / 100.0F;
         if (target < smallestActiveAmount && previous < smallestActiveAmount) {

@@ -39,8 +39,8 @@ RenderBlock LimiterUnit::internalRenderBlock() {
                                                                  std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float thresholdDB = thresholdStorage->value();
-        if (!isOn(enabledStorage->value())) {
+        const float thresholdDB = thresholdStorage->taken();
+        if (!isOn(enabledStorage->taken())) {
             state->gainReductionStorage.store(0.0F);
             return;
         }

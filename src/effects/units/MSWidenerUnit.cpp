@@ -27,7 +27,7 @@ RenderBlock MSWidenerUnit::internalRenderBlock() {
                                  const AudioBufferList &buffers, std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float percent = widthStorage->value();
+        const float percent = widthStorage->taken();
         const float previous = state->prevWidthStorage.load();
         widen(buffers.data[0], buffers.data[1], frames,
               LinearRamp(previous / 100.0F, percent / 100.0F, frames));

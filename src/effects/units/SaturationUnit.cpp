@@ -26,7 +26,7 @@ SaturationUnit::SaturationUnit(const ComponentDescription &description,
 RenderBlock SaturationUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, driveStorage = storage(drive)](
                                  const AudioBufferList &buffers, std::uint32_t frames) noexcept {
-        const float percent = driveStorage->value();
+        const float percent = driveStorage->taken();
         const float target = percent / 100.0F;
         const float previous = state->prevDriveStorage.load() / 100.0F;
         if (target < smallestActiveAmount && previous < smallestActiveAmount) {

@@ -36,8 +36,8 @@ RenderBlock SpatializerUnit::internalRenderBlock() {
                                                              std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float amountPercent = amountStorage->value();
-        const float notchHz = notchStorage->value();
+        const float amountPercent = amountStorage->taken();
+        const float notchHz = notchStorage->taken();
         state->core.process(buffers.data[0], buffers.data[1], frames, amountPercent / 100.0F,
                             notchHz);
     });

@@ -72,10 +72,10 @@ RenderBlock VoiceEnhancerUnit::internalRenderBlock() {
                                                                    std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float fullMix = amountStorage->value() / 100.0F;
-        const float presenceDB = presenceGainStorage->value();
-        const float mudDB = mudCutStorage->value();
-        const float mix = isAdaptiveOn(adaptiveStorage->value())
+        const float fullMix = amountStorage->taken() / 100.0F;
+        const float presenceDB = presenceGainStorage->taken();
+        const float mudDB = mudCutStorage->taken();
+        const float mix = isAdaptiveOn(adaptiveStorage->taken())
                               ? fullMix * state->confidenceStorage.load()
                               : fullMix;
 

@@ -27,24 +27,43 @@ const EqualizerBandSettings &ParametricEqualizer::band(std::size_t index) const 
     return settings_.at(index);
 }
 
+void ParametricEqualizer::set(std::span<const EqualizerBandSettings> bands, float globalGainDB) {
+    bool changed = designGain(globalGainDB);
+    for (std::size_t i = 0; i < std::min(bands.size(), settings_.size()); ++i)
+        changed = design(i, bands[i]) || changed;
+    if (changed)
+        publish();
+}
+
 void ParametricEqualizer::setBand(std::size_t index, const EqualizerBandSettings &settings) {
-    EqualizerBandSettings &current = settings_.at(index);
-    if (current == settings)
-        return;
-    current = settings;
-    if (sampleRate_ == 0.0)
-        return;
-    design_.bands[index] = BandDesign::of(settings, sampleRate_);
-    publish();
+    if (design(index, settings))
+        publish();
 }
 
 void ParametricEqualizer::setGlobalGainDB(float gainDB) {
+    if (designGain(gainDB))
+        publish();
+}
+
+/// Returns whether there is anything new to publish.
+bool ParametricEqualizer::design(std::size_t index, const EqualizerBandSettings &settings) {
+    EqualizerBandSettings &current = settings_.at(index);
+    if (current == settings)
+        return false;
+    current = settings;
+    if (sampleRate_ == 0.0)
+        return false;
+    design_.bands[index] = BandDesign::of(settings, sampleRate_);
+    return true;
+}
+
+bool ParametricEqualizer::designGain(float gainDB) {
     globalGainDB_ = gainDB;
     const double clamped = clampedGainDB(gainDB);
     if (clamped == design_.gainDB)
-        return;
+        return false;
     design_.gainDB = clamped;
-    publish();
+    return true;
 }
 
 void ParametricEqualizer::publish() { handOver_.publish(design_); }
@@ -85,8 +104,12 @@ void ParametricEqualizer::acceptDesign() noexcept {
     }
 }
 
-void ParametricEqualizer::process(float *left, float *right, std::uint32_t frames) noexcept {
-    fetchDesign();
+void ParametricEqualizer::takeSettings() noexcept {
+    if (handOver_.fetch())
+        pending_ = true;
+}
+
+void ParametricEqualizer::render(float *left, float *right, std::uint32_t frames) noexcept {
     while (frames > 0) {
         if (pending_ && !fading_)
             acceptDesign();
@@ -107,12 +130,11 @@ void ParametricEqualizer::process(float *left, float *right, std::uint32_t frame
         incoming_.dropNonFinite();
 }
 
-void ParametricEqualizer::processInSeries(ParametricEqualizer &first, ParametricEqualizer &second,
-                                          float *left, float *right,
-                                          std::uint32_t frames) noexcept {
+void ParametricEqualizer::renderInSeries(ParametricEqualizer &first, ParametricEqualizer &second,
+                                         float *left, float *right, std::uint32_t frames) noexcept {
     if (!first.isAtRest() || !second.isAtRest()) {
-        first.process(left, right, frames);
-        second.process(left, right, frames);
+        first.render(left, right, frames);
+        second.render(left, right, frames);
         return;
     }
     RestingSections sections(left, right, frames);
@@ -123,13 +145,7 @@ void ParametricEqualizer::processInSeries(ParametricEqualizer &first, Parametric
     second.chain_.dropNonFinite();
 }
 
-void ParametricEqualizer::fetchDesign() noexcept {
-    if (handOver_.fetch())
-        pending_ = true;
-}
-
-bool ParametricEqualizer::isAtRest() noexcept {
-    fetchDesign();
+bool ParametricEqualizer::isAtRest() const noexcept {
     return !pending_ && !fading_ && chain_.isAtRest();
 }
 

@@ -4,6 +4,8 @@
 #include "platform/dsp/EqualizerChain.h"
 #include "platform/dsp/LatestValue.h"
 
+#include <span>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -25,9 +27,13 @@ class ParametricEqualizer {
 
     [[nodiscard]] std::size_t bandCount() const { return settings_.size(); }
     [[nodiscard]] const EqualizerBandSettings &band(std::size_t index) const; // [main]
-    void setBand(std::size_t index, const EqualizerBandSettings &settings);   // [main]
     [[nodiscard]] float globalGainDB() const { return globalGainDB_; }        // [main]
-    void setGlobalGainDB(float gainDB);                                       // [main]
+
+    /// Sets the first bands and the gain in one hand-over: they are taken together. Bands beyond
+    /// `bandCount` are ignored; bands beyond the list keep their settings.
+    void set(std::span<const EqualizerBandSettings> bands, float globalGainDB); // [main]
+    void setBand(std::size_t index, const EqualizerBandSettings &settings);     // [main]
+    void setGlobalGainDB(float gainDB);                                         // [main]
 
     /// Designs the bands for `sampleRate` Hz, 8000 to 384000, and starts from silence. Not while
     /// rendering.
@@ -36,20 +42,31 @@ class ParametricEqualizer {
     /// Silence inside; the settings stay and are in force at once. Not while rendering.
     void reset();
 
-    /// Any number of frames, in place. How the sound is cut into calls makes no difference to it.
-    void process(float *left, float *right, std::uint32_t frames) noexcept; // [render]
+    /// Takes the newest settings for what is rendered from now on.
+    void takeSettings() noexcept; // [render]
 
-    /// `first`, then `second`: in one pass while neither changes, for about the time of one.
-    static void processInSeries(ParametricEqualizer &first, ParametricEqualizer &second,
-                                float *left, float *right,
-                                std::uint32_t frames) noexcept; // [render]
+    /// Renders any number of frames in place with the settings taken last. How the sound is cut
+    /// into calls makes no difference to it.
+    void render(float *left, float *right, std::uint32_t frames) noexcept; // [render]
+
+    /// Takes the newest settings, then renders.
+    void process(float *left, float *right, std::uint32_t frames) noexcept { // [render]
+        takeSettings();
+        render(left, right, frames);
+    }
+
+    /// Renders `first`, then `second`: in one pass while neither changes, for about the time of
+    /// one.
+    static void renderInSeries(ParametricEqualizer &first, ParametricEqualizer &second, float *left,
+                               float *right, std::uint32_t frames) noexcept; // [render]
 
   private:
     static constexpr std::uint32_t fadeChunk = 64;
 
+    bool design(std::size_t index, const EqualizerBandSettings &settings);
+    bool designGain(float gainDB);
     void publish();
-    void fetchDesign() noexcept;
-    [[nodiscard]] bool isAtRest() noexcept; ///< also of what was set just now
+    [[nodiscard]] bool isAtRest() const noexcept; ///< with the settings taken last
     void acceptDesign() noexcept;
     void processFading(float *left, float *right, std::uint32_t frames) noexcept;
 

@@ -44,6 +44,8 @@ struct AudioGraph::State final : RenderClient {
     SerialQueueFactory tapQueues;
     std::unique_ptr<SerialQueue> tapQueue; // made for the first tap
     std::map<const GraphNode *, Place> places;
+    ShortLock ownSettingsLock;
+    ShortLock *settingsLock = &ownSettingsLock;
     std::unique_ptr<RenderPlan> plan; // while running
     NodeTap *mixerTap = nullptr;
     bool running = false;
@@ -88,7 +90,7 @@ struct AudioGraph::State final : RenderClient {
         if (stages.empty() || !stages.back().node->isSource())
             return statusNoConnection;
         std::reverse(stages.begin(), stages.end());
-        plan = std::make_unique<RenderPlan>(std::move(stages), format);
+        plan = std::make_unique<RenderPlan>(std::move(stages), format, *settingsLock);
         return statusOK;
     }
 
@@ -168,6 +170,8 @@ void AudioGraph::disconnectOutput(GraphNode &node) {
     if (State::Place *place = state_->find(node))
         state_->unlink(*place);
 }
+
+void AudioGraph::setSettingsLock(ShortLock &lock) { state_->settingsLock = &lock; }
 
 MixerNode &AudioGraph::mainMixer() { return state_->mixer; }
 

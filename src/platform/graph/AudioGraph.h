@@ -7,6 +7,7 @@
 #include "platform/graph/GraphNode.h"
 #include "platform/hardware/AudioHardware.h"
 #include "platform/threads/SerialQueue.h"
+#include "platform/threads/ShortLock.h"
 
 #include <functional>
 #include <memory>
@@ -42,6 +43,11 @@ class AudioGraph {
     void connect(GraphNode &from, GraphNode &to, const StreamFormat &format);
     void disconnectInput(GraphNode &node);
     void disconnectOutput(GraphNode &node);
+
+    /// Settings that are made while `lock` is held are taken by all nodes before the same block.
+    /// Rendering never waits for it: blocks keep the settings of before meanwhile. From the next
+    /// start on; the lock must outlive the graph.
+    void setSettingsLock(ShortLock &lock);
 
     /// The last stage; it converts from the format it is fed to the output's rate.
     [[nodiscard]] MixerNode &mainMixer();

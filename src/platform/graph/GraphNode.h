@@ -33,6 +33,11 @@ class GraphNode {
     /// silence.
     virtual void reset() {}
 
+    /// Takes the settings made since the last call; blocks are rendered with the settings taken
+    /// last. All stages of a plan take theirs together, before a block or after allocation.
+    /// [render]
+    virtual void takeSettings() noexcept {}
+
     /// Renders one block. A status other than 0 leaves the buffers as the stage found them.
     /// [render]
     virtual Status render(const RenderTime &time, AudioBufferList &buffers,

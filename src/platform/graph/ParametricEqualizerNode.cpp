@@ -17,7 +17,7 @@ Status ParametricEqualizerNode::render(const RenderTime & /*time*/, AudioBufferL
                                        std::uint32_t frames) noexcept {
     if (!buffers.isStereo())
         return -EINVAL;
-    equalizer_.process(buffers.data[0], buffers.data[1], frames);
+    equalizer_.render(buffers.data[0], buffers.data[1], frames);
     return statusOK;
 }
 
@@ -26,9 +26,9 @@ bool ParametricEqualizerNode::renderWithNext(GraphNode &next, AudioBufferList &b
     // The class is final, so this is as safe as a dynamic cast and far quicker.
     if (typeid(next) != typeid(ParametricEqualizerNode) || !buffers.isStereo())
         return false;
-    ParametricEqualizer::processInSeries(equalizer_,
-                                         static_cast<ParametricEqualizerNode &>(next).equalizer_,
-                                         buffers.data[0], buffers.data[1], frames);
+    ParametricEqualizer::renderInSeries(equalizer_,
+                                        static_cast<ParametricEqualizerNode &>(next).equalizer_,
+                                        buffers.data[0], buffers.data[1], frames);
     return true;
 }
 

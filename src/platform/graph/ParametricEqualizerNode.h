@@ -4,6 +4,8 @@
 #include "platform/dsp/ParametricEqualizer.h"
 #include "platform/graph/GraphNode.h"
 
+#include <span>
+
 #include <cstddef>
 
 namespace quorbel {
@@ -21,6 +23,10 @@ class ParametricEqualizerNode final : public GraphNode {
     [[nodiscard]] EqualizerBandSettings band(std::size_t index) const {
         return equalizer_.band(index);
     }
+    /// The first bands and the gain, taken together.
+    void set(std::span<const EqualizerBandSettings> bands, float globalGainDB) {
+        equalizer_.set(bands, globalGainDB);
+    }
     void setBand(std::size_t index, const EqualizerBandSettings &settings) {
         equalizer_.setBand(index, settings);
     }
@@ -31,6 +37,7 @@ class ParametricEqualizerNode final : public GraphNode {
     Status allocateRenderResources(const StreamFormat &format,
                                    std::uint32_t maximumFrames) override;
     void reset() override { equalizer_.reset(); }
+    void takeSettings() noexcept override { equalizer_.takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
     /// With another equaliser.

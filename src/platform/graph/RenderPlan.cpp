@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cassert>
+#include <mutex>
 #include <utility>
 
 namespace quorbel {
 
-RenderPlan::RenderPlan(std::vector<Stage> stages, const StreamFormat &format)
-    : stages_(std::move(stages)), format_(format) {
+RenderPlan::RenderPlan(std::vector<Stage> stages, const StreamFormat &format,
+                       ShortLock &settingsLock)
+    : stages_(std::move(stages)), format_(format), settingsLock_(settingsLock) {
     assert(!stages_.empty() && stages_.front().node->isSource());
 }
 
@@ -26,6 +28,7 @@ Status RenderPlan::allocate() {
             return status;
         }
     }
+    takeSettings();
     return statusOK;
 }
 
@@ -34,8 +37,15 @@ void RenderPlan::reset() {
         stage.node->reset();
 }
 
+void RenderPlan::takeSettings() noexcept {
+    for (const Stage &stage : stages_)
+        stage.node->takeSettings();
+}
+
 Status RenderPlan::render(AudioBufferList &buffers, std::uint32_t frames) noexcept {
     assert(frames >= 1 && frames <= maximumBlockFrames);
+    if (const std::unique_lock lock(settingsLock_, std::try_to_lock); lock.owns_lock())
+        takeSettings();
     Status result = statusOK;
     for (auto stage = stages_.begin(); stage != stages_.end(); ++stage) {
         const auto next = stage + 1;

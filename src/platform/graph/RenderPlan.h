@@ -5,6 +5,7 @@
 #include "platform/core/StreamFormat.h"
 #include "platform/graph/GraphNode.h"
 #include "platform/graph/NodeTap.h"
+#include "platform/threads/ShortLock.h"
 
 #include <cstdint>
 #include <vector>
@@ -20,8 +21,9 @@ class RenderPlan {
         NodeTap *tap = nullptr;
     };
 
-    /// `stages` begin with a source; `format` is that of all connections.
-    RenderPlan(std::vector<Stage> stages, const StreamFormat &format);
+    /// `stages` begin with a source; `format` is that of all connections. While another thread
+    /// holds `settingsLock`, no stage takes new settings.
+    RenderPlan(std::vector<Stage> stages, const StreamFormat &format, ShortLock &settingsLock);
     ~RenderPlan();
     RenderPlan(const RenderPlan &) = delete;
     RenderPlan &operator=(const RenderPlan &) = delete;
@@ -34,15 +36,18 @@ class RenderPlan {
     /// Forgets the sound held in the stages; only while nothing renders. [control]
     void reset();
 
-    /// Renders the next 1 to `maximumBlockFrames` frames. Returns the first status other than 0: a
-    /// failing source leaves silence, any other failing stage is passed over. [render]
+    /// Renders the next 1 to `maximumBlockFrames` frames, all with settings of one moment: the
+    /// newest, or those of the block before while the lock is held. Returns the first status other
+    /// than 0: a failing source leaves silence, any other failing stage is passed over. [render]
     Status render(AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
   private:
+    void takeSettings() noexcept;
     Status renderAlone(const Stage &stage, AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
     std::vector<Stage> stages_;
     StreamFormat format_;
+    ShortLock &settingsLock_;
     std::size_t allocated_ = 0; // so many of the stages
     RenderTime time_;           // render only
 };

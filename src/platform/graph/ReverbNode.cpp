@@ -16,7 +16,7 @@ Status ReverbNode::render(const RenderTime & /*time*/, AudioBufferList &buffers,
                           std::uint32_t frames) noexcept {
     if (buffers.bufferCount < 2 || buffers.data[0] == nullptr || buffers.data[1] == nullptr)
         return -EINVAL;
-    reverb_.process(buffers.data[0], buffers.data[1], frames);
+    reverb_.render(buffers.data[0], buffers.data[1], frames);
     return statusOK;
 }
 

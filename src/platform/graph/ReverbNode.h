@@ -25,6 +25,7 @@ class ReverbNode final : public GraphNode {
     Status allocateRenderResources(const StreamFormat &format,
                                    std::uint32_t maximumFrames) override;
     void reset() override { reverb_.reset(); }
+    void takeSettings() noexcept override { reverb_.takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
 

@@ -25,6 +25,7 @@ class UnitNode final : public GraphNode {
                                    std::uint32_t maximumFrames) override;
     void deallocateRenderResources() override;
     void reset() override { unit_->reset(); }
+    void takeSettings() noexcept override { unit_->takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
 

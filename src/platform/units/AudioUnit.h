@@ -54,6 +54,9 @@ class AudioUnit {
     /// Only while nothing renders. [control]
     virtual void reset() {}
 
+    /// Takes the parameters' values for the blocks that are rendered from now on. [render]
+    virtual void takeSettings() noexcept {}
+
     /// A new block at every call, which keeps what it needs alive, also beyond the unit. It may be
     /// called from the time render resources are allocated.
     [[nodiscard]] virtual RenderBlock internalRenderBlock() = 0;

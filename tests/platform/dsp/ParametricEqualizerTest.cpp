@@ -264,7 +264,9 @@ TEST(ParametricEqualizer, twoInOnePassSoundLikeOneAfterTheOther) {
                 float *const l = left.data() + start;
                 float *const r = right.data() + start;
                 if (inOnePass) {
-                    ParametricEqualizer::processInSeries(first, second, l, r, 100);
+                    first.takeSettings();
+                    second.takeSettings();
+                    ParametricEqualizer::renderInSeries(first, second, l, r, 100);
                 } else {
                     first.process(l, r, 100);
                     second.process(l, r, 100);

@@ -78,7 +78,7 @@ void Reverb::reset() {
 
 void Reverb::begin() noexcept {
     started_ = true;
-    mix_ = mixTarget_.load(std::memory_order_relaxed);
+    mix_ = takenMix_;
     gainGlide_.settle(gainsFor(mix_));
     gains_ = nextGains_ = asFloats(gainGlide_.values());
     stepPosition_ = 0;
@@ -102,14 +102,18 @@ void Reverb::goIdle() noexcept {
     fading_ = false;
 }
 
-void Reverb::acceptSettings() noexcept {
+void Reverb::takeSettings() noexcept {
     if (designs_.fetch())
         newDesign_ = true;
+    takenMix_ = mixTarget_.load(std::memory_order_relaxed);
+}
+
+void Reverb::acceptSettings() noexcept {
     if (!started_) {
         begin();
         return;
     }
-    const float target = mixTarget_.load(std::memory_order_relaxed);
+    const float target = takenMix_;
     if (idle_) {
         // Turned up again before the last sound was erased, it waits for that.
         if (target == 0.0F || !voices_[current_].tank.isClear())
@@ -144,7 +148,7 @@ bool Reverb::isSteady() const noexcept {
            voices_[current_].fadedIn >= fadeInFrames_;
 }
 
-void Reverb::process(float *left, float *right, std::uint32_t frames) noexcept {
+void Reverb::render(float *left, float *right, std::uint32_t frames) noexcept {
     while (frames > 0) {
         acceptSettings();
         std::uint32_t count = std::min(frames, longestPiece);

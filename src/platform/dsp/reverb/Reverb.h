@@ -39,8 +39,18 @@ class Reverb {
     /// Silence inside; the settings stay and are in force at once. Not while rendering.
     void reset();
 
-    /// Any number of frames, in place. How the sound is cut into calls makes no difference to it.
-    void process(float *left, float *right, std::uint32_t frames) noexcept; // [render]
+    /// Takes the newest settings for what is rendered from now on.
+    void takeSettings() noexcept; // [render]
+
+    /// Renders any number of frames in place with the settings taken last. How the sound is cut
+    /// into calls makes no difference to it.
+    void render(float *left, float *right, std::uint32_t frames) noexcept; // [render]
+
+    /// Takes the newest settings, then renders.
+    void process(float *left, float *right, std::uint32_t frames) noexcept { // [render]
+        takeSettings();
+        render(left, right, frames);
+    }
 
   private:
     static constexpr std::uint32_t longestPiece = 256;
@@ -83,6 +93,7 @@ class Reverb {
     bool started_ = false;
     bool idle_ = true;       // nothing of a room is heard, the tanks are not run
     bool newDesign_ = false; // the newest design is not running yet
+    float takenMix_ = 0.0F;  // 0 to 1
     RoomModel runningModel_ = RoomModel::smallRoom;
     bool fading_ = false; // from the other voice to the current one
     std::uint32_t faded_ = 0;
