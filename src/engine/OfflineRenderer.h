@@ -29,7 +29,7 @@ class OfflineRenderer {
     OfflineRenderer &operator=(const OfflineRenderer &) = delete;
 
     /// Changes the settings from the next block on, as a movement of the controls would: gains
-    /// glide, nothing restarts. The number of bands stays what it was at construction.
+    /// glide, nothing restarts.
     void apply(const ChainSettings &settings);
 
     /// One block: `output` gets `input` processed; both hold two channels of `frames` frames and

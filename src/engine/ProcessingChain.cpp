@@ -19,8 +19,10 @@ struct ProcessingChain::Instantiation {
 
 ProcessingChain::ProcessingChain(const AudioUnitRegistry &registry, Clock &clock,
                                  std::vector<EQBand> bands)
-    : registry_(registry), clock_(clock), eq_(std::move(bands)),
-      self_(std::make_shared<ProcessingChain *>(this)) {}
+    : registry_(registry), clock_(clock), eq_(EQBand::defaultBands()),
+      self_(std::make_shared<ProcessingChain *>(this)) {
+    eq_.setBands(std::move(bands));
+}
 
 ProcessingChain::~ProcessingChain() = default;
 

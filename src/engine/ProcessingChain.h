@@ -29,7 +29,8 @@ namespace quorbel {
 /// [main]
 class ProcessingChain {
   public:
-    /// Registry and clock must outlive the chain.
+    /// The equaliser plays ten bands, however many `bands` are. Registry and clock must outlive the
+    /// chain.
     ProcessingChain(const AudioUnitRegistry &registry, Clock &clock, std::vector<EQBand> bands);
     ~ProcessingChain();
     ProcessingChain(const ProcessingChain &) = delete;

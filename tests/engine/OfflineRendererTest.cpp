@@ -116,6 +116,31 @@ TEST(OfflineRenderer, SettingsMoveWhileItRenders) {
     EXPECT_NEAR(fitSine(after.left, 1000.0, 48000.0).amplitude, 0.25 * std::pow(10.0, 0.3), 1e-4);
 }
 
+TEST(OfflineRenderer, PlaysTenBandsHoweverManyTheSettingsHold) {
+    const auto cutAt4kHz = [](std::vector<EQBand> bands) {
+        ChainSettings settings = plain();
+        settings.bands = std::move(bands);
+        OfflineRenderer renderer([] {
+            ChainSettings first = plain();
+            first.bands.resize(3);
+            return first;
+        }());
+        renderer.apply(settings);
+        Stereo tone{std::vector<float>(9600), std::vector<float>(9600)};
+        for (std::size_t frame = 0; frame < 9600; ++frame)
+            tone.left[frame] = sine(4000.0)(static_cast<double>(frame) / 48000.0, 0);
+        const Stereo after = render(renderer, tone, 512);
+        const std::vector<float> settled(after.left.begin() + 4800, after.left.end());
+        return 20.0 * std::log10(fitSine(settled, 4000.0, 48000.0).amplitude / 0.25);
+    };
+    std::vector<EQBand> bands = EQBand::defaultBands();
+    bands[7].gainDB = -12.0F;
+    EXPECT_NEAR(cutAt4kHz(bands), -12.0, 0.05) << "after a file with three";
+    bands[7].gainDB = 0.0F;
+    bands.push_back({.frequency = 4000.0F, .gainDB = -12.0F});
+    EXPECT_NEAR(cutAt4kHz(bands), 0.0, 0.05) << "an eleventh is not played";
+}
+
 TEST(OfflineRenderer, ReadsOutTenTimesASecondOfTheStream) {
     ChainSettings settings;
     settings.eqGlobalGainDB = 12.0F; // so that the limiter has work
