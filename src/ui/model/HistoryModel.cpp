@@ -73,11 +73,16 @@ EditState HistoryModel::current() const {
 }
 
 void HistoryModel::restore(const EditState &from, const EditState &to) {
-    AudioEngine &engine = state_.engine();
-    const bool presetsChange = from.userPresets != to.userPresets;
-    if (presetsChange)
+    restoreSound(from, to);
+    // Last, because it writes the file with all that was restored.
+    if (from.userPresets != to.userPresets)
         state_.setUserPresets(
             mergedPresets(from.userPresets, to.userPresets, userPresets(state_.presets())));
+}
+
+void HistoryModel::restoreSound(const EditState &from, const EditState &to) {
+    AudioEngine &engine = state_.engine();
+    const auto change = engine.changeSettings();
     const auto &bands = from.bands == to.bands ? engine.eq().bands() : to.bands;
     const SpatialConfig &spatial = from.spatial == to.spatial ? engine.spatial() : to.spatial;
     if (from.activePresetID != to.activePresetID && to.activePresetID) {
@@ -93,8 +98,6 @@ void HistoryModel::restore(const EditState &from, const EditState &to) {
         engine.eq().setGlobalGainDB(to.globalGainDB);
     if (from.mixer != to.mixer)
         engine.setMixer(to.mixer);
-    if (presetsChange)
-        state_.persist();
 }
 
 } // namespace quorbel

@@ -55,6 +55,7 @@ class HistoryModel final : public QObject {
     [[nodiscard]] EditState current() const;
     /// Sets what differs between the two states as it is in `to`.
     void restore(const EditState &from, const EditState &to);
+    void restoreSound(const EditState &from, const EditState &to);
 
     AppState &state_;
     Clock &clock_;

@@ -94,7 +94,7 @@ QStringList PresetListModel::names() const {
 void PresetListModel::apply(const QString &id) {
     if (const Preset *preset = find(id))
         history_.edit(tr("Preset %1").arg(QString::fromUtf8(preset->name)), "preset",
-                      [&] { state_.applyPreset(*preset); });
+                      [&] { applyTogether(state_, *preset); });
 }
 
 void PresetListModel::applyRow(int row) {
@@ -136,11 +136,8 @@ void PresetListModel::requestExport(const QString &id) {
 ExchangeResult PresetListModel::importFile(const QString &path) {
     try {
         const ImportedPreset imported = readPreset(path.toStdString());
-        history_.edit(tr("Import %1").arg(QString::fromUtf8(imported.preset.name)), "import", [&] {
-            adoptPreset(state_, imported.preset);
-            if (imported.globalGainDB)
-                state_.engine().eq().setGlobalGainDB(*imported.globalGainDB);
-        });
+        history_.edit(tr("Import %1").arg(QString::fromUtf8(imported.preset.name)), "import",
+                      [&] { adoptPreset(state_, imported.preset, imported.globalGainDB); });
         return {.ok = true,
                 .message = QString::fromUtf8(imported.summary),
                 .skipped = shownNotes(imported.skipped),

@@ -14,12 +14,22 @@ std::vector<Preset> userPresets(const std::vector<Preset> &presets) {
     return own;
 }
 
-void adoptPreset(AppState &state, const Preset &preset) {
+void applyTogether(AppState &state, const Preset &preset) {
+    const auto change = state.engine().changeSettings();
+    state.applyPreset(preset);
+}
+
+void adoptPreset(AppState &state, const Preset &preset, std::optional<float> globalGainDB) {
+    {
+        const auto change = state.engine().changeSettings();
+        if (globalGainDB)
+            state.engine().eq().setGlobalGainDB(*globalGainDB);
+        state.applyPreset(preset);
+    }
+    // Last, because it writes the file: the preset, and all that was set above.
     std::vector<Preset> own = userPresets(state.presets());
     own.push_back(preset);
     state.setUserPresets(std::move(own));
-    state.applyPreset(preset);
-    state.persist();
 }
 
 } // namespace quorbel

@@ -118,6 +118,10 @@ TEST_F(PresetListModelTest, ImportsAnEqualiserTextWithItsGainAndSaysWhatItSkippe
     EXPECT_EQ(presets().activeName(), "Living room");
     EXPECT_EQ(engine().eq().globalGainDB(), -6.2F);
     EXPECT_EQ(bands()[0].frequency, 105.0F);
+    const Persisted saved = readSettingsFile((folder.path() / "state.json").string());
+    EXPECT_EQ(saved.eqGlobalGainDB, -6.2F) << "in the same write as the preset";
+    EXPECT_EQ(saved.bands, bands());
+    EXPECT_EQ(saved.activePresetName, "Living room");
 }
 
 TEST_F(PresetListModelTest, WhatItWritesItReads) {
