@@ -68,6 +68,8 @@ void Reverb::prepare(double sampleRate) {
 }
 
 void Reverb::reset() {
+    if (sampleRate_ == 0.0)
+        return; // no sound yet, and no memory for any
     for (Voice &voice : voices_)
         voice.tank.prepare(sampleRate_);
     started_ = false;
