@@ -20,6 +20,9 @@ constexpr float floorDB = -60.0F;
 constexpr float fallPerTick = 0.85F;
 constexpr std::int64_t slowTicks = 3;
 
+/// Longer than the longest cycle of a device, 8192 frames at 44100 Hz: 0.19 s.
+constexpr int ticksUntilPause = 8;
+
 /// Writes what a tap delivers into a ring, all channels averaged into one. [tap]
 class MonoFeed {
   public:
@@ -74,6 +77,7 @@ void SpectrumAnalyzer::attach(AudioGraph &graph, GraphNode &node) {
     graph.installTap(node, tapFrames, MonoFeed(ring_));
     graph_ = &graph;
     tapNode_ = &node;
+    ticksWithoutSound_ = 0;
     startTimer();
 }
 
@@ -90,9 +94,13 @@ void SpectrumAnalyzer::startTimer() {
 }
 
 void SpectrumAnalyzer::computeBands() {
+    followRate();
     if (!ring_->snapshot(samples_))
         return;
-    computeMagnitudes();
+    if (isSoundArriving())
+        computeMagnitudes();
+    else
+        std::ranges::fill(magnitudes_, 0.0F);
     for (std::size_t band = 0; band < bandCount; ++band)
         bands_[band] = std::max(level(band), fallPerTick * bands_[band]);
     Q_EMIT bandsChanged();
@@ -100,6 +108,18 @@ void SpectrumAnalyzer::computeBands() {
         benziLente_ = bands_;
         Q_EMIT benziLenteChanged();
     }
+}
+
+void SpectrumAnalyzer::followRate() {
+    if (const StreamFormat format = graph_->outputFormat(*tapNode_); format.sampleRate > 0.0)
+        tapSampleRate_ = static_cast<float>(format.sampleRate);
+}
+
+bool SpectrumAnalyzer::isSoundArriving() {
+    const std::int64_t written = ring_->written();
+    ticksWithoutSound_ = written == writtenBefore_ ? ticksWithoutSound_ + 1 : 0;
+    writtenBefore_ = written;
+    return ticksWithoutSound_ < ticksUntilPause;
 }
 
 void SpectrumAnalyzer::computeMagnitudes() {

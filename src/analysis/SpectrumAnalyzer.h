@@ -21,7 +21,8 @@ class SpectrumRing;
 ///
 /// 30 times a second of the clock's time the newest 2048 samples of the tapped node are
 /// transformed; a band's level is the mean magnitude of its bins, 0 for -60 dB and less, 1 for 0 dB
-/// and more, and falls by at most 15 % per tick.
+/// and more, and falls by at most 15 % per tick. While playback pauses nothing comes in: the levels
+/// fall as in silence. The bands keep their frequencies when the tapped rate changes.
 class SpectrumAnalyzer final : public QObject {
     Q_OBJECT
 
@@ -62,6 +63,8 @@ class SpectrumAnalyzer final : public QObject {
   private:
     void startTimer();
     void computeBands();
+    void followRate();
+    [[nodiscard]] bool isSoundArriving();
     void computeMagnitudes();
     [[nodiscard]] float level(std::size_t band) const;
 
@@ -78,6 +81,8 @@ class SpectrumAnalyzer final : public QObject {
     AudioGraph *graph_ = nullptr;
     GraphNode *tapNode_ = nullptr; ///< a name for `graph_` to look up, never used itself
     float tapSampleRate_ = 48000.0F;
+    std::int64_t writtenBefore_ = 0; ///< samples in the ring at the last tick
+    int ticksWithoutSound_ = 0;
     Timer timer_;
 
     // Working memory of one analysis.

@@ -22,6 +22,11 @@ void SpectrumRing::write(std::span<const float> samples) noexcept {
     }
 }
 
+std::int64_t SpectrumRing::written() const noexcept {
+    const std::lock_guard guard(lock_);
+    return writeIdx_;
+}
+
 bool SpectrumRing::snapshot(std::span<float> into) const noexcept {
     assert(into.size() <= storage_.size());
     const auto count = static_cast<std::int64_t>(into.size());

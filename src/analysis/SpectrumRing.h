@@ -24,6 +24,9 @@ class SpectrumRing {
     /// nothing copied, if fewer were ever written. [main]
     [[nodiscard]] bool snapshot(std::span<float> into) const noexcept;
 
+    /// Samples ever written. [main]
+    [[nodiscard]] std::int64_t written() const noexcept;
+
   private:
     [[nodiscard]] std::size_t slot(std::int64_t index) const noexcept {
         return static_cast<std::size_t>(index) & (storage_.size() - 1);

@@ -1,11 +1,13 @@
 #include "analysis/SpectrumAnalyzer.h"
 
+#include "platform/graph/GraphFixture.h"
 #include "platform/graph/MixerNode.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/threads/ManualClock.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <functional>
@@ -17,6 +19,13 @@ namespace quorbel {
 namespace {
 
 using std::numbers::pi;
+
+/// The centre of the loudest band.
+float loudestHz(const SpectrumAnalyzer &analyzer) {
+    const auto loudest = std::ranges::max_element(analyzer.bands());
+    return SpectrumAnalyzer::bandFrequency(
+        static_cast<std::size_t>(loudest - analyzer.bands().begin()));
+}
 
 /// A graph that plays what it is told, rendered by hand, with an analyzer on a clock of its own.
 class SpectrumAnalyzerTest : public ::testing::Test {
@@ -193,6 +202,20 @@ TEST_F(SpectrumAnalyzerTest, AttachesOnceAndOnlyToWhatHasAFormat) {
     EXPECT_EQ(analyzer_.bands()[6], 0.0F) << "and nothing came while detached";
 }
 
+TEST_F(SpectrumAnalyzerTest, FallsToRestWhenNothingIsPlayedAnyMore) {
+    attach();
+    play(8192, sineAtBin(4, 1.0F));
+    clock_.advance(8192.0 / 44100.0);
+    EXPECT_EQ(analyzer_.bands()[6], 1.0F) << "between two of the longest cycles";
+    play(2048, sineAtBin(4, 1.0F));
+    clock_.advance(2.0);
+    EXPECT_LT(analyzer_.bands()[6], 0.01F);
+    EXPECT_LT(analyzer_.benziLente()[6], 0.01F);
+    play(2048, sineAtBin(4, 1.0F));
+    waitForTick();
+    EXPECT_EQ(analyzer_.bands()[6], 1.0F);
+}
+
 class SpectrumAnalyzerAt96kHzTest : public SpectrumAnalyzerTest {
   protected:
     SpectrumAnalyzerAt96kHzTest() : SpectrumAnalyzerTest(96000.0) {}
@@ -202,11 +225,35 @@ TEST_F(SpectrumAnalyzerAt96kHzTest, BandsAreWhereTheTappedRatePutsThem) {
     attach();
     play(2048, sineAtBin(64, 1.0F)); // 3000 Hz
     waitForTick();
-    std::size_t loudest = 0;
-    for (std::size_t band = 1; band < SpectrumAnalyzer::bandCount; ++band)
-        if (analyzer_.bands()[band] > analyzer_.bands()[loudest])
-            loudest = band;
-    EXPECT_NEAR(std::log2(SpectrumAnalyzer::bandFrequency(loudest) / 3000.0F), 0.0F, 0.15F);
+    EXPECT_NEAR(std::log2(loudestHz(analyzer_) / 3000.0F), 0.0F, 0.15F);
+}
+
+TEST(SpectrumAnalyzerRateTest, BandsFollowTheOutputsRateWhileAttached) {
+    ManualClock clock;
+    std::size_t played = 0;
+    SourceNode source({48000.0, 2}, [&](const AudioBufferList &buffers, std::uint32_t frames) {
+        for (std::uint32_t i = 0; i < frames; ++i, ++played)
+            buffers.data[0][i] = buffers.data[1][i] = static_cast<float>(
+                std::sin(2.0 * pi * 3000.0 * static_cast<double>(played) / 48000.0));
+        return statusOK;
+    });
+    TestOutput::Line line;
+    AudioGraph graph(std::make_unique<TestOutput>(line), clockedSerialQueues(clock));
+    graph.attach(source);
+    graph.connect(source, graph.mainMixer(), {48000.0, 2});
+    ASSERT_EQ(graph.start(), statusOK);
+    SpectrumAnalyzer analyzer(clock);
+    analyzer.attach(graph, graph.mainMixer());
+    for (const double rate : {48000.0, 192000.0, 44100.0}) {
+        line.client->renderFormatChanged({rate, 2});
+        for (int cycle = 0; cycle < 30; ++cycle) {
+            line.play(4096);
+            clock.advance(4096.0 / rate);
+        }
+        EXPECT_NEAR(std::log2(loudestHz(analyzer) / 3000.0F), 0.0F, 0.15F) << rate;
+    }
+    analyzer.detach();
+    graph.stop();
 }
 
 } // namespace

@@ -114,6 +114,9 @@ TEST(LimiterTest, QuietSoundIsOnlyDelayedAndTheReductionIsATrueZero) {
 
     limiter.set(LimiterUnit::threshold, -12.0F).play(sine(1000.0, 48'000, 1.0));
     EXPECT_NEAR(readout.readout(), 12.0F, 0.1F);
+    limiter.node().reset();
+    EXPECT_EQ(readout.readout(), 0.0F) << "playback pauses";
+    limiter.play(sine(1000.0, 4800, 1.0));
     limiter.set(LimiterUnit::enabled, 0.0F).play(noise(64));
     EXPECT_EQ(readout.readout(), 0.0F);
 }

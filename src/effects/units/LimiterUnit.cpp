@@ -31,7 +31,10 @@ Status LimiterUnit::prepare(float sampleRate, std::string &) {
     return statusOK;
 }
 
-void LimiterUnit::reset() { state_->core.clear(); }
+void LimiterUnit::reset() {
+    state_->core.clear();
+    state_->gainReductionStorage.store(0.0F); // nothing is played that could be reduced
+}
 
 RenderBlock LimiterUnit::internalRenderBlock() {
     return effectRenderBlock([state = state_, thresholdStorage = storage(threshold),
