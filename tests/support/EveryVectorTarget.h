@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/dsp/VectorTargets.h"
+
 #include <gtest/gtest.h>
 #include <hwy/highway.h>
 
@@ -27,11 +29,13 @@ class EveryVectorTarget : public ::testing::TestWithParam<std::int64_t> {
     void SetUp() override {
         if ((hwy::SupportedTargets() & GetParam()) == 0)
             GTEST_SKIP() << "not on this machine";
-        hwy::SetSupportedTargetsForTest(GetParam());
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+        useTarget(GetParam());
     }
-    void TearDown() override {
-        hwy::SetSupportedTargetsForTest(0);
+    void TearDown() override { useTarget(0); }
+
+    /// 0 is the best that the machine has.
+    static void useTarget(std::int64_t target) {
+        hwy::SetSupportedTargetsForTest(target);
         hwy::GetChosenTarget().Update(hwy::SupportedTargets());
     }
 };

@@ -1,6 +1,7 @@
 #include "effects/cores/BassHarmonics.h"
 
 #include "effects/cores/TanhShaper.h"
+#include "platform/dsp/VectorTargets.h"
 
 #include <algorithm>
 

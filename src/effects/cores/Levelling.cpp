@@ -1,5 +1,7 @@
 #include "effects/cores/Levelling.h"
 
+#include "platform/dsp/VectorTargets.h"
+
 #include <algorithm>
 #include <cmath>
 

@@ -1,5 +1,7 @@
 #include "effects/cores/LimiterStretch.h"
 
+#include "platform/dsp/VectorTargets.h"
+
 #include <algorithm>
 #include <cstring>
 

@@ -1,10 +1,9 @@
 #include "effects/cores/Saturation.h"
 
+#include "platform/dsp/VectorTargets.h"
+
 #include <cmath>
 
-// Types of unknown size cannot be members of the structure below; such machines use their 128-bit
-// vectors instead.
-#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "effects/cores/Saturation.cpp"
 // In the order in which Highway wants them.

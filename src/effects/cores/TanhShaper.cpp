@@ -1,5 +1,7 @@
 #include "effects/cores/TanhShaper.h"
 
+#include "platform/dsp/VectorTargets.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "effects/cores/TanhShaper.cpp"
 // In the order in which Highway wants them.

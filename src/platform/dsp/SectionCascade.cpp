@@ -1,10 +1,9 @@
 #include "platform/dsp/SectionCascade.h"
 
+#include "platform/dsp/VectorTargets.h"
+
 #include <algorithm>
 
-// Types of unknown size cannot be members of the structures below; such machines use their 128-bit
-// vectors instead.
-#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "platform/dsp/SectionCascade.cpp"
 #include <hwy/foreach_target.h>

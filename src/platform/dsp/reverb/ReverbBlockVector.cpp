@@ -1,3 +1,4 @@
+#include "platform/dsp/VectorTargets.h"
 #include "platform/dsp/reverb/ReverbBlock.h"
 
 #undef HWY_TARGET_INCLUDE

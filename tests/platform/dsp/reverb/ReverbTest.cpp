@@ -2,6 +2,7 @@
 
 #include "platform/dsp/Denormals.h"
 #include "platform/dsp/reverb/RoomMeasurement.h"
+#include "support/EveryVectorTarget.h"
 #include "support/RealtimeGuard.h"
 
 #include <gtest/gtest.h>
@@ -59,29 +60,34 @@ class ReverbTest : public ::testing::Test {
     Reverb reverb_;
 };
 
-TEST_F(ReverbTest, VectorsAndPlainCodeGiveTheSameBytesHoweverTheSoundIsCut) {
+class ReverbOnTarget : public EveryVectorTarget {};
+
+TEST_P(ReverbOnTarget, GivesThePlainCodesBytesHoweverTheSoundIsCut) {
     for (const auto &[sampleRate, model] : {std::pair{8000.0, RoomModel::smallRoom},
                                             {48000.0, RoomModel::cathedral},
                                             {48000.0, RoomModel::plate},
                                             {384000.0, RoomModel::plate}}) {
-        const StereoSamples sound = noise(40000);
-        begin(model, 40.0F, sampleRate);
-        const StereoSamples expected = rendered(sound);
-
-        Reverb plain(ReverbTank::Code::plain);
-        plain.setRoomModel(model);
-        plain.setMixPercent(40.0F);
-        plain.prepare(sampleRate);
-        StereoSamples reference = sound;
-        plain.process(reference.left.data(), reference.right.data(), 40000);
-        EXPECT_TRUE(equalSamples(expected, reference)) << sampleRate;
-
-        for (const std::size_t block : {1UL, 7UL, 33UL, 441UL, 8192UL}) {
-            begin(model, 40.0F, sampleRate);
-            EXPECT_TRUE(equalSamples(expected, rendered(sound, block))) << block;
-        }
+        const auto rendered = [&, rate = sampleRate, room = model](ReverbTank::Code code,
+                                                                   std::size_t block) {
+            Reverb reverb(code);
+            reverb.setRoomModel(room);
+            reverb.setMixPercent(40.0F);
+            reverb.prepare(rate);
+            StereoSamples sound = noise(40000);
+            for (std::size_t i = 0; i < sound.size(); i += block)
+                reverb.process(&sound.left[i], &sound.right[i],
+                               static_cast<std::uint32_t>(std::min(block, sound.size() - i)));
+            return sound;
+        };
+        const StereoSamples expected = rendered(ReverbTank::Code::plain, 40000);
+        for (const std::size_t block : {1UL, 7UL, 33UL, 441UL, 512UL, 8192UL})
+            EXPECT_TRUE(equalSamples(expected, rendered(ReverbTank::Code::vector, block)))
+                << sampleRate << " Hz, " << block;
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Targets, ReverbOnTarget, ::testing::ValuesIn(ReverbOnTarget::compiled()),
+                         ReverbOnTarget::nameOf);
 
 TEST_F(ReverbTest, AMixOfZeroIsBitExact) {
     begin(RoomModel::largeHall, 0.0F);
