@@ -64,7 +64,7 @@ struct BassEnhancerTest : ::testing::Test {
         for (std::size_t done = 0; done < sound.frames(); done += blockFrames) {
             const std::size_t count = std::min(blockFrames, sound.frames() - done);
             AudioBufferList view = sound.view(done);
-            unit.node().render({}, view, static_cast<std::uint32_t>(count));
+            unit.render(view, static_cast<std::uint32_t>(count));
             clock.advance(static_cast<double>(count) / 48'000.0);
         }
         return sound;
@@ -128,7 +128,7 @@ TEST_F(BassEnhancerTest, TracksThePowersCentreOnTheSamplesOfItsSchedule) {
         AudioBufferList view = sound.view(end - 512);
         for (std::size_t i = end - 512; i < end; ++i)
             heard.push_back((double{music.left[i]} + double{music.right[i]}) / 2.0);
-        unit.node().render({}, view, 512);
+        unit.render(view, 512);
         clock.advance(512 / 48'000.0);
         for (int due = schedule.dueBy(end); due > 0; --due) {
             double power = 0.0;

@@ -152,7 +152,7 @@ TEST_P(EffectContractTest, MonoPassesThrough) {
             AudioBufferList view;
             view.bufferCount = 1;
             view.data[0] = samples.data();
-            ASSERT_EQ(harness.node().render({}, view, 512), statusOK);
+            ASSERT_EQ(harness.render(view, 512), statusOK);
             ASSERT_EQ(samples, noise(512).left);
         }
     });
@@ -222,7 +222,7 @@ TEST_P(EffectContractTest, RenderingNeitherAllocatesNorTakesForeignLocks) {
             AudioBufferList view = sound.view();
             const RealtimeGuard guard;
             for (int block = 0; block < 3; ++block)
-                harness.node().render({}, view, frames);
+                harness.render(view, frames);
             ASSERT_EQ(guard.violations(), RealtimeViolations{}) << "blocks of " << frames;
         }
     });

@@ -49,7 +49,7 @@ inline double differenceFromModel(UnitHarness &unit, UnitModel &model, const Sou
                          {sound.right.begin() + at, sound.right.begin() + end}};
         model.process(block, settings);
         AudioBufferList view = heard.view(begin);
-        unit.node().render({}, view, static_cast<std::uint32_t>(count));
+        unit.render(view, static_cast<std::uint32_t>(count));
         for (std::size_t i = 0; i < count; ++i)
             largest = std::max({largest, std::abs(double{heard.left[begin + i]} - block.left[i]),
                                 std::abs(double{heard.right[begin + i]} - block.right[i])});

@@ -77,14 +77,18 @@ class UnitHarness {
         return *this;
     }
 
+    /// One block in place, as a graph renders it.
+    Status render(AudioBufferList &view, std::uint32_t frames) {
+        node_->takeSettings();
+        return node_->render({}, view, frames);
+    }
+
     /// All of it, in blocks of `blockFrames`.
     Sound play(Sound sound, std::size_t blockFrames = 512) {
         for (std::size_t done = 0; done < sound.frames();) {
             const std::size_t count = std::min(blockFrames, sound.frames() - done);
             AudioBufferList view = sound.view(done);
-            node_->takeSettings();
-            node_->render({static_cast<std::int64_t>(done)}, view,
-                          static_cast<std::uint32_t>(count));
+            render(view, static_cast<std::uint32_t>(count));
             done += count;
         }
         return sound;

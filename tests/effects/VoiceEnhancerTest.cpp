@@ -63,7 +63,7 @@ struct VoiceEnhancerTest : ::testing::Test {
     Sound playInTime(UnitHarness &unit, Sound sound) {
         for (std::size_t done = 0; done < sound.frames(); done += 480) {
             AudioBufferList view = sound.view(done);
-            unit.node().render({}, view, 480);
+            unit.render(view, 480);
             clock.advance(0.01);
         }
         return sound;
@@ -129,7 +129,7 @@ TEST_F(VoiceEnhancerTest, ConfidenceFollowsTheShareOfTheVoiceBand) {
         for (std::size_t i = end - 700; i < end; ++i)
             heard.push_back((double{music.left[i]} + double{music.right[i]}) / 2.0);
         AudioBufferList view = sound.view(end - 700);
-        unit.node().render({}, view, 700);
+        unit.render(view, 700);
         clock.advance(700 / 48'000.0);
         for (int due = schedule.dueBy(end); due > 0; --due) {
             double total = 0.0;
