@@ -1,5 +1,6 @@
 #include "platform/hardware/pipewire/RouteJournal.h"
 
+#include "platform/hardware/InstanceLock.h"
 #include "platform/hardware/RuntimeFolder.h"
 
 #include <fmt/format.h>
@@ -121,6 +122,15 @@ void RouteJournal::allRestored() {
     if (file_ >= 0)
         close(std::exchange(file_, -1));
     watchdog_.finish();
+}
+
+void removeEndedJournal() {
+    const InstanceLock lock;
+    const int folder = lock.isHeld() ? openRuntimeFolder() : -1;
+    if (folder < 0)
+        return;
+    unlinkat(folder, fileName, 0);
+    close(folder);
 }
 
 } // namespace quorbel

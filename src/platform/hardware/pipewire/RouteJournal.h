@@ -46,4 +46,7 @@ class RouteJournal final : public RouteLog {
     std::vector<RoutedStream> leftovers_;
 };
 
+/// Removes the journal of a program that has ended, unless another one runs by now and owns it.
+void removeEndedJournal();
+
 } // namespace quorbel

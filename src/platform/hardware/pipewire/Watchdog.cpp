@@ -1,6 +1,7 @@
 #include "platform/hardware/pipewire/Watchdog.h"
 
 #include "platform/hardware/pipewire/ObjectRegistry.h"
+#include "platform/hardware/pipewire/RouteJournal.h"
 #include "platform/hardware/pipewire/SystemTime.h"
 #include "platform/hardware/pipewire/WatchdogLink.h"
 
@@ -126,6 +127,7 @@ int runWatchdog(int input) {
         }
     }
     restoreAll(routed, serverCookie);
+    removeEndedJournal();
     return 0;
 }
 
