@@ -303,7 +303,18 @@ void PrivateSoundServer::forceSampleRate(int rate) const {
     run({"pw-metadata", "-n", "settings", "0", "clock.force-rate", std::to_string(rate)});
 }
 
-ServerState PrivateSoundServer::state() const { return ServerState::parse(run({"pw-dump"})); }
+ServerState PrivateSoundServer::state() const {
+    // pw-dump waits for ever for the answer of a session manager that is killed meanwhile (1.4.2).
+    constexpr double longestDumpSeconds = 3.0;
+    const auto dump = start({"pw-dump"});
+    if (!dump->exitStatusWithin(longestDumpSeconds)) {
+        return ServerState::parse(run({"pw-dump"}));
+    }
+    if (dump->exitStatusWithin(0.0) != 0) {
+        throw ServerError("pw-dump failed: " + dump->errors());
+    }
+    return ServerState::parse(dump->output());
+}
 
 StoredStreams PrivateSoundServer::storedStreams() const {
     const fs::path folder = folder_ / "state/wireplumber";

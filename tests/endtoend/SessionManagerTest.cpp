@@ -25,12 +25,13 @@ TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
                         "even without us";
     }
     const auto live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     for (int restart = 0; restart < restarts; ++restart) {
         SCOPED_TRACE(restart);
         server.restartSessionManager();
-        EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+        ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
         const Recorder speakers(client, "speakers", 10.0);
-        EXPECT_TRUE(soonHears(speakers, Heard::processed));
+        ASSERT_TRUE(soonHears(speakers, Heard::processed));
         EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live); }));
     }
 }
