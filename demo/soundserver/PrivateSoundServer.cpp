@@ -303,7 +303,21 @@ void PrivateSoundServer::forceSampleRate(int rate) const {
     run({"pw-metadata", "-n", "settings", "0", "clock.force-rate", std::to_string(rate)});
 }
 
-ServerState PrivateSoundServer::state() const { return ServerState::parse(run({"pw-dump"})); }
+ServerState PrivateSoundServer::state() const {
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        const auto dump = start({"pw-dump"});
+        const auto status = dump->exitStatusWithin(2.5);
+        if (status == 0) {
+            return ServerState::parse(dump->output());
+        }
+        if (status) {
+            throw ServerError("pw-dump failed: " + dump->errors());
+        }
+        // Now and then the server of 1.4.2 never answers a client that comes while it has no
+        // session manager.
+    }
+    throw ServerError("the server does not answer");
+}
 
 StoredStreams PrivateSoundServer::storedStreams() const {
     const fs::path folder = folder_ / "state/wireplumber";
@@ -342,7 +356,7 @@ void PrivateSoundServer::restart() {
 void PrivateSoundServer::restartSessionManager() {
     sessionManager_.reset();
     waitFor("the session manager has left", 5.0, [&] {
-        // Now and then the server of 1.4.2 leaves new clients unanswered until it has another.
+        // No answer is as good: see `state`.
         const auto dump = start({"pw-dump"});
         return dump->exitStatusWithin(1.0) != 0 ||
                !ServerState::parse(dump->output()).hasSessionManager;
