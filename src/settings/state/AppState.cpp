@@ -33,6 +33,7 @@ std::string AppState::activePresetDisplayName() const {
 
 void AppState::applyPreset(const Preset &preset) {
     const Preset applied = preset; // may be one of ours, and observers may change the list
+    const auto change = engine_->changeSettings();
     engine_->eq().setBands(applied.bands);
     engine_->setSpatial(applied.spatial);
     setActivePresetID(applied.id);

@@ -91,6 +91,7 @@ class AppState final : public QObject {
     void setActivePreset(std::optional<Uuid> id, const std::optional<std::string> &name);
     void applyOutput(const Persisted &record);
     void take(const Persisted &theirs);
+    void takeSound(const Persisted &ours, const Persisted &merged);
     void takeOutput(const std::optional<std::string> &uid);
     void setAsideIfUnreadable();
     [[nodiscard]] std::optional<std::string> takeUnseenOrSetAside();

@@ -42,12 +42,15 @@ void AppState::loadPersisted() {
 }
 
 void AppState::apply(const Persisted &record) {
-    engine_->eq().setBands(record.bands);
-    engine_->setSpatial(record.spatial);
-    if (record.mixer)
-        engine_->setMixer(*record.mixer);
-    if (record.eqGlobalGainDB)
-        engine_->eq().setGlobalGainDB(*record.eqGlobalGainDB);
+    {
+        const auto change = engine_->changeSettings();
+        engine_->eq().setBands(record.bands);
+        engine_->setSpatial(record.spatial);
+        if (record.mixer)
+            engine_->setMixer(*record.mixer);
+        if (record.eqGlobalGainDB)
+            engine_->eq().setGlobalGainDB(*record.eqGlobalGainDB);
+    }
     applyOutput(record);
     applyPresets(record);
 }
@@ -199,26 +202,25 @@ void AppState::take(const Persisted &theirs) {
         setActivePreset(merged.activePresetID, merged.activePresetName);
     if (isActiveTheirs)
         seen_.activePresetID = activePresetID_;
-    // Never louder than before and after on the way.
-    const bool isGainLower = merged.eqGlobalGainDB < ours.eqGlobalGainDB;
-    const auto applyGain = [&](bool isItsTurn) {
-        if (isItsTurn && merged.eqGlobalGainDB != ours.eqGlobalGainDB)
-            engine_->eq().setGlobalGainDB(*merged.eqGlobalGainDB);
-    };
-    applyGain(isGainLower);
+    takeSound(ours, merged);
+    if (isOutputTheirs)
+        takeOutput(theirs.outputDeviceUID);
+    isTaking_ = false;
+}
+
+void AppState::takeSound(const Persisted &ours, const Persisted &merged) {
+    const auto change = engine_->changeSettings();
+    if (merged.eqGlobalGainDB != ours.eqGlobalGainDB)
+        engine_->eq().setGlobalGainDB(*merged.eqGlobalGainDB);
     if (merged.bands != ours.bands) {
         engine_->eq().setBands(merged.bands);
         takeOverBandIDs();
         seen_.bands = engine_->eq().bands();
     }
-    applyGain(!isGainLower);
     if (merged.spatial != ours.spatial)
         engine_->setSpatial(merged.spatial);
     if (merged.mixer != ours.mixer)
         engine_->setMixer(*merged.mixer);
-    if (isOutputTheirs)
-        takeOutput(theirs.outputDeviceUID);
-    isTaking_ = false;
 }
 
 /// The choice of another program on this machine; a device of another machine is passed over.

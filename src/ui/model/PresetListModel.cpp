@@ -94,7 +94,7 @@ QStringList PresetListModel::names() const {
 void PresetListModel::apply(const QString &id) {
     if (const Preset *preset = find(id))
         history_.edit(tr("Preset %1").arg(QString::fromUtf8(preset->name)), "preset",
-                      [&] { applyTogether(state_, *preset); });
+                      [&] { state_.applyPreset(*preset); });
 }
 
 void PresetListModel::applyRow(int row) {

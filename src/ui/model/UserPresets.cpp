@@ -14,11 +14,6 @@ std::vector<Preset> userPresets(const std::vector<Preset> &presets) {
     return own;
 }
 
-void applyTogether(AppState &state, const Preset &preset) {
-    const auto change = state.engine().changeSettings();
-    state.applyPreset(preset);
-}
-
 void adoptPreset(AppState &state, const Preset &preset, std::optional<float> globalGainDB) {
     {
         const auto change = state.engine().changeSettings();

@@ -10,9 +10,6 @@ namespace quorbel {
 /// The user's among `presets`, in list order.
 [[nodiscard]] std::vector<Preset> userPresets(const std::vector<Preset> &presets);
 
-/// Makes `preset` the active one; what it sets is heard from one block on.
-void applyTogether(AppState &state, const Preset &preset);
-
 /// Makes `preset` one of the user's and the active one, its bands and spatial settings the current
 /// ones, together with the equaliser's gain in dB where there is one. Written at once and as a
 /// whole.
