@@ -168,10 +168,11 @@ void ServerStream::parameterChanged(std::uint32_t id, const spa_pod *parameter) 
         spa_latency_info latency{};
         if (spa_latency_parse(parameter, &latency) < 0)
             return;
-        if (latency.direction == SPA_DIRECTION_INPUT && pair_.tap != nullptr)
+        const bool isDevices = latency.direction == SPA_DIRECTION_INPUT;
+        (isDevices ? pair_.deviceLatency : pair_.applicationLatency) = latency;
+        if (isDevices && pair_.tap != nullptr)
             pair_.tap->updateLatency(latency);
-        else if (OutStream *out = pair_.out.get();
-                 latency.direction == SPA_DIRECTION_OUTPUT && out != nullptr)
+        else if (OutStream *out = pair_.out.get(); !isDevices && out != nullptr)
             out->updateLatency(latency);
     }
 }
@@ -209,10 +210,13 @@ TapStream::~TapStream() {
 
 Status TapStream::connect(bool isDevice) {
     isDevice_ = isDevice;
-    return create(PW_DIRECTION_INPUT, "quorbel.tap",
-                  isDevice ? "Audio/Sink/Internal" : "Stream/Input/Audio/Internal",
-                  "Quorbel System Tap", nullptr, false,
-                  PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS | asyncFlag);
+    const Status status = create(
+        PW_DIRECTION_INPUT, "quorbel.tap",
+        isDevice ? "Audio/Sink/Internal" : "Stream/Input/Audio/Internal", "Quorbel System Tap",
+        nullptr, false, PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS | asyncFlag);
+    if (status == statusOK && pair_.deviceLatency)
+        updateLatency(*pair_.deviceLatency);
+    return status;
 }
 
 void TapStream::setClient(IOClient *client, const StreamFormat &formatUntilNegotiated) {
@@ -313,6 +317,8 @@ Status OutStream::connect(const std::string &deviceName,
                                      PW_STREAM_FLAG_RT_PROCESS | PW_STREAM_FLAG_TRIGGER);
     if (status == statusOK)
         pair_.out.set(this);
+    if (status == statusOK && pair_.applicationLatency)
+        updateLatency(*pair_.applicationLatency);
     return status;
 }
 

@@ -12,6 +12,7 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace quorbel {
@@ -23,8 +24,11 @@ class OutStream;
 /// tap receives what the applications play and wakes the output, which plays it processed in that
 /// same cycle.
 struct DuplexPair {
-    RealtimeSlot<OutStream> out;   ///< used by the tap's callback
-    TapStream *tap = nullptr;      ///< loop's lock
+    RealtimeSlot<OutStream> out; ///< used by the tap's callback
+    TapStream *tap = nullptr;    ///< loop's lock
+    /// What the streams' neighbours have said last, for streams that are made anew.
+    std::optional<spa_latency_info> deviceLatency;      ///< for the tap [control]
+    std::optional<spa_latency_info> applicationLatency; ///< for the output [control]
     std::function<void()> changed; ///< a stream has started, stopped or ended [control]
 };
 
