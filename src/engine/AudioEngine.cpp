@@ -163,7 +163,9 @@ void AudioEngine::observeHardware() {
     // The engine clears these in every teardown, so they never outlive it.
     deviceManager_.onHardwareChange = [this] { handleHardwareChange(); };
     deviceManager_.onHardwareLost = [this](Status status) {
-        failRunning(AudioEngineError::soundServerLost(status).what());
+        failRunning((status == soundCutOffStatus ? AudioEngineError::soundCutOff()
+                                                 : AudioEngineError::soundServerLost(status))
+                        .what());
     };
     deviceManager_.startObservingHardware();
 }

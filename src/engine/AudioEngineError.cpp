@@ -17,4 +17,8 @@ AudioEngineError AudioEngineError::soundServerLost(Status status) {
     return AudioEngineError(fmt::format("The sound server went away (OSStatus {}).", status));
 }
 
+AudioEngineError AudioEngineError::soundCutOff() {
+    return AudioEngineError("The processed sound no longer reaches the output device.");
+}
+
 } // namespace quorbel

@@ -12,6 +12,7 @@ class AudioEngineError : public std::runtime_error {
     static AudioEngineError noOutputSelected();
     static AudioEngineError playbackStartFailed(Status status);
     static AudioEngineError soundServerLost(Status status);
+    static AudioEngineError soundCutOff();
 
   private:
     using std::runtime_error::runtime_error;

@@ -125,6 +125,9 @@ class HardwareOutput {
     virtual void stop() = 0;
 };
 
+/// Of `hardwareLost`: the server is there, but sound cannot pass through our streams.
+inline constexpr Status soundCutOffStatus = -5; // EIO
+
 /// Hears of changes. Called on a thread of the hardware's own: do nothing but hand over. [control]
 class HardwareListener {
   public:

@@ -237,12 +237,19 @@ Status ObjectRegistry::refreshMetadata(double seconds) {
     auto fresh = boundMetadata(default_->id, default_->version);
     if (!fresh)
         return -ENOENT;
+    writesMeanwhile_.emplace();
     const Status status = connection_.roundTrip(seconds);
+    const auto writes = *std::exchange(writesMeanwhile_, std::nullopt);
     if (status != statusOK || !default_ || default_->id != fresh->id)
         return status;
     default_ = std::move(fresh);
     default_->listener = this;
-    const auto values = default_->values;
+    auto values = default_->values;
+    for (const auto &[where, value] : writes) {
+        values.erase(where);
+        if (value)
+            values.emplace(where, *value);
+    }
     for (const auto &[where, value] : values)
         if (objects_.metadata(where.first, where.second) != value)
             changeMetadata(where.first, where.second, value);
@@ -291,6 +298,8 @@ void ObjectRegistry::setMetadata(std::uint32_t subject, const char *key,
     if (!default_)
         return;
     objects_.putMetadata(subject, key, value);
+    if (writesMeanwhile_)
+        writesMeanwhile_->emplace_back(std::pair(subject, key), value);
     pw_metadata_set_property(default_->proxy.get(), subject, key, value.type.c_str(),
                              value.value.c_str());
 }
@@ -299,6 +308,8 @@ void ObjectRegistry::deleteMetadata(std::uint32_t subject, const char *key) {
     if (!default_)
         return;
     objects_.putMetadata(subject, key, std::nullopt);
+    if (writesMeanwhile_)
+        writesMeanwhile_->emplace_back(std::pair(subject, key), std::nullopt);
     pw_metadata_set_property(default_->proxy.get(), subject, key, nullptr, nullptr);
 }
 
@@ -321,6 +332,11 @@ OwnLink ObjectRegistry::createLink(const LinkRequest &request) {
 }
 
 void ObjectRegistry::destroyLink(OwnLink link) { ownLinks_.erase(link); }
+
+void ObjectRegistry::removeLink(std::uint32_t linkID) {
+    if (const auto &links = objects_.links(); links.contains(linkID))
+        pw_registry_destroy(registry_.get(), linkID);
+}
 
 double ObjectRegistry::seconds() const { return monotonicSeconds(); }
 

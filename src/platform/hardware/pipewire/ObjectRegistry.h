@@ -42,6 +42,7 @@ class ObjectRegistry final : public ServerCommands {
     void deleteMetadata(std::uint32_t subject, const char *key) override;
     OwnLink createLink(const LinkRequest &request) override;
     void destroyLink(OwnLink link) override;
+    void removeLink(std::uint32_t linkID) override;
     [[nodiscard]] double seconds() const override;
 
   private:
@@ -68,6 +69,10 @@ class ObjectRegistry final : public ServerCommands {
     std::map<std::uint32_t, std::unique_ptr<BoundDevice>> devices_;
     std::unique_ptr<BoundMetadata> default_;
     std::unique_ptr<BoundMetadata> settings_;
+    /// Our own writes while the values are asked for again; they may be newer than the answer.
+    std::optional<
+        std::vector<std::pair<std::pair<std::uint32_t, std::string>, std::optional<MetadataValue>>>>
+        writesMeanwhile_;
     std::map<OwnLink, Proxy<pw_proxy>> ownLinks_;
     OwnLink lastOwnLink_ = 0;
     /// Ends with the registry: round trips outlive it.

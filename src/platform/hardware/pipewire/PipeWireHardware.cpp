@@ -369,12 +369,15 @@ Status PipeWireHardware::createProcessTap(const TapDescription &description, Aud
         return -EPIPE;
     if (tap_)
         return -EBUSY;
-    journal_ = std::make_unique<RouteJournal>(connection_->serverCookie());
+    journal_ = std::make_shared<RouteJournal>(connection_->serverCookie());
     router_ = std::make_unique<StreamRouter>(registry_->objects(), *registry_, *journal_);
+    registry_->refreshMetadata(restoreSeconds);
     restoreLeftovers();
     isRestored_ = true;
+    awaitedReleases_ = 0;
+    mustBeDevice_ = router_->needsDeviceTap();
     tap_ = std::make_unique<TapStream>(*connection_, pair_);
-    Status status = tap_->connect(router_->needsDeviceTap());
+    Status status = tap_->connect(mustBeDevice_);
     if (status == statusOK)
         status = connection_->waitUntil(
             [&] {
@@ -496,23 +499,21 @@ Status PipeWireHardware::stopDevice(AudioObjectID device, IOProcID proc) {
 
 void PipeWireHardware::stopRouting() {
     supervisor_.reset();
-    outputLinks_.clear();
-    if (!router_ || !router_->isOn() || !tap_)
+    dropOutputLinks();
+    if (!router_ || !tap_ || (!router_->isOn() && !journal_->hasUnconfirmed()))
         return;
     const std::uint32_t tapID = tap_->nodeID();
     if (!connection_->isLost())
         registry_->refreshMetadata(restoreSeconds);
-    const std::vector<RoutedStream> routed = journal_->streams();
     router_->end();
     if (connection_->isLost())
         return;
     // The processed sound goes on until every application is heard on its own device again.
     isRestored_ = connection_->roundTrip(restoreSeconds) == statusOK;
-    if (isRestored_)
-        connection_->waitUntil([&] { return !router_->isAnyLinkedTo(tapID); }, unlinkSeconds);
-    else
-        for (const RoutedStream &stream : routed)
-            journal_->routed(stream);
+    if (!isRestored_)
+        return;
+    journal_->confirmReleases(journal_->releases());
+    connection_->waitUntil([&] { return !router_->isAnyLinkedTo(tapID); }, unlinkSeconds);
 }
 
 // Watching over the two streams
@@ -532,7 +533,7 @@ void PipeWireHardware::lookAround() {
             isDone = true;
             break;
         case PairStep::route:
-            startRouting();
+            beginRouting();
             break;
         case PairStep::link:
             linkOutput(*output_->stream(), output_->device());
@@ -548,11 +549,15 @@ void PipeWireHardware::lookAround() {
             break;
         case PairStep::giveUp:
             router_->end();
-            tell(HardwareProperty::connection, -EIO);
+            tell(HardwareProperty::connection, soundCutOffStatus);
             isDone = true;
             break;
         }
     }
+    if (isIORunning_ && output_ != nullptr && supervisor_.isHealthy() && router_->isOn() &&
+        routingEnds() != ends_)
+        beginRouting(); // with a tap that was made anew, or on another device
+    confirmReleases();
     if (router_->isOn()) {
         router_->checkDeadlines();
         if (const double now = monotonicSeconds(); !journal_->isEmpty() && now >= nextBeat_) {
@@ -616,22 +621,55 @@ PairFacts PipeWireHardware::pairFacts() const {
     return facts;
 }
 
-void PipeWireHardware::startRouting() {
+RoutingEnds PipeWireHardware::routingEnds() const {
     const NodeRecord *tap = ownNode(*tap_);
     const NodeRecord *output = ownNode(*output_->stream());
-    if (tap != nullptr && output != nullptr)
-        router_->begin({tap->id, tap->serial, output->id, output_->device()});
+    if (tap == nullptr || output == nullptr)
+        return {};
+    RoutingEnds ends{tap->id, tap->serial, output->id, output_->device()};
+    for (const auto &[_, link] : registry_->objects().links())
+        if (const NodeRecord *to = registry_->objects().node(link.inputNodeID);
+            link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
+            ends.deviceID = to->id; // where the session manager bridges a moment
+    return ends;
+}
+
+void PipeWireHardware::beginRouting() {
+    ends_ = routingEnds();
+    if (ends_.tapID != 0)
+        router_->begin(ends_);
+}
+
+/// A stream is off the journal once the server has answered for what put it back.
+void PipeWireHardware::confirmReleases() {
+    if (!journal_->hasUnconfirmed() || journal_->releases() == awaitedReleases_)
+        return;
+    awaitedReleases_ = journal_->releases();
+    connection_->afterRoundTrip([this, count = awaitedReleases_, of = std::weak_ptr(journal_)] {
+        if (const auto journal = of.lock())
+            journal->confirmReleases(count);
+        lookSoon();
+    });
 }
 
 /// Both streams, with the same clients. Applications stay where they are until the new tap is
 /// there; the session manager bridges the moment.
 void PipeWireHardware::rebuildPair() {
-    outputLinks_.clear();
+    dropOutputLinks();
+    mustBeDevice_ =
+        mustBeDevice_ || router_->needsDeviceTap() ||
+        (ownNode(*tap_) != nullptr && registry_->objects().hasPorts(tap_->nodeID(), true) &&
+         !isPlainStereo(registry_->objects(), tap_->nodeID(), true));
     tap_.reset();
     tap_ = std::make_unique<TapStream>(*connection_, pair_);
-    tap_->connect(router_->needsDeviceTap());
+    tap_->connect(mustBeDevice_);
     tap_->setClient(ioClient_, {graphRate(), 2});
     output_->rebuild();
+}
+
+void PipeWireHardware::dropOutputLinks() {
+    for (const OwnLink link : std::exchange(outputLinks_, {}))
+        registry_->destroyLink(link);
 }
 
 /// Links the output to its device where the session manager does not.

@@ -79,8 +79,11 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     void armTimer();
     [[nodiscard]] PairFacts pairFacts() const;
     [[nodiscard]] const NodeRecord *ownNode(const ServerStream &stream) const;
-    void startRouting();
+    void beginRouting();
+    [[nodiscard]] RoutingEnds routingEnds() const;
+    void confirmReleases();
     void rebuildPair();
+    void dropOutputLinks();
     void linkOutput(const OutStream &stream, AudioObjectID device);
 
     void nodeChanged(const NodeRecord &node) override;
@@ -100,13 +103,16 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
 
     std::unique_ptr<ServerConnection> connection_;
     std::unique_ptr<ObjectRegistry> registry_; // loop's lock, as everything down to the listeners
-    std::unique_ptr<RouteJournal> journal_;
+    std::shared_ptr<RouteJournal> journal_;    ///< round trips under way know it too
     std::unique_ptr<StreamRouter> router_;
     DuplexPair pair_;
     std::unique_ptr<TapStream> tap_;
     AudioObjectID tapHandle_ =
         0; ///< the node's id when the tap was made; a rebuilt one has another
     PairSupervisor supervisor_;
+    RoutingEnds ends_;          ///< that routing has begun with
+    bool mustBeDevice_ = false; ///< of the tap: the session manager has given it other channels
+    std::uint64_t awaitedReleases_ = 0;
     std::vector<OwnLink> outputLinks_; ///< where the session manager made none
     bool isRestored_ = true;           ///< the server has confirmed that the streams are back
     spa_source *lookEvent_ = nullptr;

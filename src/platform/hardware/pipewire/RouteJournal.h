@@ -4,6 +4,8 @@
 #include "platform/hardware/routing/RouteLog.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace quorbel {
@@ -23,9 +25,14 @@ class RouteJournal final : public RouteLog {
     [[nodiscard]] const std::vector<RoutedStream> &leftovers() const { return leftovers_; }
 
     void routed(const RoutedStream &stream) override;
+    /// Holds once `confirmReleases` has been called: until then the server may not have done it.
     void released(const RoutedStream &stream) override;
+    /// How many releases there have been so far.
+    [[nodiscard]] std::uint64_t releases() const { return releases_; }
+    /// The server has carried out everything that the first `count` releases are about.
+    void confirmReleases(std::uint64_t count);
+    [[nodiscard]] bool hasUnconfirmed() const { return !unconfirmed_.empty(); }
     [[nodiscard]] bool isEmpty() const { return ledger_.size() == 0; }
-    [[nodiscard]] std::vector<RoutedStream> streams() const { return ledger_.streams(); }
     /// As `WatchdogLink::beat`: to be called every `beatSeconds` while streams are routed.
     bool beat() { return watchdog_.beat(ledger_); }
     static constexpr double beatSeconds = 0.25;
@@ -44,6 +51,8 @@ class RouteJournal final : public RouteLog {
     int file_ = -1;
     std::size_t linesInFile_ = 0;
     std::vector<RoutedStream> leftovers_;
+    std::uint64_t releases_ = 0;
+    std::vector<std::pair<std::uint64_t, RoutedStream>> unconfirmed_; ///< with their numbers
 };
 
 /// Removes the journal of a program that has ended, unless another one runs by now and owns it.

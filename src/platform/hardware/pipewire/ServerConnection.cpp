@@ -93,8 +93,13 @@ ServerConnection::~ServerConnection() {
 
 void ServerConnection::coreDone(int sequence) {
     doneSequence_ = sequence;
-    if (afterRoundTrip_ && sequence == afterSequence_)
-        std::exchange(afterRoundTrip_, nullptr)();
+    const auto waiting = std::exchange(afterRoundTrip_, {});
+    for (const auto &entry : waiting)
+        if (entry.first > sequence)
+            afterRoundTrip_.push_back(entry);
+    for (const auto &[awaited, done] : waiting)
+        if (awaited <= sequence)
+            done();
     wakeWaiters();
 }
 
@@ -145,8 +150,8 @@ Status ServerConnection::waitUntil(const std::function<bool()> &condition, doubl
 void ServerConnection::afterRoundTrip(std::function<void()> done) {
     if (lost_)
         return;
-    afterRoundTrip_ = std::move(done);
-    afterSequence_ = pw_core_sync(core(), PW_ID_CORE, ++pendingSequence_);
+    afterRoundTrip_.emplace_back(pw_core_sync(core(), PW_ID_CORE, ++pendingSequence_),
+                                 std::move(done));
 }
 
 } // namespace quorbel

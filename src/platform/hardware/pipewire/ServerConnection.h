@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace quorbel {
 
@@ -60,10 +62,9 @@ class ServerConnection {
     std::unique_ptr<pw_core, CoreDeleter> core_;
     Hook coreHook_;
     std::function<void(Status)> lostHandler_;
-    std::function<void()> afterRoundTrip_;
+    std::vector<std::pair<int, std::function<void()>>> afterRoundTrip_; ///< by sequence
     int pendingSequence_ = 0;
     int doneSequence_ = -1;
-    int afterSequence_ = -1;
     std::uint32_t serverCookie_ = 0;
     bool lost_ = false;
 };

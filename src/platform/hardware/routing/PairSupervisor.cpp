@@ -5,10 +5,10 @@ namespace {
 
 /// The session manager links within milliseconds. Shorter than the time after which applications
 /// are put back, so that a link of our own spares them that.
-constexpr double healSeconds = 0.3;
-constexpr double releaseSeconds = 0.5;
+constexpr double healSeconds = 0.2;
+constexpr double releaseSeconds = 0.4;
 constexpr double rebuildSeconds = 0.8; ///< from one rebuilding to the next
-constexpr double pairSeconds = 2.0;
+constexpr double giveUpSeconds = 2.0;
 
 /// More than this many in that time: somebody keeps removing our streams.
 constexpr std::size_t mostRebuilds = 8;
@@ -20,25 +20,29 @@ PairStep PairSupervisor::look(const PairFacts &facts, double now) {
     const bool isBroken =
         !facts.hasTap || !facts.hasOutput || facts.isTapOfWrongKind || mustRebuild_;
     const bool isStuck = facts.tapRuns && !facts.outputRuns;
+    if (facts.hasTap && facts.hasOutput)
+        wasWhole_ = true;
     if (!isBroken && facts.isOutputLinked && !isStuck) {
         wrongSince_.reset();
         isNew_ = hasLinked_ = hasNudged_ = hasGivenUp_ = false;
-        if (isRouting_ && !isRebuilt_)
+        if (isRouting_)
             return PairStep::none;
         isRouting_ = true;
-        isRebuilt_ = false;
         return PairStep::route;
     }
     if (hasGivenUp_)
         return PairStep::none;
     if (!wrongSince_ || isNew_)
         wrongSince_ = now;
+    if (isNew_)
+        rebuilds_.push_back(now); // a new pair has the time that a rebuilt one has
     isNew_ = false;
     const double age = now - *wrongSince_;
     const bool isRebuildDue = rebuilds_.empty() || now - rebuilds_.back() >= rebuildSeconds;
-    if (isBroken && (isRebuildDue || mustRebuild_))
+    // One that was whole and is not any more does not need time but another try.
+    if (isBroken && (isRebuildDue || mustRebuild_ || wasWhole_))
         return rebuild(now);
-    if (age >= pairSeconds) {
+    if (age >= giveUpSeconds) {
         hasGivenUp_ = true;
         isRouting_ = false;
         return PairStep::giveUp;
@@ -69,9 +73,8 @@ PairStep PairSupervisor::rebuild(double now) {
         return PairStep::giveUp;
     }
     rebuilds_.push_back(now);
-    mustRebuild_ = false;
+    mustRebuild_ = wasWhole_ = false;
     hasLinked_ = false;
-    isRebuilt_ = true;
     return PairStep::rebuild;
 }
 

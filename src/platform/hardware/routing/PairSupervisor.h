@@ -33,7 +33,7 @@ enum class PairStep {
 /// two seconds the pair is healed or given up.
 class PairSupervisor {
   public:
-    static constexpr double lookSeconds = 0.1; ///< between two looks while something is wrong
+    static constexpr double lookSeconds = 0.05; ///< between two looks while something is wrong
 
     /// One step to take now. Ask again after it, until it is `none`.
     PairStep look(const PairFacts &facts, double now);
@@ -49,9 +49,9 @@ class PairSupervisor {
     [[nodiscard]] PairStep rebuild(double now);
 
     std::optional<double> wrongSince_ = 0.0;
-    bool isNew_ = true; ///< not healthy yet since the reset
+    bool isNew_ = true;     ///< not healthy yet since the reset
+    bool wasWhole_ = false; ///< since the last rebuilding
     bool isRouting_ = false;
-    bool isRebuilt_ = false; ///< since the applications were last sent to the tap
     bool mustRebuild_ = false;
     bool hasLinked_ = false; ///< in this illness, as the next
     bool hasNudged_ = false;

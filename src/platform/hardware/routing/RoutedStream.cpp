@@ -11,6 +11,7 @@ namespace {
 constexpr std::string_view routedWord = "routed";
 constexpr std::string_view releasedWord = "released";
 constexpr std::string_view absent = "-";
+constexpr const char *followDefault = "-1"; ///< as a target: none
 
 /// Fields are parted by blanks; a value's own blanks and per cent signs are written as %xx.
 std::string escaped(std::string_view text) {
@@ -100,17 +101,19 @@ std::optional<std::uint32_t> targetedNode(const ServerObjects &objects,
 } // namespace
 
 std::string RoutedStream::encoded() const {
-    return fmt::format("{} {} {} {} {} {}", routedWord, streamID, streamSerial, tapSerial,
-                       quorbel::encoded(targetObject), quorbel::encoded(targetNode));
+    return fmt::format("{} {} {} {} {} {} {}", routedWord, streamID, streamSerial, tapSerial,
+                       formerTapSerial, quorbel::encoded(targetObject),
+                       quorbel::encoded(targetNode));
 }
 
 std::optional<RoutedStream> RoutedStream::decode(std::string_view line) {
     const auto parts = fields(line);
     RoutedStream stream;
-    if (parts.size() != 8 || parts[0] != routedWord || !parse(parts[1], stream.streamID) ||
+    if (parts.size() != 9 || parts[0] != routedWord || !parse(parts[1], stream.streamID) ||
         !parse(parts[2], stream.streamSerial) || !parse(parts[3], stream.tapSerial) ||
-        !decodeValue(parts[4], parts[5], stream.targetObject) ||
-        !decodeValue(parts[6], parts[7], stream.targetNode))
+        !parse(parts[4], stream.formerTapSerial) ||
+        !decodeValue(parts[5], parts[6], stream.targetObject) ||
+        !decodeValue(parts[7], parts[8], stream.targetNode))
         return std::nullopt;
     return stream;
 }
@@ -132,7 +135,7 @@ MetadataValue rememberedTarget(const ServerObjects &objects, const RoutedStream 
     if (stream.targetObject)
         if (const auto node = targetedNode(objects, *stream.targetObject))
             return {"Spa:Id", std::to_string(*node)};
-    return stream.targetNode.value_or(MetadataValue{"Spa:Id", "-1"});
+    return stream.targetNode.value_or(MetadataValue{"Spa:Id", followDefault});
 }
 
 MetadataValue routeTo(std::uint64_t nodeSerial, const ServerObjects &objects,
@@ -151,10 +154,7 @@ bool isRoutedTo(const ServerObjects &objects, std::uint32_t streamID, std::uint6
     return current && current->value == std::to_string(tapSerial);
 }
 
-void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
-                  const RoutedStream &stream) {
-    if (!isRoutedTo(objects, stream.streamID, stream.tapSerial))
-        return;
+void undoRoute(const ServerObjects &objects, ServerCommands &commands, const RoutedStream &stream) {
     const NodeRecord *node = objects.node(stream.streamID);
     const bool hasEnded = node == nullptr || node->serial != stream.streamSerial;
     if (!hasEnded && stream.targetObject) {
@@ -166,6 +166,19 @@ void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
     commands.deleteMetadata(stream.streamID, targetNodeKey);
     if (!hasEnded && stream.targetNode)
         commands.setMetadata(stream.streamID, targetNodeKey, *stream.targetNode);
+}
+
+void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
+                  const RoutedStream &stream) {
+    if (!isRoutedTo(objects, stream.streamID, stream.tapSerial) &&
+        !isRoutedTo(objects, stream.streamID, stream.formerTapSerial))
+        return;
+    RoutedStream latest = stream;
+    // Another value than ours was set by somebody else after the line was written.
+    const auto node = objects.metadata(stream.streamID, targetNodeKey);
+    if (node && node->value != followDefault && *node != rememberedTarget(objects, stream))
+        latest.targetNode = node;
+    undoRoute(objects, commands, latest);
 }
 
 } // namespace quorbel

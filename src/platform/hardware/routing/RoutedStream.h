@@ -16,8 +16,10 @@ struct RoutedStream {
     std::uint32_t streamID = 0;
     std::uint64_t streamSerial = 0; ///< ids are used again by the server, serials are not
     std::uint64_t tapSerial = 0;
-    std::optional<MetadataValue> targetObject;
-    std::optional<MetadataValue> targetNode;
+    std::uint64_t formerTapSerial =
+        0; ///< still its target until our last write has arrived; 0: none
+    std::optional<MetadataValue> targetObject{};
+    std::optional<MetadataValue> targetNode{};
 
     /// One line of text without its line end, and back; nothing if the text is not such a line.
     [[nodiscard]] std::string encoded() const;
@@ -41,9 +43,11 @@ MetadataValue routeTo(std::uint64_t nodeSerial, const ServerObjects &objects,
 /// True if the stream's target is the tap with this serial.
 bool isRoutedTo(const ServerObjects &objects, std::uint32_t streamID, std::uint64_t tapSerial);
 
-/// Puts the stream back where `stream` says it was, unless somebody else has moved it in the
-/// meantime. Of a stream that has ended it removes what we set: the server keeps the values of an
-/// id, and would apply them to the next stream that is given it.
+/// Puts the stream back where `stream` says it was. Of a stream that has ended it removes what we
+/// set: the server keeps the values of an id, and would apply them to the next stream that is given
+/// it.
+void undoRoute(const ServerObjects &objects, ServerCommands &commands, const RoutedStream &stream);
+/// The same, unless somebody else has moved the stream in the meantime.
 void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
                   const RoutedStream &stream);
 

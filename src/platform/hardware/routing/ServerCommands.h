@@ -33,6 +33,8 @@ class ServerCommands {
     /// first. The server refuses a second link between the same two ports.
     virtual OwnLink createLink(const LinkRequest &request) = 0;
     virtual void destroyLink(OwnLink link) = 0;
+    /// Removes a link of somebody else's, by its id.
+    virtual void removeLink(std::uint32_t linkID) = 0;
 
     /// Now, in seconds on a clock that never goes back.
     [[nodiscard]] virtual double seconds() const = 0;

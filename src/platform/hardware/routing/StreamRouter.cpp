@@ -5,70 +5,106 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace quorbel {
 namespace {
 
 /// The session manager links a stream within milliseconds; no listener notices a gap of this length
 /// as an end.
-constexpr double linkSeconds = 0.3;
-constexpr double giveUpSeconds = 2.0;
+constexpr double linkSeconds = 0.2;
+constexpr double captureSeconds = 2.0;
 /// A stream without ports cannot be heard yet, so it may take its time.
 constexpr double portSeconds = 10.0;
 constexpr double handshakeSeconds = 0.5;
 constexpr double waitingSeconds = 5.0;
 constexpr double longestRetrySeconds = 60.0;
+/// A session manager of 0.5 restores the target of an application by the key that a user's move
+/// has too. Nobody moves a stream by hand in its first second.
+constexpr double restoringSeconds = 1.0;
+constexpr double rememberSeconds = 0.1;
+/// While the session manager moves our output, nothing seems to hear it. Echoes of what we set come
+/// back within this time too, so no stream is sent to the tap while they are under way.
+constexpr double settleSeconds = 0.25;
 
 } // namespace
 
 StreamRouter::StreamRouter(const ServerObjects &objects, ServerCommands &commands, RouteLog &log)
-    : objects_(objects), commands_(commands), log_(log) {}
+    : objects_(objects), commands_(objects, commands), log_(log) {}
 
 void StreamRouter::begin(const RoutingEnds &ends) {
     const bool isOtherTap = isOn() && ends.tapSerial != ends_.tapSerial;
     ends_ = ends;
     ownTaps_.insert(ends.tapSerial);
     hearers_ = hearersOf(objects_, ends_.outID);
+    dropInheritedIDs();
     if (isOtherTap)
         for (auto &[id, stream] : streams_) {
             const NodeRecord *node = objects_.node(id);
             if (node == nullptr)
                 continue;
+            const bool wasLinkedByUs = !stream.links.empty();
             dropLinks(stream);
-            if (isHeld(stream))
+            if (isHeld(stream)) {
                 sendToTap(*node, stream);
-            else if (stream.phase == Phase::refused)
+                if (wasLinkedByUs) // by nobody else this time either
+                    stream.linkAt = commands_.seconds();
+            } else if (stream.phase == Phase::refused) {
                 route(*node, stream);
+            }
         }
     lookForFeedback();
     routeAll();
+}
+
+/// Ids are used again: the "target.node" of a stream may name a device that is gone, and by now a
+/// node of ours. The session manager would link it to the tap, whatever the stream hears.
+void StreamRouter::dropInheritedIDs() {
+    for (const std::uint32_t subject : objects_.metadataSubjects()) {
+        const auto value = commands_.expected(subject, targetNodeKey);
+        if (value && isOwnID(*value))
+            commands_.setMetadata(subject, targetNodeKey, {"Spa:Id", "-1"});
+    }
+    for (auto &[_, stream] : streams_)
+        if (stream.route.targetNode && isOwnID(*stream.route.targetNode))
+            stream.route.targetNode.reset();
+}
+
+bool StreamRouter::isOwnID(const MetadataValue &value) const {
+    return value.value == std::to_string(ends_.tapID) || value.value == std::to_string(ends_.outID);
 }
 
 void StreamRouter::end() {
     for (auto &[_, stream] : streams_)
         if (isHeld(stream))
             putBack(stream, Phase::released);
-    // What an ended stream left behind would be applied to the next stream with its id.
+    for (const Ended &ended : ended_)
+        cleanUp(ended.route);
+    ended_.clear();
     for (const std::uint32_t subject : objects_.metadataSubjects())
-        for (const std::uint64_t tap : ownTaps_)
-            if (isRoutedTo(objects_, subject, tap)) {
-                commands_.deleteMetadata(subject, targetObjectKey);
-                commands_.deleteMetadata(subject, targetNodeKey);
-                break;
-            }
+        if (hasOwnTarget(subject)) {
+            commands_.deleteMetadata(subject, targetObjectKey);
+            commands_.deleteMetadata(subject, targetNodeKey);
+        }
     streams_.clear();
-    cleaned_.clear();
     hearers_.clear();
     ends_ = {};
 }
 
 void StreamRouter::startOver() {
-    for (auto &[_, stream] : streams_) {
-        dropLinks(stream);
-        if (isHeld(stream))
-            log_.released(stream.route);
+    for (auto stream = streams_.begin(); stream != streams_.end();) {
+        const NodeRecord *node = objects_.node(stream->first);
+        dropLinks(stream->second);
+        // One that is ours still has nothing else from which its own targets could be read.
+        if (node != nullptr && hasTap() && isHeld(stream->second) && hasOwnTarget(stream->first)) {
+            sendToTap(*node, stream->second);
+            ++stream;
+            continue;
+        }
+        if (isHeld(stream->second))
+            log_.released(stream->second.route);
+        stream = streams_.erase(stream);
     }
-    streams_.clear();
     routeAll();
 }
 
@@ -88,38 +124,44 @@ bool StreamRouter::needsDeviceTap() const {
 }
 
 void StreamRouter::routeAll() {
-    if (!isOn() || !objects_.hasMetadata())
+    if (!hasTap() || !objects_.hasMetadata())
         return;
+    dropInheritedIDs();
     for (const auto &[_, node] : objects_.nodes())
-        consider(node);
+        consider(node, metadataAt_);
 }
 
-void StreamRouter::consider(const NodeRecord &node) {
-    if (!isOn() || !objects_.hasMetadata() || !node.isComplete || streams_.contains(node.id) ||
-        !isRoutable(node))
+void StreamRouter::consider(const NodeRecord &node, double appearedAt) {
+    if (!hasTap() || !objects_.hasMetadata() || !node.isComplete || streams_.contains(node.id))
         return;
-    route(node, streams_[node.id]);
+    if (!isRoutable(node)) {
+        if (hasOwnTarget(node.id)) // of an ended stream with its id
+            commands_.deleteMetadata(node.id, targetObjectKey);
+        return;
+    }
+    Stream &stream = streams_[node.id];
+    stream.appearedAt = appearedAt;
+    route(node, stream);
 }
 
 bool StreamRouter::mustNotBeCaptured(const NodeRecord &node) const {
-    return hearers_.contains(node.id) || isVirtualSinkOutput(objects_, node);
+    return hearers_.contains(node.id) || isVirtualSinkOutput(objects_, node) ||
+           isUndecidedCopy(objects_, node);
 }
 
 void StreamRouter::route(const NodeRecord &node, Stream &stream) {
-    stream.route = {node.id, node.serial, ends_.tapSerial, {}, {}};
+    stream.route = {.streamID = node.id, .streamSerial = node.serial, .tapSerial = ends_.tapSerial};
     stream.retryAt = never;
-    stream.wasCaptured = false;
     // Values that we set ourselves are an ended stream's with the same id, and no choice of
     // anybody's.
-    const bool isInherited = std::any_of(ownTaps_.begin(), ownTaps_.end(), [&](std::uint64_t tap) {
-        return isRoutedTo(objects_, node.id, tap);
-    });
-    if (!isInherited) {
-        stream.route.targetObject = objects_.metadata(node.id, targetObjectKey);
-        stream.route.targetNode = objects_.metadata(node.id, targetNodeKey);
+    if (!hasOwnTarget(node.id)) {
+        stream.route.targetObject = commands_.expected(node.id, targetObjectKey);
+        stream.route.targetNode = commands_.expected(node.id, targetNodeKey);
     }
     if (mustNotBeCaptured(node)) {
         stream.phase = Phase::hearing;
+        if (hasOwnTarget(node.id))
+            undoRoute(objects_, commands_, stream.route);
     } else if (isPulseClient(node) && !isAnsweredPulseClient(node) && handshakeSink() == 0) {
         stream.phase = Phase::waiting;
         stream.retryAt = commands_.seconds() + waitingSeconds;
@@ -129,14 +171,30 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
 }
 
 void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
-    stream.route.tapSerial = ends_.tapSerial;
     stream.phase = Phase::routing;
+    if (!hasTap()) // the next one takes it
+        return;
+    std::erase_if(ended_, [&](const Ended &ended) {
+        const bool hadID = ended.route.streamID == node.id;
+        if (hadID)
+            log_.released(ended.route);
+        return hadID;
+    });
+    if (stream.route.tapSerial != ends_.tapSerial)
+        stream.route.formerTapSerial = std::exchange(stream.route.tapSerial, ends_.tapSerial);
+    stream.formerLinks.clear();
+    for (const auto &[id, link] : objects_.links())
+        if (link.outputNodeID == node.id && link.inputNodeID != ends_.tapID)
+            stream.formerLinks.insert(id);
     log_.routed(stream.route);
-    stream.writtenNode = routeTo(ends_.tapSerial, objects_, commands_, stream.route);
+    routeTo(ends_.tapSerial, objects_, commands_, stream.route);
     const double now = commands_.seconds();
+    stream.wasCaptured = false;
+    stream.rememberAt = never;
+    stream.rememberedAt = now;
     const bool hasPorts = objects_.hasPorts(node.id, false);
     stream.linkAt = hasPorts ? now + linkSeconds : never;
-    stream.giveUpAt = now + (hasPorts ? giveUpSeconds : portSeconds);
+    stream.giveUpAt = now + (hasPorts ? captureSeconds : portSeconds);
     if (hasPorts)
         startHandshake(node, stream);
     lookAtLinks(node.id, stream);
@@ -166,6 +224,17 @@ void StreamRouter::startHandshake(const NodeRecord &node, Stream &stream) {
     stream.handshakeEnd = commands_.seconds() + handshakeSeconds;
 }
 
+/// True if the target of the stream is a tap of ours, of now or of before.
+bool StreamRouter::hasOwnTarget(std::uint32_t id) const {
+    const auto target = commands_.expected(id, targetObjectKey);
+    return target && isOwnTap(*target);
+}
+
+bool StreamRouter::isOwnTap(const MetadataValue &value) const {
+    return std::any_of(ownTaps_.begin(), ownTaps_.end(),
+                       [&](std::uint64_t tap) { return value.value == std::to_string(tap); });
+}
+
 void StreamRouter::dropLinks(Stream &stream) {
     for (const OwnLink link : stream.links)
         commands_.destroyLink(link);
@@ -182,8 +251,26 @@ void StreamRouter::putBack(Stream &stream, Phase phase) {
     stream.linkAt = never;
     stream.giveUpAt = never;
     stream.retryAt = never;
-    restoreRoute(objects_, commands_, stream.route);
+    stream.leaveAt = never;
+    stream.rememberAt = never;
+    if (hasOwnTarget(stream.route.streamID))
+        undoRoute(objects_, commands_, stream.route);
     log_.released(stream.route);
+}
+
+// What an ended stream leaves behind would be applied to the next stream with its id. It is removed
+// a moment later: some servers do it themselves, and the session manager may have restored a target
+// for a new stream with the id by the time at which our deletion would arrive.
+void StreamRouter::cleanUp(const RoutedStream &route) {
+    const std::uint32_t id = route.streamID;
+    const auto found = streams_.find(id);
+    if (hasOwnTarget(id) && (found == streams_.end() || !isHeld(found->second))) {
+        commands_.deleteMetadata(id, targetObjectKey);
+        if (objects_.node(id) == nullptr ||
+            commands_.expected(id, targetNodeKey) == rememberedTarget(objects_, route))
+            commands_.deleteMetadata(id, targetNodeKey);
+    }
+    log_.released(route);
 }
 
 /// True if both channels of the tap get the stream's sound.
@@ -209,6 +296,8 @@ const NodeRecord *StreamRouter::deviceLinkedTo(std::uint32_t id) const {
 }
 
 void StreamRouter::lookAtLinks(std::uint32_t id, Stream &stream) {
+    if (!hasTap())
+        return;
     if (stream.phase == Phase::routing && isFullyLinked(id)) {
         stream.phase = Phase::captured;
         stream.wasCaptured = true;
@@ -218,8 +307,13 @@ void StreamRouter::lookAtLinks(std::uint32_t id, Stream &stream) {
     } else if (stream.phase == Phase::captured && !isFullyLinked(id)) {
         stream.phase = Phase::routing;
         stream.linkAt = commands_.seconds() + linkSeconds;
-        stream.giveUpAt = commands_.seconds() + giveUpSeconds;
+        stream.giveUpAt = commands_.seconds() + captureSeconds;
     }
+    // Heard twice: somebody has linked it by hand, and the session manager does not take that away.
+    if (stream.phase != Phase::captured || deviceLinkedTo(id) == nullptr)
+        stream.leaveAt = never;
+    else if (stream.leaveAt == never)
+        stream.leaveAt = commands_.seconds() + linkSeconds;
 }
 
 void StreamRouter::linkToTap(std::uint32_t id, Stream &stream) {
@@ -249,12 +343,35 @@ void StreamRouter::leaveAt(const NodeRecord &place, Stream &stream) {
     stream.phase = Phase::released;
     stream.linkAt = never;
     stream.giveUpAt = never;
+    stream.leaveAt = never;
     routeTo(place.serial, objects_, commands_, stream.route);
     log_.released(stream.route);
 }
 
+/// Of a stream that a device gets beside the tap.
+void StreamRouter::endDoubleSound(const NodeRecord &node, Stream &stream) {
+    if (!stream.links.empty()) {
+        // The session manager was only late: it moves what is not linked to the tap.
+        dropLinks(stream);
+        sendToTap(node, stream);
+        return;
+    }
+    const NodeRecord *place = nullptr;
+    for (const auto &[id, link] : objects_.links()) {
+        const NodeRecord *to = objects_.node(link.inputNodeID);
+        if (link.outputNodeID != node.id || to == nullptr || !isOutputDevice(*to))
+            continue;
+        if (stream.formerLinks.contains(id))
+            commands_.removeLink(id);
+        else
+            place = to;
+    }
+    if (place != nullptr) // somebody has linked it by hand
+        leaveAt(*place, stream);
+}
+
 void StreamRouter::lookForFeedback() {
-    if (!isOn())
+    if (!hasTap() || ends_.outID == 0)
         return;
     hearers_ = hearersOf(objects_, ends_.outID);
     for (auto &[id, stream] : streams_) {
@@ -263,16 +380,32 @@ void StreamRouter::lookForFeedback() {
             continue;
         if (isHeld(stream) && mustNotBeCaptured(*node))
             putBack(stream, Phase::hearing);
-        else if (stream.phase == Phase::hearing && !mustNotBeCaptured(*node))
-            route(*node, stream);
+        else if (stream.phase != Phase::hearing)
+            continue;
+        else if (mustNotBeCaptured(*node))
+            stream.retryAt = never;
+        else if (stream.retryAt == never)
+            stream.retryAt = commands_.seconds() + settleSeconds;
     }
+}
+
+/// True if the link carries the processed sound, or decides about a copy.
+bool StreamRouter::mayChangeHearers(const LinkRecord &link) const {
+    const NodeRecord *listener = objects_.node(link.inputNodeID);
+    return link.outputNodeID == ends_.outID || hearers_.contains(link.outputNodeID) ||
+           (listener != nullptr && listener->mediaClass().starts_with("Stream/Input") &&
+            !listener->property("node.link-group").empty());
 }
 
 void StreamRouter::nodeChanged(const NodeRecord &node) {
     if (!isOn())
         return;
+    // The sink half of a virtual device may become known after its output half was routed, and a
+    // program's recording after its playback.
+    if (!node.property("node.link-group").empty() || !node.property("client.id").empty())
+        lookForFeedback();
     if (const auto found = streams_.find(node.id); found == streams_.end()) {
-        consider(node);
+        consider(node, commands_.seconds());
     } else if (Stream &stream = found->second; isAnsweredPulseClient(node)) {
         if (stream.handshake != 0)
             commands_.destroyLink(stream.handshake);
@@ -281,22 +414,18 @@ void StreamRouter::nodeChanged(const NodeRecord &node) {
         if (stream.phase == Phase::waiting)
             route(node, stream);
     }
-    // The sink half of a virtual device may become known after its output half was routed, and a
-    // program's recording after its playback.
-    if (!node.property("node.link-group").empty() || !node.property("client.id").empty())
-        lookForFeedback();
 }
 
 void StreamRouter::nodeRemoved(const NodeRecord &node) {
+    for (std::uint32_t *end : {&ends_.tapID, &ends_.outID, &ends_.deviceID})
+        if (*end == node.id)
+            *end = 0;
     const auto found = streams_.find(node.id);
     if (found == streams_.end())
         return;
-    if (isHeld(found->second)) {
-        cleaned_[node.id] = found->second.writtenNode;
-        putBack(found->second, Phase::released);
-    } else {
-        dropLinks(found->second);
-    }
+    dropLinks(found->second);
+    if (isHeld(found->second))
+        ended_.push_back({found->second.route, commands_.seconds() + settleSeconds});
     streams_.erase(found);
 }
 
@@ -309,7 +438,7 @@ void StreamRouter::portAdded(const PortRecord &port) {
         Stream &stream = found->second;
         if (stream.linkAt == never) {
             stream.linkAt = commands_.seconds() + linkSeconds;
-            stream.giveUpAt = commands_.seconds() + giveUpSeconds;
+            stream.giveUpAt = commands_.seconds() + captureSeconds;
         }
         startHandshake(*node, stream);
     } else if (port.isInput && isOutputDevice(*node)) {
@@ -325,84 +454,95 @@ void StreamRouter::linkAdded(const LinkRecord &link) {
         return;
     if (const auto found = streams_.find(link.outputNodeID); found != streams_.end())
         lookAtLinks(found->first, found->second);
-    if (link.inputNodeID != ends_.tapID)
+    if (mayChangeHearers(link))
         lookForFeedback();
 }
 
 void StreamRouter::linkRemoved(const LinkRecord &link) {
     if (!isOn())
         return;
-    if (const auto found = streams_.find(link.outputNodeID); found != streams_.end())
+    if (const auto found = streams_.find(link.outputNodeID); found != streams_.end()) {
+        found->second.formerLinks.erase(link.id);
         lookAtLinks(found->first, found->second);
-    if (link.inputNodeID != ends_.tapID)
+    }
+    if (mayChangeHearers(link))
         lookForFeedback();
 }
 
 void StreamRouter::metadataChanged(std::uint32_t subject, std::string_view key,
                                    const std::optional<MetadataValue> &value) {
-    if (!isOn())
+    const bool isObject = key == targetObjectKey;
+    if ((!isObject && key != targetNodeKey) || commands_.takeEcho(subject, key, value))
         return;
-    if (const auto cleaned = cleaned_.find(subject);
-        cleaned != cleaned_.end() && key == targetNodeKey) {
-        // Set for a new stream with the id before our deletion of the old one's value took effect.
-        if (value && *value != cleaned->second)
-            commands_.setMetadata(subject, targetNodeKey, *value);
-        cleaned_.erase(cleaned);
+    if (!isObject && value && isOn() && isOwnID(*value)) {
+        dropInheritedIDs();
+        return;
     }
+    if (isObject && value && isOwnTap(*value)) {
+        // The session manager has remembered the tap of a stream that ended within our writes.
+        if (const auto found = streams_.find(subject);
+            found == streams_.end() || !isHeld(found->second))
+            commands_.deleteMetadata(subject, targetObjectKey);
+        return;
+    }
+    // Somebody else's. A write of ours that is still under way came after it and replaces it, even
+    // if we have ended by now.
+    const bool isReplaced = commands_.isUnderWay(subject, key);
     const auto found = streams_.find(subject);
-    if (found == streams_.end())
+    if (found == streams_.end() || !isHeld(found->second)) {
+        if (isReplaced)
+            commands_.write(subject, isObject ? targetObjectKey : targetNodeKey, value);
         return;
-    if (key == targetObjectKey)
-        targetObjectChanged(subject, found->second, value);
-    else if (key == targetNodeKey)
-        targetNodeChanged(subject, found->second, value);
-}
-
-void StreamRouter::targetObjectChanged(std::uint32_t id, Stream &stream,
-                                       const std::optional<MetadataValue> &value) {
-    const bool isOurs =
-        value && std::any_of(ownTaps_.begin(), ownTaps_.end(), [&](std::uint64_t tap) {
-            return value->value == std::to_string(tap);
-        });
-    if (!isOurs && isHeld(stream)) {
-        // Somebody else decides now. The value is kept: should ours turn up after it (the two were
-        // sent at the same moment), the stream is with us after all and goes back to where they
-        // wanted it.
-        dropLinks(stream);
-        stream.phase = Phase::released;
-        stream.linkAt = never;
-        stream.giveUpAt = never;
-        log_.released(stream.route);
-        stream.route.targetObject = value;
-        const auto node = objects_.metadata(id, targetNodeKey);
-        if (node != stream.writtenNode)
-            stream.route.targetNode = node;
-    } else if (isOurs && stream.phase == Phase::released) {
-        stream.phase = Phase::routing;
-        stream.linkAt = commands_.seconds() + linkSeconds;
-        stream.giveUpAt = commands_.seconds() + giveUpSeconds;
-        log_.routed(stream.route);
-        lookAtLinks(id, stream);
     }
-}
-
-void StreamRouter::targetNodeChanged(std::uint32_t id, Stream &stream,
-                                     const std::optional<MetadataValue> &value) {
-    // Our own deletion comes back as no value.
-    if (!value || *value == stream.writtenNode)
-        return;
-    stream.route.targetNode = value;
-    if (!isHeld(stream))
-        return;
-    // The session manager restores a remembered target at the moment in which a stream appears; if
-    // our value came after it, that one is remembered now.
+    Stream &stream = found->second;
+    (isObject ? stream.route.targetObject : stream.route.targetNode) = value;
     log_.routed(stream.route);
-    stream.writtenNode = rememberedTarget(objects_, stream.route);
-    commands_.deleteMetadata(id, targetNodeKey);
-    commands_.setMetadata(id, targetNodeKey, stream.writtenNode);
+    const NodeRecord *node = objects_.node(subject);
+    if (!isObject || isReplaced)
+        remember(stream);
+    else if (value && node != nullptr && commands_.seconds() - stream.appearedAt < restoringSeconds)
+        sendToTap(*node, stream);
+    else
+        release(stream);
 }
 
-void StreamRouter::metadataArrived() { routeAll(); }
+/// Somebody else has given the stream another target: it is theirs.
+void StreamRouter::release(Stream &stream) {
+    dropLinks(stream);
+    stream.phase = Phase::released;
+    stream.linkAt = never;
+    stream.giveUpAt = never;
+    stream.leaveAt = never;
+    stream.rememberAt = never;
+    // What we have set as "target.node" would send it elsewhere once that target is taken away.
+    if (stream.route.targetObject)
+        remember(stream);
+    else
+        commands_.write(stream.route.streamID, targetNodeKey, stream.route.targetNode);
+    log_.released(stream.route);
+}
+
+/// Has the session manager remember the user's own choice after another value was written.
+void StreamRouter::remember(Stream &stream) {
+    const double now = commands_.seconds();
+    // Two that write in turns must not do so without end.
+    if (now - stream.rememberedAt < rememberSeconds && stream.rememberedTwice) {
+        stream.rememberAt = stream.rememberedAt + rememberSeconds;
+        return;
+    }
+    stream.rememberedTwice = now - stream.rememberedAt < rememberSeconds;
+    stream.rememberedAt = now;
+    stream.rememberAt = never;
+    const MetadataValue value = rememberedTarget(objects_, stream.route);
+    // Deleted first, because setting an equal value is not an event.
+    commands_.deleteMetadata(stream.route.streamID, targetNodeKey);
+    commands_.setMetadata(stream.route.streamID, targetNodeKey, value);
+}
+
+void StreamRouter::metadataArrived() {
+    metadataAt_ = commands_.seconds();
+    routeAll();
+}
 
 void StreamRouter::metadataGone() {
     // A new session manager knows nothing of what was routed, and the values went with the old one.
@@ -412,11 +552,22 @@ void StreamRouter::metadataGone() {
             log_.released(stream.route);
     }
     streams_.clear();
-    cleaned_.clear();
+    for (const Ended &ended : ended_)
+        log_.released(ended.route);
+    ended_.clear();
+    commands_.clear();
 }
 
 void StreamRouter::checkDeadlines() {
     const double now = commands_.seconds();
+    std::erase_if(ended_, [&](const Ended &ended) {
+        const bool isDue = now >= ended.cleanAt;
+        if (isDue)
+            cleanUp(ended.route);
+        return isDue;
+    });
+    if (!hasTap())
+        return;
     for (auto &[id, stream] : streams_) {
         const NodeRecord *node = objects_.node(id);
         if (node == nullptr)
@@ -432,7 +583,15 @@ void StreamRouter::checkDeadlines() {
                 linkToTap(id, stream);
             else if (stream.wasCaptured && !objects_.isLinked(id, ends_.tapID))
                 leaveAt(*device, stream);
+            else // not taken off it yet
+                stream.linkAt = now + linkSeconds;
         }
+        if (now >= stream.leaveAt) {
+            stream.leaveAt = never;
+            endDoubleSound(*node, stream);
+        }
+        if (now >= stream.rememberAt)
+            remember(stream);
         if (now >= stream.giveUpAt) {
             putBack(stream, Phase::refused);
             stream.retryAt = now + std::min(longestRetrySeconds, std::exp2(++stream.failures));
@@ -444,9 +603,13 @@ void StreamRouter::checkDeadlines() {
 
 double StreamRouter::nextDeadline() const {
     double next = never;
+    for (const Ended &ended : ended_)
+        next = std::min(next, ended.cleanAt);
+    if (!hasTap())
+        return next;
     for (const auto &[_, stream] : streams_)
-        next =
-            std::min({next, stream.linkAt, stream.giveUpAt, stream.retryAt, stream.handshakeEnd});
+        next = std::min({next, stream.leaveAt, stream.rememberAt, stream.linkAt, stream.giveUpAt,
+                         stream.retryAt, stream.handshakeEnd});
     return next;
 }
 

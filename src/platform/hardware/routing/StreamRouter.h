@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/hardware/routing/OwnWrites.h"
 #include "platform/hardware/routing/RouteLog.h"
 #include "platform/hardware/routing/ServerCommands.h"
 
@@ -17,6 +18,8 @@ struct RoutingEnds {
     std::uint64_t tapSerial = 0;
     std::uint32_t outID = 0;    ///< plays the processed sound
     std::uint32_t deviceID = 0; ///< what it plays on
+
+    bool operator==(const RoutingEnds &) const = default;
 };
 
 /// Sends every application's playback stream to the tap while it is on, present ones and new ones,
@@ -37,7 +40,7 @@ class StreamRouter final : public ServerObserver {
 
     /// Starts routing, or goes on with another tap, output or device.
     void begin(const RoutingEnds &ends);
-    [[nodiscard]] bool isOn() const { return ends_.tapID != 0; }
+    [[nodiscard]] bool isOn() const { return ends_.tapSerial != 0; }
     /// Puts every stream back. The session manager moves the links a moment later.
     void end();
     /// Routes everything again as if it had just been seen: somebody else has put the streams back.
@@ -72,22 +75,35 @@ class StreamRouter final : public ServerObserver {
         routing,  ///< sent to the tap, not linked to it yet
         captured, ///< linked to the tap
         waiting,  ///< put back until the PulseAudio server has answered its client
-        hearing,  ///< hears the processed sound, or is half of a virtual sink: put back
+        hearing,  ///< hears the processed sound, may yet do so, or is half of a virtual sink: put
+                  ///< back
         refused,  ///< did not follow: put back, tried again later
         released, ///< moved elsewhere by the user
     };
     struct Stream {
         RoutedStream route;
-        MetadataValue writtenNode; ///< what we last set as "target.node"
+        double appearedAt = 0.0;   ///< to the session manager, which may restore its target then
+        double rememberAt = never; ///< write again what the session manager is to remember
+        double rememberedAt = -never;
+        bool rememberedTwice = false;
         Phase phase = Phase::routing;
         double linkAt = never;   ///< make the missing links ourselves
         double giveUpAt = never; ///< put it back
         double retryAt = never;
+        double leaveAt = never; ///< end the sound that a device gets beside the tap
         int failures = 0;
-        bool wasCaptured = false;
+        bool wasCaptured = false;   ///< since it was last sent to the tap
         std::vector<OwnLink> links; ///< to the tap, where the session manager made none
+        /// Ids of links to devices from before it was sent to the tap: the session manager takes
+        /// them away, but loses track of one now and then.
+        std::set<std::uint32_t> formerLinks;
         OwnLink handshake = 0;
         double handshakeEnd = never;
+    };
+    /// A stream that has ended while it was routed.
+    struct Ended {
+        RoutedStream route;
+        double cleanAt = never;
     };
     using Streams = std::map<std::uint32_t, Stream>;
 
@@ -95,36 +111,42 @@ class StreamRouter final : public ServerObserver {
         return stream.phase == Phase::routing || stream.phase == Phase::captured;
     }
 
+    /// Its node is there; without it, streams wait for another one.
+    [[nodiscard]] bool hasTap() const { return ends_.tapID != 0; }
     void routeAll();
-    void consider(const NodeRecord &node);
+    void dropInheritedIDs();
+    [[nodiscard]] bool isOwnID(const MetadataValue &value) const;
+    void consider(const NodeRecord &node, double appearedAt);
     void route(const NodeRecord &node, Stream &stream);
     void sendToTap(const NodeRecord &node, Stream &stream);
     void putBack(Stream &stream, Phase phase);
+    [[nodiscard]] bool isOwnTap(const MetadataValue &value) const;
+    [[nodiscard]] bool hasOwnTarget(std::uint32_t id) const;
+    void cleanUp(const RoutedStream &route);
     void dropLinks(Stream &stream);
     void lookAtLinks(std::uint32_t id, Stream &stream);
     void linkToTap(std::uint32_t id, Stream &stream);
     void leaveAt(const NodeRecord &place, Stream &stream);
+    void endDoubleSound(const NodeRecord &node, Stream &stream);
     [[nodiscard]] bool isFullyLinked(std::uint32_t id) const;
     [[nodiscard]] const NodeRecord *deviceLinkedTo(std::uint32_t id) const;
     void startHandshake(const NodeRecord &node, Stream &stream);
     [[nodiscard]] std::uint32_t handshakeSink() const;
     [[nodiscard]] bool mustNotBeCaptured(const NodeRecord &node) const;
+    [[nodiscard]] bool mayChangeHearers(const LinkRecord &link) const;
     void lookForFeedback();
-    void targetObjectChanged(std::uint32_t id, Stream &stream,
-                             const std::optional<MetadataValue> &value);
-    void targetNodeChanged(std::uint32_t id, Stream &stream,
-                           const std::optional<MetadataValue> &value);
+    void release(Stream &stream);
+    void remember(Stream &stream);
 
     const ServerObjects &objects_;
-    ServerCommands &commands_;
+    OwnWrites commands_;
     RouteLog &log_;
-    RoutingEnds ends_;
+    RoutingEnds ends_;                ///< ids become 0 when their nodes go: others are given them
     std::set<std::uint64_t> ownTaps_; ///< serials of every tap so far
+    double metadataAt_ = -never;      ///< when the table came
     Streams streams_;                 ///< by node id
+    std::vector<Ended> ended_;
     std::set<std::uint32_t> hearers_; ///< of the processed sound
-    /// Ended streams whose values we have deleted, with the "target.node" that was ours. A stream
-    /// that is given such an id at once may have had its own value deleted by that.
-    std::map<std::uint32_t, MetadataValue> cleaned_;
 };
 
 } // namespace quorbel

@@ -52,6 +52,21 @@ bool isVirtualSinkOutput(const ServerObjects &objects, const NodeRecord &node) {
     });
 }
 
+bool isUndecidedCopy(const ServerObjects &objects, const NodeRecord &node) {
+    const std::string &group = node.property("node.link-group");
+    if (group.empty())
+        return false;
+    const auto isLinked = [&](std::uint32_t recorder) {
+        return std::any_of(objects.links().begin(), objects.links().end(),
+                           [&](const auto &entry) { return entry.second.inputNodeID == recorder; });
+    };
+    return std::any_of(objects.nodes().begin(), objects.nodes().end(), [&](const auto &entry) {
+        const NodeRecord &other = entry.second;
+        return other.mediaClass().starts_with("Stream/Input") &&
+               other.property("node.link-group") == group && !isLinked(other.id);
+    });
+}
+
 bool isPlainStereo(const ServerObjects &objects, std::uint32_t nodeID, bool input) {
     const auto ports = objects.ports(nodeID, input);
     return std::count_if(ports.begin(), ports.end(),
@@ -71,20 +86,20 @@ std::set<std::uint32_t> hearersOf(const ServerObjects &objects, std::uint32_t no
     while (!fresh.empty()) {
         const std::uint32_t from = fresh.back();
         fresh.pop_back();
-        for (const auto &[_, link] : objects.links()) {
-            if (link.outputNodeID != from)
-                continue;
-            add(link.inputNodeID);
-            const NodeRecord *listener = objects.node(link.inputNodeID);
-            if (listener == nullptr)
-                continue;
-            // Of a sink only the output half of a virtual one plays what it hears.
-            const bool isSink = isOutputDevice(*listener);
-            for (const auto &[id, node] : objects.nodes())
-                if (isPlayback(node) && (isSink ? haveEqual(*listener, node, "node.link-group")
-                                                : areOfOneProgram(*listener, node)))
-                    add(id);
-        }
+        for (const auto &[_, link] : objects.links())
+            if (link.outputNodeID == from)
+                add(link.inputNodeID);
+        const NodeRecord *listener = objects.node(from);
+        if (listener == nullptr || from == nodeID || isPlayback(*listener))
+            continue;
+        // Of a sink only the output half of a virtual one plays what it hears.
+        const bool isSink = isOutputDevice(*listener);
+        if (isSink && listener->property("node.link-group").empty())
+            continue;
+        for (const auto &[id, node] : objects.nodes())
+            if (isPlayback(node) && (isSink ? haveEqual(*listener, node, "node.link-group")
+                                            : areOfOneProgram(*listener, node)))
+                add(id);
     }
     return hearers;
 }

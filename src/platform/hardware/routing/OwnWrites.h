@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/hardware/routing/ServerCommands.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorbel {
+
+/// Passes commands on and remembers which metadata we have written until the server's event about
+/// it, the echo, arrives. Tells our own changes from those of others, and whether a change of
+/// somebody else's came before a write of ours that is still under way and will replace it.
+class OwnWrites final : public ServerCommands {
+  public:
+    OwnWrites(const ServerObjects &objects, ServerCommands &commands)
+        : objects_(objects), commands_(commands) {}
+
+    void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
+    void deleteMetadata(std::uint32_t subject, const char *key) override;
+    OwnLink createLink(const LinkRequest &request) override {
+        return commands_.createLink(request);
+    }
+    void destroyLink(OwnLink link) override { commands_.destroyLink(link); }
+    void removeLink(std::uint32_t linkID) override { commands_.removeLink(linkID); }
+    [[nodiscard]] double seconds() const override { return commands_.seconds(); }
+
+    /// Sets, or deletes if there is no value.
+    void write(std::uint32_t subject, const char *key, const std::optional<MetadataValue> &value);
+    /// True if the change is the echo of a write, which is forgotten then.
+    bool takeEcho(std::uint32_t subject, std::string_view key,
+                  const std::optional<MetadataValue> &value);
+    /// True if a write of the key is under way.
+    [[nodiscard]] bool isUnderWay(std::uint32_t subject, std::string_view key) const;
+    /// The value that the key has once the writes under way have arrived.
+    [[nodiscard]] std::optional<MetadataValue> expected(std::uint32_t subject,
+                                                        std::string_view key) const;
+    void clear() { writes_.clear(); }
+
+  private:
+    struct Write {
+        std::uint32_t subject = 0;
+        std::string key;
+        std::optional<MetadataValue> value;
+        bool mayBeSilent = false; ///< changes nothing as far as we know, and then has no echo
+        double time = 0.0;
+    };
+    [[nodiscard]] bool isFresh(const Write &write) const;
+
+    void remember(std::uint32_t subject, const char *key,
+                  const std::optional<MetadataValue> &value);
+
+    const ServerObjects &objects_;
+    ServerCommands &commands_;
+    std::vector<Write> writes_; ///< oldest first
+};
+
+} // namespace quorbel

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "SimulatedClient.h"
+#include "SimulatedServer.h"
+#include "SimulatedSessionManager.h"
+#include "Storm.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace quorbel::desktop {
+
+/// A computer with its devices, applications, session manager and, in one of two worlds, us. All of
+/// it hangs on the storm's seed and one clock.
+class Desktop {
+  public:
+    Desktop(const Storm &storm, bool hasUs);
+
+    enum class Kind : std::uint8_t { player, loopback, virtualSink, split, meter };
+    struct Application {
+        Kind kind = Kind::player;
+        std::vector<NodeTraits> halves;
+        std::vector<std::uint64_t> serials;
+        bool isAlive = false;
+        bool wasMovedByLinks = false;
+        bool hasObject = false;      ///< "target.object" may be set without us
+        bool isPinUncertain = false; ///< to a device that was absent, or an heirloom
+        Micros started = 0;
+        Micros movedAt = -1;
+        Micros silentSince = -1;
+    };
+
+    SimulatedServer server;
+    SimulatedSessionManager manager;
+    SimulatedClient client;
+    std::array<Application, applicationCount> applications;
+    std::array<int, deviceCount> channels{};
+    std::array<bool, deviceCount> isPlugged{};
+    bool isServerUp = true;
+
+    /// Goes on until `time`; stops at the first violation.
+    void runUntil(Micros time);
+    void carryOut(const StormEvent &event);
+    /// Lets everybody return who is away.
+    void calm();
+    [[nodiscard]] const std::string &violation() const { return violation_; }
+    void fail(std::string text);
+
+    [[nodiscard]] const Node *playback(const Application &application) const;
+    [[nodiscard]] bool hasReadyDevice() const;
+
+  private:
+    struct Timer {
+        enum class Kind : std::uint8_t { port, managerReturns, serverReturns, application, plug };
+        Kind kind{};
+        int slot = 0;
+        Micros due = 0;
+        Micros interval = 0;
+    };
+    void fire(const Timer &timer);
+    void startNodes(Application &application);
+    void stopNodes(Application &application);
+    void plugNode(int slot, Micros interval);
+    void afterStep();
+    void beginStep();
+    void noteGoodTimes();
+    void noteSilence();
+    void lookForSilence();
+    void lookForFeedback();
+    void lookAtView();
+    void noteUncertainPins();
+    [[nodiscard]] bool hasWay(const Application &application) const;
+    [[nodiscard]] bool canUserMove(const Application &application) const;
+
+    bool hasUs_;
+    std::uint64_t seed_;
+    bool ownsDevices_; ///< the session manager
+    std::vector<Timer> timers_;
+    Micros killedAt_ = 0; ///< our program, in either world
+    Micros goodSince_ = 0, stalledUntil_ = 0, feedbackSince_ = -1;
+    bool isDeviceReady_ = false;
+    bool clientActed_ = false;
+    int stepsAtOnce_ = 0;
+    std::string violation_;
+};
+
+} // namespace quorbel::desktop

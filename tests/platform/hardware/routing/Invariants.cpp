@@ -1,0 +1,275 @@
+#include "Invariants.h"
+
+#include "Desktop.h"
+
+#include <algorithm>
+
+namespace quorbel::desktop {
+namespace {
+
+using Application = Desktop::Application;
+
+bool areOneProgram(const NodeTraits &listener, const NodeTraits &player) {
+    const auto same = [](const std::string &a, const std::string &b) {
+        return !a.empty() && a == b;
+    };
+    if (same(listener.linkGroup, player.linkGroup))
+        return true;
+    return !listener.isDevice() &&
+           (same(listener.client, player.client) || same(listener.process, player.process));
+}
+
+std::string nameOf(const SimulatedServer &server, const Entry *entry) {
+    if (entry == nullptr)
+        return "";
+    if (entry->value.value == "-1")
+        return "-1";
+    for (const Node &node : server.nodes)
+        if ((entry->key == targetObjectKey ? std::to_string(node.serial)
+                                           : std::to_string(node.id)) == entry->value.value)
+            return node.traits->name;
+    return "absent";
+}
+
+/// The name of what the stream's target is by metadata.
+std::string targetOf(const SimulatedServer &server, const Node &node) {
+    std::string target = nameOf(server, server.entry(node.id, targetObjectKey));
+    if (target.empty())
+        target = nameOf(server, server.entry(node.id, targetNodeKey));
+    return target == "-1" ? "" : target;
+}
+
+/// The names of what the stream is linked to, each once.
+std::string places(const Desktop &desktop, const Node &node) {
+    std::string result;
+    for (const Node &other : desktop.server.nodes)
+        if (desktop.server.isLinked(node.id, other.id))
+            result += other.traits->name + " ";
+    return result;
+}
+
+std::string wrongChannels(const Desktop &desktop, const Node &node, const Node &tap) {
+    int left = 0, right = 0, wrong = 0;
+    for (const Link &link : desktop.server.links) {
+        if (link.outputNode != node.id || link.inputNode != tap.id)
+            continue;
+        const auto channel = [&](const Node &end, std::uint32_t port) -> std::string_view {
+            for (const Port &each : end.ports)
+                if (each.id == port)
+                    return each.channel;
+            return "";
+        };
+        const auto from = channel(node, link.outputPort), to = channel(tap, link.inputPort);
+        (to == "FL" ? left : to == "FR" ? right : wrong)++;
+        if (from != to && (from != "MONO" || node.traits->channels != 1))
+            ++wrong;
+    }
+    if (left != 1 || right != 1 || wrong != 0 || node.count(false) > 2)
+        return node.traits->name + " reaches the tap with wrong channels";
+    return "";
+}
+
+bool isRoutable(const NodeTraits &traits) {
+    return traits.mediaClass == Class::playback && traits.fixedKey.empty();
+}
+
+/// A copy whose recording half is linked to nothing plays nothing, and is left where it is.
+bool isCopyOfNothing(const SimulatedServer &server, const Node &player) {
+    const std::string &group = player.traits->linkGroup;
+    return !group.empty() &&
+           std::any_of(server.nodes.begin(), server.nodes.end(), [&](const Node &node) {
+               return node.traits->mediaClass == Class::recording &&
+                      node.traits->linkGroup == group &&
+                      std::none_of(server.links.begin(), server.links.end(),
+                                   [&](const Link &link) { return link.inputNode == node.id; });
+           });
+}
+
+std::string wrongStream(const Desktop &desktop, const Desktop &without, std::size_t slot,
+                        bool isRunning) {
+    const Application &application = desktop.applications[slot];
+    const Node *node = desktop.playback(application);
+    const Node *plain = without.playback(without.applications[slot]);
+    if (node == nullptr || plain == nullptr || !node->traits->isPlayback())
+        return "";
+    const std::string here = places(desktop, *node);
+    const Node *tap = desktop.server.ours(true);
+    const Node *output = desktop.server.ours(false);
+    if (tap != nullptr && desktop.server.isLinked(node->id, tap->id)) {
+        if (!isRunning && desktop.hasReadyDevice())
+            return node->traits->name + " is linked to the tap while it is off";
+        if (here != "quorbel.tap ")
+            return node->traits->name + " is heard twice: " + here;
+        if (!isRunning)
+            return "";
+        // Nobody gives a stream other ports that the session manager leaves alone.
+        return desktop.manager.isOld(node->serial) ? "" : wrongChannels(desktop, *node, *tap);
+    }
+    const bool mayBeElsewhere =
+        !isRunning || !isRoutable(*node->traits) || application.movedAt >= 0 ||
+        application.kind == Desktop::Kind::virtualSink || isCopyOfNothing(desktop.server, *node) ||
+        // Restored after our own value, of which nobody hears: taken at the next try.
+        (desktop.server.isDeaf && application.isPinUncertain) ||
+        hears(desktop.server, output->id, node->id);
+    if (!mayBeElsewhere)
+        return node->traits->name + " is not captured but at: " + here;
+    if (application.wasMovedByLinks || application.isPinUncertain ||
+        without.applications[slot].isPinUncertain || desktop.manager.isOld(node->serial) ||
+        desktop.client.wasWatchdogLost())
+        return "";
+    const std::string there = places(without, *plain);
+    if (here != there)
+        return node->traits->name + " is at: " + here + "and without us at: " + there;
+    if (node->traits->isPulse && !node->traits->isAnswered && !there.empty())
+        return node->traits->name + " hangs";
+    return "";
+}
+
+std::string wrongPins(const Desktop &desktop, const Desktop &without, bool isOff) {
+    for (std::size_t slot = 0; slot < desktop.applications.size(); ++slot) {
+        const Application &application = desktop.applications[slot];
+        if (application.isPinUncertain || without.applications[slot].isPinUncertain)
+            continue;
+        const std::string &name = application.halves.back().application;
+        const auto remembered = [&](const Desktop &of) {
+            const auto found = of.manager.remembered.find(name);
+            return found == of.manager.remembered.end() ? "" : found->second;
+        };
+        // Of a stream that names a target itself, the memory is never used again.
+        if (application.halves.back().ownTarget.empty() &&
+            remembered(desktop) != remembered(without))
+            return name + " is remembered at '" + remembered(desktop) + "' and without us at '" +
+                   remembered(without) + "'";
+        const Node *node = desktop.playback(application);
+        const Node *plain = without.playback(without.applications[slot]);
+        if (!isOff || node == nullptr || plain == nullptr || application.wasMovedByLinks)
+            continue;
+        const std::string here = targetOf(desktop.server, *node);
+        const std::string there = targetOf(without.server, *plain);
+        if (here != there)
+            return name + " has the target '" + here + "' and without us '" + there + "'";
+    }
+    return "";
+}
+
+const char *leftBehind(const Desktop &desktop) {
+    if (desktop.server.ours(true) != nullptr || desktop.server.ours(false) != nullptr)
+        return "a node of ours is left";
+    for (const Link &link : desktop.server.links)
+        if (link.owner == Owner::ours)
+            return "a link of ours is left";
+    if (desktop.client.ledger().size() != 0)
+        return "a line of the journal is left";
+    for (const Entry &entry : desktop.server.metadata)
+        if (entry.key == targetObjectKey && desktop.server.wasTap(entry.value.value))
+            return "a target of ours is left";
+    return nullptr;
+}
+
+} // namespace
+
+bool hears(const SimulatedServer &server, std::uint32_t from, std::uint32_t to) {
+    std::vector<std::uint32_t> reached{from};
+    const auto add = [&](std::uint32_t id) {
+        if (std::find(reached.begin(), reached.end(), id) == reached.end())
+            reached.push_back(id);
+    };
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        const std::uint32_t at = reached[i];
+        for (const Link &link : server.links)
+            if (link.outputNode == at)
+                add(link.inputNode);
+        for (const Node &node : server.nodes) {
+            if (node.id != at || node.traits->isPlayback() || node.traits->isTap())
+                continue;
+            for (const Node &player : server.nodes)
+                if (player.traits->isPlayback() && areOneProgram(*node.traits, *player.traits))
+                    add(player.id);
+        }
+        if (at != from && at == to)
+            return true;
+    }
+    return false;
+}
+
+std::string fedBack(const SimulatedClient &client) {
+    const ServerObjects &objects = client.objects();
+    const RoutingEnds &ends = client.ends();
+    const std::string tap = std::to_string(ends.tapSerial);
+    const NodeRecord *output = objects.node(ends.outID);
+    if (output == nullptr || output->mediaClass() != "Stream/Output/Audio/Internal" ||
+        objects.nodeWithSerial(ends.tapSerial) == nullptr)
+        return "";
+    std::vector<std::uint32_t> reached{ends.outID};
+    const auto add = [&](std::uint32_t id) {
+        if (std::find(reached.begin(), reached.end(), id) == reached.end())
+            reached.push_back(id);
+    };
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        for (const auto &[_, link] : objects.links())
+            if (link.outputNodeID == reached[i])
+                add(link.inputNodeID);
+        const NodeRecord *node = objects.node(reached[i]);
+        if (node == nullptr || node->id == ends.tapID ||
+            node->mediaClass().starts_with("Stream/Output") ||
+            (isOutputDevice(*node) && node->property("node.link-group").empty()))
+            continue;
+        for (const auto &[id, player] : objects.nodes()) {
+            if (!player.mediaClass().starts_with("Stream/Output"))
+                continue;
+            const auto same = [&, &other = player](const char *key) {
+                const std::string &value = node->property(key);
+                return !value.empty() && value == other.property(key);
+            };
+            if (same("node.link-group") ||
+                (!isOutputDevice(*node) && (same("client.id") || same("application.process.id"))))
+                add(id);
+        }
+    }
+    for (const std::uint32_t id : reached)
+        if (const auto target = objects.metadata(id, targetObjectKey);
+            target && target->value == tap && client.isSentToTap(id) &&
+            objects.node(id) != nullptr && id != ends.outID && objects.node(id)->isComplete &&
+            objects.node(id)->mediaClass().starts_with("Stream/Output"))
+            return objects.node(id)->name();
+    return "";
+}
+
+std::string wrongWhenQuiet(const Desktop &desktop, const Desktop &without) {
+    const bool isRunning = desktop.client.published() == Published::running;
+    const Node *tap = desktop.server.ours(true);
+    const Node *output = desktop.server.ours(false);
+    if (isRunning) {
+        if (tap == nullptr || output == nullptr)
+            return "running without streams";
+        int linked = 0, heard = 0;
+        for (const Link &link : desktop.server.links) {
+            linked += static_cast<int>(link.outputNode == output->id);
+            heard += static_cast<int>(link.inputNode == tap->id);
+        }
+        if (heard > 0 && output->isStuck)
+            return "running with an output that stands still";
+        if (linked == 0 || linked < output->count(false))
+            return "running without a device";
+        if (tap->count(true) != 2)
+            return "running with a tap of wrong channels";
+    } else if (desktop.client.wantsOn() && desktop.hasReadyDevice()) {
+        return "not running again";
+    }
+    int alive = 0;
+    for (std::size_t slot = 0; slot < desktop.applications.size(); ++slot) {
+        alive += static_cast<int>(desktop.applications[slot].serials.size());
+        if (auto wrong = wrongStream(desktop, without, slot, isRunning); !wrong.empty())
+            return wrong;
+    }
+    if (static_cast<int>(desktop.client.ledger().size()) > alive &&
+        !desktop.client.wasWatchdogLost())
+        return "the journal is longer than the list of streams";
+    if (!desktop.client.isAlive() || !desktop.client.wantsOn())
+        if (const char *left = leftBehind(desktop);
+            left != nullptr && !desktop.client.wasWatchdogLost())
+            return left;
+    return wrongPins(desktop, without, !isRunning && !desktop.client.wasWatchdogLost());
+}
+
+} // namespace quorbel::desktop

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "SimulatedServer.h"
+
+#include <string>
+
+namespace quorbel::desktop {
+
+class Desktop;
+class SimulatedClient;
+
+/// True if what node `from` plays arrives at node `to`, through links and programs.
+bool hears(const SimulatedServer &server, std::uint32_t from, std::uint32_t to);
+
+/// The name of a stream that the client has sent to the tap although it hears the output, as far as
+/// the client can know; empty if there is none.
+std::string fedBack(const SimulatedClient &client);
+
+/// What is wrong with the desktop in a quiet moment, compared with one without us; empty if
+/// nothing.
+std::string wrongWhenQuiet(const Desktop &desktop, const Desktop &without);
+
+} // namespace quorbel::desktop

@@ -1,0 +1,572 @@
+#include "SimulatedClient.h"
+
+#include "platform/hardware/routing/StreamRules.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace quorbel::desktop {
+namespace {
+
+constexpr Micros roundTripTime = 500'000;
+constexpr Micros comebackTime = 1'000'000;
+
+/// The server as a watchdog finds it, and its commands.
+class Watchdog final : public ServerCommands {
+  public:
+    explicit Watchdog(SimulatedServer &server) : server_(server) {
+        for (const Node &node : server.nodes)
+            objects.putNode({node.id, node.serial, node.traits->properties, true});
+        for (const Entry &entry : server.metadata)
+            objects.putMetadata(entry.subject, entry.key, entry.value);
+        objects.setHasMetadata(server.hasMetadata);
+    }
+    void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override {
+        objects.putMetadata(subject, key, value);
+        server_.fromWatchdog.push(
+            {.kind = Command::Kind::setMetadata, .id = subject, .key = key, .value = value},
+            server_.now, server_.random);
+    }
+    void deleteMetadata(std::uint32_t subject, const char *key) override {
+        objects.putMetadata(subject, key, {});
+        server_.fromWatchdog.push(
+            {.kind = Command::Kind::deleteMetadata, .id = subject, .key = key}, server_.now,
+            server_.random);
+    }
+    OwnLink createLink(const LinkRequest &) override { return 0; }
+    void destroyLink(OwnLink) override {}
+    void removeLink(std::uint32_t) override {}
+    [[nodiscard]] double seconds() const override { return 0; }
+
+    ServerObjects objects;
+
+  private:
+    SimulatedServer &server_;
+};
+
+} // namespace
+
+void Journal::routed(const RoutedStream &stream) {
+    std::erase_if(unconfirmed, [&](const auto &entry) {
+        return entry.second.streamID == stream.streamID &&
+               entry.second.streamSerial == stream.streamSerial;
+    });
+    ledger.take(stream.encoded());
+}
+
+void Journal::released(const RoutedStream &stream) {
+    unconfirmed.emplace_back(roundTrip, stream);
+    hasNew = true;
+}
+
+void Journal::confirm(std::uint64_t number) {
+    for (const auto &[trip, stream] : unconfirmed)
+        if (trip <= number)
+            ledger.take(encodedRelease(stream));
+    std::erase_if(unconfirmed, [&](const auto &entry) { return entry.first <= number; });
+}
+
+void SimulatedClient::send(Command command) {
+    server_.fromClient.push(std::move(command), server_.now, server_.random);
+}
+
+void SimulatedClient::setMetadata(std::uint32_t subject, const char *key,
+                                  const MetadataValue &value) {
+    objects_->putMetadata(subject, key, value);
+    if (std::string_view(key) == targetObjectKey)
+        ownTargets_[subject] = value.value;
+    send({.kind = Command::Kind::setMetadata, .id = subject, .key = key, .value = value});
+    ownWrites_.push_back(
+        {.kind = Command::Kind::setMetadata, .id = subject, .key = key, .value = value});
+}
+
+void SimulatedClient::deleteMetadata(std::uint32_t subject, const char *key) {
+    objects_->putMetadata(subject, key, {});
+    if (std::string_view(key) == targetObjectKey)
+        ownTargets_.erase(subject);
+    send({.kind = Command::Kind::deleteMetadata, .id = subject, .key = key});
+    ownWrites_.push_back({.kind = Command::Kind::deleteMetadata, .id = subject, .key = key});
+}
+
+bool SimulatedClient::isSentToTap(std::uint32_t streamID) const {
+    const auto found = ownTargets_.find(streamID);
+    return found != ownTargets_.end() && found->second == std::to_string(ends_.tapSerial);
+}
+
+OwnLink SimulatedClient::createLink(const LinkRequest &request) {
+    const OwnLink handle = nextLink_++;
+    send({.kind = Command::Kind::createLink,
+          .link = {.outputNode = request.outputNodeID,
+                   .inputNode = request.inputNodeID,
+                   .outputPort = request.outputPortID,
+                   .inputPort = request.inputPortID,
+                   .owner = Owner::ours,
+                   .handle = handle,
+                   .isPassive = request.isPassive}});
+    return handle;
+}
+
+void SimulatedClient::destroyLink(OwnLink link) {
+    send({.kind = Command::Kind::destroyLink, .serial = link});
+}
+
+void SimulatedClient::removeLink(std::uint32_t linkID) {
+    send({.kind = Command::Kind::removeLink, .id = linkID});
+}
+
+void SimulatedClient::reset() {
+    objects_ = std::make_unique<ServerObjects>();
+    router_ = std::make_unique<StreamRouter>(*objects_, *this, journal_);
+    supervisor_.reset();
+    journal_.unconfirmed.clear();
+    bound_.clear();
+    outputLinks_.clear();
+    ownTargets_.clear();
+    ends_ = {};
+    hasPair_ = tapRuns_ = outRuns_ = hadManager_ = false;
+    tapHandle_ = outHandle_ = 0;
+    tapID_ = outID_ = 0;
+    binding_ = 0;
+    stopping_ = Stopping::no;
+    stopDeadline_ = comebackAt_ = nextLook_ = INT64_MAX;
+}
+
+void SimulatedClient::connect() {
+    reset();
+    reconnectAt_ = INT64_MAX;
+    server_.clientArrives();
+    leftovers_ = journal_.ledger.streams();
+}
+
+void SimulatedClient::start() {
+    if (isWatching_ || wantsOn_ || isStopping())
+        return;
+    wantsOn_ = true;
+    published_ = Published::starting;
+    isAlive_ = true;
+    if (!server_.isClientThere)
+        reconnectAt_ = server_.now;
+    supervisor_.reset();
+    if (server_.isClientThere && objects_->hasMetadata())
+        bindMetadata(); // nobody may have heard of its changes
+    tick();
+}
+
+void SimulatedClient::createPair() {
+    isDeviceTap_ = router_->needsDeviceTap();
+    tapHandle_ = nextHandle_++;
+    outHandle_ = nextHandle_++;
+    tapID_ = outID_ = 0;
+    tapRuns_ = outRuns_ = false;
+    hasPair_ = areFactsOld_ = true;
+    outputLinks_.clear();
+    NodeTraits tap;
+    tap.name = "quorbel.tap";
+    tap.mediaClass = isDeviceTap_ ? Class::tapDevice : Class::tapStream;
+    tap.handle = tapHandle_;
+    tap.isAutoconnected = false;
+    tap.linkGroup = tap.client = "quorbel";
+    tap.process = "quorbel";
+    NodeTraits output = tap;
+    output.name = "quorbel.out";
+    output.mediaClass = Class::outputInternal;
+    output.handle = outHandle_;
+    output.isAutoconnected = true;
+    for (NodeTraits *traits : {&tap, &output}) {
+        traits->fill();
+        send({.kind = Command::Kind::createNode,
+              .traits = std::make_shared<const NodeTraits>(*traits)});
+    }
+    nextLook_ = server_.now;
+}
+
+void SimulatedClient::destroyPair() {
+    if (hasPair_)
+        for (const int handle : {tapHandle_, outHandle_})
+            send({.kind = Command::Kind::destroyNode, .id = static_cast<std::uint32_t>(handle)});
+    hasPair_ = false;
+    tapID_ = outID_ = 0;
+}
+
+const NodeRecord *SimulatedClient::ownNode(int handle) const {
+    return objects_->node(handle == tapHandle_ ? tapID_ : outID_);
+}
+
+std::uint32_t SimulatedClient::deviceOfOutput() const {
+    for (const auto &[_, link] : objects_->links())
+        if (link.outputNodeID == outID_)
+            if (const NodeRecord *node = objects_->node(link.inputNodeID);
+                node != nullptr && isOutputDevice(*node))
+                return node->id;
+    return 0;
+}
+
+PairFacts SimulatedClient::facts() const {
+    PairFacts facts;
+    facts.hasTap = tapID_ != 0 && isPlainStereo(*objects_, tapID_, true);
+    facts.hasOutput = outID_ != 0;
+    facts.hasDevice =
+        std::any_of(objects_->nodes().begin(), objects_->nodes().end(), [&](const auto &entry) {
+            return isOutputDevice(entry.second) && objects_->hasPorts(entry.first, true);
+        });
+    if (outID_ != 0) {
+        const std::uint32_t device = deviceOfOutput();
+        std::set<std::uint32_t> linked;
+        for (const auto &[_, link] : objects_->links())
+            if (link.outputNodeID == outID_ && link.inputNodeID == device)
+                linked.insert(link.outputPortID);
+        const auto ports = objects_->ports(outID_, false);
+        facts.isOutputLinked = device != 0 && !ports.empty() && linked.size() == ports.size();
+    }
+    facts.tapRuns = tapRuns_;
+    facts.outputRuns = outRuns_;
+    facts.isTapOfWrongKind = router_->needsDeviceTap() && !isDeviceTap_;
+    return facts;
+}
+
+RoutingEnds SimulatedClient::findEnds() const {
+    return {tapID_, tapSerial_, outID_, deviceOfOutput()};
+}
+
+void SimulatedClient::linkOutput() {
+    for (const OwnLink link : outputLinks_)
+        destroyLink(link);
+    outputLinks_.clear();
+    const auto from = objects_->ports(outID_, false);
+    for (const auto &[id, node] : objects_->nodes()) {
+        const auto to = objects_->ports(id, true);
+        if (!isOutputDevice(node) || to.empty())
+            continue;
+        for (std::size_t i = 0; i < from.size(); ++i)
+            outputLinks_.push_back(
+                createLink({outID_, from[i].id, id, to[std::min(i, to.size() - 1)].id, true}));
+        return;
+    }
+}
+
+void SimulatedClient::look() {
+    nextLook_ = INT64_MAX;
+    if (!isAlive_ || !server_.isClientThere || !wantsOn_ || !hasPair_ || !objects_->hasMetadata())
+        return;
+    for (int i = 0; i < 10; ++i) {
+        if (std::exchange(areFactsOld_, false))
+            facts_ = facts();
+        const PairStep step = supervisor_.look(facts_, seconds());
+        if (step == PairStep::none)
+            break;
+        switch (step) {
+        case PairStep::route:
+            router_->begin(ends_ = findEnds());
+            published_ = Published::running;
+            break;
+        case PairStep::release:
+            router_->end();
+            published_ = Published::starting;
+            break;
+        case PairStep::rebuild:
+            destroyPair();
+            createPair();
+            break;
+        case PairStep::link:
+            linkOutput();
+            break;
+        case PairStep::nudge:
+            send({.kind = Command::Kind::nudge, .serial = outSerial_});
+            break;
+        case PairStep::giveUp:
+            router_->end();
+            destroyPair();
+            published_ = Published::error;
+            comebackAt_ = server_.now + comebackTime;
+            break;
+        case PairStep::none:
+            break;
+        }
+        areFactsOld_ = true;
+        if (!hasPair_)
+            break;
+    }
+    if (hasPair_ && supervisor_.isHealthy() && router_->isOn()) {
+        const RoutingEnds now = findEnds();
+        if (now.tapSerial != ends_.tapSerial || now.outID != ends_.outID ||
+            now.deviceID != ends_.deviceID)
+            router_->begin(ends_ = now);
+    }
+    const double next = supervisor_.nextLook(seconds());
+    nextLook_ = hasPair_ && std::isfinite(next) ? static_cast<Micros>(next * 1e6) + 1 : INT64_MAX;
+}
+
+void SimulatedClient::bindMetadata() {
+    bound_.clear();
+    ownWrites_.clear();
+    send({.kind = Command::Kind::bindMetadata, .serial = ++binding_});
+}
+
+void SimulatedClient::take(const Event &event) {
+    using Kind = Event::Kind;
+    ServerObserver &observer = *router_;
+    areFactsOld_ |= event.kind != Kind::metadataValue && event.kind != Kind::done;
+    switch (event.kind) {
+    case Kind::nodeAdded: {
+        NodeRecord node{event.id, event.serial, event.traits->registryProperties, false};
+        if (event.traits->handle != 0 && event.traits->handle == tapHandle_) {
+            tapID_ = event.id;
+            tapSerial_ = event.serial;
+        } else if (event.traits->handle != 0 && event.traits->handle == outHandle_) {
+            outID_ = event.id;
+            outSerial_ = event.serial;
+        }
+        observer.nodeChanged(objects_->putNode(std::move(node)));
+        send({.kind = Command::Kind::bindNode, .id = event.id, .serial = event.serial});
+        break;
+    }
+    case Kind::nodeInfo:
+        if (const NodeRecord *node = objects_->node(event.id);
+            node != nullptr && node->serial == event.serial)
+            observer.nodeChanged(
+                objects_->putNode({event.id, event.serial, event.traits->properties, true}));
+        break;
+    case Kind::nodeRemoved:
+        if (event.id == tapID_ && event.serial == tapSerial_)
+            tapID_ = 0;
+        if (event.id == outID_ && event.serial == outSerial_)
+            outID_ = 0;
+        if (const auto node = objects_->takeNode(event.id))
+            observer.nodeRemoved(*node);
+        break;
+    case Kind::portAdded: {
+        const PortRecord port{event.port.id,      event.id,           event.port.index,
+                              event.port.channel, event.port.isInput, event.port.isMonitor};
+        objects_->putPort(port);
+        observer.portAdded(port);
+        break;
+    }
+    case Kind::portRemoved:
+        if (const auto port = objects_->takePort(event.port.id))
+            observer.portRemoved(*port);
+        break;
+    case Kind::linkAdded: {
+        const LinkRecord link{event.link.id, event.link.outputNode, event.link.inputNode,
+                              event.link.outputPort, event.link.inputPort};
+        objects_->putLink(link);
+        observer.linkAdded(link);
+        break;
+    }
+    case Kind::linkRemoved:
+        if (const auto link = objects_->takeLink(event.link.id))
+            observer.linkRemoved(*link);
+        break;
+    case Kind::metadataAppeared:
+        bindMetadata();
+        break;
+    case Kind::metadataValue:
+        if (event.serial != 0) {
+            if (event.serial == binding_)
+                bound_.push_back({event.id, event.key, *event.value});
+        } else if (objects_->hasMetadata()) {
+            objects_->putMetadata(event.id, event.key, event.value);
+            observer.metadataChanged(event.id, event.key, event.value);
+        } else {
+            std::erase_if(bound_, [&](const Entry &entry) {
+                return entry.subject == event.id && entry.key == event.key;
+            });
+            if (event.value)
+                bound_.push_back({event.id, event.key, *event.value});
+        }
+        break;
+    case Kind::metadataDone: {
+        if (event.serial != binding_)
+            break;
+        const bool isFirst = !objects_->hasMetadata();
+        objects_->clearMetadata();
+        for (const Entry &entry : bound_)
+            objects_->putMetadata(entry.subject, entry.key, entry.value);
+        for (const Command &write : ownWrites_)
+            objects_->putMetadata(write.id, write.key,
+                                  write.kind == Command::Kind::setMetadata
+                                      ? std::optional(write.value)
+                                      : std::nullopt);
+        if (isFirst) {
+            objects_->setHasMetadata(true);
+            for (const RoutedStream &stream : leftovers_) {
+                restoreRoute(*objects_, *this, stream);
+                journal_.released(stream);
+            }
+            leftovers_.clear();
+            wasWatchdogLost_ = false;
+            if (hadManager_)
+                supervisor_.sessionManagerReturned();
+            hadManager_ = true;
+            observer.metadataArrived();
+        }
+        if (stopping_ == Stopping::binding)
+            stopNow();
+        break;
+    }
+    case Kind::metadataGone:
+        objects_->setHasMetadata(false);
+        objects_->clearMetadata();
+        bound_.clear();
+        ++binding_;
+        observer.metadataGone();
+        break;
+    case Kind::runs:
+    case Kind::stops:
+        if (event.serial == tapSerial_)
+            tapRuns_ = event.kind == Kind::runs;
+        else if (event.serial == outSerial_)
+            outRuns_ = event.kind == Kind::runs;
+        break;
+    case Kind::done:
+        journal_.confirm(event.serial);
+        if (stopping_ == Stopping::restoring && event.serial >= stopTrip_)
+            finishStop();
+        break;
+    }
+    if (server_.toClient.due() > server_.now) // all of what has come in one piece
+        tick();
+}
+
+void SimulatedClient::tick() {
+    if (isWatching_ && server_.now >= watchAt_) {
+        watchAt_ = INT64_MAX;
+        Watchdog watchdog(server_);
+        RouteLedger ledger;
+        for (const RoutedStream &stream : journal_.ledger.streams())
+            ledger.take(stream.encoded());
+        for (const RoutedStream &stream : ledger.streams())
+            restoreRoute(watchdog.objects, watchdog, stream);
+        if (isWatchdogMortal_ && !server_.fromWatchdog.empty()) {
+            server_.fromWatchdog.cut(static_cast<std::size_t>(
+                below(server_.random, 1 + static_cast<int>(server_.fromWatchdog.size()))));
+            isWatching_ = false;
+            wasWatchdogLost_ = true;
+        } else {
+            server_.fromWatchdog.push({.kind = Command::Kind::sync}, server_.now, server_.random);
+        }
+    }
+    if (!isAlive_)
+        return;
+    if (server_.now >= reconnectAt_) {
+        reconnectAt_ = server_.now + 300'000;
+        if (server_.isManagerThere || server_.hasMetadata || !server_.nodes.empty()) {
+            connect();
+        }
+    }
+    if (!server_.isClientThere)
+        return;
+    if (server_.now >= stopDeadline_) {
+        if (stopping_ == Stopping::binding) {
+            stopNow();
+        } else {
+            die(server_.fromClient.size(), false);
+            return;
+        }
+    }
+    if (server_.now >= comebackAt_) {
+        comebackAt_ = INT64_MAX;
+        supervisor_.reset();
+    }
+    // The first picture is complete, so it is known what the tap must be.
+    if (wantsOn_ && !hasPair_ && comebackAt_ == INT64_MAX && objects_->hasMetadata())
+        createPair();
+    router_->checkDeadlines();
+    look();
+    if (journal_.hasNew) {
+        journal_.hasNew = false;
+        send({.kind = Command::Kind::sync, .serial = journal_.roundTrip++});
+    }
+}
+
+Micros SimulatedClient::due() const {
+    Micros result = std::min({reconnectAt_, watchAt_});
+    if (!isAlive_ || !server_.isClientThere)
+        return result;
+    result = std::min({result, stopDeadline_, comebackAt_, nextLook_});
+    const double next = router_->nextDeadline();
+    if (std::isfinite(next))
+        result = std::min(result, static_cast<Micros>(std::ceil(next * 1e6)) + 1);
+    return result;
+}
+
+void SimulatedClient::stop() {
+    if (!isAlive_ || !wantsOn_)
+        return;
+    wantsOn_ = false;
+    comebackAt_ = nextLook_ = INT64_MAX;
+    published_ = Published::off;
+    if (!server_.isClientThere) {
+        reconnectAt_ = INT64_MAX;
+        return;
+    }
+    if (router_->isOn() && objects_->hasMetadata()) {
+        stopping_ = Stopping::binding;
+        stopDeadline_ = server_.now + roundTripTime;
+        bindMetadata();
+    } else {
+        stopNow();
+    }
+}
+
+void SimulatedClient::stopNow() {
+    router_->end();
+    stopping_ = Stopping::restoring;
+    stopDeadline_ = server_.now + roundTripTime;
+    journal_.hasNew = false;
+    stopTrip_ = journal_.roundTrip++;
+    send({.kind = Command::Kind::sync, .serial = stopTrip_});
+}
+
+void SimulatedClient::finishStop() {
+    stopping_ = Stopping::no;
+    stopDeadline_ = INT64_MAX;
+    destroyPair();
+    ends_ = {};
+}
+
+void SimulatedClient::die(std::size_t kept, bool withWatchdog) {
+    if (!isAlive_)
+        return;
+    isAlive_ = wantsOn_ = false;
+    published_ = Published::off;
+    isWatchdogMortal_ = withWatchdog;
+    reconnectAt_ = INT64_MAX;
+    if (!server_.isClientThere) {
+        if (!server_.hasMetadata && server_.nodes.empty())
+            journal_.ledger.clear();
+        return;
+    }
+    server_.toClient.clear();
+    server_.fromClient.cut(kept);
+    send({.kind = Command::Kind::leave});
+    isWatching_ = true;
+}
+
+void SimulatedClient::watch() {
+    server_.fromClient.clear();
+    reset();
+    watchAt_ = server_.now + 1000 + below(server_.random, 30000);
+}
+
+void SimulatedClient::watchdogFinished() {
+    isWatching_ = false;
+    journal_.ledger.clear();
+}
+
+void SimulatedClient::serverDied() {
+    wasWatchdogLost_ = false;
+    // The journal names the server's run, so nobody takes its lines for the next one's.
+    journal_.ledger.clear();
+    watchAt_ = INT64_MAX;
+    isWatching_ = false;
+    server_.hasWatchdogFinished = false;
+    const bool wanted = wantsOn_;
+    reset();
+    if (isAlive_ && wanted) {
+        published_ = Published::error;
+        reconnectAt_ = server_.now + 300'000;
+    }
+}
+
+} // namespace quorbel::desktop

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "SimulatedServer.h"
+#include "platform/hardware/routing/PairSupervisor.h"
+#include "platform/hardware/routing/RouteLog.h"
+#include "platform/hardware/routing/StreamRouter.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorbel::desktop {
+
+/// The lines on which the watchdog and the next start rely. A release is a line only once the
+/// server has carried out what it says.
+class Journal final : public RouteLog {
+  public:
+    RouteLedger ledger;
+    std::vector<std::pair<std::uint64_t, RoutedStream>> unconfirmed; ///< with its round trip
+    std::uint64_t roundTrip = 0;                                     ///< the next one
+    bool hasNew = false; ///< since the last round trip was begun
+
+    void routed(const RoutedStream &stream) override;
+    void released(const RoutedStream &stream) override;
+    void confirm(std::uint64_t number);
+};
+
+enum class Published { off, starting, running, error };
+
+/// Our program as the server sees it: its streams, router and supervisor, its journal, and the
+/// watchdog that follows it.
+class SimulatedClient final : public ServerCommands {
+  public:
+    explicit SimulatedClient(SimulatedServer &server) : server_(server) {}
+
+    void start();
+    void stop();
+    /// Ends at once; of the commands under way the first `kept` still arrive.
+    void die(std::size_t kept, bool withWatchdog);
+    void serverDied();
+    void take(const Event &event);
+    /// Does what is due.
+    void tick();
+    [[nodiscard]] Micros due() const;
+    /// The dead client's commands have all arrived.
+    void watch();
+    void watchdogFinished();
+    /// True until the next start if the watchdog died too.
+    [[nodiscard]] bool wasWatchdogLost() const { return wasWatchdogLost_; }
+
+    [[nodiscard]] bool isAlive() const { return isAlive_; }
+    [[nodiscard]] bool wantsOn() const { return wantsOn_; }
+    [[nodiscard]] Published published() const { return published_; }
+    [[nodiscard]] bool isWatching() const { return isWatching_; }
+    [[nodiscard]] const ServerObjects &objects() const { return *objects_; }
+    [[nodiscard]] const RouteLedger &ledger() const { return journal_.ledger; }
+    [[nodiscard]] const StreamRouter *router() const { return router_.get(); }
+    [[nodiscard]] const RoutingEnds &ends() const { return ends_; }
+    /// True if the last that we have asked for is that the stream goes to the tap.
+    [[nodiscard]] bool isSentToTap(std::uint32_t streamID) const;
+    [[nodiscard]] bool isStopping() const { return stopping_ != Stopping::no; }
+
+    void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
+    void deleteMetadata(std::uint32_t subject, const char *key) override;
+    OwnLink createLink(const LinkRequest &request) override;
+    void destroyLink(OwnLink link) override;
+    void removeLink(std::uint32_t linkID) override;
+    [[nodiscard]] double seconds() const override {
+        return static_cast<double>(server_.now) * 1e-6;
+    }
+
+  private:
+    enum class Stopping { no, binding, restoring };
+
+    void connect();
+    void reset();
+    void send(Command command);
+    void createPair();
+    void destroyPair();
+    void look();
+    void stopNow();
+    void finishStop();
+    void linkOutput();
+    void bindMetadata();
+    [[nodiscard]] PairFacts facts() const;
+    [[nodiscard]] RoutingEnds findEnds() const;
+    [[nodiscard]] const NodeRecord *ownNode(int handle) const;
+    [[nodiscard]] std::uint32_t deviceOfOutput() const;
+
+    SimulatedServer &server_;
+    std::unique_ptr<ServerObjects> objects_ = std::make_unique<ServerObjects>();
+    std::unique_ptr<StreamRouter> router_;
+    PairSupervisor supervisor_;
+    PairFacts facts_;
+    bool areFactsOld_ = true;
+    Journal journal_;
+    std::vector<RoutedStream> leftovers_;
+    bool isAlive_ = false, wantsOn_ = false, hasPair_ = false, isDeviceTap_ = false;
+    bool hadManager_ = false, isWatchdogMortal_ = false;
+    Published published_ = Published::off;
+    Stopping stopping_ = Stopping::no;
+    Micros stopDeadline_ = INT64_MAX, comebackAt_ = INT64_MAX, reconnectAt_ = INT64_MAX,
+           watchAt_ = INT64_MAX, nextLook_ = INT64_MAX;
+    std::uint64_t binding_ = 0, stopTrip_ = 0;
+    std::vector<Entry> bound_; ///< values of the binding under way
+    RoutingEnds ends_;
+    int nextHandle_ = 1, tapHandle_ = 0, outHandle_ = 0;
+    std::uint64_t tapSerial_ = 0, outSerial_ = 0;
+    std::uint32_t tapID_ = 0, outID_ = 0;
+    bool tapRuns_ = false, outRuns_ = false;
+    OwnLink nextLink_ = 1;
+    std::vector<OwnLink> outputLinks_;
+    bool isWatching_ = false, wasWatchdogLost_ = false;
+    std::map<std::uint32_t, std::string> ownTargets_; ///< by stream, as last written
+    std::vector<Command> ownWrites_;                  ///< since the binding under way was begun
+};
+
+} // namespace quorbel::desktop

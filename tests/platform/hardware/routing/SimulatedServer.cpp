@@ -1,0 +1,515 @@
+#include "SimulatedServer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorbel::desktop {
+
+const std::vector<const char *> &channelNames(int count) {
+    static const std::vector<const char *> mono{"MONO"}, stereo{"FL", "FR"},
+        quadro{"FL", "FR", "RL", "RR"}, six{"FL", "FR", "FC", "LFE", "RL", "RR"},
+        eight{"FL", "FR", "FC", "LFE", "RL", "RR", "SL", "SR"};
+    switch (count) {
+    case 1:
+        return mono;
+    case 4:
+        return quadro;
+    case 6:
+        return six;
+    case 8:
+        return eight;
+    default:
+        return stereo;
+    }
+}
+
+void NodeTraits::fill() {
+    static constexpr const char *classes[] = {
+        "Audio/Sink",          "Stream/Output/Audio",
+        "Stream/Input/Audio",  "Stream/Input/Audio/Internal",
+        "Audio/Sink/Internal", "Stream/Output/Audio/Internal"};
+    registryProperties = {{"media.class", classes[static_cast<int>(mediaClass)]},
+                          {"node.name", name}};
+    if (!client.empty())
+        registryProperties["client.id"] = client;
+    properties = registryProperties;
+    if (isAutoconnected)
+        properties["node.autoconnect"] = "true";
+    if (!fixedKey.empty())
+        properties[fixedKey] = "true";
+    if (!ownTarget.empty())
+        properties["target.object"] = ownTarget;
+    if (!linkGroup.empty())
+        properties["node.link-group"] = linkGroup;
+    if (!process.empty())
+        properties["application.process.id"] = process;
+    if (isPulse)
+        properties["client.api"] = "pipewire-pulse";
+    if (isAnswered)
+        properties["pulse.attr.tlength"] = "4096";
+}
+
+Node *SimulatedServer::find(std::uint64_t serial) {
+    for (Node &node : nodes)
+        if (node.serial == serial)
+            return &node;
+    return nullptr;
+}
+
+const Node *SimulatedServer::find(std::uint64_t serial) const {
+    return const_cast<SimulatedServer *>(this)->find(serial);
+}
+
+Node *SimulatedServer::findID(std::uint32_t id) {
+    for (Node &node : nodes)
+        if (node.id == id)
+            return &node;
+    return nullptr;
+}
+
+const Node *SimulatedServer::findName(const std::string &name) const {
+    for (const Node &node : nodes)
+        if (node.traits->name == name)
+            return &node;
+    return nullptr;
+}
+
+const Node *SimulatedServer::ours(bool tap) const {
+    for (const Node &node : nodes)
+        if (node.traits->handle != 0 && node.traits->isTap() == tap)
+            return &node;
+    return nullptr;
+}
+
+const Entry *SimulatedServer::entry(std::uint32_t subject, const char *key) const {
+    for (const Entry &entry : metadata)
+        if (entry.subject == subject && entry.key == key)
+            return &entry;
+    return nullptr;
+}
+
+bool SimulatedServer::wasTap(const std::string &value) const {
+    return std::any_of(taps_.begin(), taps_.end(),
+                       [&](std::uint64_t serial) { return std::to_string(serial) == value; });
+}
+
+bool SimulatedServer::isLinked(std::uint32_t output, std::uint32_t input) const {
+    return std::any_of(links.begin(), links.end(), [&](const Link &link) {
+        return link.outputNode == output && link.inputNode == input;
+    });
+}
+
+void SimulatedServer::tell(const Event &event) {
+    hasChanged = true;
+    if (isManagerThere)
+        toManager.push(event, now, random);
+    if (isClientThere)
+        toClient.push(event, now, random);
+}
+
+/// The lowest that is free, so that an id is used again at once. Where values outlive their nodes,
+/// ours are taken from elsewhere: a world without us would give other streams other heirlooms.
+std::uint32_t SimulatedServer::freeNodeID(bool isOurs) const {
+    std::uint32_t id = isOurs && keepsValues ? 500 : 30;
+    while (std::any_of(nodes.begin(), nodes.end(), [&](const Node &node) { return node.id == id; }))
+        ++id;
+    return id;
+}
+
+std::uint64_t SimulatedServer::addNode(NodeTraits traits) {
+    Node node;
+    node.id = freeNodeID(traits.handle != 0);
+    node.serial = nextSerial_++;
+    node.birth = now;
+    traits.fill();
+    traits.registryProperties["object.serial"] = std::to_string(node.serial);
+    traits.properties["object.serial"] = std::to_string(node.serial);
+    node.traits = std::make_shared<const NodeTraits>(std::move(traits));
+    nodes.push_back(node);
+    tell({.kind = Event::Kind::nodeAdded,
+          .id = node.id,
+          .serial = node.serial,
+          .traits = node.traits});
+    if (node.traits->isTap())
+        taps_.push_back(node.serial);
+    if (node.traits->isTap())
+        setPorts(nodes.back(), 2);
+    return node.serial;
+}
+
+void SimulatedServer::addPort(Node &node, int index, bool input, bool monitor,
+                              const char *channel) {
+    const Port port{nextPort_++, static_cast<std::uint8_t>(index), channel, input, monitor};
+    node.ports.push_back(port);
+    tell({.kind = Event::Kind::portAdded, .id = node.id, .serial = node.serial, .port = port});
+}
+
+void SimulatedServer::addAllPorts(Node &node) {
+    while (node.count(true) < node.traits->channels) {
+        const int index = node.count(true);
+        const char *channel = channelNames(node.traits->channels)[static_cast<std::size_t>(index)];
+        addPort(node, index, true, false, channel);
+        addPort(node, index, false, true, channel);
+    }
+}
+
+void SimulatedServer::removeLinksIf(bool (*predicate)(const Link &, std::uint64_t),
+                                    std::uint64_t value) {
+    for (std::size_t i = 0; i < links.size();) {
+        if (!predicate(links[i], value)) {
+            ++i;
+            continue;
+        }
+        const Link link = links[i];
+        links.erase(links.begin() + static_cast<std::ptrdiff_t>(i));
+        tell({.kind = Event::Kind::linkRemoved, .id = link.id, .link = link});
+    }
+    lookAtStates();
+}
+
+void SimulatedServer::setPorts(Node &node, int channels) {
+    const bool input = !node.traits->isPlayback();
+    const std::uint32_t id = node.id;
+    removeLinksIf([](const Link &link,
+                     std::uint64_t of) { return link.outputNode == of || link.inputNode == of; },
+                  id);
+    for (const Port &port : node.ports)
+        tell({.kind = Event::Kind::portRemoved, .id = id, .serial = node.serial, .port = port});
+    node.ports.clear();
+    int index = 0;
+    for (const char *channel : channelNames(channels))
+        addPort(node, index++, input, false, channel);
+}
+
+void SimulatedServer::removeNode(std::uint64_t serial) {
+    const auto found = std::find_if(nodes.begin(), nodes.end(),
+                                    [&](const Node &node) { return node.serial == serial; });
+    if (found == nodes.end())
+        return;
+    const Node node = *found;
+    removeLinksIf([](const Link &link,
+                     std::uint64_t of) { return link.outputNode == of || link.inputNode == of; },
+                  node.id);
+    for (const Port &port : node.ports)
+        tell(
+            {.kind = Event::Kind::portRemoved, .id = node.id, .serial = node.serial, .port = port});
+    nodes.erase(std::find_if(nodes.begin(), nodes.end(),
+                             [&](const Node &other) { return other.serial == serial; }));
+    tell({.kind = Event::Kind::nodeRemoved,
+          .id = node.id,
+          .serial = node.serial,
+          .traits = node.traits});
+    if (keepsValues)
+        return;
+    setMetadata(node.id, targetObjectKey, {});
+    setMetadata(node.id, targetNodeKey, {});
+}
+
+void SimulatedServer::addLink(Link link) {
+    for (const Link &other : links)
+        if (other.outputPort == link.outputPort && other.inputPort == link.inputPort)
+            return;
+    link.id = nextLink_++;
+    links.push_back(link);
+    tell({.kind = Event::Kind::linkAdded, .id = link.id, .link = link});
+    const Node *output = findID(link.outputNode);
+    const Node *input = findID(link.inputNode);
+    // Only a node of this class makes the PulseAudio server answer.
+    if (output->traits->isPulse && !output->traits->isAnswered &&
+        input->traits->mediaClass == Class::sink)
+        answers.push_back({now + 500 + below(random, 8000), output->serial});
+    lookAtStates();
+}
+
+void SimulatedServer::removeLinks(Owner owner) {
+    removeLinksIf(
+        [](const Link &link, std::uint64_t of) { return link.owner == static_cast<Owner>(of); },
+        static_cast<std::uint64_t>(owner));
+}
+
+void SimulatedServer::removeLinksOf(std::uint32_t outputNode) {
+    removeLinksIf([](const Link &link, std::uint64_t of) { return link.outputNode == of; },
+                  outputNode);
+}
+
+void SimulatedServer::connectByChannel(const Node &output, const Node &input, Owner owner) {
+    for (const Port &from : output.ports) {
+        if (from.isInput || (output.traits->isPlayback() && from.isMonitor))
+            continue;
+        for (const Port &to : input.ports) {
+            const std::string_view a = from.channel, b = to.channel;
+            if (to.isInput && (a == b || a == "MONO" || b == "MONO"))
+                addLink({.outputNode = output.id,
+                         .inputNode = input.id,
+                         .outputPort = from.id,
+                         .inputPort = to.id,
+                         .owner = owner});
+        }
+    }
+}
+
+void SimulatedServer::setMetadata(std::uint32_t subject, const std::string &key,
+                                  const std::optional<MetadataValue> &value) {
+    if (!hasMetadata)
+        return;
+    const auto found = std::find_if(metadata.begin(), metadata.end(), [&](const Entry &entry) {
+        return entry.subject == subject && entry.key == key;
+    });
+    if (value) {
+        if (found == metadata.end())
+            metadata.push_back({subject, key, *value});
+        else if (found->value == *value)
+            return;
+        else
+            found->value = *value;
+    } else if (found == metadata.end()) {
+        return;
+    } else {
+        metadata.erase(found);
+    }
+    const Event event{
+        .kind = Event::Kind::metadataValue, .id = subject, .key = key, .value = value};
+    hasChanged = true;
+    if (isManagerThere)
+        toManager.push(event, now, random);
+    if (isClientThere && !isDeaf)
+        toClient.push(event, now, random);
+}
+
+void SimulatedServer::lookAtStates() {
+    Node *tap = nullptr, *output = nullptr;
+    for (Node &node : nodes)
+        if (node.traits->handle != 0)
+            (node.traits->isTap() ? tap : output) = &node;
+    const bool tapRuns =
+        tap != nullptr && std::any_of(links.begin(), links.end(),
+                                      [&](const Link &link) { return link.inputNode == tap->id; });
+    const auto set = [&](Node *node, bool runs) {
+        if (node == nullptr || node->ran == runs)
+            return;
+        node->ran = runs;
+        if (isClientThere)
+            toClient.push({.kind = runs ? Event::Kind::runs : Event::Kind::stops,
+                           .id = node->id,
+                           .serial = node->serial},
+                          now, random);
+    };
+    set(tap, tapRuns);
+    set(output, tapRuns && output != nullptr && !output->isStuck);
+}
+
+void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
+    using Kind = Command::Kind;
+    Node *node = find(command.serial);
+    switch (command.kind) {
+    case Kind::setMetadata:
+        setMetadata(command.id, command.key, command.value);
+        break;
+    case Kind::deleteMetadata:
+        setMetadata(command.id, command.key, {});
+        break;
+    case Kind::createNode:
+        addNode(*command.traits);
+        break;
+    case Kind::destroyNode:
+        for (const Node &each : nodes)
+            if (each.traits->handle == static_cast<int>(command.id)) {
+                removeNode(each.serial);
+                break;
+            }
+        break;
+    case Kind::connect: {
+        Node *input = find(command.other);
+        if (node == nullptr || input == nullptr)
+            break;
+        if (!node->traits->isPlayback()) { // the monitor of a sink, to what records it
+            if (input->count(true) != node->count(true))
+                setPorts(*input, node->count(true));
+        } else if (!input->traits->isStream()) {
+            if (node->count(false) != input->count(true) ||
+                std::string_view(node->ports.front().channel) != input->ports.front().channel)
+                setPorts(*node, input->count(true));
+        } else if (node->count(false) == 0) {
+            setPorts(*node, input->count(true));
+        } else if (node->count(false) != input->count(true)) {
+            setPorts(*input, node->count(false));
+        }
+        // Sometimes the session manager gives up a link on the way and does not notice.
+        if (!input->traits->isTap() || !losesTapLinks || !chance(random, 30))
+            connectByChannel(*node, *input, Owner::manager);
+        break;
+    }
+    case Kind::disconnect:
+        for (std::size_t i = 0; node != nullptr && i < links.size();) {
+            const Link link = links[i];
+            if (link.owner != Owner::manager ||
+                (link.outputNode != node->id && link.inputNode != node->id)) {
+                ++i;
+                continue;
+            }
+            links.erase(links.begin() + static_cast<std::ptrdiff_t>(i));
+            tell({.kind = Event::Kind::linkRemoved, .id = link.id, .link = link});
+        }
+        lookAtStates();
+        break;
+    case Kind::createLink: {
+        const auto has = [&](std::uint32_t id, std::uint32_t port) {
+            const Node *end = findID(id);
+            return end != nullptr && std::any_of(end->ports.begin(), end->ports.end(),
+                                                 [&](const Port &p) { return p.id == port; });
+        };
+        if (has(command.link.outputNode, command.link.outputPort) &&
+            has(command.link.inputNode, command.link.inputPort))
+            addLink(command.link);
+        break;
+    }
+    case Kind::destroyLink:
+        removeLinksIf(
+            [](const Link &link, std::uint64_t handle) {
+                return link.owner == Owner::ours && link.handle == handle;
+            },
+            command.serial);
+        break;
+    case Kind::removeLink:
+        removeLinksIf([](const Link &link, std::uint64_t id) { return link.id == id; }, command.id);
+        break;
+    case Kind::suspend:
+    case Kind::nudge:
+        if (node != nullptr) {
+            node->isStuck = command.kind == Kind::suspend;
+            disturbedAt = node->isStuck ? now : disturbedAt;
+            hasChanged = true;
+            lookAtStates();
+        }
+        break;
+    case Kind::sync:
+        if (isWatchdog)
+            hasWatchdogFinished = true;
+        else
+            toClient.push({.kind = Event::Kind::done, .serial = command.serial}, now, random);
+        break;
+    case Kind::bindNode:
+        if (node != nullptr)
+            toClient.push({.kind = Event::Kind::nodeInfo,
+                           .id = node->id,
+                           .serial = node->serial,
+                           .traits = node->traits},
+                          now, random);
+        break;
+    case Kind::bindMetadata:
+        if (!hasMetadata)
+            break;
+        for (const Entry &entry : metadata)
+            toClient.push({.kind = Event::Kind::metadataValue,
+                           .id = entry.subject,
+                           .serial = command.serial,
+                           .key = entry.key,
+                           .value = entry.value},
+                          now, random);
+        toClient.push({.kind = Event::Kind::metadataDone, .serial = command.serial}, now, random);
+        break;
+    case Kind::leave:
+        clientLeaves();
+        break;
+    }
+}
+
+void SimulatedServer::answer() {
+    for (std::size_t i = 0; i < answers.size();) {
+        if (answers[i].due > now) {
+            ++i;
+            continue;
+        }
+        const std::uint64_t serial = answers[i].serial;
+        answers.erase(answers.begin() + static_cast<std::ptrdiff_t>(i));
+        Node *node = find(serial);
+        if (node == nullptr || node->traits->isAnswered)
+            continue;
+        NodeTraits traits = *node->traits;
+        traits.isAnswered = true;
+        traits.properties["pulse.attr.tlength"] = "4096";
+        node->traits = std::make_shared<const NodeTraits>(std::move(traits));
+        hasChanged = true;
+        if (isClientThere)
+            toClient.push({.kind = Event::Kind::nodeInfo,
+                           .id = node->id,
+                           .serial = serial,
+                           .traits = node->traits},
+                          now, random);
+    }
+}
+
+void SimulatedServer::snapshot(Line<Event> &line) {
+    for (const Node &node : nodes) {
+        line.push({.kind = Event::Kind::nodeAdded,
+                   .id = node.id,
+                   .serial = node.serial,
+                   .traits = node.traits},
+                  now, random);
+        for (const Port &port : node.ports)
+            line.push({.kind = Event::Kind::portAdded,
+                       .id = node.id,
+                       .serial = node.serial,
+                       .port = port},
+                      now, random);
+    }
+    for (const Link &link : links)
+        line.push({.kind = Event::Kind::linkAdded, .id = link.id, .link = link}, now, random);
+}
+
+void SimulatedServer::managerArrives() {
+    isManagerThere = true;
+    snapshot(toManager);
+    hasMetadata = true;
+    hasChanged = true;
+    if (isClientThere)
+        toClient.push({.kind = Event::Kind::metadataAppeared}, now, random);
+}
+
+void SimulatedServer::managerLeaves() {
+    isManagerThere = false;
+    toManager.clear();
+    fromManager.clear();
+    removeLinks(Owner::manager);
+    metadata.clear();
+    hasMetadata = false;
+    hasChanged = true;
+    if (isClientThere)
+        toClient.push({.kind = Event::Kind::metadataGone}, now, random);
+}
+
+void SimulatedServer::clientArrives() {
+    isClientThere = true;
+    snapshot(toClient);
+    if (hasMetadata)
+        toClient.push({.kind = Event::Kind::metadataAppeared}, now, random);
+}
+
+void SimulatedServer::clientLeaves() {
+    isClientThere = false;
+    toClient.clear();
+    removeLinks(Owner::ours);
+    std::vector<std::uint64_t> serials;
+    for (const Node &node : nodes)
+        if (node.traits->handle != 0)
+            serials.push_back(node.serial);
+    for (const std::uint64_t serial : serials)
+        removeNode(serial);
+}
+
+void SimulatedServer::die() {
+    isManagerThere = isClientThere = hasMetadata = isDeaf = false;
+    nodes.clear();
+    links.clear();
+    metadata.clear();
+    answers.clear();
+    toManager.clear();
+    toClient.clear();
+    fromManager.clear();
+    fromClient.clear();
+    fromWatchdog.clear();
+    hasChanged = true;
+    ++nextSerial_;
+}
+
+} // namespace quorbel::desktop

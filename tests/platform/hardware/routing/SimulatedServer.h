@@ -1,0 +1,303 @@
+#pragma once
+
+#include "platform/hardware/routing/ServerObjects.h"
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorbel::desktop {
+
+using Micros = std::int64_t;
+
+/// SplitMix64 (Steele, Lea, Flood 2014). Made anew from seed and time at every step of a world, so
+/// that an event removed from a storm changes only what depends on it.
+class Random {
+  public:
+    explicit Random(std::uint64_t seed, Micros now = 0)
+        : state_(seed * 0x9E3779B97F4A7C15U + static_cast<std::uint64_t>(now)) {}
+    std::uint64_t operator()() {
+        std::uint64_t z = (state_ += 0x9E3779B97F4A7C15U);
+        z = (z ^ (z >> 30U)) * 0xBF58476D1CE4E5B9U;
+        z = (z ^ (z >> 27U)) * 0x94D049BB133111EBU;
+        return z ^ (z >> 31U);
+    }
+
+  private:
+    std::uint64_t state_;
+};
+
+/// 0 to below `count`.
+inline int below(Random &random, int count) {
+    return static_cast<int>(random() % static_cast<std::uint64_t>(count));
+}
+inline bool chance(Random &random, int percent) { return below(random, 100) < percent; }
+
+enum class Class : std::uint8_t {
+    sink,           ///< Audio/Sink
+    playback,       ///< Stream/Output/Audio
+    recording,      ///< Stream/Input/Audio
+    tapStream,      ///< Stream/Input/Audio/Internal
+    tapDevice,      ///< Audio/Sink/Internal
+    outputInternal, ///< Stream/Output/Audio/Internal
+};
+
+/// What a node is from its beginning to its end; only `isAnswered` changes.
+struct NodeTraits {
+    std::string name;
+    std::string application; ///< by which the session manager remembers targets
+    Class mediaClass = Class::playback;
+    int channels = 2; ///< of the device or the application
+    int slot = -1;    ///< of the application or device in the storm
+    int handle = 0;   ///< of one of our own nodes
+    bool isAutoconnected = true;
+    bool isFixed = false; ///< node.dont-reconnect or one of its kind
+    bool recordsSink = false;
+    bool isPulse = false;
+    bool isAnswered = false;
+    std::string fixedKey;
+    std::string ownTarget; ///< target.object among the properties
+    std::string linkGroup;
+    std::string client;
+    std::string process;
+    PropertyMap registryProperties;
+    PropertyMap properties;
+
+    [[nodiscard]] bool isStream() const {
+        return mediaClass != Class::sink && mediaClass != Class::tapDevice;
+    }
+    [[nodiscard]] bool isDevice() const { return mediaClass == Class::sink; }
+    [[nodiscard]] bool isPlayback() const {
+        return mediaClass == Class::playback || mediaClass == Class::outputInternal;
+    }
+    [[nodiscard]] bool isTap() const {
+        return mediaClass == Class::tapStream || mediaClass == Class::tapDevice;
+    }
+    /// Makes the properties from the rest.
+    void fill();
+};
+using Traits = std::shared_ptr<const NodeTraits>;
+
+struct Port {
+    std::uint32_t id = 0;
+    std::uint8_t index = 0;
+    const char *channel = "";
+    bool isInput = false;
+    bool isMonitor = false;
+};
+
+const std::vector<const char *> &channelNames(int count);
+
+struct Node {
+    std::uint32_t id = 0;
+    std::uint64_t serial = 0;
+    Traits traits;
+    std::vector<Port> ports;
+    bool isStuck = false; ///< suspended under a running graph
+    bool ran = false;     ///< as its owner was last told
+    Micros birth = 0;
+
+    [[nodiscard]] int count(bool input) const {
+        int result = 0;
+        for (const Port &port : ports)
+            result += static_cast<int>(port.isInput == input && !port.isMonitor);
+        return result;
+    }
+};
+
+enum class Owner : std::uint8_t { manager, ours, user };
+
+struct Link {
+    std::uint32_t id = 0;
+    std::uint32_t outputNode = 0, inputNode = 0, outputPort = 0, inputPort = 0;
+    Owner owner = Owner::user;
+    std::uint64_t handle = 0; ///< of one of our own
+    bool isPassive = false;
+};
+
+struct Entry {
+    std::uint32_t subject = 0;
+    std::string key;
+    MetadataValue value;
+};
+
+/// An event of the server for one of the parties.
+struct Event {
+    enum class Kind : std::uint8_t {
+        nodeAdded,
+        nodeInfo, ///< all properties
+        nodeRemoved,
+        portAdded,
+        portRemoved,
+        linkAdded,
+        linkRemoved,
+        metadataAppeared,
+        metadataValue,
+        metadataDone, ///< of a binding
+        metadataGone,
+        runs,
+        stops,
+        done, ///< of a round trip
+    };
+    Kind kind{};
+    std::uint32_t id = 0;
+    std::uint64_t serial = 0; ///< or the number of the round trip or binding
+    Traits traits{};
+    Port port{};
+    Link link{};
+    std::string key{};
+    std::optional<MetadataValue> value{};
+    Micros due = 0;
+};
+
+/// A command of one of the parties.
+struct Command {
+    enum class Kind : std::uint8_t {
+        setMetadata,
+        deleteMetadata,
+        createNode,
+        destroyNode,
+        connect,    ///< two nodes as the session manager does, with their ports
+        disconnect, ///< the session manager's links of a stream
+        createLink,
+        destroyLink,
+        removeLink, ///< by its id
+        suspend,
+        nudge,
+        sync,
+        bindNode,
+        bindMetadata,
+        leave, ///< the connection ends
+    };
+    Kind kind{};
+    std::uint32_t id = 0;
+    std::uint64_t serial = 0;
+    std::uint64_t other = 0;
+    Traits traits{};
+    Link link{};
+    std::string key{};
+    MetadataValue value{};
+    Micros due = 0;
+};
+
+/// The queue of one direction between the server and a party: first in, first out, each message
+/// after a latency of its own.
+template <typename Message> class Line {
+  public:
+    void push(Message message, Micros now, Random &random) {
+        const int kind = below(random, 20);
+        const Micros latency = kind == 0   ? 1000 + below(random, 15000)
+                               : kind < 12 ? 20 + below(random, 300)
+                                           : 200 + below(random, 2500);
+        // What is sent at one moment goes in one piece.
+        message.due = pushed_ == now && !messages_.empty() ? messages_.back().due : now + latency;
+        pushed_ = now;
+        if (!messages_.empty() && messages_.back().due > message.due)
+            message.due = messages_.back().due;
+        if (message.due < heldUntil_)
+            message.due = heldUntil_;
+        messages_.push_back(std::move(message));
+    }
+    [[nodiscard]] bool empty() const { return messages_.empty(); }
+    [[nodiscard]] Micros due() const {
+        return messages_.empty() ? INT64_MAX : messages_.front().due;
+    }
+    [[nodiscard]] const Message &front() const { return messages_.front(); }
+    Message pop() {
+        Message message = std::move(messages_.front());
+        messages_.pop_front();
+        return message;
+    }
+    void clear() { messages_.clear(); }
+    /// Keeps a part of what is under way, from its beginning.
+    void cut(std::size_t kept) {
+        if (kept < messages_.size())
+            messages_.resize(kept);
+    }
+    [[nodiscard]] std::size_t size() const { return messages_.size(); }
+    /// Delivers nothing before `time`.
+    void hold(Micros time) {
+        heldUntil_ = time;
+        for (Message &message : messages_)
+            if (message.due < time)
+                message.due = time;
+    }
+
+  private:
+    std::deque<Message> messages_;
+    Micros heldUntil_ = 0, pushed_ = -1;
+};
+
+/// The sound server and what is true: nodes, ports, links and the "default" metadata.
+class SimulatedServer {
+  public:
+    explicit SimulatedServer(std::uint64_t seed) : random(seed) {}
+
+    Random random; ///< of latencies
+    Micros now = 0;
+    Micros disturbedAt = 0; ///< when somebody else last suspended or removed a stream of ours
+    bool hasMetadata = false;
+    bool keepsValues = false; ///< of a node that is gone
+    bool isDeaf = false;      ///< tells nobody but the session manager of changed metadata
+    bool losesTapLinks = false;
+    bool hasChanged = true; ///< since the last look at the invariants
+    std::vector<Node> nodes;
+    std::vector<Link> links;
+    std::vector<Entry> metadata;
+    Line<Event> toManager, toClient;
+    Line<Command> fromManager, fromClient, fromWatchdog;
+    bool isManagerThere = false, isClientThere = false;
+    bool hasWatchdogFinished = false;
+    struct Answer {
+        Micros due;
+        std::uint64_t serial;
+    };
+    std::vector<Answer> answers; ///< to clients of the PulseAudio server
+
+    [[nodiscard]] Node *find(std::uint64_t serial);
+    [[nodiscard]] const Node *find(std::uint64_t serial) const;
+    [[nodiscard]] Node *findID(std::uint32_t id);
+    [[nodiscard]] const Node *findName(const std::string &name) const;
+    [[nodiscard]] const Node *ours(bool tap) const;
+    [[nodiscard]] const Entry *entry(std::uint32_t subject, const char *key) const;
+    /// True if a value names a tap of ours, of today or of before.
+    [[nodiscard]] bool wasTap(const std::string &value) const;
+    [[nodiscard]] bool isLinked(std::uint32_t output, std::uint32_t input) const;
+
+    std::uint64_t addNode(NodeTraits traits);
+    void removeNode(std::uint64_t serial);
+    void addPort(Node &node, int index, bool input, bool monitor, const char *channel);
+    void addAllPorts(Node &node);
+    void setPorts(Node &node, int channels);
+    void addLink(Link link);
+    void removeLinks(Owner owner);
+    void removeLinksOf(std::uint32_t outputNode);
+    void connectByChannel(const Node &output, const Node &input, Owner owner);
+    void setMetadata(std::uint32_t subject, const std::string &key,
+                     const std::optional<MetadataValue> &value);
+
+    void carryOut(const Command &command, bool isWatchdog = false);
+    void answer(); ///< clients of the PulseAudio server, if due
+    void managerArrives();
+    void managerLeaves();
+    void clientArrives();
+    void clientLeaves();
+    /// Everything ends.
+    void die();
+
+  private:
+    void tell(const Event &event);
+    void removeLinksIf(bool (*predicate)(const Link &, std::uint64_t), std::uint64_t value);
+    void snapshot(Line<Event> &line);
+    void lookAtStates();
+    std::uint32_t freeNodeID(bool isOurs) const;
+
+    std::vector<std::uint64_t> taps_; ///< serials of all
+    std::uint64_t nextSerial_ = 100;
+    std::uint32_t nextPort_ = 1000, nextLink_ = 5000;
+};
+
+} // namespace quorbel::desktop

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "SimulatedServer.h"
+
+#include <map>
+
+namespace quorbel::desktop {
+
+/// Links streams to their targets and remembers targets per application, as the session managers of
+/// the 0.4 and of the 0.5 series do. Sees the server through its line only.
+class SimulatedSessionManager {
+  public:
+    SimulatedSessionManager(SimulatedServer &server, std::uint64_t seed)
+        : random(seed), server_(server) {}
+
+    Random random;
+    bool isNewer = false; ///< as 0.5: links the streams that were there before it
+    bool suspendsOutputs = false;
+    std::map<std::string, std::string> remembered; ///< application -> name of its target
+    std::string configuredDefault;                 ///< by the user
+
+    void start();
+    void stop();
+    [[nodiscard]] bool isThere() const { return server_.isManagerThere; }
+    void take(const Event &event);
+    [[nodiscard]] Micros due() const { return defaultDue_; }
+    void followDefault(); ///< when due
+    /// True if the stream was there before this session manager, and is therefore not linked by it.
+    [[nodiscard]] bool isOld(std::uint64_t serial) const;
+    void chooseDefault(const std::string &name);
+    [[nodiscard]] Micros startTime() const { return startTime_; }
+
+  private:
+    struct Item {
+        std::uint32_t id = 0;
+        std::uint64_t serial = 0;
+        Traits traits;
+        int inputs = 0; ///< ports that are no monitors
+        std::uint64_t peer = 0;
+        bool isOld = false;
+    };
+    [[nodiscard]] Item *find(std::uint64_t serial);
+    [[nodiscard]] const MetadataValue *value(std::uint32_t subject, const char *key) const;
+    void remember(std::uint32_t subject, const std::string &key,
+                  const std::optional<MetadataValue> &value);
+    void restore(const Item &item);
+    void rescan();
+    [[nodiscard]] const Item *target(const Item &item) const;
+    [[nodiscard]] bool canLink(const Item &item, const Item &target, int hops = 0) const;
+    [[nodiscard]] bool isReady(const Item &item) const;
+    void scheduleDefault();
+    void send(Command command);
+
+    SimulatedServer &server_;
+    std::vector<Item> items_;
+    std::vector<Entry> metadata_;
+    std::string default_;
+    Micros defaultDue_ = INT64_MAX;
+    Micros startTime_ = 0;
+    std::size_t snapshot_ = 0;              ///< nodes of the first picture still to come
+    std::vector<std::uint64_t> configured_; ///< streams that had ports then
+};
+
+} // namespace quorbel::desktop
