@@ -104,7 +104,12 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
     [[nodiscard]] testing::AssertionResult soonSoundsLike(const std::vector<ChannelLevels> &wanted,
                                                           const Application &application) const {
         ChannelLevels heard;
+        const std::size_t begin = recorder.frames();
         const bool came = comesTrue(2.5, [&] {
+            // Not what was heard before, which may have been the same.
+            if (recorder.frames() < begin + static_cast<std::size_t>(48000 * windowSeconds)) {
+                return false;
+            }
             heard = levelsOf(application);
             return std::ranges::any_of(wanted, [&](const ChannelLevels &levels) {
                 return heard.matches(levels.changedBy(-12.0));

@@ -47,7 +47,8 @@ TEST_F(DestroyedNodes, AreReplacedWithinTwoSecondsAndStopLeavesNothing) {
         EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live) == isHeard; }))
             << (isHeard ? "says that it does not process" : "says that it processes");
         stopLive(live);
-        EXPECT_FALSE(exists(journal()));
+        // By us, or by the watchdog where the server was slow to answer.
+        EXPECT_TRUE(comesTrue(1.0, [&] { return !exists(journal()); }));
         EXPECT_TRUE(soonPlaysInto("pinned", {"hdmi"}, 1.0));
     }
     EXPECT_TRUE(soonIsAsBefore(before));
