@@ -26,7 +26,7 @@ class OutStream;
 struct DuplexPair {
     RealtimeSlot<OutStream> out; ///< used by the tap's callback
     TapStream *tap = nullptr;    ///< loop's lock
-    /// What the streams' neighbours have said last, for streams that are made anew.
+    /// What the streams' neighbours have said last, for streams that replace others.
     std::optional<spa_latency_info> deviceLatency;      ///< for the tap [control]
     std::optional<spa_latency_info> applicationLatency; ///< for the output [control]
     std::function<void()> changed; ///< a stream has started, stopped or ended [control]

@@ -1,17 +1,13 @@
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 
 #include "platform/hardware/pipewire/PipeWireOutput.h"
-#include "platform/hardware/pipewire/SystemTime.h"
-#include "platform/hardware/routing/StreamRules.h"
 
 #include <spa/utils/json.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cmath>
 #include <cstdlib>
-#include <set>
 #include <utility>
 
 namespace quorbel {
@@ -23,10 +19,6 @@ constexpr double unlinkSeconds = 0.3;
 
 // A server that has just come back and does not answer soon is asked again a moment later.
 constexpr double reconnectSeconds = 0.2;
-
-// Bounds of the control loop's timer: 0 would disarm it.
-constexpr double shortestWaitSeconds = 1e-3;
-constexpr double longestWaitSeconds = 60.0;
 
 /// No object of the server: the capture device is the scheduling group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;
@@ -514,179 +506,6 @@ void PipeWireHardware::stopRouting() {
         return;
     journal_->confirmReleases(journal_->releases());
     connection_->waitUntil([&] { return !router_->isAnyLinkedTo(tapID); }, unlinkSeconds);
-}
-
-// Watching over the two streams
-
-void PipeWireHardware::lookSoon() {
-    if (lookEvent_ != nullptr && tap_)
-        pw_loop_signal_event(pw_thread_loop_get_loop(connection_->loop()), lookEvent_);
-}
-
-void PipeWireHardware::lookAround() {
-    if (!router_ || !tap_ || connection_->isLost())
-        return;
-    bool isDone = !isIORunning_ || output_ == nullptr;
-    while (!isDone) {
-        switch (supervisor_.look(pairFacts(), monotonicSeconds())) {
-        case PairStep::none:
-            isDone = true;
-            break;
-        case PairStep::route:
-            beginRouting();
-            break;
-        case PairStep::link:
-            linkOutput(*output_->stream(), output_->device());
-            break;
-        case PairStep::nudge:
-            output_->nudge();
-            break;
-        case PairStep::release:
-            router_->end();
-            break;
-        case PairStep::rebuild:
-            rebuildPair();
-            break;
-        case PairStep::giveUp:
-            router_->end();
-            tell(HardwareProperty::connection, soundCutOffStatus);
-            isDone = true;
-            break;
-        }
-    }
-    if (isIORunning_ && output_ != nullptr && supervisor_.isHealthy() && router_->isOn() &&
-        routingEnds() != ends_)
-        beginRouting(); // with a tap that was made anew, or on another device
-    confirmReleases();
-    if (router_->isOn()) {
-        router_->checkDeadlines();
-        if (const double now = monotonicSeconds(); !journal_->isEmpty() && now >= nextBeat_) {
-            nextBeat_ = now + RouteJournal::beatSeconds;
-            if (journal_->beat())
-                router_->startOver();
-        }
-    }
-    armTimer();
-}
-
-void PipeWireHardware::armTimer() {
-    const double now = monotonicSeconds();
-    double next = std::min(supervisor_.nextLook(now), router_->nextDeadline());
-    if (!isIORunning_ || output_ == nullptr)
-        next = router_->nextDeadline();
-    if (!journal_->isEmpty())
-        next = std::min(next, nextBeat_);
-    timespec wait{};
-    if (std::isfinite(next)) {
-        const double seconds = std::clamp(next - now, shortestWaitSeconds, longestWaitSeconds);
-        wait.tv_sec = static_cast<time_t>(seconds);
-        wait.tv_nsec = static_cast<long>((seconds - std::floor(seconds)) * 1e9);
-    }
-    pw_loop_update_timer(pw_thread_loop_get_loop(connection_->loop()), timer_, &wait, nullptr,
-                         false);
-}
-
-/// The node of one of our streams; null if somebody has removed it. (Ids are used again.)
-const NodeRecord *PipeWireHardware::ownNode(const ServerStream &stream) const {
-    if (stream.isGone() || stream.nodeID() == SPA_ID_INVALID)
-        return nullptr;
-    const NodeRecord *node = registry_->objects().node(stream.nodeID());
-    return node != nullptr && node->name().starts_with("quorbel.") ? node : nullptr;
-}
-
-PairFacts PipeWireHardware::pairFacts() const {
-    const ServerObjects &objects = registry_->objects();
-    PairFacts facts;
-    const NodeRecord *tap = ownNode(*tap_);
-    const OutStream *stream = output_->stream();
-    const NodeRecord *output = stream != nullptr ? ownNode(*stream) : nullptr;
-    facts.hasTap = tap != nullptr && objects.ports(tap->id, true).size() >= 2;
-    facts.isTapOfWrongKind = facts.hasTap && !tap_->isDevice() &&
-                             (!isPlainStereo(objects, tap->id, true) || router_->needsDeviceTap());
-    facts.hasOutput = output != nullptr;
-    facts.tapRuns = tap_->isStreaming();
-    facts.outputRuns = stream != nullptr && stream->isStreaming();
-    const NodeRecord *device = objects.node(output_->device());
-    facts.hasDevice = device != nullptr && objects.hasPorts(device->id, true);
-    if (output == nullptr)
-        return facts;
-    std::set<std::uint32_t> linkedPorts;
-    for (const auto &[_, link] : objects.links())
-        if (const NodeRecord *to = objects.node(link.inputNodeID);
-            link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
-            linkedPorts.insert(link.outputPortID);
-    // Of more than two channels some may have no counterpart on the device.
-    const std::size_t wanted = std::min<std::size_t>(2, objects.ports(output->id, false).size());
-    facts.isOutputLinked = wanted > 0 && linkedPorts.size() >= wanted;
-    return facts;
-}
-
-RoutingEnds PipeWireHardware::routingEnds() const {
-    const NodeRecord *tap = ownNode(*tap_);
-    const NodeRecord *output = ownNode(*output_->stream());
-    if (tap == nullptr || output == nullptr)
-        return {};
-    RoutingEnds ends{tap->id, tap->serial, output->id, output_->device()};
-    for (const auto &[_, link] : registry_->objects().links())
-        if (const NodeRecord *to = registry_->objects().node(link.inputNodeID);
-            link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
-            ends.deviceID = to->id; // where the session manager bridges a moment
-    return ends;
-}
-
-void PipeWireHardware::beginRouting() {
-    ends_ = routingEnds();
-    if (ends_.tapID != 0)
-        router_->begin(ends_);
-}
-
-/// A stream is off the journal once the server has answered for what put it back.
-void PipeWireHardware::confirmReleases() {
-    if (!journal_->hasUnconfirmed() || journal_->releases() == awaitedReleases_)
-        return;
-    awaitedReleases_ = journal_->releases();
-    connection_->afterRoundTrip([this, count = awaitedReleases_, of = std::weak_ptr(journal_)] {
-        if (const auto journal = of.lock())
-            journal->confirmReleases(count);
-        lookSoon();
-    });
-}
-
-/// Both streams, with the same clients. Applications stay where they are until the new tap is
-/// there; the session manager bridges the moment.
-void PipeWireHardware::rebuildPair() {
-    dropOutputLinks();
-    mustBeDevice_ =
-        mustBeDevice_ || router_->needsDeviceTap() ||
-        (ownNode(*tap_) != nullptr && registry_->objects().hasPorts(tap_->nodeID(), true) &&
-         !isPlainStereo(registry_->objects(), tap_->nodeID(), true));
-    tap_.reset();
-    tap_ = std::make_unique<TapStream>(*connection_, pair_);
-    tap_->connect(mustBeDevice_);
-    tap_->setClient(ioClient_, {graphRate(), 2});
-    output_->rebuild();
-}
-
-void PipeWireHardware::dropOutputLinks() {
-    for (const OwnLink link : std::exchange(outputLinks_, {}))
-        registry_->destroyLink(link);
-}
-
-/// Links the output to its device where the session manager does not.
-void PipeWireHardware::linkOutput(const OutStream &stream, AudioObjectID device) {
-    const ServerObjects &objects = registry_->objects();
-    const NodeRecord *output = ownNode(stream);
-    if (output == nullptr)
-        return;
-    const auto inputs = objects.ports(device, true);
-    for (const PortRecord &from : objects.ports(output->id, false)) {
-        const auto to = std::find_if(inputs.begin(), inputs.end(), [&](const PortRecord &input) {
-            return input.channel == from.channel || inputs.size() == 1;
-        });
-        if (to != inputs.end())
-            outputLinks_.push_back(
-                registry_->createLink({output->id, from.id, device, to->id, true}));
-    }
 }
 
 // Playback

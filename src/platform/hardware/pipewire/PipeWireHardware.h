@@ -23,9 +23,10 @@ inline constexpr double answerSeconds = 2.0;
 /// because tap and output run in one group of the graph, at the output device's clock.
 ///
 /// Applications are routed to the tap from the moment in which the IO procedure runs and the output
-/// is linked to its device, so that nobody is silenced before the processed sound can be heard. If
-/// one of the two streams is removed or cannot be healed, both are made anew with the same clients;
-/// if that fails too, the listeners are told that the hardware is lost, though the server is there.
+/// is linked to its device, so that no application is silenced before the processed sound can be
+/// heard. If one of the two streams is removed or cannot be healed, both are replaced, with the
+/// same clients; if that fails too, the listeners are told that the hardware is lost, though the
+/// server is there.
 class PipeWireHardware final : public AudioHardware, private ServerObserver {
   public:
     /// Connects to the user's server; null and a negative errno when there is none.
@@ -74,7 +75,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     void stopRouting();
     void restoreLeftovers();
 
-    // Watching over the two streams. [control], or under the loop's lock
+    // Watching over the two streams (PairWatch.cpp). [control], or under the loop's lock
     void lookAround();
     void armTimer();
     [[nodiscard]] PairFacts pairFacts() const;

@@ -29,7 +29,7 @@ class PipeWireHardware::Output final : public HardwareOutput {
     [[nodiscard]] const OutStream *stream() const { return stream_.get(); }
     [[nodiscard]] AudioObjectID device() const { return device_; }
     void nudge() { stream_->nudge(); }
-    /// Makes the streams anew, to the same device and with the same client.
+    /// Replaces the streams by new ones to the same device, with the same client.
     void rebuild();
 
   private:

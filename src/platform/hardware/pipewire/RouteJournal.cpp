@@ -18,7 +18,7 @@ constexpr const char *fileName = "captured";
 constexpr const char *newFileName = "captured.new";
 /// A journal of ours has some lines for each routed stream; what is far longer is not ours.
 constexpr std::size_t longestJournal = 1U << 20U;
-/// The file is written anew when it holds more than this many lines beside those that matter.
+/// The file is rewritten when it holds more than this many lines beside those that matter.
 constexpr std::size_t spareLines = 64;
 
 std::string serverLine(std::uint32_t cookie) {

@@ -124,8 +124,7 @@ void WatchdogLink::finish() {
         send("");
     send(watchdogWord::clean);
     close(std::exchange(socket_, -1));
-    // It ends by itself in a moment; until then it is nobody's business but init's, should we end
-    // first.
+    // It ends by itself in a moment; if we end first, init reaps it.
     for (int attempt = 0; attempt < 100 && waitpid(pid_, nullptr, WNOHANG) == 0; ++attempt)
         usleep(1000);
     pid_ = -1;

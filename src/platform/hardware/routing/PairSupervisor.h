@@ -24,7 +24,7 @@ enum class PairStep {
     link,    ///< link the output to its device ourselves
     nudge,   ///< stop the output and start it again
     release, ///< sound cannot pass: put the applications back
-    rebuild, ///< make both streams anew
+    rebuild, ///< replace both streams
     giveUp,  ///< it cannot be healed; tell the user
 };
 

@@ -20,7 +20,7 @@ constexpr double handshakeSeconds = 0.5;
 constexpr double waitingSeconds = 5.0;
 constexpr double longestRetrySeconds = 60.0;
 /// A session manager of 0.5 restores the target of an application by the key that a user's move
-/// has too. Nobody moves a stream by hand in its first second.
+/// has too. A user does not move a stream in its first second.
 constexpr double restoringSeconds = 1.0;
 constexpr double rememberSeconds = 0.1;
 /// While the session manager moves our output, nothing seems to hear it. Echoes of what we set come
@@ -47,7 +47,7 @@ void StreamRouter::begin(const RoutingEnds &ends) {
             dropLinks(stream);
             if (isHeld(stream)) {
                 sendToTap(*node, stream);
-                if (wasLinkedByUs) // by nobody else this time either
+                if (wasLinkedByUs) // the session manager does not
                     stream.linkAt = commands_.seconds();
             } else if (stream.phase == Phase::refused) {
                 route(*node, stream);

@@ -35,10 +35,10 @@ struct RoutingEnds {
 /// 5. What the session manager remembers of a stream is what the user chose for it.
 class StreamRouter final : public ServerObserver {
   public:
-    /// Registers with nobody: the owner passes the events on.
+    /// The owner passes the events on.
     StreamRouter(const ServerObjects &objects, ServerCommands &commands, RouteLog &log);
 
-    /// Starts routing, or goes on with another tap, output or device.
+    /// Starts routing, or continues with another tap, output or device.
     void begin(const RoutingEnds &ends);
     [[nodiscard]] bool isOn() const { return ends_.tapSerial != 0; }
     /// Puts every stream back. The session manager moves the links a moment later.

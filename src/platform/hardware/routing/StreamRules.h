@@ -18,8 +18,8 @@ bool isAnsweredPulseClient(const NodeRecord &node);
 /// True for the output half of a virtual sink: captured, it would silence what plays on that sink.
 bool isVirtualSinkOutput(const ServerObjects &objects, const NodeRecord &node);
 
-/// True for the playing half of a loopback or filter whose recording half is not linked yet: nobody
-/// knows whether it will hear the processed sound.
+/// True for the playing half of a loopback or filter whose recording half is not linked yet: it may
+/// come to hear the processed sound.
 bool isUndecidedCopy(const ServerObjects &objects, const NodeRecord &node);
 
 /// True if the node's ports in one direction are exactly front left and front right.
