@@ -60,13 +60,12 @@ void PipeWireHardware::lookAround() {
         routingEnds() != ends_)
         beginRouting(); // with a replaced tap, or on another device
     confirmReleases();
-    if (router_->isOn()) {
+    if (router_->isOn())
         router_->checkDeadlines();
-        if (const double now = monotonicSeconds(); !journal_->isEmpty() && now >= nextBeat_) {
-            nextBeat_ = now + RouteJournal::beatSeconds;
-            if (journal_->beat())
-                router_->startOver();
-        }
+    if (const double now = monotonicSeconds(); !journal_->isEmpty() && now >= nextBeat_) {
+        nextBeat_ = now + RouteJournal::beatSeconds;
+        if (journal_->beat() && router_->isOn())
+            router_->startOver();
     }
     armTimer();
 }

@@ -482,8 +482,8 @@ Status PipeWireHardware::stopDevice(AudioObjectID device, IOProcID proc) {
     if (device != captureDevice_ || proc != theIOProc)
         return -ENOENT;
     const LoopLock lock(connection_->loop());
+    isIORunning_ = false; // first: while routing ends, the watch must not begin it again
     stopRouting();
-    isIORunning_ = false;
     if (tap_)
         tap_->setClient(nullptr, {});
     return statusOK;

@@ -34,18 +34,24 @@ std::string watchdogProgram() {
 
 } // namespace
 
-WatchdogLink::WatchdogLink(std::uint32_t serverCookie) : serverCookie_(serverCookie) { start(); }
+WatchdogLink::WatchdogLink(std::uint32_t serverCookie) : serverCookie_(serverCookie) {
+    start(RouteLedger());
+}
 
 WatchdogLink::~WatchdogLink() { abandon(); }
 
 // One end of a socket pair is its standard input; the other end is ours alone, so that it closes
 // whichever way we end. (A socket rather than a pipe: writing to one whose reader was killed can be
-// told not to raise a signal.)
-void WatchdogLink::start() {
+// told not to raise a signal.) What it has to know is in the socket before it begins.
+void WatchdogLink::start(const RouteLedger &routed) {
     const std::string program = watchdogProgram();
     std::array<int, 2> ends{};
     if (program.empty() || socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
         return;
+    socket_ = ends[1];
+    isBehind_ = false;
+    send(fmt::format("{}{}", watchdogWord::server, serverCookie_));
+    tellAll(routed);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, ends[0], STDIN_FILENO);
@@ -62,13 +68,9 @@ void WatchdogLink::start() {
     posix_spawn_file_actions_destroy(&actions);
     close(ends[0]);
     if (result != 0) {
-        close(ends[1]);
+        close(std::exchange(socket_, -1));
         pid_ = -1;
-        return;
     }
-    socket_ = ends[1];
-    isBehind_ = false;
-    send(fmt::format("{}{}", watchdogWord::server, serverCookie_));
 }
 
 void WatchdogLink::abandon() {
@@ -99,8 +101,7 @@ bool WatchdogLink::beat(const RouteLedger &routed) {
     if (pid_ > 0 && waitpid(pid_, nullptr, WNOHANG) == pid_) {
         pid_ = -1;
         abandon();
-        start();
-        tellAll(routed);
+        start(routed);
     } else if (isBehind_) {
         tellAll(routed);
     }

@@ -36,7 +36,7 @@ class WatchdogLink {
     void finish();
 
   private:
-    void start();
+    void start(const RouteLedger &routed);
     void abandon();
     void tellAll(const RouteLedger &routed);
 
