@@ -79,7 +79,7 @@ class PrivateSoundServer {
     /// Ends the server as a crash would, with the session's programs left alone.
     void crash();
 
-    /// The server stands still until `resume`.
+    /// Stops the server until `resume`.
     void pause() const;
     void resume() const;
 
@@ -92,7 +92,7 @@ class PrivateSoundServer {
 
     /// The session manager alone ends and is started again. Version 0.4 leaves virtual devices that
     /// were there before without links, with or without anybody processing: unless the options say
-    /// that they stay, they are made anew.
+    /// that they stay, they are replaced.
     void restartSessionManager();
 
   private:

@@ -69,8 +69,8 @@ class AudioEngine final : public QObject {
     /// The device in use: the chosen one or its stand-in.
     [[nodiscard]] const std::optional<AudioDevice> &outputDevice() const { return outputDevice_; }
     /// The user's choice, which ends an error of having none. While running, playback moves after a
-    /// short pause for more such changes. While the chosen device is away, the default output
-    /// stands in, as it changes; when the device is back, it is in use again.
+    /// short pause for more such changes. While the chosen device is away, the current default
+    /// output replaces it; when the device is back, it is in use again.
     void setOutputDevice(std::optional<AudioDevice> device);
 
     /// The uid of the device that the user chose, there or not; none where they chose none.
@@ -78,8 +78,8 @@ class AudioEngine final : public QObject {
     /// A choice of an earlier session: in use if the device is there. Otherwise the output stays as
     /// it is, as a stand-in.
     void restoreOutputChoice(std::optional<std::string> uid);
-    /// Where the chosen device is away or none was chosen, the default output stands in from now
-    /// on. Before this, nothing is selected until the user selects it.
+    /// From now on the current default output is in use where the chosen device is away or none was
+    /// chosen. Before this, nothing is selected until the user selects it.
     void useDefaultOutput();
     /// Whether the device in use is not the choice.
     [[nodiscard]] bool isOutputStandIn() const {

@@ -8,7 +8,7 @@
 namespace quorbel {
 
 /// `output-choice.json` beside the settings file. It exists only while the device in use, which the
-/// settings file names, stands in for the user's choice: without it, the device in use is the
+/// settings file names, is not the user's choice: without it, the device in use is the
 /// choice. So it is, too, where the settings file names a device that is not among the stand-ins:
 /// then someone else has changed it since.
 class OutputChoiceFile {

@@ -51,7 +51,7 @@ SettingsWatch::SettingsWatch(AppState &state, Clock &clock) : state_(state), clo
     watchPlaces();
 }
 
-/// All anew: under the same name there may be another file now.
+/// Replaces every watch: the same name may mean another file now.
 void SettingsWatch::watchPlaces() {
     if (const QStringList watched = watcher_.files() + watcher_.directories(); !watched.isEmpty())
         watcher_.removePaths(watched);

@@ -3,8 +3,6 @@
 #include "platform/hardware/InstanceLock.h"
 #include "platform/hardware/RuntimeFolder.h"
 
-#include <fmt/format.h>
-
 #include <cstdio>
 #include <fcntl.h>
 #include <string>
@@ -20,10 +18,6 @@ constexpr const char *newFileName = "captured.new";
 constexpr std::size_t longestJournal = 1U << 20U;
 /// The file is rewritten when it holds more than this many lines beside those that matter.
 constexpr std::size_t spareLines = 64;
-
-std::string serverLine(std::uint32_t cookie) {
-    return fmt::format("{}{}", watchdogWord::server, cookie);
-}
 
 bool writeAll(int file, std::string_view text) {
     while (!text.empty()) {

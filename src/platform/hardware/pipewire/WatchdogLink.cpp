@@ -34,6 +34,10 @@ std::string watchdogProgram() {
 
 } // namespace
 
+std::string serverLine(std::uint32_t serverCookie) {
+    return fmt::format("{}{}", watchdogWord::server, serverCookie);
+}
+
 WatchdogLink::WatchdogLink(std::uint32_t serverCookie) : serverCookie_(serverCookie) {
     start(RouteLedger());
 }
@@ -50,7 +54,7 @@ void WatchdogLink::start(const RouteLedger &routed) {
         return;
     socket_ = ends[1];
     isBehind_ = false;
-    send(fmt::format("{}{}", watchdogWord::server, serverCookie_));
+    send(serverLine(serverCookie_));
     tellAll(routed);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -16,6 +16,9 @@ inline constexpr std::string_view clean = "CLEAN"; ///< everything is restored; 
 inline constexpr std::string_view took = "TOOK"; ///< from the watchdog: it has restored everything
 } // namespace watchdogWord
 
+/// The line that names the run of the server that the lines after it are about.
+std::string serverLine(std::uint32_t serverCookie);
+
 /// The watchdog process: it knows every routed stream and puts them back if we end without a word,
 /// or do not answer for a second. It is started again if it ends before us.
 class WatchdogLink {

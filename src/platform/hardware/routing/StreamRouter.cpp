@@ -192,11 +192,13 @@ void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
     stream.wasCaptured = false;
     stream.rememberAt = never;
     stream.rememberedAt = now;
-    const bool hasPorts = objects_.hasPorts(node.id, false);
-    stream.linkAt = hasPorts ? now + linkSeconds : never;
-    stream.giveUpAt = now + (hasPorts ? captureSeconds : portSeconds);
-    if (hasPorts)
+    if (objects_.hasPorts(node.id, false)) {
+        awaitLinks(stream);
         startHandshake(node, stream);
+    } else {
+        stream.linkAt = never;
+        stream.giveUpAt = now + portSeconds;
+    }
     lookAtLinks(node.id, stream);
 }
 
@@ -239,13 +241,24 @@ void StreamRouter::dropLinks(Stream &stream) {
     for (const OwnLink link : stream.links)
         commands_.destroyLink(link);
     stream.links.clear();
+    endHandshake(stream);
+}
+
+void StreamRouter::endHandshake(Stream &stream) {
     if (stream.handshake != 0)
         commands_.destroyLink(stream.handshake);
     stream.handshake = 0;
     stream.handshakeEnd = never;
 }
 
-void StreamRouter::putBack(Stream &stream, Phase phase) {
+/// It has ports now, so the session manager links it within milliseconds.
+void StreamRouter::awaitLinks(Stream &stream) {
+    stream.linkAt = commands_.seconds() + linkSeconds;
+    stream.giveUpAt = commands_.seconds() + captureSeconds;
+}
+
+/// The stream is not held any more: none of its deadlines is.
+void StreamRouter::letGo(Stream &stream, Phase phase) {
     dropLinks(stream);
     stream.phase = phase;
     stream.linkAt = never;
@@ -253,6 +266,10 @@ void StreamRouter::putBack(Stream &stream, Phase phase) {
     stream.retryAt = never;
     stream.leaveAt = never;
     stream.rememberAt = never;
+}
+
+void StreamRouter::putBack(Stream &stream, Phase phase) {
+    letGo(stream, phase);
     if (hasOwnTarget(stream.route.streamID))
         undoRoute(objects_, commands_, stream.route);
     log_.released(stream.route);
@@ -306,8 +323,7 @@ void StreamRouter::lookAtLinks(std::uint32_t id, Stream &stream) {
         stream.failures = 0;
     } else if (stream.phase == Phase::captured && !isFullyLinked(id)) {
         stream.phase = Phase::routing;
-        stream.linkAt = commands_.seconds() + linkSeconds;
-        stream.giveUpAt = commands_.seconds() + captureSeconds;
+        awaitLinks(stream);
     }
     // Heard twice: somebody has linked it by hand, and the session manager does not take that away.
     if (stream.phase != Phase::captured || deviceLinkedTo(id) == nullptr)
@@ -339,11 +355,7 @@ void StreamRouter::linkToTap(std::uint32_t id, Stream &stream) {
 /// The user has moved the stream by its links alone. With our target it would go back to the tap,
 /// with the one before to that; so the place that the user gave it becomes its target.
 void StreamRouter::leaveAt(const NodeRecord &place, Stream &stream) {
-    dropLinks(stream);
-    stream.phase = Phase::released;
-    stream.linkAt = never;
-    stream.giveUpAt = never;
-    stream.leaveAt = never;
+    letGo(stream, Phase::released);
     routeTo(place.serial, objects_, commands_, stream.route);
     log_.released(stream.route);
 }
@@ -407,10 +419,7 @@ void StreamRouter::nodeChanged(const NodeRecord &node) {
     if (const auto found = streams_.find(node.id); found == streams_.end()) {
         consider(node, commands_.seconds());
     } else if (Stream &stream = found->second; isAnsweredPulseClient(node)) {
-        if (stream.handshake != 0)
-            commands_.destroyLink(stream.handshake);
-        stream.handshake = 0;
-        stream.handshakeEnd = never;
+        endHandshake(stream);
         if (stream.phase == Phase::waiting)
             route(node, stream);
     }
@@ -436,10 +445,8 @@ void StreamRouter::portAdded(const PortRecord &port) {
         return;
     if (!port.isInput && found != streams_.end() && found->second.phase == Phase::routing) {
         Stream &stream = found->second;
-        if (stream.linkAt == never) {
-            stream.linkAt = commands_.seconds() + linkSeconds;
-            stream.giveUpAt = commands_.seconds() + captureSeconds;
-        }
+        if (stream.linkAt == never)
+            awaitLinks(stream);
         startHandshake(*node, stream);
     } else if (port.isInput && isOutputDevice(*node)) {
         for (auto &[id, stream] : streams_)
@@ -508,12 +515,7 @@ void StreamRouter::metadataChanged(std::uint32_t subject, std::string_view key,
 
 /// Somebody else has given the stream another target: it is theirs.
 void StreamRouter::release(Stream &stream) {
-    dropLinks(stream);
-    stream.phase = Phase::released;
-    stream.linkAt = never;
-    stream.giveUpAt = never;
-    stream.leaveAt = never;
-    stream.rememberAt = never;
+    letGo(stream, Phase::released);
     // What we have set as "target.node" would send it elsewhere once that target is taken away.
     if (stream.route.targetObject)
         remember(stream);

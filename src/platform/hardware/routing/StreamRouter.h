@@ -119,6 +119,8 @@ class StreamRouter final : public ServerObserver {
     void consider(const NodeRecord &node, double appearedAt);
     void route(const NodeRecord &node, Stream &stream);
     void sendToTap(const NodeRecord &node, Stream &stream);
+    void awaitLinks(Stream &stream);
+    void letGo(Stream &stream, Phase phase);
     void putBack(Stream &stream, Phase phase);
     [[nodiscard]] bool isOwnTap(const MetadataValue &value) const;
     [[nodiscard]] bool hasOwnTarget(std::uint32_t id) const;
@@ -131,6 +133,7 @@ class StreamRouter final : public ServerObserver {
     [[nodiscard]] bool isFullyLinked(std::uint32_t id) const;
     [[nodiscard]] const NodeRecord *deviceLinkedTo(std::uint32_t id) const;
     void startHandshake(const NodeRecord &node, Stream &stream);
+    void endHandshake(Stream &stream);
     [[nodiscard]] std::uint32_t handshakeSink() const;
     [[nodiscard]] bool mustNotBeCaptured(const NodeRecord &node) const;
     [[nodiscard]] bool mayChangeHearers(const LinkRecord &link) const;

@@ -45,7 +45,7 @@ class SimulatedHardware final : public AudioHardware {
     AudioObjectID addDevice(SimulatedDevice device);
     /// The default moves to the first device that is left, unless `setDefaultLagging`.
     void removeDevice(const std::string &uid);
-    /// While lagging, the default goes on naming a device that was removed until
+    /// While lagging, the default keeps naming a device that was removed until
     /// `setDefaultOutput`: on a desktop the session manager moves it some milliseconds later.
     void setDefaultLagging(bool lagging) { isDefaultLagging_ = lagging; }
     /// New devices take the ids of removed ones, as a sound server gives them out.
