@@ -31,6 +31,25 @@ std::string signedText(double value, int decimals) {
 
 std::string gainText(double dB) { return signedText(dB, 1) + " dB"; }
 
+std::string valueText(double value, const SettingScale &scale) {
+    const int decimals = scale.step < 1.0F ? 1 : 0;
+    switch (scale.unit) {
+    case SettingUnit::none:
+        return fixedText(value, decimals);
+    case SettingUnit::percent:
+        return fixedText(value, decimals) + " %";
+    case SettingUnit::hertz:
+        return fixedText(value, decimals) + " Hz";
+    case SettingUnit::decibels:
+        return fixedText(value, decimals) + " dB";
+    case SettingUnit::gain:
+        return signedText(value, decimals) + " dB";
+    case SettingUnit::decibelsFullScale:
+        return fixedText(value, decimals) + " dBFS";
+    }
+    return {};
+}
+
 std::string frequencyLabel(float hertz) {
     const double value = static_cast<double>(hertz);
     if (value < 1000.0 || std::isnan(value))

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "settings/records/SettingSchema.h"
+
 #include <string>
 
 namespace quorbel {
@@ -14,6 +16,10 @@ namespace quorbel {
 
 /// "+2.0 dB"
 [[nodiscard]] std::string gainText(double dB);
+
+/// The value in the unit of its scale: "-0.3 dBFS", "2000 Hz". One decimal where the steps are
+/// smaller than 1.
+[[nodiscard]] std::string valueText(double value, const SettingScale &scale);
 
 /// A band's frequency in Hz, short: "31.5", "250", "2.5k", "16k".
 [[nodiscard]] std::string frequencyLabel(float hertz);

@@ -8,10 +8,10 @@ AppModel *AppModel::instance_ = nullptr;
 
 AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
     : QObject(parent), state_(state), history_(state, clock, nullptr),
-      engine_(state, clock, nullptr), spatial_(state.engine(), history_, nullptr),
-      mixer_(state.engine(), history_, nullptr), equalizer_(state.engine().eq(), history_, nullptr),
-      presets_(state, history_, nullptr), devices_(state, clock, nullptr),
-      spectrum_(state.engine(), nullptr), navigation_(state, nullptr), about_(nullptr) {
+      engine_(state, clock, nullptr), settings_(state.engine(), history_, nullptr),
+      equalizer_(state.engine().eq(), history_, nullptr), presets_(state, history_, nullptr),
+      devices_(state, clock, nullptr), spectrum_(state.engine(), nullptr),
+      navigation_(state, nullptr), about_(nullptr) {
     instance_ = this;
     state_.engine().setComparable(true);
     state_.engine().useDefaultOutput(); // so that a first Start works

@@ -5,10 +5,9 @@
 #include "ui/model/EngineModel.h"
 #include "ui/model/EqualizerModel.h"
 #include "ui/model/HistoryModel.h"
-#include "ui/model/MixerModel.h"
 #include "ui/model/NavigationModel.h"
 #include "ui/model/PresetListModel.h"
-#include "ui/model/SpatialModel.h"
+#include "ui/model/SettingsModel.h"
 #include "ui/model/SpectrumModel.h"
 
 #include <QObject>
@@ -27,8 +26,7 @@ class AppModel final : public QObject {
     QML_NAMED_ELEMENT(App)
     QML_SINGLETON
     Q_PROPERTY(quorbel::EngineModel *engine READ engine CONSTANT)
-    Q_PROPERTY(quorbel::SpatialModel *spatial READ spatial CONSTANT)
-    Q_PROPERTY(quorbel::MixerModel *mixer READ mixer CONSTANT)
+    Q_PROPERTY(quorbel::SettingsModel *settings READ settings CONSTANT)
     Q_PROPERTY(quorbel::EqualizerModel *equalizer READ equalizer CONSTANT)
     Q_PROPERTY(quorbel::PresetListModel *presets READ presets CONSTANT)
     Q_PROPERTY(quorbel::DeviceListModel *devices READ devices CONSTANT)
@@ -49,8 +47,11 @@ class AppModel final : public QObject {
     static AppModel *create(QQmlEngine *engine, QJSEngine *scripts);
 
     [[nodiscard]] EngineModel *engine() { return &engine_; }
-    [[nodiscard]] SpatialModel *spatial() { return &spatial_; }
-    [[nodiscard]] MixerModel *mixer() { return &mixer_; }
+    [[nodiscard]] SettingsModel *settings() { return &settings_; }
+    /// The spatial or mixer setting of this name in the settings file.
+    Q_INVOKABLE quorbel::SettingModel *setting(const QString &key) const {
+        return settings_.setting(key.toStdString());
+    }
     [[nodiscard]] EqualizerModel *equalizer() { return &equalizer_; }
     [[nodiscard]] PresetListModel *presets() { return &presets_; }
     [[nodiscard]] DeviceListModel *devices() { return &devices_; }
@@ -73,8 +74,7 @@ class AppModel final : public QObject {
     bool warningDismissed_ = false;
     HistoryModel history_; ///< before those who write through it
     EngineModel engine_;
-    SpatialModel spatial_;
-    MixerModel mixer_;
+    SettingsModel settings_;
     EqualizerModel equalizer_;
     PresetListModel presets_;
     DeviceListModel devices_;

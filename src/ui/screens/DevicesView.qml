@@ -69,10 +69,10 @@ ScreenPage {
             spacing: 2 * Theme.unit
 
             DotToggle {
-                checked: App.mixer.spectrumEnabled
+                checked: App.setting("spectrumEnabled").on
                 accessibleName: qsTr("Spectrum analyzer (visual only)")
                 Accessible.description: explanation.text
-                onToggled: App.mixer.spectrumEnabled = !App.mixer.spectrumEnabled
+                onToggled: App.setting("spectrumEnabled").toggle()
             }
             ColumnLayout {
                 Layout.fillWidth: true

@@ -9,7 +9,7 @@ ScreenPage {
         Layout.fillWidth: true
         title: qsTr("Limiter & gain")
         subtitle: qsTr("Level stages")
-        chips: [qsTr("%1 on").arg(App.mixer.levelStagesOn)]
+        chips: [qsTr("%1 on").arg(App.settings.levelStagesOn)]
     }
     BodyText {
         Layout.fillWidth: true
@@ -20,8 +20,8 @@ ScreenPage {
     StageCard {
         Layout.fillWidth: true
         name: qsTr("Master Limiter")
-        on: App.mixer.limiterEnabled
-        onSwitched: App.mixer.limiterEnabled = !App.mixer.limiterEnabled
+        on: App.setting("limiterEnabled").on
+        onSwitched: App.setting("limiterEnabled").toggle()
         trailing: Readout {
             Layout.preferredWidth: 13 * Theme.unit
             caption: qsTr("Gain reduction")
@@ -30,21 +30,14 @@ ScreenPage {
 
         ParamRow {
             Layout.fillWidth: true
-            label: qsTr("Threshold")
-            from: -12
-            to: 0
-            stepSize: 0.1
-            value: App.mixer.limiterThresholdDB
-            valueText: qsTr("%1 dBFS").arg(Format.fixed(value, 1))
-            defaultValue: -0.3
-            onMoved: value => App.mixer.limiterThresholdDB = value
+            setting: App.setting("limiterThresholdDB")
         }
     }
     StageCard {
         Layout.fillWidth: true
         name: qsTr("Auto-Gain")
-        on: App.mixer.autoGainEnabled
-        onSwitched: App.mixer.autoGainEnabled = !App.mixer.autoGainEnabled
+        on: App.setting("autoGainEnabled").on
+        onSwitched: App.setting("autoGainEnabled").toggle()
         trailing: Readout {
             Layout.preferredWidth: 13 * Theme.unit
             caption: qsTr("Applied gain")
@@ -53,33 +46,18 @@ ScreenPage {
 
         ParamRow {
             Layout.fillWidth: true
-            label: qsTr("Target")
-            from: -30
-            to: -6
-            stepSize: 0.1
-            value: App.mixer.autoGainTargetDB
-            valueText: qsTr("%1 dB").arg(Format.fixed(value, 1))
-            defaultValue: -16
-            onMoved: value => App.mixer.autoGainTargetDB = value
+            setting: App.setting("autoGainTargetDB")
         }
     }
     StageCard {
         Layout.fillWidth: true
         name: qsTr("Manual Loudness")
-        on: App.mixer.manualLoudnessEnabled
-        onSwitched: App.mixer.manualLoudnessEnabled = !App.mixer.manualLoudnessEnabled
+        on: App.setting("manualLoudnessEnabled").on
+        onSwitched: App.setting("manualLoudnessEnabled").toggle()
 
         ParamRow {
             Layout.fillWidth: true
-            label: qsTr("Trim")
-            from: -12
-            to: 12
-            origin: 0
-            stepSize: 0.1
-            value: App.mixer.manualLoudnessDB
-            valueText: Format.signedDecibels(value)
-            defaultValue: 0
-            onMoved: value => App.mixer.manualLoudnessDB = value
+            setting: App.setting("manualLoudnessDB")
         }
     }
     RowLayout {
@@ -92,8 +70,8 @@ ScreenPage {
         }
         BodyText {
             Layout.fillWidth: true
-            text: App.mixer.peakProtection
-            color: App.mixer.limiterEnabled ? Theme.ink : Theme.warning
+            text: App.settings.peakProtection
+            color: App.setting("limiterEnabled").on ? Theme.ink : Theme.warning
         }
     }
     Item {

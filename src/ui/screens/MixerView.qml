@@ -9,7 +9,7 @@ ScreenPage {
         Layout.fillWidth: true
         title: qsTr("Mixer")
         subtitle: qsTr("Colour stages")
-        chips: [qsTr("%1 on").arg(App.mixer.colourStagesOn)]
+        chips: [qsTr("%1 on").arg(App.settings.colourStagesOn)]
     }
     BodyText {
         Layout.fillWidth: true
@@ -21,38 +21,24 @@ ScreenPage {
         Layout.fillWidth: true
         name: qsTr("Saturation")
         description: qsTr("Analog warmth · tanh")
-        on: App.mixer.saturationEnabled
-        onSwitched: App.mixer.saturationEnabled = !App.mixer.saturationEnabled
+        on: App.setting("saturationEnabled").on
+        onSwitched: App.setting("saturationEnabled").toggle()
 
         ParamRow {
             Layout.fillWidth: true
-            label: qsTr("Drive")
-            accessibleContext: qsTr("Saturation")
-            from: 0
-            to: 100
-            value: App.mixer.saturationDrive
-            valueText: Format.fixed(value, 0)
-            defaultValue: 30
-            onMoved: value => App.mixer.saturationDrive = value
+            setting: App.setting("saturationDrive")
         }
     }
     StageCard {
         Layout.fillWidth: true
         name: qsTr("Crossfeed")
         description: qsTr("Speaker-like bleed between the ears")
-        on: App.mixer.crossfeedEnabled
-        onSwitched: App.mixer.crossfeedEnabled = !App.mixer.crossfeedEnabled
+        on: App.setting("crossfeedEnabled").on
+        onSwitched: App.setting("crossfeedEnabled").toggle()
 
         ParamRow {
             Layout.fillWidth: true
-            label: qsTr("Amount")
-            accessibleContext: qsTr("Crossfeed")
-            from: 0
-            to: 100
-            value: App.mixer.crossfeedAmount
-            valueText: Format.fixed(value, 0)
-            defaultValue: 50
-            onMoved: value => App.mixer.crossfeedAmount = value
+            setting: App.setting("crossfeedAmount")
         }
     }
     Item {

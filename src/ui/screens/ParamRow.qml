@@ -1,24 +1,13 @@
 import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
+import Quorbel.Model
 
-/// One value of a stage: its label, a slider over its range, and the value as text. The value in
-/// use is the caller's; the row says where the user moves it.
+/// One number of a stage: its label, a slider over its range, and the value as text.
 RowLayout {
     id: row
 
-    required property string label
-    required property real value
-    required property real from
-    required property real to
-    required property string valueText
-    property real stepSize: 1
-    property real origin: from
-    property real defaultValue: from
-    /// Where several stages on a screen have a value of this label.
-    property string accessibleContext: ""
-    signal moved(real value)
-
+    required property Setting setting
     /// Left free at the end, as wide as what the card's head has there.
     property real trailing: 0
 
@@ -29,30 +18,28 @@ RowLayout {
         Layout.leftMargin: 7 * Theme.unit
         Layout.preferredWidth: 22 * Theme.unit
         Layout.alignment: Qt.AlignVCenter
-        text: row.label
+        text: row.setting.label
         elide: Text.ElideRight
         Accessible.ignored: true
     }
     ParamSlider {
-        id: slider
         objectName: accessibleName
         Layout.fillWidth: true
-        from: row.from
-        to: row.to
-        value: row.value
-        stepSize: row.stepSize
-        origin: row.origin
-        accessibleName: row.accessibleContext === "" ? row.label
-                                                     : row.accessibleContext + ", " + row.label
-        valueText: row.valueText
-        onMoved: row.moved(slider.value)
-        onResetRequested: row.moved(row.defaultValue)
+        from: row.setting.from
+        to: row.setting.to
+        value: row.setting.value
+        stepSize: row.setting.stepSize
+        origin: row.setting.origin
+        accessibleName: row.setting.name
+        valueText: row.setting.text
+        onMoved: row.setting.value = value
+        onResetRequested: row.setting.value = row.setting.defaultValue
     }
     BodyText {
         Layout.preferredWidth: 13 * Theme.unit
         Layout.rightMargin: row.trailing
         Layout.alignment: Qt.AlignVCenter
-        text: row.valueText
+        text: row.setting.text
         Accessible.ignored: true
     }
 }

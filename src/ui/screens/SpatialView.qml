@@ -23,81 +23,55 @@ ScreenPage {
     ScreenHeader {
         Layout.fillWidth: true
         title: qsTr("Spatial")
-        chips: [qsTr("%1 on").arg(App.spatial.enabledCount)]
+        chips: [qsTr("%1 on").arg(App.settings.spatialStagesOn)]
     }
     EffectCard {
         Layout.fillWidth: true
         name: qsTr("XTC Shuffler")
         description: qsTr("Room Filling")
-        readout: Format.fixed(App.spatial.xtcAmount, 0)
-        level: App.spatial.xtcAmount / 100
-        on: App.spatial.xtcEnabled
+        readout: Format.fixed(App.setting("xtcAmount").value, 0)
+        level: App.setting("xtcAmount").position
+        on: App.setting("xtcEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Xtc)
-        onSwitched: App.spatial.xtcEnabled = !App.spatial.xtcEnabled
+        onSwitched: App.setting("xtcEnabled").toggle()
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Xtc)
 
         StageParam {
-            label: qsTr("XTC Amount")
-            from: 0
-            to: 100
-            value: App.spatial.xtcAmount
-            valueText: Format.fixed(value, 0)
-            defaultValue: 50
-            onMoved: value => App.spatial.xtcAmount = value
+            setting: App.setting("xtcAmount")
         }
         StageParam {
-            label: qsTr("Head-width Notch")
-            from: 500
-            to: 8000
-            stepSize: 10
-            value: App.spatial.xtcNotchFrequency
-            valueText: qsTr("%1 Hz").arg(Format.fixed(value, 0))
-            defaultValue: 2000
-            onMoved: value => App.spatial.xtcNotchFrequency = value
+            setting: App.setting("xtcNotchFrequency")
         }
     }
     EffectCard {
         Layout.fillWidth: true
         name: qsTr("Stereo Widening")
         description: qsTr("Mid / Side")
-        readout: Format.fixed(App.spatial.widthPercent, 0)
-        level: App.spatial.widthPercent / 200
-        on: App.spatial.widenerEnabled
+        readout: Format.fixed(App.setting("widthPercent").value, 0)
+        level: App.setting("widthPercent").position
+        on: App.setting("widenerEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Widener)
-        onSwitched: App.spatial.widenerEnabled = !App.spatial.widenerEnabled
+        onSwitched: App.setting("widenerEnabled").toggle()
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Widener)
 
         StageParam {
-            label: qsTr("Width")
-            from: 0
-            to: 200
-            origin: 100
-            value: App.spatial.widthPercent
-            valueText: qsTr("%1 %").arg(Format.fixed(value, 0))
-            defaultValue: 100
-            onMoved: value => App.spatial.widthPercent = value
+            setting: App.setting("widthPercent")
         }
     }
     EffectCard {
         Layout.fillWidth: true
         name: qsTr("Reverb")
         description: qsTr("Room Ambience")
-        readout: Format.fixed(App.spatial.reverbMix, 0)
+        readout: Format.fixed(App.setting("reverbMix").value, 0)
         readoutUnit: qsTr("% wet")
-        level: App.spatial.reverbMix / 60
-        on: App.spatial.reverbEnabled
+        level: App.setting("reverbMix").position
+        on: App.setting("reverbEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Reverb)
-        onSwitched: App.spatial.reverbEnabled = !App.spatial.reverbEnabled
+        onSwitched: App.setting("reverbEnabled").toggle()
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Reverb)
 
         StageParam {
-            label: qsTr("Wet Mix")
-            from: 0
-            to: 60
-            value: App.spatial.reverbMix
-            valueText: qsTr("%1 %").arg(Format.fixed(value, 0))
-            defaultValue: 15
-            onMoved: value => App.spatial.reverbMix = value
+            setting: App.setting("reverbMix")
         }
         RowLayout {
             Layout.fillWidth: true
@@ -111,11 +85,11 @@ ScreenPage {
             }
             DotComboBox {
                 Layout.preferredWidth: 26 * Theme.unit
-                model: App.spatial.reverbPresetTitles
-                currentIndex: App.spatial.reverbPresetIndex
-                accessibleName: qsTr("Reverb, %1").arg(qsTr("Preset"))
+                model: App.settings.reverbPresetTitles
+                currentIndex: App.setting("reverbPreset").value
+                accessibleName: App.setting("reverbPreset").name
                 Accessible.description: displayText
-                onActivated: index => App.spatial.reverbPresetIndex = index
+                onActivated: index => App.setting("reverbPreset").value = index
             }
         }
     }
@@ -123,51 +97,30 @@ ScreenPage {
         Layout.fillWidth: true
         name: qsTr("Voice Clarity")
         description: qsTr("Presence and mud cut")
-        readout: Format.fixed(App.spatial.voiceAmount, 0)
-        level: App.spatial.voiceAmount / 100
-        on: App.spatial.voiceEnabled
+        readout: Format.fixed(App.setting("voiceAmount").value, 0)
+        level: App.setting("voiceAmount").position
+        on: App.setting("voiceEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Voice)
-        onSwitched: App.spatial.voiceEnabled = !App.spatial.voiceEnabled
+        onSwitched: App.setting("voiceEnabled").toggle()
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Voice)
 
         StageParam {
-            label: qsTr("Amount")
-            accessibleContext: qsTr("Voice Clarity")
-            from: 0
-            to: 100
-            value: App.spatial.voiceAmount
-            valueText: Format.fixed(value, 0)
-            defaultValue: 100
-            onMoved: value => App.spatial.voiceAmount = value
+            setting: App.setting("voiceAmount")
         }
         StageParam {
-            label: qsTr("Presence @ 3 kHz")
-            from: 0
-            to: 6
-            stepSize: 0.1
-            value: App.spatial.voicePresenceGainDB
-            valueText: Format.signedDecibels(value)
-            defaultValue: 3
-            onMoved: value => App.spatial.voicePresenceGainDB = value
+            setting: App.setting("voicePresenceGainDB")
         }
         StageParam {
-            label: qsTr("Mud cut @ 300 Hz")
-            from: 0
-            to: 4
-            stepSize: 0.1
-            value: App.spatial.voiceMudCutDB
-            valueText: qsTr("%1 dB").arg(Format.fixed(value, 1))
-            defaultValue: 2.5
-            onMoved: value => App.spatial.voiceMudCutDB = value
+            setting: App.setting("voiceMudCutDB")
         }
         RowLayout {
             Layout.fillWidth: true
 
             SwitchRow {
                 Layout.leftMargin: 7 * Theme.unit
-                label: qsTr("Adaptive scaling (experimental)")
-                checked: App.spatial.voiceAdaptiveEnabled
-                onToggled: App.spatial.voiceAdaptiveEnabled = !App.spatial.voiceAdaptiveEnabled
+                label: App.setting("voiceAdaptiveEnabled").label
+                checked: App.setting("voiceAdaptiveEnabled").on
+                onToggled: App.setting("voiceAdaptiveEnabled").toggle()
             }
             Item {
                 Layout.fillWidth: true
@@ -184,51 +137,30 @@ ScreenPage {
         Layout.fillWidth: true
         name: qsTr("Deep Bass")
         description: qsTr("Harmonic enhancement")
-        readout: Format.fixed(App.spatial.bassAmount, 0)
-        level: App.spatial.bassAmount / 100
-        on: App.spatial.bassEnabled
+        readout: Format.fixed(App.setting("bassAmount").value, 0)
+        level: App.setting("bassAmount").position
+        on: App.setting("bassEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Bass)
-        onSwitched: App.spatial.bassEnabled = !App.spatial.bassEnabled
+        onSwitched: App.setting("bassEnabled").toggle()
         onExpandRequested: screen.expansionRequested(SpatialView.Etaj.Bass)
 
         StageParam {
-            label: qsTr("Amount")
-            accessibleContext: qsTr("Deep Bass")
-            from: 0
-            to: 100
-            value: App.spatial.bassAmount
-            valueText: Format.fixed(value, 0)
-            defaultValue: 50
-            onMoved: value => App.spatial.bassAmount = value
+            setting: App.setting("bassAmount")
         }
         StageParam {
-            label: qsTr("Drive")
-            accessibleContext: qsTr("Deep Bass")
-            from: 1
-            to: 8
-            stepSize: 0.1
-            value: App.spatial.bassDrive
-            valueText: Format.fixed(value, 1)
-            defaultValue: 3
-            onMoved: value => App.spatial.bassDrive = value
+            setting: App.setting("bassDrive")
         }
         StageParam {
-            label: qsTr("Crossover")
-            from: 40
-            to: 150
-            value: App.spatial.bassCrossover
-            valueText: qsTr("%1 Hz").arg(Format.fixed(value, 0))
-            defaultValue: 80
-            onMoved: value => App.spatial.bassCrossover = value
+            setting: App.setting("bassCrossover")
         }
         RowLayout {
             Layout.fillWidth: true
 
             SwitchRow {
                 Layout.leftMargin: 7 * Theme.unit
-                label: qsTr("Adaptive — track song’s bass fundamental")
-                checked: App.spatial.bassAdaptiveEnabled
-                onToggled: App.spatial.bassAdaptiveEnabled = !App.spatial.bassAdaptiveEnabled
+                label: App.setting("bassAdaptiveEnabled").label
+                checked: App.setting("bassAdaptiveEnabled").on
+                onToggled: App.setting("bassAdaptiveEnabled").toggle()
             }
             Item {
                 Layout.fillWidth: true
@@ -267,7 +199,7 @@ ScreenPage {
                 DotButton {
                     text: qsTr("Reset")
                     Accessible.description: qsTr("Tone Controls")
-                    onClicked: App.spatial.resetTone()
+                    onClicked: App.settings.resetTone()
                 }
             }
             RowLayout {
@@ -275,21 +207,15 @@ ScreenPage {
 
                 ToneKnob {
                     Layout.fillWidth: true
-                    label: qsTr("Bass")
-                    value: App.spatial.toneBassDB
-                    onMoved: value => App.spatial.toneBassDB = value
+                    setting: App.setting("toneBassDB")
                 }
                 ToneKnob {
                     Layout.fillWidth: true
-                    label: qsTr("Mid")
-                    value: App.spatial.toneMidDB
-                    onMoved: value => App.spatial.toneMidDB = value
+                    setting: App.setting("toneMidDB")
                 }
                 ToneKnob {
                     Layout.fillWidth: true
-                    label: qsTr("Treble")
-                    value: App.spatial.toneTrebleDB
-                    onMoved: value => App.spatial.toneTrebleDB = value
+                    setting: App.setting("toneTrebleDB")
                 }
             }
         }

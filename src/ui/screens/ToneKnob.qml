@@ -7,29 +7,25 @@ import Quorbel.Model
 RowLayout {
     id: tone
 
-    required property string label
-    required property real value
-    signal moved(real value)
-
-    readonly property string valueText: Format.signedDecibels(value)
+    required property Setting setting
 
     spacing: 2 * Theme.unit
 
     ParamKnob {
         id: knob
-        from: -12
-        to: 12
-        stepSize: 0.1
-        origin: 0
-        value: tone.value
-        accessibleName: tone.label
-        valueText: tone.valueText
-        onMoved: tone.moved(value)
-        onResetRequested: tone.moved(0)
+        from: tone.setting.from
+        to: tone.setting.to
+        stepSize: tone.setting.stepSize
+        origin: tone.setting.origin
+        value: tone.setting.value
+        accessibleName: tone.setting.name
+        valueText: tone.setting.text
+        onMoved: tone.setting.value = value
+        onResetRequested: tone.setting.value = tone.setting.defaultValue
     }
     Readout {
-        caption: tone.label
-        value: tone.valueText
+        caption: tone.setting.label
+        value: tone.setting.text
     }
     Item {
         Layout.fillWidth: true

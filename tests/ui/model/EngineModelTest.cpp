@@ -74,8 +74,8 @@ TEST_F(EngineModelTest, ARefusedStartIsAnErrorThatTheNextStartOrStopClears) {
 TEST_F(EngineModelTest, ReadOutsPrintAsTheScreensShowThem) {
     run();
     app->equalizer()->setGlobalGainDB(12);
-    app->mixer()->setManualLoudnessEnabled(true);
-    app->mixer()->setManualLoudnessDB(12);
+    app->setting("manualLoudnessEnabled")->setValue(1);
+    app->setting("manualLoudnessDB")->setValue(12);
     Announcements reductions(model(), &EngineModel::limiterReductionDBChanged);
     EXPECT_EQ(model().reductionText(), "0.0 dB");
     EXPECT_EQ(model().reductionCompactText(), "0 dB red.");
@@ -118,10 +118,10 @@ TEST_F(EngineModelTest, TheSpectrumMovesOnlyWhileItIsSeenAndNoMoreOftenThan30Tim
     clock.advance(1.0);
     EXPECT_EQ(levels.take(), 0);
     spectrum().setVisible(true);
-    app->mixer()->setSpectrumEnabled(false);
+    app->setting("spectrumEnabled")->setValue(0);
     EXPECT_FALSE(spectrum().active());
     EXPECT_EQ(loudest(), 0.0) << "a display that stands still would look like sound";
-    app->mixer()->setSpectrumEnabled(true);
+    app->setting("spectrumEnabled")->setValue(1);
     EXPECT_TRUE(waitForTone());
     model().stop();
     EXPECT_EQ(loudest(), 0.0);

@@ -50,9 +50,9 @@ TEST_F(HistoryModelTest, EveryKindOfChangeIsOneStep) {
     expectOneStep([&] { equalizer.bands()->setBypassed(1, true); });
     expectOneStep([&] { equalizer.resetAll(); });
     expectOneStep([&] { equalizer.setGlobalGainDB(-6); });
-    expectOneStep([&] { app->spatial()->setXtcEnabled(true); });
-    expectOneStep([&] { app->spatial()->setReverbPresetIndex(5); });
-    expectOneStep([&] { app->mixer()->setSaturationDrive(80); });
+    expectOneStep([&] { app->setting("xtcEnabled")->setValue(1); });
+    expectOneStep([&] { app->setting("reverbPreset")->setValue(5); });
+    expectOneStep([&] { app->setting("saturationDrive")->setValue(80); });
     expectOneStep([&] { app->presets()->apply(presetId(9)); });
 }
 
@@ -101,7 +101,7 @@ TEST_F(HistoryModelTest, ApplyingAPresetIsUndoneToThePresetBeforeAndItsName) {
 }
 
 TEST_F(HistoryModelTest, UndoLeavesAloneWhatItsStepDidNotChange) {
-    app->spatial()->setXtcAmount(70);
+    app->setting("xtcAmount")->setValue(70);
     engine().eq().setGlobalGainDB(-5); // not the user's doing
     history().undo();
     EXPECT_EQ(engine().spatial().xtcAmount, 50.0F);
@@ -109,7 +109,7 @@ TEST_F(HistoryModelTest, UndoLeavesAloneWhatItsStepDidNotChange) {
 }
 
 TEST_F(HistoryModelTest, UndoneSettingsAreSavedLikeAnyOther) {
-    app->mixer()->setSaturationDrive(80);
+    app->setting("saturationDrive")->setValue(80);
     pause();
     history().undo();
     clock.advance(0.5);

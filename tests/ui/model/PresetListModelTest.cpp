@@ -57,12 +57,12 @@ TEST_F(PresetListModelTest, TheNameShownFollowsBandsAndSpatialSettings) {
     EXPECT_EQ(names.take(), 1);
     EXPECT_EQ(app->engine()->subtitle(), "48 kHz · 32 ms · Custom");
     EXPECT_EQ(playing(), 9) << "still the one that was applied";
-    app->mixer()->setSaturationDrive(3);
+    app->setting("saturationDrive")->setValue(3);
     app->equalizer()->setGlobalGainDB(1);
     EXPECT_EQ(names.take(), 0) << "presets do not carry these";
     app->equalizer()->bands()->setGain(0, 5);
     EXPECT_EQ(presets().activeName(), "Bass Heavy");
-    app->spatial()->setBassDrive(1);
+    app->setting("bassDrive")->setValue(1);
     EXPECT_EQ(presets().activeName(), "Custom");
 }
 

@@ -5,10 +5,11 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QMetaProperty>
 
 #include <filesystem>
+#include <iterator>
 #include <limits>
+#include <string>
 
 namespace quorbel::testing {
 namespace {
@@ -19,76 +20,71 @@ class SettingsModelsTest : public ModelTest {
         return QJsonDocument::fromJson(QByteArray::fromStdString(encodeRecord(record))).object();
     }
 
-    /// Writes every property that is named like a field, and expects exactly that field to change,
-    /// to what was written, and the property to show it.
-    template <typename Read> void expectOnePropertyPerField(QObject &model, const Read &record) {
-        const QStringList names = fields(record()).keys();
-        for (const QString &name : names) {
-            const int index = model.metaObject()->indexOfProperty(qPrintable(name));
-            ASSERT_GE(index, 0) << qPrintable(name);
-            const QMetaProperty property = model.metaObject()->property(index);
+    /// Writes every setting, and expects exactly the field of its key to change, and the setting to
+    /// show what was written.
+    void expectOneFieldPerRow(const auto &rows, const auto &record) {
+        EXPECT_EQ(fields(record()).size(), static_cast<qsizetype>(std::size(rows)));
+        for (const auto &row : rows) {
+            SCOPED_TRACE(std::string(row.key));
+            const QString name = QString::fromStdString(std::string(row.key));
+            SettingModel &setting = *app->setting(name);
             const QJsonObject before = fields(record());
-            const QVariant was = property.read(&model);
-            const bool isSwitch = was.typeId() == QMetaType::Bool;
-            const QVariant next = isSwitch ? QVariant(!was.toBool()) : was.toDouble() + 1.0;
-            ASSERT_TRUE(property.write(&model, next)) << qPrintable(name);
-            EXPECT_EQ(property.read(&model).toDouble(), next.toDouble()) << qPrintable(name);
-
-            QJsonObject expected = before;
+            const double next = setting.isOn() ? setting.value() - 1.0 : setting.value() + 1.0;
+            setting.setValue(next);
+            EXPECT_EQ(setting.value(), next);
             const QJsonObject after = fields(record());
-            if (isSwitch)
-                expected[name] = next.toBool();
-            else if (before[name].isDouble())
-                expected[name] = after[name]; // shown above
-            else
-                expected[name] = QStringLiteral("mediumRoom");
-            EXPECT_EQ(after, expected) << qPrintable(name);
-            EXPECT_NE(after, before) << qPrintable(name);
+            QJsonObject expected = before;
+            expected[name] = after[name];
+            EXPECT_EQ(after, expected);
+            EXPECT_NE(after, before);
+            if (after[name].isDouble()) {
+                EXPECT_EQ(after[name].toDouble(), next);
+            }
         }
     }
 };
 
-TEST_F(SettingsModelsTest, EveryFieldHasItsOwnProperty) {
-    expectOnePropertyPerField(*app->spatial(), [&] { return engine().spatial(); });
-    expectOnePropertyPerField(*app->mixer(), [&] { return engine().mixer(); });
+TEST_F(SettingsModelsTest, EverySettingIsOneField) {
+    expectOneFieldPerRow(spatialSettings, [&] { return engine().spatial(); });
+    expectOneFieldPerRow(mixerSettings, [&] { return engine().mixer(); });
 }
 
 TEST_F(SettingsModelsTest, ValuesAreRoundedSoThatFilesKeepShortDecimals) {
-    app->mixer()->setLimiterThresholdDB(-0.1 - 0.2);
+    app->setting("limiterThresholdDB")->setValue(-0.1 - 0.2);
     EXPECT_EQ(engine().mixer().limiterThresholdDB, -0.3F);
-    EXPECT_EQ(app->mixer()->limiterThresholdDB(), -0.3);
-    app->spatial()->setToneBassDB(-1e-9);
-    EXPECT_FALSE(std::signbit(app->spatial()->toneBassDB()));
+    EXPECT_EQ(app->setting("limiterThresholdDB")->value(), -0.3);
+    app->setting("toneBassDB")->setValue(-1e-9);
+    EXPECT_FALSE(std::signbit(app->setting("toneBassDB")->value()));
 }
 
 TEST_F(SettingsModelsTest, WhatIsNoValueIsIgnored) {
     const Announcements spatial(engine(), &AudioEngine::spatialChanged);
     const SpatialConfig before = engine().spatial();
-    app->spatial()->setXtcAmount(std::numeric_limits<double>::quiet_NaN());
-    app->spatial()->setXtcAmount(std::numeric_limits<double>::infinity());
-    app->spatial()->setReverbPresetIndex(7);
-    app->spatial()->setReverbPresetIndex(-1);
+    app->setting("xtcAmount")->setValue(std::numeric_limits<double>::quiet_NaN());
+    app->setting("xtcAmount")->setValue(std::numeric_limits<double>::infinity());
+    app->setting("reverbPreset")->setValue(7);
+    app->setting("reverbPreset")->setValue(-1);
     EXPECT_EQ(engine().spatial(), before);
 }
 
 TEST_F(SettingsModelsTest, ToneResetLeavesEverythingElse) {
-    app->spatial()->setXtcAmount(70);
+    app->setting("xtcAmount")->setValue(70);
     const SpatialConfig before = engine().spatial();
-    app->spatial()->setToneBassDB(3);
-    app->spatial()->setToneMidDB(-2);
-    app->spatial()->setToneTrebleDB(1);
-    app->spatial()->resetTone();
+    app->setting("toneBassDB")->setValue(3);
+    app->setting("toneMidDB")->setValue(-2);
+    app->setting("toneTrebleDB")->setValue(1);
+    app->settings()->resetTone();
     EXPECT_EQ(engine().spatial(), before);
 }
 
 TEST_F(SettingsModelsTest, SwitchingAStageOffKeepsItsValues) {
-    app->spatial()->setBassEnabled(true);
-    app->spatial()->setBassDrive(5);
-    EXPECT_EQ(app->spatial()->enabledCount(), 1);
-    app->spatial()->setBassEnabled(false);
-    EXPECT_EQ(app->spatial()->enabledCount(), 0);
-    EXPECT_EQ(app->spatial()->bassDrive(), 5);
-    EXPECT_THAT(app->spatial()->reverbPresetTitles(),
+    app->setting("bassEnabled")->setValue(1);
+    app->setting("bassDrive")->setValue(5);
+    EXPECT_EQ(app->settings()->spatialStagesOn(), 1);
+    app->setting("bassEnabled")->setValue(0);
+    EXPECT_EQ(app->settings()->spatialStagesOn(), 0);
+    EXPECT_EQ(app->setting("bassDrive")->value(), 5);
+    EXPECT_THAT(app->settings()->reverbPresetTitles(),
                 ::testing::AllOf(::testing::SizeIs(7), ::testing::Contains("Medium Hall")));
 }
 
@@ -102,7 +98,7 @@ TEST_F(SettingsModelsTest, BadgesFollow) {
     EXPECT_EQ(badge("devices"), "2 found");
     EXPECT_EQ(badge("setup"), "");
     Announcements changes(navigation, &NavigationModel::dataChanged);
-    app->mixer()->setLimiterEnabled(false);
+    app->setting("limiterEnabled")->setValue(0);
     EXPECT_EQ(changes.take(), 1) << "only the badge that has changed";
     EXPECT_EQ(badge("limiter"), "off");
     app->presets()->save("Mine");

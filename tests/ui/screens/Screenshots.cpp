@@ -139,19 +139,19 @@ const Picture pictures[] = {
     {"spatial-stopped", [](Stage &stage) { stage.open("spatial"); }},
     {"spatial-expanded",
      [](Stage &stage) {
-         stage.app().spatial()->setXtcEnabled(true);
-         stage.app().spatial()->setVoiceEnabled(true);
-         stage.app().spatial()->setVoiceAdaptiveEnabled(true);
+         stage.app().setting("xtcEnabled")->setValue(1);
+         stage.app().setting("voiceEnabled")->setValue(1);
+         stage.app().setting("voiceAdaptiveEnabled")->setValue(1);
          stage.open("spatial");
          stage.startWithMusic();
          stage.openCards({0, 3});
      }},
     {"spatial-expanded-end",
      [](Stage &stage) {
-         stage.app().spatial()->setBassEnabled(true);
-         stage.app().spatial()->setBassAdaptiveEnabled(true);
-         stage.app().spatial()->setToneBassDB(3.0);
-         stage.app().spatial()->setToneTrebleDB(-4.5);
+         stage.app().setting("bassEnabled")->setValue(1);
+         stage.app().setting("bassAdaptiveEnabled")->setValue(1);
+         stage.app().setting("toneBassDB")->setValue(3.0);
+         stage.app().setting("toneTrebleDB")->setValue(-4.5);
          stage.open("spatial");
          stage.startWithMusic();
          stage.openCards({2, 4});
@@ -159,7 +159,7 @@ const Picture pictures[] = {
      }},
     {"mixer-running",
      [](Stage &stage) {
-         stage.app().mixer()->setSaturationEnabled(true);
+         stage.app().setting("saturationEnabled")->setValue(1);
          stage.open("mixer");
          stage.startWithMusic();
      }},
@@ -175,8 +175,8 @@ const Picture pictures[] = {
      }},
     {"limiter-running",
      [](Stage &stage) {
-         stage.app().mixer()->setAutoGainEnabled(true);
-         stage.app().mixer()->setLimiterThresholdDB(-6.0);
+         stage.app().setting("autoGainEnabled")->setValue(1);
+         stage.app().setting("limiterThresholdDB")->setValue(-6.0);
          stage.app().equalizer()->setGlobalGainDB(6.0);
          stage.open("limiter");
          stage.startWithMusic();

@@ -24,24 +24,24 @@ ScreenTest {
 
     function test_every_control_writes_its_field_within_its_range_data() {
         return [
-            ["XTC Amount", "spatial", "xtcAmount", 0, 100],
-            ["Head-width Notch", "spatial", "xtcNotchFrequency", 500, 8000],
-            ["Width", "spatial", "widthPercent", 0, 200],
-            ["Wet Mix", "spatial", "reverbMix", 0, 60],
+            ["XTC Shuffler, XTC Amount", "spatial", "xtcAmount", 0, 100],
+            ["XTC Shuffler, Head-width Notch", "spatial", "xtcNotchFrequency", 500, 8000],
+            ["Stereo Widening, Width", "spatial", "widthPercent", 0, 200],
+            ["Reverb, Wet Mix", "spatial", "reverbMix", 0, 60],
             ["Voice Clarity, Amount", "spatial", "voiceAmount", 0, 100],
-            ["Presence @ 3 kHz", "spatial", "voicePresenceGainDB", 0, 6],
-            ["Mud cut @ 300 Hz", "spatial", "voiceMudCutDB", 0, 4],
+            ["Voice Clarity, Presence @ 3 kHz", "spatial", "voicePresenceGainDB", 0, 6],
+            ["Voice Clarity, Mud cut @ 300 Hz", "spatial", "voiceMudCutDB", 0, 4],
             ["Deep Bass, Amount", "spatial", "bassAmount", 0, 100],
             ["Deep Bass, Drive", "spatial", "bassDrive", 1, 8],
-            ["Crossover", "spatial", "bassCrossover", 40, 150],
-            ["Bass", "spatial", "toneBassDB", -12, 12],
-            ["Mid", "spatial", "toneMidDB", -12, 12],
-            ["Treble", "spatial", "toneTrebleDB", -12, 12],
+            ["Deep Bass, Crossover", "spatial", "bassCrossover", 40, 150],
+            ["Tone Controls, Bass", "spatial", "toneBassDB", -12, 12],
+            ["Tone Controls, Mid", "spatial", "toneMidDB", -12, 12],
+            ["Tone Controls, Treble", "spatial", "toneTrebleDB", -12, 12],
             ["Saturation, Drive", "mixer", "saturationDrive", 0, 100],
             ["Crossfeed, Amount", "mixer", "crossfeedAmount", 0, 100],
-            ["Threshold", "limiter", "limiterThresholdDB", -12, 0],
-            ["Target", "limiter", "autoGainTargetDB", -30, -6],
-            ["Trim", "limiter", "manualLoudnessDB", -12, 12]
+            ["Master Limiter, Threshold", "limiter", "limiterThresholdDB", -12, 0],
+            ["Auto-Gain, Target", "limiter", "autoGainTargetDB", -30, -6],
+            ["Manual Loudness, Trim", "limiter", "manualLoudnessDB", -12, 12]
         ].map(([label, screen, field, from, to]) => ({ tag: label, screen, field, from, to }));
     }
     function test_every_control_writes_its_field_within_its_range(data) {
@@ -49,15 +49,15 @@ ScreenTest {
             openCards();
         else
             open(data.screen);
-        const model = data.screen === "spatial" ? App.spatial : App.mixer;
+        const setting = App.setting(data.field);
         const control = Assistive.has(data.tag, "Dial") ? Assistive.find(data.tag, "Dial") : Assistive.find(data.tag, "Slider");
         compare(control.from, data.from);
         compare(control.to, data.to);
-        compare(control.value, model[data.field]);
+        compare(control.value, setting.value);
         setValue(data.tag, data.to);
-        compare(model[data.field], data.to);
+        compare(setting.value, data.to);
         setValue(data.tag, data.from);
-        compare(model[data.field], data.from);
+        compare(setting.value, data.from);
         App.history.undo();
     }
 
@@ -79,15 +79,15 @@ ScreenTest {
             openCards();
         else
             open(data.screen);
-        const model = data.screen === "spatial" ? App.spatial : App.mixer;
-        const before = model[data.field];
+        const setting = App.setting(data.field);
+        const before = setting.on;
         compare(Assistive.find(data.tag, "CheckBox").checked, before);
         press(data.tag, "CheckBox");
-        compare(model[data.field], !before);
+        compare(setting.on, !before);
         compare(Assistive.find(data.tag, "CheckBox").checked, !before);
         verify(Assistive.focus(data.tag, "CheckBox"));
         keyClick(Qt.Key_Space);
-        compare(model[data.field], before);
+        compare(setting.on, before);
     }
 
     function test_open_cards_stay_open_and_close() {
@@ -105,31 +105,31 @@ ScreenTest {
 
     function test_reverb_preset() {
         openCards();
-        compare(Assistive.find("Reverb, Preset", "ComboBox").description, App.spatial.reverbPresetTitles[0]);
+        compare(Assistive.find("Reverb, Preset", "ComboBox").description, App.settings.reverbPresetTitles[0]);
         verify(Assistive.focus("Reverb, Preset", "ComboBox"));
         keyClick(Qt.Key_Down);
-        compare(App.spatial.reverbPresetIndex, 1);
-        compare(App.spatial.reverbPresetTitles.length, 7);
+        compare(App.setting("reverbPreset").value, 1);
+        compare(App.settings.reverbPresetTitles.length, 7);
     }
 
     function test_tone_reset_is_of_the_tone_alone() {
         open("spatial");
-        App.spatial.toneBassDB = 3;
-        App.spatial.toneMidDB = -2;
-        App.spatial.toneTrebleDB = 1;
-        App.spatial.widthPercent = 140;
+        App.setting("toneBassDB").value = 3;
+        App.setting("toneMidDB").value = -2;
+        App.setting("toneTrebleDB").value = 1;
+        App.setting("widthPercent").value = 140;
         settle();
         verify(Assistive.has("Bass +3.0 dB"));
         press("Reset", "Button");
-        compare([App.spatial.toneBassDB, App.spatial.toneMidDB, App.spatial.toneTrebleDB], [0, 0, 0]);
-        compare(App.spatial.widthPercent, 140);
+        compare([App.setting("toneBassDB").value, App.setting("toneMidDB").value, App.setting("toneTrebleDB").value], [0, 0, 0]);
+        compare(App.setting("widthPercent").value, 140);
     }
 
     function test_mixer_texts() {
         open("mixer");
         compareTexts(["Mixer", "Colour stages", "0 on", "Analog warmth · tanh",
             "Saturation adds harmonics by soft-clipping; crossfeed bleeds a delayed copy of each channel into the other ear, the way speakers do. Both are off by default."]);
-        App.mixer.saturationEnabled = true;
+        App.setting("saturationEnabled").value = 1;
         verify(Assistive.has("1 on"));
     }
 
@@ -137,7 +137,7 @@ ScreenTest {
         open("limiter");
         compareTexts(["Limiter & gain", "Level stages", "1 on", "Peak protection", "Limiter on at -0.3 dBFS",
             "Gain reduction 0.0 dB", "Applied gain +0.0 dB"]);
-        App.mixer.limiterEnabled = false;
+        App.setting("limiterEnabled").value = 0;
         compareTexts(["Limiter off — a positive trim can clip", "0 on"]);
         compare(Assistive.find("Limiter & gain", "ListItem").description, "off");
     }
@@ -150,9 +150,9 @@ ScreenTest {
         for (let x = 30; x < 200; x += 10)
             mouseMove(slider, x, slider.height / 2);
         mouseRelease(slider, 200, slider.height / 2);
-        verify(App.mixer.saturationDrive !== 30);
+        verify(App.setting("saturationDrive").value !== 30);
         App.history.undo();
-        compare(App.mixer.saturationDrive, 30);
+        compare(App.setting("saturationDrive").value, 30);
         verify(!App.history.canUndo);
     }
 }

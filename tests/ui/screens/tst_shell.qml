@@ -180,10 +180,10 @@ ScreenTest {
         } while (focusedName() !== "Start" && visited.length < bound);
         verify(visited.length < bound, "the way of the Tab key does not end: " + visited.slice(0, 30).join(", "));
         const needed = { equalizer: ["Reset all bands", "Global", "Band 1 gain", "Band 1 frequency", "Band 1 Q", "Band 1 type", "Band 1 bypass"],
-            spatial: ["XTC Shuffler", "All controls", "Bass", "Treble", "Reset"],
+            spatial: ["XTC Shuffler", "All controls", "Tone Controls, Bass", "Tone Controls, Treble", "Reset"],
             mixer: ["Saturation", "Saturation, Drive", "Crossfeed, Amount"],
             devices: ["Refresh", "USB headphones", "Spectrum analyzer (visual only)"],
-            limiter: ["Master Limiter", "Threshold", "Target", "Trim"],
+            limiter: ["Master Limiter", "Master Limiter, Threshold", "Auto-Gain, Target", "Manual Loudness, Trim"],
             presetsAll: ["Import…", "Save current…", "Apply"], presetsFactory: ["Apply"] }[data.tag] ?? [];
         for (const name of needed)
             verify(visited.includes(name), "not on the way: " + name + " (" + visited.join(", ") + ")");

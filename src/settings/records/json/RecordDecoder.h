@@ -111,7 +111,7 @@ void decode(const nlohmann::json &json, const CodingPath &path, Record &value) {
         const CodingPath fieldPath = path.key(field.key);
         const auto found = json.find(field.key);
         if (found != json.end() && !found->is_null())
-            decode(*found, fieldPath, value.*field.member);
+            visitMember(field, [&](auto member) { decode(*found, fieldPath, value.*member); });
         else if (field.presence == Presence::required)
             throw DecodingError(fieldPath.text(), found == json.end() ? "required, but missing"
                                                                       : "required, but null");

@@ -78,13 +78,15 @@ void encode(std::string &json, const CodingPath &path, const Record &value) {
         separator = ",";
         encode(json, path.key(key), fieldValue);
     };
-    const auto encodeField = [&]<class Value>(const Field<Record, Value> &field) {
-        if constexpr (requires { (value.*field.member).has_value(); }) {
-            if ((value.*field.member).has_value())
-                encodeValue(field.key, *(value.*field.member));
-        } else {
-            encodeValue(field.key, value.*field.member);
-        }
+    const auto encodeField = [&](const auto &field) {
+        visitMember(field, [&](auto member) {
+            if constexpr (requires { (value.*member).has_value(); }) {
+                if ((value.*member).has_value())
+                    encodeValue(field.key, *(value.*member));
+            } else {
+                encodeValue(field.key, value.*member);
+            }
+        });
     };
     std::apply([&](const auto &...field) { (encodeField(field), ...); }, RecordFields<Record>::all);
     json += '}';

@@ -2,18 +2,19 @@
 
 #include "settings/records/OutputChoice.h"
 #include "settings/records/Persisted.h"
+#include "settings/records/SettingSchema.h"
 
+#include <array>
 #include <string_view>
 #include <tuple>
 #include <utility>
+#include <variant>
 
 // The form of every record in JSON, as tables that the reader and the writer both walk: the keys in
 // the order in which they are written, and whether a file must have them. An optional key that is
 // missing leaves the value of a default-made record.
 
 namespace quorbel {
-
-enum class Presence { required, optional };
 
 template <class Record, class Value> struct Field {
     std::string_view key;
@@ -31,7 +32,17 @@ constexpr Field<Record, Value> optional(std::string_view key, Value Record::*mem
     return {key, member, Presence::optional};
 }
 
-/// Specialised below for every record: `all`, a tuple of fields.
+/// Calls `use` with the field's pointer to member.
+template <class Record, class Value>
+constexpr void visitMember(const Field<Record, Value> &field, const auto &use) {
+    use(field.member);
+}
+template <class Record>
+constexpr void visitMember(const Setting<Record> &setting, const auto &use) {
+    std::visit(use, setting.field);
+}
+
+/// Specialised below for every record: `all`, a tuple or an array of fields.
 template <class Record> struct RecordFields;
 
 /// Specialised below for every enumeration: `kind`, as error texts call it, and `all`, its values
@@ -79,47 +90,11 @@ template <> struct RecordFields<EQBand> {
 };
 
 template <> struct RecordFields<MixerConfig> {
-    static constexpr auto all =
-        std::make_tuple(optional("tempoChainEnabled", &MixerConfig::tempoChainEnabled),
-                        optional("tempoRate", &MixerConfig::tempoRate),
-                        optional("pitchSemitones", &MixerConfig::pitchSemitones),
-                        optional("saturationEnabled", &MixerConfig::saturationEnabled),
-                        optional("saturationDrive", &MixerConfig::saturationDrive),
-                        optional("crossfeedEnabled", &MixerConfig::crossfeedEnabled),
-                        optional("crossfeedAmount", &MixerConfig::crossfeedAmount),
-                        optional("limiterEnabled", &MixerConfig::limiterEnabled),
-                        optional("limiterThresholdDB", &MixerConfig::limiterThresholdDB),
-                        optional("autoGainEnabled", &MixerConfig::autoGainEnabled),
-                        optional("autoGainTargetDB", &MixerConfig::autoGainTargetDB),
-                        optional("manualLoudnessEnabled", &MixerConfig::manualLoudnessEnabled),
-                        optional("manualLoudnessDB", &MixerConfig::manualLoudnessDB),
-                        optional("spectrumEnabled", &MixerConfig::spectrumEnabled));
+    static constexpr auto all = std::to_array(mixerSettings);
 };
 
-// Bass, voice and tone came later than the first eight, so older files lack them.
 template <> struct RecordFields<SpatialConfig> {
-    static constexpr auto all =
-        std::make_tuple(required("widenerEnabled", &SpatialConfig::widenerEnabled),
-                        required("widthPercent", &SpatialConfig::widthPercent),
-                        required("xtcEnabled", &SpatialConfig::xtcEnabled),
-                        required("xtcAmount", &SpatialConfig::xtcAmount),
-                        required("xtcNotchFrequency", &SpatialConfig::xtcNotchFrequency),
-                        required("reverbEnabled", &SpatialConfig::reverbEnabled),
-                        required("reverbMix", &SpatialConfig::reverbMix),
-                        required("reverbPreset", &SpatialConfig::reverbPreset),
-                        optional("bassEnabled", &SpatialConfig::bassEnabled),
-                        optional("bassAmount", &SpatialConfig::bassAmount),
-                        optional("bassDrive", &SpatialConfig::bassDrive),
-                        optional("bassCrossover", &SpatialConfig::bassCrossover),
-                        optional("bassAdaptiveEnabled", &SpatialConfig::bassAdaptiveEnabled),
-                        optional("voiceEnabled", &SpatialConfig::voiceEnabled),
-                        optional("voiceAmount", &SpatialConfig::voiceAmount),
-                        optional("voicePresenceGainDB", &SpatialConfig::voicePresenceGainDB),
-                        optional("voiceMudCutDB", &SpatialConfig::voiceMudCutDB),
-                        optional("voiceAdaptiveEnabled", &SpatialConfig::voiceAdaptiveEnabled),
-                        optional("toneBassDB", &SpatialConfig::toneBassDB),
-                        optional("toneMidDB", &SpatialConfig::toneMidDB),
-                        optional("toneTrebleDB", &SpatialConfig::toneTrebleDB));
+    static constexpr auto all = std::to_array(spatialSettings);
 };
 
 template <> struct RecordFields<Preset> {
