@@ -340,6 +340,10 @@ void PrivateSoundServer::pause() const { pipewire_->signal(SIGSTOP); }
 
 void PrivateSoundServer::resume() const { pipewire_->signal(SIGCONT); }
 
+void PrivateSoundServer::pauseSessionManager() const { sessionManager_->signal(SIGSTOP); }
+
+void PrivateSoundServer::resumeSessionManager() const { sessionManager_->signal(SIGCONT); }
+
 void PrivateSoundServer::holdUp(double seconds) const {
     pause();
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));

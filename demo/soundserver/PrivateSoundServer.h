@@ -83,6 +83,10 @@ class PrivateSoundServer {
     void pause() const;
     void resume() const;
 
+    /// The same for the session manager. Clients that bind its metadata meanwhile wait for it.
+    void pauseSessionManager() const;
+    void resumeSessionManager() const;
+
     /// The machine does not get round to the server for so long.
     void holdUp(double seconds) const;
 

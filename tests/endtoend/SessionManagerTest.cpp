@@ -1,4 +1,5 @@
 #include "endtoend/LiveTest.h"
+#include "support/soundserver/HastyClient.h"
 
 namespace quorbel {
 namespace {
@@ -34,6 +35,20 @@ TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
         ASSERT_TRUE(soonHears(speakers, Heard::processed));
         EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live); }));
     }
+}
+
+/// A client that leaves while it binds the session manager's metadata makes the server keep all
+/// later changes to itself: the default device, and where users move applications.
+using LostChanges = LiveTest;
+
+TEST_F(LostChanges, AreFollowedAllTheSame) {
+    const Recorder hdmi(client, "hdmi", 60.0);
+    playSequence();
+    const auto live = startLive(twelveDBLower());
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    bindMetadataAndLeave(server);
+    server.setDefaultDevice("hdmi");
+    EXPECT_TRUE(soonHears(hdmi, Heard::processed, 4.0));
 }
 
 } // namespace

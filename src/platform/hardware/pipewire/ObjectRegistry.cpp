@@ -54,36 +54,20 @@ struct ObjectRegistry::BoundDevice {
     Hook hook;
 };
 
-/// A binding of a metadata table.
-struct ObjectRegistry::BoundMetadata {
+/// The "settings" metadata table, bound.
+struct ObjectRegistry::Settings {
     std::uint32_t id;
-    std::uint32_t version;
     Proxy<pw_metadata> proxy;
     Hook hook;
-    std::map<std::pair<std::uint32_t, std::string>, MetadataValue> values;
-    /// Told of each change; null while the values are being collected.
-    ObjectRegistry *listener = nullptr;
+    std::map<std::string, std::string, std::less<>> values; ///< of subject 0
 
-    int propertyChanged(std::uint32_t subject, const char *key, const char *type,
-                        const char *value) {
-        if (key == nullptr) { // everything about the subject is gone
-            std::vector<std::string> keys;
-            for (const auto &[where, _] : values)
-                if (where.first == subject)
-                    keys.push_back(where.second);
-            for (const std::string &each : keys)
-                propertyChanged(subject, each.c_str(), nullptr, nullptr);
+    int propertyChanged(std::uint32_t subject, const char *key, const char *value) {
+        if (subject != 0 || key == nullptr)
             return 0;
-        }
-        std::optional<MetadataValue> now;
-        if (value != nullptr) {
-            now = MetadataValue{type != nullptr ? type : "", value};
-            values[{subject, key}] = *now;
-        } else {
-            values.erase({subject, key});
-        }
-        if (listener != nullptr)
-            listener->changeMetadata(subject, key, now);
+        if (value != nullptr)
+            values[key] = value;
+        else
+            values.erase(key);
         return 0;
     }
 };
@@ -175,89 +159,55 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
         pw_device_add_listener(bound->proxy.get(), bound->hook.get(), &events, bound.get());
         devices_[id] = std::move(bound);
     } else if (std::strcmp(type, PW_TYPE_INTERFACE_Metadata) == 0) {
-        bindMetadata(id, version, propertyValue(properties, PW_KEY_METADATA_NAME));
+        const std::string &name = propertyValue(properties, PW_KEY_METADATA_NAME);
+        if (name == "settings") {
+            bindSettings(id, version);
+        } else if (name == "default") {
+            objects_.setHasMetadata(false);
+            objects_.clearMetadata();
+            sessionMetadata_ =
+                std::make_unique<SessionMetadata>(connection_, registry_.get(), id, version, *this);
+        }
+    } else if (std::strcmp(type, PW_TYPE_INTERFACE_Client) == 0) {
+        clients_.insert(id);
     }
 }
 
-std::unique_ptr<ObjectRegistry::BoundMetadata>
-ObjectRegistry::boundMetadata(std::uint32_t id, std::uint32_t version) {
-    auto bound =
-        std::unique_ptr<BoundMetadata>(new BoundMetadata{id, version, {}, {}, {}, nullptr});
-    bound->proxy.reset(static_cast<pw_metadata *>(
+void ObjectRegistry::bindSettings(std::uint32_t id, std::uint32_t version) {
+    settings_ = std::unique_ptr<Settings>(new Settings{id, {}, {}, {}});
+    settings_->proxy.reset(static_cast<pw_metadata *>(
         pw_registry_bind(registry_.get(), id, PW_TYPE_INTERFACE_Metadata,
                          std::min<std::uint32_t>(version, PW_VERSION_METADATA), 0)));
-    if (!bound->proxy)
-        return nullptr;
+    if (!settings_->proxy)
+        return;
     static const pw_metadata_events events = [] {
         pw_metadata_events table{};
         table.version = PW_VERSION_METADATA_EVENTS;
-        table.property = [](void *self, std::uint32_t subject, const char *key, const char *type,
+        table.property = [](void *self, std::uint32_t subject, const char *key, const char *,
                             const char *value) {
-            return static_cast<BoundMetadata *>(self)->propertyChanged(subject, key, type, value);
+            return static_cast<Settings *>(self)->propertyChanged(subject, key, value);
         };
         return table;
     }();
-    pw_metadata_add_listener(bound->proxy.get(), bound->hook.get(), &events, bound.get());
-    return bound;
+    pw_metadata_add_listener(settings_->proxy.get(), settings_->hook.get(), &events,
+                             settings_.get());
 }
 
-void ObjectRegistry::bindMetadata(std::uint32_t id, std::uint32_t version,
-                                  const std::string &name) {
-    if (name == "settings")
-        settings_ = boundMetadata(id, version);
-    if (name != "default")
-        return;
-    default_ = boundMetadata(id, version);
-    objects_.setHasMetadata(false);
-    objects_.clearMetadata();
-    connection_.afterRoundTrip([weak = std::weak_ptr(self_), id] {
-        const auto self = weak.lock();
-        if (!self)
-            return;
-        ObjectRegistry &registry = **self;
-        if (!registry.default_ || registry.default_->id != id)
-            return;
-        for (const auto &[where, value] : registry.default_->values)
-            registry.objects_.putMetadata(where.first, where.second, value);
-        registry.default_->listener = &registry;
-        registry.objects_.setHasMetadata(true);
-        registry.notify([](ServerObserver &observer) { observer.metadataArrived(); });
-    });
+void ObjectRegistry::metadataArrived() {
+    for (const auto &[where, value] : sessionMetadata_->values())
+        objects_.putMetadata(where.first, where.second, value);
+    objects_.setHasMetadata(true);
+    notify([](ServerObserver &observer) { observer.metadataArrived(); });
 }
 
-void ObjectRegistry::changeMetadata(std::uint32_t subject, const std::string &key,
-                                    const std::optional<MetadataValue> &value) {
+void ObjectRegistry::metadataChanged(std::uint32_t subject, const std::string &key,
+                                     const std::optional<MetadataValue> &value) {
     objects_.putMetadata(subject, key, value);
     notify([&](ServerObserver &observer) { observer.metadataChanged(subject, key, value); });
 }
 
 Status ObjectRegistry::refreshMetadata(double seconds) {
-    if (!default_ || !objects_.hasMetadata())
-        return statusOK;
-    auto fresh = boundMetadata(default_->id, default_->version);
-    if (!fresh)
-        return -ENOENT;
-    writesMeanwhile_.emplace();
-    const Status status = connection_.roundTrip(seconds);
-    const auto writes = *std::exchange(writesMeanwhile_, std::nullopt);
-    if (status != statusOK || !default_ || default_->id != fresh->id)
-        return status;
-    default_ = std::move(fresh);
-    default_->listener = this;
-    auto values = default_->values;
-    for (const auto &[where, value] : writes) {
-        values.erase(where);
-        if (value)
-            values.emplace(where, *value);
-    }
-    for (const auto &[where, value] : values)
-        if (objects_.metadata(where.first, where.second) != value)
-            changeMetadata(where.first, where.second, value);
-    for (const std::uint32_t subject : objects_.metadataSubjects())
-        for (const char *key : {targetObjectKey, targetNodeKey})
-            if (!values.contains({subject, key}) && objects_.metadata(subject, key))
-                changeMetadata(subject, key, std::nullopt);
-    return statusOK;
+    return sessionMetadata_ ? sessionMetadata_->refresh(seconds) : statusOK;
 }
 
 void ObjectRegistry::globalRemoved(std::uint32_t id) {
@@ -272,8 +222,11 @@ void ObjectRegistry::globalRemoved(std::uint32_t id) {
         return;
     } else if (settings_ && settings_->id == id) {
         settings_.reset();
-    } else if (default_ && default_->id == id) {
-        default_.reset();
+    } else if (clients_.erase(id) > 0) {
+        if (sessionMetadata_)
+            sessionMetadata_->clientLeft();
+    } else if (sessionMetadata_ && sessionMetadata_->id() == id) {
+        sessionMetadata_.reset();
         objects_.setHasMetadata(false);
         objects_.clearMetadata();
         notify([](ServerObserver &observer) { observer.metadataGone(); });
@@ -288,29 +241,23 @@ const PropertyMap *ObjectRegistry::deviceProperties(std::uint32_t deviceID) cons
 double ObjectRegistry::setting(std::string_view key) const {
     if (!settings_)
         return 0.0;
-    const auto found = settings_->values.find({0, std::string(key)});
-    return found == settings_->values.end() ? 0.0
-                                            : std::strtod(found->second.value.c_str(), nullptr);
+    const auto found = settings_->values.find(key);
+    return found == settings_->values.end() ? 0.0 : std::strtod(found->second.c_str(), nullptr);
 }
 
 void ObjectRegistry::setMetadata(std::uint32_t subject, const char *key,
                                  const MetadataValue &value) {
-    if (!default_)
+    if (!sessionMetadata_)
         return;
     objects_.putMetadata(subject, key, value);
-    if (writesMeanwhile_)
-        writesMeanwhile_->emplace_back(std::pair(subject, key), value);
-    pw_metadata_set_property(default_->proxy.get(), subject, key, value.type.c_str(),
-                             value.value.c_str());
+    sessionMetadata_->set(subject, key, value);
 }
 
 void ObjectRegistry::deleteMetadata(std::uint32_t subject, const char *key) {
-    if (!default_)
+    if (!sessionMetadata_)
         return;
     objects_.putMetadata(subject, key, std::nullopt);
-    if (writesMeanwhile_)
-        writesMeanwhile_->emplace_back(std::pair(subject, key), std::nullopt);
-    pw_metadata_set_property(default_->proxy.get(), subject, key, nullptr, nullptr);
+    sessionMetadata_->set(subject, key, std::nullopt);
 }
 
 OwnLink ObjectRegistry::createLink(const LinkRequest &request) {

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "platform/hardware/pipewire/ServerConnection.h"
+#include "platform/hardware/pipewire/SessionMetadata.h"
 #include "platform/hardware/routing/ServerCommands.h"
 #include "platform/hardware/routing/ServerObjects.h"
-
-#include <pipewire/extensions/metadata.h>
 
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,7 +17,7 @@ namespace quorbel {
 
 /// Fills a `ServerObjects` with what the sound server tells, and carries out commands: the
 /// translation between the server's library and routing. Everything needs the loop's lock.
-class ObjectRegistry final : public ServerCommands {
+class ObjectRegistry final : public ServerCommands, public SessionMetadata::Listener {
   public:
     explicit ObjectRegistry(ServerConnection &connection);
     ~ObjectRegistry() override;
@@ -32,10 +32,7 @@ class ObjectRegistry final : public ServerCommands {
     /// A number of the "settings" metadata (clock.rate and its like); 0 when it is not there.
     [[nodiscard]] double setting(std::string_view key) const;
 
-    /// Asks for all values of the "default" metadata again; the differences are told to the
-    /// observer. A server of 0.3.65 sends no more of its changes for good once a client has left in
-    /// the middle of binding the table. Waits `seconds` at most; -ETIMEDOUT and the like as
-    /// `ServerConnection::roundTrip`.
+    /// `SessionMetadata::refresh`; done at once without a session manager.
     Status refreshMetadata(double seconds);
 
     void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
@@ -48,16 +45,15 @@ class ObjectRegistry final : public ServerCommands {
   private:
     struct BoundNode;
     struct BoundDevice;
-    struct BoundMetadata;
+    struct Settings;
 
     void globalAdded(std::uint32_t id, const char *type, std::uint32_t version,
                      const spa_dict *properties);
     void globalRemoved(std::uint32_t id);
-    void bindMetadata(std::uint32_t id, std::uint32_t version, const std::string &name);
-    [[nodiscard]] std::unique_ptr<BoundMetadata> boundMetadata(std::uint32_t id,
-                                                               std::uint32_t version);
-    void changeMetadata(std::uint32_t subject, const std::string &key,
-                        const std::optional<MetadataValue> &value);
+    void bindSettings(std::uint32_t id, std::uint32_t version);
+    void metadataArrived() override;
+    void metadataChanged(std::uint32_t subject, const std::string &key,
+                         const std::optional<MetadataValue> &value) override;
     template <typename Call> void notify(Call call);
 
     ServerConnection &connection_;
@@ -67,16 +63,11 @@ class ObjectRegistry final : public ServerCommands {
     Hook registryHook_;
     std::map<std::uint32_t, std::unique_ptr<BoundNode>> nodes_;
     std::map<std::uint32_t, std::unique_ptr<BoundDevice>> devices_;
-    std::unique_ptr<BoundMetadata> default_;
-    std::unique_ptr<BoundMetadata> settings_;
-    /// Our own writes while the values are asked for again; they may be newer than the answer.
-    std::optional<
-        std::vector<std::pair<std::pair<std::uint32_t, std::string>, std::optional<MetadataValue>>>>
-        writesMeanwhile_;
+    std::set<std::uint32_t> clients_;
+    std::unique_ptr<SessionMetadata> sessionMetadata_;
+    std::unique_ptr<Settings> settings_;
     std::map<OwnLink, Proxy<pw_proxy>> ownLinks_;
     OwnLink lastOwnLink_ = 0;
-    /// Ends with the registry: round trips outlive it.
-    std::shared_ptr<ObjectRegistry *> self_ = std::make_shared<ObjectRegistry *>(this);
 };
 
 } // namespace quorbel

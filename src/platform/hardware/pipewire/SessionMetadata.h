@@ -1,0 +1,103 @@
+#pragma once
+
+#include "platform/hardware/pipewire/ServerConnection.h"
+#include "platform/hardware/routing/ServerObjects.h"
+
+#include <pipewire/extensions/metadata.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quorbel {
+
+/// The session manager's "default" metadata table, bound.
+///
+/// Servers lose changes of it (0.3.65 to 1.4 at least). While a client binds the table, the others
+/// are told nothing, and once a client has left in the middle of binding, nobody is told anything
+/// for as long as the session manager runs: the table is deaf. Hence:
+///  1. After the table has come it is read again, because then every client binds it and the
+///     session manager sets its defaults.
+///  2. When a client has left, a value of our own is written. If the server does not tell us of it
+///     within a second, the table is read again, and the next value written.
+///  3. A write of our own that the server does not tell us of is told with the next reading.
+///
+/// Everything needs the loop's lock. [control], `refresh` [main]
+class SessionMetadata {
+  public:
+    using Key = std::pair<std::uint32_t, std::string>; ///< subject and key
+
+    class Listener {
+      public:
+        virtual void metadataArrived() = 0; ///< all values have been received
+        virtual void metadataChanged(std::uint32_t subject, const std::string &key,
+                                     const std::optional<MetadataValue> &value) = 0;
+
+      protected:
+        ~Listener() = default;
+    };
+
+    /// `id` and `version` are the table's in the registry, which must outlive it.
+    SessionMetadata(ServerConnection &connection, pw_registry *registry, std::uint32_t id,
+                    std::uint32_t version, Listener &listener);
+    ~SessionMetadata();
+    SessionMetadata(const SessionMetadata &) = delete;
+    SessionMetadata &operator=(const SessionMetadata &) = delete;
+
+    [[nodiscard]] std::uint32_t id() const { return id_; }
+    [[nodiscard]] const std::map<Key, MetadataValue> &values() const { return values_; }
+
+    /// No value deletes.
+    void set(std::uint32_t subject, const char *key, const std::optional<MetadataValue> &value);
+
+    /// Reads the table again and tells the listener the differences. Waits `seconds` at most;
+    /// statuses as `ServerConnection::roundTrip`.
+    Status refresh(double seconds);
+
+    void clientLeft();
+
+  private:
+    struct Binding;
+    /// A second binding, whose values replace those of the first once they are all there.
+    struct Reading {
+        std::unique_ptr<Binding> binding;
+        /// Our own writes meanwhile, which may be newer than what is read.
+        std::vector<std::pair<Key, std::optional<MetadataValue>>> writes;
+    };
+
+    [[nodiscard]] std::unique_ptr<Binding> bind();
+    void arrived();
+    void changed(const Key &key, const std::optional<MetadataValue> &value);
+    bool beginReading();
+    void endReading();
+    void readAgain();
+    void testHearing();
+    void timerExpired();
+    void armTimer();
+
+    ServerConnection &connection_;
+    pw_registry *registry_;
+    std::uint32_t id_;
+    std::uint32_t version_;
+    Listener &listener_;
+    std::unique_ptr<Binding> binding_;
+    std::map<Key, MetadataValue> values_; ///< with our own writes, told or not
+    bool hasArrived_ = false;
+    std::map<Key, std::optional<MetadataValue>> unheard_; ///< own writes, until we are told
+    std::optional<Reading> reading_;
+    spa_source *timer_ = nullptr;
+
+    std::vector<double> readAt_;        ///< times on the monotonic clock
+    std::optional<double> testAt_;      ///< of the next test of hearing
+    std::optional<double> answerUntil_; ///< of the test under way
+    int lastTest_ = 0;
+
+    /// Ends with the object: round trips outlive it.
+    std::shared_ptr<SessionMetadata *> self_ = std::make_shared<SessionMetadata *>(this);
+};
+
+} // namespace quorbel
