@@ -91,6 +91,9 @@ class RenderClient {
     /// must not be heard when they go on. Never at the same time as `renderCycle`. [control]
     virtual void renderPaused() {}
 
+    /// Cycles come from now on. After a start they do not before this was called. [control]
+    virtual void renderResumed() {}
+
     /// Fills `frames` frames (1 or more) of every buffer of `output`. [render]
     virtual void renderCycle(const AudioBufferList &output, std::uint32_t frames) noexcept = 0;
 };

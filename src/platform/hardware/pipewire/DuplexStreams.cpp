@@ -73,13 +73,15 @@ bool isAudible(const AudioBufferList &list, std::uint32_t frames) noexcept {
 
 } // namespace
 
+std::string schedulingGroup() { return fmt::format("quorbel-{}", getpid()); }
+
 ServerStream::ServerStream(ServerConnection &connection, DuplexPair &pair)
     : connection_(connection), pair_(pair) {}
 
 Status ServerStream::create(pw_direction direction, const char *nodeName, const char *mediaClass,
                             const char *mediaName, const char *targetName, bool isPassive,
                             pw_stream_flags flags) {
-    const std::string group = fmt::format("quorbel-{}", getpid());
+    const std::string group = schedulingGroup();
     pw_properties *properties = pw_properties_new(
         PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CLASS, mediaClass, PW_KEY_MEDIA_NAME, mediaName,
         PW_KEY_NODE_DESCRIPTION, mediaName, PW_KEY_APP_NAME, "Ostrafine", PW_KEY_APP_ID,
@@ -131,9 +133,9 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
 }
 
 void ServerStream::stateChanged(pw_stream_state state, const char * /*error*/) {
-    if (isStreaming_.exchange(state == PW_STREAM_STATE_STREAMING) &&
-        state != PW_STREAM_STATE_STREAMING)
-        paused();
+    const bool isStreaming = state == PW_STREAM_STATE_STREAMING;
+    if (isStreaming_.exchange(isStreaming) != isStreaming)
+        isStreaming ? resumed() : paused();
     if (state == PW_STREAM_STATE_ERROR)
         error_ = -EIO;
     isGone_ = isGone_ || state == PW_STREAM_STATE_ERROR || state == PW_STREAM_STATE_UNCONNECTED;
@@ -340,13 +342,14 @@ void OutStream::paused() {
     client_.set(client);
 }
 
+void OutStream::resumed() {
+    if (RenderClient *client = client_.get())
+        client->renderResumed();
+}
+
 void OutStream::nudge() {
     pw_stream_set_active(stream_.get(), false);
     pw_stream_set_active(stream_.get(), true);
-}
-
-bool OutStream::wasHeardWithin(double seconds) const noexcept {
-    return monotonicSeconds() - lastHeardSeconds_ < seconds;
 }
 
 bool OutStream::isReadyForBlock() const noexcept { return isStreaming_ && !isBlockUnplayed_; }
@@ -385,35 +388,6 @@ void OutStream::process() noexcept {
     }
     finish(stream_.get(), buffer, frames);
     isBlockUnplayed_ = false;
-}
-
-KeepStream::KeepStream(ServerConnection &connection, DuplexPair &pair)
-    : ServerStream(connection, pair) {}
-
-KeepStream::~KeepStream() { stream_.reset(); }
-
-Status KeepStream::connect(const std::string &deviceName) {
-    return create(PW_DIRECTION_OUTPUT, "quorbel.keep", "Stream/Output/Audio/Internal", "Ostrafine",
-                  deviceName.c_str(), false,
-                  PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS |
-                      PW_STREAM_FLAG_RT_PROCESS | PW_STREAM_FLAG_INACTIVE);
-}
-
-void KeepStream::setActive(bool active) {
-    if (isActive_ != active)
-        pw_stream_set_active(stream_.get(), active);
-    isActive_ = active;
-}
-
-void KeepStream::process() noexcept {
-    pw_buffer *buffer = pw_stream_dequeue_buffer(stream_.get());
-    if (buffer == nullptr)
-        return;
-    std::uint32_t frames = cycleFrames();
-    const AudioBufferList list = planes(*buffer, frames, false);
-    for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel)
-        std::fill_n(list.data[channel], frames, 0.0F);
-    finish(stream_.get(), buffer, frames);
 }
 
 } // namespace quorbel

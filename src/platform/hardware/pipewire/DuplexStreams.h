@@ -20,6 +20,9 @@ namespace quorbel {
 class TapStream;
 class OutStream;
 
+/// The group that the server schedules on one device's clock: `node.group` of all our nodes.
+[[nodiscard]] std::string schedulingGroup();
+
 /// What the two streams know of each other. They run in one group of the graph: in each cycle the
 /// tap receives what the applications play and wakes the output, which plays it processed in that
 /// same cycle.
@@ -62,6 +65,7 @@ class ServerStream {
     virtual void process() noexcept = 0;
     virtual void formatChanged() = 0; ///< [control]
     virtual void paused() {}          ///< the graph has stopped running the stream [control]
+    virtual void resumed() {}         ///< it runs the stream from now on [control]
     /// The graph's block length, or 0 while it is unknown. [real-time]
     [[nodiscard]] std::uint32_t cycleFrames() const noexcept;
     /// When the graph's cycle began, which no other began, or 0 while it is unknown. [real-time]
@@ -116,23 +120,6 @@ class TapStream final : public ServerStream {
     std::array<float, maximumBlockFrames> silence_{};
 };
 
-/// Keeps the device running while it is active, by playing silence to it: what an effect holds when
-/// the last application stops is heard to its end.
-class KeepStream final : public ServerStream {
-  public:
-    KeepStream(ServerConnection &connection, DuplexPair &pair);
-    ~KeepStream() override;
-
-    Status connect(const std::string &deviceName);
-    void setActive(bool active);
-
-  private:
-    void process() noexcept override;
-    void formatChanged() override {}
-
-    bool isActive_ = false;
-};
-
 /// Plays what its client renders, when the tap says so.
 class OutStream final : public ServerStream {
   public:
@@ -151,13 +138,15 @@ class OutStream final : public ServerStream {
     /// Makes the stream run in this cycle, inside this call or right after the caller's. [capture]
     void wake() noexcept;
 
-    /// True if anything above the threshold of hearing was played in the last `seconds`.
-    [[nodiscard]] bool wasHeardWithin(double seconds) const noexcept;
+    /// When anything above the threshold of hearing was last played, in seconds on the monotonic
+    /// clock.
+    [[nodiscard]] double lastHeardSeconds() const noexcept { return lastHeardSeconds_; }
 
   private:
     void process() noexcept override;
     void formatChanged() override;
     void paused() override;
+    void resumed() override;
 
     RealtimeSlot<RenderClient> client_;
     std::atomic<bool> isBlockUnplayed_{false};

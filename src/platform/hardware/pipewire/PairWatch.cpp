@@ -26,6 +26,8 @@ void PipeWireHardware::lookSoon() {
 }
 
 void PipeWireHardware::lookAround() {
+    if (output_ != nullptr && !connection_->isLost())
+        output_->followTail();
     if (!router_ || !tap_ || connection_->isLost())
         return;
     bool isDone = !isIORunning_ || output_ == nullptr;

@@ -1,6 +1,10 @@
 #include "platform/hardware/pipewire/PipeWireOutput.h"
 
+#include "platform/hardware/pipewire/SystemTime.h"
+
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <ctime>
 #include <string>
 #include <utility>
@@ -15,7 +19,8 @@ constexpr double linkSeconds = 0.5;
 constexpr double tailSeconds = 2.0;
 /// How often the control side looks at what the real-time side has done.
 constexpr double renderLookSeconds = 0.002;
-constexpr long tailCheckNanoseconds = 200'000'000;
+/// How often the control side looks for sound while something else keeps the device running.
+constexpr double soundLookSeconds = 0.25;
 
 } // namespace
 
@@ -70,25 +75,16 @@ Status PipeWireHardware::Output::start(RenderClient &client) {
         return status;
     }
     client_ = &client;
-    startKeeping();
     hardware_.output_ = this;
     hardware_.lookAround();
     return statusOK;
 }
 
-void PipeWireHardware::Output::startKeeping() {
-    keep_ = std::make_unique<KeepStream>(*hardware_.connection_, hardware_.pair_);
-    if (keep_->connect(startedOn_) == statusOK && tailTimer_ == nullptr)
-        watchTail();
-}
-
 void PipeWireHardware::Output::rebuild() {
-    keep_.reset();
     stream_.reset();
     client_->renderPaused();
     stream_ = std::make_unique<OutStream>(*hardware_.connection_, hardware_.pair_, *client_);
     stream_->connect(startedOn_, {hardware_.graphRate(), 2});
-    startKeeping();
 }
 
 void PipeWireHardware::Output::renderUntil(const std::function<bool()> &condition, double seconds) {
@@ -109,26 +105,57 @@ void PipeWireHardware::Output::stop() {
     if (tailTimer_ != nullptr)
         pw_loop_destroy_source(pw_thread_loop_get_loop(hardware_.connection_->loop()),
                                std::exchange(tailTimer_, nullptr));
-    keep_.reset();
+    hold_.reset();
+    wasStreaming_ = false;
     stream_.reset();
 }
 
-/// Looks now and then whether something is still to be heard out.
-void PipeWireHardware::Output::watchTail() {
+void PipeWireHardware::Output::setHoldsTail(bool holdsTail) {
+    if (!hardware_.connection_)
+        return;
+    const LoopLock lock(hardware_.connection_->loop());
+    holdsTail_ = holdsTail;
+    if (stream_)
+        followTail();
+}
+
+void PipeWireHardware::Output::followTail() {
+    const double now = monotonicSeconds();
+    const bool isStreaming = stream_->isStreaming();
+    if (isStreaming && !std::exchange(wasStreaming_, isStreaming))
+        streamingSince_ = now;
+    wasStreaming_ = isStreaming;
+    if (!holdsTail_) {
+        hold_.reset();
+        setTailTimer(0.0);
+        return;
+    }
+    if (!hold_)
+        hold_ = std::make_unique<DeviceHold>(*hardware_.connection_, *hardware_.registry_);
+    // Held from the first cycle on: once the last application has stopped it is too late.
+    const double left = std::max(stream_->lastHeardSeconds(), streamingSince_) + tailSeconds - now;
+    hold_->setHeld(isStreaming && left > 0.0);
+    if (isStreaming)
+        setTailTimer(left > 0.0 ? left : soundLookSeconds);
+    else
+        setTailTimer(0.0);
+}
+
+/// `seconds` from now; never if 0.
+void PipeWireHardware::Output::setTailTimer(double seconds) {
     pw_loop *loop = pw_thread_loop_get_loop(hardware_.connection_->loop());
-    tailTimer_ = pw_loop_add_timer(
-        loop,
-        [](void *self, std::uint64_t) {
-            auto &output = *static_cast<Output *>(self);
-            if (output.keep_->isGone())
-                output.startKeeping();
-            output.keep_->setActive(output.holdsTail_ &&
-                                    output.stream_->wasHeardWithin(tailSeconds));
-        },
-        this);
-    timespec interval{0, tailCheckNanoseconds};
-    if (tailTimer_ != nullptr)
-        pw_loop_update_timer(loop, tailTimer_, &interval, &interval, false);
+    if (tailTimer_ == nullptr && seconds > 0.0)
+        tailTimer_ = pw_loop_add_timer(
+            loop, [](void *self, std::uint64_t) { static_cast<Output *>(self)->followTail(); },
+            this);
+    if (tailTimer_ == nullptr)
+        return;
+    timespec wait{};
+    if (seconds > 0.0) {
+        wait.tv_sec = static_cast<time_t>(seconds);
+        wait.tv_nsec = std::max(1L, static_cast<long>((seconds - std::floor(seconds)) * 1e9));
+    }
+    pw_loop_update_timer(loop, tailTimer_, &wait, nullptr, false);
 }
 
 } // namespace quorbel

@@ -1,16 +1,16 @@
 #pragma once
 
+#include "platform/hardware/pipewire/DeviceHold.h"
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 
-#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
 
 namespace quorbel {
 
-/// The playback side of the hardware: one output stream to one device at a time, and the stream
-/// that keeps the device running for a tail.
+/// The playback side of the hardware: one output stream to one device at a time, whose device it
+/// keeps running for a tail.
 class PipeWireHardware::Output final : public HardwareOutput {
   public:
     /// `hardware` must outlive the output.
@@ -19,7 +19,7 @@ class PipeWireHardware::Output final : public HardwareOutput {
 
     Status setDevice(AudioObjectID device) override;
     [[nodiscard]] StreamFormat nativeFormat() const override;
-    void setHoldsTail(bool holdsTail) override { holdsTail_ = holdsTail; }
+    void setHoldsTail(bool holdsTail) override;
     /// Returns once the session manager has linked the stream to the device.
     Status start(RenderClient &client) override;
     void renderUntil(const std::function<bool()> &condition, double seconds) override;
@@ -31,18 +31,22 @@ class PipeWireHardware::Output final : public HardwareOutput {
     void nudge() { stream_->nudge(); }
     /// Replaces the streams by new ones to the same device, with the same client.
     void rebuild();
+    /// Holds the device or lets it go, from what has been played: to be called after every change
+    /// of the server's objects and of the stream's state.
+    void followTail();
 
   private:
-    void startKeeping();
-    void watchTail();
+    void setTailTimer(double seconds);
 
     PipeWireHardware &hardware_;
     AudioObjectID device_ = 0;
     std::string startedOn_; ///< name of the device that the running streams were made for
     RenderClient *client_ = nullptr;
     std::unique_ptr<OutStream> stream_;
-    std::atomic<bool> holdsTail_{false}; ///< set by main, read by control
-    std::unique_ptr<KeepStream> keep_;
+    bool holdsTail_ = false;
+    std::unique_ptr<DeviceHold> hold_; ///< while a tail is wanted
+    bool wasStreaming_ = false;        ///< when the tail was last looked at
+    double streamingSince_ = 0.0;      ///< seconds on the monotonic clock
     spa_source *tailTimer_ = nullptr;
 };
 

@@ -41,6 +41,7 @@ Status SimulatedOutput::start(RenderClient &client) {
         return -EBUSY;
     client.renderFormatChanged({.sampleRate = device->script.sampleRate, .channelCount = 2});
     hardware_.rearrange([&] { hardware_.outputs_[this] = {.device = device_, .client = &client}; });
+    client.renderResumed();
     return statusOK;
 }
 
