@@ -48,7 +48,13 @@ class QueueOnSharedThread final : public SerialQueue {
     explicit QueueOnSharedThread(std::shared_ptr<ThreadedSerialQueue> worker)
         : worker_(std::move(worker)) {}
     ~QueueOnSharedThread() override {
-        for (const TimerID timer : timers_)
+        // A task that is waited for may cancel its own timer meanwhile.
+        std::set<TimerID> timers;
+        {
+            const std::lock_guard lock(timersMutex_);
+            timers.swap(timers_);
+        }
+        for (const TimerID timer : timers)
             worker_->cancel(timer);
         const std::lock_guard lock(pending_->mutex); // waits for a task that is running
         pending_->isDropped = true;
@@ -63,8 +69,8 @@ class QueueOnSharedThread final : public SerialQueue {
     }
 
     TimerID repeating(double firstSeconds, double seconds, Task task) override {
-        const TimerID id = worker_->repeating(firstSeconds, seconds, std::move(task));
-        const std::lock_guard lock(timersMutex_);
+        const std::lock_guard lock(timersMutex_); // the task may run and cancel before we return
+        const TimerID id = worker_->repeatingAligned(firstSeconds, seconds, std::move(task));
         timers_.insert(id);
         return id;
     }

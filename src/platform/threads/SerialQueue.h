@@ -42,8 +42,9 @@ using SerialQueueFactory = std::function<std::unique_ptr<SerialQueue>(const std:
 [[nodiscard]] SerialQueueFactory threadedSerialQueues();
 
 /// The queues of one factory share a thread on real time, named `threadName`, which lives as long
-/// as one of them: timers of several queues that fall due together cost one wake-up. A queue waits
-/// for the others' tasks as well, so this is for short ones.
+/// as one of them. A queue waits for the others' tasks as well, so this is for short ones. Timers
+/// fall on multiples of their interval, the first up to one interval late: so those of several
+/// queues fall due together, which costs one wake-up.
 [[nodiscard]] SerialQueueFactory sharedThreadSerialQueues(std::string threadName);
 
 /// Queues that run on `clock` and its thread, so that on a manual clock their work falls on exactly

@@ -30,10 +30,21 @@ void ThreadedSerialQueue::async(Task task) {
 SerialQueue::TimerID ThreadedSerialQueue::repeating(double firstSeconds, double seconds,
                                                     Task task) {
     const ClockTicks interval = std::max<ClockTicks>(clockTicks(seconds), 1);
+    return add(now() + clockTicks(firstSeconds), interval, std::move(task));
+}
+
+SerialQueue::TimerID ThreadedSerialQueue::repeatingAligned(double firstSeconds, double seconds,
+                                                           Task task) {
+    const ClockTicks interval = std::max<ClockTicks>(clockTicks(seconds), 1);
+    const ClockTicks first = now() + clockTicks(firstSeconds);
+    return add((first + interval - 1) / interval * interval, interval, std::move(task));
+}
+
+SerialQueue::TimerID ThreadedSerialQueue::add(ClockTicks firstDue, ClockTicks interval, Task task) {
     TimerID id = 0;
     {
         const std::lock_guard lock(mutex_);
-        id = timers_.add(now() + clockTicks(firstSeconds), interval, std::move(task));
+        id = timers_.add(firstDue, interval, std::move(task));
     }
     changed_.notify_one();
     return id;

@@ -19,11 +19,14 @@ class ThreadedSerialQueue final : public SerialQueue {
 
     void async(Task task) override;
     TimerID repeating(double firstSeconds, double seconds, Task task) override;
+    /// The same, on multiples of `seconds` since the thread's start; the first is rounded up.
+    TimerID repeatingAligned(double firstSeconds, double seconds, Task task);
     void cancel(TimerID timer) override;
 
   private:
     using SteadyClock = std::chrono::steady_clock;
 
+    TimerID add(ClockTicks firstDue, ClockTicks interval, Task task);
     void run();
     [[nodiscard]] ClockTicks now() const;
 
