@@ -49,6 +49,7 @@ struct AudioGraph::State final : RenderClient {
     std::unique_ptr<RenderPlan> plan; // while running
     NodeTap *mixerTap = nullptr;
     bool running = false;
+    CyclesHandler cyclesHandler;
 
     void add(GraphNode &node) {
         Place &place = places[&node];
@@ -108,7 +109,15 @@ struct AudioGraph::State final : RenderClient {
         if (Status status = mixer.allocateRenderResources(plan->format(), maximumBlockFrames);
             status != statusOK)
             return status;
-        return outputNode.hasHardware() ? outputNode.hardware()->start(*this) : statusOK;
+        if (!outputNode.hasHardware())
+            return statusOK;
+        tellCycles(false);
+        return outputNode.hardware()->start(*this);
+    }
+
+    void tellCycles(bool doCome) {
+        if (cyclesHandler)
+            cyclesHandler(doCome);
     }
 
     void dropPlan() {
@@ -122,7 +131,10 @@ struct AudioGraph::State final : RenderClient {
     void renderPaused() override {
         plan->reset();
         mixer.reset();
+        tellCycles(false);
     }
+
+    void renderResumed() override { tellCycles(true); }
 
     void renderCycle(const AudioBufferList &output, std::uint32_t frames) noexcept override {
         const DenormalsFlushed denormalsFlushed;
@@ -213,6 +225,11 @@ void AudioGraph::reset() {
 }
 
 bool AudioGraph::isRunning() const { return state_->running; }
+
+void AudioGraph::setCyclesHandler(CyclesHandler handler) {
+    assert(!isRunning());
+    state_->cyclesHandler = std::move(handler);
+}
 
 Status AudioGraph::render(const AudioBufferList &output, std::uint32_t frames) noexcept {
     assert(!state_->outputNode.hasHardware());

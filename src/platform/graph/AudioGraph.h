@@ -66,6 +66,11 @@ class AudioGraph {
     void reset();
     [[nodiscard]] bool isRunning() const;
 
+    /// Hears whether the hardware's cycles come: not at a start, then whenever that changes. While
+    /// they do not, nothing inside the graph changes. To be set while stopped. [control] and [main]
+    using CyclesHandler = std::function<void(bool doCome)>;
+    void setCyclesHandler(CyclesHandler handler);
+
     /// Renders the next `frames` frames (any number) of a graph made without an output, at the
     /// graph's own rate. A graph that is not running gives `statusUninitialized`. [render]
     Status render(const AudioBufferList &output, std::uint32_t frames) noexcept;
