@@ -23,6 +23,10 @@ constexpr std::int64_t slowTicks = 3;
 /// Longer than the longest cycle of a device, 8192 frames at 44100 Hz: 0.19 s.
 constexpr int ticksUntilPause = 8;
 
+/// A band that falls while nothing comes ends here, 60 millionths of a decibel above the floor: by
+/// factors alone it never would.
+constexpr float lowestFalling = 1e-6F;
+
 /// Writes what a tap delivers into a ring, all channels averaged into one. [tap]
 class MonoFeed {
   public:
@@ -74,11 +78,26 @@ void SpectrumAnalyzer::attach(AudioGraph &graph, GraphNode &node) {
     if (!(format.sampleRate > 0.0))
         return;
     tapSampleRate_ = static_cast<float>(format.sampleRate);
-    graph.installTap(node, tapFrames, MonoFeed(ring_));
     graph_ = &graph;
     tapNode_ = &node;
+    listen();
+}
+
+void SpectrumAnalyzer::listen() {
+    graph_->installTap(*tapNode_, tapFrames, MonoFeed(ring_));
     ticksWithoutSound_ = 0;
     startTimer();
+}
+
+void SpectrumAnalyzer::rest() {
+    timer_.invalidate();
+    graph_->removeTap(*tapNode_);
+}
+
+void SpectrumAnalyzer::setIdle(bool isIdle) {
+    isIdle_ = isIdle;
+    if (isAttached() && !isIdle && !timer_.isSet())
+        listen();
 }
 
 void SpectrumAnalyzer::detach() {
@@ -95,19 +114,28 @@ void SpectrumAnalyzer::startTimer() {
 
 void SpectrumAnalyzer::computeBands() {
     followRate();
-    if (!ring_->snapshot(samples_))
+    if (!ring_->snapshot(samples_)) {
+        if (isIdle_)
+            rest();
         return;
-    if (isSoundArriving())
+    }
+    const bool isArriving = isSoundArriving();
+    if (isArriving)
         computeMagnitudes();
     else
         std::ranges::fill(magnitudes_, 0.0F);
-    for (std::size_t band = 0; band < bandCount; ++band)
-        bands_[band] = std::max(level(band), fallPerTick * bands_[band]);
+    for (std::size_t band = 0; band < bandCount; ++band) {
+        const float falling = fallPerTick * bands_[band];
+        bands_[band] =
+            std::max(level(band), isArriving || falling >= lowestFalling ? falling : 0.0F);
+    }
     Q_EMIT bandsChanged();
     if (++ticuri_ % slowTicks == 0) {
         benziLente_ = bands_;
         Q_EMIT benziLenteChanged();
     }
+    if (isIdle_ && !isArriving && bands_ == Levels{} && benziLente_ == Levels{})
+        rest();
 }
 
 void SpectrumAnalyzer::followRate() {

@@ -43,6 +43,10 @@ class SpectrumAnalyzer final : public QObject {
 
     [[nodiscard]] bool isAttached() const { return graph_ != nullptr; }
 
+    /// Whether no sound comes until further notice. The levels fall to 0, and then neither tap nor
+    /// timer runs until sound is announced again.
+    void setIdle(bool isIdle);
+
     /// 0 to 1 each.
     [[nodiscard]] const Levels &bands() const { return bands_; }
 
@@ -56,12 +60,14 @@ class SpectrumAnalyzer final : public QObject {
     [[nodiscard]] static float bandFrequency(std::size_t band);
 
   Q_SIGNALS:
-    /// At every tick, also when the levels are what they were.
+    /// At every tick, also when the levels are what they were. None come while idle and at 0.
     void bandsChanged();
     void benziLenteChanged();
 
   private:
     void startTimer();
+    void listen();
+    void rest();
     void computeBands();
     void followRate();
     [[nodiscard]] bool isSoundArriving();
@@ -83,7 +89,8 @@ class SpectrumAnalyzer final : public QObject {
     float tapSampleRate_ = 48000.0F;
     std::int64_t writtenBefore_ = 0; ///< samples in the ring at the last tick
     int ticksWithoutSound_ = 0;
-    Timer timer_;
+    Timer timer_; ///< not set while resting
+    bool isIdle_ = false;
 
     // Working memory of one analysis.
     std::vector<float> samples_;

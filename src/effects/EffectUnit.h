@@ -40,6 +40,9 @@ class EffectUnit : public AudioUnit {
 
     void takeSettings() noexcept override;
 
+    /// Whether no blocks come until further notice: background work may rest. [main]
+    virtual void setIdle(bool) {}
+
     /// What the unit publishes for display (each unit says what); 0 for units that publish nothing.
     /// [any]
     [[nodiscard]] virtual float readout() const noexcept { return 0.0F; }

@@ -47,6 +47,12 @@ class AnalysisRing {
         return true;
     }
 
+    /// Frames ever written. [analysis]
+    [[nodiscard]] std::uint64_t written() const noexcept {
+        const std::lock_guard lock(lock_);
+        return written_;
+    }
+
     static constexpr std::size_t capacity = 8192;
 
   private:

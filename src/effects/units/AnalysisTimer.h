@@ -2,34 +2,82 @@
 
 #include "platform/threads/SerialQueue.h"
 
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 
 namespace quorbel {
 
 /// A background analysis on a serial queue of its own: the first after 100 ms, then every 50 ms.
-/// [main]
+/// While the unit is idle it goes on until an analysis changes nothing, as every later one would,
+/// and then rests. [main]
 class AnalysisTimer {
   public:
+    /// Returns whether anything is different from the call before. [analysis]
+    using Analysis = std::function<bool()>;
+
     AnalysisTimer(SerialQueueFactory queues, std::string queueName)
         : queues_(std::move(queues)), queueName_(std::move(queueName)) {}
+    ~AnalysisTimer() { stop(); }
+    AnalysisTimer(const AnalysisTimer &) = delete;
+    AnalysisTimer &operator=(const AnalysisTimer &) = delete;
 
-    /// Does nothing if it runs. `analyze` [analysis].
-    void start(SerialQueue::Task analyze) {
+    /// Does nothing if it runs.
+    void start(Analysis analyze) {
         if (queue_)
             return;
+        analyze_ = std::move(analyze);
         queue_ = queues_(queueName_);
-        queue_->repeating(0.1, 0.05, std::move(analyze));
+        const std::lock_guard guard(mutex_);
+        schedule(firstSeconds);
     }
 
     /// When this returns, no analysis is under way and none will come.
-    void stop() { queue_.reset(); }
+    void stop() {
+        queue_.reset();
+        isResting_ = false;
+    }
+
+    /// Whether no sound comes until further notice.
+    void setIdle(bool isIdle) {
+        const std::lock_guard guard(mutex_);
+        isIdle_ = isIdle;
+        if (!isIdle && isResting_ && queue_)
+            schedule(intervalSeconds);
+    }
 
   private:
+    static constexpr double firstSeconds = 0.1;
+    static constexpr double intervalSeconds = 0.05;
+
+    void schedule(double delaySeconds) {
+        isResting_ = false;
+        timer_ = queue_->repeating(delaySeconds, intervalSeconds,
+                                   [this, queue = queue_.get()] { tick(*queue); });
+    }
+
+    /// [analysis]
+    void tick(SerialQueue &queue) {
+        if (analyze_())
+            return;
+        const std::lock_guard guard(mutex_);
+        if (!isIdle_ || isResting_)
+            return;
+        isResting_ = true;
+        queue.cancel(timer_);
+    }
+
     SerialQueueFactory queues_;
     std::string queueName_;
+    Analysis analyze_;
     std::unique_ptr<SerialQueue> queue_;
+
+    std::mutex mutex_; // guards what follows; never held while an analysis runs
+    SerialQueue::TimerID timer_ = 0;
+    bool isIdle_ = false;
+    bool isResting_ = false;
 };
 
 } // namespace quorbel

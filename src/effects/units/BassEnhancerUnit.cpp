@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <utility>
 
 namespace quorbel {
 
@@ -34,11 +36,17 @@ struct BassEnhancerUnit::Analysis {
     std::shared_ptr<State> state;
     BassTracker tracker;
 
-    void analyzeOnce() {
+    std::uint64_t writtenBefore = 0; ///< frames in the ring at the analysis before
+
+    /// Returns whether new sound had come or the result has moved.
+    bool analyzeOnce() {
+        const float before = state->detectedFundamentalStorage.load();
         const auto centre = tracker.estimate(state->ring, state->sampleRateStorage.load());
         if (centre)
-            state->detectedFundamentalStorage.store(
-                0.08F * *centre + 0.92F * state->detectedFundamentalStorage.load());
+            state->detectedFundamentalStorage.store(0.08F * *centre + 0.92F * before);
+        const std::uint64_t written = state->ring.written();
+        return std::exchange(writtenBefore, written) != written ||
+               state->detectedFundamentalStorage.load() != before;
     }
 };
 
@@ -53,7 +61,7 @@ Status BassEnhancerUnit::prepare(float sampleRate, std::string &) {
     state_->core.prepare(sampleRate);
     if (!analysis_)
         analysis_ = std::make_shared<Analysis>(state_);
-    analysisTimer_.start([analysis = analysis_] { analysis->analyzeOnce(); });
+    analysisTimer_.start([analysis = analysis_] { return analysis->analyzeOnce(); });
     return statusOK;
 }
 
@@ -61,6 +69,8 @@ void BassEnhancerUnit::deallocateRenderResources() {
     analysisTimer_.stop();
     EffectUnit::deallocateRenderResources();
 }
+
+void BassEnhancerUnit::setIdle(bool isIdle) { analysisTimer_.setIdle(isIdle); }
 
 void BassEnhancerUnit::reset() { state_->core.clear(); }
 

@@ -6,6 +6,8 @@
 #include "effects/cores/VoiceEnhancerCore.h"
 
 #include <array>
+#include <cstdint>
+#include <utility>
 
 namespace quorbel {
 
@@ -35,11 +37,18 @@ struct VoiceEnhancerUnit::Analysis {
     std::shared_ptr<State> state;
     VoiceDetector detector;
 
-    void analyzeOnce() {
+    std::uint64_t writtenBefore = 0; ///< frames in the ring at the analysis before
+
+    /// Returns whether new sound had come or the result has moved.
+    bool analyzeOnce() {
+        const float before = state->confidenceStorage.load();
         const auto ratio = detector.voiceRatio(state->ring, state->sampleRateStorage.load());
         if (ratio)
-            state->confidenceStorage.store(0.9F * state->confidenceStorage.load() +
+            state->confidenceStorage.store(0.9F * before +
                                            0.1F * VoiceDetector::confidenceFor(*ratio));
+        const std::uint64_t written = state->ring.written();
+        return std::exchange(writtenBefore, written) != written ||
+               state->confidenceStorage.load() != before;
     }
 };
 
@@ -54,7 +63,7 @@ Status VoiceEnhancerUnit::prepare(float sampleRate, std::string &) {
     state_->core.prepare(sampleRate);
     if (!analysis_)
         analysis_ = std::make_shared<Analysis>(state_);
-    analysisTimer_.start([analysis = analysis_] { analysis->analyzeOnce(); });
+    analysisTimer_.start([analysis = analysis_] { return analysis->analyzeOnce(); });
     return statusOK;
 }
 
@@ -62,6 +71,8 @@ void VoiceEnhancerUnit::deallocateRenderResources() {
     analysisTimer_.stop();
     EffectUnit::deallocateRenderResources();
 }
+
+void VoiceEnhancerUnit::setIdle(bool isIdle) { analysisTimer_.setIdle(isIdle); }
 
 void VoiceEnhancerUnit::reset() { state_->core.clear(); }
 
