@@ -13,6 +13,10 @@ namespace {
 
 constexpr std::int64_t ringBufferFrames = 48000; // one second
 
+/// An analysis moves a reading at every second of its ticks at the latest, and has several between
+/// this many read-outs.
+constexpr int restingReadouts = 5;
+
 } // namespace
 
 AudioEngine::AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, Clock &clock,
@@ -21,10 +25,17 @@ AudioEngine::AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, 
     : deviceManager_(deviceManager), clock_(clock), registry_(clock), ringBuffer(ringBufferFrames),
       chain_(registry_, clock, std::move(bands)),
       playback_(hardware.makeOutput(), chain_, ringBuffer, std::move(queues)), systemTap(hardware),
-      diagnostics_(clock, ringBuffer, systemTap, playback_), spectrumAnalyzer_(clock) {
+      diagnostics_(clock, ringBuffer, systemTap, playback_), spectrumAnalyzer_(clock),
+      self_(std::make_shared<AudioEngine *>(this)) {
     registerUnits(registry_);
     connect(&deviceManager_, &DeviceManager::outputDevicesChanged, this,
             &AudioEngine::followDeviceList);
+    playback_.graph().setCyclesHandler([&clock, self = std::weak_ptr(self_)](bool doCome) {
+        clock.post([self, doCome] {
+            if (const auto engine = self.lock())
+                (*engine)->setCyclesCome(doCome);
+        });
+    });
 }
 
 AudioEngine::~AudioEngine() {
@@ -68,7 +79,7 @@ void AudioEngine::applyMixer() {
 }
 
 void AudioEngine::attachSpectrum() {
-    if (mixer_.spectrumEnabled)
+    if (mixer_.spectrumEnabled && isDisplayed_)
         spectrumAnalyzer_.attach(playback_.graph(), playback_.graph().mainMixer());
 }
 
@@ -171,8 +182,41 @@ void AudioEngine::observeHardware() {
 }
 
 void AudioEngine::startTimers() {
-    bassReadoutTimer = Timer::repeating(clock_, readOutSeconds, [this] { updateReadouts(); });
-    diagnostics_.start();
+    startReadouts();
+    diagnostics_.start([this] { Q_EMIT lossesChanged(); });
+}
+
+void AudioEngine::startReadouts() {
+    standingReadouts_ = 0;
+    if (isDisplayed_)
+        bassReadoutTimer = Timer::repeating(clock_, readOutSeconds, [this] { updateReadouts(); });
+}
+
+void AudioEngine::setDisplayed(bool isDisplayed) {
+    if (isDisplayed == isDisplayed_)
+        return;
+    isDisplayed_ = isDisplayed;
+    const bool isRunning = lifecycle.state() == EngineLifecycle::State::running();
+    if (!isDisplayed) {
+        bassReadoutTimer.invalidate();
+        spectrumAnalyzer_.detach();
+    } else if (isRunning) {
+        updateReadouts();
+        startReadouts();
+        attachSpectrum();
+    }
+}
+
+/// What was on its way when playback was started anew is followed by what holds then.
+void AudioEngine::setCyclesCome(bool doCome) {
+    doCyclesCome_ = doCome;
+    systemTap.logFormatChange(); // streams stop for it and start again
+    chain_.setIdle(!doCome);
+    diagnostics_.setIdle(!doCome);
+    spectrumAnalyzer_.setIdle(!doCome);
+    if (doCome && lifecycle.state() == EngineLifecycle::State::running() &&
+        !bassReadoutTimer.isSet())
+        startReadouts();
 }
 
 void AudioEngine::stop() {
@@ -212,6 +256,10 @@ void AudioEngine::publishState() {
 void AudioEngine::updateReadouts() {
     systemTap.logFormatChange();
     const MeterReadings now = chain_.readings();
+    standingReadouts_ =
+        doCyclesCome_ || now != std::exchange(lastReadings_, now) ? 0 : standingReadouts_ + 1;
+    if (standingReadouts_ >= restingReadouts)
+        bassReadoutTimer.invalidate();
     updateMeters(now.limiterReductionDB, now.autoGainDB);
     if (published_.updateBassTracking(now.bassTrackedFrequency))
         Q_EMIT bassTrackedFrequencyChanged();

@@ -19,6 +19,7 @@
 #include <QObject>
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -107,7 +108,12 @@ class AudioEngine final : public QObject {
     /// What the hardware has made necessary since the user's last start.
     [[nodiscard]] const EngineUpheavals &upheavals() const { return upheavals_; }
 
-    // Read-outs, refreshed ten times a second while running.
+    /// Whether somebody sees what is published for display. If not, the read-outs stay as they are
+    /// and the spectrum is not analysed; at first somebody does.
+    void setDisplayed(bool isDisplayed);
+
+    // Read-outs, refreshed ten times a second while running and displayed. While no sound comes
+    // they rest as soon as they stand still.
     [[nodiscard]] float limiterReductionDB() const {
         return published_.values().limiterReductionDB;
     }
@@ -136,6 +142,7 @@ class AudioEngine final : public QObject {
     void autoGainDBChanged();
     void bassTrackedFrequencyChanged();
     void voiceConfidenceChanged();
+    void lossesChanged(); ///< or the upheavals
 
   private:
     static void allEffectUnits(AudioUnitRegistry &registry);
@@ -148,6 +155,8 @@ class AudioEngine final : public QObject {
     void attachSpectrum();
     void observeHardware();
     void startTimers();
+    void startReadouts();
+    void setCyclesCome(bool doCome);
     void stopTimersAndSpectrum();
     void teardown();
     void publishState();
@@ -180,6 +189,10 @@ class AudioEngine final : public QObject {
     bool mayStandIn_ = false;      ///< the default output takes the place of a choice that is away
     EngineLifecycle::State state_; ///< the lifecycle's, as last published
     PublishedReadings published_;
+    MeterReadings lastReadings_;
+    int standingReadouts_ = 0; ///< in a row, in which nothing has moved
+    bool isDisplayed_ = true;
+    bool doCyclesCome_ = false; ///< of the running playback
 
     EngineLifecycle lifecycle;
     AudioUnitRegistry registry_;
@@ -197,6 +210,7 @@ class AudioEngine final : public QObject {
         int failedStarts = 0;
     };
 
+    std::shared_ptr<AudioEngine *> self_; ///< what the hardware's threads find the engine by
     Timer bassReadoutTimer;
     Timer outputRestartTask;
     Timer comebackTimer; ///< set while the wish to process waits for the hardware

@@ -88,6 +88,7 @@ void AudioEngine::restartProcessEngine() {
         applySpatial();
         applyMixer();
         ++upheavals_.outputRestarts;
+        Q_EMIT lossesChanged();
     } catch (const std::exception &error) {
         failRunning(error.what());
     }

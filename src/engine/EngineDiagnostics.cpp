@@ -15,12 +15,30 @@ EngineDiagnostics::EngineDiagnostics(Clock &clock, AudioRingBuffer &ringBuffer,
                                      const SystemAudioTap &systemTap, const PlaybackGraph &playback)
     : clock_(clock), ringBuffer_(ringBuffer), systemTap_(systemTap), playback_(playback) {}
 
-void EngineDiagnostics::start() {
+void EngineDiagnostics::start(std::function<void()> lossesChanged) {
     losses_ = {};
+    lossesChanged_ = std::move(lossesChanged);
+    isRunning_ = true;
+    beginSeconds();
+}
+
+void EngineDiagnostics::stop() {
+    isRunning_ = false;
+    diagnosticTimer.invalidate();
+}
+
+void EngineDiagnostics::setIdle(bool isIdle) {
+    isIdle_ = isIdle;
+    if (isRunning_ && !isIdle && !diagnosticTimer.isSet())
+        beginSeconds();
+}
+
+void EngineDiagnostics::beginSeconds() {
     diagnosticTimer = Timer::repeating(clock_, 1.0, [this] { tick(); });
 }
 
 void EngineDiagnostics::tick() {
+    const EngineLosses before = losses_;
     const auto [taiate, tacere, scrise, citite] = ringBuffer_.preiaPierderi();
     const std::int32_t droppedCycles = systemTap_.droppedCycles();
     losses_.cutFrames += taiate;
@@ -42,6 +60,10 @@ void EngineDiagnostics::tick() {
         logLine("AudioEngine",
                 fmt::format("într-o secundă: {} cadre cu eșantioane nefinite, redate ca zero",
                             newlyReplaced));
+    if (isIdle_)
+        diagnosticTimer.invalidate();
+    if (losses_ != before && lossesChanged_)
+        lossesChanged_();
 }
 
 } // namespace quorbel

@@ -3,6 +3,7 @@
 #include "platform/threads/Timer.h"
 
 #include <cstdint>
+#include <functional>
 
 namespace quorbel {
 
@@ -12,6 +13,8 @@ struct EngineLosses {
     std::int64_t silentFrames = 0;     ///< of silence, because capture had not brought them in time
     std::int64_t lostCycles = 0;       ///< of capture
     std::uint64_t nonFiniteFrames = 0; ///< played as zero
+
+    friend bool operator==(const EngineLosses &, const EngineLosses &) = default;
 };
 
 class AudioRingBuffer;
@@ -26,14 +29,20 @@ class EngineDiagnostics {
     EngineDiagnostics(Clock &clock, AudioRingBuffer &ringBuffer, const SystemAudioTap &systemTap,
                       const PlaybackGraph &playback);
 
-    /// Begins the seconds anew, and the losses from zero.
-    void start();
-    void stop() { diagnosticTimer.invalidate(); }
+    /// Begins the seconds anew, and the losses from zero. `lossesChanged` is called in a second
+    /// after which they are different.
+    void start(std::function<void()> lossesChanged);
+    void stop();
+
+    /// Whether no sound comes until further notice. Then one more second is looked at, and none
+    /// after it.
+    void setIdle(bool isIdle);
 
     /// Of all whole seconds since the start.
     [[nodiscard]] const EngineLosses &losses() const { return losses_; }
 
   private:
+    void beginSeconds();
     void tick();
 
     Clock &clock_;
@@ -42,6 +51,9 @@ class EngineDiagnostics {
     const PlaybackGraph &playback_;
     Timer diagnosticTimer;
     EngineLosses losses_;
+    std::function<void()> lossesChanged_;
+    bool isRunning_ = false;
+    bool isIdle_ = false;
     // What was last reported; like the counters themselves they live through stops and starts.
     std::int32_t ultimeleCicluriPierdute = 0;
     std::uint64_t lastReplacedFrames_ = 0;

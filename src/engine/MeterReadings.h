@@ -11,6 +11,8 @@ struct MeterReadings {
     float autoGainDB = 0.0F;
     float bassTrackedFrequency = 80.0F; ///< Hz
     float voiceConfidence = 0.0F;       ///< 0 to 1
+
+    friend bool operator==(const MeterReadings &, const MeterReadings &) = default;
 };
 
 /// The readings as they are shown: a value moves only when the movement is large enough to be seen,

@@ -56,6 +56,8 @@ void ProcessingChain::adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit) {
         return;
     pushSettings(spatial_, which, *unit);
     pushSettings(mixer_, which, *unit);
+    if (auto *effect = dynamic_cast<EffectUnit *>(unit.get()))
+        effect->setIdle(isIdle_);
     node(which) = std::make_unique<UnitNode>(std::move(unit));
 }
 
@@ -154,6 +156,14 @@ void ProcessingChain::pushMixer() {
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(mixer, static_cast<ChainUnit>(index), units_[index]->unit());
+}
+
+void ProcessingChain::setIdle(bool isIdle) {
+    isIdle_ = isIdle;
+    for (const auto &unit : units_)
+        if (unit != nullptr)
+            if (auto *effect = dynamic_cast<EffectUnit *>(&unit->unit()))
+                effect->setIdle(isIdle);
 }
 
 MeterReadings ProcessingChain::readings() const {

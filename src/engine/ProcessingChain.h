@@ -85,6 +85,9 @@ class ProcessingChain {
 
     [[nodiscard]] MeterReadings readings() const;
 
+    /// Whether no blocks come until further notice: what the units do beside them may rest.
+    void setIdle(bool isIdle);
+
   private:
     struct Instantiation;
 
@@ -111,6 +114,7 @@ class ProcessingChain {
     LoudnessNode loudnessAfter_;
     bool measuresLoudness_ = false;
     bool isBypassed_ = false;
+    bool isIdle_ = false;
     ShortLock settingsLock_; ///< of the graph that renders the chain
     int openChanges_ = 0;
     std::shared_ptr<ProcessingChain *> self_; ///< what units on their way find the chain by
