@@ -46,22 +46,34 @@ std::string cutToTerminal(const std::string &text) {
 
 } // namespace
 
-LiveMeter::LiveMeter(const AudioEngine &engine, Clock &clock) : engine_(engine) {
-    if (isatty(STDERR_FILENO) != 1)
+LiveMeter::LiveMeter(AudioEngine &engine, Clock &clock)
+    : engine_(engine), clock_(clock), isShown_(isatty(STDERR_FILENO) == 1) {
+    engine_.setDisplayed(isShown_);
+    if (!isShown_)
         return;
     previousSink_ = setLogSink([this](std::string_view line) { printAbove(line); });
-    timer_ = Timer::repeating(clock, drawingSeconds, [this] { draw(); });
+    for (const auto change : {&AudioEngine::stateChanged, &AudioEngine::outputDeviceChanged,
+                              &AudioEngine::limiterReductionDBChanged,
+                              &AudioEngine::autoGainDBChanged, &AudioEngine::lossesChanged})
+        QObject::connect(&engine_, change, &changes_, [this] { drawSoon(); });
+    drawSoon();
 }
 
 LiveMeter::~LiveMeter() {
-    if (!timer_.isSet())
+    if (!isShown_)
         return;
     timer_.invalidate();
     setLogSink(std::move(previousSink_));
     fmt::print(stderr, "\r\033[K");
 }
 
+void LiveMeter::drawSoon() {
+    if (!timer_.isSet())
+        timer_ = Timer::once(clock_, drawingSeconds, [this] { draw(); });
+}
+
 void LiveMeter::draw() {
+    timer_.invalidate();
     const auto &device = engine_.outputDevice();
     const EngineLosses &losses = engine_.losses();
     const EngineUpheavals &upheavals = engine_.upheavals();

@@ -3,6 +3,8 @@
 #include "platform/core/Log.h"
 #include "platform/threads/Timer.h"
 
+#include <QObject>
+
 #include <mutex>
 #include <string>
 
@@ -10,26 +12,31 @@ namespace quorbel {
 
 class AudioEngine;
 
-/// One line on standard error that follows the engine ten times a second; log lines scroll past
-/// above it. Does nothing where standard error is not a terminal. [main]
+/// One line on standard error that follows the engine, ten times a second at most; log lines scroll
+/// past above it. Where standard error is not a terminal it shows nothing, and tells the engine
+/// that nobody looks. [main]
 class LiveMeter {
   public:
     /// Both must outlive the meter.
-    LiveMeter(const AudioEngine &engine, Clock &clock);
+    LiveMeter(AudioEngine &engine, Clock &clock);
     /// Takes the line away.
     ~LiveMeter();
     LiveMeter(const LiveMeter &) = delete;
     LiveMeter &operator=(const LiveMeter &) = delete;
 
   private:
+    void drawSoon();
     void draw();
     void printAbove(std::string_view line);
 
-    const AudioEngine &engine_;
+    AudioEngine &engine_;
+    Clock &clock_;
+    QObject changes_; ///< its end is the end of hearing of them
+    bool isShown_ = false;
     LogSink previousSink_;
     std::mutex mutex_; ///< guards `shown_`; log lines come from several threads
     std::string shown_;
-    Timer timer_;
+    Timer timer_; ///< set while the line is to be drawn again
 };
 
 } // namespace quorbel
