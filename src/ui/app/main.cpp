@@ -54,6 +54,7 @@ int main(int argc, char **argv) {
     const SettingsWatch watch(state, clock);
     AppModel model(state, clock);
     model.about()->setSoundLibrary(QString::fromStdString(systemHardwareLibrary()));
+    model.spectrum()->setVisible(false); // until a window says otherwise
     EngineModel &engine = *model.engine();
     const ProcessingPermit permit(engine);
 

@@ -7,8 +7,8 @@ namespace quorbel {
 AppModel *AppModel::instance_ = nullptr;
 
 AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
-    : QObject(parent), state_(state), history_(state, clock, nullptr),
-      engine_(state, clock, nullptr), settings_(state.engine(), history_, nullptr),
+    : QObject(parent), state_(state), history_(state, clock, nullptr), engine_(state, nullptr),
+      settings_(state.engine(), history_, nullptr),
       equalizer_(state.engine().eq(), history_, nullptr), presets_(state, history_, nullptr),
       devices_(state, clock, nullptr), spectrum_(state.engine(), nullptr),
       navigation_(state, nullptr), about_(nullptr) {

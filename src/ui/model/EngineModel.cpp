@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-EngineModel::EngineModel(AppState &state, Clock &clock, QObject *parent)
-    : QObject(parent), appState_(state), engine_(state.engine()), clock_(clock) {
+EngineModel::EngineModel(AppState &state, QObject *parent)
+    : QObject(parent), appState_(state), engine_(state.engine()) {
     connect(&engine_, &AudioEngine::stateChanged, this, &EngineModel::followState);
     connect(&engine_, &AudioEngine::mixerChanged, this, &EngineModel::secondLineChanged);
     connect(&engine_, &AudioEngine::outputDeviceChanged, this, &EngineModel::secondLineChanged);
@@ -16,6 +16,7 @@ EngineModel::EngineModel(AppState &state, Clock &clock, QObject *parent)
     connect(&engine_, &AudioEngine::autoGainDBChanged, this, &EngineModel::autoGainDBChanged);
     connect(&engine_, &AudioEngine::bassTrackedFrequencyChanged, this,
             &EngineModel::bassTrackedFrequencyChanged);
+    connect(&engine_, &AudioEngine::lossesChanged, this, &EngineModel::updateLosses);
     connect(&engine_, &AudioEngine::comparingChanged, this, &EngineModel::comparingChanged);
     connect(&engine_, &AudioEngine::voiceConfidenceChanged, this,
             &EngineModel::voiceConfidenceChanged);
@@ -125,10 +126,6 @@ void EngineModel::setRefusal(const QString &reason) {
 void EngineModel::followState() {
     if (!running())
         setComparing(false);
-    if (running())
-        lossesTimer_ = Timer::repeating(clock_, 1.0, [this] { updateLosses(); });
-    else
-        lossesTimer_.invalidate();
     updateLosses();
     Q_EMIT stateChanged();
     Q_EMIT subtitleChanged();

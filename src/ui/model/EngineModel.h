@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/threads/Timer.h"
 #include "settings/state/AppState.h"
 
 #include <QObject>
@@ -43,7 +42,7 @@ class EngineModel final : public QObject {
     Q_PROPERTY(bool comparing READ comparing WRITE setComparing NOTIFY comparingChanged)
 
   public:
-    EngineModel(AppState &state, Clock &clock, QObject *parent);
+    EngineModel(AppState &state, QObject *parent);
 
     [[nodiscard]] QString state() const;
     [[nodiscard]] bool running() const;
@@ -95,10 +94,8 @@ class EngineModel final : public QObject {
 
     AppState &appState_;
     AudioEngine &engine_;
-    Clock &clock_;
     std::function<QString()> startCheck_;
-    QString refusal_;   ///< of the last start, until the next one
-    Timer lossesTimer_; ///< the engine counts them by the second and does not announce them
+    QString refusal_; ///< of the last start, until the next one
     QString losses_;
 };
 

@@ -17,6 +17,7 @@ void SpectrumModel::setVisible(bool visible) {
     if (visible == visible_)
         return;
     visible_ = visible;
+    engine_.setDisplayed(visible);
     Q_EMIT visibleChanged();
     followLevels();
 }

@@ -18,7 +18,8 @@ class SpectrumModel final : public QObject {
     Q_PROPERTY(QList<qreal> levels READ levels NOTIFY levelsChanged)
     /// Whether there is something to show: processing runs and the analyzer is switched on.
     Q_PROPERTY(bool active READ active NOTIFY activeChanged)
-    /// Set by the window: false while it is hidden or minimised.
+    /// Set by the window: false while it is hidden or minimised. The engine then measures nothing
+    /// for display.
     Q_PROPERTY(bool visible READ isVisible WRITE setVisible NOTIFY visibleChanged)
 
   public:
