@@ -393,7 +393,8 @@ Status PipeWireHardware::createProcessTap(const TapDescription &description, Aud
 }
 
 void PipeWireHardware::restoreLeftovers() {
-    for (const RoutedStream &stream : journal_->leftovers()) {
+    for (const RoutedStream &stream :
+         inOrderOfUndoing(registry_->objects(), journal_->leftovers())) {
         restoreRoute(registry_->objects(), *registry_, stream);
         journal_->released(stream);
     }

@@ -43,7 +43,7 @@ Outcome restoreOnce(const std::vector<RoutedStream> &streams, std::uint32_t serv
         return connection->isLost() ? Outcome::serverGone : Outcome::tryAgain;
     if (connection->serverCookie() != serverCookie)
         return Outcome::serverGone;
-    for (const RoutedStream &stream : streams)
+    for (const RoutedStream &stream : inOrderOfUndoing(registry.objects(), streams))
         restoreRoute(registry.objects(), registry, stream);
     return connection->roundTrip(watchdogAnswerSeconds) == statusOK ? Outcome::restored
                                                                     : Outcome::tryAgain;

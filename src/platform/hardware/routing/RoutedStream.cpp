@@ -1,7 +1,10 @@
 #include "platform/hardware/routing/RoutedStream.h"
 
+#include "platform/hardware/routing/StreamRules.h"
+
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <vector>
 
@@ -87,34 +90,57 @@ void setOrDelete(ServerCommands &commands, std::uint32_t subject, const char *ke
         commands.deleteMetadata(subject, key);
 }
 
-/// The id of the node that a target names, by serial or by name.
-std::optional<std::uint32_t> targetedNode(const ServerObjects &objects,
-                                          const MetadataValue &target) {
+/// The name of the node that a value of "target.object" names, by serial or by name.
+std::string nameOfObject(const ServerObjects &objects, const MetadataValue &target) {
     std::uint64_t serial = 0;
-    const NodeRecord *node = parse(target.value, serial) ? objects.nodeWithSerial(serial)
-                                                         : objects.nodeNamed(target.value);
-    if (node == nullptr)
-        return std::nullopt;
-    return node->id;
+    if (target.value == followDefault)
+        return {};
+    if (!parse(target.value, serial))
+        return target.value;
+    const NodeRecord *node = objects.nodeWithSerial(serial);
+    return node == nullptr ? std::string() : node->name();
+}
+
+std::string nameOfNode(const ServerObjects &objects, const MetadataValue &target) {
+    std::uint32_t id = 0;
+    const NodeRecord *node = parse(target.value, id) ? objects.node(id) : nullptr;
+    return node == nullptr ? std::string() : node->name();
+}
+
+/// The name of the node that the session manager remembers once the stream's own values are set.
+std::string nameLastSet(const ServerObjects &objects, const RoutedStream &stream) {
+    if (stream.targetObject)
+        return nameOfObject(objects, *stream.targetObject);
+    return stream.targetNode ? nameOfNode(objects, *stream.targetNode) : std::string();
+}
+
+void resetTargetNode(ServerCommands &commands, std::uint32_t subject, const MetadataValue &value) {
+    // Deleted first, because setting an equal value is not an event.
+    commands.deleteMetadata(subject, targetNodeKey);
+    commands.setMetadata(subject, targetNodeKey, value);
 }
 
 } // namespace
 
 std::string RoutedStream::encoded() const {
-    return fmt::format("{} {} {} {} {} {} {}", routedWord, streamID, streamSerial, tapSerial,
-                       formerTapSerial, quorbel::encoded(targetObject),
+    return fmt::format("{} {} {} {} {} {} {} {}", routedWord, streamID, streamSerial, tapSerial,
+                       formerTapSerial, escaped(remembered), quorbel::encoded(targetObject),
                        quorbel::encoded(targetNode));
 }
 
 std::optional<RoutedStream> RoutedStream::decode(std::string_view line) {
     const auto parts = fields(line);
     RoutedStream stream;
-    if (parts.size() != 9 || parts[0] != routedWord || !parse(parts[1], stream.streamID) ||
+    if (parts.size() != 10 || parts[0] != routedWord || !parse(parts[1], stream.streamID) ||
         !parse(parts[2], stream.streamSerial) || !parse(parts[3], stream.tapSerial) ||
         !parse(parts[4], stream.formerTapSerial) ||
-        !decodeValue(parts[5], parts[6], stream.targetObject) ||
-        !decodeValue(parts[7], parts[8], stream.targetNode))
+        !decodeValue(parts[6], parts[7], stream.targetObject) ||
+        !decodeValue(parts[8], parts[9], stream.targetNode))
         return std::nullopt;
+    auto remembered = unescaped(parts[5]);
+    if (!remembered)
+        return std::nullopt;
+    stream.remembered = *std::move(remembered);
     return stream;
 }
 
@@ -131,11 +157,16 @@ std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string
     return key;
 }
 
+std::string targetName(const ServerObjects &objects, const std::optional<MetadataValue> &object,
+                       const std::optional<MetadataValue> &node) {
+    std::string name = object ? nameOfObject(objects, *object) : std::string();
+    return name.empty() && node ? nameOfNode(objects, *node) : name;
+}
+
 MetadataValue rememberedTarget(const ServerObjects &objects, const RoutedStream &stream) {
-    if (stream.targetObject)
-        if (const auto node = targetedNode(objects, *stream.targetObject))
-            return {"Spa:Id", std::to_string(*node)};
-    return stream.targetNode.value_or(MetadataValue{"Spa:Id", followDefault});
+    const NodeRecord *node =
+        stream.remembered.empty() ? nullptr : objects.nodeNamed(stream.remembered);
+    return {"Spa:Id", node == nullptr ? followDefault : std::to_string(node->id)};
 }
 
 MetadataValue routeTo(std::uint64_t nodeSerial, const ServerObjects &objects,
@@ -143,9 +174,7 @@ MetadataValue routeTo(std::uint64_t nodeSerial, const ServerObjects &objects,
     // By serial: a name would be remembered as the application's own choice.
     commands.setMetadata(stream.streamID, targetObjectKey, {"Spa:Id", std::to_string(nodeSerial)});
     MetadataValue remembered = rememberedTarget(objects, stream);
-    // Deleted first, because setting an equal value is not an event.
-    commands.deleteMetadata(stream.streamID, targetNodeKey);
-    commands.setMetadata(stream.streamID, targetNodeKey, remembered);
+    resetTargetNode(commands, stream.streamID, remembered);
     return remembered;
 }
 
@@ -154,18 +183,69 @@ bool isRoutedTo(const ServerObjects &objects, std::uint32_t streamID, std::uint6
     return current && current->value == std::to_string(tapSerial);
 }
 
+bool remembersOwnTarget(const ServerObjects &objects, const RoutedStream &stream) {
+    return nameLastSet(objects, stream) == stream.remembered;
+}
+
+std::vector<RoutedStream> inOrderOfUndoing(const ServerObjects &objects,
+                                           std::vector<RoutedStream> streams) {
+    const auto program = [&](const RoutedStream &stream) {
+        const NodeRecord *node = objects.node(stream.streamID);
+        return node == nullptr || node->serial != stream.streamSerial ? std::string()
+                                                                      : programOf(*node);
+    };
+    const auto last =
+        std::stable_partition(streams.begin(), streams.end(), [&](const RoutedStream &stream) {
+            return !remembersOwnTarget(objects, stream);
+        });
+    std::for_each(streams.begin(), last, [&](RoutedStream &stream) {
+        if (std::any_of(last, streams.end(), [&](const RoutedStream &other) {
+                return other.remembered == stream.remembered && program(other) == program(stream);
+            }))
+            stream.remembered = nameLastSet(objects, stream);
+    });
+    return streams;
+}
+
+/// What the stream plays on without a "target.object" in the metadata, as a value of it.
+static MetadataValue ownTarget(const ServerObjects &objects, const NodeRecord &node,
+                               const RoutedStream &stream) {
+    std::string name = targetName(objects, std::nullopt, stream.targetNode);
+    if (name.empty() && !stream.targetNode)
+        name = nameOfObject(objects, {"", node.property("target.object")});
+    if (name.empty())
+        return {"Spa:Id", followDefault};
+    if (const NodeRecord *target = objects.nodeNamed(name))
+        return {"Spa:Id", std::to_string(target->serial)};
+    return {"Spa:String", name};
+}
+
 void undoRoute(const ServerObjects &objects, ServerCommands &commands, const RoutedStream &stream) {
     const NodeRecord *node = objects.node(stream.streamID);
-    const bool hasEnded = node == nullptr || node->serial != stream.streamSerial;
-    if (!hasEnded && stream.targetObject) {
-        setOrDelete(commands, stream.streamID, targetNodeKey, stream.targetNode);
-        commands.setMetadata(stream.streamID, targetObjectKey, *stream.targetObject);
+    const std::uint32_t id = stream.streamID;
+    if (node == nullptr || node->serial != stream.streamSerial) {
+        commands.deleteMetadata(id, targetObjectKey);
+        commands.deleteMetadata(id, targetNodeKey);
         return;
     }
-    commands.deleteMetadata(stream.streamID, targetObjectKey);
-    commands.deleteMetadata(stream.streamID, targetNodeKey);
-    if (!hasEnded && stream.targetNode)
-        commands.setMetadata(stream.streamID, targetNodeKey, *stream.targetNode);
+    if (stream.targetObject) {
+        setOrDelete(commands, id, targetNodeKey, stream.targetNode);
+        commands.setMetadata(id, targetObjectKey, *stream.targetObject);
+    } else {
+        commands.deleteMetadata(id, targetObjectKey);
+        commands.deleteMetadata(id, targetNodeKey);
+        if (stream.targetNode)
+            commands.setMetadata(id, targetNodeKey, *stream.targetNode);
+    }
+    const bool isAbsent =
+        !stream.remembered.empty() && objects.nodeNamed(stream.remembered) == nullptr;
+    if (isAbsent || remembersOwnTarget(objects, stream))
+        return;
+    // Another stream of the program has the target that is remembered, and may have ended. The
+    // stream's own target outweighs "target.node", which is seen last.
+    if (!stream.targetObject)
+        commands.setMetadata(id, targetObjectKey, ownTarget(objects, *node, stream));
+    resetTargetNode(commands, id, rememberedTarget(objects, stream));
 }
 
 void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
@@ -176,8 +256,10 @@ void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
     RoutedStream latest = stream;
     // Another value than ours was set by somebody else after the line was written.
     const auto node = objects.metadata(stream.streamID, targetNodeKey);
-    if (node && node->value != followDefault && *node != rememberedTarget(objects, stream))
+    if (node && node->value != followDefault && *node != rememberedTarget(objects, stream)) {
         latest.targetNode = node;
+        latest.remembered = nameOfNode(objects, *node);
+    }
     undoRoute(objects, commands, latest);
 }
 

@@ -30,7 +30,7 @@ constexpr double settleSeconds = 0.25;
 } // namespace
 
 StreamRouter::StreamRouter(const ServerObjects &objects, ServerCommands &commands, RouteLog &log)
-    : objects_(objects), commands_(objects, commands), log_(log) {}
+    : objects_(objects), commands_(objects, commands), log_(log), memory_(objects) {}
 
 void StreamRouter::begin(const RoutingEnds &ends) {
     const bool isOtherTap = isOn() && ends.tapSerial != ends_.tapSerial;
@@ -75,9 +75,15 @@ bool StreamRouter::isOwnID(const MetadataValue &value) const {
 }
 
 void StreamRouter::end() {
-    for (auto &[_, stream] : streams_)
+    std::vector<RoutedStream> held;
+    for (const auto &[_, stream] : streams_)
         if (isHeld(stream))
-            putBack(stream, Phase::released);
+            held.push_back(stream.route);
+    for (const RoutedStream &route : inOrderOfUndoing(objects_, std::move(held))) {
+        Stream &stream = streams_.at(route.streamID);
+        stream.route = route;
+        putBack(stream, Phase::released);
+    }
     for (const Ended &ended : ended_)
         cleanUp(ended.route);
     ended_.clear();
@@ -128,7 +134,30 @@ void StreamRouter::routeAll() {
         return;
     dropInheritedIDs();
     for (const auto &[_, node] : objects_.nodes())
+        learnTarget(node);
+    for (const auto &[_, node] : objects_.nodes())
         consider(node, metadataAt_);
+}
+
+void StreamRouter::learnTarget(const NodeRecord &node) {
+    if (node.isComplete && isPlayback(node) && !hasOwnTarget(node.id) &&
+        !streams_.contains(node.id))
+        memory_.learn(node, commands_.expected(node.id, targetObjectKey),
+                      commands_.expected(node.id, targetNodeKey));
+}
+
+/// The other streams of a program are put back so that its target is remembered.
+void StreamRouter::shareTarget(const NodeRecord &of) {
+    const std::string target = memory_.of(of);
+    for (auto &[id, stream] : streams_) {
+        const NodeRecord *node = objects_.node(id);
+        if (node == nullptr || stream.route.remembered == target ||
+            programOf(*node) != programOf(of) || isRestoring(*node, stream))
+            continue;
+        stream.route.remembered = target;
+        if (isHeld(stream))
+            log_.routed(stream.route);
+    }
 }
 
 void StreamRouter::consider(const NodeRecord &node, double appearedAt) {
@@ -154,13 +183,22 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     stream.retryAt = never;
     // Values that we set ourselves are an ended stream's with the same id, and no choice of
     // anybody's.
-    if (!hasOwnTarget(node.id)) {
+    const bool isInherited = hasOwnTarget(node.id);
+    if (isInherited) {
+        // Or setting it again would not be an event, and nobody could tell whether it came before
+        // what the session manager restores.
+        commands_.deleteMetadata(node.id, targetObjectKey);
+    } else {
         stream.route.targetObject = commands_.expected(node.id, targetObjectKey);
         stream.route.targetNode = commands_.expected(node.id, targetNodeKey);
+        memory_.learn(node, stream.route.targetObject, stream.route.targetNode);
     }
+    if (!isRestoring(node, stream))
+        stream.route.remembered = memory_.of(node);
+    shareTarget(node);
     if (mustNotBeCaptured(node)) {
         stream.phase = Phase::hearing;
-        if (hasOwnTarget(node.id))
+        if (isInherited)
             undoRoute(objects_, commands_, stream.route);
     } else if (isPulseClient(node) && !isAnsweredPulseClient(node) && handshakeSink() == 0) {
         stream.phase = Phase::waiting;
@@ -168,6 +206,15 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     } else {
         sendToTap(node, stream);
     }
+}
+
+/// True while the session manager may still give a new stream the target that it remembers. The
+/// same value from us would make its own one no event, and it would not be known to be the
+/// stream's.
+bool StreamRouter::isRestoring(const NodeRecord &node, const Stream &stream) const {
+    return commands_.seconds() - stream.appearedAt < settleSeconds && !stream.route.targetObject &&
+           !stream.route.targetNode && node.property("target.object").empty() &&
+           node.property("state.restore-target") != "false";
 }
 
 void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
@@ -187,11 +234,13 @@ void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
         if (link.outputNodeID == node.id && link.inputNodeID != ends_.tapID)
             stream.formerLinks.insert(id);
     log_.routed(stream.route);
-    routeTo(ends_.tapSerial, objects_, commands_, stream.route);
     const double now = commands_.seconds();
     stream.wasCaptured = false;
     stream.rememberAt = never;
     stream.rememberedAt = now;
+    if (stream.route.remembered != memory_.of(node))
+        stream.rememberAt = stream.appearedAt + settleSeconds;
+    routeTo(ends_.tapSerial, objects_, commands_, stream.route);
     if (objects_.hasPorts(node.id, false)) {
         awaitLinks(stream);
         startHandshake(node, stream);
@@ -496,6 +545,16 @@ void StreamRouter::metadataChanged(std::uint32_t subject, std::string_view key,
     // if we have ended by now.
     const bool isReplaced = commands_.isUnderWay(subject, key);
     const auto found = streams_.find(subject);
+    const NodeRecord *node = objects_.node(subject);
+    const bool isKnown = node != nullptr && node->isComplete && isPlayback(*node);
+    // Without us, setting the value that a stream has already would not be an event.
+    const bool isOther =
+        found == streams_.end() || !isHeld(found->second) ||
+        (isObject ? found->second.route.targetObject : found->second.route.targetNode) != value;
+    if (isKnown && isOther) {
+        memory_.choose(*node, key, value);
+        shareTarget(*node);
+    }
     if (found == streams_.end() || !isHeld(found->second)) {
         if (isReplaced)
             commands_.write(subject, isObject ? targetObjectKey : targetNodeKey, value);
@@ -503,8 +562,9 @@ void StreamRouter::metadataChanged(std::uint32_t subject, std::string_view key,
     }
     Stream &stream = found->second;
     (isObject ? stream.route.targetObject : stream.route.targetNode) = value;
+    if (isKnown)
+        stream.route.remembered = memory_.of(*node);
     log_.routed(stream.route);
-    const NodeRecord *node = objects_.node(subject);
     if (!isObject || isReplaced)
         remember(stream);
     else if (value && node != nullptr && commands_.seconds() - stream.appearedAt < restoringSeconds)
@@ -519,8 +579,10 @@ void StreamRouter::release(Stream &stream) {
     // What we have set as "target.node" would send it elsewhere once that target is taken away.
     if (stream.route.targetObject)
         remember(stream);
-    else
+    else if (remembersOwnTarget(objects_, stream.route))
         commands_.write(stream.route.streamID, targetNodeKey, stream.route.targetNode);
+    else
+        undoRoute(objects_, commands_, stream.route);
     log_.released(stream.route);
 }
 
@@ -592,8 +654,10 @@ void StreamRouter::checkDeadlines() {
             stream.leaveAt = never;
             endDoubleSound(*node, stream);
         }
-        if (now >= stream.rememberAt)
+        if (now >= stream.rememberAt) {
+            shareTarget(*node);
             remember(stream);
+        }
         if (now >= stream.giveUpAt) {
             putBack(stream, Phase::refused);
             stream.retryAt = now + std::min(longestRetrySeconds, std::exp2(++stream.failures));

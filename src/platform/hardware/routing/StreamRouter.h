@@ -3,6 +3,7 @@
 #include "platform/hardware/routing/OwnWrites.h"
 #include "platform/hardware/routing/RouteLog.h"
 #include "platform/hardware/routing/ServerCommands.h"
+#include "platform/hardware/routing/TargetMemory.h"
 
 #include <cstdint>
 #include <limits>
@@ -116,8 +117,11 @@ class StreamRouter final : public ServerObserver {
     void routeAll();
     void dropInheritedIDs();
     [[nodiscard]] bool isOwnID(const MetadataValue &value) const;
+    void learnTarget(const NodeRecord &node);
+    void shareTarget(const NodeRecord &of);
     void consider(const NodeRecord &node, double appearedAt);
     void route(const NodeRecord &node, Stream &stream);
+    [[nodiscard]] bool isRestoring(const NodeRecord &node, const Stream &stream) const;
     void sendToTap(const NodeRecord &node, Stream &stream);
     void awaitLinks(Stream &stream);
     void letGo(Stream &stream, Phase phase);
@@ -146,8 +150,9 @@ class StreamRouter final : public ServerObserver {
     RouteLog &log_;
     RoutingEnds ends_;                ///< ids become 0 when their nodes go: others are given them
     std::set<std::uint64_t> ownTaps_; ///< serials of every tap so far
-    double metadataAt_ = -never;      ///< when the table came
-    Streams streams_;                 ///< by node id
+    TargetMemory memory_;
+    double metadataAt_ = -never; ///< when the table came
+    Streams streams_;            ///< by node id
     std::vector<Ended> ended_;
     std::set<std::uint32_t> hearers_; ///< of the processed sound
 };

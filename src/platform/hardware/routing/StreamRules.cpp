@@ -6,8 +6,6 @@
 namespace quorbel {
 namespace {
 
-bool isPlayback(const NodeRecord &node) { return node.mediaClass().starts_with("Stream/Output"); }
-
 bool haveEqual(const NodeRecord &a, const NodeRecord &b, const char *key) {
     const std::string &value = a.property(key);
     return !value.empty() && value == b.property(key);
@@ -31,6 +29,16 @@ bool isRoutable(const NodeRecord &node) {
                                "node.exclusive"};
     return std::none_of(fixed.begin(), fixed.end(),
                         [&](const char *key) { return node.property(key) == "true"; });
+}
+
+bool isPlayback(const NodeRecord &node) { return node.mediaClass().starts_with("Stream/Output"); }
+
+std::string programOf(const NodeRecord &node) {
+    for (const char *key :
+         {"media.role", "application.id", "application.name", "media.name", "node.name"})
+        if (const std::string &value = node.property(key); !value.empty())
+            return node.mediaClass() + ":" + key + ":" + value;
+    return {};
 }
 
 bool isPulseClient(const NodeRecord &node) {

@@ -3,12 +3,20 @@
 #include "platform/hardware/routing/ServerObjects.h"
 
 #include <set>
+#include <string>
 
 namespace quorbel {
 
 /// True for a stream that may be sent to the tap: an application's playback that lets the session
 /// manager decide where it goes.
 bool isRoutable(const NodeRecord &node);
+
+/// True for every stream that plays, our own output too.
+bool isPlayback(const NodeRecord &node);
+
+/// What the session manager knows a stream's program by, across its starts: it remembers one target
+/// for all streams of one such name.
+std::string programOf(const NodeRecord &node);
 
 /// True for the stream of a client of the PulseAudio server.
 bool isPulseClient(const NodeRecord &node);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
 
 namespace quorbel::desktop {
 
@@ -116,6 +117,8 @@ Desktop::Desktop(const Storm &storm, bool hasUs)
             application.halves = {input, traits};
         }
     }
+    if (chance(random, 60)) // two streams of one program
+        applications[1].halves[0].application = applications[0].halves[0].application;
     for (int slot = 0; slot < 2; ++slot) {
         isPlugged[static_cast<std::size_t>(slot)] = true;
         plugNode(slot, 100);
@@ -226,6 +229,37 @@ void Desktop::fire(const Timer &timer) {
     }
 }
 
+bool Desktop::isPinUncertain(const std::string &program) const {
+    return std::any_of(applications.begin(), applications.end(), [&](const Application &each) {
+        return each.isPinUncertain && each.halves.back().application == program;
+    });
+}
+
+bool Desktop::sharesName(const Application &application) const {
+    return std::any_of(applications.begin(), applications.end(), [&](const Application &other) {
+        return &other != &application &&
+               other.halves.back().application == application.halves.back().application;
+    });
+}
+
+void Desktop::noteUnknownPins() {
+    for (Application &application : applications) {
+        std::set<std::string> pins;
+        for (const Application &other : applications)
+            if (const Node *node = playback(other);
+                node != nullptr &&
+                node->traits->application == application.halves.back().application)
+                if (std::string pin = chosenTarget(server, *node); !pin.empty())
+                    pins.insert(std::move(pin));
+        const auto found = manager.remembered.find(application.halves.back().application);
+        const std::string remembered = found == manager.remembered.end() ? "" : found->second;
+        const bool isKnown =
+            pins.empty() ? remembered.empty() : pins == std::set<std::string>{remembered};
+        if (application.wasMovedByLinks || (sharesName(application) && !isKnown))
+            application.isPinUncertain = true;
+    }
+}
+
 /// Users act on what they see, so not within the first moments.
 bool Desktop::canUserMove(const Application &application) const {
     return !application.serials.empty() && manager.isThere() &&
@@ -263,8 +297,11 @@ void Desktop::carryOut(const StormEvent &event) {
         if (application.hasObject && (how == 1 || how == 4))
             how = how == 1 ? 2 : 3;
         // Of the value that we have written ourselves nobody hears when a user writes it again.
-        if (how == 4 && !application.halves.back().ownTarget.empty())
+        const bool isOneOfTwo = sharesName(application);
+        if (how == 4 && (isOneOfTwo || !application.halves.back().ownTarget.empty()))
             how = 3;
+        if (how == 1 && isOneOfTwo)
+            how = 2;
         if (device == nullptr && how < 3)
             break;
         application.movedAt = server.now;

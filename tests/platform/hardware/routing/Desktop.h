@@ -44,9 +44,14 @@ class Desktop {
     void carryOut(const StormEvent &event);
     /// Lets everybody return who is away.
     void calm();
+    /// We begin to look now: what the session manager remembers of a program is known to us only if
+    /// it is the target of one of its streams.
+    void noteUnknownPins();
     [[nodiscard]] const std::string &violation() const { return violation_; }
     void fail(std::string text);
 
+    /// Of one of the streams of a program.
+    [[nodiscard]] bool isPinUncertain(const std::string &program) const;
     [[nodiscard]] const Node *playback(const Application &application) const;
     [[nodiscard]] bool hasReadyDevice() const;
 
@@ -71,6 +76,7 @@ class Desktop {
     void lookAtView();
     void noteUncertainPins();
     [[nodiscard]] bool hasWay(const Application &application) const;
+    [[nodiscard]] bool sharesName(const Application &application) const;
     [[nodiscard]] bool canUserMove(const Application &application) const;
 
     bool hasUs_;

@@ -28,7 +28,8 @@ std::string nameOf(const SimulatedServer &server, const Entry *entry) {
         if ((entry->key == targetObjectKey ? std::to_string(node.serial)
                                            : std::to_string(node.id)) == entry->value.value)
             return node.traits->name;
-    return "absent";
+    const bool isNumber = entry->value.value.find_first_not_of("0123456789") == std::string::npos;
+    return isNumber ? "absent" : entry->value.value;
 }
 
 /// The name of what the stream's target is by metadata.
@@ -36,6 +37,8 @@ std::string targetOf(const SimulatedServer &server, const Node &node) {
     std::string target = nameOf(server, server.entry(node.id, targetObjectKey));
     if (target.empty())
         target = nameOf(server, server.entry(node.id, targetNodeKey));
+    if (target.empty())
+        target = node.traits->ownTarget;
     return target == "-1" ? "" : target;
 }
 
@@ -113,8 +116,9 @@ std::string wrongStream(const Desktop &desktop, const Desktop &without, std::siz
         hears(desktop.server, output->id, node->id);
     if (!mayBeElsewhere)
         return node->traits->name + " is not captured but at: " + here;
-    if (application.wasMovedByLinks || application.isPinUncertain ||
-        without.applications[slot].isPinUncertain || desktop.manager.isOld(node->serial) ||
+    const std::string &program = node->traits->application;
+    if (application.wasMovedByLinks || desktop.isPinUncertain(program) ||
+        without.isPinUncertain(program) || desktop.manager.isOld(node->serial) ||
         desktop.client.wasWatchdogLost())
         return "";
     const std::string there = places(without, *plain);
@@ -128,9 +132,9 @@ std::string wrongStream(const Desktop &desktop, const Desktop &without, std::siz
 std::string wrongPins(const Desktop &desktop, const Desktop &without, bool isOff) {
     for (std::size_t slot = 0; slot < desktop.applications.size(); ++slot) {
         const Application &application = desktop.applications[slot];
-        if (application.isPinUncertain || without.applications[slot].isPinUncertain)
-            continue;
         const std::string &name = application.halves.back().application;
+        if (desktop.isPinUncertain(name) || without.isPinUncertain(name))
+            continue;
         const auto remembered = [&](const Desktop &of) {
             const auto found = of.manager.remembered.find(name);
             return found == of.manager.remembered.end() ? "" : found->second;
@@ -167,6 +171,10 @@ const char *leftBehind(const Desktop &desktop) {
 }
 
 } // namespace
+
+std::string chosenTarget(const SimulatedServer &server, const Node &node) {
+    return targetOf(server, node);
+}
 
 bool hears(const SimulatedServer &server, std::uint32_t from, std::uint32_t to) {
     std::vector<std::uint32_t> reached{from};

@@ -16,6 +16,9 @@ bool hears(const SimulatedServer &server, std::uint32_t from, std::uint32_t to);
 /// the client can know; empty if there is none.
 std::string fedBack(const SimulatedClient &client);
 
+/// The name of the node that the stream's metadata names as its target; empty if none.
+std::string chosenTarget(const SimulatedServer &server, const Node &node);
+
 /// What is wrong with the desktop in a quiet moment, compared with one without us; empty if
 /// nothing.
 std::string wrongWhenQuiet(const Desktop &desktop, const Desktop &without);

@@ -14,7 +14,7 @@ TEST(RoutedStream, EveryLineReadsBackAsItWas) {
          {none, std::optional(MetadataValue{"Spa:Id", "-1"}), std::optional(MetadataValue{"", ""}),
           std::optional(MetadataValue{"Spa:String", "a name with 100 %\n\tand more"})})
         for (const auto &node : {none, std::optional(MetadataValue{"Spa:Id", "36"})}) {
-            const RoutedStream stream{7, 1'000'000'000'000, 93, 91, target, node};
+            const RoutedStream stream{7, 1'000'000'000'000, 93, 91, target, node, "a device"};
             const std::string line = stream.encoded();
             EXPECT_EQ(line.find('\n'), std::string::npos) << line;
             const auto read = RoutedStream::decode(line);
@@ -23,6 +23,7 @@ TEST(RoutedStream, EveryLineReadsBackAsItWas) {
             EXPECT_EQ(read->formerTapSerial, stream.formerTapSerial);
             EXPECT_EQ(read->targetObject, target);
             EXPECT_EQ(read->targetNode, node);
+            EXPECT_EQ(read->remembered, stream.remembered);
         }
 }
 
@@ -33,8 +34,8 @@ TEST(RoutedStream, ALineCutShortIsRefused) {
     // Only the last value could lose characters unnoticed, as a shorter value.
     for (std::size_t length = 0; length + 3 < line.size(); ++length)
         EXPECT_FALSE(RoutedStream::decode(line.substr(0, length))) << line.substr(0, length);
-    for (const char *text : {"routed", "routed 1 2 3 0 - - - - -", "routed x 2 3 0 - - - -",
-                             "routed 1 2 3 0 =a%4 =b - -", "routed 1 2 3 0 - =b - -", "CLEAN"})
+    for (const char *text : {"routed", "routed 1 2 3 0 = - - - - -", "routed x 2 3 0 = - - - -",
+                             "routed 1 2 3 0 = =a%4 =b - -", "routed 1 2 3 0 = - =b - -", "CLEAN"})
         EXPECT_FALSE(RoutedStream::decode(text)) << text;
 }
 

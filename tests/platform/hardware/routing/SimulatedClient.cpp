@@ -148,6 +148,7 @@ void SimulatedClient::start() {
     if (!server_.isClientThere)
         reconnectAt_ = server_.now;
     supervisor_.reset();
+    router_ = std::make_unique<StreamRouter>(*objects_, *this, journal_);
     if (server_.isClientThere && objects_->hasMetadata())
         bindMetadata(); // nobody may have heard of its changes
     tick();
@@ -389,7 +390,7 @@ void SimulatedClient::take(const Event &event) {
                                       : std::nullopt);
         if (isFirst) {
             objects_->setHasMetadata(true);
-            for (const RoutedStream &stream : leftovers_) {
+            for (const RoutedStream &stream : inOrderOfUndoing(*objects_, leftovers_)) {
                 restoreRoute(*objects_, *this, stream);
                 journal_.released(stream);
             }
@@ -435,7 +436,7 @@ void SimulatedClient::tick() {
         RouteLedger ledger;
         for (const RoutedStream &stream : journal_.ledger.streams())
             ledger.take(stream.encoded());
-        for (const RoutedStream &stream : ledger.streams())
+        for (const RoutedStream &stream : inOrderOfUndoing(watchdog.objects, ledger.streams()))
             restoreRoute(watchdog.objects, watchdog, stream);
         if (isWatchdogMortal_ && !server_.fromWatchdog.empty()) {
             server_.fromWatchdog.cut(static_cast<std::size_t>(

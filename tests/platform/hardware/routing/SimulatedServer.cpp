@@ -32,6 +32,8 @@ void NodeTraits::fill() {
                           {"node.name", name}};
     if (!client.empty())
         registryProperties["client.id"] = client;
+    if (!application.empty())
+        registryProperties["application.name"] = application;
     properties = registryProperties;
     if (isAutoconnected)
         properties["node.autoconnect"] = "true";

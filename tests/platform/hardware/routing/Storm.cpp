@@ -89,11 +89,15 @@ std::string run(const Storm &storm) {
     Desktop desktop(storm, true);
     Desktop without(storm, false);
     Micros end = storm.events.empty() ? 0 : storm.events.back().at;
-    for (const StormEvent &event : storm.events)
+    for (const StormEvent &event : storm.events) {
+        const bool isOff = !desktop.client.wantsOn();
         for (Desktop *each : {&desktop, &without}) {
             each->runUntil(event.at);
+            if (event.kind == start && isOff)
+                each->noteUnknownPins();
             each->carryOut(event);
         }
+    }
     // Once as the storm has left it, and once after a stop.
     for (const bool stops : {false, true}) {
         for (Desktop *each : {&desktop, &without}) {

@@ -1,0 +1,28 @@
+#include "platform/hardware/routing/TargetMemory.h"
+
+#include "platform/hardware/routing/RoutedStream.h"
+#include "platform/hardware/routing/StreamRules.h"
+
+#include <utility>
+
+namespace quorbel {
+
+void TargetMemory::learn(const NodeRecord &stream, const std::optional<MetadataValue> &object,
+                         const std::optional<MetadataValue> &node) {
+    if (std::string name = targetName(objects_, object, node); !name.empty())
+        targets_.emplace(programOf(stream), std::move(name));
+}
+
+void TargetMemory::choose(const NodeRecord &stream, std::string_view key,
+                          const std::optional<MetadataValue> &value) {
+    targets_[programOf(stream)] = key == targetObjectKey
+                                      ? targetName(objects_, value, std::nullopt)
+                                      : targetName(objects_, std::nullopt, value);
+}
+
+std::string TargetMemory::of(const NodeRecord &stream) const {
+    const auto found = targets_.find(programOf(stream));
+    return found == targets_.end() ? std::string() : found->second;
+}
+
+} // namespace quorbel
