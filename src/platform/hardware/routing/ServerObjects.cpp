@@ -41,6 +41,11 @@ const NodeRecord *ServerObjects::nodeWithSerial(std::uint64_t serial) const {
     return findNode(nodes_, [&](const NodeRecord &node) { return node.serial == serial; });
 }
 
+const PortRecord *ServerObjects::port(std::uint32_t id) const {
+    const auto found = ports_.find(id);
+    return found == ports_.end() ? nullptr : &found->second;
+}
+
 std::vector<PortRecord> ServerObjects::ports(std::uint32_t nodeID, bool input) const {
     std::vector<PortRecord> result;
     for (const auto &[_, port] : ports_)

@@ -67,6 +67,7 @@ class ServerObjects {
     [[nodiscard]] const NodeRecord *nodeNamed(std::string_view name) const;
     [[nodiscard]] const NodeRecord *nodeWithSerial(std::uint64_t serial) const;
     [[nodiscard]] const std::map<std::uint32_t, NodeRecord> &nodes() const { return nodes_; }
+    [[nodiscard]] const PortRecord *port(std::uint32_t id) const;
     /// In the order of their indices.
     [[nodiscard]] std::vector<PortRecord> ports(std::uint32_t nodeID, bool input) const;
     [[nodiscard]] bool hasPorts(std::uint32_t nodeID, bool input) const;

@@ -11,6 +11,13 @@ bool haveEqual(const NodeRecord &a, const NodeRecord &b, const char *key) {
     return !value.empty() && value == b.property(key);
 }
 
+/// True for a link that carries what a device records, and not what is played on it.
+bool isRecorded(const ServerObjects &objects, const NodeRecord *device, const LinkRecord &link) {
+    const PortRecord *port = objects.port(link.outputPortID);
+    return device != nullptr && device->mediaClass() == "Audio/Duplex" && port != nullptr &&
+           !port->isMonitor;
+}
+
 bool areOfOneProgram(const NodeRecord &a, const NodeRecord &b) {
     if (haveEqual(a, b, "node.link-group") || haveEqual(a, b, "client.id"))
         return true;
@@ -94,10 +101,10 @@ std::set<std::uint32_t> hearersOf(const ServerObjects &objects, std::uint32_t no
     while (!fresh.empty()) {
         const std::uint32_t from = fresh.back();
         fresh.pop_back();
-        for (const auto &[_, link] : objects.links())
-            if (link.outputNodeID == from)
-                add(link.inputNodeID);
         const NodeRecord *listener = objects.node(from);
+        for (const auto &[_, link] : objects.links())
+            if (link.outputNodeID == from && !isRecorded(objects, listener, link))
+                add(link.inputNodeID);
         if (listener == nullptr || from == nodeID || isPlayback(*listener))
             continue;
         // Of a sink only the output half of a virtual one plays what it hears.

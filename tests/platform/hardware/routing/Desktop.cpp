@@ -119,6 +119,9 @@ Desktop::Desktop(const Storm &storm, bool hasUs)
     }
     if (chance(random, 60)) // two streams of one program
         applications[1].halves[0].application = applications[0].halves[0].application;
+    if (chance(random, 40))
+        client.chosenDevice = "device" + std::to_string(below(random, deviceCount));
+    duplexDevice_ = chance(random, 30) ? below(random, deviceCount) : -1;
     for (int slot = 0; slot < 2; ++slot) {
         isPlugged[static_cast<std::size_t>(slot)] = true;
         plugNode(slot, 100);
@@ -172,6 +175,7 @@ void Desktop::plugNode(int slot, Micros interval) {
     traits.name = "device" + std::to_string(slot);
     traits.mediaClass = Class::sink;
     traits.channels = channels[static_cast<std::size_t>(slot)];
+    traits.isDuplex = slot == duplexDevice_;
     traits.slot = slot;
     traits.isAutoconnected = false;
     server.addNode(traits);
@@ -191,7 +195,7 @@ void Desktop::fire(const Timer &timer) {
             break;
         const char *channel = channelNames(node.traits->channels)[static_cast<std::size_t>(index)];
         server.addPort(node, index, true, false, channel);
-        server.addPort(node, index, false, true, channel);
+        server.addPort(node, index, false, !node.traits->isDuplex, channel);
         timers_.push_back(
             {Timer::Kind::port, timer.slot, server.now + timer.interval, timer.interval});
         break;
@@ -255,7 +259,7 @@ void Desktop::noteUnknownPins() {
         const std::string remembered = found == manager.remembered.end() ? "" : found->second;
         const bool isKnown =
             pins.empty() ? remembered.empty() : pins == std::set<std::string>{remembered};
-        if (application.wasMovedByLinks || (sharesName(application) && !isKnown))
+        if (application.wasMovedByLinks || !isKnown)
             application.isPinUncertain = true;
     }
 }
@@ -329,7 +333,6 @@ void Desktop::carryOut(const StormEvent &event) {
         if (node->count(false) == 0)
             break;
         application.wasMovedByLinks = true;
-        application.isPinUncertain = true; // the place may have become its target
         application.movedAt = server.now;
         server.removeLinksOf(node->id);
         server.connectByChannel(*server.find(node->serial), *device, Owner::user);
@@ -554,7 +557,7 @@ void Desktop::noteSilence() {
 }
 
 void Desktop::lookForSilence() {
-    constexpr Micros longest = 600'000; // half a second and the time of messages under way
+    constexpr Micros longest = 500'000;
     const Micros good = std::max({goodSince_, stalledUntil_, server.disturbedAt});
     for (const Application &application : applications)
         if (application.silentSince >= 0 &&

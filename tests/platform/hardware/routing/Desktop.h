@@ -82,6 +82,7 @@ class Desktop {
     bool hasUs_;
     std::uint64_t seed_;
     bool ownsDevices_; ///< the session manager
+    int duplexDevice_ = -1;
     std::vector<Timer> timers_;
     Micros killedAt_ = 0; ///< our program, in either world
     Micros goodSince_ = 0, stalledUntil_ = 0, feedbackSince_ = -1;

@@ -139,9 +139,7 @@ std::string wrongPins(const Desktop &desktop, const Desktop &without, bool isOff
             const auto found = of.manager.remembered.find(name);
             return found == of.manager.remembered.end() ? "" : found->second;
         };
-        // Of a stream that names a target itself, the memory is never used again.
-        if (application.halves.back().ownTarget.empty() &&
-            remembered(desktop) != remembered(without))
+        if (remembered(desktop) != remembered(without))
             return name + " is remembered at '" + remembered(desktop) + "' and without us at '" +
                    remembered(without) + "'";
         const Node *node = desktop.playback(application);
@@ -184,8 +182,11 @@ bool hears(const SimulatedServer &server, std::uint32_t from, std::uint32_t to) 
     };
     for (std::size_t i = 0; i < reached.size(); ++i) {
         const std::uint32_t at = reached[i];
+        const bool isDuplex =
+            std::any_of(server.nodes.begin(), server.nodes.end(),
+                        [&](const Node &node) { return node.id == at && node.traits->isDuplex; });
         for (const Link &link : server.links)
-            if (link.outputNode == at)
+            if (link.outputNode == at && !isDuplex)
                 add(link.inputNode);
         for (const Node &node : server.nodes) {
             if (node.id != at || node.traits->isPlayback() || node.traits->isTap())
@@ -214,10 +215,12 @@ std::string fedBack(const SimulatedClient &client) {
             reached.push_back(id);
     };
     for (std::size_t i = 0; i < reached.size(); ++i) {
+        const NodeRecord *node = objects.node(reached[i]);
+        if (node != nullptr && node->mediaClass() == "Audio/Duplex")
+            continue;
         for (const auto &[_, link] : objects.links())
             if (link.outputNodeID == reached[i])
                 add(link.inputNodeID);
-        const NodeRecord *node = objects.node(reached[i]);
         if (node == nullptr || node->id == ends.tapID ||
             node->mediaClass().starts_with("Stream/Output") ||
             (isOutputDevice(*node) && node->property("node.link-group").empty()))

@@ -174,6 +174,7 @@ void SimulatedClient::createPair() {
     output.mediaClass = Class::outputInternal;
     output.handle = outHandle_;
     output.isAutoconnected = true;
+    output.ownTarget = chosenDevice;
     for (NodeTraits *traits : {&tap, &output}) {
         traits->fill();
         send({.kind = Command::Kind::createNode,

@@ -34,6 +34,8 @@ class SimulatedClient final : public ServerCommands {
   public:
     explicit SimulatedClient(SimulatedServer &server) : server_(server) {}
 
+    std::string chosenDevice; ///< name; empty: the default
+
     void start();
     void stop();
     /// Ends at once; of the commands under way the first `kept` still arrive.

@@ -30,6 +30,8 @@ void NodeTraits::fill() {
         "Audio/Sink/Internal", "Stream/Output/Audio/Internal"};
     registryProperties = {{"media.class", classes[static_cast<int>(mediaClass)]},
                           {"node.name", name}};
+    if (isDuplex)
+        registryProperties["media.class"] = "Audio/Duplex";
     if (!client.empty())
         registryProperties["client.id"] = client;
     if (!application.empty())

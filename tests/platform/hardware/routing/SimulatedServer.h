@@ -56,6 +56,7 @@ struct NodeTraits {
     bool isAutoconnected = true;
     bool isFixed = false; ///< node.dont-reconnect or one of its kind
     bool recordsSink = false;
+    bool isDuplex = false; ///< of a sink: it records too, and what it gives is no monitor
     bool isPulse = false;
     bool isAnswered = false;
     std::string fixedKey;
