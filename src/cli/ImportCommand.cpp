@@ -48,8 +48,8 @@ std::string importText(Persisted &settings, const std::string &text, const std::
     const EqualizerImport import = importEqualizerText(text, name);
     applyImport(settings, import);
     std::string report = fmt::format("{}: {} filter{}, preamp {:g} dB as the global gain\n",
-                                     printable(import.preset.name), import.activeFilters,
-                                     import.activeFilters == 1 ? "" : "s", import.globalGainDB);
+                                     printable(import.preset.name), import.takenFilters,
+                                     import.takenFilters == 1 ? "" : "s", import.globalGainDB);
     if (import.fit)
         report +=
             fmt::format("fitted onto ten bands: {:.2f} dB off on average, {:.2f} dB at most\n",

@@ -40,7 +40,7 @@ std::string notesOf(const EqualizerImport &import) {
         notes += fmt::format(" Belongs with a global gain of {} dB.", import.globalGainDB);
     if (import.fit)
         notes += fmt::format(" {} filters fitted onto {} bands: {:.2f} dB RMS, at most {:.2f} dB.",
-                             import.activeFilters, equalizerBandCount, import.fit->rmsDB,
+                             import.takenFilters, equalizerBandCount, import.fit->rmsDB,
                              import.fit->maximumDB);
     return notes;
 }
@@ -57,24 +57,21 @@ EqualizerImport importEqualizerText(std::string_view bytes, std::string_view nam
     import.globalGainDB = text.preampDB;
     import.limited = std::move(text.limited);
     import.skipped = std::move(text.skipped);
-    import.activeFilters = static_cast<std::size_t>(
-        std::count_if(text.bands.begin(), text.bands.end(),
-                      [](const TextBand &entry) { return isActive(entry.band);
-}));
 
-dropInactive(text.bands, import.skipped);
-std::vector<EQBand> &bands = import.preset.bands;
-std::transform(text.bands.begin(), text.bands.end(), std::back_inserter(bands),
-               [](const TextBand &entry) { return entry.band; });
-if (bands.size() > equalizerBandCount) {
-    BandFit fit = fitBands(bands, equalizerBandCount);
-    bands = std::move(fit.bands);
-    import.fit = fit.error;
+    dropInactive(text.bands, import.skipped);
+    import.takenFilters = text.bands.size();
+    std::vector<EQBand> &bands = import.preset.bands;
+    std::ranges::transform(text.bands, std::back_inserter(bands), &TextBand::band);
+    if (bands.size() > equalizerBandCount) {
+        BandFit fit = fitBands(bands, equalizerBandCount);
+        bands = std::move(fit.bands);
+        import.fit = fit.error;
+    }
+    fillWithFlatBands(bands);
+    std::ranges::stable_sort(bands, {}, &EQBand::frequency);
+    import.preset.notes = notesOf(import);
+    return import;
 }
-fillWithFlatBands(bands);
-import.preset.notes = notesOf(import);
-return import;
-} // namespace quorbel
 
 void applyImport(Persisted &settings, const EqualizerImport &import) {
     settings.bands = import.preset.bands;

@@ -16,16 +16,16 @@ namespace quorbel {
 
 /// A parametric equaliser text as a preset of the user's.
 struct EqualizerImport {
-    /// Exactly ten bands, because a shorter list would leave bands of the preset before it in
-    /// force: missing ones are flat. Every other setting is at its default, which is off. The
-    /// notes name the gain that belongs to the preset.
+    /// Exactly ten bands in the order of their frequencies. A shorter list would leave bands of the
+    /// previous preset active, so missing bands are flat. Every other setting is at its default,
+    /// which is off. The notes name the gain that belongs to the preset.
     Preset preset;
 
     /// The preamp. A preset has no place for it: it is the equaliser's global gain.
     float globalGainDB = 0.0F;
 
-    std::size_t activeFilters = 0;    ///< of the text: neither OFF nor flat
-    std::optional<ResponseError> fit; ///< when there were more than ten of them
+    std::size_t takenFilters = 0;     ///< of the text, OFF and flat ones included
+    std::optional<ResponseError> fit; ///< where more than ten were taken
     std::vector<LineNote> skipped;    ///< lines without effect on the preset, by line
     std::vector<LineNote> limited;    ///< values beyond what the equaliser plays, by line
 };

@@ -38,7 +38,7 @@ ImportedPreset fromText(const std::string &text, const std::string &name) {
     EqualizerImport import = importEqualizerText(text, name);
     std::string summary = fmt::format(
         "{}: {} filter{}, preamp {:g} dB as the global gain", import.preset.name,
-        import.activeFilters, import.activeFilters == 1 ? "" : "s", import.globalGainDB + 0.0F);
+        import.takenFilters, import.takenFilters == 1 ? "" : "s", import.globalGainDB + 0.0F);
     if (import.fit)
         summary += fmt::format(", fitted onto ten bands: {:.2f} dB off on average, {:.2f} at most",
                                import.fit->rmsDB, import.fit->maximumDB);
