@@ -34,15 +34,15 @@ int moveWithoutReplacing(const std::string &from, const std::string &to) {
 
 } // namespace
 
-SetAside setAside(const std::string &link) {
+SetAside setAside(const std::string &link, std::string_view stem) {
     constexpr int triedNames = 1000;
     const std::string path = fileBehindLinks(link);
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
     const auto unixSeconds = static_cast<long long>(std::time(nullptr));
-    std::string name = fmt::format("state.corrupt-{}.json", unixSeconds);
+    std::string name = fmt::format("{}.corrupt-{}.json", stem, unixSeconds);
     int errorNumber = moveWithoutReplacing(path, folder / name);
     for (int number = 2; errorNumber == EEXIST && number <= triedNames; ++number) {
-        name = fmt::format("state.corrupt-{}-{}.json", unixSeconds, number);
+        name = fmt::format("{}.corrupt-{}-{}.json", stem, unixSeconds, number);
         errorNumber = moveWithoutReplacing(path, folder / name);
     }
     const bool isElsewhere = folder != std::filesystem::path(link).parent_path();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <system_error>
 
 namespace quorbel {
@@ -11,8 +12,8 @@ struct SetAside {
 };
 
 /// Moves a file that is of no use, but may be of value to the user, out of the way: to
-/// `state.corrupt-<seconds since 1970>.json` in its folder. Symbolic links stay; what they lead to
+/// `<stem>.corrupt-<seconds since 1970>.json` in its folder. Symbolic links stay; what they lead to
 /// is moved. Never replaces another file: where the name is taken, the new one gets a number.
-SetAside setAside(const std::string &path);
+SetAside setAside(const std::string &path, std::string_view stem = "state");
 
 } // namespace quorbel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "settings/records/Uuid.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// `favourite-presets.json` beside the settings file: the ids of the user's favourites among the
+/// presets.
+///
+///     {"version":1,"favourites":["5D0C6A1E-…"]}
+///
+/// Unknown keys are kept. Ids of presets that are not there are kept too: their preset may come
+/// back by undo or with another machine's settings.
+class FavouritePresetsFile {
+  public:
+    /// Without favourites until `read`.
+    explicit FavouritePresetsFile(const std::string &settingsPath);
+    ~FavouritePresetsFile();
+
+    [[nodiscard]] const std::vector<Uuid> &ids() const { return ids_; }
+
+    /// Reads the file; one that is missing has no favourites. Returns a warning for the user where
+    /// a damaged file had to be set aside. Throws SettingsFileError for a file that cannot be read,
+    /// or was written by a later version: it is left as it is.
+    std::optional<std::string> read();
+
+    /// Replaces the favourites with `next`, but for those that another program has added or removed
+    /// since the last reading. Returns the warning of `read`. Throws SettingsFileError and
+    /// FileReplacementError; the file is then as it was.
+    std::optional<std::string> write(const std::vector<Uuid> &next);
+
+  private:
+    void take(const std::string &text);
+
+    std::string path_;
+    std::vector<Uuid> ids_;
+    std::unique_ptr<nlohmann::json> document_; ///< with the keys that this version does not know
+};
+
+} // namespace quorbel
