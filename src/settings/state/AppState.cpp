@@ -24,11 +24,14 @@ AppState::AppState(AudioHardware &hardware, Clock &clock, std::string settingsPa
 
 AppState::~AppState() = default;
 
-std::string AppState::activePresetDisplayName() const {
+bool AppState::isActivePresetUnchanged() const {
     const Preset *active = activePreset();
-    const bool isAsSaved = active != nullptr && engine_->eq().bands() == active->bands &&
-                           engine_->spatial() == active->spatial;
-    return isAsSaved ? active->name : "Custom";
+    return active != nullptr && engine_->eq().bands() == active->bands &&
+           engine_->spatial() == active->spatial;
+}
+
+std::string AppState::activePresetDisplayName() const {
+    return isActivePresetUnchanged() ? activePreset()->name : "Custom";
 }
 
 void AppState::applyPreset(const Preset &preset) {

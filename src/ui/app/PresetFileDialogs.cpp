@@ -31,17 +31,17 @@ PresetFileDialogs::PresetFileDialogs(QWindow &window) : window_(window), folder_
 
 PresetFileDialogs::~PresetFileDialogs() = default;
 
-void PresetFileDialogs::chooseImport(Chosen chosen) {
-    QFileDialog *dialog = make(text("Import a preset"), QFileDialog::AcceptOpen);
+void PresetFileDialogs::chooseImport(FilesChosen chosen) {
+    QFileDialog *dialog = make(text("Import presets"), QFileDialog::AcceptOpen);
     if (dialog == nullptr)
         return;
-    dialog->setFileMode(QFileDialog::ExistingFile);
+    dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setNameFilters(
         {text("Presets and equaliser texts (*.json *.txt)"), text("All files (*)")});
     show(*dialog, std::move(chosen));
 }
 
-void PresetFileDialogs::chooseExport(const QString &suggestedName, Chosen chosen) {
+void PresetFileDialogs::chooseExport(const QString &suggestedName, FileChosen chosen) {
     QFileDialog *dialog = make(text("Export a preset"), QFileDialog::AcceptSave);
     if (dialog == nullptr)
         return;
@@ -54,7 +54,8 @@ void PresetFileDialogs::chooseExport(const QString &suggestedName, Chosen chosen
     QObject::connect(dialog, &QFileDialog::filterSelected, dialog, followFilter);
     followFilter(filters.first());
     dialog->selectFile(suggestedName + '.' + extensionOf(filters.first()));
-    show(*dialog, std::move(chosen));
+    show(*dialog,
+         [chosen = std::move(chosen)](const QStringList &paths) { chosen(paths.first()); });
 }
 
 QFileDialog *PresetFileDialogs::make(const QString &title, QFileDialog::AcceptMode mode) {
@@ -69,11 +70,12 @@ QFileDialog *PresetFileDialogs::make(const QString &title, QFileDialog::AcceptMo
     return dialog_.get();
 }
 
-void PresetFileDialogs::show(QFileDialog &dialog, Chosen chosen) {
-    QObject::connect(&dialog, &QFileDialog::fileSelected, &dialog,
-                     [this, chosen = std::move(chosen)](const QString &path) {
+void PresetFileDialogs::show(QFileDialog &dialog, FilesChosen chosen) {
+    QObject::connect(&dialog, &QFileDialog::filesSelected, &dialog,
+                     [this, chosen = std::move(chosen)](const QStringList &paths) {
                          folder_ = dialog_->directory();
-                         chosen(path);
+                         if (!paths.empty())
+                             chosen(paths);
                      });
     // The window is none of Qt Widgets': only its handle can be the dialog's parent.
     dialog.winId();

@@ -19,16 +19,16 @@ class PresetFileDialogs final : public PresetFileChooser {
     explicit PresetFileDialogs(QWindow &window);
     ~PresetFileDialogs() override;
 
-    void chooseImport(Chosen chosen) override;
-    void chooseExport(const QString &suggestedName, Chosen chosen) override;
+    void chooseImport(FilesChosen chosen) override;
+    void chooseExport(const QString &suggestedName, FileChosen chosen) override;
 
   private:
     /// Null while another one is open.
     QFileDialog *make(const QString &title, QFileDialog::AcceptMode mode);
-    void show(QFileDialog &dialog, Chosen chosen);
+    void show(QFileDialog &dialog, FilesChosen chosen);
 
     QWindow &window_;
-    QDir folder_;                         ///< of the last file chosen; the documents at first
+    QDir folder_;                         ///< of the last files chosen; the documents at first
     std::unique_ptr<QFileDialog> dialog_; ///< the last one, open or closed
 };
 

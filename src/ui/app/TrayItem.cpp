@@ -21,9 +21,9 @@ TrayItem::TrayItem(AppModel &model) : model_(model) {
     presets_ = menu_.addMenu(tr("Preset"));
     menu_.addSeparator();
     menu_.addAction(tr("Quit"), this, [] { QCoreApplication::exit(0); });
-    connect(model_.presets(), &PresetListModel::namesChanged, this, &TrayItem::fillPresets);
-    connect(model_.presets(), &PresetListModel::activeNameChanged, this, &TrayItem::markPreset);
-    connect(model_.presets(), &PresetListModel::activeIndexChanged, this, &TrayItem::markPreset);
+    const PresetChoiceModel &choices = *model_.presets()->choices();
+    connect(&choices, &PresetChoiceModel::choicesChanged, this, &TrayItem::fillPresets);
+    connect(&choices, &PresetChoiceModel::currentIndexChanged, this, &TrayItem::markPreset);
     fillPresets();
 
     connect(model_.engine(), &EngineModel::stateChanged, this, &TrayItem::followEngine);
@@ -45,31 +45,42 @@ bool TrayItem::isThere() const { return QSystemTrayIcon::isSystemTrayAvailable()
 void TrayItem::followEngine() {
     startStop_->setText(model_.engine()->running() ? tr("Stop processing")
                                                    : tr("Start processing"));
-    icon_.setToolTip(tr("Ostrafine: %1").arg(model_.engine()->subtitle()));
+    // On a line of its own: markup in a tool tip counts from the first line on.
+    icon_.setToolTip(QStringLiteral("Ostrafine\n") + model_.engine()->subtitle());
 }
 
+/// The user's at hand, the library's groups as menus of their own.
 void TrayItem::fillPresets() {
     presets_->clear();
-    const QStringList names = model_.presets()->names();
-    for (int row = 0; row < names.size(); ++row) {
-        QAction *action = presets_->addAction(literally(names[row]));
+    qDeleteAll(presets_->findChildren<QMenu *>(Qt::FindDirectChildrenOnly));
+    presetActions_.clear();
+    const QString favourites = PresetChoiceModel::tr("Favourites");
+    const QString own = QString::fromUtf8(displayName(Preset::Category::user));
+    QString group;
+    QMenu *menu = presets_;
+    for (const PresetChoiceModel::Choice &choice : model_.presets()->choices()->choices()) {
+        if (choice.group != group) {
+            const bool isAtHand = choice.group == favourites || choice.group == own;
+            if (!group.isEmpty() && (isAtHand || menu == presets_))
+                presets_->addSeparator();
+            menu = isAtHand ? presets_ : presets_->addMenu(literally(choice.group));
+            group = choice.group;
+        }
+        QAction *action = menu->addAction(literally(choice.name));
         action->setCheckable(true);
-        connect(action, &QAction::triggered, this, [this, row] {
-            model_.presets()->applyRow(row);
+        connect(action, &QAction::triggered, this, [this, id = choice.id] {
+            model_.presets()->apply(id);
             markPreset(); // the click has toggled the mark
         });
+        presetActions_.push_back(action);
     }
     markPreset();
 }
 
 void TrayItem::markPreset() {
-    const PresetListModel &presets = *model_.presets();
-    const int active = presets.activeIndex();
-    // None is marked while the settings are no longer any preset's own.
-    const bool isAsSaved = active >= 0 && presets.names().value(active) == presets.activeName();
-    const auto actions = presets_->actions();
-    for (qsizetype row = 0; row < actions.size(); ++row)
-        actions[row]->setChecked(isAsSaved && row == active);
+    const int current = model_.presets()->choices()->currentIndex();
+    for (std::size_t row = 0; row < presetActions_.size(); ++row)
+        presetActions_[row]->setChecked(static_cast<int>(row) == current);
 }
 
 } // namespace quorbel

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QSystemTrayIcon>
 
+#include <vector>
+
 namespace quorbel {
 
 class AppModel;
@@ -34,6 +36,7 @@ class TrayItem final : public QObject {
     QMenu menu_;
     QAction *startStop_;
     QMenu *presets_;
+    std::vector<QAction *> presetActions_; ///< as the choices are, row by row
     QSystemTrayIcon icon_;
 };
 

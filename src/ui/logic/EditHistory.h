@@ -8,11 +8,32 @@
 
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorbel {
+
+/// The user's presets at one moment. Copies share one list, so a step costs a pointer for them and
+/// not a copy of every preset.
+class PresetSnapshot {
+  public:
+    PresetSnapshot() = default;
+    explicit PresetSnapshot(std::vector<Preset> presets)
+        : list_(std::make_shared<const std::vector<Preset>>(std::move(presets))) {}
+
+    [[nodiscard]] const std::vector<Preset> &operator*() const { return *list_; }
+
+    friend bool operator==(const PresetSnapshot &a, const PresetSnapshot &b) {
+        return a.list_ == b.list_ || *a == *b;
+    }
+
+  private:
+    std::shared_ptr<const std::vector<Preset>> list_ =
+        std::make_shared<const std::vector<Preset>>();
+};
 
 /// Everything that undo brings back.
 struct EditState {
@@ -20,8 +41,9 @@ struct EditState {
     float globalGainDB = 0.0F;
     SpatialConfig spatial;
     MixerConfig mixer;
-    std::vector<Preset> userPresets;
+    PresetSnapshot userPresets;
     std::optional<Uuid> activePresetID;
+    std::vector<Uuid> favourites; ///< among the presets
 
     friend bool operator==(const EditState &, const EditState &) = default;
 };

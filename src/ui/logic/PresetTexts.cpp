@@ -40,6 +40,13 @@ std::string descriere(const Preset &preset) {
 
 std::string trimmedName(std::string_view name) { return std::string(trimmed(name)); }
 
+std::string copyName(std::string_view name, const std::vector<Preset> &presets) {
+    std::string copy = fmt::format("{} (copy)", name);
+    for (int number = 2; std::ranges::find(presets, copy, &Preset::name) != presets.end(); ++number)
+        copy = fmt::format("{} (copy {})", name, number);
+    return copy;
+}
+
 std::string fileNameFor(std::string_view name) {
     constexpr std::string_view refused = "/\\:*?\"<>|";
     constexpr std::size_t maximumBytes = 200;

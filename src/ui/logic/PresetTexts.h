@@ -21,6 +21,10 @@ enum class PresetFilter { all, factory, mine };
 /// used.
 [[nodiscard]] std::string trimmedName(std::string_view name);
 
+/// A name for a copy of the preset called `name` that none of `presets` has: "Flat (copy)", then
+/// "Flat (copy 2)".
+[[nodiscard]] std::string copyName(std::string_view name, const std::vector<Preset> &presets);
+
 /// `name` (UTF-8) as the name of a file without its extension: at most 200 bytes, not hidden, and
 /// without the characters that a file system of Linux, Windows or macOS refuses. Never empty.
 [[nodiscard]] std::string fileNameFor(std::string_view name);

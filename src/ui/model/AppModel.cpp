@@ -7,18 +7,21 @@ namespace quorbel {
 AppModel *AppModel::instance_ = nullptr;
 
 AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
-    : QObject(parent), state_(state), history_(state, clock, nullptr), engine_(state, nullptr),
+    : QObject(parent), state_(state), favourites_(state.settingsPath(), nullptr),
+      history_(state, favourites_, clock, nullptr), engine_(state, nullptr),
       settings_(state.engine(), history_, nullptr),
-      equalizer_(state.engine().eq(), history_, nullptr), presets_(state, history_, nullptr),
-      devices_(state, clock, nullptr), spectrum_(state.engine(), nullptr),
-      navigation_(state, nullptr), about_(nullptr) {
+      equalizer_(state.engine().eq(), history_, nullptr),
+      presets_(state, favourites_, history_, nullptr), devices_(state, clock, nullptr),
+      spectrum_(state.engine(), nullptr), navigation_(state, nullptr), about_(nullptr) {
     instance_ = this;
     state_.engine().setComparable(true);
     state_.engine().useDefaultOutput(); // so that a first Start works
-    connect(&state_, &AppState::persistWarningChanged, this, [this] {
+    const auto showWarning = [this] {
         warningDismissed_ = false;
         Q_EMIT persistWarningChanged();
-    });
+    };
+    connect(&state_, &AppState::persistWarningChanged, this, showWarning);
+    connect(&favourites_, &FavouritePresets::warningChanged, this, showWarning);
     connect(&presets_, &PresetListModel::activeNameChanged, &engine_,
             &EngineModel::subtitleChanged);
 }
@@ -35,8 +38,14 @@ AppModel *AppModel::create(QQmlEngine *, QJSEngine *) {
 }
 
 QString AppModel::persistWarning() const {
-    const auto &warning = state_.persistWarning();
-    return warning && !warningDismissed_ ? QString::fromStdString(*warning) : QString();
+    if (warningDismissed_)
+        return {};
+    QStringList warnings;
+    if (const auto &warning = state_.persistWarning())
+        warnings << QString::fromStdString(*warning);
+    if (!favourites_.warning().isEmpty())
+        warnings << favourites_.warning();
+    return warnings.join('\n');
 }
 
 void AppModel::dismissWarning() {

@@ -4,6 +4,7 @@
 #include "ui/model/DeviceListModel.h"
 #include "ui/model/EngineModel.h"
 #include "ui/model/EqualizerModel.h"
+#include "ui/model/FavouritePresets.h"
 #include "ui/model/HistoryModel.h"
 #include "ui/model/NavigationModel.h"
 #include "ui/model/PresetListModel.h"
@@ -72,6 +73,7 @@ class AppModel final : public QObject {
 
     AppState &state_;
     bool warningDismissed_ = false;
+    FavouritePresets favourites_;
     HistoryModel history_; ///< before those who write through it
     EngineModel engine_;
     SettingsModel settings_;

@@ -13,14 +13,12 @@ struct ExchangeResult {
     QML_VALUE_TYPE(exchangeResult)
     Q_PROPERTY(bool ok MEMBER ok)
     Q_PROPERTY(QString message MEMBER message)
-    Q_PROPERTY(QStringList skipped MEMBER skipped)
-    Q_PROPERTY(QStringList limited MEMBER limited)
+    Q_PROPERTY(QStringList details MEMBER details)
 
   public:
-    bool ok = false;
+    bool ok = false;     ///< everything that was asked for has been done
     QString message;     ///< what was done, or why nothing was
-    QStringList skipped; ///< lines that have no effect, each with the reason
-    QStringList limited; ///< lines that are played otherwise than written
+    QStringList details; ///< of several files each; lines that were not taken as written, and why
 };
 
 } // namespace quorbel

@@ -3,12 +3,18 @@
 #include "settings/state/SettingsMerge.h"
 #include "ui/model/UserPresets.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace quorbel {
 
-HistoryModel::HistoryModel(AppState &state, Clock &clock, QObject *parent)
-    : QObject(parent), state_(state), clock_(clock) {}
+HistoryModel::HistoryModel(AppState &state, FavouritePresets &favourites, Clock &clock,
+                           QObject *parent)
+    : QObject(parent), state_(state), favourites_(favourites), clock_(clock),
+      userPresets_(quorbel::userPresets(state.presets())) {
+    connect(&state_, &AppState::presetsChanged, this, &HistoryModel::followPresets);
+}
 
 void HistoryModel::edit(const QString &what, const std::string &key,
                         const std::function<void()> &change) {
@@ -18,8 +24,8 @@ void HistoryModel::edit(const QString &what, const std::string &key,
         // the step, and undoing it must not delete them.
         QObject context;
         connect(&state_, &AppState::presetsTaken, &context, [&](const auto &from, const auto &to) {
-            before.userPresets =
-                mergedPresets(userPresets(from), userPresets(to), before.userPresets);
+            before.userPresets = PresetSnapshot(
+                mergedPresets(userPresets(from), userPresets(to), *before.userPresets));
         });
         change();
     }
@@ -68,16 +74,40 @@ EditState HistoryModel::current() const {
             .globalGainDB = engine.eq().globalGainDB(),
             .spatial = engine.spatial(),
             .mixer = engine.mixer(),
-            .userPresets = userPresets(state_.presets()),
-            .activePresetID = state_.activePresetID()};
+            .userPresets = userPresets_,
+            .activePresetID = state_.activePresetID(),
+            .favourites = favourites_.ids()};
+}
+
+/// Keeps the snapshot where nothing has changed, so that steps go on sharing it.
+void HistoryModel::followPresets() {
+    std::vector<Preset> now = userPresets(state_.presets());
+    if (now != *userPresets_)
+        userPresets_ = PresetSnapshot(std::move(now));
 }
 
 void HistoryModel::restore(const EditState &from, const EditState &to) {
     restoreSound(from, to);
+    if (from.favourites != to.favourites)
+        restoreFavourites(from, to);
     // Last, because it writes the file with all that was restored.
     if (from.userPresets != to.userPresets)
         state_.setUserPresets(
-            mergedPresets(from.userPresets, to.userPresets, userPresets(state_.presets())));
+            mergedPresets(*from.userPresets, *to.userPresets, userPresets(state_.presets())));
+}
+
+void HistoryModel::restoreFavourites(const EditState &from, const EditState &to) {
+    const auto isIn = [](const std::vector<Uuid> &ids, const Uuid &id) {
+        return std::ranges::find(ids, id) != ids.end();
+    };
+    std::vector<Uuid> next = favourites_.ids();
+    std::erase_if(next, [&](const Uuid &id) {
+        return isIn(from.favourites, id) && !isIn(to.favourites, id);
+    });
+    std::ranges::copy_if(to.favourites, std::back_inserter(next), [&](const Uuid &id) {
+        return !isIn(from.favourites, id) && !isIn(next, id);
+    });
+    favourites_.set(next);
 }
 
 void HistoryModel::restoreSound(const EditState &from, const EditState &to) {

@@ -3,6 +3,7 @@
 #include "platform/threads/Clock.h"
 #include "settings/state/AppState.h"
 #include "ui/logic/EditHistory.h"
+#include "ui/model/FavouritePresets.h"
 
 #include <QObject>
 #include <QString>
@@ -24,7 +25,7 @@ class HistoryModel final : public QObject {
     Q_PROPERTY(QString redoText READ redoText NOTIFY changed)
 
   public:
-    HistoryModel(AppState &state, Clock &clock, QObject *parent);
+    HistoryModel(AppState &state, FavouritePresets &favourites, Clock &clock, QObject *parent);
 
     /// Runs `change`, which changes settings, and remembers what it changed. `what` goes on after
     /// "Undo "; changes of the same `key` in quick succession become one step.
@@ -56,10 +57,14 @@ class HistoryModel final : public QObject {
     /// Sets what differs between the two states as it is in `to`.
     void restore(const EditState &from, const EditState &to);
     void restoreSound(const EditState &from, const EditState &to);
+    void restoreFavourites(const EditState &from, const EditState &to);
+    void followPresets();
 
     AppState &state_;
+    FavouritePresets &favourites_;
     Clock &clock_;
     EditHistory history_;
+    PresetSnapshot userPresets_; ///< the current ones
 };
 
 } // namespace quorbel

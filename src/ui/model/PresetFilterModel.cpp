@@ -2,6 +2,7 @@
 
 #include "ui/model/AppModel.h"
 #include "ui/model/PresetListModel.h"
+#include "ui/model/SearchText.h"
 
 namespace quorbel {
 
@@ -35,10 +36,37 @@ QString PresetFilterModel::title() const {
     return QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size()));
 }
 
+void PresetFilterModel::setSearch(const QString &search) {
+    if (search == search_)
+        return;
+    search_ = search;
+    invalidateFilter();
+    Q_EMIT searchChanged();
+    Q_EMIT countChanged();
+}
+
+int PresetFilterModel::total() const {
+    const auto *presets = qobject_cast<const PresetListModel *>(sourceModel());
+    return presets == nullptr ? 0 : countOf(filterOf(filter_), presets->presets());
+}
+
+int PresetFilterModel::rowOf(const QString &presetId) const {
+    for (int row = 0; row < count(); ++row)
+        if (data(index(row, 0), PresetListModel::presetIdRole) == presetId)
+            return row;
+    return -1;
+}
+
 bool PresetFilterModel::filterAcceptsRow(int row, const QModelIndex &) const {
     const auto *presets = qobject_cast<const PresetListModel *>(sourceModel());
-    return presets == nullptr ||
-           passes(filterOf(filter_), presets->presets().at(static_cast<std::size_t>(row)));
+    if (presets == nullptr)
+        return true;
+    const auto says = [&](int role) { return presets->data(presets->index(row), role).toString(); };
+    return passes(filterOf(filter_), presets->presets().at(static_cast<std::size_t>(row))) &&
+           (search_.isEmpty() || matchesSearch(says(PresetListModel::nameRole) + '\n' +
+                                                   says(PresetListModel::categoryTitleRole) + '\n' +
+                                                   says(PresetListModel::notesRole),
+                                               search_));
 }
 
 } // namespace quorbel

@@ -7,14 +7,18 @@
 
 namespace quorbel {
 
-/// The presets of one destination of the sidebar: `App.presets`, filtered, with the same roles.
+/// The presets of one destination of the sidebar: `App.presets`, filtered, with the same roles. A
+/// search narrows them further, over names, categories and descriptions.
 /// (Not final: QML makes it through a class derived from it.) [main]
 class PresetFilterModel : public QSortFilterProxyModel {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY filterChanged)
     Q_PROPERTY(QString title READ title NOTIFY filterChanged)
+    Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
+    /// The rows: of `total`, those that the search finds.
     Q_PROPERTY(int count READ count NOTIFY countChanged)
+    Q_PROPERTY(int total READ total NOTIFY countChanged)
 
   public:
     enum Filter { All, Factory, Mine };
@@ -25,10 +29,16 @@ class PresetFilterModel : public QSortFilterProxyModel {
     [[nodiscard]] Filter filter() const { return filter_; }
     void setFilter(Filter filter);
     [[nodiscard]] QString title() const;
+    [[nodiscard]] const QString &search() const { return search_; }
+    void setSearch(const QString &search);
     [[nodiscard]] int count() const { return rowCount(); }
+    [[nodiscard]] int total() const;
+    /// The row of a preset; -1 where it is not shown.
+    [[nodiscard]] Q_INVOKABLE int rowOf(const QString &presetId) const;
 
   Q_SIGNALS:
     void filterChanged();
+    void searchChanged();
     void countChanged();
 
   protected:
@@ -36,6 +46,7 @@ class PresetFilterModel : public QSortFilterProxyModel {
 
   private:
     Filter filter_ = All;
+    QString search_;
 };
 
 } // namespace quorbel

@@ -1,39 +1,20 @@
 #include "ui/model/PresetListModel.h"
 
 #include "ui/logic/PresetTexts.h"
+#include "ui/model/FavouritePresets.h"
 #include "ui/model/HistoryModel.h"
-#include "ui/model/PresetExchange.h"
-#include "ui/model/PresetFileChooser.h"
 #include "ui/model/UserPresets.h"
-
-#include <QFileInfo>
 
 #include <algorithm>
 
 namespace quorbel {
 
-namespace {
-
-QStringList shownNotes(const std::vector<LineNote> &notes) {
-    QStringList lines;
-    for (const LineNote &note : notes)
-        lines << PresetListModel::tr("line %1: %2")
-                     .arg(note.line)
-                     .arg(QString::fromUtf8(note.reason));
-    return lines;
-}
-
-ExchangeResult failed(const QString &why) {
-    ExchangeResult result;
-    result.message = why;
-    return result;
-}
-
-} // namespace
-
-PresetListModel::PresetListModel(AppState &state, HistoryModel &history, QObject *parent)
-    : RecordListModel(parent), state_(state), history_(history), presets_(state.presets()),
+PresetListModel::PresetListModel(AppState &state, FavouritePresets &favourites,
+                                 HistoryModel &history, QObject *parent)
+    : RecordListModel(parent), state_(state), favourites_(favourites), history_(history),
+      choices_(state, favourites, nullptr), presets_(state.presets()),
       activeName_(QString::fromUtf8(state.activePresetDisplayName())) {
+    connect(&favourites_, &FavouritePresets::changed, this, &PresetListModel::announceContents);
     connect(&state_, &AppState::presetsChanged, this, &PresetListModel::followPresets);
     connect(&state_, &AppState::activePresetIDChanged, this, &PresetListModel::followActive);
     // The name shown compares these two with the active preset.
@@ -66,29 +47,28 @@ QVariant PresetListModel::data(const QModelIndex &index, int role) const {
         return preset.category == Preset::Category::user;
     case playingRole:
         return preset.id == state_.activePresetID();
+    case favouriteRole:
+        return favourites_.contains(preset.id);
     default:
         return {};
     }
 }
 
 QHash<int, QByteArray> PresetListModel::roleNames() const {
-    return {
-        {presetIdRole, "presetId"}, {nameRole, "name"},       {categoryTitleRole, "categoryTitle"},
-        {notesRole, "notes"},       {summaryRole, "summary"}, {isUserRole, "isUser"},
-        {playingRole, "playing"}};
+    return {{presetIdRole, "presetId"},
+            {nameRole, "name"},
+            {categoryTitleRole, "categoryTitle"},
+            {notesRole, "notes"},
+            {summaryRole, "summary"},
+            {isUserRole, "isUser"},
+            {playingRole, "playing"},
+            {favouriteRole, "favourite"}};
 }
 
 int PresetListModel::activeIndex() const {
     const auto active = std::ranges::find_if(
         presets_, [&](const Preset &preset) { return preset.id == state_.activePresetID(); });
     return active == presets_.end() ? -1 : static_cast<int>(active - presets_.begin());
-}
-
-QStringList PresetListModel::names() const {
-    QStringList names;
-    for (const Preset &preset : presets_)
-        names << QString::fromUtf8(preset.name);
-    return names;
 }
 
 void PresetListModel::apply(const QString &id) {
@@ -102,11 +82,17 @@ void PresetListModel::applyRow(int row) {
         apply(data(index(row), presetIdRole).toString());
 }
 
-void PresetListModel::remove(const QString &id) {
+void PresetListModel::setFavourite(const QString &id, bool isFavourite) {
     const Preset *preset = find(id);
-    if (preset != nullptr && preset->category == Preset::Category::user)
-        history_.edit(tr("Delete preset %1").arg(QString::fromUtf8(preset->name)),
-                      "delete " + id.toStdString(), [&] { state_.deletePreset(*preset); });
+    if (preset == nullptr || favourites_.contains(preset->id) == isFavourite)
+        return;
+    std::vector<Uuid> next = favourites_.ids();
+    if (isFavourite)
+        next.push_back(preset->id);
+    else
+        std::erase(next, preset->id);
+    history_.edit(tr("Favourite %1").arg(QString::fromUtf8(preset->name)),
+                  "favourite " + id.toStdString(), [&] { favourites_.set(next); });
 }
 
 void PresetListModel::save(const QString &name) {
@@ -120,55 +106,41 @@ bool PresetListModel::canSave(const QString &name) {
     return !trimmedName(name.toStdString()).empty();
 }
 
-void PresetListModel::requestImport() {
-    if (chooser_ != nullptr)
-        chooser_->chooseImport([this](const QString &path) { Q_EMIT exchanged(importFile(path)); });
-}
-
-void PresetListModel::requestExport(const QString &id) {
-    const Preset *preset = find(id);
-    if (chooser_ != nullptr && preset != nullptr)
-        chooser_->chooseExport(
-            QString::fromUtf8(fileNameFor(preset->name)),
-            [this, id](const QString &path) { Q_EMIT exchanged(exportPreset(id, path)); });
-}
-
-ExchangeResult PresetListModel::importFile(const QString &path) {
-    try {
-        const ImportedPreset imported = readPreset(path.toStdString());
-        history_.edit(tr("Import %1").arg(QString::fromUtf8(imported.preset.name)), "import",
-                      [&] { adoptPreset(state_, imported.preset, imported.globalGainDB); });
-        return {.ok = true,
-                .message = QString::fromUtf8(imported.summary),
-                .skipped = shownNotes(imported.skipped),
-                .limited = shownNotes(imported.limited)};
-    } catch (const PresetExchangeError &error) {
-        return failed(QString::fromUtf8(error.what()));
-    }
-}
-
-ExchangeResult PresetListModel::exportPreset(const QString &id, const QString &path) const {
+QString PresetListModel::duplicate(const QString &id) {
     const Preset *preset = find(id);
     if (preset == nullptr)
-        return failed(tr("This preset is no longer there."));
-    try {
-        // The global gain belongs to what is heard now, and so to the preset in force alone.
-        const bool isActive = preset->id == state_.activePresetID();
-        writePreset(path.toStdString(), *preset,
-                    isActive ? state_.engine().eq().globalGainDB() : 0.0F);
-        ExchangeResult done;
-        done.ok = true;
-        done.message = tr("%1 was written to %2")
-                           .arg(QString::fromUtf8(preset->name), QFileInfo(path).fileName());
-        return done;
-    } catch (const PresetExchangeError &error) {
-        return failed(QString::fromUtf8(error.what()));
-    }
+        return {};
+    Uuid copy;
+    const Preset original = *preset;
+    history_.edit(tr("Duplicate preset %1").arg(QString::fromUtf8(original.name)), "duplicate",
+                  [&] { copy = duplicatePreset(state_, original); });
+    return QString::fromStdString(copy.text());
+}
+
+void PresetListModel::remove(const QString &id) {
+    if (const Preset *preset = findOwn(id))
+        history_.edit(tr("Delete preset %1").arg(QString::fromUtf8(preset->name)),
+                      "delete " + id.toStdString(), [&] { state_.deletePreset(*preset); });
+}
+
+void PresetListModel::rename(const QString &id, const QString &name) {
+    const std::string trimmed = trimmedName(name.toStdString());
+    const Preset *preset = findOwn(id);
+    if (preset == nullptr || trimmed.empty() || trimmed == preset->name)
+        return;
+    history_.edit(tr("Rename preset %1").arg(QString::fromUtf8(preset->name)),
+                  "rename " + id.toStdString(),
+                  [&, own = preset->id] { renamePreset(state_, own, trimmed); });
+}
+
+void PresetListModel::update(const QString &id) {
+    if (const Preset *preset = findOwn(id))
+        history_.edit(tr("Update preset %1").arg(QString::fromUtf8(preset->name)), "update",
+                      [&, own = preset->id] { updatePreset(state_, own); });
 }
 
 void PresetListModel::followPresets() {
     replaceRecords(presets_, state_.presets(), &Preset::id);
-    Q_EMIT namesChanged();
     followActive();
 }
 
@@ -191,6 +163,11 @@ const Preset *PresetListModel::find(const QString &id) const {
     const auto found = std::ranges::find_if(
         state_.presets(), [&](const Preset &preset) { return preset.id == uuid; });
     return found == state_.presets().end() ? nullptr : &*found;
+}
+
+const Preset *PresetListModel::findOwn(const QString &id) const {
+    const Preset *preset = find(id);
+    return preset != nullptr && preset->category == Preset::Category::user ? preset : nullptr;
 }
 
 } // namespace quorbel

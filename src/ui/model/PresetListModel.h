@@ -2,15 +2,19 @@
 
 #include "settings/state/AppState.h"
 #include "ui/model/ExchangeResult.h"
+#include "ui/model/PresetChoiceModel.h"
 #include "ui/model/RecordListModel.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 
 #include <vector>
 
 namespace quorbel {
 
+class FavouritePresets;
 class HistoryModel;
 class PresetFileChooser;
 
@@ -24,7 +28,8 @@ class PresetListModel final : public quorbel::RecordListModel {
     Q_PROPERTY(QString activeName READ activeName NOTIFY activeNameChanged)
     /// Its row; -1 where no preset is active.
     Q_PROPERTY(int activeIndex READ activeIndex NOTIFY activeIndexChanged)
-    Q_PROPERTY(QStringList names READ names NOTIFY namesChanged)
+    /// The same presets as a box or menu offers them.
+    Q_PROPERTY(quorbel::PresetChoiceModel *choices READ choices CONSTANT)
 
   public:
     enum Role {
@@ -35,9 +40,11 @@ class PresetListModel final : public quorbel::RecordListModel {
         summaryRole,
         isUserRole,
         playingRole, ///< whether it is the active one
+        favouriteRole,
     };
 
-    PresetListModel(AppState &state, HistoryModel &history, QObject *parent);
+    PresetListModel(AppState &state, FavouritePresets &favourites, HistoryModel &history,
+                    QObject *parent);
 
     [[nodiscard]] int rowCount(const QModelIndex &parent) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
@@ -45,34 +52,49 @@ class PresetListModel final : public quorbel::RecordListModel {
 
     [[nodiscard]] QString activeName() const { return activeName_; }
     [[nodiscard]] int activeIndex() const;
-    [[nodiscard]] QStringList names() const;
+    [[nodiscard]] PresetChoiceModel *choices() { return &choices_; }
     [[nodiscard]] const std::vector<Preset> &presets() const { return presets_; }
 
     Q_INVOKABLE void apply(const QString &id);
     /// The preset in this row.
     Q_INVOKABLE void applyRow(int row);
-    /// Factory presets stay.
-    Q_INVOKABLE void remove(const QString &id);
+    Q_INVOKABLE void setFavourite(const QString &id, bool isFavourite);
+
     /// Saves the current settings under the name, without blanks at its ends.
     Q_INVOKABLE void save(const QString &name);
     [[nodiscard]] Q_INVOKABLE static bool canSave(const QString &name);
+    /// Makes a preset of the user's of any preset. Returns its id.
+    Q_INVOKABLE QString duplicate(const QString &id);
+
+    // Factory presets stay as they are.
+    Q_INVOKABLE void remove(const QString &id);
+    /// The same rule for the name as in `save`.
+    Q_INVOKABLE void rename(const QString &id, const QString &name);
+    /// Replaces what is in the preset with the current settings.
+    Q_INVOKABLE void update(const QString &id);
+
+    // PresetListExchange.cpp
 
     /// The chooser must outlive the last request. Null: requests are ignored.
     void setFileChooser(PresetFileChooser *chooser) { chooser_ = chooser; }
-    /// Ask the user for a file, then import or export it; `exchanged` follows unless the user
+    /// Ask the user for files, then import or export them; `exchanged` follows unless the user
     /// cancels.
     Q_INVOKABLE void requestImport();
     Q_INVOKABLE void requestExport(const QString &id);
+    /// The current settings, as `save` would take them.
+    Q_INVOKABLE void requestExportCurrent();
+    /// Imports what was dropped on the window; `exchanged` follows.
+    Q_INVOKABLE void importDropped(const QList<QUrl> &urls);
 
-    /// Makes a preset of a parametric equaliser text or a preset file, and the active one.
-    ExchangeResult importFile(const QString &path);
+    /// Makes presets of parametric equaliser texts and preset files. A single one becomes the
+    /// active one; of several none does.
+    ExchangeResult importFiles(const QStringList &paths);
     /// Writes a preset, whole where the name ends in ".json", else as a parametric equaliser text.
     [[nodiscard]] ExchangeResult exportPreset(const QString &id, const QString &path) const;
 
   Q_SIGNALS:
     void activeNameChanged();
     void activeIndexChanged();
-    void namesChanged();
     /// A requested import or export has been done, or could not be.
     void exchanged(const quorbel::ExchangeResult &result);
 
@@ -81,9 +103,13 @@ class PresetListModel final : public quorbel::RecordListModel {
     void followActive();
     void updateActiveName();
     [[nodiscard]] const Preset *find(const QString &id) const;
+    [[nodiscard]] const Preset *findOwn(const QString &id) const;
+    ExchangeResult importOne(const QString &path);
 
     AppState &state_;
+    FavouritePresets &favourites_;
     HistoryModel &history_;
+    PresetChoiceModel choices_;
     PresetFileChooser *chooser_ = nullptr;
     std::vector<Preset> presets_; ///< as shown
     QString activeName_;

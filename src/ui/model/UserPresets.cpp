@@ -1,10 +1,27 @@
 #include "ui/model/UserPresets.h"
 
+#include "ui/logic/PresetTexts.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
 namespace quorbel {
+
+namespace {
+
+/// Runs `change` on the preset of the user's with that id, where there is one, and saves.
+template <typename Change>
+void changeUserPreset(AppState &state, const Uuid &id, const Change &change) {
+    std::vector<Preset> own = userPresets(state.presets());
+    const auto found = std::ranges::find(own, id, &Preset::id);
+    if (found == own.end())
+        return;
+    change(*found);
+    state.setUserPresets(std::move(own));
+}
+
+} // namespace
 
 std::vector<Preset> userPresets(const std::vector<Preset> &presets) {
     std::vector<Preset> own;
@@ -22,9 +39,39 @@ void adoptPreset(AppState &state, const Preset &preset, std::optional<float> glo
         state.applyPreset(preset);
     }
     // Last, because it writes the file: the preset, and all that was set above.
+    addPresets(state, {preset});
+}
+
+void renamePreset(AppState &state, const Uuid &id, const std::string &name) {
+    changeUserPreset(state, id, [&](Preset &preset) { preset.name = name; });
+}
+
+void updatePreset(AppState &state, const Uuid &id) {
+    changeUserPreset(state, id, [&](Preset &preset) {
+        preset.bands = state.engine().eq().bands();
+        preset.spatial = state.engine().spatial();
+        state.applyPreset(preset); // the active one; the sound stays
+    });
+}
+
+void addPresets(AppState &state, const std::vector<Preset> &added) {
     std::vector<Preset> own = userPresets(state.presets());
-    own.push_back(preset);
+    own.insert(own.end(), added.begin(), added.end());
     state.setUserPresets(std::move(own));
+}
+
+Uuid duplicatePreset(AppState &state, const Preset &original) {
+    Preset copy = original;
+    copy.id = Uuid::random();
+    copy.name = copyName(original.name, state.presets());
+    copy.category = Preset::Category::user;
+    copy.createdAt = Date::now();
+    const Uuid id = copy.id;
+    std::vector<Preset> own = userPresets(state.presets());
+    const auto at = std::ranges::find(own, original.id, &Preset::id);
+    own.insert(at == own.end() ? at : at + 1, std::move(copy));
+    state.setUserPresets(std::move(own));
+    return id;
 }
 
 } // namespace quorbel

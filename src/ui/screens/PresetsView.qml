@@ -20,7 +20,7 @@ Item {
 
     function show(result) {
         report = result.message;
-        reportDetails = (result.skipped ?? []).concat(result.limited ?? []);
+        reportDetails = result.details;
         reportIsWarning = !result.ok;
     }
 

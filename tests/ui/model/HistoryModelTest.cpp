@@ -2,6 +2,7 @@
 #include "ui/model/ModelFixture.h"
 
 #include <algorithm>
+#include <malloc.h>
 
 namespace quorbel::testing {
 namespace {
@@ -129,13 +130,18 @@ TEST_F(HistoryModelTest, SavingDeletingAndImportingAreSteps) {
     write(file, "Preamp: -6 dB\nFilter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70\n");
     expectOneStep([&] { app->presets()->save("One"); });
     expectOneStep([&] { app->presets()->save("Two"); });
+    expectOneStep([&] { app->presets()->rename(presetId(34), "Three"); });
+    expectOneStep([&] { app->presets()->duplicate(presetId(4)); });
+    app->equalizer()->setGlobalGainDB(-1);
+    app->equalizer()->bands()->setGain(0, 2);
+    expectOneStep([&] { app->presets()->update(presetId(34)); });
     expectOneStep([&] { app->presets()->remove(presetId(33)); });
-    expectOneStep([&] { ASSERT_TRUE(app->presets()->importFile(file.c_str()).ok); });
+    expectOneStep([&] { ASSERT_TRUE(app->presets()->importFiles({file.c_str()}).ok); });
     const Settings end = now();
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 9; ++i)
         history().undo();
     EXPECT_EQ(app->presets()->count(), 33);
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 9; ++i)
         history().redo();
     EXPECT_TRUE(now() == end);
     EXPECT_EQ(readSettingsFile((folder.path() / "state.json").string()).presets, end.presets)
@@ -146,10 +152,25 @@ TEST_F(HistoryModelTest, SavingDeletingAndImportingAreSteps) {
     theirs.presets.push_back({.id = Uuid::random(), .name = "Theirs"});
     write(state->settingsPath(), encodeRecord(theirs));
     app->presets()->save("Three");
-    for (int i = 0; i < 5; ++i)
+    while (history().canUndo())
         history().undo();
     EXPECT_EQ(app->presets()->count(), 34);
     EXPECT_EQ(state->presets().back().name, "Theirs");
+}
+
+TEST_F(HistoryModelTest, AStepOfAControlTakesNoCopyOfThePresets) {
+    std::vector<Preset> many(300, state->presets()[9]);
+    for (Preset &preset : many) {
+        preset.id = Uuid::random();
+        preset.category = Preset::Category::user;
+    }
+    state->setUserPresets(std::move(many));
+    const std::size_t before = mallinfo2().uordblks;
+    for (int i = 0; i < 40; ++i) {
+        pause();
+        app->setting("saturationDrive")->setValue(i);
+    }
+    EXPECT_LT(mallinfo2().uordblks, before + 1'000'000) << "a copy of the presets takes 270 kB";
 }
 
 } // namespace

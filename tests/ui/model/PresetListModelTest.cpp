@@ -2,6 +2,9 @@
 #include "ui/model/ModelFixture.h"
 #include "ui/model/PresetFilterModel.h"
 
+#include <QUrl>
+
+#include <algorithm>
 #include <filesystem>
 
 namespace quorbel::testing {
@@ -104,20 +107,138 @@ TEST_F(PresetListModelTest, FiltersByWhoseTheyAre) {
     EXPECT_EQ(list.count(), 33);
 }
 
+TEST_F(PresetListModelTest, FindsWordsOfNamesAndDescriptionsWithoutCaseAndAccents) {
+    PresetFilterModel list;
+    const auto found = [&](const QString &search) {
+        list.setSearch(search);
+        QStringList names;
+        for (int row = 0; row < list.count(); ++row)
+            names << says(list, row, "name").toString();
+        return names.join(", ").toStdString();
+    };
+    presets().save("Café Größe");
+    EXPECT_EQ(found("cafe GRÖSSE"), "Café Größe");
+    EXPECT_EQ(found("outdoor  jbl"), "JBL Go 3 — Outdoor Loud");
+    EXPECT_EQ(found("fletcher-munson"), "MR5 Desk — Late Night") << "a description";
+    EXPECT_EQ(found("nothing of that kind"), "");
+    EXPECT_EQ(list.total(), 34);
+    Announcements counts(list, &PresetFilterModel::countChanged);
+    presets().rename(presetId(33), "Nothing of that kind");
+    EXPECT_EQ(list.count(), 1);
+    EXPECT_GE(counts.take(), 1);
+    EXPECT_EQ(list.rowOf(presetId(33)), 0);
+    EXPECT_EQ(list.rowOf(presetId(0)), -1);
+    found(" ");
+    EXPECT_EQ(list.count(), 34);
+}
+
+TEST_F(PresetListModelTest, RenamesUpdatesAndDuplicatesOnlyTheUsersOwn) {
+    presets().save("Desk");
+    const QString own = presetId(33);
+    presets().rename(own, "  Table ");
+    presets().rename(own, " ");
+    presets().rename(presetId(9), "x");
+    EXPECT_EQ(presets().activeName(), "Table");
+    EXPECT_EQ(text(9, "name"), "Bass Heavy");
+
+    presets().apply(presetId(9));
+    app->equalizer()->bands()->setGain(0, -7);
+    presets().update(presetId(9));
+    EXPECT_EQ(presets().activeName(), "Custom");
+    presets().update(own);
+    EXPECT_EQ(presets().activeName(), "Table");
+    EXPECT_EQ(bands()[0].gainDB, -7.0F) << "the sound stays";
+
+    const QString copy = presets().duplicate(presetId(9));
+    presets().duplicate(own);
+    presets().duplicate(presetId(9));
+    ASSERT_EQ(presets().count(), 37);
+    EXPECT_EQ(text(34, "name"), "Table (copy)") << "behind the original";
+    EXPECT_EQ(presetId(35), copy);
+    EXPECT_EQ(text(35, "name"), "Bass Heavy (copy)");
+    EXPECT_EQ(text(36, "name"), "Bass Heavy (copy 2)");
+    EXPECT_EQ(presets().activeName(), "Table") << "a copy is not applied";
+    const Persisted saved = readSettingsFile(state->settingsPath());
+    EXPECT_EQ(saved.presets, state->presets());
+    EXPECT_EQ(saved.activePresetName, "Table");
+    EXPECT_EQ(saved.presets[33].bands, bands());
+}
+
+TEST_F(PresetListModelTest, OffersFavouritesThenTheUsersOwnThenTheLibrary) {
+    const PresetChoiceModel &choices = *presets().choices();
+    const auto row = [&](int at) {
+        return (says(choices, at, "group").toString() + ": " + says(choices, at, "name").toString())
+            .toStdString();
+    };
+    EXPECT_EQ(row(0), "General: Flat");
+    EXPECT_EQ(row(32), "Genre / Use-case: Warm / Long Session");
+    EXPECT_EQ(choices.currentIndex(), 0);
+    presets().save("Desk");
+    presets().setFavourite(presetId(28), true);
+    presets().setFavourite(presetId(0), true);
+    EXPECT_TRUE(says(presets(), 28, "favourite").toBool());
+    EXPECT_EQ(row(0), "Favourites: Flat");
+    EXPECT_EQ(row(1), "Favourites: Cinema / Film");
+    EXPECT_EQ(row(2), "Mine: Desk");
+    EXPECT_EQ(row(3), "Edifier MR5: MR5 Neutral");
+    EXPECT_EQ(choices.rowCount({}), 34) << "each once";
+    EXPECT_EQ(choices.currentIndex(), 2);
+    Announcements moves(choices, &PresetChoiceModel::currentIndexChanged);
+    app->equalizer()->bands()->setGain(0, 1);
+    EXPECT_EQ(choices.currentIndex(), -1) << "Custom is none of them";
+    EXPECT_EQ(moves.take(), 1);
+
+    AppModel next(*state, clock);
+    EXPECT_EQ(next.presets()->choices()->choices()[1].name, "Cinema / Film") << "kept";
+    app->history()->undo(); // the band
+    app->history()->undo();
+    EXPECT_EQ(row(0), "Favourites: Cinema / Film");
+    app->history()->redo();
+    EXPECT_EQ(row(0), "Favourites: Flat");
+}
+
+TEST_F(PresetListModelTest, SeveralFilesMakeOneStepAndOneSummary) {
+    const QString good = file("A.txt", "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70\nnoise\n");
+    const QString bad = file("bad.json", "{");
+    const QString more = file("B.txt", "Preamp: -2 dB\nFilter 1: ON PK Fc 90 Hz Gain 0 dB Q 1\n");
+    ExchangeResult result;
+    QObject::connect(&presets(), &PresetListModel::exchanged,
+                     [&](const ExchangeResult &exchanged) { result = exchanged; });
+    presets().importDropped(
+        {QUrl::fromLocalFile(good), QUrl::fromLocalFile(bad), QUrl::fromLocalFile(more)});
+    EXPECT_FALSE(result.ok);
+    EXPECT_EQ(result.message, "2 of 3 files were imported.");
+    ASSERT_EQ(result.details.size(), 4);
+    EXPECT_TRUE(result.details[0].startsWith("bad.json: "));
+    EXPECT_EQ(result.details[1], "A: 1 filter, preamp 0 dB as the global gain");
+    EXPECT_EQ(result.details[2], "B: 1 filter, preamp -2 dB as the global gain");
+    EXPECT_TRUE(result.details[3].startsWith("A, line 2: "));
+    EXPECT_EQ(presets().activeName(), "Flat") << "none of several is applied";
+    EXPECT_EQ(engine().eq().globalGainDB(), 0.0F);
+    app->history()->undo();
+    EXPECT_EQ(presets().count(), 33);
+
+    presets().importDropped({QUrl("https://example.org/x.json")});
+    EXPECT_EQ(result.message,
+              "Only files of this computer can be imported, not https://example.org/x.json.");
+    presets().importDropped({QUrl::fromLocalFile(good)});
+    EXPECT_EQ(presets().activeName(), "A") << "a single one is";
+}
+
 TEST_F(PresetListModelTest, ImportsAnEqualiserTextWithItsGainAndSaysWhatItSkipped) {
-    const ExchangeResult result = presets().importFile(
-        file("Living room.txt", "Preamp: -6.2 dB\n"
-                                "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70\n"
-                                "Filter 2: ON XX Fc 105 Hz Gain -3.1 dB\n"));
+    const ExchangeResult result = presets().importFiles(
+        {file("Living room.txt", "Preamp: -6.2 dB\n"
+                                 "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70\n"
+                                 "Filter 2: ON XX Fc 105 Hz Gain -3.1 dB\n")});
     ASSERT_TRUE(result.ok) << result.message.toStdString();
     EXPECT_EQ(result.message, "Living room: 1 filter, preamp -6.2 dB as the global gain");
-    ASSERT_EQ(result.skipped.size(), 1);
-    EXPECT_TRUE(result.skipped.first().startsWith("line 3: "))
-        << result.skipped.first().toStdString();
+    ASSERT_EQ(result.details.size(), 1);
+    EXPECT_TRUE(result.details.first().startsWith("line 3: "))
+        << result.details.first().toStdString();
     EXPECT_EQ(presets().count(), 34);
     EXPECT_EQ(presets().activeName(), "Living room");
     EXPECT_EQ(engine().eq().globalGainDB(), -6.2F);
-    EXPECT_EQ(bands()[0].frequency, 105.0F);
+    EXPECT_EQ(std::ranges::count(bands(), 105.0F, &EQBand::frequency), 1);
     const Persisted saved = readSettingsFile((folder.path() / "state.json").string());
     EXPECT_EQ(saved.eqGlobalGainDB, -6.2F) << "in the same write as the preset";
     EXPECT_EQ(saved.bands, bands());
@@ -137,7 +258,7 @@ TEST_F(PresetListModelTest, WhatItWritesItReads) {
     const SpatialConfig spatial = engine().spatial();
     const std::vector<EQBand> exported = bands();
     presets().applyRow(0);
-    const ExchangeResult back = presets().importFile(path("out.json"));
+    const ExchangeResult back = presets().importFiles({path("out.json")});
     ASSERT_TRUE(back.ok) << back.message.toStdString();
     EXPECT_EQ(bands(), exported);
     EXPECT_EQ(engine().spatial(), spatial);
@@ -147,7 +268,7 @@ TEST_F(PresetListModelTest, WhatItWritesItReads) {
 
 TEST_F(PresetListModelTest, FailuresNameTheFileAndChangeNothing) {
     const auto failure = [&](const QString &from) {
-        const ExchangeResult result = presets().importFile(from);
+        const ExchangeResult result = presets().importFiles({from});
         EXPECT_FALSE(result.ok);
         EXPECT_EQ(presets().count(), 33);
         return result.message.toStdString();

@@ -95,12 +95,12 @@ QString SimulatedMachine::clipboard() const { return QGuiApplication::clipboard(
 
 bool SimulatedMachine::fileExists(const QString &path) const { return QFile::exists(path); }
 
-void SimulatedMachine::chooseImport(Chosen chosen) {
+void SimulatedMachine::chooseImport(FilesChosen chosen) {
     if (!chosenFile_.isEmpty())
-        chosen(chosenFile_);
+        chosen(chosenFile_.split('\n'));
 }
 
-void SimulatedMachine::chooseExport(const QString &suggestedName, Chosen chosen) {
+void SimulatedMachine::chooseExport(const QString &suggestedName, FileChosen chosen) {
     suggestedName_ = suggestedName;
     if (!chosenFile_.isEmpty())
         chosen(chosenFile_);

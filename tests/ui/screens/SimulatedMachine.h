@@ -18,7 +18,7 @@ namespace quorbel::testing {
 /// it is the singleton `Machine`. [main]
 class SimulatedMachine final : public QObject, public PresetFileChooser {
     Q_OBJECT
-    /// What the user answers when asked for a file; empty: they cancel.
+    /// What the user answers when asked for files, one on each line; empty: they cancel.
     Q_PROPERTY(QString chosenFile MEMBER chosenFile_)
     Q_PROPERTY(QString suggestedName MEMBER suggestedName_)
 
@@ -49,8 +49,8 @@ class SimulatedMachine final : public QObject, public PresetFileChooser {
     }
     [[nodiscard]] Q_INVOKABLE bool fileExists(const QString &path) const;
 
-    void chooseImport(Chosen chosen) override;
-    void chooseExport(const QString &suggestedName, Chosen chosen) override;
+    void chooseImport(FilesChosen chosen) override;
+    void chooseExport(const QString &suggestedName, FileChosen chosen) override;
 
     [[nodiscard]] Q_INVOKABLE QString clipboard() const;
 

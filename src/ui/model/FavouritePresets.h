@@ -1,0 +1,39 @@
+#pragma once
+
+#include "settings/state/FavouritePresetsFile.h"
+
+#include <QObject>
+#include <QString>
+
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// Which presets are the user's favourites: read once, written at every change. [main]
+class FavouritePresets final : public QObject {
+    Q_OBJECT
+
+  public:
+    FavouritePresets(const std::string &settingsPath, QObject *parent);
+
+    [[nodiscard]] const std::vector<Uuid> &ids() const { return file_.ids(); }
+    [[nodiscard]] bool contains(const Uuid &id) const;
+    /// Written at once. Where that fails the favourites stay as they were, with a warning.
+    void set(const std::vector<Uuid> &ids);
+
+    /// The last problem with the file; empty when the last save succeeded.
+    [[nodiscard]] const QString &warning() const { return warning_; }
+
+  Q_SIGNALS:
+    void changed();
+    void warningChanged();
+
+  private:
+    void setWarning(const QString &warning);
+
+    FavouritePresetsFile file_;
+    QString warning_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,88 @@
+#include "ui/model/PresetChoiceModel.h"
+
+#include "ui/model/FavouritePresets.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <utility>
+
+namespace quorbel {
+
+PresetChoiceModel::PresetChoiceModel(AppState &state, FavouritePresets &favourites, QObject *parent)
+    : RecordListModel(parent), state_(state), favourites_(favourites), choices_(currentChoices()) {
+    connect(&state_, &AppState::presetsChanged, this, &PresetChoiceModel::followPresets);
+    connect(&favourites_, &FavouritePresets::changed, this, &PresetChoiceModel::followPresets);
+    connect(&state_, &AppState::activePresetIDChanged, this, &PresetChoiceModel::followActive);
+    connect(&state_.engine().eq(), &EQProcessor::bandsChanged, this,
+            &PresetChoiceModel::followActive);
+    connect(&state_.engine(), &AudioEngine::spatialChanged, this, &PresetChoiceModel::followActive);
+    followActive();
+}
+
+int PresetChoiceModel::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(choices_.size());
+}
+
+QVariant PresetChoiceModel::data(const QModelIndex &index, int role) const {
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const Choice &choice = choices_[static_cast<std::size_t>(index.row())];
+    switch (role) {
+    case presetIdRole:
+        return choice.id;
+    case nameRole:
+        return choice.name;
+    case groupRole:
+        return choice.group;
+    default:
+        return {};
+    }
+}
+
+QHash<int, QByteArray> PresetChoiceModel::roleNames() const {
+    return {{presetIdRole, "presetId"}, {nameRole, "name"}, {groupRole, "group"}};
+}
+
+std::vector<PresetChoiceModel::Choice> PresetChoiceModel::currentChoices() const {
+    enum Rank : std::size_t { favourite, own, library };
+    std::array<std::vector<Choice>, 3> ranked;
+    for (const Preset &preset : state_.presets()) {
+        const bool isOwn = preset.category == Preset::Category::user;
+        const Rank rank = favourites_.contains(preset.id) ? favourite : isOwn ? own : library;
+        ranked[rank].push_back({.id = QString::fromStdString(preset.id.text()),
+                                .name = QString::fromUtf8(preset.name),
+                                .group = rank == favourite
+                                             ? tr("Favourites")
+                                             : QString::fromUtf8(displayName(preset.category))});
+    }
+    std::vector<Choice> choices;
+    for (std::vector<Choice> &group : ranked)
+        std::ranges::move(group, std::back_inserter(choices));
+    return choices;
+}
+
+void PresetChoiceModel::followPresets() {
+    // A row in another group is another row: views read the group of a row only once.
+    replaceRecords(choices_, currentChoices(),
+                   [](const Choice &choice) { return std::pair(choice.id, choice.group); });
+    Q_EMIT choicesChanged();
+    currentIndex_ = -1; // a view may have lost its own with the rows
+    followActive();
+}
+
+void PresetChoiceModel::followActive() {
+    int index = -1;
+    if (state_.isActivePresetUnchanged()) {
+        const QString id = QString::fromStdString(state_.activePresetID()->text());
+        const auto found = std::ranges::find(choices_, id, &Choice::id);
+        if (found != choices_.end())
+            index = static_cast<int>(found - choices_.begin());
+    }
+    if (index == currentIndex_)
+        return;
+    currentIndex_ = index;
+    Q_EMIT currentIndexChanged();
+}
+
+} // namespace quorbel

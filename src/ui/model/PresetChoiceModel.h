@@ -1,0 +1,56 @@
+#pragma once
+
+#include "settings/state/AppState.h"
+#include "ui/model/RecordListModel.h"
+
+#include <QString>
+
+#include <vector>
+
+namespace quorbel {
+
+class FavouritePresets;
+
+/// The presets as a box or menu offers them, in groups: the favourites, the user's own, then the
+/// library by category. Each preset is in one group. [main]
+class PresetChoiceModel final : public quorbel::RecordListModel {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("App.presets.choices is the only one")
+    /// The active preset's row; -1 where the settings are no preset's own.
+    Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentIndexChanged)
+
+  public:
+    enum Role { presetIdRole = Qt::UserRole, nameRole, groupRole };
+
+    struct Choice {
+        QString id;
+        QString name;
+        QString group;
+    };
+
+    PresetChoiceModel(AppState &state, FavouritePresets &favourites, QObject *parent);
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+    [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
+
+    [[nodiscard]] const std::vector<Choice> &choices() const { return choices_; }
+    [[nodiscard]] int currentIndex() const { return currentIndex_; }
+
+  Q_SIGNALS:
+    void currentIndexChanged();
+    void choicesChanged();
+
+  private:
+    [[nodiscard]] std::vector<Choice> currentChoices() const;
+    void followPresets();
+    void followActive();
+
+    AppState &state_;
+    FavouritePresets &favourites_;
+    std::vector<Choice> choices_; ///< as shown
+    int currentIndex_ = -1;
+};
+
+} // namespace quorbel
