@@ -22,7 +22,7 @@ T.Pane {
         border.width: Theme.hairline
         border.color: Theme.rule
 
-        Text {
+        PlainText {
             x: card.padding
             y: card.padding
             width: parent.width - 2 * card.padding

@@ -18,7 +18,7 @@ Rectangle {
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 
-    Text {
+    PlainText {
         id: label
 
         anchors.centerIn: parent

@@ -34,7 +34,7 @@ T.Dialog {
         border.width: Theme.hairline
         border.color: Theme.edge
     }
-    header: Text {
+    header: PlainText {
         visible: dialog.title !== ""
         leftPadding: 3 * Theme.unit
         rightPadding: 3 * Theme.unit

@@ -33,7 +33,7 @@ T.TextField {
         border.color: control.invalid ? Theme.warning : control.activeFocus ? Theme.signalInk : control.hovered ? Theme.ink : Theme.edge
     }
 
-    Text {
+    PlainText {
         x: control.leftPadding
         width: control.width - control.leftPadding - control.rightPadding
         height: control.height

@@ -57,7 +57,7 @@ T.Switch {
         }
     }
 
-    contentItem: Text {
+    contentItem: PlainText {
         leftPadding: control.indicator.width + (control.text !== "" ? control.spacing : 0)
         text: control.text
         font: control.font

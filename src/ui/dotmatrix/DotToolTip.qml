@@ -17,7 +17,7 @@ T.ToolTip {
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
     font.pixelSize: Theme.captionSize
 
-    contentItem: Text {
+    contentItem: PlainText {
         text: control.text
         font: control.font
         color: Theme.card

@@ -35,7 +35,7 @@ Item {
             name: face.symbol
             color: label.color
         }
-        Text {
+        PlainText {
             id: small
 
             anchors.baseline: label.baseline
@@ -45,7 +45,7 @@ Item {
             font.pixelSize: Theme.captionSize
             Accessible.ignored: true
         }
-        Text {
+        PlainText {
             id: label
 
             anchors.verticalCenter: parent.verticalCenter

@@ -17,13 +17,12 @@ ColumnLayout {
         Layout.fillWidth: true
         spacing: Theme.unit
 
-        Text {
+        PlainText {
             text: header.title
             color: Theme.ink
             font.family: Theme.fontFamily
             font.pixelSize: Theme.titleSize
             font.weight: Font.DemiBold
-            textFormat: Text.PlainText
             Accessible.role: Accessible.Heading
             Accessible.name: text
         }
