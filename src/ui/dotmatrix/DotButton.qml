@@ -32,7 +32,7 @@ T.Button {
 
     background: Rectangle {
         radius: Theme.radius
-        color: control.primary ? (control.down || control.hovered ? Theme.signalInk : Theme.signal) : control.down || control.checked ? Theme.rule : control.flat ? (control.hovered ? Theme.rule : "transparent") : Theme.card
+        color: control.primary ? (control.down || control.hovered ? Theme.signalInk : Theme.signal) : control.down || control.checked ? Theme.pressed : control.flat ? (control.hovered ? Theme.pressed : "transparent") : Theme.card
         border.width: control.primary || control.flat ? 0 : Theme.hairline
         border.color: control.hovered || control.down ? Theme.ink : Theme.edge
 

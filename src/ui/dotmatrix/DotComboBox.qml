@@ -56,7 +56,7 @@ T.ComboBox {
     }
     background: Rectangle {
         radius: Theme.radius
-        color: control.down ? Theme.rule : Theme.card
+        color: control.down ? Theme.pressed : Theme.card
         border.width: Theme.hairline
         border.color: control.hovered || control.down ? Theme.ink : Theme.edge
 

@@ -1,26 +1,13 @@
 #include "ui/dotmatrix/Palette.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace quorbel {
-namespace {
-
-double luminance(const QColor &color) {
-    const auto linear = [](double channel) {
-        return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
-           0.0722 * linear(color.blueF());
-}
-
-} // namespace
 
 const Palette &paletteFor(bool highContrast) {
     static const Palette normal{
         .paper = QColor(0xf0ece3),
         .card = QColor(0xfaf8f3),
         .rule = QColor(0xdcd6c9),
+        .pressed = QColor(0xdcd6c9),
         .edge = QColor(0x8c8577),
         .ink = QColor(0x211f1b),
         .inkSoft = QColor(0x625d53),
@@ -37,6 +24,7 @@ const Palette &paletteFor(bool highContrast) {
         .paper = QColor(0xffffff),
         .card = QColor(0xffffff),
         .rule = QColor(Qt::black),
+        .pressed = QColor(0xd4d4d4),
         .edge = QColor(Qt::black),
         .ink = QColor(Qt::black),
         .inkSoft = QColor(0x2b2b2b),
@@ -50,11 +38,6 @@ const Palette &paletteFor(bool highContrast) {
         .veil = QColor(0x00, 0x00, 0x00, 0x99),
     };
     return highContrast ? high : normal;
-}
-
-double contrastRatio(const QColor &one, const QColor &other) {
-    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
-    return (lighter + 0.05) / (darker + 0.05);
 }
 
 } // namespace quorbel

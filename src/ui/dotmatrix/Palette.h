@@ -8,7 +8,8 @@ namespace quorbel {
 struct Palette {
     QColor paper;     // the window's ground
     QColor card;      // raised ground, a little lighter than paper
-    QColor rule;      // hairlines between and around things
+    QColor rule;      // hairlines between and around things; never a ground for text
+    QColor pressed;   // ground of a control that is held, open or checked; text at least 4.5:1
     QColor edge;      // outlines of controls, at least 3:1 on paper and card
     QColor ink;       // text and lit dots
     QColor inkSoft;   // secondary text, at least 4.5:1 on paper and card
@@ -24,8 +25,5 @@ struct Palette {
 
 /// @param highContrast  black on white with the same signal, text at least 7:1
 const Palette &paletteFor(bool highContrast);
-
-/// The contrast of two opaque colours, 1 to 21 (WCAG 2.1, relative luminance and contrast ratio).
-double contrastRatio(const QColor &one, const QColor &other);
 
 } // namespace quorbel

@@ -16,6 +16,7 @@ class Theme : public QObject {
     Q_PROPERTY(QColor paper READ paper NOTIFY changed FINAL)
     Q_PROPERTY(QColor card READ card NOTIFY changed FINAL)
     Q_PROPERTY(QColor rule READ rule NOTIFY changed FINAL)
+    Q_PROPERTY(QColor pressed READ pressed NOTIFY changed FINAL)
     Q_PROPERTY(QColor edge READ edge NOTIFY changed FINAL)
     Q_PROPERTY(QColor ink READ ink NOTIFY changed FINAL)
     Q_PROPERTY(QColor inkSoft READ inkSoft NOTIFY changed FINAL)
@@ -49,6 +50,7 @@ class Theme : public QObject {
     QColor paper() const { return palette().paper; }
     QColor card() const { return palette().card; }
     QColor rule() const { return palette().rule; }
+    QColor pressed() const { return palette().pressed; }
     QColor edge() const { return palette().edge; }
     QColor ink() const { return palette().ink; }
     QColor inkSoft() const { return palette().inkSoft; }

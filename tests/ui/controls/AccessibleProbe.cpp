@@ -1,5 +1,6 @@
 #include "ui/controls/AccessibleProbe.h"
 
+#include "ui/controls/ContrastRatio.h"
 #include "ui/dotmatrix/Appearance.h"
 #include "ui/symbols/Symbols.h"
 
@@ -92,6 +93,10 @@ void AccessibleProbe::act(QQuickItem *item, const QString &action) const {
 }
 
 QStringList AccessibleProbe::symbolNames() const { return symbols::names(); }
+
+double AccessibleProbe::contrast(const QColor &one, const QColor &other) const {
+    return contrastRatio(one, other);
+}
 
 void AccessibleProbe::setHighContrast(bool on) const { Appearance::instance().setHighContrast(on); }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QAccessible>
+#include <QColor>
 #include <QObject>
 #include <QQuickItem>
 #include <QStringList>
@@ -30,6 +31,9 @@ class AccessibleProbe : public QObject {
 
     /// All that `Symbol` can show.
     Q_INVOKABLE QStringList symbolNames() const;
+
+    /// WCAG's contrast ratio, 1 to 21.
+    Q_INVOKABLE double contrast(const QColor &one, const QColor &other) const;
 
     Q_INVOKABLE void setHighContrast(bool on) const;
     Q_INVOKABLE void setReducedMotion(bool on) const;
