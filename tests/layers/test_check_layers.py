@@ -30,7 +30,7 @@ class CheckLayers(unittest.TestCase):
         self.assertEqual((status, output), (0, "7 includes follow the layers\n"))
 
     def test_violations_are_named(self):
-        lower = {"platform__core__A": "", "effects__E": "", "watchdog__W": "", "engine__N": ""}
+        lower = {"platform__core__A": "", "effects__E": "", "watchdog__W": "", "engine__N": "", "ui__model__M": ""}
         for at, include in [
             ("platform__dsp__X", '"effects/E.h"'),  # against the arrow
             ("devices__X", '"effects/E.h"'),  # sideways
@@ -45,6 +45,9 @@ class CheckLayers(unittest.TestCase):
             ("platform__core__X", "<QtCore/QString>"),
             ("settings__state__X", "<QQmlEngine>"),
             ("elsewhere__X", "<vector>"),
+            ("ui__logic__X", '"ui/model/M.h"'),  # against the arrow within a layer
+            ("ui__dotmatrix__X", '"ui/model/M.h"'),
+            ("effects__cores__X", '"effects/E.h"'),
         ]:
             with self.subTest(at=at, include=include):
                 status, output = self.check(**lower, **{at: "#include " + include})
