@@ -105,6 +105,14 @@ void SimulatedHardware::stopPlaying(AudioObjectID application) {
 
 // The script: trouble
 
+void SimulatedHardware::setSuspended(bool suspended) {
+    rearrange([&] {
+        isSuspended_ = suspended;
+        for (const auto &[output, started] : outputs_)
+            suspended ? started.client->renderPaused() : started.client->renderResumed();
+    });
+}
+
 void SimulatedHardware::setAsleep(bool asleep) {
     rearrange([&] { isAsleep_ = asleep; });
 }
@@ -418,7 +426,7 @@ CyclePlan SimulatedHardware::planFor(AudioObjectID id, const Device &device) con
     plan.blockFrames = device.script.blockFrames;
     plan.willPlay = isPlaying();
     plan.watch = watch_;
-    if (connection_ != statusOK || isAsleep_)
+    if (connection_ != statusOK || isAsleep_ || isSuspended_)
         return plan;
 
     std::vector<const TapDescription *> readTaps;

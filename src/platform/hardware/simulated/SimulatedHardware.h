@@ -62,6 +62,9 @@ class SimulatedHardware final : public AudioHardware {
     AudioObjectID play(simulated::Sound sound, std::string deviceUID = {});
     void stopPlaying(AudioObjectID application);
 
+    /// While suspended, nobody plays: no device has cycles, and outputs are told so.
+    void setSuspended(bool suspended);
+
     // The script: trouble.
     /// The machine sleeps and wakes: no device has cycles, while the clock goes on.
     void setAsleep(bool asleep);
@@ -158,6 +161,7 @@ class SimulatedHardware final : public AudioHardware {
     AudioObjectID lastID_ = 0;
     Status connection_ = statusOK;
     bool isReachable_ = true;
+    bool isSuspended_ = false;
     bool isAsleep_ = false;
     bool isDefaultLagging_ = false;
     bool isReusingIDs_ = false;

@@ -41,7 +41,8 @@ Status SimulatedOutput::start(RenderClient &client) {
         return -EBUSY;
     client.renderFormatChanged({.sampleRate = device->script.sampleRate, .channelCount = 2});
     hardware_.rearrange([&] { hardware_.outputs_[this] = {.device = device_, .client = &client}; });
-    client.renderResumed();
+    if (!hardware_.isSuspended_)
+        client.renderResumed();
     return statusOK;
 }
 
