@@ -3,6 +3,7 @@
 #include "platform/units/UnitStatus.h"
 
 #include <new>
+#include <utility>
 
 namespace quorbel {
 
@@ -16,7 +17,8 @@ EffectUnit::EffectUnit(const ComponentDescription &description, InstantiationOpt
                        std::span<const EffectParameter> table)
     : AudioUnit(description, options), inputBus_(standardFormat), outputBus_(standardFormat),
       inputBusses_(AudioUnitBusArray::Type::input, {&inputBus_}),
-      outputBusses_(AudioUnitBusArray::Type::output, {&outputBus_}) {
+      outputBusses_(AudioUnitBusArray::Type::output, {&outputBus_}),
+      touches_(std::make_shared<std::atomic<std::uint32_t>>(0)) {
     std::vector<std::shared_ptr<Parameter>> parameters;
     for (const EffectParameter &row : table) {
         cells_.push_back(std::make_shared<AudioParameter>(row.defaultValue));
@@ -31,9 +33,12 @@ EffectUnit::EffectUnit(const ComponentDescription &description, InstantiationOpt
     }
 
     auto tree = std::make_shared<ParameterTree>(std::move(parameters));
-    tree->implementorValueObserver = [cells = cells_](const Parameter &parameter, float value) {
-        if (parameter.address() < cells.size())
-            cells[parameter.address()]->setValue(value);
+    tree->implementorValueObserver = [cells = cells_,
+                                      touches = touches_](const Parameter &parameter, float value) {
+        if (parameter.address() >= cells.size())
+            return;
+        cells[parameter.address()]->setValue(value);
+        touches->fetch_add(1, std::memory_order_release); // after it: whoever counts it sees it
     };
     tree->implementorValueProvider = [cells = cells_](const Parameter &parameter) {
         return parameter.address() < cells.size() ? cells[parameter.address()]->value() : 0.0F;
@@ -57,6 +62,10 @@ Status EffectUnit::allocateRenderResources(std::string &error) {
 }
 
 void EffectUnit::takeSettings() noexcept {
+    // The locks of cells that nobody has touched would be the larger part of a short block.
+    const std::uint32_t touches = touches_->load(std::memory_order_acquire);
+    if (std::exchange(takenTouches_, touches) == touches)
+        return;
     for (const Cell &cell : cells_)
         cell->take();
 }

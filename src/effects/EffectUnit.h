@@ -5,6 +5,7 @@
 
 #include <span>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -65,6 +66,8 @@ class EffectUnit : public AudioUnit {
     AudioUnitBusArray inputBusses_;
     AudioUnitBusArray outputBusses_;
     std::vector<Cell> cells_;
+    std::shared_ptr<std::atomic<std::uint32_t>> touches_; ///< how often a cell was set
+    std::uint32_t takenTouches_ = 0;                      ///< [render]
 };
 
 /// The render block of an effect unit: pulls bus 0 into the output, then lets `process(output,

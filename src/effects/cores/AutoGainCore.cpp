@@ -38,7 +38,7 @@ void AutoGainCore::trim(float *left, float *right, std::uint32_t frames,
 
 float AutoGainCore::level(float *left, float *right, std::uint32_t frames, float gainDB,
                           float targetDB, float trimTarget) noexcept {
-    levelling_.target = std::pow(10.0F, targetDB / 20.0F);
+    levelling_.target = target_.of([](float dB) { return std::pow(10.0F, dB / 20.0F); }, targetDB);
     levelling_.trimTarget = trimTarget;
     LevellingState state{
         .meanSquare = meanSquare_, .gain = std::pow(10.0F, gainDB / 20.0F), .trim = trim_};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "effects/cores/Kept.h"
 #include "effects/cores/Levelling.h"
 
 #include <cstdint>
@@ -31,7 +32,8 @@ class AutoGainCore {
                 float trimTarget) noexcept;
 
   private:
-    Levelling levelling_; // its targets are those of the last block
+    Kept<float, float> target_; ///< linear, by dB
+    Levelling levelling_;       // its targets are those of the last block
     float trim_ = 1.0F;
     float meanSquare_ = 0.0F;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "effects/cores/BassHarmonics.h"
+#include "effects/cores/Kept.h"
 
 #include <cstdint>
 
@@ -22,8 +23,14 @@ class BassEnhancerCore {
                  float crossoverHz) noexcept;
 
   private:
+    struct Filters {
+        BiquadCoefficients lowPass;
+        BiquadCoefficients highPass;
+    };
+
     float sampleRate_ = 48'000.0F;
     BassSections sections_;
+    Kept<Filters, float, float> filters_; ///< by crossover and sample rate
 };
 
 } // namespace quorbel

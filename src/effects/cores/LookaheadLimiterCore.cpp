@@ -67,8 +67,12 @@ void LookaheadLimiterCore::process(float *left, float *right, std::uint32_t fram
                        smallestGain);
     // The largest reduction, by way of its complement as the meter counts it. Adding zero turns the
     // negative zero of an untouched block into the positive one.
-    const float maxReduction = 1.0F - smallestGain;
-    gainReductionDB_ = -20.0F * std::log10(std::max(1.0F - maxReduction, 0.000001F)) + 0.0F;
+    gainReductionDB_ = reductionDB_.of(
+        [](float gain) {
+            const float maxReduction = 1.0F - gain;
+            return -20.0F * std::log10(std::max(1.0F - maxReduction, 0.000001F)) + 0.0F;
+        },
+        smallestGain);
 }
 
 void LookaheadLimiterCore::processStretch(float *left, float *right, std::uint32_t count,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "effects/cores/Kept.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -42,6 +44,7 @@ class LookaheadLimiterCore {
     float attackCoeff_ = 0.0F;
     float releaseCoeff_ = 0.0F;
     float gainReductionDB_ = 0.0F;
+    Kept<float, float> reductionDB_; ///< by the smallest gain
 };
 
 } // namespace quorbel

@@ -15,9 +15,14 @@ void SpatializerCore::process(float *left, float *right, std::uint32_t frames, f
     // Beyond half the sample rate the section would be unstable. Rates from 18 kHz on never get
     // there.
     const float centreHz = std::min(notchHz, 0.45F * sampleRate_);
-    const float amplitude = std::pow(10.0F, (2.0F * (-3.0F * amount)) / 40.0F); // −6·amount dB
-    const float w0 = 6.283185F * centreHz / sampleRate_;
-    const BiquadCoefficients coefficients = peaking(w0, std::sin(w0) / 2.4F, amplitude); // Q 1.2
+    const BiquadCoefficients coefficients = dip_.of(
+        [](float share, float hz, float sampleRate) {
+            const float amplitude =
+                std::pow(10.0F, (2.0F * (-3.0F * share)) / 40.0F); // −6·share dB
+            const float w0 = 6.283185F * hz / sampleRate;
+            return peaking(w0, std::sin(w0) / 2.4F, amplitude); // Q 1.2
+        },
+        amount, centreHz, sampleRate_);
     const float sideGain = 1.0F + 0.5F * amount;
 
     BiquadState state = side_;

@@ -71,16 +71,20 @@ void VoiceEnhancerCore::prepare(float sampleRate) noexcept {
 
 void VoiceEnhancerCore::process(float *left, float *right, std::uint32_t frames, float mix,
                                 float presenceDB, float mudDB) noexcept {
-    const float mudW0 = 1884.9554F / sampleRate_;      // 2π · 300 Hz
-    const float presenceW0 = 18849.555F / sampleRate_; // 2π · 3000 Hz
-    const Clarity clarity{
-        .mudCoefficients =
-            peaking(mudW0, std::sin(mudW0) * 0.5F, std::pow(10.0F, -mudDB / 40.0F)), // Q 1
-        .presenceCoefficients = peaking(presenceW0, std::sin(presenceW0) / 2.4F,
-                                        std::pow(10.0F, presenceDB / 40.0F)), // Q 1.2
-        .mix = mix,
-        .mud = mud_,
-        .presence = presence_};
+    const auto mudFilter = [](float sampleRate, float cutDB) {
+        const float w0 = 1884.9554F / sampleRate;                                 // 2π · 300 Hz
+        return peaking(w0, std::sin(w0) * 0.5F, std::pow(10.0F, -cutDB / 40.0F)); // Q 1
+    };
+    const auto presenceFilter = [](float sampleRate, float boostDB) {
+        const float w0 = 18849.555F / sampleRate;                                  // 2π · 3000 Hz
+        return peaking(w0, std::sin(w0) / 2.4F, std::pow(10.0F, boostDB / 40.0F)); // Q 1.2
+    };
+    const Clarity clarity{.mudCoefficients = mudCoefficients_.of(mudFilter, sampleRate_, mudDB),
+                          .presenceCoefficients =
+                              presenceCoefficients_.of(presenceFilter, sampleRate_, presenceDB),
+                          .mix = mix,
+                          .mud = mud_,
+                          .presence = presence_};
 
     const std::uint32_t fours = frames - frames % 4;
     if (fours > 0)

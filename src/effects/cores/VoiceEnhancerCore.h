@@ -1,5 +1,6 @@
 #pragma once
 
+#include "effects/cores/Kept.h"
 #include "effects/cores/StereoSection.h"
 
 #include <cstdint>
@@ -22,6 +23,8 @@ class VoiceEnhancerCore {
   private:
     float sampleRate_ = 48'000.0F;
     StereoSection mud_;
+    Kept<BiquadCoefficients, float, float> mudCoefficients_;      ///< by sample rate and cut
+    Kept<BiquadCoefficients, float, float> presenceCoefficients_; ///< by sample rate and boost
     StereoSection presence_; // its input is the mud filter's output
 };
 

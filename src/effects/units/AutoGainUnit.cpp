@@ -31,7 +31,8 @@ float manualGain(float enabledSwitch, float manualDB) {
 
 struct AutoGainUnit::State {
     AutoGainCore core;
-    PlainCell gainStorage{0.0F}; // dB; carries the gain from block to block
+    Kept<float, float, float> manualGain; // linear, by switch and dB
+    PlainCell gainStorage{0.0F};          // dB; carries the gain from block to block
 };
 
 AutoGainUnit::AutoGainUnit(const ComponentDescription &description, InstantiationOptions options)
@@ -50,7 +51,8 @@ RenderBlock AutoGainUnit::internalRenderBlock() {
                               manualEnabledStorage = storage(manualEnabled)](
                                  const AudioBufferList &buffers, std::uint32_t frames) noexcept {
         const bool levelling = isOn(enabledStorage->taken());
-        const float trimTarget = manualGain(manualEnabledStorage->taken(), manualStorage->taken());
+        const float trimTarget =
+            state->manualGain.of(manualGain, manualEnabledStorage->taken(), manualStorage->taken());
         const float targetDB = targetStorage->taken();
 
         if (!levelling && !state->core.trimsTo(trimTarget)) {

@@ -1,6 +1,7 @@
 #include "effects/units/LimiterUnit.h"
 
 #include "effects/PlainCell.h"
+#include "effects/cores/Kept.h"
 #include "effects/cores/LookaheadLimiterCore.h"
 
 #include <array>
@@ -19,6 +20,7 @@ constexpr std::array limiterParameters{
 
 struct LimiterUnit::State {
     LookaheadLimiterCore core;
+    Kept<float, float> threshold; // linear, by dB
     PlainCell gainReductionStorage{0.0F};
 };
 
@@ -47,8 +49,9 @@ RenderBlock LimiterUnit::internalRenderBlock() {
             state->gainReductionStorage.store(0.0F);
             return;
         }
-        state->core.process(buffers.data[0], buffers.data[1], frames,
-                            std::pow(10.0F, thresholdDB / 20.0F));
+        state->core.process(
+            buffers.data[0], buffers.data[1], frames,
+            state->threshold.of([](float dB) { return std::pow(10.0F, dB / 20.0F); }, thresholdDB));
         state->gainReductionStorage.store(state->core.gainReductionDB());
     });
 }
