@@ -8,8 +8,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 
 namespace quorbel::bench {
 namespace {
@@ -21,20 +19,6 @@ using namespace soundserver;
 // dB off, unprocessed sound by 2.1 dB.
 constexpr double toleranceDB = 0.4;
 constexpr double settlingSeconds = 60.0;
-
-double voluntarySwitches(pid_t process) {
-    double count = 0.0;
-    const std::string tasks = fmt::format("/proc/{}/task", process);
-    for (const auto &task : std::filesystem::directory_iterator(tasks)) {
-        std::ifstream file(task.path() / "status");
-        for (std::string word; file >> word;) {
-            if (double switches = 0.0; word == "voluntary_ctxt_switches:" && file >> switches) {
-                count += switches;
-            }
-        }
-    }
-    return count;
-}
 
 /// Short windows: on a busy machine some contain an interruption.
 void waitUntilHeard(const Recorder &recorder, const Processor &processor, ChildProcess &process,
@@ -79,10 +63,10 @@ LiveLoad measureLiveLoad(const PrivateSoundServer &server, GraphClient &client,
     const std::size_t start = recorder.frames();
     const auto startTime = SteadyClock::now();
     const double processorSecondsBefore = processorSeconds(process->pid());
-    const double switchesBefore = voluntarySwitches(process->pid());
+    const std::uint64_t wakeUpsBefore = allWakeUps(process->pid());
     recorder.skip(seconds);
     const double used = processorSeconds(process->pid()) - processorSecondsBefore;
-    const double switches = voluntarySwitches(process->pid()) - switchesBefore;
+    const auto wakeUps = static_cast<double>(allWakeUps(process->pid()) - wakeUpsBefore);
     const std::chrono::duration<double> elapsed = SteadyClock::now() - startTime;
     const Recording measured = recorder.recording(start);
 
@@ -91,7 +75,7 @@ LiveLoad measureLiveLoad(const PrivateSoundServer &server, GraphClient &client,
         throw ServerError(
             fmt::format("{} ended with status {}: {}", processor.name, status, process->errors()));
     }
-    return {used / elapsed.count(), switches / elapsed.count(), interruptions(measured, quantum)};
+    return {used / elapsed.count(), wakeUps / elapsed.count(), interruptions(measured, quantum)};
 }
 
 } // namespace quorbel::bench

@@ -38,6 +38,29 @@ double processorSeconds(pid_t process) {
     return seconds;
 }
 
+std::map<pid_t, std::uint64_t> wakeUps(pid_t process) {
+    std::map<pid_t, std::uint64_t> counts;
+    std::error_code ignored;
+    const std::string tasks = "/proc/" + std::to_string(process) + "/task";
+    for (const auto &task : std::filesystem::directory_iterator(tasks, ignored)) {
+        std::ifstream file(task.path() / "status");
+        for (std::string word; file >> word;) {
+            if (word == "voluntary_ctxt_switches:") {
+                file >> counts[std::stoi(task.path().filename())];
+            }
+        }
+    }
+    return counts;
+}
+
+std::uint64_t allWakeUps(pid_t process) {
+    std::uint64_t sum = 0;
+    for (const auto &[thread, count] : wakeUps(process)) {
+        sum += count;
+    }
+    return sum;
+}
+
 double memoryMiB(pid_t process) { return memoryFigureMiB(process, "smaps_rollup", "Pss:"); }
 
 double peakMemoryMiB(pid_t process) { return memoryFigureMiB(process, "status", "VmHWM:"); }

@@ -74,13 +74,16 @@ Recording Recording::excerpt(std::size_t start, std::size_t count) const {
 }
 
 Recorder::Recorder(GraphClient &client, const std::string &device, double maxSeconds,
-                   int sampleRate)
+                   int sampleRate, bool isPassive)
     : ClientStream(client, "recorder-" + device), sampleRate_(sampleRate),
       left_(static_cast<std::size_t>(maxSeconds * sampleRate)), right_(left_.size()),
       segments_(left_.size() / 16 + 1) {
     pw_properties *properties =
         pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_STREAM_CAPTURE_SINK, "true",
                           PW_KEY_TARGET_OBJECT, device.c_str(), nullptr);
+    if (isPassive) {
+        pw_properties_set(properties, PW_KEY_NODE_PASSIVE, "true");
+    }
     connect(PW_DIRECTION_INPUT, properties, sampleRate);
     waitUntilRunning();
 }

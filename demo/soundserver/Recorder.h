@@ -45,9 +45,9 @@ struct Recording {
 /// Records what a device plays, from its monitor.
 class Recorder : public ClientStream {
   public:
-    /// Records until `maxSeconds` are full.
+    /// Records until `maxSeconds` are full. A passive recorder does not keep the device running.
     Recorder(GraphClient &client, const std::string &device, double maxSeconds,
-             int sampleRate = 48000);
+             int sampleRate = 48000, bool isPassive = false);
     ~Recorder() override { disconnect(); }
 
     [[nodiscard]] std::size_t frames() const { return frames_; }

@@ -133,18 +133,31 @@ TEST_F(Ending, AReverbIsHeardOutAfterTheLastApplication) {
     settings.reverbMix = 100.0;
     LiveProcess live(quiet, settings);
     live.waitUntilRunning();
-    {
-        Sequence sequence;
-        const auto file = quiet.folder() / "sequence.wav";
-        writeSoundFile(file, rendered(sequence, 0.5));
-        const auto application = quiet.start({"pw-play", file.string()});
-        ASSERT_EQ(application->exitStatusWithin(5.0), 0);
-    }
-    // No recorder runs yet: one would keep the device running by itself.
+    Sequence sequence;
+    const auto file = quiet.folder() / "sequence.wav";
+    writeSoundFile(file, rendered(sequence, 1.5));
+    const auto application = quiet.start({"pw-play", file.string()});
+    GraphClient quietClient(quiet);
+    const Recorder recorder(quietClient, "speakers", 30.0, 48000, true);
+    ASSERT_EQ(application->exitStatusWithin(5.0), 0);
+    const std::size_t framesAtEnd = recorder.frames();
     const auto isPlaying = [&] { return quiet.state().node("speakers")->state == "running"; };
     const auto ended = SteadyClock::now();
     ASSERT_TRUE(comesTrue(15.0, [&] { return !isPlaying(); }));
     EXPECT_GT(SteadyClock::now() - ended, std::chrono::seconds(2));
+
+    // A graph that stops in between forgets what the effects hold: silence would follow.
+    const Recording heard = recorder.recording(framesAtEnd);
+    std::size_t sound = 0; ///< frame after the last one that is not 0
+    std::size_t longestHole = 0;
+    for (std::size_t frame = 0; frame < heard.frames(); ++frame) {
+        if (heard.left[frame] != 0.0F) {
+            longestHole = std::max(longestHole, frame - sound);
+            sound = frame + 1;
+        }
+    }
+    EXPECT_GT(sound, 48000U);
+    EXPECT_LT(longestHole, 64U);
 }
 
 TEST_F(Ending, TheDeviceGoesToSleepAfterTheLastApplication) {
