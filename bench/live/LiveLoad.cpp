@@ -63,10 +63,10 @@ LiveLoad measureLiveLoad(const PrivateSoundServer &server, GraphClient &client,
     const std::size_t start = recorder.frames();
     const auto startTime = SteadyClock::now();
     const double processorSecondsBefore = processorSeconds(process->pid());
-    const std::uint64_t wakeUpsBefore = allWakeUps(process->pid());
+    const auto wakeUpsBefore = wakeUps(process->pid());
     recorder.skip(seconds);
     const double used = processorSeconds(process->pid()) - processorSecondsBefore;
-    const auto wakeUps = static_cast<double>(allWakeUps(process->pid()) - wakeUpsBefore);
+    const WakeUps woken = wakeUpsSince(process->pid(), wakeUpsBefore);
     const std::chrono::duration<double> elapsed = SteadyClock::now() - startTime;
     const Recording measured = recorder.recording(start);
 
@@ -75,7 +75,19 @@ LiveLoad measureLiveLoad(const PrivateSoundServer &server, GraphClient &client,
         throw ServerError(
             fmt::format("{} ended with status {}: {}", processor.name, status, process->errors()));
     }
-    return {used / elapsed.count(), wakeUps / elapsed.count(), interruptions(measured, quantum)};
+    return {used / elapsed.count(), woken.all / elapsed.count(),
+            woken.most / static_cast<double>(measured.segments.size()),
+            interruptions(measured, quantum)};
+}
+
+double measureIdleWakeUps(const PrivateSoundServer &server, const Processor &processor) {
+    const auto process = server.start(processor.command);
+    const double perSecond = idleWakeUps(process->pid(), settlingSeconds);
+    if (!process->running()) {
+        throw ServerError(processor.name + " ended: " + process->errors() + process->output());
+    }
+    process->stop(5.0, SIGINT);
+    return perSecond;
 }
 
 } // namespace quorbel::bench

@@ -15,8 +15,13 @@ struct LiveLoad {
 
     double share = 0.0;            ///< of one core, all threads
     double wakeUpsPerSecond = 0.0; ///< voluntary context switches, all threads
+    double wakeUpsPerCycle = 0.0;  ///< of the thread that was woken most often
     std::size_t interruptions = 0; ///< of what the device plays
 };
+
+/// Wake-ups per second of a processor that runs while nothing plays, once that has come to rest.
+[[nodiscard]] double measureIdleWakeUps(const soundserver::PrivateSoundServer &server,
+                                        const Processor &processor);
 
 /// Runs the processor while an application plays a `SteadySound`, and measures for `seconds`.
 /// Throws `ServerError` if the device does not play the expected levels in cycles of `quantum`

@@ -22,17 +22,18 @@ using namespace soundserver;
 constexpr std::array<std::size_t, 3> quanta = {1024, 256, 64};
 
 constexpr const char *headline =
-    R"(Share of one core and wake-ups per second while playing, the least of {} runs of {:g} s, and interruptions
+    R"(Share of one core and wake-ups per second while playing (per cycle: of the data thread), the least of {} runs of {:g} s, and interruptions
 of the sound in all runs: Ostrafine with everything on, PipeWire's filter chain with equaliser and tone only.
 Load average at the start: {:.2f}.
 
-quantum  Ostrafine  filter chain  ratio  wake-ups: Ostrafine  filter chain  interruptions: Ostrafine  filter chain
+quantum  Ostrafine  filter chain  ratio  wake-ups: Ostrafine  per cycle  filter chain  interruptions: Ostrafine  filter chain
 )";
 
 /// What else the machine does only adds to a run.
 LiveLoad leastOf(const LiveLoad &one, const LiveLoad &other) {
     return {std::min(one.share, other.share),
             std::min(one.wakeUpsPerSecond, other.wakeUpsPerSecond),
+            std::min(one.wakeUpsPerCycle, other.wakeUpsPerCycle),
             one.interruptions + other.interruptions};
 }
 
@@ -51,11 +52,17 @@ void compareAt(std::size_t quantum, int runs, double seconds) {
         }
     }
     const auto &[live, chain] = loads;
-    fmt::print("{:7} {:8.2f} % {:11.2f} % {:6.2f} {:20.0f} {:13.0f} {:25} {:13}\n", quantum,
-               live.share * 100.0, chain.share * 100.0, live.share / chain.share,
-               live.wakeUpsPerSecond, chain.wakeUpsPerSecond, live.interruptions,
-               chain.interruptions);
+    fmt::print("{:7} {:8.2f} % {:11.2f} % {:6.2f} {:20.0f} {:10.2f} {:13.0f} {:25} {:13}\n",
+               quantum, live.share * 100.0, chain.share * 100.0, live.share / chain.share,
+               live.wakeUpsPerSecond, live.wakeUpsPerCycle, chain.wakeUpsPerSecond,
+               live.interruptions, chain.interruptions);
     std::fflush(stdout);
+}
+
+void printIdleWakeUps() {
+    const PrivateSoundServer server;
+    fmt::print("Wake-ups per second of Ostrafine while nothing plays: {:.1f}\n",
+               measureIdleWakeUps(server, ostrafine(server.folder())));
 }
 
 void interrupt(int) { interruptRequested = true; }
@@ -87,6 +94,7 @@ int main(int argc, char **argv) {
         for (const std::size_t quantum : bench::quanta) {
             bench::compareAt(quantum, runs, seconds);
         }
+        bench::printIdleWakeUps();
         return 0;
     } catch (const soundserver::Interrupted &) {
         return 130;

@@ -2,6 +2,8 @@
 
 #include "soundserver/Waiting.h"
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -53,12 +55,35 @@ std::map<pid_t, std::uint64_t> wakeUps(pid_t process) {
     return counts;
 }
 
-std::uint64_t allWakeUps(pid_t process) {
-    std::uint64_t sum = 0;
+WakeUps wakeUpsSince(pid_t process, const std::map<pid_t, std::uint64_t> &before) {
+    WakeUps result;
     for (const auto &[thread, count] : wakeUps(process)) {
-        sum += count;
+        const auto earlier = before.find(thread);
+        const auto more =
+            static_cast<double>(count - (earlier == before.end() ? 0 : earlier->second));
+        result.all += more;
+        result.most = std::max(result.most, more);
     }
-    return sum;
+    return result;
+}
+
+double idleWakeUps(pid_t process, double deadlineSeconds) {
+    constexpr double windowSeconds = 3.0;
+    constexpr double wantedPerSecond = 2.0;
+    double perSecond = 0.0;
+    auto since = SteadyClock::now();
+    auto before = wakeUps(process);
+    comesTrue(deadlineSeconds, [&] {
+        const std::chrono::duration<double> elapsed = SteadyClock::now() - since;
+        if (elapsed.count() < windowSeconds) {
+            return false;
+        }
+        perSecond = wakeUpsSince(process, before).all / elapsed.count();
+        since = SteadyClock::now();
+        before = wakeUps(process);
+        return perSecond <= wantedPerSecond;
+    });
+    return perSecond;
 }
 
 double memoryMiB(pid_t process) { return memoryFigureMiB(process, "smaps_rollup", "Pss:"); }

@@ -13,8 +13,16 @@ double processorSeconds(pid_t process);
 /// woken up (voluntary context switches).
 std::map<pid_t, std::uint64_t> wakeUps(pid_t process);
 
-/// The same of all its threads together.
-std::uint64_t allWakeUps(pid_t process);
+/// Wake-ups since `before`: of all threads together, and of the one that was woken most often.
+struct WakeUps {
+    double all = 0.0;
+    double most = 0.0;
+};
+WakeUps wakeUpsSince(pid_t process, const std::map<pid_t, std::uint64_t> &before);
+
+/// Wake-ups per second of a process that has nothing to do: of the first three seconds with no more
+/// than two a second, or of the last ones before the deadline.
+double idleWakeUps(pid_t process, double deadlineSeconds);
 
 /// A process's memory in RAM: its own and its share of what it shares with others (Pss), in MiB.
 /// Throws `ServerError` if there is no such process.

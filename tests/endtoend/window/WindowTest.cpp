@@ -102,6 +102,11 @@ void WindowTest::play(std::unique_ptr<Sound> sound) {
     player_->waitUntilRunning();
 }
 
+void WindowTest::endPlaying() {
+    player_.reset();
+    speakers_.reset();
+}
+
 testing::AssertionResult WindowTest::soonPlaysInto(const std::string &target) {
     std::vector<std::string> seen;
     if (comesTrue(3.0, [&] {

@@ -64,6 +64,8 @@ class WindowTest : public testing::Test {
     /// An application plays from now on, and the speakers are recorded.
     void play(std::unique_ptr<Sound> sound);
     void playTone() { play(std::make_unique<Tone>(toneHz, toneLevelDB, sampleRate)); }
+    /// Neither plays nor is recorded any more.
+    void endPlaying();
     [[nodiscard]] const Recorder &speakers() const { return *speakers_; }
     /// Where it plays, as far as the server knows.
     [[nodiscard]] static testing::AssertionResult soonPlaysInto(const std::string &target);
