@@ -59,12 +59,23 @@ TEST_F(WindowTest, CostsLittleAndLessWhileMinimised) {
     display().minimise(frame());
     speakers().skip(0.5);
     const double minimised = loadOf(process, speakers());
+    constexpr double seconds = 5.0;
+    const auto before = wakeUps(process);
+    speakers().skip(seconds);
+    const WakeUps woken = wakeUpsSince(process, before);
+    const double whilePlaying = (woken.all - woken.most) / seconds;
     EXPECT_TRUE(soonPlaysInto(tapName())) << "processing goes on";
     std::cout << "load with the window shown " << shown * 100 << " %, minimised " << minimised * 100
               << " % of a core; memory " << memory << " MiB\n";
+    endPlaying();
+    const double idle = idleWakeUps(process, 60.0);
+    std::cout << "load of the minimised window in wake-ups per second: " << whilePlaying
+              << " beside the cycles of the sound, " << idle << " while nothing plays\n";
     EXPECT_LT(shown, 0.25);
     EXPECT_LT(minimised, 0.05);
     EXPECT_LT(memory, 110.0);
+    EXPECT_LT(whilePlaying, 35.0); // the analyses' 20, the watchdog's 4 and the machine's own
+    EXPECT_LE(idle, 2.0);
 }
 
 } // namespace
