@@ -28,6 +28,12 @@ AudioEngine::AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, 
       diagnostics_(clock, ringBuffer, systemTap, playback_), spectrumAnalyzer_(clock),
       self_(std::make_shared<AudioEngine *>(this)) {
     registerUnits(registry_);
+    systemTap.onRateRefused = [&clock, weak = std::weak_ptr(self_)](double sampleRate) {
+        clock.post([weak, sampleRate] {
+            if (const auto self = weak.lock())
+                (*self)->failAtRate(sampleRate);
+        });
+    };
     connect(&deviceManager_, &DeviceManager::outputDevicesChanged, this,
             &AudioEngine::followDeviceList);
     playback_.graph().setCyclesHandler([&clock, self = std::weak_ptr(self_)](bool doCome) {

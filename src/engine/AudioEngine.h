@@ -173,6 +173,7 @@ class AudioEngine final : public QObject {
     void handleHardwareChange();
     void rebuildTap();
     void failRunning(std::string_view message);
+    void failAtRate(double sampleRate);
     void scheduleComeback();
     void comeBack();
     void finishComeback();
@@ -216,6 +217,7 @@ class AudioEngine final : public QObject {
     Timer comebackTimer; ///< set while the wish to process waits for the hardware
     Comeback comeback_;
     EngineUpheavals upheavals_;
+    std::shared_ptr<AudioEngine *> self_; ///< what the hardware's threads find the engine by
 };
 
 } // namespace quorbel

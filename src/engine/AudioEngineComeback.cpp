@@ -4,6 +4,7 @@
 
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
+#include "engine/AudioEngineError.h"
 #include "platform/core/Log.h"
 
 #include <fmt/format.h>
@@ -18,6 +19,7 @@ namespace {
 constexpr double lookSeconds = 0.25;
 /// A start that keeps failing is tried less often, but never given up.
 constexpr double longestPauseSeconds = 2.0;
+constexpr int looksUntilLongestPause = 3; ///< as the pause doubles
 /// Grace period for the chosen device before another takes its place: after a server's start its
 /// devices come one by one.
 constexpr double deviceWaitSeconds = 1.0;
@@ -33,6 +35,16 @@ void AudioEngine::failRunning(std::string_view message) {
     scheduleComeback();
     publishState();
     logLine("AudioEngine", fmt::format("procesarea s-a oprit ({}); revine singură", message));
+}
+
+/// Looks again after the longest pause: on some servers the rate shows only once sound flows, and
+/// applications would be moved to and fro with every look.
+void AudioEngine::failAtRate(double sampleRate) {
+    if (lifecycle.state() != EngineLifecycle::State::running())
+        return;
+    failRunning(AudioEngineError::rateNotSupported(sampleRate).what());
+    comeback_.failedStarts = looksUntilLongestPause;
+    scheduleComeback();
 }
 
 void AudioEngine::scheduleComeback() {

@@ -17,6 +17,11 @@ AudioEngineError AudioEngineError::soundServerLost(Status status) {
     return AudioEngineError(fmt::format("The sound server went away (OSStatus {}).", status));
 }
 
+AudioEngineError AudioEngineError::rateNotSupported(double sampleRate) {
+    return AudioEngineError(
+        fmt::format("The output device runs at {} Hz, which cannot be converted.", sampleRate));
+}
+
 AudioEngineError AudioEngineError::soundCutOff() {
     return AudioEngineError("The processed sound no longer reaches the output device.");
 }

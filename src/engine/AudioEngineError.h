@@ -13,6 +13,7 @@ class AudioEngineError : public std::runtime_error {
     static AudioEngineError playbackStartFailed(Status status);
     static AudioEngineError soundServerLost(Status status);
     static AudioEngineError soundCutOff();
+    static AudioEngineError rateNotSupported(double sampleRate);
 
   private:
     using std::runtime_error::runtime_error;

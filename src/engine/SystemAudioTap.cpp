@@ -197,6 +197,8 @@ void SystemAudioTap::ioFormatChanged(const StreamFormat &format) {
         install(std::make_unique<CaptureConversion>(format, chainFormat_));
     } catch (const std::invalid_argument &) {
         install(nullptr); // its cycles are counted as lost
+        if (onRateRefused)
+            onRateRefused(format.sampleRate);
         return;
     }
     // From here on the cycles themselves say how fast they come.

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -62,6 +63,9 @@ class SystemAudioTap final : private IOClient {
     [[nodiscard]] const std::optional<std::string> &builtWithDefaultUID() const {
         return builtWithDefaultUID_;
     }
+
+    /// Called with the new rate where the running capture cannot go on at it. [control]
+    std::function<void(double sampleRate)> onRateRefused;
 
     /// Logs a change of the format that has come since the last call: the thread that is told of it
     /// must not wait for a reader of the log. [main]

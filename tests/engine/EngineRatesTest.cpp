@@ -101,6 +101,23 @@ TEST_F(EngineRatesTest, ARateThatChangesWhileRunning) {
     EXPECT_EQ(state(), "running");
 }
 
+TEST_F(EngineRatesTest, ARateBeyondTheConverterIsAnErrorUntilItIsGone) {
+    hardware.play(sine(1000.0));
+    start();
+    for (const double rate : {768000.0, 2000.0}) {
+        hardware.setSampleRate("speakers", rate);
+        play(0.01);
+        EXPECT_EQ(state(), "The output device runs at " + std::to_string(static_cast<int>(rate)) +
+                               " Hz, which cannot be converted.");
+        EXPECT_FALSE(hardware.isCapturing()) << "programs are heard unprocessed";
+        EXPECT_TRUE(engine->isComingBack());
+        hardware.setSampleRate("speakers", 48000.0);
+        play(2.1);
+        EXPECT_EQ(state(), "running");
+        expectPureTone(48000.0);
+    }
+}
+
 TEST_F(EngineRatesTest, CyclesOfAnyLength) {
     hardware.play(countedFrames());
     start();

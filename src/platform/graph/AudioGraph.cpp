@@ -102,6 +102,7 @@ struct AudioGraph::State final : RenderClient {
             return status;
         if (outputNode.hasHardware()) {
             mixer.fade().startSilent();
+            mixer.setOutputFormat({}); // an earlier run's; the output says its own
         } else {
             mixer.fade().startFull();
             mixer.setOutputFormat(plan->format());
