@@ -28,6 +28,8 @@ void PlaybackGraph::configure(const DeviceManager &devices,
     logOutput(*device);
     renewSource();
     chain_.connect(processEngine, *sourceNode);
+    if (HardwareOutput *output = processEngine.outputNode().hardware())
+        output->setProcessingDelay(chain_.delaySeconds());
 }
 
 void PlaybackGraph::logOutput(const AudioDevice &device) {

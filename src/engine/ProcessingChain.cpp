@@ -166,6 +166,14 @@ void ProcessingChain::setIdle(bool isIdle) {
                 effect->setIdle(isIdle);
 }
 
+double ProcessingChain::delaySeconds() const {
+    double seconds = 0.0;
+    for (const auto &node : units_)
+        if (node != nullptr)
+            seconds += node->unit().latency();
+    return seconds;
+}
+
 MeterReadings ProcessingChain::readings() const {
     MeterReadings readings;
     const auto read = [this](ChainUnit which, float &into) {

@@ -83,6 +83,9 @@ class ProcessingChain {
     /// True if sound goes on coming out for a while after it has stopped coming in.
     [[nodiscard]] bool holdsTail() const { return reverb_.mix() > 0.0F; }
 
+    /// How long the sound is on its way through the stages that exist, in seconds.
+    [[nodiscard]] double delaySeconds() const;
+
     [[nodiscard]] MeterReadings readings() const;
 
     /// Whether no blocks come until further notice: what the units do beside them may rest.

@@ -115,6 +115,10 @@ class HardwareOutput {
     /// device is to be kept running until it has died away.
     virtual void setHoldsTail(bool) {}
 
+    /// How much later the rendered sound is than the captured one, in seconds; 0 or more.
+    /// Applications are told of it, with the device's own latency. While stopped.
+    virtual void setProcessingDelay(double) {}
+
     /// Starts asking `client` for sound. The client must stay alive until `stop` has returned. On
     /// failure nothing is left running.
     virtual Status start(RenderClient &client) = 0;

@@ -75,6 +75,13 @@ bool isAudible(const AudioBufferList &list, std::uint32_t frames) noexcept {
 
 std::string schedulingGroup() { return fmt::format("quorbel-{}", getpid()); }
 
+spa_latency_info withProcessing(spa_latency_info latency, double processingSeconds) {
+    const auto nanoseconds = static_cast<std::uint64_t>(processingSeconds * 1e9);
+    latency.min_ns += nanoseconds;
+    latency.max_ns += nanoseconds;
+    return latency;
+}
+
 ServerStream::ServerStream(ServerConnection &connection, DuplexPair &pair)
     : connection_(connection), pair_(pair) {}
 
@@ -113,7 +120,11 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
             if (id == SPA_IO_Position)
                 static_cast<ServerStream *>(self)->position_ = static_cast<spa_io_position *>(area);
         };
-        table.process = [](void *self) { static_cast<ServerStream *>(self)->process(); };
+        table.process = [](void *data) {
+            auto &self = *static_cast<ServerStream *>(data);
+            self.process();
+            self.cycles_.fetch_add(1, std::memory_order_relaxed);
+        };
         return table;
     }();
     pw_stream_add_listener(stream_.get(), &hook_, &events, this);
@@ -173,13 +184,14 @@ void ServerStream::parameterChanged(std::uint32_t id, const spa_pod *parameter) 
         const bool isDevices = latency.direction == SPA_DIRECTION_INPUT;
         (isDevices ? pair_.deviceLatency : pair_.applicationLatency) = latency;
         if (isDevices && pair_.tap != nullptr)
-            pair_.tap->updateLatency(latency);
+            pair_.tap->announceLatency();
         else if (OutStream *out = pair_.out.get(); !isDevices && out != nullptr)
             out->updateLatency(latency);
     }
 }
 
-void ServerStream::updateLatency(const spa_latency_info &latency) {
+void ServerStream::updateLatency(const spa_latency_info &neighbours) {
+    const spa_latency_info latency = withProcessing(neighbours, pair_.processingSeconds);
     std::array<std::uint8_t, 512> storage{};
     spa_pod_builder builder = SPA_POD_BUILDER_INIT(storage.data(), storage.size());
     std::array<const spa_pod *, 1> parameters{
@@ -216,9 +228,15 @@ Status TapStream::connect(bool isDevice) {
         PW_DIRECTION_INPUT, "quorbel.tap",
         isDevice ? "Audio/Sink/Internal" : "Stream/Input/Audio/Internal", "Quorbel System Tap",
         nullptr, false, PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS | asyncFlag);
-    if (status == statusOK && pair_.deviceLatency)
-        updateLatency(*pair_.deviceLatency);
+    if (status == statusOK)
+        announceLatency();
     return status;
+}
+
+void TapStream::announceLatency() {
+    spa_latency_info none{};
+    none.direction = SPA_DIRECTION_INPUT;
+    updateLatency(pair_.deviceLatency.value_or(none));
 }
 
 void TapStream::setClient(IOClient *client, const StreamFormat &formatUntilNegotiated) {

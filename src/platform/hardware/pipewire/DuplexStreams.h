@@ -32,8 +32,13 @@ struct DuplexPair {
     /// What the streams' neighbours have said last, for streams that replace others.
     std::optional<spa_latency_info> deviceLatency;      ///< for the tap [control]
     std::optional<spa_latency_info> applicationLatency; ///< for the output [control]
-    std::function<void()> changed; ///< a stream has started, stopped or ended [control]
+    double processingSeconds = 0.0; ///< by which the output's sound is later than the tap's
+    std::function<void()> changed;  ///< a stream has started, stopped or ended [control]
 };
+
+/// A neighbour's latency as the streams pass it on: with the time that the sound spends between
+/// them.
+spa_latency_info withProcessing(spa_latency_info latency, double processingSeconds);
 
 /// A stream of the sound server and what both of ours have in common. Needs the loop's lock
 /// throughout.
@@ -52,7 +57,12 @@ class ServerStream {
     [[nodiscard]] bool isGone() const { return isGone_; }
     /// True while the graph runs the stream.
     [[nodiscard]] bool isStreaming() const { return isStreaming_; }
-    void updateLatency(const spa_latency_info &latency);
+    /// How many cycles our side of the stream has run.
+    [[nodiscard]] std::uint64_t cycles() const { return cycles_.load(std::memory_order_relaxed); }
+    /// A counter that moves with every cycle of the graph, whether we run or not.
+    [[nodiscard]] std::uint64_t driverCycles() const noexcept { return cycleStartNanoseconds(); }
+    /// Passes on what the neighbours of the other stream of the pair have said.
+    void updateLatency(const spa_latency_info &neighbours);
 
   protected:
     ServerStream(ServerConnection &connection, DuplexPair &pair);
@@ -85,6 +95,7 @@ class ServerStream {
 
     spa_hook hook_{}; // the stream unhooks it when it is destroyed
     std::atomic<const spa_io_position *> position_{nullptr};
+    std::atomic<std::uint64_t> cycles_{0}; ///< written by the real-time thread alone
 };
 
 /// Receives the sound of every stream that is routed to it.
@@ -98,6 +109,9 @@ class TapStream final : public ServerStream {
     /// that they play on vanishes, so a tap is one only where it must be.
     Status connect(bool isDevice);
     [[nodiscard]] bool isDevice() const { return isDevice_; }
+
+    /// Tells applications how much later their sound is heard.
+    void announceLatency();
 
     /// From the next cycle on blocks go to `client` (null: to nobody). When this returns, no call
     /// to the earlier client is under way.

@@ -44,6 +44,13 @@ StreamFormat PipeWireHardware::Output::nativeFormat() const {
     return {hardware_.graphRate(), channels.front()};
 }
 
+void PipeWireHardware::Output::setProcessingDelay(double seconds) {
+    const LoopLock lock(hardware_.connection_->loop());
+    hardware_.pair_.processingSeconds = seconds;
+    if (hardware_.tap_)
+        hardware_.tap_->announceLatency();
+}
+
 Status PipeWireHardware::Output::start(RenderClient &client) {
     ServerConnection &connection = *hardware_.connection_;
     const ServerObjects &objects = hardware_.registry_->objects();

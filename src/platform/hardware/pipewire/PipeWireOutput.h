@@ -20,6 +20,7 @@ class PipeWireHardware::Output final : public HardwareOutput {
     Status setDevice(AudioObjectID device) override;
     [[nodiscard]] StreamFormat nativeFormat() const override;
     void setHoldsTail(bool holdsTail) override;
+    void setProcessingDelay(double seconds) override;
     /// Returns once the session manager has linked the stream to the device.
     Status start(RenderClient &client) override;
     void renderUntil(const std::function<bool()> &condition, double seconds) override;
