@@ -21,9 +21,9 @@ namespace {
 
 using nlohmann::json;
 
-constexpr auto version = 1U;
+constexpr auto favouritesVersion = 1U;
 
-bool isThere(const std::string &path) {
+bool hasFavouritesFile(const std::string &path) {
     std::error_code unknown;
     return std::filesystem::exists(path, unknown);
 }
@@ -59,7 +59,7 @@ FavouritePresetsFile::FavouritePresetsFile(const std::string &settingsPath)
 FavouritePresetsFile::~FavouritePresetsFile() = default;
 
 std::optional<std::string> FavouritePresetsFile::read() {
-    if (!isThere(path_)) {
+    if (!hasFavouritesFile(path_)) {
         ids_.clear();
         return std::nullopt;
     }
@@ -84,7 +84,7 @@ void FavouritePresetsFile::take(const std::string &text) {
     const json &written = member(document, "version");
     if (!written.is_number_unsigned())
         throw DecodingError("version", "a whole number expected, found " + excerpt(written));
-    if (written.get<std::uint64_t>() > version)
+    if (written.get<std::uint64_t>() > favouritesVersion)
         throw SettingsFileError(path_ + ": written by a later version of Ostrafine");
     ids_ = idsOf(member(document, "favourites"));
     *document_ = std::move(document);
@@ -98,13 +98,13 @@ std::optional<std::string> FavouritePresetsFile::write(const std::vector<Uuid> &
     const SettingsFileLock lock(path_);
     const std::vector<Uuid> before = ids_;
     auto warning = read();
-    std::vector<Uuid> merged = isThere(path_) ? ids_ : next;
+    std::vector<Uuid> merged = hasFavouritesFile(path_) ? ids_ : next;
     std::erase_if(merged, [&](const Uuid &id) { return isIn(before, id) && !isIn(next, id); });
     std::ranges::copy_if(next, std::back_inserter(merged),
                          [&](const Uuid &id) { return !isIn(before, id) && !isIn(merged, id); });
 
     json document = *document_;
-    document["version"] = version;
+    document["version"] = favouritesVersion;
     json &list = document["favourites"] = json::array();
     for (const Uuid &id : merged)
         list.push_back(id.text());
