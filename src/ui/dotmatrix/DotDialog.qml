@@ -7,6 +7,10 @@ import Quorbel.Dotmatrix
 T.Dialog {
     id: dialog
 
+    readonly property FocusReturn focusReturn: FocusReturn {
+        popup: dialog
+    }
+
     property string acceptText: "OK"
     property string rejectText: "Cancel" // none: no such button
     property bool acceptEnabled: true

@@ -5,6 +5,10 @@ import Quorbel.Dotmatrix
 T.Menu {
     id: control
 
+    readonly property FocusReturn focusReturn: FocusReturn {
+        popup: control
+    }
+
     implicitWidth: Math.max(20 * Theme.unit, contentItem.implicitWidth + leftPadding + rightPadding)
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     padding: Theme.radius
