@@ -23,7 +23,7 @@ TrayItem::TrayItem(AppModel &model) : model_(model) {
     menu_.addAction(tr("Quit"), this, [] { QCoreApplication::exit(0); });
     const PresetChoiceModel &choices = *model_.presets()->choices();
     connect(&choices, &PresetChoiceModel::choicesChanged, this, &TrayItem::fillPresets);
-    connect(&choices, &PresetChoiceModel::currentIndexChanged, this, &TrayItem::markPreset);
+    connect(&choices, &PresetChoiceModel::currentChanged, this, &TrayItem::markPreset);
     fillPresets();
 
     connect(model_.engine(), &EngineModel::stateChanged, this, &TrayItem::followEngine);
@@ -78,7 +78,8 @@ void TrayItem::fillPresets() {
 }
 
 void TrayItem::markPreset() {
-    const int current = model_.presets()->choices()->currentIndex();
+    const PresetChoiceModel &choices = *model_.presets()->choices();
+    const int current = choices.isCurrentUnchanged() ? choices.currentIndex() : -1;
     for (std::size_t row = 0; row < presetActions_.size(); ++row)
         presetActions_[row]->setChecked(static_cast<int>(row) == current);
 }

@@ -4,12 +4,16 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// One of several. `title` stands before the choice, in the same box.
+// One of several. `title` stands before the choice, in the same box. Choices with equal values of the role
+// `groupRole`, which must follow each other, have that value as a heading. `currentMarked`: whether the current
+// choice has a tick.
 T.ComboBox {
     id: control
 
     property string title: ""
     property string accessibleName: ""
+    property string groupRole: ""
+    property bool currentMarked: true
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: Theme.controlHeight
@@ -33,12 +37,14 @@ T.ComboBox {
     delegate: ChoiceLine {
         required property var model
         required property int index
+        readonly property bool isMarked: control.currentMarked && control.currentIndex === index
 
         width: ListView.view.width
+        heading: ListView.section !== ListView.previousSection ? ListView.section : ""
         text: control.textRole !== "" ? (model[control.textRole] ?? model.modelData?.[control.textRole] ?? "") : (model.modelData ?? "")
-        symbol: control.currentIndex === index ? "checkmark" : ""
+        symbol: isMarked ? "checkmark" : ""
         highlighted: control.highlightedIndex === index
-        Accessible.selected: control.currentIndex === index
+        Accessible.selected: isMarked
     }
     indicator: Symbol {
         x: control.width - width - 1.5 * Theme.unit
@@ -78,6 +84,7 @@ T.ComboBox {
             currentIndex: control.highlightedIndex
             highlightMoveDuration: 0
             boundsBehavior: Flickable.StopAtBounds
+            section.property: control.groupRole
             T.ScrollBar.vertical: DotScrollBar {}
             Accessible.role: Accessible.List
             Accessible.name: control.Accessible.name

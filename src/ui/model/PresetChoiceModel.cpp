@@ -73,16 +73,18 @@ void PresetChoiceModel::followPresets() {
 
 void PresetChoiceModel::followActive() {
     int index = -1;
-    if (state_.isActivePresetUnchanged()) {
-        const QString id = QString::fromStdString(state_.activePresetID()->text());
+    if (const auto &active = state_.activePresetID()) {
+        const QString id = QString::fromStdString(active->text());
         const auto found = std::ranges::find(choices_, id, &Choice::id);
         if (found != choices_.end())
             index = static_cast<int>(found - choices_.begin());
     }
-    if (index == currentIndex_)
+    const bool isUnchanged = state_.isActivePresetUnchanged();
+    if (index == currentIndex_ && isUnchanged == isCurrentUnchanged_)
         return;
     currentIndex_ = index;
-    Q_EMIT currentIndexChanged();
+    isCurrentUnchanged_ = isUnchanged;
+    Q_EMIT currentChanged();
 }
 
 } // namespace quorbel

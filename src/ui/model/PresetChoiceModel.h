@@ -17,8 +17,10 @@ class PresetChoiceModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.presets.choices is the only one")
-    /// The active preset's row; -1 where the settings are no preset's own.
-    Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentIndexChanged)
+    /// The active preset's row; -1 where none is active.
+    Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)
+    /// Whether the settings are still that preset's own.
+    Q_PROPERTY(bool currentUnchanged READ isCurrentUnchanged NOTIFY currentChanged)
 
   public:
     enum Role { presetIdRole = Qt::UserRole, nameRole, groupRole };
@@ -37,9 +39,10 @@ class PresetChoiceModel final : public quorbel::RecordListModel {
 
     [[nodiscard]] const std::vector<Choice> &choices() const { return choices_; }
     [[nodiscard]] int currentIndex() const { return currentIndex_; }
+    [[nodiscard]] bool isCurrentUnchanged() const { return isCurrentUnchanged_; }
 
   Q_SIGNALS:
-    void currentIndexChanged();
+    void currentChanged();
     void choicesChanged();
 
   private:
@@ -51,6 +54,7 @@ class PresetChoiceModel final : public quorbel::RecordListModel {
     FavouritePresets &favourites_;
     std::vector<Choice> choices_; ///< as shown
     int currentIndex_ = -1;
+    bool isCurrentUnchanged_ = false;
 };
 
 } // namespace quorbel

@@ -18,8 +18,12 @@ PresetFilterModel::PresetFilterModel(QObject *parent) : QSortFilterProxyModel(pa
     connect(this, &QAbstractItemModel::rowsInserted, this, &PresetFilterModel::countChanged);
     connect(this, &QAbstractItemModel::rowsRemoved, this, &PresetFilterModel::countChanged);
     connect(this, &QAbstractItemModel::modelReset, this, &PresetFilterModel::countChanged);
-    if (AppModel *app = AppModel::instance())
+    if (AppModel *app = AppModel::instance()) {
         setSourceModel(app->presets());
+        // Rows leave here before they leave there, and the total is counted there.
+        connect(app->presets(), &RecordListModel::countChanged, this,
+                &PresetFilterModel::countChanged);
+    }
 }
 
 void PresetFilterModel::setFilter(Filter filter) {

@@ -120,7 +120,8 @@ void PresetListModel::requestExportCurrent() {
                    .bands = engine.eq().bands(),
                    .spatial = engine.spatial()};
     const float gainDB = engine.eq().globalGainDB();
-    chooser_->chooseExport(QString::fromUtf8(fileNameFor(current.name)),
+    const QString suggestion = QString::fromUtf8(fileNameFor(current.name));
+    chooser_->chooseExport(suggestion,
                            [this, current = std::move(current), gainDB](const QString &path) {
                                Preset named = current;
                                named.name = QFileInfo(path).completeBaseName().toStdString();

@@ -81,6 +81,13 @@ Window {
             onSaveRequested: saveSheet.open()
         }
     }
+    PresetDropArea {
+        anchors.fill: parent
+        onImporting: {
+            if (!window.destination.startsWith("presets"))
+                window.destination = "presetsMine";
+        }
+    }
 
     SalveazaPresetSheet {
         id: saveSheet

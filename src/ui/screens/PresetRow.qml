@@ -15,20 +15,30 @@ FocusScope {
     required property string summary
     required property bool isUser
     required property bool playing
+    required property bool favourite
 
     property bool current: false
     signal applyRequested
+    signal favouriteRequested(bool isFavourite)
+    signal menuRequested(Item button)
     signal exportRequested
     signal deleteRequested
+
+    /// Where a menu about this preset opens.
+    readonly property Item menuButton: more
 
     implicitHeight: texts.implicitHeight + 3 * Theme.unit
     Accessible.role: Accessible.ListItem
     Accessible.name: name
-    Accessible.description: categoryTitle + (notes !== "" ? ", " + notes : "") + ", " + summary + (playing ? ", " + qsTr("Playing") : "")
+    Accessible.description: categoryTitle + (notes !== "" ? ", " + notes : "") + ", " + summary + (favourite ? ", " + qsTr("Favourite") : "") + (playing ? ", " + qsTr("Playing") : "")
     Accessible.selectable: true
     Accessible.selected: playing
     Accessible.onPressAction: row.applyRequested()
 
+    TapHandler {
+        acceptedButtons: Qt.RightButton
+        onTapped: row.menuRequested(more)
+    }
     Rectangle {
         anchors.left: parent.left
         anchors.right: parent.right
@@ -81,13 +91,22 @@ FocusScope {
                 visible: text !== ""
                 text: row.notes
                 elide: Text.ElideRight
-                maximumLineCount: 3
+                maximumLineCount: 6
                 wrapMode: Text.WordWrap
             }
             CaptionText {
                 width: parent.width
                 text: row.summary
             }
+        }
+        DotIconButton {
+            activeFocusOnTab: row.current || activeFocus
+            checkable: true
+            checked: row.favourite
+            symbol: row.favourite ? "star.fill" : "star"
+            accessibleName: qsTr("Favourite")
+            Accessible.description: row.name
+            onToggled: row.favouriteRequested(checked)
         }
         DotIconButton {
             visible: row.isUser
@@ -103,6 +122,14 @@ FocusScope {
             accessibleName: qsTr("Export preset")
             Accessible.description: row.name
             onClicked: row.exportRequested()
+        }
+        DotIconButton {
+            id: more
+            activeFocusOnTab: row.current || activeFocus
+            symbol: "ellipsis"
+            accessibleName: qsTr("More")
+            Accessible.description: row.name
+            onClicked: row.menuRequested(more)
         }
         DotButton {
             activeFocusOnTab: row.current || activeFocus

@@ -24,6 +24,22 @@ Item {
         reportIsWarning = !result.ok;
     }
 
+    function update(presetId, name) {
+        App.presets.update(presetId);
+        report = qsTr("%1 has the current settings now.").arg(name);
+        reportDetails = [];
+        reportIsWarning = false;
+    }
+    /// Leads to the copy where the list shows it.
+    function duplicate(presetId) {
+        const row = filtered.rowOf(App.presets.duplicate(presetId));
+        if (row < 0)
+            return;
+        lista.currentIndex = row;
+        lista.positionViewAtIndex(row, ListView.Contain);
+        lista.forceActiveFocus(Qt.OtherFocusReason);
+    }
+
     Connections {
         target: App.presets
         function onExchanged(result) {
@@ -33,6 +49,24 @@ Item {
     PresetFilterModel {
         id: filtered
         filter: screen.filter
+        search: searchField.text
+    }
+    Shortcut {
+        sequence: "Ctrl+F"
+        onActivated: {
+            searchField.forceActiveFocus(Qt.ShortcutFocusReason);
+            searchField.selectAll();
+        }
+    }
+    RenameSheet {
+        id: renameSheet
+        objectName: "renameSheet"
+    }
+    PresetMenu {
+        id: rowMenu
+        onRenameRequested: renameSheet.rename(presetId, presetName)
+        onUpdateRequested: screen.update(presetId, presetName)
+        onDuplicateRequested: screen.duplicate(presetId)
     }
 
     ColumnLayout {
@@ -44,11 +78,17 @@ Item {
         ScreenHeader {
             Layout.fillWidth: true
             title: filtered.title
-            chips: [qsTr("%1 total").arg(filtered.count)]
+            readonly property string found: qsTr("%1 found").arg(filtered.count)
+            readonly property string total: qsTr("%1 total").arg(filtered.total)
+            chips: searchField.text === "" ? [total] : [total, found]
 
             DotButton {
                 text: qsTr("Import…")
                 onClicked: App.presets.requestImport()
+            }
+            DotButton {
+                text: qsTr("Export current…")
+                onClicked: App.presets.requestExportCurrent()
             }
             DotButton {
                 text: qsTr("Save current…")
@@ -61,6 +101,27 @@ Item {
             details: screen.reportDetails
             isWarning: screen.reportIsWarning
             onDismissed: screen.report = ""
+        }
+        DotTextField {
+            id: searchField
+            Layout.fillWidth: true
+            leftPadding: 4 * Theme.unit
+            placeholder: qsTr("Search")
+            accessibleName: qsTr("Search presets")
+            Accessible.description: text === "" ? "" : qsTr("%1 found").arg(filtered.count)
+            Keys.onDownPressed: lista.forceActiveFocus(Qt.TabFocusReason)
+            Keys.onEscapePressed: event => {
+                event.accepted = text !== "";
+                clear();
+            }
+
+            Symbol {
+                x: 1.5 * Theme.unit
+                anchors.verticalCenter: parent.verticalCenter
+                name: "magnifyingglass"
+                size: 2 * Theme.unit
+                color: Theme.inkSoft
+            }
         }
         DotCard {
             Layout.fillWidth: true
@@ -78,7 +139,8 @@ Item {
                 keyNavigationEnabled: true
                 boundsBehavior: Flickable.StopAtBounds
                 highlightMoveDuration: Theme.duration
-                cacheBuffer: 60 * Theme.unit
+                // Rows beyond the view would still be in the making when a search takes them away.
+                cacheBuffer: 0
                 model: filtered
                 T.ScrollBar.vertical: DotScrollBar {}
                 Accessible.role: Accessible.List
@@ -89,6 +151,18 @@ Item {
                     const row = currentItem as PresetRow;
                     if (row !== null && row.isUser)
                         row.deleteRequested();
+                }
+                Keys.onPressed: event => {
+                    const row = currentItem as PresetRow;
+                    if (row === null)
+                        return;
+                    if (event.key === Qt.Key_Menu || event.key === Qt.Key_F10 && event.modifiers === Qt.ShiftModifier) {
+                        event.accepted = true;
+                        row.menuRequested(row.menuButton);
+                    } else if (event.key === Qt.Key_F2 && row.isUser) {
+                        event.accepted = true;
+                        renameSheet.rename(row.presetId, row.name);
+                    }
                 }
 
                 highlight: Rectangle {
@@ -113,6 +187,11 @@ Item {
                     onApplyRequested: App.presets.apply(presetId)
                     onDeleteRequested: App.presets.remove(presetId)
                     onExportRequested: App.presets.requestExport(presetId)
+                    onFavouriteRequested: isFavourite => App.presets.setFavourite(presetId, isFavourite)
+                    onMenuRequested: button => {
+                        ListView.view.currentIndex = index;
+                        rowMenu.openBelow(rand, button); // qmllint disable unqualified
+                    }
                 }
             }
             ColumnLayout {
@@ -122,11 +201,11 @@ Item {
 
                 HeadingText {
                     Layout.alignment: Qt.AlignHCenter
-                    text: qsTr("No presets here yet")
+                    text: filtered.total > 0 ? qsTr("No preset is found") : qsTr("No presets here yet")
                 }
                 BodyText {
                     Layout.alignment: Qt.AlignHCenter
-                    text: qsTr("Shape the sound, then use Save current… to keep it.")
+                    text: filtered.total > 0 ? qsTr("The search looks into names and descriptions.") : qsTr("Shape the sound, then use Save current… to keep it.")
                     color: Theme.inkSoft
                 }
             }

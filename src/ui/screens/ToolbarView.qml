@@ -80,10 +80,12 @@ Rectangle {
             title: qsTr("Preset")
             accessibleName: qsTr("Preset")
             Accessible.description: displayText
-            model: App.presets
+            model: App.presets.choices
             textRole: "name"
             valueRole: "presetId"
-            currentIndex: App.presets.activeIndex
+            groupRole: "group"
+            currentIndex: App.presets.choices.currentIndex
+            currentMarked: App.presets.choices.currentUnchanged
             displayText: App.presets.activeName
             onActivated: index => App.presets.apply(valueAt(index))
         }
@@ -92,6 +94,7 @@ Rectangle {
             Layout.minimumWidth: Theme.unit
         }
         DotIconButton {
+            objectName: "undoButton"
             symbol: "undo"
             enabled: App.history.canUndo
             accessibleName: App.history.undoText

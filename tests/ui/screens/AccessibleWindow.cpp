@@ -1,8 +1,12 @@
 #include "ui/screens/AccessibleWindow.h"
 
 #include <QAccessible>
+#include <QCoreApplication>
+#include <QDropEvent>
 #include <QMetaEnum>
+#include <QMimeData>
 #include <QQuickItem>
+#include <QUrl>
 
 #include <functional>
 #include <vector>
@@ -199,6 +203,29 @@ QStringList AccessibleWindow::cutTexts() const {
             list.append("outside: " + text);
     });
     return list;
+}
+
+QStringList AccessibleWindow::textsReadAsMarkup() const {
+    QStringList list;
+    eachShownItem(*window_->contentItem(), [&](const QQuickItem &item) {
+        if (item.inherits("QQuickText") && item.property("textFormat").toInt() != Qt::PlainText)
+            list.append(item.property("text").toString());
+    });
+    return list;
+}
+
+bool AccessibleWindow::drop(const QStringList &paths) {
+    QMimeData files;
+    QList<QUrl> urls;
+    for (const QString &path : paths)
+        urls.append(QUrl::fromLocalFile(path));
+    files.setUrls(urls);
+    const QPoint middle(window_->width() / 2, window_->height() / 2);
+    QDragEnterEvent enter(middle, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window_, &enter);
+    QDropEvent drop(middle, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window_, &drop);
+    return enter.isAccepted() && drop.isAccepted();
 }
 
 QStringList AccessibleWindow::overlaps() const {

@@ -35,9 +35,14 @@ class AccessibleWindow final : public QObject {
     Q_INVOKABLE bool setText(const QString &name, const QString &text);
     Q_INVOKABLE bool focus(const QString &name, const QString &role = {});
 
+    /// Files are dragged over the window and dropped in its middle. False where it takes none.
+    Q_INVOKABLE bool drop(const QStringList &paths);
+
     // What a designer would not be shown. Empty lists when all is well.
     /// Texts that are cut off, and what lies outside of the window though it does not scroll.
     [[nodiscard]] Q_INVOKABLE QStringList cutTexts() const;
+    /// Texts that would be read as markup, if they had any.
+    [[nodiscard]] Q_INVOKABLE QStringList textsReadAsMarkup() const;
     /// Pairs of texts and controls that lie on each other.
     [[nodiscard]] Q_INVOKABLE QStringList overlaps() const;
     /// Controls that can be operated but have no name.

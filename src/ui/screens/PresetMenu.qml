@@ -1,0 +1,40 @@
+import QtQuick
+import Quorbel.Dotmatrix
+
+/// What can be done with one preset, beside applying it. Factory presets can only be copied.
+DotMenu {
+    id: menu
+
+    property string presetId: ""
+    property string presetName: ""
+    property bool isUser: false
+    signal renameRequested
+    signal updateRequested
+    signal duplicateRequested
+
+    /// Opens below `button` with the first entry chosen, so that the keyboard can go on.
+    function openBelow(row: PresetRow, button: Item) {
+        presetId = row.presetId;
+        presetName = row.name;
+        isUser = row.isUser;
+        popup(button, 0, button.height);
+        currentIndex = isUser ? 0 : 2;
+    }
+
+    DotMenuItem {
+        text: qsTr("Update with the current settings")
+        symbol: "arrow.clockwise"
+        enabled: menu.isUser
+        onTriggered: menu.updateRequested()
+    }
+    DotMenuItem {
+        text: qsTr("Rename…")
+        enabled: menu.isUser
+        onTriggered: menu.renameRequested()
+    }
+    DotMenuItem {
+        text: qsTr("Duplicate")
+        symbol: "plus"
+        onTriggered: menu.duplicateRequested()
+    }
+}
