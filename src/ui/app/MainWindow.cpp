@@ -34,9 +34,14 @@ void MainWindow::raise(const QString &activationToken) {
 }
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event) {
-    if (watched == window_ && event->type() == QEvent::Close && !goesOnWithoutWindow())
+    if (watched != window_ || event->type() != QEvent::Close)
+        return QObject::eventFilter(watched, event);
+    const Closing means = closing();
+    if (means == Closing::ends)
         QCoreApplication::exit(0);
-    return QObject::eventFilter(watched, event);
+    if (means == Closing::stays)
+        event->ignore();
+    return means == Closing::stays;
 }
 
 } // namespace quorbel

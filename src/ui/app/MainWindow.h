@@ -25,8 +25,10 @@ class MainWindow final : public QObject {
     [[nodiscard]] bool isLoaded() const { return window_ != nullptr; }
     [[nodiscard]] QQuickWindow &window() { return *window_; }
 
-    /// Asked when the window is closed: whether the program goes on without it. By default not.
-    std::function<bool()> goesOnWithoutWindow = [] { return false; };
+    /// What closing the window does: end the program, hide the window, or nothing.
+    enum class Closing { ends, hides, stays };
+    /// Asked when the window is closed. By default the program ends.
+    std::function<Closing()> closing = [] { return Closing::ends; };
 
     /// Shows the window, in front of others where the desktop lets us. The token is the desktop's
     /// leave to do so; may be empty.

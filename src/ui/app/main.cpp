@@ -4,6 +4,7 @@
 #include "platform/threads/MainLoopClock.h"
 #include "settings/state/AppState.h"
 #include "settings/state/SettingsWatch.h"
+#include "ui/app/BackgroundNotice.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/ProcessingPermit.h"
@@ -12,6 +13,7 @@
 #include "ui/app/SingleInstance.h"
 #include "ui/app/SoundServerConnection.h"
 #include "ui/app/TrayItem.h"
+#include "ui/app/WindowClosing.h"
 #include "ui/model/AppModel.h"
 
 #include <QApplication>
@@ -59,26 +61,34 @@ int main(int argc, char **argv) {
     const ProcessingPermit permit(engine);
 
     const TrayItem tray(model);
+    BackgroundNotice notice(QDBusConnection::sessionBus());
     std::optional<MainWindow> window; // made when it is first shown
+    std::optional<WindowClosing> closing;
     std::optional<PresetFileDialogs> fileDialogs;
     const auto show = [&](const QString &token) {
         if (!window) {
             window.emplace();
             if (!window->isLoaded())
                 return false;
-            window->goesOnWithoutWindow = [&] {
-                return (engine.running() || engine.comingBack()) && tray.isThere();
-            };
+            closing.emplace(*window, engine, notice, [&] { return tray.isThere(); });
             fileDialogs.emplace(window->window());
             model.presets()->setFileChooser(&*fileDialogs);
         }
+        notice.withdraw();
         window->raise(token);
         return true;
     };
+    // Processing has ended, and nothing shows that the program is there.
     const auto endIfOfNoUse = [&] {
-        if (window || engine.running() || engine.comingBack())
+        if (engine.running() || engine.comingBack())
+            return;
+        if (window && (window->window().isVisible() || tray.isThere()))
             return;
         const QString error = engine.errorMessage();
+        if (window && !error.isEmpty()) {
+            show({}); // which says why
+            return;
+        }
         if (!error.isEmpty())
             std::fprintf(stderr, "ostrafine: %s\n", qPrintable(error));
         QCoreApplication::exit(error.isEmpty() ? 0 : 1);
@@ -99,6 +109,13 @@ int main(int argc, char **argv) {
     QObject::connect(&tray, &TrayItem::windowRequested, &application,
                      [&] { answerOrEnd(DesktopRequest{}); });
     QObject::connect(&instance, &SingleInstance::requested, &application, answerOrEnd);
+    QObject::connect(
+        &notice, &BackgroundNotice::windowRequested, &application,
+        [&](const QString &token) { answerOrEnd({.kind = Kind::show, .activationToken = token}); });
+    QObject::connect(&notice, &BackgroundNotice::stopRequested, &application,
+                     [&] { answerOrEnd({.kind = Kind::stopProcessing}); });
+    QObject::connect(&notice, &BackgroundNotice::quitRequested, &application,
+                     [] { QCoreApplication::exit(0); });
     // Queued: a state is left before the next one is entered.
     QObject::connect(&engine, &EngineModel::stateChanged, &application, endIfOfNoUse,
                      Qt::QueuedConnection);
@@ -112,6 +129,7 @@ int main(int argc, char **argv) {
 
     // Everyone's sound first, then the edits of the last half second.
     state.engine().stop();
+    notice.withdraw();
     state.persist();
     return result;
 }

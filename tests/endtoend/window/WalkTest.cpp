@@ -1,3 +1,4 @@
+#include "endtoend/window/NotificationDesktop.h"
 #include "endtoend/window/WindowTest.h"
 
 #include <csignal>
@@ -136,20 +137,60 @@ TEST_F(WindowTest, AnEndBySignalSavesAndGivesTheSoundBack) {
     EXPECT_TRUE(soonHears(toneLevelDB));
 }
 
-TEST_F(WindowTest, ClosedWhereThereIsNoTrayItEndsAndIsTheSameAgain) {
+TEST_F(WindowTest, ClosedItContinuesAndANotificationSaysSo) {
+    NotificationDesktop desktop(server().environment().at("DBUS_SESSION_BUS_ADDRESS"));
+    const auto closeAndBeTold = [&] {
+        display().close(frame());
+        ASSERT_TRUE(comesTrue(5.0, [&] { return desktop.shown().id != 0; }));
+        ASSERT_TRUE(comesTrue(5.0, [&] { return !display().shows("Ostrafine"); }));
+        EXPECT_EQ(desktop.shown().summary, "Ostrafine still processes the sound");
+    };
     open();
     playTone();
     startProcessing();
     setSlider("Band 7 gain", -9.0);
-    ASSERT_TRUE(soonHears(toneLevelDB - 9.0));
-    display().close(frame());
-    EXPECT_EQ(program().exitStatusWithin(5.0), 0);
+    closeAndBeTold();
+    EXPECT_TRUE(soonHears(toneLevelDB - 9.0));
+    EXPECT_EQ(desktop.shown().actions, (std::vector<std::string>{"default", "Show Ostrafine",
+                                                                 "stop", "Stop", "quit", "Quit"}));
+
+    EXPECT_EQ(start()->exitStatusWithin(5.0), 0);
+    EXPECT_TRUE(comesTrue(5.0, [&] { return display().shows("Ostrafine"); }));
+    EXPECT_TRUE(comesTrue(5.0, [&] { return desktop.shown().id == 0; })) << "taken away";
+    closeAndBeTold();
+    desktop.press("default");
+    EXPECT_TRUE(comesTrue(5.0, [&] { return display().shows("Ostrafine"); }));
+    closeAndBeTold();
+    desktop.press("stop");
+    EXPECT_EQ(program().exitStatusWithin(5.0), 0) << "nothing is left to do";
     EXPECT_TRUE(soonHears(toneLevelDB));
+    EXPECT_EQ(desktop.shown().id, 0U);
 
     open();
     EXPECT_TRUE(soonShows({ATSPI_ROLE_LABEL, "STOPPED"})) << "nothing starts by itself";
     EXPECT_TRUE(soonShows({ATSPI_ROLE_COMBO_BOX, "Output", "Speakers"}));
     EXPECT_EQ(window().find({ATSPI_ROLE_SLIDER, "Band 7 gain"}).value(), -9.0);
+    pressButton("Start");
+    ASSERT_TRUE(soonHears(toneLevelDB - 9.0));
+    closeAndBeTold();
+    desktop.press("quit");
+    EXPECT_EQ(program().exitStatusWithin(5.0), 0);
+}
+
+TEST_F(WindowTest, ClosedWhereNothingWouldShowItItAsks) {
+    open();
+    playTone();
+    startProcessing();
+    setSlider("Band 7 gain", -9.0);
+    display().close(frame());
+    pressButton("Cancel");
+    EXPECT_TRUE(window().soonHides({ATSPI_ROLE_PUSH_BUTTON, "Stop and quit"}));
+    EXPECT_TRUE(soonHears(toneLevelDB - 9.0));
+    EXPECT_TRUE(display().shows("Ostrafine"));
+    display().close(frame());
+    pressButton("Stop and quit");
+    EXPECT_EQ(program().exitStatusWithin(5.0), 0);
+    EXPECT_TRUE(soonHears(toneLevelDB));
 }
 
 TEST_F(WindowTest, KilledItGivesTheSoundBack) {
