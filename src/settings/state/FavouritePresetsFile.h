@@ -14,7 +14,7 @@ namespace quorbel {
 /// `favourite-presets.json` beside the settings file: the ids of the user's favourites among the
 /// presets.
 ///
-///     {"version":1,"favourites":["5D0C6A1E-…"]}
+///     {"favourites":["0AF4AEBF-A952-50FE-B0E2-06CC11DE9AA4"],"version":1}
 ///
 /// Unknown keys are kept. Ids of presets that are not there are kept too: their preset may come
 /// back by undo or with another machine's settings.
