@@ -36,7 +36,10 @@ bool dropEnd(std::string &text, std::string_view end) {
 }
 
 std::optional<double> number(std::string_view text, Grouping grouping) {
-    const auto value = readNumber(text, grouping, DecimalMark::unknown);
+    // Without a file around it, a point groups thousands as a comma does.
+    const bool hasPoint = text.find('.') != std::string_view::npos;
+    const auto value =
+        readNumber(text, grouping, hasPoint ? DecimalMark::comma : DecimalMark::unknown);
     return value ? std::optional(static_cast<double>(*value)) : std::nullopt;
 }
 

@@ -18,7 +18,13 @@ TEST(TypedValueTest, Frequencies) {
     EXPECT_THAT(parseFrequency(" 2.5K "), Reads(2500.0));
     EXPECT_THAT(parseFrequency("31.5 Hz"), Reads(31.5));
     EXPECT_THAT(parseFrequency("31,5"), Reads(31.5));
-    EXPECT_THAT(parseFrequency("1,000"), Reads(1000.0));
+    for (const char *grouped : {"16.000", "16,000", "16.000 Hz", "16 000", "16.000,0"})
+        EXPECT_THAT(parseFrequency(grouped), Reads(16000.0)) << grouped;
+    EXPECT_THAT(parseFrequency("1.000"), Reads(1000.0));
+    EXPECT_THAT(parseFrequency("16.000k"), Reads(16000.0)) << "no thousands of thousands";
+    for (const char *plain : {"31.500", "31,500"})
+        EXPECT_THAT(parseFrequency(plain), Reads(31.5)) << plain << ": 31500 Hz is not heard";
+    EXPECT_THAT(parseFrequency("16.00"), Reads(16.0));
     EXPECT_THAT(parseFrequency("12 000 hz"), Reads(12000.0));
     EXPECT_THAT(parseFrequency("12\u202F000\u00A0Hz"), Reads(12000.0));
 }
