@@ -6,6 +6,8 @@ ValueControl {
     id: control
 
     property int orientation: Qt.Horizontal
+    property alias movesSideways: handle.movesSideways
+    readonly property alias handle: handle
     readonly property bool pressed: handle.pressed
     readonly property bool hovered: handle.hovered
     readonly property bool visualFocus: handle.visualFocus

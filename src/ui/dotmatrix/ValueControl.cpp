@@ -56,17 +56,20 @@ void ValueControl::resetOrigin() { setOrigin(qQNaN()); }
 
 double ValueControl::step() const { return stepSize_ > 0 ? stepSize_ : (to_ - from_) / 100; }
 
-void ValueControl::moveTo(double value) {
+void ValueControl::moveTo(double value, double direction) {
     const double next = reachable(value);
-    if (next != value_) {
+    const double way = next - value_;
+    if (way != 0 && way * direction >= 0) {
         setValue(next);
         Q_EMIT moved();
     }
 }
 
-void ValueControl::moveToPosition(double position) { moveTo(from_ + position * (to_ - from_)); }
+void ValueControl::moveToPosition(double position, double direction) {
+    moveTo(from_ + position * (to_ - from_), direction * (to_ - from_));
+}
 
-void ValueControl::moveBy(int steps) { moveTo(value_ + steps * step()); }
+void ValueControl::moveBy(int steps) { moveTo(value_ + steps * step(), steps); }
 
 double ValueControl::positionOf(double value) const {
     const double position = (value - from_) / (to_ - from_);
@@ -77,7 +80,9 @@ double ValueControl::reachable(double value) const {
     if (std::isnan(value)) {
         return value_;
     }
-    if (stepSize_ > 0) {
+    // The ends can be reached though they may lie between two steps.
+    const auto [lowest, highest] = std::minmax(from_, to_);
+    if (stepSize_ > 0 && value > lowest && value < highest) {
         // Counted in whole steps per unit where there are: 3 * 0.1 is not the number written 0.3, 3
         // / 10 is.
         const double steps = std::round((value - from_) / stepSize_);
@@ -86,7 +91,7 @@ double ValueControl::reachable(double value) const {
                     ? std::round(from_ * perUnit + steps) / perUnit
                     : from_ + steps * stepSize_;
     }
-    return std::clamp(value, std::min(from_, to_), std::max(from_, to_));
+    return std::clamp(value, lowest, highest);
 }
 
 } // namespace quorbel

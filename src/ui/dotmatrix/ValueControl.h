@@ -5,8 +5,9 @@
 
 namespace quorbel {
 
-/// What slider and knob have in common: a value in a range, moved in steps. The value is the
-/// model's; a move of the user's takes it along and says so, and leaves the binding on it in place.
+/// What slider, knob and point have in common: a value in a range, moved in steps. The value is the
+/// model's and may lie outside of the range, where it stays until the user moves it. A move takes
+/// the value along and says so, and leaves the binding on it in place.
 class ValueControl : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -21,7 +22,6 @@ class ValueControl : public QQuickItem {
     Q_PROPERTY(double step READ step NOTIFY stepSizeChanged FINAL)
     Q_PROPERTY(QString accessibleName MEMBER accessibleName NOTIFY accessibleNameChanged FINAL)
     Q_PROPERTY(QString valueText MEMBER valueText NOTIFY valueTextChanged FINAL)
-    Q_PROPERTY(bool wheelEnabled MEMBER wheelEnabled NOTIFY wheelEnabledChanged FINAL)
 
   public:
     explicit ValueControl(QQuickItem *parent = nullptr);
@@ -48,15 +48,15 @@ class ValueControl : public QQuickItem {
     double step() const;
 
     /// The user's moves. The new value is the nearest one that can be reached; `moved` follows if
-    /// it is another than before.
-    Q_INVOKABLE void moveTo(double value);
-    Q_INVOKABLE void moveToPosition(double position);
+    /// it is another than before. With a `direction` (only its sign counts; 0: none) the value moves
+    /// that way or stays: from -20 in a range of -12 to 12, a step up leads to -12 and a step down
+    /// nowhere. The direction of a position is along the control.
+    Q_INVOKABLE void moveTo(double value, double direction = 0);
+    Q_INVOKABLE void moveToPosition(double position, double direction = 0);
     Q_INVOKABLE void moveBy(int steps);
 
     QString accessibleName;
     QString valueText;
-    /// Whether the wheel moves the value. Off, so that rolling over a page changes no sound.
-    bool wheelEnabled = false;
 
   Q_SIGNALS:
     void fromChanged();
@@ -68,7 +68,6 @@ class ValueControl : public QQuickItem {
     void originPositionChanged();
     void accessibleNameChanged();
     void valueTextChanged();
-    void wheelEnabledChanged();
     /// The user has changed the value.
     void moved();
     /// The user asks for the value's default.

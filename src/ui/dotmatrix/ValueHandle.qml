@@ -10,6 +10,7 @@ FocusArea {
     required property ValueControl target
     property int role: Accessible.Slider
     property DotTrack track: null
+    property bool movesSideways: true // by the keys Left and Right
 
     readonly property bool pressed: pointer.pressed
     readonly property bool hovered: pointer.containsMouse
@@ -30,6 +31,8 @@ FocusArea {
         }
     }
 
+    onWheelTurned: notches => target.moveBy(notches)
+
     Accessible.role: role
     Accessible.name: target.accessibleName
     Accessible.description: target.valueText
@@ -38,6 +41,8 @@ FocusArea {
     Accessible.onDecreaseAction: target.moveBy(-1)
 
     Keys.onPressed: event => {
+        if (!movesSideways && (event.key === Qt.Key_Left || event.key === Qt.Key_Right))
+            return;
         switch (event.key) {
         case Qt.Key_Up:
         case Qt.Key_Right:
@@ -54,10 +59,10 @@ FocusArea {
             target.moveBy(-10);
             break;
         case Qt.Key_Home:
-            target.moveTo(target.from);
+            target.moveTo(target.from, target.from - target.to);
             break;
         case Qt.Key_End:
-            target.moveTo(target.to);
+            target.moveTo(target.to, target.to - target.from);
             break;
         case Qt.Key_Delete:
         case Qt.Key_Backspace:
@@ -85,7 +90,11 @@ FocusArea {
 
         onPressed: mouse => {
             handle.forceActiveFocus(Qt.MouseFocusReason);
-            wasReset = false;
+            wasReset = mouse.modifiers & Qt.ControlModifier;
+            if (wasReset) {
+                handle.target.resetRequested();
+                return;
+            }
             last = Qt.point(mouse.x, mouse.y);
             held = handle.target.position;
             if (handle.track !== null && !handle.track.isHandle(mouse.x, mouse.y)) {
@@ -99,18 +108,14 @@ FocusArea {
             const track = handle.track;
             const way = track === null ? (mouse.x - last.x - mouse.y + last.y) / turnLength : track.positionAt(mouse.x, mouse.y) - track.positionAt(last.x, last.y);
             last = Qt.point(mouse.x, mouse.y);
+            if (way === 0)
+                return;
             held += way * (mouse.modifiers & Qt.ShiftModifier ? 0.1 : 1);
-            handle.target.moveToPosition(held);
+            handle.target.moveToPosition(held, way);
         }
         onDoubleClicked: {
             wasReset = true;
             handle.target.resetRequested();
-        }
-        onWheel: wheel => {
-            if (handle.target.wheelEnabled && wheel.angleDelta.y !== 0)
-                handle.target.moveBy(wheel.angleDelta.y > 0 ? 1 : -1);
-            else
-                wheel.accepted = false;
         }
     }
 }

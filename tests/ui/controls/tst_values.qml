@@ -229,15 +229,63 @@ ControlCase {
         compare(model.gain, 0);
     }
 
-    function test_wheel_only_where_asked_for() {
+    function test_a_value_outside_of_the_range_data() {
+        // From -20 or 20 in a range of -10 to 10: stays, or goes to the end on its way.
+        const drag = (control, way) => {
+            mousePress(control, control.width / 2 - 100, 12);
+            mouseMove(control, control.width / 2 - 100 + way, 12);
+            mouseRelease(control, control.width / 2 - 100 + way, 12);
+        };
+        return [
+            { tag: "step away", value: -20, move: () => keyClick(Qt.Key_Down), expected: -20 },
+            { tag: "step back", value: -20, move: () => keyClick(Qt.Key_Up), expected: -10 },
+            { tag: "page away", value: 20, move: () => keyClick(Qt.Key_PageUp), expected: 20 },
+            { tag: "page back", value: 20, move: () => keyClick(Qt.Key_PageDown), expected: 10 },
+            { tag: "lowest", value: -20, move: () => keyClick(Qt.Key_Home), expected: -20 },
+            { tag: "highest", value: -20, move: () => keyClick(Qt.Key_End), expected: 10 },
+            { tag: "wheel away", value: 20, move: control => mouseWheel(control, 100, 12, 0, 120), expected: 20 },
+            { tag: "wheel back", value: 20, move: control => mouseWheel(control, 100, 12, 0, -120), expected: 10 },
+            { tag: "click on the handle", value: -20, move: control => drag(control, 0), expected: -20 },
+            { tag: "drag away", value: -20, move: control => drag(control, -5), expected: -20 },
+            { tag: "drag back", value: -20, move: control => drag(control, 1), expected: -9.9 },
+            { tag: "assistive technology", value: -20, move: control => Probe.setValue(control, -10), expected: -10 }
+        ];
+    }
+    function test_a_value_outside_of_the_range(data) {
+        const control = make(horizontal);
+        model.gain = data.value;
+        data.move(control);
+        compare(model.gain, data.expected);
+    }
+
+    function test_the_ends_between_two_steps() {
         const control = make(knob);
-        mouseWheel(control, 36, 36, 0, 120);
+        control.from = -3.32;
+        control.to = 4.32;
+        for (const [key, expected] of [[Qt.Key_End, 4.32], [Qt.Key_Down, 4.2], [Qt.Key_Up, 4.3], [Qt.Key_Up, 4.32], [Qt.Key_Home, -3.32]]) {
+            keyClick(key);
+            compare(model.gain, expected);
+        }
+    }
+
+    function test_control_click_asks_for_the_default() {
+        const control = make(horizontal);
+        model.gain = 4;
+        mouseClick(control, 40, 12, Qt.LeftButton, Qt.ControlModifier);
         compare(model.gain, 0);
-        control.wheelEnabled = true;
-        mouseWheel(control, 36, 36, 0, 120);
-        compare(model.gain, 0.1);
-        mouseWheel(control, 36, 36, 0, -120);
-        compare(model.gain, 0);
+    }
+
+    function test_wheel_only_with_the_focus() {
+        const control = make(knob);
+        const turn = delta => mouseWheel(control, 36, 36, 0, delta);
+        // Half a notch at a time, as some wheels send it.
+        for (const [delta, expected] of [[120, 0.1], [-120, 0], [60, 0], [60, 0.1], [240, 0.3]]) {
+            turn(delta);
+            compare(model.gain, expected);
+        }
+        control.focus = false;
+        turn(120);
+        compare(model.gain, 0.3);
     }
 
     function test_disabled_takes_nothing() {
