@@ -2,9 +2,9 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// One band as a point on the curve: dragged for frequency and gain, turned with the wheel for Q,
-/// and put back by a double click. The strips below do the same from the keyboard.
-Item {
+/// One band as a point on the curve: dragged for frequency and gain, turned with the wheel for Q once it has the
+/// focus, put back by a double click. The strips below are what the Tab key reaches.
+FocusArea {
     id: point
     objectName: "bandPoint" + index
 
@@ -20,18 +20,79 @@ Item {
 
     property bool selected: false
     readonly property real centreX: curve && curve.width > 0 ? curve.xOfFrequency(frequency) : 0
-    readonly property real shownDB: Math.max(-rangeDB, Math.min(rangeDB, gain + App.equalizer.globalGainDB))
+    readonly property real playedDB: gain + App.equalizer.globalGainDB
     // Follows the curve's height, which the mapping depends on.
-    readonly property real centreY: curve && curve.height > 0 ? curve.yOfHeight(0.5 + shownDB / rangeDB / 2) : 0
+    readonly property real centreY: curve && curve.height > 0 ? yOf(Math.max(-rangeDB, Math.min(rangeDB, playedDB))) : 0
     signal chosen
+
+    function yOf(decibels: real): real {
+        return curve.yOfHeight(0.5 + decibels / rangeDB / 2);
+    }
 
     x: centreX - width / 2
     y: centreY - height / 2
     z: selected ? 1 : 0
     width: 3 * Theme.unit
     height: width
+    activeFocusOnTab: false
     Accessible.ignored: true
+    onWheelTurned: notches => sharpness.moveBy(notches)
+    Keys.onPressed: event => {
+        switch (event.key) {
+        case Qt.Key_Up:
+            level.moveBy(1);
+            break;
+        case Qt.Key_Down:
+            level.moveBy(-1);
+            break;
+        case Qt.Key_PageUp:
+            level.moveBy(10);
+            break;
+        case Qt.Key_PageDown:
+            level.moveBy(-10);
+            break;
+        case Qt.Key_Left:
+            pitch.moveBy(-1);
+            break;
+        case Qt.Key_Right:
+            pitch.moveBy(1);
+            break;
+        case Qt.Key_Delete:
+        case Qt.Key_Backspace:
+            App.equalizer.bands.resetBand(point.index);
+            break;
+        default:
+            return;
+        }
+        event.accepted = true;
+    }
 
+    ValueControl {
+        id: pitch
+        visible: false
+        from: Math.log2(App.equalizer.minFrequency)
+        to: Math.log2(App.equalizer.maxFrequency)
+        value: Math.log2(Math.max(1, point.frequency))
+        onMoved: App.equalizer.bands.setFrequency(point.index, Math.pow(2, value))
+    }
+    ValueControl {
+        id: level
+        visible: false
+        from: App.equalizer.minGain
+        to: App.equalizer.maxGain
+        stepSize: App.equalizer.gainStep
+        value: point.gain
+        onMoved: App.equalizer.bands.setGain(point.index, value)
+    }
+    ValueControl {
+        id: sharpness
+        visible: false
+        from: Math.log2(App.equalizer.minQ)
+        to: Math.log2(App.equalizer.maxQ)
+        stepSize: 0.25
+        value: Math.log2(Math.max(App.equalizer.minQ, point.q))
+        onMoved: App.equalizer.bands.setQ(point.index, Math.pow(2, value))
+    }
     Rectangle {
         anchors.centerIn: parent
         width: (point.selected ? 2 : 1.5) * Theme.unit
@@ -45,39 +106,54 @@ Item {
     MouseArea {
         id: mouse
 
-        property point grabbedAt
+        property point pressedAt // of the pointer on the curve
+        property point last
+        property point held // place of the values as the pointer has moved it, outside of the curve too
+        property bool movesX: false
+        property bool movesY: false
+        property bool wasReset: false
 
-        function dragTo(x, y) {
-            const hertz = point.curve.frequencyAt(x);
-            App.equalizer.bands.setFrequency(point.index, hertz);
-            const decibels = (point.curve.heightAt(y) - 0.5) * 2 * point.rangeDB - App.equalizer.globalGainDB;
-            const steps = Math.round(decibels / App.equalizer.gainStep);
-            App.equalizer.bands.setGain(point.index, steps * App.equalizer.gainStep);
-        }
+        // A hand that moves along one axis strays on the other: pixels until that counts.
+        readonly property real stray: Theme.unit
 
         anchors.fill: parent
         hoverEnabled: true
         preventStealing: true
         cursorShape: pressed ? Qt.ClosedHandCursor : Qt.OpenHandCursor
         onPressed: event => {
+            point.forceActiveFocus(Qt.MouseFocusReason);
             point.chosen();
-            // The point is held where it was touched, so that a click alone moves nothing.
-            const at = mapToItem(point.curve, event.x, event.y);
-            grabbedAt = Qt.point(at.x - point.centreX, at.y - point.centreY);
             App.history.beginGesture();
+            // The point is held where it was touched, so that a click alone moves nothing.
+            pressedAt = last = mapToItem(point.curve, event.x, event.y);
+            held = Qt.point(point.centreX, point.yOf(point.playedDB));
+            movesX = movesY = false;
+            wasReset = event.modifiers & Qt.ControlModifier;
+            if (wasReset)
+                App.equalizer.bands.resetBand(point.index);
         }
         onPositionChanged: event => {
-            if (!pressed)
+            if (!pressed || wasReset)
                 return;
             const at = mapToItem(point.curve, event.x, event.y);
-            dragTo(at.x - grabbedAt.x, at.y - grabbedAt.y);
+            const x = Math.abs(at.x - pressedAt.x), y = Math.abs(at.y - pressedAt.y);
+            movesX = movesX || x > Math.min(y, stray);
+            movesY = movesY || y > Math.min(x, stray);
+            const part = event.modifiers & Qt.ShiftModifier ? 0.1 : 1;
+            const right = movesX ? (at.x - last.x) * part : 0;
+            const down = movesY ? (at.y - last.y) * part : 0;
+            last = at;
+            held = Qt.point(held.x + right, held.y + down);
+            if (right !== 0)
+                pitch.moveTo(Math.log2(point.curve.frequencyAt(held.x)), right);
+            if (down !== 0)
+                level.moveTo((point.curve.heightAt(held.y) - 0.5) * 2 * point.rangeDB - App.equalizer.globalGainDB, -down);
         }
         onReleased: App.history.endGesture()
         onCanceled: App.history.endGesture()
-        onDoubleClicked: App.equalizer.bands.resetBand(point.index)
-        onWheel: event => {
-            point.chosen();
-            App.equalizer.bands.setQ(point.index, point.q * Math.pow(2, event.angleDelta.y / 480));
+        onDoubleClicked: {
+            wasReset = true;
+            App.equalizer.bands.resetBand(point.index);
         }
     }
 }

@@ -11,13 +11,12 @@ ScreenTest {
         return part("bandPoint" + row);
     }
     function dragPoint(row, dx, dy) {
-        const point = pointAt(row);
-        const x = point.width / 2, y = point.height / 2;
-        mousePress(point, x, y);
-        // The point goes along: places are given relative to it.
-        for (let step = 0; step < 8; ++step)
-            mouseMove(point, x + dx / 8, y + dy / 8);
-        mouseRelease(point, x, y);
+        const point = pointAt(row), plot = point.curve;
+        const x = point.x + point.width / 2, y = point.y + point.height / 2;
+        mousePress(plot, x, y);
+        for (let step = 1; step <= 8; ++step)
+            mouseMove(plot, x + dx * step / 8, y + dy * step / 8);
+        mouseRelease(plot, x + dx, y + dy);
     }
 
     function test_texts() {
