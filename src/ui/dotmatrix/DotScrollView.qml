@@ -16,6 +16,7 @@ T.ScrollView {
         y: control.topPadding
         height: control.availableHeight
         active: control.T.ScrollBar.horizontal.active
+        stepSize: 8 * Theme.unit / Math.max(1, control.contentHeight) // of an arrow key
     }
     T.ScrollBar.horizontal: DotScrollBar {
         parent: control

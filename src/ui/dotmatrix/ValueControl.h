@@ -48,9 +48,9 @@ class ValueControl : public QQuickItem {
     double step() const;
 
     /// The user's moves. The new value is the nearest one that can be reached; `moved` follows if
-    /// it is another than before. With a `direction` (only its sign counts; 0: none) the value moves
-    /// that way or stays: from -20 in a range of -12 to 12, a step up leads to -12 and a step down
-    /// nowhere. The direction of a position is along the control.
+    /// it is another than before. With a `direction` (only its sign counts; 0: none) the value
+    /// moves that way or stays: from -20 in a range of -12 to 12, a step up leads to -12 and a step
+    /// down nowhere. The direction of a position is along the control.
     Q_INVOKABLE void moveTo(double value, double direction = 0);
     Q_INVOKABLE void moveToPosition(double position, double direction = 0);
     Q_INVOKABLE void moveBy(int steps);

@@ -20,12 +20,19 @@ FocusScope {
     property bool selected: false
     readonly property string bandName: qsTr("Band %1").arg(index + 1)
     signal chosen
+    /// The keyboard goes to another band, counted from this one.
+    signal moveRequested(int step)
 
     /// The slider's part that takes the keyboard.
-    readonly property Item sliderHandle: Array.from(gainSlider.children).find(child => child instanceof ValueHandle) ?? null
+    readonly property ValueHandle sliderHandle: gainSlider.handle
 
     function takeFocus() {
         sliderHandle.forceActiveFocus(Qt.TabFocusReason);
+    }
+    function leadAcross(step, event) {
+        event.accepted = sliderHandle.activeFocus;
+        if (event.accepted)
+            moveRequested(step);
     }
 
     implicitWidth: 6 * Theme.unit
@@ -34,13 +41,15 @@ FocusScope {
         if (activeFocus)
             chosen();
     }
+    Keys.onLeftPressed: event => leadAcross(-1, event)
+    Keys.onRightPressed: event => leadAcross(1, event)
     Accessible.role: Accessible.Grouping
     Accessible.name: bandName + ", " + frequencyLabel
 
     Binding {
         target: strip.sliderHandle
         property: "activeFocusOnTab"
-        value: strip.selected || (strip.sliderHandle?.activeFocus ?? false)
+        value: strip.selected || strip.sliderHandle.activeFocus
     }
     Rectangle {
         anchors.fill: parent
@@ -50,7 +59,6 @@ FocusScope {
     }
     TapHandler {
         onTapped: strip.chosen()
-        onDoubleTapped: App.equalizer.bands.resetBand(strip.index)
     }
 
     ColumnLayout {
@@ -78,6 +86,7 @@ FocusScope {
             Layout.fillHeight: true
             Layout.minimumHeight: 11 * Theme.unit
             orientation: Qt.Vertical
+            movesSideways: false
             from: App.equalizer.minGain
             to: App.equalizer.maxGain
             stepSize: App.equalizer.gainStep
@@ -87,7 +96,7 @@ FocusScope {
             accessibleName: qsTr("%1 gain").arg(strip.bandName)
             valueText: qsTr("%1 dB").arg(strip.gainLabel)
             onMoved: App.equalizer.bands.setGain(strip.index, value)
-            onResetRequested: App.equalizer.bands.resetBand(strip.index)
+            onResetRequested: App.equalizer.bands.setGain(strip.index, 0)
         }
         ValueField {
             Layout.fillWidth: true

@@ -21,8 +21,6 @@ T.RadioDelegate {
     Accessible.description: isCurrent ? qsTr("In use") : isDefault ? qsTr("System default") : ""
     Accessible.onPressAction: row.clicked()
     Accessible.onToggleAction: row.clicked()
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         color: row.down || row.hovered ? Theme.paper : "transparent"

@@ -9,7 +9,6 @@ ScreenPage {
 
     property int selectedBand: 0
     property BandStripView selectedStrip: null
-    readonly property bool onSlider: selectedStrip?.sliderHandle?.activeFocus ?? false
 
     function select(row) {
         selectedBand = row;
@@ -20,18 +19,6 @@ ScreenPage {
         const strip = strips.itemAt(row) as BandStripView;
         if (strip !== null)
             strip.takeFocus();
-    }
-
-    // The arrows along a vertical slider change it; those across lead to its neighbours.
-    Shortcut {
-        sequence: "Left"
-        enabled: screen.onSlider
-        onActivated: screen.focusBand(screen.selectedBand - 1)
-    }
-    Shortcut {
-        sequence: "Right"
-        enabled: screen.onSlider
-        onActivated: screen.focusBand(screen.selectedBand + 1)
     }
 
     ScreenHeader {
@@ -89,6 +76,7 @@ ScreenPage {
                         // qmllint disable unqualified
                         selected: screen.selectedBand === index
                         onChosen: screen.select(index)
+                        onMoveRequested: step => screen.focusBand(index + step)
                         // qmllint enable unqualified
                     }
                 }

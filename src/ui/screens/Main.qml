@@ -16,46 +16,23 @@ Window {
     minimumHeight: 760
     color: Theme.paper
 
-    onActiveChanged: {
-        // The key that was held is let go of elsewhere.
-        if (!active)
-            App.engine.comparing = false;
-    }
-
     Binding {
         target: App.spectrum
         property: "visible"
         value: window.seen
     }
-    Shortcut {
-        sequence: "Ctrl+Z"
-        onActivated: App.history.undo()
-    }
-    Shortcut {
-        sequences: ["Ctrl+Shift+Z", "Ctrl+Y"]
-        onActivated: App.history.redo()
-    }
 
-    FocusScope {
-        id: desk
+    WindowKeys {
         anchors.fill: parent
         focus: true
-        // A popup takes the keyboard, and with it the release of the key.
-        onActiveFocusChanged: if (!activeFocus)
-            App.engine.comparing = false
-        Keys.onPressed: event => {
-            if (event.key !== Qt.Key_B || event.modifiers !== Qt.NoModifier || !App.engine.running)
-                return;
-            event.accepted = true;
-            if (!event.isAutoRepeat)
-                App.engine.comparing = true;
-        }
-        Keys.onReleased: event => {
-            if (event.key !== Qt.Key_B || event.isAutoRepeat)
-                return;
-            event.accepted = true;
-            App.engine.comparing = false;
-        }
+        page: screens.page
+        onCompareHeldChanged: App.engine.comparing = compareHeld && App.engine.running
+        onUndoRequested: App.history.undo()
+        onRedoRequested: App.history.redo()
+        onQuitRequested: Qt.exit(0)
+        onRefreshRequested: App.devices.refresh()
+        onStartStopRequested: App.engine.toggle()
+        onScreenRequested: index => sidebar.choose(index)
 
         ToolbarView {
             id: toolbar
@@ -73,6 +50,7 @@ Window {
             onAboutRequested: aboutDialog.open()
         }
         MainView {
+            id: screens
             anchors.left: sidebar.right
             anchors.right: parent.right
             anchors.top: toolbar.bottom

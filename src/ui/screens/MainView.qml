@@ -12,6 +12,9 @@ Item {
     required property string destination
     signal saveRequested
 
+    /// The screen itself.
+    readonly property Item page: screen.item as Item
+
     /// The list that the presets screen shows or would show.
     property int presetFilter: PresetFilterModel.All
 

@@ -18,6 +18,10 @@ Rectangle {
             entry.takeFocus();
     }
 
+    function choose(index) {
+        (rows.itemAt(index) as SidebarEntry)?.chosen();
+    }
+
     implicitWidth: 27 * Theme.unit
     color: Theme.paper
     Accessible.role: Accessible.List

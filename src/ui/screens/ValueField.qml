@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// A value that reads as plain text and becomes a field once it is clicked or reached. What is typed
-/// is taken with Return or on leaving; what cannot be read leaves the value as it was.
+/// A value that reads as plain text and becomes a field once it is clicked or reached. Return or leaving the
+/// field takes what is typed, Escape does not; a text that cannot be read leaves the value as it was.
 DotTextField {
     id: field
 
@@ -16,12 +16,14 @@ DotTextField {
         return NaN;
     }
     function takeTyped() {
-        if (!dirty)
-            return;
-        dirty = false;
-        const value = parse(text);
+        // A text that was put back is shorter than the value it stands for, and no new one.
+        const value = dirty && text !== valueText ? parse(text) : NaN;
+        dropTyped();
         if (!isNaN(value))
             committed(value);
+    }
+    function dropTyped() {
+        dirty = false;
         text = Qt.binding(() => field.valueText);
     }
 
@@ -30,10 +32,7 @@ DotTextField {
     rightPadding: Theme.unit / 2
     implicitHeight: 3 * Theme.unit
     onTextEdited: dirty = true
-    onAccepted: {
-        takeTyped();
-        selectAll();
-    }
+    onAccepted: takeTyped()
     onActiveFocusChanged: {
         if (activeFocus) {
             selectAll();
@@ -48,13 +47,9 @@ DotTextField {
         border.width: field.activeFocus ? 2 : field.hovered ? Theme.hairline : 0
         border.color: field.activeFocus ? Theme.signalInk : Theme.edge
     }
+    // The window takes the focus back.
     Keys.onEscapePressed: event => {
-        if (dirty) {
-            dirty = false;
-            text = Qt.binding(() => field.valueText);
-            selectAll();
-        } else {
-            event.accepted = false;
-        }
+        dropTyped();
+        event.accepted = false;
     }
 }

@@ -1,0 +1,108 @@
+#include "ui/dotmatrix/PageScroll.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorbel {
+
+namespace {
+
+constexpr double lineHeight = 64; // pixels
+/// A list lays out the rows at its end frame by frame, and until then only estimates where that is:
+/// positioned once, the list of presets ended above its last row in two of three runs.
+constexpr int framesUntilLaidOut = 10;
+
+bool isScrollKey(int key) {
+    return key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp ||
+           key == Qt::Key_PageDown || key == Qt::Key_Home || key == Qt::Key_End;
+}
+
+/// Where a scroll key leads from `now` between two ends.
+double movedBy(int key, double now, double line, double page, double first, double last) {
+    switch (key) {
+    case Qt::Key_Up:
+        now -= line;
+        break;
+    case Qt::Key_Down:
+        now += line;
+        break;
+    case Qt::Key_PageUp:
+        now -= page;
+        break;
+    case Qt::Key_PageDown:
+        now += page;
+        break;
+    case Qt::Key_Home:
+        return first;
+    case Qt::Key_End:
+        return last;
+    default:
+        break;
+    }
+    return std::clamp(now, first, std::max(first, last));
+}
+
+double number(const QQuickItem &item, const char *property) {
+    return item.property(property).toDouble();
+}
+
+QQuickItem *scrollablePart(QQuickItem *item) {
+    if (item == nullptr || !item->isVisible())
+        return nullptr;
+    // The toolkit has no public class for it.
+    if (item->inherits("QQuickFlickable") && number(*item, "contentHeight") > item->height())
+        return item;
+    for (QQuickItem *child : item->childItems())
+        if (QQuickItem *found = scrollablePart(child))
+            return found;
+    return nullptr;
+}
+
+} // namespace
+
+bool PageScroll::scroll(QQuickItem *page, int key) {
+    QQuickItem *const view = isScrollKey(key) ? scrollablePart(page) : nullptr;
+    if (view == nullptr)
+        return false;
+    const bool isList = view->inherits("QQuickItemView");
+    if (isList && (view->hasActiveFocus() || key == Qt::Key_Home || key == Qt::Key_End)) {
+        scrollList(*view, key);
+        return true;
+    }
+    const double first = number(*view, "originY");
+    const double last = first + number(*view, "contentHeight") - view->height();
+    view->setProperty("contentY", movedBy(key, number(*view, "contentY"), lineHeight,
+                                          view->height() - lineHeight, first, last));
+    return true;
+}
+
+void PageScroll::scrollList(QQuickItem &list, int key) {
+    if (list.hasActiveFocus()) {
+        const double count = number(list, "count");
+        const double shown = std::floor(list.height() * count / number(list, "contentHeight"));
+        const double row =
+            movedBy(key, number(list, "currentIndex"), 0, std::max(1.0, shown - 1), 0, count - 1);
+        list.setProperty("currentIndex", static_cast<int>(row));
+    }
+    if (key != Qt::Key_Home && key != Qt::Key_End)
+        return;
+    list_ = &list;
+    isLastEnd_ = key == Qt::Key_End;
+    framesLeft_ = framesUntilLaidOut;
+    disconnect(frames_);
+    frames_ = connect(list.window(), &QQuickWindow::afterAnimating, this, &PageScroll::holdAtEnd);
+    list.window()->update();
+}
+
+void PageScroll::holdAtEnd() {
+    // A list of another screen leaves the window before it is deleted.
+    if (list_ == nullptr || list_->window() == nullptr || framesLeft_ == 0) {
+        disconnect(frames_);
+        return;
+    }
+    --framesLeft_;
+    QMetaObject::invokeMethod(list_, isLastEnd_ ? "positionViewAtEnd" : "positionViewAtBeginning");
+    list_->window()->update();
+}
+
+} // namespace quorbel

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QQuickItem>
+#include <QQuickWindow>
+
+namespace quorbel {
+
+/// Scrolls a page by keys: arrows by a line, Page Up and Page Down by what is shown, Home and End
+/// to its ends. In a list that has the focus the keys move its current row instead.
+class PageScroll : public QObject {
+  public:
+    using QObject::QObject;
+
+    /// Scrolls the outermost part of `page` that is higher than its frame. False where there is
+    /// none or the key does not scroll.
+    bool scroll(QQuickItem *page, int key);
+    /// Lets go of the end that a list is held at: the user goes elsewhere.
+    void letGo() { framesLeft_ = 0; }
+
+  private:
+    void scrollList(QQuickItem &list, int key);
+    void holdAtEnd();
+
+    QPointer<QQuickItem> list_; ///< held at its end for as many frames
+    QMetaObject::Connection frames_;
+    bool isLastEnd_ = false;
+    int framesLeft_ = 0;
+};
+
+} // namespace quorbel

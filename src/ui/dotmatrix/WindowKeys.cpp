@@ -1,0 +1,303 @@
+#include "ui/dotmatrix/WindowKeys.h"
+
+#include "ui/dotmatrix/FocusArea.h"
+
+#include <QCoreApplication>
+#include <QQuickWindow>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+/// Scan codes on X11 and Wayland alike: those of the kernel (linux/input-event-codes.h) plus 8.
+constexpr quint32 scanCodeB = 48 + 8;
+constexpr quint32 scanCode1 = 2 + 8;
+
+Qt::KeyboardModifiers modifiersOf(const QKeyEvent &key) {
+    return key.modifiers() & ~Qt::KeypadModifier;
+}
+
+bool isReturn(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+/// Cyrillic, Greek and so on: neither Latin nor a key without a character.
+bool isOfOtherScript(int key) {
+    constexpr int firstAfterLatin = 0x250;
+    return key == 0 || key == Qt::Key_unknown || (key >= firstAfterLatin && key < Qt::Key_Escape);
+}
+
+bool isCompareKey(const QKeyEvent &key) {
+    return modifiersOf(key) == Qt::NoModifier &&
+           (key.key() == Qt::Key_B ||
+            (isOfOtherScript(key.key()) && key.nativeScanCode() == scanCodeB));
+}
+
+/// The toolkit's templates for controls have no public classes.
+bool isA(const QQuickItem *item, const char *kind) {
+    return item != nullptr && item->inherits(kind);
+}
+bool isButton(const QQuickItem *item) { return isA(item, "QQuickAbstractButton"); }
+bool isBox(const QQuickItem *item) { return isA(item, "QQuickComboBox"); }
+bool isOpenBox(const QQuickItem *item) {
+    if (!isBox(item))
+        return false;
+    const auto *popup = item->property("popup").value<QObject *>();
+    return popup != nullptr && popup->property("visible").toBool();
+}
+bool isPressable(const QQuickItem *item) {
+    return isButton(item) || (isBox(item) && !isOpenBox(item));
+}
+/// A text that is read only takes no input.
+bool isWritten(const QQuickItem *item) {
+    return item != nullptr && item->flags().testFlag(QQuickItem::ItemAcceptsInputMethod);
+}
+
+} // namespace
+
+struct WindowKeys::Shortcut {
+    int key;
+    Qt::KeyboardModifiers modifiers;
+    Request request;
+    bool repeats = false;
+    int index = 0;
+};
+
+WindowKeys::WindowKeys(QQuickItem *parent) : QQuickItem(parent) { setFlag(ItemIsFocusScope); }
+
+bool WindowKeys::eventFilter(QObject *watched, QEvent *event) {
+    switch (event->type()) {
+    case QEvent::KeyPress: {
+        scroll_.letGo();
+        const auto &key = *static_cast<QKeyEvent *>(event);
+        const bool isKept = press(key);
+        if (isKept)
+            kept_.insert(key.key());
+        else
+            kept_.remove(key.key());
+        return isKept;
+    }
+    case QEvent::KeyRelease:
+        return release(*static_cast<QKeyEvent *>(event));
+    case QEvent::MouseButtonPress:
+    case QEvent::TouchBegin:
+        pressedAt(static_cast<QPointerEvent *>(event)->point(0).position());
+        break;
+    case QEvent::MouseMove:
+        wheelIsAssigned_ = false;
+        break;
+    case QEvent::Wheel:
+        scroll_.letGo();
+        assignWheel(static_cast<QWheelEvent *>(event)->position());
+        break;
+    default:
+        break;
+    }
+    return QQuickItem::eventFilter(watched, event);
+}
+
+void WindowKeys::itemChange(ItemChange change, const ItemChangeData &data) {
+    if (change == ItemSceneChange && data.window != nullptr) {
+        data.window->installEventFilter(this);
+        connect(data.window, &QQuickWindow::activeFocusItemChanged, this, &WindowKeys::followFocus);
+        // A key that is held is let go of elsewhere.
+        connect(data.window, &QWindow::activeChanged, this, [this] {
+            if (window() != nullptr && !window()->isActive())
+                setCompareHeld(false);
+        });
+    }
+    QQuickItem::itemChange(change, data);
+}
+
+WindowKeys::Shortcut WindowKeys::shortcutOf(const QKeyEvent &key) {
+    static constexpr std::array shortcuts{
+        Shortcut{Qt::Key_Z, Qt::ControlModifier, Request::undo, true},
+        Shortcut{Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier, Request::redo, true},
+        Shortcut{Qt::Key_Y, Qt::ControlModifier, Request::redo, true},
+        Shortcut{Qt::Key_Q, Qt::ControlModifier, Request::quit},
+        Shortcut{Qt::Key_F5, Qt::NoModifier, Request::refresh},
+        Shortcut{Qt::Key_Return, Qt::ControlModifier, Request::startStop},
+        Shortcut{Qt::Key_Enter, Qt::ControlModifier, Request::startStop},
+    };
+    const Qt::KeyboardModifiers modifiers = modifiersOf(key);
+    const auto *found = std::ranges::find_if(shortcuts, [&](const Shortcut &shortcut) {
+        return shortcut.key == key.key() && shortcut.modifiers == modifiers;
+    });
+    if (found != shortcuts.end())
+        return *found;
+    Shortcut shortcut{key.key(), modifiers, Request::none};
+    if (modifiers == Qt::ControlModifier) {
+        // Layouts that need Shift for the digits have them at the same places.
+        const bool isDigit = key.key() >= Qt::Key_0 && key.key() <= Qt::Key_9;
+        shortcut.index = isDigit
+                             ? key.key() - Qt::Key_1
+                             : static_cast<int>(key.nativeScanCode()) - static_cast<int>(scanCode1);
+        if (shortcut.index >= 0 && shortcut.index < 9)
+            shortcut.request = Request::screen;
+    }
+    return shortcut;
+}
+
+bool WindowKeys::press(const QKeyEvent &key) {
+    QQuickItem *const item = focused();
+    const bool isText = isWritten(item);
+    if (isCompareKey(key) && !isText) {
+        if (!key.isAutoRepeat()) {
+            compareKey_ = key.key();
+            compareScanCode_ = key.nativeScanCode();
+            setCompareHeld(true);
+        }
+        return true;
+    }
+    if (const Shortcut shortcut = shortcutOf(key); shortcut.request != Request::none)
+        return (key.isAutoRepeat() && !shortcut.repeats) || request(shortcut);
+    if (isText)
+        return false;
+    const bool isDelete = key.key() == Qt::Key_Delete || key.key() == Qt::Key_Backspace;
+    if (modifiersOf(key) == Qt::NoModifier) {
+        if (key.isAutoRepeat() && (isReturn(key.key()) || isDelete))
+            return true;
+        if (isReturn(key.key()) && isPressable(item)) {
+            spaceOn_ = item;
+            sendSpace(QEvent::KeyPress);
+            return true;
+        }
+    }
+    if (isDelete && isButton(item))
+        return true;
+    const QString text = key.text();
+    return isBox(item) && !isOpenBox(item) && key.key() != Qt::Key_Space && !text.isEmpty() &&
+           text.front().isPrint();
+}
+
+bool WindowKeys::release(const QKeyEvent &key) {
+    if (compareHeld_ && (key.key() == compareKey_ ||
+                         (key.nativeScanCode() != 0 && key.nativeScanCode() == compareScanCode_))) {
+        if (!key.isAutoRepeat())
+            setCompareHeld(false);
+        return true;
+    }
+    QQuickItem *const item = focused();
+    if (isReturn(key.key()) && !key.isAutoRepeat()) {
+        // What was not pressed here is not let go of here: the focus may have moved in between.
+        const QQuickItem *const pressed = std::exchange(spaceOn_, nullptr);
+        if (pressed != nullptr && pressed == item)
+            sendSpace(QEvent::KeyRelease);
+        else if (isPressable(item))
+            return true;
+    }
+    return key.isAutoRepeat() ? kept_.contains(key.key()) : kept_.remove(key.key());
+}
+
+bool WindowKeys::request(const Shortcut &shortcut) {
+    QQuickItem *const item = focused();
+    const bool isUndo = shortcut.request == Request::undo;
+    if (isUndo || shortcut.request == Request::redo) {
+        if (isWritten(item) && item->property(isUndo ? "canUndo" : "canRedo").toBool()) {
+            QMetaObject::invokeMethod(item, isUndo ? "undo" : "redo");
+            return true;
+        }
+    }
+    if (shortcut.request == Request::quit) {
+        Q_EMIT quitRequested();
+        return true;
+    }
+    if (isInDialog(item))
+        return true;
+    switch (shortcut.request) {
+    case Request::undo:
+        Q_EMIT undoRequested();
+        break;
+    case Request::redo:
+        Q_EMIT redoRequested();
+        break;
+    case Request::refresh:
+        Q_EMIT refreshRequested();
+        break;
+    case Request::startStop:
+        Q_EMIT startStopRequested();
+        break;
+    case Request::screen:
+        if (isWritten(item))
+            item->setFocus(false, Qt::ShortcutFocusReason); // takes over what is typed
+        Q_EMIT screenRequested(shortcut.index);
+        break;
+    default:
+        break;
+    }
+    return true;
+}
+
+void WindowKeys::sendSpace(QEvent::Type type) const {
+    QKeyEvent space(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+    QCoreApplication::sendEvent(window(), &space);
+}
+
+void WindowKeys::setCompareHeld(bool held) {
+    if (compareHeld_ != held) {
+        compareHeld_ = held;
+        Q_EMIT compareHeldChanged();
+    }
+}
+
+void WindowKeys::keyPressEvent(QKeyEvent *event) {
+    QQuickItem *const item = focused();
+    const int key = event->key();
+    event->ignore();
+    if (modifiersOf(*event) != Qt::NoModifier)
+        return;
+    if (isWritten(item) && (isReturn(key) || key == Qt::Key_Escape)) {
+        giveBack(item);
+        event->accept();
+    } else {
+        event->setAccepted(scroll_.scroll(page_, key));
+    }
+}
+
+QQuickItem *WindowKeys::focused() const {
+    return window() != nullptr ? window()->activeFocusItem() : nullptr;
+}
+
+bool WindowKeys::isInDialog(const QQuickItem *item) const {
+    return item != nullptr && item != window()->contentItem() && item != this &&
+           !isAncestorOf(item);
+}
+
+void WindowKeys::followFocus() {
+    QQuickItem *const item = focused();
+    if (item != nullptr && !isWritten(item) && !isInDialog(item))
+        beforeField_ = item;
+}
+
+void WindowKeys::giveBack(QQuickItem *field) {
+    const auto reason = static_cast<Qt::FocusReason>(field->property("focusReason").toInt());
+    const bool cameByKeys = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+    const QPointer<QQuickItem> before = beforeField_;
+    field->setFocus(false, Qt::OtherFocusReason);
+    // After a click no control gets it: a second Return would press the button that was used last,
+    // and the equaliser would select another band.
+    if (cameByKeys && before != nullptr && before->isVisible() && before->isEnabled() &&
+        isAncestorOf(before))
+        before->forceActiveFocus(Qt::TabFocusReason);
+}
+
+void WindowKeys::pressedAt(QPointF place) {
+    wheelIsAssigned_ = false;
+    QQuickItem *const item = focused();
+    if (isWritten(item) && !isInDialog(item) && !item->contains(item->mapFromScene(place)))
+        item->setFocus(false, Qt::MouseFocusReason);
+}
+
+void WindowKeys::assignWheel(QPointF place) {
+    if (wheelIsAssigned_)
+        return;
+    // The page that scrolls moves another control below the pointer, which has not been pointed at.
+    wheelIsAssigned_ = true;
+    if (auto *const area = qobject_cast<FocusArea *>(focused()))
+        area->setTakesWheel(area->contains(area->mapFromScene(place)));
+}
+
+} // namespace quorbel
