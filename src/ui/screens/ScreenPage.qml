@@ -12,12 +12,14 @@ DotScrollView {
     default property alias content: column.data
     /// Below the last card.
     readonly property real endMargin: 2 * Theme.unit
+    /// Around the content, so that the focus ring of what stands at its edge is not cut off.
+    readonly property real ringMargin: 5
 
     function reveal(item) {
         const flickable = page.contentItem as Flickable;
         if (flickable === null)
             return;
-        const top = item.mapToItem(column, 0, 0).y;
+        const top = item.mapToItem(column.parent, 0, 0).y;
         const bottom = top + item.height;
         const margin = 2 * Theme.unit;
         if (top - margin < flickable.contentY)
@@ -38,9 +40,10 @@ DotScrollView {
         return false;
     }
 
-    rightPadding: 2 * Theme.unit // the scroll bar's
+    topPadding: -ringMargin
+    rightPadding: 2 * Theme.unit - ringMargin // the scroll bar's
     contentWidth: availableWidth
-    contentHeight: column.implicitHeight + endMargin
+    contentHeight: column.y + column.implicitHeight + endMargin
 
     Connections {
         target: page.Window.window
@@ -55,8 +58,9 @@ DotScrollView {
 
     ColumnLayout {
         id: column
-        width: page.availableWidth
-        height: Math.max(implicitHeight, page.availableHeight - page.endMargin)
+        y: page.ringMargin
+        width: page.availableWidth - page.ringMargin
+        height: Math.max(implicitHeight, page.availableHeight - y - page.endMargin)
         spacing: 2 * Theme.unit
     }
 }
