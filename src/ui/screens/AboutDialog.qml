@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// What the program is, its version and licence, and the versions that a bug report needs.
+/// What the program is, its keys, its version and licence, and the versions that a bug report needs.
 DotDialog {
     id: dialog
 
@@ -38,6 +38,9 @@ DotDialog {
             Layout.fillWidth: true
             text: qsTr("Free software under the GNU General Public License, version 3 or later, without any warranty.")
             wrapMode: Text.WordWrap
+        }
+        ShortcutList {
+            Layout.fillWidth: true
         }
         CopyableText {
             id: report
