@@ -3,6 +3,7 @@
 #include <QAccessible>
 #include <QCoreApplication>
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QMetaEnum>
 #include <QMimeData>
 #include <QQuickItem>
@@ -177,12 +178,35 @@ bool AccessibleWindow::setText(const QString &name, const QString &text) {
 }
 
 bool AccessibleWindow::focus(const QString &name, const QString &role) {
-    QAccessibleInterface *found = lookUp(window_, name, role);
-    auto *item = found != nullptr ? qobject_cast<QQuickItem *>(found->object()) : nullptr;
-    if (item == nullptr)
+    QQuickItem *at = item(name, role);
+    if (at == nullptr)
         return false;
-    item->forceActiveFocus(Qt::TabFocusReason);
-    return item->hasActiveFocus();
+    at->forceActiveFocus(Qt::TabFocusReason);
+    return at->hasActiveFocus();
+}
+
+void AccessibleWindow::sendKey(int key, int modifiers, int scanCode, bool isDown) {
+    const Qt::KeyboardModifiers held(modifiers);
+    QString text;
+    if (key < Qt::Key_Escape)
+        text = held & Qt::ControlModifier ? QChar(key & 0x1F) : QChar(key);
+    if (!(held & Qt::ShiftModifier))
+        text = text.toLower();
+    QKeyEvent event(isDown ? QEvent::KeyPress : QEvent::KeyRelease, key, held,
+                    static_cast<quint32>(scanCode), 0, 0, text);
+    QCoreApplication::sendEvent(window_, &event);
+}
+
+void AccessibleWindow::repeatKey(int key) {
+    for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+        QKeyEvent event(type, key, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(window_, &event);
+    }
+}
+
+QQuickItem *AccessibleWindow::item(const QString &name, const QString &role) const {
+    QAccessibleInterface *found = lookUp(window_, name, role);
+    return found != nullptr ? qobject_cast<QQuickItem *>(found->object()) : nullptr;
 }
 
 QStringList AccessibleWindow::cutTexts() const {
@@ -257,7 +281,13 @@ QString AccessibleWindow::focusOutOfView() const {
     QQuickItem *item = window_->activeFocusItem();
     const QRectF whole = item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
     const QRectF window(0, 0, window_->width(), window_->height());
-    if (shownRect(*item) == whole && window.contains(whole))
+    bool isSeen = shownRect(*item) == whole && window.contains(whole);
+    eachShownItem(*item, [&](const QQuickItem &part) {
+        if (QByteArray(part.metaObject()->className()).startsWith("FocusRing_"))
+            isSeen =
+                isSeen && shownRect(part) == part.mapRectToScene(QRectF(QPointF(), part.size()));
+    });
+    if (isSeen)
         return {};
     return nameOf(*QAccessible::queryAccessibleInterface(item));
 }

@@ -34,6 +34,12 @@ class AccessibleWindow final : public QObject {
     Q_INVOKABLE bool setValue(const QString &name, double value);
     Q_INVOKABLE bool setText(const QString &name, const QString &text);
     Q_INVOKABLE bool focus(const QString &name, const QString &role = {});
+    /// A key of any layout, pressed or let go of: `key` is Qt's code and `scanCode` its place.
+    Q_INVOKABLE void sendKey(int key, int modifiers, int scanCode, bool isDown);
+    /// What the keyboard sends while the key stays down.
+    Q_INVOKABLE void repeatKey(int key);
+    /// For the pointer; null where it is not there.
+    [[nodiscard]] Q_INVOKABLE QQuickItem *item(const QString &name, const QString &role) const;
 
     /// Files are dragged over the window and dropped in its middle. False where it takes none.
     Q_INVOKABLE bool drop(const QStringList &paths);
@@ -47,7 +53,8 @@ class AccessibleWindow final : public QObject {
     [[nodiscard]] Q_INVOKABLE QStringList overlaps() const;
     /// Controls that can be operated but have no name.
     [[nodiscard]] Q_INVOKABLE QStringList unnamed() const;
-    /// The name of what has the keyboard's focus, if it cannot be seen whole; else nothing.
+    /// The name of what has the keyboard's focus, if it or its ring cannot be seen whole; else
+    /// nothing.
     [[nodiscard]] Q_INVOKABLE QString focusOutOfView() const;
 
   private:

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QGuiApplication>
 
+#include <algorithm>
 #include <cmath>
 
 namespace quorbel::testing {
@@ -49,6 +50,11 @@ SimulatedMachine::~SimulatedMachine() {
 void SimulatedMachine::addDevice(const QString &uid, const QString &name) {
     hardware_.addDevice({.uid = uid.toStdString(), .name = name.toStdString()});
     clock_.advance(0.5);
+}
+
+int SimulatedMachine::deviceListReads() {
+    return static_cast<int>(std::ranges::count(hardware_.operations().calls(),
+                                               SimulatedHardware::Operation::deviceList));
 }
 
 void SimulatedMachine::removeDevice(const QString &uid) {
