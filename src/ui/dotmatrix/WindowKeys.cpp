@@ -15,8 +15,13 @@ namespace quorbel {
 namespace {
 
 /// Scan codes on X11 and Wayland alike: those of the kernel (linux/input-event-codes.h) plus 8.
-constexpr quint32 scanCodeB = 48 + 8;
 constexpr quint32 scanCode1 = 2 + 8;
+struct Letter {
+    int key;
+    quint32 scanCode;
+};
+constexpr std::array letters{Letter{Qt::Key_Q, 16 + 8}, Letter{Qt::Key_Y, 21 + 8},
+                             Letter{Qt::Key_Z, 44 + 8}, Letter{Qt::Key_B, 48 + 8}};
 
 Qt::KeyboardModifiers modifiersOf(const QKeyEvent &key) {
     return key.modifiers() & ~Qt::KeypadModifier;
@@ -30,10 +35,16 @@ bool isOfOtherScript(int key) {
     return key == 0 || key == Qt::Key_unknown || (key >= firstAfterLatin && key < Qt::Key_Escape);
 }
 
+/// The key's code; where the layout has no Latin letters, that of the letter at its place.
+int codeOf(const QKeyEvent &key) {
+    if (!isOfOtherScript(key.key()))
+        return key.key();
+    const auto *letter = std::ranges::find(letters, key.nativeScanCode(), &Letter::scanCode);
+    return letter != letters.end() ? letter->key : key.key();
+}
+
 bool isCompareKey(const QKeyEvent &key) {
-    return modifiersOf(key) == Qt::NoModifier &&
-           (key.key() == Qt::Key_B ||
-            (isOfOtherScript(key.key()) && key.nativeScanCode() == scanCodeB));
+    return codeOf(key) == Qt::Key_B && modifiersOf(key) == Qt::NoModifier;
 }
 
 /// The toolkit's templates for controls have no public classes.
@@ -122,18 +133,19 @@ WindowKeys::Shortcut WindowKeys::shortcutOf(const QKeyEvent &key) {
         Shortcut{Qt::Key_Return, Qt::ControlModifier, Request::startStop},
         Shortcut{Qt::Key_Enter, Qt::ControlModifier, Request::startStop},
     };
+    const int code = codeOf(key);
     const Qt::KeyboardModifiers modifiers = modifiersOf(key);
     const auto *found = std::ranges::find_if(shortcuts, [&](const Shortcut &shortcut) {
-        return shortcut.key == key.key() && shortcut.modifiers == modifiers;
+        return shortcut.key == code && shortcut.modifiers == modifiers;
     });
     if (found != shortcuts.end())
         return *found;
-    Shortcut shortcut{key.key(), modifiers, Request::none};
+    Shortcut shortcut{code, modifiers, Request::none};
     if (modifiers == Qt::ControlModifier) {
         // Layouts that need Shift for the digits have them at the same places.
-        const bool isDigit = key.key() >= Qt::Key_0 && key.key() <= Qt::Key_9;
+        const bool isDigit = code >= Qt::Key_0 && code <= Qt::Key_9;
         shortcut.index = isDigit
-                             ? key.key() - Qt::Key_1
+                             ? code - Qt::Key_1
                              : static_cast<int>(key.nativeScanCode()) - static_cast<int>(scanCode1);
         if (shortcut.index >= 0 && shortcut.index < 9)
             shortcut.request = Request::screen;

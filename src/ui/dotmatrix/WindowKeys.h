@@ -15,9 +15,10 @@ namespace quorbel {
 /// control, and after it if no control has used the key.
 ///
 /// Before the controls:
-/// 1. B, held without another key, is `compareHeld` wherever no text is written. Where the layout
-///    has no Latin letters, the key at the place of B counts.
-/// 2. The window's shortcuts are signals. In a dialog only `quitRequested` is.
+/// 1. B, held without another key, is `compareHeld` wherever no text is written.
+/// 2. The window's shortcuts are signals. In a dialog only `quitRequested` is. Where the layout has
+/// no
+///    Latin letters, the places of the letters count.
 /// 3. Undo and redo are the text's while a field has something to undo, and the settings' else.
 /// 4. Return presses what Space presses: buttons, switches, rows of choices, boxes.
 /// 5. Return and Delete act once however long they are held, except in a text.

@@ -8,8 +8,9 @@ namespace quorbel {
 // What a user types into a field: a number in either decimal notation, blanks, and the unit or its
 // beginning in either case. Nothing for any other text. Values are not limited here.
 
-/// Hz: "8k", "1,5 kHz", "250", "31.5 Hz". Exactly three digits behind a point or comma are thousands:
-/// "16.000" and "16,000" are 16 kHz. Not where that is above 24 kHz: "31.500" is 31.5 Hz.
+/// Hz: "8k", "1,5 kHz", "250", "31.5 Hz". Exactly three digits behind a point or comma are
+/// thousands: "16.000" and "16,000" are 16 kHz. Not where that is above 24 kHz: "31.500" is 31.5
+/// Hz.
 [[nodiscard]] std::optional<double> parseFrequency(std::string_view text);
 
 /// dB: "-3 dB", "+1,5", "−2" (with a minus sign proper).
