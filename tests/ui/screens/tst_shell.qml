@@ -93,38 +93,6 @@ ScreenTest {
         tryVerify(() => App.presets.activeName !== "Custom" && App.presets.activeName !== "Flat");
     }
 
-    function test_undo_and_redo_by_keys() {
-        setValue("Band 4 gain", 3);
-        keyClick(Qt.Key_Z, Qt.ControlModifier);
-        compare(value("Band 4 gain"), 0);
-        keyClick(Qt.Key_Z, Qt.ControlModifier | Qt.ShiftModifier);
-        compare(value("Band 4 gain"), 3);
-    }
-
-    function test_compare_while_held() {
-        App.engine.start();
-        Machine.advance(0.5);
-        verify(Assistive.focus("Equalizer", "ListItem"));
-        keyPress(Qt.Key_B);
-        verify(App.engine.comparing);
-        keyRelease(Qt.Key_B);
-        verify(!App.engine.comparing);
-
-        // Typed into a field it is a letter.
-        verify(Assistive.focus("Band 1 frequency", "EditableText"));
-        keyPress(Qt.Key_B);
-        verify(!App.engine.comparing);
-        keyRelease(Qt.Key_B);
-        keyClick(Qt.Key_Escape);
-
-        // Nothing is left held when processing ends.
-        verify(Assistive.focus("Equalizer", "ListItem"));
-        keyPress(Qt.Key_B);
-        App.engine.stop();
-        verify(!App.engine.comparing);
-        keyRelease(Qt.Key_B);
-    }
-
     function test_persist_warning_is_dismissed_or_goes_by_itself() {
         Machine.blockSaving();
         Machine.persist();
