@@ -59,16 +59,21 @@ SpectrumAnalyzer::SpectrumAnalyzer(Clock &clock, QObject *parent)
     : QObject(parent), clock_(clock), fft_(pointCount),
       hannWindow_(normalisedHannWindow(pointCount)),
       ring_(std::make_shared<SpectrumRing>(ringCapacity)), samples_(pointCount), real_(binCount),
-      imaginary_(binCount), magnitudes_(binCount) {
-    for (std::size_t band = 0; band < bandCount; ++band)
-        bandFreqs_[band] = bandFrequency(band);
-}
+      imaginary_(binCount), magnitudes_(binCount) {}
 
 SpectrumAnalyzer::~SpectrumAnalyzer() { detach(); }
 
 float SpectrumAnalyzer::bandFrequency(std::size_t band) {
     return 30.0F *
            std::pow(16000.0F / 30.0F, static_cast<float>(band) / static_cast<float>(bandCount - 1));
+}
+
+float SpectrumAnalyzer::bandEdge(std::size_t band) {
+    if (band == 0)
+        return 0.7F * bandFrequency(0);
+    if (band == bandCount)
+        return 1.4F * bandFrequency(bandCount - 1);
+    return (bandFrequency(band - 1) + bandFrequency(band)) / 2.0F;
 }
 
 void SpectrumAnalyzer::attach(AudioGraph &graph, GraphNode &node) {
@@ -160,20 +165,24 @@ void SpectrumAnalyzer::computeMagnitudes() {
                          static_cast<float>(binCount);
 }
 
-float SpectrumAnalyzer::level(std::size_t band) const {
+SpectrumAnalyzer::BinRange SpectrumAnalyzer::bins(std::size_t band) const {
     const float binHz = tapSampleRate_ / static_cast<float>(pointCount);
-    const float lower =
-        band == 0 ? 0.7F * bandFreqs_[0] : (bandFreqs_[band - 1] + bandFreqs_[band]) / 2.0F;
-    const float upper = band == bandCount - 1 ? 1.4F * bandFreqs_[band]
-                                              : (bandFreqs_[band] + bandFreqs_[band + 1]) / 2.0F;
-    const float lastBin = static_cast<float>(binCount - 1);
-    const float lo = std::max(std::ceil(lower / binHz), 1.0F);
-    const float hi = std::min(std::floor(upper / binHz), lastBin);
+    const float first = std::max(std::ceil(bandEdge(band) / binHz), 1.0F);
+    const float last =
+        std::min(std::floor(bandEdge(band + 1) / binHz), static_cast<float>(binCount - 1));
+    return {.first = static_cast<std::size_t>(first), .last = static_cast<std::size_t>(last)};
+}
+
+bool SpectrumAnalyzer::hasBins(std::size_t band) const {
+    const auto [first, last] = bins(band);
+    return first <= last;
+}
+
+float SpectrumAnalyzer::level(std::size_t band) const {
+    const auto [first, last] = bins(band);
     // Some of the lowest bands are narrower than a bin and stay dark: so it is meant to be.
-    if (lo > hi)
+    if (first > last)
         return 0.0F;
-    const auto first = static_cast<std::size_t>(lo);
-    const auto last = static_cast<std::size_t>(hi);
     float sum = 0.0F;
     for (std::size_t k = first; k <= last; ++k)
         sum += magnitudes_[k];

@@ -59,6 +59,12 @@ class SpectrumAnalyzer final : public QObject {
     /// The centre of a band in Hz.
     [[nodiscard]] static float bandFrequency(std::size_t band);
 
+    /// Where a band begins in Hz; for `bandCount`, where the last one ends.
+    [[nodiscard]] static float bandEdge(std::size_t band);
+
+    /// Whether a bin of the transform lies in the band; the level of a band without one stays 0.
+    [[nodiscard]] bool hasBins(std::size_t band) const;
+
   Q_SIGNALS:
     /// At every tick, also when the levels are what they were. None come while idle and at 0.
     void bandsChanged();
@@ -72,13 +78,17 @@ class SpectrumAnalyzer final : public QObject {
     void followRate();
     [[nodiscard]] bool isSoundArriving();
     void computeMagnitudes();
+    struct BinRange {
+        std::size_t first = 0;
+        std::size_t last = 0; ///< less than `first` where the band is narrower than a bin
+    };
+    [[nodiscard]] BinRange bins(std::size_t band) const;
     [[nodiscard]] float level(std::size_t band) const;
 
     Clock &clock_;
     RealFFT fft_;
     const std::vector<float> hannWindow_;
     const std::shared_ptr<SpectrumRing> ring_; ///< shared with the tap
-    Levels bandFreqs_{};
     Levels bands_{};
     Levels benziLente_{};
     std::int64_t ticuri_ = 0;

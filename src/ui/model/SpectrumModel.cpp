@@ -1,6 +1,8 @@
 #include "ui/model/SpectrumModel.h"
 
-#include <algorithm>
+#include "ui/logic/SpectrumFill.h"
+
+#include <vector>
 
 namespace quorbel {
 
@@ -37,13 +39,29 @@ void SpectrumModel::followLevels() {
         return;
     // The analyzer keeps its last levels when it is taken off; a display that stands still would
     // look like sound.
-    QList<qreal> levels(SpectrumAnalyzer::bandCount, 0.0);
-    if (active_)
-        std::ranges::copy(engine_.spectrumAnalyzer().bands(), levels.begin());
+    const QList<qreal> levels =
+        active_ ? drawnLevels() : QList<qreal>(SpectrumAnalyzer::bandCount, 0.0);
     if (levels == levels_)
         return;
     levels_ = levels;
     Q_EMIT levelsChanged();
+}
+
+QList<qreal> SpectrumModel::drawnLevels() const {
+    const SpectrumAnalyzer &analyzer = engine_.spectrumAnalyzer();
+    std::vector<bool> isMeasured(SpectrumAnalyzer::bandCount);
+    for (std::size_t band = 0; band < isMeasured.size(); ++band)
+        isMeasured[band] = analyzer.hasBins(band);
+    const auto levels =
+        filledLevels({analyzer.bands().begin(), analyzer.bands().end()}, isMeasured);
+    return {levels.begin(), levels.end()};
+}
+
+QList<qreal> SpectrumModel::edges() {
+    QList<qreal> edges;
+    for (std::size_t band = 0; band <= SpectrumAnalyzer::bandCount; ++band)
+        edges << static_cast<double>(SpectrumAnalyzer::bandEdge(band));
+    return edges;
 }
 
 } // namespace quorbel

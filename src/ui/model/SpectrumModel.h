@@ -14,8 +14,11 @@ class SpectrumModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.spectrum is the only one")
-    /// 32 levels, 0 to 1; all 0 while not active.
+    /// 32 levels, 0 to 1, those of bands narrower than the analyzer can tell filled from their
+    /// neighbours; all 0 while not active.
     Q_PROPERTY(QList<qreal> levels READ levels NOTIFY levelsChanged)
+    /// 33 frequencies in Hz: where each band begins, and where the last one ends.
+    Q_PROPERTY(QList<qreal> edges READ edges CONSTANT)
     /// Whether there is something to show: processing runs and the analyzer is switched on.
     Q_PROPERTY(bool active READ active NOTIFY activeChanged)
     /// Set by the window: false while it is hidden or minimised. The engine then measures nothing
@@ -26,6 +29,7 @@ class SpectrumModel final : public QObject {
     SpectrumModel(AudioEngine &engine, QObject *parent);
 
     [[nodiscard]] QList<qreal> levels() const { return levels_; }
+    [[nodiscard]] static QList<qreal> edges();
     [[nodiscard]] bool active() const { return active_; }
     [[nodiscard]] bool isVisible() const { return visible_; }
     void setVisible(bool visible);
@@ -38,6 +42,7 @@ class SpectrumModel final : public QObject {
   private:
     void followEngine();
     void followLevels();
+    [[nodiscard]] QList<qreal> drawnLevels() const;
 
     AudioEngine &engine_;
     QList<qreal> levels_;

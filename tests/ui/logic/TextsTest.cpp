@@ -4,17 +4,24 @@
 #include "ui/logic/NumberFormat.h"
 #include "ui/logic/PanelTexts.h"
 #include "ui/logic/PresetTexts.h"
+#include "ui/logic/SpectrumFill.h"
+#include "ui/logic/StageHelp.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <limits>
+#include <regex>
 
 namespace quorbel {
 namespace {
 
 using State = EngineLifecycle::State;
+using ::testing::DoubleNear;
+using ::testing::ElementsAre;
 
 TEST(NumberFormatTest, NothingPrintsAsMinusZero) {
     EXPECT_EQ(fixedText(-0.0, 1), "0.0");
@@ -64,6 +71,26 @@ TEST(PanelTextsTest, LossesAreNamedOnlyWhereThereAreAny) {
     EXPECT_EQ(lossesText({}), "");
     EXPECT_EQ(lossesText({.cutFrames = 1, .silentFrames = 480, .lostCycles = 2}),
               "1 frame cut · 480 frames of silence · 2 cycles lost");
+}
+
+TEST(StageHelpTest, TheManualsSectionsBeginWithIt) {
+    std::ifstream file(QUORBEL_MANUAL);
+    const std::string manual = std::regex_replace(
+        std::string(std::istreambuf_iterator<char>(file), {}), std::regex("\\s+"), " ");
+    ASSERT_FALSE(manual.empty()) << QUORBEL_MANUAL;
+    for (const auto &[stage, help] : stageHelps())
+        EXPECT_NE(manual.find("### " + std::string(stage) + " " + std::string(help)),
+                  std::string::npos)
+            << stage;
+    EXPECT_EQ(stageHelp("Kitchen"), "");
+}
+
+TEST(SpectrumFillTest, BandsWithoutALevelTakeItFromThoseBesideThem) {
+    EXPECT_THAT(filledLevels({0.8, 0, 0.4, 0, 0, 1.0, 0}, {1, 0, 1, 0, 0, 1, 0}),
+                ElementsAre(0.8, DoubleNear(0.6, 1e-9), 0.4, DoubleNear(0.6, 1e-9),
+                            DoubleNear(0.8, 1e-9), 1.0, 1.0));
+    EXPECT_THAT(filledLevels({0, 0, 0.5, 0}, {0, 0, 1, 1}), ElementsAre(0.5, 0.5, 0.5, 0));
+    EXPECT_THAT(filledLevels({0, 0}, {0, 0}), ElementsAre(0, 0));
 }
 
 class PresetTextsTest : public ::testing::Test {

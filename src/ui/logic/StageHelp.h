@@ -1,0 +1,21 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+namespace quorbel {
+
+/// What a stage does to the sound and where its limits are, in one line. The manual's section of
+/// that name begins with the same words.
+struct StageHelp {
+    std::string_view stage; ///< as its card is called
+    std::string_view help;
+};
+
+/// In the order of the chain.
+[[nodiscard]] const std::array<StageHelp, 12> &stageHelps();
+
+/// Empty for what is no stage.
+[[nodiscard]] std::string_view stageHelp(std::string_view stage);
+
+} // namespace quorbel

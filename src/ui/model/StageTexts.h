@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ui/logic/StageHelp.h"
+
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+namespace quorbel {
+
+/// What the screens say of the stages (ui/logic/StageHelp.h), for QML.
+class StageTexts final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+  public:
+    [[nodiscard]] Q_INVOKABLE QString help(const QString &stage) const {
+        const std::string_view text = stageHelp(stage.toStdString());
+        return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    }
+};
+
+} // namespace quorbel
