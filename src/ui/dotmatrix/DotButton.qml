@@ -9,6 +9,8 @@ T.Button {
     property string symbol: ""
     property bool primary: false
     property string accessibleName: ""
+    /// What it does, in one line: shown beside the pointer and read to assistive technology.
+    property string help: ""
 
     readonly property color foreground: primary ? Theme.onSignal : Theme.ink
 
@@ -22,12 +24,19 @@ T.Button {
     opacity: enabled ? 1 : Theme.disabledOpacity
 
     Accessible.name: accessibleName !== "" ? accessibleName : text
+    Accessible.description: help !== Accessible.name ? help : ""
     Accessible.onPressAction: {
         if (checkable) {
             toggle();
             toggled();
         }
         clicked();
+    }
+
+    DotToolTip {
+        objectName: "toolTip"
+        visible: control.hovered && text !== ""
+        text: control.help
     }
 
     background: Rectangle {

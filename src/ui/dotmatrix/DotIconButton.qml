@@ -3,13 +3,6 @@ import Quorbel.Dotmatrix
 
 // A button that is a symbol only; its name is shown beside the pointer and read to assistive technology.
 DotButton {
-    id: control
-
     flat: true
-
-    DotToolTip {
-        objectName: "toolTip"
-        visible: control.hovered && text !== ""
-        text: control.accessibleName
-    }
+    help: accessibleName
 }

@@ -7,7 +7,7 @@ T.ToolTip {
 
     x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
     y: -implicitHeight - Theme.radius
-    implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
+    implicitWidth: Math.min(contentItem.implicitWidth + leftPadding + rightPadding, 50 * Theme.unit)
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     margins: Theme.radius
     horizontalPadding: Theme.unit
@@ -20,6 +20,8 @@ T.ToolTip {
     contentItem: PlainText {
         text: control.text
         font: control.font
+        textFormat: Text.PlainText
+        wrapMode: Text.WordWrap
         color: Theme.card
     }
     background: Rectangle {

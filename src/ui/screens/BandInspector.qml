@@ -82,6 +82,7 @@ ColumnLayout {
         DotButton {
             flat: true
             text: qsTr("Reset")
+            help: qsTr("Sets this band to its default")
             Accessible.name: qsTr("Reset %1").arg(inspector.bandName)
             onClicked: App.equalizer.bands.resetBand(inspector.row)
         }

@@ -5,11 +5,9 @@ import Quorbel.Model
 /// Unprocessed sound for as long as it is held, with the mouse, the space bar or the key B. An
 /// assistive technology, which cannot hold a button, switches it.
 DotButton {
-    id: compare
-
     text: qsTr("Compare")
     enabled: App.engine.running
-    Accessible.description: help.text
+    help: qsTr("Hold to hear the unprocessed sound (B)")
     Accessible.checkable: true
     Accessible.checked: App.engine.comparing
     Accessible.onPressAction: App.engine.comparing = !App.engine.comparing
@@ -17,11 +15,5 @@ DotButton {
     onEnabledChanged: {
         if (!enabled)
             App.engine.comparing = false;
-    }
-
-    DotToolTip {
-        id: help
-        visible: compare.hovered
-        text: qsTr("Hold to hear the unprocessed sound (B)")
     }
 }

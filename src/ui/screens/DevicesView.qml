@@ -11,17 +11,10 @@ ScreenPage {
         chips: [qsTr("%1 found").arg(devices.count)]
 
         DotButton {
-            id: refresh
             text: qsTr("Refresh")
             symbol: "arrow.clockwise"
-            Accessible.description: help.text
+            help: qsTr("Refresh device list")
             onClicked: App.devices.refresh()
-
-            DotToolTip {
-                id: help
-                visible: refresh.hovered
-                text: qsTr("Refresh device list")
-            }
         }
     }
     DotCard {

@@ -32,6 +32,7 @@ ScreenPage {
 
         DotButton {
             text: qsTr("Reset all bands")
+            help: qsTr("Sets all bands to their defaults; Global stays as it is")
             onClicked: App.equalizer.resetAll()
         }
     }

@@ -62,12 +62,14 @@ Rectangle {
             Layout.alignment: Qt.AlignTop
             flat: true
             text: qsTr("Copy")
+            help: qsTr("Copies the message")
             onClicked: words.copyAll()
         }
         DotButton {
             Layout.alignment: Qt.AlignTop
             flat: true
             text: qsTr("Dismiss")
+            help: qsTr("Hides the message; it returns if this happens again")
             onClicked: notice.dismissed()
         }
     }

@@ -84,6 +84,7 @@ Item {
 
             DotButton {
                 text: qsTr("Import…")
+                help: qsTr("Reads a preset or an equalizer text from a file and applies it")
                 onClicked: App.presets.requestImport()
             }
             DotButton {
@@ -92,6 +93,7 @@ Item {
             }
             DotButton {
                 text: qsTr("Save current…")
+                help: qsTr("Keeps the bands and the spatial settings as a preset of your own")
                 onClicked: screen.saveRequested()
             }
         }

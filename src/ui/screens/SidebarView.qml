@@ -62,6 +62,7 @@ Rectangle {
             flat: true
             text: qsTr("About Ostrafine")
             symbol: "info"
+            help: qsTr("Version, licence and what a bug report needs")
             onClicked: sidebar.aboutRequested()
         }
         DotText {
