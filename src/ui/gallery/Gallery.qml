@@ -146,19 +146,6 @@ Window {
                         active: false
                         rows: 4
                     }
-                    Line {
-                        DotMeter {
-                            value: 0.55
-                            peak: 0.8
-                        }
-                        DotMeter {
-                            Layout.preferredWidth: 10 * Theme.unit
-                            from: -12
-                            to: 12
-                            origin: 0
-                            value: -5
-                        }
-                    }
                     Item {
                         Layout.fillHeight: true
                     }

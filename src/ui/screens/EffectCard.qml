@@ -2,8 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-/// One stage: its switch and name, its value as dots and as a number, and all its controls once it is
-/// opened.
+/// One stage: its switch and name, its value, and all its controls once it is opened.
 DotCard {
     id: card
 
@@ -12,8 +11,6 @@ DotCard {
     required property string readout
     property string readoutUnit: ""
     readonly property real expanderWidth: 15 * Theme.unit
-    /// The value within its range, 0 to 1.
-    required property real level
     required property bool on
     property bool expanded: false
     default property alias controls: controlColumn.data
@@ -29,36 +26,18 @@ DotCard {
             spacing: 2 * Theme.unit
 
             DotToggle {
+                id: toggle
                 checked: card.on
                 accessibleName: card.name
+                Accessible.description: head.help
                 onToggled: card.switched()
             }
-            ColumnLayout {
-                Layout.preferredWidth: 22 * Theme.unit
-                Layout.fillWidth: false
-                spacing: Theme.unit / 4
-
-                HeadingText {
-                    Layout.fillWidth: true
-                    text: card.name
-                    Accessible.ignored: true // the switch says it
-                }
-                CaptionText {
-                    Layout.fillWidth: true
-                    text: card.description
-                }
-            }
-            DotMeter {
+            StageName {
+                id: head
                 Layout.fillWidth: true
-                // In line with the dots of the sliders below, which leave room for their handle.
-                Layout.leftMargin: 6
-                Layout.alignment: Qt.AlignVCenter
-                implicitHeight: Theme.unit
-                accessibleName: card.name
-                valueText: card.readout + card.readoutUnit
-                value: card.on ? card.level : 0
-                from: 0
-                to: 1
+                name: card.name
+                description: card.description
+                toggle: toggle
             }
             RowLayout {
                 Layout.preferredWidth: 13 * Theme.unit
@@ -91,6 +70,7 @@ DotCard {
                     text: card.expanded ? qsTr("Hide") : qsTr("All controls")
                     symbol: card.expanded ? "chevron.up" : "chevron.down"
                     Accessible.description: card.name
+                    help: card.expanded ? qsTr("Hides the stage's controls") : qsTr("Shows the stage's controls")
                     onClicked: card.expandRequested()
                 }
             }

@@ -30,7 +30,6 @@ ScreenPage {
         name: qsTr("XTC Shuffler")
         description: qsTr("Room Filling")
         readout: Format.fixed(App.setting("xtcAmount").value, 0)
-        level: App.setting("xtcAmount").position
         on: App.setting("xtcEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Xtc)
         onSwitched: App.setting("xtcEnabled").toggle()
@@ -48,7 +47,6 @@ ScreenPage {
         name: qsTr("Stereo Widening")
         description: qsTr("Mid / Side")
         readout: Format.fixed(App.setting("widthPercent").value, 0)
-        level: App.setting("widthPercent").position
         on: App.setting("widenerEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Widener)
         onSwitched: App.setting("widenerEnabled").toggle()
@@ -64,7 +62,6 @@ ScreenPage {
         description: qsTr("Room Ambience")
         readout: Format.fixed(App.setting("reverbMix").value, 0)
         readoutUnit: qsTr("% wet")
-        level: App.setting("reverbMix").position
         on: App.setting("reverbEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Reverb)
         onSwitched: App.setting("reverbEnabled").toggle()
@@ -98,7 +95,6 @@ ScreenPage {
         name: qsTr("Voice Clarity")
         description: qsTr("Presence and mud cut")
         readout: Format.fixed(App.setting("voiceAmount").value, 0)
-        level: App.setting("voiceAmount").position
         on: App.setting("voiceEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Voice)
         onSwitched: App.setting("voiceEnabled").toggle()
@@ -138,7 +134,6 @@ ScreenPage {
         name: qsTr("Deep Bass")
         description: qsTr("Harmonic enhancement")
         readout: Format.fixed(App.setting("bassAmount").value, 0)
-        level: App.setting("bassAmount").position
         on: App.setting("bassEnabled").on
         expanded: screen.expanded.includes(SpatialView.Etaj.Bass)
         onSwitched: App.setting("bassEnabled").toggle()
@@ -183,22 +178,14 @@ ScreenPage {
             RowLayout {
                 Layout.fillWidth: true
 
-                ColumnLayout {
+                StageName {
                     Layout.fillWidth: true
-                    spacing: Theme.unit / 4
-
-                    HeadingText {
-                        Layout.fillWidth: true
-                        text: qsTr("Tone Controls")
-                    }
-                    CaptionText {
-                        Layout.fillWidth: true
-                        text: qsTr("Shelf 100 Hz · peak 1 kHz · shelf 5 kHz · ±12 dB each")
-                    }
+                    name: qsTr("Tone Controls")
+                    description: qsTr("Shelf 100 Hz · peak 1 kHz · shelf 5 kHz · ±12 dB each")
                 }
                 DotButton {
                     text: qsTr("Reset")
-                    Accessible.description: qsTr("Tone Controls")
+                    help: qsTr("Sets the three knobs of Tone Controls to 0 dB")
                     onClicked: App.settings.resetTone()
                 }
             }

@@ -23,24 +23,18 @@ DotCard {
             spacing: 2 * Theme.unit
 
             DotToggle {
+                id: toggle
                 checked: card.on
                 accessibleName: card.name
+                Accessible.description: head.help
                 onToggled: card.switched()
             }
-            ColumnLayout {
+            StageName {
+                id: head
                 Layout.fillWidth: true
-                spacing: Theme.unit / 4
-
-                HeadingText {
-                    Layout.fillWidth: true
-                    text: card.name
-                    Accessible.ignored: true // the switch says it
-                }
-                CaptionText {
-                    Layout.fillWidth: true
-                    visible: text !== ""
-                    text: card.description
-                }
+                name: card.name
+                description: card.description
+                toggle: toggle
             }
             RowLayout {
                 id: trailingRow

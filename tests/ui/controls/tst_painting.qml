@@ -30,11 +30,6 @@ ControlCase {
         }
     }
     Component {
-        id: meter
-
-        DotMeter {}
-    }
-    Component {
         id: text
 
         DotText {
@@ -106,12 +101,6 @@ ControlCase {
                 component: curve,
                 change: item => item.spectrum = rising(0.5),
                 repeat: item => item.spectrum = rising(0.5001)
-            },
-            {
-                tag: "meter",
-                component: meter,
-                change: item => item.value = 0.5,
-                repeat: item => item.value = 0.501
             },
             {
                 tag: "text",

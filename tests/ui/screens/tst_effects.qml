@@ -20,6 +20,8 @@ ScreenTest {
         compareTexts(["Room Filling", "Mid / Side", "Room Ambience", "Presence and mud cut",
             "Harmonic enhancement", "Tone Controls", "Shelf 100 Hz · peak 1 kHz · shelf 5 kHz · ±12 dB each",
             "XTC Shuffler: 50", "Stereo Widening: 100", "Reverb: 15% wet", "Voice Clarity: 100", "Deep Bass: 50"]);
+        for (const name of names)
+            verify(Assistive.find(name, "CheckBox").description.length > 40, "no help: " + name);
     }
 
     function test_every_control_writes_its_field_within_its_range_data() {
