@@ -41,25 +41,21 @@ template <class Visit> void walk(const QPolygonF &line, double step, Visit visit
     }
 }
 
+/// The pitch nearest to the usual one that divides a distance.
+double fittingPitch(double distance) {
+    return distance > 0 ? distance / std::max(1.0, std::round(distance / latticePitch))
+                        : latticePitch;
+}
+
 double finiteHeight(double height) {
     return std::isfinite(height) ? std::clamp(height, 0.0, 1.0) : 0.5;
 }
 
 } // namespace
 
-/// The lattice's cells. Columns stand at whole pitches from the left edge of the plot; rows at
-/// whole pitches from its middle, so that there is always one at half the height.
-struct DotCurve::Lattice {
-    int columns = 0;
-    int rowsAbove = 0; // and as many below
-    double middle = 0;
-
-    double x(int column) const { return inset + column * latticePitch; }
-    double y(int row) const { return middle - row * latticePitch; } // row 0 in the middle, upward
-};
-
 DotCurve::DotCurve(QQuickItem *parent) : DotItem(parent) {
     setImplicitSize(80 * latticePitch, 25 * latticePitch);
+    layOut();
 }
 
 void DotCurve::setValues(const QList<double> &values) {
@@ -82,9 +78,31 @@ void DotCurve::setSpectrum(const QList<double> &levels) {
     Q_EMIT spectrumChanged();
 }
 
+void DotCurve::setSpectrumEdges(const QList<double> &edges) {
+    if (spectrumEdges_ != edges) {
+        spectrumEdges_ = edges;
+        light();
+        Q_EMIT spectrumEdgesChanged();
+    }
+}
+
+void DotCurve::setMarkedHeights(const QList<double> &heights) {
+    if (take(markedHeights_, heights)) {
+        layOut();
+        Q_EMIT markedHeightsChanged();
+    }
+}
+
+void DotCurve::setDimmed(bool dimmed) {
+    if (take(dimmed_, dimmed)) {
+        curve_ = {};
+        Q_EMIT dimmedChanged();
+    }
+}
+
 void DotCurve::setOctaveMarks(bool show) {
     if (take(octaveMarks_, show)) {
-        ground_ = {};
+        layOut();
         Q_EMIT octaveMarksChanged();
     }
 }
@@ -112,28 +130,73 @@ double DotCurve::heightAt(double y) const { return 1 - (y - inset) / (this->heig
 
 void DotCurve::geometryChange(const QRectF &now, const QRectF &before) {
     DotItem::geometryChange(now, before);
+    layOut();
+}
+
+/// Moves the nearest line to a place, by about a pixel, and marks it.
+void DotCurve::mark(std::vector<Line> &lines, double place) {
+    const auto nearest = std::ranges::min_element(
+        lines, {}, [place](const Line &line) { return std::abs(line.place - place); });
+    if (nearest != lines.end()) {
+        *nearest = {.place = place, .isMarked = true};
+    }
+}
+
+double DotCurve::rowPitch() const {
+    double distance = 0; // of the mark next to the middle
+    for (const double height : markedHeights_) {
+        const double from = std::abs(yOfHeight(height) - this->height() / 2);
+        if (from > 0 && (distance == 0 || from < distance)) {
+            distance = from;
+        }
+    }
+    return fittingPitch(distance);
+}
+
+void DotCurve::layOut() {
+    columns_.clear();
+    const double columnPitch = fittingPitch(xOfFrequency(2000) - xOfFrequency(1000));
+    const double anchor = xOfFrequency(1000);
+    const double first = anchor - std::floor((anchor - inset) / columnPitch) * columnPitch;
+    for (double x = first; x <= width() - inset; x += columnPitch) {
+        columns_.push_back({.place = x});
+    }
+    const int rowsAbove = std::max(0, static_cast<int>((height() / 2 - inset) / rowPitch()));
+    rows_.clear();
+    for (int row = -rowsAbove; row <= rowsAbove; ++row) {
+        rows_.push_back({.place = height() / 2 - row * rowPitch()});
+    }
+    if (octaveMarks_) {
+        for (const double hz : octavesHz) {
+            mark(columns_, xOfFrequency(hz));
+        }
+    }
+    for (const double height : markedHeights_) {
+        mark(rows_, yOfHeight(height));
+    }
+    dropPictures();
     light();
 }
 
-DotCurve::Lattice DotCurve::lattice() const {
-    return {.columns = std::max(0, static_cast<int>((width() - 2 * inset) / latticePitch) + 1),
-            .rowsAbove = std::max(0, static_cast<int>((height() / 2 - inset) / latticePitch)),
-            .middle = height() / 2};
+/// The band of the spectrum that holds a frequency; -1 for none.
+int DotCurve::bandAt(double hz) const {
+    if (spectrumEdges_.size() != spectrum_.size() + 1) {
+        return -1;
+    }
+    const auto above = std::ranges::upper_bound(spectrumEdges_, hz);
+    return above == spectrumEdges_.end() ? -1
+                                         : static_cast<int>(above - spectrumEdges_.begin()) - 1;
 }
 
 // Levels arrive thirty times a second; only those that light another number of dots are a change.
 void DotCurve::light() {
-    const Lattice cells = lattice();
-    std::vector<int> lit(static_cast<std::size_t>(cells.columns), 0);
-    const auto bands = static_cast<int>(spectrum_.size());
-    const int rows = 2 * cells.rowsAbove + 1;
-    for (int column = 0; column < cells.columns && bands > 0; ++column) {
-        const double position = column * latticePitch / std::max(1.0, width() - 2 * inset);
-        const int band = std::clamp(static_cast<int>(position * bands), 0, bands - 1);
-        const double level = spectrum_[band];
+    std::vector<int> lit(columns_.size(), 0);
+    for (std::size_t column = 0; column < columns_.size(); ++column) {
+        const int band = bandAt(frequencyAt(columns_[column].place));
+        const double level = band >= 0 ? spectrum_[band] : 0;
         if (level > 0) { // false for what is not a number
-            lit[static_cast<std::size_t>(column)] =
-                static_cast<int>(std::lround(std::min(level, 1.0) * rows));
+            lit[column] = static_cast<int>(
+                std::lround(std::min(level, 1.0) * static_cast<double>(rows_.size())));
         }
     }
     if (lit != lit_) {
@@ -159,26 +222,17 @@ QPolygonF DotCurve::points(const QList<double> &heights) const {
 }
 
 void DotCurve::paintGround(QSize size, double scale) {
-    const Lattice cells = lattice();
-    std::vector<bool> marked(static_cast<std::size_t>(cells.columns), false);
-    if (octaveMarks_) {
-        for (const double hz : octavesHz) {
-            const auto column = std::lround((xOfFrequency(hz) - inset) / latticePitch);
-            if (column >= 0 && column < cells.columns) {
-                marked[static_cast<std::size_t>(column)] = true;
-            }
-        }
-    }
     ground_ = QPixmap(size);
     ground_.fill(Qt::transparent);
     QPainter onto(&ground_);
     DotPainter painter(onto);
-    for (int column = 0; column < cells.columns; ++column) {
-        for (int row = -cells.rowsAbove; row <= cells.rowsAbove; ++row) {
-            const bool zero = zeroLine_ && row == 0;
-            const bool mark = marked[static_cast<std::size_t>(column)];
+    const std::size_t middle = rows_.size() / 2;
+    for (const Line &column : columns_) {
+        for (std::size_t row = 0; row < rows_.size(); ++row) {
+            const bool zero = zeroLine_ && row == middle;
+            const bool mark = column.isMarked || rows_[row].isMarked;
             const QColor &color = zero ? palette().edge : mark ? palette().dotMid : palette().dot;
-            painter.dot(QPointF(cells.x(column), cells.y(row)) * scale,
+            painter.dot(QPointF(column.place, rows_[row].place) * scale,
                         (zero || mark ? markDot : latticeDot) * scale, color);
         }
     }
@@ -187,8 +241,8 @@ void DotCurve::paintGround(QSize size, double scale) {
     behind_.fill(Qt::transparent);
     QPainter ontoColumn(&behind_);
     DotPainter column(ontoColumn);
-    for (int row = -cells.rowsAbove; row <= cells.rowsAbove; ++row) {
-        column.dot(QPointF(latticePitch / 2, cells.y(row)) * scale, spectrumDot * scale,
+    for (const Line &row : rows_) {
+        column.dot(QPointF(latticePitch / 2, row.place) * scale, spectrumDot * scale,
                    palette().dotMid);
     }
 }
@@ -200,26 +254,28 @@ void DotCurve::paintCurve(QSize size, double scale) {
     DotPainter painter(onto);
     const QPolygonF line = points(values_);
     if (line.size() > 1) {
-        const Lattice cells = lattice();
+        const double middle = height() / 2;
         const double step = line[1].x() - line[0].x();
-        for (int column = 0; column < cells.columns; ++column) {
-            const double place = (cells.x(column) - inset) / step;
+        for (const Line &column : columns_) {
+            const double place = (column.place - inset) / step;
             const auto index =
                 std::clamp<qsizetype>(static_cast<qsizetype>(place), 0, line.size() - 2);
             const double part = place - static_cast<double>(index);
             const double y = line[index].y() * (1 - part) + line[index + 1].y() * part;
-            const double rows = (cells.middle - y) / latticePitch;
-            const int away = rows < 0 ? -1 : 1;
-            for (int row = away; std::abs(row) < std::abs(rows); row += away) {
-                painter.dot(QPointF(cells.x(column), cells.y(row)) * scale, fieldDot * scale,
-                            palette().signalDim);
+            const auto [top, bottom] = std::minmax(y, middle);
+            for (const Line &row : rows_) {
+                if (row.place > top && row.place < bottom) {
+                    painter.dot(QPointF(column.place, row.place) * scale, fieldDot * scale,
+                                dimmed_ ? palette().dot : palette().signalDim);
+                }
             }
         }
     }
     walk(points(secondaryValues_), secondaryStep,
          [&](QPointF at) { painter.dot(at * scale, secondaryDot * scale, palette().inkSoft); });
-    walk(line, curveStep,
-         [&](QPointF at) { painter.dot(at * scale, curveDot * scale, palette().signal); });
+    walk(line, curveStep, [&](QPointF at) {
+        painter.dot(at * scale, curveDot * scale, dimmed_ ? palette().dotMid : palette().signal);
+    });
 }
 
 void DotCurve::paintDots(DotPainter &painter, QSize size) {
@@ -233,16 +289,17 @@ void DotCurve::paintDots(DotPainter &painter, QSize size) {
         paintCurve(size, painter.scale());
     }
     painter->drawPixmap(0, 0, ground_);
-    const Lattice cells = lattice();
     const double scale = painter.scale();
-    for (int column = 0; column < cells.columns; ++column) {
-        const int count = lit_[static_cast<std::size_t>(column)];
-        if (count > 0) {
-            const int x =
-                static_cast<int>(std::lround((cells.x(column) - latticePitch / 2) * scale));
-            const double highest = cells.y(count - 1 - cells.rowsAbove);
-            const int top = static_cast<int>(std::lround((highest - latticePitch / 2) * scale));
-            painter->drawPixmap(x, top, behind_, 0, top, behind_.width(), size.height() - top);
+    const auto device = [scale](double place) {
+        return static_cast<int>(std::lround(place * scale));
+    };
+    for (std::size_t column = 0; column < columns_.size(); ++column) {
+        if (const auto count = static_cast<std::size_t>(lit_[column]); count > 0) {
+            const double highest = rows_[count - 1].place;
+            const double above = count < rows_.size() ? rows_[count].place : highest - rowPitch();
+            const int top = device((highest + above) / 2);
+            painter->drawPixmap(device(columns_[column].place - latticePitch / 2), top, behind_, 0,
+                                top, behind_.width(), size.height() - top);
         }
     }
     painter->drawPixmap(0, 0, curve_);

@@ -16,7 +16,8 @@ namespace quorbel {
 /// Painting only.
 ///
 /// The plot fills the item but for half a unit on every side, so that a curve at either end is
-/// whole.
+/// whole. Marked columns and rows lie exactly at their frequency or height: the lattice's pitches
+/// are the nearest ones that divide an octave and the lowest marked height.
 class DotCurve : public quorbel::DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotCurveItem)
@@ -24,6 +25,11 @@ class DotCurve : public quorbel::DotItem {
     Q_PROPERTY(QList<double> secondaryValues READ secondaryValues WRITE setSecondaryValues NOTIFY
                    secondaryValuesChanged FINAL)
     Q_PROPERTY(QList<double> spectrum READ spectrum WRITE setSpectrum NOTIFY spectrumChanged FINAL)
+    Q_PROPERTY(QList<double> spectrumEdges READ spectrumEdges WRITE setSpectrumEdges NOTIFY
+                   spectrumEdgesChanged FINAL)
+    Q_PROPERTY(QList<double> markedHeights READ markedHeights WRITE setMarkedHeights NOTIFY
+                   markedHeightsChanged FINAL)
+    Q_PROPERTY(bool dimmed READ isDimmed WRITE setDimmed NOTIFY dimmedChanged FINAL)
     Q_PROPERTY(
         bool octaveMarks READ octaveMarks WRITE setOctaveMarks NOTIFY octaveMarksChanged FINAL)
     Q_PROPERTY(bool zeroLine READ zeroLine WRITE setZeroLine NOTIFY zeroLineChanged FINAL)
@@ -37,9 +43,18 @@ class DotCurve : public quorbel::DotItem {
     /// A second curve, fainter; may be empty.
     QList<double> secondaryValues() const { return secondaryValues_; }
     void setSecondaryValues(const QList<double> &values);
-    /// Levels 0 to 1 of bands of equal width on the axis; may be empty.
+    /// Levels 0 to 1 of bands that follow each other; may be empty.
     QList<double> spectrum() const { return spectrum_; }
     void setSpectrum(const QList<double> &levels);
+    /// Hz where each band begins, ascending, and where the last one ends.
+    QList<double> spectrumEdges() const { return spectrumEdges_; }
+    void setSpectrumEdges(const QList<double> &edges);
+    /// Heights 0 to 1 of darker rows, multiples of one distance from the middle.
+    QList<double> markedHeights() const { return markedHeights_; }
+    void setMarkedHeights(const QList<double> &heights);
+    /// Whether the curve is drawn as one that is not heard.
+    bool isDimmed() const { return dimmed_; }
+    void setDimmed(bool dimmed);
     /// Darker columns at 31.5, 63, 125 Hz ... 16 kHz.
     bool octaveMarks() const { return octaveMarks_; }
     void setOctaveMarks(bool show);
@@ -58,6 +73,9 @@ class DotCurve : public quorbel::DotItem {
     void valuesChanged();
     void secondaryValuesChanged();
     void spectrumChanged();
+    void spectrumEdgesChanged();
+    void markedHeightsChanged();
+    void dimmedChanged();
     void octaveMarksChanged();
     void zeroLineChanged();
 
@@ -67,9 +85,15 @@ class DotCurve : public quorbel::DotItem {
     void dropPictures() override;
 
   private:
-    struct Lattice;
-    Lattice lattice() const;
+    struct Line {
+        double place = 0; ///< x of a column, y of a row
+        bool isMarked = false;
+    };
+    static void mark(std::vector<Line> &lines, double place);
+    void layOut();
+    double rowPitch() const;
     void light();
+    int bandAt(double hz) const;
     QPolygonF points(const QList<double> &heights) const;
     void paintGround(QSize size, double scale);
     void paintCurve(QSize size, double scale);
@@ -77,9 +101,14 @@ class DotCurve : public quorbel::DotItem {
     QList<double> values_;
     QList<double> secondaryValues_;
     QList<double> spectrum_;
+    QList<double> spectrumEdges_;
+    QList<double> markedHeights_;
+    bool dimmed_ = false;
     bool octaveMarks_ = true;
     bool zeroLine_ = true;
-    std::vector<int> lit_; // dots of the spectrum lit in each column of the lattice
+    std::vector<Line> columns_; // of the lattice, from the left
+    std::vector<Line> rows_;    // from the bottom; the one in the middle is at half the height
+    std::vector<int> lit_;      // dots of the spectrum lit in each column of the lattice
 
     QPixmap ground_; // the dark lattice with its marks
     QPixmap behind_; // one column of the lattice as the spectrum lights it

@@ -8,6 +8,9 @@ ValueControl {
     property int orientation: Qt.Horizontal
     property alias movesSideways: handle.movesSideways
     readonly property alias handle: handle
+    /// Values that are marked beside the track.
+    property list<real> ticks
+    readonly property real handleSize: dotTrack.handleSize
     readonly property bool pressed: handle.pressed
     readonly property bool hovered: handle.hovered
     readonly property bool visualFocus: handle.visualFocus
@@ -24,6 +27,7 @@ ValueControl {
         origin: control.originPosition
         vertical: control.orientation === Qt.Vertical
         hot: handle.hot
+        ticks: Array.from(control.ticks, tick => (tick - control.from) / (control.to - control.from))
     }
 
     Rectangle {

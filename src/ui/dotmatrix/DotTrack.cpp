@@ -11,6 +11,8 @@ namespace {
 constexpr double handle = 16;
 constexpr double eyeSize = 6;   // in the handle, while it is hot
 constexpr double clearance = 2; // between the handle and the next dot
+constexpr double tickSize = 2;
+constexpr double tickDistance = handle / 2 + 2; // from the middle of the track
 
 } // namespace
 
@@ -40,6 +42,12 @@ void DotTrack::setHot(bool hot) {
     }
 }
 
+void DotTrack::setTicks(const QList<double> &positions) {
+    if (take(ticks_, positions)) {
+        Q_EMIT ticksChanged();
+    }
+}
+
 double DotTrack::handleSize() const { return handle; }
 
 double DotTrack::positionAt(double x, double y) const {
@@ -63,6 +71,12 @@ void DotTrack::paintDots(DotPainter &painter, QSize) {
         const double along = handleCentre(position);
         return (vertical_ ? QPointF(across, along) : QPointF(along, across)) * scale;
     };
+    for (const double tick : ticks_) {
+        const QPointF beside =
+            (vertical_ ? QPointF(tickDistance, 0) : QPointF(0, tickDistance)) * scale;
+        painter.dot(place(tick) - beside, tickSize * scale, palette().edge);
+        painter.dot(place(tick) + beside, tickSize * scale, palette().edge);
+    }
     // The first and the last dot stand where the handle ends; the others share the way between
     // equally.
     const int steps = std::max(1, static_cast<int>(std::lround((length() - handle) / dotPitch)));

@@ -2,6 +2,7 @@
 
 #include "ui/dotmatrix/DotItem.h"
 
+#include <QList>
 #include <QtQml/qqmlregistration.h>
 
 namespace quorbel {
@@ -14,6 +15,7 @@ class DotTrack : public quorbel::DotItem {
     Q_PROPERTY(double origin READ origin WRITE setOrigin NOTIFY originChanged FINAL)
     Q_PROPERTY(bool vertical READ isVertical WRITE setVertical NOTIFY verticalChanged FINAL)
     Q_PROPERTY(bool hot READ isHot WRITE setHot NOTIFY hotChanged FINAL)
+    Q_PROPERTY(QList<double> ticks READ ticks WRITE setTicks NOTIFY ticksChanged FINAL)
     Q_PROPERTY(double handleSize READ handleSize CONSTANT FINAL)
 
   public:
@@ -30,6 +32,10 @@ class DotTrack : public quorbel::DotItem {
     bool isHot() const { return hot_; }
     void setHot(bool hot);
 
+    /// Positions with a mark on both sides of the track.
+    QList<double> ticks() const { return ticks_; }
+    void setTicks(const QList<double> &positions);
+
     double handleSize() const;
 
     /// The position under a point of the item; may lie outside 0 to 1.
@@ -43,6 +49,7 @@ class DotTrack : public quorbel::DotItem {
     void originChanged();
     void verticalChanged();
     void hotChanged();
+    void ticksChanged();
 
   protected:
     void paintDots(DotPainter &painter, QSize size) override;
@@ -54,6 +61,7 @@ class DotTrack : public quorbel::DotItem {
     double origin_ = 0;
     bool vertical_ = false;
     bool hot_ = false;
+    QList<double> ticks_;
 };
 
 } // namespace quorbel

@@ -66,13 +66,18 @@ void ValueControl::moveTo(double value, double direction) {
 }
 
 void ValueControl::moveToPosition(double position, double direction) {
-    moveTo(from_ + position * (to_ - from_), direction * (to_ - from_));
+    moveTo(unscaled(scaled(from_) + position * (scaled(to_) - scaled(from_))),
+           direction * (to_ - from_));
 }
 
-void ValueControl::moveBy(int steps) { moveTo(value_ + steps * step(), steps); }
+void ValueControl::moveBy(int steps) { moveTo(unscaled(scaled(value_) + steps * step()), steps); }
+
+// Places on the scale that the control shows: values, or octaves.
+double ValueControl::scaled(double value) const { return logarithmic ? std::log2(value) : value; }
+double ValueControl::unscaled(double place) const { return logarithmic ? std::exp2(place) : place; }
 
 double ValueControl::positionOf(double value) const {
-    const double position = (value - from_) / (to_ - from_);
+    const double position = (scaled(value) - scaled(from_)) / (scaled(to_) - scaled(from_));
     return std::isfinite(position) ? std::clamp(position, 0.0, 1.0) : 0;
 }
 
@@ -82,7 +87,7 @@ double ValueControl::reachable(double value) const {
     }
     // The ends can be reached though they may lie between two steps.
     const auto [lowest, highest] = std::minmax(from_, to_);
-    if (stepSize_ > 0 && value > lowest && value < highest) {
+    if (stepSize_ > 0 && !logarithmic && value > lowest && value < highest) {
         // Counted in whole steps per unit where there are: 3 * 0.1 is not the number written 0.3, 3
         // / 10 is.
         const double steps = std::round((value - from_) / stepSize_);

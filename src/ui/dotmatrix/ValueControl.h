@@ -22,6 +22,7 @@ class ValueControl : public QQuickItem {
     Q_PROPERTY(double step READ step NOTIFY stepSizeChanged FINAL)
     Q_PROPERTY(QString accessibleName MEMBER accessibleName NOTIFY accessibleNameChanged FINAL)
     Q_PROPERTY(QString valueText MEMBER valueText NOTIFY valueTextChanged FINAL)
+    Q_PROPERTY(bool logarithmic MEMBER logarithmic NOTIFY logarithmicChanged FINAL)
 
   public:
     explicit ValueControl(QQuickItem *parent = nullptr);
@@ -57,6 +58,9 @@ class ValueControl : public QQuickItem {
 
     QString accessibleName;
     QString valueText;
+    /// Whether equal turns are equal ratios; `stepSize` is then in octaves. For positive ranges,
+    /// set once.
+    bool logarithmic = false;
 
   Q_SIGNALS:
     void fromChanged();
@@ -68,12 +72,15 @@ class ValueControl : public QQuickItem {
     void originPositionChanged();
     void accessibleNameChanged();
     void valueTextChanged();
+    void logarithmicChanged();
     /// The user has changed the value.
     void moved();
     /// The user asks for the value's default.
     void resetRequested();
 
   private:
+    double scaled(double value) const;
+    double unscaled(double place) const;
     double positionOf(double value) const;
     double reachable(double value) const;
 

@@ -128,6 +128,7 @@ Window {
                     values: window.bell(62, 8, 0.35)
                     secondaryValues: window.bell(62, 7, 0.4)
                     spectrum: window.spectrum()
+                    spectrumEdges: Array.from({ length: 33 }, (_, band) => 27 * Math.pow(660, band / 32))
                 }
             }
             DotCard {

@@ -60,12 +60,10 @@ double drawingHeight(double valueDB, double lowDB, double highDB) {
     return height > 0.0 ? std::min(height, 1.0) : 0.0; // not-a-number is drawn at the bottom
 }
 
-std::vector<double> curveValues(const DisplayResponse &response, double lowDB, double highDB,
-                                double offsetDB) {
+std::vector<double> curveValues(const DisplayResponse &response, double lowDB, double highDB) {
     std::vector<double> heights(response.size());
-    std::ranges::transform(response, heights.begin(), [&](double value) {
-        return drawingHeight(value + offsetDB, lowDB, highDB);
-    });
+    std::ranges::transform(response, heights.begin(),
+                           [&](double value) { return drawingHeight(value, lowDB, highDB); });
     return heights;
 }
 

@@ -28,8 +28,8 @@ using DisplayResponse = std::array<double, displayPointCount>;
 /// middle.
 [[nodiscard]] double drawingHeight(double valueDB, double lowDB, double highDB);
 
-/// The heights of a response, each point raised by `offsetDB` first.
+/// The heights of a response.
 [[nodiscard]] std::vector<double> curveValues(const DisplayResponse &response, double lowDB,
-                                              double highDB, double offsetDB = 0.0);
+                                              double highDB);
 
 } // namespace quorbel

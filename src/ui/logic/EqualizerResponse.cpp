@@ -12,7 +12,7 @@ std::vector<double> equalizerResponseDB(const ParametricEqualizerNode &node, dou
                                         std::size_t pointCount) {
     constexpr double smallestPower = 1e-20;
     const std::vector<double> frequencies = audibleFrequencies(pointCount);
-    std::vector<double> response(pointCount, clampedGainDB(node.globalGainDB()));
+    std::vector<double> response(pointCount, 0.0);
     for (std::size_t index = 0; index < node.bandCount(); ++index) {
         const auto section = designBand(node.band(index), sampleRate);
         if (!section)

@@ -50,6 +50,10 @@ std::string valueText(double value, const SettingScale &scale) {
     return {};
 }
 
+std::string frequencyText(double hertz) {
+    return fixedText(hertz, hertz >= 1000.0 || isWhole(hertz) ? 0 : 1) + " Hz";
+}
+
 std::string frequencyLabel(float hertz) {
     const double value = static_cast<double>(hertz);
     if (value < 1000.0 || std::isnan(value))

@@ -21,6 +21,9 @@ namespace quorbel {
 /// smaller than 1.
 [[nodiscard]] std::string valueText(double value, const SettingScale &scale);
 
+/// A frequency to be read exactly: "31.5 Hz", "2537 Hz".
+[[nodiscard]] std::string frequencyText(double hertz);
+
 /// A band's frequency in Hz, short: "31.5", "250", "2.5k", "16k".
 [[nodiscard]] std::string frequencyLabel(float hertz);
 

@@ -30,7 +30,6 @@ EqualizerModel::EqualizerModel(EQProcessor &eq, HistoryModel &history, QObject *
     connect(&eq_, &EQProcessor::bandsChanged, this, &EqualizerModel::bandsChanged);
     connect(&eq_, &EQProcessor::bandsChanged, this, &EqualizerModel::responseChanged);
     connect(&eq_, &EQProcessor::globalGainDBChanged, this, &EqualizerModel::globalGainChanged);
-    connect(&eq_, &EQProcessor::globalGainDBChanged, this, &EqualizerModel::responseChanged);
 }
 
 int EqualizerModel::bypassedCount() const {
@@ -39,8 +38,7 @@ int EqualizerModel::bypassedCount() const {
 
 QList<qreal> EqualizerModel::curveValues() const {
     const auto heights =
-        quorbel::curveValues(displayResponse(eq_.bands()), -drawnRangeDB(), drawnRangeDB(),
-                             static_cast<double>(eq_.globalGainDB()));
+        quorbel::curveValues(displayResponse(eq_.bands()), -drawnRangeDB(), drawnRangeDB());
     return {heights.begin(), heights.end()};
 }
 

@@ -19,12 +19,11 @@ class EqualizerModel final : public QObject {
     Q_PROPERTY(quorbel::BandListModel *bands READ bands CONSTANT)
     Q_PROPERTY(int count READ count NOTIFY bandsChanged)
     Q_PROPERTY(int bypassedCount READ bypassedCount NOTIFY bandsChanged)
-    /// The drawn response, 90 heights 0 to 1 over `drawnRangeDB` to both sides, raised by the
-    /// global gain.
+    // Both curves and the peak are of the bands alone; the global gain is a value of its own.
+    /// The drawn response, 90 heights 0 to 1 over `drawnRangeDB` to both sides.
     Q_PROPERTY(QList<qreal> curveValues READ curveValues NOTIFY responseChanged)
-    /// What the equaliser really plays, global gain included, as more such heights.
+    /// What the equaliser really plays but for the global gain, as more such heights.
     Q_PROPERTY(QList<qreal> exactValues READ exactValues NOTIFY responseChanged)
-    /// Of the bands alone.
     Q_PROPERTY(double peakDB READ peakDB NOTIFY responseChanged)
     Q_PROPERTY(QString peakText READ peakText NOTIFY responseChanged)
     Q_PROPERTY(double globalGainDB READ globalGainDB WRITE setGlobalGainDB NOTIFY globalGainChanged)

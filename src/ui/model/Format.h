@@ -18,6 +18,9 @@ class Format final : public QObject {
     [[nodiscard]] Q_INVOKABLE QString fixed(double value, int decimals) const {
         return QString::fromStdString(fixedText(value, decimals));
     }
+    [[nodiscard]] Q_INVOKABLE QString hertz(double value) const {
+        return QString::fromStdString(frequencyText(value));
+    }
     [[nodiscard]] Q_INVOKABLE QString signedDecibels(double value) const {
         return QString::fromStdString(gainText(value));
     }

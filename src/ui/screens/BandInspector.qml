@@ -18,7 +18,7 @@ ColumnLayout {
 
     CaptionText {
         Layout.fillWidth: true
-        text: inspector.strip !== null ? inspector.bandName + " · " + inspector.strip.frequencyLabel : ""
+        text: inspector.strip !== null ? inspector.bandName + " · " + inspector.strip.frequencyText : ""
         Accessible.role: Accessible.Heading
     }
     RowLayout {
@@ -27,14 +27,14 @@ ColumnLayout {
 
         ParamKnob {
             id: knob
-            // Twice the Q is the same turn everywhere.
-            from: Math.log2(App.equalizer.minQ)
-            to: Math.log2(App.equalizer.maxQ)
+            logarithmic: true
+            from: App.equalizer.minQ
+            to: App.equalizer.maxQ
             stepSize: 0.1
-            value: Math.log2(Math.max(App.equalizer.minQ, inspector.q))
+            value: inspector.q
             accessibleName: qsTr("%1 Q").arg(inspector.bandName)
             valueText: Format.fixed(inspector.q, 2)
-            onMoved: App.equalizer.bands.setQ(inspector.row, Math.pow(2, value))
+            onMoved: App.equalizer.bands.setQ(inspector.row, value)
             onResetRequested: App.equalizer.bands.setQ(inspector.row, 1)
         }
         ColumnLayout {

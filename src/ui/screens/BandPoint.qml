@@ -20,9 +20,8 @@ FocusArea {
 
     property bool selected: false
     readonly property real centreX: curve && curve.width > 0 ? curve.xOfFrequency(frequency) : 0
-    readonly property real playedDB: gain + App.equalizer.globalGainDB
     // Follows the curve's height, which the mapping depends on.
-    readonly property real centreY: curve && curve.height > 0 ? yOf(Math.max(-rangeDB, Math.min(rangeDB, playedDB))) : 0
+    readonly property real centreY: curve && curve.height > 0 ? yOf(Math.max(-rangeDB, Math.min(rangeDB, gain))) : 0
     signal chosen
 
     function yOf(decibels: real): real {
@@ -126,7 +125,7 @@ FocusArea {
             App.history.beginGesture();
             // The point is held where it was touched, so that a click alone moves nothing.
             pressedAt = last = mapToItem(point.curve, event.x, event.y);
-            held = Qt.point(point.centreX, point.yOf(point.playedDB));
+            held = Qt.point(point.centreX, point.yOf(point.gain));
             movesX = movesY = false;
             wasReset = event.modifiers & Qt.ControlModifier;
             if (wasReset)
@@ -147,7 +146,7 @@ FocusArea {
             if (right !== 0)
                 pitch.moveTo(Math.log2(point.curve.frequencyAt(held.x)), right);
             if (down !== 0)
-                level.moveTo((point.curve.heightAt(held.y) - 0.5) * 2 * point.rangeDB - App.equalizer.globalGainDB, -down);
+                level.moveTo((point.curve.heightAt(held.y) - 0.5) * 2 * point.rangeDB, -down);
         }
         onReleased: App.history.endGesture()
         onCanceled: App.history.endGesture()

@@ -19,9 +19,15 @@ FocusScope {
 
     property bool selected: false
     readonly property string bandName: qsTr("Band %1").arg(index + 1)
+    readonly property string frequencyText: Format.hertz(frequency)
     signal chosen
     /// The keyboard goes to another band, counted from this one.
     signal moveRequested(int step)
+
+    /// Where the highest gain, the lowest, and the middle of the frequency lie in the strip.
+    readonly property real topOfGain: rows.y + gainSlider.y + gainSlider.handleSize / 2
+    readonly property real bottomOfGain: topOfGain + gainSlider.height - gainSlider.handleSize
+    readonly property real frequencyCentre: rows.y + frequencyField.y + frequencyField.height / 2
 
     /// The slider's part that takes the keyboard.
     readonly property ValueHandle sliderHandle: gainSlider.handle
@@ -44,7 +50,7 @@ FocusScope {
     Keys.onLeftPressed: event => leadAcross(-1, event)
     Keys.onRightPressed: event => leadAcross(1, event)
     Accessible.role: Accessible.Grouping
-    Accessible.name: bandName + ", " + frequencyLabel
+    Accessible.name: bandName + ", " + frequencyText + (bypassed ? ", " + qsTr("bypassed") : "")
 
     Binding {
         target: strip.sliderHandle
@@ -91,6 +97,7 @@ FocusScope {
             to: App.equalizer.maxGain
             stepSize: App.equalizer.gainStep
             origin: 0
+            ticks: [12, 6, 0, -6, -12]
             value: strip.gain
             opacity: strip.bypassed ? 0.45 : 1
             accessibleName: qsTr("%1 gain").arg(strip.bandName)
@@ -99,6 +106,7 @@ FocusScope {
             onResetRequested: App.equalizer.bands.setGain(strip.index, 0)
         }
         ValueField {
+            id: frequencyField
             Layout.fillWidth: true
             horizontalAlignment: TextInput.AlignHCenter
             activeFocusOnTab: strip.selected || activeFocus
@@ -108,6 +116,7 @@ FocusScope {
             }
             color: strip.bypassed ? Theme.inkSoft : Theme.ink
             accessibleName: qsTr("%1 frequency").arg(strip.bandName)
+            Accessible.description: strip.frequencyText
             onCommitted: value => App.equalizer.bands.setFrequency(strip.index, value)
         }
     }

@@ -58,6 +58,11 @@ ScreenPage {
                 Layout.fillHeight: true
                 spacing: 0
 
+                FaderScale {
+                    Layout.fillHeight: true
+                    Layout.rightMargin: Theme.unit / 2
+                    strip: screen.selectedStrip
+                }
                 Repeater {
                     id: strips
                     model: App.equalizer.bands

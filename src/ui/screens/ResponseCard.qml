@@ -9,7 +9,37 @@ DotCard {
     id: card
 
     property int selectedBand: 0
+    property int hoveredBand: -1
     signal bandChosen(int row)
+
+    /// The band whose values are written out: under the pointer, or else the selected one.
+    readonly property BandPoint readPoint: points.count > 0 ? points.itemAt(hoveredBand >= 0 ? hoveredBand : selectedBand) as BandPoint : null
+    readonly property list<real> decibels: [12, 6, 0, -6, -12]
+    readonly property list<real> octaves: [31.5, 63, 125, 250, 500, 1000, 2000, 4000, 8000, 16000]
+
+    function heightOf(dB: real): real {
+        return 0.5 + dB / App.equalizer.drawnRangeDB / 2;
+    }
+
+    // Widths of the longest texts, so that nothing moves when a value gets a digit more.
+    component Measure: TextMetrics {
+        font.family: Theme.fontFamily
+    }
+    Measure {
+        id: widestPoint
+        font.pixelSize: Theme.captionSize
+        text: "20000 Hz · +12.0 dB · Q 20.00"
+    }
+    Measure {
+        id: widestPeak
+        font.pixelSize: Theme.bodySize
+        text: "-88.8 dB peak"
+    }
+    Measure {
+        id: widestDecibels
+        font.pixelSize: Theme.captionSize
+        text: "+12 dB"
+    }
 
     ColumnLayout {
         anchors.fill: parent
@@ -19,10 +49,32 @@ DotCard {
             Layout.fillWidth: true
             spacing: 2 * Theme.unit
 
-            CaptionText {
-                text: qsTr("RESPONSE")
-                font.letterSpacing: 1
-                Accessible.role: Accessible.Heading
+            ColumnLayout {
+                Layout.minimumWidth: widestPoint.width
+                Layout.maximumWidth: widestPoint.width
+                spacing: 0
+
+                CaptionText {
+                    text: qsTr("RESPONSE")
+                    font.letterSpacing: 1
+                    Accessible.role: Accessible.Heading
+                    Accessible.description: help.text
+
+                    HoverHandler {
+                        id: overHeading
+                    }
+                    DotToolTip {
+                        id: help
+                        visible: overHeading.hovered
+                        text: StageTexts.help("Equalizer")
+                    }
+                }
+                CaptionText {
+                    Layout.fillWidth: true
+                    readonly property BandPoint point: card.readPoint
+                    text: point !== null ? Format.hertz(point.frequency) + " · " + Format.signedDecibels(point.gain) + " · Q " + Format.fixed(point.q, 2) : ""
+                    color: Theme.ink
+                }
             }
             Item {
                 Layout.fillWidth: true
@@ -33,13 +85,14 @@ DotCard {
             }
             ParamSlider {
                 Layout.preferredWidth: 21 * Theme.unit
-                Layout.minimumWidth: 14 * Theme.unit
+                Layout.minimumWidth: 11 * Theme.unit
                 Layout.fillWidth: true
                 Layout.maximumWidth: 31 * Theme.unit
                 from: App.equalizer.minGain
                 to: App.equalizer.maxGain
                 stepSize: App.equalizer.gainStep
                 origin: 0
+                ticks: card.decibels
                 value: App.equalizer.globalGainDB
                 accessibleName: qsTr("Global")
                 valueText: App.equalizer.globalGainText
@@ -55,44 +108,81 @@ DotCard {
                 accessibleName: qsTr("Global gain, typed")
                 onCommitted: value => App.equalizer.globalGainDB = value
             }
-            Item {
-                Layout.fillWidth: true
-            }
             DotToggle {
                 id: exact
                 text: qsTr("Exact response")
                 accessibleName: qsTr("Show the exact response")
             }
             CaptionText {
+                Layout.minimumWidth: widestPeak.width
+                horizontalAlignment: Text.AlignRight
                 text: App.equalizer.peakText
                 font.pixelSize: Theme.bodySize
                 color: Theme.ink
             }
         }
-        DotCurve {
-            id: plot
+        RowLayout {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            Layout.minimumHeight: 12 * Theme.unit
-            values: App.equalizer.curveValues
-            secondaryValues: exact.checked ? App.equalizer.exactValues : []
-            // The analyzer's 32 bands, 30 Hz to 16 kHz, on an axis of 35 such bands: to 0.02 octaves.
-            spectrum: App.spectrum.active ? [0, 0, ...App.spectrum.levels, 0] : []
-            octaveMarks: true
-            zeroLine: true
-            accessibleName: qsTr("Response curve")
-            Accessible.description: App.equalizer.peakText
+            spacing: Theme.unit / 2
 
-            Repeater {
-                model: App.equalizer.bands
-                delegate: BandPoint {
-                    // Up to Qt 6.4 qmllint does not know the ids around a delegate.
-                    // qmllint disable unqualified
-                    curve: plot
-                    rangeDB: App.equalizer.drawnRangeDB
-                    selected: card.selectedBand === index
-                    onChosen: card.bandChosen(index)
-                    // qmllint enable unqualified
+            Item {
+                Layout.fillHeight: true
+                implicitWidth: widestDecibels.width
+
+                Repeater {
+                    model: card.decibels
+                    delegate: CaptionText {
+                        required property real modelData
+                        anchors.right: parent?.right
+                        // Follows the curve's height, which the mapping depends on.
+                        // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+                        // qmllint disable unqualified
+                        y: plot.height > 0 ? plot.yOfHeight(card.heightOf(modelData)) - height / 2 : 0
+                        // qmllint enable unqualified
+                        text: (modelData > 0 ? "+" : "") + modelData + (modelData === 0 ? " dB" : "")
+                        Accessible.ignored: true
+                    }
+                }
+            }
+            DotCurve {
+                id: plot
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.minimumHeight: 12 * Theme.unit
+                values: App.equalizer.curveValues
+                secondaryValues: exact.checked ? App.equalizer.exactValues : []
+                spectrum: App.spectrum.active ? App.spectrum.levels : []
+                spectrumEdges: App.spectrum.edges
+                octaveMarks: true
+                zeroLine: true
+                markedHeights: Array.from(card.decibels, card.heightOf)
+                dimmed: App.engine.comparing
+                accessibleName: qsTr("Response curve")
+                Accessible.description: App.equalizer.peakText
+
+                Repeater {
+                    id: points
+                    model: App.equalizer.bands
+                    delegate: BandPoint {
+                        // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+                        // qmllint disable unqualified
+                        curve: plot
+                        rangeDB: App.equalizer.drawnRangeDB
+                        selected: card.selectedBand === index
+                        opacity: App.engine.comparing ? Theme.disabledOpacity : 1
+                        onChosen: card.bandChosen(index)
+
+                        HoverHandler {
+                            onHoveredChanged: {
+                                if (hovered)
+                                    card.hoveredBand = parent.index;
+                                else if (card.hoveredBand === parent.index)
+                                    card.hoveredBand = -1;
+                            }
+                        }
+                        // qmllint enable unqualified
+                    }
                 }
             }
         }
@@ -103,25 +193,25 @@ DotCard {
 
             CaptionText {
                 id: low
+                x: plot.x
                 text: qsTr("20 Hz")
             }
             Repeater {
-                model: [
-                    { hertz: 100, label: qsTr("100") },
-                    { hertz: 1000, label: qsTr("1k") },
-                    { hertz: 10000, label: qsTr("10k") }
-                ]
+                model: card.octaves
                 delegate: CaptionText {
-                    required property var modelData
+                    required property real modelData
                     // Follows the curve's width, which the mapping depends on.
                     // Up to Qt 6.4 qmllint does not know the ids around a delegate.
                     // qmllint disable unqualified
-                    x: plot.width > 0 ? plot.xOfFrequency(modelData.hertz) - width / 2 : 0
+                    x: plot.width > 0 ? plot.x + plot.xOfFrequency(modelData) - width / 2 : 0
+                    visible: x > low.x + low.width && x + width < high.x
                     // qmllint enable unqualified
-                    text: modelData.label
+                    text: modelData < 1000 ? modelData : modelData / 1000 + "k"
+                    Accessible.ignored: true
                 }
             }
             CaptionText {
+                id: high
                 anchors.right: parent.right
                 text: qsTr("20 kHz")
             }

@@ -27,6 +27,7 @@ ControlCase {
         DotCurve {
             width: 408 // a plot of 400
             height: 208
+            spectrumEdges: Array.from({ length: 33 }, (_, band) => 20 * Math.pow(1000, band / 32))
         }
     }
     Component {
@@ -184,6 +185,32 @@ ControlCase {
         compare(item.yOfHeight(0.5), 104);
         compare(item.yOfHeight(1), 4);
         compare(item.heightAt(item.yOfHeight(0.3)), 0.3);
+    }
+
+    function test_marks_and_spectrum_are_where_the_axis_says() {
+        const item = createTemporaryObject(curve, root) as DotCurve;
+        item.markedHeights = [0.3, 0.5, 0.7];
+        item.spectrum = [0, 1, 0];
+        item.spectrumEdges = [100, 400, 800, 3000];
+        waitForRendering(item);
+        const picture = grabImage(item);
+        const marked = (x, y) => same(picture.pixel(x, y), Theme.dotMid) || same(picture.pixel(x, y), Theme.edge);
+        const columnIsMarked = x => [10, 11, 12, 13, 14, 15, 16, 17, 18].some(y => marked(x, y));
+        for (const hz of [31.5, 125, 1000, 16000])
+            verify(columnIsMarked(Math.floor(item.xOfFrequency(hz))), hz + " Hz");
+        const besideMark = Math.floor(item.xOfFrequency(1000)) + 8;
+        verify([-1, 0, 1].some(dx => marked(besideMark + dx, Math.floor(item.yOfHeight(0.7)))));
+        const lit = hz => {
+            const x = Math.round(item.xOfFrequency(hz));
+            let dots = 0;
+            for (let dx = -4; dx <= 4; ++dx)
+                for (let y = 120; y < 128; ++y)
+                    dots += marked(x + dx, y) ? 1 : 0;
+            return dots;
+        };
+        verify(lit(600) > 0);
+        compare(lit(200), 0);
+        compare(lit(1500), 0);
     }
 
     function test_curve_goes_through_its_values() {

@@ -45,6 +45,9 @@ TEST(NumberFormatTest, FrequencyLabelsBranchOnTheValue) {
     EXPECT_EQ(frequencyLabel(4000.0F), "4k");
     EXPECT_EQ(frequencyLabel(4001.0F), "4.0k");
     EXPECT_EQ(frequencyLabel(16000.0F), "16k");
+    EXPECT_EQ(frequencyText(31.5), "31.5 Hz");
+    EXPECT_EQ(frequencyText(63.0), "63 Hz");
+    EXPECT_EQ(frequencyText(2537.4), "2537 Hz");
 }
 
 TEST(PanelTextsTest, SayWhatTheEngineDoes) {

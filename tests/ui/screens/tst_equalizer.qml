@@ -149,6 +149,33 @@ ScreenTest {
         compare(plot.secondaryValues.length, 0);
     }
 
+    function test_values_of_the_point_under_the_pointer_or_of_the_selected_one() {
+        App.equalizer.bands.setFrequency(8, 7537);
+        App.equalizer.bands.setGain(8, -2.5);
+        settle();
+        verify(Assistive.focus("Band 3 gain", "Slider"));
+        compareTexts(["125 Hz · +0.0 dB · Q 1.00"]);
+        const point = pointAt(8);
+        mouseMove(point, point.width / 2, point.height / 2);
+        tryVerify(() => Assistive.has("7537 Hz · -2.5 dB · Q 1.00"));
+        mouseMove(window.contentItem, 5, 5);
+        tryVerify(() => Assistive.has("125 Hz · +0.0 dB · Q 1.00"));
+    }
+
+    function test_names_tell_hertz_q_and_bypass() {
+        verify(Assistive.has("Band 1, 31.5 Hz"));
+        App.equalizer.bands.setBypassed(0, true);
+        verify(Assistive.has("Band 1, 31.5 Hz, bypassed"));
+        verify(Assistive.focus("Band 4 gain", "Slider"));
+        const knob = Assistive.find("Band 4 Q", "Dial");
+        compare([knob.from, knob.value, knob.to], [0.1, 1, 20]);
+        setValue("Band 4 Q", 4);
+        compare(Assistive.find("Band 4 Q, typed", "EditableText").text, "4.00");
+        verify(Assistive.focus("Band 4 Q", "Dial"));
+        keyClick(Qt.Key_Up);
+        fuzzyCompare(value("Band 4 Q"), 4 * Math.pow(2, 0.1), 1e-3);
+    }
+
     function test_nothing_is_painted_while_nothing_changes() {
         const plot = pointAt(0).curve;
         settle();
@@ -158,7 +185,10 @@ ScreenTest {
             settle();
         }
         compare(plot.paintCount(), painted);
-        App.equalizer.globalGainDB = 2;
+        App.equalizer.globalGainDB = 2; // no part of the curve
+        settle();
+        compare(plot.paintCount(), painted);
+        App.equalizer.bands.setGain(0, 2);
         settle();
         verify(plot.paintCount() > painted);
     }

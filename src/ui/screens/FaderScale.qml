@@ -1,0 +1,43 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import Quorbel.Dotmatrix
+import Quorbel.Model
+
+/// The units and ticks of the strips beside it.
+Item {
+    id: units
+
+    /// One of the strips, in line with this.
+    required property BandStripView strip
+    readonly property real highest: strip?.topOfGain ?? 0
+    readonly property real lowest: strip?.bottomOfGain ?? 0
+    readonly property list<real> decibels: [12, 6, 0, -6, -12]
+
+    implicitWidth: metrics.width
+    visible: strip !== null
+
+    TextMetrics {
+        id: metrics
+        font.family: Theme.fontFamily
+        font.pixelSize: Theme.captionSize
+        text: "+12 dB"
+    }
+    Repeater {
+        model: units.decibels
+        delegate: CaptionText {
+            required property real modelData
+
+            anchors.right: parent?.right
+            y: units.highest + (units.lowest - units.highest) * (App.equalizer.maxGain - modelData) / (App.equalizer.maxGain - App.equalizer.minGain) - height / 2
+            text: (modelData > 0 ? "+" : "") + modelData + (modelData === 0 ? " dB" : "")
+            Accessible.ignored: true // each slider tells its value and unit
+        }
+    }
+    CaptionText {
+        anchors.right: parent.right
+        y: (units.strip?.frequencyCentre ?? 0) - height / 2
+        text: qsTr("Hz")
+        Accessible.ignored: true
+    }
+}
