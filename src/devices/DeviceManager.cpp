@@ -121,7 +121,8 @@ void DeviceManager::refresh() {
         return census ? census->defaultOutput : 0;
     };
     const auto before = std::exchange(census_, takeCensus());
-    if (devices == outputDevices_ && defaultIn(before) == defaultIn(census_))
+    if (devices == outputDevices_ && defaultIn(before) == defaultIn(census_) &&
+        before.has_value() == census_.has_value())
         return;
     outputDevices_ = std::move(devices);
     Q_EMIT outputDevicesChanged();

@@ -49,6 +49,9 @@ class DeviceManager final : public QObject {
     /// the connection is lost.
     void refreshIfChanged();
 
+    /// Whether the hardware answered when it was last asked.
+    [[nodiscard]] bool isHardwareThere() const { return census_.has_value(); }
+
     [[nodiscard]] std::vector<AudioDevice> allDevices() const;
 
     /// The listed device that is the system's default output, otherwise the first one listed.
@@ -75,7 +78,7 @@ class DeviceManager final : public QObject {
     std::function<void(Status)> onHardwareLost;
 
   Q_SIGNALS:
-    /// The list is another, or the default among it.
+    /// The list is another, or the default among it, or the hardware has gone or come.
     void outputDevicesChanged();
 
   private:

@@ -37,6 +37,22 @@ std::string subtitlu(const EngineLifecycle::State &state, std::string_view activ
     return fmt::format("48 kHz · 32 ms · {}", activePresetName);
 }
 
+std::string outlookText(const EngineLifecycle::State &state, std::optional<Awaited> awaited) {
+    if (state.kind != EngineLifecycle::State::Kind::error)
+        return {};
+    if (!awaited)
+        return "The last start failed. Press Start to try again.";
+    switch (*awaited) {
+    case Awaited::soundServer:
+        return "Waiting for the sound server; processing comes back by itself";
+    case Awaited::outputDevice:
+        return "Waiting for an output device; processing comes back by itself";
+    case Awaited::nextTry:
+        break;
+    }
+    return "Trying again; processing comes back by itself";
+}
+
 std::string protectie(const MixerConfig &mixer) {
     if (!mixer.limiterEnabled)
         return "Limiter off — a positive trim can clip";

@@ -4,6 +4,7 @@
 #include "engine/EngineLifecycle.h"
 #include "settings/records/MixerConfig.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,14 @@ namespace quorbel {
 /// The error's text as it stands, or else the name of what is played.
 [[nodiscard]] std::string subtitlu(const EngineLifecycle::State &state,
                                    std::string_view activePresetName);
+
+/// What a return to processing waits for.
+enum class Awaited { soundServer, outputDevice, nextTry };
+
+/// What happens after an error: what `awaited` names comes first, or the user starts again. Empty
+/// where there is no error.
+[[nodiscard]] std::string outlookText(const EngineLifecycle::State &state,
+                                      std::optional<Awaited> awaited);
 
 /// Whether peaks are held.
 [[nodiscard]] std::string protectie(const MixerConfig &mixer);

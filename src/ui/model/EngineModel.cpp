@@ -1,13 +1,12 @@
 #include "ui/model/EngineModel.h"
 
 #include "ui/logic/NumberFormat.h"
-#include "ui/logic/PanelTexts.h"
 #include "ui/model/EngineTexts.h"
 
 namespace quorbel {
 
-EngineModel::EngineModel(AppState &state, QObject *parent)
-    : QObject(parent), appState_(state), engine_(state.engine()) {
+EngineModel::EngineModel(AppState &state, Clock &clock, QObject *parent)
+    : QObject(parent), appState_(state), engine_(state.engine()), clock_(clock) {
     connect(&engine_, &AudioEngine::stateChanged, this, &EngineModel::followState);
     connect(&engine_, &AudioEngine::mixerChanged, this, &EngineModel::secondLineChanged);
     connect(&engine_, &AudioEngine::outputDeviceChanged, this, &EngineModel::secondLineChanged);
@@ -18,6 +17,8 @@ EngineModel::EngineModel(AppState &state, QObject *parent)
             &EngineModel::bassTrackedFrequencyChanged);
     connect(&engine_, &AudioEngine::lossesChanged, this, &EngineModel::updateLosses);
     connect(&engine_, &AudioEngine::comparingChanged, this, &EngineModel::comparingChanged);
+    connect(&appState_.deviceManager(), &DeviceManager::outputDevicesChanged, this,
+            &EngineModel::outlookChanged);
     connect(&engine_, &AudioEngine::voiceConfidenceChanged, this,
             &EngineModel::voiceConfidenceChanged);
     followState();
@@ -47,6 +48,19 @@ QString EngineModel::stateWord() const {
 }
 QString EngineModel::subtitle() const {
     return QString::fromUtf8(subtitlu(shownState(), appState_.activePresetDisplayName()));
+}
+
+std::optional<Awaited> EngineModel::awaited() const {
+    if (!comingBack())
+        return std::nullopt;
+    const DeviceManager &devices = appState_.deviceManager();
+    if (!devices.isHardwareThere())
+        return Awaited::soundServer;
+    return devices.outputDevices().empty() ? Awaited::outputDevice : Awaited::nextTry;
+}
+
+QString EngineModel::outlook() const {
+    return QString::fromUtf8(outlookText(shownState(), awaited()));
 }
 
 QString EngineModel::secondLine() const {
@@ -119,16 +133,24 @@ void EngineModel::setRefusal(const QString &reason) {
     if (reason == refusal_)
         return;
     refusal_ = reason;
+    if (reason.isEmpty())
+        refusalCheck_.invalidate();
+    else
+        refusalCheck_ = Timer::repeating(clock_, 1.0, [this] { setRefusal(startCheck_()); });
+    announceState();
+}
+
+void EngineModel::announceState() {
     Q_EMIT stateChanged();
     Q_EMIT subtitleChanged();
+    Q_EMIT outlookChanged();
 }
 
 void EngineModel::followState() {
     if (!running())
         setComparing(false);
     updateLosses();
-    Q_EMIT stateChanged();
-    Q_EMIT subtitleChanged();
+    announceState();
 }
 
 void EngineModel::updateLosses() {

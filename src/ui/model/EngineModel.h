@@ -1,12 +1,15 @@
 #pragma once
 
+#include "platform/threads/Timer.h"
 #include "settings/state/AppState.h"
+#include "ui/logic/PanelTexts.h"
 
 #include <QObject>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
 
 #include <functional>
+#include <optional>
 #include <utility>
 
 namespace quorbel {
@@ -24,6 +27,8 @@ class EngineModel final : public QObject {
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY stateChanged)
     Q_PROPERTY(QString stateWord READ stateWord NOTIFY stateChanged)
     Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
+    /// What happens after an error; empty where there is none.
+    Q_PROPERTY(QString outlook READ outlook NOTIFY outlookChanged)
     Q_PROPERTY(QString secondLine READ secondLine NOTIFY secondLineChanged)
     Q_PROPERTY(double limiterReductionDB READ limiterReductionDB NOTIFY limiterReductionDBChanged)
     Q_PROPERTY(QString reductionText READ reductionText NOTIFY limiterReductionDBChanged)
@@ -42,7 +47,7 @@ class EngineModel final : public QObject {
     Q_PROPERTY(bool comparing READ comparing WRITE setComparing NOTIFY comparingChanged)
 
   public:
-    EngineModel(AppState &state, QObject *parent);
+    EngineModel(AppState &state, Clock &clock, QObject *parent);
 
     [[nodiscard]] QString state() const;
     [[nodiscard]] bool running() const;
@@ -50,6 +55,7 @@ class EngineModel final : public QObject {
     [[nodiscard]] QString errorMessage() const;
     [[nodiscard]] QString stateWord() const;
     [[nodiscard]] QString subtitle() const;
+    [[nodiscard]] QString outlook() const;
     [[nodiscard]] QString secondLine() const;
 
     Q_INVOKABLE void start();
@@ -77,6 +83,7 @@ class EngineModel final : public QObject {
   Q_SIGNALS:
     void stateChanged();
     void subtitleChanged();
+    void outlookChanged();
     void secondLineChanged();
     void limiterReductionDBChanged();
     void autoGainDBChanged();
@@ -89,13 +96,17 @@ class EngineModel final : public QObject {
     /// The engine's, or an error where a start was refused; with the text that is shown.
     [[nodiscard]] EngineLifecycle::State shownState() const;
     void setRefusal(const QString &reason);
+    [[nodiscard]] std::optional<Awaited> awaited() const;
     void followState();
+    void announceState();
     void updateLosses();
 
     AppState &appState_;
     AudioEngine &engine_;
+    Clock &clock_;
     std::function<QString()> startCheck_;
-    QString refusal_; ///< of the last start, until the next one
+    QString refusal_;    ///< of the last start, until its reason has gone
+    Timer refusalCheck_; ///< nobody announces that
     QString losses_;
 };
 

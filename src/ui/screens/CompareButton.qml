@@ -6,6 +6,7 @@ import Quorbel.Model
 /// assistive technology, which cannot hold a button, switches it.
 DotButton {
     text: qsTr("Compare")
+    primary: App.engine.comparing
     enabled: App.engine.running
     help: qsTr("Hold to hear the unprocessed sound (B)")
     Accessible.checkable: true

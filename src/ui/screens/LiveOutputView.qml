@@ -9,23 +9,44 @@ DotCard {
 
     readonly property bool failed: App.engine.state === "error"
 
-    implicitHeight: 18 * Theme.unit
+    implicitHeight: Math.max(18 * Theme.unit, words.implicitHeight + topPadding + bottomPadding)
 
     RowLayout {
         anchors.fill: parent
         spacing: 3 * Theme.unit
 
         ColumnLayout {
+            id: words
             Layout.fillWidth: true
             Layout.fillHeight: true
             spacing: Theme.unit
 
-            DotText {
-                text: App.engine.stateWord
-                dotSize: 4
-                color: panel.failed ? Theme.warning : App.engine.running ? Theme.signal : Theme.ink
-                Accessible.role: Accessible.StaticText
-                Accessible.name: App.engine.stateWord
+            RowLayout {
+                Layout.fillWidth: true
+                spacing: 2 * Theme.unit
+
+                DotText {
+                    text: App.engine.stateWord
+                    dotSize: 4
+                    color: panel.failed ? Theme.warning : App.engine.running ? Theme.signal : Theme.ink
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: App.engine.stateWord
+                }
+                DotChip {
+                    visible: App.engine.comparing
+                    lit: true
+                    text: qsTr("Unprocessed sound")
+                }
+                CaptionText {
+                    Layout.fillWidth: true
+                    text: App.engine.outlook
+                    wrapMode: Text.WordWrap
+                    color: Theme.ink
+                }
+            }
+            DotAlert {
+                objectName: "errorAlert"
+                text: panel.failed ? App.engine.errorMessage + " " + App.engine.outlook : ""
             }
             Item {
                 Layout.fillHeight: true
@@ -45,8 +66,8 @@ DotCard {
                     Layout.alignment: Qt.AlignTop
                     visible: App.engine.comingBack
                     flat: true
-                    text: qsTr("Give up")
-                    Accessible.description: qsTr("Processing would start again by itself")
+                    text: qsTr("Stop waiting")
+                    help: qsTr("Processing stays off until the next Start")
                     onClicked: App.engine.stop()
                 }
                 DotButton {
@@ -54,7 +75,7 @@ DotCard {
                     visible: panel.failed
                     flat: true
                     text: qsTr("Copy")
-                    Accessible.description: qsTr("Copies the error's text")
+                    help: qsTr("Copies the error's text")
                     onClicked: subtitle.copyAll()
                 }
             }

@@ -18,9 +18,12 @@ Rectangle {
     radius: Theme.radius
     border.width: 1
     border.color: isWarning ? Theme.warning : Theme.rule
-    Accessible.role: Accessible.AlertMessage
-    Accessible.name: message
 
+    DotAlert {
+        objectName: "noticeAlert"
+        anchors.fill: parent
+        text: notice.message
+    }
     RowLayout {
         id: rows
         anchors.fill: parent

@@ -86,6 +86,13 @@ ScreenPage {
                         wrapMode: Text.WordWrap
                         text: App.engine.running ? qsTr("System audio is being captured and processed live.") : qsTr("Click Start in the toolbar to begin system-wide processing. No driver or manual routing needed.")
                     }
+                    BodyText {
+                        Layout.fillWidth: true
+                        visible: text !== ""
+                        wrapMode: Text.WordWrap
+                        text: App.engine.outlook
+                        color: Theme.warning
+                    }
                 }
             }
             DriverNote {

@@ -58,6 +58,11 @@ TEST(PanelTextsTest, SayWhatTheEngineDoes) {
     EXPECT_EQ(subtitlu(State::stopped(), "Flat"), "48 kHz · 32 ms · Flat");
     EXPECT_EQ(subtitlu(State::error("No output device selected."), "Flat"),
               "No output device selected.");
+    EXPECT_EQ(outlookText(State::stopped(), {}), "");
+    EXPECT_EQ(outlookText(State::error("no"), {}),
+              "The last start failed. Press Start to try again.");
+    EXPECT_EQ(outlookText(State::error("no"), Awaited::nextTry),
+              "Trying again; processing comes back by itself");
 }
 
 TEST(PanelTextsTest, SecondLineAndProtection) {

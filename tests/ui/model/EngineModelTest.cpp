@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <cerrno>
 
 namespace quorbel::testing {
 namespace {
@@ -69,6 +70,38 @@ TEST_F(EngineModelTest, ARefusedStartIsAnErrorThatTheNextStartOrStopClears) {
     clock.runPending();
     EXPECT_TRUE(model().running());
     EXPECT_EQ(model().errorMessage(), "");
+}
+
+TEST_F(EngineModelTest, ARefusalGoesWhenItsReasonHasGone) {
+    QString reason = "busy";
+    model().setStartCheck([&] { return reason; });
+    app->devices()->select("speakers");
+    model().start();
+    clock.advance(5.0);
+    EXPECT_EQ(model().state(), "error");
+    reason.clear();
+    clock.advance(1.1);
+    EXPECT_EQ(model().state(), "idle");
+    EXPECT_EQ(model().outlook(), "");
+}
+
+TEST_F(EngineModelTest, SaysWhatItWaitsForUntilItIsBack) {
+    run();
+    hardware.loseConnection(-EPIPE);
+    clock.advance(0.5);
+    EXPECT_EQ(model().state(), "error");
+    EXPECT_EQ(model().outlook(), "Waiting for the sound server; processing comes back by itself");
+    Announcements outlooks(model(), &EngineModel::outlookChanged);
+    hardware.removeDevice("speakers");
+    hardware.removeDevice("hdmi");
+    hardware.restoreConnection();
+    clock.advance(0.5);
+    EXPECT_EQ(model().outlook(), "Waiting for an output device; processing comes back by itself");
+    EXPECT_GT(outlooks.take(), 0);
+    hardware.addDevice({.uid = "speakers", .name = "Speakers"});
+    clock.advance(2.0);
+    EXPECT_TRUE(model().running());
+    EXPECT_EQ(model().outlook(), "");
 }
 
 TEST_F(EngineModelTest, ReadOutsPrintAsTheScreensShowThem) {

@@ -10,6 +10,21 @@ ScreenTest {
     readonly property var destinations: ["equalizer", "spatial", "mixer", "devices", "limiter",
         "presetsAll", "presetsFactory", "presetsMine", "setup"]
 
+    SignalSpy {
+        id: announcements
+        signalName: "announced"
+    }
+    function listenTo(alert) {
+        announcements.target = part(alert);
+        announcements.clear();
+    }
+    /// What was announced since the last call.
+    function announced() {
+        const texts = announcements.signalArguments.map(sent => sent[0]);
+        announcements.clear();
+        return texts;
+    }
+
     function test_window() {
         compare(window.title, "Ostrafine");
         compare(window.minimumWidth, 1020);
@@ -69,6 +84,7 @@ ScreenTest {
 
     function test_failed_start_shows_its_text_and_copies_it() {
         Machine.failCapture();
+        listenTo("errorAlert");
         press("Start", "Button");
         Machine.advance(0.5);
         Machine.repairCapture();
@@ -77,10 +93,15 @@ ScreenTest {
         const text = App.engine.errorMessage;
         verify(text !== "");
         verify(Assistive.has(text));
+        compare(announced(), [text + " The last start failed. Press Start to try again."]);
+        verify(Assistive.has(text + " The last start failed. Press Start to try again.", "AlertMessage"));
         compare(Assistive.overlaps(), []);
         compare(Assistive.cutTexts(), []);
         press("Copy", "Button");
         compare(Machine.clipboard(), text);
+        // "Ready to start" below an error says why it is there.
+        open("setup");
+        compareTexts(["Ready to start", "The last start failed. Press Start to try again."]);
     }
 
     function test_pickers() {
@@ -93,11 +114,25 @@ ScreenTest {
         tryVerify(() => App.presets.activeName !== "Custom" && App.presets.activeName !== "Flat");
     }
 
+    function test_compare_is_shown() {
+        App.engine.start();
+        Machine.advance(0.5);
+        App.engine.comparing = true;
+        verify(Assistive.has("Unprocessed sound"));
+        verify(Assistive.find("Compare", "Button").checked);
+        verify(part("bandPoint0").curve.dimmed);
+        App.engine.comparing = false;
+        verify(!Assistive.has("Unprocessed sound"));
+    }
+
     function test_persist_warning_is_dismissed_or_goes_by_itself() {
         Machine.blockSaving();
+        listenTo("noticeAlert");
         Machine.persist();
         const text = App.persistWarning;
         verify(text !== "");
+        settle();
+        compare(announced(), [text]);
         settle();
         verify(Assistive.has(text));
         press("Dismiss", "Button");
@@ -105,6 +140,7 @@ ScreenTest {
         Machine.persist();
         settle();
         verify(Assistive.has(text)); // the next failure is told like the first
+        compare(announced(), [text]);
         Machine.allowSaving();
         Machine.persist();
         settle();
@@ -128,6 +164,7 @@ ScreenTest {
         compare(Assistive.cutTexts(), []);
         compare(Assistive.overlaps(), []);
         compare(Assistive.unnamed(), []);
+        compare(Assistive.names("ScrollBar"), []);
         resize(1020, 760);
     }
 

@@ -1,0 +1,9 @@
+import QtQuick
+import Quorbel.Dotmatrix
+
+// A message that assistive technology announces. It shows nothing, but has the place and size of what shows it.
+AlertItem {
+    visible: text !== ""
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: text
+}
