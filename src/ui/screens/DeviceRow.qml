@@ -18,7 +18,7 @@ T.RadioDelegate {
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     Accessible.name: name
-    Accessible.description: isCurrent ? qsTr("In use") : isDefault ? qsTr("System default") : ""
+    Accessible.description: (isCurrent ? qsTr("In use") : "") + (isCurrent && isDefault ? ", " : "") + (isDefault ? qsTr("System default") : "")
     Accessible.onPressAction: row.clicked()
     Accessible.onToggleAction: row.clicked()
 

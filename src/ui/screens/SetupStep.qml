@@ -31,6 +31,7 @@ Item {
         HeadingText {
             width: parent.width
             text: step.title
+            Accessible.role: Accessible.Heading
             Accessible.name: step.number + ". " + step.title
         }
         Repeater {

@@ -31,6 +31,14 @@ TEST_F(DeviceListModelTest, ListsAndSelects) {
     EXPECT_EQ(changes.take(), 1);
     devices().select("nothing");
     EXPECT_EQ(devices().currentName(), "HDMI");
+
+    run(); // on the speakers, and listening to the hardware
+    Announcements contents(devices(), &DeviceListModel::dataChanged);
+    hardware.setDefaultOutput("hdmi");
+    clock.advance(0.5);
+    EXPECT_TRUE(says(devices(), 1, "isDefault").toBool());
+    EXPECT_FALSE(says(devices(), 0, "isDefault").toBool());
+    EXPECT_GT(contents.take(), 0);
 }
 
 TEST_F(DeviceListModelTest, ADeviceThatWentAndCameBackIsStillTheOneInUse) {

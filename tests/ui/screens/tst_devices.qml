@@ -13,7 +13,7 @@ ScreenTest {
             "Drives the graphic in the panel above. Visual only — it does not touch the sound.",
             "Quit the app and macOS sound returns by itself."]);
         compare(Assistive.find("Refresh", "Button").description, "Refresh device list");
-        compare(Assistive.find("Studio monitors", "RadioButton").description, "In use");
+        compare(Assistive.find("Studio monitors", "RadioButton").description, "In use, System default");
         press("USB headphones", "RadioButton");
         compare(App.devices.currentName, "USB headphones");
         compare(Assistive.find("USB headphones", "RadioButton").description, "In use");
@@ -50,6 +50,8 @@ ScreenTest {
 
     function test_setup_guide() {
         open("setup");
+        for (const step of ["1. Pick your output device", "3. Play something"])
+            verify(Assistive.has(step, "Heading"));
         compareTexts(["Setup", "4 steps", "1. Pick your output device",
             "2. Click Start and approve the one-time permission", "3. Play something",
             "4. Edifier MR5 tips (optional)", "LED color: red = Monitor mode (short-press the volume knob)",
