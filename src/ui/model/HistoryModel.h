@@ -37,7 +37,7 @@ class HistoryModel final : public QObject {
 
     [[nodiscard]] bool canUndo() const { return history_.canUndo(); }
     [[nodiscard]] bool canRedo() const { return history_.canRedo(); }
-    /// "Undo Bass amount"; only "Undo" where there is nothing.
+    /// "Undo Deep Bass, Amount"; only "Undo" where there is nothing.
     [[nodiscard]] QString undoText() const;
     [[nodiscard]] QString redoText() const;
 
