@@ -102,7 +102,6 @@ ControlCase {
     }
 
     function verifyReadable(control: Item, state: string): void {
-        wait(Theme.duration); // of what moves into its place
         const picture = grabImage(root);
         const found = texts(control);
         verify(found.length > 0, "no text");
@@ -123,6 +122,7 @@ ControlCase {
     }
     function test_texts_can_be_read_in_every_state(data) {
         Probe.setHighContrast(data.highContrast);
+        Probe.setReducedMotion(true); // nothing is half on its way
         const control = createTemporaryObject(data.component, root, { x: 40, y: 40 }) as Item;
         mouseMove(root, 600, 400);
         verifyReadable(control, "at rest");
@@ -143,5 +143,6 @@ ControlCase {
             verifyReadable(control, "highlighted");
         }
         Probe.setHighContrast(false);
+        Probe.setReducedMotion(false);
     }
 }
