@@ -5,7 +5,7 @@ set(CPACK_PACKAGE_CONTACT "Ostrafine developers <developers@quorbel.com>")
 set(CPACK_PACKAGE_HOMEPAGE_URL https://quorbel.com/ostrafine)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "live sound processor for everything the desktop plays")
 set(CPACK_PACKAGE_DESCRIPTION
-"Ostrafine takes everything the computer plays, runs it through an equaliser
+"Ostrafine takes everything the computer plays, runs it through an equalizer
 and a chain of effects, and plays the result on the device you choose: ten
 parametric bands, tone controls, harmonic bass, voice clarity, stereo width,
 crosstalk shuffling, reverb, saturation, crossfeed, loudness and a look-ahead

@@ -15,7 +15,7 @@
 namespace quorbel {
 
 ExportCommand::ExportCommand()
-    : Command("export", "Write a preset as a parametric equaliser text, or whole to a .json file") {
+    : Command("export", "Write a preset as a parametric equalizer text, or whole to a .json file") {
     declare({.name = "--preset",
              .help = "Name of the preset",
              .values = {{"NAME", CommandValue::Completion::presetName}},

@@ -73,7 +73,7 @@ std::string importPreset(Persisted &settings, const std::string &text,
 
 ImportCommand::ImportCommand()
     : Command("import",
-              "Make a preset of a parametric equaliser text or a preset file, and use it") {
+              "Make a preset of a parametric equalizer text or a preset file, and use it") {
     declare({.name = "--name",
              .help = "Name of the preset (default: the file's name)",
              .values = {{"NAME"}},

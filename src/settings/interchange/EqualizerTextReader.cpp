@@ -230,7 +230,7 @@ class TextReader {
 
     void skip(std::string reason) {
         if (result_.skipped.size() == maximumSkippedLines)
-            throw InterchangeError(line_, fmt::format("this is not an equaliser: more than {} "
+            throw InterchangeError(line_, fmt::format("this is not an equalizer: more than {} "
                                                       "lines are not understood",
                                                       maximumSkippedLines));
         result_.skipped.push_back({line_, std::move(reason)});

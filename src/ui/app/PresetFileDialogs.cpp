@@ -20,7 +20,7 @@ QDir documents() {
     return folder.exists() ? folder : QDir::home();
 }
 
-/// "txt" of "Equaliser text (*.txt)".
+/// "txt" of "Equalizer text (*.txt)".
 QString extensionOf(const QString &filter) {
     return filter.section(QStringLiteral("*."), 1).section(')', 0, 0);
 }
@@ -37,7 +37,7 @@ void PresetFileDialogs::chooseImport(FilesChosen chosen) {
         return;
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setNameFilters(
-        {text("Presets and equaliser texts (*.json *.txt)"), text("All files (*)")});
+        {text("Presets and equalizer texts (*.json *.txt)"), text("All files (*)")});
     show(*dialog, std::move(chosen));
 }
 
@@ -45,7 +45,7 @@ void PresetFileDialogs::chooseExport(const QString &suggestedName, FileChosen ch
     QFileDialog *dialog = make(text("Export a preset"), QFileDialog::AcceptSave);
     if (dialog == nullptr)
         return;
-    const QStringList filters = {text("Preset (*.json)"), text("Equaliser text (*.txt)")};
+    const QStringList filters = {text("Preset (*.json)"), text("Equalizer text (*.txt)")};
     dialog->setFileMode(QFileDialog::AnyFile);
     dialog->setNameFilters(filters);
     const auto followFilter = [dialog](const QString &filter) {
