@@ -65,6 +65,7 @@ DotCard {
                     }
                     DotToolTip {
                         id: help
+                        x: 0
                         visible: overHeading.hovered
                         text: StageTexts.help("Equalizer")
                     }

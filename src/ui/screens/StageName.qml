@@ -20,6 +20,7 @@ ColumnLayout {
         id: over
     }
     DotToolTip {
+        x: 0 // above the name, not above the middle of its room
         visible: over.hovered || (head.toggle?.visualFocus ?? false)
         text: head.help
     }
