@@ -1,5 +1,8 @@
 #include "platform/hardware/routing/PairSupervisor.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace quorbel {
 namespace {
 
@@ -14,6 +17,11 @@ constexpr double giveUpSeconds = 2.0;
 constexpr std::size_t mostRebuilds = 8;
 constexpr double rebuildMemorySeconds = 10.0;
 
+/// The longest cycle takes a fifth of it.
+constexpr double standstillSeconds = 1.0;
+/// More between two looks does not count: we stood still ourselves.
+constexpr double longestLookSeconds = 0.3;
+
 } // namespace
 
 PairStep PairSupervisor::look(const PairFacts &facts, double now) {
@@ -22,6 +30,8 @@ PairStep PairSupervisor::look(const PairFacts &facts, double now) {
     const bool isStuck = facts.tapRuns && !facts.outputRuns;
     if (facts.hasTap && facts.hasOutput)
         wasWhole_ = true;
+    if (hasStoodStill(facts, now) && !isBroken)
+        return cureStandstill(now);
     if (!isBroken && facts.isOutputLinked && !isStuck) {
         wrongSince_.reset();
         isNew_ = hasLinked_ = hasNudged_ = hasGivenUp_ = false;
@@ -64,6 +74,42 @@ PairStep PairSupervisor::look(const PairFacts &facts, double now) {
     return PairStep::none;
 }
 
+/// True if the server runs the streams, but our side of them does nothing.
+bool PairSupervisor::hasStoodStill(const PairFacts &facts, double now) {
+    const double passed = std::min(now - lastLook_, longestLookSeconds);
+    lastLook_ = now;
+    const PairFacts before = std::exchange(beats_, facts);
+    if (stillSeconds_ >= standstillSeconds) // until they are replaced: released, they need not run
+        return true;
+    const bool bothRun = facts.tapRuns && facts.outputRuns;
+    if (!bothRun ||
+        (facts.tapCycles != before.tapCycles && facts.outputCycles != before.outputCycles))
+        stillSeconds_ = 0.0;
+    else if (facts.driverCycles != before.driverCycles)
+        stillSeconds_ += passed;
+    return stillSeconds_ >= standstillSeconds;
+}
+
+PairStep PairSupervisor::cureStandstill(double now) {
+    if (hasGivenUp_)
+        return PairStep::none;
+    if (!wrongSince_)
+        wrongSince_ = now;
+    if (isRouting_) { // what replaces the streams may have to wait for the thread that hangs
+        isRouting_ = false;
+        return PairStep::release;
+    }
+    if (now - *wrongSince_ < lookSeconds)
+        return PairStep::none;
+    if (stillRebuild_ && now - *stillRebuild_ < rebuildMemorySeconds) {
+        stillSeconds_ = 0.0;
+        hasGivenUp_ = true;
+        return PairStep::giveUp;
+    }
+    stillRebuild_ = now;
+    return rebuild(now);
+}
+
 PairStep PairSupervisor::rebuild(double now) {
     while (!rebuilds_.empty() && now - rebuilds_.front() > rebuildMemorySeconds)
         rebuilds_.pop_front();
@@ -74,6 +120,7 @@ PairStep PairSupervisor::rebuild(double now) {
     }
     rebuilds_.push_back(now);
     mustRebuild_ = wasWhole_ = false;
+    stillSeconds_ = 0.0;
     hasLinked_ = false;
     return PairStep::rebuild;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <limits>
 #include <optional>
@@ -15,6 +16,10 @@ struct PairFacts {
     bool tapRuns = false;        ///< the graph runs it
     bool outputRuns = false;
     bool isTapOfWrongKind = false; ///< it must count as a device and does not
+    // Counters that move while there are cycles.
+    std::uint64_t driverCycles = 0; ///< of the device's clock
+    std::uint64_t tapCycles = 0;    ///< that we have run
+    std::uint64_t outputCycles = 0;
 };
 
 /// What is to be done about the pair.
@@ -30,7 +35,8 @@ enum class PairStep {
 
 /// Decides from what is seen whether processed sound can pass through the tap and the output, and
 /// what heals them if not. Whatever is wrong, sound has another way after half a second, and after
-/// two seconds the pair is healed or given up.
+/// two seconds the pair is healed or given up. That the streams run no cycles although they should
+/// is noticed after a second, if it is looked at every quarter of one.
 class PairSupervisor {
   public:
     static constexpr double lookSeconds = 0.05; ///< between two looks while something is wrong
@@ -46,6 +52,8 @@ class PairSupervisor {
     [[nodiscard]] double nextLook(double now) const;
 
   private:
+    [[nodiscard]] bool hasStoodStill(const PairFacts &facts, double now);
+    [[nodiscard]] PairStep cureStandstill(double now);
     [[nodiscard]] PairStep rebuild(double now);
 
     std::optional<double> wrongSince_ = 0.0;
@@ -57,6 +65,11 @@ class PairSupervisor {
     bool hasNudged_ = false;
     bool hasGivenUp_ = false;
     std::deque<double> rebuilds_; ///< times of the recent ones
+
+    PairFacts beats_; ///< the counters at the last look
+    double lastLook_ = 0.0;
+    double stillSeconds_ = 0.0; ///< in which the device has had cycles and we have run none
+    std::optional<double> stillRebuild_; ///< when the pair was last replaced for that
 };
 
 } // namespace quorbel

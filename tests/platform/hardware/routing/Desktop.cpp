@@ -12,6 +12,9 @@ bool isTraced = false;
 
 namespace {
 
+/// After which a standstill of ours is noticed: a second, and the quarter between two looks.
+constexpr Micros standstillTime = 1'250'000;
+
 template <typename Message>
 void trace(const Desktop &desktop, const char *way, const Message &message, bool hasUs) {
     if (!isTraced || !hasUs)
@@ -269,6 +272,8 @@ bool Desktop::canUserMove(const Application &application) const {
     return !application.serials.empty() && manager.isThere() &&
            server.now - application.started > 100'000 &&
            server.now - killedAt_ > 100'000 && // what a dead program has sent may come after it
+           // or what a program has that ends while it is held up
+           (server.now > stalledUntil_ || server.now - stoppedAt_ > 1'000'000) &&
            server.now - manager.startTime() > 150'000 && application.halves.back().isPlayback();
 }
 
@@ -359,6 +364,7 @@ void Desktop::carryOut(const StormEvent &event) {
             client.start();
         break;
     case EventKind::stop:
+        stoppedAt_ = server.now;
         if (hasUs_)
             client.stop();
         break;
@@ -410,6 +416,10 @@ void Desktop::carryOut(const StormEvent &event) {
         stalledUntil_ = std::max(stalledUntil_, server.now + 1000 + event.c * 10'000);
         server.fromClient.hold(stalledUntil_);
         server.toClient.hold(stalledUntil_);
+        break;
+    case EventKind::hang:
+        if (hasUs_)
+            client.hang();
         break;
     case EventKind::count:
         break;
@@ -535,7 +545,7 @@ bool Desktop::hasWay(const Application &application) const {
             continue;
         if (tap == nullptr || link.inputNode != tap->id)
             return true;
-        if (output != nullptr && !output->isStuck && client.isAlive() &&
+        if (output != nullptr && !output->isStuck && client.isAlive() && !client.hangs() &&
             std::any_of(server.links.begin(), server.links.end(),
                         [&](const Link &other) { return other.outputNode == output->id; }))
             return true;
@@ -557,7 +567,7 @@ void Desktop::noteSilence() {
 }
 
 void Desktop::lookForSilence() {
-    constexpr Micros longest = 500'000;
+    const Micros longest = 500'000 + (client.hangs() ? standstillTime : 0);
     const Micros good = std::max({goodSince_, stalledUntil_, server.disturbedAt});
     for (const Application &application : applications)
         if (application.silentSince >= 0 &&

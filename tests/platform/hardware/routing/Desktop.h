@@ -85,6 +85,7 @@ class Desktop {
     int duplexDevice_ = -1;
     std::vector<Timer> timers_;
     Micros killedAt_ = 0; ///< our program, in either world
+    Micros stoppedAt_ = -2'000'000;
     Micros goodSince_ = 0, stalledUntil_ = 0, feedbackSince_ = -1;
     bool isDeviceReady_ = false;
     bool clientActed_ = false;

@@ -11,6 +11,8 @@ namespace {
 
 constexpr Micros roundTripTime = 500'000;
 constexpr Micros comebackTime = 1'000'000;
+constexpr Micros beatTime = 250'000;
+constexpr Micros cycleTime = 20'000;
 
 /// The server as a watchdog finds it, and its commands.
 class Watchdog final : public ServerCommands {
@@ -125,6 +127,8 @@ void SimulatedClient::reset() {
     ownTargets_.clear();
     ends_ = {};
     hasPair_ = tapRuns_ = outRuns_ = hadManager_ = false;
+    if (std::exchange(hangs_, false))
+        server_.disturbedAt = server_.now;
     tapHandle_ = outHandle_ = 0;
     tapID_ = outID_ = 0;
     binding_ = 0;
@@ -154,11 +158,20 @@ void SimulatedClient::start() {
     tick();
 }
 
+void SimulatedClient::hang() {
+    if (!hasPair_ || hangs_)
+        return;
+    hungAt_ = server_.now;
+    hangs_ = true;
+}
+
 void SimulatedClient::createPair() {
     isDeviceTap_ = router_->needsDeviceTap();
     tapHandle_ = nextHandle_++;
     outHandle_ = nextHandle_++;
     tapID_ = outID_ = 0;
+    if (std::exchange(hangs_, false))
+        server_.disturbedAt = server_.now;
     tapRuns_ = outRuns_ = false;
     hasPair_ = areFactsOld_ = true;
     outputLinks_.clear();
@@ -254,6 +267,9 @@ void SimulatedClient::look() {
     for (int i = 0; i < 10; ++i) {
         if (std::exchange(areFactsOld_, false))
             facts_ = facts();
+        facts_.driverCycles = static_cast<std::uint64_t>(server_.now / cycleTime);
+        facts_.tapCycles = facts_.outputCycles =
+            static_cast<std::uint64_t>((hangs_ ? hungAt_ : server_.now) / cycleTime);
         const PairStep step = supervisor_.look(facts_, seconds());
         if (step == PairStep::none)
             break;
@@ -297,6 +313,8 @@ void SimulatedClient::look() {
     }
     const double next = supervisor_.nextLook(seconds());
     nextLook_ = hasPair_ && std::isfinite(next) ? static_cast<Micros>(next * 1e6) + 1 : INT64_MAX;
+    if (hasPair_ && journal_.ledger.size() > 0) // with the beats for the watchdog
+        nextLook_ = std::min(nextLook_, server_.now - server_.now % beatTime + beatTime);
 }
 
 void SimulatedClient::bindMetadata() {

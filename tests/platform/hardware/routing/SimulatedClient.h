@@ -41,6 +41,9 @@ class SimulatedClient final : public ServerCommands {
     /// Ends at once; of the commands under way the first `kept` still arrive.
     void die(std::size_t kept, bool withWatchdog);
     void serverDied();
+    /// The streams of now run no cycles from now on.
+    void hang();
+    [[nodiscard]] bool hangs() const { return hangs_; }
     void take(const Event &event);
     /// Does what is due.
     void tick();
@@ -51,6 +54,11 @@ class SimulatedClient final : public ServerCommands {
     /// True until the next start if the watchdog died too.
     [[nodiscard]] bool wasWatchdogLost() const { return wasWatchdogLost_; }
 
+    /// True if a deadline of a stream is near, or the pair is about to be replaced.
+    [[nodiscard]] bool hasSomethingDue() const {
+        return isAlive_ &&
+               (router_->nextDeadline() - seconds() < 0.3 || hangs_ || comebackAt_ != INT64_MAX);
+    }
     [[nodiscard]] bool isAlive() const { return isAlive_; }
     [[nodiscard]] bool wantsOn() const { return wantsOn_; }
     [[nodiscard]] Published published() const { return published_; }
@@ -110,7 +118,8 @@ class SimulatedClient final : public ServerCommands {
     int nextHandle_ = 1, tapHandle_ = 0, outHandle_ = 0;
     std::uint64_t tapSerial_ = 0, outSerial_ = 0;
     std::uint32_t tapID_ = 0, outID_ = 0;
-    bool tapRuns_ = false, outRuns_ = false;
+    bool tapRuns_ = false, outRuns_ = false, hangs_ = false;
+    Micros hungAt_ = 0;
     OwnLink nextLink_ = 1;
     std::vector<OwnLink> outputLinks_;
     bool isWatching_ = false, wasWatchdogLost_ = false;

@@ -9,6 +9,7 @@ namespace quorbel::desktop {
 namespace {
 
 constexpr Micros quiet = 2'000'000;
+constexpr Micros unsettled = 300'000;
 
 struct Weight {
     StormEvent::Kind kind;
@@ -34,6 +35,7 @@ constexpr std::array<Weight, static_cast<std::size_t>(count)> weights{{
     {killServer, "kill server", 1},
     {deafen, "deafen", 1},
     {stall, "stall", 1},
+    {hang, "hang", 1},
 }};
 
 StormEvent::Kind randomKind(Random &random) {
@@ -107,6 +109,12 @@ std::string run(const Storm &storm) {
             each->runUntil(end + quiet);
         }
         end += quiet;
+        // A stream that was just tried again is not settled yet, nor are streams that hang.
+        for (int i = 0; i < 12 && desktop.client.hasSomethingDue(); ++i) {
+            end += unsettled;
+            for (Desktop *each : {&desktop, &without})
+                each->runUntil(end);
+        }
         if (auto wrong = check(desktop, without); !wrong.empty())
             return wrong;
     }

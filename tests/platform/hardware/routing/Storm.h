@@ -30,6 +30,7 @@ struct StormEvent {
         killServer,
         deafen,
         stall,
+        hang, ///< our data thread, until the streams are replaced
         count
     };
     Kind kind{};
