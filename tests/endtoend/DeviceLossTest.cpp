@@ -47,7 +47,14 @@ TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         auto live = startLive(twelveDBLower(), arguments);
         ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+        const Recorder standIn(client, fallback, 10.0);
+        const auto lostAt = SteadyClock::now();
         server.removeDevice("speakers");
+        EXPECT_TRUE(soonHears(standIn, Heard::processed));
+        const std::chrono::duration<double> gap = SteadyClock::now() - lostAt;
+        std::cout << "processed on the next device after " << gap.count() << " s, silent for "
+                  << longestSeconds(standIn.recording(0), Heard::silence) << " s\n";
+        EXPECT_LT(gap.count(), 2.0);
         EXPECT_TRUE(soonSaysDevice(*live, description(fallback)));
         EXPECT_TRUE(soonHearsOn(fallback, Heard::processed));
         EXPECT_TRUE(soonHearsOn(other, Heard::silence));

@@ -18,11 +18,38 @@ namespace {
 constexpr double shortestWaitSeconds = 1e-3;
 constexpr double longestWaitSeconds = 60.0;
 
+/// Applications wait so long for another output, then they are heard unprocessed until it is there.
+constexpr double outputSeconds = 0.4;
+
 } // namespace
 
 void PipeWireHardware::lookSoon() {
     if (lookEvent_ != nullptr && tap_)
         pw_loop_signal_event(pw_thread_loop_get_loop(connection_->loop()), lookEvent_);
+}
+
+void PipeWireHardware::pairMayHaveChanged() {
+    isPairSeen_ = false;
+    lookSoon();
+}
+
+void PipeWireHardware::seePair() {
+    if (!isPairSeen_) {
+        facts_ = pairFacts();
+        seenEnds_ = routingEnds();
+        isPairSeen_ = true;
+    }
+    const OutStream *output = output_->stream();
+    facts_.driverCycles = tap_->driverCycles();
+    facts_.tapCycles = tap_->cycles();
+    facts_.outputCycles = output != nullptr ? output->cycles() : 0;
+}
+
+void PipeWireHardware::outputStopped() {
+    output_ = nullptr;
+    outputStoppedAt_ = monotonicSeconds();
+    if (router_)
+        armTimer();
 }
 
 void PipeWireHardware::lookAround() {
@@ -32,7 +59,10 @@ void PipeWireHardware::lookAround() {
         return;
     bool isDone = !isIORunning_ || output_ == nullptr;
     while (!isDone) {
-        switch (supervisor_.look(pairFacts(), monotonicSeconds())) {
+        seePair();
+        const PairStep step = supervisor_.look(facts_, monotonicSeconds());
+        isPairSeen_ = isPairSeen_ && step == PairStep::none;
+        switch (step) {
         case PairStep::none:
             isDone = true;
             break;
@@ -59,8 +89,13 @@ void PipeWireHardware::lookAround() {
         }
     }
     if (isIORunning_ && output_ != nullptr && supervisor_.isHealthy() && router_->isOn() &&
-        routingEnds() != ends_)
+        seenEnds_ != ends_)
         beginRouting(); // with a replaced tap, or on another device
+    if (isIORunning_ && output_ == nullptr && router_->isOn() &&
+        monotonicSeconds() - outputStoppedAt_ >= outputSeconds) {
+        router_->end();
+        supervisor_.reset();
+    }
     confirmReleases();
     if (router_->isOn())
         router_->checkDeadlines();
@@ -77,6 +112,8 @@ void PipeWireHardware::armTimer() {
     double next = std::min(supervisor_.nextLook(now), router_->nextDeadline());
     if (!isIORunning_ || output_ == nullptr)
         next = router_->nextDeadline();
+    if (isIORunning_ && output_ == nullptr && router_->isOn())
+        next = std::min(next, outputStoppedAt_ + outputSeconds);
     if (!journal_->isEmpty())
         next = std::min(next, nextBeat_);
     timespec wait{};
@@ -126,7 +163,8 @@ PairFacts PipeWireHardware::pairFacts() const {
 
 RoutingEnds PipeWireHardware::routingEnds() const {
     const NodeRecord *tap = ownNode(*tap_);
-    const NodeRecord *output = ownNode(*output_->stream());
+    const OutStream *stream = output_->stream();
+    const NodeRecord *output = stream != nullptr ? ownNode(*stream) : nullptr;
     if (tap == nullptr || output == nullptr)
         return {};
     RoutingEnds ends{tap->id, tap->serial, output->id, output_->device()};

@@ -77,7 +77,7 @@ Status PipeWireHardware::open(double seconds) {
         loop,
         [](void *self, std::uint64_t) { static_cast<PipeWireHardware *>(self)->lookAround(); },
         this);
-    pair_.changed = [this] { lookSoon(); };
+    pair_.changed = [this] { pairMayHaveChanged(); };
     return settle(seconds);
 }
 
@@ -279,7 +279,7 @@ void PipeWireHardware::tell(HardwareProperty property, Status status) {
 void PipeWireHardware::nodeChanged(const NodeRecord &node) {
     if (router_)
         router_->nodeChanged(node);
-    lookSoon();
+    pairMayHaveChanged();
     if (!isDevice(node) || std::count(knownDevices_.begin(), knownDevices_.end(), node.id) > 0)
         return;
     knownDevices_.push_back(node.id);
@@ -289,7 +289,7 @@ void PipeWireHardware::nodeChanged(const NodeRecord &node) {
 void PipeWireHardware::nodeRemoved(const NodeRecord &node) {
     if (router_)
         router_->nodeRemoved(node);
-    lookSoon();
+    pairMayHaveChanged();
     if (std::erase(knownDevices_, node.id) > 0)
         tell(HardwareProperty::deviceList);
 }
@@ -297,14 +297,14 @@ void PipeWireHardware::nodeRemoved(const NodeRecord &node) {
 void PipeWireHardware::portAdded(const PortRecord &port) {
     if (router_)
         router_->portAdded(port);
-    lookSoon();
+    pairMayHaveChanged();
     devicePortsChanged(port);
 }
 
 void PipeWireHardware::portRemoved(const PortRecord &port) {
     if (router_)
         router_->portRemoved(port);
-    lookSoon();
+    pairMayHaveChanged();
     devicePortsChanged(port);
 }
 
@@ -317,13 +317,13 @@ void PipeWireHardware::devicePortsChanged(const PortRecord &port) {
 void PipeWireHardware::linkAdded(const LinkRecord &link) {
     if (router_)
         router_->linkAdded(link);
-    lookSoon();
+    pairMayHaveChanged();
 }
 
 void PipeWireHardware::linkRemoved(const LinkRecord &link) {
     if (router_)
         router_->linkRemoved(link);
-    lookSoon();
+    pairMayHaveChanged();
 }
 
 void PipeWireHardware::metadataChanged(std::uint32_t subject, std::string_view key,
@@ -340,7 +340,7 @@ void PipeWireHardware::metadataArrived() {
         supervisor_.sessionManagerReturned();
     if (router_)
         router_->metadataArrived();
-    lookSoon();
+    pairMayHaveChanged();
     tell(HardwareProperty::defaultOutput);
 }
 
@@ -475,6 +475,7 @@ Status PipeWireHardware::startDevice(AudioObjectID device, IOProcID proc) {
         return -EPIPE;
     tap_->setClient(ioClient_, {graphRate(), 2});
     isIORunning_ = true;
+    isPairSeen_ = false;
     lookAround();
     return statusOK;
 }

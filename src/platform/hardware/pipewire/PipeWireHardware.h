@@ -78,12 +78,14 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     // Watching over the two streams (PairWatch.cpp). [control], or under the loop's lock
     void lookAround();
     void armTimer();
+    void seePair();
     [[nodiscard]] PairFacts pairFacts() const;
     [[nodiscard]] const NodeRecord *ownNode(const ServerStream &stream) const;
     void beginRouting();
     [[nodiscard]] RoutingEnds routingEnds() const;
     void confirmReleases();
     void rebuildPair();
+    void outputStopped();
     void dropOutputLinks();
     void linkOutput(const OutStream &stream, AudioObjectID device);
 
@@ -100,6 +102,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     void devicePortsChanged(const PortRecord &port);
     /// Looks around soon, outside of the server's callback.
     void lookSoon();
+    void pairMayHaveChanged();
     void tell(HardwareProperty property, Status status = statusOK);
 
     std::unique_ptr<ServerConnection> connection_;
@@ -111,6 +114,11 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     AudioObjectID tapHandle_ =
         0; ///< the node's id when the tap was made; a rebuilt one has another
     PairSupervisor supervisor_;
+    // What is seen of the pair, until an object of the server changes: it is found among all ports
+    // and links, and metadata changes far more often.
+    bool isPairSeen_ = false;
+    PairFacts facts_;
+    RoutingEnds seenEnds_;
     RoutingEnds ends_;          ///< that routing has begun with
     bool mustBeDevice_ = false; ///< of the tap: the session manager has given it other channels
     std::uint64_t awaitedReleases_ = 0;
@@ -123,6 +131,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     IOClient *ioClient_ = nullptr;
     bool isIORunning_ = false;
     Output *output_ = nullptr; ///< the running one
+    double outputStoppedAt_ = 0.0;
     std::vector<AudioObjectID> knownDevices_;
     bool isSettled_ = false; ///< the server has told what it holds [main]
 

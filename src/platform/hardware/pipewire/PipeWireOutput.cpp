@@ -14,7 +14,9 @@ namespace quorbel {
 namespace {
 
 /// The session manager links within milliseconds; some of its starts forget what was there before.
-constexpr double linkSeconds = 0.5;
+constexpr double linkSeconds = 0.2;
+/// Ports of some devices come a moment after their node.
+constexpr double longestLinkSeconds = 1.6;
 /// After this much inaudible output the device may rest.
 constexpr double tailSeconds = 2.0;
 /// How often the control side looks at what the real-time side has done.
@@ -69,9 +71,11 @@ Status PipeWireHardware::Output::start(RenderClient &client) {
     };
     if (status == statusOK)
         status = connection.waitUntil(isDecided, linkSeconds);
-    if (status == -ETIMEDOUT) {
+    for (double waited = linkSeconds; status == -ETIMEDOUT && waited < longestLinkSeconds;
+         waited += linkSeconds) {
+        hardware_.dropOutputLinks();
         hardware_.linkOutput(*stream_, device_);
-        status = connection.waitUntil(isDecided, answerSeconds);
+        status = connection.waitUntil(isDecided, linkSeconds);
     }
     if (status == statusOK)
         status = stream_->error();
@@ -83,6 +87,7 @@ Status PipeWireHardware::Output::start(RenderClient &client) {
     }
     client_ = &client;
     hardware_.output_ = this;
+    hardware_.isPairSeen_ = false;
     hardware_.lookAround();
     return statusOK;
 }
@@ -107,7 +112,7 @@ void PipeWireHardware::Output::stop() {
     if (!stream_)
         return;
     const LoopLock lock(hardware_.connection_->loop());
-    hardware_.output_ = nullptr;
+    hardware_.outputStopped();
     client_ = nullptr;
     if (tailTimer_ != nullptr)
         pw_loop_destroy_source(pw_thread_loop_get_loop(hardware_.connection_->loop()),
