@@ -4,6 +4,13 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QEvent>
+#include <QFont>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+#include <cmath>
 
 namespace quorbel {
 namespace {
@@ -46,11 +53,41 @@ void Appearance::setReducedMotion(bool on) {
     }
 }
 
+void Appearance::setTextFactor(double factor) {
+    textFactor_ = factor;
+    updateTextScale();
+}
+
+void Appearance::updateTextScale() {
+    const QFont font = QGuiApplication::font();
+    const auto *screen = QGuiApplication::primaryScreen();
+    const double dotsPerInch = screen != nullptr ? screen->logicalDotsPerInchY() : 96;
+    const double pixels =
+        font.pixelSize() > 0 ? font.pixelSize() : font.pointSizeF() * dotsPerInch / 72;
+    constexpr double designed = 10 * 96 / 72.0; // 10 points at 96 dots per inch
+    const bool isCounted = !QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
+    const double wanted = pixels / designed * (isCounted ? 1 : textFactor_);
+    const double scale = std::clamp(std::round(wanted * 100) / 100, 1.0, 2.0);
+    if (textScale_ != scale) {
+        textScale_ = scale;
+        Q_EMIT changed();
+    }
+}
+
+bool Appearance::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == qGuiApp && event->type() == QEvent::ApplicationFontChange) {
+        updateTextScale();
+    }
+    return QObject::eventFilter(watched, event);
+}
+
 void Appearance::followDesktop() {
     if (following_) {
         return;
     }
     following_ = true;
+    qGuiApp->installEventFilter(this);
+    updateTextScale();
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return;
@@ -61,6 +98,7 @@ void Appearance::followDesktop() {
         {appearanceGroup, QStringLiteral("contrast")},
         {appearanceGroup, QStringLiteral("reduced-motion")},
         {gnomeGroup, QStringLiteral("enable-animations")},
+        {gnomeGroup, QStringLiteral("text-scaling-factor")},
         {gnomeAccessGroup, QStringLiteral("high-contrast")},
         {plasmaGroup, QStringLiteral("AnimationDurationFactor")},
     };
@@ -96,6 +134,8 @@ void Appearance::apply(const QString &group, const QString &key, const QVariant 
         setReducedMotion(value.toUInt() == 1);
     } else if (group == gnomeGroup && key == QStringLiteral("enable-animations")) {
         setReducedMotion(!value.toBool());
+    } else if (group == gnomeGroup && key == QStringLiteral("text-scaling-factor")) {
+        setTextFactor(value.toDouble());
     } else if (group == plasmaGroup && key == QStringLiteral("AnimationDurationFactor")) {
         setReducedMotion(value.toString().toDouble() == 0);
     }

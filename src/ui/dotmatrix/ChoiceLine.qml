@@ -12,7 +12,7 @@ T.ItemDelegate {
     property string heading: ""
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: Theme.controlHeight + topInset
+    implicitHeight: Math.max(Theme.controlHeight, contentItem.implicitHeight + 1.5 * Theme.unit) + topInset
     topInset: group.visible ? group.height : 0
     topPadding: topInset
     containmentMask: background

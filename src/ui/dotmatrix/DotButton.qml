@@ -15,7 +15,7 @@ T.Button {
     readonly property color foreground: primary ? Theme.onSignal : Theme.ink
 
     implicitWidth: Math.max(implicitContentWidth + leftPadding + rightPadding, Theme.controlHeight)
-    implicitHeight: Theme.controlHeight
+    implicitHeight: Math.max(Theme.controlHeight, implicitContentHeight + 1.5 * Theme.unit)
     leftPadding: (text === "" ? 1 : flat ? 1 : 2) * Theme.unit
     rightPadding: leftPadding
     spacing: Theme.unit

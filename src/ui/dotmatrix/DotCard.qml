@@ -11,7 +11,7 @@ T.Pane {
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 2 * Theme.unit
-    topPadding: title !== "" ? padding + 3 * Theme.unit : padding
+    topPadding: title !== "" ? padding + 3 * Theme.textUnit : padding
     focusPolicy: Qt.NoFocus
 
     Accessible.name: title

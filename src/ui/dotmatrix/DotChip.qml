@@ -8,8 +8,8 @@ Rectangle {
     property alias text: label.text
     property bool lit: false
 
-    implicitWidth: label.implicitWidth + 2 * Theme.unit
-    implicitHeight: 3 * Theme.unit
+    implicitWidth: label.implicitWidth + 2 * Theme.textUnit
+    implicitHeight: Theme.fieldHeight
     radius: height / 2
     color: lit ? Theme.signal : "transparent"
     border.width: lit ? 0 : Theme.hairline
@@ -24,6 +24,7 @@ Rectangle {
         anchors.centerIn: parent
         color: chip.lit ? Theme.onSignal : Theme.inkSoft
         font.pixelSize: Theme.captionSize
+        textFormat: Text.PlainText
         Accessible.ignored: true
     }
 }

@@ -59,6 +59,7 @@ T.ComboBox {
         font: control.font
         spacing: control.spacing
         color: Theme.ink
+        elides: true // its list shows it whole
     }
     background: Rectangle {
         radius: Theme.radius
@@ -72,7 +73,8 @@ T.ComboBox {
     }
     popup: T.Popup {
         y: control.height + Theme.radius
-        width: Math.max(control.width, 24 * Theme.unit)
+        // A choice that is longer goes on in a second line.
+        width: Math.min(Math.max(control.width, 24 * Theme.textUnit), control.Window.width - 2 * margins)
         height: Math.min(contentItem.implicitHeight + topPadding + bottomPadding, control.Window.height - 4 * Theme.unit)
         padding: Theme.radius
         margins: Theme.unit

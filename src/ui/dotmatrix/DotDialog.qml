@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
@@ -14,12 +13,14 @@ T.Dialog {
     property string acceptText: "OK"
     property string rejectText: "Cancel" // none: no such button
     property bool acceptEnabled: true
+    // Scrolls where the window is too low for it.
+    default property alias body: holder.data
 
     parent: T.Overlay.overlay
     x: parent ? Math.round((parent.width - width) / 2) : 0
     y: parent ? Math.round((parent.height - height) / 3) : 0
-    implicitWidth: Math.max(50 * Theme.unit, implicitContentWidth + leftPadding + rightPadding)
-    implicitHeight: implicitHeaderHeight + implicitContentHeight + implicitFooterHeight + topPadding + bottomPadding
+    width: Math.min(Math.max(50 * Theme.textUnit, Math.min(holder.implicitWidth, 72 * Theme.textUnit) + leftPadding + rightPadding), (parent?.width ?? Infinity) - 2 * margins)
+    height: Math.min(implicitHeaderHeight + holder.implicitHeight + implicitFooterHeight + topPadding + bottomPadding, (parent?.height ?? Infinity) - 2 * margins)
     modal: true
     focus: true
     margins: 2 * Theme.unit
@@ -47,18 +48,50 @@ T.Dialog {
         color: Theme.ink
         font.pixelSize: Theme.headingSize
         font.bold: true
-        elide: Text.ElideRight
+        wrapMode: Text.Wrap
+        textFormat: Text.PlainText
+    }
+    contentItem: DotScrollView {
+        id: view
+
+        focus: true
+        contentWidth: availableWidth
+        contentHeight: holder.implicitHeight
+
+        Item {
+            id: holder
+
+            function largest(property) {
+                let size = 0;
+                for (let index = 0; index < children.length; ++index)
+                    size = Math.max(size, children[index][property]);
+                return size;
+            }
+
+            implicitWidth: largest("implicitWidth")
+            implicitHeight: largest("implicitHeight")
+            width: view.availableWidth
+            height: implicitHeight
+        }
     }
     footer: Item {
-        implicitHeight: Theme.controlHeight + 6 * Theme.unit
+        implicitHeight: buttons.implicitHeight + 6 * Theme.unit
 
-        RowLayout {
+        WrapRow {
+            id: buttons
+
+            anchors.left: parent.left
+            anchors.leftMargin: 3 * Theme.unit
             anchors.right: parent.right
             anchors.rightMargin: 3 * Theme.unit
             anchors.bottom: parent.bottom
             anchors.bottomMargin: 3 * Theme.unit
             spacing: Theme.unit
+            rowSpacing: Theme.unit
 
+            Item {
+                WrapRow.fills: true
+            }
             DotButton {
                 objectName: "dialogReject"
                 visible: dialog.rejectText !== ""

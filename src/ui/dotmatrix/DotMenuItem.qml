@@ -8,7 +8,7 @@ T.MenuItem {
     property string symbol: ""
 
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: Theme.controlHeight
+    implicitHeight: Math.max(Theme.controlHeight, implicitContentHeight + 1.5 * Theme.unit)
     leftPadding: Theme.unit
     rightPadding: 2 * Theme.unit
     spacing: Theme.unit

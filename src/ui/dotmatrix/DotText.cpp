@@ -10,7 +10,10 @@ namespace quorbel {
 
 DotText::DotText(QQuickItem *parent) : DotItem(parent) {
     measure();
-    connect(&Appearance::instance(), &Appearance::changed, this, &DotText::colorChanged);
+    connect(&Appearance::instance(), &Appearance::changed, this, [this] {
+        measure();
+        Q_EMIT colorChanged();
+    });
 }
 
 void DotText::setText(const QString &text) {
@@ -43,24 +46,26 @@ void DotText::setShowUnlit(bool show) {
     }
 }
 
+double DotText::pitch() const { return dotSize_ * Appearance::instance().textScale(); }
+
 void DotText::measure() {
-    setImplicitSize(dotFont::columns(text_) * dotSize_, dotFont::rows * dotSize_);
+    setImplicitSize(dotFont::columns(text_) * pitch(), dotFont::rows * pitch());
 }
 
 void DotText::paintDots(DotPainter &painter, QSize size) {
     // Rounded down: at odd scales the text is rather a little smaller than cut off.
-    const int pitch = std::max(1, static_cast<int>(dotSize_ * painter.scale() + 0.01));
+    const int step = std::max(1, static_cast<int>(pitch() * painter.scale() + 0.01));
     // Below three pixels a gap would cost more light than it gives shape.
-    const int diameter = pitch < 3 ? pitch : pitch - std::max(1, pitch / 6);
+    const int diameter = step < 3 ? step : step - std::max(1, step / 6);
     const QPixmap lit = dotSprite(diameter, color());
     const QPixmap unlit = dotSprite(diameter, palette().dot);
-    const int top = (size.height() - dotFont::rows * pitch) / 2;
+    const int top = (size.height() - dotFont::rows * step) / 2;
     int left = 0;
     for (const QChar character : std::as_const(text_)) {
         const auto glyph = dotFont::glyph(character);
         for (int row = 0; row < dotFont::rows; ++row) {
             for (int column = 0; column < glyph.width; ++column) {
-                const QPoint at(left + column * pitch, top + row * pitch);
+                const QPoint at(left + column * step, top + row * step);
                 if (glyph.lit(column, row)) {
                     painter->drawPixmap(at, lit);
                 } else if (showUnlit_) {
@@ -68,7 +73,7 @@ void DotText::paintDots(DotPainter &painter, QSize size) {
                 }
             }
         }
-        left += (glyph.width + 1) * pitch;
+        left += (glyph.width + 1) * step;
     }
 }
 

@@ -21,7 +21,7 @@ class DotText : public quorbel::DotItem {
     QString text() const { return text_; }
     void setText(const QString &text);
 
-    /// Distance from one dot to the next; the text is seven of them high.
+    /// Distance from one dot to the next at normal text size; the text is seven of them high.
     double dotSize() const { return dotSize_; }
     void setDotSize(double size);
 
@@ -45,6 +45,7 @@ class DotText : public quorbel::DotItem {
 
   private:
     void measure();
+    double pitch() const; ///< from one dot to the next, at the desktop's text size
 
     QString text_;
     double dotSize_ = 2;

@@ -63,6 +63,7 @@ T.Switch {
         font: control.font
         color: Theme.ink
         verticalAlignment: Text.AlignVCenter
-        elide: Text.ElideRight
+        wrapMode: Text.Wrap
+        textFormat: Text.PlainText
     }
 }

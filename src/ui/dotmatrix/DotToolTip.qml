@@ -7,7 +7,7 @@ T.ToolTip {
 
     x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
     y: -implicitHeight - Theme.radius
-    implicitWidth: Math.min(contentItem.implicitWidth + leftPadding + rightPadding, 50 * Theme.unit)
+    implicitWidth: Math.min(contentItem.implicitWidth + leftPadding + rightPadding, 45 * Theme.textUnit, (parent?.Window.width ?? Infinity) - 2 * margins)
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     margins: Theme.radius
     horizontalPadding: Theme.unit
@@ -20,8 +20,7 @@ T.ToolTip {
     contentItem: PlainText {
         text: control.text
         font: control.font
-        textFormat: Text.PlainText
-        wrapMode: Text.WordWrap
+        wrapMode: Text.Wrap
         color: Theme.card
     }
     background: Rectangle {

@@ -2,7 +2,7 @@ import QtQuick
 import Quorbel.Dotmatrix
 
 // The inside of a button, a menu's line or a box of choices: a symbol, a small caption, a text; what is
-// empty takes no room. A text too long for the width ends in dots.
+// empty takes no room. A text too long for the width goes on in the next line, or ends in dots where `elides`.
 Item {
     id: face
 
@@ -14,11 +14,24 @@ Item {
     property alias color: label.color
     property real spacing: Theme.unit
     property bool centred: false
+    property bool elides: false
 
-    readonly property real before: (mark.visible ? mark.width + spacing : 0) + (small.visible ? small.implicitWidth + spacing : 0)
+    readonly property real before: (mark.visible ? mark.implicitWidth + spacing : 0) + (small.visible ? small.implicitWidth + spacing : 0)
 
-    implicitWidth: row.implicitWidth
+    implicitWidth: text !== "" ? before + natural : Math.max(0, before - spacing)
     implicitHeight: row.implicitHeight
+
+    // Measured apart: the label's own measure changes while its width is being set.
+    readonly property real natural: Math.ceil(metrics.advanceWidth) + 1
+
+    readonly property bool fits: face.width <= 0 || natural <= face.width - before
+
+    TextMetrics {
+        id: metrics
+
+        text: label.text
+        font: label.font
+    }
 
     Row {
         id: row
@@ -43,6 +56,7 @@ Item {
             text: face.caption
             color: Theme.inkSoft
             font.pixelSize: Theme.captionSize
+            textFormat: Text.PlainText
             Accessible.ignored: true
         }
         PlainText {
@@ -50,8 +64,11 @@ Item {
 
             anchors.verticalCenter: parent.verticalCenter
             visible: text !== ""
-            width: face.width > 0 ? Math.min(implicitWidth, Math.max(0, face.width - face.before)) : implicitWidth
-            elide: Text.ElideRight
+            width: face.fits ? face.natural : Math.max(0, face.width - face.before)
+            elide: face.elides ? Text.ElideRight : Text.ElideNone
+            // Only where it must: a text that might wrap is too high for a moment whenever its font changes.
+            wrapMode: face.elides || face.fits ? Text.NoWrap : Text.Wrap
+            textFormat: Text.PlainText
             Accessible.ignored: true
         }
     }

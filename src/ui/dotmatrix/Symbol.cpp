@@ -10,8 +10,11 @@
 namespace quorbel {
 
 Symbol::Symbol(QQuickItem *parent) : DotItem(parent) {
-    setImplicitSize(size_, size_);
-    connect(&Appearance::instance(), &Appearance::changed, this, &Symbol::colorChanged);
+    measure();
+    connect(&Appearance::instance(), &Appearance::changed, this, [this] {
+        measure();
+        Q_EMIT colorChanged();
+    });
 }
 
 void Symbol::setName(const QString &name) {
@@ -32,9 +35,15 @@ void Symbol::resetColor() { setColor(QColor()); }
 
 void Symbol::setSize(double size) {
     if (take(size_, size)) {
-        setImplicitSize(size, size);
+        measure();
         Q_EMIT sizeChanged();
     }
+}
+
+// A symbol stands beside a text and is as large as that.
+void Symbol::measure() {
+    const double edge = size_ * Appearance::instance().textScale();
+    setImplicitSize(edge, edge);
 }
 
 void Symbol::paintDots(DotPainter &painter, QSize size) {

@@ -25,7 +25,7 @@ class Symbol : public quorbel::DotItem {
     QColor color() const;
     void setColor(const QColor &color);
     void resetColor();
-    /// Edge of the square that the symbol fills; 16 is what it is drawn for.
+    /// Edge of the square that the symbol fills at normal text size; 16 is what it is drawn for.
     double size() const { return size_; }
     void setSize(double size);
 
@@ -38,6 +38,8 @@ class Symbol : public quorbel::DotItem {
     void paintDots(DotPainter &painter, QSize size) override;
 
   private:
+    void measure();
+
     QString name_;
     QColor color_;
     double size_ = 16;

@@ -6,9 +6,12 @@
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
 
+#include <cmath>
+
 namespace quorbel {
 
 /// Colours, sizes and durations of the window, for QML. Sizes are in device-independent pixels.
+/// Those that hold text grow with the text size of the desktop; margins and drawings do not.
 class Theme : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -32,13 +35,25 @@ class Theme : public QObject {
     Q_PROPERTY(double unit READ unit CONSTANT FINAL)
     Q_PROPERTY(double radius READ radius CONSTANT FINAL)
     Q_PROPERTY(double hairline READ hairline NOTIFY changed FINAL)
-    Q_PROPERTY(double controlHeight READ controlHeight CONSTANT FINAL)
     Q_PROPERTY(double dotPitch READ dotPitch CONSTANT FINAL)
-    Q_PROPERTY(int titleSize READ titleSize CONSTANT FINAL)
-    Q_PROPERTY(int headingSize READ headingSize CONSTANT FINAL)
-    Q_PROPERTY(int bodySize READ bodySize CONSTANT FINAL)
-    Q_PROPERTY(int captionSize READ captionSize CONSTANT FINAL)
-    Q_PROPERTY(QString fontFamily READ fontFamily CONSTANT FINAL)
+    Q_PROPERTY(double textScale READ textScale NOTIFY changed FINAL)
+    Q_PROPERTY(double textUnit READ textUnit NOTIFY changed FINAL)
+    Q_PROPERTY(int titleSize READ titleSize NOTIFY changed FINAL)
+    Q_PROPERTY(int headingSize READ headingSize NOTIFY changed FINAL)
+    Q_PROPERTY(int bodySize READ bodySize NOTIFY changed FINAL)
+    Q_PROPERTY(int captionSize READ captionSize NOTIFY changed FINAL)
+    Q_PROPERTY(QString fontFamily READ fontFamily NOTIFY changed FINAL)
+    Q_PROPERTY(double controlHeight READ controlHeight NOTIFY changed FINAL)
+    Q_PROPERTY(double fieldHeight READ fieldHeight NOTIFY changed FINAL)
+    Q_PROPERTY(double rowHeight READ rowHeight NOTIFY changed FINAL)
+    Q_PROPERTY(double headHeight READ headHeight NOTIFY changed FINAL)
+    Q_PROPERTY(double sidebarWidth READ sidebarWidth NOTIFY changed FINAL)
+    Q_PROPERTY(double stripWidth READ stripWidth NOTIFY changed FINAL)
+    Q_PROPERTY(double labelWidth READ labelWidth NOTIFY changed FINAL)
+    Q_PROPERTY(double valueWidth READ valueWidth NOTIFY changed FINAL)
+    Q_PROPERTY(double expanderWidth READ expanderWidth NOTIFY changed FINAL)
+    Q_PROPERTY(double readingWidth READ readingWidth NOTIFY changed FINAL)
+    Q_PROPERTY(double indent READ indent CONSTANT FINAL)
     Q_PROPERTY(int duration READ duration NOTIFY changed FINAL)
     Q_PROPERTY(double disabledOpacity READ disabledOpacity CONSTANT FINAL)
     Q_PROPERTY(bool highContrast READ highContrast NOTIFY changed FINAL)
@@ -66,13 +81,36 @@ class Theme : public QObject {
     double unit() const { return 8; }
     double radius() const { return 4; }
     double hairline() const { return highContrast() ? 2 : 1; }
-    double controlHeight() const { return 32; }
     double dotPitch() const { return 8; }
-    int titleSize() const { return 24; }
-    int headingSize() const { return 15; }
-    int bodySize() const { return 13; }
-    int captionSize() const { return 11; }
+
+    /// 1 to 2; see `Appearance`.
+    double textScale() const { return Appearance::instance().textScale(); }
+    /// A unit for what holds text.
+    double textUnit() const { return unit() * textScale(); }
+    int titleSize() const { return scaled(24); }
+    int headingSize() const { return scaled(15); }
+    int bodySize() const { return scaled(13); }
+    int captionSize() const { return scaled(11); }
     QString fontFamily() const;
+
+    /// One line of text and the room around it: buttons and boxes, small fields and chips, rows of
+    /// the sidebar, heads of screens.
+    double controlHeight() const { return 16 + scaled(16); }
+    double fieldHeight() const { return 8 + scaled(16); }
+    double rowHeight() const { return 20 + scaled(16); }
+    double headHeight() const { return 24 + scaled(16); }
+
+    double sidebarWidth() const { return 27 * textUnit(); }
+    /// The narrowest strip of a band.
+    double stripWidth() const { return 6 * textUnit(); }
+    /// Columns of a card: the names of its values, the values, the button that opens it.
+    double labelWidth() const { return 22 * textUnit(); }
+    double valueWidth() const { return 13 * textUnit(); }
+    double expanderWidth() const { return 15 * textUnit(); }
+    /// The longest lines of prose.
+    double readingWidth() const { return 88 * textUnit(); }
+    /// From the edge of a card to its texts, which stand beside a switch or a number.
+    double indent() const { return 7 * unit(); }
     /// Milliseconds of a transition; none where the desktop asks for less motion.
     int duration() const { return reducedMotion() ? 0 : 120; }
     double disabledOpacity() const { return 0.4; }
@@ -83,6 +121,7 @@ class Theme : public QObject {
     void changed();
 
   private:
+    int scaled(double pixels) const { return static_cast<int>(std::lround(pixels * textScale())); }
     static const Palette &palette() { return Appearance::instance().palette(); }
 };
 

@@ -1,0 +1,38 @@
+import QtQuick
+import QtQuick.Templates as T
+import Quorbel.Dotmatrix
+
+// Brings what the keyboard reaches into view, in everything around it that scrolls. One for each window.
+Item {
+    id: follower
+
+    readonly property real margin: 2 * Theme.unit
+
+    // Where a view of that length must begin to hold the item, or else the item's beginning.
+    function shifted(from, length, itemFrom, itemLength, first, last) {
+        const atLeast = Math.max(from, itemFrom + itemLength + margin - length);
+        return Math.max(first, Math.min(atLeast, itemFrom - margin, Math.max(first, last - length)));
+    }
+    function reveal(item) {
+        // From the inside out: a view looks where the one in it has moved the item to.
+        for (let at = item.parent; at !== null; at = at.parent) {
+            const view = at as Flickable;
+            if (view === null)
+                continue;
+            const place = item.mapToItem(view.contentItem, 0, 0);
+            view.contentX = shifted(view.contentX, view.width, place.x, item.width, view.originX, view.originX + view.contentWidth);
+            view.contentY = shifted(view.contentY, view.height, place.y, item.height, view.originY, view.originY + view.contentHeight);
+        }
+    }
+
+    Connections {
+        target: follower.Window.window
+        function onActiveFocusItemChanged() {
+            const item = follower.Window.activeFocusItem;
+            // A click lands on what is already in view.
+            const clicked = (item as T.Control)?.visualFocus === false || (item as FocusArea)?.visualFocus === false;
+            if (item !== null && !clicked)
+                follower.reveal(item);
+        }
+    }
+}
