@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QtQml/QQmlExtensionPlugin>
 
 Q_IMPORT_QML_PLUGIN(Quorbel_DotmatrixPlugin)
@@ -17,11 +18,32 @@ MainWindow::MainWindow(const QVariantMap &properties) {
     engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Quorbel/Screens/Main.qml")));
     if (!engine_.rootObjects().isEmpty())
         window_ = qobject_cast<QQuickWindow *>(engine_.rootObjects().constFirst());
-    if (window_ != nullptr)
-        window_->installEventFilter(this);
+    if (window_ == nullptr)
+        return;
+    window_->installEventFilter(this);
+    wanted_ = {window_->size(), window_->minimumSize()};
+    followScreen();
+    const QScreen &screen = *window_->screen();
+    window_->resize(fittedTo(screen.availableGeometry(), screen.geometry(), wanted_).start);
+    connect(window_, &QWindow::screenChanged, this, &MainWindow::followScreen);
 }
 
 MainWindow::~MainWindow() = default;
+
+void MainWindow::followScreen() {
+    disconnect(screenWatch_);
+    if (window_->screen() == nullptr) // the last one was unplugged
+        return;
+    screenWatch_ = connect(window_->screen(), &QScreen::availableGeometryChanged, this,
+                           &MainWindow::fitMinimum);
+    fitMinimum();
+}
+
+void MainWindow::fitMinimum() {
+    const QScreen &screen = *window_->screen();
+    window_->setMinimumSize(
+        fittedTo(screen.availableGeometry(), screen.geometry(), wanted_).minimum);
+}
 
 void MainWindow::raise(const QString &activationToken) {
     if (!activationToken.isEmpty())

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/app/WindowSizes.h"
+
 #include <QObject>
 #include <QQmlApplicationEngine>
 #include <QVariantMap>
@@ -38,7 +40,13 @@ class MainWindow final : public QObject {
     bool eventFilter(QObject *watched, QEvent *event) override;
 
   private:
+    /// Keeps the minimum within the screen that the window is on, which may become another.
+    void followScreen();
+    void fitMinimum();
+
     QQmlApplicationEngine engine_;
+    WindowSizes wanted_; ///< as the QML has them
+    QMetaObject::Connection screenWatch_;
     QQuickWindow *window_ = nullptr; ///< the engine's
 };
 
