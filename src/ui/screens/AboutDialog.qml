@@ -27,6 +27,7 @@ DotDialog {
             Accessible.ignored: true
         }
         HeadingText {
+            Layout.fillWidth: true
             text: qsTr("Version %1").arg(App.about.version)
         }
         BodyText {
@@ -51,6 +52,7 @@ DotDialog {
         }
         DotButton {
             id: copyButton
+            Layout.fillWidth: implicitWidth > parent.width
             text: dialog.copied ? qsTr("Copied") : qsTr("Copy for a bug report")
             onClicked: {
                 report.copyAll();

@@ -66,8 +66,9 @@ ColumnLayout {
         Accessible.description: displayText
         onActivated: index => App.equalizer.bands.setFilterType(inspector.row, index)
     }
-    RowLayout {
+    WrapRow {
         Layout.fillWidth: true
+        rowSpacing: Theme.unit
         spacing: Theme.unit
 
         DotToggle {
@@ -76,10 +77,8 @@ ColumnLayout {
             accessibleName: qsTr("%1 bypass").arg(inspector.bandName)
             onToggled: App.equalizer.bands.setBypassed(inspector.row, !inspector.strip.bypassed)
         }
-        Item {
-            Layout.fillWidth: true
-        }
         DotButton {
+            WrapRow.trailing: true
             flat: true
             text: qsTr("Reset")
             help: qsTr("Sets this band to its default")

@@ -41,8 +41,8 @@ FocusScope {
             moveRequested(step);
     }
 
-    implicitWidth: 6 * Theme.unit
-    implicitHeight: rows.implicitHeight
+    implicitWidth: Theme.stripWidth
+    implicitHeight: rows.implicitHeight + Theme.unit
     onActiveFocusChanged: {
         if (activeFocus)
             chosen();
@@ -91,6 +91,7 @@ FocusScope {
             Layout.alignment: Qt.AlignHCenter
             Layout.fillHeight: true
             Layout.minimumHeight: 11 * Theme.unit
+            Layout.preferredHeight: 11 * Theme.unit
             orientation: Qt.Vertical
             movesSideways: false
             from: App.equalizer.minGain

@@ -6,7 +6,7 @@ PlainText {
     color: Theme.inkSoft
     font.family: Theme.fontFamily
     font.pixelSize: Theme.captionSize
-    elide: Text.ElideRight
+    wrapMode: Text.Wrap
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 }

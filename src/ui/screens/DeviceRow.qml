@@ -13,7 +13,7 @@ T.RadioDelegate {
     required property bool isCurrent
     required property bool isDefault
 
-    implicitHeight: 7 * Theme.unit
+    implicitHeight: Math.max(7 * Theme.unit, implicitContentHeight + 2 * Theme.unit)
     checked: isCurrent
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
@@ -48,22 +48,29 @@ T.RadioDelegate {
             size: 3 * Theme.unit
             color: row.isCurrent ? Theme.ink : Theme.inkSoft
         }
-        HeadingText {
+        WrapRow {
             Layout.fillWidth: true
-            text: row.name
-            Accessible.ignored: true
-        }
-        CaptionText {
-            visible: row.isDefault
-            text: qsTr("System default")
-            Accessible.ignored: true
-        }
-        CaptionText {
-            visible: row.isCurrent
-            text: qsTr("In use")
-            color: Theme.signalInk
-            font.weight: Font.DemiBold
-            Accessible.ignored: true
+            spacing: 2 * Theme.unit
+            rowSpacing: Theme.unit / 2
+
+            HeadingText {
+                WrapRow.fills: true
+                WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
+                text: row.name
+                Accessible.ignored: true
+            }
+            CaptionText {
+                visible: row.isDefault
+                text: qsTr("System default")
+                Accessible.ignored: true
+            }
+            CaptionText {
+                visible: row.isCurrent
+                text: qsTr("In use")
+                color: Theme.signalInk
+                font.weight: Font.DemiBold
+                Accessible.ignored: true
+            }
         }
         Rectangle {
             Layout.rightMargin: 2 * Theme.unit

@@ -20,7 +20,7 @@ ScreenPage {
     DotCard {
         Layout.fillWidth: true
         padding: 0
-        implicitHeight: devices.count > 0 ? rows.implicitHeight : 16 * Theme.unit
+        implicitHeight: devices.count > 0 ? rows.implicitHeight : Math.max(16 * Theme.unit, none.implicitHeight + 4 * Theme.unit)
 
         ColumnLayout {
             id: rows
@@ -38,17 +38,22 @@ ScreenPage {
                 }
             }
         }
-        ColumnLayout {
+        Column {
+            id: none
             anchors.centerIn: parent
+            width: parent.width - 4 * Theme.unit
             visible: devices.count === 0
             spacing: Theme.unit
 
             HeadingText {
-                Layout.alignment: Qt.AlignHCenter
+                width: parent.width
+                horizontalAlignment: Text.AlignHCenter
                 text: qsTr("No output device found")
             }
             BodyText {
-                Layout.alignment: Qt.AlignHCenter
+                width: parent.width
+                horizontalAlignment: Text.AlignHCenter
+                wrapMode: Text.Wrap
                 text: qsTr("Connect speakers or headphones, then press Refresh.")
                 color: Theme.inkSoft
             }
@@ -56,7 +61,8 @@ ScreenPage {
     }
     DotCard {
         Layout.fillWidth: true
-            RowLayout {
+
+        RowLayout {
             id: spectrum
             anchors.fill: parent
             spacing: 2 * Theme.unit
@@ -72,6 +78,7 @@ ScreenPage {
                 spacing: Theme.unit / 4
 
                 HeadingText {
+                    Layout.fillWidth: true
                     text: qsTr("Spectrum analyzer (visual only)")
                     Accessible.ignored: true // the switch says it
                 }

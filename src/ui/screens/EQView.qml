@@ -39,62 +39,84 @@ ScreenPage {
     ResponseCard {
         Layout.fillWidth: true
         Layout.fillHeight: true
-        Layout.preferredHeight: 23 * Theme.unit
-        Layout.minimumHeight: 23 * Theme.unit
+        Layout.preferredHeight: Math.max(23 * Theme.unit, implicitHeight)
+        Layout.minimumHeight: Layout.preferredHeight
         selectedBand: screen.selectedBand
         onBandChosen: row => screen.select(row)
     }
     DotCard {
         Layout.fillWidth: true
         // The curve gets the greater part of what there is to give.
-        Layout.preferredHeight: Math.max(25 * Theme.unit, Math.min(36 * Theme.unit, 0.42 * (screen.availableHeight - 9 * Theme.unit)))
+        Layout.preferredHeight: Math.max(implicitHeight, Math.min(36 * Theme.unit, 0.42 * (screen.availableHeight + screen.covered - 9 * Theme.unit)))
 
-        RowLayout {
+        GridLayout {
+            id: bandsLayout
+            // Beside the strips, unless hardly any of them could be seen then.
+            readonly property bool beside: width > Theme.labelWidth + 5 * Theme.stripWidth
+
             anchors.fill: parent
-            spacing: 2 * Theme.unit
+            columns: beside ? 3 : 1
+            columnSpacing: 2 * Theme.unit
+            rowSpacing: 2 * Theme.unit
 
-            RowLayout {
+            DotScrollView {
+                id: stripsView
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                spacing: 0
+                implicitWidth: 0
+                implicitHeight: stripsRow.implicitHeight + bottomPadding
+                bottomPadding: stripsRow.width > width ? 1.5 * Theme.unit : 0
+                contentWidth: stripsRow.width
+                contentHeight: availableHeight
 
-                FaderScale {
-                    Layout.fillHeight: true
-                    Layout.rightMargin: Theme.unit / 2
-                    strip: screen.selectedStrip
-                }
-                Repeater {
-                    id: strips
-                    model: App.equalizer.bands
-                    onItemAdded: index => {
-                        if (index === screen.selectedBand)
-                            screen.select(index);
-                    }
-                    onItemRemoved: index => {
-                        if (index === screen.selectedBand)
-                            screen.selectedStrip = null;
-                    }
-                    delegate: BandStripView {
-                        Layout.fillWidth: true
+                RowLayout {
+                    id: stripsRow
+                    width: Math.max(stripsView.availableWidth, strips.count * Theme.stripWidth + scale.implicitWidth)
+                    height: stripsView.availableHeight
+                    spacing: 0
+
+                    FaderScale {
+                        id: scale
                         Layout.fillHeight: true
-                        Layout.preferredWidth: 1
-                        // Up to Qt 6.4 qmllint does not know the ids around a delegate.
-                        // qmllint disable unqualified
-                        selected: screen.selectedBand === index
-                        onChosen: screen.select(index)
-                        onMoveRequested: step => screen.focusBand(index + step)
-                        // qmllint enable unqualified
+                        Layout.rightMargin: Theme.unit / 2
+                        strip: screen.selectedStrip
+                    }
+                    Repeater {
+                        id: strips
+                        model: App.equalizer.bands
+                        onItemAdded: index => {
+                            if (index === screen.selectedBand)
+                                screen.select(index);
+                        }
+                        onItemRemoved: index => {
+                            if (index === screen.selectedBand)
+                                screen.selectedStrip = null;
+                        }
+                        delegate: BandStripView {
+                            Layout.fillWidth: true
+                            Layout.fillHeight: true
+                            Layout.preferredWidth: 1
+                            // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+                            // qmllint disable unqualified
+                            selected: screen.selectedBand === index
+                            onChosen: screen.select(index)
+                            onMoveRequested: step => screen.focusBand(index + step)
+                            // qmllint enable unqualified
+                        }
                     }
                 }
             }
             Rectangle {
-                Layout.fillHeight: true
+                Layout.fillHeight: bandsLayout.beside
+                Layout.fillWidth: !bandsLayout.beside
                 implicitWidth: 1
+                implicitHeight: 1
                 color: Theme.rule
             }
             BandInspector {
-                Layout.preferredWidth: 22 * Theme.unit
-                Layout.maximumWidth: 22 * Theme.unit
+                Layout.preferredWidth: Theme.labelWidth
+                Layout.maximumWidth: bandsLayout.beside ? Theme.labelWidth : Number.POSITIVE_INFINITY
+                Layout.fillWidth: !bandsLayout.beside
                 Layout.alignment: Qt.AlignTop
                 strip: screen.selectedStrip
             }

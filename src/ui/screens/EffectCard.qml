@@ -10,7 +10,7 @@ DotCard {
     required property string description
     required property string readout
     property string readoutUnit: ""
-    readonly property real expanderWidth: 15 * Theme.unit
+    readonly property bool narrow: availableWidth < Theme.indent + Theme.labelWidth + Theme.valueWidth + Theme.expanderWidth + 26 * Theme.unit
     required property bool on
     property bool expanded: false
     default property alias controls: controlColumn.data
@@ -21,27 +21,34 @@ DotCard {
         anchors.fill: parent
         spacing: 0
 
-        RowLayout {
+        WrapRow {
             Layout.fillWidth: true
             spacing: 2 * Theme.unit
+            rowSpacing: Theme.unit
 
-            DotToggle {
-                id: toggle
-                checked: card.on
-                accessibleName: card.name
-                Accessible.description: head.help
-                onToggled: card.switched()
-            }
-            StageName {
-                id: head
-                Layout.fillWidth: true
-                name: card.name
-                description: card.description
-                toggle: toggle
+            RowLayout {
+                WrapRow.minimumWidth: Theme.indent + (card.narrow ? 16 * Theme.textUnit : Theme.labelWidth)
+                WrapRow.fills: true
+                spacing: 2 * Theme.unit
+
+                DotToggle {
+                    id: toggle
+                    checked: card.on
+                    accessibleName: card.name
+                    Accessible.description: head.help
+                    onToggled: card.switched()
+                }
+                StageName {
+                    id: head
+                    Layout.preferredWidth: Theme.labelWidth
+                    Layout.fillWidth: true
+                    name: card.name
+                    description: card.description
+                    toggle: toggle
+                }
             }
             RowLayout {
-                Layout.preferredWidth: 13 * Theme.unit
-                Layout.maximumWidth: 13 * Theme.unit
+                WrapRow.minimumWidth: Math.max(Theme.valueWidth, implicitWidth)
                 spacing: Theme.unit / 2
                 Accessible.role: Accessible.StaticText
                 Accessible.name: card.name + ": " + card.readout + card.readoutUnit
@@ -60,12 +67,25 @@ DotCard {
                 }
             }
             Item {
-                Layout.preferredWidth: card.expanderWidth
-                implicitHeight: expander.height
+                implicitWidth: Math.max(card.narrow ? 0 : Theme.expanderWidth, expander.implicitWidth + Math.max(0, moreWord.advanceWidth - shownWord.advanceWidth))
+                implicitHeight: expander.implicitHeight
+                height: implicitHeight
 
+                // The same width for both words.
+                TextMetrics {
+                    id: shownWord
+                    font: expander.font
+                    text: expander.text
+                }
+                TextMetrics {
+                    id: moreWord
+                    font: expander.font
+                    text: qsTr("All controls")
+                }
                 DotButton {
                     id: expander
                     anchors.right: parent.right
+                    width: Math.min(implicitWidth, parent.width)
                     flat: true
                     text: card.expanded ? qsTr("Hide") : qsTr("All controls")
                     symbol: card.expanded ? "chevron.up" : "chevron.down"

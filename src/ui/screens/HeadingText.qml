@@ -7,7 +7,7 @@ PlainText {
     font.family: Theme.fontFamily
     font.pixelSize: Theme.headingSize
     font.weight: Font.DemiBold
-    elide: Text.ElideRight
+    wrapMode: Text.Wrap
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 }

@@ -13,7 +13,7 @@ ScreenPage {
     }
     BodyText {
         Layout.fillWidth: true
-        Layout.maximumWidth: 88 * Theme.unit
+        Layout.maximumWidth: Theme.readingWidth
         wrapMode: Text.WordWrap
         text: qsTr("The limiter sees peaks 1.3 ms before they arrive and rides the gain down, so a boosted band can't clip. Auto-gain chases a target level on its own. Manual loudness is a fixed trim that stays exactly where you put it — nothing follows the music. With both on, the trim offsets whatever level auto-gain settles on.")
     }
@@ -23,7 +23,7 @@ ScreenPage {
         on: App.setting("limiterEnabled").on
         onSwitched: App.setting("limiterEnabled").toggle()
         trailing: Readout {
-            Layout.preferredWidth: 13 * Theme.unit
+            Layout.preferredWidth: Math.max(Theme.valueWidth, implicitWidth)
             caption: qsTr("Gain reduction")
             value: App.engine.reductionText
         }
@@ -39,7 +39,7 @@ ScreenPage {
         on: App.setting("autoGainEnabled").on
         onSwitched: App.setting("autoGainEnabled").toggle()
         trailing: Readout {
-            Layout.preferredWidth: 13 * Theme.unit
+            Layout.preferredWidth: Math.max(Theme.valueWidth, implicitWidth)
             caption: qsTr("Applied gain")
             value: App.engine.autoGainText
         }
@@ -60,7 +60,7 @@ ScreenPage {
             setting: App.setting("manualLoudnessDB")
         }
     }
-    RowLayout {
+    WrapRow {
         Layout.fillWidth: true
         spacing: 2 * Theme.unit
 
@@ -69,8 +69,10 @@ ScreenPage {
             font.pixelSize: Theme.bodySize
         }
         BodyText {
-            Layout.fillWidth: true
+            WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
             text: App.settings.peakProtection
+            wrapMode: Text.Wrap
+            lineHeight: 1
             color: App.setting("limiterEnabled").on ? Theme.ink : Theme.warning
         }
     }

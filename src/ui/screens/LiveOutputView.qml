@@ -9,28 +9,41 @@ DotCard {
 
     readonly property bool failed: App.engine.state === "error"
 
-    implicitHeight: Math.max(18 * Theme.unit, words.implicitHeight + topPadding + bottomPadding)
+    /// Whether there is room for a line only: the texts and how far the limiter is at work.
+    property bool line: false
+
+    padding: (line ? 1 : 2) * Theme.unit
+    horizontalPadding: 2 * Theme.unit
+    implicitHeight: Math.max(line ? 0 : 18 * Theme.unit, implicitContentHeight + topPadding + bottomPadding)
 
     RowLayout {
         anchors.fill: parent
         spacing: 3 * Theme.unit
 
-        ColumnLayout {
-            id: words
+        GridLayout {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            spacing: Theme.unit
+            // A long error has the width of a narrow line for itself.
+            columns: panel.line && !(panel.failed && panel.width < 60 * Theme.textUnit) ? 2 : 1
+            columnSpacing: 2 * Theme.unit
+            rowSpacing: Theme.unit
 
             RowLayout {
-                Layout.fillWidth: true
+                Layout.fillWidth: !panel.line
                 spacing: 2 * Theme.unit
 
                 DotText {
                     text: App.engine.stateWord
-                    dotSize: 4
+                    dotSize: panel.line ? 2 : 4
                     color: panel.failed ? Theme.warning : App.engine.running ? Theme.signal : Theme.ink
                     Accessible.role: Accessible.StaticText
                     Accessible.name: App.engine.stateWord
+
+                    DotAlert {
+                        objectName: "errorAlert"
+                        anchors.fill: parent
+                        text: panel.failed ? App.engine.errorMessage + " " + App.engine.outlook : ""
+                    }
                 }
                 DotChip {
                     visible: App.engine.comparing
@@ -39,57 +52,72 @@ DotCard {
                 }
                 CaptionText {
                     Layout.fillWidth: true
+                    visible: !panel.line
                     text: App.engine.outlook
-                    wrapMode: Text.WordWrap
                     color: Theme.ink
                 }
             }
-            DotAlert {
-                objectName: "errorAlert"
-                text: panel.failed ? App.engine.errorMessage + " " + App.engine.outlook : ""
-            }
             Item {
+                visible: !panel.line
                 Layout.fillHeight: true
             }
-            RowLayout {
+            WrapRow {
                 Layout.fillWidth: true
-                spacing: Theme.unit
+                stacked: !panel.line
+                spacing: 2 * Theme.unit
+                rowSpacing: Theme.unit
 
-                CopyableText {
-                    id: subtitle
-                    Layout.fillWidth: true
-                    text: App.engine.subtitle
-                    color: panel.failed ? Theme.warning : Theme.ink
-                    accessibleName: qsTr("Status")
+                WrapRow {
+                    WrapRow.fills: panel.failed || !panel.line
+                    WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
+                    spacing: Theme.unit
+
+                    CopyableText {
+                        id: subtitle
+                        WrapRow.fills: panel.failed || !panel.line
+                        WrapRow.minimumWidth: Math.min(implicitWidth, 20 * Theme.textUnit)
+                        text: App.engine.subtitle
+                        color: panel.failed ? Theme.warning : Theme.ink
+                        accessibleName: qsTr("Status")
+                    }
+                    DotButton {
+                        visible: App.engine.comingBack
+                        flat: true
+                        text: qsTr("Stop waiting")
+                        help: qsTr("Processing stays off until the next Start")
+                        onClicked: App.engine.stop()
+                    }
+                    DotButton {
+                        visible: panel.failed
+                        flat: true
+                        text: qsTr("Copy")
+                        help: qsTr("Copies the error's text")
+                        onClicked: subtitle.copyAll()
+                    }
                 }
-                DotButton {
-                    Layout.alignment: Qt.AlignTop
-                    visible: App.engine.comingBack
-                    flat: true
-                    text: qsTr("Stop waiting")
-                    help: qsTr("Processing stays off until the next Start")
-                    onClicked: App.engine.stop()
+                CaptionText {
+                    WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
+                    visible: panel.line && text !== ""
+                    text: App.engine.outlook
+                    color: Theme.ink
                 }
-                DotButton {
-                    Layout.alignment: Qt.AlignTop
-                    visible: panel.failed
-                    flat: true
-                    text: qsTr("Copy")
-                    help: qsTr("Copies the error's text")
-                    onClicked: subtitle.copyAll()
+                CaptionText {
+                    WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
+                    text: App.engine.secondLine
                 }
-            }
-            CaptionText {
-                Layout.fillWidth: true
-                text: App.engine.secondLine
-            }
-            CaptionText {
-                Layout.fillWidth: true
-                visible: App.engine.losses !== ""
-                text: App.engine.losses
+                CaptionText {
+                    WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
+                    visible: App.engine.losses !== ""
+                    text: App.engine.losses
+                }
             }
         }
+        BodyText {
+            visible: panel.line && !panel.failed
+            text: App.engine.reductionCompactText
+        }
         ColumnLayout {
+            visible: !panel.line
             Layout.fillHeight: true
             // A whole number of dots for each of the 32 columns.
             Layout.preferredWidth: (panel.width < 120 * Theme.unit ? 32 : 64) * Theme.unit
@@ -114,9 +142,10 @@ DotCard {
             }
         }
         ColumnLayout {
-            Layout.preferredWidth: 12 * Theme.unit
-            Layout.minimumWidth: 12 * Theme.unit
-            Layout.maximumWidth: 12 * Theme.unit
+            visible: !panel.line
+            Layout.preferredWidth: 12 * Theme.textUnit
+            Layout.minimumWidth: Layout.preferredWidth
+            Layout.maximumWidth: Layout.preferredWidth
             Layout.fillHeight: true
             spacing: Theme.unit
 

@@ -7,9 +7,14 @@ Window {
     id: window
 
     property string destination: "equalizer"
+    /// Where there is little room, the sidebar shows symbols only, and the live panel is a line. A desktop
+    /// may give a window less than its minimum.
+    readonly property bool narrow: width < 900 * Theme.textScale
+    readonly property bool low: height < 700 * Theme.textScale
     readonly property bool seen: visible && visibility !== Window.Minimized && visibility !== Window.Hidden
 
     title: qsTr("Ostrafine")
+    // On a screen that has no room for these, the program makes them smaller.
     width: 1280
     height: 900
     minimumWidth: 1020
@@ -22,7 +27,9 @@ Window {
         value: window.seen
     }
 
+    FocusFollower {}
     WindowKeys {
+        id: desk
         anchors.fill: parent
         focus: true
         page: screens.page
@@ -38,6 +45,7 @@ Window {
             id: toolbar
             anchors.left: parent.left
             anchors.right: parent.right
+            low: window.low
             onSectionRequested: destination => window.destination = destination
         }
         SidebarView {
@@ -46,6 +54,7 @@ Window {
             anchors.top: toolbar.bottom
             anchors.bottom: parent.bottom
             destination: window.destination
+            folded: window.narrow
             onChosen: destination => window.destination = destination
             onAboutRequested: aboutDialog.open()
         }
@@ -56,6 +65,7 @@ Window {
             anchors.top: toolbar.bottom
             anchors.bottom: parent.bottom
             destination: window.destination
+            small: window.narrow || window.low
             onSaveRequested: saveSheet.open()
         }
     }

@@ -10,6 +10,8 @@ Item {
 
     /// A raw value of `Destinatie`.
     required property string destination
+    /// Whether the live panel is to be a line.
+    property bool small: false
     signal saveRequested
 
     /// The screen itself.
@@ -35,49 +37,79 @@ Item {
                                                         : expandedStages.concat(stage);
     }
 
-    ColumnLayout {
+    // Scrolls only where the panel and a warning leave hardly anything for the screen.
+    DotScrollView {
+        id: scroll
         anchors.fill: parent
-        anchors.margins: 3 * Theme.unit
-        anchors.topMargin: 2 * Theme.unit
-        anchors.rightMargin: Theme.unit // the screens bring the rest, with their scroll bar in it
-        anchors.bottomMargin: 0 // screens scroll to the window's end
-        spacing: 2 * Theme.unit
+        contentWidth: availableWidth
+        contentHeight: column.y + column.height
+        takesKeys: true
+        accessibleName: App.navigation.titleOf(view.destination)
 
-        Notice {
-            Layout.fillWidth: true
-            message: App.persistWarning
-            isWarning: true
-            Layout.rightMargin: 2 * Theme.unit
-            onDismissed: App.dismissWarning()
-        }
-        LiveOutputView {
-            Layout.fillWidth: true
-            Layout.rightMargin: 2 * Theme.unit
-        }
-        Loader {
-            id: screen
-            Layout.fillWidth: true
-            Layout.fillHeight: true
-            sourceComponent: {
-                switch (view.destination) {
-                case "spatial":
-                    return spatial;
-                case "mixer":
-                    return mixer;
-                case "devices":
-                    return devices;
-                case "limiter":
-                    return limiter;
-                case "presetsAll":
-                case "presetsFactory":
-                case "presetsMine":
-                    return presets;
-                case "setup":
-                    return setup;
+        ColumnLayout {
+            id: column
+            // At the right the screens bring the rest, with their scroll bar in it; at the foot they scroll to the
+            // window's end.
+            x: (view.small ? 2 : 3) * Theme.unit
+            y: (view.small ? 1 : 2) * Theme.unit
+            width: view.width - x - (view.small ? 0 : Theme.unit)
+            height: Math.max(view.height - y, implicitHeight)
+            spacing: (view.small ? 1 : 2) * Theme.unit
+
+            LiveOutputView {
+                Layout.fillWidth: true
+                Layout.rightMargin: 2 * Theme.unit
+                line: view.small
+            }
+            Loader {
+                id: screen
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                Layout.preferredHeight: 0
+                // A list of presets cannot be lower than its head and one row.
+                Layout.minimumHeight: Math.max(Math.min(view.height - 2 * Theme.unit, 20 * Theme.textUnit), (item as PresetsView)?.implicitHeight ?? 0)
+                sourceComponent: {
+                    switch (view.destination) {
+                    case "spatial":
+                        return spatial;
+                    case "mixer":
+                        return mixer;
+                    case "devices":
+                        return devices;
+                    case "limiter":
+                        return limiter;
+                    case "presetsAll":
+                    case "presetsFactory":
+                    case "presetsMine":
+                        return presets;
+                    case "setup":
+                        return setup;
+                    }
+                    return equalizer;
                 }
-                return equalizer;
+            }
+            // At the foot, so that a warning that comes or goes moves nothing under the pointer.
+            Notice {
+                id: notice
+                Layout.fillWidth: true
+                Layout.rightMargin: 2 * Theme.unit
+                Layout.bottomMargin: 2 * Theme.unit
+                message: App.persistWarning
+                isWarning: true
+                onDismissed: App.dismissWarning()
             }
         }
+    }
+
+    Binding {
+        target: screen.item as ScreenPage
+        property: "covered"
+        value: notice.visible ? notice.height + 4 * Theme.unit : 0
+    }
+    Binding {
+        target: screen.item as ScreenPage
+        property: "accessibleName"
+        value: App.navigation.titleOf(view.destination)
     }
 
     // Up to Qt 6.4 qmllint does not know the ids around a component.

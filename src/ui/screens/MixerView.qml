@@ -13,7 +13,7 @@ ScreenPage {
     }
     BodyText {
         Layout.fillWidth: true
-        Layout.maximumWidth: 88 * Theme.unit
+        Layout.maximumWidth: Theme.readingWidth
         wrapMode: Text.WordWrap
         text: qsTr("Saturation adds harmonics by soft-clipping; crossfeed bleeds a delayed copy of each channel into the other ear, the way speakers do. Both are off by default.")
     }

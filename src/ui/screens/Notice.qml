@@ -24,31 +24,32 @@ Rectangle {
         anchors.fill: parent
         text: notice.message
     }
-    RowLayout {
+    Rectangle {
+        x: 2 * Theme.unit
+        y: Theme.unit + (Theme.controlHeight - height) / 2
+        width: Theme.unit
+        height: Theme.unit
+        radius: Theme.unit / 2
+        color: notice.isWarning ? Theme.warning : Theme.ink
+    }
+    WrapRow {
         id: rows
-        anchors.fill: parent
-        anchors.margins: Theme.unit
-        anchors.leftMargin: 2 * Theme.unit
+        x: 4 * Theme.unit
+        y: Theme.unit
+        width: notice.width - x - Theme.unit
+        alignTop: true
         spacing: Theme.unit
+        rowSpacing: Theme.unit
 
-        Rectangle {
-            Layout.alignment: Qt.AlignTop
-            Layout.topMargin: 1.5 * Theme.unit
-            implicitWidth: Theme.unit
-            implicitHeight: Theme.unit
-            radius: Theme.unit / 2
-            color: notice.isWarning ? Theme.warning : Theme.ink
-        }
         ColumnLayout {
-            Layout.fillWidth: true
-            Layout.topMargin: Theme.unit
-            Layout.bottomMargin: Theme.unit
-            Layout.alignment: Qt.AlignTop
+            WrapRow.fills: true
+            WrapRow.minimumWidth: Math.min(words.implicitWidth, 40 * Theme.textUnit)
             spacing: Theme.unit / 2
 
             CopyableText {
                 id: words
                 Layout.fillWidth: true
+                topPadding: (Theme.controlHeight - Theme.fieldHeight) / 2 + Theme.unit / 2 // level with the buttons
                 text: notice.message
             }
             CopyableText {
@@ -62,14 +63,12 @@ Rectangle {
             }
         }
         DotButton {
-            Layout.alignment: Qt.AlignTop
             flat: true
             text: qsTr("Copy")
             help: qsTr("Copies the message")
             onClicked: words.copyAll()
         }
         DotButton {
-            Layout.alignment: Qt.AlignTop
             flat: true
             text: qsTr("Dismiss")
             help: qsTr("Hides the message; it returns if this happens again")

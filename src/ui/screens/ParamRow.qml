@@ -3,27 +3,40 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// One number of a stage: its label, a slider over its range, and the value as text.
-RowLayout {
+/// One number of a stage: its label, a slider over its range, and the value as text. On a narrow card the
+/// slider has a line of its own.
+GridLayout {
     id: row
 
     required property Setting setting
     /// Left free at the end, as wide as what the card's head has there.
     property real trailing: 0
 
-    spacing: 2 * Theme.unit
+    readonly property bool narrow: width < Theme.indent + Theme.labelWidth + Theme.valueWidth + trailing + 20 * Theme.unit
+
+    columns: narrow ? 2 : 3
+    columnSpacing: 2 * Theme.unit
+    rowSpacing: 0
 
     BodyText {
         // Below the name of the card, which stands beside its switch.
-        Layout.leftMargin: 7 * Theme.unit
-        Layout.preferredWidth: 22 * Theme.unit
+        Layout.leftMargin: row.narrow ? 0 : Theme.indent
+        Layout.minimumWidth: row.narrow ? 0 : Theme.labelWidth
+        Layout.maximumWidth: row.narrow ? Number.POSITIVE_INFINITY : Theme.labelWidth
+        Layout.fillWidth: true
         Layout.alignment: Qt.AlignVCenter
+        Layout.row: 0
+        Layout.column: 0
         text: row.setting.label
-        elide: Text.ElideRight
+        wrapMode: Text.Wrap
+        lineHeight: 1
         Accessible.ignored: true
     }
     ParamSlider {
         objectName: accessibleName
+        Layout.row: row.narrow ? 1 : 0
+        Layout.column: row.narrow ? 0 : 1
+        Layout.columnSpan: row.narrow ? 2 : 1
         Layout.fillWidth: true
         from: row.setting.from
         to: row.setting.to
@@ -36,8 +49,10 @@ RowLayout {
         onResetRequested: row.setting.value = row.setting.defaultValue
     }
     BodyText {
-        Layout.preferredWidth: 13 * Theme.unit
-        Layout.rightMargin: row.trailing
+        Layout.row: 0
+        Layout.column: row.narrow ? 1 : 2
+        Layout.preferredWidth: row.narrow ? -1 : Math.max(Theme.valueWidth, implicitWidth)
+        Layout.rightMargin: row.narrow ? 0 : row.trailing
         Layout.alignment: Qt.AlignVCenter
         text: row.setting.text
         Accessible.ignored: true

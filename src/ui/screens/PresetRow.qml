@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
 /// One preset (`rand`): what it is called and for, what is in it, and what can be done with it. The
@@ -27,7 +26,7 @@ FocusScope {
     /// Where a menu about this preset opens.
     readonly property Item menuButton: more
 
-    implicitHeight: texts.implicitHeight + 3 * Theme.unit
+    implicitHeight: line.implicitHeight + 3 * Theme.unit
     Accessible.role: Accessible.ListItem
     Accessible.name: name
     Accessible.description: categoryTitle + (notes !== "" ? ", " + notes : "") + ", " + summary + (favourite ? ", " + qsTr("Favourite") : "") + (playing ? ", " + qsTr("Playing") : "")
@@ -56,24 +55,26 @@ FocusScope {
         color: Theme.signal
     }
 
-    RowLayout {
-        anchors.fill: parent
-        anchors.leftMargin: 3 * Theme.unit
-        anchors.rightMargin: 2 * Theme.unit
+    WrapRow {
+        id: line
+        x: 3 * Theme.unit
+        y: 1.5 * Theme.unit
+        width: row.width - 5 * Theme.unit
         spacing: 2 * Theme.unit
+        rowSpacing: Theme.unit
 
         Column {
-            id: texts
-            Layout.fillWidth: true
-            Layout.alignment: Qt.AlignVCenter
+            WrapRow.fills: true
+            WrapRow.minimumWidth: Math.min(line.width, 34 * Theme.textUnit)
             spacing: Theme.unit / 2
 
-            RowLayout {
-                width: Math.min(implicitWidth, parent.width)
+            WrapRow {
+                width: parent.width
                 spacing: 1.5 * Theme.unit
+                rowSpacing: Theme.unit / 2
 
                 HeadingText {
-                    Layout.fillWidth: true
+                    WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
                     text: row.name
                 }
                 CaptionText {
@@ -90,8 +91,6 @@ FocusScope {
                 width: parent.width
                 visible: text !== ""
                 text: row.notes
-                elide: Text.ElideRight
-                maximumLineCount: 6
                 wrapMode: Text.WordWrap
             }
             CaptionText {

@@ -69,7 +69,10 @@ Item {
         onDuplicateRequested: screen.duplicate(presetId)
     }
 
+    implicitHeight: rows.implicitHeight + 2 * Theme.unit
+
     ColumnLayout {
+        id: rows
         anchors.fill: parent
         anchors.rightMargin: 2 * Theme.unit
         anchors.bottomMargin: 2 * Theme.unit
@@ -128,6 +131,7 @@ Item {
         DotCard {
             Layout.fillWidth: true
             Layout.fillHeight: true
+            Layout.minimumHeight: lista.count === 0 ? none.implicitHeight + 4 * Theme.unit : 10 * Theme.textUnit
             padding: 0
 
             ListView {
@@ -196,17 +200,22 @@ Item {
                     }
                 }
             }
-            ColumnLayout {
+            Column {
+                id: none
                 anchors.centerIn: parent
+                width: parent.width - 4 * Theme.unit
                 visible: lista.count === 0
                 spacing: Theme.unit
 
                 HeadingText {
-                    Layout.alignment: Qt.AlignHCenter
+                    width: parent.width
+                    horizontalAlignment: Text.AlignHCenter
                     text: filtered.total > 0 ? qsTr("No preset is found") : qsTr("No presets here yet")
                 }
                 BodyText {
-                    Layout.alignment: Qt.AlignHCenter
+                    width: parent.width
+                    horizontalAlignment: Text.AlignHCenter
+                    wrapMode: Text.Wrap
                     text: filtered.total > 0 ? qsTr("The search looks into names and descriptions.") : qsTr("Shape the sound, then use Save current… to keep it.")
                     color: Theme.inkSoft
                 }

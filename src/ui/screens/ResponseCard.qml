@@ -45,13 +45,13 @@ DotCard {
         anchors.fill: parent
         spacing: Theme.unit
 
-        RowLayout {
+        WrapRow {
             Layout.fillWidth: true
             spacing: 2 * Theme.unit
+            rowSpacing: Theme.unit
 
             ColumnLayout {
-                Layout.minimumWidth: widestPoint.width
-                Layout.maximumWidth: widestPoint.width
+                WrapRow.minimumWidth: Math.ceil(widestPoint.advanceWidth)
                 spacing: 0
 
                 CaptionText {
@@ -77,18 +77,15 @@ DotCard {
                     color: Theme.ink
                 }
             }
-            Item {
-                Layout.fillWidth: true
-            }
             BodyText {
+                WrapRow.trailing: true
                 text: qsTr("Global")
                 Accessible.ignored: true
             }
             ParamSlider {
-                Layout.preferredWidth: 21 * Theme.unit
-                Layout.minimumWidth: 11 * Theme.unit
-                Layout.fillWidth: true
-                Layout.maximumWidth: 31 * Theme.unit
+                WrapRow.minimumWidth: 12 * Theme.unit
+                WrapRow.maximumWidth: 31 * Theme.unit
+                WrapRow.fills: true
                 from: App.equalizer.minGain
                 to: App.equalizer.maxGain
                 stepSize: App.equalizer.gainStep
@@ -101,7 +98,8 @@ DotCard {
                 onResetRequested: App.equalizer.globalGainDB = 0
             }
             ValueField {
-                Layout.preferredWidth: 8 * Theme.unit
+                WrapRow.minimumWidth: Math.max(8 * Theme.textUnit, contentWidth + Theme.unit)
+                implicitWidth: 8 * Theme.textUnit
                 valueText: App.equalizer.globalGainText
                 function parse(text: string): real {
                     return App.equalizer.parseGain(text);
@@ -111,12 +109,14 @@ DotCard {
             }
             DotToggle {
                 id: exact
+                WrapRow.trailing: true
                 text: qsTr("Exact response")
                 accessibleName: qsTr("Show the exact response")
             }
             CaptionText {
-                Layout.minimumWidth: widestPeak.width
-                horizontalAlignment: Text.AlignRight
+                // As wide as the widest, so that a digit more moves nothing.
+                WrapRow.minimumWidth: Math.max(implicitWidth, Math.ceil(widestPeak.advanceWidth))
+                horizontalAlignment: x > 0 ? Text.AlignRight : Text.AlignLeft
                 text: App.equalizer.peakText
                 font.pixelSize: Theme.bodySize
                 color: Theme.ink
@@ -125,6 +125,8 @@ DotCard {
         RowLayout {
             Layout.fillWidth: true
             Layout.fillHeight: true
+            Layout.minimumHeight: 12 * Theme.unit
+            Layout.preferredHeight: 12 * Theme.unit
             spacing: Theme.unit / 2
 
             Item {

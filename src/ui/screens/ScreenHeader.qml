@@ -13,9 +13,10 @@ ColumnLayout {
 
     spacing: Theme.unit / 2
 
-    RowLayout {
+    WrapRow {
         Layout.fillWidth: true
         spacing: Theme.unit
+        rowSpacing: Theme.unit
 
         PlainText {
             text: header.title
@@ -23,11 +24,13 @@ ColumnLayout {
             font.family: Theme.fontFamily
             font.pixelSize: Theme.titleSize
             font.weight: Font.DemiBold
+            // As high as a button, so that every title stands alike.
+            height: Math.max(implicitHeight, Theme.headHeight)
+            verticalAlignment: Text.AlignVCenter
+            rightPadding: Theme.unit
+            wrapMode: Text.Wrap
             Accessible.role: Accessible.Heading
             Accessible.name: text
-        }
-        Item {
-            implicitWidth: Theme.unit
         }
         Repeater {
             model: header.chips
@@ -36,16 +39,15 @@ ColumnLayout {
                 text: modelData
             }
         }
-        Item {
-            Layout.fillWidth: true
-            implicitHeight: 5 * Theme.unit // as high as a button, so that every title stands alike
-        }
-        RowLayout {
+        WrapRow {
             id: actionRow
+            WrapRow.trailing: true
             spacing: Theme.unit
+            rowSpacing: Theme.unit
         }
     }
     CaptionText {
+        Layout.fillWidth: true
         visible: header.subtitle !== ""
         text: header.subtitle
         font.pixelSize: Theme.bodySize

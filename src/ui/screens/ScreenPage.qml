@@ -1,10 +1,8 @@
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-/// A screen that scrolls where the window is too low for it. An item that the keyboard reaches is
-/// brought into view.
+/// A screen that scrolls where the window is too low for it.
 DotScrollView {
     id: page
     objectName: "screenPage"
@@ -15,52 +13,22 @@ DotScrollView {
     /// Around the content, so that the focus ring of what stands at its edge is not cut off.
     readonly property real ringMargin: 5
 
-    function reveal(item) {
-        const flickable = page.contentItem as Flickable;
-        if (flickable === null)
-            return;
-        const top = item.mapToItem(column.parent, 0, 0).y;
-        const bottom = top + item.height;
-        const margin = 2 * Theme.unit;
-        if (top - margin < flickable.contentY)
-            flickable.contentY = Math.max(0, top - margin);
-        else if (bottom + margin > flickable.contentY + flickable.height)
-            flickable.contentY = Math.min(Math.max(0, flickable.contentHeight - flickable.height),
-                                          bottom + margin - flickable.height);
-    }
+    /// What lies over the page's lower end takes none of the room that its cards share.
+    property real covered: 0
     function scrollToEnd() {
-        const flickable = page.contentItem as Flickable;
-        flickable.contentY = Math.max(0, flickable.contentHeight - flickable.height);
-    }
-    function holds(item) {
-        for (let at = item; at !== null; at = at.parent) {
-            if (at === column)
-                return true;
-        }
-        return false;
+        scrollBy(Infinity);
     }
 
     topPadding: -ringMargin
     rightPadding: 2 * Theme.unit - ringMargin // the scroll bar's
     contentWidth: availableWidth
-    contentHeight: column.y + column.implicitHeight + endMargin
-
-    Connections {
-        target: page.Window.window
-        function onActiveFocusItemChanged() {
-            const item = page.Window.activeFocusItem;
-            // A click lands on what is already in view.
-            const clicked = (item as T.Control)?.visualFocus === false || (item as FocusArea)?.visualFocus === false;
-            if (item !== null && !clicked && page.holds(item))
-                page.reveal(item);
-        }
-    }
+    contentHeight: column.y + column.height + endMargin
 
     ColumnLayout {
         id: column
         y: page.ringMargin
         width: page.availableWidth - page.ringMargin
-        height: Math.max(implicitHeight, page.availableHeight - y - page.endMargin)
+        height: Math.max(implicitHeight, page.availableHeight + page.covered - y - page.endMargin)
         spacing: 2 * Theme.unit
     }
 }

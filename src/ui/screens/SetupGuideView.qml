@@ -12,7 +12,8 @@ ScreenPage {
     }
     DotCard {
         Layout.fillWidth: true
-            ColumnLayout {
+
+        ColumnLayout {
             id: steps
             anchors.fill: parent
             spacing: 4 * Theme.unit
@@ -59,7 +60,8 @@ ScreenPage {
     }
     DotCard {
         Layout.fillWidth: true
-            ColumnLayout {
+
+        ColumnLayout {
             id: status
             anchors.fill: parent
             spacing: 2 * Theme.unit
@@ -79,6 +81,7 @@ ScreenPage {
                     spacing: Theme.unit / 2
 
                     HeadingText {
+                        Layout.fillWidth: true
                         text: App.engine.running ? qsTr("Processing is running") : qsTr("Ready to start")
                     }
                     BodyText {

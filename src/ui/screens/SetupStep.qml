@@ -11,7 +11,7 @@ Item {
     property var points: []
 
     /// Where the texts begin, beside the number.
-    readonly property real indent: 7 * Theme.unit
+    readonly property real indent: Theme.indent
 
     implicitHeight: Math.max(figure.height, texts.height)
 
@@ -25,7 +25,7 @@ Item {
     Column {
         id: texts
         x: step.indent
-        width: Math.min(step.width - x, 88 * Theme.unit)
+        width: Math.min(step.width - x, Theme.readingWidth)
         spacing: Theme.unit
 
         HeadingText {
@@ -57,7 +57,7 @@ Item {
                 // qmllint enable unqualified
 
                 Rectangle {
-                    y: Theme.unit * 0.75
+                    y: Theme.textUnit * 0.75
                     width: Theme.unit / 2
                     height: width
                     radius: width / 2

@@ -15,6 +15,8 @@ ColumnLayout {
     required property bool startsGroup
 
     property bool selected: false
+    /// Whether there is room for symbols only.
+    property bool folded: false
     signal chosen
     /// The keyboard goes to another entry, counted from this one.
     signal moveRequested(int step)
@@ -27,16 +29,19 @@ ColumnLayout {
     spacing: 0
 
     CaptionText {
+        Layout.fillWidth: true
         Layout.leftMargin: 1.5 * Theme.unit
         Layout.topMargin: (entry.index > 0 ? 3 : 1) * Theme.unit
         Layout.bottomMargin: Theme.unit
-        visible: entry.startsGroup
+        visible: entry.startsGroup && !entry.folded
         text: entry.group
         Accessible.role: Accessible.Heading
     }
     SidebarRow {
         id: row
         Layout.fillWidth: true
+        Layout.topMargin: entry.folded && entry.startsGroup && entry.index > 0 ? 2 * Theme.unit : 0
+        folded: entry.folded
         title: entry.title
         symbol: entry.symbol
         badge: entry.badge

@@ -9,6 +9,8 @@ Rectangle {
     id: sidebar
 
     required property string destination
+    /// Whether there is room for symbols only.
+    property bool folded: false
     signal chosen(string destination)
     signal aboutRequested
 
@@ -22,7 +24,7 @@ Rectangle {
         (rows.itemAt(index) as SidebarEntry)?.chosen();
     }
 
-    implicitWidth: 27 * Theme.unit
+    implicitWidth: folded ? Theme.rowHeight + 3 * Theme.unit : Theme.sidebarWidth
     color: Theme.paper
     Accessible.role: Accessible.List
     Accessible.name: qsTr("Sidebar")
@@ -34,44 +36,69 @@ Rectangle {
         width: Theme.hairline
         color: Theme.rule
     }
-    ColumnLayout {
+    DotScrollView {
+        id: scroll
         anchors.fill: parent
-        anchors.margins: 1.5 * Theme.unit
-        anchors.topMargin: Theme.unit
-        spacing: 0
+        anchors.rightMargin: Theme.hairline
+        contentWidth: availableWidth
+        contentHeight: column.height
 
-        Repeater {
-            id: rows
-            model: App.navigation
-            delegate: SidebarEntry {
-                Layout.fillWidth: true
-                // Up to Qt 6.4 qmllint does not know the ids around a delegate.
-                // qmllint disable unqualified
-                selected: sidebar.destination === rawValue
-                onChosen: sidebar.chosen(rawValue)
-                onMoveRequested: step => sidebar.move(index + step)
-                // qmllint enable unqualified
+        ColumnLayout {
+            id: column
+            x: 1.5 * Theme.unit
+            width: scroll.availableWidth - 3 * Theme.unit
+            height: Math.max(implicitHeight, scroll.availableHeight)
+            spacing: 0
+
+            Repeater {
+                id: rows
+                model: App.navigation
+                delegate: SidebarEntry {
+                    Layout.fillWidth: true
+                    // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+                    // qmllint disable unqualified
+                    Layout.topMargin: index === 0 ? Theme.unit : 0
+                    selected: sidebar.destination === rawValue
+                    folded: sidebar.folded
+                    onChosen: sidebar.chosen(rawValue)
+                    onMoveRequested: step => sidebar.move(index + step)
+                    // qmllint enable unqualified
+                }
             }
-        }
-        Item {
-            Layout.fillHeight: true
-        }
-        DotButton {
-            Layout.leftMargin: 0.5 * Theme.unit
-            Layout.bottomMargin: Theme.unit
-            flat: true
-            text: qsTr("About Ostrafine")
-            symbol: "info"
-            help: qsTr("Version, licence and what a bug report needs")
-            onClicked: sidebar.aboutRequested()
-        }
-        DotText {
-            Layout.leftMargin: 1.5 * Theme.unit
-            Layout.bottomMargin: Theme.unit
-            text: "OSTRAFINE"
-            dotSize: 2.5
-            color: Theme.inkSoft
-            Accessible.ignored: true
+            Item {
+                Layout.fillHeight: true
+            }
+            DotText {
+                Layout.leftMargin: 1.5 * Theme.unit
+                Layout.topMargin: 2 * Theme.unit
+                visible: !sidebar.folded
+                text: "OSTRAFINE"
+                dotSize: 2.5
+                color: Theme.inkSoft
+                Accessible.ignored: true
+            }
+            DotButton {
+                id: about
+                Layout.leftMargin: 0.5 * Theme.unit
+                Layout.maximumWidth: column.width - Theme.unit
+                Layout.topMargin: Theme.unit
+                Layout.bottomMargin: Theme.unit
+                visible: !sidebar.folded
+                flat: true
+                text: qsTr("About Ostrafine")
+                symbol: "info"
+                help: qsTr("Version, licence and what a bug report needs")
+                onClicked: sidebar.aboutRequested()
+            }
+            DotIconButton {
+                Layout.fillWidth: true
+                Layout.topMargin: Theme.unit
+                Layout.bottomMargin: Theme.unit
+                visible: sidebar.folded
+                symbol: "info"
+                accessibleName: about.text
+                onClicked: sidebar.aboutRequested()
+            }
         }
     }
 }

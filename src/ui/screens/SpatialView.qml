@@ -17,7 +17,7 @@ ScreenPage {
     /// A row of a stage's card: it ends where the meter and the value in the head do.
     component StageParam: ParamRow {
         Layout.fillWidth: true
-        trailing: 17 * Theme.unit
+        trailing: Theme.expanderWidth + 2 * Theme.unit
     }
 
     ScreenHeader {
@@ -57,6 +57,7 @@ ScreenPage {
         }
     }
     EffectCard {
+        id: reverbCard
         Layout.fillWidth: true
         name: qsTr("Reverb")
         description: qsTr("Room Ambience")
@@ -70,18 +71,19 @@ ScreenPage {
         StageParam {
             setting: App.setting("reverbMix")
         }
-        RowLayout {
+        WrapRow {
             Layout.fillWidth: true
+            Layout.leftMargin: reverbCard.narrow ? 0 : Theme.indent
             spacing: 2 * Theme.unit
+            rowSpacing: Theme.unit
 
             BodyText {
-                Layout.leftMargin: 7 * Theme.unit
-                Layout.preferredWidth: 22 * Theme.unit
+                WrapRow.minimumWidth: Theme.labelWidth
                 text: qsTr("Preset")
                 Accessible.ignored: true
             }
             DotComboBox {
-                Layout.preferredWidth: 26 * Theme.unit
+                WrapRow.minimumWidth: 26 * Theme.textUnit
                 model: App.settings.reverbPresetTitles
                 currentIndex: App.setting("reverbPreset").value
                 accessibleName: App.setting("reverbPreset").name
@@ -91,6 +93,7 @@ ScreenPage {
         }
     }
     EffectCard {
+        id: voiceCard
         Layout.fillWidth: true
         name: qsTr("Voice Clarity")
         description: qsTr("Presence and mud cut")
@@ -109,27 +112,29 @@ ScreenPage {
         StageParam {
             setting: App.setting("voiceMudCutDB")
         }
-        RowLayout {
+        WrapRow {
             Layout.fillWidth: true
+            Layout.topMargin: Theme.unit
+            Layout.leftMargin: voiceCard.narrow ? 0 : Theme.indent
+            Layout.rightMargin: voiceCard.narrow ? 0 : Theme.expanderWidth + 2 * Theme.unit
+            spacing: 2 * Theme.unit
+            rowSpacing: Theme.unit
 
             SwitchRow {
-                Layout.leftMargin: 7 * Theme.unit
                 label: App.setting("voiceAdaptiveEnabled").label
                 checked: App.setting("voiceAdaptiveEnabled").on
                 onToggled: App.setting("voiceAdaptiveEnabled").toggle()
             }
-            Item {
-                Layout.fillWidth: true
-            }
             Readout {
-                Layout.preferredWidth: 13 * Theme.unit
-                Layout.rightMargin: 17 * Theme.unit
+                WrapRow.minimumWidth: Math.max(Theme.valueWidth, implicitWidth)
+                WrapRow.trailing: true
                 caption: qsTr("Mid-range content")
                 value: App.engine.confidenceText
             }
         }
     }
     EffectCard {
+        id: bassCard
         Layout.fillWidth: true
         name: qsTr("Deep Bass")
         description: qsTr("Harmonic enhancement")
@@ -148,21 +153,22 @@ ScreenPage {
         StageParam {
             setting: App.setting("bassCrossover")
         }
-        RowLayout {
+        WrapRow {
             Layout.fillWidth: true
+            Layout.topMargin: Theme.unit
+            Layout.leftMargin: bassCard.narrow ? 0 : Theme.indent
+            Layout.rightMargin: bassCard.narrow ? 0 : Theme.expanderWidth + 2 * Theme.unit
+            spacing: 2 * Theme.unit
+            rowSpacing: Theme.unit
 
             SwitchRow {
-                Layout.leftMargin: 7 * Theme.unit
                 label: App.setting("bassAdaptiveEnabled").label
                 checked: App.setting("bassAdaptiveEnabled").on
                 onToggled: App.setting("bassAdaptiveEnabled").toggle()
             }
-            Item {
-                Layout.fillWidth: true
-            }
             Readout {
-                Layout.preferredWidth: 13 * Theme.unit
-                Layout.rightMargin: 17 * Theme.unit
+                WrapRow.minimumWidth: Math.max(Theme.valueWidth, implicitWidth)
+                WrapRow.trailing: true
                 caption: qsTr("Tracking")
                 value: App.engine.trackingText
             }
@@ -170,16 +176,20 @@ ScreenPage {
     }
     DotCard {
         Layout.fillWidth: true
-            ColumnLayout {
+
+        ColumnLayout {
             id: toneRows
             anchors.fill: parent
             spacing: 2 * Theme.unit
 
-            RowLayout {
+            WrapRow {
                 Layout.fillWidth: true
+                spacing: 2 * Theme.unit
+                rowSpacing: Theme.unit
 
                 StageName {
-                    Layout.fillWidth: true
+                    WrapRow.fills: true
+                    WrapRow.minimumWidth: Theme.labelWidth
                     name: qsTr("Tone Controls")
                     description: qsTr("Shelf 100 Hz · peak 1 kHz · shelf 5 kHz · ±12 dB each")
                 }
@@ -189,19 +199,24 @@ ScreenPage {
                     onClicked: App.settings.resetTone()
                 }
             }
-            RowLayout {
+            WrapRow {
                 Layout.fillWidth: true
+                spacing: 2 * Theme.unit
+                rowSpacing: 2 * Theme.unit
 
                 ToneKnob {
-                    Layout.fillWidth: true
+                    WrapRow.fills: true
+                    WrapRow.minimumWidth: 11 * Theme.unit + 11 * Theme.textUnit
                     setting: App.setting("toneBassDB")
                 }
                 ToneKnob {
-                    Layout.fillWidth: true
+                    WrapRow.fills: true
+                    WrapRow.minimumWidth: 11 * Theme.unit + 11 * Theme.textUnit
                     setting: App.setting("toneMidDB")
                 }
                 ToneKnob {
-                    Layout.fillWidth: true
+                    WrapRow.fills: true
+                    WrapRow.minimumWidth: 11 * Theme.unit + 11 * Theme.textUnit
                     setting: App.setting("toneTrebleDB")
                 }
             }

@@ -18,9 +18,10 @@ DotCard {
         anchors.fill: parent
         spacing: 2 * Theme.unit
 
-        RowLayout {
+        WrapRow {
             Layout.fillWidth: true
             spacing: 2 * Theme.unit
+            rowSpacing: Theme.unit
 
             DotToggle {
                 id: toggle
@@ -31,7 +32,8 @@ DotCard {
             }
             StageName {
                 id: head
-                Layout.fillWidth: true
+                WrapRow.fills: true
+                WrapRow.minimumWidth: Math.min(Theme.labelWidth, card.availableWidth - toggle.implicitWidth - 2 * Theme.unit)
                 name: card.name
                 description: card.description
                 toggle: toggle

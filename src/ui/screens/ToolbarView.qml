@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
@@ -9,7 +8,13 @@ Rectangle {
 
     signal sectionRequested(string firstDestination)
 
-    implicitHeight: 9 * Theme.unit
+    /// Whether the window is too low for room around the controls.
+    property bool low: false
+    /// Whether all controls are in one row. The ways to the sidebar's sections give way first: the
+    /// sidebar itself is always there.
+    readonly property bool roomy: width >= (92 + 4 * 4) * Theme.textUnit
+
+    implicitHeight: row.implicitHeight + 2 * row.y
     color: Theme.card
     Accessible.role: Accessible.ToolBar
     Accessible.name: qsTr("Toolbar")
@@ -21,15 +26,17 @@ Rectangle {
         height: Theme.hairline
         color: Theme.rule
     }
-    RowLayout {
-        anchors.fill: parent
-        anchors.leftMargin: 2 * Theme.unit
-        anchors.rightMargin: 2 * Theme.unit
+    WrapRow {
+        id: row
+        x: 2 * Theme.unit
+        y: (toolbar.low ? 1 : 2.5) * Theme.unit
+        width: toolbar.width - 4 * Theme.unit
         spacing: Theme.unit
+        rowSpacing: Theme.unit
 
         DotButton {
             id: startStop
-            Layout.preferredWidth: 12 * Theme.unit
+            WrapRow.minimumWidth: Math.max(12 * Theme.textUnit, implicitWidth) // the same for both words
             primary: !App.engine.running
             text: App.engine.running ? qsTr("Stop") : qsTr("Start")
             symbol: App.engine.running ? "stop.fill" : "play.fill"
@@ -44,17 +51,20 @@ Rectangle {
         }
         CompareButton {}
         Item {
+            visible: toolbar.roomy
             implicitWidth: Theme.unit
         }
         JumpItem {
+            visible: toolbar.roomy
             section: qsTr("Output")
             symbol: "hifispeaker.2"
             onClicked: toolbar.sectionRequested("devices")
         }
         DotComboBox {
-            Layout.fillWidth: true
-            Layout.minimumWidth: 20 * Theme.unit
-            Layout.maximumWidth: 34 * Theme.unit
+            WrapRow.fills: true
+            WrapRow.minimumWidth: 20 * Theme.textUnit
+            WrapRow.maximumWidth: toolbar.roomy ? 34 * Theme.textUnit : -1
+            objectName: "outputBox"
             title: qsTr("Output")
             accessibleName: qsTr("Output")
             Accessible.description: displayText
@@ -66,17 +76,20 @@ Rectangle {
             valueRole: "uid"
         }
         Item {
+            visible: toolbar.roomy
             implicitWidth: Theme.unit
         }
         JumpItem {
+            visible: toolbar.roomy
             section: qsTr("Presets")
             symbol: "music.note.list"
             onClicked: toolbar.sectionRequested("presetsAll")
         }
         DotComboBox {
-            Layout.fillWidth: true
-            Layout.minimumWidth: 20 * Theme.unit
-            Layout.maximumWidth: 34 * Theme.unit
+            WrapRow.fills: true
+            WrapRow.minimumWidth: 20 * Theme.textUnit
+            WrapRow.maximumWidth: toolbar.roomy ? 34 * Theme.textUnit : -1
+            objectName: "presetBox"
             title: qsTr("Preset")
             accessibleName: qsTr("Preset")
             Accessible.description: displayText
@@ -89,12 +102,9 @@ Rectangle {
             displayText: App.presets.activeName
             onActivated: index => App.presets.apply(valueAt(index))
         }
-        Item {
-            Layout.fillWidth: true
-            Layout.minimumWidth: Theme.unit
-        }
         DotIconButton {
             objectName: "undoButton"
+            WrapRow.trailing: true
             symbol: "undo"
             enabled: App.history.canUndo
             accessibleName: App.history.undoText
@@ -107,14 +117,17 @@ Rectangle {
             onClicked: App.history.redo()
         }
         Item {
+            visible: toolbar.roomy
             implicitWidth: Theme.unit
         }
         JumpItem {
+            visible: toolbar.roomy
             section: qsTr("Tuning")
             symbol: "slider.vertical.3"
             onClicked: toolbar.sectionRequested("equalizer")
         }
         JumpItem {
+            visible: toolbar.roomy
             section: qsTr("Help")
             symbol: "gearshape"
             onClicked: toolbar.sectionRequested("setup")

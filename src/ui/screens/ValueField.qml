@@ -30,7 +30,7 @@ DotTextField {
     text: valueText
     leftPadding: Theme.unit / 2
     rightPadding: Theme.unit / 2
-    implicitHeight: 3 * Theme.unit
+    implicitHeight: Theme.fieldHeight
     onTextEdited: dirty = true
     onAccepted: takeTyped()
     onActiveFocusChanged: {
