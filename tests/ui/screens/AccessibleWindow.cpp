@@ -10,7 +10,6 @@
 #include <QUrl>
 
 #include <functional>
-#include <vector>
 
 namespace quorbel::testing {
 
@@ -75,43 +74,12 @@ QAccessibleInterface *lookUp(QQuickWindow *window, const QString &name, const QS
     return found;
 }
 
-bool isOperated(QAccessible::Role role) {
-    switch (role) {
-    case QAccessible::Button:
-    case QAccessible::CheckBox:
-    case QAccessible::RadioButton:
-    case QAccessible::Slider:
-    case QAccessible::Dial:
-    case QAccessible::ComboBox:
-    case QAccessible::EditableText:
-        return true;
-    default:
-        return false;
-    }
-}
-
-/// The part of an item that can be seen, in the window's coordinates.
-QRectF shownRect(const QQuickItem &item) {
-    QRectF rect = item.mapRectToScene(QRectF(0, 0, item.width(), item.height()));
-    for (const QQuickItem *at = item.parentItem(); at != nullptr; at = at->parentItem())
-        if (at->clip())
-            rect &= at->mapRectToScene(QRectF(0, 0, at->width(), at->height()));
-    return rect;
-}
-
 void eachShownItem(const QQuickItem &item, const std::function<void(const QQuickItem &)> &visit) {
     if (!item.isVisible())
         return;
     visit(item);
     for (const QQuickItem *child : item.childItems())
         eachShownItem(*child, visit);
-}
-
-bool isInside(const QQuickItem *item, const QQuickItem *ancestor) {
-    for (; item != nullptr; item = item->parentItem())
-        if (item == ancestor)
-            return true;
-    return false;
 }
 
 } // namespace
@@ -209,26 +177,6 @@ QQuickItem *AccessibleWindow::item(const QString &name, const QString &role) con
     return found != nullptr ? qobject_cast<QQuickItem *>(found->object()) : nullptr;
 }
 
-QStringList AccessibleWindow::cutTexts() const {
-    QStringList list;
-    const QRectF whole(0, 0, window_->width(), window_->height());
-    eachShownItem(*window_->contentItem(), [&](const QQuickItem &item) {
-        if (!item.inherits("QQuickText") || item.property("text").toString().isEmpty())
-            return;
-        const QString text = item.property("text").toString();
-        const bool wraps = item.property("wrapMode").toInt() != 0; // Text.NoWrap
-        const bool tooNarrow =
-            !wraps && item.width() + 0.5 < item.property("contentWidth").toDouble();
-        const bool tooLow = item.height() + 0.5 < item.property("contentHeight").toDouble();
-        if (item.property("truncated").toBool() || tooNarrow || tooLow)
-            list.append("cut: " + text);
-        const QRectF shown = shownRect(item);
-        if (!shown.isEmpty() && !whole.contains(shown))
-            list.append("outside: " + text);
-    });
-    return list;
-}
-
 QStringList AccessibleWindow::textsReadAsMarkup() const {
     QStringList list;
     eachShownItem(*window_->contentItem(), [&](const QQuickItem &item) {
@@ -250,57 +198,6 @@ bool AccessibleWindow::drop(const QStringList &paths) {
     QDropEvent drop(middle, Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window_, &drop);
     return enter.isAccepted() && drop.isAccepted();
-}
-
-QStringList AccessibleWindow::overlaps() const {
-    std::vector<const QQuickItem *> leaves;
-    walk(QAccessible::queryAccessibleInterface(window_), [&](QAccessibleInterface &at) {
-        const auto *item = qobject_cast<const QQuickItem *>(at.object());
-        if (item != nullptr && (isOperated(at.role()) || at.role() == QAccessible::StaticText ||
-                                at.role() == QAccessible::Heading))
-            leaves.push_back(item);
-        return true;
-    });
-    QStringList list;
-    for (std::size_t one = 0; one < leaves.size(); ++one)
-        for (std::size_t other = one + 1; other < leaves.size(); ++other) {
-            if (isInside(leaves[one], leaves[other]) || isInside(leaves[other], leaves[one]))
-                continue;
-            const QRectF both = shownRect(*leaves[one]) & shownRect(*leaves[other]);
-            if (both.width() > 1 && both.height() > 1)
-                list.append(nameOf(*QAccessible::queryAccessibleInterface(
-                                const_cast<QQuickItem *>(leaves[one]))) +
-                            " / " +
-                            nameOf(*QAccessible::queryAccessibleInterface(
-                                const_cast<QQuickItem *>(leaves[other]))));
-        }
-    return list;
-}
-
-QString AccessibleWindow::focusOutOfView() const {
-    QQuickItem *item = window_->activeFocusItem();
-    const QRectF whole = item->mapRectToScene(QRectF(0, 0, item->width(), item->height()));
-    const QRectF window(0, 0, window_->width(), window_->height());
-    bool isSeen = shownRect(*item) == whole && window.contains(whole);
-    eachShownItem(*item, [&](const QQuickItem &part) {
-        if (QByteArray(part.metaObject()->className()).startsWith("FocusRing_"))
-            isSeen =
-                isSeen && shownRect(part) == part.mapRectToScene(QRectF(QPointF(), part.size()));
-    });
-    if (isSeen)
-        return {};
-    return nameOf(*QAccessible::queryAccessibleInterface(item));
-}
-
-QStringList AccessibleWindow::unnamed() const {
-    QStringList list;
-    walk(QAccessible::queryAccessibleInterface(window_), [&](QAccessibleInterface &at) {
-        if (isOperated(at.role()) && nameOf(at).isEmpty())
-            list.append(roleName(at.role()) + " in " +
-                        (at.parent() != nullptr ? nameOf(*at.parent()) : QString()));
-        return true;
-    });
-    return list;
 }
 
 } // namespace quorbel::testing

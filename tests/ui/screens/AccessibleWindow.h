@@ -44,18 +44,8 @@ class AccessibleWindow final : public QObject {
     /// Files are dragged over the window and dropped in its middle. False where it takes none.
     Q_INVOKABLE bool drop(const QStringList &paths);
 
-    // What a designer would not be shown. Empty lists when all is well.
-    /// Texts that are cut off, and what lies outside of the window though it does not scroll.
-    [[nodiscard]] Q_INVOKABLE QStringList cutTexts() const;
     /// Texts that would be read as markup, if they had any.
     [[nodiscard]] Q_INVOKABLE QStringList textsReadAsMarkup() const;
-    /// Pairs of texts and controls that lie on each other.
-    [[nodiscard]] Q_INVOKABLE QStringList overlaps() const;
-    /// Controls that can be operated but have no name.
-    [[nodiscard]] Q_INVOKABLE QStringList unnamed() const;
-    /// The name of what has the keyboard's focus, if it or its ring cannot be seen whole; else
-    /// nothing.
-    [[nodiscard]] Q_INVOKABLE QString focusOutOfView() const;
 
   private:
     QQuickWindow *window_ = nullptr;

@@ -1,19 +1,15 @@
 // Pictures of every screen in its main states, taken from the real window on a machine in memory.
-// Usage: quorbel-screenshots FOLDER [WIDTH HEIGHT]
+// Usage: quorbel-screenshots FOLDER [WIDTH HEIGHT [TEXT]]; TEXT is the text size in percent.
 
 #include "ui/app/LinuxWording.h"
-#include "ui/screens/SimulatedMachine.h"
+#include "ui/screens/Stage.h"
 
 #include <QDir>
 #include <QGuiApplication>
-#include <QQmlApplicationEngine>
-#include <QQuickWindow>
-#include <QTest>
 #include <QtQml/QQmlExtensionPlugin>
 
 #include <functional>
 #include <iostream>
-#include <memory>
 
 Q_IMPORT_QML_PLUGIN(Quorbel_DotmatrixPlugin)
 Q_IMPORT_QML_PLUGIN(Quorbel_ModelPlugin)
@@ -23,111 +19,18 @@ namespace quorbel {
 
 namespace {
 
-/// The window of a program that has just been started.
-class Stage {
-  public:
-    Stage(int width, int height) {
-        engine_.addImportPath("qrc:/qt/qml");
-        engine_.load(QUrl("qrc:/qt/qml/Quorbel/Screens/Main.qml"));
-        window_ = qobject_cast<QQuickWindow *>(engine_.rootObjects().value(0));
-        if (window_ == nullptr)
-            qFatal("the window cannot be made");
-        window_->resize(width, height);
-        window_->show();
-        settle();
-    }
-
-    testing::SimulatedMachine machine;
-
-    AppModel &app() { return machine.model(); }
-    void open(const char *destination) {
-        window_->setProperty("destination", QString(destination));
-        settle();
-    }
-    void openCards(std::initializer_list<int> stages) {
-        QVariantList list;
-        for (const int stage : stages)
-            list.append(stage);
-        part("mainView").setProperty("expandedStages", list);
-        settle();
-    }
-    void scrollToEnd() {
-        QMetaObject::invokeMethod(&part("screenPage"), "scrollToEnd");
-        settle();
-    }
-    void openDialog(const char *name) {
-        QMetaObject::invokeMethod(&part(name), "open");
-        settle();
-    }
-    void startWithMusic() {
-        machine.playMusic();
-        app().engine()->start();
-        run(1.5);
-    }
-    /// Lets time pass in steps short enough for the display to keep up.
-    void run(double seconds) {
-        for (double done = 0.0; done < seconds; done += 0.02) {
-            machine.advance(0.02);
-            QTest::qWait(2); // the spectrum's copies are made on a thread of real time
-        }
-        settle();
-    }
-    void importTextWithGaps() {
-        const QString file =
-            machine.writeFile("Headphones.txt", "Preamp: -4.5 dB\n"
-                                                "Filter 1: ON PK Fc 63 Hz Gain 3.5 dB Q 0.9\n"
-                                                "Filter 2: ON NO Fc 900 Hz\n"
-                                                "Filter 3: ON HSC Fc 8000 Hz Gain -2 dB Q 0.7\n"
-                                                "Channel: L\n");
-        machine.setProperty("chosenFile", file);
-        app().presets()->requestImport();
-        settle();
-    }
-
-    bool save(const QString &path) {
-        settle();
-        return window_->grabWindow().save(path);
-    }
-
-  private:
-    static void settle() { QTest::qWait(180); }
-    QObject &part(const char *name) {
-        QObject *found = window_->findChild<QObject *>(name);
-        if (found == nullptr)
-            qFatal("there is no part \"%s\"", name);
-        return *found;
-    }
-
-    QQmlApplicationEngine engine_;
-    QQuickWindow *window_ = nullptr;
-};
+using testing::Stage;
 
 struct Picture {
     const char *name;
     std::function<void(Stage &)> prepare;
 };
 
-/// A curve worth looking at.
-void tune(AppModel &app) {
-    app.presets()->applyRow(3);
-    BandListModel &bands = *app.equalizer()->bands();
-    bands.setGain(0, 4.5);
-    bands.setGain(2, 2.0);
-    bands.setGain(3, -3.0);
-    bands.setGain(5, 1.5);
-    bands.setFrequency(6, 2500);
-    bands.setGain(6, -2.5);
-    bands.setQ(6, 2.8);
-    bands.setGain(8, 3.5);
-    bands.setBypassed(7, true);
-    app.equalizer()->setGlobalGainDB(-1.5);
-}
-
 const Picture pictures[] = {
     {"equalizer-stopped", [](Stage &) {}},
     {"equalizer-running",
      [](Stage &stage) {
-         tune(stage.app());
+         stage.tune();
          stage.startWithMusic();
      }},
     {"equalizer-error",
@@ -222,16 +125,17 @@ int main(int argc, char **argv) {
     quorbel::LinuxWording wording;
     QCoreApplication::installTranslator(&wording);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 2 && arguments.size() != 4) {
-        std::cerr << "Usage: quorbel-screenshots FOLDER [WIDTH HEIGHT]\n";
+    if (arguments.size() != 2 && arguments.size() != 4 && arguments.size() != 5) {
+        std::cerr << "Usage: quorbel-screenshots FOLDER [WIDTH HEIGHT [TEXT]]\n";
         return 2;
     }
     const QDir folder(arguments[1]);
-    const int width = arguments.size() == 4 ? arguments[2].toInt() : 1280;
-    const int height = arguments.size() == 4 ? arguments[3].toInt() : 900;
+    const int width = arguments.size() >= 4 ? arguments[2].toInt() : 1280;
+    const int height = arguments.size() >= 4 ? arguments[3].toInt() : 900;
+    quorbel::testing::setTextSize(arguments.size() == 5 ? arguments[4].toInt() : 100);
     folder.mkpath(".");
     for (const quorbel::Picture &picture : quorbel::pictures) {
-        quorbel::Stage stage(width, height);
+        quorbel::testing::Stage stage(width, height);
         picture.prepare(stage);
         const QString path = folder.filePath(QString(picture.name) + ".png");
         if (!stage.save(path)) {

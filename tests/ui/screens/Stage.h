@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ui/screens/SimulatedMachine.h"
+
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+
+#include <initializer_list>
+
+namespace quorbel::testing {
+
+/// Sets the desktop's text size, in percent of the size the window is drawn for.
+void setTextSize(int percent);
+
+/// The window of a program that has just been started, on a machine in memory. [main]
+class Stage {
+  public:
+    Stage(int width, int height);
+
+    SimulatedMachine machine;
+
+    AppModel &app() { return machine.model(); }
+    QQuickWindow &window() { return *window_; }
+
+    void open(const char *destination);
+    void openCards(std::initializer_list<int> stages);
+    void scrollToEnd();
+    void openDialog(const char *name);
+    void closeDialog(const char *name);
+    void startWithMusic();
+    /// Lets time pass in steps short enough for the display to keep up.
+    void run(double seconds);
+    void importTextWithGaps();
+    /// A curve worth looking at.
+    void tune();
+
+    bool save(const QString &path);
+
+    /// Returns when nothing is left to be laid out.
+    void settle();
+
+  private:
+    QObject &part(const char *name);
+
+    QQmlApplicationEngine engine_;
+    QQuickWindow *window_ = nullptr;
+};
+
+} // namespace quorbel::testing
