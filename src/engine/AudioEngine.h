@@ -211,7 +211,6 @@ class AudioEngine final : public QObject {
         int failedStarts = 0;
     };
 
-    std::shared_ptr<AudioEngine *> self_; ///< what the hardware's threads find the engine by
     Timer bassReadoutTimer;
     Timer outputRestartTask;
     Timer comebackTimer; ///< set while the wish to process waits for the hardware
