@@ -24,17 +24,22 @@ Item {
         reportIsWarning = !result.ok;
     }
 
-    function update(presetId, name) {
-        App.presets.update(presetId);
-        report = qsTr("%1 has the current settings now.").arg(name);
+    function say(what) {
+        report = what;
         reportDetails = [];
         reportIsWarning = false;
+    }
+    function update(presetId, name) {
+        App.presets.update(presetId);
+        say(qsTr("%1 has the current settings now.").arg(name));
     }
     /// Leads to the copy where the list shows it.
     function duplicate(presetId) {
         const row = filtered.rowOf(App.presets.duplicate(presetId));
-        if (row < 0)
+        if (row < 0) {
+            say(qsTr("The copy is in the list Mine."));
             return;
+        }
         lista.currentIndex = row;
         lista.positionViewAtIndex(row, ListView.Contain);
         lista.forceActiveFocus(Qt.OtherFocusReason);

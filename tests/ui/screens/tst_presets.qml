@@ -143,6 +143,16 @@ ScreenTest {
         verify(!Assistive.has("33 found"));
     }
 
+    function test_a_copy_of_a_factory_preset_is_told_of_where_the_list_does_not_show_it() {
+        open("presetsFactory");
+        part("presetList").forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_F10, Qt.ShiftModifier);
+        tryVerify(() => Assistive.has("Duplicate", "MenuItem"));
+        keyClick(Qt.Key_Return);
+        tryVerify(() => details("AlertMessage").includes("The copy is in the list Mine."));
+        tryVerify(() => focusedName() === "Flat", 1000, "the list has the keyboard again");
+    }
+
     function test_the_box_has_groups_and_ticks_nothing_for_custom() {
         App.presets.save("Mine alone");
         App.presets.setFavourite(App.presets.data(App.presets.index(12, 0), Qt.UserRole), true);
