@@ -35,7 +35,8 @@ TEST_F(ImportExport, WhatIsImportedIsHeardAndListedAndWrittenAgain) {
     ASSERT_EQ(run({"export", "--preset", "Cans", path("again.txt")}).status, 0);
     const std::string again = bytes(path("again.txt"));
     EXPECT_THAT(again, HasSubstr("Preamp: -6 dB"));
-    EXPECT_THAT(again, HasSubstr("Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.7"));
+    EXPECT_THAT(again, HasSubstr("Filter 3: ON PK Fc 105 Hz Gain -3.1 dB Q 0.7"))
+        << "by frequency, among the flat ones";
 
     ASSERT_EQ(run({"export", "--preset", "Cans", path("cans.json")}).status, 0);
     const std::string marked = file("marked.json", "\xEF\xBB\xBF" + bytes(path("cans.json")));

@@ -201,6 +201,10 @@ TEST_F(PresetListModelTest, OffersFavouritesThenTheUsersOwnThenTheLibrary) {
     EXPECT_EQ(row(0), "Favourites: Cinema / Film");
     app->history()->redo();
     EXPECT_EQ(row(0), "Favourites: Flat");
+
+    write(folder.path() / "favourite-presets.json", "{");
+    EXPECT_THAT(AppModel(*state, clock).persistWarning().toStdString(),
+                HasSubstr("set aside as favourite-presets.corrupt-"));
 }
 
 TEST_F(PresetListModelTest, SeveralFilesMakeOneStepAndOneSummary) {
