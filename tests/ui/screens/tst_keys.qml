@@ -358,6 +358,9 @@ ScreenTest {
         open("presetsMine");
         part("presetList").forceActiveFocus(Qt.TabFocusReason);
         Assistive.sendKey(Qt.Key_Delete, Qt.NoModifier, 0, true);
+        compare(App.presets.count, 34);
+        settle();
+        verify(part("presetList").currentItem !== null);
         Assistive.repeatKey(Qt.Key_Delete);
         compare(App.presets.count, 34);
         Assistive.sendKey(Qt.Key_Delete, Qt.NoModifier, 0, false);
