@@ -152,8 +152,13 @@ void StreamRouter::shareTarget(const NodeRecord &of) {
     for (auto &[id, stream] : streams_) {
         const NodeRecord *node = objects_.node(id);
         if (node == nullptr || stream.route.remembered == target ||
-            programOf(*node) != programOf(of) || isRestoring(*node, stream))
+            programOf(*node) != programOf(of))
             continue;
+        if (isRestoring(*node, stream)) {
+            if (isHeld(stream))
+                stream.rememberAt = stream.appearedAt + settleSeconds;
+            continue;
+        }
         stream.route.remembered = target;
         if (isHeld(stream))
             log_.routed(stream.route);
