@@ -77,7 +77,8 @@ void DeviceHold::follow() {
 Proxy<pw_node> DeviceHold::makeConverter(const char *name) const {
     pw_properties *properties = pw_properties_new(
         PW_KEY_FACTORY_NAME, "audio.convert", PW_KEY_NODE_DESCRIPTION, "Ostrafine",
-        PW_KEY_OBJECT_LINGER, "false", PW_KEY_NODE_GROUP, schedulingGroup().c_str(), nullptr);
+        PW_KEY_OBJECT_LINGER, "false", PW_KEY_NODE_GROUP, schedulingGroup().c_str(),
+        PW_KEY_NODE_LINK_GROUP, schedulingGroup().c_str(), nullptr);
     pw_properties_setf(properties, PW_KEY_NODE_NAME, "%s.%d", name, getpid());
     Proxy<pw_node> converter(static_cast<pw_node *>(
         pw_core_create_object(connection_.core(), "spa-node-factory", PW_TYPE_INTERFACE_Node,

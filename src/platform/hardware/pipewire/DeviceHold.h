@@ -15,7 +15,8 @@ namespace quorbel {
 ///
 /// Two converters inside the server, in the scheduling group of the streams, through which no sound
 /// passes. A link that is not passive keeps every node of its group running, and so the device: the
-/// link between the two is the hold. The server runs them itself, so a held cycle wakes this
+/// link between the two is the hold. (Servers from 1.0 on want one link group, older ones one node
+/// group.) The server runs them itself, so a held cycle wakes this
 /// program no more than another one; it removes them when our connection ends. They have no media
 /// class: neither session managers nor mixers take notice of them.
 ///
