@@ -125,7 +125,7 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
     ChannelRecorder recorder{client, "device", GetParam(), 120.0};
 };
 
-INSTANTIATE_TEST_SUITE_P(Device, ChannelCount, testing::Values(1, 2, 4, 6, 8),
+INSTANTIATE_TEST_SUITE_P(Device, ChannelCount, testing::Values(1, 2, 6),
                          testing::PrintToStringParamName());
 
 TEST_P(ChannelCount, EveryChannelIsHeardWhereItIsWithoutUs) {
@@ -133,7 +133,7 @@ TEST_P(ChannelCount, EveryChannelIsHeardWhereItIsWithoutUs) {
     const Application surround{"surround", 1100.0, 1300.0, 6};
     const Application later{"later", 1700.0, 1900.0};
     const ChannelLevels directStereo = direct(stereo);
-    const int starts = slowTestsWanted() ? 20 : 5;
+    const int starts = slowTestsWanted() ? 20 : 3;
     for (const Application &application : {stereo, surround}) {
         // What we play is stereo: what the server makes of that is right too.
         const std::vector<ChannelLevels> right = {directStereo, direct(application)};

@@ -35,13 +35,6 @@ TEST_F(Graph44100, PitchAndLevelAreRightAndNothingIsLost) {
 
 class Graph48000 : public LiveTest {};
 
-TEST_F(Graph48000, TheLogSaysThatNothingIsConverted) {
-    const auto live = startLive(LiveSettings::flat());
-    EXPECT_TRUE(live->hasLogged("→ copiere"));
-    EXPECT_FALSE(live->hasLogged("ATENȚIE"));
-    EXPECT_TRUE(live->hasLogged("[AudioEngine] playback: output='Speakers'"));
-}
-
 TEST_F(Graph48000, FollowsTheGraphToAnotherRateAndBack) {
     const Recorder &recorder = record("speakers");
     playTone(-20.0);

@@ -13,30 +13,6 @@ class Routing : public LiveTest {
     Recorder &hdmi = record("hdmi");
 };
 
-TEST_F(Routing, EveryApplicationIsCaughtAndOurOwnOutputIsNot) {
-    playSequence({"before"});
-    const auto live = startLive(twelveDBLower());
-    EXPECT_TRUE(soonPlaysInto("before", {tapName(*live)}));
-    EXPECT_TRUE(soonHears(speakers, Heard::processed));
-    closePlayer();
-
-    playSequence({"after"});
-    EXPECT_TRUE(soonPlaysInto("after", {tapName(*live)}));
-    EXPECT_TRUE(soonHears(speakers, Heard::processed));
-    EXPECT_TRUE(
-        soonPlaysInto("quorbel.out." + std::to_string(live->process().pid()), {"speakers"}));
-    EXPECT_EQ(heardIn(hdmi.last(0.5)), Heard::silence);
-}
-
-TEST_F(Routing, ProgramsOfBothInterfacesAreProcessed) {
-    const auto live = startLive(twelveDBLower());
-    for (const char *program : {"pw-play", "paplay"}) {
-        const auto application = playWith(program, 1.5);
-        EXPECT_TRUE(soonHears(speakers, Heard::processed)) << program;
-        EXPECT_EQ(application->exitStatusWithin(5.0), 0) << application->errors();
-    }
-}
-
 TEST_F(Routing, TheChosenDevicePlaysAndNotTheDefault) {
     playSequence();
     const auto live = startLive(twelveDBLower(), {"--device", "hdmi"});
@@ -61,34 +37,6 @@ TEST_F(Routing, ApplicationsThatChoseADeviceAreCaughtAndGoBackToIt) {
     EXPECT_TRUE(soonHears(speakers, Heard::silence));
 }
 
-TEST_F(Routing, AnApplicationThatMustNotBeMovedPlaysOn) {
-    Player::Options fixed("fixed");
-    fixed.mayBeMoved = false;
-    playSequence(fixed);
-    ASSERT_TRUE(soonHears(speakers, Heard::dry));
-    auto live = startLive(twelveDBLower());
-    EXPECT_TRUE(soonPlaysInto("fixed", {"speakers"}));
-    EXPECT_TRUE(soonHears(speakers, Heard::dry));
-    stopLive(live);
-    EXPECT_TRUE(soonHears(speakers, Heard::dry));
-}
-
-TEST_F(Routing, AStreamThatTheUserMovesStaysWhereTheUserPutIt) {
-    playSequence({"moved"});
-    auto live = startLive(twelveDBLower());
-    ASSERT_TRUE(soonHears(speakers, Heard::processed));
-    server.moveApplication("moved", "hdmi");
-    EXPECT_TRUE(soonPlaysInto("moved", {"hdmi"}));
-    EXPECT_TRUE(soonHears(hdmi, Heard::dry));
-    stopLive(live);
-    EXPECT_TRUE(soonHears(hdmi, Heard::dry));
-    EXPECT_TRUE(soonPlaysInto("moved", {"hdmi"}));
-    // And the session manager remembers that, and not us.
-    EXPECT_TRUE(comesTrue(3.0, [&] {
-        return remembersTarget(server.storedStreams(), "moved", "hdmi");
-    })) << testing::PrintToString(server.storedStreams());
-}
-
 TEST_F(Routing, AVirtualDeviceOfTheUsersCanBeChosen) {
     const auto loopback =
         server.start({"pw-loopback", "--name=virtual",
@@ -103,21 +51,6 @@ TEST_F(Routing, AVirtualDeviceOfTheUsersCanBeChosen) {
     hdmi.skip(1.0);
     const auto report = SequenceReport::of(hdmi.nextUndisturbed(5.0));
     EXPECT_TRUE(report.intact()) << report;
-}
-
-TEST_F(Routing, ShortPulseAudioClientsNeverHang) {
-    const auto live = startLive(twelveDBLower());
-    for (int run = 0; run < 40; ++run) {
-        ASSERT_EQ(playWith("paplay", 0.3)->exitStatusWithin(5.0), 0) << "run " << run;
-    }
-    std::vector<std::unique_ptr<ChildProcess>> together;
-    for (int run = 0; run < 20; ++run) {
-        together.push_back(playWith("paplay", 0.3));
-    }
-    EXPECT_TRUE(comesTrue(2.0, [&] { return peak(speakers.last(0.1).left) > 0.01F; }));
-    for (const auto &application : together) {
-        EXPECT_EQ(application->exitStatusWithin(8.0), 0) << application->errors();
-    }
 }
 
 /// What a desktop shows and the user's own settings.

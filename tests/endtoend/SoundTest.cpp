@@ -68,8 +68,8 @@ class Disturbances {
 };
 
 INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
-                         testing::Combine(testing::Values("speakers", "hdmi"),
-                                          testing::Values(1024, 256, 64)),
+                         testing::Values(std::tuple("speakers", 1024), std::tuple("speakers", 64),
+                                         std::tuple("hdmi", 256)),
                          [](const auto &value) {
                              return std::get<0>(value.param) +
                                     std::to_string(std::get<1>(value.param));

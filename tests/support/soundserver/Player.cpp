@@ -8,9 +8,6 @@ Player::Player(GraphClient &client, Sound &sound, const Options &options)
     if (!options.target.empty()) {
         pw_properties_set(properties, PW_KEY_TARGET_OBJECT, options.target.c_str());
     }
-    if (!options.mayBeMoved) {
-        pw_properties_set(properties, PW_KEY_NODE_DONT_RECONNECT, "true");
-    }
     connect(PW_DIRECTION_OUTPUT, properties, options.sampleRate, options.channels);
 }
 

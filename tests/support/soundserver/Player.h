@@ -20,8 +20,7 @@ class Player : public ClientStream {
         std::string name;
         std::string target; ///< a device that the application insists on; empty for the default
         int sampleRate;
-        bool mayBeMoved = true; ///< false sets node.dont-reconnect
-        int channels = 2;       ///< those beyond the second are silent
+        int channels = 2; ///< those beyond the second are silent
     };
 
     Player(GraphClient &client, Sound &sound) : Player(client, sound, Options{}) {}

@@ -1,12 +1,11 @@
-#include "platform/hardware/routing/RouteLog.h"
+#include "platform/hardware/routing/RoutedStream.h"
+
 #include "platform/hardware/routing/StreamRules.h"
 
 #include <gtest/gtest.h>
 
 namespace quorbel {
 namespace {
-
-bool equal(const RoutedStream &a, const RoutedStream &b) { return a.encoded() == b.encoded(); }
 
 TEST(RoutedStream, EveryLineReadsBackAsItWas) {
     const std::optional<MetadataValue> none;
@@ -37,21 +36,6 @@ TEST(RoutedStream, ALineCutShortIsRefused) {
     for (const char *text : {"routed", "routed 1 2 3 0 = - - - - -", "routed x 2 3 0 = - - - -",
                              "routed 1 2 3 0 = =a%4 =b - -", "routed 1 2 3 0 = - =b - -", "CLEAN"})
         EXPECT_FALSE(RoutedStream::decode(text)) << text;
-}
-
-TEST(RouteLedger, HoldsWhatIsStillRouted) {
-    const RoutedStream first{1, 11, 5};
-    const RoutedStream second{2, 12, 5, 0, MetadataValue{"Spa:Id", "39"}};
-    const RoutedStream sameID{1, 13, 5};
-    RouteLedger ledger;
-    EXPECT_TRUE(ledger.take(first.encoded()));
-    EXPECT_TRUE(ledger.take(second.encoded()));
-    EXPECT_TRUE(ledger.take(encodedRelease(first)));
-    EXPECT_TRUE(ledger.take(sameID.encoded()));
-    EXPECT_FALSE(ledger.take("released 2"));
-    ASSERT_EQ(ledger.streams().size(), 2U);
-    EXPECT_TRUE(equal(ledger.streams()[0], sameID));
-    EXPECT_TRUE(equal(ledger.streams()[1], second));
 }
 
 TEST(Routing, OnlyStreamsThatMayBeMovedAre) {
