@@ -556,7 +556,11 @@ void StreamRouter::metadataChanged(std::uint32_t subject, std::string_view key,
     const bool isOther =
         found == streams_.end() || !isHeld(found->second) ||
         (isObject ? found->second.route.targetObject : found->second.route.targetNode) != value;
-    if (isKnown && isOther) {
+    // What an ended stream had is deleted late, when its id may be another's already.
+    const bool isCleanedUp =
+        !value && (found == streams_.end() ||
+                   commands_.seconds() - found->second.appearedAt < restoringSeconds);
+    if (isKnown && isOther && !isCleanedUp) {
         memory_.choose(*node, key, value);
         shareTarget(*node);
     }

@@ -3,14 +3,14 @@
 #include "platform/hardware/routing/RoutedStream.h"
 #include "platform/hardware/routing/StreamRules.h"
 
-#include <utility>
-
 namespace quorbel {
 
 void TargetMemory::learn(const NodeRecord &stream, const std::optional<MetadataValue> &object,
                          const std::optional<MetadataValue> &node) {
-    if (std::string name = targetName(objects_, object, node); !name.empty())
-        targets_.emplace(programOf(stream), std::move(name));
+    // One that seems to have been taken away is believed again: a lost choice is worse than an old
+    // one.
+    if (std::string &known = targets_[programOf(stream)]; known.empty())
+        known = targetName(objects_, object, node);
 }
 
 void TargetMemory::choose(const NodeRecord &stream, std::string_view key,
