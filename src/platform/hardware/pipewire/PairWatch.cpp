@@ -99,9 +99,13 @@ void PipeWireHardware::lookAround() {
     confirmReleases();
     if (router_->isOn())
         router_->checkDeadlines();
-    if (const double now = monotonicSeconds(); !journal_->isEmpty() && now >= nextBeat_) {
-        nextBeat_ = now + RouteJournal::beatSeconds;
-        if (journal_->beat() && router_->isOn())
+    const double now = monotonicSeconds();
+    const bool isResting = output_ == nullptr || !output_->stream()->isStreaming();
+    const bool hasChanged = std::exchange(wasResting_, isResting) != isResting;
+    if (!journal_->isEmpty() && (now >= nextBeat_ || hasChanged)) {
+        nextBeat_ =
+            now + (isResting ? RouteJournal::restingBeatSeconds : RouteJournal::beatSeconds);
+        if (journal_->beat(isResting) && router_->isOn())
             router_->startOver();
     }
     armTimer();

@@ -127,6 +127,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     spa_source *lookEvent_ = nullptr;
     spa_source *timer_ = nullptr;
     double nextBeat_ = 0.0;
+    bool wasResting_ = false; ///< when the watchdog was last told
     AudioObjectID captureDevice_ = 0;
     IOClient *ioClient_ = nullptr;
     bool isIORunning_ = false;

@@ -33,9 +33,11 @@ class RouteJournal final : public RouteLog {
     void confirmReleases(std::uint64_t count);
     [[nodiscard]] bool hasUnconfirmed() const { return !unconfirmed_.empty(); }
     [[nodiscard]] bool isEmpty() const { return ledger_.size() == 0; }
-    /// As `WatchdogLink::beat`: to be called every `beatSeconds` while streams are routed.
-    bool beat() { return watchdog_.beat(ledger_); }
+    /// As `WatchdogLink::beat`: to be called every `beatSeconds` while streams are routed, or every
+    /// `restingBeatSeconds` while nothing plays.
+    bool beat(bool isResting) { return watchdog_.beat(ledger_, isResting); }
     static constexpr double beatSeconds = 0.25;
+    static constexpr double restingBeatSeconds = 1.0;
     /// Everything is back in its place; the watchdog may go.
     void allRestored();
 

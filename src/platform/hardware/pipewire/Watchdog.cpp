@@ -18,9 +18,11 @@ namespace {
 
 constexpr double watchdogAnswerSeconds = 2.0;
 constexpr useconds_t retryMicroseconds = 1'000'000;
-/// The program says that it is alive four times a second.
+/// The program says that it is alive four times a second, and once a second while nothing plays.
 constexpr double silenceSeconds = 1.0;
+constexpr double restingSilenceSeconds = 3.0;
 constexpr int lookMilliseconds = 250;
+constexpr int restingLookMilliseconds = 1000;
 
 enum class Outcome {
     restored,
@@ -101,8 +103,10 @@ int runWatchdog(int input) {
     RouteLedger routed;
     std::uint32_t serverCookie = 0;
     double heardAt = monotonicSeconds();
+    bool isResting = false;
     for (;;) {
-        const auto heard = program.listen(routed.size() > 0 ? lookMilliseconds : -1);
+        const int patience = isResting ? restingLookMilliseconds : lookMilliseconds;
+        const auto heard = program.listen(routed.size() > 0 ? patience : -1);
         if (heard == ProgramVoice::Heard::end)
             break;
         const double now = monotonicSeconds();
@@ -113,13 +117,16 @@ int runWatchdog(int input) {
                 return 0;
             if (*line == watchdogWord::reset)
                 routed.clear();
+            else if (*line == watchdogWord::alive || *line == watchdogWord::resting)
+                isResting = *line == watchdogWord::resting;
             else if (line->starts_with(watchdogWord::server))
                 std::from_chars(line->data() + watchdogWord::server.size(),
                                 line->data() + line->size(), serverCookie);
             else
                 routed.take(*line);
         }
-        if (now - heardAt > silenceSeconds && routed.size() > 0) {
+        const double limit = isResting ? restingSilenceSeconds : silenceSeconds;
+        if (now - heardAt > limit && routed.size() > 0) {
             restoreAll(routed, serverCookie);
             const std::string word = std::string(watchdogWord::took) + '\n';
             if (write(input, word.data(), word.size()) < 0)

@@ -101,7 +101,7 @@ void WatchdogLink::tellAll(const RouteLedger &routed) {
         send(stream.encoded());
 }
 
-bool WatchdogLink::beat(const RouteLedger &routed) {
+bool WatchdogLink::beat(const RouteLedger &routed, bool isResting) {
     if (pid_ > 0 && waitpid(pid_, nullptr, WNOHANG) == pid_) {
         pid_ = -1;
         abandon();
@@ -109,7 +109,7 @@ bool WatchdogLink::beat(const RouteLedger &routed) {
     } else if (isBehind_) {
         tellAll(routed);
     }
-    send(watchdogWord::alive);
+    send(isResting ? watchdogWord::resting : watchdogWord::alive);
     bool hasTaken = false;
     std::array<char, 64> words{};
     while (socket_ >= 0) {

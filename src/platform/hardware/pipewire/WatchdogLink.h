@@ -12,7 +12,8 @@ namespace watchdogWord {
 inline constexpr std::string_view server = "server "; ///< followed by the server's cookie
 inline constexpr std::string_view reset = "RESET";    ///< forget every line so far
 inline constexpr std::string_view alive = "ALIVE";
-inline constexpr std::string_view clean = "CLEAN"; ///< everything is restored; end
+inline constexpr std::string_view resting = "RESTING"; ///< alive, with nothing playing: seldom said
+inline constexpr std::string_view clean = "CLEAN";     ///< everything is restored; end
 inline constexpr std::string_view took = "TOOK"; ///< from the watchdog: it has restored everything
 } // namespace watchdogWord
 
@@ -20,7 +21,8 @@ inline constexpr std::string_view took = "TOOK"; ///< from the watchdog: it has 
 std::string serverLine(std::uint32_t serverCookie);
 
 /// The watchdog process: it knows every routed stream and puts them back if we end without a word,
-/// or do not answer for a second. It is started again if it ends before us.
+/// or do not answer for a second (for three while nothing plays). It is started again if it ends
+/// before us.
 class WatchdogLink {
   public:
     /// Starts it. Without the program there is no watchdog, and every call does nothing.
@@ -31,10 +33,10 @@ class WatchdogLink {
     WatchdogLink &operator=(const WatchdogLink &) = delete;
 
     void send(std::string_view line);
-    /// Says that we are alive; starts the watchdog again if it has ended, and tells it everything
-    /// again if a line could not be sent. Returns true if it has put everything back since the last
-    /// call, because we seemed to be dead.
-    bool beat(const RouteLedger &routed);
+    /// Says that we are alive, and whether the sound rests; starts the watchdog again if it has
+    /// ended, and tells it everything again if a line could not be sent. Returns true if it has put
+    /// everything back since the last call, because we seemed to be dead.
+    bool beat(const RouteLedger &routed, bool isResting);
     /// Everything is restored: ends the watchdog and waits for its end, 0.1 s at most.
     void finish();
 
