@@ -51,9 +51,10 @@ T.Dialog {
         wrapMode: Text.Wrap
         textFormat: Text.PlainText
     }
-    contentItem: DotScrollView {
-        id: view
+    contentItem: view
 
+    // Apart from the property, which would be set later than what is in it.
+    readonly property DotScrollView view: DotScrollView {
         focus: true
         contentWidth: availableWidth
         contentHeight: holder.implicitHeight
@@ -70,7 +71,7 @@ T.Dialog {
 
             implicitWidth: largest("implicitWidth")
             implicitHeight: largest("implicitHeight")
-            width: view.availableWidth
+            width: dialog.view.availableWidth
             height: implicitHeight
         }
     }

@@ -28,7 +28,8 @@ T.ScrollView {
         event.accepted = true;
     }
 
-    FocusArea {
+    // Not among the contents: they would be taken before the scroll bars are there, which then show no size.
+    readonly property Item grip: FocusArea {
         id: grip
 
         parent: control

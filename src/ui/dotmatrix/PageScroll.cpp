@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace quorbel {
 
@@ -46,34 +47,39 @@ double number(const QQuickItem &item, const char *property) {
     return item.property(property).toDouble();
 }
 
-QQuickItem *scrollablePart(QQuickItem *item) {
+/// What scrolls in `item`, the innermost first.
+void addScrollableParts(QQuickItem *item, std::vector<QQuickItem *> &parts) {
     if (item == nullptr || !item->isVisible())
-        return nullptr;
-    // The toolkit has no public class for it.
-    if (item->inherits("QQuickFlickable") && number(*item, "contentHeight") > item->height())
-        return item;
+        return;
     for (QQuickItem *child : item->childItems())
-        if (QQuickItem *found = scrollablePart(child))
-            return found;
-    return nullptr;
+        addScrollableParts(child, parts);
+    // The toolkit has no public class for it.
+    if (item->inherits("QQuickFlickable") && number(*item, "contentHeight") > item->height() + 1)
+        parts.push_back(item);
 }
 
 } // namespace
 
 bool PageScroll::scroll(QQuickItem *page, int key) {
-    QQuickItem *const view = isScrollKey(key) ? scrollablePart(page) : nullptr;
-    if (view == nullptr)
-        return false;
-    const bool isList = view->inherits("QQuickItemView");
-    if (isList && (view->hasActiveFocus() || key == Qt::Key_Home || key == Qt::Key_End)) {
-        scrollList(*view, key);
+    std::vector<QQuickItem *> parts;
+    if (isScrollKey(key))
+        addScrollableParts(page, parts);
+    for (QQuickItem *view : parts) {
+        const bool isList = view->inherits("QQuickItemView");
+        if (isList && (view->hasActiveFocus() || key == Qt::Key_Home || key == Qt::Key_End)) {
+            scrollList(*view, key);
+            return true;
+        }
+        const double first = number(*view, "originY");
+        const double last = first + number(*view, "contentHeight") - view->height();
+        const double now = number(*view, "contentY");
+        const double next = movedBy(key, now, lineHeight, view->height() - lineHeight, first, last);
+        if (std::abs(next - now) < 0.5)
+            continue; // at its end: what is around it goes on
+        view->setProperty("contentY", next);
         return true;
     }
-    const double first = number(*view, "originY");
-    const double last = first + number(*view, "contentHeight") - view->height();
-    view->setProperty("contentY", movedBy(key, number(*view, "contentY"), lineHeight,
-                                          view->height() - lineHeight, first, last));
-    return true;
+    return !parts.empty();
 }
 
 void PageScroll::scrollList(QQuickItem &list, int key) {

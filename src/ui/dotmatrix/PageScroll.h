@@ -13,8 +13,8 @@ class PageScroll : public QObject {
   public:
     using QObject::QObject;
 
-    /// Scrolls the outermost part of `page` that is higher than its frame. False where there is
-    /// none or the key does not scroll.
+    /// Scrolls the innermost part of `page` that is higher than its frame and not at its end yet.
+    /// False where nothing is higher or the key does not scroll.
     bool scroll(QQuickItem *page, int key);
     /// Lets go of the end that a list is held at: the user goes elsewhere.
     void letGo() { framesLeft_ = 0; }

@@ -40,7 +40,8 @@ class WrapRowAttached : public QObject {
 class WrapRow : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
-    QML_ATTACHED(WrapRowAttached)
+    // In full: the tools that read QML know no shorter name.
+    QML_ATTACHED(quorbel::WrapRowAttached)
     /// Between the items of a row.
     Q_PROPERTY(double spacing MEMBER spacing_ NOTIFY changed FINAL)
     Q_PROPERTY(double rowSpacing MEMBER rowSpacing_ NOTIFY changed FINAL)

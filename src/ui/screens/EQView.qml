@@ -59,49 +59,54 @@ ScreenPage {
             columnSpacing: 2 * Theme.unit
             rowSpacing: 2 * Theme.unit
 
-            DotScrollView {
-                id: stripsView
+            RowLayout {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
-                implicitWidth: 0
-                implicitHeight: stripsRow.implicitHeight + bottomPadding
-                bottomPadding: stripsRow.width > width ? 1.5 * Theme.unit : 0
-                contentWidth: stripsRow.width
-                contentHeight: availableHeight
+                spacing: Theme.unit / 2
 
-                RowLayout {
-                    id: stripsRow
-                    width: Math.max(stripsView.availableWidth, strips.count * Theme.stripWidth + scale.implicitWidth)
-                    height: stripsView.availableHeight
-                    spacing: 0
+                FaderScale {
+                    Layout.fillHeight: true
+                    Layout.bottomMargin: stripsView.bottomPadding
+                    strip: screen.selectedStrip
+                }
+                DotScrollView {
+                    id: stripsView
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    implicitWidth: 0
+                    implicitHeight: stripsRow.implicitHeight + bottomPadding
+                    bottomPadding: stripsRow.width > width ? 1.5 * Theme.unit : 0
+                    contentWidth: stripsRow.width
+                    contentHeight: availableHeight
 
-                    FaderScale {
-                        id: scale
-                        Layout.fillHeight: true
-                        Layout.rightMargin: Theme.unit / 2
-                        strip: screen.selectedStrip
-                    }
-                    Repeater {
-                        id: strips
-                        model: App.equalizer.bands
-                        onItemAdded: index => {
-                            if (index === screen.selectedBand)
-                                screen.select(index);
-                        }
-                        onItemRemoved: index => {
-                            if (index === screen.selectedBand)
-                                screen.selectedStrip = null;
-                        }
-                        delegate: BandStripView {
-                            Layout.fillWidth: true
-                            Layout.fillHeight: true
-                            Layout.preferredWidth: 1
-                            // Up to Qt 6.4 qmllint does not know the ids around a delegate.
-                            // qmllint disable unqualified
-                            selected: screen.selectedBand === index
-                            onChosen: screen.select(index)
-                            onMoveRequested: step => screen.focusBand(index + step)
-                            // qmllint enable unqualified
+                    RowLayout {
+                        id: stripsRow
+                        width: Math.max(stripsView.availableWidth, strips.count * Theme.stripWidth)
+                        height: stripsView.availableHeight
+                        spacing: 0
+
+                        Repeater {
+                            id: strips
+                            model: App.equalizer.bands
+                            onItemAdded: index => {
+                                if (index === screen.selectedBand)
+                                    screen.select(index);
+                            }
+                            onItemRemoved: index => {
+                                if (index === screen.selectedBand)
+                                    screen.selectedStrip = null;
+                            }
+                            delegate: BandStripView {
+                                Layout.fillWidth: true
+                                Layout.fillHeight: true
+                                Layout.preferredWidth: 1
+                                // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+                                // qmllint disable unqualified
+                                selected: screen.selectedBand === index
+                                onChosen: screen.select(index)
+                                onMoveRequested: step => screen.focusBand(index + step)
+                                // qmllint enable unqualified
+                            }
                         }
                     }
                 }
@@ -115,7 +120,7 @@ ScreenPage {
             }
             BandInspector {
                 Layout.preferredWidth: Theme.labelWidth
-                Layout.maximumWidth: bandsLayout.beside ? Theme.labelWidth : Number.POSITIVE_INFINITY
+                Layout.maximumWidth: bandsLayout.beside ? Theme.labelWidth : Infinity
                 Layout.fillWidth: !bandsLayout.beside
                 Layout.alignment: Qt.AlignTop
                 strip: screen.selectedStrip

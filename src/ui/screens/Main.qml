@@ -32,7 +32,7 @@ Window {
         id: desk
         anchors.fill: parent
         focus: true
-        page: screens.page
+        page: screens
         onCompareHeldChanged: App.engine.comparing = compareHeld && App.engine.running
         onUndoRequested: App.history.undo()
         onRedoRequested: App.history.redo()

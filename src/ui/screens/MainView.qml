@@ -14,9 +14,6 @@ Item {
     property bool small: false
     signal saveRequested
 
-    /// The screen itself.
-    readonly property Item page: screen.item as Item
-
     /// The list that the presets screen shows or would show.
     property int presetFilter: PresetFilterModel.All
 
@@ -66,6 +63,7 @@ Item {
                 Layout.fillWidth: true
                 Layout.fillHeight: true
                 Layout.preferredHeight: 0
+                Layout.topMargin: -((item as ScreenPage)?.ringMargin ?? 0)
                 // A list of presets cannot be lower than its head and one row.
                 Layout.minimumHeight: Math.max(Math.min(view.height - 2 * Theme.unit, 20 * Theme.textUnit), (item as PresetsView)?.implicitHeight ?? 0)
                 sourceComponent: {

@@ -22,7 +22,7 @@ GridLayout {
         // Below the name of the card, which stands beside its switch.
         Layout.leftMargin: row.narrow ? 0 : Theme.indent
         Layout.minimumWidth: row.narrow ? 0 : Theme.labelWidth
-        Layout.maximumWidth: row.narrow ? Number.POSITIVE_INFINITY : Theme.labelWidth
+        Layout.maximumWidth: row.narrow ? Infinity : Theme.labelWidth
         Layout.fillWidth: true
         Layout.alignment: Qt.AlignVCenter
         Layout.row: 0

@@ -13,7 +13,7 @@ DotCard {
     signal bandChosen(int row)
 
     /// The band whose values are written out: under the pointer, or else the selected one.
-    readonly property BandPoint readPoint: points.count > 0 ? points.itemAt(hoveredBand >= 0 ? hoveredBand : selectedBand) as BandPoint : null
+    readonly property var readPoint: points.itemAt(Math.min(hoveredBand >= 0 ? hoveredBand : selectedBand, points.count - 1))
     readonly property list<real> decibels: [12, 6, 0, -6, -12]
     readonly property list<real> octaves: [31.5, 63, 125, 250, 500, 1000, 2000, 4000, 8000, 16000]
 
@@ -72,7 +72,7 @@ DotCard {
                 }
                 CaptionText {
                     Layout.fillWidth: true
-                    readonly property BandPoint point: card.readPoint
+                    readonly property var point: card.readPoint
                     text: point !== null ? Format.hertz(point.frequency) + " · " + Format.signedDecibels(point.gain) + " · Q " + Format.fixed(point.q, 2) : ""
                     color: Theme.ink
                 }
@@ -142,6 +142,7 @@ DotCard {
                         // Up to Qt 6.4 qmllint does not know the ids around a delegate.
                         // qmllint disable unqualified
                         y: plot.height > 0 ? plot.yOfHeight(card.heightOf(modelData)) - height / 2 : 0
+                        visible: modelData % 12 === 0 || plot.height > 0 && plot.yOfHeight(card.heightOf(0)) - plot.yOfHeight(card.heightOf(6)) >= height
                         // qmllint enable unqualified
                         text: (modelData > 0 ? "+" : "") + modelData + (modelData === 0 ? " dB" : "")
                         Accessible.ignored: true

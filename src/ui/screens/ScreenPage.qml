@@ -19,7 +19,7 @@ DotScrollView {
         scrollBy(Infinity);
     }
 
-    topPadding: -ringMargin
+    takesKeys: true
     rightPadding: 2 * Theme.unit - ringMargin // the scroll bar's
     contentWidth: availableWidth
     contentHeight: column.y + column.height + endMargin

@@ -6,14 +6,15 @@ import Quorbel.Dotmatrix
 GridLayout {
     id: list
 
-    readonly property var shortcuts: [
-        [qsTr("B, held"), qsTr("Compare")],
-        [qsTr("Ctrl+Return"), qsTr("Start or stop processing")],
-        [qsTr("Ctrl+1 to Ctrl+9"), qsTr("Screens, in the order of the sidebar")],
-        [qsTr("Ctrl+Z"), qsTr("Undo")],
-        [qsTr("Ctrl+Shift+Z, Ctrl+Y"), qsTr("Redo")],
-        [qsTr("F5"), qsTr("Refresh device list")],
-        [qsTr("Ctrl+Q"), qsTr("Quit")]
+    /// Each key is followed by what it does.
+    readonly property list<string> lines: [
+        qsTr("B, held"), qsTr("Compare"),
+        qsTr("Ctrl+Return"), qsTr("Start or stop processing"),
+        qsTr("Ctrl+1 to Ctrl+9"), qsTr("Screens, in the order of the sidebar"),
+        qsTr("Ctrl+Z"), qsTr("Undo"),
+        qsTr("Ctrl+Shift+Z, Ctrl+Y"), qsTr("Redo"),
+        qsTr("F5"), qsTr("Refresh device list"),
+        qsTr("Ctrl+Q"), qsTr("Quit")
     ]
 
     columns: 2
@@ -22,13 +23,22 @@ GridLayout {
 
     HeadingText {
         Layout.columnSpan: 2
+        Layout.fillWidth: true
         text: qsTr("Keys")
     }
     Repeater {
-        model: [].concat(...list.shortcuts)
+        model: list.lines
         delegate: BodyText {
             required property string modelData
             required property int index
+            // Up to Qt 6.4 qmllint does not know the ids around a delegate.
+            // qmllint disable unqualified
+            Layout.preferredWidth: index % 2 === 0 ? Math.min(implicitWidth, list.width / 2) : -1
+            // qmllint enable unqualified
+            Layout.minimumWidth: 0
+            Layout.fillWidth: index % 2 === 1
+            Layout.alignment: Qt.AlignTop
+            wrapMode: Text.Wrap
             text: modelData
             color: index % 2 === 0 ? Theme.ink : Theme.inkSoft
         }

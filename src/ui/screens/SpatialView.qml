@@ -121,6 +121,8 @@ ScreenPage {
             rowSpacing: Theme.unit
 
             SwitchRow {
+                WrapRow.minimumWidth: Math.min(implicitWidth, 30 * Theme.textUnit)
+                WrapRow.fills: true
                 label: App.setting("voiceAdaptiveEnabled").label
                 checked: App.setting("voiceAdaptiveEnabled").on
                 onToggled: App.setting("voiceAdaptiveEnabled").toggle()
@@ -162,6 +164,8 @@ ScreenPage {
             rowSpacing: Theme.unit
 
             SwitchRow {
+                WrapRow.minimumWidth: Math.min(implicitWidth, 30 * Theme.textUnit)
+                WrapRow.fills: true
                 label: App.setting("bassAdaptiveEnabled").label
                 checked: App.setting("bassAdaptiveEnabled").on
                 onToggled: App.setting("bassAdaptiveEnabled").toggle()

@@ -200,6 +200,8 @@ QStringList layoutFaults(QQuickWindow &window, double textScale) {
     eachShown(*window.contentItem(), [&](QQuickItem &item) {
         if (const QQuickItem *left = isFlickable(item) ? leftAncestor(item) : nullptr)
             faults.append("outside: " + describe(item) + " of " + describe(*left));
+        if (isA(item, "QQuickScrollBar") && item.height() > 0 && number(item, "size") <= 0)
+            faults.append("scroll bar of nothing: " + describe(item));
     });
     for (std::size_t one = 0; one < all.size(); ++one)
         for (std::size_t other = one + 1; other < all.size(); ++other)

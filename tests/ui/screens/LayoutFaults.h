@@ -13,7 +13,7 @@ namespace quorbel::testing {
 /// 1. A text is shown whole, numbers above all. Only a closed box of choices may cut a name, for
 ///    its list shows it whole.
 /// 2. Texts and controls lie inside everything that they are in; in scrolling content, inside what
-///    it scrolls over. What scrolls has room for each control in it.
+///    it scrolls over. What scrolls has room for each control in it, and its bars know its size.
 /// 3. Texts and controls do not lie on each other, unless one is a part of the other.
 /// 4. No text is smaller than the smallest of the design, times the text scale.
 /// 5. What can be operated has a name for assistive technology.
