@@ -101,8 +101,8 @@ class Theme : public QObject {
     double headHeight() const { return 24 + scaled(16); }
 
     double sidebarWidth() const { return 27 * textUnit(); }
-    /// The narrowest strip of a band.
-    double stripWidth() const { return 6 * textUnit(); }
+    /// The narrowest strip of a band; ten and their scale fit the smallest window.
+    double stripWidth() const { return 5.7 * textUnit(); }
     /// Columns of a card: the names of its values, the values, the button that opens it.
     double labelWidth() const { return 22 * textUnit(); }
     double valueWidth() const { return 13 * textUnit(); }

@@ -84,7 +84,7 @@ DotCard {
                 }
                 DotButton {
                     id: expander
-                    anchors.right: parent.right
+                    x: card.narrow ? 0 : parent.width - width
                     width: Math.min(implicitWidth, parent.width)
                     flat: true
                     text: card.expanded ? qsTr("Hide") : qsTr("All controls")
