@@ -36,19 +36,20 @@ template <class Value> Value stored(double value) {
 
 } // namespace
 
+template <> const SpatialConfig &SettingsModel::current() const { return engine_.spatial(); }
+template <> const MixerConfig &SettingsModel::current() const { return engine_.mixer(); }
+
 SettingsModel::SettingsModel(AudioEngine &engine, HistoryModel &history, QObject *parent)
     : QObject(parent), engine_(engine), history_(history) {
     for (const auto &setting : spatialSettings)
-        add(setting, &AudioEngine::spatial, &AudioEngine::setSpatial);
+        add(setting);
     for (const auto &setting : mixerSettings)
-        add(setting, &AudioEngine::mixer, &AudioEngine::setMixer);
+        add(setting);
     connect(&engine_, &AudioEngine::spatialChanged, this, &SettingsModel::refresh);
     connect(&engine_, &AudioEngine::mixerChanged, this, &SettingsModel::refresh);
 }
 
-template <class Record>
-void SettingsModel::add(const Setting<Record> &setting, const Record &(AudioEngine::*read)() const,
-                        void (AudioEngine::*write)(const Record &)) {
+template <class Record> void SettingsModel::add(const Setting<Record> &setting) {
     const Record defaults;
     std::visit(
         [&]<class Value>(Value Record::*member) {
@@ -59,12 +60,12 @@ void SettingsModel::add(const Setting<Record> &setting, const Record &(AudioEngi
                  .scale = setting.scale,
                  .choices = choicesOf<Value>,
                  .defaultValue = shown(defaults.*member),
-                 .read = [this, read, member] { return shown((engine_.*read)().*member); },
+                 .read = [this, member] { return shown(current<Record>().*member); },
                  .write =
-                     [this, read, write, member](double value) {
-                         Record record = (engine_.*read)();
+                     [this, member](double value) {
+                         Record record = current<Record>();
                          record.*member = stored<Value>(value);
-                         (engine_.*write)(record);
+                         apply(record);
                      }},
                 history_, this);
         },

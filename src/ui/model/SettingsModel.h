@@ -46,9 +46,10 @@ class SettingsModel final : public QObject {
     void stagesChanged();
 
   private:
-    template <class Record>
-    void add(const Setting<Record> &setting, const Record &(AudioEngine::*read)() const,
-             void (AudioEngine::*write)(const Record &));
+    template <class Record> void add(const Setting<Record> &setting);
+    template <class Record> [[nodiscard]] const Record &current() const;
+    void apply(const SpatialConfig &spatial) { engine_.setSpatial(spatial); }
+    void apply(const MixerConfig &mixer) { engine_.setMixer(mixer); }
     void refresh();
 
     AudioEngine &engine_;
