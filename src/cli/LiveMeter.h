@@ -13,8 +13,8 @@ namespace quorbel {
 class AudioEngine;
 
 /// One line on standard error that follows the engine, ten times a second at most; log lines scroll
-/// past above it. Where standard error is not a terminal it shows nothing, and tells the engine
-/// that nobody looks. [main]
+/// past above it. Shows nothing and switches the engine's display off where standard error is not a
+/// terminal. [main]
 class LiveMeter {
   public:
     /// Both must outlive the meter.

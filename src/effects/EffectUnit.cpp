@@ -62,7 +62,7 @@ Status EffectUnit::allocateRenderResources(std::string &error) {
 }
 
 void EffectUnit::takeSettings() noexcept {
-    // The locks of cells that nobody has touched would be the larger part of a short block.
+    // Locking untouched cells would dominate a short block.
     const std::uint32_t touches = touches_->load(std::memory_order_acquire);
     if (std::exchange(takenTouches_, touches) == touches)
         return;

@@ -213,7 +213,7 @@ void AudioEngine::setDisplayed(bool isDisplayed) {
     }
 }
 
-/// What was on its way when playback was started anew is followed by what holds then.
+/// A report from before a restart of playback is followed by the current one.
 void AudioEngine::setCyclesCome(bool doCome) {
     doCyclesCome_ = doCome;
     systemTap.logFormatChange(); // streams stop for it and start again

@@ -29,8 +29,8 @@ class EngineDiagnostics {
     EngineDiagnostics(Clock &clock, AudioRingBuffer &ringBuffer, const SystemAudioTap &systemTap,
                       const PlaybackGraph &playback);
 
-    /// Begins the seconds anew, and the losses from zero. `lossesChanged` is called in a second
-    /// after which they are different.
+    /// Restarts the seconds and clears the losses. Calls `lossesChanged` after each second in which
+    /// they have changed.
     void start(std::function<void()> lossesChanged);
     void stop();
 

@@ -1,4 +1,4 @@
-// What the engine does by itself while the hardware runs and nobody plays.
+// What the engine does by itself while the hardware runs and no application plays.
 
 #include "effects/EffectComponents.h"
 #include "engine/EngineFixture.h"

@@ -11,8 +11,8 @@
 namespace quorbel {
 
 /// A background analysis on a serial queue of its own: the first after 100 ms, then every 50 ms.
-/// While the unit is idle it goes on until an analysis changes nothing, as every later one would,
-/// and then rests. [main]
+/// While the unit is idle, it rests after the first analysis that changes nothing, because later
+/// ones would not either. [main]
 class AnalysisTimer {
   public:
     /// Returns whether anything is different from the call before. [analysis]

@@ -73,7 +73,7 @@ T.ComboBox {
     }
     popup: T.Popup {
         y: control.height + Theme.radius
-        // A choice that is longer goes on in a second line.
+        // A longer choice wraps into a second line.
         width: Math.min(Math.max(control.width, 24 * Theme.textUnit), control.Window.width - 2 * margins)
         height: Math.min(contentItem.implicitHeight + topPadding + bottomPadding, control.Window.height - 4 * Theme.unit)
         padding: Theme.radius

@@ -2,7 +2,7 @@ import QtQuick
 import Quorbel.Dotmatrix
 
 // The inside of a button, a menu's line or a box of choices: a symbol, a small caption, a text; what is
-// empty takes no room. A text too long for the width goes on in the next line, or ends in dots where `elides`.
+// empty takes no room. A text too long for the width wraps, or ends in dots where `elides`.
 Item {
     id: face
 

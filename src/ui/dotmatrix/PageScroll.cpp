@@ -75,7 +75,7 @@ bool PageScroll::scroll(QQuickItem *page, int key) {
         const double now = number(*view, "contentY");
         const double next = movedBy(key, now, lineHeight, view->height() - lineHeight, first, last);
         if (std::abs(next - now) < 0.5)
-            continue; // at its end: what is around it goes on
+            continue; // at its end: the part around it scrolls
         view->setProperty("contentY", next);
         return true;
     }

@@ -106,7 +106,7 @@ class EngineModel final : public QObject {
     Clock &clock_;
     std::function<QString()> startCheck_;
     QString refusal_;    ///< of the last start, until its reason has gone
-    Timer refusalCheck_; ///< nobody announces that
+    Timer refusalCheck_; ///< polls for that, which is not announced
     QString losses_;
 };
 

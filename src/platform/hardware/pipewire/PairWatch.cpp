@@ -18,7 +18,7 @@ namespace {
 constexpr double shortestWaitSeconds = 1e-3;
 constexpr double longestWaitSeconds = 60.0;
 
-/// Applications wait so long for another output, then they are heard unprocessed until it is there.
+/// Applications wait this long for another output before they are heard unprocessed.
 constexpr double outputSeconds = 0.4;
 
 } // namespace

@@ -18,8 +18,8 @@ namespace quorbel {
 /// The session manager's "default" metadata table, bound.
 ///
 /// Servers lose changes of it (0.3.65 to 1.4 at least). While a client binds the table, the others
-/// are told nothing, and once a client has left in the middle of binding, nobody is told anything
-/// for as long as the session manager runs: the table is deaf. Hence:
+/// receive no changes. After a client has left in the middle of binding, no client receives any
+/// until the session manager restarts: the table is deaf. Hence:
 ///  1. After the table has come it is read again, because then every client binds it and the
 ///     session manager sets its defaults.
 ///  2. When a client has left, a value of our own is written. If the server does not tell us of it

@@ -190,8 +190,8 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     // anybody's.
     const bool isInherited = hasOwnTarget(node.id);
     if (isInherited) {
-        // Or setting it again would not be an event, and nobody could tell whether it came before
-        // what the session manager restores.
+        // Setting it again would not be an event, so its order relative to what the session manager
+        // restores would be unknown.
         commands_.deleteMetadata(node.id, targetObjectKey);
     } else {
         stream.route.targetObject = commands_.expected(node.id, targetObjectKey);

@@ -62,7 +62,7 @@ class SimulatedHardware final : public AudioHardware {
     AudioObjectID play(simulated::Sound sound, std::string deviceUID = {});
     void stopPlaying(AudioObjectID application);
 
-    /// While suspended, nobody plays: no device has cycles, and outputs are told so.
+    /// While suspended, no application plays: devices have no cycles, and outputs are told so.
     void setSuspended(bool suspended);
 
     // The script: trouble.
