@@ -31,10 +31,7 @@ GridLayout {
         delegate: BodyText {
             required property string modelData
             required property int index
-            // Up to Qt 6.4 qmllint does not know the ids around a delegate.
-            // qmllint disable unqualified
-            Layout.preferredWidth: index % 2 === 0 ? Math.min(implicitWidth, list.width / 2) : -1
-            // qmllint enable unqualified
+            Layout.preferredWidth: index % 2 === 0 ? Math.min(implicitWidth, Theme.labelWidth) : -1
             Layout.minimumWidth: 0
             Layout.fillWidth: index % 2 === 1
             Layout.alignment: Qt.AlignTop
