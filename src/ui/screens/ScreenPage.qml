@@ -10,7 +10,7 @@ DotScrollView {
     default property alias content: column.data
     /// Below the last card.
     readonly property real endMargin: 2 * Theme.unit
-    /// Around the content, so that the focus ring of what stands at its edge is not cut off.
+    /// Around the content, so that the focus ring of an item at its edge is not cut off.
     readonly property real ringMargin: 5
 
     /// What lies over the page's lower end takes none of the room that its cards share.

@@ -16,7 +16,7 @@ DotTextField {
         return NaN;
     }
     function takeTyped() {
-        // A text that was put back is shorter than the value it stands for, and no new one.
+        // A restored text is shorter than the value it shows, and is no new value.
         const value = dirty && text !== valueText ? parse(text) : NaN;
         dropTyped();
         if (!isNaN(value))
