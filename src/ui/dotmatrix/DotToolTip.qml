@@ -5,7 +5,10 @@ import Quorbel.Dotmatrix
 T.ToolTip {
     id: control
 
-    x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
+    /// Begins where its parent begins, for parents much wider than their text.
+    property bool atStart: false
+
+    x: parent && !atStart ? Math.round((parent.width - implicitWidth) / 2) : 0
     y: -implicitHeight - Theme.radius
     implicitWidth: Math.min(contentItem.implicitWidth + leftPadding + rightPadding, 45 * Theme.textUnit, (parent?.Window.width ?? Infinity) - 2 * margins)
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding

@@ -65,7 +65,7 @@ DotCard {
                     }
                     DotToolTip {
                         id: help
-                        x: 0
+                        atStart: true
                         visible: overHeading.hovered
                         text: StageTexts.help("Equalizer")
                     }

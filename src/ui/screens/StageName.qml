@@ -20,7 +20,7 @@ ColumnLayout {
         id: over
     }
     DotToolTip {
-        x: 0 // above the name, not above the middle of its room
+        atStart: true
         visible: over.hovered || (head.toggle?.visualFocus ?? false)
         text: head.help
     }
