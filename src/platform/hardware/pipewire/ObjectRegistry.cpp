@@ -10,6 +10,9 @@
 namespace quorbel {
 namespace {
 
+/// A client binds the session manager's metadata within this time, if at all.
+constexpr double bindSeconds = 1.0;
+
 void merge(PropertyMap &into, const spa_dict *from) {
     if (from == nullptr)
         return;
@@ -169,7 +172,7 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
                 std::make_unique<SessionMetadata>(connection_, registry_.get(), id, version, *this);
         }
     } else if (std::strcmp(type, PW_TYPE_INTERFACE_Client) == 0) {
-        clients_.insert(id);
+        clients_[id] = seconds();
     }
 }
 
@@ -204,6 +207,10 @@ void ObjectRegistry::metadataChanged(std::uint32_t subject, const std::string &k
                                      const std::optional<MetadataValue> &value) {
     objects_.putMetadata(subject, key, value);
     notify([&](ServerObserver &observer) { observer.metadataChanged(subject, key, value); });
+}
+
+void ObjectRegistry::metadataRead() {
+    notify([](ServerObserver &observer) { observer.metadataRead(); });
 }
 
 Status ObjectRegistry::refreshMetadata(double seconds) {
@@ -258,6 +265,20 @@ void ObjectRegistry::deleteMetadata(std::uint32_t subject, const char *key) {
         return;
     objects_.putMetadata(subject, key, std::nullopt);
     sessionMetadata_->set(subject, key, std::nullopt);
+}
+
+void ObjectRegistry::readMetadata() {
+    if (sessionMetadata_)
+        sessionMetadata_->read();
+}
+
+Hearing ObjectRegistry::hearing(std::uint32_t streamClient) const {
+    if (sessionMetadata_ && sessionMetadata_->isHearingTested())
+        return Hearing::bad;
+    const bool mayBind = std::any_of(clients_.begin(), clients_.end(), [&](const auto &client) {
+        return client.first != streamClient && seconds() - client.second < bindSeconds;
+    });
+    return mayBind ? Hearing::doubtful : Hearing::good;
 }
 
 OwnLink ObjectRegistry::createLink(const LinkRequest &request) {

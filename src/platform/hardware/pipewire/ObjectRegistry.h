@@ -37,6 +37,8 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
 
     void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
     void deleteMetadata(std::uint32_t subject, const char *key) override;
+    void readMetadata() override;
+    [[nodiscard]] Hearing hearing(std::uint32_t streamClient) const override;
     OwnLink createLink(const LinkRequest &request) override;
     void destroyLink(OwnLink link) override;
     void removeLink(std::uint32_t linkID) override;
@@ -52,6 +54,7 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     void globalRemoved(std::uint32_t id);
     void bindSettings(std::uint32_t id, std::uint32_t version);
     void metadataArrived() override;
+    void metadataRead() override;
     void metadataChanged(std::uint32_t subject, const std::string &key,
                          const std::optional<MetadataValue> &value) override;
     template <typename Call> void notify(Call call);
@@ -63,7 +66,7 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     Hook registryHook_;
     std::map<std::uint32_t, std::unique_ptr<BoundNode>> nodes_;
     std::map<std::uint32_t, std::unique_ptr<BoundDevice>> devices_;
-    std::set<std::uint32_t> clients_;
+    std::map<std::uint32_t, double> clients_; ///< when they came, by id
     std::unique_ptr<SessionMetadata> sessionMetadata_;
     std::unique_ptr<Settings> settings_;
     std::map<OwnLink, Proxy<pw_proxy>> ownLinks_;

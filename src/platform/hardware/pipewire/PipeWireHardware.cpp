@@ -335,6 +335,12 @@ void PipeWireHardware::metadataChanged(std::uint32_t subject, std::string_view k
         tell(HardwareProperty::defaultOutput);
 }
 
+void PipeWireHardware::metadataRead() {
+    if (router_)
+        router_->metadataRead();
+    lookSoon();
+}
+
 void PipeWireHardware::metadataArrived() {
     if (isSettled_)
         supervisor_.sessionManagerReturned();

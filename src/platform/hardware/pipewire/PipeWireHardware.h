@@ -97,6 +97,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     void linkRemoved(const LinkRecord &link) override;
     void metadataChanged(std::uint32_t subject, std::string_view key,
                          const std::optional<MetadataValue> &value) override;
+    void metadataRead() override;
     void metadataArrived() override;
     void metadataGone() override;
     void devicePortsChanged(const PortRecord &port);

@@ -12,8 +12,6 @@ namespace {
 /// When the table is read again after it has come. A session manager that starts sets its defaults
 /// within a second, and later on a busy machine.
 constexpr double readAgainAfterSeconds[] = {0.5, 1.5, 4.0};
-/// Clients that leave together make one test.
-constexpr double testAfterSeconds = 0.3;
 constexpr double answerSeconds = 1.0;
 constexpr double shortestWaitSeconds = 0.001; ///< 0 would disarm the timer
 
@@ -102,8 +100,8 @@ void SessionMetadata::arrived() {
     const double now = monotonicSeconds();
     for (const double seconds : readAgainAfterSeconds)
         readAt_.push_back(now + seconds);
-    testHearing();
     listener_.metadataArrived();
+    testHearing();
 }
 
 void SessionMetadata::changed(const Key &key, const std::optional<MetadataValue> &value) {
@@ -111,11 +109,11 @@ void SessionMetadata::changed(const Key &key, const std::optional<MetadataValue>
         if (value && value->value == std::to_string(lastTest_) && answerUntil_) {
             answerUntil_.reset();
             pw_metadata_set_property(binding_->proxy.get(), key.first, testKey, nullptr, nullptr);
+            if (std::exchange(isTestWanted_, false))
+                testHearing();
         }
         return;
     }
-    if (const auto own = unheard_.find(key); own != unheard_.end() && own->second == value)
-        unheard_.erase(own);
     if (value)
         values_[key] = *value;
     else
@@ -131,9 +129,8 @@ void SessionMetadata::set(std::uint32_t subject, const char *key,
         values_[{subject, key}] = *value;
     else
         values_.erase({subject, key});
-    unheard_[{subject, key}] = value;
     if (reading_)
-        reading_->writes.emplace_back(Key{subject, key}, value);
+        reading_->writes.insert({subject, key});
     pw_metadata_set_property(binding_->proxy.get(), subject, key,
                              value ? value->type.c_str() : nullptr,
                              value ? value->value.c_str() : nullptr);
@@ -151,28 +148,24 @@ bool SessionMetadata::beginReading() {
 void SessionMetadata::endReading() {
     binding_ = std::move(reading_->binding);
     binding_->owner = this;
-    auto read = std::move(binding_->collected);
-    for (const auto &[key, value] : reading_->writes) {
-        if (value)
-            read.insert_or_assign(key, *value);
-        else
-            read.erase(key);
-    }
+    auto fresh = std::move(binding_->collected);
+    const auto writes = std::move(reading_->writes);
     reading_.reset();
     const auto valueIn = [](const auto &values, const Key &key) {
         const auto found = values.find(key);
         return found == values.end() ? std::nullopt : std::optional(found->second);
     };
     std::set<Key> keys;
-    for (const auto *table : {&values_, &read})
+    for (const auto *table : {&values_, &fresh})
         for (const auto &[key, value] : *table)
-            if (valueIn(values_, key) != valueIn(read, key))
+            if (valueIn(values_, key) != valueIn(fresh, key))
                 keys.insert(key);
-    for (const auto &[key, value] : std::exchange(unheard_, {}))
-        keys.insert(key);
+    for (const Key &key : writes)
+        keys.erase(key);
     // One by one, as they would have been told: the listener may write in between.
     for (const Key &key : keys)
-        changed(key, valueIn(read, key));
+        changed(key, valueIn(fresh, key));
+    readingEnded();
 }
 
 Status SessionMetadata::refresh(double seconds) {
@@ -182,16 +175,28 @@ Status SessionMetadata::refresh(double seconds) {
     const Status status = connection_.roundTrip(seconds);
     if (weak.expired() || !reading_) // the session manager has gone meanwhile
         return status;
-    if (status == statusOK)
+    if (status == statusOK) {
         endReading();
-    else
+    } else {
         reading_.reset();
+        readingEnded();
+    }
     return status;
 }
 
-/// The same without waiting.
-void SessionMetadata::readAgain() {
-    if (reading_ || !beginReading())
+void SessionMetadata::readingEnded() {
+    if (std::exchange(isAnotherWanted_, false))
+        read();
+    else
+        listener_.metadataRead();
+}
+
+void SessionMetadata::read() {
+    if (reading_) {
+        isAnotherWanted_ = true;
+        return;
+    }
+    if (!beginReading())
         return;
     connection_.afterRoundTrip([weak = std::weak_ptr(self_), binding = reading_->binding.get()] {
         const auto self = weak.lock();
@@ -201,16 +206,15 @@ void SessionMetadata::readAgain() {
 }
 
 void SessionMetadata::clientLeft() {
-    if (!hasArrived_ || testAt_ || answerUntil_)
-        return;
-    testAt_ = monotonicSeconds() + testAfterSeconds;
-    armTimer();
+    if (answerUntil_)
+        isTestWanted_ = true;
+    else if (hasArrived_)
+        testHearing();
 }
 
 void SessionMetadata::testHearing() {
     const std::uint32_t client =
         pw_proxy_get_bound_id(reinterpret_cast<pw_proxy *>(pw_core_get_client(connection_.core())));
-    testAt_.reset();
     if (client != SPA_ID_INVALID) {
         pw_metadata_set_property(binding_->proxy.get(), client, testKey, "",
                                  std::to_string(++lastTest_).c_str());
@@ -223,18 +227,16 @@ void SessionMetadata::timerExpired() {
     const double now = monotonicSeconds();
     if (answerUntil_ && now >= *answerUntil_) {
         answerUntil_.reset();
-        readAgain();
+        read();
         testHearing();
     }
-    if (testAt_ && now >= *testAt_)
-        testHearing();
     if (std::erase_if(readAt_, [now](double time) { return time <= now; }) > 0)
-        readAgain();
+        read();
     armTimer();
 }
 
 void SessionMetadata::armTimer() {
-    std::optional<double> next = answerUntil_ ? answerUntil_ : testAt_;
+    std::optional<double> next = answerUntil_;
     for (const double time : readAt_)
         next = std::min(time, next.value_or(time));
     timespec wait{};

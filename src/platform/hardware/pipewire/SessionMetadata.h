@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -22,9 +23,10 @@ namespace quorbel {
 /// until the session manager restarts: the table is deaf. Hence:
 ///  1. After the table has come it is read again, because then every client binds it and the
 ///     session manager sets its defaults.
-///  2. When a client has left, a value of our own is written. If the server does not tell us of it
-///     within a second, the table is read again, and the next value written.
-///  3. A write of our own that the server does not tell us of is told with the next reading.
+///  2. When a client has left, a value of our own is written at once. If the server does not tell
+///  us
+///     of it within a second, the table is read again, and the next value written.
+///  3. A value written for a new stream may replace one that we were not told of. `read` tells.
 ///
 /// Everything needs the loop's lock. [control], `refresh` [main]
 class SessionMetadata {
@@ -34,6 +36,7 @@ class SessionMetadata {
     class Listener {
       public:
         virtual void metadataArrived() = 0; ///< all values have been received
+        virtual void metadataRead() = 0;    ///< begun after the last `read`, and told
         virtual void metadataChanged(std::uint32_t subject, const std::string &key,
                                      const std::optional<MetadataValue> &value) = 0;
 
@@ -58,15 +61,19 @@ class SessionMetadata {
     /// statuses as `ServerConnection::roundTrip`.
     Status refresh(double seconds);
 
+    /// The same without waiting.
+    void read();
+
     void clientLeft();
+    /// True until it is known that the server still tells of changes.
+    [[nodiscard]] bool isHearingTested() const { return answerUntil_.has_value(); }
 
   private:
     struct Binding;
     /// A second binding, whose values replace those of the first once they are all there.
     struct Reading {
         std::unique_ptr<Binding> binding;
-        /// Our own writes meanwhile, which may be newer than what is read.
-        std::vector<std::pair<Key, std::optional<MetadataValue>>> writes;
+        std::set<Key> writes; ///< our own meanwhile, newer than what is read
     };
 
     [[nodiscard]] std::unique_ptr<Binding> bind();
@@ -74,7 +81,7 @@ class SessionMetadata {
     void changed(const Key &key, const std::optional<MetadataValue> &value);
     bool beginReading();
     void endReading();
-    void readAgain();
+    void readingEnded();
     void testHearing();
     void timerExpired();
     void armTimer();
@@ -87,13 +94,13 @@ class SessionMetadata {
     std::unique_ptr<Binding> binding_;
     std::map<Key, MetadataValue> values_; ///< with our own writes, told or not
     bool hasArrived_ = false;
-    std::map<Key, std::optional<MetadataValue>> unheard_; ///< own writes, until we are told
     std::optional<Reading> reading_;
+    bool isAnotherWanted_ = false; ///< reading, once `reading_` has ended
     spa_source *timer_ = nullptr;
 
     std::vector<double> readAt_;        ///< times on the monotonic clock
-    std::optional<double> testAt_;      ///< of the next test of hearing
-    std::optional<double> answerUntil_; ///< of the test under way
+    std::optional<double> answerUntil_; ///< of the test of hearing under way
+    bool isTestWanted_ = false;         ///< once that is answered
     int lastTest_ = 0;
 
     /// Ends with the object: round trips outlive it.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -23,6 +24,9 @@ constexpr double longestRetrySeconds = 60.0;
 /// has too. A user does not move a stream in its first second.
 constexpr double restoringSeconds = 1.0;
 constexpr double rememberSeconds = 0.1;
+/// The session manager restores the target of a new stream within this time, if the machine is not
+/// too busy. Short, because the stream is heard unprocessed until it is routed.
+constexpr double restoredSeconds = 0.05;
 /// While the session manager moves our output, nothing seems to hear it. Echoes of what we set come
 /// back within this time too, so no stream is sent to the tap while they are under way.
 constexpr double settleSeconds = 0.25;
@@ -142,8 +146,15 @@ void StreamRouter::routeAll() {
 void StreamRouter::learnTarget(const NodeRecord &node) {
     if (node.isComplete && isPlayback(node) && !hasOwnTarget(node.id) &&
         !streams_.contains(node.id))
-        memory_.learn(node, commands_.expected(node.id, targetObjectKey),
-                      commands_.expected(node.id, targetNodeKey));
+        learn(node, commands_.expected(node.id, targetObjectKey),
+              commands_.expected(node.id, targetNodeKey));
+}
+
+void StreamRouter::learn(const NodeRecord &node, const std::optional<MetadataValue> &object,
+                         const std::optional<MetadataValue> &target) {
+    const auto place = places_.find(node.serial);
+    const bool isOurs = place != places_.end() && object == place->second;
+    memory_.learn(node, isOurs ? std::nullopt : object, target);
 }
 
 /// The other streams of a program are put back so that its target is remembered.
@@ -155,9 +166,7 @@ void StreamRouter::shareTarget(const NodeRecord &of) {
             programOf(*node) != programOf(of))
             continue;
         if (isRestoring(*node, stream)) {
-            if (isHeld(stream))
-                stream.rememberAt = stream.appearedAt + settleSeconds;
-            continue;
+            continue; // its readings come first
         }
         stream.route.remembered = target;
         if (isHeld(stream))
@@ -175,7 +184,13 @@ void StreamRouter::consider(const NodeRecord &node, double appearedAt) {
     }
     Stream &stream = streams_[node.id];
     stream.appearedAt = appearedAt;
-    route(node, stream);
+    const Hearing now = hearing(node);
+    if (now == Hearing::good || hasOwnTarget(node.id) || !isRestoring(node, stream)) {
+        route(node, stream);
+    } else {
+        stream.phase = Phase::unread;
+        stream.readAt = now == Hearing::bad ? appearedAt + restoredSeconds : commands_.seconds();
+    }
 }
 
 bool StreamRouter::mustNotBeCaptured(const NodeRecord &node) const {
@@ -196,7 +211,7 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     } else {
         stream.route.targetObject = commands_.expected(node.id, targetObjectKey);
         stream.route.targetNode = commands_.expected(node.id, targetNodeKey);
-        memory_.learn(node, stream.route.targetObject, stream.route.targetNode);
+        learn(node, stream.route.targetObject, stream.route.targetNode);
     }
     if (!isRestoring(node, stream))
         stream.route.remembered = memory_.of(node);
@@ -242,9 +257,9 @@ void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
     const double now = commands_.seconds();
     stream.wasCaptured = false;
     stream.rememberAt = never;
+    stream.isReading = false;
     stream.rememberedAt = now;
-    if (stream.route.remembered != memory_.of(node))
-        stream.rememberAt = stream.appearedAt + settleSeconds;
+    stream.readAt = isRestoring(node, stream) ? stream.appearedAt + settleSeconds : never;
     routeTo(ends_.tapSerial, objects_, commands_, stream.route);
     if (objects_.hasPorts(node.id, false)) {
         awaitLinks(stream);
@@ -320,6 +335,8 @@ void StreamRouter::letGo(Stream &stream, Phase phase) {
     stream.retryAt = never;
     stream.leaveAt = never;
     stream.rememberAt = never;
+    stream.readAt = never;
+    stream.isReading = false;
 }
 
 void StreamRouter::putBack(Stream &stream, Phase phase) {
@@ -411,6 +428,7 @@ void StreamRouter::linkToTap(std::uint32_t id, Stream &stream) {
 void StreamRouter::leaveAt(const NodeRecord &place, Stream &stream) {
     letGo(stream, Phase::released);
     routeTo(place.serial, objects_, commands_, stream.route);
+    places_[stream.route.streamSerial] = {"Spa:Id", std::to_string(place.serial)};
     log_.released(stream.route);
 }
 
@@ -483,6 +501,7 @@ void StreamRouter::nodeRemoved(const NodeRecord &node) {
     for (std::uint32_t *end : {&ends_.tapID, &ends_.outID, &ends_.deviceID})
         if (*end == node.id)
             *end = 0;
+    places_.erase(node.serial);
     const auto found = streams_.find(node.id);
     if (found == streams_.end())
         return;
@@ -612,6 +631,30 @@ void StreamRouter::remember(Stream &stream) {
     commands_.setMetadata(stream.route.streamID, targetNodeKey, value);
 }
 
+void StreamRouter::metadataRead() {
+    for (auto &[id, stream] : streams_)
+        if (const NodeRecord *node = objects_.node(id);
+            std::exchange(stream.isReading, false) && node != nullptr)
+            targetIsKnown(*node, stream);
+}
+
+/// The session manager has restored the stream's target, if it remembers one.
+void StreamRouter::targetIsKnown(const NodeRecord &node, Stream &stream) {
+    if (stream.phase == Phase::unread) {
+        route(node, stream);
+    } else if (isHeld(stream)) {
+        const std::string before = stream.route.remembered;
+        shareTarget(node);
+        if (stream.route.remembered != before)
+            remember(stream);
+    }
+}
+
+Hearing StreamRouter::hearing(const NodeRecord &stream) const {
+    const std::string &client = stream.property("client.id");
+    return commands_.hearing(static_cast<std::uint32_t>(std::strtoul(client.c_str(), nullptr, 10)));
+}
+
 void StreamRouter::metadataArrived() {
     metadataAt_ = commands_.seconds();
     routeAll();
@@ -641,10 +684,18 @@ void StreamRouter::checkDeadlines() {
     });
     if (!hasTap())
         return;
+    bool isReadingDue = false;
     for (auto &[id, stream] : streams_) {
         const NodeRecord *node = objects_.node(id);
         if (node == nullptr)
             continue;
+        if (now >= stream.readAt) {
+            stream.readAt = never;
+            if (stream.phase == Phase::unread || hearing(*node) != Hearing::good)
+                isReadingDue = stream.isReading = true;
+            else
+                targetIsKnown(*node, stream);
+        }
         if (now >= stream.handshakeEnd) {
             putBack(stream, Phase::waiting);
             stream.retryAt = now + waitingSeconds;
@@ -674,6 +725,8 @@ void StreamRouter::checkDeadlines() {
         if (now >= stream.retryAt)
             route(*node, stream);
     }
+    if (isReadingDue)
+        commands_.readMetadata();
 }
 
 double StreamRouter::nextDeadline() const {
@@ -683,8 +736,8 @@ double StreamRouter::nextDeadline() const {
     if (!hasTap())
         return next;
     for (const auto &[_, stream] : streams_)
-        next = std::min({next, stream.leaveAt, stream.rememberAt, stream.linkAt, stream.giveUpAt,
-                         stream.retryAt, stream.handshakeEnd});
+        next = std::min({next, stream.readAt, stream.leaveAt, stream.rememberAt, stream.linkAt,
+                         stream.giveUpAt, stream.retryAt, stream.handshakeEnd});
     return next;
 }
 

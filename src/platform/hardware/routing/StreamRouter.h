@@ -66,6 +66,7 @@ class StreamRouter final : public ServerObserver {
     void linkRemoved(const LinkRecord &link) override;
     void metadataChanged(std::uint32_t subject, std::string_view key,
                          const std::optional<MetadataValue> &value) override;
+    void metadataRead() override;
     void metadataArrived() override;
     void metadataGone() override;
 
@@ -73,6 +74,7 @@ class StreamRouter final : public ServerObserver {
     static constexpr double never = std::numeric_limits<double>::infinity();
 
     enum class Phase {
+        unread,   ///< new, while a target that it is given might not be told
         routing,  ///< sent to the tap, not linked to it yet
         captured, ///< linked to the tap
         waiting,  ///< put back until the PulseAudio server has answered its client
@@ -84,6 +86,8 @@ class StreamRouter final : public ServerObserver {
     struct Stream {
         RoutedStream route;
         double appearedAt = 0.0;   ///< to the session manager, which may restore its target then
+        double readAt = never;     ///< see whether the session manager has restored a target
+        bool isReading = false;    ///< since then
         double rememberAt = never; ///< write again what the session manager is to remember
         double rememberedAt = -never;
         bool rememberedTwice = false;
@@ -118,11 +122,15 @@ class StreamRouter final : public ServerObserver {
     void dropInheritedIDs();
     [[nodiscard]] bool isOwnID(const MetadataValue &value) const;
     void learnTarget(const NodeRecord &node);
+    void learn(const NodeRecord &node, const std::optional<MetadataValue> &object,
+               const std::optional<MetadataValue> &target);
     void shareTarget(const NodeRecord &of);
     void consider(const NodeRecord &node, double appearedAt);
     void route(const NodeRecord &node, Stream &stream);
     [[nodiscard]] bool isRestoring(const NodeRecord &node, const Stream &stream) const;
     void sendToTap(const NodeRecord &node, Stream &stream);
+    void targetIsKnown(const NodeRecord &node, Stream &stream);
+    [[nodiscard]] Hearing hearing(const NodeRecord &stream) const;
     void awaitLinks(Stream &stream);
     void letGo(Stream &stream, Phase phase);
     void putBack(Stream &stream, Phase phase);
@@ -151,6 +159,9 @@ class StreamRouter final : public ServerObserver {
     RoutingEnds ends_;                ///< ids become 0 when their nodes go: others are given them
     std::set<std::uint64_t> ownTaps_; ///< serials of every tap so far
     TargetMemory memory_;
+    /// Targets that we gave to streams moved by their links, by serial: not the user's for the
+    /// program.
+    std::map<std::uint64_t, MetadataValue> places_;
     double metadataAt_ = -never; ///< when the table came
     Streams streams_;            ///< by node id
     std::vector<Ended> ended_;

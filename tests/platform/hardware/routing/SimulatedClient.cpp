@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <utility>
 
 namespace quorbel::desktop {
@@ -36,6 +37,8 @@ class Watchdog final : public ServerCommands {
             {.kind = Command::Kind::deleteMetadata, .id = subject, .key = key}, server_.now,
             server_.random);
     }
+    void readMetadata() override {}
+    [[nodiscard]] Hearing hearing(std::uint32_t) const override { return Hearing::good; }
     OwnLink createLink(const LinkRequest &) override { return 0; }
     void destroyLink(OwnLink) override {}
     void removeLink(std::uint32_t) override {}
@@ -317,10 +320,41 @@ void SimulatedClient::look() {
         nextLook_ = std::min(nextLook_, server_.now - server_.now % beatTime + beatTime);
 }
 
+void SimulatedClient::readMetadata() {
+    if (objects_->hasMetadata())
+        bindMetadata();
+}
+
 void SimulatedClient::bindMetadata() {
     bound_.clear();
     ownWrites_.clear();
     send({.kind = Command::Kind::bindMetadata, .serial = ++binding_});
+}
+
+/// Tells what the binding has shown and no event has.
+void SimulatedClient::tellDifferences() {
+    const auto found = [&](std::uint32_t subject, const std::string &key) {
+        std::optional<MetadataValue> value;
+        for (const Entry &entry : bound_)
+            if (entry.subject == subject && entry.key == key)
+                value = entry.value;
+        return value;
+    };
+    std::set<std::pair<std::uint32_t, std::string>> keys;
+    for (const Entry &entry : bound_)
+        if (objects_->metadata(entry.subject, entry.key) != entry.value)
+            keys.insert({entry.subject, entry.key});
+    for (const std::uint32_t subject : objects_->metadataSubjects())
+        for (const char *key : {targetObjectKey, targetNodeKey, "default.audio.sink"})
+            if (objects_->metadata(subject, key) != found(subject, key))
+                keys.insert({subject, key});
+    for (const Command &write : ownWrites_)
+        keys.erase({write.id, write.key});
+    for (const auto &[subject, key] : keys) {
+        const auto value = found(subject, key);
+        objects_->putMetadata(subject, key, value);
+        router_->metadataChanged(subject, key, value);
+    }
 }
 
 void SimulatedClient::take(const Event &event) {
@@ -398,16 +432,19 @@ void SimulatedClient::take(const Event &event) {
     case Kind::metadataDone: {
         if (event.serial != binding_)
             break;
-        const bool isFirst = !objects_->hasMetadata();
-        objects_->clearMetadata();
-        for (const Entry &entry : bound_)
-            objects_->putMetadata(entry.subject, entry.key, entry.value);
-        for (const Command &write : ownWrites_)
-            objects_->putMetadata(write.id, write.key,
-                                  write.kind == Command::Kind::setMetadata
-                                      ? std::optional(write.value)
-                                      : std::nullopt);
-        if (isFirst) {
+        for (const Command &write : ownWrites_) {
+            std::erase_if(bound_, [&](const Entry &entry) {
+                return entry.subject == write.id && entry.key == write.key;
+            });
+            if (write.kind == Command::Kind::setMetadata)
+                bound_.push_back({write.id, write.key, write.value});
+        }
+        if (objects_->hasMetadata()) {
+            tellDifferences();
+            observer.metadataRead();
+        } else {
+            for (const Entry &entry : bound_)
+                objects_->putMetadata(entry.subject, entry.key, entry.value);
             objects_->setHasMetadata(true);
             for (const RoutedStream &stream : inOrderOfUndoing(*objects_, leftovers_)) {
                 restoreRoute(*objects_, *this, stream);

@@ -476,7 +476,7 @@ void SimulatedServer::managerLeaves() {
     fromManager.clear();
     removeLinks(Owner::manager);
     metadata.clear();
-    hasMetadata = false;
+    hasMetadata = isDeaf = false;
     hasChanged = true;
     if (isClientThere)
         toClient.push({.kind = Event::Kind::metadataGone}, now, random);
