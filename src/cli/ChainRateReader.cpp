@@ -1,6 +1,7 @@
 #include "cli/ChainRateReader.h"
 
 #include "cli/CommandError.h"
+#include "engine/ChainFormat.h"
 #include "platform/graph/NonFinite.h"
 
 #include <fmt/format.h>
@@ -14,7 +15,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::uint32_t chainRate = 48000;
+constexpr auto chainRate = static_cast<std::uint32_t>(chainSampleRate);
 constexpr std::uint32_t bufferFrames = 4096;
 
 } // namespace

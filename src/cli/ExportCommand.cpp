@@ -3,14 +3,11 @@
 #include "cli/CommandError.h"
 #include "cli/PresetChoice.h"
 #include "cli/SettingsSource.h"
-#include "settings/interchange/EqualizerText.h"
+#include "settings/files/FileReplacement.h"
 #include "settings/interchange/InterchangeError.h"
 #include "settings/interchange/PresetFile.h"
-#include "settings/state/FileReplacement.h"
 
 #include <fmt/format.h>
-
-#include <filesystem>
 
 namespace quorbel {
 
@@ -33,13 +30,8 @@ void ExportCommand::run() const {
     const Preset preset = presetNamed(settings, presetName_);
     const bool isActive = settings.activePresetID == preset.id;
     try {
-        // The global gain belongs to what is heard now, and so to the preset in force alone.
-        const std::string text =
-            std::filesystem::path(path_).extension() == ".json"
-                ? writePresetFile(preset)
-                : writeEqualizerText(preset.bands,
-                                     isActive ? settings.eqGlobalGainDB.value_or(0.0F) : 0.0F);
-        replaceFile(path_, text);
+        // The global gain belongs to the current sound, and so to the active preset alone.
+        writePreset(path_, preset, isActive ? settings.eqGlobalGainDB.value_or(0.0F) : 0.0F);
     } catch (const InterchangeError &error) {
         throw CommandError(fmt::format("{}: {}", preset.name, error.what()));
     } catch (const FileReplacementError &error) {

@@ -5,11 +5,11 @@
 #include "cli/PresetChoice.h"
 #include "cli/SettingsSource.h"
 #include "cli/SoundServer.h"
-#include "cli/TerminationSignals.h"
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
 #include "platform/hardware/InstanceLock.h"
 #include "platform/threads/MainLoopClock.h"
+#include "platform/threads/TerminationSignals.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/JsonLiterals.h"
 #include "settings/state/OutputChoiceFile.h"
@@ -17,7 +17,6 @@
 #include <fmt/format.h>
 
 #include <QCoreApplication>
-#include <QSocketNotifier>
 
 #include <csignal>
 
@@ -58,7 +57,7 @@ LiveCommand::LiveCommand()
 }
 
 void LiveCommand::run() const {
-    std::signal(SIGPIPE, SIG_IGN); // whoever reads the log may go, the sound stays
+    std::signal(SIGPIPE, SIG_IGN); // the reader of the log may end, the sound stays
     TerminationSignals signals;
     Persisted settings = loadSettings(settingsPath_);
     if (presetName_)
@@ -92,8 +91,7 @@ void LiveCommand::run() const {
         engine.useDefaultOutput();
     }
 
-    const QSocketNotifier notifier(signals.descriptor(), QSocketNotifier::Read);
-    QObject::connect(&notifier, &QSocketNotifier::activated, &application, &QCoreApplication::quit);
+    signals.endEventLoop();
     std::string failure;
     Timer end;
     QObject::connect(&engine, &AudioEngine::stateChanged, &application, [&] {

@@ -1,5 +1,7 @@
 #include "cli/ProgressBar.h"
 
+#include "engine/ChainFormat.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -11,7 +13,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr double sampleRate = 48000.0;
 constexpr std::size_t barWidth = 30;
 
 std::string minutesAndSeconds(double seconds) {
@@ -38,7 +39,7 @@ void ProgressBar::update(std::uint64_t frames) {
     nextDrawing_ = now + std::chrono::milliseconds(100);
     drawn_ = true;
 
-    const double seconds = static_cast<double>(frames) / sampleRate;
+    const double seconds = static_cast<double>(frames) / chainSampleRate;
     const double elapsed = std::chrono::duration<double>(now - start_).count();
     const double speed = elapsed > 0.0 ? seconds / elapsed : 0.0;
     if (totalFrames_ == 0) {

@@ -7,10 +7,9 @@
 #include "cli/RenderTables.h"
 #include "cli/SettingsSource.h"
 #include "cli/SoundFileWriter.h"
-#include "cli/TableFile.h"
-#include "cli/TerminationSignals.h"
 #include "engine/OfflineRenderer.h"
 #include "platform/core/StreamFormat.h"
+#include "platform/threads/TerminationSignals.h"
 
 #include <fmt/format.h>
 

@@ -4,7 +4,31 @@
 
 #include <fmt/format.h>
 
+#include <cstddef>
+
 namespace quorbel {
+
+TableFile::TableFile(const std::string &path, std::string_view names) : file_(path) {
+    addRow(names);
+}
+
+void TableFile::addRow(std::string_view row) {
+    constexpr std::size_t flushBytes = 65536;
+    pending_ += row;
+    pending_ += '\n';
+    if (pending_.size() >= flushBytes)
+        flush();
+}
+
+void TableFile::finish() {
+    flush();
+    file_.commit();
+}
+
+void TableFile::flush() {
+    file_.write(pending_);
+    pending_.clear();
+}
 
 std::string meterNames() {
     return "seconds,limiterReductionDB,autoGainDB,bassTrackedFrequency,voiceConfidence,"

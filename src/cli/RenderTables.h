@@ -1,15 +1,35 @@
 #pragma once
 
 #include "analysis/SpectrumAnalyzer.h"
+#include "cli/OutputFile.h"
 #include "engine/MeterReadings.h"
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace quorbel {
 
-/// The rows of the tables that a rendering can write beside its sound: what the meters and the
-/// spectrum display would have shown. Numbers are written so that they read back exactly.
+// The tables that a rendering can write beside its sound: the values that the meters and the
+// spectrum display would have shown. Numbers are written so that they read back exactly.
+
+/// Rows of comma-separated values under a row of names. The file appears when it is finished.
+/// Throws CommandError, naming it, when it cannot be written.
+class TableFile {
+  public:
+    /// `names`: the first row, without its line end, as all rows.
+    TableFile(const std::string &path, std::string_view names);
+
+    void addRow(std::string_view row);
+
+    void finish();
+
+  private:
+    void flush();
+
+    OutputFile file_;
+    std::string pending_;
+};
 
 std::string meterNames();
 /// `replacedFrames`: all so far.

@@ -1,13 +1,14 @@
 #include "cli/SoundFileWriter.h"
 
-#include "cli/CommandError.h"
-#include "cli/NamelessFile.h"
-#include "cli/WriteBehind.h"
+#include "cli/OutputFile.h"
+#include "engine/ChainFormat.h"
 
 #include <sndfile.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
+#include <fcntl.h>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -16,7 +17,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr int sampleRate = 48000;
 constexpr std::uint64_t bytesPerFrame = 2 * sizeof(float);
 
 // Many blocks of the chain in one call of the system.
@@ -29,12 +29,57 @@ struct Closer {
     void operator()(SNDFILE *file) const { sf_close(file); }
 };
 
+bool isOfTheDisk(int error) noexcept { return error == EIO || error == ENOSPC || error == EDQUOT; }
+
+/// Makes the disk write a growing file while the rest of it is still being made: otherwise the end
+/// would wait for all of it. Written parts leave the page cache, which hours of sound would fill.
+class WriteBehind {
+  public:
+    explicit WriteBehind(int descriptor) : descriptor_(descriptor) {}
+
+    /// Tells that the file's next `bytes` have been handed to the system. Returns 0, or the errno
+    /// with which an earlier part did not reach the disk. Does nothing where the file system
+    /// cannot write behind.
+    int wrote(std::uint64_t bytes) noexcept {
+        handed_ += bytes;
+        if (handed_ < started_ + chunkBytes)
+            return 0;
+        const auto offset = [](std::uint64_t position) { return static_cast<off64_t>(position); };
+        sync_file_range(descriptor_, offset(started_), offset(handed_ - started_),
+                        SYNC_FILE_RANGE_WRITE);
+        // The previous chunk has had one chunk's time to reach the disk.
+        if (started_ > written_) {
+            constexpr unsigned all =
+                SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+            // An error is told once: a later synchronisation of the whole file would not know it.
+            if (sync_file_range(descriptor_, offset(written_), offset(started_ - written_), all) !=
+                    0 &&
+                isOfTheDisk(errno))
+                return errno;
+            posix_fadvise(descriptor_, offset(written_), offset(started_ - written_),
+                          POSIX_FADV_DONTNEED);
+        }
+        written_ = started_;
+        started_ = handed_;
+        return 0;
+    }
+
+  private:
+    // Some tens of milliseconds for a disk.
+    static constexpr std::uint64_t chunkBytes = std::uint64_t{8} << 20U;
+
+    int descriptor_;
+    std::uint64_t written_ = 0; ///< bytes that are on the disk
+    std::uint64_t started_ = 0; ///< bytes that the disk has been asked to write
+    std::uint64_t handed_ = 0;  ///< bytes that the system has
+};
+
 } // namespace
 
 struct SoundFileWriter::State {
     explicit State(const std::string &path) : target(path) {}
 
-    NamelessFile target;
+    OutputFile target;
     WriteBehind writeBehind{target.descriptor()};
     std::unique_ptr<SNDFILE, Closer> file;
     std::vector<float> interleaved = std::vector<float>(std::size_t{2} * bufferFrames);
@@ -42,15 +87,15 @@ struct SoundFileWriter::State {
 };
 
 SoundFileWriter::SoundFileWriter(const std::string &path, std::uint64_t expectedFrames)
-    : path_(path), state_(std::make_unique<State>(path)) {
+    : state_(std::make_unique<State>(path)) {
     const bool large = expectedFrames == 0 || expectedFrames > plainWavBytes / bytesPerFrame;
     SF_INFO info{};
-    info.samplerate = sampleRate;
+    info.samplerate = static_cast<int>(chainSampleRate);
     info.channels = 2;
     info.format = (large ? SF_FORMAT_RF64 : SF_FORMAT_WAV) | SF_FORMAT_FLOAT;
     state_->file.reset(sf_open_fd(state_->target.descriptor(), SFM_WRITE, &info, SF_FALSE));
     if (!state_->file)
-        fail(sf_strerror(nullptr));
+        state_->target.fail(sf_strerror(nullptr));
     // Its peaks carry the time of writing, and equal sound must give equal files.
     sf_command(state_->file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
     if (large)
@@ -80,21 +125,17 @@ void SoundFileWriter::write(const AudioBufferList &sound, std::uint32_t frames) 
 void SoundFileWriter::flush() {
     const sf_count_t frames = std::exchange(state_->framesBuffered, 0);
     if (sf_writef_float(state_->file.get(), state_->interleaved.data(), frames) != frames)
-        fail(sf_strerror(state_->file.get()));
+        state_->target.fail(sf_strerror(state_->file.get()));
     const auto bytes = static_cast<std::uint64_t>(frames) * bytesPerFrame;
     if (const int error = state_->writeBehind.wrote(bytes); error != 0)
-        fail(std::generic_category().message(error));
+        state_->target.fail(std::generic_category().message(error));
 }
 
 void SoundFileWriter::finish() {
     flush();
     if (const int status = sf_close(state_->file.release()); status != SF_ERR_NO_ERROR)
-        fail(sf_error_number(status));
-    state_->target.takeName();
-}
-
-void SoundFileWriter::fail(const std::string &reason) const {
-    throw CommandError(path_ + ": cannot be written: " + reason);
+        state_->target.fail(sf_error_number(status));
+    state_->target.commit();
 }
 
 } // namespace quorbel

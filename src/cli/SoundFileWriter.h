@@ -9,9 +9,8 @@
 namespace quorbel {
 
 /// Writes stereo sound at 48 kHz as a WAV file of 32-bit floats (RF64 where it may pass 4 GiB). The
-/// sound goes to a nameless file in the same folder and takes its name at the end, so that OUT is
-/// whole or untouched, whatever ends the program. Throws CommandError, naming the file, when it
-/// cannot be written.
+/// file takes its name at the end: OUT is whole or untouched, whatever ends the program. Throws
+/// CommandError, naming the file, when it cannot be written.
 class SoundFileWriter {
   public:
     /// `expectedFrames` decides between the two forms; 0 for unknown.
@@ -30,9 +29,7 @@ class SoundFileWriter {
   private:
     struct State;
     void flush();
-    [[noreturn]] void fail(const std::string &reason) const;
 
-    std::string path_;
     std::unique_ptr<State> state_;
 };
 

@@ -2,9 +2,9 @@
 
 #include "cli/CommandError.h"
 #include "cli/PresetChoice.h"
+#include "settings/files/SettingsFileLock.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/CodingError.h"
-#include "settings/state/SettingsFileLock.h"
 #include "settings/state/SettingsMerge.h"
 
 namespace quorbel {

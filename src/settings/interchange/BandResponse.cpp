@@ -1,7 +1,6 @@
 #include "settings/interchange/BandResponse.h"
 
 #include "platform/dsp/AnalogPrototype.h"
-#include "platform/dsp/SectionDesign.h"
 #include "settings/records/PlayedFilterType.h"
 
 #include <algorithm>

@@ -8,7 +8,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
+#include <limits>
 
 namespace quorbel {
 
@@ -45,7 +47,27 @@ std::string notesOf(const EqualizerImport &import) {
     return notes;
 }
 
+double distanceInOctaves(const std::vector<EQBand> &bands, float frequency) {
+    double nearest = std::numeric_limits<double>::infinity();
+    for (const EQBand &band : bands)
+        if (band.frequency > 0.0F)
+            nearest = std::min(
+                nearest, std::abs(std::log2(static_cast<double>(band.frequency / frequency))));
+    return nearest;
+}
+
 } // namespace
+
+void fillWithFlatBands(std::vector<EQBand> &bands) {
+    const std::vector<EQBand> octaves = EQBand::defaultBands();
+    while (bands.size() < equalizerBandCount) {
+        float farthest = octaves.front().frequency;
+        for (const EQBand &octave : octaves)
+            if (distanceInOctaves(bands, octave.frequency) > distanceInOctaves(bands, farthest))
+                farthest = octave.frequency;
+        bands.push_back(EQBand{.frequency = farthest});
+    }
+}
 
 EqualizerImport importEqualizerText(std::string_view bytes, std::string_view name) {
     EqualizerText text = readEqualizerText(bytes);
@@ -71,15 +93,6 @@ EqualizerImport importEqualizerText(std::string_view bytes, std::string_view nam
     std::ranges::stable_sort(bands, {}, &EQBand::frequency);
     import.preset.notes = notesOf(import);
     return import;
-}
-
-void applyImport(Persisted &settings, const EqualizerImport &import) {
-    settings.bands = import.preset.bands;
-    settings.spatial = import.preset.spatial;
-    settings.presets.push_back(import.preset);
-    settings.activePresetID = import.preset.id;
-    settings.activePresetName = import.preset.name;
-    settings.eqGlobalGainDB = import.globalGainDB;
 }
 
 } // namespace quorbel

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "settings/interchange/BandFit.h"
-#include "settings/interchange/FlatBands.h"
 #include "settings/interchange/InterchangeError.h"
-#include "settings/records/Persisted.h"
 #include "settings/records/Preset.h"
 
 #include <cstddef>
@@ -13,6 +11,14 @@
 #include <vector>
 
 namespace quorbel {
+
+/// How many bands the equaliser plays.
+inline constexpr std::size_t equalizerBandCount = 10;
+
+/// Appends flat peaks until there are ten bands, because a shorter list would leave bands of the
+/// previous settings active. They are put at the octave frequencies that are farthest from the
+/// bands already there, where they are of most use to the user's own changes.
+void fillWithFlatBands(std::vector<EQBand> &bands);
 
 /// A parametric equaliser text as a preset of the user's.
 struct EqualizerImport {
@@ -35,10 +41,5 @@ struct EqualizerImport {
 /// is not enough all active ones are fitted onto ten. `name` is trimmed of blanks. Throws
 /// InterchangeError, also for an empty name.
 [[nodiscard]] EqualizerImport importEqualizerText(std::string_view bytes, std::string_view name);
-
-/// Puts an import in force in a settings file: the preset joins the list and becomes the active
-/// one, its bands and spatial settings the current ones, and the global gain that of the text, also
-/// when it is 0. Everything else stays.
-void applyImport(Persisted &settings, const EqualizerImport &import);
 
 } // namespace quorbel

@@ -24,7 +24,7 @@ class InterchangeError : public std::runtime_error {
     std::string reason_;
 };
 
-/// What the user is to know about one line of a text: why it was skipped, or what of it is played
+/// A note for the user about one line of a text: why it was skipped, or which value is played
 /// otherwise than written.
 struct LineNote {
     std::size_t line = 0; ///< from 1

@@ -1,25 +1,101 @@
 #include "settings/interchange/PresetFile.h"
 
-#include "settings/interchange/FlatBands.h"
-#include "settings/interchange/InterchangeError.h"
+#include "platform/core/Trimmed.h"
+#include "settings/files/FileReplacement.h"
+#include "settings/files/TextFile.h"
+#include "settings/interchange/EqualizerImport.h"
+#include "settings/interchange/EqualizerText.h"
 #include "settings/records/json/SettingsCoding.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
 
 namespace quorbel {
 
-std::string writePresetFile(const Preset &preset) { return encodeRecord(preset) + '\n'; }
-
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
+std::string readImport(const std::string &path) {
+    constexpr std::size_t maximumBytes =
+        std::max(maximumEqualizerTextBytes, maximumPresetFileBytes);
+    try {
+        return readTextFile(path, maximumBytes);
+    } catch (const TextFileError &error) {
+        switch (error.reason()) {
+        case TextFileError::Reason::missing:
+            throw InterchangeError(0, "the file does not exist");
+        case TextFileError::Reason::directory:
+        case TextFileError::Reason::irregular:
+            throw InterchangeError(0, "not a file");
+        case TextFileError::Reason::tooLarge:
+            throw InterchangeError(
+                0, fmt::format("larger than {} bytes, too large for a preset", maximumBytes));
+        case TextFileError::Reason::system:
+            break;
+        }
+        throw InterchangeError(0, "the file cannot be read");
+    }
+}
+
+ImportedPreset fromText(const std::string &text, const std::string &name) {
+    EqualizerImport import = importEqualizerText(text, name);
+    ImportedPreset imported;
+    imported.summary = fmt::format("{}: {} filter{}, preamp {:g} dB as the global gain",
+                                   import.preset.name, import.takenFilters,
+                                   import.takenFilters == 1 ? "" : "s", import.globalGainDB + 0.0F);
+    if (import.fit)
+        imported.fitSummary =
+            fmt::format("fitted onto ten bands: {:.2f} dB off on average, {:.2f} dB at most",
+                        import.fit->rmsDB, import.fit->maximumDB);
+    imported.preset = std::move(import.preset);
+    imported.globalGainDB = import.globalGainDB;
+    imported.skipped = std::move(import.skipped);
+    imported.limited = std::move(import.limited);
+    return imported;
+}
+
+ImportedPreset fromPresetFile(const std::string &text, const std::optional<std::string> &name) {
+    ImportedPreset imported;
+    imported.preset = readPresetFile(text, name);
+    imported.summary =
+        fmt::format("{}: {} bands", imported.preset.name, imported.preset.bands.size());
+    return imported;
+}
 
 } // namespace
+
+ImportedPreset readPreset(const std::string &path, const std::optional<std::string> &name) {
+    const std::string text = readImport(path);
+    return isPresetFile(text)
+               ? fromPresetFile(text, name)
+               : fromText(text, name.value_or(std::filesystem::path(path).stem().string()));
+}
+
+void adoptPreset(Persisted &settings, const Preset &preset, std::optional<float> globalGainDB) {
+    settings.bands = preset.bands;
+    settings.spatial = preset.spatial;
+    settings.presets.push_back(preset);
+    settings.activePresetID = preset.id;
+    settings.activePresetName = preset.name;
+    if (globalGainDB)
+        settings.eqGlobalGainDB = globalGainDB;
+}
+
+void writePreset(const std::string &path, const Preset &preset, float globalGainDB) {
+    const bool isWhole = std::filesystem::path(path).extension() == ".json";
+    replaceFile(path,
+                isWhole ? writePresetFile(preset) : writeEqualizerText(preset.bands, globalGainDB));
+}
+
+std::string writePresetFile(const Preset &preset) { return encodeRecord(preset) + '\n'; }
 
 bool isPresetFile(std::string_view text) {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (text.starts_with(byteOrderMark))
         text.remove_prefix(byteOrderMark.size());
-    const auto first = text.find_first_not_of(blanks);
-    return first != std::string_view::npos && text[first] == '{';
+    return trimmed(text).starts_with('{');
 }
 
 Preset readPresetFile(std::string_view json, const std::optional<std::string> &name) {
@@ -28,7 +104,7 @@ Preset readPresetFile(std::string_view json, const std::optional<std::string> &n
     Preset preset = decodeRecord<Preset>(json);
     if (name)
         preset.name = *name;
-    if (preset.name.find_first_not_of(blanks) == std::string::npos)
+    if (trimmed(preset.name).empty())
         throw InterchangeError(0, "the preset needs a name");
     preset.id = Uuid::random();
     preset.category = Preset::Category::user;

@@ -95,8 +95,8 @@ class AppState final : public QObject {
     void take(const Persisted &theirs);
     void takeSound(const Persisted &ours, const Persisted &merged);
     void takeOutput(const std::optional<std::string> &uid);
-    void setAsideIfUnreadable();
-    [[nodiscard]] std::optional<std::string> takeUnseenOrSetAside();
+    void moveAsideIfUnreadable();
+    [[nodiscard]] std::optional<std::string> takeUnseenOrMoveAside();
     [[nodiscard]] Persisted currentSettings() const;
     void observeSettings();
     void setPersistWarning(std::optional<std::string> warning);

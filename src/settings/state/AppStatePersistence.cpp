@@ -1,11 +1,11 @@
 // The settings on their way into the file and back.
 
+#include "settings/files/FileReplacement.h"
+#include "settings/files/MoveAside.h"
+#include "settings/files/SettingsFileLock.h"
 #include "settings/presets/FactoryPresets.h"
 #include "settings/records/json/SettingsCoding.h"
 #include "settings/state/AppState.h"
-#include "settings/state/FileReplacement.h"
-#include "settings/state/SetAside.h"
-#include "settings/state/SettingsFileLock.h"
 #include "settings/state/SettingsMerge.h"
 
 #include <fmt/format.h>
@@ -21,8 +21,8 @@ namespace {
 /// A control that moves is written once, after it has come to rest.
 constexpr double saveDelaySeconds = 0.5;
 
-std::string setAsideWarning(const SetAside &result) {
-    return "Saved settings were unreadable and were set aside as " + result.name +
+std::string movedAsideWarning(const MovedFile &moved) {
+    return "Saved settings were unreadable and were set aside as " + moved.name +
            ". Starting fresh.";
 }
 
@@ -37,7 +37,7 @@ void AppState::loadPersisted() {
     } catch (const SettingsFileError &) {
         return; // it cannot be read: a save will say so
     } catch (const DecodingError &) {
-        setPersistWarning(setAsideWarning(setAside(file_.path())));
+        setPersistWarning(movedAsideWarning(moveAside(file_.path())));
     }
 }
 
@@ -111,7 +111,7 @@ void AppState::persist() {
     try {
         requireFileOrNothing(file_.path());
         const SettingsFileLock lock(file_.path());
-        auto warning = takeUnseenOrSetAside();
+        auto warning = takeUnseenOrMoveAside();
         Persisted record = currentSettings();
         const auto &chosen = engine_->outputChoice();
         choiceFile_.prepare(chosen, seen_.outputDeviceUID, record.outputDeviceUID);
@@ -152,14 +152,14 @@ void AppState::takeFileChanges() {
         return; // a save will say so
     } catch (const DecodingError &) {
         unreadableLook_ =
-            Timer::once(clock_, secondLookSeconds, [this] { setAsideIfUnreadable(); });
+            Timer::once(clock_, secondLookSeconds, [this] { moveAsideIfUnreadable(); });
     }
 }
 
-void AppState::setAsideIfUnreadable() {
+void AppState::moveAsideIfUnreadable() {
     try {
         const SettingsFileLock lock(file_.path());
-        if (auto warning = takeUnseenOrSetAside())
+        if (auto warning = takeUnseenOrMoveAside())
             setPersistWarning(std::move(warning));
     } catch (const std::exception &) {
         return; // a save will say so
@@ -168,16 +168,16 @@ void AppState::setAsideIfUnreadable() {
 
 /// Needs the lock. Returns the warning of a file that had to be moved; throws FileReplacementError
 /// for one that cannot be moved, and SettingsFileError for one that cannot be read.
-std::optional<std::string> AppState::takeUnseenOrSetAside() {
+std::optional<std::string> AppState::takeUnseenOrMoveAside() {
     try {
         if (const auto theirs = file_.readChange())
             take(*theirs);
         return std::nullopt;
     } catch (const DecodingError &) {
-        const SetAside result = setAside(file_.path());
-        if (result.error)
-            throw FileReplacementError(result.error.message());
-        return setAsideWarning(result);
+        const MovedFile moved = moveAside(file_.path());
+        if (moved.error)
+            throw FileReplacementError(moved.error.message());
+        return movedAsideWarning(moved);
     }
 }
 

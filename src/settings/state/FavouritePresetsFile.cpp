@@ -1,11 +1,11 @@
 #include "settings/state/FavouritePresetsFile.h"
 
+#include "settings/files/FileReplacement.h"
+#include "settings/files/MoveAside.h"
+#include "settings/files/SettingsFileLock.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/CodingError.h"
 #include "settings/records/json/JsonDocument.h"
-#include "settings/state/FileReplacement.h"
-#include "settings/state/SetAside.h"
-#include "settings/state/SettingsFileLock.h"
 
 #include <nlohmann/json.hpp>
 
@@ -67,12 +67,12 @@ std::optional<std::string> FavouritePresetsFile::read() {
         take(readSettingsText(path_));
         return std::nullopt;
     } catch (const DecodingError &) {
-        const SetAside result = setAside(path_, "favourite-presets");
-        if (result.error)
-            throw SettingsFileError(path_ + ": " + result.error.message());
+        const MovedFile moved = moveAside(path_, "favourite-presets");
+        if (moved.error)
+            throw SettingsFileError(path_ + ": " + moved.error.message());
         ids_.clear();
         *document_ = json::object();
-        return "The favourite presets were unreadable and were set aside as " + result.name +
+        return "The favourite presets were unreadable and were set aside as " + moved.name +
                ". No preset is a favourite now.";
     }
 }

@@ -1,8 +1,8 @@
 #include "settings/state/OutputChoiceFile.h"
 
+#include "settings/files/FileReplacement.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/SettingsCoding.h"
-#include "settings/state/FileReplacement.h"
 
 #include <algorithm>
 #include <filesystem>

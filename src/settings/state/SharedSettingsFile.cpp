@@ -1,8 +1,8 @@
 #include "settings/state/SharedSettingsFile.h"
 
+#include "settings/files/FileReplacement.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/SettingsCoding.h"
-#include "settings/state/FileReplacement.h"
 
 #include <cerrno>
 #include <sys/stat.h>

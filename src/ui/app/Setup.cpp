@@ -13,9 +13,14 @@
 #include <QStyleHints>
 #endif
 
+#include <csignal>
+
 namespace quorbel {
 
 void setUpApplication(QApplication &application) {
+    // The reader of the log may end, and a file may reach its limit: neither ends the program.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication::setApplicationName(QStringLiteral("ostrafine"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Ostrafine"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.quorbel.Ostrafine"));

@@ -2,12 +2,12 @@
 
 #include "platform/hardware/simulated/SimulatedHardware.h"
 #include "platform/threads/MainLoopClock.h"
+#include "platform/threads/TerminationSignals.h"
 #include "platform/threads/Timer.h"
 #include "settings/state/AppState.h"
 #include "settings/state/SettingsWatch.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
-#include "ui/app/QuitSignals.h"
 #include "ui/app/Setup.h"
 #include "ui/app/SimulatedMusic.h"
 #include "ui/model/AppModel.h"
@@ -97,10 +97,10 @@ void equip(SimulatedHardware &machine, const QString &state) {
 } // namespace
 
 int main(int argc, char **argv) {
-    QuitSignals signals;
+    TerminationSignals signals;
     QApplication application(argc, argv);
     setUpApplication(application);
-    signals.watch();
+    signals.endEventLoop();
     const Options options = readOptions(application);
 
     const QTemporaryDir temporary;

@@ -2,13 +2,13 @@
 
 #include "platform/hardware/SystemHardware.h"
 #include "platform/threads/MainLoopClock.h"
+#include "platform/threads/TerminationSignals.h"
 #include "settings/state/AppState.h"
 #include "settings/state/SettingsWatch.h"
 #include "ui/app/BackgroundNotice.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/ProcessingPermit.h"
-#include "ui/app/QuitSignals.h"
 #include "ui/app/Setup.h"
 #include "ui/app/SingleInstance.h"
 #include "ui/app/SoundServerConnection.h"
@@ -26,10 +26,10 @@
 int main(int argc, char **argv) {
     using namespace quorbel;
 
-    QuitSignals signals;
+    TerminationSignals signals;
     QApplication application(argc, argv);
     setUpApplication(application);
-    signals.watch();
+    signals.endEventLoop();
 
     const bool isBusStart = wasStartedByBus();
     const SingleInstance instance(QDBusConnection::sessionBus());

@@ -1,14 +1,15 @@
 // The presets on their way into files and back.
 
+#include "settings/interchange/PresetFile.h"
 #include "ui/logic/PresetTexts.h"
 #include "ui/model/HistoryModel.h"
-#include "ui/model/PresetExchange.h"
 #include "ui/model/PresetFileChooser.h"
 #include "ui/model/PresetListModel.h"
 #include "ui/model/UserPresets.h"
 
 #include <QFileInfo>
 
+#include <stdexcept>
 #include <utility>
 
 namespace quorbel {
@@ -50,13 +51,24 @@ ExchangeResult failed(const QString &why) {
     return result;
 }
 
+/// Why a file could not be read or written, with its name.
+QString failureText(const QString &path, const std::exception &error) {
+    return QFileInfo(path).fileName() + ": " + QString::fromUtf8(error.what());
+}
+
+QString summaryOf(const ImportedPreset &imported) {
+    const QString summary = QString::fromUtf8(imported.summary);
+    return imported.fitSummary.empty() ? summary
+                                       : summary + ", " + QString::fromUtf8(imported.fitSummary);
+}
+
 ExchangeResult write(const Preset &preset, float globalGainDB, const QString &path) {
     try {
         writePreset(path.toStdString(), preset, globalGainDB);
         return done(PresetListModel::tr("%1 was written to %2")
                         .arg(QString::fromUtf8(preset.name), QFileInfo(path).fileName()));
-    } catch (const PresetExchangeError &error) {
-        return failed(QString::fromUtf8(error.what()));
+    } catch (const std::runtime_error &error) {
+        return failed(failureText(path, error));
     }
 }
 
@@ -71,11 +83,11 @@ struct ImportedFiles {
         try {
             ImportedPreset imported = readPreset(path.toStdString());
             const QString name = QString::fromUtf8(imported.preset.name);
-            taken << QString::fromUtf8(imported.summary);
+            taken << summaryOf(imported);
             notes << notesOf(imported, name + ", ");
             presets.push_back(std::move(imported.preset));
-        } catch (const PresetExchangeError &error) {
-            refused << QString::fromUtf8(error.what());
+        } catch (const std::runtime_error &error) {
+            refused << failureText(path, error);
         }
     }
     [[nodiscard]] ExchangeResult result() const {
@@ -162,9 +174,9 @@ ExchangeResult PresetListModel::importOne(const QString &path) {
         const ImportedPreset imported = readPreset(path.toStdString());
         history_.edit(tr("Import %1").arg(QString::fromUtf8(imported.preset.name)), "import",
                       [&] { adoptPreset(state_, imported.preset, imported.globalGainDB); });
-        return done(QString::fromUtf8(imported.summary), notesOf(imported));
-    } catch (const PresetExchangeError &error) {
-        return failed(QString::fromUtf8(error.what()));
+        return done(summaryOf(imported), notesOf(imported));
+    } catch (const std::runtime_error &error) {
+        return failed(failureText(path, error));
     }
 }
 

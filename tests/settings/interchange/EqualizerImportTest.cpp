@@ -2,6 +2,7 @@
 
 #include "settings/interchange/BandResponse.h"
 #include "settings/interchange/EqualizerText.h"
+#include "settings/interchange/PresetFile.h"
 #include "settings/presets/FactoryPresets.h"
 
 #include <gmock/gmock.h>
@@ -102,7 +103,7 @@ TEST(EqualizerImport, inForceTheFileIsHeardWhateverWasSetBefore) {
     settings.outputDeviceUID = "uid";
     settings.mixer = MixerConfig{.limiterThresholdDB = -1.0F};
     const EqualizerImport import = importEqualizerText(filters(3), "Mine");
-    applyImport(settings, import);
+    adoptPreset(settings, import.preset, import.globalGainDB);
     EXPECT_EQ(settings.bands, import.preset.bands);
     EXPECT_EQ(settings.spatial, SpatialConfig());
     EXPECT_EQ(settings.eqGlobalGainDB, 0.0F); // the text has no preamp: that of before is not its

@@ -1,4 +1,4 @@
-#include "settings/state/FileReplacement.h"
+#include "settings/files/FileReplacement.h"
 
 #include "settings/state/TemporaryFolder.h"
 

@@ -1,6 +1,6 @@
+#include "settings/files/FileReplacement.h"
+#include "settings/files/SettingsFileLock.h"
 #include "settings/state/AppStateFixture.h"
-#include "settings/state/FileReplacement.h"
-#include "settings/state/SettingsFileLock.h"
 #include "settings/state/SettingsMerge.h"
 #include "settings/state/SettingsWatch.h"
 #include "settings/state/SharedSettingsFile.h"

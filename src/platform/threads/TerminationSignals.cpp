@@ -1,4 +1,4 @@
-#include "ui/app/QuitSignals.h"
+#include "platform/threads/TerminationSignals.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -9,11 +9,7 @@
 
 namespace quorbel {
 
-QuitSignals::QuitSignals() {
-    // Whoever reads the log may go, and a file may hit its limit: neither ends the program.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
-
+TerminationSignals::TerminationSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
@@ -24,19 +20,25 @@ QuitSignals::QuitSignals() {
         pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
-QuitSignals::~QuitSignals() {
+TerminationSignals::~TerminationSignals() {
     notifier_.reset();
     if (descriptor_ >= 0)
         close(descriptor_);
 }
 
-void QuitSignals::watch() {
+bool TerminationSignals::received() {
+    signalfd_siginfo info{};
+    while (read(descriptor_, &info, sizeof info) == sizeof info)
+        received_ = true;
+    return received_;
+}
+
+void TerminationSignals::endEventLoop() {
     if (descriptor_ < 0)
         return;
     notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] {
-        signalfd_siginfo info{};
-        while (read(descriptor_, &info, sizeof info) == sizeof info)
+        if (received())
             QCoreApplication::exit(0); // not `quit`, which a window could refuse
     });
 }

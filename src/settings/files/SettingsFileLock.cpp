@@ -1,6 +1,6 @@
-#include "settings/state/SettingsFileLock.h"
+#include "settings/files/SettingsFileLock.h"
 
-#include "settings/state/FileReplacement.h"
+#include "settings/files/FileReplacement.h"
 
 #include <cerrno>
 #include <chrono>

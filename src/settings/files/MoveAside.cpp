@@ -1,6 +1,6 @@
-#include "settings/state/SetAside.h"
+#include "settings/files/MoveAside.h"
 
-#include "settings/state/FileReplacement.h"
+#include "settings/files/FileReplacement.h"
 
 #include <fmt/format.h>
 
@@ -26,7 +26,7 @@ int moveWithoutReplacing(const std::string &from, const std::string &to) {
         return 0;
     if (errno != EINVAL && errno != ENOSYS)
         return errno;
-    // A file system that cannot promise it.
+    // The file system cannot promise it.
     if (isTaken(to))
         return EEXIST;
     return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
@@ -34,7 +34,7 @@ int moveWithoutReplacing(const std::string &from, const std::string &to) {
 
 } // namespace
 
-SetAside setAside(const std::string &link, std::string_view stem) {
+MovedFile moveAside(const std::string &link, std::string_view stem) {
     constexpr int triedNames = 1000;
     const std::string path = fileBehindLinks(link);
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();

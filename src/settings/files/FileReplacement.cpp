@@ -1,0 +1,151 @@
+#include "settings/files/FileReplacement.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(int errorNumber) {
+    throw FileReplacementError(std::generic_category().message(errorNumber));
+}
+
+/// Makes a name that was given or taken in this folder outlast a power cut.
+void syncFolder(const fs::path &folder) {
+    const int descriptor =
+        ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return; // One may write into a folder that one may not read, but not sync it.
+    const int result = ::fsync(descriptor);
+    const int errorNumber = errno;
+    ::close(descriptor);
+    if (result != 0 && errorNumber != EINVAL) // EINVAL: a file system without such a thing
+        fail(errorNumber);
+}
+
+void makeFolder(const fs::path &folder) {
+    std::error_code ignored;
+    if (folder.empty() || fs::is_directory(folder, ignored))
+        return;
+    makeFolder(folder.parent_path());
+    // A file in the folder's place is left to be found when the folder is used.
+    if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST)
+        fail(errno);
+    syncFolder(folder.parent_path());
+}
+
+/// A hidden name beside `path` that nothing has yet.
+std::string freeNameBeside(const fs::path &path) {
+    for (unsigned attempt = 0;; ++attempt) {
+        const std::string name =
+            ".ostrafine-" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
+        std::string candidate = path.parent_path() / name;
+        struct stat status {};
+        if (::lstat(candidate.c_str(), &status) != 0)
+            return candidate;
+    }
+}
+
+} // namespace
+
+std::string fileBehindLinks(const std::string &path) {
+    constexpr int mostLinks = 40; // as Linux follows
+    fs::path target = path;
+    std::error_code error;
+    for (int links = 0; fs::is_symlink(target, error); ++links) {
+        if (links == mostLinks)
+            return path;
+        target = target.parent_path() / fs::read_symlink(target, error);
+        if (error)
+            return path;
+    }
+    return target;
+}
+
+void makeFolderOf(const std::string &path) { makeFolder(fs::path(path).parent_path()); }
+
+void requireFileOrNothing(const std::string &path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode))
+        return;
+    if (S_ISDIR(status.st_mode))
+        fail(EISDIR);
+    throw FileReplacementError(path + " is not a regular file");
+}
+
+FileReplacement::FileReplacement(const std::string &path) : target_(fileBehindLinks(path)) {
+    constexpr mode_t permissionBits = 07777;
+    requireFileOrNothing(path);
+    struct stat status {};
+    const bool exists = ::stat(target_.c_str(), &status) == 0;
+    if (exists ? ::access(target_.c_str(), W_OK) != 0 : errno != ENOENT)
+        fail(errno);
+    const fs::path folder = fs::path(target_).parent_path();
+    descriptor_ =
+        ::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+    if (descriptor_ < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
+        std::string name = freeNameBeside(target_);
+        descriptor_ = ::open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
+        if (descriptor_ >= 0)
+            temporary_ = std::move(name);
+    }
+    if (descriptor_ < 0)
+        fail(errno);
+    // Some file systems have one set of permissions for all files.
+    if (exists)
+        static_cast<void>(::fchmod(descriptor_, status.st_mode & permissionBits));
+}
+
+FileReplacement::~FileReplacement() {
+    ::close(descriptor_);
+    if (!temporary_.empty())
+        ::unlink(temporary_.c_str());
+}
+
+void FileReplacement::write(std::string_view bytes) {
+    while (!bytes.empty()) {
+        // On a full disk a part is written first and only the next call fails.
+        const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR)
+            fail(errno);
+        bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
+    }
+}
+
+// A nameless file can only be given a name that is free, so replacing takes two steps.
+void FileReplacement::commit() {
+    // Before the file takes the name: otherwise a power cut could leave the name on an empty file.
+    if (::fsync(descriptor_) != 0)
+        fail(errno);
+    if (temporary_.empty()) {
+        const std::string self = "/proc/self/fd/" + std::to_string(descriptor_);
+        std::string name = freeNameBeside(target_);
+        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) != 0)
+            fail(errno);
+        temporary_ = std::move(name);
+    }
+    if (std::rename(temporary_.c_str(), target_.c_str()) != 0)
+        fail(errno);
+    temporary_.clear();
+    syncFolder(fs::path(target_).parent_path());
+}
+
+void replaceFile(const std::string &path, std::string_view content) {
+    requireFileOrNothing(path);
+    makeFolderOf(fileBehindLinks(path));
+    FileReplacement file(path);
+    file.write(content);
+    file.commit();
+}
+
+} // namespace quorbel
