@@ -11,8 +11,6 @@ namespace quorbel {
 
 namespace {
 
-constexpr double smallestPower = 1e-20;
-
 AnalogPrototype prototypeOf(const EQBand &band) {
     return AnalogPrototype::of(
         playedFilterType(band.filterType), clampedGainDB(band.gainDB),
@@ -24,23 +22,26 @@ double frequencyOf(const EQBand &band) {
                       playedTopFrequencyHz);
 }
 
-double decibels(double power) { return 10.0 * std::log10(std::max(power, smallestPower)); }
-
 } // namespace
 
 double lowestPlayedQ() { return qualityFromBandwidth(maximumBandwidthOctaves); }
 double highestPlayedQ() { return qualityFromBandwidth(minimumBandwidthOctaves); }
 
+double audibleFrequency(std::size_t point, std::size_t pointCount) {
+    return 20.0 *
+           std::pow(1000.0, static_cast<double>(point) / static_cast<double>(pointCount - 1));
+}
+
 std::vector<double> audibleFrequencies(std::size_t pointCount) {
     std::vector<double> frequencies(pointCount);
     for (std::size_t i = 0; i < pointCount; ++i)
-        frequencies[i] =
-            20.0 * std::pow(1000.0, static_cast<double>(i) / static_cast<double>(pointCount - 1));
+        frequencies[i] = audibleFrequency(i, pointCount);
     return frequencies;
 }
 
-double bandResponseDB(const EQBand &band, double frequencyHz) {
-    return band.bypassed ? 0.0 : decibels(prototypeOf(band).power(frequencyHz / frequencyOf(band)));
+double decibelsOfPower(double power) {
+    constexpr double smallestPower = 1e-20;
+    return 10.0 * std::log10(std::max(power, smallestPower));
 }
 
 void addBandResponseDB(const EQBand &band, const std::vector<double> &frequenciesHz,
@@ -50,7 +51,7 @@ void addBandResponseDB(const EQBand &band, const std::vector<double> &frequencie
     const AnalogPrototype prototype = prototypeOf(band);
     const double centre = frequencyOf(band);
     for (std::size_t i = 0; i < frequenciesHz.size(); ++i)
-        sumDB[i] += decibels(prototype.power(frequenciesHz[i] / centre));
+        sumDB[i] += decibelsOfPower(prototype.power(frequenciesHz[i] / centre));
 }
 
 } // namespace quorbel

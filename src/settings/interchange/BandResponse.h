@@ -13,15 +13,17 @@ inline constexpr double playedTopFrequencyHz = maximumBandFrequencyRatio * 48000
 [[nodiscard]] double lowestPlayedQ();
 [[nodiscard]] double highestPlayedQ();
 
-/// `pointCount` (2 or more) frequencies in Hz from 20 Hz to 20 kHz in equal ratios.
+/// The frequency in Hz of one of `pointCount` (2 or more) points from 20 Hz to 20 kHz in equal
+/// ratios, and those of all of them.
+[[nodiscard]] double audibleFrequency(std::size_t point, std::size_t pointCount);
 [[nodiscard]] std::vector<double> audibleFrequencies(std::size_t pointCount);
 
-/// The gain of one band in dB at a frequency in Hz, as the equaliser plays it: that of the band's
-/// analog prototype, which the equaliser follows to 0.25 dB up to 20 kHz. A bypassed band has 0.
-/// Not below -200.
-[[nodiscard]] double bandResponseDB(const EQBand &band, double frequencyHz);
+/// A ratio of powers in dB, not below -200.
+[[nodiscard]] double decibelsOfPower(double power);
 
-/// The same for every frequency, added to `sumDB`, which is as long.
+/// Adds to `sumDB` the gain of one band in dB at each frequency in Hz, as the equaliser plays it:
+/// that of the band's analog prototype, which the equaliser follows to 0.25 dB up to 20 kHz. A
+/// bypassed band has 0. Both lists have one length.
 void addBandResponseDB(const EQBand &band, const std::vector<double> &frequenciesHz,
                        std::vector<double> &sumDB);
 

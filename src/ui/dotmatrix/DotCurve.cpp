@@ -100,6 +100,8 @@ void DotCurve::setDimmed(bool dimmed) {
     }
 }
 
+QList<double> DotCurve::octaves() { return {octavesHz.begin(), octavesHz.end()}; }
+
 void DotCurve::setOctaveMarks(bool show) {
     if (take(octaveMarks_, show)) {
         layOut();

@@ -32,6 +32,7 @@ class DotCurve : public quorbel::DotItem {
     Q_PROPERTY(bool dimmed READ isDimmed WRITE setDimmed NOTIFY dimmedChanged FINAL)
     Q_PROPERTY(
         bool octaveMarks READ octaveMarks WRITE setOctaveMarks NOTIFY octaveMarksChanged FINAL)
+    Q_PROPERTY(QList<double> octaves READ octaves CONSTANT FINAL)
     Q_PROPERTY(bool zeroLine READ zeroLine WRITE setZeroLine NOTIFY zeroLineChanged FINAL)
 
   public:
@@ -55,7 +56,9 @@ class DotCurve : public quorbel::DotItem {
     /// Whether the curve is drawn as one that is not heard.
     bool isDimmed() const { return dimmed_; }
     void setDimmed(bool dimmed);
-    /// Darker columns at 31.5, 63, 125 Hz ... 16 kHz.
+    /// The octaves of the axis in Hz: 31.5, 63, 125 ... 16000.
+    static QList<double> octaves();
+    /// Darker columns at the octaves.
     bool octaveMarks() const { return octaveMarks_; }
     void setOctaveMarks(bool show);
     /// A darker row at half the height.

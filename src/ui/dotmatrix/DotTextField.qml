@@ -2,13 +2,12 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// One line of text. `invalid` marks what could not be read.
+// One line of text.
 T.TextField {
     id: control
 
     property alias placeholder: control.placeholderText
     property string accessibleName: ""
-    property bool invalid: false
 
     implicitWidth: 25 * Theme.unit
     implicitHeight: Theme.controlHeight
@@ -29,8 +28,8 @@ T.TextField {
     background: Rectangle {
         radius: Theme.radius
         color: Theme.card
-        border.width: control.invalid || control.activeFocus ? 2 : Theme.hairline
-        border.color: control.invalid ? Theme.warning : control.activeFocus ? Theme.signalInk : control.hovered ? Theme.ink : Theme.edge
+        border.width: control.activeFocus ? 2 : Theme.hairline
+        border.color: control.activeFocus ? Theme.signalInk : control.hovered ? Theme.ink : Theme.edge
     }
 
     PlainText {

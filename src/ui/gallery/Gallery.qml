@@ -317,11 +317,6 @@ Window {
                         Layout.preferredWidth: 32 * Theme.unit
                         placeholder: "Name"
                     }
-                    DotTextField {
-                        Layout.preferredWidth: 32 * Theme.unit
-                        text: "not a number"
-                        invalid: true
-                    }
                     Item {
                         Layout.fillHeight: true
                     }

@@ -1,5 +1,7 @@
 #include "ui/logic/DisplayResponse.h"
 
+#include "settings/interchange/BandResponse.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -35,10 +37,7 @@ double shareDB(const EQBand &band, double frequencyHz) {
 
 } // namespace
 
-double displayFrequency(std::size_t point) {
-    return 20.0 * std::pow(1000.0,
-                           static_cast<double>(point) / static_cast<double>(displayPointCount - 1));
-}
+double displayFrequency(std::size_t point) { return audibleFrequency(point, displayPointCount); }
 
 DisplayResponse displayResponse(const std::vector<EQBand> &bands) {
     DisplayResponse response{};

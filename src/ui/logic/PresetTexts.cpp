@@ -1,6 +1,5 @@
 #include "ui/logic/PresetTexts.h"
 
-#include "platform/core/Trimmed.h"
 #include "ui/logic/Stages.h"
 
 #include <fmt/format.h>
@@ -37,8 +36,6 @@ std::string descriere(const Preset &preset) {
         text += fmt::format(" · {} spatial stage{}", stages, stages == 1 ? "" : "s");
     return text;
 }
-
-std::string trimmedName(std::string_view name) { return std::string(trimmed(name)); }
 
 std::string copyName(std::string_view name, const std::vector<Preset> &presets) {
     std::string copy = fmt::format("{} (copy)", name);

@@ -17,10 +17,6 @@ enum class PresetFilter { all, factory, mine };
 /// What is in a preset, in one line: "10 bands · 2 spatial stages".
 [[nodiscard]] std::string descriere(const Preset &preset);
 
-/// `name` without blanks at both ends, as a preset is saved under it; empty for one that cannot be
-/// used.
-[[nodiscard]] std::string trimmedName(std::string_view name);
-
 /// A name for a copy of the preset called `name` that none of `presets` has: "Flat (copy)", then
 /// "Flat (copy 2)".
 [[nodiscard]] std::string copyName(std::string_view name, const std::vector<Preset> &presets);

@@ -35,6 +35,8 @@ class EqualizerModel final : public QObject {
     Q_PROPERTY(double minGain READ minGain CONSTANT)
     Q_PROPERTY(double maxGain READ maxGain CONSTANT)
     Q_PROPERTY(double gainStep READ gainStep CONSTANT)
+    /// Gains in dB at which the curve and the faders have marks.
+    Q_PROPERTY(QList<qreal> gainMarks READ gainMarks CONSTANT)
     Q_PROPERTY(double minQ READ minQ CONSTANT)
     Q_PROPERTY(double maxQ READ maxQ CONSTANT)
 
@@ -60,6 +62,7 @@ class EqualizerModel final : public QObject {
     [[nodiscard]] static double minGain() { return BandLimits::minGain; }
     [[nodiscard]] static double maxGain() { return BandLimits::maxGain; }
     [[nodiscard]] static double gainStep() { return BandLimits::gainStep; }
+    [[nodiscard]] static QList<qreal> gainMarks() { return {12.0, 6.0, 0.0, -6.0, -12.0}; }
     [[nodiscard]] static double minQ() { return BandLimits::minQ; }
     [[nodiscard]] static double maxQ() { return BandLimits::maxQ; }
 

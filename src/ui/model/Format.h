@@ -21,6 +21,14 @@ class Format final : public QObject {
     [[nodiscard]] Q_INVOKABLE QString hertz(double value) const {
         return QString::fromStdString(frequencyText(value));
     }
+    /// "31.5", "250", "16k"
+    [[nodiscard]] Q_INVOKABLE QString shortHertz(double value) const {
+        return QString::fromStdString(frequencyLabel(static_cast<float>(value)));
+    }
+    /// The label of a mark at a whole number of dB: "+12", "0 dB", "-6".
+    [[nodiscard]] Q_INVOKABLE QString gainMark(double value) const {
+        return value == 0.0 ? QStringLiteral("0 dB") : QString::fromStdString(signedText(value, 0));
+    }
     [[nodiscard]] Q_INVOKABLE QString signedDecibels(double value) const {
         return QString::fromStdString(gainText(value));
     }

@@ -4,14 +4,6 @@
 
 namespace quorbel {
 
-namespace {
-
-QString shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-} // namespace
-
 NavigationModel::NavigationModel(AppState &state, QObject *parent)
     : QAbstractListModel(parent), state_(state) {
     for (const GrupDestinatii &group : grupuri())
@@ -38,15 +30,15 @@ QVariant NavigationModel::data(const QModelIndex &index, int role) const {
     const Row &row = rows_[position];
     switch (role) {
     case rawValueRole:
-        return shown(rawValue(row.destination));
+        return QString::fromUtf8(rawValue(row.destination));
     case titleRole:
-        return shown(title(row.destination));
+        return QString::fromUtf8(title(row.destination));
     case symbolRole:
-        return shown(symbol(row.destination));
+        return QString::fromUtf8(symbol(row.destination));
     case badgeRole:
         return badges_[position];
     case groupRole:
-        return shown(row.group);
+        return QString::fromUtf8(row.group);
     case startsGroupRole:
         return row.startsGroup;
     default:
@@ -61,16 +53,13 @@ QHash<int, QByteArray> NavigationModel::roleNames() const {
 
 int NavigationModel::indexOf(const QString &raw) const {
     const auto found = std::ranges::find_if(
-        rows_, [&](const Row &row) { return shown(rawValue(row.destination)) == raw; });
+        rows_, [&](const Row &row) { return QString::fromUtf8(rawValue(row.destination)) == raw; });
     return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
 }
 
-QString NavigationModel::titleOf(const QString &raw) const { return textOf(raw, titleRole); }
-QString NavigationModel::groupOf(const QString &raw) const { return textOf(raw, groupRole); }
-
-QString NavigationModel::textOf(const QString &raw, Role role) const {
+QString NavigationModel::titleOf(const QString &raw) const {
     const int row = indexOf(raw);
-    return row >= 0 ? data(index(row), role).toString() : QString();
+    return row >= 0 ? data(index(row), titleRole).toString() : QString();
 }
 
 void NavigationModel::updateBadges() {

@@ -38,7 +38,6 @@ class NavigationModel final : public QAbstractListModel {
     // Of the destination with this raw value; -1 or empty where there is none.
     [[nodiscard]] Q_INVOKABLE int indexOf(const QString &rawValue) const;
     [[nodiscard]] Q_INVOKABLE QString titleOf(const QString &rawValue) const;
-    [[nodiscard]] Q_INVOKABLE QString groupOf(const QString &rawValue) const;
 
   private:
     struct Row {
@@ -48,7 +47,6 @@ class NavigationModel final : public QAbstractListModel {
     };
 
     void updateBadges();
-    [[nodiscard]] QString textOf(const QString &rawValue, Role role) const;
 
     AppState &state_;
     std::vector<Row> rows_;

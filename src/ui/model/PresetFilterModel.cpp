@@ -36,8 +36,7 @@ void PresetFilterModel::setFilter(Filter filter) {
 }
 
 QString PresetFilterModel::title() const {
-    const std::string_view title = quorbel::title(filterOf(filter_));
-    return QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size()));
+    return QString::fromUtf8(quorbel::title(filterOf(filter_)));
 }
 
 void PresetFilterModel::setSearch(const QString &search) {

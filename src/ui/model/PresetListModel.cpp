@@ -1,5 +1,6 @@
 #include "ui/model/PresetListModel.h"
 
+#include "platform/core/Trimmed.h"
 #include "ui/logic/PresetTexts.h"
 #include "ui/model/FavouritePresets.h"
 #include "ui/model/HistoryModel.h"
@@ -8,6 +9,13 @@
 #include <algorithm>
 
 namespace quorbel {
+
+namespace {
+
+/// The name under which a preset is saved: without blanks at both ends. Empty for an unusable one.
+std::string trimmedName(const QString &name) { return std::string(trimmed(name.toStdString())); }
+
+} // namespace
 
 PresetListModel::PresetListModel(AppState &state, FavouritePresets &favourites,
                                  HistoryModel &history, QObject *parent)
@@ -96,15 +104,13 @@ void PresetListModel::setFavourite(const QString &id, bool isFavourite) {
 }
 
 void PresetListModel::save(const QString &name) {
-    const std::string trimmed = trimmedName(name.toStdString());
-    if (!trimmed.empty())
-        history_.edit(tr("Save preset %1").arg(QString::fromUtf8(trimmed)), "save",
-                      [&] { state_.savePreset(trimmed); });
+    const std::string saved = trimmedName(name);
+    if (!saved.empty())
+        history_.edit(tr("Save preset %1").arg(QString::fromUtf8(saved)), "save",
+                      [&] { state_.savePreset(saved); });
 }
 
-bool PresetListModel::canSave(const QString &name) {
-    return !trimmedName(name.toStdString()).empty();
-}
+bool PresetListModel::canSave(const QString &name) { return !trimmedName(name).empty(); }
 
 QString PresetListModel::duplicate(const QString &id) {
     const Preset *preset = find(id);
@@ -124,13 +130,13 @@ void PresetListModel::remove(const QString &id) {
 }
 
 void PresetListModel::rename(const QString &id, const QString &name) {
-    const std::string trimmed = trimmedName(name.toStdString());
+    const std::string next = trimmedName(name);
     const Preset *preset = findOwn(id);
-    if (preset == nullptr || trimmed.empty() || trimmed == preset->name)
+    if (preset == nullptr || next.empty() || next == preset->name)
         return;
     history_.edit(tr("Rename preset %1").arg(QString::fromUtf8(preset->name)),
                   "rename " + id.toStdString(),
-                  [&, own = preset->id] { renamePreset(state_, own, trimmed); });
+                  [&, own = preset->id] { renamePreset(state_, own, next); });
 }
 
 void PresetListModel::update(const QString &id) {

@@ -86,10 +86,8 @@ void SettingsModel::refresh() {
 
 QStringList SettingsModel::reverbPresetTitles() {
     QStringList titles;
-    for (const auto preset : SpatialConfig::allReverbPresets) {
-        const std::string_view name = title(preset);
-        titles << QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-    }
+    for (const auto preset : SpatialConfig::allReverbPresets)
+        titles << QString::fromUtf8(title(preset));
     return titles;
 }
 

@@ -16,8 +16,7 @@ class StageTexts final : public QObject {
 
   public:
     [[nodiscard]] Q_INVOKABLE QString help(const QString &stage) const {
-        const std::string_view text = stageHelp(stage.toStdString());
-        return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+        return QString::fromUtf8(stageHelp(stage.toStdString()));
     }
 };
 

@@ -98,7 +98,7 @@ FocusScope {
             to: App.equalizer.maxGain
             stepSize: App.equalizer.gainStep
             origin: 0
-            ticks: [12, 6, 0, -6, -12]
+            ticks: App.equalizer.gainMarks
             value: strip.gain
             opacity: strip.bypassed ? 0.45 : 1
             accessibleName: qsTr("%1 gain").arg(strip.bandName)

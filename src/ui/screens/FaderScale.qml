@@ -12,7 +12,6 @@ Item {
     required property BandStripView strip
     readonly property real highest: strip?.topOfGain ?? 0
     readonly property real lowest: strip?.bottomOfGain ?? 0
-    readonly property list<real> decibels: [12, 6, 0, -6, -12]
 
     implicitWidth: metrics.width
     visible: strip !== null
@@ -24,7 +23,7 @@ Item {
         text: "+12 dB"
     }
     Repeater {
-        model: units.decibels
+        model: App.equalizer.gainMarks
         delegate: CaptionText {
             required property real modelData
 
@@ -32,7 +31,7 @@ Item {
             y: units.highest + (units.lowest - units.highest) * (App.equalizer.maxGain - modelData) / (App.equalizer.maxGain - App.equalizer.minGain) - height / 2
             // The halves are left out where they would lie on each other.
             visible: modelData % 12 === 0 || (units.lowest - units.highest) / 4 >= height
-            text: (modelData > 0 ? "+" : "") + modelData + (modelData === 0 ? " dB" : "")
+            text: Format.gainMark(modelData)
             Accessible.ignored: true // each slider tells its value and unit
         }
     }

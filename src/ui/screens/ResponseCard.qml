@@ -14,8 +14,6 @@ DotCard {
 
     /// The band whose values are written out: under the pointer, or else the selected one.
     readonly property var readPoint: points.itemAt(Math.min(hoveredBand >= 0 ? hoveredBand : selectedBand, points.count - 1))
-    readonly property list<real> decibels: [12, 6, 0, -6, -12]
-    readonly property list<real> octaves: [31.5, 63, 125, 250, 500, 1000, 2000, 4000, 8000, 16000]
 
     function heightOf(dB: real): real {
         return 0.5 + dB / App.equalizer.drawnRangeDB / 2;
@@ -90,7 +88,7 @@ DotCard {
                 to: App.equalizer.maxGain
                 stepSize: App.equalizer.gainStep
                 origin: 0
-                ticks: card.decibels
+                ticks: App.equalizer.gainMarks
                 value: App.equalizer.globalGainDB
                 accessibleName: qsTr("Global")
                 valueText: App.equalizer.globalGainText
@@ -134,7 +132,7 @@ DotCard {
                 implicitWidth: widestDecibels.width
 
                 Repeater {
-                    model: card.decibels
+                    model: App.equalizer.gainMarks
                     delegate: CaptionText {
                         required property real modelData
                         anchors.right: parent?.right
@@ -144,7 +142,7 @@ DotCard {
                         y: plot.height > 0 ? plot.yOfHeight(card.heightOf(modelData)) - height / 2 : 0
                         visible: modelData % 12 === 0 || plot.height > 0 && plot.yOfHeight(card.heightOf(0)) - plot.yOfHeight(card.heightOf(6)) >= height
                         // qmllint enable unqualified
-                        text: (modelData > 0 ? "+" : "") + modelData + (modelData === 0 ? " dB" : "")
+                        text: Format.gainMark(modelData)
                         Accessible.ignored: true
                     }
                 }
@@ -160,7 +158,7 @@ DotCard {
                 spectrumEdges: App.spectrum.edges
                 octaveMarks: true
                 zeroLine: true
-                markedHeights: Array.from(card.decibels, card.heightOf)
+                markedHeights: Array.from(App.equalizer.gainMarks, card.heightOf)
                 dimmed: App.engine.comparing
                 accessibleName: qsTr("Response curve")
                 Accessible.description: App.equalizer.peakText
@@ -201,7 +199,7 @@ DotCard {
                 text: qsTr("20 Hz")
             }
             Repeater {
-                model: card.octaves
+                model: plot.octaves
                 delegate: CaptionText {
                     required property real modelData
                     // Follows the curve's width, which the mapping depends on.
@@ -210,7 +208,7 @@ DotCard {
                     x: plot.width > 0 ? plot.x + plot.xOfFrequency(modelData) - width / 2 : 0
                     visible: x > low.x + low.width && x + width < high.x
                     // qmllint enable unqualified
-                    text: modelData < 1000 ? modelData : modelData / 1000 + "k"
+                    text: Format.shortHertz(modelData)
                     Accessible.ignored: true
                 }
             }

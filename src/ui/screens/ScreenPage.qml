@@ -16,7 +16,8 @@ DotScrollView {
     /// What lies over the page's lower end takes none of the room that its cards share.
     property real covered: 0
     function scrollToEnd() {
-        scrollBy(Infinity);
+        const view = contentItem as Flickable;
+        view.contentY = Math.max(0, view.contentHeight - view.height);
     }
 
     takesKeys: true

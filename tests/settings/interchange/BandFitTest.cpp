@@ -14,6 +14,12 @@
 namespace quorbel {
 namespace {
 
+double bandResponseDB(const EQBand &band, double frequencyHz) {
+    std::vector<double> sumDB{0.0};
+    addBandResponseDB(band, {frequencyHz}, sumDB);
+    return sumDB[0];
+}
+
 using FilterType = EQBand::FilterType;
 
 EQBand peak(double frequency, double gainDB, double q) {

@@ -107,7 +107,6 @@ TEST_F(SettingsModelsTest, BadgesFollow) {
     hardware.removeDevice("hdmi");
     app->devices()->refresh();
     EXPECT_EQ(badge("devices"), "1 found");
-    EXPECT_EQ(navigation.groupOf("presetsMine"), "Presets");
     EXPECT_EQ(navigation.titleOf("nowhere"), "");
 }
 
