@@ -1,7 +1,7 @@
 #pragma once
 
 #include "analysis/SpectrumAnalyzer.h"
-#include "devices/AudioDevice.h"
+#include "devices/DeviceManager.h"
 #include "engine/AudioRingBuffer.h"
 #include "engine/EngineDiagnostics.h"
 #include "engine/EngineLifecycle.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/ChainUnits.h"
-#include "platform/units/Parameter.h"
+#include "platform/units/ParameterTree.h"
 #include "settings/records/MixerConfig.h"
 #include "settings/records/SpatialConfig.h"
 

@@ -10,7 +10,15 @@ namespace quorbel {
 /// is as long as the copy and no longer. Not recursive. Use with std::lock_guard.
 class ShortLock {
   public:
-    ShortLock() noexcept;
+    ShortLock() noexcept : mutex_{} {
+        pthread_mutexattr_t attributes;
+        pthread_mutexattr_init(&attributes);
+        pthread_mutexattr_setprotocol(&attributes, PTHREAD_PRIO_INHERIT);
+        // A kernel without priority inheritance gets a plain mutex: slower at worst, still correct.
+        if (pthread_mutex_init(&mutex_, &attributes) != 0)
+            pthread_mutex_init(&mutex_, nullptr);
+        pthread_mutexattr_destroy(&attributes);
+    }
     ~ShortLock() { pthread_mutex_destroy(&mutex_); }
     ShortLock(const ShortLock &) = delete;
     ShortLock &operator=(const ShortLock &) = delete;

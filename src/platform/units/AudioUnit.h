@@ -1,18 +1,71 @@
 #pragma once
 
+#include "platform/core/AudioBufferList.h"
+#include "platform/core/RenderTime.h"
 #include "platform/core/Status.h"
 #include "platform/core/StreamFormat.h"
-#include "platform/units/AudioUnitBus.h"
 #include "platform/units/ComponentDescription.h"
 #include "platform/units/ParameterTree.h"
-#include "platform/units/RenderBlock.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace quorbel {
+
+using RenderActionFlags = std::uint32_t;
+
+/// A list of events scheduled inside a block. Units of this program ignore them: parameters reach
+/// the render side through cells.
+struct RenderEvent;
+
+/// Fills `buffers` with a unit's input. An empty one means that nothing is connected.
+using PullInputBlock =
+    std::function<Status(RenderActionFlags &flags, const RenderTime &time, std::uint32_t frames,
+                         std::int32_t inputBus, AudioBufferList &buffers)>;
+
+/// Renders one block of a unit: pulls the input into `output` and processes it in place. Calling it
+/// allocates nothing and throws nothing. [render]
+using RenderBlock = std::function<Status(
+    RenderActionFlags &flags, const RenderTime &time, std::uint32_t frames, std::int32_t outputBus,
+    AudioBufferList &output, const RenderEvent *events, const PullInputBlock &pullInput)>;
+
+/// One connection point of a unit. [main]
+class AudioUnitBus {
+  public:
+    /// Throws AudioUnitError (`statusFormatNotSupported`) for a format that describes no sound or
+    /// has more channels than a buffer list holds.
+    explicit AudioUnitBus(const StreamFormat &format);
+
+    [[nodiscard]] const StreamFormat &format() const { return format_; }
+
+    /// For the next allocation of render resources; fails as the constructor does, and then changes
+    /// nothing.
+    Status setFormat(const StreamFormat &format);
+
+  private:
+    StreamFormat format_;
+};
+
+/// The busses of one side of a unit, borrowed from it.
+class AudioUnitBusArray {
+  public:
+    enum class Type { input, output };
+
+    AudioUnitBusArray(Type type, std::vector<AudioUnitBus *> busses);
+
+    [[nodiscard]] Type type() const { return type_; }
+    [[nodiscard]] std::size_t count() const { return busses_.size(); }
+    [[nodiscard]] AudioUnitBus &operator[](std::size_t index) const { return *busses_[index]; }
+
+  private:
+    Type type_;
+    std::vector<AudioUnitBus *> busses_;
+};
 
 /// How a unit is asked to be made; none are defined.
 using InstantiationOptions = std::uint32_t;

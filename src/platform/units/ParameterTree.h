@@ -1,12 +1,61 @@
 #pragma once
 
-#include "platform/units/Parameter.h"
-
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace quorbel {
+
+class ParameterTree;
+
+using ParameterAddress = std::uint64_t;
+
+/// The numbers are the platform's own.
+enum class ParameterUnit : std::uint32_t {
+    generic = 0,
+    boolean = 2,
+    percent = 3,
+    hertz = 8,
+    decibels = 13,
+};
+
+inline constexpr std::uint32_t parameterReadable = 0x40000000;
+inline constexpr std::uint32_t parameterWritable = 0x80000000;
+
+struct ParameterDescription {
+    std::string identifier;
+    std::string name;
+    ParameterAddress address = 0;
+    float minimum = 0.0F;
+    float maximum = 1.0F;
+    ParameterUnit unit = ParameterUnit::generic;
+    std::uint32_t flags = parameterReadable | parameterWritable;
+};
+
+/// One value of a unit that the outside may read and set. Once it stands in a tree, the value lives
+/// where the tree's observer and provider keep it. [main]
+class Parameter {
+  public:
+    explicit Parameter(ParameterDescription description);
+
+    [[nodiscard]] const ParameterDescription &description() const { return description_; }
+    [[nodiscard]] ParameterAddress address() const { return description_.address; }
+
+    [[nodiscard]] float value() const;
+
+    /// Takes what lies outside the range as the nearest value inside it. Not-a-number is no value:
+    /// the parameter keeps the one it has.
+    void setValue(float value);
+
+  private:
+    friend class ParameterTree;
+
+    ParameterDescription description_;
+    float value_;
+    const ParameterTree *tree_ = nullptr;
+};
 
 /// The parameters of a unit. The implementor (the unit) says through its two functions where values
 /// are stored; without them each parameter keeps its own. [main]
