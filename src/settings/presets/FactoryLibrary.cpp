@@ -1,5 +1,3 @@
-#include "settings/presets/FactoryLibrary.h"
-
 #include "settings/presets/FactoryPresets.h"
 
 #include <map>

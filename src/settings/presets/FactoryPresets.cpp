@@ -1,7 +1,5 @@
 #include "settings/presets/FactoryPresets.h"
 
-#include "settings/presets/FactoryLibrary.h"
-
 #include <fmt/format.h>
 
 #include <QCryptographicHash>

@@ -22,4 +22,7 @@ namespace quorbel {
 [[nodiscard]] std::vector<EQBand> bands(const std::vector<float> &gains,
                                         const std::map<std::size_t, float> &qOverrides);
 
+/// The presets that ship with the program as they were tuned; ids and dates are still to be set.
+[[nodiscard]] std::vector<Preset> factoryLibrary();
+
 } // namespace quorbel

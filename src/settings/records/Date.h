@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 namespace quorbel {
 
 /// A moment, to the precision of a double.
@@ -10,7 +12,11 @@ struct Date {
 
     /// 1 January 1970 00:00 UTC.
     [[nodiscard]] static constexpr Date unixEpoch() { return {-978307200.0}; }
-    [[nodiscard]] static Date now();
+    [[nodiscard]] static Date now() {
+        const std::chrono::duration<double> sinceUnixEpoch =
+            std::chrono::system_clock::now().time_since_epoch();
+        return {unixEpoch().secondsSince2001 + sinceUnixEpoch.count()};
+    }
 };
 
 } // namespace quorbel

@@ -6,6 +6,20 @@
 namespace quorbel {
 
 /// What the equaliser plays for a band of this type.
-[[nodiscard]] EqualizerFilterType playedFilterType(EQBand::FilterType type);
+[[nodiscard]] inline EqualizerFilterType playedFilterType(EQBand::FilterType type) {
+    switch (type) {
+    case EQBand::FilterType::parametric:
+        return EqualizerFilterType::parametric;
+    case EQBand::FilterType::lowShelf:
+        return EqualizerFilterType::lowShelf;
+    case EQBand::FilterType::highShelf:
+        return EqualizerFilterType::highShelf;
+    case EQBand::FilterType::lowPass:
+        return EqualizerFilterType::lowPass;
+    case EQBand::FilterType::highPass:
+        return EqualizerFilterType::highPass;
+    }
+    return EqualizerFilterType::parametric;
+}
 
 } // namespace quorbel

@@ -55,6 +55,25 @@ struct SpatialConfig {
 };
 
 /// The name that pickers show.
-[[nodiscard]] std::string_view title(SpatialConfig::ReverbPreset preset);
+[[nodiscard]] inline std::string_view title(SpatialConfig::ReverbPreset preset) {
+    using enum SpatialConfig::ReverbPreset;
+    switch (preset) {
+    case smallRoom:
+        return "Small Room";
+    case mediumRoom:
+        return "Medium Room";
+    case largeRoom:
+        return "Large Room";
+    case mediumHall:
+        return "Medium Hall";
+    case largeHall:
+        return "Large Hall";
+    case cathedral:
+        return "Cathedral";
+    case plate:
+        return "Plate";
+    }
+    return {};
+}
 
 } // namespace quorbel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "settings/records/OutputChoice.h"
+#include "settings/records/Persisted.h"
 
 #include <optional>
 #include <string>

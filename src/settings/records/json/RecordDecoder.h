@@ -1,7 +1,6 @@
 #pragma once
 
 #include "settings/records/json/CodingError.h"
-#include "settings/records/json/CodingPath.h"
 #include "settings/records/json/JsonDocument.h"
 #include "settings/records/json/RecordFields.h"
 

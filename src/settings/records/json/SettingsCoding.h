@@ -1,6 +1,5 @@
 #pragma once
 
-#include "settings/records/OutputChoice.h"
 #include "settings/records/Persisted.h"
 #include "settings/records/json/CodingError.h"
 
