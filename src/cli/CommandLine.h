@@ -18,9 +18,6 @@ struct EndingOption {
 inline constexpr EndingOption helpOption{"-h,--help", "Print this help and exit"};
 inline constexpr EndingOption versionOption{"--version", "Print the version and exit"};
 
-/// The subcommands, in the order of help and manual.
-[[nodiscard]] std::vector<std::unique_ptr<Command>> allCommands();
-
 struct ParsedCommandLine {
     const Command *command = nullptr; ///< null when there is nothing to run
     int status = 0;                   ///< exit status where there is nothing to run

@@ -1,5 +1,4 @@
-#include "cli/DevicesCommand.h"
-
+#include "cli/Commands.h"
 #include "cli/PrintableText.h"
 #include "cli/SoundServer.h"
 #include "devices/DeviceManager.h"
@@ -43,7 +42,16 @@ void printTable(const std::vector<AudioDevice> &devices, const std::string &defa
         fmt::print("No output device found.\n");
 }
 
-} // namespace
+class DevicesCommand final : public Command {
+  public:
+    DevicesCommand();
+
+    void run() const override;
+
+  private:
+    bool json_ = false;
+    bool uids_ = false;
+};
 
 DevicesCommand::DevicesCommand()
     : Command("devices", "List the output devices; * marks the default") {
@@ -55,7 +63,7 @@ DevicesCommand::DevicesCommand()
 }
 
 void DevicesCommand::run() const {
-    const auto hardware = connectToSoundServer();
+    const auto hardware = hardwareOrError();
     ManualClock clock; // nothing is waited for
     const DeviceManager manager(*hardware, clock);
     const std::string defaultUID = manager.currentDefaultOutputUID().value_or("");
@@ -67,5 +75,9 @@ void DevicesCommand::run() const {
     else
         printTable(manager.outputDevices(), defaultUID);
 }
+
+} // namespace
+
+std::unique_ptr<Command> makeDevicesCommand() { return std::make_unique<DevicesCommand>(); }
 
 } // namespace quorbel

@@ -1,15 +1,28 @@
-#include "cli/ExportCommand.h"
-
 #include "cli/CommandError.h"
-#include "cli/PresetChoice.h"
-#include "cli/SettingsSource.h"
+#include "cli/CommandSettings.h"
+#include "cli/Commands.h"
 #include "settings/files/FileReplacement.h"
 #include "settings/interchange/InterchangeError.h"
 #include "settings/interchange/PresetFile.h"
 
 #include <fmt/format.h>
 
+#include <string>
+
 namespace quorbel {
+
+namespace {
+
+class ExportCommand final : public Command {
+  public:
+    ExportCommand();
+
+    void run() const override;
+
+  private:
+    std::string presetName_;
+    std::string path_;
+};
 
 ExportCommand::ExportCommand()
     : Command("export", "Write a preset as a parametric equalizer text, or whole to a .json file") {
@@ -38,5 +51,9 @@ void ExportCommand::run() const {
         throw CommandError(fmt::format("{}: cannot be written: {}", path_, error.what()));
     }
 }
+
+} // namespace
+
+std::unique_ptr<Command> makeExportCommand() { return std::make_unique<ExportCommand>(); }
 
 } // namespace quorbel

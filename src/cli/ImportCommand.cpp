@@ -1,13 +1,14 @@
-#include "cli/ImportCommand.h"
-
 #include "cli/CommandError.h"
+#include "cli/CommandSettings.h"
+#include "cli/Commands.h"
 #include "cli/PrintableText.h"
-#include "cli/UserSettings.h"
 #include "settings/interchange/PresetFile.h"
 
 #include <fmt/format.h>
 
+#include <optional>
 #include <stdexcept>
+#include <string>
 
 namespace quorbel {
 
@@ -20,7 +21,17 @@ std::string notesText(const char *title, const std::vector<LineNote> &notes) {
     return text;
 }
 
-} // namespace
+class ImportCommand final : public Command {
+  public:
+    ImportCommand();
+
+    /// Throws CommandError; the settings are then as they were.
+    void run() const override;
+
+  private:
+    std::string path_;
+    std::optional<std::string> name_;
+};
 
 ImportCommand::ImportCommand()
     : Command("import",
@@ -52,5 +63,9 @@ void ImportCommand::run() const {
     fmt::print("{}{}", notesText("played otherwise than written", imported.limited),
                notesText("skipped", imported.skipped));
 }
+
+} // namespace
+
+std::unique_ptr<Command> makeImportCommand() { return std::make_unique<ImportCommand>(); }
 
 } // namespace quorbel

@@ -1,9 +1,7 @@
-#include "cli/LiveCommand.h"
-
 #include "cli/CommandError.h"
+#include "cli/CommandSettings.h"
+#include "cli/Commands.h"
 #include "cli/LiveMeter.h"
-#include "cli/PresetChoice.h"
-#include "cli/SettingsSource.h"
 #include "cli/SoundServer.h"
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
@@ -19,6 +17,8 @@
 #include <QCoreApplication>
 
 #include <csignal>
+#include <optional>
+#include <string>
 
 namespace quorbel {
 
@@ -33,7 +33,22 @@ AudioDevice deviceNamed(const DeviceManager &manager, const std::string &uid) {
     return *device;
 }
 
-} // namespace
+class LiveCommand final : public Command {
+  public:
+    LiveCommand();
+
+    /// Throws CommandError; the sound is then as it was.
+    void run() const override;
+
+    /// Only logs there: the sound stays when the reader of the log is gone.
+    [[nodiscard]] bool needsOutput() const override { return false; }
+
+  private:
+    std::string settingsPath_;
+    std::optional<std::string> presetName_;
+    std::optional<std::string> deviceUID_;
+    std::optional<double> seconds_;
+};
 
 LiveCommand::LiveCommand()
     : Command("live", "Process everything the computer plays, until Ctrl-C") {
@@ -74,7 +89,7 @@ void LiveCommand::run() const {
     char name[] = "ostrafine-cli";
     char *arguments[] = {name, nullptr};
     const QCoreApplication application(argumentCount, arguments);
-    const auto hardware = connectToSoundServer();
+    const auto hardware = hardwareOrError();
     MainLoopClock clock;
     DeviceManager devices(*hardware, clock);
     AudioEngine engine(*hardware, devices, clock, chain.bands);
@@ -113,5 +128,9 @@ void LiveCommand::run() const {
     if (!failure.empty())
         throw CommandError(failure);
 }
+
+} // namespace
+
+std::unique_ptr<Command> makeLiveCommand() { return std::make_unique<LiveCommand>(); }
 
 } // namespace quorbel

@@ -1,13 +1,24 @@
-#include "cli/PresetsCommand.h"
-
-#include "cli/PresetChoice.h"
+#include "cli/CommandSettings.h"
+#include "cli/Commands.h"
 #include "cli/PrintableText.h"
-#include "cli/SettingsSource.h"
 #include "settings/records/json/SettingsCoding.h"
 
 #include <fmt/format.h>
 
 namespace quorbel {
+
+namespace {
+
+class PresetsCommand final : public Command {
+  public:
+    PresetsCommand();
+
+    void run() const override;
+
+  private:
+    bool json_ = false;
+    bool names_ = false;
+};
 
 PresetsCommand::PresetsCommand()
     : Command("presets", "List the presets, the program's and your own") {
@@ -45,5 +56,9 @@ void PresetsCommand::run() const {
         }
     }
 }
+
+} // namespace
+
+std::unique_ptr<Command> makePresetsCommand() { return std::make_unique<PresetsCommand>(); }
 
 } // namespace quorbel

@@ -1,11 +1,9 @@
-#include "cli/RenderCommand.h"
-
 #include "cli/ChainRateReader.h"
 #include "cli/CommandError.h"
-#include "cli/PresetChoice.h"
+#include "cli/CommandSettings.h"
+#include "cli/Commands.h"
 #include "cli/ProgressBar.h"
 #include "cli/RenderTables.h"
-#include "cli/SettingsSource.h"
 #include "cli/SoundFileWriter.h"
 #include "engine/OfflineRenderer.h"
 #include "platform/core/StreamFormat.h"
@@ -15,10 +13,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
+#include <string>
 #include <sys/stat.h>
 #include <system_error>
+#include <vector>
 
 namespace quorbel {
 
@@ -65,7 +67,23 @@ void requireFilesOfTheirOwn(const std::vector<std::optional<std::string>> &paths
                 throw CommandError(*paths[later] + ": is the same file as " + parts[earlier]);
 }
 
-} // namespace
+class RenderCommand final : public Command {
+  public:
+    RenderCommand();
+
+    /// Throws CommandError; OUT is then as it was.
+    void run() const override;
+
+  private:
+    std::string settingsPath_;
+    std::optional<std::string> presetName_;
+    std::uint32_t blockFrames_ = 512;
+    std::vector<TimedFile> changes_; ///< settings files
+    std::optional<std::string> metersPath_;
+    std::optional<std::string> spectrumPath_;
+    std::string inputPath_;
+    std::string outputPath_;
+};
 
 RenderCommand::RenderCommand()
     : Command("render", "Play a sound file through the chain into another, faster than real time") {
@@ -169,5 +187,9 @@ void RenderCommand::run() const {
             "{}: {} frame{} held samples that are not finite numbers; they were played as zero\n",
             inputPath_, replaced, replaced == 1 ? "" : "s");
 }
+
+} // namespace
+
+std::unique_ptr<Command> makeRenderCommand() { return std::make_unique<RenderCommand>(); }
 
 } // namespace quorbel

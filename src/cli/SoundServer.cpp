@@ -9,7 +9,7 @@
 
 namespace quorbel {
 
-std::unique_ptr<AudioHardware> connectToSoundServer() {
+std::unique_ptr<AudioHardware> hardwareOrError() {
     Status status = statusOK;
     auto hardware = makeSystemHardware(status);
     if (!hardware)

@@ -8,6 +8,6 @@ namespace quorbel {
 
 /// The hardware layer of this machine. Throws CommandError, with how to start one, where no sound
 /// server answers.
-[[nodiscard]] std::unique_ptr<AudioHardware> connectToSoundServer();
+[[nodiscard]] std::unique_ptr<AudioHardware> hardwareOrError();
 
 } // namespace quorbel

@@ -1,5 +1,6 @@
 #include "cli/CommandError.h"
 #include "cli/CommandLine.h"
+#include "cli/Commands.h"
 #include "cli/PrintableText.h"
 
 #include <fmt/format.h>

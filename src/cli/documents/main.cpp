@@ -1,3 +1,4 @@
+#include "cli/Commands.h"
 #include "cli/documents/Documents.h"
 #include "platform/core/Version.h"
 

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "engine/ChainSettings.h"
+#include "settings/records/Persisted.h"
+#include "settings/state/SharedSettingsFile.h"
+
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// The settings that a command starts from: the file named by the user or, where `path` is empty,
+/// the user's own settings file or, where that cannot be read, the defaults. The file is left as it
+/// is. Throws CommandError, naming the file and the place in it, for one that is not a settings
+/// file.
+[[nodiscard]] Persisted loadSettings(const std::string &path);
+
+/// What of them decides the sound; a mixer or gain that the file does not have is the default.
+[[nodiscard]] ChainSettings chainSettings(const Persisted &settings);
+
+/// The presets that a user with these settings has: the program's own, then the user's.
+[[nodiscard]] std::vector<Preset> availablePresets(const Persisted &settings);
+
+/// The one of them with this name. Where no name is equal, capitals and the kind of dash do not
+/// count. Throws CommandError for a name that no preset has.
+[[nodiscard]] Preset presetNamed(const Persisted &settings, const std::string &name);
+
+/// Puts the bands and spatial settings of the preset with this name in the place of those in
+/// `settings`; everything else stays. Throws as `presetNamed`.
+void applyPreset(Persisted &settings, const std::string &name);
+
+/// The user's own settings file, for a command that changes it. Where there is none yet, it begins
+/// with the defaults and the program's presets. Throws CommandError for a file that is there and
+/// cannot be read, so that it is never overwritten.
+class UserSettings {
+  public:
+    UserSettings();
+
+    Persisted settings;
+
+    /// Replaces the file as a whole, with what another program has written since. Throws
+    /// CommandError; the file is then as it was.
+    void save();
+
+  private:
+    SharedSettingsFile file_;
+    Persisted asRead_;
+};
+
+} // namespace quorbel
