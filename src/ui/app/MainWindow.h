@@ -1,9 +1,9 @@
 #pragma once
 
-#include "ui/app/WindowSizes.h"
-
 #include <QObject>
 #include <QQmlApplicationEngine>
+#include <QRect>
+#include <QSize>
 #include <QVariantMap>
 
 #include <functional>
@@ -11,6 +11,20 @@
 class QQuickWindow;
 
 namespace quorbel {
+
+/// Sizes of a window's content, without its frame.
+struct WindowSizes {
+    QSize start;
+    QSize minimum;
+};
+
+/// Returns `wanted`, each size cut to what the screen has room for beside the desktop's panels and
+/// the window's frame.
+///
+/// `available` is the part of the screen that the desktop leaves to windows. Where it is the whole
+/// screen the desktop has no panels or does not tell, as on Wayland; room for one is then left.
+[[nodiscard]] WindowSizes fittedTo(const QRect &available, const QRect &whole,
+                                   const WindowSizes &wanted);
 
 /// The window as the program holds it: loads it, shows it, and decides what closing it means.
 /// [main]

@@ -1,11 +1,15 @@
 #include "ui/app/Setup.h"
 
-#include "ui/app/GraphicsChoice.h"
 #include "ui/app/LinuxWording.h"
 #include "ui/app/ProgramIcon.h"
 
 #include <QApplication>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QQuickStyle>
+#include <QQuickWindow>
+#include <QSGRendererInterface>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -16,6 +20,36 @@
 #include <csignal>
 
 namespace quorbel {
+
+namespace {
+
+bool hasGraphicsHardware() {
+    QOpenGLContext context;
+    QOffscreenSurface surface;
+    surface.create();
+    if (!surface.isValid() || !context.create() || !context.makeCurrent(&surface))
+        return false;
+    const auto *name =
+        reinterpret_cast<const char *>(context.functions()->glGetString(GL_RENDERER));
+    const QString renderer = QString::fromLatin1(name).toLower();
+    context.doneCurrent();
+    return !renderer.contains(QLatin1String("llvmpipe")) &&
+           !renderer.contains(QLatin1String("softpipe")) &&
+           !renderer.contains(QLatin1String("swrast"));
+}
+
+/// Makes the processor draw the window where there is no graphics hardware. An OpenGL that is
+/// itself emulated counts as none: drawing directly costs a fraction of it. The user's environment
+/// (QT_QUICK_BACKEND, QSG_RHI_BACKEND) takes precedence. To be called before the first window.
+void chooseGraphics() {
+    if (qEnvironmentVariableIsSet("QT_QUICK_BACKEND") ||
+        qEnvironmentVariableIsSet("QSG_RHI_BACKEND"))
+        return;
+    if (!hasGraphicsHardware())
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+}
+
+} // namespace
 
 void setUpApplication(QApplication &application) {
     // The reader of the log may end, and a file may reach its limit: neither ends the program.

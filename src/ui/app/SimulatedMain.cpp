@@ -1,5 +1,6 @@
 // For development: the real window on a machine that exists only in memory, in a state of choice.
 
+#include "engine/ChainFormat.h"
 #include "platform/hardware/simulated/SimulatedHardware.h"
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/TerminationSignals.h"
@@ -9,7 +10,6 @@
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/Setup.h"
-#include "ui/app/SimulatedMusic.h"
 #include "ui/model/AppModel.h"
 
 #include <QApplication>
@@ -18,12 +18,51 @@
 #include <QQuickWindow>
 #include <QTemporaryDir>
 
+#include <array>
 #include <cerrno>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <numbers>
 
 namespace {
 
 using namespace quorbel;
+
+constexpr double beatSeconds = 0.5;
+
+double sine(double frequencyHz, double seconds) {
+    return std::sin(2.0 * std::numbers::pi * frequencyHz * seconds);
+}
+
+/// -1 to 1, equal at equal times: a hash of the frame's number (a round of splitmix64).
+double noise(double seconds, std::uint32_t channel) {
+    auto x = static_cast<std::uint64_t>(seconds * chainSampleRate + 0.5) * 2U + channel;
+    x += 0x9E3779B97F4A7C15U;
+    x = (x ^ (x >> 30U)) * 0xBF58476D1CE4E5B9U;
+    x = (x ^ (x >> 27U)) * 0x94D049BB133111EBU;
+    return static_cast<double>(static_cast<std::int64_t>(x ^ (x >> 31U))) / 0x1p63;
+}
+
+/// Something that looks like music on meters and spectrum: a bass line, chords, a beat of noise,
+/// the same in every run. Peaks near -3 dBFS.
+float music(double seconds, std::uint32_t channel) {
+    constexpr std::array roots{55.0, 55.0, 43.65, 49.0}; // Hz, a bar each
+    const double bar = seconds / (4.0 * beatSeconds);
+    const double root = roots[static_cast<std::size_t>(bar) % roots.size()];
+    const double intoBeat = std::fmod(seconds, beatSeconds);
+    const double pluck = std::exp(-6.0 * intoBeat);
+
+    double sample = 0.30 * sine(root, seconds) * (0.4 + 0.6 * pluck);
+    constexpr std::array chord{4.0, 5.0, 6.0, 8.0, 12.0};
+    for (std::size_t i = 0; i < chord.size(); ++i) {
+        const double side = ((i + channel) % 2 == 0) ? 1.0 : 0.6;
+        for (const double harmonic : {1.0, 2.0, 3.0, 5.0, 8.0})
+            sample += side * 0.035 / harmonic * sine(root * chord[i] * harmonic, seconds);
+    }
+    const double hat = std::exp(-60.0 * std::fmod(seconds, beatSeconds / 2.0));
+    return static_cast<float>(sample + (0.02 + 0.18 * hat) * noise(seconds, channel));
+}
 
 struct Options {
     QString state = QStringLiteral("stopped");
@@ -89,7 +128,7 @@ void equip(SimulatedHardware &machine, const QString &state) {
     machine.addDevice({.uid = "headphones", .name = "Headphones"});
     machine.addDevice({.uid = "hdmi", .name = "HDMI / DisplayPort"});
     if (state == QStringLiteral("running"))
-        machine.play(simulatedMusic());
+        machine.play(music);
     if (state == QStringLiteral("error"))
         machine.operations().fail(SimulatedHardware::Operation::startDevice, -EACCES);
 }

@@ -11,17 +11,61 @@
 #include "ui/app/ProcessingPermit.h"
 #include "ui/app/Setup.h"
 #include "ui/app/SingleInstance.h"
-#include "ui/app/SoundServerConnection.h"
 #include "ui/app/TrayItem.h"
 #include "ui/app/WindowClosing.h"
 #include "ui/model/AppModel.h"
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QMessageBox>
 #include <QQuickWindow>
 
 #include <cstdio>
+#include <memory>
 #include <optional>
+#include <system_error>
+
+namespace quorbel {
+
+namespace {
+
+QString complaint(Status status) {
+    return QCoreApplication::translate("quorbel::SoundServerConnection",
+                                       "No PipeWire sound server answers (%1).")
+        .arg(QString::fromStdString(std::generic_category().message(-status)));
+}
+
+bool asksForAnotherTry(Status status) {
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Ostrafine"), complaint(status),
+                    QMessageBox::Retry | QMessageBox::Close);
+    box.setInformativeText(QCoreApplication::translate(
+        "quorbel::SoundServerConnection",
+        "Start one with: systemctl --user start pipewire wireplumber pipewire-pulse"));
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    return box.exec() == QMessageBox::Retry;
+}
+
+/// Where no sound server answers: tell the user in a message box, who can try again, or write one
+/// line to standard error.
+enum class WithoutServer { ask, complain };
+
+/// The hardware layer of this machine; null without a sound server, or when the user gives up.
+std::unique_ptr<AudioHardware> hardwareOrComplaint(WithoutServer otherwise) {
+    for (;;) {
+        Status status = statusOK;
+        auto hardware = makeSystemHardware(status);
+        if (hardware)
+            return hardware;
+        if (otherwise == WithoutServer::complain)
+            std::fprintf(stderr, "ostrafine: %s\n", qPrintable(complaint(status)));
+        if (otherwise == WithoutServer::complain || !asksForAnotherTry(status))
+            return nullptr;
+    }
+}
+
+} // namespace
+
+} // namespace quorbel
 
 int main(int argc, char **argv) {
     using namespace quorbel;
@@ -47,8 +91,8 @@ int main(int argc, char **argv) {
     if (!first || first->kind == Kind::stopProcessing)
         return 0;
 
-    const auto hardware = connectToSoundServer(first->kind == Kind::show ? WithoutServer::ask
-                                                                         : WithoutServer::complain);
+    const auto hardware = hardwareOrComplaint(first->kind == Kind::show ? WithoutServer::ask
+                                                                        : WithoutServer::complain);
     if (!hardware)
         return 1;
     MainLoopClock clock;

@@ -34,17 +34,68 @@ T.ComboBox {
             popup.open();
     }
 
-    delegate: ChoiceLine {
+    // One of the choices of an open box, with the heading of its group above the first of a group. Looks like a
+    // line of a menu, but is none: up to Qt 6.4 a control's role for assistive technology is that of its kind,
+    // whatever is set.
+    delegate: T.ItemDelegate {
+        id: line
+
         required property var model
         required property int index
         readonly property bool isMarked: control.currentMarked && control.currentIndex === index
 
+        readonly property string heading: ListView.section !== ListView.previousSection ? ListView.section : ""
+        readonly property string symbol: isMarked ? "checkmark" : ""
+
         width: ListView.view.width
-        heading: ListView.section !== ListView.previousSection ? ListView.section : ""
         text: control.textRole !== "" ? (model[control.textRole] ?? model.modelData?.[control.textRole] ?? "") : (model.modelData ?? "")
-        symbol: isMarked ? "checkmark" : ""
         highlighted: control.highlightedIndex === index
+        implicitWidth: implicitContentWidth + leftPadding + rightPadding
+        implicitHeight: Math.max(Theme.controlHeight, contentItem.implicitHeight + 1.5 * Theme.unit) + topInset
+        topInset: group.visible ? group.height : 0
+        topPadding: topInset
+        containmentMask: background
+        leftPadding: Theme.unit
+        rightPadding: 2 * Theme.unit
+        spacing: Theme.unit
+        font.pixelSize: Theme.bodySize
+        hoverEnabled: true
+
+        Accessible.name: text
+        Accessible.selectable: true
         Accessible.selected: isMarked
+        Accessible.onPressAction: clicked()
+
+        contentItem: LabelFace {
+            symbol: line.symbol
+            keepSymbolSpace: true
+            text: line.text
+            font: line.font
+            spacing: line.spacing
+            color: line.highlighted ? Theme.card : Theme.ink
+        }
+        background: Rectangle {
+            radius: Theme.radius
+            color: line.highlighted ? Theme.ink : "transparent"
+        }
+
+        PlainText {
+            id: group
+
+            visible: text !== ""
+            width: line.width
+            leftPadding: Theme.unit
+            topPadding: Theme.unit
+            bottomPadding: Theme.unit / 2
+            text: line.heading
+            color: Theme.inkSoft
+            font.pixelSize: Theme.captionSize
+            font.letterSpacing: 1
+            font.capitalization: Font.AllUppercase
+            elide: Text.ElideRight
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
     }
     indicator: Symbol {
         x: control.width - width - 1.5 * Theme.unit

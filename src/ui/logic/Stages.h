@@ -3,6 +3,9 @@
 #include "settings/records/MixerConfig.h"
 #include "settings/records/SpatialConfig.h"
 
+#include <array>
+#include <string_view>
+
 namespace quorbel {
 
 // How many stages are switched on, by the screen that they are on.
@@ -13,5 +16,18 @@ namespace quorbel {
 [[nodiscard]] int colourStagesOn(const MixerConfig &mixer);
 /// Of limiter, auto gain and manual loudness.
 [[nodiscard]] int levelStagesOn(const MixerConfig &mixer);
+
+/// What a stage does to the sound and where its limits are, in one line. The manual's section of
+/// that name begins with the same words.
+struct StageHelp {
+    std::string_view stage; ///< as its card is called
+    std::string_view help;
+};
+
+/// In the order of the chain.
+[[nodiscard]] const std::array<StageHelp, 12> &stageHelps();
+
+/// Empty for what is no stage.
+[[nodiscard]] std::string_view stageHelp(std::string_view stage);
 
 } // namespace quorbel

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ui/model/AboutModel.h"
 #include "ui/model/DeviceListModel.h"
 #include "ui/model/EngineModel.h"
 #include "ui/model/EqualizerModel.h"
@@ -19,6 +18,31 @@ class QJSEngine;
 class QQmlEngine;
 
 namespace quorbel {
+
+/// What the program says of itself. [main]
+class AboutModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("App.about is the only one")
+    Q_PROPERTY(QString version READ version CONSTANT)
+    Q_PROPERTY(QString report READ report NOTIFY reportChanged)
+
+  public:
+    explicit AboutModel(QObject *parent) : QObject(parent) {}
+
+    [[nodiscard]] static QString version();
+    /// Lines for a bug report: the versions of the program, its libraries and the system.
+    [[nodiscard]] QString report() const;
+
+    /// Name and version of the library below the sound hardware, such as "PipeWire 1.4.2".
+    void setSoundLibrary(const QString &library);
+
+  Q_SIGNALS:
+    void reportChanged();
+
+  private:
+    QString soundLibrary_;
+};
 
 /// What QML sees of the program: one object for each thing it has to do with. The program makes it
 /// before it loads any QML; QML finds it as the singleton `App`. [main]

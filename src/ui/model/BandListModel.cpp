@@ -1,9 +1,7 @@
 #include "ui/model/BandListModel.h"
 
-#include "ui/logic/BandLimits.h"
 #include "ui/logic/NumberFormat.h"
 #include "ui/model/HistoryModel.h"
-#include "ui/model/SettingValue.h"
 
 #include <algorithm>
 #include <cmath>

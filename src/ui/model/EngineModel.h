@@ -10,9 +10,14 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace quorbel {
+
+/// An error's text as the window shows it: as it stands, unless a catalogue that is loaded has
+/// another wording for it.
+[[nodiscard]] QString shownError(const std::string &message);
 
 /// The engine as the toolbar, the live panel and the meters show it. [main]
 class EngineModel final : public QObject {

@@ -1,11 +1,10 @@
 #include "ui/model/EqualizerModel.h"
 
 #include "engine/ChainFormat.h"
-#include "ui/logic/EqualizerResponse.h"
+#include "ui/logic/DrawnCurves.h"
 #include "ui/logic/NumberFormat.h"
 #include "ui/logic/TypedValue.h"
 #include "ui/model/HistoryModel.h"
-#include "ui/model/SettingValue.h"
 
 #include <algorithm>
 #include <cmath>

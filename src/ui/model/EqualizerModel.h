@@ -1,7 +1,6 @@
 #pragma once
 
-#include "ui/logic/BandLimits.h"
-#include "ui/logic/DisplayResponse.h"
+#include "ui/logic/DrawnCurves.h"
 #include "ui/model/BandListModel.h"
 
 #include <QList>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/logic/NumberFormat.h"
+#include "ui/logic/Stages.h"
 
 #include <QObject>
 #include <QString>
@@ -31,6 +32,18 @@ class Format final : public QObject {
     }
     [[nodiscard]] Q_INVOKABLE QString signedDecibels(double value) const {
         return QString::fromStdString(gainText(value));
+    }
+};
+
+/// What the screens say of the stages (ui/logic/StageHelp.h), for QML.
+class StageTexts final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_SINGLETON
+
+  public:
+    [[nodiscard]] Q_INVOKABLE QString help(const QString &stage) const {
+        return QString::fromUtf8(stageHelp(stage.toStdString()));
     }
 };
 

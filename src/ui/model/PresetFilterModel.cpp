@@ -2,7 +2,10 @@
 
 #include "ui/model/AppModel.h"
 #include "ui/model/PresetListModel.h"
-#include "ui/model/SearchText.h"
+
+#include <QStringList>
+
+#include <algorithm>
 
 namespace quorbel {
 
@@ -10,6 +13,22 @@ namespace {
 
 PresetFilter filterOf(PresetFilterModel::Filter filter) {
     return static_cast<PresetFilter>(filter);
+}
+
+/// Without accents and case: letters decomposed, their marks left out. Upper case because it has
+/// one form for "ß" and "ss".
+QString folded(const QString &text) {
+    QString letters = text.normalized(QString::NormalizationForm_KD);
+    letters.removeIf([](QChar letter) { return letter.isMark(); });
+    return letters.toUpper();
+}
+
+/// Whether each word of `search` occurs in `text`, whatever the case and without regard to accents:
+/// "cafe RAD" occurs in "Café, Radio". No word occurs everywhere.
+bool matchesSearch(const QString &text, const QString &search) {
+    const QStringList words = folded(search).simplified().split(u' ', Qt::SkipEmptyParts);
+    const QString all = folded(text);
+    return std::ranges::all_of(words, [&](const QString &word) { return all.contains(word); });
 }
 
 } // namespace

@@ -1,18 +1,33 @@
 #pragma once
 
 #include "settings/state/AppState.h"
-#include "ui/model/ExchangeResult.h"
 #include "ui/model/PresetChoiceModel.h"
 #include "ui/model/RecordListModel.h"
 
 #include <QList>
+#include <QObject>
 #include <QString>
 #include <QStringList>
 #include <QUrl>
+#include <QtQml/qqmlregistration.h>
 
 #include <vector>
 
 namespace quorbel {
+
+/// What came of an import or an export, for QML.
+struct ExchangeResult {
+    Q_GADGET
+    QML_VALUE_TYPE(exchangeResult)
+    Q_PROPERTY(bool ok MEMBER ok)
+    Q_PROPERTY(QString message MEMBER message)
+    Q_PROPERTY(QStringList details MEMBER details)
+
+  public:
+    bool ok = false;     ///< everything that was asked for has been done
+    QString message;     ///< what was done, or why nothing was
+    QStringList details; ///< of several files each; lines that were not taken as written, and why
+};
 
 class FavouritePresets;
 class HistoryModel;

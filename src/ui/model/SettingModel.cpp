@@ -2,7 +2,6 @@
 
 #include "ui/logic/NumberFormat.h"
 #include "ui/model/HistoryModel.h"
-#include "ui/model/SettingValue.h"
 
 #include <QCoreApplication>
 

@@ -1,9 +1,9 @@
 #include "ui/model/SettingsModel.h"
 
+#include "ui/logic/NumberFormat.h"
 #include "ui/logic/PanelTexts.h"
 #include "ui/logic/Stages.h"
 #include "ui/model/HistoryModel.h"
-#include "ui/model/SettingValue.h"
 
 #include <cstddef>
 #include <type_traits>

@@ -1,6 +1,6 @@
 #include "ui/model/SpectrumModel.h"
 
-#include "ui/logic/SpectrumFill.h"
+#include "ui/logic/DrawnCurves.h"
 
 #include <vector>
 

@@ -69,11 +69,34 @@ Window {
             onSaveRequested: saveSheet.open()
         }
     }
-    PresetDropArea {
+    // Takes files that are dropped on it as presets.
+    DropArea {
+        id: area
+
         anchors.fill: parent
-        onImporting: {
+        keys: ["text/uri-list"]
+        onDropped: drop => {
+            drop.accept(Qt.CopyAction);
+            // First, because the list of presets shows the result.
             if (!window.destination.startsWith("presets"))
                 window.destination = "presetsMine";
+            App.presets.importDropped(drop.urls);
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            visible: area.containsDrag
+            color: Theme.veil
+            border.width: 2
+            border.color: Theme.signal
+
+            DotCard {
+                anchors.centerIn: parent
+
+                HeadingText {
+                    text: qsTr("Drop presets and equaliser texts to import them")
+                }
+            }
         }
     }
 

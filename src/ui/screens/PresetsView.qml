@@ -63,9 +63,21 @@ Item {
             searchField.selectAll();
         }
     }
-    RenameSheet {
+    NameSheet {
         id: renameSheet
+
+        property string presetId: ""
+
         objectName: "renameSheet"
+        title: qsTr("Rename Preset")
+        acceptText: qsTr("Rename")
+        onNamed: name => App.presets.rename(presetId, name)
+
+        function rename(id: string, name: string) {
+            presetId = id;
+            suggestion = name;
+            open();
+        }
     }
     PresetMenu {
         id: rowMenu

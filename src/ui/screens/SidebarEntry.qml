@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Layouts
+import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
 /// A destination in the sidebar, below the caption of the group that it begins, if it does.
@@ -37,17 +38,67 @@ ColumnLayout {
         text: entry.group
         Accessible.role: Accessible.Heading
     }
-    SidebarRow {
+    T.ItemDelegate {
         id: row
+
         Layout.fillWidth: true
         Layout.topMargin: entry.folded && entry.startsGroup && entry.index > 0 ? 2 * Theme.unit : 0
-        folded: entry.folded
-        title: entry.title
-        symbol: entry.symbol
-        badge: entry.badge
-        selected: entry.selected
+        implicitHeight: Math.max(Theme.rowHeight, implicitContentHeight + Theme.unit)
+        hoverEnabled: true
+        focusPolicy: Qt.ClickFocus
+        activeFocusOnTab: entry.selected || activeFocus
+        Accessible.name: entry.title
+        Accessible.description: entry.badge
+        Accessible.selectable: true
+        Accessible.selected: entry.selected
+        Accessible.onPressAction: row.clicked()
         onClicked: entry.chosen()
         Keys.onUpPressed: entry.moveRequested(-1)
         Keys.onDownPressed: entry.moveRequested(1)
+
+        background: Rectangle {
+            radius: Theme.radius
+            color: entry.selected ? Theme.ink : row.hovered ? Theme.card : "transparent"
+
+            FocusRing {
+                visible: row.visualFocus
+                distance: 2
+            }
+        }
+        contentItem: RowLayout {
+            spacing: 1.5 * Theme.unit
+
+            Symbol {
+                Layout.leftMargin: entry.folded ? 0 : 1.5 * Theme.unit
+                Layout.fillWidth: entry.folded
+                name: entry.symbol
+                size: 2 * Theme.unit
+                color: entry.selected ? Theme.paper : Theme.ink
+            }
+            BodyText {
+                Layout.fillWidth: true
+                visible: !entry.folded
+                text: entry.title
+                wrapMode: Text.Wrap
+                lineHeight: 1
+                color: entry.selected ? Theme.paper : Theme.ink
+                Accessible.ignored: true
+            }
+            CaptionText {
+                Layout.rightMargin: 1.5 * Theme.unit
+                visible: !entry.folded
+                text: entry.badge
+                wrapMode: Text.NoWrap
+                color: entry.selected ? Theme.paper : Theme.inkSoft
+                Accessible.ignored: true
+            }
+        }
+
+        DotToolTip {
+            x: row.width + Theme.unit
+            y: (row.height - height) / 2
+            visible: entry.folded && (row.hovered || row.visualFocus)
+            text: entry.badge === "" ? entry.title : entry.title + " · " + entry.badge
+        }
     }
 }

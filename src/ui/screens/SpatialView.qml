@@ -14,6 +14,15 @@ ScreenPage {
     property var expanded: []
     signal expansionRequested(int stage)
 
+    /// A switch of a stage's controls, its label where the other rows have theirs.
+    component SwitchRow: DotToggle {
+        required property string label
+
+        Layout.topMargin: Theme.unit
+        text: label
+        accessibleName: label
+    }
+
     /// A row of a stage's card: it ends where the meter and the value in the head do.
     component StageParam: ParamRow {
         Layout.fillWidth: true

@@ -14,6 +14,13 @@ Rectangle {
     /// sidebar itself is always there.
     readonly property bool roomy: width >= (92 + 4 * 4) * Theme.textUnit
 
+    /// A toolbar item that leads to a section of the sidebar.
+    component JumpItem: DotIconButton {
+        required property string section
+
+        accessibleName: qsTr("Opens the %1 section").arg(section)
+    }
+
     implicitHeight: row.implicitHeight + 2 * row.y
     color: Theme.card
     Accessible.role: Accessible.ToolBar
@@ -49,7 +56,22 @@ Rectangle {
                 text: App.engine.running ? qsTr("Stop processing") : qsTr("Start processing")
             }
         }
-        CompareButton {}
+        // Unprocessed sound for as long as it is held, with the mouse, the space bar or the key B. An
+        // assistive technology, which cannot hold a button, switches it.
+        DotButton {
+            text: qsTr("Compare")
+            primary: App.engine.comparing
+            enabled: App.engine.running
+            help: qsTr("Hold to hear the unprocessed sound (B)")
+            Accessible.checkable: true
+            Accessible.checked: App.engine.comparing
+            Accessible.onPressAction: App.engine.comparing = !App.engine.comparing
+            onPressedChanged: App.engine.comparing = pressed
+            onEnabledChanged: {
+                if (!enabled)
+                    App.engine.comparing = false;
+            }
+        }
         Item {
             visible: toolbar.roomy
             implicitWidth: Theme.unit

@@ -1,4 +1,4 @@
-#include "ui/logic/DisplayResponse.h"
+#include "ui/logic/DrawnCurves.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

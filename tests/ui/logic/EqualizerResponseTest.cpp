@@ -1,6 +1,5 @@
-#include "ui/logic/EqualizerResponse.h"
-
 #include "effects/EQProcessor.h"
+#include "ui/logic/DrawnCurves.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // What the screens print.
 
 #include "settings/presets/FactoryPresets.h"
+#include "ui/logic/DrawnCurves.h"
 #include "ui/logic/NumberFormat.h"
 #include "ui/logic/PanelTexts.h"
 #include "ui/logic/PresetTexts.h"
-#include "ui/logic/SpectrumFill.h"
-#include "ui/logic/StageHelp.h"
+#include "ui/logic/Stages.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

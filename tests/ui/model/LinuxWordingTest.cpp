@@ -1,7 +1,7 @@
 #include "ui/app/LinuxWording.h"
 
 #include "engine/SystemAudioTap.h"
-#include "ui/model/EngineTexts.h"
+#include "ui/model/EngineModel.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

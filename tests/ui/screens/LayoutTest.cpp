@@ -1,7 +1,7 @@
 // The window on any screen, at any text size: no text cut, nothing on top of another, nothing out
 // of reach.
 
-#include "ui/app/WindowSizes.h"
+#include "ui/app/MainWindow.h"
 #include "ui/screens/LayoutFaults.h"
 #include "ui/screens/Stage.h"
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/graph/ParametricEqualizerNode.h"
 #include "settings/records/EQBand.h"
 
 #include <array>
@@ -31,5 +32,16 @@ using DisplayResponse = std::array<double, displayPointCount>;
 /// The heights of a response.
 [[nodiscard]] std::vector<double> curveValues(const DisplayResponse &response, double lowDB,
                                               double highDB);
+
+/// What the bands of the equaliser node play: the magnitude in dB of the very sections that it runs
+/// at `sampleRate` Hz, without its global gain, at `pointCount` (2 or more) frequencies from 20 Hz
+/// to 20 kHz in equal ratios. Not below -200.
+[[nodiscard]] std::vector<double> equalizerResponseDB(const ParametricEqualizerNode &node,
+                                                      double sampleRate, std::size_t pointCount);
+
+/// Levels for drawing: a band without a level of its own takes it from the nearest bands that have
+/// one, on a straight line between them. `isMeasured` says which have; both are of one length.
+[[nodiscard]] std::vector<double> filledLevels(std::vector<double> levels,
+                                               const std::vector<bool> &isMeasured);
 
 } // namespace quorbel

@@ -1,9 +1,11 @@
-#include "ui/logic/DisplayResponse.h"
+#include "ui/logic/DrawnCurves.h"
 
+#include "platform/dsp/SectionDesign.h"
 #include "settings/interchange/BandResponse.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
 namespace quorbel {
 
@@ -64,6 +66,40 @@ std::vector<double> curveValues(const DisplayResponse &response, double lowDB, d
     std::ranges::transform(response, heights.begin(),
                            [&](double value) { return drawingHeight(value, lowDB, highDB); });
     return heights;
+}
+
+std::vector<double> equalizerResponseDB(const ParametricEqualizerNode &node, double sampleRate,
+                                        std::size_t pointCount) {
+    const std::vector<double> frequencies = audibleFrequencies(pointCount);
+    std::vector<double> response(pointCount, 0.0);
+    for (std::size_t index = 0; index < node.bandCount(); ++index) {
+        const auto section = designBand(node.band(index), sampleRate);
+        if (!section)
+            continue;
+        for (std::size_t point = 0; point < pointCount; ++point)
+            response[point] += decibelsOfPower(section->power(frequencies[point] / sampleRate));
+    }
+    return response;
+}
+
+std::vector<double> filledLevels(std::vector<double> levels, const std::vector<bool> &isMeasured) {
+    const std::size_t count = levels.size();
+    for (std::size_t band = 0; band < count; ++band) {
+        if (isMeasured[band])
+            continue;
+        std::size_t end = band; // of the gap
+        while (end < count && !isMeasured[end])
+            ++end;
+        if (end == count && band == 0)
+            break; // nothing to take from
+        const double before = band > 0 ? levels[band - 1] : levels[end];
+        const double after = end < count ? levels[end] : before;
+        const double steps = static_cast<double>(end - band + 1);
+        for (std::size_t at = band; at < end; ++at)
+            levels[at] = before + (after - before) * static_cast<double>(at - band + 1) / steps;
+        band = end;
+    }
+    return levels;
 }
 
 } // namespace quorbel
