@@ -41,47 +41,6 @@ Read read(AudioRingBuffer &ring, std::size_t frames) {
     return result;
 }
 
-TEST(AudioRingBuffer, ReadsWhatWasWrittenAndSilenceBeyond) {
-    AudioRingBuffer ring(10);
-    ring.write(counted(1, 3));
-    const Read got = read(ring, 5);
-    EXPECT_EQ(got.left, (std::vector<float>{1, 2, 3, 0, 0}));
-    EXPECT_EQ(got.right, (std::vector<float>{-1, -2, -3, 0, 0}));
-
-    // The reader has not run ahead: what comes next is played next.
-    ring.write(counted(4, 2));
-    EXPECT_EQ(read(ring, 2).left, (std::vector<float>{4, 5}));
-
-    EXPECT_EQ(ring.preiaPierderi(),
-              (AudioRingBuffer::Pierderi{.taiate = 0, .tacere = 2, .scrise = 5, .citite = 7}));
-    EXPECT_EQ(ring.preiaPierderi(), AudioRingBuffer::Pierderi{});
-}
-
-TEST(AudioRingBuffer, TheWriterWinsAndTheLossIsCounted) {
-    AudioRingBuffer ring(4);
-    ring.write(counted(1, 3));
-    ring.write(counted(4, 3));
-    EXPECT_EQ(read(ring, 4).left, (std::vector<float>{3, 4, 5, 6}));
-    EXPECT_EQ(ring.preiaPierderi(),
-              (AudioRingBuffer::Pierderi{.taiate = 2, .tacere = 0, .scrise = 6, .citite = 4}));
-
-    // Longer than the whole buffer, from a position in its middle.
-    ring.write(counted(100, 11));
-    EXPECT_EQ(read(ring, 4).left, (std::vector<float>{107, 108, 109, 110}));
-    EXPECT_EQ(ring.preiaPierderi().taiate, 7);
-}
-
-TEST(AudioRingBuffer, OneFrameMoreThanASecond) {
-    AudioRingBuffer ring(48000);
-    ring.write(counted(0, 48001));
-    const Read got = read(ring, 48000);
-    EXPECT_EQ(got.left.front(), 1.0F);
-    EXPECT_EQ(got.left.back(), 48000.0F);
-    EXPECT_EQ(
-        ring.preiaPierderi(),
-        (AudioRingBuffer::Pierderi{.taiate = 1, .tacere = 0, .scrise = 48001, .citite = 48000}));
-}
-
 TEST(AudioRingBuffer, ChannelsThatAreMissing) {
     AudioRingBuffer ring(10);
     ring.write(counted(1, 2, mono));

@@ -2,86 +2,56 @@
 
 #include "engine/EngineFixture.h"
 
-#include <cerrno>
 #include <ostream>
 #include <string>
 
 namespace quorbel::testing {
 namespace {
 
-using ::testing::ElementsAreArray;
 using Operation = SimulatedHardware::Operation;
 
-constexpr const char *captureRefused = "Couldn't start system audio capture (OSStatus -1). If you "
-                                       "denied the permission prompt, enable "
-                                       "Quorbel under System Settings → Privacy & Security → "
-                                       "Screen & System Audio Recording, then try "
-                                       "again.";
-constexpr const char *invalidFormat =
-    "System audio capture failed: the audio tap reported an invalid stream format.";
+const std::string capture = "System audio capture failed: ";
+const std::string invalidFormat = capture + "the audio tap reported an invalid stream format.";
+const std::string refused =
+    "Couldn't start system audio capture (OSStatus -1). If you denied the permission prompt, "
+    "enable Quorbel under System Settings → Privacy & Security → Screen & System Audio Recording, "
+    "then try again.";
 
+std::string couldNot(const char *what, int status) {
+    return capture + "couldn't " + what + " (OSStatus " + std::to_string(status) + ").";
+}
+
+/// A status of 0 is a success without an object.
 struct Failure {
     const char *name;
     Operation operation;
     Status status;
     std::string expectedState;
-    std::vector<Operation> teardown; ///< what follows the failing call
 
     friend std::ostream &operator<<(std::ostream &out, const Failure &failure) {
         return out << failure.name;
     }
 };
 
-const std::vector<Operation> dropTap{Operation::destroyProcessTap};
-const std::vector<Operation> dropAggregate{Operation::destroyAggregateDevice,
-                                           Operation::destroyProcessTap};
-const std::vector<Operation> dropCapture{Operation::stopDevice, Operation::destroyIOProc,
-                                         Operation::destroyAggregateDevice,
-                                         Operation::destroyProcessTap};
-
+// clang-format off
 const Failure failures[]{
-    {"setDevice", Operation::setDevice, -1, "Failed to set output device (OSStatus -1).", {}},
-    {"processObject",
-     Operation::processObject,
-     -1,
-     "System audio capture failed: couldn't identify own audio process (OSStatus -1).",
-     {}},
-    {"processObjectWithoutId",
-     Operation::processObject,
-     0,
-     "System audio capture failed: couldn't identify own audio process (OSStatus 0).",
-     {}},
-    {"createProcessTap",
-     Operation::createProcessTap,
-     -1,
-     "System audio capture failed: couldn't create system audio tap (OSStatus -1).",
-     {}},
-    {"createProcessTapWithoutId",
-     Operation::createProcessTap,
-     0,
-     "System audio capture failed: couldn't create system audio tap (OSStatus 0).",
-     {}},
-    {"tapFormat", Operation::tapFormat, -1, invalidFormat, dropTap},
-    {"tapFormatEmpty", Operation::tapFormat, 0, invalidFormat, dropTap},
-    {"defaultOutputDevice", Operation::defaultOutputDevice, -1,
-     "System audio capture failed: couldn't find default output device (OSStatus -1).", dropTap},
-    {"deviceUID", Operation::deviceUID, -1,
-     "System audio capture failed: couldn't read default output device UID (OSStatus -61).",
-     dropTap},
-    {"createAggregateDevice", Operation::createAggregateDevice, -1,
-     "System audio capture failed: couldn't create capture aggregate device (OSStatus -1).",
-     dropTap},
-    {"createAggregateDeviceWithoutId", Operation::createAggregateDevice, 0,
-     "System audio capture failed: couldn't create capture aggregate device (OSStatus 0).",
-     dropTap},
-    {"createIOProc", Operation::createIOProc, -1,
-     "System audio capture failed: couldn't create capture IO proc (OSStatus -1).", dropAggregate},
-    {"createIOProcWithoutId", Operation::createIOProc, 0,
-     "System audio capture failed: couldn't create capture IO proc (OSStatus 0).", dropAggregate},
-    {"startDevice", Operation::startDevice, -1, captureRefused, dropCapture},
-    {"startOutput", Operation::startOutput, -1,
-     "Couldn't start playback on the output device (OSStatus -1).", dropCapture},
+    {"setDevice", Operation::setDevice, -1, "Failed to set output device (OSStatus -1)."},
+    {"processObject", Operation::processObject, -1, couldNot("identify own audio process", -1)},
+    {"processObjectWithoutId", Operation::processObject, 0, couldNot("identify own audio process", 0)},
+    {"createProcessTap", Operation::createProcessTap, -1, couldNot("create system audio tap", -1)},
+    {"createProcessTapWithoutId", Operation::createProcessTap, 0, couldNot("create system audio tap", 0)},
+    {"tapFormat", Operation::tapFormat, -1, invalidFormat},
+    {"tapFormatEmpty", Operation::tapFormat, 0, invalidFormat},
+    {"defaultOutputDevice", Operation::defaultOutputDevice, -1, couldNot("find default output device", -1)},
+    {"deviceUID", Operation::deviceUID, -1, couldNot("read default output device UID", -61)},
+    {"createAggregate", Operation::createAggregateDevice, -1, couldNot("create capture aggregate device", -1)},
+    {"createAggregateWithoutId", Operation::createAggregateDevice, 0, couldNot("create capture aggregate device", 0)},
+    {"createIOProc", Operation::createIOProc, -1, couldNot("create capture IO proc", -1)},
+    {"createIOProcWithoutId", Operation::createIOProc, 0, couldNot("create capture IO proc", 0)},
+    {"startDevice", Operation::startDevice, -1, refused},
+    {"startOutput", Operation::startOutput, -1, "Couldn't start playback on the output device (OSStatus -1)."},
 };
+// clang-format on
 
 class EngineFailureTest : public EngineTest, public ::testing::WithParamInterface<Failure> {};
 
@@ -89,19 +59,12 @@ TEST_P(EngineFailureTest, IsShownTornDownAndForgotten) {
     const Failure &failure = GetParam();
     hardware.play(sine(1000.0));
     hardware.operations().fail(failure.operation, failure.status);
-    (void)actions();
-    start();
-    EXPECT_EQ(state(), failure.expectedState);
-    auto calls = actions();
-    ASSERT_GE(calls.size(), failure.teardown.size());
-    EXPECT_THAT(std::vector(calls.end() - static_cast<std::ptrdiff_t>(failure.teardown.size()),
-                            calls.end()),
-                ElementsAreArray(failure.teardown));
-    expectNothingLeft();
-    EXPECT_NEAR(toneOn("speakers"), 0.25, 1e-4) << "normal sound meanwhile";
-
-    start();
-    EXPECT_EQ(state(), failure.expectedState) << "again, and still no harm";
+    for (int round = 0; round < 2; ++round) {
+        start();
+        EXPECT_EQ(state(), failure.expectedState);
+        expectNothingLeft();
+        EXPECT_NEAR(toneOn("speakers"), 0.25, 1e-4) << "normal sound meanwhile";
+    }
     hardware.operations().repair(failure.operation);
     start();
     EXPECT_EQ(state(), "running");
@@ -125,19 +88,17 @@ TEST_F(EngineWithoutTest, AnOutputChosen) {
         EXPECT_EQ(state(), "No output device selected. Choose your speakers as output.");
         EXPECT_EQ(announced, starts) << "whoever waits for the end of a start hears of each";
     }
-    expectNothingLeft();
     choose("hdmi");
     EXPECT_EQ(state(), "stopped") << "the error goes with its cause";
-}
 
-TEST_F(EngineWithoutTest, TheChosenOutputListed) {
-    choose("hdmi");
     hardware.removeDevice("hdmi");
     hardware.removeDevice("speakers");
     devices.refresh();
     start();
     EXPECT_EQ(state(), "Audio device not found.");
-    expectNothingLeft();
+    hardware.addDevice({.uid = "hdmi"});
+    play(5.0);
+    EXPECT_NE(state(), "running") << "a start that fails at once is not tried again";
 }
 
 TEST_F(EngineWithoutTest, AnOutputUnit) {
@@ -170,30 +131,10 @@ TEST_F(EngineWithoutTest, ATeardownThatWorks) {
     for (const Operation operation : {Operation::stopDevice, Operation::destroyIOProc,
                                       Operation::destroyAggregateDevice, Operation::removeListener})
         hardware.operations().fail(operation, -1);
-    (void)actions();
     stop();
     EXPECT_EQ(state(), "stopped");
-    EXPECT_EQ(actions().size(), 8U);
     EXPECT_TRUE(hardware.taps().empty());
     EXPECT_FALSE(hardware.isPlaying());
-}
-
-TEST_F(EngineWithoutTest, TheSoundServer) {
-    hardware.play(sine(1000.0));
-    start();
-    play(0.1);
-    hardware.loseConnection(-EPIPE);
-    play(0.1);
-    EXPECT_EQ(state(), "The sound server went away (OSStatus -32).");
-    expectNothingLeft();
-    EXPECT_TRUE(devices.outputDevices().empty());
-
-    stop();
-    start();
-    EXPECT_EQ(state(), "Audio device not found.") << "there is no server to start on";
-    hardware.restoreConnection();
-    play(5.0);
-    EXPECT_NE(state(), "running") << "a start that fails at once is not tried again";
 }
 
 } // namespace

@@ -18,31 +18,6 @@ simulated::Sound countedFrames() {
     };
 }
 
-Fit fitSine(const std::vector<float> &samples, double hertz, double sampleRate) {
-    // Whole periods make sine and cosine orthogonal.
-    const double period = sampleRate / hertz;
-    const auto count = static_cast<std::size_t>(
-        std::round(std::floor(static_cast<double>(samples.size()) / period) * period));
-    double sinSum = 0.0;
-    double cosSum = 0.0;
-    const double step = 2.0 * std::numbers::pi * hertz / sampleRate;
-    for (std::size_t n = 0; n < count; ++n) {
-        sinSum += static_cast<double>(samples[n]) * std::sin(step * static_cast<double>(n));
-        cosSum += static_cast<double>(samples[n]) * std::cos(step * static_cast<double>(n));
-    }
-    const double a = 2.0 * sinSum / static_cast<double>(count);
-    const double b = 2.0 * cosSum / static_cast<double>(count);
-    double squares = 0.0;
-    for (std::size_t n = 0; n < count; ++n) {
-        const double rest = static_cast<double>(samples[n]) -
-                            a * std::sin(step * static_cast<double>(n)) -
-                            b * std::cos(step * static_cast<double>(n));
-        squares += rest * rest;
-    }
-    return {.amplitude = std::hypot(a, b),
-            .residual = std::sqrt(squares / static_cast<double>(count))};
-}
-
 EngineTest::EngineTest() {
     hardware.addDevice({.uid = "speakers", .name = "Speakers"});
     hardware.addDevice({.uid = "hdmi", .name = "HDMI"});
@@ -70,7 +45,7 @@ void EngineTest::settle() {
 double EngineTest::toneOn(const std::string &uid) {
     (void)heard(uid);
     play(0.1);
-    return fitSine(heard(uid).left, 1000.0, 48000.0).amplitude;
+    return SineFit::of(heard(uid).left, 1000.0, 48000.0).amplitude;
 }
 
 std::string EngineTest::state() const {
@@ -83,33 +58,6 @@ std::string EngineTest::state() const {
         return "running";
     }
     return "?";
-}
-
-std::vector<EngineTest::Operation> EngineTest::actions() {
-    std::vector<Operation> result;
-    for (const Operation call : hardware.operations().calls()) {
-        switch (call) {
-        case Operation::addListener:
-        case Operation::removeListener:
-        case Operation::createProcessTap:
-        case Operation::destroyProcessTap:
-        case Operation::createAggregateDevice:
-        case Operation::destroyAggregateDevice:
-        case Operation::createIOProc:
-        case Operation::destroyIOProc:
-        case Operation::startDevice:
-        case Operation::stopDevice:
-        case Operation::setDevice:
-        case Operation::startOutput:
-        case Operation::stopOutput:
-            result.push_back(call);
-            break;
-        default:
-            break;
-        }
-    }
-    hardware.operations().forgetCalls();
-    return result;
 }
 
 void EngineTest::expectNothingLeft() {

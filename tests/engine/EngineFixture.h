@@ -5,6 +5,7 @@
 #include "engine/CapturedLog.h"
 #include "platform/hardware/simulated/SimulatedHardware.h"
 #include "platform/threads/ManualClock.h"
+#include "support/SineFit.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,14 +24,6 @@ namespace quorbel::testing {
 /// can be told from every other.
 [[nodiscard]] simulated::Sound countedFrames();
 inline constexpr float countedStep = 1.0F / (1 << 20);
-
-/// The amplitude of a sine of `hertz` in `samples`, as a least-squares fit, and what is left
-/// without it.
-struct Fit {
-    double amplitude = 0.0;
-    double residual = 0.0; ///< root mean square
-};
-[[nodiscard]] Fit fitSine(const std::vector<float> &samples, double hertz, double sampleRate);
 
 /// An engine on a machine in memory: two devices at 48 kHz with cycles of 512 frames, "speakers"
 /// (the default and chosen) and "hdmi". No limiter or other unit exists unless a test registers
@@ -59,8 +52,6 @@ class EngineTest : public ::testing::Test {
     [[nodiscard]] simulated::Recording heard(const std::string &uid) {
         return hardware.takeRecording(uid);
     }
-    /// The calls that change anything, since they were asked for last.
-    [[nodiscard]] std::vector<Operation> actions();
     /// Nothing of ours is left on the machine.
     void expectNothingLeft();
 

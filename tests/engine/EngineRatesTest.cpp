@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace quorbel::testing {
 namespace {
@@ -23,7 +24,7 @@ class EngineRatesTest : public EngineTest {
         (void)log.take();
         play(3.0);
         const auto recording = heard("speakers");
-        const Fit fit = fitSine(recording.left, 1000.0, sampleRate);
+        const SineFit fit = SineFit::of(recording.left, 1000.0, sampleRate);
         EXPECT_NEAR(20.0 * std::log10(fit.amplitude / 0.25), 0.0, 0.05) << "level in dB";
         EXPECT_LT(20.0 * std::log10(fit.residual / 0.25), -80.0) << "all that is not the tone";
         EXPECT_EQ(recording.right, recording.left);
@@ -31,21 +32,29 @@ class EngineRatesTest : public EngineTest {
     }
 };
 
-TEST_F(EngineRatesTest, At44100) {
-    hardware.setSampleRate("speakers", 44100.0);
+TEST_F(EngineRatesTest, At44100And96000) {
     hardware.play(sine(1000.0));
-    (void)log.take();
-    start();
-    EXPECT_THAT(
-        log.take(),
-        ElementsAre(
-            "[AudioEngine] playback: output='Speakers' 44100 Hz, 2 canale",
-            "[AudioEngine] ATENȚIE: dispozitivul rulează la 44100 Hz. Conversia cade pe mixerul "
-            "principal; orice dezechilibru se va vedea în contoarele tamponului de mai jos.",
-            "[SystemAudioTap] rate: agregat 44100 Hz | tap declarat 44100 Hz | sursa "
-            "convertorului 44100 Hz | lanț 48000 Hz → reeșantionare",
-            ::testing::StartsWith("[SystemAudioTap] running")));
-    expectPureTone(44100.0);
+    for (const auto &[rate, blockFrames] : {std::pair{96000.0, 1024U}, {44100.0, 512U}}) {
+        hardware.setSampleRate("speakers", rate);
+        hardware.setBlockFrames("speakers", {blockFrames});
+        (void)log.take();
+        start();
+        const auto lines = log.take();
+        expectPureTone(rate);
+        stop();
+        if (rate == 44100.0) {
+            EXPECT_THAT(
+                lines,
+                ElementsAre(
+                    "[AudioEngine] playback: output='Speakers' 44100 Hz, 2 canale",
+                    "[AudioEngine] ATENȚIE: dispozitivul rulează la 44100 Hz. Conversia cade pe "
+                    "mixerul principal; orice dezechilibru se va vedea în contoarele tamponului "
+                    "de mai jos.",
+                    "[SystemAudioTap] rate: agregat 44100 Hz | tap declarat 44100 Hz | sursa "
+                    "convertorului 44100 Hz | lanț 48000 Hz → reeșantionare",
+                    ::testing::StartsWith("[SystemAudioTap] running: tap=")));
+        }
+    }
 }
 
 TEST_F(EngineRatesTest, At44100NoFrameIsMissingFromTheVeryStart) {
@@ -75,14 +84,6 @@ TEST_F(EngineRatesTest, NoFrameIsMissingAfterRestartsOfPlayback) {
         EXPECT_THAT(log.takeWith(losses), IsEmpty()) << sampleRate;
         stop();
     }
-}
-
-TEST_F(EngineRatesTest, At96000) {
-    hardware.setSampleRate("speakers", 96000.0);
-    hardware.setBlockFrames("speakers", {1024});
-    hardware.play(sine(1000.0));
-    start();
-    expectPureTone(96000.0);
 }
 
 TEST_F(EngineRatesTest, ARateThatChangesWhileRunning) {
