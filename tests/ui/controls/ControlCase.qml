@@ -1,8 +1,11 @@
 import QtQuick
 import QtTest
+import Quorbel.Testing
 
 // A case that fails on any warning, with its items in a window that is shown.
 TestCase {
+    id: testCase
+
     when: windowShown
     visible: true
     width: 640
@@ -10,5 +13,6 @@ TestCase {
 
     function init() {
         failOnWarning(/.*/);
+        Assistive.window = testCase.Window.window;
     }
 }

@@ -2,7 +2,7 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import Quorbel.Dotmatrix
-import Quorbel.Probe
+import Quorbel.Testing
 
 // Every text of every control in every state can be read: 4.5:1 or more on what is drawn behind it, as usual and
 // with high contrast.
@@ -16,83 +16,16 @@ ControlCase {
         color: Theme.card
     }
 
-    Component {
-        id: outlined
-
-        DotButton {
-            text: "Copy"
-        }
-    }
-    Component {
-        id: flat
-
-        DotButton {
-            text: "Copy"
-            flat: true
-        }
-    }
-    Component {
-        id: primary
-
-        DotButton {
-            text: "Copy"
-            primary: true
-        }
-    }
-    Component {
-        id: checked
-
-        DotButton {
-            text: "Copy"
-            checkable: true
-            checked: true
-        }
-    }
-    Component {
-        id: choices
-
-        DotComboBox {
-            width: 240
-            title: "Output"
-            model: ["One", "Two"]
-        }
-    }
-    Component {
-        id: menuItem
-
-        DotMenuItem {
-            text: "Copy"
-        }
-    }
-    Component {
-        id: toggle
-
-        DotToggle {
-            text: "Copy"
-        }
-    }
-    Component {
-        id: field
-
-        DotTextField {
-            placeholder: "Name"
-        }
-    }
-    Component {
-        id: chip
-
-        DotChip {
-            text: "10 bands"
-        }
-    }
-    Component {
-        id: litChip
-
-        DotChip {
-            text: "10 bands"
-            lit: true
-        }
-    }
+    property Component outlined: DotButton { text: "Copy" }
+    property Component flat: DotButton { text: "Copy"; flat: true }
+    property Component primary: DotButton { text: "Copy"; primary: true }
+    property Component checked: DotButton { text: "Copy"; checkable: true; checked: true }
+    property Component choices: DotComboBox { width: 240; title: "Output"; model: ["One", "Two"] }
+    property Component menuItem: DotMenuItem { text: "Copy" }
+    property Component toggle: DotToggle { text: "Copy" }
+    property Component field: DotTextField { placeholder: "Name" }
+    property Component chip: DotChip { text: "10 bands" }
+    property Component litChip: DotChip { text: "10 bands"; lit: true }
 
     function texts(item: Item): list<Item> {
         if (!item.visible)
@@ -108,7 +41,7 @@ ControlCase {
         for (const text of found) {
             const beside = text.mapToItem(root, text.leftPadding - 2, text.height / 2);
             const ground = picture.pixel(beside.x, beside.y);
-            const ratio = Probe.contrast(text.color, ground);
+            const ratio = Look.contrast(text.color, ground);
             verify(ratio >= 4.5, text.text + ", " + state + ": " + text.color + " on " + ground + ", " + ratio.toFixed(2));
         }
     }
@@ -121,8 +54,8 @@ ControlCase {
         return rows;
     }
     function test_texts_can_be_read_in_every_state(data) {
-        Probe.setHighContrast(data.highContrast);
-        Probe.setReducedMotion(true); // nothing is half on its way
+        Look.setHighContrast(data.highContrast);
+        Look.setReducedMotion(true); // nothing is half on its way
         const control = createTemporaryObject(data.component, root, { x: 40, y: 40 }) as Item;
         mouseMove(root, 600, 400);
         verifyReadable(control, "at rest");
@@ -142,7 +75,7 @@ ControlCase {
             control.highlighted = true;
             verifyReadable(control, "highlighted");
         }
-        Probe.setHighContrast(false);
-        Probe.setReducedMotion(false);
+        Look.setHighContrast(false);
+        Look.setReducedMotion(false);
     }
 }

@@ -2,216 +2,117 @@ pragma ComponentBehavior: Bound
 
 import QtQuick
 import Quorbel.Dotmatrix
-import Quorbel.Probe
+import Quorbel.Testing
 
-// Slider and knob: one value, moved by keys, pointer and assistive technology.
+// Slider and knob: one value, moved by keys, pointer and assistive technology. What each key does: tst_keys.qml of
+// the screens.
 ControlCase {
     id: root
 
     name: "values"
 
-    QtObject {
-        id: model
+    property real gain: 0
+    property int writes: 0
+    property Component slider: DotSlider {}
+    property Component knob: DotKnob {}
+    readonly property var kinds: ({
+            horizontal: { component: slider, role: "Slider", properties: { width: 216, origin: 0 } }, // a travel of 200
+            vertical: { component: slider, role: "Slider", properties: { height: 216, orientation: Qt.Vertical } },
+            knob: { component: knob, role: "Dial", properties: {} }
+        })
 
-        property real gain: 0
-        property int writes: 0
-    }
-
-    Component {
-        id: horizontal
-
-        DotSlider {
-            width: 216 // a travel of 200
-            from: -10
-            to: 10
-            origin: 0
-            stepSize: 0.1
-            accessibleName: "Gain"
-            valueText: model.gain.toFixed(1) + " dB"
-            value: model.gain
-            onMoved: {
-                model.gain = value;
-                ++model.writes;
-            }
-            onResetRequested: model.gain = 0
-        }
-    }
-    Component {
-        id: vertical
-
-        DotSlider {
-            height: 216
-            orientation: Qt.Vertical
-            from: -10
-            to: 10
-            stepSize: 0.1
-            accessibleName: "Gain"
-            valueText: model.gain.toFixed(1) + " dB"
-            value: model.gain
-            onMoved: {
-                model.gain = value;
-                ++model.writes;
-            }
-            onResetRequested: model.gain = 0
-        }
-    }
-    Component {
-        id: knob
-
-        DotKnob {
-            from: -10
-            to: 10
-            stepSize: 0.1
-            accessibleName: "Gain"
-            valueText: model.gain.toFixed(1) + " dB"
-            value: model.gain
-            onMoved: {
-                model.gain = value;
-                ++model.writes;
-            }
-            onResetRequested: model.gain = 0
-        }
-    }
-
-    function make(component: Component): ValueControl {
-        model.gain = 0;
-        model.writes = 0;
-        const control = createTemporaryObject(component, root) as ValueControl;
+    function make(kind: string): ValueControl {
+        gain = writes = 0;
+        const { component, properties } = kinds[kind];
+        const control = createTemporaryObject(component, root, Object.assign({ from: -10, to: 10, stepSize: 0.1,
+                accessibleName: "Gain" }, properties)) as ValueControl;
+        control.value = Qt.binding(() => gain);
+        control.valueText = Qt.binding(() => gain.toFixed(1) + " dB");
+        control.moved.connect(() => {
+            gain = control.value;
+            ++writes;
+        });
+        control.resetRequested.connect(() => gain = 0);
         control.forceActiveFocus(Qt.TabFocusReason);
         verify(control.activeFocus);
         return control;
     }
-
     function every() {
-        return [
-            {
-                tag: "horizontal",
-                component: horizontal,
-                role: Accessible.Slider
-            },
-            {
-                tag: "vertical",
-                component: vertical,
-                role: Accessible.Slider
-            },
-            {
-                tag: "knob",
-                component: knob,
-                role: Accessible.Dial
-            }
-        ];
+        return Object.keys(kinds).map(kind => ({ tag: kind }));
     }
 
-    function test_keys_data() {
-        return every();
-    }
-    function test_keys(data) {
-        make(data.component);
-        for (const [key, expected] of [[Qt.Key_Right, 0.1], [Qt.Key_Up, 0.2], [Qt.Key_Left, 0.1], [Qt.Key_Down, 0], [Qt.Key_PageUp, 1], [Qt.Key_PageDown, 0], [Qt.Key_PageDown, -1], [Qt.Key_Home, -10], [Qt.Key_Down, -10], [Qt.Key_End, 10], [Qt.Key_PageUp, 10], [Qt.Key_Delete, 0]]) {
-            keyClick(key);
-            compare(model.gain, expected);
-        }
-        // The two keys at the ends moved nothing, and the last asked for the default.
-        compare(model.writes, 9);
-    }
-
-    function test_steps_hit_the_decimals(data) {
+    function test_steps_hit_the_decimals_and_end_at_the_ends() {
         // 0.1 is no number of the machine's; a hundred steps must still arrive at written values.
-        make(horizontal);
+        make("horizontal");
         keyClick(Qt.Key_Home);
-        for (let step = 1; step <= 200; ++step) {
+        for (let step = 1; step <= 202; ++step) {
             keyClick(Qt.Key_Right);
-            compare(model.gain, (step - 100) / 10);
+            compare(gain, Math.min((step - 100) / 10, 10));
         }
-    }
-
-    function test_binding_outlives_moves_data() {
-        return every();
-    }
-    function test_binding_outlives_moves(data) {
-        const control = make(data.component);
-        keyClick(Qt.Key_End);
-        mouseClick(control, 8, control.height - 8);
-        Probe.setValue(control, 5);
-        model.gain = -3.3;
-        compare(control.value, -3.3);
-        compare(Probe.value(control), -3.3);
+        compare(writes, 201);
+        const control = make("knob");
+        control.from = -3.32;
+        control.to = 4.32;
+        for (const [key, expected] of [[Qt.Key_End, 4.32], [Qt.Key_Down, 4.2], [Qt.Key_Up, 4.3], [Qt.Key_Up, 4.32], [Qt.Key_Home, -3.32]]) {
+            keyClick(key);
+            compare(gain, expected);
+        }
     }
 
     function test_assistive_technology_data() {
         return every();
     }
     function test_assistive_technology(data) {
-        const control = make(data.component);
-        compare(Probe.role(control), data.role);
-        compare(Probe.name(control), "Gain");
-        compare(Probe.description(control), "0.0 dB");
-        verify(Probe.focusable(control));
-        compare(Probe.minimum(control), -10);
-        compare(Probe.maximum(control), 10);
-        compare(Probe.value(control), 0);
-        Probe.setValue(control, 2.5);
-        compare(model.gain, 2.5);
-        compare(Probe.value(control), 2.5);
+        const control = make(data.tag);
+        const seen = () => Assistive.find("Gain", kinds[data.tag].role);
+        const { description, focusable, from, to, value } = seen();
+        compare([description, focusable, from, to, value], ["0.0 dB", true, -10, 10, 0]);
         // Between two steps, and beyond the end: what is reached is what is shown.
-        Probe.setValue(control, 2.54);
-        compare(model.gain, 2.5);
-        compare(Probe.value(control), 2.5);
-        Probe.setValue(control, 99);
-        compare(model.gain, 10);
-        Probe.act(control, "Decrease");
-        compare(model.gain, 9.9);
-        Probe.act(control, "Increase");
-        compare(model.gain, 10);
-    }
-
-    function test_model_moves_are_not_the_users_data() {
-        return every();
-    }
-    function test_model_moves_are_not_the_users(data) {
-        const control = make(data.component);
-        model.gain = 7;
-        control.from = -5;
-        control.to = 5;
-        compare(control.value, 7);
-        compare(control.position, 1);
-        compare(model.writes, 0);
+        for (const [wanted, reached] of [[2.5, 2.5], [2.54, 2.5], [99, 10]]) {
+            Assistive.setValue("Gain", wanted);
+            compare([gain, seen().value], [reached, reached]);
+        }
+        verify(Assistive.act("Gain", "Decrease"));
+        compare(gain, 9.9);
+        verify(Assistive.act("Gain", "Increase"));
+        compare(gain, 10);
+        // The binding has outlived this, a key and the pointer.
+        keyClick(Qt.Key_End);
+        mouseClick(control, 8, control.height - 8);
+        writes = 0;
+        gain = -3.3;
+        compare([control.value, seen().value], [-3.3, -3.3]);
+        control.from = -2;
+        compare([control.value, control.position, writes], [-3.3, 0, 0], "the model's moves are not the user's");
     }
 
     function test_drag_by_the_handle() {
-        const control = make(horizontal);
-        // Taken beside its middle the handle stays where it is until it is moved.
+        const control = make("horizontal");
+        // Taken beside its middle the handle stays where it is until it is moved, and waits for a pointer that comes
+        // back from beyond the end.
         mousePress(control, 108 + 5, 12);
         verify(control.pressed);
-        compare(model.writes, 0);
-        mouseMove(control, 108 + 5 + 50, 12);
-        compare(model.gain, 5);
-        mouseMove(control, 108 + 5 + 500, 12);
-        compare(model.gain, 10);
-        // Beyond the end and back: the handle waits for the pointer.
-        mouseMove(control, 108 + 5 + 100, 12);
-        compare(model.gain, 10);
-        mouseMove(control, 108 + 5 + 20, 12);
-        compare(model.gain, 2);
+        compare(writes, 0);
+        for (const [way, expected] of [[50, 5], [500, 10], [100, 10], [20, 2]]) {
+            mouseMove(control, 108 + 5 + way, 12);
+            compare(gain, expected);
+        }
         mouseRelease(control, 108 + 5 + 20, 12);
         verify(!control.pressed);
-        compare(model.gain, 2);
+        compare(gain, 2);
     }
 
-    function test_press_on_the_track() {
-        mouseClick(make(horizontal), 8 + 150, 12);
-        compare(model.gain, 5);
-        mouseClick(make(vertical), 12, 8 + 50);
-        compare(model.gain, 5);
-    }
-
-    function test_turn() {
-        const control = make(knob);
+    function test_press_on_the_track_and_turn() {
+        mouseClick(make("horizontal"), 8 + 150, 12);
+        compare(gain, 5);
+        mouseClick(make("vertical"), 12, 8 + 50);
+        compare(gain, 5);
+        const control = make("knob");
         mousePress(control, 36, 36);
         mouseMove(control, 36, 36 - 40);
-        compare(model.gain, 5); // 160 pixels are the range
+        compare(gain, 5); // 160 pixels are the range
         mouseMove(control, 36 + 40, 36 - 40);
-        compare(model.gain, 10);
+        compare(gain, 10);
         mouseRelease(control, 36 + 40, 36 - 40);
     }
 
@@ -219,14 +120,13 @@ ControlCase {
         return every();
     }
     function test_double_click_asks_for_the_default(data) {
-        const control = make(data.component);
-        model.gain = 4;
+        const control = make(data.tag);
+        gain = 4;
         mouseDoubleClickSequence(control, control.width / 2 + 4, control.height / 2 - 8);
-        compare(model.gain, 0);
+        compare(gain, 0);
         // The pointer that still wanders after it changes nothing.
-        mousePress(control, control.width / 2, control.height / 2);
-        mouseRelease(control, control.width / 2, control.height / 2);
-        compare(model.gain, 0);
+        mouseClick(control, control.width / 2, control.height / 2);
+        compare(gain, 0);
     }
 
     function test_a_value_outside_of_the_range_data() {
@@ -248,51 +148,61 @@ ControlCase {
             { tag: "click on the handle", value: -20, move: control => drag(control, 0), expected: -20 },
             { tag: "drag away", value: -20, move: control => drag(control, -5), expected: -20 },
             { tag: "drag back", value: -20, move: control => drag(control, 1), expected: -9.9 },
-            { tag: "assistive technology", value: -20, move: control => Probe.setValue(control, -10), expected: -10 }
+            { tag: "assistive technology", value: -20, move: () => Assistive.setValue("Gain", -10), expected: -10 }
         ];
     }
     function test_a_value_outside_of_the_range(data) {
-        const control = make(horizontal);
-        model.gain = data.value;
+        const control = make("horizontal");
+        gain = data.value;
         data.move(control);
-        compare(model.gain, data.expected);
+        compare(gain, data.expected);
     }
 
-    function test_the_ends_between_two_steps() {
-        const control = make(knob);
-        control.from = -3.32;
-        control.to = 4.32;
-        for (const [key, expected] of [[Qt.Key_End, 4.32], [Qt.Key_Down, 4.2], [Qt.Key_Up, 4.3], [Qt.Key_Up, 4.32], [Qt.Key_Home, -3.32]]) {
-            keyClick(key);
-            compare(model.gain, expected);
+    property Component choices: DotComboBox {
+        property int choice: 0
+
+        width: 240
+        accessibleName: "Preset"
+        currentIndex: choice
+        onActivated: index => choice = index
+    }
+
+    function test_choices_data() {
+        return [
+            { tag: "list", properties: { model: ["Flat", "Bass"] } },
+            { tag: "roles", properties: { model: [{ name: "Flat" }, { name: "Bass" }], textRole: "name" } }
+        ];
+    }
+    function test_choices(data) {
+        const control = createTemporaryObject(choices, root, data.properties);
+        control.forceActiveFocus(Qt.TabFocusReason);
+        for (const choose of [line => mouseClick(line), () => Assistive.press("Bass", "ListItem")]) {
+            verify(Assistive.press("Preset", "ComboBox"));
+            tryVerify(() => control.popup.opened);
+            choose(control.popup.contentItem.itemAtIndex(1));
+            tryVerify(() => !control.popup.visible);
+            compare([control.choice, control.displayText], [1, "Bass"]);
+            control.choice = 0;
+            compare(Assistive.find("Preset", "ComboBox").description, "Flat", "the binding has outlived it");
         }
     }
 
-    function test_control_click_asks_for_the_default() {
-        const control = make(horizontal);
-        model.gain = 4;
-        mouseClick(control, 40, 12, Qt.LeftButton, Qt.ControlModifier);
-        compare(model.gain, 0);
+    property Component toggle: DotToggle {}
+
+    function test_focus_that_the_pointer_takes_needs_no_ring() {
+        const first = createTemporaryObject(toggle, root, { y: 60 });
+        const second = make("horizontal");
+        verify(second.visualFocus);
+        keyClick(Qt.Key_Backtab);
+        verify(first.visualFocus);
+        mouseClick(second, 20, 12);
+        verify(second.activeFocus && !second.visualFocus);
     }
 
-    function test_wheel_only_with_the_focus() {
-        const control = make(knob);
-        const turn = delta => mouseWheel(control, 36, 36, 0, delta);
-        // Half a notch at a time, as some wheels send it.
-        for (const [delta, expected] of [[120, 0.1], [-120, 0], [60, 0], [60, 0.1], [240, 0.3]]) {
-            turn(delta);
-            compare(model.gain, expected);
-        }
-        control.focus = false;
-        turn(120);
-        compare(model.gain, 0.3);
-    }
-
-    function test_disabled_takes_nothing() {
-        const control = make(horizontal);
-        control.enabled = false;
-        mouseClick(control, 8 + 150, 12);
-        keyClick(Qt.Key_End);
-        compare(model.gain, 0);
+    function test_motion_is_reduced_on_request() {
+        verify(Theme.duration > 0);
+        Look.setReducedMotion(true);
+        compare(Theme.duration, 0);
+        Look.setReducedMotion(false);
     }
 }

@@ -97,11 +97,9 @@ QVariantList AccessibleWindow::all() const {
 
 QStringList AccessibleWindow::names(const QString &role) const {
     QStringList list;
-    walk(QAccessible::queryAccessibleInterface(window_), [&](QAccessibleInterface &at) {
-        if (role.isEmpty() || roleName(at.role()) == role)
-            list.append(nameOf(at));
-        return true;
-    });
+    for (const QVariant &entry : all())
+        if (role.isEmpty() || entry.toMap()["role"] == role)
+            list.append(entry.toMap()["name"].toString());
     return list;
 }
 
@@ -111,17 +109,17 @@ QVariantMap AccessibleWindow::find(const QString &name, const QString &role) con
 }
 
 bool AccessibleWindow::press(const QString &name, const QString &role) {
+    return act(name, QAccessibleActionInterface::pressAction(), role) ||
+           act(name, QAccessibleActionInterface::toggleAction(), role);
+}
+
+bool AccessibleWindow::act(const QString &name, const QString &action, const QString &role) {
     QAccessibleInterface *found = lookUp(window_, name, role);
     QAccessibleActionInterface *actions = found != nullptr ? found->actionInterface() : nullptr;
-    if (actions == nullptr || !isEnabled(*found))
+    if (actions == nullptr || !isEnabled(*found) || !actions->actionNames().contains(action))
         return false;
-    for (const QString &action :
-         {QAccessibleActionInterface::pressAction(), QAccessibleActionInterface::toggleAction()})
-        if (actions->actionNames().contains(action)) {
-            actions->doAction(action);
-            return true;
-        }
-    return false;
+    actions->doAction(action);
+    return true;
 }
 
 bool AccessibleWindow::setValue(const QString &name, double value) {
@@ -134,14 +132,6 @@ bool AccessibleWindow::setValue(const QString &name, double value) {
     if (found == nullptr)
         return false;
     found->valueInterface()->setCurrentValue(value);
-    return true;
-}
-
-bool AccessibleWindow::setText(const QString &name, const QString &text) {
-    QAccessibleInterface *found = lookUp(window_, name, "EditableText");
-    if (found == nullptr)
-        return false;
-    found->setText(QAccessible::Value, text);
     return true;
 }
 

@@ -31,8 +31,8 @@ class AccessibleWindow final : public QObject {
 
     /// False where it is not there or cannot be done.
     Q_INVOKABLE bool press(const QString &name, const QString &role = {});
+    Q_INVOKABLE bool act(const QString &name, const QString &action, const QString &role = {});
     Q_INVOKABLE bool setValue(const QString &name, double value);
-    Q_INVOKABLE bool setText(const QString &name, const QString &text);
     Q_INVOKABLE bool focus(const QString &name, const QString &role = {});
     /// A key of any layout, pressed or let go of: `key` is Qt's code and `scanCode` its place.
     Q_INVOKABLE void sendKey(int key, int modifiers, int scanCode, bool isDown);

@@ -1,7 +1,10 @@
-// Runs the tst_*.qml of this folder on the real window; see README.md.
+// Runs the tst_*.qml of a folder: the controls one by one, or the screens in the real window.
 
+#include "ui/controls/ContrastRatio.h"
+#include "ui/dotmatrix/Appearance.h"
 #include "ui/screens/AccessibleWindow.h"
 #include "ui/screens/SimulatedMachine.h"
+#include "ui/symbols/Symbols.h"
 
 #include <QQmlEngine>
 #include <QtQml/QQmlExtensionPlugin>
@@ -15,6 +18,20 @@ Q_IMPORT_QML_PLUGIN(Quorbel_ScreensPlugin)
 
 namespace quorbel::testing {
 
+/// What things look like, and what the desktop asks for.
+class Look final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Everything that `Symbol` can show.
+    Q_INVOKABLE QStringList symbolNames() const { return symbols::names(); }
+    Q_INVOKABLE double contrast(const QColor &one, const QColor &other) const {
+        return contrastRatio(one, other);
+    }
+    Q_INVOKABLE void setHighContrast(bool on) { Appearance::instance().setHighContrast(on); }
+    Q_INVOKABLE void setReducedMotion(bool on) { Appearance::instance().setReducedMotion(on); }
+};
+
 /// A machine of its own for each file of tests.
 class Setup final : public QObject {
     Q_OBJECT
@@ -25,11 +42,13 @@ class Setup final : public QObject {
         engine->addImportPath("qrc:/qt/qml");
         qmlRegisterSingletonInstance("Quorbel.Testing", 1, 0, "Machine", machine_.get());
         qmlRegisterSingletonInstance("Quorbel.Testing", 1, 0, "Assistive", &screen_);
+        qmlRegisterSingletonInstance("Quorbel.Testing", 1, 0, "Look", &look_);
     }
     void cleanupTestCase() { machine_.reset(); }
 
   private:
     AccessibleWindow screen_;
+    Look look_;
     std::unique_ptr<SimulatedMachine> machine_;
 };
 
