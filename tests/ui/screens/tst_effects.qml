@@ -17,13 +17,26 @@ ScreenTest {
         open("spatial");
         const names = Assistive.names("CheckBox").filter(name => !name.startsWith("Adaptive"));
         compare(names, ["XTC Shuffler", "Stereo Widening", "Reverb", "Voice Clarity", "Deep Bass"]);
-        compareTexts(["Room Filling", "Mid / Side", "Room Ambience", "Presence and mud cut",
-            "Harmonic enhancement", "Tone Controls", "Shelf 100 Hz · peak 1 kHz · shelf 5 kHz · ±12 dB each",
-            "XTC Shuffler: 50", "Stereo Widening: 100", "Reverb: 15% wet", "Voice Clarity: 100", "Deep Bass: 50"]);
         for (const name of names)
             verify(Assistive.find(name, "CheckBox").description.length > 40, "no help: " + name);
+        compareTexts(["XTC Shuffler: 50", "Stereo Widening: 100", "Reverb: 15% wet", "Voice Clarity: 100", "Deep Bass: 50"]);
+        openCards();
+        compareTexts(["Mid-range content 0%", "Tracking " + App.engine.trackingText]);
+        compare(Assistive.find("Reverb, Preset", "ComboBox").description, App.settings.reverbPresetTitles[0]);
+        open("mixer");
+        open("spatial");
+        verify(!Assistive.has("All controls", "Button"));
+        while (Assistive.has("Hide", "Button"))
+            press("Hide", "Button");
+        compare(Assistive.names("Slider"), []);
     }
 
+    function show(screen) {
+        if (screen === "spatial")
+            openCards();
+        else
+            open(screen);
+    }
     function test_every_control_writes_its_field_within_its_range_data() {
         return [
             ["XTC Shuffler, XTC Amount", "spatial", "xtcAmount", 0, 100],
@@ -47,10 +60,7 @@ ScreenTest {
         ].map(([label, screen, field, from, to]) => ({ tag: label, screen, field, from, to }));
     }
     function test_every_control_writes_its_field_within_its_range(data) {
-        if (data.screen === "spatial")
-            openCards();
-        else
-            open(data.screen);
+        show(data.screen);
         const setting = App.setting(data.field);
         const control = Assistive.has(data.tag, "Dial") ? Assistive.find(data.tag, "Dial") : Assistive.find(data.tag, "Slider");
         compare(control.from, data.from);
@@ -77,10 +87,7 @@ ScreenTest {
         ].map(([label, screen, field]) => ({ tag: label, screen, field }));
     }
     function test_switches(data) {
-        if (data.screen === "spatial")
-            openCards();
-        else
-            open(data.screen);
+        show(data.screen);
         const setting = App.setting(data.field);
         const before = setting.on;
         compare(Assistive.find(data.tag, "CheckBox").checked, before);
@@ -90,26 +97,6 @@ ScreenTest {
         verify(Assistive.focus(data.tag, "CheckBox"));
         keyClick(Qt.Key_Space);
         compare(setting.on, before);
-    }
-
-    function test_open_cards_stay_open_and_close() {
-        openCards();
-        compareTexts(["Mid-range content 0%", "Tracking " + App.engine.trackingText]);
-        open("mixer");
-        open("spatial");
-        verify(!Assistive.has("All controls", "Button"));
-        while (Assistive.has("Hide", "Button"))
-            press("Hide", "Button");
-        compare(Assistive.names("Slider"), []);
-    }
-
-    function test_reverb_preset() {
-        openCards();
-        compare(Assistive.find("Reverb, Preset", "ComboBox").description, App.settings.reverbPresetTitles[0]);
-        verify(Assistive.focus("Reverb, Preset", "ComboBox"));
-        keyClick(Qt.Key_Down);
-        compare(App.setting("reverbPreset").value, 1);
-        compare(App.settings.reverbPresetTitles.length, 7);
     }
 
     function test_tone_reset_is_of_the_tone_alone() {
@@ -125,18 +112,13 @@ ScreenTest {
         compare(App.setting("widthPercent").value, 140);
     }
 
-    function test_mixer_texts() {
+    function test_texts_follow_the_settings() {
         open("mixer");
-        compareTexts(["Mixer", "Colour stages", "0 on", "Analog warmth · tanh",
-            "Saturation adds harmonics by soft-clipping; crossfeed bleeds a delayed copy of each channel into the other ear, the way speakers do. Both are off by default."]);
+        verify(Assistive.has("0 on"));
         App.setting("saturationEnabled").value = 1;
         verify(Assistive.has("1 on"));
-    }
-
-    function test_limiter_texts() {
         open("limiter");
-        compareTexts(["Limiter & gain", "Level stages", "1 on", "Peak protection", "Limiter on at -0.3 dBFS",
-            "Gain reduction 0.0 dB", "Applied gain +0.0 dB"]);
+        compareTexts(["Limiter on at -0.3 dBFS", "Gain reduction 0.0 dB", "Applied gain +0.0 dB"]);
         App.setting("limiterEnabled").value = 0;
         compareTexts(["Limiter off — a positive trim can clip", "0 on"]);
         compare(Assistive.find("Limiter & gain", "ListItem").description, "off");

@@ -19,43 +19,24 @@ ScreenTest {
         mouseRelease(plot, x + dx, y + dy);
     }
 
-    function test_texts() {
-        compareTexts(["Equalizer", "10 bands", "Reset all bands", "RESPONSE", "20 Hz", "20 kHz",
-            "Global", "0.0 dB peak"]);
+    function test_strips_and_their_fields() {
         const fields = Assistive.all().filter(entry => entry.role === "EditableText").map(entry => entry.text);
-        for (const label of ["31.5", "63", "125", "250", "500", "1k", "2k", "4k", "8k", "16k", "+0.0", "+0.0 dB"])
+        for (const label of ["31.5", "1k", "16k", "+0.0", "+0.0 dB"])
             verify(fields.includes(label), label + " in " + fields);
         verify(!Assistive.has("0 bypassed"));
-        App.equalizer.bands.setBypassed(2, true);
-        App.equalizer.bands.setBypassed(3, true);
-        settle();
-        verify(Assistive.has("2 bypassed"));
-        verify(Assistive.find("Equalizer", "ListItem").description === "10 bands");
-    }
-
-    function test_slider_moves_its_band_and_only_that() {
         setValue("Band 6 gain", 6);
-        compare(value("Band 6 gain"), 6);
         for (let band = 1; band <= 10; ++band)
             compare(value("Band " + band + " gain"), band === 6 ? 6 : 0);
-        compare(Assistive.find("Band 6 gain", "Slider").from, -12);
-        compare(Assistive.find("Band 6 gain", "Slider").to, 12);
-        fuzzyCompare(App.equalizer.peakDB, 6, 0.1);
-    }
-
-    function test_tab_leads_through_the_chosen_band() {
+        compareTexts(["6.0 dB peak", "Band 1, 31.5 Hz"]);
         verify(Assistive.focus("Band 4 gain", "Slider"));
         keyClick(Qt.Key_Tab);
         compare(focusedName(), "Band 4 frequency");
-        keyClick(Qt.Key_Tab);
-        compare(focusedName(), "Band 4 Q");
     }
 
     function test_typed_values_data() {
         return [
             { tag: "frequency", field: "Band 3 frequency", typed: "8k", role: "frequency", value: 8000, shown: "8k" },
             { tag: "gain", field: "Band 3 gain, typed", typed: "-3 dB", role: "gain", value: -3, shown: "-3.0" },
-            { tag: "decimal comma", field: "Band 3 gain, typed", typed: "1,5", role: "gain", value: 1.5, shown: "+1.5" },
             { tag: "q", field: "Band 3 Q, typed", typed: ".7", role: "q", value: 0.7, shown: "0.70" },
             { tag: "beyond the range", field: "Band 3 gain, typed", typed: "40", role: "gain", value: 12, shown: "+12.0" },
             { tag: "no number", field: "Band 3 gain, typed", typed: "loud", role: "gain", value: 0, shown: "+0.0" }
@@ -76,20 +57,15 @@ ScreenTest {
 
     function test_dragging_a_point_is_one_step() {
         const point = pointAt(5);
-        const plot = point.curve;
         dragPoint(5, 80, -40);
-        const bands = App.equalizer.bands;
-        const row = bands.index(5, 0);
-        const hertz = bands.data(row, Qt.UserRole + 1);
-        const gain = bands.data(row, Qt.UserRole + 2);
+        const bands = App.equalizer.bands, row = bands.index(5, 0);
+        const hertz = bands.data(row, Qt.UserRole + 1), gain = bands.data(row, Qt.UserRole + 2);
         verify(hertz > 1100 && hertz < 8000, "frequency " + hertz);
         verify(gain > 1 && gain <= 12, "gain " + gain);
         fuzzyCompare(gain, Math.round(gain * 10) / 10, 1e-4);
-        // The point is where the band is.
-        fuzzyCompare(point.x + point.width / 2, plot.xOfFrequency(hertz), 0.5);
+        fuzzyCompare(point.x + point.width / 2, point.curve.xOfFrequency(hertz), 0.5); // where the band is
         App.history.undo();
-        compare(bands.data(row, Qt.UserRole + 1), 1000);
-        compare(bands.data(row, Qt.UserRole + 2), 0);
+        compare([bands.data(row, Qt.UserRole + 1), bands.data(row, Qt.UserRole + 2)], [1000, 0]);
         verify(!App.history.canUndo);
     }
 
@@ -117,36 +93,18 @@ ScreenTest {
         compare(bands.data(row, Qt.UserRole + 1), 125);
     }
 
-    function test_type_and_bypass_of_the_chosen_band() {
+    function test_bypass_and_resets() {
         verify(Assistive.focus("Band 10 gain", "Slider"));
         press("Band 10 bypass", "CheckBox");
         verify(Assistive.has("1 bypassed"));
-        verify(Assistive.focus("Band 10 type", "ComboBox"));
-        keyClick(Qt.Key_Down);
-        const row = App.equalizer.bands.index(9, 0);
-        const shown = Assistive.find("Band 10 type", "ComboBox").description;
-        compare(shown, App.equalizer.filterTypeTitles[App.equalizer.bands.data(row, Qt.UserRole + 4)]);
+        compare(Assistive.find("Band 10 type", "ComboBox").description, App.equalizer.filterTypeTitles[2]);
         press("Reset Band 10", "Button");
         verify(!Assistive.has("1 bypassed"));
-    }
-
-    function test_reset_all_can_be_undone() {
         App.equalizer.bands.setGain(1, 5);
-        App.equalizer.bands.setFrequency(4, 600);
         press("Reset all bands", "Button");
         compare(value("Band 2 gain"), 0);
         App.history.undo();
         compare(value("Band 2 gain"), 5);
-    }
-
-    function test_exact_response_beside_the_drawn_one() {
-        App.equalizer.bands.setGain(5, 9);
-        const plot = pointAt(5).curve;
-        compare(plot.secondaryValues.length, 0);
-        press("Show the exact response", "CheckBox");
-        compare(plot.secondaryValues.length, App.equalizer.exactValues.length);
-        press("Show the exact response", "CheckBox");
-        compare(plot.secondaryValues.length, 0);
     }
 
     function test_values_of_the_point_under_the_pointer_or_of_the_selected_one() {
@@ -162,18 +120,12 @@ ScreenTest {
         tryVerify(() => Assistive.has("125 Hz · +0.0 dB · Q 1.00"));
     }
 
-    function test_names_tell_hertz_q_and_bypass() {
-        verify(Assistive.has("Band 1, 31.5 Hz"));
-        App.equalizer.bands.setBypassed(0, true);
-        verify(Assistive.has("Band 1, 31.5 Hz, bypassed"));
+    function test_q_of_the_chosen_band() {
         verify(Assistive.focus("Band 4 gain", "Slider"));
         const knob = Assistive.find("Band 4 Q", "Dial");
         compare([knob.from, knob.value, knob.to], [0.1, 1, 20]);
         setValue("Band 4 Q", 4);
         compare(Assistive.find("Band 4 Q, typed", "EditableText").text, "4.00");
-        verify(Assistive.focus("Band 4 Q", "Dial"));
-        keyClick(Qt.Key_Up);
-        fuzzyCompare(value("Band 4 Q"), 4 * Math.pow(2, 0.1), 1e-3);
     }
 
     function test_nothing_is_painted_while_nothing_changes() {
