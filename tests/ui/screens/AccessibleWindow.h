@@ -8,6 +8,9 @@
 
 namespace quorbel::testing {
 
+/// Returns when nothing is left to be laid out.
+void settleLayout(QQuickWindow &window);
+
 /// A window as assistive technology meets it: what is there is read, operated and typed into
 /// through the accessibility interfaces alone. Things are named by their accessible names; what is
 /// not shown is not there. To QML it is the singleton `Assistive`. [main]
@@ -38,6 +41,7 @@ class AccessibleWindow final : public QObject {
     Q_INVOKABLE void sendKey(int key, int modifiers, int scanCode, bool isDown);
     /// What the keyboard sends while the key stays down.
     Q_INVOKABLE void repeatKey(int key);
+    Q_INVOKABLE void settle() { settleLayout(*window_); }
     /// For the pointer; null where it is not there.
     [[nodiscard]] Q_INVOKABLE QQuickItem *item(const QString &name, const QString &role) const;
 

@@ -25,10 +25,8 @@ TestCase {
     function part(name) {
         return findChild(window.contentItem, name);
     }
-    /// Layouts are done before the next frame.
     function settle() {
-        wait(0);
-        waitForRendering(window.contentItem, 60);
+        Assistive.settle();
     }
     function compareTexts(expected) {
         const names = Assistive.names();

@@ -3,7 +3,6 @@
 #include <QFont>
 #include <QGuiApplication>
 #include <QTest>
-#include <QtQuickTest/quicktest.h>
 
 namespace quorbel::testing {
 
@@ -99,17 +98,6 @@ bool Stage::save(const QString &path) {
     QTest::qWait(180); // transitions
     settle();
     return window_->grabWindow().save(path);
-}
-
-void Stage::settle() {
-    // Laying out a text may ask for the layout around it again, in the next frame.
-    for (int quiet = 0, frames = 0; quiet < 3 && frames < 200; ++frames) {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        quiet = QQuickTest::qIsPolishScheduled(window_) ? 0 : quiet + 1;
-        if (quiet == 0)
-            QTest::qWait(1);
-    }
 }
 
 QObject &Stage::part(const char *name) {

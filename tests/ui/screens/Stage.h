@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/screens/AccessibleWindow.h"
 #include "ui/screens/SimulatedMachine.h"
 
 #include <QQmlApplicationEngine>
@@ -37,7 +38,7 @@ class Stage {
     bool save(const QString &path);
 
     /// Returns when nothing is left to be laid out.
-    void settle();
+    void settle() { settleLayout(*window_); }
 
   private:
     QObject &part(const char *name);
