@@ -2,32 +2,10 @@
 
 #include "settings/presets/FactoryPresets.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace quorbel {
 namespace {
-
-using ::testing::ElementsAre;
-
-TEST(DestinatieTest, GroupsListEveryDestinationOnceInOrder) {
-    std::vector<std::string> rows;
-    for (const GrupDestinatii &group : grupuri())
-        for (const Destinatie destination : group.destinations)
-            rows.push_back(std::string(group.title) + ": " + std::string(title(destination)));
-    EXPECT_THAT(rows,
-                ElementsAre("Tuning: Equalizer", "Tuning: Spatial", "Tuning: Mixer",
-                            "Output: Devices", "Output: Limiter & gain", "Presets: All presets",
-                            "Presets: Factory", "Presets: Mine", "Help: Setup guide"));
-}
-
-TEST(DestinatieTest, RawValuesAndSymbolsAreTheOnesThatOtherFilesUse) {
-    EXPECT_EQ(rawValue(Destinatie::equalizer), "equalizer");
-    EXPECT_EQ(rawValue(Destinatie::setup), "setup");
-    EXPECT_EQ(symbol(Destinatie::mixer), "slider.horizontal.below.rectangle");
-    EXPECT_EQ(symbol(Destinatie::presetsMine), "heart");
-    EXPECT_EQ(symbol(Destinatie::setup), "gearshape");
-}
 
 TEST(DestinatieTest, BadgesTellOfWhatIsBehindThem) {
     SpatialConfig spatial;

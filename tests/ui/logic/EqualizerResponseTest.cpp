@@ -1,7 +1,9 @@
 #include "effects/EQProcessor.h"
 #include "ui/logic/DrawnCurves.h"
+#include "support/SineFit.h"
 
 #include <gtest/gtest.h>
+#include <span>
 
 #include <cmath>
 #include <cstdint>
@@ -26,13 +28,10 @@ double playedDB(ParametricEqualizerNode &node, double frequencyHz) {
         equalizer.setBand(i, node.band(i));
     equalizer.prepare(sampleRate);
     equalizer.process(left.data(), right.data(), frames);
-    double cosine = 0.0;
-    double sine = 0.0;
-    for (std::uint32_t i = frames / 2; i < frames; ++i) {
-        cosine += static_cast<double>(left[i]) * std::cos(step * i);
-        sine += static_cast<double>(left[i]) * std::sin(step * i);
-    }
-    return 20.0 * std::log10(std::hypot(cosine, sine) / (frames / 4) / 0.01);
+    return 20.0 *
+           std::log10(
+               SineFit::of(std::span(left).last(frames / 2), frequencyHz, sampleRate).amplitude /
+               0.01);
 }
 
 TEST(EqualizerResponseTest, IsWhatTheNodesBandsPlay) {

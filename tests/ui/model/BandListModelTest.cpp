@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 namespace quorbel::testing {
 namespace {
@@ -17,40 +18,31 @@ class BandListModelTest : public ModelTest {
     }
 };
 
-TEST_F(BandListModelTest, ShowsTheBandsWithTheirLabels) {
-    EXPECT_EQ(app->equalizer()->count(), 10);
-    EXPECT_EQ(label(0, "frequencyLabel"), "31.5");
-    EXPECT_EQ(label(5, "frequencyLabel"), "1k");
-    EXPECT_EQ(label(0, "gainLabel"), "+0.0");
-    EXPECT_EQ(says(list(), 9, "filterType").toInt(), 2);
-    EXPECT_EQ(app->equalizer()->filterTypeTitles().at(2), "High shelf");
-    EXPECT_EQ(label(3, "bandId").toStdString(), bands()[3].id.text());
-}
-
 TEST_F(BandListModelTest, WritesOneFieldOfOneBandAndKeepsWithinTheControlsRange) {
-    const std::vector<EQBand> before = bands();
+    EXPECT_EQ(label(0, "frequencyLabel"), "31.5");
+    EXPECT_EQ(label(3, "bandId").toStdString(), bands()[3].id.text());
+    std::vector<EQBand> expected = bands();
     list().setGain(4, -3.1);
-    std::vector<EQBand> expected = before;
     expected[4].gainDB = -3.1F;
     EXPECT_EQ(bands(), expected);
     EXPECT_EQ(label(4, "gainLabel"), "-3.1");
 
     list().setGain(4, 99);
-    EXPECT_EQ(bands()[4].gainDB, 12.0F);
     list().setFrequency(4, 5);
-    EXPECT_EQ(bands()[4].frequency, 20.0F);
-    list().setFrequency(4, 1e9);
-    EXPECT_EQ(bands()[4].frequency, 20000.0F);
     list().setQ(4, 0);
-    EXPECT_EQ(bands()[4].q, 0.1F);
     list().setFilterType(4, 3);
-    EXPECT_EQ(bands()[4].filterType, EQBand::FilterType::lowPass);
     list().setBypassed(4, true);
+    list().setFrequency(5, 1e9);
+    const EQBand &band = bands()[4];
+    EXPECT_EQ(std::tuple(band.gainDB, band.frequency, band.q, band.filterType, band.bypassed),
+              std::tuple(12.0F, 20.0F, 0.1F, EQBand::FilterType::lowPass, true));
+    EXPECT_EQ(bands()[5].frequency, 20000.0F);
+    EXPECT_EQ(says(list(), 4, "filterType").toInt(), 3);
     EXPECT_EQ(app->equalizer()->bypassedCount(), 1);
 }
 
 TEST_F(BandListModelTest, WhatIsNoRowOrNoValueIsIgnored) {
-    Announcements changes(engine().eq(), &EQProcessor::bandsChanged);
+    const std::vector<EQBand> before = bands();
     const double nan = std::numeric_limits<double>::quiet_NaN();
     list().setGain(-1, 3);
     list().setGain(10, 3);
@@ -59,10 +51,7 @@ TEST_F(BandListModelTest, WhatIsNoRowOrNoValueIsIgnored) {
     list().setQ(0, std::numeric_limits<double>::infinity());
     list().setFilterType(0, 5);
     list().resetBand(42);
-    list().setGain(0, 0);
-    EXPECT_EQ(changes.take(), 0);
-    EXPECT_TRUE(std::isnan(app->equalizer()->parseGain("loud")));
-    EXPECT_EQ(app->equalizer()->parseFrequency("8k"), 8000.0);
+    EXPECT_EQ(bands(), before);
 }
 
 TEST_F(BandListModelTest, ViewsKeepTheirRowsWhileBandsChange) {
@@ -98,11 +87,8 @@ TEST_F(BandListModelTest, ResetsOneBandOrAll) {
 
 TEST_F(BandListModelTest, CurveAndPeakAreOfTheBandsAlone) {
     EqualizerModel &equalizer = *app->equalizer();
-    Announcements responses(equalizer, &EqualizerModel::responseChanged);
     list().setGain(5, 6);
-    EXPECT_EQ(responses.take(), 1);
     EXPECT_EQ(equalizer.peakText(), "6.0 dB peak");
-    EXPECT_EQ(equalizer.curveValues().size(), 90);
     // 1 kHz lies at 0.566 of the axis; +6 of 30 dB are a fifth above the middle.
     const QList<qreal> exact = equalizer.exactValues();
     EXPECT_NEAR(exact[static_cast<qsizetype>(0.5663 * static_cast<double>(exact.size() - 1))], 0.7,

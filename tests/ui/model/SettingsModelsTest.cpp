@@ -57,35 +57,19 @@ TEST_F(SettingsModelsTest, ValuesAreRoundedSoThatFilesKeepShortDecimals) {
     EXPECT_FALSE(std::signbit(app->setting("toneBassDB")->value()));
 }
 
-TEST_F(SettingsModelsTest, WhatIsNoValueIsIgnored) {
-    const Announcements spatial(engine(), &AudioEngine::spatialChanged);
-    const SpatialConfig before = engine().spatial();
-    app->setting("xtcAmount")->setValue(std::numeric_limits<double>::quiet_NaN());
-    app->setting("xtcAmount")->setValue(std::numeric_limits<double>::infinity());
-    app->setting("reverbPreset")->setValue(7);
-    app->setting("reverbPreset")->setValue(-1);
-    EXPECT_EQ(engine().spatial(), before);
-}
-
-TEST_F(SettingsModelsTest, ToneResetLeavesEverythingElse) {
+TEST_F(SettingsModelsTest, WhatIsNoValueAndAResetOfTheToneLeaveEverythingElse) {
     app->setting("xtcAmount")->setValue(70);
     const SpatialConfig before = engine().spatial();
-    app->setting("toneBassDB")->setValue(3);
-    app->setting("toneMidDB")->setValue(-2);
-    app->setting("toneTrebleDB")->setValue(1);
+    for (const double none :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()})
+        app->setting("xtcAmount")->setValue(none);
+    for (const int none : {7, -1})
+        app->setting("reverbPreset")->setValue(none);
+    for (const char *tone : {"toneBassDB", "toneMidDB", "toneTrebleDB"})
+        app->setting(tone)->setValue(3);
     app->settings()->resetTone();
     EXPECT_EQ(engine().spatial(), before);
-}
-
-TEST_F(SettingsModelsTest, SwitchingAStageOffKeepsItsValues) {
-    app->setting("bassEnabled")->setValue(1);
-    app->setting("bassDrive")->setValue(5);
-    EXPECT_EQ(app->settings()->spatialStagesOn(), 1);
-    app->setting("bassEnabled")->setValue(0);
-    EXPECT_EQ(app->settings()->spatialStagesOn(), 0);
-    EXPECT_EQ(app->setting("bassDrive")->value(), 5);
-    EXPECT_THAT(app->settings()->reverbPresetTitles(),
-                ::testing::AllOf(::testing::SizeIs(7), ::testing::Contains("Medium Hall")));
+    EXPECT_THAT(app->settings()->reverbPresetTitles(), ::testing::SizeIs(7));
 }
 
 TEST_F(SettingsModelsTest, BadgesFollow) {
@@ -94,40 +78,32 @@ TEST_F(SettingsModelsTest, BadgesFollow) {
         return says(navigation, navigation.indexOf(destination), "badge").toString();
     };
     EXPECT_EQ(badge("limiter"), "on");
-    EXPECT_EQ(badge("mixer"), "0 on");
     EXPECT_EQ(badge("devices"), "2 found");
-    EXPECT_EQ(badge("setup"), "");
     Announcements changes(navigation, &NavigationModel::dataChanged);
     app->setting("limiterEnabled")->setValue(0);
     EXPECT_EQ(changes.take(), 1) << "only the badge that has changed";
     EXPECT_EQ(badge("limiter"), "off");
+    app->setting("bassEnabled")->setValue(1);
+    EXPECT_EQ(badge("spatial"), "1 on");
     app->presets()->save("Mine");
     EXPECT_EQ(badge("presetsMine"), "1");
-    EXPECT_EQ(badge("presetsFactory"), "33");
     hardware.removeDevice("hdmi");
     app->devices()->refresh();
     EXPECT_EQ(badge("devices"), "1 found");
-    EXPECT_EQ(navigation.titleOf("nowhere"), "");
 }
 
 TEST_F(SettingsModelsTest, AWarningStaysUntilDismissedOrSolvedAndANewOneComesBack) {
-    Announcements changes(*app, &AppModel::persistWarningChanged);
-    EXPECT_EQ(app->persistWarning(), "");
     const auto file = folder.path() / "state.json";
-    std::filesystem::create_directory(file); // nothing can be saved under this name now
-    state->persist();
-    EXPECT_TRUE(app->persistWarning().startsWith("Settings could not be saved: "));
-    EXPECT_EQ(changes.take(), 1);
+    const auto failToSave = [&] {
+        std::filesystem::remove(file);
+        std::filesystem::create_directory(file); // nothing can be saved under this name now
+        state->persist();
+        return app->persistWarning().startsWith("Settings could not be saved: ");
+    };
+    EXPECT_TRUE(failToSave());
     app->dismissWarning();
     EXPECT_EQ(app->persistWarning(), "");
-    EXPECT_EQ(changes.take(), 1);
-
-    std::filesystem::remove(file);
-    state->persist();
-    std::filesystem::remove(file);
-    std::filesystem::create_directory(file);
-    state->persist();
-    EXPECT_NE(app->persistWarning(), "") << "another failure is said again";
+    EXPECT_TRUE(failToSave()) << "another failure is said again";
     std::filesystem::remove(file);
     state->persist();
     EXPECT_EQ(app->persistWarning(), "");

@@ -107,6 +107,28 @@ ScreenTest {
         verify(!Assistive.has("Dismiss"));
     }
 
+    // That the way ends and shows what it leads to: LayoutTest.
+    function test_tab_leads_to_the_controls_data() {
+        return Object.entries({
+            equalizer: ["Equalizer", "Reset all bands", "Global", "Band 1 gain", "Band 1 frequency", "Band 1 Q", "Band 1 type", "Band 1 bypass"],
+            spatial: ["Spatial", "XTC Shuffler", "All controls", "Tone Controls, Bass", "Tone Controls, Treble", "Reset"],
+            mixer: ["Mixer", "Saturation", "Saturation, Drive", "Crossfeed, Amount"],
+            devices: ["Devices", "Refresh", "USB headphones", "Spectrum analyzer (visual only)"],
+            limiter: ["Limiter & gain", "Master Limiter", "Master Limiter, Threshold", "Auto-Gain, Target", "Manual Loudness, Trim"],
+            presetsAll: ["All presets", "Import…", "Save current…", "Apply"]
+        }).map(([tag, names]) => ({ tag, names }));
+    }
+    function test_tab_leads_to_the_controls(data) {
+        open(data.tag);
+        verify(Assistive.focus("Start", "Button"));
+        const visited = [];
+        do {
+            visited.push(focusedName());
+            keyClick(Qt.Key_Tab);
+        } while (focusedName() !== "Start" && visited.length < 200);
+        compare(data.names.filter(name => !visited.includes(name)), []);
+    }
+
     function test_devices() {
         open("devices");
         compare(Assistive.find("Studio monitors", "RadioButton").description, "In use, System default");
