@@ -88,18 +88,11 @@ TEST_F(AutoGainTest, BothOffIsBitExact) {
     EXPECT_EQ(unit.play(sound), sound) << "a trim of 0 dB is exactly 1";
 }
 
-TEST_F(AutoGainTest, TheTrimGlidesAndStartsAtItsTargetAfterAllocation) {
-    unit.set(AutoGainUnit::manual, 6.0F).set(AutoGainUnit::manualEnabled, 1.0F);
-    Sound constant(48'000);
-    constant.left.assign(48'000, 0.1F);
-    const Sound gliding = unit.play(constant);
-    const double full = std::pow(10.0, 6.0 / 20.0);
-    EXPECT_NEAR(gliding.left[1439], 0.1 * (1.0 + (full - 1.0) * (1.0 - std::exp(-1.0))), 1e-4)
-        << "one time constant of 30 ms";
-    EXPECT_NEAR(gliding.left.back(), 0.1 * full, 2e-5);
-
-    unit.set(AutoGainUnit::manual, 20.0F);
+TEST_F(AutoGainTest, TheTrimStartsAtItsTargetAfterAllocation) {
+    unit.set(AutoGainUnit::manual, 20.0F).set(AutoGainUnit::manualEnabled, 1.0F);
     ASSERT_EQ(unit.allocate(), statusOK);
+    Sound constant(512);
+    constant.left.assign(512, 0.1F);
     EXPECT_NEAR(unit.play(constant).left[0], 0.1 * std::pow(10.0, 12.0 / 20.0), 1e-6);
 }
 
@@ -117,25 +110,6 @@ TEST_F(AutoGainTest, LevelsWithinTwelveDecibelsAndHoldsBelowTheGate) {
 
     unit.set(AutoGainUnit::target, -30.0F).play(sineAt(-6.0, 25.0));
     EXPECT_NEAR(readout(), -12.0F, 0.2F) << "wants -24 dB, gets -12";
-}
-
-TEST_F(AutoGainTest, ReachesTwoThirdsOfTheWayInThreeSeconds) {
-    unit.set(AutoGainUnit::enabled, 1.0F);
-    unit.play(sineAt(-16.0, 5.0)); // the level is known, the gain near 1
-    unit.set(AutoGainUnit::target, -10.0F).play(sineAt(-16.0, 3.0));
-    const double wanted = std::pow(10.0, 6.0 / 20.0);
-    EXPECT_NEAR(readout(), 20.0 * std::log10(1.0 + (wanted - 1.0) * (1.0 - std::exp(-1.0))), 0.15);
-}
-
-TEST_F(AutoGainTest, SwitchingOffDropsTheGainAtOnceButKeepsTheMeasuredLevel) {
-    unit.set(AutoGainUnit::enabled, 1.0F).play(sineAt(-30.0, 3.0));
-    const Sound sound = noise(64);
-    EXPECT_EQ(unit.set(AutoGainUnit::enabled, 0.0F).play(sound), sound);
-    EXPECT_EQ(readout(), 0.0F);
-
-    // With the level forgotten, silence would be below the gate at once.
-    unit.set(AutoGainUnit::enabled, 1.0F).play(Sound(480));
-    EXPECT_GT(readout(), 0.0F);
 }
 
 } // namespace

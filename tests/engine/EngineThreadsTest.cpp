@@ -111,16 +111,41 @@ TEST_F(EngineRealtimeTest, CallbacksAllocateNothingAndTakeNoForeignLock) {
     choose("speakers");
     hardware.watchCallbacks(violations);
     hardware.play(sine(1000.0));
-    hardware.setBlockFrames("speakers", {512, 1, 1023});
+    hardware.setBlockFrames("speakers", {512, 1, 1023, 7, 4096});
     for (const double sampleRate : {48000.0, 44100.0}) {
         hardware.setSampleRate("speakers", sampleRate);
         start();
         play(0.3);
-        setBand(5, 1000.0F, 6.0F);
-        engine->eq().setGlobalGainDB(-3.0F);
-        play(0.3);
+        for (int step = 0; step < 20; ++step) { // every stage at work, and everything moves
+            const auto turn = static_cast<float>(step % 5);
+            setBand(5, 1000.0F, turn - 3.0F);
+            engine->eq().setGlobalGainDB(-turn);
+            engine->setSpatial({.widenerEnabled = true,
+                                .widthPercent = 100.0F + turn,
+                                .xtcEnabled = true,
+                                .xtcAmount = 50.0F + turn,
+                                .reverbEnabled = step % 7 != 0,
+                                .bassEnabled = true,
+                                .bassDrive = 3.0F + turn,
+                                .bassAdaptiveEnabled = true,
+                                .voiceEnabled = true,
+                                .voiceAmount = 90.0F + turn,
+                                .voiceAdaptiveEnabled = true,
+                                .toneBassDB = turn});
+            engine->setMixer({.saturationEnabled = true,
+                              .saturationDrive = 30.0F + turn,
+                              .crossfeedEnabled = true,
+                              .crossfeedAmount = 50.0F + turn,
+                              .limiterThresholdDB = -turn,
+                              .autoGainEnabled = true,
+                              .manualLoudnessEnabled = true,
+                              .manualLoudnessDB = turn});
+            play(0.05);
+        }
         hardware.setSampleRate("speakers", 96000.0);
         play(0.3);
+        for (const float frame : heard("speakers").left)
+            ASSERT_TRUE(std::isfinite(frame));
         stop();
     }
     EXPECT_GT(violations.callbacks, 200);

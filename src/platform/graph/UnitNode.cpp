@@ -2,6 +2,7 @@
 
 #include "platform/units/UnitStatus.h"
 
+#include <string>
 #include <utility>
 
 namespace quorbel {
@@ -14,17 +15,14 @@ UnitNode::UnitNode(std::unique_ptr<AudioUnit> unit)
 UnitNode::~UnitNode() { UnitNode::deallocateRenderResources(); }
 
 Status UnitNode::allocateRenderResources(const StreamFormat &format, std::uint32_t maximumFrames) {
-    allocationError_.clear();
     if (unit_->renderResourcesAllocated())
         unit_->deallocateRenderResources();
-    for (AudioUnitBus *bus : {&unit_->inputBusses()[0], &unit_->outputBusses()[0]}) {
-        if (const Status status = bus->setFormat(format); status != statusOK) {
-            allocationError_ = "the unit does not take the graph's format";
+    for (AudioUnitBus *bus : {&unit_->inputBusses()[0], &unit_->outputBusses()[0]})
+        if (const Status status = bus->setFormat(format); status != statusOK)
             return status;
-        }
-    }
     unit_->setMaximumFramesToRender(maximumFrames);
-    if (const Status status = unit_->allocateRenderResources(allocationError_); status != statusOK)
+    std::string ignored; // the status says enough
+    if (const Status status = unit_->allocateRenderResources(ignored); status != statusOK)
         return status;
     block_ = unit_->internalRenderBlock();
     return statusOK;

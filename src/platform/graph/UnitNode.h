@@ -18,9 +18,6 @@ class UnitNode final : public GraphNode {
     [[nodiscard]] AudioUnit &unit() { return *unit_; }
     [[nodiscard]] const AudioUnit &unit() const { return *unit_; }
 
-    /// Why the last allocation failed, in the unit's words; empty if it did not.
-    [[nodiscard]] const std::string &allocationError() const { return allocationError_; }
-
     Status allocateRenderResources(const StreamFormat &format,
                                    std::uint32_t maximumFrames) override;
     void deallocateRenderResources() override;
@@ -33,7 +30,6 @@ class UnitNode final : public GraphNode {
     std::unique_ptr<AudioUnit> unit_;
     RenderBlock block_; // while allocated
     const PullInputBlock inputStandsReady_;
-    std::string allocationError_;
 };
 
 } // namespace quorbel
