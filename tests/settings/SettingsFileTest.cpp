@@ -1,41 +1,28 @@
 #include "settings/records/SettingsFile.h"
 
 #include "settings/records/json/SettingsCoding.h"
+#include "settings/state/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
-namespace quorbel {
+namespace quorbel::testing {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
 
-class SettingsFile : public testing::Test {
+class SettingsFile : public ::testing::Test {
   protected:
-    SettingsFile() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "settings-XXXXXX").string();
-        folder_ = mkdtemp(pattern.data());
-    }
-    ~SettingsFile() override { std::filesystem::remove_all(folder_); }
-
-    [[nodiscard]] std::string path(const std::string &name) const {
-        return (folder_ / name).string();
-    }
-
-    std::string file(const std::string &name, const std::string &text) const {
-        std::ofstream(path(name), std::ios::binary) << text;
+    [[nodiscard]] std::string path(const std::string &name) const { return folder_.path() / name; }
+    [[nodiscard]] std::string file(const std::string &name, const std::string &text) const {
+        write(path(name), text);
         return path(name);
     }
-
     static std::string failureReading(const std::string &path) {
         try {
             (void)readSettingsFile(path);
@@ -46,7 +33,7 @@ class SettingsFile : public testing::Test {
     }
 
   private:
-    std::filesystem::path folder_;
+    const TemporaryFolder folder_;
 };
 
 TEST_F(SettingsFile, isReadAndLeftAsItIs) {
@@ -83,4 +70,4 @@ TEST_F(SettingsFile, whatIsNoFileIsRefusedAtOnceByName) {
 }
 
 } // namespace
-} // namespace quorbel
+} // namespace quorbel::testing

@@ -15,18 +15,9 @@ Preset userPreset(const std::string &name) {
     return {.id = Uuid::random(), .name = name, .bands = EQBand::defaultBands()};
 }
 
-TEST_F(AppStateLoading, whatAFileDoesNotHaveStaysAsItIs) {
+TEST_F(AppStateLoading, theRunningVersionsLibraryWinsAndWhatIsMissingStaysAsItIs) {
     Persisted record = untouched();
     record.outputDeviceUID = "a device that is absent today";
-    launchWith(record);
-    EXPECT_EQ(warning(), "");
-    EXPECT_EQ(state->engine().mixer(), MixerConfig{});
-    EXPECT_EQ(gain(), 0.0F);
-    EXPECT_FALSE(state->engine().outputDevice());
-}
-
-TEST_F(AppStateLoading, theRunningVersionsLibraryWins) {
-    Persisted record = untouched();
     record.presets[0].name = "Flat, but edited";
     record.presets[1].id = Uuid::random(); // one that this version does not have
     const Preset first = userPreset("Zorile"), second = userPreset("Amurg");
@@ -36,6 +27,10 @@ TEST_F(AppStateLoading, theRunningVersionsLibraryWins) {
     std::vector<Preset> expected = factoryPresets();
     expected.insert(expected.end(), {first, second});
     EXPECT_EQ(state->presets(), expected);
+    EXPECT_EQ(warning(), "");
+    EXPECT_EQ(state->engine().mixer(), MixerConfig{});
+    EXPECT_EQ(gain(), 0.0F);
+    EXPECT_FALSE(state->engine().outputDevice());
 }
 
 TEST_F(AppStateLoading, theActivePresetIsFoundByIdThenByNameElseTheFirst) {

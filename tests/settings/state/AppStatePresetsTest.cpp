@@ -45,32 +45,24 @@ TEST_F(AppStatePresets, aSavedOneIsTheUsersAndActiveAndInTheFileAtOnce) {
     EXPECT_NE(state->presets().back().id, first.id);
 }
 
-TEST_F(AppStatePresets, deletingSparesTheFactorysAndMovesOnToTheFirst) {
-    state->savePreset("Mine");
-    state->savePreset("Mine too");
-    (void)saves();
-    state->deletePreset(preset("Bass Heavy"));
-    EXPECT_EQ(saves(), 0);
-    state->deletePreset(state->presets()[factoryPresets().size()]);
-    EXPECT_EQ(saves(), 1);
-    EXPECT_EQ(displayName(), "Mine too");
-    state->deletePreset(state->presets().back());
-    EXPECT_EQ(state->activePresetID(), stableFactoryID("Flat"));
-    EXPECT_EQ(state->presets(), factoryPresets());
-    EXPECT_EQ(saved().activePresetName, "Flat");
-}
-
-TEST_F(AppStatePresets, theUsersOwnCanBeSetAsAWholeAndTheFactorysNever) {
+TEST_F(AppStatePresets, onlyTheUsersOwnAreDeletedOrSetAndTheFirstFollowsTheActiveOne) {
     state->savePreset("One");
     state->savePreset("Two");
     const Preset one = state->presets()[factoryPresets().size()];
     (void)saves();
+    state->deletePreset(preset("Bass Heavy"));
+    EXPECT_EQ(saves(), 0);
+    state->deletePreset(one);
+    EXPECT_EQ(saves(), 1);
+    EXPECT_EQ(displayName(), "Two");
     state->setUserPresets({one, preset("Bass Heavy")});
     EXPECT_EQ(saves(), 1);
     EXPECT_EQ(state->presets().size(), factoryPresets().size() + 1);
     EXPECT_EQ(state->presets().back(), one);
     EXPECT_EQ(state->activePresetID(), stableFactoryID("Flat")) << "Two was active and is gone";
-    EXPECT_EQ(saved().presets.back(), one);
+    EXPECT_EQ(saved().activePresetName, "Flat");
+    state->deletePreset(one);
+    EXPECT_EQ(state->presets(), factoryPresets());
 }
 
 } // namespace
