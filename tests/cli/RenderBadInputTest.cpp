@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace quorbel {
 namespace {
@@ -27,19 +28,21 @@ TEST_F(RenderBadInput, inputsThatAreNoUsableSoundAreRefusedByName) {
     std::filesystem::create_directory(path("folder"));
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
 
-    expectRefusal({"render", "missing.wav", "out.wav"}, "missing.wav: No such file");
-    expectRefusal({"render", "empty.wav", "out.wav"}, "empty.wav: is empty");
-    expectRefusal({"render", "none.wav", "out.wav"}, "none.wav: holds no sound");
-    expectRefusal({"render", "text.wav", "out.wav"}, "text.wav: is not a sound file");
-    expectRefusal({"render", "picture.png", "out.wav"}, "picture.png: is not a sound file");
-    expectRefusal({"render", "eight.wav", "out.wav"}, "eight.wav: has 8 channels");
-    expectRefusal({"render", "header.wav", "out.wav"}, "header.wav: is not a sound file");
-    expectRefusal({"render", "half.wav", "out.wav"}, "half.wav: is truncated");
-    expectRefusal({"render", "almost.wav", "out.wav"}, "almost.wav: is truncated");
-    expectRefusal({"render", "line\nbreak.wav", "out.wav"}, "line?break.wav: is not a sound file");
-    expectRefusal({"render", "folder", "out.wav"}, "folder: is a directory");
-    expectRefusal({"render", "pipe", "out.wav"}, "pipe: is not a regular file");
-    expectRefusal({"render", "/dev/zero", "out.wav"}, "/dev/zero: is not a regular file");
+    for (const auto &[input, reason] : std::initializer_list<std::pair<const char *, const char *>>{
+             {"missing.wav", "missing.wav: No such file"},
+             {"empty.wav", "empty.wav: is empty"},
+             {"none.wav", "none.wav: holds no sound"},
+             {"text.wav", "text.wav: is not a sound file"},
+             {"picture.png", "picture.png: is not a sound file"},
+             {"eight.wav", "eight.wav: has 8 channels"},
+             {"header.wav", "header.wav: is not a sound file"},
+             {"half.wav", "half.wav: is truncated"},
+             {"almost.wav", "almost.wav: is truncated"},
+             {"line\nbreak.wav", "line?break.wav: is not a sound file"},
+             {"folder", "folder: is a directory"},
+             {"pipe", "pipe: is not a regular file"},
+             {"/dev/zero", "/dev/zero: is not a regular file"}})
+        expectRefusal({"render", input, "out.wav"}, reason);
 }
 
 TEST_F(RenderBadInput, aCutFileIsNoticedInEveryFormatThatTellsItsLength) {

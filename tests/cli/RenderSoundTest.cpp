@@ -34,9 +34,10 @@ class RenderSound : public CliTest {
     }
 };
 
-TEST_F(RenderSound, flatSettingsGiveTheSoundBack) {
+// Its first parts are on the disk and out of the memory before its last ones are made.
+TEST_F(RenderSound, flatSettingsGiveALongSoundBack) {
     file("flat.json", flatSettings());
-    const Sound mono = noise(30001, 48000, 1);
+    const Sound mono = noise(3'000'001, 48000, 1);
     const Sound both = rendered(mono, {"--settings", "flat.json"});
     EXPECT_EQ(both.sampleRate, 48000);
     ASSERT_EQ(both.channels, 2);
@@ -45,24 +46,6 @@ TEST_F(RenderSound, flatSettingsGiveTheSoundBack) {
         ASSERT_EQ(both.at(frame, 0), mono.samples[frame]) << frame;
         ASSERT_EQ(both.at(frame, 1), mono.samples[frame]) << frame;
     }
-
-    // The side signal goes through stages that compute even where they change nothing; the
-    // crosstalk stage's filter feeds its own rounding back. Below -120 dBFS.
-    const Sound stereo = noise(30001);
-    const Sound out = rendered(stereo, {"--settings", "flat.json"});
-    ASSERT_EQ(out.samples.size(), stereo.samples.size());
-    for (std::size_t sample = 0; sample < stereo.samples.size(); ++sample)
-        ASSERT_NEAR(out.samples[sample], stereo.samples[sample], 1e-6F) << sample;
-}
-
-// Its first parts are on the disk and out of the memory before its last ones are made.
-TEST_F(RenderSound, aLongFileArrivesWhole) {
-    file("flat.json", flatSettings());
-    const Sound mono = noise(3'000'000, 48000, 1);
-    const Sound both = rendered(mono, {"--settings", "flat.json"});
-    ASSERT_EQ(both.frames(), mono.frames());
-    for (std::size_t frame = 0; frame < mono.frames(); ++frame)
-        ASSERT_EQ(both.at(frame, 0), mono.samples[frame]) << frame;
 }
 
 TEST_F(RenderSound, equalInputsGiveEqualBytesWhateverTheBlock) {

@@ -1,12 +1,8 @@
 #include "cli/CliTest.h"
 #include "platform/core/Version.h"
 
-#include <gmock/gmock.h>
-
 namespace quorbel {
 namespace {
-
-using testing::HasSubstr;
 
 using Usage = CliTest;
 
@@ -36,13 +32,9 @@ TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
     }
 }
 
-TEST_F(Usage, helpNamesEveryCommandAndIsNoFailure) {
-    const Result result = run({"--help"});
-    EXPECT_EQ(result.status, 0);
-    for (const char *command : {"render", "live", "presets", "devices"})
-        EXPECT_THAT(result.output, HasSubstr(command));
-    EXPECT_THAT(run({"render", "--help"}).output, HasSubstr("--block"));
+TEST_F(Usage, theVersionIsToldWithoutFailure) {
     EXPECT_EQ(run({"--version"}).output, std::string("ostrafine-cli ") + version + "\n");
+    EXPECT_EQ(run({"--help"}).status, 0); // what it names: Documents
 }
 
 TEST_F(Usage, withoutASoundServerOneLineSaysHowToStartOne) {
