@@ -33,7 +33,7 @@ class SpectrumAnalyzerTest : public ::testing::Test {
     using Signal = std::function<float(std::size_t frame)>;
     static constexpr double tick = 1.0 / 30.0;
 
-    explicit SpectrumAnalyzerTest(double sampleRate = 48000.0) : format_{sampleRate, 2} {
+    SpectrumAnalyzerTest() {
         graph_.attach(source_);
         graph_.connect(source_, graph_.mainMixer(), format_);
         EXPECT_EQ(graph_.start(), statusOK);
@@ -71,7 +71,7 @@ class SpectrumAnalyzerTest : public ::testing::Test {
             std::clamp((20.0 * std::log10(magnitude) + 60.0) / 60.0, 0.0, 1.0));
     }
 
-    const StreamFormat format_;
+    const StreamFormat format_{48000.0, 2};
     Signal left_;
     Signal right_;
     std::size_t played_ = 0;
@@ -124,20 +124,6 @@ TEST_F(SpectrumAnalyzerTest, EveryBandIsTheMeanMagnitudeOfItsBins) {
     }
     for (const std::size_t dark : {1U, 3U, 5U})
         EXPECT_EQ(analyzer_.bands()[dark], 0.0F);
-}
-
-TEST_F(SpectrumAnalyzerTest, ASineShowsInItsOwnBandAtItsOwnLevel) {
-    attach();
-    play(4096, sineAtBin(4, 0.1F));
-    waitForTick();
-    EXPECT_NEAR(analyzer_.bands()[6], levelOf(0.1 * 1.633), 1e-4F);
-    EXPECT_NEAR(analyzer_.bands()[7], levelOf(0.1 * 0.8165), 1e-4F) << "the window's skirt";
-    for (std::size_t band = 9; band < SpectrumAnalyzer::bandCount; ++band)
-        EXPECT_EQ(analyzer_.bands()[band], 0.0F);
-
-    play(4096, sineAtBin(4, 1.0F));
-    waitForTick();
-    EXPECT_EQ(analyzer_.bands()[6], 1.0F);
 }
 
 TEST_F(SpectrumAnalyzerTest, ChannelsAreAveraged) {
@@ -216,18 +202,6 @@ TEST_F(SpectrumAnalyzerTest, FallsToRestWhenNothingIsPlayedAnyMore) {
     EXPECT_EQ(analyzer_.bands()[6], 1.0F);
 }
 
-class SpectrumAnalyzerAt96kHzTest : public SpectrumAnalyzerTest {
-  protected:
-    SpectrumAnalyzerAt96kHzTest() : SpectrumAnalyzerTest(96000.0) {}
-};
-
-TEST_F(SpectrumAnalyzerAt96kHzTest, BandsAreWhereTheTappedRatePutsThem) {
-    attach();
-    play(2048, sineAtBin(64, 1.0F)); // 3000 Hz
-    waitForTick();
-    EXPECT_NEAR(std::log2(loudestHz(analyzer_) / 3000.0F), 0.0F, 0.15F);
-}
-
 TEST(SpectrumAnalyzerRateTest, BandsFollowTheOutputsRateWhileAttached) {
     ManualClock clock;
     std::size_t played = 0;
@@ -244,7 +218,7 @@ TEST(SpectrumAnalyzerRateTest, BandsFollowTheOutputsRateWhileAttached) {
     ASSERT_EQ(graph.start(), statusOK);
     SpectrumAnalyzer analyzer(clock);
     analyzer.attach(graph, graph.mainMixer());
-    for (const double rate : {48000.0, 192000.0, 44100.0}) {
+    for (const double rate : {48000.0, 96000.0, 44100.0}) {
         line.client->renderFormatChanged({rate, 2});
         for (int cycle = 0; cycle < 30; ++cycle) {
             line.play(4096);

@@ -1,9 +1,11 @@
 #include "platform/graph/GraphFixture.h"
 #include "platform/graph/ParametricEqualizerNode.h"
 #include "platform/units/UnitStatus.h"
+#include "support/SineFit.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <span>
 
 #include <algorithm>
 #include <limits>
@@ -115,33 +117,6 @@ struct SineGraph {
     }
 };
 
-/// Amplitude and rest of a 1 kHz sine in what was played at `rate`, by least squares.
-struct SineFit {
-    double amplitude = 0.0;
-    double residual = 0.0; // peak
-};
-SineFit fitSine(const std::vector<float> &samples, std::size_t begin, double rate) {
-    const double w = 2.0 * std::numbers::pi * 1000.0 / rate;
-    // Whole milliseconds of whole kilohertz rates hold whole periods; 441 frames do at 44.1 kHz.
-    const auto period = static_cast<std::size_t>(std::lround(rate / 100.0));
-    const std::size_t count = (samples.size() - begin) / period * period;
-    double re = 0.0;
-    double im = 0.0;
-    for (std::size_t i = 0; i < count; ++i) {
-        re += double{samples[begin + i]} * std::cos(w * static_cast<double>(i));
-        im += double{samples[begin + i]} * std::sin(w * static_cast<double>(i));
-    }
-    re *= 2.0 / static_cast<double>(count);
-    im *= 2.0 / static_cast<double>(count);
-    SineFit fit{std::hypot(re, im), 0.0};
-    for (std::size_t i = 0; i < count; ++i) {
-        const double model =
-            re * std::cos(w * static_cast<double>(i)) + im * std::sin(w * static_cast<double>(i));
-        fit.residual = std::max(fit.residual, std::abs(double{samples[begin + i]} - model));
-    }
-    return fit;
-}
-
 struct ConvertingGraphTest : ::testing::TestWithParam<double>, SineGraph {};
 
 TEST_P(ConvertingGraphTest, KeepsPitchAndLevelAndPullsExactlyWhatItNeeds) {
@@ -165,9 +140,12 @@ TEST_P(ConvertingGraphTest, KeepsPitchAndLevelAndPullsExactlyWhatItNeeds) {
     // Never more than the frame that the next output sample lies in.
     EXPECT_LE(worstDrift, 2.0 + 48000.0 / rate);
 
-    const SineFit fit = fitSine(played, played.size() / 2, rate);
+    // Hundredths of a second hold whole periods, at 44.1 kHz too.
+    const auto period = static_cast<std::size_t>(std::lround(rate / 100.0));
+    const auto fit =
+        SineFit::of(std::span(played).last(played.size() / 2 / period * period), 1000.0, rate);
     EXPECT_NEAR(20.0 * std::log10(fit.amplitude / 0.5), 0.0, 0.05);
-    EXPECT_LT(20.0 * std::log10(fit.residual / 0.5), -90.0);
+    EXPECT_LT(20.0 * std::log10(fit.residual / 0.5), -93.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rates, ConvertingGraphTest,
@@ -186,7 +164,8 @@ TEST_F(ChangingRateTest, FollowsTheOutputsRateWhileRunning) {
         const Stereo block = line.play(441);
         played.insert(played.end(), block.left.begin(), block.left.end());
     }
-    EXPECT_NEAR(fitSine(played, 22050, 44100.0).amplitude, 0.5, 0.002);
+    EXPECT_NEAR(SineFit::of(std::span(played).subspan(22050), 1000.0, 44100.0).amplitude, 0.5,
+                0.002);
 
     line.changeFormat(48000.0);
     const std::int64_t before = pulled;
