@@ -151,7 +151,7 @@ ScreenTest {
         tryVerify(() => Assistive.has("Favourites", "StaticText"));
         compareTexts(["Favourites", "Mine", "General", "Edifier MR5"]);
         const entries = Assistive.all().filter(entry => entry.role === "ListItem");
-        verify(!entries.some(entry => entry.selected && entry.name === "Flat"));
+        verify(!entries.some(entry => entry.selected && entry.name === "Mine alone"));
         press("Bass Warm Body", "ListItem");
         tryCompare(App.presets, "activeName", "Bass Warm Body");
         press("Preset", "ComboBox");
