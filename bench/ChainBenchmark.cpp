@@ -1,5 +1,6 @@
 #include "EverythingOn.h"
 #include "StageBenchmark.h"
+#include "VectorTarget.h"
 #include "WholeChain.h"
 #include "effects/ToneEqualizer.h"
 #include "effects/units/LimiterUnit.h"
@@ -14,11 +15,19 @@
 namespace quorbel::bench {
 namespace {
 
-Stage wholeChain() {
-    auto chain = std::make_shared<WholeChain>();
+Stage wholeChain(bool isComparable) {
+    auto chain = std::make_shared<WholeChain>(isComparable);
     return [chain](float *left, float *right, std::uint32_t frames) {
         chain->process(left, right, frames);
         chain->passTime(frames);
+    };
+}
+
+/// As on a machine without AVX-512.
+Stage wholeChainOnAVX2() {
+    auto target = std::make_shared<VectorTarget>(HWY_AVX2);
+    return [target, stage = wholeChain(false)](float *left, float *right, std::uint32_t frames) {
+        stage(left, right, frames);
     };
 }
 
@@ -74,7 +83,12 @@ Stage busyLimiter() {
     throw std::logic_error("no limiter");
 }
 
-const StageBenchmark whole("everything on, with analyses", wholeChain);
+const StageBenchmark whole("everything on, with analyses", [] { return wholeChain(false); });
+const StageBenchmark ofWindow("the same with Compare's meters", [] { return wholeChain(true); });
+const auto onAVX2 =
+    VectorTarget::isThere(HWY_AVX2)
+        ? std::make_unique<StageBenchmark>("everything on, with AVX2 at most", wholeChainOnAVX2)
+        : nullptr;
 const StageBenchmark equalizerOfTenBands("equaliser, 10 bands", equalizer);
 const StageBenchmark toneControls("tone, 3 bands", tone);
 const std::vector<StageBenchmark> everyUnit = units();

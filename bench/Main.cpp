@@ -9,6 +9,7 @@ int main(int argc, char **argv) {
     const quorbel::DenormalsFlushed flushed; // as on the audio threads
     if (argc == 2 && std::string_view(argv[1]) == "--slowest-block") {
         quorbel::bench::printSlowestBlock(1'000'000);
+        quorbel::bench::printSlowestBlockOfAGlide(2000);
         return 0;
     }
     benchmark::Initialize(&argc, argv);

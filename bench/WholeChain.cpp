@@ -9,7 +9,7 @@
 
 namespace quorbel::bench {
 
-WholeChain::WholeChain()
+WholeChain::WholeChain(bool isComparable)
     : chain_(registry_, clock_, everythingOn().bands),
       source_(chainFormat, [this](const AudioBufferList &buffers, std::uint32_t frames) {
           for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel)
@@ -21,6 +21,7 @@ WholeChain::WholeChain()
     registerEffectUnits(registry_, queues_);
     chain_.applySpatial(settings.spatial);
     chain_.applyMixer(settings.mixer);
+    chain_.setMeasuresLoudness(isComparable);
     chain_.instantiateCustomUnits([] {});
     clock_.runPending();
     graph_.attach(source_);
@@ -33,6 +34,8 @@ void WholeChain::process(float *left, float *right, std::uint32_t frames) noexce
     block_ = AudioBufferList(left, right);
     graph_.render(block_, frames);
 }
+
+void WholeChain::setBands(const std::vector<EQBand> &bands) { chain_.eq().setBands(bands); }
 
 void WholeChain::passTime(std::uint32_t frames) { clock_.advance(frames / chainSampleRate); }
 

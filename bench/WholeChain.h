@@ -7,6 +7,7 @@
 #include "platform/units/AudioUnitRegistry.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace quorbel::bench {
 
@@ -14,11 +15,15 @@ namespace quorbel::bench {
 /// run on threads of their own there, run in `passTime` here.
 class WholeChain {
   public:
-    /// Throws std::runtime_error if the chain does not start.
-    WholeChain();
+    /// `isComparable`: with the loudness meters that the window's Compare needs. Throws
+    /// std::runtime_error if the chain does not start.
+    explicit WholeChain(bool isComparable = false);
 
     /// A block in place; at most `maximumBlockFrames`.
     void process(float *left, float *right, std::uint32_t frames) noexcept;
+
+    /// The equaliser glides to them.
+    void setBands(const std::vector<EQBand> &bands);
 
     /// Lets the time of so many frames pass.
     void passTime(std::uint32_t frames);
