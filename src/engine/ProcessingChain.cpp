@@ -69,7 +69,7 @@ const AudioUnit *ProcessingChain::unit(ChainUnit which) const {
 std::vector<GraphNode *> ProcessingChain::stages() {
     std::vector<GraphNode *> result{&eq_.eq(), &toneEQ_.node()};
     if (measuresLoudness_)
-        result.insert(result.begin(), &loudnessBefore_);
+        result.insert(result.begin(), &loudness_.before());
     for (std::size_t index = 0; index < chainUnitCount; ++index) {
         if (units_[index] != nullptr)
             result.push_back(units_[index].get());
@@ -77,7 +77,7 @@ std::vector<GraphNode *> ProcessingChain::stages() {
             result.push_back(&reverb_.reverb());
     }
     if (measuresLoudness_)
-        result.push_back(&loudnessAfter_);
+        result.push_back(&loudness_.after());
     return result;
 }
 
@@ -115,8 +115,7 @@ void ProcessingChain::setBypassed(bool bypassed) {
 
 float ProcessingChain::bypassGainDB() const {
     // In silence nobody knows what comes next: no louder than the settings would have it.
-    const float gain = matchingGainDB(loudnessBefore_.power(), loudnessAfter_.power())
-                           .value_or(std::min(0.0F, eq_.globalGainDB()));
+    const float gain = loudness_.matchingGainDB().value_or(std::min(0.0F, eq_.globalGainDB()));
     return mixer_.limiterEnabled ? gain : std::min(0.0F, gain);
 }
 

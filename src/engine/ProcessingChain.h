@@ -3,8 +3,8 @@
 #include "effects/EQProcessor.h"
 #include "effects/ReverbProcessor.h"
 #include "effects/ToneEqualizer.h"
+#include "engine/ChainLoudness.h"
 #include "engine/ChainUnits.h"
-#include "engine/LoudnessNode.h"
 #include "engine/MeterReadings.h"
 #include "platform/graph/AudioGraph.h"
 #include "platform/graph/SourceNode.h"
@@ -113,8 +113,7 @@ class ProcessingChain {
     ToneEqualizer toneEQ_;
     ReverbProcessor reverb_;
     std::array<std::unique_ptr<UnitNode>, chainUnitCount> units_;
-    LoudnessNode loudnessBefore_;
-    LoudnessNode loudnessAfter_;
+    ChainLoudness loudness_;
     bool measuresLoudness_ = false;
     bool isBypassed_ = false;
     bool isIdle_ = false;
