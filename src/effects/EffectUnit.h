@@ -28,6 +28,12 @@ struct EffectParameter {
 /// % is active.
 inline constexpr float smallestActiveAmount = 0.01F;
 
+/// Who needs what a unit does beside its blocks.
+struct EffectDemand {
+    bool isIdle = false;     ///< no blocks come until further notice
+    bool isDisplayed = true; ///< somebody sees the read-outs
+};
+
 /// What the effect units of the chain share: one stereo bus on either side, parameters declared by
 /// a table, and one cell per parameter between the tree and the render block. The tree's observer
 /// and provider hold the cells, not the unit, so a tree or a render block may outlive it.
@@ -41,8 +47,9 @@ class EffectUnit : public AudioUnit {
 
     void takeSettings() noexcept override;
 
-    /// Whether no blocks come until further notice: background work may rest. [main]
-    virtual void setIdle(bool) {}
+    /// Says how much work beside the blocks is needed. Called again after changes of parameters,
+    /// which decide whether that work shapes the sound. [main]
+    virtual void setDemand(const EffectDemand & /*demand*/) {}
 
     /// What the unit publishes for display (each unit says what); 0 for units that publish nothing.
     /// [any]

@@ -202,6 +202,7 @@ void AudioEngine::setDisplayed(bool isDisplayed) {
     if (isDisplayed == isDisplayed_)
         return;
     isDisplayed_ = isDisplayed;
+    chain_.setDisplayed(isDisplayed);
     const bool isRunning = lifecycle.state() == EngineLifecycle::State::running();
     if (!isDisplayed) {
         bassReadoutTimer.invalidate();

@@ -108,8 +108,9 @@ class AudioEngine final : public QObject {
     /// What the hardware has made necessary since the user's last start.
     [[nodiscard]] const EngineUpheavals &upheavals() const { return upheavals_; }
 
-    /// Whether somebody sees what is published for display. If not, the read-outs stay as they are
-    /// and the spectrum is not analysed; at first somebody does.
+    /// Whether somebody sees what is published for display. If not, the read-outs stay as they are,
+    /// the spectrum is not analysed, and what only the read-outs show is measured later; at first
+    /// somebody does.
     void setDisplayed(bool isDisplayed);
 
     // Read-outs, refreshed ten times a second while running and displayed. While no sound comes

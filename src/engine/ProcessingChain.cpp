@@ -1,6 +1,5 @@
 #include "engine/ProcessingChain.h"
 
-#include "effects/EffectUnit.h"
 #include "engine/ChainFormat.h"
 #include "engine/UnitSettings.h"
 #include "platform/graph/MixerNode.h"
@@ -57,7 +56,7 @@ void ProcessingChain::adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit) {
     pushSettings(spatial_, which, *unit);
     pushSettings(mixer_, which, *unit);
     if (auto *effect = dynamic_cast<EffectUnit *>(unit.get()))
-        effect->setIdle(isIdle_);
+        effect->setDemand(demand_);
     node(which) = std::make_unique<UnitNode>(std::move(unit));
 }
 
@@ -136,6 +135,7 @@ void ProcessingChain::pushSpatial() {
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(spatial, static_cast<ChainUnit>(index), units_[index]->unit());
+    pushDemand(); // within the change: what shapes the sound from now on is up to date by then
     reverb_.setPreset(spatial.reverbPreset);
     reverb_.setMix(spatial.reverbEnabled ? spatial.reverbMix : 0.0F);
 }
@@ -158,11 +158,20 @@ void ProcessingChain::pushMixer() {
 }
 
 void ProcessingChain::setIdle(bool isIdle) {
-    isIdle_ = isIdle;
+    demand_.isIdle = isIdle;
+    pushDemand();
+}
+
+void ProcessingChain::setDisplayed(bool isDisplayed) {
+    demand_.isDisplayed = isDisplayed;
+    pushDemand();
+}
+
+void ProcessingChain::pushDemand() {
     for (const auto &unit : units_)
         if (unit != nullptr)
             if (auto *effect = dynamic_cast<EffectUnit *>(&unit->unit()))
-                effect->setIdle(isIdle);
+                effect->setDemand(demand_);
 }
 
 double ProcessingChain::delaySeconds() const {

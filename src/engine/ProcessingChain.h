@@ -1,6 +1,7 @@
 #pragma once
 
 #include "effects/EQProcessor.h"
+#include "effects/EffectUnit.h"
 #include "effects/ReverbProcessor.h"
 #include "effects/ToneEqualizer.h"
 #include "engine/ChainLoudness.h"
@@ -90,6 +91,9 @@ class ProcessingChain {
 
     /// Whether no blocks come until further notice: what the units do beside them may rest.
     void setIdle(bool isIdle);
+    /// Whether somebody sees the readings; at first somebody does. When they become seen, they are
+    /// up to date as this returns.
+    void setDisplayed(bool isDisplayed);
 
   private:
     struct Instantiation;
@@ -97,6 +101,7 @@ class ProcessingChain {
     [[nodiscard]] float bypassGainDB() const;
     void pushSpatial();
     void pushMixer();
+    void pushDemand();
     void adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit);
     /// Those that exist, in order.
     [[nodiscard]] std::vector<GraphNode *> stages();
@@ -116,7 +121,7 @@ class ProcessingChain {
     ChainLoudness loudness_;
     bool measuresLoudness_ = false;
     bool isBypassed_ = false;
-    bool isIdle_ = false;
+    EffectDemand demand_;
     ShortLock settingsLock_; ///< of the graph that renders the chain
     int openChanges_ = 0;
     std::shared_ptr<ProcessingChain *> self_; ///< what units on their way find the chain by

@@ -3,7 +3,9 @@
 #include "effects/EffectComponents.h"
 #include "engine/EngineFixture.h"
 
+#include <cmath>
 #include <memory>
+#include <numbers>
 #include <utility>
 
 namespace quorbel::testing {
@@ -37,25 +39,62 @@ class CountingClock final : public Clock {
     int count_ = 0;
 };
 
+AudioEngine::UnitRegistration allUnitsOn(Clock &clock) {
+    return [&clock](AudioUnitRegistry &units) {
+        registerEffectUnits(units, clockedSerialQueues(clock));
+    };
+}
+
+/// Low enough for the bass to be tracked, and never the same for long.
+simulated::Sound wanderingBass() {
+    return [](double seconds, std::uint32_t) {
+        return static_cast<float>(
+            0.25 * std::sin(2.0 * std::numbers::pi * (80.0 + 3.0 * seconds) * seconds) +
+            0.05 * std::sin(seconds) * std::sin(2.0 * std::numbers::pi * 900.0 * seconds));
+    };
+}
+
+/// Another machine that hears the same from the same moment on.
+struct OtherMachine {
+    explicit OtherMachine(const simulated::Sound &sound) {
+        hardware.addDevice({.uid = "speakers"});
+        hardware.play(sound);
+        devices.refresh();
+        engine.setOutputDevice(devices.outputDevice("speakers"));
+        engine.start();
+        clock.runPending();
+    }
+
+    ManualClock clock;
+    SimulatedHardware hardware{clock};
+    DeviceManager devices{hardware, clock};
+    AudioEngine engine{hardware,
+                       devices,
+                       clock,
+                       EQBand::defaultBands(),
+                       allUnitsOn(clock),
+                       clockedSerialQueues(clock)};
+};
+
 class EngineIdleTest : public EngineTest {
   protected:
     EngineIdleTest() {
-        engine = std::make_unique<AudioEngine>(
-            hardware, devices, counting, EQBand::defaultBands(),
-            [this](AudioUnitRegistry &units) {
-                registerEffectUnits(units, clockedSerialQueues(counting));
-            },
-            clockedSerialQueues(counting));
+        engine = std::make_unique<AudioEngine>(hardware, devices, counting, EQBand::defaultBands(),
+                                               allUnitsOn(counting), clockedSerialQueues(counting));
         choose("speakers");
-        hardware.play(sine(60.0));
-        start();
     }
     ~EngineIdleTest() override { engine.reset(); } // it uses the clock
+
+    void playFromTheStart(const simulated::Sound &sound) {
+        hardware.play(sound);
+        start();
+    }
 
     CountingClock counting{clock};
 };
 
 TEST_F(EngineIdleTest, WithoutSoundEverythingComesToRestAndGoesOnWithIt) {
+    playFromTheStart(sine(60.0));
     play(1.0);
     const std::int64_t ticksBefore = engine->spectrumAnalyzer().ticuri();
     EXPECT_GT(ticksBefore, 25);
@@ -78,48 +117,76 @@ TEST_F(EngineIdleTest, WithoutSoundEverythingComesToRestAndGoesOnWithIt) {
 
 TEST_F(EngineIdleTest, WhatRestsStandsWhereEndlessTicksWouldHaveLeftIt) {
     // The second machine has no cycles either, but does not say so.
-    ManualClock otherClock;
-    SimulatedHardware other(otherClock);
-    other.addDevice({.uid = "speakers"});
-    other.play(sine(60.0));
-    DeviceManager otherDevices(other, otherClock);
-    AudioEngine endless(
-        other, otherDevices, otherClock, EQBand::defaultBands(),
-        [&](AudioUnitRegistry &units) {
-            registerEffectUnits(units, clockedSerialQueues(otherClock));
-        },
-        clockedSerialQueues(otherClock));
-    otherDevices.refresh();
-    endless.setOutputDevice(otherDevices.outputDevice("speakers"));
-    endless.start();
-    otherClock.runPending();
-
+    OtherMachine other(sine(60.0));
+    playFromTheStart(sine(60.0));
     play(0.5);
-    otherClock.advance(0.5);
+    other.clock.advance(0.5);
     const float tracked = engine->bassTrackedFrequency();
-    ASSERT_EQ(tracked, endless.bassTrackedFrequency());
+    ASSERT_EQ(tracked, other.engine.bassTrackedFrequency());
     hardware.setSuspended(true);
-    other.setAsleep(true);
+    other.hardware.setAsleep(true);
     play(30.0);
-    otherClock.advance(30.0);
+    other.clock.advance(30.0);
     EXPECT_NE(engine->bassTrackedFrequency(), tracked);
-    EXPECT_EQ(engine->bassTrackedFrequency(), endless.bassTrackedFrequency());
-    EXPECT_EQ(engine->voiceConfidence(), endless.voiceConfidence());
+    EXPECT_EQ(engine->bassTrackedFrequency(), other.engine.bassTrackedFrequency());
+    EXPECT_EQ(engine->voiceConfidence(), other.engine.voiceConfidence());
 }
 
-TEST_F(EngineIdleTest, WhatNobodySeesIsNotMeasured) {
-    play(1.0);
+TEST_F(EngineIdleTest, WhatNobodySeesWakesRarelyAndIsTheSameOnceItIsSeen) {
+    OtherMachine seen(wanderingBass());
+    playFromTheStart(wanderingBass());
+    for (SimulatedHardware *machine : {&hardware, &seen.hardware})
+        machine->setBlockFrames("speakers", {480}); // a whole number of them to an estimate
+    const auto playBoth = [&](double seconds) {
+        play(seconds);
+        seen.clock.advance(seconds);
+    };
+    const auto expectSame = [&] {
+        seen.engine.setDisplayed(false); // shown again, it publishes its read-outs at once
+        seen.engine.setDisplayed(true);
+        engine->setDisplayed(true);
+        EXPECT_EQ(engine->bassTrackedFrequency(), seen.engine.bassTrackedFrequency());
+        EXPECT_EQ(engine->voiceConfidence(), seen.engine.voiceConfidence());
+    };
+    playBoth(1.003);
     engine->setDisplayed(false);
     const std::int64_t ticks = engine->spectrumAnalyzer().ticuri();
-    (void)counting.takeCount();
-    play(10.0);
-    EXPECT_LE(counting.takeCount(), 2 * 200 + 10) << "the analyses of the sound and the seconds";
-    EXPECT_EQ(engine->spectrumAnalyzer().ticuri(), ticks);
     const float tracked = engine->bassTrackedFrequency();
-    engine->setDisplayed(true);
+    (void)counting.takeCount();
+    playBoth(10.0);
+    EXPECT_LE(counting.takeCount(), 2 * 20 + 10) << "the analyses of the sound and the seconds";
+    EXPECT_EQ(engine->spectrumAnalyzer().ticuri(), ticks);
+    expectSame();
     EXPECT_NE(engine->bassTrackedFrequency(), tracked);
-    play(1.0);
+    playBoth(1.0);
     EXPECT_GT(engine->spectrumAnalyzer().ticuri(), ticks + 25);
+
+    // What shapes the sound is measured at its moments again, unseen as it is.
+    engine->setDisplayed(false);
+    playBoth(4.31);
+    SpatialConfig adaptive;
+    adaptive.bassEnabled = adaptive.bassAdaptiveEnabled = true;
+    adaptive.voiceEnabled = adaptive.voiceAdaptiveEnabled = true;
+    engine->setSpatial(adaptive);
+    seen.engine.setSpatial(adaptive);
+    (void)heard("speakers");
+    (void)seen.hardware.takeRecording("speakers");
+    playBoth(1.0);
+    EXPECT_EQ(heard("speakers").left, seen.hardware.takeRecording("speakers").left);
+    expectSame();
+
+    // It comes to rest unseen as well.
+    engine->setDisplayed(false);
+    engine->setSpatial({});
+    seen.engine.setSpatial({});
+    playBoth(1.33);
+    hardware.setSuspended(true);
+    seen.hardware.setSuspended(true);
+    playBoth(20.0);
+    (void)counting.takeCount();
+    playBoth(20.0);
+    EXPECT_EQ(counting.takeCount(), 0);
+    expectSame();
 }
 
 } // namespace

@@ -12,8 +12,8 @@
 
 namespace quorbel {
 
-/// The newest 8192 frames of a unit's input, mixed to mono, on their way from the render thread to
-/// an analysis. Both sides hold the short lock for their copy only.
+/// The newest frames of a unit's input, mixed to mono, on their way from the render thread to an
+/// analysis. Both sides hold the short lock for their copy only.
 class AnalysisRing {
   public:
     /// Appends (left + right) / 2. [render]
@@ -33,17 +33,17 @@ class AnalysisRing {
         }
     }
 
-    /// Copies the newest samples in the order of time; false, and nothing copied, if fewer were
-    /// ever written. At most `capacity`. [analysis]
-    [[nodiscard]] bool snapshot(std::span<float> newest) const noexcept {
+    /// Copies the samples before frame `end` of all that were ever written, in the order of time;
+    /// false, and nothing copied, if they are not all there. [analysis]
+    [[nodiscard]] bool snapshot(std::uint64_t end, std::span<float> samples) const noexcept {
         const std::lock_guard lock(lock_);
-        if (written_ < newest.size())
+        if (end > written_ || end < samples.size() || written_ - end + samples.size() > capacity)
             return false;
         // From the oldest wanted to the end of the array, the rest from its beginning.
-        const std::size_t at = static_cast<std::size_t>(written_ - newest.size()) % capacity;
-        const std::size_t count = std::min(newest.size(), capacity - at);
-        std::copy_n(samples_.data() + at, count, newest.data());
-        std::copy_n(samples_.data(), newest.size() - count, newest.data() + count);
+        const std::size_t at = static_cast<std::size_t>(end - samples.size()) % capacity;
+        const std::size_t count = std::min(samples.size(), capacity - at);
+        std::copy_n(samples_.data() + at, count, samples.data());
+        std::copy_n(samples_.data(), samples.size() - count, samples.data() + count);
         return true;
     }
 
@@ -53,7 +53,8 @@ class AnalysisRing {
         return written_;
     }
 
-    static constexpr std::size_t capacity = 8192;
+    /// Two thirds of a second at 48 kHz.
+    static constexpr std::size_t capacity = 32768;
 
   private:
     mutable ShortLock lock_;

@@ -5,13 +5,14 @@
 
 namespace quorbel {
 
-std::optional<float> BassTracker::estimate(const AnalysisRing &ring, float sampleRate) {
+std::optional<float> BassTracker::estimate(const AnalysisRing &ring, std::uint64_t end,
+                                           float sampleRate) {
     constexpr float lowestHz = 30.0F;
     constexpr float highestHz = 200.0F;
     constexpr double smallestPower = 0.001;
     constexpr int lastBin = static_cast<int>(PowerSpectrum::bins) - 1;
 
-    if (!ring.snapshot(spectrum_.samples()))
+    if (!ring.snapshot(end, spectrum_.samples()))
         return std::nullopt;
     spectrum_.transform();
 

@@ -3,6 +3,7 @@
 #include "effects/cores/AnalysisRing.h"
 #include "effects/cores/PowerSpectrum.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace quorbel {
@@ -11,8 +12,10 @@ namespace quorbel {
 /// [analysis]
 class BassTracker {
   public:
-    /// In Hz, 40 to 150; nothing while there are not yet 4096 frames, or too little bass to tell.
-    [[nodiscard]] std::optional<float> estimate(const AnalysisRing &ring, float sampleRate);
+    /// Of the 4096 frames before frame `end` of the ring, in Hz, 40 to 150; nothing if they are not
+    /// all there, or too little bass to tell.
+    [[nodiscard]] std::optional<float> estimate(const AnalysisRing &ring, std::uint64_t end,
+                                                float sampleRate);
 
   private:
     PowerSpectrum spectrum_;

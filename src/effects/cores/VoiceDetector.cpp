@@ -5,11 +5,12 @@
 
 namespace quorbel {
 
-std::optional<float> VoiceDetector::voiceRatio(const AnalysisRing &ring, float sampleRate) {
+std::optional<float> VoiceDetector::voiceRatio(const AnalysisRing &ring, std::uint64_t end,
+                                               float sampleRate) {
     constexpr double smallestPower = 1.0;
     constexpr int lastBin = static_cast<int>(PowerSpectrum::bins) - 1;
 
-    if (!ring.snapshot(spectrum_.samples()))
+    if (!ring.snapshot(end, spectrum_.samples()))
         return std::nullopt;
     spectrum_.transform();
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "effects/units/RingAnalysis.h"
 #include "platform/threads/SerialQueue.h"
 
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -10,71 +10,43 @@
 
 namespace quorbel {
 
-/// A background analysis on a serial queue of its own: the first after 100 ms, then every 50 ms.
-/// While the unit is idle, it rests after the first analysis that changes nothing, because later
-/// ones would not either. [main]
+/// Runs an analysis on a serial queue of its own. [main]
+///
+/// 1. While the result is used, every estimate is made at its moment.
+/// 2. While it is not, the estimates of half a second are made together, because a wake-up costs
+///    more than they do. They are the same estimates, and the result is up to date when its use
+///    begins.
+/// 3. While no sound comes, the analysis rests after the first estimate that changes nothing: later
+///    ones would not either.
 class AnalysisTimer {
   public:
-    /// Returns whether anything is different from the call before. [analysis]
-    using Analysis = std::function<bool()>;
-
     AnalysisTimer(SerialQueueFactory queues, std::string queueName)
         : queues_(std::move(queues)), queueName_(std::move(queueName)) {}
     ~AnalysisTimer() { stop(); }
     AnalysisTimer(const AnalysisTimer &) = delete;
     AnalysisTimer &operator=(const AnalysisTimer &) = delete;
 
-    /// Does nothing if it runs.
-    void start(Analysis analyze) {
-        if (queue_)
-            return;
-        analyze_ = std::move(analyze);
-        queue_ = queues_(queueName_);
-        const std::lock_guard guard(mutex_);
-        schedule(firstSeconds);
-    }
+    /// Does nothing if it runs. `sampleRate` in Hz.
+    void start(std::shared_ptr<RingAnalysis> analysis, float sampleRate);
 
-    /// When this returns, no analysis is under way and none will come.
-    void stop() {
-        queue_.reset();
-        isResting_ = false;
-    }
+    /// When this returns, no estimate is under way and none will come.
+    void stop();
 
-    /// Whether no sound comes until further notice.
-    void setIdle(bool isIdle) {
-        const std::lock_guard guard(mutex_);
-        isIdle_ = isIdle;
-        if (!isIdle && isResting_ && queue_)
-            schedule(intervalSeconds);
-    }
+    /// Whether no sound comes until further notice, and whether the result is seen or shapes the
+    /// sound. At first sound comes and the result is used.
+    void set(bool isIdle, bool isUsed);
 
   private:
-    static constexpr double firstSeconds = 0.1;
-    static constexpr double intervalSeconds = 0.05;
-
-    void schedule(double delaySeconds) {
-        isResting_ = false;
-        timer_ = queue_->repeating(delaySeconds, intervalSeconds,
-                                   [this, queue = queue_.get()] { tick(*queue); });
-    }
-
-    /// [analysis]
-    void tick(SerialQueue &queue) {
-        if (analyze_())
-            return;
-        const std::lock_guard guard(mutex_);
-        if (!isIdle_ || isResting_)
-            return;
-        isResting_ = true;
-        queue.cancel(timer_);
-    }
+    void schedule(double firstSeconds);
+    void estimateOrRest(SerialQueue &queue);
 
     SerialQueueFactory queues_;
     std::string queueName_;
-    Analysis analyze_;
+    bool isBatched_ = false;
+    std::shared_ptr<RingAnalysis> analysis_; ///< the queue's while a timer of it is set
     std::unique_ptr<SerialQueue> queue_;
 
-    std::mutex mutex_; // guards what follows; never held while an analysis runs
+    std::mutex mutex_; // guards what follows; never held while an estimate is made
     SerialQueue::TimerID timer_ = 0;
     bool isIdle_ = false;
     bool isResting_ = false;

@@ -30,24 +30,18 @@ struct BassEnhancerUnit::State {
     AnalysisRing ring; // kept by allocation
 };
 
-struct BassEnhancerUnit::Analysis {
-    explicit Analysis(std::shared_ptr<State> shared) : state(std::move(shared)) {}
+struct BassEnhancerUnit::Analysis final : RingAnalysis {
+    explicit Analysis(std::shared_ptr<State> shared)
+        : RingAnalysis(shared->ring, shared->detectedFundamentalStorage), state(std::move(shared)) {
+    }
+
+    float follow(float before, std::uint64_t end) override {
+        const auto centre = tracker.estimate(state->ring, end, state->sampleRateStorage.load());
+        return centre ? 0.08F * *centre + 0.92F * before : before;
+    }
 
     std::shared_ptr<State> state;
     BassTracker tracker;
-
-    std::uint64_t writtenBefore = 0; ///< frames in the ring at the analysis before
-
-    /// Returns whether new sound had come or the result has moved.
-    bool analyzeOnce() {
-        const float before = state->detectedFundamentalStorage.load();
-        const auto centre = tracker.estimate(state->ring, state->sampleRateStorage.load());
-        if (centre)
-            state->detectedFundamentalStorage.store(0.08F * *centre + 0.92F * before);
-        const std::uint64_t written = state->ring.written();
-        return std::exchange(writtenBefore, written) != written ||
-               state->detectedFundamentalStorage.load() != before;
-    }
 };
 
 BassEnhancerUnit::BassEnhancerUnit(const ComponentDescription &description,
@@ -61,7 +55,7 @@ Status BassEnhancerUnit::prepare(float sampleRate, std::string &) {
     state_->core.prepare(sampleRate);
     if (!analysis_)
         analysis_ = std::make_shared<Analysis>(state_);
-    analysisTimer_.start([analysis = analysis_] { return analysis->analyzeOnce(); });
+    analysisTimer_.start(analysis_, sampleRate);
     return statusOK;
 }
 
@@ -70,7 +64,11 @@ void BassEnhancerUnit::deallocateRenderResources() {
     EffectUnit::deallocateRenderResources();
 }
 
-void BassEnhancerUnit::setIdle(bool isIdle) { analysisTimer_.setIdle(isIdle); }
+void BassEnhancerUnit::setDemand(const EffectDemand &demand) {
+    const bool isHeard =
+        isAdaptiveOn(storage(adaptive)->value()) && storage(amount)->value() > 0.0F;
+    analysisTimer_.set(demand.isIdle, demand.isDisplayed || isHeard);
+}
 
 void BassEnhancerUnit::reset() { state_->core.clear(); }
 

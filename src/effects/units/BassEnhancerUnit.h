@@ -16,7 +16,7 @@ class BassEnhancerUnit final : public EffectUnit {
 
     void deallocateRenderResources() override;
     void reset() override;
-    void setIdle(bool isIdle) override;
+    void setDemand(const EffectDemand &demand) override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
     /// The tracked frequency, Hz; 80 before the first measurement.

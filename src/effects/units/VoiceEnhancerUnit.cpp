@@ -31,25 +31,17 @@ struct VoiceEnhancerUnit::State {
     AnalysisRing ring; // kept by allocation
 };
 
-struct VoiceEnhancerUnit::Analysis {
-    explicit Analysis(std::shared_ptr<State> shared) : state(std::move(shared)) {}
+struct VoiceEnhancerUnit::Analysis final : RingAnalysis {
+    explicit Analysis(std::shared_ptr<State> shared)
+        : RingAnalysis(shared->ring, shared->confidenceStorage), state(std::move(shared)) {}
+
+    float follow(float before, std::uint64_t end) override {
+        const auto ratio = detector.voiceRatio(state->ring, end, state->sampleRateStorage.load());
+        return ratio ? 0.9F * before + 0.1F * VoiceDetector::confidenceFor(*ratio) : before;
+    }
 
     std::shared_ptr<State> state;
     VoiceDetector detector;
-
-    std::uint64_t writtenBefore = 0; ///< frames in the ring at the analysis before
-
-    /// Returns whether new sound had come or the result has moved.
-    bool analyzeOnce() {
-        const float before = state->confidenceStorage.load();
-        const auto ratio = detector.voiceRatio(state->ring, state->sampleRateStorage.load());
-        if (ratio)
-            state->confidenceStorage.store(0.9F * before +
-                                           0.1F * VoiceDetector::confidenceFor(*ratio));
-        const std::uint64_t written = state->ring.written();
-        return std::exchange(writtenBefore, written) != written ||
-               state->confidenceStorage.load() != before;
-    }
 };
 
 VoiceEnhancerUnit::VoiceEnhancerUnit(const ComponentDescription &description,
@@ -63,7 +55,7 @@ Status VoiceEnhancerUnit::prepare(float sampleRate, std::string &) {
     state_->core.prepare(sampleRate);
     if (!analysis_)
         analysis_ = std::make_shared<Analysis>(state_);
-    analysisTimer_.start([analysis = analysis_] { return analysis->analyzeOnce(); });
+    analysisTimer_.start(analysis_, sampleRate);
     return statusOK;
 }
 
@@ -72,7 +64,11 @@ void VoiceEnhancerUnit::deallocateRenderResources() {
     EffectUnit::deallocateRenderResources();
 }
 
-void VoiceEnhancerUnit::setIdle(bool isIdle) { analysisTimer_.setIdle(isIdle); }
+void VoiceEnhancerUnit::setDemand(const EffectDemand &demand) {
+    const bool isHeard =
+        isAdaptiveOn(storage(adaptive)->value()) && storage(amount)->value() > 0.0F;
+    analysisTimer_.set(demand.isIdle, demand.isDisplayed || isHeard);
+}
 
 void VoiceEnhancerUnit::reset() { state_->core.clear(); }
 

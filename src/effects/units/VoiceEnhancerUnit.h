@@ -17,7 +17,7 @@ class VoiceEnhancerUnit final : public EffectUnit {
 
     void deallocateRenderResources() override;
     void reset() override;
-    void setIdle(bool isIdle) override;
+    void setDemand(const EffectDemand &demand) override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
     /// The confidence that a voice is heard, 0 to 1.

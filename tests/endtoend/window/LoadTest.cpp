@@ -74,7 +74,7 @@ TEST_F(WindowTest, CostsLittleAndLessWhileMinimised) {
     EXPECT_LT(shown, 0.25);
     EXPECT_LT(minimised, 0.05);
     EXPECT_LT(memory, 110.0);
-    EXPECT_LT(whilePlaying, 35.0); // the analyses' 20, the watchdog's 4 and the machine's own
+    EXPECT_LT(whilePlaying, 14.0); // the watchdog's 4, the analyses' 2 and the machine's own
     EXPECT_LE(idle, 2.0);
 }
 

@@ -1,0 +1,77 @@
+#include "effects/units/AnalysisTimer.h"
+
+#include <utility>
+
+namespace quorbel {
+
+namespace {
+
+/// So long at 48 kHz, the ring holds what the estimates need, and a delay of 97 ms more.
+constexpr double batchSeconds = 0.5;
+
+} // namespace
+
+void AnalysisTimer::start(std::shared_ptr<RingAnalysis> analysis, float sampleRate) {
+    if (queue_)
+        return;
+    analysis_ = std::move(analysis);
+    analysis_->begin(sampleRate);
+    queue_ = queues_(queueName_);
+    schedule(RingAnalysis::firstSeconds);
+}
+
+void AnalysisTimer::stop() {
+    if (!queue_)
+        return;
+    queue_.reset();
+    isResting_ = false;
+    if (isBatched_)
+        analysis_->catchUp();
+}
+
+void AnalysisTimer::set(bool isIdle, bool isUsed) {
+    const bool isBatched = !isIdle && !isUsed;
+    const bool wasBatched = std::exchange(isBatched_, isBatched);
+    SerialQueue::TimerID timer = 0;
+    bool hasRested = false;
+    {
+        const std::lock_guard guard(mutex_);
+        isIdle_ = isIdle;
+        timer = timer_;
+        hasRested = isResting_;
+    }
+    if (!queue_)
+        return;
+    if (isBatched != wasBatched) {
+        queue_->cancel(timer);
+        if (wasBatched)
+            analysis_->catchUp();
+        schedule(isBatched ? RingAnalysis::intervalSeconds : analysis_->secondsToNext());
+    } else if (hasRested && !isIdle) {
+        schedule(RingAnalysis::intervalSeconds);
+    }
+}
+
+void AnalysisTimer::schedule(double firstSeconds) {
+    const std::lock_guard guard(mutex_); // the task may find itself at rest before we return
+    isResting_ = false;
+    if (isBatched_)
+        timer_ = queue_->repeating(firstSeconds, batchSeconds,
+                                   [analysis = analysis_.get()] { analysis->catchUp(); });
+    else
+        timer_ = queue_->repeating(firstSeconds, RingAnalysis::intervalSeconds,
+                                   [this, queue = queue_.get()] { estimateOrRest(*queue); });
+}
+
+/// [analysis]
+void AnalysisTimer::estimateOrRest(SerialQueue &queue) {
+    if (analysis_->estimateNow())
+        return;
+    const std::lock_guard guard(mutex_);
+    if (!isIdle_ || isResting_)
+        return;
+    isResting_ = true;
+    queue.cancel(timer_);
+}
+
+} // namespace quorbel
