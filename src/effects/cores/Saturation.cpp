@@ -10,7 +10,7 @@
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-#include <hwy/contrib/math/math-inl.h>
+#include "effects/cores/TanhShaper-inl.h"
 // clang-format on
 
 HWY_BEFORE_NAMESPACE();
@@ -30,7 +30,9 @@ struct Shape {
           dry(hn::Sub(hn::Set(tag, 1.0F), hn::Mul(hn::Set(tag, 0.5F), drive))) {}
 
     HWY_INLINE Vector operator()(Vector x) const {
-        return hn::Add(hn::Mul(x, dry), hn::Div(hn::Mul(wet, hn::Tanh(tag, hn::Mul(k, x))), k));
+        const TanhFraction<Vector> tanh = tanhFraction(hn::Mul(k, x));
+        return hn::Add(hn::Mul(x, dry),
+                       hn::Div(hn::Mul(wet, tanh.numerator), hn::Mul(tanh.denominator, k)));
     }
 
     Vector wet;
