@@ -5,6 +5,9 @@
 #include "platform/core/Status.h"
 #include "platform/core/StreamFormat.h"
 
+#include <span>
+
+#include <cstddef>
 #include <cstdint>
 
 namespace quorbel {
@@ -43,11 +46,13 @@ class GraphNode {
     virtual Status render(const RenderTime &time, AudioBufferList &buffers,
                           std::uint32_t frames) noexcept = 0;
 
-    /// Renders this stage and `next`, the one behind it, if one pass can do the work of both;
-    /// otherwise does nothing and says so with false. [render]
-    virtual bool renderWithNext(GraphNode & /*next*/, AudioBufferList & /*buffers*/,
-                                std::uint32_t /*frames*/) noexcept {
-        return false;
+    /// Renders this stage and the first of the stages behind it, `following`, if one pass can do
+    /// the work of several. Returns how many of `following` it has rendered; 0 means that it has
+    /// done nothing. [render]
+    virtual std::size_t renderWithFollowing(std::span<GraphNode *const> /*following*/,
+                                            AudioBufferList & /*buffers*/,
+                                            std::uint32_t /*frames*/) noexcept {
+        return 0;
     }
 
   protected:

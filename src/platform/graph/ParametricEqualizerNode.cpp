@@ -21,15 +21,17 @@ Status ParametricEqualizerNode::render(const RenderTime & /*time*/, AudioBufferL
     return statusOK;
 }
 
-bool ParametricEqualizerNode::renderWithNext(GraphNode &next, AudioBufferList &buffers,
-                                             std::uint32_t frames) noexcept {
+std::size_t ParametricEqualizerNode::renderWithFollowing(std::span<GraphNode *const> following,
+                                                         AudioBufferList &buffers,
+                                                         std::uint32_t frames) noexcept {
     // The class is final, so this is as safe as a dynamic cast and far quicker.
-    if (typeid(next) != typeid(ParametricEqualizerNode) || !buffers.isStereo())
-        return false;
-    ParametricEqualizer::renderInSeries(equalizer_,
-                                        static_cast<ParametricEqualizerNode &>(next).equalizer_,
-                                        buffers.data[0], buffers.data[1], frames);
-    return true;
+    if (following.empty() || typeid(*following[0]) != typeid(ParametricEqualizerNode) ||
+        !buffers.isStereo())
+        return 0;
+    ParametricEqualizer::renderInSeries(
+        equalizer_, static_cast<ParametricEqualizerNode &>(*following[0]).equalizer_,
+        buffers.data[0], buffers.data[1], frames);
+    return 1;
 }
 
 } // namespace quorbel

@@ -41,8 +41,8 @@ class ParametricEqualizerNode final : public GraphNode {
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
     /// With another equaliser.
-    bool renderWithNext(GraphNode &next, AudioBufferList &buffers,
-                        std::uint32_t frames) noexcept override;
+    std::size_t renderWithFollowing(std::span<GraphNode *const> following, AudioBufferList &buffers,
+                                    std::uint32_t frames) noexcept override;
 
   private:
     ParametricEqualizer equalizer_;

@@ -11,6 +11,8 @@ RenderPlan::RenderPlan(std::vector<Stage> stages, const StreamFormat &format,
                        ShortLock &settingsLock)
     : stages_(std::move(stages)), format_(format), settingsLock_(settingsLock) {
     assert(!stages_.empty() && stages_.front().node->isSource());
+    for (const Stage &stage : stages_)
+        nodes_.push_back(stage.node);
 }
 
 RenderPlan::~RenderPlan() {
@@ -47,18 +49,26 @@ Status RenderPlan::render(AudioBufferList &buffers, std::uint32_t frames) noexce
     if (const std::unique_lock lock(settingsLock_, std::try_to_lock); lock.owns_lock())
         takeSettings();
     Status result = statusOK;
-    for (auto stage = stages_.begin(); stage != stages_.end(); ++stage) {
-        const auto next = stage + 1;
-        // What is tapped has to be there.
-        if (next != stages_.end() && !stage->tap->isInstalled() &&
-            stage->node->renderWithNext(*next->node, buffers, frames))
-            stage = next;
-        else if (const Status status = renderAlone(*stage, buffers, frames); result == statusOK)
-            result = status;
-        stage->tap->write(buffers, frames);
+    for (std::size_t i = 0; i < stages_.size(); ++i) {
+        const std::span following(nodes_.data() + i + 1, untappedAfter(i));
+        const std::size_t joined = nodes_[i]->renderWithFollowing(following, buffers, frames);
+        if (joined == 0)
+            if (const Status status = renderAlone(stages_[i], buffers, frames); result == statusOK)
+                result = status;
+        i += joined;
+        stages_[i].tap->write(buffers, frames);
     }
     time_.sampleTime += frames;
     return result;
+}
+
+std::size_t RenderPlan::untappedAfter(std::size_t first) const noexcept {
+    // A pass may end at a tapped stage, but not go beyond it.
+    std::size_t last = first;
+    while (last + 1 < stages_.size() && last < first + longestPass - 1 &&
+           !stages_[last].tap->isInstalled())
+        ++last;
+    return last - first;
 }
 
 Status RenderPlan::renderAlone(const Stage &stage, AudioBufferList &buffers,

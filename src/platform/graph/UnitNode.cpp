@@ -2,7 +2,9 @@
 
 #include "platform/units/UnitStatus.h"
 
+#include <array>
 #include <string>
+#include <typeinfo>
 #include <utility>
 
 namespace quorbel {
@@ -40,6 +42,24 @@ Status UnitNode::render(const RenderTime &time, AudioBufferList &buffers,
         return statusUninitialized;
     RenderActionFlags flags = 0;
     return block_(flags, time, frames, 0, buffers, nullptr, inputStandsReady_);
+}
+
+std::size_t UnitNode::renderWithFollowing(std::span<GraphNode *const> following,
+                                          AudioBufferList &buffers, std::uint32_t frames) noexcept {
+    if (!block_)
+        return 0;
+    std::array<AudioUnit *, 3> units{};
+    std::size_t count = 0;
+    for (GraphNode *const node : following) {
+        // The class is final, so this is as safe as a dynamic cast and far quicker.
+        if (count == units.size() || typeid(*node) != typeid(UnitNode))
+            break;
+        const auto &next = static_cast<UnitNode &>(*node);
+        if (!next.block_)
+            break;
+        units[count++] = next.unit_.get();
+    }
+    return unit_->renderWithFollowing(std::span(units.data(), count), buffers, frames);
 }
 
 } // namespace quorbel

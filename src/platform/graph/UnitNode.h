@@ -25,6 +25,9 @@ class UnitNode final : public GraphNode {
     void takeSettings() noexcept override { unit_->takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
+    /// With other units, as `AudioUnit::renderWithFollowing`.
+    std::size_t renderWithFollowing(std::span<GraphNode *const> following, AudioBufferList &buffers,
+                                    std::uint32_t frames) noexcept override;
 
   private:
     std::unique_ptr<AudioUnit> unit_;

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -113,6 +114,16 @@ class AudioUnit {
     /// A new block at every call, which keeps what it needs alive, also beyond the unit. It may be
     /// called from the time render resources are allocated.
     [[nodiscard]] virtual RenderBlock internalRenderBlock() = 0;
+
+    /// Renders this unit and the first of the units behind it, `following`, in place, if one pass
+    /// can do the work of several: as their render blocks would, one after the other. Returns how
+    /// many of `following` it has rendered; 0 means that it has done nothing. All are allocated for
+    /// the same format. [render]
+    virtual std::size_t renderWithFollowing(std::span<AudioUnit *const> /*following*/,
+                                            AudioBufferList & /*buffers*/,
+                                            std::uint32_t /*frames*/) noexcept {
+        return 0;
+    }
 
     /// By how much the unit delays the sound, in seconds.
     [[nodiscard]] virtual double latency() const { return 0.0; }
