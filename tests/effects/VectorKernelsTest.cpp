@@ -1,7 +1,7 @@
 // The kernels that work on several frames at once, against the same written plainly.
 
 #include "effects/UnitHarness.h"
-#include "effects/cores/BassHarmonics.h"
+#include "effects/cores/EnhancerPass.h"
 #include "effects/cores/Levelling.h"
 #include "effects/cores/LimiterStretch.h"
 #include "effects/cores/Saturation.h"
@@ -92,21 +92,48 @@ TEST_P(VectorKernelsTest, SectionsSideBySideAreEqualBitByBit) {
     }
 }
 
-TEST_P(VectorKernelsTest, BassHarmonicsAreEqualBitByBit) {
-    const BassHarmonics harmonics{.lowPass = lowPass(0.01F, 0.007F),
-                                  .highPass = highPass(0.015F, 0.0105F),
-                                  .drive = 3.0F,
-                                  .wet = 0.9F,
-                                  .total = 1.4F};
-    BassSections sections;
-    BassSections plainSections;
-    for (std::uint32_t count = 0; count <= longest; ++count) {
-        Sound vector = noise(count, 0.9F, count + 1);
-        Sound plain = vector;
-        addBassHarmonics(harmonics, sections, vector.left.data(), vector.right.data(), count);
-        addBassHarmonicsPlainly(harmonics, plainSections, plain.left.data(), plain.right.data(),
-                                count);
-        ASSERT_EQ(vector, plain) << count << " frames";
+/// Memories of the stages of an EnhancerPass.
+struct EnhancerStages {
+    BassSections bass;
+    VoiceSections voice;
+    BiquadState side;
+    std::vector<float> mono = std::vector<float>(200);
+
+    EnhancerPass pass(bool hasBass, bool hasVoice, bool hasSide, std::uint32_t frames) {
+        EnhancerPass result{.bass = {.lowPass = lowPass(0.01F, 0.007F),
+                                     .highPass = highPass(0.015F, 0.0105F),
+                                     .drive = 3.0F,
+                                     .wet = 0.9F,
+                                     .total = 1.4F},
+                            .voice = {.mud = peaking(0.039F, 0.02F, 0.86F),
+                                      .presence = peaking(0.39F, 0.16F, 1.2F),
+                                      .mix = 0.7F},
+                            .width = LinearRamp(1.3F, frames % 3 == 0 ? 0.4F : 1.3F, frames),
+                            .dip = {.sideGain = 1.25F, .coefficients = peaking(0.26F, 0.1F, 0.8F)}};
+        result.bassSections = hasBass ? &bass : nullptr;
+        result.bassMono = hasBass ? mono.data() : nullptr;
+        result.voiceSections = hasVoice ? &voice : nullptr;
+        result.side = hasSide ? &side : nullptr;
+        return result;
+    }
+};
+
+// The rounding of a section is part of the sound: side by side is the same as one after the other.
+TEST_P(VectorKernelsTest, EnhancersAreEqualBitByBit) {
+    for (unsigned stages = 1; stages < 8; ++stages) {
+        EnhancerStages vector;
+        EnhancerStages plain;
+        for (std::uint32_t count = 0; count <= 180; ++count) {
+            const auto passOf = [&](EnhancerStages &s) {
+                return s.pass((stages & 1U) != 0, (stages & 2U) != 0, (stages & 4U) != 0, count);
+            };
+            Sound vectorSound = noise(count, 0.9F, count + 1);
+            Sound plainSound = vectorSound;
+            enhance(passOf(vector), vectorSound.left.data(), vectorSound.right.data(), count);
+            enhancePlainly(passOf(plain), plainSound.left.data(), plainSound.right.data(), count);
+            ASSERT_EQ(vectorSound, plainSound) << count << " frames, stages " << stages;
+            ASSERT_EQ(vector.mono, plain.mono) << count << " frames, stages " << stages;
+        }
     }
 }
 

@@ -1,18 +1,42 @@
 #include "effects/cores/BassEnhancerCore.h"
 
+#include "effects/cores/TanhShaper.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
 
 namespace quorbel {
 
+namespace {
+
+void addBassHarmonics(const BassHarmonics &h, BiquadState &lowPass, BiquadState &highPass,
+                      float *samples, std::uint32_t frames) noexcept {
+    constexpr std::uint32_t tileFrames = 8;
+    BiquadState low = lowPass;
+    BiquadState high = highPass;
+    for (std::uint32_t begin = 0; begin < frames; begin += tileFrames) {
+        const std::uint32_t count = std::min(tileFrames, frames - begin);
+        float *const x = samples + begin;
+        float bass[tileFrames];
+        for (std::uint32_t i = 0; i < count; ++i)
+            bass[i] = low.process(h.lowPass, x[i]);
+        shapeByTanh(bass, count, h.drive);
+        for (std::uint32_t i = 0; i < count; ++i)
+            x[i] = (x[i] + h.wet * high.process(h.highPass, bass[i])) / h.total;
+    }
+    lowPass = low;
+    highPass = high;
+}
+
+} // namespace
+
 void BassEnhancerCore::prepare(float sampleRate) noexcept {
     sampleRate_ = sampleRate;
     clear();
 }
 
-void BassEnhancerCore::process(float *left, float *right, std::uint32_t frames, float amount,
-                               float drive, float crossoverHz) noexcept {
+BassHarmonics BassEnhancerCore::designed(float amount, float drive, float crossoverHz) noexcept {
     const Filters &filters = filters_.of(
         [](float crossover, float sampleRate) {
             constexpr float twoPi = 2.0F * std::numbers::pi_v<float>;
@@ -25,12 +49,17 @@ void BassEnhancerCore::process(float *left, float *right, std::uint32_t frames, 
         crossoverHz, sampleRate_);
     // The dry sound gives way as the harmonics come in, so that the level stays about the same.
     const float a = amount > 0.0F ? std::min(amount, 1.0F) : 0.0F;
-    addBassHarmonics({.lowPass = filters.lowPass,
-                      .highPass = filters.highPass,
-                      .drive = drive,
-                      .wet = 1.8F * a,
-                      .total = 1.0F + 0.8F * a},
-                     sections_, left, right, frames);
+    return {.lowPass = filters.lowPass,
+            .highPass = filters.highPass,
+            .drive = drive,
+            .wet = 1.8F * a,
+            .total = 1.0F + 0.8F * a};
+}
+
+void addBassHarmonics(const BassHarmonics &harmonics, BassSections &sections, float *left,
+                      float *right, std::uint32_t frames) noexcept {
+    addBassHarmonics(harmonics, sections.lowPass.left, sections.highPass.left, left, frames);
+    addBassHarmonics(harmonics, sections.lowPass.right, sections.highPass.right, right, frames);
 }
 
 } // namespace quorbel

@@ -1,11 +1,31 @@
 #pragma once
 
-#include "effects/cores/BassHarmonics.h"
 #include "effects/cores/Kept.h"
+#include "effects/cores/StereoSection.h"
 
 #include <cstdint>
 
 namespace quorbel {
+
+/// The bass enhancer's work on one block, designed: x becomes
+/// (x + wet · highPass(tanh(drive · lowPass(x)) / drive)) / total.
+struct BassHarmonics {
+    BiquadCoefficients lowPass;
+    BiquadCoefficients highPass;
+    float drive = 1.0F;
+    float wet = 0.0F;
+    float total = 1.0F;
+};
+
+/// The filters' memories.
+struct BassSections {
+    StereoSection lowPass;
+    StereoSection highPass;
+};
+
+/// In place. [render]
+void addBassHarmonics(const BassHarmonics &harmonics, BassSections &sections, float *left,
+                      float *right, std::uint32_t frames) noexcept;
 
 /// Makes the bass below a crossover heard on speakers that cannot play it: its harmonics, from a
 /// tanh shaper, are kept above 1.5 times the crossover and mixed in.
@@ -17,10 +37,11 @@ class BassEnhancerCore {
     /// Back to silence.
     void clear() noexcept { sections_ = {}; }
 
-    /// In place. `amount` counts from 0 to 1 and is limited to that; `drive` is 1 or more. At
-    /// amount 0 the sound stays as it is while the filters keep running. [render]
-    void process(float *left, float *right, std::uint32_t frames, float amount, float drive,
-                 float crossoverHz) noexcept;
+    /// `amount` counts from 0 to 1 and is limited to that; `drive` is 1 or more. At amount 0 the
+    /// sound stays as it is while the filters keep running. [render]
+    [[nodiscard]] BassHarmonics designed(float amount, float drive, float crossoverHz) noexcept;
+
+    [[nodiscard]] BassSections &sections() noexcept { return sections_; } ///< [render]
 
   private:
     struct Filters {

@@ -16,12 +16,14 @@ void widenBy(const Width &width, float *left, float *right, std::uint32_t frames
 
 } // namespace
 
-void widen(float *left, float *right, std::uint32_t frames, const LinearRamp &width) noexcept {
+void widen(float *left, float *right, std::uint32_t frames, const LinearRamp &width,
+           std::uint32_t begin) noexcept {
     // A width at rest spares a quotient per frame.
     if (width.step() == 0.0F)
         widenBy([at = width.from()](std::uint32_t) { return at; }, left, right, frames);
     else
-        widenBy([width](std::uint32_t i) { return width.at(i); }, left, right, frames);
+        widenBy([width, begin](std::uint32_t i) { return width.at(begin + i); }, left, right,
+                frames);
 }
 
 } // namespace quorbel

@@ -10,12 +10,11 @@ void SpatializerCore::prepare(float sampleRate) noexcept {
     clear();
 }
 
-void SpatializerCore::process(float *left, float *right, std::uint32_t frames, float amount,
-                              float notchHz) noexcept {
+SideDip SpatializerCore::designed(float amount, float notchHz) noexcept {
     // Beyond half the sample rate the section would be unstable. Rates from 18 kHz on never get
     // there.
     const float centreHz = std::min(notchHz, 0.45F * sampleRate_);
-    const BiquadCoefficients coefficients = dip_.of(
+    const BiquadCoefficients &coefficients = dip_.of(
         [](float share, float hz, float sampleRate) {
             const float amplitude =
                 std::pow(10.0F, (2.0F * (-3.0F * share)) / 40.0F); // −6·share dB
@@ -23,16 +22,20 @@ void SpatializerCore::process(float *left, float *right, std::uint32_t frames, f
             return peaking(w0, std::sin(w0) / 2.4F, amplitude); // Q 1.2
         },
         amount, centreHz, sampleRate_);
-    const float sideGain = 1.0F + 0.5F * amount;
+    return {.sideGain = 1.0F + 0.5F * amount, .coefficients = coefficients};
+}
 
-    BiquadState state = side_;
+void spatialize(const SideDip &dip, BiquadState &side, float *left, float *right,
+                std::uint32_t frames) noexcept {
+    BiquadState state = side;
     for (std::uint32_t i = 0; i < frames; ++i) {
         const float mid = (left[i] + right[i]) * 0.5F;
-        const float side = state.process(coefficients, sideGain * (left[i] - right[i]) * 0.5F);
-        left[i] = mid + side;
-        right[i] = mid - side;
+        const float filtered =
+            state.process(dip.coefficients, dip.sideGain * (left[i] - right[i]) * 0.5F);
+        left[i] = mid + filtered;
+        right[i] = mid - filtered;
     }
-    side_ = state;
+    side = state;
 }
 
 } // namespace quorbel

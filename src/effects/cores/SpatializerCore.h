@@ -7,6 +7,16 @@
 
 namespace quorbel {
 
+/// The spatializer's work on one block, designed: the side signal's gain and then its section.
+struct SideDip {
+    float sideGain = 1.0F;
+    BiquadCoefficients coefficients;
+};
+
+/// In place. [render]
+void spatialize(const SideDip &dip, BiquadState &side, float *left, float *right,
+                std::uint32_t frames) noexcept;
+
 /// A shuffler: raises the side signal and carves a dip of up to 6 dB into it.
 class SpatializerCore {
   public:
@@ -16,10 +26,12 @@ class SpatializerCore {
     /// Back to silence.
     void clear() noexcept { side_ = {}; }
 
-    /// In place. `amount` 0 to 1; at 1 the side signal is 1.5 times as large. `notchHz` is the
-    /// centre of the dip, kept below the half of the sample rate. [render]
-    void process(float *left, float *right, std::uint32_t frames, float amount,
-                 float notchHz) noexcept;
+    /// `amount` 0 to 1; at 1 the side signal is 1.5 times as large. `notchHz` is the centre of the
+    /// dip, kept below the half of the sample rate. [render]
+    [[nodiscard]] SideDip designed(float amount, float notchHz) noexcept;
+
+    /// The side section's memory.
+    [[nodiscard]] BiquadState &side() noexcept { return side_; } ///< [render]
 
   private:
     float sampleRate_ = 48'000.0F;

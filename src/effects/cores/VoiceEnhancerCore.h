@@ -7,6 +7,24 @@
 
 namespace quorbel {
 
+/// The voice enhancer's work on one block, designed: x becomes
+/// x + mix · (presence(mud(x)) − x).
+struct VoiceClarity {
+    BiquadCoefficients mud;
+    BiquadCoefficients presence;
+    float mix = 0.0F;
+};
+
+/// The filters' memories.
+struct VoiceSections {
+    StereoSection mud;
+    StereoSection presence;
+};
+
+/// In place. [render]
+void clarify(const VoiceClarity &clarity, VoiceSections &sections, float *left, float *right,
+             std::uint32_t frames) noexcept;
+
 /// A cut around 300 Hz and a boost around 3 kHz, mixed into the dry sound.
 class VoiceEnhancerCore {
   public:
@@ -14,18 +32,18 @@ class VoiceEnhancerCore {
     void prepare(float sampleRate) noexcept;
 
     /// Back to silence. [render]
-    void clear() noexcept { mud_ = presence_ = {}; }
+    void clear() noexcept { sections_ = {}; }
 
-    /// In place. `mix` 0 to 1; `presenceDB` is a boost, `mudDB` a cut, both 0 or more. [render]
-    void process(float *left, float *right, std::uint32_t frames, float mix, float presenceDB,
-                 float mudDB) noexcept;
+    /// `mix` 0 to 1; `presenceDB` is a boost, `mudDB` a cut, both 0 or more. [render]
+    [[nodiscard]] VoiceClarity designed(float mix, float presenceDB, float mudDB) noexcept;
+
+    [[nodiscard]] VoiceSections &sections() noexcept { return sections_; } ///< [render]
 
   private:
     float sampleRate_ = 48'000.0F;
-    StereoSection mud_;
+    VoiceSections sections_;
     Kept<BiquadCoefficients, float, float> mudCoefficients_;      ///< by sample rate and cut
     Kept<BiquadCoefficients, float, float> presenceCoefficients_; ///< by sample rate and boost
-    StereoSection presence_; // its input is the mud filter's output
 };
 
 } // namespace quorbel

@@ -4,6 +4,10 @@
 #include "effects/cores/AnalysisRing.h"
 #include "effects/cores/BassEnhancerCore.h"
 #include "effects/cores/BassTracker.h"
+#include "effects/cores/EnhancerPass.h"
+#include "effects/units/MSWidenerUnit.h"
+#include "effects/units/SpatializerUnit.h"
+#include "effects/units/VoiceEnhancerUnit.h"
 
 #include <algorithm>
 #include <array>
@@ -28,6 +32,16 @@ struct BassEnhancerUnit::State {
     PlainCell detectedFundamentalStorage{80.0F}; // Hz; written by the analysis, kept by allocation
     BassEnhancerCore core;
     AnalysisRing ring; // kept by allocation
+
+    /// The stage's work on a block, with parameters as they are set. [render]
+    void addTo(EnhancerPass &pass, float amountPercent, float driveFactor, float setCrossover,
+               float adaptiveSwitch) noexcept {
+        const float crossoverHz = isAdaptiveOn(adaptiveSwitch)
+                                      ? std::clamp(detectedFundamentalStorage.load(), 40.0F, 150.0F)
+                                      : setCrossover;
+        pass.bass = core.designed(amountPercent / 100.0F, driveFactor, crossoverHz);
+        pass.bassSections = &core.sections();
+    }
 };
 
 struct BassEnhancerUnit::Analysis final : RingAnalysis {
@@ -79,19 +93,35 @@ RenderBlock BassEnhancerUnit::internalRenderBlock() {
                                                                    std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float amountPercent = amountStorage->taken();
-        const float driveFactor = driveStorage->taken();
-        const float setCrossover = crossoverStorage->taken();
-        const float crossoverHz =
-            isAdaptiveOn(adaptiveStorage->taken())
-                ? std::clamp(state->detectedFundamentalStorage.load(), 40.0F, 150.0F)
-                : setCrossover;
-
+        EnhancerPass pass;
+        state->addTo(pass, amountStorage->taken(), driveStorage->taken(), crossoverStorage->taken(),
+                     adaptiveStorage->taken());
         // The analysis hears the unprocessed sound.
         state->ring.feed(buffers.data[0], buffers.data[1], frames);
-        state->core.process(buffers.data[0], buffers.data[1], frames, amountPercent / 100.0F,
-                            driveFactor, crossoverHz);
+        enhance(pass, buffers.data[0], buffers.data[1], frames);
     });
+}
+
+std::size_t BassEnhancerUnit::renderWithFollowing(std::span<AudioUnit *const> following,
+                                                  AudioBufferList &buffers,
+                                                  std::uint32_t frames) noexcept {
+    if (following.size() < 3 || !buffers.isStereo())
+        return 0;
+    auto *const voice = unitAs<VoiceEnhancerUnit>(following[0]);
+    auto *const widener = unitAs<MSWidenerUnit>(following[1]);
+    auto *const spatializer = unitAs<SpatializerUnit>(following[2]);
+    if (voice == nullptr || widener == nullptr || spatializer == nullptr)
+        return 0;
+    EnhancerPass pass;
+    state_->addTo(pass, storage(amount)->taken(), storage(drive)->taken(),
+                  storage(crossover)->taken(), storage(adaptive)->taken());
+    voice->addTo(pass);
+    widener->addTo(pass, frames);
+    spatializer->addTo(pass);
+    state_->ring.feed(buffers.data[0], buffers.data[1], frames);
+    enhance(pass, buffers.data[0], buffers.data[1], frames);
+    voice->feedAnalysis(frames);
+    return 3;
 }
 
 float BassEnhancerUnit::readout() const noexcept {

@@ -18,6 +18,9 @@ class BassEnhancerUnit final : public EffectUnit {
     void reset() override;
     void setDemand(const EffectDemand &demand) override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
+    /// With voice enhancer, widener and spatializer.
+    std::size_t renderWithFollowing(std::span<AudioUnit *const> following, AudioBufferList &buffers,
+                                    std::uint32_t frames) noexcept override;
 
     /// The tracked frequency, Hz; 80 before the first measurement.
     [[nodiscard]] float readout() const noexcept override;

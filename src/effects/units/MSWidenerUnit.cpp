@@ -1,6 +1,7 @@
 #include "effects/units/MSWidenerUnit.h"
 
 #include "effects/PlainCell.h"
+#include "effects/cores/EnhancerPass.h"
 #include "effects/cores/MidSide.h"
 
 #include <array>
@@ -17,6 +18,13 @@ constexpr std::array widenerParameters{
 
 struct MSWidenerUnit::State {
     PlainCell prevWidthStorage{100.0F}; // percent; not reset by allocation
+
+    /// The width in a block that ends at `percent`. [render]
+    LinearRamp rampTo(float percent, std::uint32_t frames) noexcept {
+        const float previous = prevWidthStorage.load();
+        prevWidthStorage.store(percent);
+        return {previous / 100.0F, percent / 100.0F, frames};
+    }
 };
 
 MSWidenerUnit::MSWidenerUnit(const ComponentDescription &description, InstantiationOptions options)
@@ -27,12 +35,13 @@ RenderBlock MSWidenerUnit::internalRenderBlock() {
                                  const AudioBufferList &buffers, std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float percent = widthStorage->taken();
-        const float previous = state->prevWidthStorage.load();
         widen(buffers.data[0], buffers.data[1], frames,
-              LinearRamp(previous / 100.0F, percent / 100.0F, frames));
-        state->prevWidthStorage.store(percent);
+              state->rampTo(widthStorage->taken(), frames));
     });
+}
+
+void MSWidenerUnit::addTo(EnhancerPass &pass, std::uint32_t frames) noexcept {
+    pass.width = state_->rampTo(storage(width)->taken(), frames);
 }
 
 } // namespace quorbel

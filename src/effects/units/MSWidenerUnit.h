@@ -4,6 +4,8 @@
 
 namespace quorbel {
 
+struct EnhancerPass;
+
 /// Stereo width from mono (0 %) over neutral (100 %) to twice the side signal (200 %), the whole
 /// spectrum alike. A change is spread over one block.
 class MSWidenerUnit final : public EffectUnit {
@@ -12,6 +14,9 @@ class MSWidenerUnit final : public EffectUnit {
 
     MSWidenerUnit(const ComponentDescription &description, InstantiationOptions options);
     [[nodiscard]] RenderBlock internalRenderBlock() override;
+
+    /// Adds the unit's work on a block to a pass of several units. [render]
+    void addTo(EnhancerPass &pass, std::uint32_t frames) noexcept;
 
   private:
     struct State;

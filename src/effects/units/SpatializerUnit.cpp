@@ -1,6 +1,6 @@
 #include "effects/units/SpatializerUnit.h"
 
-#include "effects/cores/SpatializerCore.h"
+#include "effects/cores/EnhancerPass.h"
 
 #include <array>
 
@@ -36,11 +36,15 @@ RenderBlock SpatializerUnit::internalRenderBlock() {
                                                              std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float amountPercent = amountStorage->taken();
-        const float notchHz = notchStorage->taken();
-        state->core.process(buffers.data[0], buffers.data[1], frames, amountPercent / 100.0F,
-                            notchHz);
+        const SideDip dip =
+            state->core.designed(amountStorage->taken() / 100.0F, notchStorage->taken());
+        spatialize(dip, state->core.side(), buffers.data[0], buffers.data[1], frames);
     });
+}
+
+void SpatializerUnit::addTo(EnhancerPass &pass) noexcept {
+    pass.dip = state_->core.designed(storage(amount)->taken() / 100.0F, storage(notch)->taken());
+    pass.side = &state_->core.side();
 }
 
 } // namespace quorbel

@@ -4,6 +4,8 @@
 
 namespace quorbel {
 
+struct EnhancerPass;
+
 /// The crosstalk stage: widens the soundstage of speakers. Runs at amount 0 too, changing nothing
 /// but rounding. Changes take effect at the next block.
 class SpatializerUnit final : public EffectUnit {
@@ -13,6 +15,9 @@ class SpatializerUnit final : public EffectUnit {
     SpatializerUnit(const ComponentDescription &description, InstantiationOptions options);
     void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
+
+    /// Adds the unit's work on a block to a pass of several units. [render]
+    void addTo(EnhancerPass &pass) noexcept;
 
   protected:
     Status prepare(float sampleRate, std::string &error) override;

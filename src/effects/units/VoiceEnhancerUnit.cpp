@@ -2,6 +2,7 @@
 
 #include "effects/PlainCell.h"
 #include "effects/cores/AnalysisRing.h"
+#include "effects/cores/EnhancerPass.h"
 #include "effects/cores/VoiceDetector.h"
 #include "effects/cores/VoiceEnhancerCore.h"
 
@@ -28,7 +29,22 @@ struct VoiceEnhancerUnit::State {
     PlainCell sampleRateStorage{48'000.0F};
     PlainCell confidenceStorage{0.0F}; // 0 to 1; written by the analysis, kept by allocation
     VoiceEnhancerCore core;
-    AnalysisRing ring; // kept by allocation
+    AnalysisRing ring;                            // kept by allocation
+    std::array<float, maximumBlockFrames> mono{}; // the input of a block that is part of a pass
+
+    /// The stage's work on a block, with parameters as they are set. [render]
+    void addTo(EnhancerPass &pass, float amountPercent, float presenceDB, float mudDB,
+               float adaptiveSwitch) noexcept {
+        const float fullMix = amountPercent / 100.0F;
+        const float mix =
+            isAdaptiveOn(adaptiveSwitch) ? fullMix * confidenceStorage.load() : fullMix;
+        if (mix < smallestMix) {
+            core.clear();
+            return;
+        }
+        pass.voice = core.designed(mix, presenceDB, mudDB);
+        pass.voiceSections = &core.sections();
+    }
 };
 
 struct VoiceEnhancerUnit::Analysis final : RingAnalysis {
@@ -79,21 +95,25 @@ RenderBlock VoiceEnhancerUnit::internalRenderBlock() {
                                                                    std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        const float fullMix = amountStorage->taken() / 100.0F;
-        const float presenceDB = presenceGainStorage->taken();
-        const float mudDB = mudCutStorage->taken();
-        const float mix = isAdaptiveOn(adaptiveStorage->taken())
-                              ? fullMix * state->confidenceStorage.load()
-                              : fullMix;
-
         // The analysis hears the unprocessed sound, also while the unit rests.
         state->ring.feed(buffers.data[0], buffers.data[1], frames);
-        if (mix < smallestMix) {
-            state->core.clear();
-            return;
-        }
-        state->core.process(buffers.data[0], buffers.data[1], frames, mix, presenceDB, mudDB);
+        EnhancerPass pass;
+        state->addTo(pass, amountStorage->taken(), presenceGainStorage->taken(),
+                     mudCutStorage->taken(), adaptiveStorage->taken());
+        if (pass.voiceSections != nullptr)
+            enhance(pass, buffers.data[0], buffers.data[1], frames);
     });
+}
+
+void VoiceEnhancerUnit::addTo(EnhancerPass &pass) noexcept {
+    state_->addTo(pass, storage(amount)->taken(), storage(presence)->taken(), storage(mud)->taken(),
+                  storage(adaptive)->taken());
+    pass.bassMono = state_->mono.data();
+}
+
+void VoiceEnhancerUnit::feedAnalysis(std::uint32_t frames) noexcept {
+    // The mean of two equal channels is exactly either of them.
+    state_->ring.feed(state_->mono.data(), state_->mono.data(), frames);
 }
 
 float VoiceEnhancerUnit::readout() const noexcept { return state_->confidenceStorage.load(); }

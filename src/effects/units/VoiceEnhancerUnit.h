@@ -5,6 +5,8 @@
 
 namespace quorbel {
 
+struct EnhancerPass;
+
 /// Voice clarity. In adaptive mode the amount follows a running confidence that the sound is a
 /// voice, which is measured in the background all the while. At no amount it rests: bit-exact, its
 /// memory cleared.
@@ -19,6 +21,11 @@ class VoiceEnhancerUnit final : public EffectUnit {
     void reset() override;
     void setDemand(const EffectDemand &demand) override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
+
+    /// Adds the unit's work on a block to a pass of several units, which is to leave the unit's
+    /// input, mixed to mono, where `feedAnalysis` finds it. [render]
+    void addTo(EnhancerPass &pass) noexcept;
+    void feedAnalysis(std::uint32_t frames) noexcept; ///< [render]
 
     /// The confidence that a voice is heard, 0 to 1.
     [[nodiscard]] float readout() const noexcept override;

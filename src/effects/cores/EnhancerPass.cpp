@@ -1,0 +1,382 @@
+#include "effects/cores/EnhancerPass.h"
+
+#include "effects/cores/MidSide.h"
+#include "platform/dsp/VectorTargets.h"
+
+#include <algorithm>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "effects/cores/EnhancerPass.cpp"
+// In the order in which Highway wants them.
+// clang-format off
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+#include "effects/cores/StereoBank-inl.h"
+#include "effects/cores/TanhShaper-inl.h"
+// clang-format on
+
+HWY_BEFORE_NAMESPACE();
+namespace quorbel::HWY_NAMESPACE {
+namespace {
+
+#if HWY_TARGET != HWY_SCALAR
+
+/// Widener and spatializer, in three steps per tile: the spatializer's section is a recursion of
+/// one lane, which `frame` runs between other work.
+class SideSection {
+  public:
+    explicit SideSection(const EnhancerPass &pass)
+        : width_(pass.width), c_(pass.dip.coefficients), sideGain_(pass.dip.sideGain) {
+        HWY_ALIGN float inputs[bankFrames] = {};
+        if (pass.side != nullptr) {
+            outputs_ = {pass.side->y1, pass.side->y2};
+            inputs[vectorLanes - 1] = pass.side->x1;
+            inputs[vectorLanes - 2] = pass.side->x2;
+        }
+        inputs_ = hn::Load(tag, inputs);
+    }
+
+    void save(BiquadState &state) const {
+        HWY_ALIGN float inputs[bankFrames];
+        hn::Store(inputs_, tag, inputs);
+        state = {inputs[vectorLanes - 1], inputs[vectorLanes - 2], outputs_.y1, outputs_.y2};
+    }
+
+    /// Everything before the recursion, for `tile`, whose samples are `pairs`.
+    HWY_INLINE void begin(std::uint32_t tile, const float *pairs) {
+        const Vector half = hn::Set(tag, 0.5F);
+        for (std::uint32_t i = 0; i < bankFrames; i += vectorLanes) {
+            Vector l;
+            Vector r;
+            hn::LoadInterleaved2(tag, pairs + 2 * i, l, r);
+            const Vector width = widthFrom(bankFrames * tile + i);
+            const Vector mid = hn::Mul(hn::Add(l, r), half);
+            const Vector side = hn::Mul(hn::Mul(width, hn::Sub(l, r)), half);
+            l = hn::Add(mid, side);
+            r = hn::Sub(mid, side);
+            const Vector raised = hn::Mul(hn::Mul(hn::Set(tag, sideGain_), hn::Sub(l, r)), half);
+            hn::Store(hn::Mul(hn::Add(l, r), half), tag, mids_[tile % 2] + i);
+            hn::Store(fed(raised), tag, fed_ + i);
+        }
+    }
+
+    /// The section's last two outputs, which the caller keeps in registers during a tile.
+    struct Outputs {
+        float y1 = 0.0F;
+        float y2 = 0.0F;
+    };
+    [[nodiscard]] HWY_INLINE Outputs outputs() const { return outputs_; }
+    HWY_INLINE void setOutputs(Outputs outputs) { outputs_ = outputs; }
+
+    HWY_INLINE void frame(std::uint32_t tile, std::size_t i, Outputs &outputs) {
+        const float y = fed_[i] - c_.a1 * outputs.y1 - c_.a2 * outputs.y2;
+        outputs = {y, outputs.y1};
+        sides_[tile % 2][i] = y;
+    }
+
+    HWY_INLINE void end(std::uint32_t tile, float *left, float *right) const {
+        for (std::uint32_t i = 0; i < bankFrames; i += vectorLanes) {
+            const Vector mid = hn::Load(tag, mids_[tile % 2] + i);
+            const Vector side = hn::Load(tag, sides_[tile % 2] + i);
+            hn::StoreU(hn::Add(mid, side), tag, left + bankFrames * tile + i);
+            hn::StoreU(hn::Sub(mid, side), tag, right + bankFrames * tile + i);
+        }
+    }
+
+  private:
+    using Tag = hn::CappedTag<float, bankFrames>;
+    using Vector = hn::Vec<Tag>;
+    static constexpr Tag tag{};
+    static constexpr std::size_t vectorLanes = hn::MaxLanes(Tag());
+
+    /// The width at `frame` and those behind it, as LinearRamp::at.
+    HWY_INLINE Vector widthFrom(std::uint32_t frame) const {
+        const Vector from = hn::Set(tag, width_.from());
+        if (width_.step() == 0.0F)
+            return from;
+        const Vector position =
+            hn::Div(hn::Iota(tag, static_cast<float>(frame)), hn::Set(tag, width_.last()));
+        return hn::Add(from, hn::Mul(hn::Set(tag, width_.step()), position));
+    }
+
+    /// What the section's inputs contribute to its outputs: the first sums of BiquadState::process.
+    HWY_INLINE Vector fed(Vector x) {
+        // The frames before this vector's, in 128-bit blocks.
+        const Vector earlier = vectorLanes == 8 ? hn::ConcatLowerUpper(tag, x, inputs_) : inputs_;
+        const Vector x1 = hn::CombineShiftRightBytes<12>(tag, x, earlier);
+        const Vector x2 = hn::CombineShiftRightBytes<8>(tag, x, earlier);
+        inputs_ = x;
+        return hn::Add(hn::Add(hn::Mul(hn::Set(tag, c_.b0), x), hn::Mul(hn::Set(tag, c_.b1), x1)),
+                       hn::Mul(hn::Set(tag, c_.b2), x2));
+    }
+
+    LinearRamp width_;
+    BiquadCoefficients c_;
+    float sideGain_;
+    Outputs outputs_;
+    Vector inputs_; ///< the newest ones
+    alignas(32) float mids_[2][bankFrames];
+    alignas(32) float fed_[bankFrames];
+    alignas(32) float sides_[2][bankFrames];
+};
+
+/// The stages in one loop, each some tiles behind the one before it. The last stage of all is the
+/// spatializer, or the other one that there is.
+///
+/// 1. Within a step no stage needs what another one computes in the same step.
+/// 2. The input of a step's elementwise work is older than the step before: it would otherwise wait
+///    in the scheduler for the recursions and keep the ones behind it out.
+template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
+  public:
+    /// Over `tiles` whole tiles, at least one.
+    EnhancerLanes(const EnhancerPass &pass, float *left, float *right, std::uint32_t tiles)
+        : pass_(pass), left_(left), right_(right), tiles_(tiles) {}
+
+    void run() {
+        StereoSection none;
+        BassSections &bass = *pass_.bassSections;
+        VoiceSections &voice = *pass_.voiceSections;
+        const BankSection sections[bankSections] = {
+            {&pass_.bass.lowPass, hasBass ? &bass.lowPass : &none, 0},
+            {&pass_.bass.highPass, hasBass ? &bass.highPass : &none, highPassLag},
+            {&pass_.voice.mud, hasVoice ? &voice.mud : &none, bassLag},
+            {&pass_.voice.presence, hasVoice ? &voice.presence : &none, presenceLag}};
+        StereoBank bank(sections);
+        SideSection side(pass_);
+        const std::uint32_t steps = tiles_ + endLag;
+        std::uint32_t step = 0;
+        while (step < endLag)
+            doStepAtAnEnd(step++, bank, side);
+        if (step < tiles_) {
+            // Copied, so that the loop runs in registers.
+            StereoBank bankInside = bank;
+            SideSection sideInside = side;
+            while (step < tiles_)
+                doStep<true>(step++, bankInside, sideInside);
+            bank = bankInside;
+            side = sideInside;
+        }
+        while (step < steps)
+            doStepAtAnEnd(step++, bank, side);
+        bank.save(sections);
+        if constexpr (hasSide)
+            side.save(*pass_.side);
+    }
+
+  private:
+    // So many tiles a stage is behind the first one.
+    static constexpr std::uint32_t shapeLag = 2;
+    static constexpr std::uint32_t highPassLag = shapeLag + 1;
+    static constexpr std::uint32_t bassLag = hasBass ? highPassLag + 2 : 0;
+    static constexpr std::uint32_t presenceLag = bassLag + 2;
+    static constexpr std::uint32_t sideLag = hasVoice ? presenceLag + 2 : bassLag;
+    static constexpr std::uint32_t endLag = hasSide ? sideLag + 1 : sideLag;
+
+    /// Left and right in turn.
+    struct alignas(64) Tile {
+        float dry[2 * bankFrames]; ///< the input, then the bass enhancer's output, then the voice's
+        float wet[2 * bankFrames]; ///< the output of one section after the other
+    };
+    static constexpr std::uint32_t ringTiles = 16;
+    static_assert(endLag < ringTiles);
+
+    using Pairs = hn::CappedTag<float, 2 * bankFrames>;
+    static constexpr Pairs pairs{};
+    using Channel = hn::CappedTag<float, bankFrames>;
+    static constexpr Channel channel{};
+
+    HWY_INLINE Tile &at(std::uint32_t tile) { return ring_[tile % ringTiles]; }
+
+    /// A step at the beginning or the end, when some stages have no tile.
+    HWY_NOINLINE void doStepAtAnEnd(std::uint32_t step, StereoBank &bank, SideSection &side) {
+        doStep<false>(step, bank, side);
+    }
+
+    template <bool whole>
+    HWY_INLINE void doStep(std::uint32_t step, StereoBank &bank, SideSection &side) {
+        const auto hasTile = [&](std::uint32_t lag) { return whole || step - lag < tiles_; };
+        if (hasSide && hasTile(endLag))
+            side.end(step - endLag, left_, right_);
+        if (hasTile(0))
+            read(step);
+        if (hasBass && hasTile(shapeLag))
+            shape(at(step - shapeLag));
+        if (hasBass && hasTile(bassLag))
+            mixBass(step - bassLag);
+        if (hasVoice && hasTile(sideLag))
+            mixVoice(at(step - sideLag));
+        if (hasSide && hasTile(sideLag))
+            side.begin(step - sideLag, at(step - sideLag).dry);
+        if (!hasSide && hasTile(endLag))
+            write(step - endLag);
+
+        HWY_ALIGN const float silence[2 * bankFrames] = {};
+        HWY_ALIGN float unused[2 * bankFrames];
+        const auto in = [&](bool isThere, std::uint32_t lag, float *signal) {
+            return isThere && hasTile(lag) ? signal : silence;
+        };
+        const auto out = [&](bool isThere, std::uint32_t lag) {
+            return isThere && hasTile(lag) ? at(step - lag).wet : unused;
+        };
+        const float *const inputs[bankSections] = {
+            in(hasBass, 0, at(step).dry), in(hasBass, highPassLag, at(step - highPassLag).wet),
+            in(hasVoice, bassLag, at(step - bassLag).dry),
+            in(hasVoice, presenceLag, at(step - presenceLag).wet)};
+        float *const outputs[bankSections] = {out(hasBass, 0), out(hasBass, highPassLag),
+                                              out(hasVoice, bassLag), out(hasVoice, presenceLag)};
+        const StereoBank before = bank;
+        if (hasSide && hasTile(sideLag)) {
+            SideSection::Outputs last = side.outputs();
+            bank.process(inputs, outputs,
+                         [&](std::size_t i) HWY_ATTR { side.frame(step - sideLag, i, last); });
+            side.setOutputs(last);
+        } else {
+            bank.process(inputs, outputs, [](std::size_t) {});
+        }
+        if constexpr (!whole)
+            bank.keepActive(before, step, tiles_);
+    }
+
+    HWY_INLINE void read(std::uint32_t tile) {
+        const std::uint32_t begin = bankFrames * tile;
+        for (std::size_t i = 0; i < bankFrames; i += hn::Lanes(channel))
+            hn::StoreInterleaved2(hn::LoadU(channel, left_ + begin + i),
+                                  hn::LoadU(channel, right_ + begin + i), channel,
+                                  at(tile).dry + 2 * i);
+    }
+
+    HWY_INLINE void write(std::uint32_t tile) {
+        const std::uint32_t begin = bankFrames * tile;
+        for (std::size_t i = 0; i < bankFrames; i += hn::Lanes(channel)) {
+            hn::Vec<Channel> l;
+            hn::Vec<Channel> r;
+            hn::LoadInterleaved2(channel, at(tile).dry + 2 * i, l, r);
+            hn::StoreU(l, channel, left_ + begin + i);
+            hn::StoreU(r, channel, right_ + begin + i);
+        }
+    }
+
+    HWY_INLINE void shape(Tile &tile) {
+        const auto drive = hn::Set(pairs, pass_.bass.drive);
+        for (std::size_t i = 0; i < 2 * bankFrames; i += hn::Lanes(pairs))
+            hn::Store(shapedByTanh(hn::Load(pairs, tile.wet + i), drive), pairs, tile.wet + i);
+    }
+
+    HWY_INLINE void mixBass(std::uint32_t index) {
+        Tile &tile = at(index);
+        const auto wet = hn::Set(pairs, pass_.bass.wet);
+        const auto total = hn::Set(pairs, pass_.bass.total);
+        for (std::size_t i = 0; i < 2 * bankFrames; i += hn::Lanes(pairs)) {
+            const auto added = hn::Mul(wet, hn::Load(pairs, tile.wet + i));
+            hn::Store(hn::Div(hn::Add(hn::Load(pairs, tile.dry + i), added), total), pairs,
+                      tile.dry + i);
+        }
+        if (pass_.bassMono == nullptr)
+            return;
+        for (std::size_t i = 0; i < bankFrames; i += hn::Lanes(channel)) {
+            hn::Vec<Channel> l;
+            hn::Vec<Channel> r;
+            hn::LoadInterleaved2(channel, tile.dry + 2 * i, l, r);
+            hn::StoreU(hn::Mul(hn::Add(l, r), hn::Set(channel, 0.5F)), channel,
+                       pass_.bassMono + bankFrames * index + i);
+        }
+    }
+
+    HWY_INLINE void mixVoice(Tile &tile) {
+        const auto mix = hn::Set(pairs, pass_.voice.mix);
+        for (std::size_t i = 0; i < 2 * bankFrames; i += hn::Lanes(pairs)) {
+            const auto dry = hn::Load(pairs, tile.dry + i);
+            const auto shaped = hn::Load(pairs, tile.wet + i);
+            hn::Store(hn::Add(dry, hn::Mul(mix, hn::Sub(shaped, dry))), pairs, tile.dry + i);
+        }
+    }
+
+    const EnhancerPass pass_;
+    float *const left_;
+    float *const right_;
+    const std::uint32_t tiles_;
+    Tile ring_[ringTiles]; ///< the newest ones
+};
+
+#endif
+
+} // namespace
+
+/// Whole tiles, at least one; every combination of stages but none. Returns whether there is one
+/// pass for it.
+bool enhanceInLanes(const EnhancerPass &pass, float *left, float *right, std::uint32_t frames) {
+#if HWY_TARGET == HWY_SCALAR
+    (void)pass, (void)left, (void)right, (void)frames;
+    return false;
+#else
+    const std::uint32_t tiles = frames / bankFrames;
+    const bool hasVoice = pass.voiceSections != nullptr;
+    const bool hasSide = pass.side != nullptr;
+    if (pass.bassSections == nullptr) {
+        if (hasSide || !hasVoice)
+            return false;
+        EnhancerLanes<false, true, false>(pass, left, right, tiles).run();
+    } else if (hasSide) {
+        if (hasVoice)
+            EnhancerLanes<true, true, true>(pass, left, right, tiles).run();
+        else
+            EnhancerLanes<true, false, true>(pass, left, right, tiles).run();
+    } else {
+        if (hasVoice)
+            return false;
+        EnhancerLanes<true, false, false>(pass, left, right, tiles).run();
+    }
+    return true;
+#endif
+}
+
+} // namespace quorbel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace quorbel {
+
+HWY_EXPORT(enhanceInLanes);
+
+namespace {
+
+constexpr std::uint32_t enhancerTileFrames = 8;
+/// Shorter calls are over before the stages overlap.
+constexpr std::uint32_t shortestEnhancerPass = 16;
+
+/// From frame `begin` on.
+void enhanceRest(const EnhancerPass &pass, float *left, float *right, std::uint32_t begin,
+                 std::uint32_t frames) noexcept {
+    const std::uint32_t count = frames - begin;
+    float *const l = left + begin;
+    float *const r = right + begin;
+    if (pass.bassSections != nullptr)
+        addBassHarmonics(pass.bass, *pass.bassSections, l, r, count);
+    if (pass.bassMono != nullptr)
+        for (std::uint32_t i = 0; i < count; ++i)
+            pass.bassMono[begin + i] = (l[i] + r[i]) * 0.5F;
+    if (pass.voiceSections != nullptr)
+        clarify(pass.voice, *pass.voiceSections, l, r, count);
+    if (pass.side == nullptr)
+        return;
+    widen(l, r, count, pass.width, begin);
+    spatialize(pass.dip, *pass.side, l, r, count);
+}
+
+} // namespace
+
+void enhance(const EnhancerPass &pass, float *left, float *right, std::uint32_t frames) noexcept {
+    std::uint32_t tiled = frames - frames % enhancerTileFrames;
+    if (tiled < shortestEnhancerPass ||
+        !HWY_DYNAMIC_DISPATCH(enhanceInLanes)(pass, left, right, tiled))
+        tiled = 0;
+    enhanceRest(pass, left, right, tiled, frames);
+}
+
+void enhancePlainly(const EnhancerPass &pass, float *left, float *right,
+                    std::uint32_t frames) noexcept {
+    enhanceRest(pass, left, right, 0, frames);
+}
+
+} // namespace quorbel
+#endif
