@@ -20,9 +20,9 @@ using Vector = hn::Vec<Tag>;
 
 constexpr Tag tag;
 
-/// A lane reads in one step what its neighbour wrote three steps ago, not one: so no step has to
-/// wait for the whole of the step before it, only for its memory.
-constexpr std::uint32_t stepsPerLane = 3;
+/// A lane reads in one step what its neighbour wrote two steps ago, not one: so no step has to wait
+/// for the whole of the step before it, only for its memory.
+constexpr std::uint32_t stepsPerLane = 2;
 
 /// Left and right as two vectors, for many sections; or, where both fit, as the halves of one.
 /// A part is a vector or half of one; the sections are in its highest lanes.
@@ -138,8 +138,7 @@ class LaneStates {
         const Vector second = hn::MulAdd(c.secondOfFirst, first_, second_);
         first_ = hn::MulAdd(c.firstOfDifference, difference, first);
         second_ = hn::MulAdd(c.secondOfDifference, difference, second);
-        next_ = after_;
-        after_ = last_;
+        next_ = last_;
         last_ = hn::TableLookupLanes(output, c.upByOne);
         return last_;
     }
@@ -148,8 +147,7 @@ class LaneStates {
     Vector first_;
     Vector second_;
     Vector next_ = hn::Zero(tag);
-    Vector after_ = hn::Zero(tag); // what they read in the step after the next
-    Vector last_ = hn::Zero(tag);  // and in the one after that
+    Vector last_ = hn::Zero(tag); // what they read in the step after the next
 };
 
 struct Frame {
