@@ -7,11 +7,12 @@
 #include "platform/units/ComponentDescription.h"
 #include "platform/units/ParameterTree.h"
 
+#include <span>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>

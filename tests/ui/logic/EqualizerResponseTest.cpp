@@ -1,6 +1,6 @@
 #include "effects/EQProcessor.h"
-#include "ui/logic/DrawnCurves.h"
 #include "support/SineFit.h"
+#include "ui/logic/DrawnCurves.h"
 
 #include <gtest/gtest.h>
 #include <span>
