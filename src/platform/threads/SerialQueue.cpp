@@ -1,27 +1,123 @@
 #include "platform/threads/SerialQueue.h"
 
-#include "platform/threads/ThreadedSerialQueue.h"
 #include "platform/threads/Timer.h"
+#include "platform/threads/TimerQueue.h"
 
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
 #include <map>
 #include <mutex>
+#include <pthread.h>
 #include <set>
+#include <thread>
 #include <utility>
 
 namespace quorbel {
 
 namespace {
 
+/// A serial queue with a thread of its own on real time.
+class ThreadedSerialQueue final : public SerialQueue {
+  public:
+    explicit ThreadedSerialQueue(const std::string &name);
+    ~ThreadedSerialQueue() override;
+
+    TimerID repeating(double firstSeconds, double seconds, Task task) override;
+    /// The same, on multiples of `seconds` since the thread's start; the first is rounded up.
+    TimerID repeatingAligned(double firstSeconds, double seconds, Task task);
+    void cancel(TimerID timer) override;
+
+  private:
+    using SteadyClock = std::chrono::steady_clock;
+
+    TimerID add(ClockTicks firstDue, ClockTicks interval, Task task);
+    void run();
+    [[nodiscard]] ClockTicks now() const;
+
+    const SteadyClock::time_point start_ = SteadyClock::now();
+    std::mutex mutex_; // guards what follows; free while a task runs
+    std::condition_variable changed_;
+    std::condition_variable finished_;
+    TimerQueue timers_;
+    TimerID running_ = 0; // the timer whose task runs now
+    bool stopping_ = false;
+
+    std::thread thread_; // last: it uses all of the above
+};
+
+ThreadedSerialQueue::ThreadedSerialQueue(const std::string &name) : thread_([this] { run(); }) {
+    constexpr std::size_t longestThreadName = 15;
+    pthread_setname_np(thread_.native_handle(), name.substr(0, longestThreadName).c_str());
+}
+
+ThreadedSerialQueue::~ThreadedSerialQueue() {
+    {
+        const std::lock_guard lock(mutex_);
+        stopping_ = true;
+    }
+    changed_.notify_one();
+    thread_.join();
+}
+
+SerialQueue::TimerID ThreadedSerialQueue::repeating(double firstSeconds, double seconds,
+                                                    Task task) {
+    const ClockTicks interval = std::max<ClockTicks>(clockTicks(seconds), 1);
+    return add(now() + clockTicks(firstSeconds), interval, std::move(task));
+}
+
+SerialQueue::TimerID ThreadedSerialQueue::repeatingAligned(double firstSeconds, double seconds,
+                                                           Task task) {
+    const ClockTicks interval = std::max<ClockTicks>(clockTicks(seconds), 1);
+    const ClockTicks first = now() + clockTicks(firstSeconds);
+    return add((first + interval - 1) / interval * interval, interval, std::move(task));
+}
+
+SerialQueue::TimerID ThreadedSerialQueue::add(ClockTicks firstDue, ClockTicks interval, Task task) {
+    TimerID id = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        id = timers_.add(firstDue, interval, std::move(task));
+    }
+    changed_.notify_one();
+    return id;
+}
+
+void ThreadedSerialQueue::cancel(TimerID timer) {
+    std::unique_lock lock(mutex_);
+    timers_.cancel(timer);
+    if (timer != 0 && std::this_thread::get_id() != thread_.get_id())
+        finished_.wait(lock, [&] { return running_ != timer; });
+}
+
+void ThreadedSerialQueue::run() {
+    std::unique_lock lock(mutex_);
+    while (!stopping_) {
+        auto timer = timers_.takeDue(now());
+        if (!timer) {
+            if (const auto due = timers_.nextDue())
+                changed_.wait_for(lock, std::chrono::duration<double>(secondsOf(*due - now())));
+            else
+                changed_.wait(lock);
+            continue;
+        }
+        running_ = timer->timer;
+        lock.unlock();
+        (*timer->task)();
+        timer.reset(); // frees the task's captures before a waiting `cancel` returns
+        lock.lock();
+        running_ = 0;
+        finished_.notify_all();
+    }
+}
+
+ClockTicks ThreadedSerialQueue::now() const {
+    return clockTicks(std::chrono::duration<double>(SteadyClock::now() - start_).count());
+}
+
 class ClockedSerialQueue final : public SerialQueue {
   public:
     explicit ClockedSerialQueue(Clock &clock) : clock_(clock) {}
-
-    void async(Task task) override {
-        clock_.post([alive = std::weak_ptr<int>(alive_), task = std::move(task)] {
-            if (!alive.expired())
-                task();
-        });
-    }
 
     TimerID repeating(double firstSeconds, double seconds, Task task) override {
         const TimerID id = ++lastID_;
@@ -39,7 +135,6 @@ class ClockedSerialQueue final : public SerialQueue {
     Clock &clock_;
     TimerID lastID_ = 0;
     std::map<TimerID, Timer> timers_;
-    std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };
 
 /// A queue of its own on a thread that it shares with others.
@@ -48,7 +143,7 @@ class QueueOnSharedThread final : public SerialQueue {
     explicit QueueOnSharedThread(std::shared_ptr<ThreadedSerialQueue> worker)
         : worker_(std::move(worker)) {}
     ~QueueOnSharedThread() override {
-        // A task that is waited for may cancel its own timer meanwhile.
+        // Without the lock: a running task may cancel its own timer.
         std::set<TimerID> timers;
         {
             const std::lock_guard lock(timersMutex_);
@@ -56,16 +151,6 @@ class QueueOnSharedThread final : public SerialQueue {
         }
         for (const TimerID timer : timers)
             worker_->cancel(timer);
-        const std::lock_guard lock(pending_->mutex); // waits for a task that is running
-        pending_->isDropped = true;
-    }
-
-    void async(Task task) override {
-        worker_->async([pending = pending_, task = std::move(task)] {
-            const std::lock_guard lock(pending->mutex);
-            if (!pending->isDropped)
-                task();
-        });
     }
 
     TimerID repeating(double firstSeconds, double seconds, Task task) override {
@@ -82,16 +167,9 @@ class QueueOnSharedThread final : public SerialQueue {
     }
 
   private:
-    /// What was handed over and has not run.
-    struct Pending {
-        std::mutex mutex;
-        bool isDropped = false;
-    };
-
     std::shared_ptr<ThreadedSerialQueue> worker_;
     std::mutex timersMutex_;
     std::set<TimerID> timers_;
-    std::shared_ptr<Pending> pending_ = std::make_shared<Pending>();
 };
 
 } // namespace

@@ -8,34 +8,31 @@
 
 namespace quorbel {
 
-/// Runs tasks one at a time, in the order they were given, away from its callers. Not for audio
-/// threads: handing a task over may allocate and lock.
+/// Runs repeating tasks one at a time, away from its callers. Not for audio threads: setting a
+/// timer may allocate and lock.
 class SerialQueue {
   public:
     using Task = Clock::Task;
     using TimerID = Clock::TimerID; ///< 0 names no timer
 
-    /// What is still waiting is dropped; a task that is running is waited for.
+    /// Ends the timers; waits for a running task.
     virtual ~SerialQueue() = default;
     SerialQueue(const SerialQueue &) = delete;
     SerialQueue &operator=(const SerialQueue &) = delete;
 
-    /// [any]
-    virtual void async(Task task) = 0;
-
     /// Runs `task` on the queue `firstSeconds` from now and then every `seconds` (both > 0). [any]
     virtual TimerID repeating(double firstSeconds, double seconds, Task task) = 0;
 
-    /// When this returns the task is not running and does not run again; on the queue itself it
-    /// returns at once and the running call is the last. Unknown ids are ignored. [any]
+    /// On return the task is not running and does not run again. On the queue itself it returns at
+    /// once, and the running call is the last. Unknown ids are ignored. [any]
     virtual void cancel(TimerID timer) = 0;
 
   protected:
     SerialQueue() = default;
 };
 
-/// Makes the queues of those who need one, by name (what a debugger shows, cut to 15 bytes).
-/// Whoever puts the program together chooses one and passes it down.
+/// Makes queues, by name (what a debugger shows, cut to 15 bytes). The program chooses one and
+/// passes it down.
 using SerialQueueFactory = std::function<std::unique_ptr<SerialQueue>(const std::string &name)>;
 
 /// Each queue has a thread of its own and runs on real time.
