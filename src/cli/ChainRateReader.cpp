@@ -32,9 +32,9 @@ ChainRateReader::ChainRateReader(const std::string &path) : file_(path) {
     }
     input_.assign(std::size_t{2} * bufferFrames, 0.0F);
 
-    // The converter answers late by its latency, seldom a whole number of frames at 48 kHz. Silence
-    // ahead of the file makes it one; that many frames are then thrown away, and the first one kept
-    // falls exactly on the file's first.
+    // The converter's latency is seldom a whole number of frames at 48 kHz. Silence ahead of the
+    // file makes it one. That many frames are discarded, and the first one kept falls exactly on
+    // the file's first.
     const auto latency = static_cast<std::uint64_t>(std::ceil(converter_->latencyFrames()));
     const std::uint64_t period = rate / std::gcd(rate, chainRate);
     std::uint64_t silence = (period - latency % period) % period;
@@ -90,7 +90,7 @@ std::uint32_t ChainRateReader::convert(const AudioBufferList &output, std::uint3
     return produced;
 }
 
-/// The next frames of the file and, after its end, the silence that lets the last of them out.
+/// Reads the next frames of the file; after its end, silence that flushes the converter.
 void ChainRateReader::fillInput() {
     pending_ = AudioBufferList(input_.data(), input_.data() + bufferFrames);
     pendingFrames_ = fileEnded_ ? 0 : file_.read(pending_, bufferFrames);

@@ -11,9 +11,8 @@
 
 namespace quorbel {
 
-/// A sound file at the chain's 48 kHz. What has another rate is converted, aligned with the file:
-/// the converter's delay is taken out again, and n frames at rate r become exactly
-/// round(n·48000/r).
+/// A sound file at the chain's 48 kHz. Other rates are converted and stay aligned with the file:
+/// the converter's latency is removed, and n frames at rate r become exactly round(n·48000/r).
 class ChainRateReader {
   public:
     /// Throws CommandError for a file that cannot be read or converted.
@@ -38,7 +37,7 @@ class ChainRateReader {
     SoundFileReader file_;
     std::unique_ptr<SampleRateConverter> converter_; ///< null for a file at 48 kHz
     std::vector<float> input_;                       ///< two planes
-    AudioBufferList pending_; ///< the part of it that the converter has not taken
+    AudioBufferList pending_; ///< the part of `input_` that the converter has not consumed
     std::uint32_t pendingFrames_ = 0;
     std::uint64_t fileFrames_ = 0;
     bool fileEnded_ = false;

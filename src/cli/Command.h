@@ -14,7 +14,7 @@ using TimedFile = std::pair<double, std::string>;
 
 /// One value of an option or argument.
 struct CommandValue {
-    /// What a shell completes it with.
+    /// The source of a shell's completions.
     enum class Completion { none, file, presetName, deviceUID };
 
     std::string name; ///< in capitals, as help and manual write it
@@ -28,7 +28,7 @@ struct CommandArgument {
         std::uint32_t least;
         std::uint32_t most;
     };
-    /// Holds what the user gave; untouched for an argument that is not given. A `double` is a
+    /// Receives the given value; untouched for an argument that is not given. A `double` is a
     /// finite number of seconds, not negative. A list makes the option repeatable.
     using Variable = std::variant<bool *, std::string *, std::optional<std::string> *, WholeNumber,
                                   std::optional<double> *, std::vector<TimedFile> *>;
@@ -46,7 +46,7 @@ struct CommandArgument {
     std::string excludes{}; ///< an option declared before that may not be given as well
 };
 
-/// A subcommand. What it declares is the only source of its help, manual and completions.
+/// A subcommand. Its declarations are the only source of its help, manual and completions.
 class Command {
   public:
     virtual ~Command() = default;

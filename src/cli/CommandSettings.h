@@ -9,13 +9,13 @@
 
 namespace quorbel {
 
-/// The settings that a command starts from: the file named by the user or, where `path` is empty,
-/// the user's own settings file or, where that cannot be read, the defaults. The file is left as it
-/// is. Throws CommandError, naming the file and the place in it, for one that is not a settings
-/// file.
+/// The settings that a command starts from. They come from the file at `path`; if that is empty,
+/// from the user's own settings file; if that cannot be read, they are the defaults. The file is
+/// left as it is. Throws CommandError, naming the file and the place in it, for one that is not a
+/// settings file.
 [[nodiscard]] Persisted loadSettings(const std::string &path);
 
-/// What of them decides the sound; a mixer or gain that the file does not have is the default.
+/// The part of the settings that decides the sound. A missing mixer or gain is the default.
 [[nodiscard]] ChainSettings chainSettings(const Persisted &settings);
 
 /// The presets that a user with these settings has: the program's own, then the user's.
@@ -25,8 +25,8 @@ namespace quorbel {
 /// count. Throws CommandError for a name that no preset has.
 [[nodiscard]] Preset presetNamed(const Persisted &settings, const std::string &name);
 
-/// Puts the bands and spatial settings of the preset with this name in the place of those in
-/// `settings`; everything else stays. Throws as `presetNamed`.
+/// Replaces the bands and spatial settings with those of the preset of this name; everything else
+/// stays. Throws as `presetNamed`.
 void applyPreset(Persisted &settings, const std::string &name);
 
 /// The user's own settings file, for a command that changes it. Where there is none yet, it begins
@@ -38,8 +38,8 @@ class UserSettings {
 
     Persisted settings;
 
-    /// Replaces the file as a whole, with what another program has written since. Throws
-    /// CommandError; the file is then as it was.
+    /// Replaces the file as a whole and keeps another program's changes since. Throws CommandError;
+    /// the file is then as it was.
     void save();
 
   private:

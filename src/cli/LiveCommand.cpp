@@ -83,7 +83,7 @@ void LiveCommand::run() const {
     if (!lock.isHeld())
         throw CommandError("Ostrafine is already running and processes the sound");
 
-    // Qt's own event loop wakes up at less cost than the one it borrows from GLib.
+    // Qt's own event loop wakes up at a lower cost than GLib's.
     qputenv("QT_NO_GLIB", "1");
     int argumentCount = 1;
     char name[] = "ostrafine-cli";

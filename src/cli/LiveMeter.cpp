@@ -27,7 +27,7 @@ std::string stateText(const AudioEngine &engine) {
     return "starting";
 }
 
-/// Without what would wrap: a second line could not be taken back.
+/// Cuts the text to the terminal's width: a wrapped second line could not be erased.
 std::string cutToTerminal(const std::string &text) {
     winsize size{};
     if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0)

@@ -31,7 +31,7 @@ class LiveMeter {
 
     AudioEngine &engine_;
     Clock &clock_;
-    QObject changes_; ///< its end is the end of hearing of them
+    QObject changes_; ///< its destruction disconnects the signals
     bool isShown_ = false;
     LogSink previousSink_;
     std::mutex mutex_; ///< guards `shown_`; log lines come from several threads

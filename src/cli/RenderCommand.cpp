@@ -26,8 +26,8 @@ namespace quorbel {
 
 namespace {
 
-/// Asking for signals costs a call of the system. Even blocks of one frame get through this many in
-/// some hundredths of a second.
+/// A check for signals costs a system call. Even in blocks of one frame this many take some
+/// hundredths of a second.
 constexpr std::uint32_t framesBetweenSignalChecks = 16384;
 
 /// A settings file that takes effect at the first block boundary at or after a frame.
@@ -45,7 +45,7 @@ std::vector<Change> loadChanges(const std::vector<TimedFile> &requests) {
     return changes;
 }
 
-/// Also through links of either kind, and for files that are yet to be made.
+/// Follows links of either kind; also for files that do not exist yet.
 bool isSameFile(const std::string &first, const std::string &second) {
     struct stat firstStatus {};
     struct stat secondStatus {};
@@ -57,7 +57,8 @@ bool isSameFile(const std::string &first, const std::string &second) {
            std::filesystem::weakly_canonical(second, unknown);
 }
 
-/// Each file has its own part: the input is only read, and no output may take another's place.
+/// Throws where two of the files are one: the input is only read, and no output may replace
+/// another.
 void requireFilesOfTheirOwn(const std::vector<std::optional<std::string>> &paths) {
     constexpr std::array<const char *, 4> parts{"the input", "the output", "the meters' table",
                                                 "the spectrum's table"};

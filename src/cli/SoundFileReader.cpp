@@ -75,7 +75,7 @@ bool tellsOfCut(std::string_view line) {
                      [&](std::string_view start) { return name.starts_with(start); }))
         return false;
 
-    // What a writer that cannot go back leaves in place of a length.
+    // The length that a writer leaves if it cannot seek back.
     constexpr std::uint64_t unknownFrom = 0x7FFF0000;
     const std::uint64_t stated = leadingNumber(line.substr(colon + 1));
     const std::uint64_t present = leadingNumber(line.substr(noteAt + note.size()));
@@ -108,8 +108,8 @@ struct SoundFileReader::State {
     SF_INFO info{};
     std::uint64_t framesRead = 0;
     std::vector<float> interleaved;   ///< `bufferFrames` frames, of which the file filled some
-    std::uint32_t framesTaken = 0;    ///< of those, what callers have had
-    std::uint32_t framesBuffered = 0; ///< of those, what the file filled
+    std::uint32_t framesTaken = 0;    ///< of those, the frames that callers have read
+    std::uint32_t framesBuffered = 0; ///< of those, the frames that the file filled
 
     /// Only estimated for compressed streams that carry no length.
     [[nodiscard]] bool lengthIsExact() const {

@@ -11,7 +11,7 @@ namespace quorbel {
 
 /// Reads a mono or stereo sound file as planar stereo at the file's own rate, block by block; mono
 /// is heard on both sides. Reads ahead by some blocks, a constant amount. Throws CommandError,
-/// naming the file, for whatever is not such a file.
+/// naming the file, for any other file.
 class SoundFileReader {
   public:
     explicit SoundFileReader(const std::string &path);
@@ -21,7 +21,7 @@ class SoundFileReader {
 
     [[nodiscard]] std::uint32_t sampleRate() const; ///< Hz
 
-    /// What the file says of its length, 0 if it says nothing; compressed files may only estimate
+    /// Length according to the file, in frames; 0 if unknown. Compressed files may only estimate
     /// it.
     [[nodiscard]] std::uint64_t expectedFrames() const;
 

@@ -83,7 +83,7 @@ struct SoundFileWriter::State {
     WriteBehind writeBehind{target.descriptor()};
     std::unique_ptr<SNDFILE, Closer> file;
     std::vector<float> interleaved = std::vector<float>(std::size_t{2} * bufferFrames);
-    std::uint32_t framesBuffered = 0; ///< of those, what the file has not had yet
+    std::uint32_t framesBuffered = 0; ///< of those, the frames that the file has not received
 };
 
 SoundFileWriter::SoundFileWriter(const std::string &path, std::uint64_t expectedFrames)

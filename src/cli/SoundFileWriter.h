@@ -22,8 +22,8 @@ class SoundFileWriter {
     /// Gathers some blocks, a constant amount, so an error may belong to an earlier call's sound.
     void write(const AudioBufferList &sound, std::uint32_t frames);
 
-    /// Writes what is still gathered and puts the file in its place; without this call nothing is
-    /// left behind.
+    /// Writes the gathered rest and gives the file its name; without this call nothing is left
+    /// behind.
     void finish();
 
   private:

@@ -21,8 +21,8 @@ DeviceError DeviceError::setPropertyFailed(std::string_view what, Status status)
 
 DeviceError DeviceError::deviceNotFound() { return DeviceError("Audio device not found."); }
 
-/// One time of observing, from start to stop. The hardware's threads reach the manager only through
-/// here: they post to the main thread, where a hand-over that outlived its observation is dropped.
+/// One period of observation, from start to stop. The hardware's threads reach the manager only
+/// through this: they post to the main thread, which drops tasks that outlive their observation.
 class DeviceManager::Observation final : public HardwareListener,
                                          public std::enable_shared_from_this<Observation> {
   public:
@@ -49,10 +49,10 @@ class DeviceManager::Observation final : public HardwareListener,
     void defaultOutputChanged() override { listenerProc(); }
     void hardwareLost(Status status) override {
         handOver([status](DeviceManager &manager) {
-            // A copy, because what is called may clear the callback.
+            // A copy, because the callback may clear itself.
             if (const auto callback = manager.onHardwareLost)
                 callback(status);
-            // Only now, because nothing may be left of the lost hardware when a new one is found.
+            // Last, because nothing of the lost hardware may remain when a new one is found.
             manager.refresh();
         });
     }

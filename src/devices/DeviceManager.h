@@ -21,25 +21,24 @@ namespace quorbel {
 
 /// An audio device as it stood when the devices were listed.
 struct AudioDevice {
-    AudioObjectID id = 0; ///< valid as long as the device is there; then free for another
-    std::string uid;      ///< stays the same when the device goes and comes back
+    AudioObjectID id = 0; ///< valid while the device is there; reused afterwards
+    std::string uid;      ///< stable when the device goes and returns
     std::string name;
     std::string manufacturer;
     int inputChannels = 0;
     int outputChannels = 0;
-    std::uint64_t serial = 0; ///< another one when the device comes back, also under the same id
+    std::uint64_t serial = 0; ///< changes when the device returns, even under the same id
 
     friend bool operator==(const AudioDevice &, const AudioDevice &) = default;
 };
 
 /// Lists the machine's audio devices, knows the default output, binds the engine's output to a
-/// device and tells of hardware changes. All calls [main]; the hardware's own threads only hand
-/// over.
+/// device and announces hardware changes. All calls [main]; the hardware's own threads only post.
 class DeviceManager final : public QObject {
     Q_OBJECT
 
   public:
-    /// What is shown to the user as it stands.
+    /// An error whose text is shown to the user unchanged.
     class DeviceError : public std::runtime_error {
       public:
         static DeviceError noAudioUnit(std::string_view what);
@@ -57,8 +56,8 @@ class DeviceManager final : public QObject {
     /// Every device with at least one output channel, in the platform's order.
     [[nodiscard]] const std::vector<AudioDevice> &outputDevices() const { return outputDevices_; }
 
-    /// Lists the output devices anew; where the connection to the hardware was lost, tries to
-    /// connect again first.
+    /// Lists the output devices again; tries to connect first if the connection to the hardware was
+    /// lost.
     void refresh();
     /// The same, but only where devices have come or gone since, the default output is another, or
     /// the connection is lost.
@@ -82,10 +81,10 @@ class DeviceManager final : public QObject {
     void setEngineOutput(HardwareOutput *output, const AudioDevice &device) const;
 
     /// From now on a change of the device list or of the default output refreshes the list and
-    /// calls `onHardwareChange`, a lost connection calls `onHardwareLost`. What cannot be listened
-    /// to is logged and left out. Once observing, a second call does nothing.
+    /// calls `onHardwareChange`, a lost connection calls `onHardwareLost`. A property that cannot
+    /// be listened to is logged and left out. Once observing, a second call does nothing.
     void startObservingHardware();
-    /// After this neither callback is called, not even for changes that are on their way.
+    /// After this neither callback is called, not even for pending changes.
     void stopObservingHardware();
     [[nodiscard]] bool isObservingHardware() const { return observation_ != nullptr; }
 
@@ -93,7 +92,7 @@ class DeviceManager final : public QObject {
     std::function<void(Status)> onHardwareLost;
 
   Q_SIGNALS:
-    /// The list is another, or the default among it, or the hardware has gone or come.
+    /// The list or the default in it has changed, or the hardware has gone or returned.
     void outputDevicesChanged();
 
   private:
@@ -102,7 +101,7 @@ class DeviceManager final : public QObject {
     [[nodiscard]] int channelCount(AudioObjectID id, Scope scope) const;
     [[nodiscard]] AudioDevice describe(AudioObjectID id) const;
 
-    /// Enough of what is there to see that it has changed.
+    /// Enough about the devices to detect a change.
     struct Census {
         std::vector<std::pair<AudioObjectID, std::uint64_t>> devices; ///< all, with their serials
         AudioObjectID defaultOutput = 0;
@@ -114,7 +113,7 @@ class DeviceManager final : public QObject {
     Clock &clock_;
     std::vector<AudioDevice> outputDevices_;
     std::optional<Census> census_;             ///< of the last listing
-    std::shared_ptr<Observation> observation_; ///< shared with what it has handed over
+    std::shared_ptr<Observation> observation_; ///< shared with its posted tasks
 };
 
 } // namespace quorbel

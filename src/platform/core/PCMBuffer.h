@@ -9,7 +9,7 @@
 namespace quorbel {
 
 /// A block of planar sound with its format: either owning its storage (made once, reused for every
-/// cycle) or wrapping somebody else's without copying.
+/// cycle) or a view of another's without copying.
 class PCMBuffer {
   public:
     /// Owns zeroed storage for `frameCapacity` frames of at most `AudioBufferList::maximumBuffers`

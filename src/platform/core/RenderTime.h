@@ -4,7 +4,7 @@
 
 namespace quorbel {
 
-/// Where a block stands in the stream.
+/// Position of a block in the stream.
 struct RenderTime {
     std::int64_t sampleTime = 0; ///< frames rendered since the graph was started
 };

@@ -4,8 +4,8 @@
 
 namespace quorbel {
 
-/// What a platform call returns: 0 for success, otherwise a code that reaches the user's error
-/// texts unchanged, in decimal. The sound server's failures are negative errno values.
+/// Result of a platform call: 0 for success, otherwise a code that the user's error texts show in
+/// decimal. The sound server's failures are negative errno values.
 using Status = std::int32_t;
 
 inline constexpr Status statusOK = 0;

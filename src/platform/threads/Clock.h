@@ -6,8 +6,7 @@
 namespace quorbel {
 
 /// Time as the program sees it, and the main thread's queue of work. Every wait, debounce and
-/// repeating timer goes through it, so that tests and file rendering run on a clock that they move
-/// themselves.
+/// repeating timer uses it. Tests and file rendering run on a clock that they move themselves.
 ///
 /// Callbacks run on the main thread, one at a time, in time order (in order of arrival where
 /// equal).

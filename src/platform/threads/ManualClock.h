@@ -11,9 +11,9 @@ namespace quorbel {
 /// `advance`, on the thread that calls it, which thereby is the main thread.
 class ManualClock final : public Clock {
   public:
-    /// Lets `seconds` (not negative) pass: posted work and due timers run in time order, `now`
-    /// standing at each timer's own time while it runs. What callbacks set or post runs too if it
-    /// falls due in the same span. Not to be called from inside a callback. [main]
+    /// Lets `seconds` (not negative) pass: posted work and due timers run in time order, and `now`
+    /// is each timer's own time while it runs. Timers and work that callbacks add run too if they
+    /// fall due in the same span. Not to be called from inside a callback. [main]
     void advance(double seconds);
 
     /// Runs what is posted or due now. [main]

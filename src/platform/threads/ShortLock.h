@@ -4,8 +4,8 @@
 
 namespace quorbel {
 
-/// The only lock an audio thread may take: held for a short copy, never while another is held. (The
-/// settings' lock is an exception, which an audio thread only tries; see AudioGraph.) A thread of
+/// The only lock an audio thread may take: held for a short copy, never while another is held. (An
+/// exception is the settings' lock, which an audio thread only tries; see AudioGraph.) A thread of
 /// low priority that holds it inherits the priority of the audio thread waiting for it, so the wait
 /// is as long as the copy and no longer. Not recursive. Use with std::lock_guard.
 class ShortLock {

@@ -22,7 +22,7 @@ inline constexpr ClockTicks clockTicksPerSecond = 705'600'000;
 }
 
 /// The timers of one clock in the order they fall due, equal ones in the order they were set. Not
-/// thread-safe: its owner is, where that is needed.
+/// thread-safe.
 class TimerQueue {
   public:
     using Task = Clock::Task;
@@ -39,8 +39,8 @@ class TimerQueue {
         TimerID timer = 0;
         std::shared_ptr<Task> task; ///< shared, because a task may cancel itself while it runs
     };
-    /// Takes out the next timer that is due at `now`; a repeating one is set again first. One that
-    /// comes late by whole intervals has missed them: it does not make up for them in a burst.
+    /// Takes out the next timer that is due at `now`; a repeating one is set again first. A timer
+    /// that is late by whole intervals skips them: it does not fire in a burst.
     [[nodiscard]] std::optional<Due> takeDue(ClockTicks now);
 
   private:

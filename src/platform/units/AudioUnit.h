@@ -69,7 +69,7 @@ class AudioUnitBusArray {
     std::vector<AudioUnitBus *> busses_;
 };
 
-/// How a unit is asked to be made; none are defined.
+/// Options for making a unit; none are defined.
 using InstantiationOptions = std::uint32_t;
 
 /// A self-contained processing stage. Constructors throw AudioUnitError.
@@ -99,21 +99,21 @@ class AudioUnit {
     [[nodiscard]] std::uint32_t maximumFramesToRender() const { return maximumFrames_; }
     void setMaximumFramesToRender(std::uint32_t frames) { maximumFrames_ = frames; }
 
-    /// Takes all the memory that rendering needs. On failure, `error` says why in words and the
-    /// unit is as before. The base class demands that all busses have one format.
+    /// Takes all the memory that rendering needs. On failure `error` is the reason in words and the
+    /// unit is as before. The base class requires that all busses have one format.
     virtual Status allocateRenderResources(std::string &error);
     virtual void deallocateRenderResources() { allocated_ = false; }
     [[nodiscard]] bool renderResourcesAllocated() const { return allocated_; }
 
-    /// Forgets the sound it holds (delay lines, filter memories), not parameters and measurements.
-    /// Only while nothing renders. [control]
+    /// Clears the held sound (delay lines, filter memories), not parameters and measurements. Only
+    /// while nothing renders. [control]
     virtual void reset() {}
 
     /// Takes the parameters' values for the blocks that are rendered from now on. [render]
     virtual void takeSettings() noexcept {}
 
-    /// A new block at every call, which keeps what it needs alive, also beyond the unit. It may be
-    /// called from the time render resources are allocated.
+    /// Returns a new block at every call. The block keeps its state alive, also beyond the unit,
+    /// and may be called once render resources are allocated.
     [[nodiscard]] virtual RenderBlock internalRenderBlock() = 0;
 
     /// Renders this unit and the first of the units behind it, `following`, in place, if one pass

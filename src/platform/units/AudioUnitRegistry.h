@@ -27,7 +27,7 @@ class AudioUnitRegistry {
     /// Completions are posted to `clock`.
     explicit AudioUnitRegistry(Clock &clock) : clock_(clock) {}
 
-    /// Registering a description again replaces what stood there.
+    /// Registering a description again replaces the earlier entry.
     void registerSubclass(Factory factory, const ComponentDescription &description,
                           std::string name, std::uint32_t version);
 

@@ -12,7 +12,7 @@ class ParameterTree;
 
 using ParameterAddress = std::uint64_t;
 
-/// The numbers are the platform's own.
+/// The platform's own numbers.
 enum class ParameterUnit : std::uint32_t {
     generic = 0,
     boolean = 2,
@@ -34,8 +34,8 @@ struct ParameterDescription {
     std::uint32_t flags = parameterReadable | parameterWritable;
 };
 
-/// One value of a unit that the outside may read and set. Once it stands in a tree, the value lives
-/// where the tree's observer and provider keep it. [main]
+/// One value of a unit that can be read and set from outside. In a tree, the tree's observer and
+/// provider store it. [main]
 class Parameter {
   public:
     explicit Parameter(ParameterDescription description);
@@ -45,8 +45,7 @@ class Parameter {
 
     [[nodiscard]] float value() const;
 
-    /// Takes what lies outside the range as the nearest value inside it. Not-a-number is no value:
-    /// the parameter keeps the one it has.
+    /// Clamps the value to the range. NaN changes nothing.
     void setValue(float value);
 
   private:

@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-// What goes wrong with audio units, in the codes that this kind of interface has always used.
+// Errors of audio units, in the codes that this kind of interface has always used.
 inline constexpr Status statusUninitialized = -10867;      ///< rendering without render resources
 inline constexpr Status statusFormatNotSupported = -10868; ///< a format that the unit cannot take
 inline constexpr Status statusTooManyFrames = -10874;      ///< more than `maximumFramesToRender`

@@ -16,8 +16,8 @@ class FileReplacementError : public std::runtime_error {
 /// has no name where the file system allows that, and vanishes with the process; elsewhere it is a
 /// hidden file beside the target.
 ///
-/// Where the path is a symbolic link, the file that it leads to is replaced. A file that exists
-/// keeps its permissions.
+/// If the path is a symbolic link, the file that it leads to is replaced. A file that exists keeps
+/// its permissions.
 class FileReplacement {
   public:
     /// Throws FileReplacementError where the target cannot be written, is not a regular file, or

@@ -13,7 +13,7 @@ struct MovedFile {
 
 /// Moves a file that cannot be used, but may be of value to the user, out of the way: to
 /// `<stem>.corrupt-<seconds since 1970>.json` in its folder. Symbolic links stay; the file that
-/// they lead to is moved. Never replaces another file: where the name is taken, the new one gets a
+/// they lead to is moved. Never replaces another file: if the name is taken, the new one gets a
 /// number.
 MovedFile moveAside(const std::string &path, std::string_view stem = "state");
 

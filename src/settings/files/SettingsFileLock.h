@@ -4,9 +4,9 @@
 
 namespace quorbel {
 
-/// Held while a program reads, compares and replaces one of the settings files: no other program of
-/// ours writes it meanwhile. A file lock on `<file>.lock` beside the file that the path leads to;
-/// it ends with the process, however that ends.
+/// Lock of one of the settings files, held while a program reads, compares and replaces it: no
+/// other program of ours writes it then. A file lock on `<file>.lock` beside the file that the path
+/// leads to; it ends with the process, however that ends.
 class SettingsFileLock {
   public:
     /// Makes the folder where it is missing. Waits for another program, which takes milliseconds

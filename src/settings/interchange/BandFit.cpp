@@ -41,7 +41,7 @@ Curve responseOf(const std::vector<EQBand> &bands) {
     return sum;
 }
 
-/// `response` − `target`, both cut off at the floor.
+/// `response` − `target`, both limited to the floor.
 double differenceAt(double response, double target) {
     return std::max(response, floorDB) - std::max(target, floorDB);
 }
@@ -65,7 +65,7 @@ class MovingBands {
         double largest = 0.0;
         for (const EQBand &band : bands_)
             largest = std::max(largest, std::abs(static_cast<double>(band.gainDB)));
-        // Two bands must not become a mountain and a valley that cancel each other.
+        // Bounded, so that two bands do not become a large boost and cut that cancel each other.
         largestGainDB_ = std::clamp(largest, 12.0, 24.0);
         for (const EQBand &band : bands_)
             curves_.push_back(responseOf(band));
@@ -83,7 +83,7 @@ class MovingBands {
         }
     }
 
-    /// Takes away the band without which the rest comes nearest as it stands.
+    /// Removes the band whose loss leaves the smallest error without further fitting.
     void dropTheLeastMissed() {
         const Curve whole = sum();
         std::size_t least = 0;
@@ -163,7 +163,7 @@ class MovingBands {
         std::vector<Curve> normal(n, Curve(n));
         Curve gradient(n);
         Curve difference(gridPoints);
-        Curve counted(gridPoints); // not where the response is below the floor
+        Curve counted(gridPoints); // 0 where the response is below the floor
         for (std::size_t point = 0; point < gridPoints; ++point) {
             difference[point] = differenceAt(response[point], target_[point]);
             counted[point] = response[point] > floorDB ? 1.0 : 0.0;

@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// How far two responses are apart, over 20 Hz to 20 kHz on a logarithmic scale. What is below
-/// -60 dB in both counts as equal.
+/// Difference of two responses over 20 Hz to 20 kHz on a logarithmic scale. Values below -60 dB in
+/// both count as equal.
 struct ResponseError {
     double rmsDB = 0.0;
     double maximumDB = 0.0;
@@ -25,9 +25,9 @@ struct BandFit {
 /// `count` bands (1 or more) whose response comes near that of `bands`, which are more: least
 /// squares of the difference in dB. Which band types are used follows from the given ones.
 ///
-/// Starts from all bands, of which one after another is taken away where it is missed least while
-/// the others move to take over its part (Levenberg-Marquardt over frequency, gain and Q). Of more
-/// than 32 bands, the 32 strongest are started from. Takes a few tenths of a second.
+/// Starts from all bands, or the 32 strongest of more. Removes one band after another, each time
+/// the one with the smallest error; the others move to take over its part (Levenberg-Marquardt over
+/// frequency, gain and Q). Takes a few tenths of a second.
 [[nodiscard]] BandFit fitBands(const std::vector<EQBand> &bands, std::size_t count);
 
 } // namespace quorbel

@@ -40,7 +40,7 @@ DecimalMark markOf(char character) {
     return character == ',' ? DecimalMark::comma : DecimalMark::point;
 }
 
-/// The marks of a number, found out once.
+/// The marks of a number.
 struct Marks {
     std::size_t count = 0;
     std::size_t last = std::string_view::npos;

@@ -11,7 +11,7 @@ enum class DecimalMark { unknown, point, comma };
 /// Gains, Q and the like never have groups of thousands; frequencies in Hz may.
 enum class Grouping { never, possible };
 
-/// What `number` shows by itself of the decimal mark of its file: "-3,1" and "0,700" show a comma,
+/// Evidence of one number for the decimal mark of its file: "-3,1" and "0,700" show a comma,
 /// "1,000" as a frequency shows nothing.
 [[nodiscard]] DecimalMark evidentMark(std::string_view number, Grouping grouping);
 

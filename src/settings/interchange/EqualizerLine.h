@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-// One line of an equaliser text, taken apart. Numbers stay texts: how they are to be read depends
-// on the whole file.
+// One line of an equaliser text, taken apart. Numbers stay texts: their decimal mark follows from
+// the whole file.
 
 /// "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70"
 struct FilterLine {

@@ -67,7 +67,7 @@ std::vector<NumberedLine> linesOf(std::string_view text) {
     return lines;
 }
 
-/// What the numbers of the file, taken together, show its decimal mark to be.
+/// The decimal mark that most numbers of the file show.
 DecimalMark fileMarkOf(const std::vector<NumberedLine> &lines) {
     std::size_t points = 0;
     std::size_t commas = 0;

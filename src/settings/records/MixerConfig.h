@@ -3,7 +3,7 @@
 namespace quorbel {
 
 /// The settings of the stages before and after the equaliser and of the display. Presets do not
-/// carry it. Fields stand in the order of the settings file.
+/// carry it. Fields are in the order of the settings file.
 struct MixerConfig {
     // Kept and stored; no time and pitch stage exists.
     bool tempoChainEnabled = false;

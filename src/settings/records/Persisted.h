@@ -12,8 +12,8 @@
 
 namespace quorbel {
 
-/// What the settings file holds, in the order in which it is written. The first three are always
-/// there; the rest is absent when it has no value.
+/// The content of the settings file, in the order in which it is written. The first three fields
+/// are always there; the others only with a value.
 struct Persisted {
     std::vector<EQBand> bands;
     SpatialConfig spatial;
@@ -21,7 +21,7 @@ struct Persisted {
     std::optional<Uuid> activePresetID;
     std::optional<MixerConfig> mixer;
     std::optional<std::string>
-        activePresetName; ///< finds the active preset again when its id is gone
+        activePresetName; ///< identifies the active preset when its id is gone
     std::optional<float> eqGlobalGainDB;
     std::optional<std::string> outputDeviceUID;
 

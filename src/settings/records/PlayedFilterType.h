@@ -5,7 +5,7 @@
 
 namespace quorbel {
 
-/// What the equaliser plays for a band of this type.
+/// The filter that the equaliser plays for a band of this type.
 [[nodiscard]] inline EqualizerFilterType playedFilterType(EQBand::FilterType type) {
     switch (type) {
     case EQBand::FilterType::parametric:

@@ -14,7 +14,7 @@ namespace quorbel {
 
 /// A named snapshot of the bands and the spatial settings.
 struct Preset {
-    /// What the preset is tuned for, in the order of the groups in lists.
+    /// The purpose of a preset, in the order of the groups in lists.
     enum class Category { general, mr5, mr5Desk, bass, headphones, btSpeakers, genre, user };
 
     static constexpr std::array allCategories{

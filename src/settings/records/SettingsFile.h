@@ -13,8 +13,8 @@ class SettingsFileError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Where the user's own settings live: `Quorbel/state.json` in the folder that XDG_CONFIG_HOME
-/// names (where it is an absolute path), else in `~/.config`.
+/// Path of the user's own settings: `Quorbel/state.json` in the folder that XDG_CONFIG_HOME names
+/// if that is an absolute path, else in `~/.config`.
 [[nodiscard]] std::string userSettingsPath();
 
 /// The whole text of a settings file. Never waits and never reads without end: only a regular file

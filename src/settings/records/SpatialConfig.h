@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// The settings of width, crosstalk shuffling, reverb, bass, voice and tone: what a preset carries
-/// beside the bands. Fields stand in the order of the settings file.
+/// The settings of width, crosstalk shuffling, reverb, bass, voice and tone: the part of a preset
+/// beside the bands. Fields are in the order of the settings file.
 struct SpatialConfig {
     /// The room models of the reverb, in the order in which pickers list them.
     enum class ReverbPreset {

@@ -8,8 +8,7 @@
 
 namespace quorbel {
 
-/// The identity of a band or preset: 128 bits, compared as a whole. A default-made one is all
-/// zeroes.
+/// The identity of a band or preset: 128 bits, compared as a whole. By default all zeroes.
 class Uuid {
   public:
     constexpr Uuid() = default;

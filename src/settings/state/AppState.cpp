@@ -35,7 +35,7 @@ std::string AppState::activePresetDisplayName() const {
 }
 
 void AppState::applyPreset(const Preset &preset) {
-    const Preset applied = preset; // may be one of ours, and observers may change the list
+    const Preset applied = preset; // may be an element of our list, which observers may change
     const auto change = engine_->changeSettings();
     engine_->eq().setBands(applied.bands);
     engine_->setSpatial(applied.spatial);

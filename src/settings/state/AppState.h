@@ -20,9 +20,8 @@ namespace quorbel {
 
 /// The program's one long-lived model object: owns the devices and the engine, keeps the presets,
 /// and the settings file up to date. The live settings themselves are the engine's; this watches
-/// them and writes them half a second after a change. Other programs may write the file too: what
-/// they have changed since is taken before each save, and what was changed here since wins field by
-/// field. All calls [main].
+/// them and writes them half a second after a change. Other programs may write the file too: their
+/// changes are taken before each save, and changes made here win field by field. All calls [main].
 class AppState final : public QObject {
     Q_OBJECT
 
@@ -52,7 +51,7 @@ class AppState final : public QObject {
     void savePreset(const std::string &name);
     /// Factory presets stay. Written at once.
     void deletePreset(const Preset &preset);
-    /// Puts `presets` in the place of all of the user's own, in this order; entries of another
+    /// Replaces all of the user's own presets with `presets`, in this order; entries of another
     /// category are left out. Where the active preset is gone, the first one is active. Written at
     /// once.
     void setUserPresets(std::vector<Preset> presets);
@@ -60,9 +59,9 @@ class AppState final : public QObject {
     /// Writes the settings file now. A failure is a warning, and the next change tries again. A
     /// file that is there but cannot be read is left as it is, and the save fails.
     void persist();
-    /// Takes what another program has written into the settings file. Text that is no settings
-    /// record is set aside a second later, with a warning, if it is still there: its writer may not
-    /// have come to the end.
+    /// Takes another program's changes of the settings file. Text that is no settings record is set
+    /// aside a second later, with a warning, if it is still there: its writer may not have come to
+    /// the end.
     void takeFileChanges();
     [[nodiscard]] const std::string &settingsPath() const { return file_.path(); }
     /// The last load or save problem; none when the last save succeeded, unless that save had to
@@ -75,7 +74,7 @@ class AppState final : public QObject {
     void presetsChanged();
     void activePresetIDChanged();
     void persistWarningChanged(); ///< also where a save fails like the one before
-    /// What another program wrote has made `after` of the presets, which were `before`.
+    /// Another program's changes have turned the presets `before` into `after`.
     void presetsTaken(const std::vector<quorbel::Preset> &before,
                       const std::vector<quorbel::Preset> &after);
 
@@ -107,10 +106,10 @@ class AppState final : public QObject {
     std::vector<Preset> presets_;
     std::optional<Uuid> activePresetID_;
     std::optional<std::string> persistWarning_;
-    /// The settings as the file had them when it was last read or written: what differs from them
-    /// was changed here.
+    /// The settings in the file when it was last read or written; differences from them were made
+    /// here.
     Persisted seen_;
-    bool isTaking_ = false; ///< what changes now comes from the file
+    bool isTaking_ = false; ///< changes come from the file at present
     Timer unreadableLook_;
 
     std::array<Timer, 5> pendingSaves_; ///< one for each watched setting

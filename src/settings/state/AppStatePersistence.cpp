@@ -1,4 +1,4 @@
-// The settings on their way into the file and back.
+// Reading and writing of the settings file.
 
 #include "settings/files/FileReplacement.h"
 #include "settings/files/MoveAside.h"
@@ -18,7 +18,7 @@ namespace quorbel {
 
 namespace {
 
-/// A control that moves is written once, after it has come to rest.
+/// A moving control is written once, after its last change.
 constexpr double saveDelaySeconds = 0.5;
 
 std::string movedAsideWarning(const MovedFile &moved) {
@@ -55,7 +55,7 @@ void AppState::apply(const Persisted &record) {
     applyPresets(record);
 }
 
-/// A device that is away stays unselected; the choice is kept all the same.
+/// A missing device stays unselected; the choice is kept.
 void AppState::applyOutput(const Persisted &record) {
     if (record.outputDeviceUID)
         if (auto device = deviceManager_.outputDevice(*record.outputDeviceUID))
@@ -89,14 +89,14 @@ void AppState::setActivePreset(std::optional<Uuid> id, const std::optional<std::
 
 // Saving
 
-/// Each setting waits for its own rest, so a change of two is written twice.
+/// Each setting is debounced on its own, so a change of two is written twice.
 void AppState::observeSettings() {
     auto pending = pendingSaves_.begin();
     const auto observe = [&](const auto *owner, auto changed) {
         Timer &save = *pending++;
         connect(owner, changed, this, [this, &save] {
             if (isTaking_)
-                return; // the file has it
+                return; // the file has the change already
             save = Timer::once(clock_, saveDelaySeconds, [this] { persist(); });
         });
     };

@@ -16,8 +16,8 @@ namespace quorbel {
 ///
 ///     {"favourites":["0AF4AEBF-A952-50FE-B0E2-06CC11DE9AA4"],"version":1}
 ///
-/// Unknown keys are kept. Ids of presets that are not there are kept too: their preset may come
-/// back by undo or with another machine's settings.
+/// Unknown keys are kept. Ids of missing presets are kept too: their preset may return by undo or
+/// with another machine's settings.
 class FavouritePresetsFile {
   public:
     /// Without favourites until `read`.

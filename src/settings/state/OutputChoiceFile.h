@@ -8,9 +8,9 @@
 namespace quorbel {
 
 /// `output-choice.json` beside the settings file. It exists only while the device in use, which the
-/// settings file names, is not the user's choice: without it, the device in use is the
-/// choice. So it is, too, where the settings file names a device that is not among the stand-ins:
-/// then someone else has changed it since.
+/// settings file names, is not the user's choice: without it, the device in use is the choice. The
+/// same holds if the settings file names a device that is not among the stand-ins: another program
+/// has changed it since.
 class OutputChoiceFile {
   public:
     /// Reads the file. One that cannot be read or decoded is ignored and replaced by the next
@@ -21,13 +21,13 @@ class OutputChoiceFile {
     [[nodiscard]] std::optional<std::string>
     chosenUID(const std::optional<std::string> &uidInSettings) const;
 
-    /// Before the settings file is written: from now on the choice is `chosen`, and neither the
-    /// device that the file names now nor the one that it is going to name overrules it. Throws
-    /// FileReplacementError.
+    /// To be called before the settings file is written: from now on the choice is `chosen`.
+    /// Neither the device in the file nor its next one overrules it. Throws FileReplacementError.
     void prepare(const std::optional<std::string> &chosen,
                  const std::optional<std::string> &uidInSettings,
                  const std::optional<std::string> &nextUID);
-    /// After that: removes the file where it has become needless. Throws FileReplacementError.
+    /// To be called after that: removes the file if it is no longer needed. Throws
+    /// FileReplacementError.
     void finish(const std::optional<std::string> &chosen,
                 const std::optional<std::string> &uidInSettings);
 

@@ -13,10 +13,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A program that writes the file piece by piece is given this long between two pieces.
+/// Quiet time after a change: a program may write the file piece by piece.
 constexpr double quietSeconds = 0.25;
 
-/// Everything whose change can make the path lead to another content: the file and each link on the
+/// All places whose change can alter the content behind the path: the file and each link on the
 /// way, with their folders, or the nearest folder that exists.
 QStringList placesOf(const std::string &path) {
     constexpr int mostLinks = 40;

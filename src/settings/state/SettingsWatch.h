@@ -9,9 +9,9 @@ namespace quorbel {
 
 class AppState;
 
-/// Lets the state take what other programs write into the settings file while this one runs:
-/// changed in place, replaced by a rename, made where there was none, behind symbolic links or by
-/// another link. Needs an application with an event loop. [main]
+/// Lets the state take other programs' changes of the settings file at once: changes in place, by a
+/// rename, of a new file, behind symbolic links or of a link. Needs an application with an event
+/// loop. [main]
 class SettingsWatch final : public QObject {
     Q_OBJECT
 

@@ -8,8 +8,8 @@
 namespace quorbel {
 
 /// The settings file as one of several programs that write it has seen it: tells what others have
-/// written since. Whoever writes holds a SettingsFileLock from before `readChange` until after
-/// `write`, and so overwrites nothing unseen.
+/// written since. A writer holds a SettingsFileLock from before `readChange` until after `write`,
+/// and so overwrites nothing unseen.
 class SharedSettingsFile {
   public:
     explicit SharedSettingsFile(std::string path) : path_(std::move(path)) {}

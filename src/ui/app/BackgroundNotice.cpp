@@ -31,7 +31,7 @@ BackgroundNotice::BackgroundNotice(const QDBusConnection &bus) : bus_(bus) {
 }
 
 void BackgroundNotice::show(std::function<void(bool)> answered) {
-    constexpr int patienceMilliseconds = 3000; // a service that the bus starts first takes its time
+    constexpr int patienceMilliseconds = 3000; // the bus may have to start the service
     constexpr int asTheDesktopLikes = -1;      // how long it is shown
     // Names of presets and devices stay out: some desktops read the text as markup.
     QDBusMessage call = notificationCall("Notify");

@@ -41,13 +41,13 @@ class MainWindow final : public QObject {
     [[nodiscard]] bool isLoaded() const { return window_ != nullptr; }
     [[nodiscard]] QQuickWindow &window() { return *window_; }
 
-    /// What closing the window does: end the program, hide the window, or nothing.
+    /// Meanings of closing the window: end the program, hide the window, or nothing.
     enum class Closing { ends, hides, stays };
     /// Asked when the window is closed. By default the program ends.
     std::function<Closing()> closing = [] { return Closing::ends; };
 
-    /// Shows the window, in front of others where the desktop lets us. The token is the desktop's
-    /// leave to do so; may be empty.
+    /// Shows the window, in front of others where the desktop permits. The token is the desktop's
+    /// permission; may be empty.
     void raise(const QString &activationToken = {});
 
   protected:

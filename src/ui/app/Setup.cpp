@@ -59,7 +59,7 @@ void setUpApplication(QApplication &application) {
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Ostrafine"));
     QGuiApplication::setDesktopFileName(QStringLiteral("com.quorbel.Ostrafine"));
     QGuiApplication::setWindowIcon(windowIcon());
-    // The tray's item goes on when the window is closed; MainWindow says when that is the end.
+    // The tray's item outlives the window; MainWindow decides when the program ends.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
     // Light, whatever the desktop's scheme: menus and message boxes are to look like the window.

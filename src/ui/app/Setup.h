@@ -4,8 +4,9 @@ class QApplication;
 
 namespace quorbel {
 
-/// What both programs with the window do to the application before anything is shown: names,
-/// icons, the light look, the wording of this system, how the window is drawn. [main]
+/// Prepares the application of both programs with the window: names, icons, the light look, the
+/// wording of this system, the graphics backend, ignored signals. To be called before anything is
+/// shown. [main]
 void setUpApplication(QApplication &application);
 
 } // namespace quorbel

@@ -152,7 +152,7 @@ int main(int argc, char **argv) {
     AppState state(machine, clock, settings.toStdString());
     const SettingsWatch watch(state, clock);
     AppModel model(state, clock);
-    // What was played is not needed, and would be kept for ever.
+    // Recordings are not needed and would grow for ever.
     const auto forget = Timer::repeating(clock, 5.0, [&] {
         for (const AudioDevice &device : state.deviceManager().outputDevices())
             static_cast<void>(machine.takeRecording(device.uid));

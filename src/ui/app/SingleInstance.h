@@ -9,7 +9,7 @@
 
 namespace quorbel {
 
-/// What the desktop or a second start asks of the program.
+/// A request of the desktop or of a second start.
 struct DesktopRequest {
     enum class Kind { show, startProcessing, stopProcessing };
     Kind kind = Kind::show;
@@ -17,7 +17,7 @@ struct DesktopRequest {
 };
 
 /// One window per user session: the first program to start owns a name on the session bus, a second
-/// one asks it to show itself and ends. Without a session bus everyone is the first. [main]
+/// one asks it to show itself and ends. Without a session bus every program is the first. [main]
 class SingleInstance final : public QObject {
     Q_OBJECT
 

@@ -31,7 +31,7 @@ MainWindow::Closing WindowClosing::close() {
 
 void WindowClosing::hideOrAsk(bool isNoticeShown) {
     isWaiting_ = false;
-    if (!isProcessing()) { // it has ended meanwhile
+    if (!isProcessing()) { // it has ended since
         QCoreApplication::exit(0);
     } else if (isNoticeShown) {
         window_.window().hide();

@@ -45,8 +45,8 @@ bool asksForAnotherTry(Status status) {
     return box.exec() == QMessageBox::Retry;
 }
 
-/// Where no sound server answers: tell the user in a message box, who can try again, or write one
-/// line to standard error.
+/// Reaction to a missing sound server: a message box that offers another try, or one line on
+/// standard error.
 enum class WithoutServer { ask, complain };
 
 /// The hardware layer of this machine; null without a sound server, or when the user gives up.
@@ -83,7 +83,7 @@ int main(int argc, char **argv) {
         std::fputs("ostrafine: the one that is running does not answer\n", stderr);
         return 1;
     }
-    // Started by the bus, it does what it is asked for and shows no window by itself.
+    // Started by the bus, the program obeys the request and shows no window by itself.
     using Kind = DesktopRequest::Kind;
     constexpr int patienceMilliseconds = 5000;
     const std::optional<DesktopRequest> first =
@@ -171,7 +171,7 @@ int main(int argc, char **argv) {
 
     const int result = QCoreApplication::exec();
 
-    // Everyone's sound first, then the edits of the last half second.
+    // The sound first, then the edits of the last half second.
     state.engine().stop();
     notice.withdraw();
     state.persist();

@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// What the user asked of every program on the desktop: more contrast, less motion, larger text.
+/// The user's wishes for every program on the desktop: more contrast, less motion, larger text.
 /// Contrast and motion come from the desktop's settings portal; without one both stay off. All are
 /// followed while the program runs.
 ///

@@ -23,7 +23,7 @@ class DotBars : public quorbel::DotItem {
   public:
     explicit DotBars(QQuickItem *parent = nullptr);
 
-    /// Heights, 0 to 1; what is missing or not a number stands at 0.
+    /// Heights, 0 to 1; a missing one or NaN counts as 0.
     QList<double> levels() const { return levels_; }
     void setLevels(const QList<double> &levels);
 

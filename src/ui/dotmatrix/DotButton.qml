@@ -2,14 +2,14 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// A button with a text, a symbol or both. `primary`: the one that matters most; `flat`: without outline.
+// A button with a text, a symbol or both. `primary`: the most important one; `flat`: without outline.
 T.Button {
     id: control
 
     property string symbol: ""
     property bool primary: false
     property string accessibleName: ""
-    /// What it does, in one line: shown beside the pointer and read to assistive technology.
+    /// Its effect in one line: shown beside the pointer and read to assistive technology.
     property string help: ""
 
     readonly property color foreground: primary ? Theme.onSignal : Theme.ink

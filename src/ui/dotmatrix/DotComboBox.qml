@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// One of several. `title` stands before the choice, in the same box. Choices with equal values of the role
+// One of several. `title` comes before the choice, in the same box. Choices with equal values of the role
 // `groupRole`, which must follow each other, have that value as a heading. `currentMarked`: whether the current
 // choice has a tick.
 T.ComboBox {
@@ -35,8 +35,7 @@ T.ComboBox {
     }
 
     // One of the choices of an open box, with the heading of its group above the first of a group. Looks like a
-    // line of a menu, but is none: up to Qt 6.4 a control's role for assistive technology is that of its kind,
-    // whatever is set.
+    // line of a menu, but is none: up to Qt 6.4 a control's role for assistive technology cannot be set.
     delegate: T.ItemDelegate {
         id: line
 

@@ -65,7 +65,7 @@ class DotCurve : public quorbel::DotItem {
     bool zeroLine() const { return zeroLine_; }
     void setZeroLine(bool show);
 
-    /// Places in the item, in its coordinates. Outside of the axis they go on linearly.
+    /// Places in the item, in its coordinates. Outside of the axis they continue linearly.
     Q_INVOKABLE double xOfFrequency(double hz) const;
     Q_INVOKABLE double frequencyAt(double x) const;
     /// Places of heights 0 to 1.
@@ -115,7 +115,7 @@ class DotCurve : public quorbel::DotItem {
 
     QPixmap ground_; // the dark lattice with its marks
     QPixmap behind_; // one column of the lattice as the spectrum lights it
-    QPixmap curve_;  // curves and field, on nothing; made anew when a curve changes
+    QPixmap curve_;  // curves and field without ground; painted again when a curve changes
 };
 
 } // namespace quorbel

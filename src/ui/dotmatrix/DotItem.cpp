@@ -7,7 +7,7 @@
 namespace quorbel {
 
 DotItem::DotItem(QQuickItem *parent) : QQuickPaintedItem(parent) {
-    // Where an item stands between two pixels its dots move to the nearer one instead of blurring.
+    // Dots of an item between two pixels move to the nearer one: otherwise they would blur.
     setSmooth(false);
     connect(&Appearance::instance(), &Appearance::changed, this, [this] {
         dropPictures();

@@ -9,7 +9,7 @@ T.ScrollBar {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 2
     minimumSize: 0.1
-    Accessible.ignored: true // what it shows and does, the content does by itself
+    Accessible.ignored: true // the content tells its position itself
     visible: policy !== T.ScrollBar.AlwaysOff && size < 1
 
     contentItem: Rectangle {

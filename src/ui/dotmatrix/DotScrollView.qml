@@ -2,9 +2,9 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// A part of something larger. Its size comes from outside: one that followed the content would follow a
-// text that wraps to the size, and so itself. With `takesKeys` it is a stop of the Tab key while it scrolls: the way
-// to texts that have no control beside them. `PageScroll` then moves it by keys.
+// A view of something larger. Its size comes from outside: a size that followed the content would follow a text
+// that wraps to that size. With `takesKeys` it is a stop of the Tab key while it scrolls: the way to texts that
+// have no control beside them. `PageScroll` then moves it by keys.
 T.ScrollView {
     id: control
 

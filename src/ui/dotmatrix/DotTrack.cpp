@@ -77,8 +77,8 @@ void DotTrack::paintDots(DotPainter &painter, QSize) {
         painter.dot(place(tick) - beside, tickSize * scale, palette().edge);
         painter.dot(place(tick) + beside, tickSize * scale, palette().edge);
     }
-    // The first and the last dot stand where the handle ends; the others share the way between
-    // equally.
+    // The first and the last dot are at the ends of the handle's way; the others share the way
+    // between equally.
     const int steps = std::max(1, static_cast<int>(std::lround((length() - handle) / dotPitch)));
     const auto [first, last] = std::minmax(origin_, position_);
     for (int index = 0; index <= steps; ++index) {

@@ -2,19 +2,19 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// Brings what the keyboard reaches into view, in everything around it that scrolls. One for each window.
+// Scrolls everything around the focused item so that the item is in view. One for each window.
 Item {
     id: follower
 
     readonly property real margin: 2 * Theme.unit
 
-    // Where a view of that length must begin to hold the item, or else the item's beginning.
+    // Start of a view of that length which holds the item, or else the item's beginning.
     function shifted(from, length, itemFrom, itemLength, first, last) {
         const atLeast = Math.max(from, itemFrom + itemLength + margin - length);
         return Math.max(first, Math.min(atLeast, itemFrom - margin, Math.max(first, last - length)));
     }
     function reveal(item) {
-        // From the inside out: a view looks where the one in it has moved the item to.
+        // From the inside out: an inner view moves the item within the outer one.
         for (let at = item.parent; at !== null; at = at.parent) {
             const view = at as Flickable;
             if (view === null)

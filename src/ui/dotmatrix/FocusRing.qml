@@ -1,7 +1,7 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// The ring around what has the keyboard's focus. Anchored around its parent, never over it.
+// The ring around the item with the keyboard's focus. Anchored around its parent, never over it.
 Rectangle {
     property real distance: 3
 

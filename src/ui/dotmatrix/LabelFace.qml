@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// The inside of a button, a menu's line or a box of choices: a symbol, a small caption, a text; what is
-// empty takes no room. A text too long for the width wraps, or ends in dots where `elides`.
+// The inside of a button, a menu's line or a box of choices: a symbol, a small caption, a text; empty ones take no
+// room. A text too long for the width wraps, or ends in dots where `elides`.
 Item {
     id: face
 

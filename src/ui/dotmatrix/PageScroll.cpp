@@ -18,7 +18,7 @@ bool isScrollKey(int key) {
            key == Qt::Key_PageDown || key == Qt::Key_Home || key == Qt::Key_End;
 }
 
-/// Where a scroll key leads from `now` between two ends.
+/// Position after a scroll key, from `now` and between two ends.
 double movedBy(int key, double now, double line, double page, double first, double last) {
     switch (key) {
     case Qt::Key_Up:
@@ -47,7 +47,7 @@ double number(const QQuickItem &item, const char *property) {
     return item.property(property).toDouble();
 }
 
-/// What scrolls in `item`, the innermost first.
+/// Adds the parts of `item` that scroll, the innermost first.
 void addScrollableParts(QQuickItem *item, std::vector<QQuickItem *> &parts) {
     if (item == nullptr || !item->isVisible())
         return;

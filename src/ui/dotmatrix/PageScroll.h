@@ -16,7 +16,7 @@ class PageScroll : public QObject {
     /// Scrolls the innermost part of `page` that is higher than its frame and not at its end yet.
     /// False where nothing is higher or the key does not scroll.
     bool scroll(QQuickItem *page, int key);
-    /// Lets go of the end that a list is held at: the user goes elsewhere.
+    /// Stops holding a list at its end: the user moves elsewhere.
     void letGo() { framesLeft_ = 0; }
 
   private:

@@ -40,7 +40,7 @@ void Symbol::setSize(double size) {
     }
 }
 
-// A symbol stands beside a text and is as large as that.
+// A symbol is as large as the text beside it.
 void Symbol::measure() {
     const double edge = size_ * Appearance::instance().textScale();
     setImplicitSize(edge, edge);

@@ -109,7 +109,7 @@ class Theme : public QObject {
     double expanderWidth() const { return 15 * textUnit(); }
     /// The longest lines of prose.
     double readingWidth() const { return 88 * textUnit(); }
-    /// From the edge of a card to its texts, which stand beside a switch or a number.
+    /// From the edge of a card to its texts, beside a switch or a number.
     double indent() const { return 7 * unit(); }
     /// Milliseconds of a transition; none where the desktop asks for less motion.
     int duration() const { return reducedMotion() ? 0 : 120; }

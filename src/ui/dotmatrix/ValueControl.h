@@ -5,9 +5,9 @@
 
 namespace quorbel {
 
-/// What slider, knob and point have in common: a value in a range, moved in steps. The value is the
-/// model's and may lie outside of the range, where it stays until the user moves it. A move takes
-/// the value along and says so, and leaves the binding on it in place.
+/// Base of slider, knob and point: a value in a range, moved in steps. The value is the model's and
+/// may lie outside of the range, where it stays until the user moves it. A move takes the value
+/// along and says so, and leaves the binding on it in place.
 class ValueControl : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -44,8 +44,7 @@ class ValueControl : public QQuickItem {
     /// Value and origin as parts of the range, 0 to 1.
     double position() const { return positionOf(value_); }
     double originPosition() const { return positionOf(origin()); }
-    /// What one press of an arrow key moves: the step size, or a hundredth of the range without
-    /// one.
+    /// Step of one press of an arrow key: the step size, or a hundredth of the range without one.
     double step() const;
 
     /// The user's moves. The new value is the nearest one that can be reached; `moved` follows if

@@ -1,9 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// What makes a value control a control: focus, keys, pointer, and its face to assistive technology.
-// The mouse takes the handle of `track`, which lies below this item at its size; without a track every move
-// is a turn.
+// The operable part of a value control: focus, keys, pointer, and its face to assistive technology. The mouse takes
+// the handle of `track`, which lies below this item at its size; without a track every move is a turn.
 FocusArea {
     id: handle
 

@@ -114,7 +114,7 @@ void WindowKeys::itemChange(ItemChange change, const ItemChangeData &data) {
     if (change == ItemSceneChange && data.window != nullptr) {
         data.window->installEventFilter(this);
         connect(data.window, &QQuickWindow::activeFocusItemChanged, this, &WindowKeys::followFocus);
-        // A key that is held is let go of elsewhere.
+        // A held key is released in another window.
         connect(data.window, &QWindow::activeChanged, this, [this] {
             if (window() != nullptr && !window()->isActive())
                 setCompareHeld(false);
@@ -194,7 +194,7 @@ bool WindowKeys::release(const QKeyEvent &key) {
     }
     QQuickItem *const item = focused();
     if (isReturn(key.key()) && !key.isAutoRepeat()) {
-        // What was not pressed here is not let go of here: the focus may have moved in between.
+        // A release counts only where the press did: the focus may have moved in between.
         const QQuickItem *const pressed = std::exchange(spaceOn_, nullptr);
         if (pressed != nullptr && pressed == item)
             sendSpace(QEvent::KeyRelease);
@@ -289,8 +289,8 @@ void WindowKeys::giveBack(QQuickItem *field) {
     const bool cameByKeys = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
     const QPointer<QQuickItem> before = beforeField_;
     field->setFocus(false, Qt::OtherFocusReason);
-    // After a click no control gets it: a second Return would press the button that was used last,
-    // and the equaliser would select another band.
+    // After a click no control gets the focus: a second Return would press the last button, and the
+    // equaliser would select another band.
     if (cameByKeys && before != nullptr && before->isVisible() && before->isEnabled() &&
         isAncestorOf(before))
         before->forceActiveFocus(Qt::TabFocusReason);
@@ -306,7 +306,7 @@ void WindowKeys::pressedAt(QPointF place) {
 void WindowKeys::assignWheel(QPointF place) {
     if (wheelIsAssigned_)
         return;
-    // The page that scrolls moves another control below the pointer, which has not been pointed at.
+    // A scrolling page moves another control below the pointer, at which the user has not pointed.
     wheelIsAssigned_ = true;
     if (auto *const area = qobject_cast<FocusArea *>(focused()))
         area->setTakesWheel(area->contains(area->mapFromScene(place)));

@@ -10,23 +10,23 @@
 
 namespace quorbel {
 
-/// The policy for the keyboard of a window, and for what wheel and focus have to do with it: the
-/// focus scope around everything but the dialogs. It sees each key twice: before the focused
-/// control, and after it if no control has used the key.
+/// The policy for the keyboard of a window, its wheel and its focus: the focus scope around
+/// everything but the dialogs. It sees each key twice: before the focused control, and after it if
+/// no control has used the key.
 ///
 /// Before the controls:
 /// 1. B, held without another key, is `compareHeld` wherever no text is written.
-/// 2. The window's shortcuts are signals. In a dialog only `quitRequested` is. Where the layout has
-/// no
-///    Latin letters, the places of the letters count.
-/// 3. Undo and redo are the text's while a field has something to undo, and the settings' else.
+/// 2. The window's shortcuts are signals; in a dialog only `quitRequested` is. A layout without
+///    Latin letters has them at the letters' places.
+/// 3. Undo and redo go to a text field that has something to undo, and otherwise to the settings.
 /// 4. Return presses what Space presses: buttons, switches, rows of choices, boxes.
 /// 5. Return and Delete act once however long they are held, except in a text.
-/// 6. Delete and Backspace on a button do nothing, so that no list takes them for its own.
+/// 6. Delete and Backspace on a button do nothing: otherwise a list around it would take them.
 /// 7. Letters leave the choice of a closed box alone.
 ///
 /// After the controls:
-/// 8. Return and Escape take the focus from a text field; what it was reached from by keys gets it.
+/// 8. Return and Escape take the focus from a text field. If keys led to the field, the previous
+///    item gets the focus.
 /// 9. Arrows, Page Up, Page Down, Home and End scroll `page`, or move in the list that has the
 ///    focus.
 ///

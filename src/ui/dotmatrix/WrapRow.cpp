@@ -72,7 +72,7 @@ void WrapRow::arrange() {
         return;
     }
     isArranging_ = true;
-    // Children change their heights when they get their widths. Those that go on are left as they
+    // Children change their heights with their widths. Those that do not settle are left as they
     // are.
     constexpr int mostRounds = 3;
     int rounds = 0;

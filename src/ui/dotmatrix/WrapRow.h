@@ -9,7 +9,7 @@
 
 namespace quorbel {
 
-/// What a child of a `WrapRow` asks of it, written `WrapRow.fills: true` on the child.
+/// Requests of a child of a `WrapRow`, written `WrapRow.fills: true` on the child.
 class WrapRowAttached : public QObject {
     Q_OBJECT
     QML_ANONYMOUS
@@ -19,7 +19,7 @@ class WrapRowAttached : public QObject {
     Q_PROPERTY(double maximumWidth MEMBER maximumWidth NOTIFY changed FINAL)
     /// Whether the child takes what its row has left. Others stop at their implicit width.
     Q_PROPERTY(bool fills MEMBER fills NOTIFY changed FINAL)
-    /// Whether the child and those after it stand at the right end, unless it begins a row.
+    /// Whether the child and those after it go to the right end, unless it begins a row.
     Q_PROPERTY(bool trailing MEMBER trailing NOTIFY changed FINAL)
 
   public:

@@ -40,7 +40,7 @@ struct GrupDestinatii {
 /// The groups of the sidebar, in its order.
 [[nodiscard]] const std::array<GrupDestinatii, 4> &grupuri();
 
-/// What the badges tell of.
+/// The sources of the badges.
 struct InsigneSource {
     std::size_t bandCount = 0;
     const SpatialConfig &spatial;

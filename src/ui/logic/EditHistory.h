@@ -35,7 +35,7 @@ class PresetSnapshot {
         std::make_shared<const std::vector<Preset>>();
 };
 
-/// Everything that undo brings back.
+/// Everything that undo restores.
 struct EditState {
     std::vector<EQBand> bands;
     float globalGainDB = 0.0F;
@@ -48,18 +48,18 @@ struct EditState {
     friend bool operator==(const EditState &, const EditState &) = default;
 };
 
-/// One thing that the user did.
+/// One change by the user.
 struct EditStep {
     EditState before;
     EditState after;
     std::string what; ///< in words, for "Undo …"
 };
 
-/// The steps that can be taken back and taken again. A gesture (from pressing a control to letting
-/// it go) is one step; outside of gestures, changes of the same thing that follow each other within
+/// The steps that can be undone and redone. A gesture (from pressing a control to releasing it) is
+/// one step; outside of gestures, changes of the same thing that follow each other within
 /// `burstSeconds`, as from keys held down or a wheel, are one step.
 ///
-/// The caller changes the settings and sets them back; this only remembers.
+/// The caller changes and restores the settings; the history only keeps them.
 class EditHistory {
   public:
     static constexpr double burstSeconds = 0.8;
@@ -70,14 +70,13 @@ class EditHistory {
     void endGesture();
 
     /// Something was changed, at `now` seconds. `key` names what, such as a field: equal keys may
-    /// become one step. No step where nothing differs. Whatever could be redone is forgotten.
+    /// become one step. No step where nothing differs. Steps that could be redone are dropped.
     void record(EditState before, EditState after, std::string what, const std::string &key,
                 double now);
 
     [[nodiscard]] bool canUndo() const { return position_ > 0; }
     [[nodiscard]] bool canRedo() const { return position_ < steps_.size(); }
-    /// The step that undo would take back, and the one that redo would take again; only where
-    /// there is one.
+    /// The steps that undo and redo would apply; only where there is one.
     [[nodiscard]] const EditStep &undoable() const { return steps_[position_ - 1]; }
     [[nodiscard]] const EditStep &redoable() const { return steps_[position_]; }
 

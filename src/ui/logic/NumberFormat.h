@@ -20,8 +20,7 @@ namespace quorbel {
     return static_cast<float>(shownValue(shown));
 }
 
-/// Numbers as the screens show them. What prints as zero prints without a minus; what is not a
-/// number prints as "–".
+/// Numbers as the screens show them. A printed zero has no minus; NaN prints as "–".
 ///
 /// `decimals` 0 to 9.
 [[nodiscard]] std::string fixedText(double value, int decimals);

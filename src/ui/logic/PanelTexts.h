@@ -13,25 +13,25 @@ namespace quorbel {
 /// "LIVE", "ERROR" or "STOPPED".
 [[nodiscard]] std::string_view stateWord(const EngineLifecycle::State &state);
 
-/// The error's text as it stands, or else the name of what is played.
+/// The error's own text, or else format and active preset.
 [[nodiscard]] std::string subtitlu(const EngineLifecycle::State &state,
                                    std::string_view activePresetName);
 
-/// What a return to processing waits for.
+/// The condition of a return to processing.
 enum class Awaited { soundServer, outputDevice, nextTry };
 
-/// What happens after an error: what `awaited` names comes first, or the user starts again. Empty
-/// where there is no error.
+/// The outlook after an error: the program waits for `awaited`, or the user starts again. Empty
+/// without an error.
 [[nodiscard]] std::string outlookText(const EngineLifecycle::State &state,
                                       std::optional<Awaited> awaited);
 
-/// Whether peaks are held.
+/// The state of peak protection.
 [[nodiscard]] std::string protectie(const MixerConfig &mixer);
 
-/// "No output device", or how peaks are held.
+/// "No output device", or the state of peak protection.
 [[nodiscard]] std::string secondLine(bool hasOutputDevice, const MixerConfig &mixer);
 
-/// What was lost between capture and playback since the start; empty when nothing was.
+/// The losses between capture and playback since the start; empty for none.
 [[nodiscard]] std::string lossesText(const EngineLosses &losses);
 
 } // namespace quorbel

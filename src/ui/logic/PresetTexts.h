@@ -14,7 +14,7 @@ enum class PresetFilter { all, factory, mine };
 [[nodiscard]] bool passes(PresetFilter filter, const Preset &preset);
 [[nodiscard]] int countOf(PresetFilter filter, const std::vector<Preset> &presets);
 
-/// What is in a preset, in one line: "10 bands · 2 spatial stages".
+/// The content of a preset in one line: "10 bands · 2 spatial stages".
 [[nodiscard]] std::string descriere(const Preset &preset);
 
 /// A name for a copy of the preset called `name` that none of `presets` has: "Flat (copy)", then

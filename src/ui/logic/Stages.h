@@ -17,8 +17,8 @@ namespace quorbel {
 /// Of limiter, auto gain and manual loudness.
 [[nodiscard]] int levelStagesOn(const MixerConfig &mixer);
 
-/// What a stage does to the sound and where its limits are, in one line. The manual's section of
-/// that name begins with the same words.
+/// A stage's effect on the sound and its limits, in one line. The manual's section of that name
+/// begins with the same words.
 struct StageHelp {
     std::string_view stage; ///< as its card is called
     std::string_view help;
@@ -27,7 +27,7 @@ struct StageHelp {
 /// In the order of the chain.
 [[nodiscard]] const std::array<StageHelp, 12> &stageHelps();
 
-/// Empty for what is no stage.
+/// Empty for an unknown stage.
 [[nodiscard]] std::string_view stageHelp(std::string_view stage);
 
 } // namespace quorbel

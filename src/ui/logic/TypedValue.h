@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-// What a user types into a field: a number in either decimal notation, blanks, and the unit or its
-// beginning in either case. Nothing for any other text. Values are not limited here.
+// Readers of typed values: a number in either decimal notation, blanks, and the unit or its
+// beginning in either case. They return nothing for any other text. Values are not limited here.
 
 /// Hz: "8k", "1,5 kHz", "250", "31.5 Hz". Exactly three digits behind a point or comma are
 /// thousands: "16.000" and "16,000" are 16 kHz. Not where that is above 24 kHz: "31.500" is 31.5

@@ -19,7 +19,7 @@ class QQmlEngine;
 
 namespace quorbel {
 
-/// What the program says of itself. [main]
+/// Versions of the program and its libraries. [main]
 class AboutModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -44,8 +44,8 @@ class AboutModel final : public QObject {
     QString soundLibrary_;
 };
 
-/// What QML sees of the program: one object for each thing it has to do with. The program makes it
-/// before it loads any QML; QML finds it as the singleton `App`. [main]
+/// The program as QML sees it: one object for each subject. The program makes it before it loads
+/// any QML; QML finds it as the singleton `App`. [main]
 class AppModel final : public QObject {
     Q_OBJECT
     QML_NAMED_ELEMENT(App)
@@ -98,7 +98,7 @@ class AppModel final : public QObject {
     AppState &state_;
     bool warningDismissed_ = false;
     FavouritePresets favourites_;
-    HistoryModel history_; ///< before those who write through it
+    HistoryModel history_; ///< first: others write through it
     EngineModel engine_;
     SettingsModel settings_;
     EqualizerModel equalizer_;

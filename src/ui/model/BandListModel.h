@@ -10,8 +10,8 @@
 
 namespace quorbel {
 
-/// What the equaliser's controls can be set to. Bands from files may lie beyond; they are shown as
-/// they are and stay so until they are moved.
+/// The ranges of the equaliser's controls. Bands from files may lie beyond; they are shown as they
+/// are until they are moved.
 struct BandLimits {
     static constexpr double minFrequency = 20.0; ///< Hz
     static constexpr double maxFrequency = 20000.0;
@@ -54,7 +54,7 @@ class BandListModel final : public quorbel::RecordListModel {
     Q_INVOKABLE void setQ(int row, double q);
     Q_INVOKABLE void setFilterType(int row, int index);
     Q_INVOKABLE void setBypassed(int row, bool bypassed);
-    /// The band as it is in the default list; beyond that list, flat.
+    /// Sets the band to its default; beyond the default list, to a flat one.
     Q_INVOKABLE void resetBand(int row);
 
   private:

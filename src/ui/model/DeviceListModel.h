@@ -19,7 +19,7 @@ class DeviceListModel final : public quorbel::RecordListModel {
     QML_UNCREATABLE("App.devices is the only one")
     /// The row of the device in use; -1 where none is chosen or it is not there now.
     Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)
-    /// Its name, also while it is not there; empty where none is chosen.
+    /// Its name, also while the device is away; empty where none is chosen.
     Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
 
   public:

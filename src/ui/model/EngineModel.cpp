@@ -97,7 +97,7 @@ QString EngineModel::secondLine() const {
 }
 
 void EngineModel::start() {
-    // Gone before the check, which may take hold of something that lasts until the next change.
+    // Cleared before the check, which may take the processing lock until the next change.
     setRefusal({});
     const QString reason = startCheck_ && !running() ? startCheck_() : QString();
     if (reason.isEmpty())

@@ -15,8 +15,8 @@
 
 namespace quorbel {
 
-/// An error's text as the window shows it: as it stands, unless a catalogue that is loaded has
-/// another wording for it.
+/// An error's text as the window shows it: unchanged, unless a loaded catalogue has another wording
+/// for it.
 [[nodiscard]] QString shownError(const std::string &message);
 
 /// The engine as the toolbar, the live panel and the meters show it. [main]
@@ -24,15 +24,15 @@ class EngineModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.engine is the only one")
-    /// "idle", "running" or "error". While a start is under way it is what it was before.
+    /// "idle", "running" or "error". Keeps its value while a start is under way.
     Q_PROPERTY(QString state READ state NOTIFY stateChanged)
     Q_PROPERTY(bool running READ running NOTIFY stateChanged)
-    /// Whether it starts again by itself once the hardware is fit for it; `stop` ends that.
+    /// Whether it starts again by itself once the hardware allows it; `stop` ends that.
     Q_PROPERTY(bool comingBack READ comingBack NOTIFY stateChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY stateChanged)
     Q_PROPERTY(QString stateWord READ stateWord NOTIFY stateChanged)
     Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
-    /// What happens after an error; empty where there is none.
+    /// The outlook after an error; empty where there is none.
     Q_PROPERTY(QString outlook READ outlook NOTIFY outlookChanged)
     Q_PROPERTY(QString secondLine READ secondLine NOTIFY secondLineChanged)
     Q_PROPERTY(double limiterReductionDB READ limiterReductionDB NOTIFY limiterReductionDBChanged)
@@ -46,9 +46,9 @@ class EngineModel final : public QObject {
     Q_PROPERTY(QString trackingText READ trackingText NOTIFY bassTrackedFrequencyChanged)
     Q_PROPERTY(double voiceConfidence READ voiceConfidence NOTIFY voiceConfidenceChanged)
     Q_PROPERTY(QString confidenceText READ confidenceText NOTIFY voiceConfidenceChanged)
-    /// What was lost since the start; empty when nothing was.
+    /// The losses since the start; empty for none.
     Q_PROPERTY(QString losses READ losses NOTIFY lossesChanged)
-    /// Whether the unprocessed sound is heard, at matched loudness: for as long as a key is held.
+    /// Whether the unprocessed sound is heard, at matched loudness, while a key is held.
     Q_PROPERTY(bool comparing READ comparing WRITE setComparing NOTIFY comparingChanged)
 
   public:
@@ -67,8 +67,8 @@ class EngineModel final : public QObject {
     Q_INVOKABLE void stop();
     Q_INVOKABLE void toggle();
 
-    /// Asked before every start: the reason why it must not be, which is then shown like an error
-    /// of the engine's; empty where it may.
+    /// Asked before every start. Returns the reason against it, which is shown like an error of the
+    /// engine; empty for none.
     void setStartCheck(std::function<QString()> check) { startCheck_ = std::move(check); }
 
     [[nodiscard]] bool comparing() const;

@@ -14,7 +14,7 @@ namespace quorbel {
 
 namespace {
 
-/// Four to a point of the drawn response: a band of the highest Q is still a curve.
+/// Four per point of the drawn response: a band of the highest Q is still a curve.
 constexpr std::size_t exactPointCount = 361;
 
 double orNotANumber(std::optional<double> value) {
@@ -76,7 +76,7 @@ QStringList EqualizerModel::filterTypeTitles() {
 
 void EqualizerModel::resetAll() {
     history_.edit("Reset all bands", [&] {
-        // They keep their ids: a preset that holds the default bands is then in force again.
+        // They keep their ids: a preset that holds the default bands is then the active one again.
         std::vector<EQBand> bands = EQBand::defaultBands();
         const std::vector<EQBand> &before = eq_.bands();
         for (std::size_t i = 0; i < std::min(bands.size(), before.size()); ++i)

@@ -18,10 +18,10 @@ class EqualizerModel final : public QObject {
     Q_PROPERTY(quorbel::BandListModel *bands READ bands CONSTANT)
     Q_PROPERTY(int count READ count NOTIFY bandsChanged)
     Q_PROPERTY(int bypassedCount READ bypassedCount NOTIFY bandsChanged)
-    // Both curves and the peak are of the bands alone; the global gain is a value of its own.
+    // Both curves and the peak leave out the global gain.
     /// The drawn response, 90 heights 0 to 1 over `drawnRangeDB` to both sides.
     Q_PROPERTY(QList<qreal> curveValues READ curveValues NOTIFY responseChanged)
-    /// What the equaliser really plays but for the global gain, as more such heights.
+    /// The response that the equaliser plays, without the global gain, as more such heights.
     Q_PROPERTY(QList<qreal> exactValues READ exactValues NOTIFY responseChanged)
     Q_PROPERTY(double peakDB READ peakDB NOTIFY responseChanged)
     Q_PROPERTY(QString peakText READ peakText NOTIFY responseChanged)
@@ -65,10 +65,10 @@ class EqualizerModel final : public QObject {
     [[nodiscard]] static double minQ() { return BandLimits::minQ; }
     [[nodiscard]] static double maxQ() { return BandLimits::maxQ; }
 
-    /// The default bands in the place of these.
+    /// Replaces the bands with the default ones.
     Q_INVOKABLE void resetAll();
 
-    // What was typed, see TypedValue.h; not-a-number for what is none.
+    // The number in a typed text (TypedValue.h); NaN for any other text.
     Q_INVOKABLE static double parseFrequency(const QString &text);
     Q_INVOKABLE static double parseGain(const QString &text);
     Q_INVOKABLE static double parseQ(const QString &text);

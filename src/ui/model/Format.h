@@ -35,7 +35,7 @@ class Format final : public QObject {
     }
 };
 
-/// What the screens say of the stages (ui/logic/StageHelp.h), for QML.
+/// The help texts of the stages (ui/logic/Stages.h), for QML.
 class StageTexts final : public QObject {
     Q_OBJECT
     QML_ELEMENT

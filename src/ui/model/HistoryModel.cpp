@@ -20,8 +20,8 @@ void HistoryModel::edit(const QString &what, const std::string &key,
                         const std::function<void()> &change) {
     EditState before = current();
     {
-        // A save within the change may take presets that another program wrote. They are no part of
-        // the step, and undoing it must not delete them.
+        // A save within the change may take over presets that another program wrote. They do not
+        // belong to the step: undoing it must not delete them.
         QObject context;
         connect(&state_, &AppState::presetsTaken, &context, [&](const auto &from, const auto &to) {
             before.userPresets = PresetSnapshot(
@@ -79,7 +79,7 @@ EditState HistoryModel::current() const {
             .favourites = favourites_.ids()};
 }
 
-/// Keeps the snapshot where nothing has changed, so that steps go on sharing it.
+/// Keeps the snapshot where nothing has changed, so that steps still share it.
 void HistoryModel::followPresets() {
     std::vector<Preset> now = userPresets(state_.presets());
     if (now != *userPresets_)

@@ -13,8 +13,8 @@
 
 namespace quorbel {
 
-/// Undo and redo over everything that the window can change, and the one door through which it
-/// does: a change that does not go through `edit` cannot be undone. [main]
+/// Undo and redo of everything that the window can change. Every change goes through `edit`: one
+/// that does not cannot be undone. [main]
 class HistoryModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -27,8 +27,8 @@ class HistoryModel final : public QObject {
   public:
     HistoryModel(AppState &state, FavouritePresets &favourites, Clock &clock, QObject *parent);
 
-    /// Runs `change`, which changes settings, and remembers what it changed. `what` goes on after
-    /// "Undo "; changes of the same `key` in quick succession become one step.
+    /// Runs `change`, which changes settings, and remembers what it changed. `what` follows "Undo
+    /// "; changes of the same `key` in quick succession become one step.
     void edit(const QString &what, const std::string &key, const std::function<void()> &change);
     /// The same for something whose name is its key.
     void edit(const char *what, const std::function<void()> &change) {
@@ -44,8 +44,8 @@ class HistoryModel final : public QObject {
     Q_INVOKABLE void undo();
     Q_INVOKABLE void redo();
 
-    /// What changes between the two is one step: a control calls them when it is pressed and let
-    /// go.
+    /// All changes between the two calls are one step. A control calls them when it is pressed and
+    /// released.
     Q_INVOKABLE void beginGesture();
     Q_INVOKABLE void endGesture();
 

@@ -63,7 +63,7 @@ std::vector<PresetChoiceModel::Choice> PresetChoiceModel::currentChoices() const
 }
 
 void PresetChoiceModel::followPresets() {
-    // A row in another group is another row: views read the group of a row only once.
+    // The key includes the group, because views read the group of a row only once.
     replaceRecords(choices_, currentChoices(),
                    [](const Choice &choice) { return std::pair(choice.id, choice.group); });
     Q_EMIT choicesChanged();

@@ -1,4 +1,4 @@
-// The presets on their way into files and back.
+// Import and export of presets.
 
 #include "settings/interchange/PresetFile.h"
 #include "ui/logic/PresetTexts.h"
@@ -72,7 +72,7 @@ ExchangeResult write(const Preset &preset, float globalGainDB, const QString &pa
     }
 }
 
-/// What came of several files.
+/// The result of an import of several files.
 struct ImportedFiles {
     std::vector<Preset> presets;
     QStringList refused; ///< a line each, as are all below

@@ -15,7 +15,7 @@
 
 namespace quorbel {
 
-/// What came of an import or an export, for QML.
+/// The result of an import or an export, for QML.
 struct ExchangeResult {
     Q_GADGET
     QML_VALUE_TYPE(exchangeResult)
@@ -24,9 +24,10 @@ struct ExchangeResult {
     Q_PROPERTY(QStringList details MEMBER details)
 
   public:
-    bool ok = false;     ///< everything that was asked for has been done
-    QString message;     ///< what was done, or why nothing was
-    QStringList details; ///< of several files each; lines that were not taken as written, and why
+    bool ok = false; ///< everything that was asked for has been done
+    QString message; ///< the result, or why there is none
+    QStringList
+        details; ///< one line per file of several; lines that were not taken as written, and why
 };
 
 class FavouritePresets;
@@ -85,7 +86,7 @@ class PresetListModel final : public quorbel::RecordListModel {
     Q_INVOKABLE void remove(const QString &id);
     /// The same rule for the name as in `save`.
     Q_INVOKABLE void rename(const QString &id, const QString &name);
-    /// Replaces what is in the preset with the current settings.
+    /// Replaces the preset's content with the current settings.
     Q_INVOKABLE void update(const QString &id);
 
     // PresetListExchange.cpp

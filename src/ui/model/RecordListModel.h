@@ -59,7 +59,7 @@ class RecordListModel : public QAbstractListModel {
             Q_EMIT countChanged();
     }
 
-    /// What the rows say may have changed.
+    /// Announces that the content of every row may have changed.
     void announceContents() {
         if (count() > 0)
             Q_EMIT dataChanged(index(0), index(count() - 1));

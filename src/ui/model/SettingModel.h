@@ -27,7 +27,7 @@ class SettingModel final : public QObject {
     Q_PROPERTY(double from READ from CONSTANT)
     Q_PROPERTY(double to READ to CONSTANT)
     Q_PROPERTY(double stepSize READ stepSize CONSTANT)
-    /// Where the lit run of a slider begins.
+    /// The value at which the lit run of a slider begins.
     Q_PROPERTY(double origin READ origin CONSTANT)
     Q_PROPERTY(double defaultValue READ defaultValue CONSTANT)
     Q_PROPERTY(QString label READ label CONSTANT)
@@ -53,7 +53,7 @@ class SettingModel final : public QObject {
     [[nodiscard]] double value() const { return value_; }
     /// Ignores a value that is not finite and an index that no choice has.
     void setValue(double value);
-    /// Takes the record's value over.
+    /// Reads the record's value.
     void refresh();
 
     [[nodiscard]] bool isOn() const { return value_ != 0.0; }

@@ -37,8 +37,8 @@ void SpectrumModel::followEngine() {
 void SpectrumModel::followLevels() {
     if (!visible_)
         return;
-    // The analyzer keeps its last levels when it is taken off; a display that stands still would
-    // look like sound.
+    // The analyzer keeps its last levels when it is taken off; a frozen display would look like
+    // sound.
     const QList<qreal> levels =
         active_ ? drawnLevels() : QList<qreal>(SpectrumAnalyzer::bandCount, 0.0);
     if (levels == levels_)

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// What the program is, its keys, its version and licence, and the versions that a bug report needs.
+/// The program in one line, its keys, version and licence, and the versions for a bug report.
 DotDialog {
     id: dialog
 
@@ -40,12 +40,12 @@ DotDialog {
             text: qsTr("Free software under the GNU General Public License, version 3 or later, without any warranty.")
             wrapMode: Text.WordWrap
         }
-        // The keys of the window (`WindowKeys`), and what each of them does.
+        // The keys of the window (`WindowKeys`) and their effects.
         GridLayout {
             id: list
 
             Layout.fillWidth: true
-            /// Each key is followed by what it does.
+            /// Keys and their effects in turn.
             readonly property list<string> lines: [
                 qsTr("B, held"), qsTr("Compare"),
                 qsTr("Ctrl+Return"), qsTr("Start or stop processing"),

@@ -15,7 +15,7 @@ FocusArea {
     required property bool bypassed
     required property string frequencyLabel
     required property DotCurve curve
-    /// What half the curve's height stands for.
+    /// Gain in dB at the top of the curve; the bottom has its negative.
     required property real rangeDB
 
     property bool selected: false

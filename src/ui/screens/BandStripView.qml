@@ -24,7 +24,7 @@ FocusScope {
     /// The keyboard goes to another band, counted from this one.
     signal moveRequested(int step)
 
-    /// Where the highest gain, the lowest, and the middle of the frequency lie in the strip.
+    /// Places of the highest gain, the lowest, and the middle of the frequency in the strip.
     readonly property real topOfGain: rows.y + gainSlider.y + gainSlider.handleSize / 2
     readonly property real bottomOfGain: topOfGain + gainSlider.height - gainSlider.handleSize
     readonly property real frequencyCentre: rows.y + frequencyField.y + frequencyField.height / 2

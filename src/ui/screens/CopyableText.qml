@@ -28,7 +28,7 @@ TextEdit {
     Accessible.role: Accessible.StaticText
     Accessible.name: copyable.text
     Accessible.description: copyable.accessibleName
-    // Tab leaves a text that nobody can type into.
+    // Tab leaves the text, which is read-only.
     KeyNavigation.priority: KeyNavigation.BeforeItem
     Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
     Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)

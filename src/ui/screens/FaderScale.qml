@@ -29,7 +29,7 @@ Item {
 
             anchors.right: parent?.right
             y: units.highest + (units.lowest - units.highest) * (App.equalizer.maxGain - modelData) / (App.equalizer.maxGain - App.equalizer.minGain) - height / 2
-            // The halves are left out where they would lie on each other.
+            // The halves are left out where they would overlap.
             visible: modelData % 12 === 0 || (units.lowest - units.highest) / 4 >= height
             text: Format.gainMark(modelData)
             Accessible.ignored: true // each slider tells its value and unit

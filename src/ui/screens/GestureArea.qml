@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Model
 
-/// Laid over a slider or knob: everything between pressing and letting go is one step of the history. It
-/// lies on top so that the step has begun when the control hears of the press, and keeps nothing from it.
+/// Laid over a slider or knob: everything between press and release is one step of the history. It lies on top, so
+/// that the step has begun when the control sees the press, and lets all events through.
 Item {
     anchors.fill: parent
     z: 1

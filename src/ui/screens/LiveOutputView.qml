@@ -3,13 +3,13 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The live panel: whether it runs, what is heard, and what the level stages do about it.
+/// The live panel: state, preset or error, spectrum, and the meters of the level stages.
 DotCard {
     id: panel
 
     readonly property bool failed: App.engine.state === "error"
 
-    /// Whether there is room for a line only: the texts and how far the limiter is at work.
+    /// Whether there is room for a line only: the texts and the limiter's reduction.
     property bool line: false
 
     padding: (line ? 1 : 2) * Theme.unit

@@ -7,8 +7,8 @@ Window {
     id: window
 
     property string destination: "equalizer"
-    /// Where there is little room, the sidebar shows symbols only, and the live panel is a line. A desktop
-    /// may give a window less than its minimum.
+    /// With little room the sidebar shows symbols only, and the live panel is a line. A desktop may give a window
+    /// less than its minimum.
     readonly property bool narrow: width < 900 * Theme.textScale
     readonly property bool low: height < 700 * Theme.textScale
     readonly property bool seen: visible && visibility !== Window.Minimized && visibility !== Window.Hidden

@@ -26,7 +26,7 @@ Item {
         presetFilter = filters[destination] ?? presetFilter;
     }
 
-    /// Outlives the spatial screen, so that its cards are as they were left.
+    /// Outlives the spatial screen, whose cards stay open or closed.
     property var expandedStages: []
 
     function toggleStage(stage) {

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-/// One message in the flow of the window, with what belongs to it below: copied or dismissed by the
-/// user, gone when its cause is.
+/// One message in the flow of the window, with its details below. The user can copy and dismiss it; it goes with
+/// its cause.
 Rectangle {
     id: notice
 

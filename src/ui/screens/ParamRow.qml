@@ -9,7 +9,7 @@ GridLayout {
     id: row
 
     required property Setting setting
-    /// Left free at the end, as wide as what the card's head has there.
+    /// Room left free at the end, as wide as the items at the end of the card's head.
     property real trailing: 0
 
     readonly property bool narrow: width < Theme.indent + Theme.labelWidth + Theme.valueWidth + trailing + 20 * Theme.unit
@@ -19,7 +19,7 @@ GridLayout {
     rowSpacing: 0
 
     BodyText {
-        // Below the name of the card, which stands beside its switch.
+        // Aligned with the name of the card, beside its switch.
         Layout.leftMargin: row.narrow ? 0 : Theme.indent
         Layout.minimumWidth: row.narrow ? 0 : Theme.labelWidth
         Layout.maximumWidth: row.narrow ? Infinity : Theme.labelWidth

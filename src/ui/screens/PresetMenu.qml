@@ -1,7 +1,7 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// What can be done with one preset, beside applying it. Factory presets can only be copied.
+/// Actions on one preset beside applying it. Factory presets can only be copied.
 DotMenu {
     id: menu
 
@@ -12,7 +12,7 @@ DotMenu {
     signal updateRequested
     signal duplicateRequested
 
-    /// Opens below `button` with the first entry chosen, so that the keyboard can go on.
+    /// Opens below `button` with the first entry chosen, for the keyboard.
     function openBelow(row: PresetRow, button: Item) {
         presetId = row.presetId;
         presetName = row.name;

@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// One preset (`rand`): what it is called and for, what is in it, and what can be done with it. The
-/// list leads from row to row; the current row's buttons are on the way of the Tab key.
+/// One preset (`rand`): its name, purpose and content, and its actions. The list's keys move from row to row; the
+/// Tab key reaches the current row's buttons.
 FocusScope {
     id: row
 
@@ -23,7 +23,7 @@ FocusScope {
     signal exportRequested
     signal deleteRequested
 
-    /// Where a menu about this preset opens.
+    /// Anchor of the menu of this preset.
     readonly property Item menuButton: more
 
     implicitHeight: line.implicitHeight + 3 * Theme.unit

@@ -9,11 +9,11 @@ Item {
     id: screen
     objectName: "presetsView"
 
-    /// Which list (`Filtru`).
+    /// The shown list (`Filtru`).
     required property int filter
     signal saveRequested
 
-    /// What the last import or export said, and what of the file was not taken.
+    /// Result of the last import or export, and the lines of the file that were not taken.
     property string report: ""
     property var reportDetails: []
     property bool reportIsWarning: false

@@ -3,8 +3,8 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The equaliser's response: the curve with a point for each band, what is heard faintly behind it,
-/// and the gain of all bands together.
+/// The equaliser's response: the curve with a point for each band, the live spectrum faintly behind it, and the
+/// gain of all bands together.
 DotCard {
     id: card
 

@@ -13,7 +13,7 @@ DotScrollView {
     /// Around the content, so that the focus ring of an item at its edge is not cut off.
     readonly property real ringMargin: 5
 
-    /// What lies over the page's lower end takes none of the room that its cards share.
+    /// Height of an item over the page's lower end, which takes no room from the cards.
     property real covered: 0
     function scrollToEnd() {
         const view = contentItem as Flickable;

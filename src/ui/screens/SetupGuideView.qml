@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The guide of the first run, and where the user stands.
+/// The guide of the first run, and the user's progress.
 ScreenPage {
     /// One numbered step of the guide. Its texts may mark words as bold with double asterisks.
     component SetupStep: Item {
@@ -14,7 +14,7 @@ ScreenPage {
         required property var paragraphs
         property var points: []
 
-        /// Where the texts begin, beside the number.
+        /// Left edge of the texts, beside the number.
         readonly property real indent: Theme.indent
 
         implicitHeight: Math.max(figure.height, texts.height)

@@ -19,7 +19,7 @@ ColumnLayout {
     /// Whether there is room for symbols only.
     property bool folded: false
     signal chosen
-    /// The keyboard goes to another entry, counted from this one.
+    /// The keyboard moves by `step` entries.
     signal moveRequested(int step)
 
     function takeFocus() {

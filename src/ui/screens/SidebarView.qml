@@ -3,8 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The destinations in their groups. One of them is on the way of the Tab key, the arrows lead from one
-/// to the next.
+/// The destinations in their groups. The Tab key reaches one of them; the arrows move from one to the next.
 Rectangle {
     id: sidebar
 

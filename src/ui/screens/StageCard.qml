@@ -9,7 +9,7 @@ DotCard {
     required property string name
     property string description: ""
     required property bool on
-    /// What stands at the right end of the head, such as a meter.
+    /// Items at the right end of the head, such as a meter.
     property alias trailing: trailingRow.data
     default property alias controls: controlColumn.data
     signal switched

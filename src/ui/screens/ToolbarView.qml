@@ -2,7 +2,7 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// Start and stop, the output, the preset, and the ways to the sidebar's sections.
+/// Start and stop, the output, the preset, and buttons for the sidebar's sections.
 Rectangle {
     id: toolbar
 
@@ -10,8 +10,8 @@ Rectangle {
 
     /// Whether the window is too low for room around the controls.
     property bool low: false
-    /// Whether all controls are in one row. The ways to the sidebar's sections give way first: the
-    /// sidebar itself is always there.
+    /// Whether all controls are in one row. The buttons for the sidebar's sections are hidden first: the sidebar
+    /// itself is always there.
     readonly property bool roomy: width >= (92 + 4 * 4) * Theme.textUnit
 
     /// A toolbar item that leads to a section of the sidebar.

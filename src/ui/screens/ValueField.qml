@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// A value that reads as plain text and becomes a field once it is clicked or reached. Return or leaving the
-/// field takes what is typed, Escape does not; a text that cannot be read leaves the value as it was.
+/// A value that looks like plain text and becomes a field with the focus. Return or leaving the field takes the
+/// typed text, Escape drops it. An unreadable text leaves the value as it was.
 DotTextField {
     id: field
 
@@ -11,12 +11,12 @@ DotTextField {
 
     property bool dirty: false
 
-    /// From text to number, NaN for a text that is none. The caller has its own.
+    /// Converts text to a number; NaN for any other text. Each user of the field has its own.
     function parse(text: string): real {
         return NaN;
     }
     function takeTyped() {
-        // A restored text is shorter than the value it shows, and is no new value.
+        // A restored text has fewer digits than the value and must not replace it.
         const value = dirty && text !== valueText ? parse(text) : NaN;
         dropTyped();
         if (!isNaN(value))

@@ -5,7 +5,7 @@
 
 namespace quorbel::symbols {
 
-/// Where the symbol of this name is found, as a resource path; there need not be one.
+/// Resource path of the symbol of this name, whether or not there is one.
 QString path(const QString &name);
 
 /// All symbols' names, sorted.

@@ -19,8 +19,8 @@ using nlohmann::json;
 constexpr std::size_t maximumDepth = 512;
 constexpr std::size_t maximumPlainKey = 40;
 
-/// Builds the document from the reader's events and knows at every moment where in it the reader
-/// is. The library's own builder would do but for the depth limit and the path in its errors.
+/// Builds the document from the reader's events and knows the path of the value that is being read.
+/// The library's own builder has neither a depth limit nor paths in its errors.
 class DocumentBuilder final : public nlohmann::json_sax<json> {
   public:
     explicit DocumentBuilder(std::string_view text) : text_(text) {}
@@ -88,7 +88,8 @@ class DocumentBuilder final : public nlohmann::json_sax<json> {
         return true;
     }
 
-    /// Of what is being read: the element after those that an array has, unless it is open itself.
+    /// Path of the value that is being read: in an array, the element after the last one, unless
+    /// that is open itself.
     [[nodiscard]] std::string path() const {
         std::string result;
         for (const Container &container : open_) {
@@ -118,8 +119,8 @@ class DocumentBuilder final : public nlohmann::json_sax<json> {
                std::to_string(before.size() - lineStart + 1);
     }
 
-    /// The library's own words without its prefix and without the text that it read last, which may
-    /// be of any length and content.
+    /// The library's text without its prefix and without the text that it read last, which may be
+    /// long and unprintable.
     static std::string reason(const nlohmann::detail::exception &error) {
         std::string_view words = error.what();
         if (words.find("number overflow") != std::string_view::npos)

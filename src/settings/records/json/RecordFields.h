@@ -17,8 +17,8 @@
 
 namespace quorbel {
 
-/// Where coding stands in the document: a chain that lives on the stack of the calls and becomes
-/// text only when something has to be reported.
+/// Path of the value that is being coded: a chain on the stack of the calls, which becomes text
+/// only for an error.
 class CodingPath {
   public:
     CodingPath() = default;
