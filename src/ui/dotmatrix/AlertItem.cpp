@@ -36,9 +36,8 @@ void AlertItem::announceSoon() {
 void AlertItem::announce() {
     isPending_ = false;
     const bool hasAppeared = std::exchange(hasAppeared_, false);
-    if (text_.isEmpty() || !isVisible()) {
+    if (text_.isEmpty() || !isVisible())
         return;
-    }
     Q_EMIT announced(text_);
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);

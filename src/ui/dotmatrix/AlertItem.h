@@ -16,7 +16,7 @@ class AlertItem : public QQuickItem {
   public:
     using QQuickItem::QQuickItem;
 
-    QString text() const { return text_; }
+    [[nodiscard]] QString text() const { return text_; }
     void setText(const QString &text);
 
   Q_SIGNALS:

@@ -26,9 +26,8 @@ const auto plasmaGroup = QStringLiteral("org.kde.kdeglobals.KDE");
 
 // Values of the portal's older call are wrapped twice.
 QVariant unwrapped(QVariant value) {
-    while (value.canConvert<QDBusVariant>()) {
+    while (value.canConvert<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();
-    }
     return value;
 }
 
@@ -75,23 +74,20 @@ void Appearance::updateTextScale() {
 }
 
 bool Appearance::eventFilter(QObject *watched, QEvent *event) {
-    if (watched == qGuiApp && event->type() == QEvent::ApplicationFontChange) {
+    if (watched == qGuiApp && event->type() == QEvent::ApplicationFontChange)
         updateTextScale();
-    }
     return QObject::eventFilter(watched, event);
 }
 
 void Appearance::followDesktop() {
-    if (following_) {
+    if (following_)
         return;
-    }
     following_ = true;
     qGuiApp->installEventFilter(this);
     updateTextScale();
     auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
+    if (!bus.isConnected())
         return;
-    }
     bus.connect(portalService, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QDBusMessage)));
     const QList<std::pair<QString, QString>> keys = {
@@ -110,9 +106,8 @@ void Appearance::followDesktop() {
         connect(watcher, &QDBusPendingCallWatcher::finished, this,
                 [this, group = group, key = key](QDBusPendingCallWatcher *finished) {
                     const QDBusPendingReply<QDBusVariant> reply = *finished;
-                    if (!reply.isError()) {
+                    if (!reply.isError())
                         apply(group, key, reply.value().variant());
-                    }
                     finished->deleteLater();
                 });
     }
@@ -126,19 +121,18 @@ void Appearance::settingChanged(const QDBusMessage &message) {
 // A desktop answers the keys it knows; where it knows two of them they agree.
 void Appearance::apply(const QString &group, const QString &key, const QVariant &wrapped) {
     const QVariant value = unwrapped(wrapped);
-    if (group == appearanceGroup && key == QStringLiteral("contrast")) {
+    if (group == appearanceGroup && key == QStringLiteral("contrast"))
         setHighContrast(value.toUInt() == 1);
-    } else if (group == gnomeAccessGroup && key == QStringLiteral("high-contrast")) {
+    else if (group == gnomeAccessGroup && key == QStringLiteral("high-contrast"))
         setHighContrast(value.toBool());
-    } else if (group == appearanceGroup && key == QStringLiteral("reduced-motion")) {
+    else if (group == appearanceGroup && key == QStringLiteral("reduced-motion"))
         setReducedMotion(value.toUInt() == 1);
-    } else if (group == gnomeGroup && key == QStringLiteral("enable-animations")) {
+    else if (group == gnomeGroup && key == QStringLiteral("enable-animations"))
         setReducedMotion(!value.toBool());
-    } else if (group == gnomeGroup && key == QStringLiteral("text-scaling-factor")) {
+    else if (group == gnomeGroup && key == QStringLiteral("text-scaling-factor"))
         setTextFactor(value.toDouble());
-    } else if (group == plasmaGroup && key == QStringLiteral("AnimationDurationFactor")) {
+    else if (group == plasmaGroup && key == QStringLiteral("AnimationDurationFactor"))
         setReducedMotion(value.toString().toDouble() == 0);
-    }
 }
 
 } // namespace quorbel

@@ -12,17 +12,17 @@ namespace quorbel {
 /// followed while the program runs.
 ///
 /// One per process, main thread only.
-class Appearance : public QObject {
+class Appearance final : public QObject {
     Q_OBJECT
 
   public:
     static Appearance &instance();
 
-    bool highContrast() const { return highContrast_; }
-    bool reducedMotion() const { return reducedMotion_; }
+    [[nodiscard]] bool highContrast() const { return highContrast_; }
+    [[nodiscard]] bool reducedMotion() const { return reducedMotion_; }
     /// Size of text, 1 to 2, where 1 is the size that the window is drawn for: the application
     /// font's size over 10 points. A smaller font changes nothing.
-    double textScale() const { return textScale_; }
+    [[nodiscard]] double textScale() const { return textScale_; }
     const Palette &palette() const { return paletteFor(highContrast_); }
 
     void setHighContrast(bool on);

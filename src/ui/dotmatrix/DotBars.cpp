@@ -19,18 +19,16 @@ void DotBars::setLevels(const QList<double> &levels) {
 }
 
 void DotBars::setColumns(int columns) {
-    if (take(columns_, std::max(1, columns))) {
+    if (take(columns_, std::max(1, columns)))
         Q_EMIT columnsChanged();
-    }
     setImplicitWidth(columns_ * 8.0);
     dropPictures();
     light();
 }
 
 void DotBars::setRows(int rows) {
-    if (take(rows_, std::max(1, rows))) {
+    if (take(rows_, std::max(1, rows)))
         Q_EMIT rowsChanged();
-    }
     setImplicitHeight(rows_ * 8.0);
     dropPictures();
     light();
@@ -51,9 +49,8 @@ void DotBars::light() {
         const auto count = std::min(lit.size(), static_cast<std::size_t>(levels_.size()));
         for (std::size_t column = 0; column < count; ++column) {
             const double level = levels_[static_cast<qsizetype>(column)];
-            if (level > 0) { // false for what is not a number
+            if (level > 0) // false for NaN
                 lit[column] = static_cast<int>(std::lround(std::min(level, 1.0) * rows_));
-            }
         }
     }
     if (lit != lit_) {
@@ -82,25 +79,21 @@ void DotBars::makePictures(QSize size) {
     made.dark = QPixmap(size);
     made.dark.fill(Qt::transparent);
     QPainter painter(&made.dark);
-    for (int index = 0; index < columns_; ++index) {
+    for (int index = 0; index < columns_; ++index)
         painter.drawPixmap(index * made.columnPitch, 0, dark);
-    }
 }
 
 void DotBars::paintDots(DotPainter &painter, QSize size) {
-    if (size.isEmpty()) {
+    if (size.isEmpty())
         return;
-    }
-    if (pictures_.dark.isNull()) {
+    if (pictures_.dark.isNull())
         makePictures(size);
-    }
     const auto &made = pictures_;
     painter->drawPixmap(0, 0, made.dark);
     for (int column = 0; column < columns_; ++column) {
         const int count = lit_[static_cast<std::size_t>(column)];
-        if (count == 0) {
+        if (count == 0)
             continue;
-        }
         const int x = column * made.columnPitch;
         const int top = (rows_ - count) * made.rowPitch;
         const int below = top + made.rowPitch;

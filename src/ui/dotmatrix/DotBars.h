@@ -24,16 +24,16 @@ class DotBars : public quorbel::DotItem {
     explicit DotBars(QQuickItem *parent = nullptr);
 
     /// Heights, 0 to 1; a missing one or NaN counts as 0.
-    QList<double> levels() const { return levels_; }
+    [[nodiscard]] QList<double> levels() const { return levels_; }
     void setLevels(const QList<double> &levels);
 
-    int columns() const { return columns_; }
+    [[nodiscard]] int columns() const { return columns_; }
     void setColumns(int columns);
-    int rows() const { return rows_; }
+    [[nodiscard]] int rows() const { return rows_; }
     void setRows(int rows);
 
     /// Whether anything is shown at all; if not, every dot is dark.
-    bool isActive() const { return active_; }
+    [[nodiscard]] bool isActive() const { return active_; }
     void setActive(bool active);
 
   Q_SIGNALS:

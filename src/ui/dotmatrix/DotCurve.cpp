@@ -34,9 +34,8 @@ template <class Visit> void walk(const QPolygonF &line, double step, Visit visit
         const QPointF along = line[index] - from;
         const double length = std::hypot(along.x(), along.y());
         double at = left;
-        for (; at < length; at += step) {
+        for (; at < length; at += step)
             visit(from + along * (at / length));
-        }
         left = at - length;
     }
 }
@@ -139,18 +138,16 @@ void DotCurve::geometryChange(const QRectF &now, const QRectF &before) {
 void DotCurve::mark(std::vector<Line> &lines, double place) {
     const auto nearest = std::ranges::min_element(
         lines, {}, [place](const Line &line) { return std::abs(line.place - place); });
-    if (nearest != lines.end()) {
+    if (nearest != lines.end())
         *nearest = {.place = place, .isMarked = true};
-    }
 }
 
 double DotCurve::rowPitch() const {
     double distance = 0; // of the mark next to the middle
     for (const double height : markedHeights_) {
         const double from = std::abs(yOfHeight(height) - this->height() / 2);
-        if (from > 0 && (distance == 0 || from < distance)) {
+        if (from > 0 && (distance == 0 || from < distance))
             distance = from;
-        }
     }
     return fittingPitch(distance);
 }
@@ -160,31 +157,25 @@ void DotCurve::layOut() {
     const double columnPitch = fittingPitch(xOfFrequency(2000) - xOfFrequency(1000));
     const double anchor = xOfFrequency(1000);
     const double first = anchor - std::floor((anchor - inset) / columnPitch) * columnPitch;
-    for (double x = first; x <= width() - inset; x += columnPitch) {
+    for (double x = first; x <= width() - inset; x += columnPitch)
         columns_.push_back({.place = x});
-    }
     const int rowsAbove = std::max(0, static_cast<int>((height() / 2 - inset) / rowPitch()));
     rows_.clear();
-    for (int row = -rowsAbove; row <= rowsAbove; ++row) {
+    for (int row = -rowsAbove; row <= rowsAbove; ++row)
         rows_.push_back({.place = height() / 2 - row * rowPitch()});
-    }
-    if (octaveMarks_) {
-        for (const double hz : octavesHz) {
+    if (octaveMarks_)
+        for (const double hz : octavesHz)
             mark(columns_, xOfFrequency(hz));
-        }
-    }
-    for (const double height : markedHeights_) {
+    for (const double height : markedHeights_)
         mark(rows_, yOfHeight(height));
-    }
     dropPictures();
     light();
 }
 
 /// The band of the spectrum that holds a frequency; -1 for none.
 int DotCurve::bandAt(double hz) const {
-    if (spectrumEdges_.size() != spectrum_.size() + 1) {
+    if (spectrumEdges_.size() != spectrum_.size() + 1)
         return -1;
-    }
     const auto above = std::ranges::upper_bound(spectrumEdges_, hz);
     return above == spectrumEdges_.end() ? -1
                                          : static_cast<int>(above - spectrumEdges_.begin()) - 1;
@@ -196,7 +187,7 @@ void DotCurve::light() {
     for (std::size_t column = 0; column < columns_.size(); ++column) {
         const int band = bandAt(frequencyAt(columns_[column].place));
         const double level = band >= 0 ? spectrum_[band] : 0;
-        if (level > 0) { // false for what is not a number
+        if (level > 0) { // false for NaN
             lit[column] = static_cast<int>(
                 std::lround(std::min(level, 1.0) * static_cast<double>(rows_.size())));
         }
@@ -281,15 +272,12 @@ void DotCurve::paintCurve(QSize size, double scale) {
 }
 
 void DotCurve::paintDots(DotPainter &painter, QSize size) {
-    if (size.isEmpty()) {
+    if (size.isEmpty())
         return;
-    }
-    if (ground_.isNull()) {
+    if (ground_.isNull())
         paintGround(size, painter.scale());
-    }
-    if (curve_.isNull()) {
+    if (curve_.isNull())
         paintCurve(size, painter.scale());
-    }
     painter->drawPixmap(0, 0, ground_);
     const double scale = painter.scale();
     const auto device = [scale](double place) {

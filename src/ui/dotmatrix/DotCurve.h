@@ -39,38 +39,38 @@ class DotCurve : public quorbel::DotItem {
     explicit DotCurve(QQuickItem *parent = nullptr);
 
     /// Heights of the curve, 0 (bottom) to 1 (top), at equal distances on the axis.
-    QList<double> values() const { return values_; }
+    [[nodiscard]] QList<double> values() const { return values_; }
     void setValues(const QList<double> &values);
     /// A second curve, fainter; may be empty.
-    QList<double> secondaryValues() const { return secondaryValues_; }
+    [[nodiscard]] QList<double> secondaryValues() const { return secondaryValues_; }
     void setSecondaryValues(const QList<double> &values);
     /// Levels 0 to 1 of bands that follow each other; may be empty.
-    QList<double> spectrum() const { return spectrum_; }
+    [[nodiscard]] QList<double> spectrum() const { return spectrum_; }
     void setSpectrum(const QList<double> &levels);
     /// Hz where each band begins, ascending, and where the last one ends.
-    QList<double> spectrumEdges() const { return spectrumEdges_; }
+    [[nodiscard]] QList<double> spectrumEdges() const { return spectrumEdges_; }
     void setSpectrumEdges(const QList<double> &edges);
     /// Heights 0 to 1 of darker rows, multiples of one distance from the middle.
-    QList<double> markedHeights() const { return markedHeights_; }
+    [[nodiscard]] QList<double> markedHeights() const { return markedHeights_; }
     void setMarkedHeights(const QList<double> &heights);
     /// Whether the curve is drawn as one that is not heard.
-    bool isDimmed() const { return dimmed_; }
+    [[nodiscard]] bool isDimmed() const { return dimmed_; }
     void setDimmed(bool dimmed);
     /// The octaves of the axis in Hz: 31.5, 63, 125 ... 16000.
     static QList<double> octaves();
     /// Darker columns at the octaves.
-    bool octaveMarks() const { return octaveMarks_; }
+    [[nodiscard]] bool octaveMarks() const { return octaveMarks_; }
     void setOctaveMarks(bool show);
     /// A darker row at half the height.
-    bool zeroLine() const { return zeroLine_; }
+    [[nodiscard]] bool zeroLine() const { return zeroLine_; }
     void setZeroLine(bool show);
 
     /// Places in the item, in its coordinates. Outside of the axis they continue linearly.
-    Q_INVOKABLE double xOfFrequency(double hz) const;
-    Q_INVOKABLE double frequencyAt(double x) const;
+    [[nodiscard]] Q_INVOKABLE double xOfFrequency(double hz) const;
+    [[nodiscard]] Q_INVOKABLE double frequencyAt(double x) const;
     /// Places of heights 0 to 1.
-    Q_INVOKABLE double yOfHeight(double height) const;
-    Q_INVOKABLE double heightAt(double y) const;
+    [[nodiscard]] Q_INVOKABLE double yOfHeight(double height) const;
+    [[nodiscard]] Q_INVOKABLE double heightAt(double y) const;
 
   Q_SIGNALS:
     void valuesChanged();
@@ -94,10 +94,10 @@ class DotCurve : public quorbel::DotItem {
     };
     static void mark(std::vector<Line> &lines, double place);
     void layOut();
-    double rowPitch() const;
+    [[nodiscard]] double rowPitch() const;
     void light();
-    int bandAt(double hz) const;
-    QPolygonF points(const QList<double> &heights) const;
+    [[nodiscard]] int bandAt(double hz) const;
+    [[nodiscard]] QPolygonF points(const QList<double> &heights) const;
     void paintGround(QSize size, double scale);
     void paintCurve(QSize size, double scale);
 

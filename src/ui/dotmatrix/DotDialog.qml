@@ -53,7 +53,7 @@ T.Dialog {
     }
     contentItem: view
 
-    // Apart from the property, which would be set later than what is in it.
+    // Apart from the property, which would be set later than its content.
     readonly property DotScrollView view: DotScrollView {
         focus: true
         contentWidth: availableWidth

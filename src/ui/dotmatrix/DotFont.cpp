@@ -119,9 +119,8 @@ bool has(QChar character) { return findOrCapital(character) != nullptr; }
 
 int columns(const QString &text) {
     int sum = 0;
-    for (const QChar character : text) {
+    for (const QChar character : text)
         sum += glyph(character).width + 1;
-    }
     return std::max(0, sum - 1);
 }
 

@@ -21,7 +21,7 @@ struct Glyph {
     int width = 5;
     std::array<std::uint8_t, rows> bits{};
 
-    bool lit(int column, int row) const { return (bits[row] >> (4 - column)) & 1; }
+    [[nodiscard]] bool lit(int column, int row) const { return (bits[row] >> (4 - column)) & 1; }
 };
 
 Glyph glyph(QChar character);

@@ -17,16 +17,14 @@ DotItem::DotItem(QQuickItem *parent) : QQuickPaintedItem(parent) {
 
 void DotItem::itemChange(ItemChange change, const ItemChangeData &data) {
     QQuickPaintedItem::itemChange(change, data);
-    if (change == ItemVisibleHasChanged && data.boolValue && stale_) {
+    if (change == ItemVisibleHasChanged && data.boolValue && stale_)
         repaint();
-    }
 }
 
 void DotItem::repaint() {
     stale_ = !isVisible();
-    if (!stale_) {
+    if (!stale_)
         update();
-    }
 }
 
 void DotItem::paint(QPainter *painter) {

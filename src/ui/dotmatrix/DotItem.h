@@ -9,8 +9,8 @@ namespace quorbel {
 
 class DotPainter;
 
-/// An item of dots, painted as one picture. It is painted again only after `update()`, that is when
-/// what it shows has changed, and not while it or its window is hidden.
+/// An item of dots, painted as one picture. It is painted again only after `update()`, after a
+/// change of its content. It is not painted while it or its window is hidden.
 ///
 /// Items derive from `quorbel::DotItem` in full: the tools that read QML know no shorter name.
 class DotItem : public QQuickPaintedItem {
@@ -21,7 +21,7 @@ class DotItem : public QQuickPaintedItem {
     explicit DotItem(QQuickItem *parent = nullptr);
 
     /// How often the item was painted.
-    Q_INVOKABLE int paintCount() const { return paintCount_; }
+    [[nodiscard]] Q_INVOKABLE int paintCount() const { return paintCount_; }
 
     void paint(QPainter *painter) final;
 
@@ -43,9 +43,8 @@ class DotItem : public QQuickPaintedItem {
     /// Takes a new value of a property and has the item painted where it differs.
     /// @returns whether it differs
     template <class T> bool take(T &member, const T &value) {
-        if (member == value) {
+        if (member == value)
             return false;
-        }
         member = value;
         repaint();
         return true;

@@ -26,9 +26,8 @@ void DotPainter::dot(QPointF centre, double diameter, const QColor &color) {
 QPixmap dotSprite(int diameter, const QColor &color) {
     const auto key = QStringLiteral("quorbel-dot-%1-%2").arg(diameter).arg(color.rgba());
     QPixmap sprite;
-    if (QPixmapCache::find(key, &sprite)) {
+    if (QPixmapCache::find(key, &sprite))
         return sprite;
-    }
     sprite = QPixmap(diameter, diameter);
     sprite.fill(Qt::transparent);
     QPainter painter(&sprite);
@@ -59,11 +58,9 @@ QPixmap dotSheet(const DotLattice &lattice, const QColor &color) {
     sheet.fill(Qt::transparent);
     QPainter painter(&sheet);
     const QPixmap sprite = dotSprite(lattice.diameter, color);
-    for (int row = 0; row < lattice.cells.height(); ++row) {
-        for (int column = 0; column < lattice.cells.width(); ++column) {
+    for (int row = 0; row < lattice.cells.height(); ++row)
+        for (int column = 0; column < lattice.cells.width(); ++column)
             painter.drawPixmap(lattice.at(column, row), sprite);
-        }
-    }
     return sheet;
 }
 

@@ -23,7 +23,7 @@ class DotPainter {
     DotPainter &operator=(const DotPainter &) = delete;
 
     /// Device pixels of one device-independent pixel.
-    double scale() const { return scale_; }
+    [[nodiscard]] double scale() const { return scale_; }
 
     QPainter *operator->() { return &painter_; }
 
@@ -45,9 +45,9 @@ struct DotLattice {
     QSize pitch;
     int diameter = 1;
 
-    QSize size() const;
+    [[nodiscard]] QSize size() const;
     /// Upper left corner of the dot in this cell.
-    QPoint at(int column, int row) const;
+    [[nodiscard]] QPoint at(int column, int row) const;
 };
 
 /// All dots of the lattice in one colour, on nothing. Items blit parts of it instead of painting

@@ -18,27 +18,23 @@ constexpr double sweep = 1.5 * std::numbers::pi;
 DotRing::DotRing(QQuickItem *parent) : DotItem(parent) {}
 
 void DotRing::setPosition(double position) {
-    if (take(position_, position)) {
+    if (take(position_, position))
         Q_EMIT positionChanged();
-    }
 }
 
 void DotRing::setOrigin(double origin) {
-    if (take(origin_, origin)) {
+    if (take(origin_, origin))
         Q_EMIT originChanged();
-    }
 }
 
 void DotRing::setDots(int dots) {
-    if (take(dots_, std::max(2, dots))) {
+    if (take(dots_, std::max(2, dots)))
         Q_EMIT dotsChanged();
-    }
 }
 
 void DotRing::setHot(bool hot) {
-    if (take(hot_, hot)) {
+    if (take(hot_, hot))
         Q_EMIT hotChanged();
-    }
 }
 
 void DotRing::paintDots(DotPainter &painter, QSize) {

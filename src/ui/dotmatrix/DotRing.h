@@ -19,14 +19,14 @@ class DotRing : public quorbel::DotItem {
   public:
     explicit DotRing(QQuickItem *parent = nullptr);
 
-    double position() const { return position_; }
+    [[nodiscard]] double position() const { return position_; }
     void setPosition(double position);
-    double origin() const { return origin_; }
+    [[nodiscard]] double origin() const { return origin_; }
     void setOrigin(double origin);
-    int dots() const { return dots_; }
+    [[nodiscard]] int dots() const { return dots_; }
     void setDots(int dots);
     /// Whether the knob is under the pointer or held.
-    bool isHot() const { return hot_; }
+    [[nodiscard]] bool isHot() const { return hot_; }
     void setHot(bool hot);
 
   Q_SIGNALS:

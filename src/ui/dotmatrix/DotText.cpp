@@ -17,33 +17,29 @@ DotText::DotText(QQuickItem *parent) : DotItem(parent) {
 }
 
 void DotText::setText(const QString &text) {
-    if (take(text_, text)) {
+    if (take(text_, text))
         Q_EMIT textChanged();
-    }
     measure();
 }
 
 void DotText::setDotSize(double size) {
-    if (take(dotSize_, size)) {
+    if (take(dotSize_, size))
         Q_EMIT dotSizeChanged();
-    }
     measure();
 }
 
 QColor DotText::color() const { return color_.isValid() ? color_ : palette().ink; }
 
 void DotText::setColor(const QColor &color) {
-    if (take(color_, color)) {
+    if (take(color_, color))
         Q_EMIT colorChanged();
-    }
 }
 
 void DotText::resetColor() { setColor(QColor()); }
 
 void DotText::setShowUnlit(bool show) {
-    if (take(showUnlit_, show)) {
+    if (take(showUnlit_, show))
         Q_EMIT showUnlitChanged();
-    }
 }
 
 double DotText::pitch() const { return dotSize_ * Appearance::instance().textScale(); }
@@ -66,11 +62,10 @@ void DotText::paintDots(DotPainter &painter, QSize size) {
         for (int row = 0; row < dotFont::rows; ++row) {
             for (int column = 0; column < glyph.width; ++column) {
                 const QPoint at(left + column * step, top + row * step);
-                if (glyph.lit(column, row)) {
+                if (glyph.lit(column, row))
                     painter->drawPixmap(at, lit);
-                } else if (showUnlit_) {
+                else if (showUnlit_)
                     painter->drawPixmap(at, unlit);
-                }
             }
         }
         left += (glyph.width + 1) * step;

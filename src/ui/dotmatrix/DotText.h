@@ -18,20 +18,20 @@ class DotText : public quorbel::DotItem {
   public:
     explicit DotText(QQuickItem *parent = nullptr);
 
-    QString text() const { return text_; }
+    [[nodiscard]] QString text() const { return text_; }
     void setText(const QString &text);
 
     /// Distance from one dot to the next at normal text size; the text is seven of them high.
-    double dotSize() const { return dotSize_; }
+    [[nodiscard]] double dotSize() const { return dotSize_; }
     void setDotSize(double size);
 
     /// Ink, unless set.
-    QColor color() const;
+    [[nodiscard]] QColor color() const;
     void setColor(const QColor &color);
     void resetColor();
 
     /// Whether the dots that are not lit are shown too, as on a display.
-    bool showUnlit() const { return showUnlit_; }
+    [[nodiscard]] bool showUnlit() const { return showUnlit_; }
     void setShowUnlit(bool show);
 
   Q_SIGNALS:
@@ -45,7 +45,7 @@ class DotText : public quorbel::DotItem {
 
   private:
     void measure();
-    double pitch() const; ///< from one dot to the next, at the desktop's text size
+    [[nodiscard]] double pitch() const; ///< from one dot to the next, at the desktop's text size
 
     QString text_;
     double dotSize_ = 2;

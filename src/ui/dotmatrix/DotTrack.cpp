@@ -19,33 +19,28 @@ constexpr double tickDistance = handle / 2 + 2; // from the middle of the track
 DotTrack::DotTrack(QQuickItem *parent) : DotItem(parent) {}
 
 void DotTrack::setPosition(double position) {
-    if (take(position_, position)) {
+    if (take(position_, position))
         Q_EMIT positionChanged();
-    }
 }
 
 void DotTrack::setOrigin(double origin) {
-    if (take(origin_, origin)) {
+    if (take(origin_, origin))
         Q_EMIT originChanged();
-    }
 }
 
 void DotTrack::setVertical(bool vertical) {
-    if (take(vertical_, vertical)) {
+    if (take(vertical_, vertical))
         Q_EMIT verticalChanged();
-    }
 }
 
 void DotTrack::setHot(bool hot) {
-    if (take(hot_, hot)) {
+    if (take(hot_, hot))
         Q_EMIT hotChanged();
-    }
 }
 
 void DotTrack::setTicks(const QList<double> &positions) {
-    if (take(ticks_, positions)) {
+    if (take(ticks_, positions))
         Q_EMIT ticksChanged();
-    }
 }
 
 double DotTrack::handleSize() const { return handle; }
@@ -84,17 +79,15 @@ void DotTrack::paintDots(DotPainter &painter, QSize) {
     for (int index = 0; index <= steps; ++index) {
         const double at = static_cast<double>(index) / steps;
         if (std::abs(handleCentre(at) - handleCentre(position_)) <
-            handle / 2 + dotDiameter / 2 + clearance) {
+            handle / 2 + dotDiameter / 2 + clearance)
             continue;
-        }
         const bool lit = at >= first - 1e-9 && at <= last + 1e-9 && first != last;
         painter.dot(place(at), dotDiameter * scale, lit ? palette().ink : palette().dotMid);
     }
     const QPointF centre = place(position_);
     painter.dot(centre, handle * scale, palette().ink);
-    if (hot_) {
+    if (hot_)
         painter.dot(centre, eyeSize * scale, palette().signal);
-    }
 }
 
 } // namespace quorbel

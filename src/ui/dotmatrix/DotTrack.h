@@ -21,28 +21,28 @@ class DotTrack : public quorbel::DotItem {
   public:
     explicit DotTrack(QQuickItem *parent = nullptr);
 
-    double position() const { return position_; }
+    [[nodiscard]] double position() const { return position_; }
     void setPosition(double position);
-    double origin() const { return origin_; }
+    [[nodiscard]] double origin() const { return origin_; }
     void setOrigin(double origin);
     /// Upward instead of to the right.
-    bool isVertical() const { return vertical_; }
+    [[nodiscard]] bool isVertical() const { return vertical_; }
     void setVertical(bool vertical);
     /// Whether the handle is under the pointer or held.
-    bool isHot() const { return hot_; }
+    [[nodiscard]] bool isHot() const { return hot_; }
     void setHot(bool hot);
 
     /// Positions with a mark on both sides of the track.
-    QList<double> ticks() const { return ticks_; }
+    [[nodiscard]] QList<double> ticks() const { return ticks_; }
     void setTicks(const QList<double> &positions);
 
-    double handleSize() const;
+    [[nodiscard]] double handleSize() const;
 
     /// The position under a point of the item; may lie outside 0 to 1.
-    Q_INVOKABLE double positionAt(double x, double y) const;
+    [[nodiscard]] Q_INVOKABLE double positionAt(double x, double y) const;
     /// Centre of the handle, measured along the track from its upper or left end.
-    Q_INVOKABLE double handleCentre(double position) const;
-    Q_INVOKABLE bool isHandle(double x, double y) const;
+    [[nodiscard]] Q_INVOKABLE double handleCentre(double position) const;
+    [[nodiscard]] Q_INVOKABLE bool isHandle(double x, double y) const;
 
   Q_SIGNALS:
     void positionChanged();
@@ -55,7 +55,7 @@ class DotTrack : public quorbel::DotItem {
     void paintDots(DotPainter &painter, QSize size) override;
 
   private:
-    double length() const { return vertical_ ? height() : width(); }
+    [[nodiscard]] double length() const { return vertical_ ? height() : width(); }
 
     double position_ = 0;
     double origin_ = 0;

@@ -18,7 +18,7 @@ class FocusArea : public QQuickItem {
   public:
     explicit FocusArea(QQuickItem *parent = nullptr);
 
-    bool visualFocus() const { return visualFocus_; }
+    [[nodiscard]] bool visualFocus() const { return visualFocus_; }
 
     /// Whether the wheel's next turns are for this item, if it has the focus. Not those that have
     /// scrolled it below the pointer.

@@ -29,7 +29,7 @@ Item {
         target: follower.Window.window
         function onActiveFocusItemChanged() {
             const item = follower.Window.activeFocusItem;
-            // A click lands on what is already in view.
+            // A clicked item is in view already.
             const clicked = (item as T.Control)?.visualFocus === false || (item as FocusArea)?.visualFocus === false;
             if (item !== null && !clicked)
                 follower.reveal(item);

@@ -7,9 +7,9 @@
 
 namespace quorbel {
 
-/// Scrolls a page by keys: arrows by a line, Page Up and Page Down by what is shown, Home and End
-/// to its ends. In a list that has the focus the keys move its current row instead.
-class PageScroll : public QObject {
+/// Scrolls a page by keys: arrows by a line, Page Up and Page Down by a view, Home and End to its
+/// ends. In a list that has the focus the keys move its current row instead.
+class PageScroll final : public QObject {
   public:
     using QObject::QObject;
 

@@ -18,17 +18,15 @@ Symbol::Symbol(QQuickItem *parent) : DotItem(parent) {
 }
 
 void Symbol::setName(const QString &name) {
-    if (take(name_, name)) {
+    if (take(name_, name))
         Q_EMIT nameChanged();
-    }
 }
 
 QColor Symbol::color() const { return color_.isValid() ? color_ : palette().ink; }
 
 void Symbol::setColor(const QColor &color) {
-    if (take(color_, color)) {
+    if (take(color_, color))
         Q_EMIT colorChanged();
-    }
 }
 
 void Symbol::resetColor() { setColor(QColor()); }
@@ -48,15 +46,14 @@ void Symbol::measure() {
 
 void Symbol::paintDots(DotPainter &painter, QSize size) {
     const int edge = std::min(size.width(), size.height());
-    if (name_.isEmpty() || edge < 1) {
+    if (name_.isEmpty() || edge < 1)
         return;
-    }
     QSvgRenderer renderer(symbols::path(name_));
     QImage picture(edge, edge, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     QPainter onto(&picture);
     renderer.render(&onto);
-    // The file says where there is ink; what colour it has is said here.
+    // The file gives the shape, this the colour.
     onto.setCompositionMode(QPainter::CompositionMode_SourceIn);
     onto.fillRect(picture.rect(), color());
     onto.end();

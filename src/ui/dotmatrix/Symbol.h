@@ -19,14 +19,14 @@ class Symbol : public quorbel::DotItem {
     explicit Symbol(QQuickItem *parent = nullptr);
 
     /// As in `ui/symbols`; none: nothing is shown.
-    QString name() const { return name_; }
+    [[nodiscard]] QString name() const { return name_; }
     void setName(const QString &name);
     /// Ink, unless set.
-    QColor color() const;
+    [[nodiscard]] QColor color() const;
     void setColor(const QColor &color);
     void resetColor();
-    /// Edge of the square that the symbol fills at normal text size; 16 is what it is drawn for.
-    double size() const { return size_; }
+    /// Edge of the square that the symbol fills at normal text size; designed for 16.
+    [[nodiscard]] double size() const { return size_; }
     void setSize(double size);
 
   Q_SIGNALS:

@@ -62,66 +62,68 @@ class Theme : public QObject {
   public:
     explicit Theme(QObject *parent = nullptr);
 
-    QColor paper() const { return palette().paper; }
-    QColor card() const { return palette().card; }
-    QColor rule() const { return palette().rule; }
-    QColor pressed() const { return palette().pressed; }
-    QColor edge() const { return palette().edge; }
-    QColor ink() const { return palette().ink; }
-    QColor inkSoft() const { return palette().inkSoft; }
-    QColor dot() const { return palette().dot; }
-    QColor dotMid() const { return palette().dotMid; }
-    QColor signalColor() const { return palette().signal; }
-    QColor signalInk() const { return palette().signalInk; }
-    QColor signalDim() const { return palette().signalDim; }
-    QColor onSignal() const { return palette().onSignal; }
-    QColor warning() const { return palette().warning; }
-    QColor veil() const { return palette().veil; }
+    [[nodiscard]] QColor paper() const { return palette().paper; }
+    [[nodiscard]] QColor card() const { return palette().card; }
+    [[nodiscard]] QColor rule() const { return palette().rule; }
+    [[nodiscard]] QColor pressed() const { return palette().pressed; }
+    [[nodiscard]] QColor edge() const { return palette().edge; }
+    [[nodiscard]] QColor ink() const { return palette().ink; }
+    [[nodiscard]] QColor inkSoft() const { return palette().inkSoft; }
+    [[nodiscard]] QColor dot() const { return palette().dot; }
+    [[nodiscard]] QColor dotMid() const { return palette().dotMid; }
+    [[nodiscard]] QColor signalColor() const { return palette().signal; }
+    [[nodiscard]] QColor signalInk() const { return palette().signalInk; }
+    [[nodiscard]] QColor signalDim() const { return palette().signalDim; }
+    [[nodiscard]] QColor onSignal() const { return palette().onSignal; }
+    [[nodiscard]] QColor warning() const { return palette().warning; }
+    [[nodiscard]] QColor veil() const { return palette().veil; }
 
-    double unit() const { return 8; }
-    double radius() const { return 4; }
-    double hairline() const { return highContrast() ? 2 : 1; }
-    double dotPitch() const { return 8; }
+    [[nodiscard]] double unit() const { return 8; }
+    [[nodiscard]] double radius() const { return 4; }
+    [[nodiscard]] double hairline() const { return highContrast() ? 2 : 1; }
+    [[nodiscard]] double dotPitch() const { return 8; }
 
     /// 1 to 2; see `Appearance`.
-    double textScale() const { return Appearance::instance().textScale(); }
-    /// A unit for what holds text.
-    double textUnit() const { return unit() * textScale(); }
-    int titleSize() const { return scaled(24); }
-    int headingSize() const { return scaled(15); }
-    int bodySize() const { return scaled(13); }
-    int captionSize() const { return scaled(11); }
-    QString fontFamily() const;
+    [[nodiscard]] double textScale() const { return Appearance::instance().textScale(); }
+    /// A unit for containers of text.
+    [[nodiscard]] double textUnit() const { return unit() * textScale(); }
+    [[nodiscard]] int titleSize() const { return scaled(24); }
+    [[nodiscard]] int headingSize() const { return scaled(15); }
+    [[nodiscard]] int bodySize() const { return scaled(13); }
+    [[nodiscard]] int captionSize() const { return scaled(11); }
+    [[nodiscard]] QString fontFamily() const;
 
     /// One line of text and the room around it: buttons and boxes, small fields and chips, rows of
     /// the sidebar, heads of screens.
-    double controlHeight() const { return 16 + scaled(16); }
-    double fieldHeight() const { return 8 + scaled(16); }
-    double rowHeight() const { return 20 + scaled(16); }
-    double headHeight() const { return 24 + scaled(16); }
+    [[nodiscard]] double controlHeight() const { return 16 + scaled(16); }
+    [[nodiscard]] double fieldHeight() const { return 8 + scaled(16); }
+    [[nodiscard]] double rowHeight() const { return 20 + scaled(16); }
+    [[nodiscard]] double headHeight() const { return 24 + scaled(16); }
 
-    double sidebarWidth() const { return 27 * textUnit(); }
+    [[nodiscard]] double sidebarWidth() const { return 27 * textUnit(); }
     /// The narrowest strip of a band; ten and their scale fit the smallest window.
-    double stripWidth() const { return 5.7 * textUnit(); }
+    [[nodiscard]] double stripWidth() const { return 5.7 * textUnit(); }
     /// Columns of a card: the names of its values, the values, the button that opens it.
-    double labelWidth() const { return 22 * textUnit(); }
-    double valueWidth() const { return 13 * textUnit(); }
-    double expanderWidth() const { return 15 * textUnit(); }
+    [[nodiscard]] double labelWidth() const { return 22 * textUnit(); }
+    [[nodiscard]] double valueWidth() const { return 13 * textUnit(); }
+    [[nodiscard]] double expanderWidth() const { return 15 * textUnit(); }
     /// The longest lines of prose.
-    double readingWidth() const { return 88 * textUnit(); }
+    [[nodiscard]] double readingWidth() const { return 88 * textUnit(); }
     /// From the edge of a card to its texts, beside a switch or a number.
-    double indent() const { return 7 * unit(); }
+    [[nodiscard]] double indent() const { return 7 * unit(); }
     /// Milliseconds of a transition; none where the desktop asks for less motion.
-    int duration() const { return reducedMotion() ? 0 : 120; }
-    double disabledOpacity() const { return 0.4; }
-    bool highContrast() const { return Appearance::instance().highContrast(); }
-    bool reducedMotion() const { return Appearance::instance().reducedMotion(); }
+    [[nodiscard]] int duration() const { return reducedMotion() ? 0 : 120; }
+    [[nodiscard]] double disabledOpacity() const { return 0.4; }
+    [[nodiscard]] bool highContrast() const { return Appearance::instance().highContrast(); }
+    [[nodiscard]] bool reducedMotion() const { return Appearance::instance().reducedMotion(); }
 
   Q_SIGNALS:
     void changed();
 
   private:
-    int scaled(double pixels) const { return static_cast<int>(std::lround(pixels * textScale())); }
+    [[nodiscard]] int scaled(double pixels) const {
+        return static_cast<int>(std::lround(pixels * textScale()));
+    }
     static const Palette &palette() { return Appearance::instance().palette(); }
 };
 

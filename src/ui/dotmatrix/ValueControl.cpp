@@ -82,9 +82,8 @@ double ValueControl::positionOf(double value) const {
 }
 
 double ValueControl::reachable(double value) const {
-    if (std::isnan(value)) {
+    if (std::isnan(value))
         return value_;
-    }
     // The ends can be reached though they may lie between two steps.
     const auto [lowest, highest] = std::minmax(from_, to_);
     if (stepSize_ > 0 && !logarithmic && value > lowest && value < highest) {

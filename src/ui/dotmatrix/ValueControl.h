@@ -27,25 +27,25 @@ class ValueControl : public QQuickItem {
   public:
     explicit ValueControl(QQuickItem *parent = nullptr);
 
-    double from() const { return from_; }
+    [[nodiscard]] double from() const { return from_; }
     void setFrom(double from);
-    double to() const { return to_; }
+    [[nodiscard]] double to() const { return to_; }
     void setTo(double to);
-    double value() const { return value_; }
+    [[nodiscard]] double value() const { return value_; }
     void setValue(double value);
     /// Distance of the values the user can reach, counted from `from`; 0: any value.
-    double stepSize() const { return stepSize_; }
+    [[nodiscard]] double stepSize() const { return stepSize_; }
     void setStepSize(double size);
     /// The value where the lit run begins; `from`, unless set.
-    double origin() const;
+    [[nodiscard]] double origin() const;
     void setOrigin(double origin);
     void resetOrigin();
 
     /// Value and origin as parts of the range, 0 to 1.
-    double position() const { return positionOf(value_); }
-    double originPosition() const { return positionOf(origin()); }
+    [[nodiscard]] double position() const { return positionOf(value_); }
+    [[nodiscard]] double originPosition() const { return positionOf(origin()); }
     /// Step of one press of an arrow key: the step size, or a hundredth of the range without one.
-    double step() const;
+    [[nodiscard]] double step() const;
 
     /// The user's moves. The new value is the nearest one that can be reached; `moved` follows if
     /// it is another than before. With a `direction` (only its sign counts; 0: none) the value
@@ -78,10 +78,10 @@ class ValueControl : public QQuickItem {
     void resetRequested();
 
   private:
-    double scaled(double value) const;
-    double unscaled(double place) const;
-    double positionOf(double value) const;
-    double reachable(double value) const;
+    [[nodiscard]] double scaled(double value) const;
+    [[nodiscard]] double unscaled(double place) const;
+    [[nodiscard]] double positionOf(double value) const;
+    [[nodiscard]] double reachable(double value) const;
 
     double from_ = 0;
     double to_ = 1;

@@ -234,7 +234,7 @@ bool WindowKeys::request(const Shortcut &shortcut) {
         break;
     case Request::screen:
         if (isWritten(item))
-            item->setFocus(false, Qt::ShortcutFocusReason); // takes over what is typed
+            item->setFocus(false, Qt::ShortcutFocusReason); // takes the typed value
         Q_EMIT screenRequested(shortcut.index);
         break;
     default:

@@ -19,7 +19,7 @@ namespace quorbel {
 /// 2. The window's shortcuts are signals; in a dialog only `quitRequested` is. A layout without
 ///    Latin letters has them at the letters' places.
 /// 3. Undo and redo go to a text field that has something to undo, and otherwise to the settings.
-/// 4. Return presses what Space presses: buttons, switches, rows of choices, boxes.
+/// 4. Return acts like Space on buttons, switches, rows of choices, boxes.
 /// 5. Return and Delete act once however long they are held, except in a text.
 /// 6. Delete and Backspace on a button do nothing: otherwise a list around it would take them.
 /// 7. Letters leave the choice of a closed box alone.
@@ -42,7 +42,7 @@ class WindowKeys : public QQuickItem {
   public:
     explicit WindowKeys(QQuickItem *parent = nullptr);
 
-    bool compareHeld() const { return compareHeld_; }
+    [[nodiscard]] bool compareHeld() const { return compareHeld_; }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -73,8 +73,8 @@ class WindowKeys : public QQuickItem {
     void sendSpace(QEvent::Type type) const;
     void setCompareHeld(bool held);
 
-    QQuickItem *focused() const;
-    bool isInDialog(const QQuickItem *item) const;
+    [[nodiscard]] QQuickItem *focused() const;
+    [[nodiscard]] bool isInDialog(const QQuickItem *item) const;
     void followFocus();
     void giveBack(QQuickItem *field);
     void pressedAt(QPointF place);

@@ -30,9 +30,8 @@ WrapRowAttached *WrapRow::qmlAttachedProperties(QObject *child) {
     auto *attached = new WrapRowAttached(child);
     if (auto *item = qobject_cast<QQuickItem *>(child)) {
         connect(attached, &WrapRowAttached::changed, item, [item] {
-            if (auto *row = qobject_cast<WrapRow *>(item->parentItem())) {
+            if (auto *row = qobject_cast<WrapRow *>(item->parentItem()))
                 row->arrange();
-            }
         });
     }
     return attached;
@@ -42,9 +41,8 @@ void WrapRow::itemChange(ItemChange change, const ItemChangeData &data) {
     QQuickItem::itemChange(change, data);
     if (change == ItemChildAddedChange) {
         for (const auto signal : {&QQuickItem::implicitWidthChanged, &QQuickItem::heightChanged,
-                                  &QQuickItem::visibleChanged}) {
+                                  &QQuickItem::visibleChanged})
             connect(data.item, signal, this, &WrapRow::arrange);
-        }
         arrange();
     } else if (change == ItemChildRemovedChange) {
         disconnect(data.item, nullptr, this, nullptr);
@@ -54,9 +52,8 @@ void WrapRow::itemChange(ItemChange change, const ItemChangeData &data) {
 
 void WrapRow::geometryChange(const QRectF &now, const QRectF &before) {
     QQuickItem::geometryChange(now, before);
-    if (now.width() != before.width()) {
+    if (now.width() != before.width())
         arrange();
-    }
 }
 
 void WrapRow::componentComplete() {
@@ -90,17 +87,14 @@ std::vector<WrapRow::Cell> WrapRow::cells() const {
             qobject_cast<WrapRowAttached *>(qmlAttachedPropertiesObject<WrapRow>(item, false));
         const bool fills = asked != nullptr && asked->fills;
         // A repeater is an item too, without a size.
-        if (!item->isVisible() || (item->implicitWidth() <= 0 && !fills)) {
+        if (!item->isVisible() || (item->implicitWidth() <= 0 && !fills))
             continue;
-        }
         Cell cell{.item = item, .narrowest = item->implicitWidth()};
-        if (asked != nullptr && asked->minimumWidth >= 0) {
+        if (asked != nullptr && asked->minimumWidth >= 0)
             cell.narrowest = asked->minimumWidth;
-        }
         cell.widest = std::max(cell.narrowest, item->implicitWidth());
-        if (fills) {
+        if (fills)
             cell.widest = asked->maximumWidth >= 0 ? asked->maximumWidth : unlimited;
-        }
         cell.trailing = asked != nullptr && asked->trailing;
         list.push_back(cell);
     }
@@ -110,9 +104,8 @@ std::vector<WrapRow::Cell> WrapRow::cells() const {
 void WrapRow::arrangeOnce() {
     auto list = cells();
     double natural = 0;
-    for (const Cell &cell : list) {
+    for (const Cell &cell : list)
         natural += std::max(cell.narrowest, cell.item->implicitWidth());
-    }
     setImplicitWidth(natural + spacing_ * std::max(0.0, static_cast<double>(list.size()) - 1));
 
     double y = 0;
@@ -139,14 +132,12 @@ double WrapRow::place(std::span<Cell> row, double y) const {
     }
     // In equal shares, until all have it or nothing is left.
     std::vector<Cell *> growing;
-    for (Cell &cell : row) {
+    for (Cell &cell : row)
         growing.push_back(&cell);
-    }
     while (left > rounding) {
         std::erase_if(growing, [](const Cell *cell) { return cell->width >= cell->widest; });
-        if (growing.empty()) {
+        if (growing.empty())
             break;
-        }
         const double share = left / static_cast<double>(growing.size());
         for (Cell *cell : growing) {
             const double more = std::min(share, cell->widest - cell->width);

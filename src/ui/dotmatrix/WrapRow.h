@@ -17,7 +17,7 @@ class WrapRowAttached : public QObject {
     Q_PROPERTY(double minimumWidth MEMBER minimumWidth NOTIFY changed FINAL)
     /// The widest that a child that fills may become; any width, unless set.
     Q_PROPERTY(double maximumWidth MEMBER maximumWidth NOTIFY changed FINAL)
-    /// Whether the child takes what its row has left. Others stop at their implicit width.
+    /// Whether the child takes the rest of its row. Others stop at their implicit width.
     Q_PROPERTY(bool fills MEMBER fills NOTIFY changed FINAL)
     /// Whether the child and those after it go to the right end, unless it begins a row.
     Q_PROPERTY(bool trailing MEMBER trailing NOTIFY changed FINAL)
@@ -68,9 +68,9 @@ class WrapRow : public QQuickItem {
 
     void arrange();
     void arrangeOnce();
-    std::vector<Cell> cells() const;
+    [[nodiscard]] std::vector<Cell> cells() const;
     /// Lays out one row at `y`. Returns its height.
-    double place(std::span<Cell> row, double y) const;
+    [[nodiscard]] double place(std::span<Cell> row, double y) const;
 
     double spacing_ = 0;
     double rowSpacing_ = 0;

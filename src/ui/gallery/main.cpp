@@ -39,17 +39,15 @@ int main(int argc, char **argv) {
                                  {QStringLiteral("dialogOpen"), parser.isSet(dialog)},
                                  {QStringLiteral("menuOpen"), parser.isSet(menu)}});
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quorbel/Gallery/Gallery.qml")));
-    if (engine.rootObjects().isEmpty()) {
+    if (engine.rootObjects().isEmpty())
         return 1;
-    }
     if (parser.isSet(grab)) {
         auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-        // After the transitions of what is open.
+        // After the opening transitions.
         QTimer::singleShot(300, window, [&, window] {
             const bool written = window->grabWindow().save(parser.value(grab));
-            if (!written) {
+            if (!written)
                 std::fprintf(stderr, "cannot write %s\n", qPrintable(parser.value(grab)));
-            }
             QCoreApplication::exit(written ? 0 : 1);
         });
     }

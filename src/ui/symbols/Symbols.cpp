@@ -14,9 +14,8 @@ QString path(const QString &name) { return folder + QLatin1Char('/') + name + su
 
 QStringList names() {
     QStringList found;
-    for (const QString &file : QDir(folder).entryList({QLatin1Char('*') + suffix}, QDir::Files)) {
+    for (const QString &file : QDir(folder).entryList({QLatin1Char('*') + suffix}, QDir::Files))
         found << file.chopped(suffix.size());
-    }
     return found;
 }
 
