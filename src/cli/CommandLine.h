@@ -23,8 +23,8 @@ struct ParsedCommandLine {
     int status = 0;                   ///< exit status where there is nothing to run
 };
 
-/// Finds the subcommand and fills the variables of its arguments. Prints the help or version that
-/// was asked for on standard output, and what is wrong with the command line on standard error.
+/// Finds the subcommand and fills the variables of its arguments. Prints requested help or version
+/// on standard output, and errors of the command line on standard error.
 [[nodiscard]] ParsedCommandLine
 parseCommandLine(const std::vector<std::unique_ptr<Command>> &commands, int argc,
                  const char *const *argv);

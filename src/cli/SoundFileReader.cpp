@@ -66,8 +66,8 @@ bool tellsOfCut(std::string_view line) {
     if (noteAt == std::string_view::npos || colon > noteAt)
         return false;
 
-    // The chunk with the samples in each format. The length of the whole is often wrong by some
-    // bytes and counts only in the two formats where nothing else is compared.
+    // The chunk with the samples in each format. The total length is often wrong by some bytes. It
+    // counts only in the two formats where nothing else is compared.
     std::string_view name = line.substr(0, colon);
     name.remove_prefix(std::min(name.size(), name.find_first_not_of(' ')));
     constexpr std::array<std::string_view, 5> telling{"data", "Data", "SSND", "riff", "Riff size"};
@@ -83,7 +83,7 @@ bool tellsOfCut(std::string_view line) {
     return stated > present && !unknown;
 }
 
-/// libsndfile quietly shortens the sound of a cut file to what is there; only its log tells.
+/// libsndfile silently shortens the sound of a truncated file; only its log tells.
 bool isCutShort(SNDFILE *file) {
     std::array<char, 16384> buffer{};
     sf_command(file, SFC_GET_LOG_INFO, buffer.data(), static_cast<int>(buffer.size()));

@@ -81,7 +81,7 @@ class DeviceManager final : public QObject {
     void setEngineOutput(HardwareOutput *output, const AudioDevice &device) const;
 
     /// From now on a change of the device list or of the default output refreshes the list and
-    /// calls `onHardwareChange`, a lost connection calls `onHardwareLost`. A property that cannot
+    /// calls `onHardwareChange`. A lost connection calls `onHardwareLost`. A property that cannot
     /// be listened to is logged and left out. Once observing, a second call does nothing.
     void startObservingHardware();
     /// After this neither callback is called, not even for pending changes.

@@ -40,7 +40,7 @@ _ostrafine_cli() {
 _ostrafine_cli "$@"
 )";
 
-/// Text between single quotes, with what `_arguments` reads as its own marks escaped.
+/// Text between single quotes, with the marks of `_arguments` escaped.
 std::string quoted(const std::string &text) {
     std::string escaped;
     for (const char character : text) {

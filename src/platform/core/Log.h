@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// Writes one line, "[component] text", to standard output and flushes it, so that a reader at the
-/// other end of a pipe sees it at once. There are no levels. Never called on an audio thread.
+/// Writes one line, "[component] text", to standard output and flushes it: a reader of a pipe sees
+/// it at once. There are no levels. Never called on an audio thread.
 void logLine(std::string_view component, std::string_view text);
 
 /// Receives whole lines without their line end.

@@ -15,7 +15,7 @@ namespace quorbel {
 using SteadyClock = std::chrono::steady_clock;
 
 struct MainLoopClock::State {
-    QObject context; // receives posted work; its end drops what is still queued
+    QObject context; // receives posted work; its destruction drops queued work
     QTimer wakeUp;   // set for the earliest timer
     TimerQueue timers;
     const SteadyClock::time_point start = SteadyClock::now();

@@ -23,7 +23,7 @@ void ManualClock::advance(double seconds) {
 }
 
 void ManualClock::runPosted() {
-    // Work posted by posted work runs too, after what was there before it.
+    // Work posted by posted work runs too, after all earlier work.
     for (;;) {
         std::vector<Task> batch;
         {

@@ -16,7 +16,7 @@ class ManualClock final : public Clock {
     /// fall due in the same span. Not to be called from inside a callback. [main]
     void advance(double seconds);
 
-    /// Runs what is posted or due now. [main]
+    /// Runs posted work and due timers. [main]
     void runPending() { advance(0.0); }
 
     [[nodiscard]] double now() const override;

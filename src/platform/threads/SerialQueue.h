@@ -44,8 +44,8 @@ using SerialQueueFactory = std::function<std::unique_ptr<SerialQueue>(const std:
 /// queues fall due together, which costs one wake-up.
 [[nodiscard]] SerialQueueFactory sharedThreadSerialQueues(std::string threadName);
 
-/// Queues that run on `clock` and its thread, so that on a manual clock their work falls on exactly
-/// the same sample in every run. All calls are then [main]; the clock must outlive the queues.
+/// Queues that run on `clock` and its thread. On a manual clock their work falls on exactly the
+/// same sample in every run. All calls are then [main]; the clock must outlive the queues.
 [[nodiscard]] SerialQueueFactory clockedSerialQueues(Clock &clock);
 
 } // namespace quorbel

@@ -5,9 +5,9 @@
 namespace quorbel {
 
 /// The only lock an audio thread may take: held for a short copy, never while another is held. (An
-/// exception is the settings' lock, which an audio thread only tries; see AudioGraph.) A thread of
-/// low priority that holds it inherits the priority of the audio thread waiting for it, so the wait
-/// is as long as the copy and no longer. Not recursive. Use with std::lock_guard.
+/// exception is the settings' lock, which an audio thread only tries; see AudioGraph.) A holder of
+/// low priority inherits the priority of the waiting audio thread, so the wait is only as long as
+/// the copy. Not recursive. Use with std::lock_guard.
 class ShortLock {
   public:
     ShortLock() noexcept : mutex_{} {

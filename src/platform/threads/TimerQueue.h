@@ -10,8 +10,8 @@
 
 namespace quorbel {
 
-/// Time in whole ticks of 1/705 600 000 s: a frame of every usual sample rate, a display frame and
-/// a millisecond are whole numbers of them, so that sums of any length stay exact.
+/// Time in whole ticks of 1/705 600 000 s. A frame of every usual sample rate, a display frame and
+/// a millisecond are whole numbers of ticks: sums of any length stay exact.
 using ClockTicks = std::int64_t;
 inline constexpr ClockTicks clockTicksPerSecond = 705'600'000;
 

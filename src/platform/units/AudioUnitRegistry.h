@@ -35,7 +35,7 @@ class AudioUnitRegistry {
     [[nodiscard]] std::vector<Component> components() const;
 
     /// Exactly one of the two: a unit, or a status other than 0 (`statusComponentNotFound` for an
-    /// unknown description, otherwise what the unit's constructor failed with).
+    /// unknown description, otherwise the failure of the unit's constructor).
     using Completion = std::function<void(std::unique_ptr<AudioUnit> unit, Status status)>;
 
     /// Makes a unit and hands it over later, never inside this call. The registry may be gone by

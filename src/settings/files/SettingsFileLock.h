@@ -5,8 +5,8 @@
 namespace quorbel {
 
 /// Lock of one of the settings files, held while a program reads, compares and replaces it: no
-/// other program of ours writes it then. A file lock on `<file>.lock` beside the file that the path
-/// leads to; it ends with the process, however that ends.
+/// other program of ours writes it at that time. A file lock on `<file>.lock` beside the file that
+/// the path leads to; it ends with the process, however that ends.
 class SettingsFileLock {
   public:
     /// Makes the folder where it is missing. Waits for another program, which takes milliseconds

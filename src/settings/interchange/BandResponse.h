@@ -13,8 +13,8 @@ inline constexpr double playedTopFrequencyHz = maximumBandFrequencyRatio * 48000
 [[nodiscard]] double lowestPlayedQ();
 [[nodiscard]] double highestPlayedQ();
 
-/// The frequency in Hz of one of `pointCount` (2 or more) points from 20 Hz to 20 kHz in equal
-/// ratios, and those of all of them.
+/// Frequencies in Hz of `pointCount` (2 or more) points from 20 Hz to 20 kHz in equal ratios: of
+/// one point, and of all.
 [[nodiscard]] double audibleFrequency(std::size_t point, std::size_t pointCount);
 [[nodiscard]] std::vector<double> audibleFrequencies(std::size_t pointCount);
 

@@ -18,10 +18,10 @@ enum class Grouping { never, possible };
 /// The value of digits with an optional sign, marks and exponent, exactly rounded; nothing for any
 /// other text or a value that no finite 32-bit float comes near.
 ///
-/// A frequency such as "1,000" or "1.000" can be read in two ways. A comma groups thousands, unless
-/// the file's decimal mark is the comma and the plain reading is an audible one (10 or more), or
-/// the grouped one is not (above 24000). A point is the decimal mark, unless the file's is the
-/// comma and the grouped reading is an audible one.
+/// A frequency such as "1,000" or "1.000" can be read in two ways. A comma groups thousands, with
+/// two exceptions: the file's decimal mark is the comma and the plain reading is audible (10 or
+/// more), or the grouped reading is not (above 24000). A point is the decimal mark, unless the
+/// file's is the comma and the grouped reading is audible.
 [[nodiscard]] std::optional<float> readNumber(std::string_view number, Grouping grouping,
                                               DecimalMark fileMark);
 

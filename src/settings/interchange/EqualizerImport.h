@@ -16,8 +16,8 @@ namespace quorbel {
 inline constexpr std::size_t equalizerBandCount = 10;
 
 /// Appends flat peaks until there are ten bands, because a shorter list would leave bands of the
-/// previous settings active. They are put at the octave frequencies that are farthest from the
-/// bands already there, where they are of most use to the user's own changes.
+/// previous settings active. Their frequencies are the octaves farthest from the existing bands,
+/// where the user can use them best.
 void fillWithFlatBands(std::vector<EQBand> &bands);
 
 /// A parametric equaliser text as a preset of the user's.
@@ -37,8 +37,8 @@ struct EqualizerImport {
 };
 
 /// Reads a parametric equaliser text (see readEqualizerText). Up to ten filters become bands with
-/// the very values of the text; of more, first the ones without effect are left out, and if that
-/// is not enough all active ones are fitted onto ten. `name` is trimmed of blanks. Throws
+/// the exact values of the text. Of more, filters without effect are left out first; if that is not
+/// enough, all active ones are fitted onto ten. `name` is trimmed of blanks. Throws
 /// InterchangeError, also for an empty name.
 [[nodiscard]] EqualizerImport importEqualizerText(std::string_view bytes, std::string_view name);
 

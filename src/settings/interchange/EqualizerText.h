@@ -40,15 +40,15 @@ struct EqualizerText {
 /// utf8FromText), any line breaks. Comments and empty lines are passed over, other lines that are
 /// not understood are skipped whole, with the reason. Filters for one channel only are skipped.
 ///
-/// Throws InterchangeError for a text that is too large, is not text, has more filters or skipped
-/// lines than the maximum, or has neither a filter nor a preamp.
+/// Throws InterchangeError for a text that is too large or not text, exceeds the maximum of filters
+/// or skipped lines, or has neither a filter nor a preamp.
 [[nodiscard]] EqualizerText readEqualizerText(std::string_view bytes);
 
 /// The bands and the gain as such a text. Numbers are the shortest decimals that read back as the
-/// same 32-bit values, so reading gives the same bands but for their ids and the gain of passes,
-/// which has no effect. A frequency or Q of 0 or less means nothing in the format and is written
-/// as it is played (1 Hz, 0.1). Throws InterchangeError, with the number of the band in the
-/// reason, for a value that is not finite.
+/// same 32-bit values. Reading gives the same bands but for their ids and the gain of passes, which
+/// has no effect. A frequency or Q of 0 or less means nothing in the format and is written as it is
+/// played (1 Hz, 0.1). Throws InterchangeError, with the number of the band in the reason, for a
+/// value that is not finite.
 [[nodiscard]] std::string writeEqualizerText(const std::vector<EQBand> &bands, float preampDB);
 
 } // namespace quorbel

@@ -28,8 +28,8 @@ struct ImportedPreset {
 [[nodiscard]] ImportedPreset readPreset(const std::string &path,
                                         const std::optional<std::string> &name = std::nullopt);
 
-/// Makes `preset` one of the settings' presets and the active one, its bands and spatial settings
-/// the current ones, together with the global gain where there is one. Everything else stays.
+/// Adds `preset` to the settings and applies it, with the global gain if there is one. Everything
+/// else stays.
 void adoptPreset(Persisted &settings, const Preset &preset, std::optional<float> globalGainDB);
 
 /// Writes a preset whole to a file whose name ends in ".json", else as a parametric equaliser text
@@ -53,7 +53,7 @@ inline constexpr std::size_t maximumPresetFileBytes = std::size_t{1} << 20U;
 /// Reads such a file, strictly, as a preset of the user's own: a new id, category `user`, the name
 /// `name` or else the written one, everything else as written. A list of fewer than ten bands is
 /// filled up with flat ones. Throws DecodingError with the path of the value, or InterchangeError
-/// for a text that is too large or a name of nothing but blanks.
+/// for a text that is too large or a blank name.
 [[nodiscard]] Preset readPresetFile(std::string_view json,
                                     const std::optional<std::string> &name = std::nullopt);
 

@@ -6,7 +6,7 @@ namespace quorbel {
 
 namespace {
 
-/// A SpatialConfig that starts from the defaults; what is named is switched on.
+/// A SpatialConfig that starts from the defaults; each named stage is switched on.
 class Spatial {
   public:
     Spatial &widener(float percent) {

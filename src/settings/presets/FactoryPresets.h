@@ -12,8 +12,8 @@ namespace quorbel {
 /// shared.
 [[nodiscard]] const std::vector<Preset> &factoryPresets();
 
-/// The id of a factory preset: a name-based UUID (version 5 in form, but made with SHA-256), so
-/// that a preset is the same one at every launch and in every version that has its name.
+/// The id of a factory preset: a name-based UUID (version 5 in form, but made with SHA-256). A
+/// preset has the same id at every launch and in every version with its name.
 [[nodiscard]] Uuid stableFactoryID(std::string_view key);
 
 /// The ten bands of a factory preset from its gains in dB, 31.5 Hz to 16 kHz; any other number of

@@ -41,7 +41,7 @@ class AppState final : public QObject {
     /// Whether bands and spatial settings are the active preset's own.
     [[nodiscard]] bool isActivePresetUnchanged() const;
     /// The active preset's name, or "Custom" where bands or spatial settings are no longer its own.
-    /// Changes with those two as well as with what this object announces.
+    /// Changes with those two and with this object's signals.
     [[nodiscard]] std::string activePresetDisplayName() const;
 
     /// Sets bands and spatial settings; mixer, global gain and output stay.

@@ -7,8 +7,8 @@ namespace quorbel {
 /// The wording of a few texts on Linux. Sources keep the texts as they are everywhere; this
 /// catalogue, installed as a translator, replaces those that would be untrue here.
 ///
-/// A text is looked up by itself, wherever it is shown: the context that `qsTr`, `tr` or
-/// `translate` gives (a file or a class) does not count, so that a text may move between files.
+/// A text is looked up by itself: the context of `qsTr`, `tr` or `translate` (a file or a class)
+/// does not count. So a text may move between files.
 class LinuxWording final : public QTranslator {
   public:
     explicit LinuxWording(QObject *parent = nullptr);

@@ -18,16 +18,15 @@ struct WindowSizes {
     QSize minimum;
 };
 
-/// Returns `wanted`, each size cut to what the screen has room for beside the desktop's panels and
-/// the window's frame.
+/// Returns `wanted`, each size limited to the screen without the desktop's panels and the window's
+/// frame.
 ///
 /// `available` is the part of the screen that the desktop leaves to windows. Where it is the whole
 /// screen the desktop has no panels or does not tell, as on Wayland; room for one is then left.
 [[nodiscard]] WindowSizes fittedTo(const QRect &available, const QRect &whole,
                                    const WindowSizes &wanted);
 
-/// The window as the program holds it: loads it, shows it, and decides what closing it means.
-/// [main]
+/// The window as the program holds it: loads it, shows it, and handles its closing. [main]
 class MainWindow final : public QObject {
     Q_OBJECT
 

@@ -10,9 +10,8 @@ namespace quorbel {
 
 class EngineModel;
 
-/// Holds the user's processing lock while processing runs or waits to come back, and refuses a
-/// start while another program (`ostrafine-cli live`) has it: two would take each other's streams.
-/// [main]
+/// Holds the user's processing lock while processing runs or waits to come back. Refuses a start
+/// while another program (`ostrafine-cli live`) has it: two would take each other's streams. [main]
 class ProcessingPermit final : public QObject {
     Q_OBJECT
 

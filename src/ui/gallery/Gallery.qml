@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-// Every primitive in every state, on one page. What is live in the program moves here by itself.
+// Every primitive in every state, on one page. Live parts of the program move here by themselves.
 Window {
     id: window
 

@@ -56,8 +56,8 @@ struct EditStep {
 };
 
 /// The steps that can be undone and redone. A gesture (from pressing a control to releasing it) is
-/// one step; outside of gestures, changes of the same thing that follow each other within
-/// `burstSeconds`, as from keys held down or a wheel, are one step.
+/// one step. So are changes of one setting within `burstSeconds` of each other, as from a held key
+/// or a wheel.
 ///
 /// The caller changes and restores the settings; the history only keeps them.
 class EditHistory {
@@ -69,7 +69,7 @@ class EditHistory {
     void beginGesture();
     void endGesture();
 
-    /// Something was changed, at `now` seconds. `key` names what, such as a field: equal keys may
+    /// Records a change at `now` seconds. `key` names its subject, such as a field: equal keys may
     /// become one step. No step where nothing differs. Steps that could be redone are dropped.
     void record(EditState before, EditState after, std::string what, const std::string &key,
                 double now);

@@ -54,7 +54,7 @@ class DeviceListModel final : public quorbel::RecordListModel {
     AppState &state_;
     std::vector<AudioDevice> devices_; ///< as shown
     std::optional<std::string> defaultUID_;
-    Timer look_; ///< while nothing runs, nobody else looks what is plugged in
+    Timer look_; ///< polls the hardware while no engine listens to it
 };
 
 } // namespace quorbel

@@ -27,8 +27,8 @@ class HistoryModel final : public QObject {
   public:
     HistoryModel(AppState &state, FavouritePresets &favourites, Clock &clock, QObject *parent);
 
-    /// Runs `change`, which changes settings, and remembers what it changed. `what` follows "Undo
-    /// "; changes of the same `key` in quick succession become one step.
+    /// Runs `change`, which changes settings, and records the step. `what` follows "Undo "; changes
+    /// of the same `key` in quick succession become one step.
     void edit(const QString &what, const std::string &key, const std::function<void()> &change);
     /// The same for something whose name is its key.
     void edit(const char *what, const std::function<void()> &change) {
@@ -54,7 +54,7 @@ class HistoryModel final : public QObject {
 
   private:
     [[nodiscard]] EditState current() const;
-    /// Sets what differs between the two states as it is in `to`.
+    /// Restores the values of `to` wherever the two states differ.
     void restore(const EditState &from, const EditState &to);
     void restoreSound(const EditState &from, const EditState &to);
     void restoreFavourites(const EditState &from, const EditState &to);

@@ -184,7 +184,7 @@ ExchangeResult PresetListModel::exportPreset(const QString &id, const QString &p
     const Preset *preset = find(id);
     if (preset == nullptr)
         return failed(tr("This preset is no longer there."));
-    // The global gain belongs to what is heard now, and so to the active preset alone.
+    // The global gain belongs to the current sound, and so to the active preset alone.
     const bool isActive = preset->id == state_.activePresetID();
     return write(*preset, isActive ? state_.engine().eq().globalGainDB() : 0.0F, path);
 }

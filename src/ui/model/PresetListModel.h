@@ -34,8 +34,8 @@ class FavouritePresets;
 class HistoryModel;
 class PresetFileChooser;
 
-/// The presets, in list order, and what can be done with them. Presets are named by their ids, as
-/// text; an id that none has is ignored. [main]
+/// The presets, in list order, and the actions on them. Presets are named by their ids, as text; an
+/// id that none has is ignored. [main]
 class PresetListModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -99,7 +99,7 @@ class PresetListModel final : public quorbel::RecordListModel {
     Q_INVOKABLE void requestExport(const QString &id);
     /// The current settings, as `save` would take them.
     Q_INVOKABLE void requestExportCurrent();
-    /// Imports what was dropped on the window; `exchanged` follows.
+    /// Imports files dropped on the window; `exchanged` follows.
     Q_INVOKABLE void importDropped(const QList<QUrl> &urls);
 
     /// Makes presets of parametric equaliser texts and preset files. A single one becomes the

@@ -3,7 +3,7 @@ import Quorbel.Dotmatrix
 import Quorbel.Model
 
 /// One band as a point on the curve: dragged for frequency and gain, turned with the wheel for Q once it has the
-/// focus, put back by a double click. The strips below are what the Tab key reaches.
+/// focus, put back by a double click. The Tab key reaches the strips below instead.
 FocusArea {
     id: point
     objectName: "bandPoint" + index

@@ -46,7 +46,7 @@ ScreenPage {
     }
     DotCard {
         Layout.fillWidth: true
-        // The curve gets the greater part of what there is to give.
+        // The curve gets the greater part of the room.
         Layout.preferredHeight: Math.max(implicitHeight, Math.min(36 * Theme.unit, 0.42 * (screen.availableHeight + screen.covered - 9 * Theme.unit)))
 
         GridLayout {

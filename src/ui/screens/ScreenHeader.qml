@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-/// The head of a screen: its title, what it counts as chips, and its actions at the right end.
+/// The head of a screen: its title, its counts as chips, and its actions at the right end.
 ColumnLayout {
     id: header
 

@@ -36,8 +36,8 @@ std::string quotedText(std::string_view text) {
     return literal.substr(0, maximumQuoted) + "…\"";
 }
 
-// The library's writer prints about 3 of 1000 such values with all 17 digits (-3.7487066000000002),
-// so numbers are written with the standard library, which guarantees the shortest form.
+// The library's writer prints about 3 of 1000 such values with all 17 digits (-3.7487066000000002).
+// The standard library guarantees the shortest form.
 void appendNumber(std::string &text, float value) { appendShortest(text, value); }
 void appendNumber(std::string &text, double value) { appendShortest(text, value); }
 
