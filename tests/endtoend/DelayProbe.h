@@ -20,16 +20,22 @@ class DelayProbe {
     DelayProbe(GraphClient &client, const std::string &device, const std::string &target)
         : recorder_(client, device, 60.0), player_(client, impulses_, {"probe", target}) {}
 
-    /// The different delays of the next `count` impulses; one, if sound flows evenly. Throws
-    /// `ServerError` if the impulses do not arrive.
+    /// The different delays of the next `count` impulses; one, if sound flows evenly. Begins again
+    /// where the machine lost a cycle of the recorder's. Throws `ServerError` if the impulses do
+    /// not arrive.
     std::set<std::int64_t> delays(std::size_t count) {
         player_.waitUntilRunning();
-        const std::size_t played = impulses_.positions().size() + settling;
-        const std::size_t start = recorder_.frames();
+        std::size_t played = impulses_.positions().size() + settling;
+        std::size_t start = recorder_.frames();
         std::set<std::int64_t> found;
-        waitFor("the impulses arrive", 10.0, [&] {
+        waitFor("the impulses arrive", 20.0, [&] {
             const Recording heard = recorder_.recording(start);
             const auto sent = impulses_.positions();
+            if (!heard.framesAfterGaps().empty()) {
+                played = sent.size() + settling;
+                start = recorder_.frames();
+                return false;
+            }
             std::size_t arrived = 0;
             found.clear();
             for (std::size_t frame = 0; frame < heard.frames(); ++frame) {

@@ -27,17 +27,15 @@ TEST_F(Failure, ASecondInstanceRefusesAndTheFirstGoesOn) {
     EXPECT_TRUE(soonHears(speakers, Heard::processed));
 }
 
-TEST_F(Failure, AnUnknownDeviceIsNamed) {
-    LiveProcess live(server, twelveDBLower(), {"--device", "kitchen"});
-    EXPECT_EQ(live.process().exitStatusWithin(3.0), 1);
-    expectOneLine(live.process().errors(), "kitchen");
-}
-
-TEST_F(Failure, WithoutAServerOneLineSaysHowToStartOne) {
+TEST_F(Failure, AnUnknownDeviceIsNamedAndWithoutAServerOneLineSaysHowToStartOne) {
+    const auto refusal = [&](const std::vector<std::string> &arguments) {
+        LiveProcess live(server, twelveDBLower(), arguments);
+        EXPECT_EQ(live.process().exitStatusWithin(3.0), 1);
+        return live.process().errors();
+    };
+    expectOneLine(refusal({"--device", "kitchen"}), "kitchen");
     server.crash();
-    LiveProcess live(server, twelveDBLower());
-    EXPECT_EQ(live.process().exitStatusWithin(3.0), 1);
-    expectOneLine(live.process().errors(), "systemctl --user start");
+    expectOneLine(refusal({}), "systemctl --user start");
 }
 
 TEST_F(Failure, TheTimeThatWasAskedForIsKept) {

@@ -2,8 +2,6 @@
 
 #include "soundserver/Waiting.h"
 
-#include <utility>
-
 namespace quorbel {
 
 namespace {
@@ -23,15 +21,12 @@ constexpr const char *methods = R"(<node><interface name="org.freedesktop.Notifi
 } // namespace
 
 NotificationDesktop::NotificationDesktop(const std::string &busAddress)
-    : context_(g_main_context_new()), loop_(g_main_loop_new(context_, FALSE)) {
-    // What is registered here is answered where the context runs.
-    g_main_context_push_thread_default(context_);
-    bus_ = g_dbus_connection_new_for_address_sync(
-        busAddress.c_str(),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, nullptr);
-    description_ = g_dbus_node_info_new_for_xml(methods, nullptr);
+    : bus_(g_dbus_connection_new_for_address_sync(
+          busAddress.c_str(),
+          static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                            G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+          nullptr, nullptr, nullptr)),
+      description_(g_dbus_node_info_new_for_xml(methods, nullptr)) {
     static constexpr GDBusInterfaceVTable table{answer, nullptr, nullptr, {}};
     GVariant *owner = nullptr;
     if (bus_ != nullptr &&
@@ -41,29 +36,20 @@ NotificationDesktop::NotificationDesktop(const std::string &busAddress)
                                             "org.freedesktop.DBus", "RequestName",
                                             g_variant_new("(su)", notifications, 0U), nullptr,
                                             G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-    g_main_context_pop_thread_default(context_);
     if (owner == nullptr)
         throw soundserver::ServerError("no notifications on " + busAddress);
     g_variant_unref(owner);
-    thread_ = std::thread([this] {
-        g_main_context_push_thread_default(context_);
-        g_main_loop_run(loop_);
-        g_main_context_pop_thread_default(context_);
-    });
 }
 
 NotificationDesktop::~NotificationDesktop() {
-    g_main_loop_quit(loop_);
-    thread_.join();
     g_dbus_connection_close_sync(bus_, nullptr, nullptr);
     g_object_unref(bus_);
     g_dbus_node_info_unref(description_);
-    g_main_loop_unref(loop_);
-    g_main_context_unref(context_);
 }
 
 NotificationDesktop::Notification NotificationDesktop::shown() const {
-    const std::lock_guard lock(mutex_);
+    while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
+    }
     return shown_;
 }
 
@@ -76,7 +62,6 @@ void NotificationDesktop::answer(GDBusConnection *, const char *, const char *, 
                                  const char *method, GVariant *arguments,
                                  GDBusMethodInvocation *call, void *self) {
     auto &desktop = *static_cast<NotificationDesktop *>(self);
-    const std::lock_guard lock(desktop.mutex_);
     if (method == std::string("Notify")) {
         const char *summary = nullptr;
         GVariantIter *actions = nullptr;

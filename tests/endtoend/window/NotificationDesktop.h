@@ -1,9 +1,7 @@
 #pragma once
 
 #include <gio/gio.h>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace quorbel {
@@ -23,7 +21,7 @@ class NotificationDesktop {
     NotificationDesktop(const NotificationDesktop &) = delete;
     NotificationDesktop &operator=(const NotificationDesktop &) = delete;
 
-    /// The one that is shown now.
+    /// The one that is shown now. The bus is only heard in here.
     [[nodiscard]] Notification shown() const;
     /// The user presses one of its buttons.
     void press(const std::string &action);
@@ -33,14 +31,10 @@ class NotificationDesktop {
                        const char *interface, const char *method, GVariant *arguments,
                        GDBusMethodInvocation *call, void *self);
 
-    mutable std::mutex mutex_; ///< guards `shown_` and `count_`
     Notification shown_;
     unsigned count_ = 0;
-    GMainContext *context_;
-    GMainLoop *loop_;
-    GDBusConnection *bus_ = nullptr;
-    GDBusNodeInfo *description_ = nullptr;
-    std::thread thread_;
+    GDBusConnection *bus_;
+    GDBusNodeInfo *description_;
 };
 
 } // namespace quorbel
