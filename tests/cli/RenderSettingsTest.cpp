@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <utility>
 
 namespace quorbel {
 namespace {
@@ -40,19 +41,15 @@ TEST_F(RenderSettings, aFileThatDoesNotDecodeIsNamedWithThePlaceInItAndLeftAlone
     preset.replace(preset.find(R"("presets":[)"), 11, R"("presets":[{"id":7})");
     file("preset.json", preset);
 
-    expectRefusal({"render", "--settings", "missing.json", "in.wav", "out.wav"},
-                  "missing.json: No such file");
-    expectRefusal({"render", "--settings", "broken.json", "in.wav", "out.wav"},
-                  "broken.json: bands[0]: not valid JSON at line 1, column 12");
-    expectRefusal({"render", "--settings", "empty.json", "in.wav", "out.wav"},
-                  "empty.json: empty, holds no JSON");
-    expectRefusal({"render", "--settings", "band.json", "in.wav", "out.wav"},
-                  "band.json: bands[1].frequency: expected a number, found \"125\"");
-    expectRefusal({"render", "--settings", "preset.json", "in.wav", "out.wav"},
-                  "preset.json: presets[0].id: expected a UUID, found 7");
-    expectRefusal(
-        {"render", "--settings", "good.json", "--at", "1", "band.json", "in.wav", "out.wav"},
-        "band.json: bands[1].frequency: ");
+    for (const auto &[name, reason] : std::initializer_list<std::pair<const char *, const char *>>{
+             {"missing.json", "missing.json: No such file"},
+             {"broken.json", "broken.json: bands[0]: not valid JSON at line 1, column 12"},
+             {"empty.json", "empty.json: empty, holds no JSON"},
+             {"band.json", "band.json: bands[1].frequency: expected a number, found \"125\""},
+             {"preset.json", "preset.json: presets[0].id: expected a UUID, found 7"}})
+        expectRefusal({"render", "--settings", name, "in.wav", "out.wav"}, reason);
+    expectRefusal({"render", "--at", "1", "band.json", "in.wav", "out.wav"},
+                  "band.json: bands[1].frequency: ");
 }
 
 TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefaults) {

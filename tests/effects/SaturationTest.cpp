@@ -34,8 +34,9 @@ TEST(SaturationTest, MatchesTheModel) {
         SaturationModel model;
         UnitHarness unit(std::make_unique<SaturationUnit>(saturationDescription, 0));
         ASSERT_EQ(unit.allocate(), statusOK);
-        const std::vector<Settings> schedule{{{0, 0.0F}},  {{0, 100.0F}}, {{0, 1.0F}}, {{0, 0.0F}},
-                                             {{0, 0.99F}}, {{0, 50.0F}},  {{0, 30.0F}}};
+        const std::vector<Settings> schedule{{{0, 0.0F}},  {{0, 100.0F}}, {{0, 1.0F}},
+                                             {{0, 0.0F}},  {{0, 0.99F}},  {{0, 1.0F}},
+                                             {{0, 50.0F}}, {{0, 30.0F}}};
         EXPECT_LT(differenceFromModel(unit, model, sound, schedule), 3e-7) << name;
     }
 }

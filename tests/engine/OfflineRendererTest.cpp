@@ -1,6 +1,7 @@
 #include "engine/OfflineRenderer.h"
 
 #include "engine/EngineFixture.h"
+#include "platform/graph/GraphFixture.h"
 #include "support/EveryVectorTarget.h"
 
 #include <gtest/gtest.h>
@@ -13,24 +14,17 @@
 namespace quorbel::testing {
 namespace {
 
-struct Stereo {
-    std::vector<float> left;
-    std::vector<float> right;
-
-    friend bool operator==(const Stereo &, const Stereo &) = default;
-};
-
 Stereo noise(std::size_t frames, unsigned seed) {
     std::mt19937 random(seed);
     std::uniform_real_distribution<float> sample(-0.5F, 0.5F);
-    Stereo result{std::vector<float>(frames), std::vector<float>(frames)};
+    Stereo result(frames);
     std::ranges::generate(result.left, [&] { return sample(random); });
     std::ranges::generate(result.right, [&] { return sample(random); });
     return result;
 }
 
 Stereo render(OfflineRenderer &renderer, Stereo input, std::size_t blockFrames) {
-    Stereo output{std::vector<float>(input.left.size()), std::vector<float>(input.left.size())};
+    Stereo output(input.left.size());
     for (std::size_t at = 0; at < input.left.size(); at += blockFrames) {
         const auto frames =
             static_cast<std::uint32_t>(std::min(blockFrames, input.left.size() - at));
@@ -123,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(Targets, WholeChainOnTarget,
 
 TEST(OfflineRenderer, SettingsMoveWhileItRenders) {
     const auto toneOf = [](std::size_t frames) {
-        Stereo tone{std::vector<float>(frames), std::vector<float>(frames)};
+        Stereo tone(frames);
         const auto sound = sine(1000.0);
         for (std::size_t frame = 0; frame < frames; ++frame)
             tone.left[frame] = tone.right[frame] = sound(static_cast<double>(frame) / 48000.0, 0);
@@ -150,7 +144,7 @@ TEST(OfflineRenderer, PlaysTenBandsHoweverManyTheSettingsHold) {
             return first;
         }());
         renderer.apply(settings);
-        Stereo tone{std::vector<float>(9600), std::vector<float>(9600)};
+        Stereo tone(9600);
         for (std::size_t frame = 0; frame < 9600; ++frame)
             tone.left[frame] = sine(4000.0)(static_cast<double>(frame) / 48000.0, 0);
         const Stereo after = render(renderer, tone, 512);
@@ -175,7 +169,8 @@ TEST(OfflineRenderer, ReadsOutTenTimesASecondOfTheStream) {
         times.push_back(seconds);
         reduction = readings.limiterReductionDB;
     });
-    Stereo loud{std::vector<float>(48'000, 0.5F), std::vector<float>(48'000, 0.5F)};
+    Stereo loud(48'000);
+    loud.left = loud.right = std::vector<float>(48'000, 0.5F);
     (void)render(renderer, loud, 512);
     ASSERT_EQ(times.size(), 10U);
     EXPECT_EQ(times.front(), 0.1);

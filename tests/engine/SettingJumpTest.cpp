@@ -1,4 +1,5 @@
 #include "engine/OfflineRenderer.h"
+#include "platform/graph/GraphFixture.h"
 #include "settings/presets/FactoryPresets.h"
 
 #include <gtest/gtest.h>
@@ -24,11 +25,6 @@ constexpr std::size_t changeBlock = 188; // after two seconds
 constexpr std::size_t blocks = 376;
 
 using Samples = std::vector<float>;
-
-struct Stereo {
-    Samples left;
-    Samples right;
-};
 
 Samples lowTone() {
     Samples samples(blocks * blockFrames);
@@ -59,7 +55,8 @@ Samples pinkNoise() {
 /// The input rendered with `before`, and with `after` from the change on.
 Stereo rendered(const Samples &input, const ChainSettings &before, const ChainSettings *after) {
     OfflineRenderer renderer(before);
-    Stereo sound{input, input};
+    Stereo sound;
+    sound.left = sound.right = input;
     for (std::size_t block = 0; block < blocks; ++block) {
         if (after != nullptr && block == changeBlock)
             renderer.apply(*after);

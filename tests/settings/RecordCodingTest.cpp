@@ -39,53 +39,43 @@ Persisted fullRecord() {
 }
 
 TEST(RecordCoding, recordsLeaveInDeclarationOrderCompactAndWithShortestNumbers) {
-    EXPECT_EQ(encodeRecord(MixerConfig{}),
-              R"({"tempoChainEnabled":false,"tempoRate":1,"pitchSemitones":0,)"
-              R"("saturationEnabled":false,"saturationDrive":30,"crossfeedEnabled":false,)"
-              R"("crossfeedAmount":50,"limiterEnabled":true,"limiterThresholdDB":-0.3,)"
-              R"("autoGainEnabled":false,"autoGainTargetDB":-16,"manualLoudnessEnabled":false,)"
-              R"("manualLoudnessDB":0,"spectrumEnabled":true})");
-    EXPECT_EQ(encodeRecord(SpatialConfig{}),
-              R"({"widenerEnabled":false,"widthPercent":100,"xtcEnabled":false,"xtcAmount":50,)"
-              R"("xtcNotchFrequency":2000,"reverbEnabled":false,"reverbMix":15,)"
-              R"("reverbPreset":"smallRoom","bassEnabled":false,"bassAmount":50,"bassDrive":3,)"
-              R"("bassCrossover":80,"bassAdaptiveEnabled":false,"voiceEnabled":false,)"
-              R"("voiceAmount":100,"voicePresenceGainDB":3,"voiceMudCutDB":2.5,)"
-              R"("voiceAdaptiveEnabled":false,"toneBassDB":0,"toneMidDB":0,"toneTrebleDB":0})");
+    const std::string mixerJson =
+        R"({"tempoChainEnabled":false,"tempoRate":1,"pitchSemitones":0,)"
+        R"("saturationEnabled":false,"saturationDrive":30,"crossfeedEnabled":false,)"
+        R"("crossfeedAmount":50,"limiterEnabled":true,"limiterThresholdDB":-0.3,)"
+        R"("autoGainEnabled":false,"autoGainTargetDB":-16,"manualLoudnessEnabled":false,)"
+        R"("manualLoudnessDB":0,"spectrumEnabled":true})";
+    const std::string spatialJson =
+        R"({"widenerEnabled":false,"widthPercent":100,"xtcEnabled":false,"xtcAmount":50,)"
+        R"("xtcNotchFrequency":2000,"reverbEnabled":false,"reverbMix":15,)"
+        R"("reverbPreset":"smallRoom","bassEnabled":false,"bassAmount":50,"bassDrive":3,)"
+        R"("bassCrossover":80,"bassAdaptiveEnabled":false,"voiceEnabled":false,)"
+        R"("voiceAmount":100,"voicePresenceGainDB":3,"voiceMudCutDB":2.5,)"
+        R"("voiceAdaptiveEnabled":false,"toneBassDB":0,"toneMidDB":0,"toneTrebleDB":0})";
+    const std::string id = R"("0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9")";
+    const std::string required =
+        R"({"bands":[],"spatial":)" + spatialJson + R"(,"presets":[{"id":)" + id +
+        R"(,"name":"A — B","category":"user","createdAt":-978307200,"bands":[{"id":)" + id +
+        R"(,"frequency":31.5,"gainDB":0,"q":1,"filterType":"lowShelf","bypassed":false}],)" +
+        R"("spatial":)" + spatialJson + R"(,"notes":""}])";
 
     EQBand band = EQBand::defaultBands().front();
     band.id = *Uuid::fromText("0a1b2c3d-4e5f-6071-8293-a4b5c6d7e8f9");
-    const std::string bandJson =
-        R"({"id":"0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9","frequency":31.5,"gainDB":0,"q":1,)"
-        R"("filterType":"lowShelf","bypassed":false})";
-    EXPECT_EQ(encodeRecord(band), bandJson);
-
-    const Preset preset{.id = band.id,
-                        .name = "A — B",
-                        .createdAt = Date::unixEpoch(),
-                        .bands = {band},
-                        .spatial = {},
-                        .notes = ""};
-    const std::string presetJson =
-        R"({"id":"0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9","name":"A — B","category":"user",)"
-        R"("createdAt":-978307200,"bands":[)" +
-        bandJson + R"(],"spatial":)" + encodeRecord(SpatialConfig{}) + R"(,"notes":""})";
-    EXPECT_EQ(encodeRecord(preset), presetJson);
-
     Persisted persisted;
-    persisted.presets = {preset};
-    const std::string requiredPart = R"({"bands":[],"spatial":)" + encodeRecord(SpatialConfig{}) +
-                                     R"(,"presets":[)" + presetJson;
-    EXPECT_EQ(encodeRecord(persisted), requiredPart + "]}");
+    persisted.presets = {{.id = band.id,
+                          .name = "A — B",
+                          .createdAt = Date::unixEpoch(),
+                          .bands = {band},
+                          .spatial = {},
+                          .notes = ""}};
+    EXPECT_EQ(encodeRecord(persisted), required + "}");
     persisted.activePresetID = band.id;
     persisted.mixer = MixerConfig{};
     persisted.activePresetName = "A";
     persisted.eqGlobalGainDB = 0.1F;
     persisted.outputDeviceUID = "";
     EXPECT_EQ(encodeRecord(persisted),
-              requiredPart +
-                  R"(],"activePresetID":"0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9","mixer":)" +
-                  encodeRecord(MixerConfig{}) +
+              required + R"(,"activePresetID":)" + id + R"(,"mixer":)" + mixerJson +
                   R"(,"activePresetName":"A","eqGlobalGainDB":0.1,"outputDeviceUID":""})");
 }
 

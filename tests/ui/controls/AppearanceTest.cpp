@@ -7,8 +7,7 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <QEventLoop>
-#include <QTimer>
+#include <QElapsedTimer>
 
 #include <functional>
 #include <map>
@@ -45,18 +44,9 @@ class Portal : public QDBusVirtualObject {
 
 /// Until the condition holds or five seconds are over.
 bool comes(const std::function<bool()> &condition) {
-    QEventLoop loop;
-    QTimer poll;
-    QTimer deadline;
-    QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
-        if (condition()) {
-            loop.quit();
-        }
-    });
-    QObject::connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
-    poll.start(5);
-    deadline.start(5000);
-    loop.exec();
+    QElapsedTimer timer;
+    for (timer.start(); !condition() && timer.elapsed() < 5000;)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     return condition();
 }
 

@@ -84,13 +84,10 @@ TEST_F(SingleInstanceTest, TheDesktopEntrysActionsAreAnswered) {
         connection("desktop").send(call);
         return instance.waitForRequest(10000);
     };
-    const auto start = answer("Start");
-    ASSERT_TRUE(start);
-    EXPECT_EQ(start->kind, DesktopRequest::Kind::startProcessing);
-    EXPECT_EQ(answer("Stop")->kind, DesktopRequest::Kind::stopProcessing);
-    const auto other = answer("new-window");
-    EXPECT_EQ(other->kind, DesktopRequest::Kind::show);
-    EXPECT_EQ(other->activationToken, "a token");
+    EXPECT_EQ(answer("Start").value().kind, DesktopRequest::Kind::startProcessing);
+    EXPECT_EQ(answer("Stop").value().kind, DesktopRequest::Kind::stopProcessing);
+    EXPECT_EQ(answer("new-window").value().kind, DesktopRequest::Kind::show);
+    EXPECT_EQ(answer("new-window")->activationToken, "a token");
     EXPECT_FALSE(instance.waitForRequest(0)) << "nobody has asked";
 }
 
