@@ -8,26 +8,10 @@
 #include "support/soundserver/Player.h"
 #include "support/soundserver/Sounds.h"
 
-#include <cmath>
 #include <cstdlib>
-#include <numbers>
 
 namespace quorbel::testing {
 namespace {
-
-class Tone final : public soundserver::Sound {
-  public:
-    void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
-        for (std::uint32_t frame = 0; frame < frames; ++frame) {
-            left[frame] = right[frame] =
-                static_cast<float>(0.25 * std::sin(2.0 * std::numbers::pi * 1000.0 *
-                                                   static_cast<double>(next_++) / 48000.0));
-        }
-    }
-
-  private:
-    std::uint64_t next_ = 0;
-};
 
 class PipeWireWorld final : public HardwareWorld {
   public:
@@ -71,7 +55,7 @@ class PipeWireWorld final : public HardwareWorld {
   private:
     soundserver::PrivateSoundServer server_;
     soundserver::GraphClient client_;
-    Tone tone_;
+    soundserver::Tone tone_{1000.0, -12.0, 48000.0};
     std::unique_ptr<soundserver::Player> player_;
     std::unique_ptr<AudioHardware> hardware_;
     bool isLost_ = false;
