@@ -5,24 +5,13 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
-#include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <fstream>
 #include <iterator>
 #include <random>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
+#include <utility>
 
 namespace quorbel {
-
-namespace {
-
-constexpr std::chrono::seconds deadline{60};
-
-} // namespace
 
 Sound noise(std::size_t frames, int sampleRate, int channels) {
     std::mt19937 random(48000);
@@ -41,7 +30,10 @@ CliTest::CliTest() {
     std::filesystem::create_directories(folder_);
 }
 
-CliTest::~CliTest() { std::filesystem::remove_all(root_); }
+CliTest::~CliTest() {
+    std::filesystem::current_path(root_.parent_path());
+    std::filesystem::remove_all(root_);
+}
 
 std::string CliTest::file(const std::string &name, const std::string &bytes) const {
     std::ofstream(path(name), std::ios::binary) << bytes;
@@ -91,49 +83,24 @@ std::map<std::string, std::string> CliTest::folderContents() const {
     return contents;
 }
 
-pid_t CliTest::start(const std::vector<std::string> &arguments) const {
+soundserver::ChildProcess CliTest::start(const std::vector<std::string> &arguments) const {
     std::vector<std::string> words = arguments;
     if (words.empty() || words[0][0] != '/')
         words.insert(words.begin(), QUORBEL_CLI);
-    std::vector<char *> pointers;
-    for (std::string &word : words)
-        pointers.push_back(word.data());
-    pointers.push_back(nullptr);
-    const std::string output = (root_ / "output").string();
-    const std::string errors = (root_ / "errors").string();
-
-    const pid_t process = fork();
-    if (process == 0) {
-        const int flags = O_CREAT | O_TRUNC | O_WRONLY;
-        dup2(open(output.c_str(), flags, 0600), STDOUT_FILENO);
-        dup2(open(errors.c_str(), flags, 0600), STDERR_FILENO);
-        setenv("XDG_CONFIG_HOME", root_.c_str(), 1);
-        setenv("XDG_RUNTIME_DIR", root_.c_str(), 1); // where no sound server is
-        if (chdir(folder_.c_str()) == 0)
-            execv(pointers[0], pointers.data());
-        _exit(127);
-    }
-    return process;
+    std::filesystem::current_path(folder_);
+    return {std::move(words),
+            {{"XDG_CONFIG_HOME", root_}, {"XDG_RUNTIME_DIR", root_}}}; // where no sound server is
 }
 
-CliTest::Result CliTest::waitFor(pid_t process) const {
-    const auto end = std::chrono::steady_clock::now() + deadline;
-    int status = 0;
-    while (waitpid(process, &status, WNOHANG) == 0) {
-        if (std::chrono::steady_clock::now() > end) {
-            kill(process, SIGKILL);
-            waitpid(process, &status, 0);
-            ADD_FAILURE() << "the program did not end by itself";
-            break;
-        }
-        std::this_thread::yield();
-    }
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-            bytes((root_ / "output").string()), bytes((root_ / "errors").string())};
+CliTest::Result CliTest::endOf(soundserver::ChildProcess &process) {
+    const auto status = process.exitStatusWithin(60.0);
+    EXPECT_TRUE(status) << "the program did not end by itself";
+    return {status ? *status : process.stop(0.0), process.output(), process.errors()};
 }
 
 CliTest::Result CliTest::run(const std::vector<std::string> &arguments) const {
-    return waitFor(start(arguments));
+    auto process = start(arguments);
+    return endOf(process);
 }
 
 void CliTest::expectRefusal(const std::vector<std::string> &arguments,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "settings/records/Persisted.h"
+#include "soundserver/ChildProcess.h"
 
 #include <gtest/gtest.h>
 #include <sndfile.h>
@@ -9,7 +10,6 @@
 #include <filesystem>
 #include <map>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace quorbel {
@@ -57,12 +57,11 @@ class CliTest : public testing::Test {
     /// Names and contents of everything in the folder.
     [[nodiscard]] std::map<std::string, std::string> folderContents() const;
 
-    /// Runs the program to its end; after `deadlineSeconds` it is killed and the test fails.
+    /// Runs the program to its end; after a minute it is killed and the test fails.
     [[nodiscard]] Result run(const std::vector<std::string> &arguments) const;
 
-    /// Starts it, to be ended by `waitFor`.
-    [[nodiscard]] pid_t start(const std::vector<std::string> &arguments) const;
-    [[nodiscard]] Result waitFor(pid_t process) const;
+    [[nodiscard]] soundserver::ChildProcess start(const std::vector<std::string> &arguments) const;
+    [[nodiscard]] static Result endOf(soundserver::ChildProcess &process);
 
     /// Expects failure with exactly one line that holds `part`, and everything in the folder as it
     /// was.
@@ -73,7 +72,7 @@ class CliTest : public testing::Test {
 
   private:
     std::filesystem::path root_;
-    std::filesystem::path folder_; ///< the program's own output is kept beside it
+    std::filesystem::path folder_;
 };
 
 } // namespace quorbel

@@ -1,11 +1,10 @@
 #include "cli/CliTest.h"
+#include "soundserver/Waiting.h"
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <csignal>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -114,23 +113,20 @@ TEST_F(RenderBadInput, anInterruptedRenderLeavesNothing) {
     std::filesystem::resize_file(path("in.wav"), header.size() + soundBytes);
 
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        const pid_t process = start({"render", "in.wav", "out.wav"});
+        auto process = start({"render", "in.wav", "out.wav"});
         const auto holdsOutput = [&] {
             std::error_code gone;
             for (const auto &entry : std::filesystem::directory_iterator(
-                     "/proc/" + std::to_string(process) + "/fd", gone)) {
+                     "/proc/" + std::to_string(process.pid()) + "/fd", gone)) {
                 const auto target = std::filesystem::read_symlink(entry, gone).string();
                 if (target.starts_with(path("")) && !target.ends_with("in.wav"))
                     return true;
             }
             return false;
         };
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!holdsOutput() && std::chrono::steady_clock::now() < end)
-            std::this_thread::yield();
-        EXPECT_TRUE(holdsOutput());
-        kill(process, signal);
-        const Result result = waitFor(process);
+        EXPECT_TRUE(soundserver::comesTrue(20.0, holdsOutput));
+        process.signal(signal);
+        const Result result = endOf(process);
         EXPECT_EQ(result.status, 1);
         EXPECT_EQ(result.errors, "ostrafine-cli: interrupted, out.wav was not written\n");
         const std::vector<std::filesystem::directory_entry> left{

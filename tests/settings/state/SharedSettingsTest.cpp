@@ -96,6 +96,7 @@ TEST_F(SharedSettings, loseNothingInAnyStormOfWriters) {
                 Persisted record = shared.readChange().value_or(untouched());
                 record.presets.push_back({.id = Uuid::random(), .name = name});
                 shared.write(record);
+                EXPECT_FALSE(shared.readChange()) << "what it wrote itself is no change";
                 names.insert(name);
                 break;
             }
