@@ -57,6 +57,8 @@ TEST(EngineThreads, ControlsMoveAndHardwareChangesWhileItRuns) {
         engine.eq().setBands(bands);
         SpatialConfig spatial = engine.spatial();
         spatial.toneBassDB = static_cast<float>(round % 5);
+        spatial.bassEnabled = spatial.bassAdaptiveEnabled = round % 3 == 1;
+        engine.setDisplayed(round % 2 == 0);
         engine.setSpatial(spatial);
         MixerConfig mixer = engine.mixer();
         mixer.limiterThresholdDB = -static_cast<float>(round % 3);
