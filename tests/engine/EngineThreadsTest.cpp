@@ -110,6 +110,7 @@ class EngineRealtimeTest : public EngineTest {};
 TEST_F(EngineRealtimeTest, CallbacksAllocateNothingAndTakeNoForeignLock) {
     Violations violations;
     engine = std::make_unique<AudioEngine>(hardware, devices, clock, EQBand::defaultBands());
+    engine->setComparable(true);
     choose("speakers");
     hardware.watchCallbacks(violations);
     hardware.play(sine(1000.0));
