@@ -2,8 +2,8 @@
 
 #include "effects/UnitHarness.h"
 #include "effects/cores/EnhancerPass.h"
-#include "effects/cores/Levelling.h"
-#include "effects/cores/LimiterStretch.h"
+#include "effects/cores/Leveller.h"
+#include "effects/cores/LimiterBlock.h"
 #include "effects/cores/Saturation.h"
 #include "effects/cores/StereoSection.h"
 #include "effects/cores/TanhShaper.h"
@@ -24,33 +24,33 @@ constexpr std::uint32_t longest = 70;
 
 class VectorKernelsTest : public EveryVectorTarget {};
 
-TEST_P(VectorKernelsTest, LimiterStretchIsEqualBitByBit) {
+TEST_P(VectorKernelsTest, LimiterBlockIsEqualBitByBit) {
     for (const std::uint32_t lookahead : {8U, 57U, 62U, 500U}) {
         float vectorGain = 1.0F;
         float plainGain = 1.0F;
         const auto compare = [&](std::uint32_t count, float threshold) {
-            const Sound sound = noise(lookahead + longest + stretchPadding, 1.5F, count);
+            const Sound sound = noise(lookahead + longest + blockPadding, 1.5F, count);
             std::vector<float> peaks(sound.frames());
             for (std::size_t i = 0; i < peaks.size(); ++i)
                 peaks[i] = std::max(std::abs(sound.left[i]), std::abs(sound.right[i]));
-            std::vector<float> gains(longest + stretchPadding);
+            std::vector<float> gains(longest + blockPadding);
             Sound vectorOut(longest);
             Sound plainOut(longest);
-            LimiterStretch stretch{.peaks = peaks.data(),
-                                   .lookahead = lookahead,
-                                   .count = count,
-                                   .threshold = threshold,
-                                   .attackCoeff = 0.06F,
-                                   .releaseCoeff = 0.004F,
-                                   .gains = gains.data(),
-                                   .delayedL = sound.left.data(),
-                                   .delayedR = sound.right.data(),
-                                   .outL = vectorOut.left.data(),
-                                   .outR = vectorOut.right.data()};
-            const float smallest = limitStretch(stretch, vectorGain);
-            stretch.outL = plainOut.left.data();
-            stretch.outR = plainOut.right.data();
-            ASSERT_EQ(smallest, limitStretchPlainly(stretch, plainGain));
+            LimiterBlock block{.peaks = peaks.data(),
+                               .lookahead = lookahead,
+                               .count = count,
+                               .threshold = threshold,
+                               .attackCoeff = 0.06F,
+                               .releaseCoeff = 0.004F,
+                               .gains = gains.data(),
+                               .delayedL = sound.left.data(),
+                               .delayedR = sound.right.data(),
+                               .outL = vectorOut.left.data(),
+                               .outR = vectorOut.right.data()};
+            const float smallest = limitBlock(block, vectorGain);
+            block.outL = plainOut.left.data();
+            block.outR = plainOut.right.data();
+            ASSERT_EQ(smallest, limitBlockPlainly(block, plainGain));
             ASSERT_EQ(vectorGain, plainGain);
             ASSERT_EQ(vectorOut, plainOut) << count << " frames, look-ahead " << lookahead;
         };
@@ -137,20 +137,20 @@ TEST_P(VectorKernelsTest, EnhancersAreEqualBitByBit) {
     }
 }
 
-TEST_P(VectorKernelsTest, LevellingIsEqualBitByBit) {
-    const Levelling levelling{.keepLevel = 0.995F,
-                              .keepGain = 0.999F,
-                              .keepTrim = 0.97F,
-                              .target = 0.16F,
-                              .trimTarget = 1.4F};
-    LevellingState state;
-    LevellingState plainState;
+TEST_P(VectorKernelsTest, LevellerIsEqualBitByBit) {
+    const LevellerSettings settings{.keepLevel = 0.995F,
+                                    .keepGain = 0.999F,
+                                    .keepTrim = 0.97F,
+                                    .target = 0.16F,
+                                    .trimTarget = 1.4F};
+    LevellerState state;
+    LevellerState plainState;
     for (std::uint32_t count = 0; count <= longest; ++count) {
         // Across the gate and back.
         Sound vector = noise(count, count % 20 < 10 ? 0.5F : 1e-4F, count + 1);
         Sound plain = vector;
-        level(levelling, state, vector.left.data(), vector.right.data(), count);
-        levelPlainly(levelling, plainState, plain.left.data(), plain.right.data(), count);
+        runLeveller(settings, state, vector.left.data(), vector.right.data(), count);
+        runLevellerPlainly(settings, plainState, plain.left.data(), plain.right.data(), count);
         ASSERT_EQ(vector, plain) << count << " frames";
         ASSERT_EQ(state.gain, plainState.gain);
     }

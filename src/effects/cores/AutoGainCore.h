@@ -1,7 +1,7 @@
 #pragma once
 
 #include "effects/cores/Kept.h"
-#include "effects/cores/Levelling.h"
+#include "effects/cores/Leveller.h"
 
 #include <cstdint>
 
@@ -33,7 +33,7 @@ class AutoGainCore {
 
   private:
     Kept<float, float> target_; ///< linear, by dB
-    Levelling levelling_;       // its targets are those of the last block
+    LevellerSettings leveller_; // its targets are those of the last block
     float trim_ = 1.0F;
     float meanSquare_ = 0.0F;
 };

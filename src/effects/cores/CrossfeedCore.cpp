@@ -7,8 +7,8 @@ namespace quorbel {
 
 namespace {
 
-/// Even, so that the alternating offset begins every stretch alike.
-constexpr std::uint32_t crossfeedStretchFrames = 128;
+/// Even, so that the alternating offset begins every chunk alike.
+constexpr std::uint32_t crossfeedChunkFrames = 128;
 
 /// The amount on its way through a block, and what it does to a channel. For one frame or four.
 class CrossingMix {
@@ -46,8 +46,8 @@ void CrossfeedCore::prepare(float sampleRate) {
     // stands. Longer delays get the line that they need.
     if (delay_ == lineLength)
         delay_ = 0;
-    delayL_.assign(delay_ + crossfeedStretchFrames, 0.0F);
-    delayR_.assign(delay_ + crossfeedStretchFrames, 0.0F);
+    delayL_.assign(delay_ + crossfeedChunkFrames, 0.0F);
+    delayR_.assign(delay_ + crossfeedChunkFrames, 0.0F);
 
     const float w0 = 4398.2295F / sampleRate; // 2π · 700 Hz
     lowPass_ = lowPass(w0, std::sin(w0) / 1.414F);
@@ -64,8 +64,8 @@ void CrossfeedCore::process(float *left, float *right, std::uint32_t frames, flo
                             float target) noexcept {
     constexpr float tiny = 1e-20F; // alternates, and so keeps the filters out of denormal numbers
     const CrossingMix mix(previous, target, frames);
-    for (std::uint32_t begin = 0; begin < frames; begin += crossfeedStretchFrames) {
-        const std::uint32_t count = std::min(crossfeedStretchFrames, frames - begin);
+    for (std::uint32_t begin = 0; begin < frames; begin += crossfeedChunkFrames) {
+        const std::uint32_t count = std::min(crossfeedChunkFrames, frames - begin);
         const std::uint32_t fours = count - count % 4;
         append(left + begin, right + begin, count);
         float *const l = left + begin;

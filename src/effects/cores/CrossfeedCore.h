@@ -33,7 +33,7 @@ class CrossfeedCore {
 
     std::size_t delay_ = 16;
     BiquadCoefficients lowPass_;
-    // Each holds the last `delay_` frames, with room for a stretch of new ones behind them.
+    // Each holds the last `delay_` frames, with room for a chunk of new ones behind them.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
     StereoSection crossing_; // of each channel, before it is mixed into the other

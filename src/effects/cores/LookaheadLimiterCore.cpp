@@ -1,6 +1,6 @@
 #include "effects/cores/LookaheadLimiterCore.h"
 
-#include "effects/cores/LimiterStretch.h"
+#include "effects/cores/LimiterBlock.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr std::uint32_t limiterStretchFrames = 128;
+constexpr std::uint32_t limiterBlockFrames = 128;
 
 /// Puts `count` frames behind the `lookahead` that the line holds.
 void append(std::vector<float> &line, std::size_t lookahead, const float *samples,
@@ -40,7 +40,7 @@ void LookaheadLimiterCore::prepare(float sampleRate) {
     attackCoeff_ = 1.0F - std::exp(-4.0F / static_cast<float>(lookahead_));
     releaseCoeff_ = 1.0F - std::exp(-1.0F / (sampleRate * releaseSeconds));
 
-    const std::size_t length = lookahead_ + limiterStretchFrames + stretchPadding;
+    const std::size_t length = lookahead_ + limiterBlockFrames + blockPadding;
     std::vector<float> lines[4];
     for (std::vector<float> &line : lines)
         line.assign(length, 0.0F);
@@ -61,10 +61,9 @@ void LookaheadLimiterCore::process(float *left, float *right, std::uint32_t fram
     if (gains_.empty())
         return;
     float smallestGain = 1.0F;
-    for (std::uint32_t begin = 0; begin < frameCount; begin += limiterStretchFrames)
-        processStretch(left + begin, right + begin,
-                       std::min(limiterStretchFrames, frameCount - begin), thresholdLin,
-                       smallestGain);
+    for (std::uint32_t begin = 0; begin < frameCount; begin += limiterBlockFrames)
+        processBlock(left + begin, right + begin, std::min(limiterBlockFrames, frameCount - begin),
+                     thresholdLin, smallestGain);
     // The largest reduction, by way of its complement as the meter counts it. Adding zero turns the
     // negative zero of an untouched block into the positive one.
     gainReductionDB_ = reductionDB_.of(
@@ -75,26 +74,26 @@ void LookaheadLimiterCore::process(float *left, float *right, std::uint32_t fram
         smallestGain);
 }
 
-void LookaheadLimiterCore::processStretch(float *left, float *right, std::uint32_t count,
-                                          float thresholdLin, float &smallestGain) noexcept {
+void LookaheadLimiterCore::processBlock(float *left, float *right, std::uint32_t count,
+                                        float thresholdLin, float &smallestGain) noexcept {
     append(delayL_, lookahead_, left, count);
     append(delayR_, lookahead_, right, count);
     float *const newPeaks = peaks_.data() + lookahead_;
     for (std::uint32_t i = 0; i < count; ++i)
         newPeaks[i] = std::max(std::abs(left[i]), std::abs(right[i]));
 
-    const float smallest = limitStretch({.peaks = peaks_.data(),
-                                         .lookahead = static_cast<std::uint32_t>(lookahead_),
-                                         .count = count,
-                                         .threshold = thresholdLin,
-                                         .attackCoeff = attackCoeff_,
-                                         .releaseCoeff = releaseCoeff_,
-                                         .gains = gains_.data(),
-                                         .delayedL = delayL_.data(),
-                                         .delayedR = delayR_.data(),
-                                         .outL = left,
-                                         .outR = right},
-                                        gain_);
+    const float smallest = limitBlock({.peaks = peaks_.data(),
+                                       .lookahead = static_cast<std::uint32_t>(lookahead_),
+                                       .count = count,
+                                       .threshold = thresholdLin,
+                                       .attackCoeff = attackCoeff_,
+                                       .releaseCoeff = releaseCoeff_,
+                                       .gains = gains_.data(),
+                                       .delayedL = delayL_.data(),
+                                       .delayedR = delayR_.data(),
+                                       .outL = left,
+                                       .outR = right},
+                                      gain_);
     smallestGain = std::min(smallestGain, smallest);
     for (std::vector<float> *line : {&delayL_, &delayR_, &peaks_})
         advance(*line, lookahead_, count);

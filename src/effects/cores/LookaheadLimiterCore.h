@@ -30,16 +30,16 @@ class LookaheadLimiterCore {
     [[nodiscard]] float gainReductionDB() const { return gainReductionDB_; }
 
   private:
-    void processStretch(float *left, float *right, std::uint32_t count, float thresholdLin,
-                        float &smallestGain) noexcept;
+    void processBlock(float *left, float *right, std::uint32_t count, float thresholdLin,
+                      float &smallestGain) noexcept;
 
     std::size_t lookahead_ = 0;
-    // Each line holds the last `lookahead_` frames, with room for a stretch of new ones behind
+    // Each line holds the last `lookahead_` frames, with room for a block of new ones behind
     // them; empty before `prepare`. The peaks are those of both channels.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
     std::vector<float> peaks_;
-    std::vector<float> gains_; // of one stretch
+    std::vector<float> gains_; // of one block
     float gain_ = 1.0F;
     float attackCoeff_ = 0.0F;
     float releaseCoeff_ = 0.0F;

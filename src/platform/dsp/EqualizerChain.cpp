@@ -186,7 +186,7 @@ void EqualizerChain::process(float *left, float *right, std::uint32_t frames) no
     }
     if (frames == 0)
         return;
-    RestingSections sections(left, right, frames);
+    SectionBatch sections(left, right, frames);
     addTo(sections);
     sections.run();
 }
@@ -214,7 +214,7 @@ void EqualizerChain::processGliding(float *left, float *right, std::uint32_t fra
     }
 }
 
-void EqualizerChain::addTo(RestingSections &sections) noexcept {
+void EqualizerChain::addTo(SectionBatch &sections) noexcept {
     for (Band &band : bands_)
         if (band.running)
             sections.add(band.section, band.left, band.right);

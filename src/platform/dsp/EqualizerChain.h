@@ -2,7 +2,7 @@
 
 #include "platform/dsp/BandDesign.h"
 #include "platform/dsp/Glide.h"
-#include "platform/dsp/RestingSections.h"
+#include "platform/dsp/SectionBatch.h"
 #include "platform/dsp/StateVariableSection.h"
 
 #include <cstddef>
@@ -46,7 +46,7 @@ class EqualizerChain {
 
     [[nodiscard]] bool isAtRest() const noexcept { return !gliding_; }
     /// What `process` would do, for a chain that is at rest.
-    void addTo(RestingSections &sections) noexcept;
+    void addTo(SectionBatch &sections) noexcept;
 
     /// Takes out what is not a finite number, so that it does not stay for ever.
     void dropNonFinite() noexcept;

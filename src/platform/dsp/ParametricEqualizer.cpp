@@ -137,7 +137,7 @@ void ParametricEqualizer::renderInSeries(ParametricEqualizer &first, ParametricE
         second.render(left, right, frames);
         return;
     }
-    RestingSections sections(left, right, frames);
+    SectionBatch sections(left, right, frames);
     first.chain_.addTo(sections);
     second.chain_.addTo(sections);
     sections.run();

@@ -1,4 +1,4 @@
-#include "effects/cores/LimiterStretch.h"
+#include "effects/cores/LimiterBlock.h"
 
 #include "platform/dsp/VectorTargets.h"
 
@@ -6,7 +6,7 @@
 #include <cstring>
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "effects/cores/LimiterStretch.cpp"
+#define HWY_TARGET_INCLUDE "effects/cores/LimiterBlock.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -16,7 +16,7 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Tag = hn::CappedTag<float, stretchPadding>;
+using Tag = hn::CappedTag<float, blockPadding>;
 using Vector = hn::Vec<Tag>;
 constexpr Tag tag;
 
@@ -42,7 +42,7 @@ HWY_INLINE Vector limited(const float *delayed, Vector gain, Vector threshold) {
 }
 
 /// Every frame's output, from `gains(i)` of the frames from i on.
-template <typename Gains> HWY_INLINE void apply(const LimiterStretch &s, const Gains &gains) {
+template <typename Gains> HWY_INLINE void apply(const LimiterBlock &s, const Gains &gains) {
     const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
     const Vector threshold = hn::Set(tag, s.threshold);
     std::uint32_t i = 0;
@@ -53,7 +53,7 @@ template <typename Gains> HWY_INLINE void apply(const LimiterStretch &s, const G
     if (i == s.count)
         return;
     const std::size_t rest = (s.count - i) * sizeof(float);
-    HWY_ALIGN float last[stretchPadding];
+    HWY_ALIGN float last[blockPadding];
     hn::Store(limited(s.delayedL + i, gains(i), threshold), tag, last);
     std::memcpy(s.outL + i, last, rest);
     hn::Store(limited(s.delayedR + i, gains(i), threshold), tag, last);
@@ -71,8 +71,8 @@ HWY_INLINE bool anyBeyond(const float *peaks, std::uint32_t count, float thresho
     return !hn::AllTrue(tag, hn::Le(largest, hn::Set(tag, threshold)));
 }
 
-/// A stretch in which every frame aims at 1.
-HWY_INLINE float releaseStretch(const LimiterStretch &s, float &gain) {
+/// A block in which every frame aims at 1.
+HWY_INLINE float releaseBlock(const LimiterBlock &s, float &gain) {
     const float before = gain;
     // Where the steps have come to round to nothing, they stay so.
     if (const float after = before + (1.0F - before) * s.releaseCoeff; after == before) {
@@ -93,9 +93,9 @@ HWY_INLINE float releaseStretch(const LimiterStretch &s, float &gain) {
 } // namespace
 
 // Without noexcept, which Highway's table of targets does not take; nothing in it throws.
-float limitStretchInLanes(const LimiterStretch &s, float &gain) {
+float limitBlockInLanes(const LimiterBlock &s, float &gain) {
     if (!anyBeyond(s.peaks, s.lookahead + s.count, s.threshold))
-        return releaseStretch(s, gain);
+        return releaseBlock(s, gain);
 
     const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
     const Vector threshold = hn::Set(tag, s.threshold);
@@ -132,13 +132,13 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace quorbel {
 
-HWY_EXPORT(limitStretchInLanes);
+HWY_EXPORT(limitBlockInLanes);
 
-float limitStretch(const LimiterStretch &stretch, float &gain) noexcept {
-    return HWY_DYNAMIC_DISPATCH(limitStretchInLanes)(stretch, gain);
+float limitBlock(const LimiterBlock &block, float &gain) noexcept {
+    return HWY_DYNAMIC_DISPATCH(limitBlockInLanes)(block, gain);
 }
 
-float limitStretchPlainly(const LimiterStretch &s, float &gain) noexcept {
+float limitBlockPlainly(const LimiterBlock &s, float &gain) noexcept {
     float smallest = 1.0F;
     for (std::uint32_t i = 0; i < s.count; ++i) {
         const float *window = s.peaks + i;

@@ -8,15 +8,15 @@
 
 namespace quorbel {
 
-/// Sections in series, of one equaliser or of several, gathered in their order to be run over a
-/// stretch of sound in one pass. Their memories are borrowed for the call. [render]
-class RestingSections {
+/// Resting sections in series, of one equaliser or of several, gathered in their order to be run
+/// over a block in one pass. Their memories are borrowed for the call. [render]
+class SectionBatch {
   public:
     /// In place, over `frames` frames.
-    RestingSections(float *left, float *right, std::uint32_t frames) noexcept
+    SectionBatch(float *left, float *right, std::uint32_t frames) noexcept
         : left_(left), right_(right), frames_(frames) {}
-    RestingSections(const RestingSections &) = delete;
-    RestingSections &operator=(const RestingSections &) = delete;
+    SectionBatch(const SectionBatch &) = delete;
+    SectionBatch &operator=(const SectionBatch &) = delete;
 
     void add(const SectionCoefficients &section, SectionState &left, SectionState &right) noexcept;
 

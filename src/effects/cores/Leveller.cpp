@@ -1,4 +1,4 @@
-#include "effects/cores/Levelling.h"
+#include "effects/cores/Leveller.h"
 
 #include "platform/dsp/VectorTargets.h"
 
@@ -6,12 +6,12 @@
 #include <cmath>
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "effects/cores/Levelling.cpp"
+#define HWY_TARGET_INCLUDE "effects/cores/Leveller.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#ifndef QUORBEL_LEVELLING_ONCE
-#define QUORBEL_LEVELLING_ONCE
+#ifndef QUORBEL_LEVELLER_ONCE
+#define QUORBEL_LEVELLER_ONCE
 namespace quorbel {
 namespace {
 
@@ -51,15 +51,16 @@ HWY_INLINE void measure(const float *left, const float *right, float share, Tile
 }
 
 /// What every frame keeps of the gain and adds to it; all and nothing below the gate.
-HWY_INLINE void aim(const Levelling &levelling, const Tile &meanSquares, Tile &kept, Tile &added) {
-    const auto share = hn::Set(tag, 1.0F - levelling.keepGain);
+HWY_INLINE void aim(const LevellerSettings &settings, const Tile &meanSquares, Tile &kept,
+                    Tile &added) {
+    const auto share = hn::Set(tag, 1.0F - settings.keepGain);
     for (std::size_t i = 0; i < tileFrames; i += hn::Lanes(tag)) {
         const auto rms = hn::Sqrt(hn::Load(tag, meanSquares.samples + i));
         const auto open = hn::Gt(rms, hn::Set(tag, gateLevel));
         const auto desired = hn::Min(
-            hn::Max(hn::Div(hn::Set(tag, levelling.target), rms), hn::Set(tag, smallestGain)),
+            hn::Max(hn::Div(hn::Set(tag, settings.target), rms), hn::Set(tag, smallestGain)),
             hn::Set(tag, largestGain));
-        hn::Store(hn::IfThenElse(open, hn::Set(tag, levelling.keepGain), hn::Set(tag, 1.0F)), tag,
+        hn::Store(hn::IfThenElse(open, hn::Set(tag, settings.keepGain), hn::Set(tag, 1.0F)), tag,
                   kept.samples + i);
         hn::Store(hn::IfThenElseZero(open, hn::Mul(share, desired)), tag, added.samples + i);
     }
@@ -75,13 +76,13 @@ HWY_INLINE void apply(const Tile &gains, const Tile &trims, float *samples) {
 } // namespace
 
 /// Whole tiles, at least one.
-void levelInLanes(const Levelling &levelling, LevellingState &state, float *left, float *right,
-                  std::uint32_t frames) {
-    const float keepLevel = levelling.keepLevel;
-    const float keepTrim = levelling.keepTrim;
-    const float trimStep = (1.0F - keepTrim) * levelling.trimTarget;
+void runLevellerInLanes(const LevellerSettings &settings, LevellerState &state, float *left,
+                        float *right, std::uint32_t frames) {
+    const float keepLevel = settings.keepLevel;
+    const float keepTrim = settings.keepTrim;
+    const float trimStep = (1.0F - keepTrim) * settings.trimTarget;
     const float levelShare = (1.0F - keepLevel) * 0.5F;
-    LevellingState s = state;
+    LevellerState s = state;
     Tile meanSquares;
     Tile kept;
     Tile added;
@@ -102,14 +103,14 @@ void levelInLanes(const Levelling &levelling, LevellingState &state, float *left
     measure(left, right, levelShare, meanSquares);
     for (std::uint32_t i = 0; i < tileFrames; ++i)
         follow(i);
-    aim(levelling, meanSquares, kept, added);
+    aim(settings, meanSquares, kept, added);
     for (std::uint32_t begin = tileFrames; begin < frames; begin += tileFrames) {
         measure(left + begin, right + begin, levelShare, meanSquares);
         for (std::uint32_t i = 0; i < tileFrames; ++i) {
             follow(i);
             move(i);
         }
-        aim(levelling, meanSquares, kept, added);
+        aim(settings, meanSquares, kept, added);
         apply(gains, trims, left + begin - tileFrames);
         apply(gains, trims, right + begin - tileFrames);
     }
@@ -126,19 +127,19 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace quorbel {
 
-HWY_EXPORT(levelInLanes);
+HWY_EXPORT(runLevellerInLanes);
 
-void level(const Levelling &levelling, LevellingState &state, float *left, float *right,
-           std::uint32_t frames) noexcept {
+void runLeveller(const LevellerSettings &settings, LevellerState &state, float *left, float *right,
+                 std::uint32_t frames) noexcept {
     const std::uint32_t tiled = frames - frames % tileFrames;
     if (tiled > 0)
-        HWY_DYNAMIC_DISPATCH(levelInLanes)(levelling, state, left, right, tiled);
-    levelPlainly(levelling, state, left + tiled, right + tiled, frames - tiled);
+        HWY_DYNAMIC_DISPATCH(runLevellerInLanes)(settings, state, left, right, tiled);
+    runLevellerPlainly(settings, state, left + tiled, right + tiled, frames - tiled);
 }
 
-void levelPlainly(const Levelling &levelling, LevellingState &state, float *left, float *right,
-                  std::uint32_t frames) noexcept {
-    const auto &[keepLevel, keepGain, keepTrim, target, trimTarget] = levelling;
+void runLevellerPlainly(const LevellerSettings &settings, LevellerState &state, float *left,
+                        float *right, std::uint32_t frames) noexcept {
+    const auto &[keepLevel, keepGain, keepTrim, target, trimTarget] = settings;
     auto [meanSquare, gain, trim] = state;
     for (std::uint32_t i = 0; i < frames; ++i) {
         const float power = left[i] * left[i] + right[i] * right[i];

@@ -1,11 +1,11 @@
-#include "platform/dsp/RestingSections.h"
+#include "platform/dsp/SectionBatch.h"
 
 #include "platform/dsp/SectionCascade.h"
 
 namespace quorbel {
 
-void RestingSections::add(const SectionCoefficients &section, SectionState &left,
-                          SectionState &right) noexcept {
+void SectionBatch::add(const SectionCoefficients &section, SectionState &left,
+                       SectionState &right) noexcept {
     if (count_ == capacity)
         run();
     sections_[count_] = section;
@@ -16,7 +16,7 @@ void RestingSections::add(const SectionCoefficients &section, SectionState &left
     ++count_;
 }
 
-void RestingSections::scale(float gain) noexcept {
+void SectionBatch::scale(float gain) noexcept {
     if (gain == 1.0F)
         return;
     if (count_ > 0) {
@@ -32,7 +32,7 @@ void RestingSections::scale(float gain) noexcept {
     }
 }
 
-void RestingSections::run() noexcept {
+void SectionBatch::run() noexcept {
     if (count_ > 0)
         processCascade({sections_.data(), leftStates_.data(), rightStates_.data(), count_}, left_,
                        right_, frames_);

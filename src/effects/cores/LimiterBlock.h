@@ -4,10 +4,10 @@
 
 namespace quorbel {
 
-/// The work of the limiter on a short stretch of sound, on plain memory. All arrays of `count`
-/// frames may be written up to `stretchPadding` frames beyond, and `peaks` read as far.
-struct LimiterStretch {
-    const float *peaks = nullptr; ///< of `lookahead` frames before the stretch, then of the stretch
+/// The work of the limiter on a short block of sound, on plain memory. All arrays of `count`
+/// frames may be written up to `blockPadding` frames beyond, and `peaks` read as far.
+struct LimiterBlock {
+    const float *peaks = nullptr; ///< of `lookahead` frames before the block, then of the block
     std::uint32_t lookahead = 0;
     std::uint32_t count = 0;
     float threshold = 1.0F;   ///< linear
@@ -20,14 +20,14 @@ struct LimiterStretch {
     float *outR = nullptr;
 };
 
-inline constexpr std::uint32_t stretchPadding = 16;
+inline constexpr std::uint32_t blockPadding = 16;
 
 /// Finds every frame's gain from the largest of its own and the `lookahead` peaks before it, and
 /// applies it to the delayed sound. `gain` is the smoothed gain before and after; returned is the
 /// smallest one. [render]
-float limitStretch(const LimiterStretch &stretch, float &gain) noexcept;
+float limitBlock(const LimiterBlock &block, float &gain) noexcept;
 
 /// The same written plainly, for comparison; the results are equal bit by bit.
-float limitStretchPlainly(const LimiterStretch &stretch, float &gain) noexcept;
+float limitBlockPlainly(const LimiterBlock &block, float &gain) noexcept;
 
 } // namespace quorbel
