@@ -9,8 +9,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <type_traits>
-#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -78,13 +76,6 @@ class EffectUnit : public AudioUnit {
     std::shared_ptr<std::atomic<std::uint32_t>> touches_; ///< how often a cell was set
     std::uint32_t takenTouches_ = 0;                      ///< [render]
 };
-
-/// Returns `unit` as a `Unit`, which must be final, or null if it is another one: quicker than a
-/// dynamic cast.
-template <typename Unit> [[nodiscard]] Unit *unitAs(AudioUnit *unit) noexcept {
-    static_assert(std::is_final_v<Unit>);
-    return typeid(*unit) == typeid(Unit) ? static_cast<Unit *>(unit) : nullptr;
-}
 
 /// The render block of an effect unit: pulls bus 0 into the output, then lets `process(output,
 /// frames)` work on it in place. Fails without an input or with the status of a failing pull, and

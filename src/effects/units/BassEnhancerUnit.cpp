@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <typeinfo>
 #include <utility>
 
 namespace quorbel {
@@ -102,26 +103,31 @@ RenderBlock BassEnhancerUnit::internalRenderBlock() {
     });
 }
 
-std::size_t BassEnhancerUnit::renderWithFollowing(std::span<AudioUnit *const> following,
-                                                  AudioBufferList &buffers,
-                                                  std::uint32_t frames) noexcept {
-    if (following.size() < 3 || !buffers.isStereo())
-        return 0;
-    auto *const voice = unitAs<VoiceEnhancerUnit>(following[0]);
-    auto *const widener = unitAs<MSWidenerUnit>(following[1]);
-    auto *const spatializer = unitAs<SpatializerUnit>(following[2]);
-    if (voice == nullptr || widener == nullptr || spatializer == nullptr)
-        return 0;
+std::size_t BassEnhancerUnit::joinable(std::span<AudioUnit *const> following) const {
+    return following.size() >= 3 && typeid(*following[0]) == typeid(VoiceEnhancerUnit) &&
+                   typeid(*following[1]) == typeid(MSWidenerUnit) &&
+                   typeid(*following[2]) == typeid(SpatializerUnit)
+               ? 3
+               : 0;
+}
+
+bool BassEnhancerUnit::renderJoined(std::span<AudioUnit *const> joined, AudioBufferList &buffers,
+                                    std::uint32_t frames) noexcept {
+    if (!buffers.isStereo())
+        return false;
+    auto &voice = static_cast<VoiceEnhancerUnit &>(*joined[0]);
+    auto &widener = static_cast<MSWidenerUnit &>(*joined[1]);
+    auto &spatializer = static_cast<SpatializerUnit &>(*joined[2]);
     EnhancerPass pass;
     state_->addTo(pass, storage(amount)->taken(), storage(drive)->taken(),
                   storage(crossover)->taken(), storage(adaptive)->taken());
-    voice->addTo(pass);
-    widener->addTo(pass, frames);
-    spatializer->addTo(pass);
+    voice.addTo(pass);
+    widener.addTo(pass, frames);
+    spatializer.addTo(pass);
     state_->ring.feed(buffers.data[0], buffers.data[1], frames);
     enhance(pass, buffers.data[0], buffers.data[1], frames);
-    voice->feedAnalysis(frames);
-    return 3;
+    voice.feedAnalysis(frames);
+    return true;
 }
 
 float BassEnhancerUnit::readout() const noexcept {

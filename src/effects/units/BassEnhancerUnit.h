@@ -18,9 +18,10 @@ class BassEnhancerUnit final : public EffectUnit {
     void reset() override;
     void setDemand(const EffectDemand &demand) override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
-    /// With voice enhancer, widener and spatializer.
-    std::size_t renderWithFollowing(std::span<AudioUnit *const> following, AudioBufferList &buffers,
-                                    std::uint32_t frames) noexcept override;
+    /// Voice enhancer, widener and spatializer.
+    [[nodiscard]] std::size_t joinable(std::span<AudioUnit *const> following) const override;
+    bool renderJoined(std::span<AudioUnit *const> joined, AudioBufferList &buffers,
+                      std::uint32_t frames) noexcept override;
 
     /// The tracked frequency, Hz; 80 before the first measurement.
     [[nodiscard]] float readout() const noexcept override;

@@ -46,13 +46,17 @@ class GraphNode {
     virtual Status render(const RenderTime &time, AudioBufferList &buffers,
                           std::uint32_t frames) noexcept = 0;
 
-    /// Renders this stage and the first of the stages behind it, `following`, if one pass can do
-    /// the work of several. Returns how many of `following` it has rendered; 0 means that it has
-    /// done nothing. [render]
-    virtual std::size_t renderWithFollowing(std::span<GraphNode *const> /*following*/,
-                                            AudioBufferList & /*buffers*/,
-                                            std::uint32_t /*frames*/) noexcept {
+    /// Returns how many of the stages behind this one, `following`, `renderJoined` takes. Asked
+    /// once per plan. [main]
+    [[nodiscard]] virtual std::size_t joinable(std::span<GraphNode *const> /*following*/) const {
         return 0;
+    }
+
+    /// Renders this stage and `joined`, the stages that `joinable` has counted, in one pass; or
+    /// does nothing and returns false. [render]
+    virtual bool renderJoined(std::span<GraphNode *const> /*joined*/, AudioBufferList & /*buffers*/,
+                              std::uint32_t /*frames*/) noexcept {
+        return false;
     }
 
   protected:

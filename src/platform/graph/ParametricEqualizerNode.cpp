@@ -21,17 +21,19 @@ Status ParametricEqualizerNode::render(const RenderTime & /*time*/, AudioBufferL
     return statusOK;
 }
 
-std::size_t ParametricEqualizerNode::renderWithFollowing(std::span<GraphNode *const> following,
-                                                         AudioBufferList &buffers,
-                                                         std::uint32_t frames) noexcept {
-    // The class is final, so this is as safe as a dynamic cast and far quicker.
-    if (following.empty() || typeid(*following[0]) != typeid(ParametricEqualizerNode) ||
-        !buffers.isStereo())
-        return 0;
+std::size_t ParametricEqualizerNode::joinable(std::span<GraphNode *const> following) const {
+    return !following.empty() && typeid(*following[0]) == typeid(ParametricEqualizerNode) ? 1 : 0;
+}
+
+bool ParametricEqualizerNode::renderJoined(std::span<GraphNode *const> joined,
+                                           AudioBufferList &buffers,
+                                           std::uint32_t frames) noexcept {
+    if (!buffers.isStereo())
+        return false;
     ParametricEqualizer::renderInSeries(
-        equalizer_, static_cast<ParametricEqualizerNode &>(*following[0]).equalizer_,
-        buffers.data[0], buffers.data[1], frames);
-    return 1;
+        equalizer_, static_cast<ParametricEqualizerNode &>(*joined[0]).equalizer_, buffers.data[0],
+        buffers.data[1], frames);
+    return true;
 }
 
 } // namespace quorbel

@@ -40,9 +40,10 @@ class ParametricEqualizerNode final : public GraphNode {
     void takeSettings() noexcept override { equalizer_.takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
-    /// With another equaliser.
-    std::size_t renderWithFollowing(std::span<GraphNode *const> following, AudioBufferList &buffers,
-                                    std::uint32_t frames) noexcept override;
+    /// Another equaliser.
+    [[nodiscard]] std::size_t joinable(std::span<GraphNode *const> following) const override;
+    bool renderJoined(std::span<GraphNode *const> joined, AudioBufferList &buffers,
+                      std::uint32_t frames) noexcept override;
 
   private:
     ParametricEqualizer equalizer_;

@@ -13,6 +13,8 @@ RenderPlan::RenderPlan(std::vector<Stage> stages, const StreamFormat &format,
     assert(!stages_.empty() && stages_.front().node->isSource());
     for (const Stage &stage : stages_)
         nodes_.push_back(stage.node);
+    for (std::size_t i = 0; i < nodes_.size(); ++i)
+        joinable_.push_back(nodes_[i]->joinable(std::span(nodes_).subspan(i + 1)));
 }
 
 RenderPlan::~RenderPlan() {
@@ -50,25 +52,25 @@ Status RenderPlan::render(AudioBufferList &buffers, std::uint32_t frames) noexce
         takeSettings();
     Status result = statusOK;
     for (std::size_t i = 0; i < stages_.size(); ++i) {
-        const std::span following(nodes_.data() + i + 1, untappedAfter(i));
-        const std::size_t joined = nodes_[i]->renderWithFollowing(following, buffers, frames);
-        if (joined == 0)
-            if (const Status status = renderAlone(stages_[i], buffers, frames); result == statusOK)
-                result = status;
-        i += joined;
+        if (renderJoined(i, buffers, frames))
+            i += joinable_[i];
+        else if (const Status status = renderAlone(stages_[i], buffers, frames); result == statusOK)
+            result = status;
         stages_[i].tap->write(buffers, frames);
     }
     time_.sampleTime += frames;
     return result;
 }
 
-std::size_t RenderPlan::untappedAfter(std::size_t first) const noexcept {
-    // A pass may end at a tapped stage, but not go beyond it.
-    std::size_t last = first;
-    while (last + 1 < stages_.size() && last < first + longestPass - 1 &&
-           !stages_[last].tap->isInstalled())
-        ++last;
-    return last - first;
+bool RenderPlan::renderJoined(std::size_t first, AudioBufferList &buffers,
+                              std::uint32_t frames) noexcept {
+    const std::size_t count = joinable_[first];
+    // The output of a tapped stage has to exist; that of the last one does.
+    for (std::size_t i = 0; i < count; ++i)
+        if (stages_[first + i].tap->isInstalled())
+            return false;
+    return count > 0 && nodes_[first]->renderJoined(std::span(nodes_).subspan(first + 1, count),
+                                                    buffers, frames);
 }
 
 Status RenderPlan::renderAlone(const Stage &stage, AudioBufferList &buffers,

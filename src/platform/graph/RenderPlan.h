@@ -42,15 +42,14 @@ class RenderPlan {
     Status render(AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
   private:
-    static constexpr std::size_t longestPass = 4; ///< stages
-
     void takeSettings() noexcept;
-    /// Returns how many of the stages behind stage `first` may be rendered in one pass with it.
-    [[nodiscard]] std::size_t untappedAfter(std::size_t first) const noexcept;
+    /// Renders stage `first` and those that join it, unless they have to be rendered one by one.
+    bool renderJoined(std::size_t first, AudioBufferList &buffers, std::uint32_t frames) noexcept;
     Status renderAlone(const Stage &stage, AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
     std::vector<Stage> stages_;
-    std::vector<GraphNode *> nodes_; ///< the stages' nodes
+    std::vector<GraphNode *> nodes_;    ///< the stages' nodes
+    std::vector<std::size_t> joinable_; ///< of each stage: how many behind it join its pass
     StreamFormat format_;
     ShortLock &settingsLock_;
     std::size_t allocated_ = 0; // so many of the stages

@@ -2,6 +2,7 @@
 
 #include "platform/units/UnitStatus.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <typeinfo>
@@ -44,22 +45,23 @@ Status UnitNode::render(const RenderTime &time, AudioBufferList &buffers,
     return block_(flags, time, frames, 0, buffers, nullptr, inputStandsReady_);
 }
 
-std::size_t UnitNode::renderWithFollowing(std::span<GraphNode *const> following,
-                                          AudioBufferList &buffers, std::uint32_t frames) noexcept {
-    if (!block_)
-        return 0;
-    std::array<AudioUnit *, 3> units{};
+std::size_t UnitNode::joinable(std::span<GraphNode *const> following) const {
+    std::array<AudioUnit *, mostJoined> units{};
     std::size_t count = 0;
-    for (GraphNode *const node : following) {
-        // The class is final, so this is as safe as a dynamic cast and far quicker.
-        if (count == units.size() || typeid(*node) != typeid(UnitNode))
-            break;
-        const auto &next = static_cast<UnitNode &>(*node);
-        if (!next.block_)
-            break;
-        units[count++] = next.unit_.get();
+    while (count < std::min(units.size(), following.size()) &&
+           typeid(*following[count]) == typeid(UnitNode)) {
+        units[count] = &static_cast<UnitNode &>(*following[count]).unit();
+        ++count;
     }
-    return unit_->renderWithFollowing(std::span(units.data(), count), buffers, frames);
+    return unit_->joinable(std::span(units.data(), count));
+}
+
+bool UnitNode::renderJoined(std::span<GraphNode *const> joined, AudioBufferList &buffers,
+                            std::uint32_t frames) noexcept {
+    std::array<AudioUnit *, mostJoined> units{};
+    for (std::size_t i = 0; i < joined.size(); ++i)
+        units[i] = &static_cast<UnitNode &>(*joined[i]).unit();
+    return unit_->renderJoined(std::span(units.data(), joined.size()), buffers, frames);
 }
 
 } // namespace quorbel

@@ -25,11 +25,14 @@ class UnitNode final : public GraphNode {
     void takeSettings() noexcept override { unit_->takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
-    /// With other units, as `AudioUnit::renderWithFollowing`.
-    std::size_t renderWithFollowing(std::span<GraphNode *const> following, AudioBufferList &buffers,
-                                    std::uint32_t frames) noexcept override;
+    /// Other units, as the unit says.
+    [[nodiscard]] std::size_t joinable(std::span<GraphNode *const> following) const override;
+    bool renderJoined(std::span<GraphNode *const> joined, AudioBufferList &buffers,
+                      std::uint32_t frames) noexcept override;
 
   private:
+    static constexpr std::size_t mostJoined = 4;
+
     std::unique_ptr<AudioUnit> unit_;
     RenderBlock block_; // while allocated
     const PullInputBlock inputStandsReady_;

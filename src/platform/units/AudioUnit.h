@@ -116,14 +116,17 @@ class AudioUnit {
     /// and may be called once render resources are allocated.
     [[nodiscard]] virtual RenderBlock internalRenderBlock() = 0;
 
-    /// Renders this unit and the first of the units behind it, `following`, in place, if one pass
-    /// can do the work of several: as their render blocks would, one after the other. Returns how
-    /// many of `following` it has rendered; 0 means that it has done nothing. All are allocated for
-    /// the same format. [render]
-    virtual std::size_t renderWithFollowing(std::span<AudioUnit *const> /*following*/,
-                                            AudioBufferList & /*buffers*/,
-                                            std::uint32_t /*frames*/) noexcept {
+    /// Returns how many of the units behind this one, `following`, `renderJoined` takes. [main]
+    [[nodiscard]] virtual std::size_t joinable(std::span<AudioUnit *const> /*following*/) const {
         return 0;
+    }
+
+    /// Renders this unit and `joined`, the units that `joinable` has counted, in place and in one
+    /// pass, as their render blocks would one after the other; or does nothing and returns false.
+    /// All are allocated for the same format. [render]
+    virtual bool renderJoined(std::span<AudioUnit *const> /*joined*/, AudioBufferList & /*buffers*/,
+                              std::uint32_t /*frames*/) noexcept {
+        return false;
     }
 
     /// By how much the unit delays the sound, in seconds.
