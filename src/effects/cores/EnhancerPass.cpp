@@ -145,19 +145,12 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
         SideSection side(pass_);
         const std::uint32_t steps = tiles_ + endLag;
         std::uint32_t step = 0;
-        while (step < endLag)
-            doStepAtAnEnd(step++, bank, side);
-        if (step < tiles_) {
-            // Copied, so that the loop runs in registers.
-            StereoBank bankInside = bank;
-            SideSection sideInside = side;
+        while (step < steps) {
+            while (step < steps && (step < endLag || step >= tiles_))
+                doStep<false>(step++, bank, side);
             while (step < tiles_)
-                doStep<true>(step++, bankInside, sideInside);
-            bank = bankInside;
-            side = sideInside;
+                doStep<true>(step++, bank, side);
         }
-        while (step < steps)
-            doStepAtAnEnd(step++, bank, side);
         bank.save(sections);
         if constexpr (hasSide)
             side.save(*pass_.side);
@@ -168,7 +161,7 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
     static constexpr std::uint32_t shapeLag = 2;
     static constexpr std::uint32_t highPassLag = shapeLag + 1;
     static constexpr std::uint32_t bassLag = hasBass ? highPassLag + 2 : 0;
-    static constexpr std::uint32_t presenceLag = bassLag + 2;
+    static constexpr std::uint32_t presenceLag = bassLag + 1;
     static constexpr std::uint32_t sideLag = hasVoice ? presenceLag + 2 : bassLag;
     static constexpr std::uint32_t endLag = hasSide ? sideLag + 1 : sideLag;
 
@@ -187,11 +180,7 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
 
     HWY_INLINE Tile &at(std::uint32_t tile) { return ring_[tile % ringTiles]; }
 
-    /// A step at the beginning or the end, when some stages have no tile.
-    HWY_NOINLINE void doStepAtAnEnd(std::uint32_t step, StereoBank &bank, SideSection &side) {
-        doStep<false>(step, bank, side);
-    }
-
+    /// One tile of every stage; if not `whole`, of those that have one in this step.
     template <bool whole>
     HWY_INLINE void doStep(std::uint32_t step, StereoBank &bank, SideSection &side) {
         const auto hasTile = [&](std::uint32_t lag) { return whole || step - lag < tiles_; };

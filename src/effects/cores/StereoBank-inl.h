@@ -55,8 +55,11 @@ class StereoBank {
             const auto load = [&](std::size_t row) HWY_ATTR {
                 return hn::Load(Tag(), table[row] + v * vectorLanes);
             };
-            lanes_[v] = {load(0), load(1), load(2), load(3), load(4),
-                         load(5), load(6), load(7), load(8), load(9)};
+            Lanes &l = lanes_[v];
+            std::size_t row = 0;
+            for (Vector *part :
+                 {&l.b0, &l.b1, &l.b2, &l.a1, &l.a2, &l.x1, &l.x2, &l.y1, &l.y2, &l.lag})
+                *part = load(row++);
         }
     }
 
@@ -144,6 +147,7 @@ class StereoBank {
     static constexpr std::size_t vectorCount = laneCount / vectorLanes;
 
     struct Lanes {
+        HWY_INLINE Lanes() {} // the compiler's own would be made for no vector target
         Vector b0, b1, b2, a1, a2, x1, x2, y1, y2, lag;
     };
 
