@@ -123,9 +123,11 @@ class SideSection {
 /// The stages in one loop, each some tiles behind the one before it. The last stage of all is the
 /// spatializer, or the other one that there is.
 ///
-/// 1. Within a step no stage needs what another one computes in the same step.
-/// 2. The input of a step's elementwise work is older than the step before: it would otherwise wait
-///    in the scheduler for the recursions and keep the ones behind it out.
+/// 1. In a step the elementwise work comes first, then the sections' recursions; what a section
+/// puts
+///    out is used in later steps only.
+/// 2. Elementwise work before a section reads nothing from the last step: it would wait for the
+///    recursions in the scheduler and keep those of its own step out.
 template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
   public:
     /// Over `tiles` whole tiles, at least one.
@@ -134,13 +136,12 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
 
     void run() {
         StereoSection none;
-        BassSections &bass = *pass_.bassSections;
-        VoiceSections &voice = *pass_.voiceSections;
         const BankSection sections[bankSections] = {
-            {&pass_.bass.lowPass, hasBass ? &bass.lowPass : &none, 0},
-            {&pass_.bass.highPass, hasBass ? &bass.highPass : &none, highPassLag},
-            {&pass_.voice.mud, hasVoice ? &voice.mud : &none, bassLag},
-            {&pass_.voice.presence, hasVoice ? &voice.presence : &none, presenceLag}};
+            {&pass_.bass.lowPass, hasBass ? &pass_.bassSections->lowPass : &none, 0},
+            {&pass_.bass.highPass, hasBass ? &pass_.bassSections->highPass : &none, highPassLag},
+            {&pass_.voice.mud, hasVoice ? &pass_.voiceSections->mud : &none, bassLag},
+            {&pass_.voice.presence, hasVoice ? &pass_.voiceSections->presence : &none,
+             presenceLag}};
         StereoBank bank(sections);
         SideSection side(pass_);
         const std::uint32_t steps = tiles_ + endLag;
