@@ -68,12 +68,11 @@ Processor filterChain(const std::filesystem::path &folder, const std::string &de
     add(EQBand::FilterType::parametric, 1000.0F, 0.7F, settings.spatial.toneMidDB);
     add(EQBand::FilterType::highShelf, 5000.0F, 0.707F, settings.spatial.toneTrebleDB);
 
-    SteadyLevels expected = {SteadySound::levelDB, SteadySound::levelDB};
-    for (std::size_t channel = 0; channel < expected.size(); ++channel) {
-        for (const EQBand &band : bands) {
-            expected[channel] += bandResponseDB(band, SteadySound::hz[channel]);
-        }
+    std::vector<double> levels(SteadySound::hz.size(), SteadySound::levelDB);
+    for (const EQBand &band : bands) {
+        addBandResponseDB(band, {SteadySound::hz.begin(), SteadySound::hz.end()}, levels);
     }
+    const SteadyLevels expected = {levels[0], levels[1]};
     const std::string path =
         writeFile(folder / "filter-chain.conf", filterChainConfiguration(bands, device));
     return {"the filter chain", {"pipewire", "-c", path}, filterChainSink, expected};
