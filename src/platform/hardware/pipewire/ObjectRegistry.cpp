@@ -166,8 +166,8 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
         if (name == "settings") {
             bindSettings(id, version);
         } else if (name == "default") {
-            objects_.setHasMetadata(false);
-            objects_.clearMetadata();
+            if (sessionMetadata_)
+                dropMetadata();
             sessionMetadata_ =
                 std::make_unique<SessionMetadata>(connection_, registry_.get(), id, version, *this);
         }
@@ -233,11 +233,15 @@ void ObjectRegistry::globalRemoved(std::uint32_t id) {
         if (sessionMetadata_)
             sessionMetadata_->clientLeft();
     } else if (sessionMetadata_ && sessionMetadata_->id() == id) {
-        sessionMetadata_.reset();
-        objects_.setHasMetadata(false);
-        objects_.clearMetadata();
-        notify([](ServerObserver &observer) { observer.metadataGone(); });
+        dropMetadata();
     }
+}
+
+void ObjectRegistry::dropMetadata() {
+    sessionMetadata_.reset();
+    objects_.setHasMetadata(false);
+    objects_.clearMetadata();
+    notify([](ServerObserver &observer) { observer.metadataGone(); });
 }
 
 const PropertyMap *ObjectRegistry::deviceProperties(std::uint32_t deviceID) const {

@@ -9,7 +9,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -53,6 +52,7 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
                      const spa_dict *properties);
     void globalRemoved(std::uint32_t id);
     void bindSettings(std::uint32_t id, std::uint32_t version);
+    void dropMetadata();
     void metadataArrived() override;
     void metadataRead() override;
     void metadataChanged(std::uint32_t subject, const std::string &key,

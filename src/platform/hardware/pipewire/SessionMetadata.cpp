@@ -139,7 +139,7 @@ void SessionMetadata::set(std::uint32_t subject, const char *key,
 bool SessionMetadata::beginReading() {
     if (!hasArrived_)
         return false;
-    reading_.emplace().binding = bind();
+    reading_ = Reading{++lastReading_, bind(), {}};
     if (!reading_->binding)
         reading_.reset();
     return reading_.has_value();
@@ -162,9 +162,13 @@ void SessionMetadata::endReading() {
                 keys.insert(key);
     for (const Key &key : writes)
         keys.erase(key);
+    // A value that is read says nothing about hearing of changes.
+    std::erase_if(keys, [](const Key &key) { return key.second == testKey; });
     // One by one, as they would have been told: the listener may write in between.
     for (const Key &key : keys)
         changed(key, valueIn(fresh, key));
+    if (answerUntil_) // the answer may have come to the reading
+        testHearing();
     readingEnded();
 }
 
@@ -198,9 +202,9 @@ void SessionMetadata::read() {
     }
     if (!beginReading())
         return;
-    connection_.afterRoundTrip([weak = std::weak_ptr(self_), binding = reading_->binding.get()] {
+    connection_.afterRoundTrip([weak = std::weak_ptr(self_), number = reading_->number] {
         const auto self = weak.lock();
-        if (self && (*self)->reading_ && (*self)->reading_->binding.get() == binding)
+        if (self && (*self)->reading_ && (*self)->reading_->number == number)
             (*self)->endReading();
     });
 }

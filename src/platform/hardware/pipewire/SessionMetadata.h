@@ -23,9 +23,8 @@ namespace quorbel {
 /// until the session manager restarts: the table is deaf. Hence:
 ///  1. After the table has come it is read again, because then every client binds it and the
 ///     session manager sets its defaults.
-///  2. When a client has left, a value of our own is written at once. If the server does not tell
-///  us
-///     of it within a second, the table is read again, and the next value written.
+///  2. When a client has left, a value of our own is written at once. If the server does not
+///     tell of it within a second, the table is read again, and the next value written.
 ///  3. A value written for a new stream may replace one that we were not told of. `read` tells.
 ///
 /// Everything needs the loop's lock. [control], `refresh` [main]
@@ -36,7 +35,9 @@ class SessionMetadata {
     class Listener {
       public:
         virtual void metadataArrived() = 0; ///< all values have been received
-        virtual void metadataRead() = 0;    ///< begun after the last `read`, and told
+        /// A reading that began after the last `read` has ended, and its changes have been told;
+        /// after a `refresh` that failed, nothing has.
+        virtual void metadataRead() = 0;
         virtual void metadataChanged(std::uint32_t subject, const std::string &key,
                                      const std::optional<MetadataValue> &value) = 0;
 
@@ -72,6 +73,7 @@ class SessionMetadata {
     struct Binding;
     /// A second binding, whose values replace those of the first once they are all there.
     struct Reading {
+        int number = 0;
         std::unique_ptr<Binding> binding;
         std::set<Key> writes; ///< our own meanwhile, newer than what is read
     };
@@ -95,6 +97,7 @@ class SessionMetadata {
     std::map<Key, MetadataValue> values_; ///< with our own writes, told or not
     bool hasArrived_ = false;
     std::optional<Reading> reading_;
+    int lastReading_ = 0;
     bool isAnotherWanted_ = false; ///< reading, once `reading_` has ended
     spa_source *timer_ = nullptr;
 

@@ -116,7 +116,7 @@ class ServerObserver {
     /// A key of the "default" metadata changed; no value means that it was deleted.
     virtual void metadataChanged(std::uint32_t /*subject*/, std::string_view /*key*/,
                                  const std::optional<MetadataValue> & /*value*/) {}
-    virtual void metadataRead() {}    ///< a reading that was asked for has ended
+    virtual void metadataRead() {}    ///< all readings asked for have ended, if they could be made
     virtual void metadataArrived() {} ///< `hasMetadata` has become true
     virtual void metadataGone() {}    ///< the session manager has left
 };

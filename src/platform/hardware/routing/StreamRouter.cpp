@@ -27,6 +27,8 @@ constexpr double rememberSeconds = 0.1;
 /// The session manager restores the target of a new stream within this time, if the machine is not
 /// too busy. Short, because the stream is heard unprocessed until it is routed.
 constexpr double restoredSeconds = 0.05;
+/// A reading that takes longer is not waited for.
+constexpr double answerSeconds = 1.0;
 /// While the session manager moves our output, nothing seems to hear it. Echoes of what we set come
 /// back within this time too, so no stream is sent to the tap while they are under way.
 constexpr double settleSeconds = 0.25;
@@ -257,9 +259,10 @@ void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
     const double now = commands_.seconds();
     stream.wasCaptured = false;
     stream.rememberAt = never;
-    stream.isReading = false;
     stream.rememberedAt = now;
-    stream.readAt = isRestoring(node, stream) ? stream.appearedAt + settleSeconds : never;
+    const bool isToBeRead = std::exchange(stream.isReading, false) || isRestoring(node, stream) ||
+                            stream.route.remembered != memory_.of(node);
+    stream.readAt = isToBeRead ? stream.appearedAt + settleSeconds : never;
     routeTo(ends_.tapSerial, objects_, commands_, stream.route);
     if (objects_.hasPorts(node.id, false)) {
         awaitLinks(stream);
@@ -632,10 +635,13 @@ void StreamRouter::remember(Stream &stream) {
 }
 
 void StreamRouter::metadataRead() {
-    for (auto &[id, stream] : streams_)
-        if (const NodeRecord *node = objects_.node(id);
-            std::exchange(stream.isReading, false) && node != nullptr)
-            targetIsKnown(*node, stream);
+    for (auto &[id, stream] : streams_) {
+        const NodeRecord *node = objects_.node(id);
+        if (node == nullptr || !std::exchange(stream.isReading, false))
+            continue;
+        stream.readAt = never;
+        targetIsKnown(*node, stream);
+    }
 }
 
 /// The session manager has restored the stream's target, if it remembers one.
@@ -691,10 +697,14 @@ void StreamRouter::checkDeadlines() {
             continue;
         if (now >= stream.readAt) {
             stream.readAt = never;
-            if (stream.phase == Phase::unread || hearing(*node) != Hearing::good)
+            const bool isUnanswered = std::exchange(stream.isReading, false);
+            if (!isUnanswered &&
+                (stream.phase == Phase::unread || hearing(*node) != Hearing::good)) {
                 isReadingDue = stream.isReading = true;
-            else
+                stream.readAt = now + answerSeconds;
+            } else {
                 targetIsKnown(*node, stream);
+            }
         }
         if (now >= stream.handshakeEnd) {
             putBack(stream, Phase::waiting);
