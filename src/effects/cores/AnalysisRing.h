@@ -34,7 +34,7 @@ class AnalysisRing {
     }
 
     /// Copies the samples before frame `end` of all that were ever written, in the order of time;
-    /// false, and nothing copied, if they are not all there. [analysis]
+    /// false, and nothing copied, if they are not all there. [analysis, or main without a timer]
     [[nodiscard]] bool snapshot(std::uint64_t end, std::span<float> samples) const noexcept {
         const std::lock_guard lock(lock_);
         if (end > written_ || end < samples.size() || written_ - end + samples.size() > capacity)
@@ -47,7 +47,7 @@ class AnalysisRing {
         return true;
     }
 
-    /// Frames ever written. [analysis]
+    /// Frames ever written. [analysis, or main without a timer]
     [[nodiscard]] std::uint64_t written() const noexcept {
         const std::lock_guard lock(lock_);
         return written_;

@@ -9,7 +9,7 @@
 namespace quorbel {
 
 /// Finds where the bass of the music lies: the centre of the power between 30 and 200 Hz.
-/// [analysis]
+/// [analysis, or main without a timer]
 class BassTracker {
   public:
     /// Of the 4096 frames before frame `end` of the ring, in Hz, 40 to 150; nothing if they are not

@@ -71,8 +71,7 @@ void CrossfeedCore::process(float *left, float *right, std::uint32_t frames, flo
         float *const l = left + begin;
         float *const r = right + begin;
 
-        // The filters wait for their own last output most of the time; all else finds its place
-        // meanwhile, if it comes in small pieces.
+        // The filters are latency-bound; small pieces let the other work fill the gaps.
         const StereoSection none;
         StereoSection unused;
         SectionPair sections(lowPass_, crossing_, {}, none);

@@ -123,9 +123,8 @@ class SideSection {
 /// The stages in one loop, each some tiles behind the one before it. The last stage of all is the
 /// spatializer, or the other one that there is.
 ///
-/// 1. In a step the elementwise work comes first, then the sections' recursions; what a section
-/// puts
-///    out is used in later steps only.
+/// 1. In a step the elementwise work comes first, then the sections' recursions. The output of a
+///    section is used in later steps only.
 /// 2. Elementwise work before a section reads nothing from the last step: it would wait for the
 ///    recursions in the scheduler and keep those of its own step out.
 template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
@@ -158,7 +157,7 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
     }
 
   private:
-    // So many tiles a stage is behind the first one.
+    // Lag of each stage behind the first one, in tiles.
     static constexpr std::uint32_t shapeLag = 2;
     static constexpr std::uint32_t highPassLag = shapeLag + 1;
     static constexpr std::uint32_t bassLag = hasBass ? highPassLag + 2 : 0;

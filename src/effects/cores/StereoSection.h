@@ -25,20 +25,8 @@ using FourFloats [[gnu::vector_size(4 * sizeof(float))]] = float;
     std::memcpy(samples, &values, sizeof values);
 }
 
-/// One frame, left and right behind each other, as the first two lanes; the others are zero.
-[[gnu::always_inline]] inline FourFloats loadFrame(const float *samples) noexcept {
-    using TwoDoubles [[gnu::vector_size(2 * sizeof(double))]] = double;
-    double both = 0.0; // carries the bits of two floats
-    std::memcpy(&both, samples, sizeof both);
-    return reinterpret_cast<FourFloats>(TwoDoubles{both, 0.0});
-}
-
-[[gnu::always_inline]] inline void storeFrame(FourFloats values, float *samples) noexcept {
-    std::memcpy(samples, &values, 2 * sizeof(float));
-}
-
-/// Two sections side by side, for the time of one: a section waits for its own last output most of
-/// the time. The lanes are the first section's left and right and the second's left and right;
+/// Two sections side by side, for the time of one: a section is bound by the latency of its
+/// recursion. The lanes are the first section's left and right and the second's left and right;
 /// their sums are those of BiquadState::process, in its order. Made for a block; its memory goes
 /// back with `save`. [render]
 class SectionPair {

@@ -8,7 +8,8 @@
 
 namespace quorbel {
 
-/// Judges how much of the sound lies where voices lie. [analysis]
+/// Judges how much of the sound lies where voices lie. [analysis, or main
+/// without a timer]
 class VoiceDetector {
   public:
     /// The power between 300 and 4000 Hz by that between 60 and 10 000 Hz, of the 4096 frames

@@ -6,7 +6,8 @@ namespace quorbel {
 
 namespace {
 
-/// So long at 48 kHz, the ring holds what the estimates need, and a delay of 97 ms more.
+/// Interval of the batches. At 48 kHz the ring holds it, the input of one estimate, and 97 ms of
+/// delay.
 constexpr double batchSeconds = 0.5;
 
 } // namespace
