@@ -27,6 +27,9 @@ class ThreadedSerialQueue final : public SerialQueue {
     /// The same, on multiples of `seconds` since the thread's start; the first is rounded up.
     TimerID repeatingAligned(double firstSeconds, double seconds, Task task);
     void cancel(TimerID timer) override;
+    [[nodiscard]] bool isOwnThread() const {
+        return std::this_thread::get_id() == thread_.get_id();
+    }
 
   private:
     using SteadyClock = std::chrono::steady_clock;
@@ -86,7 +89,7 @@ SerialQueue::TimerID ThreadedSerialQueue::add(ClockTicks firstDue, ClockTicks in
 void ThreadedSerialQueue::cancel(TimerID timer) {
     std::unique_lock lock(mutex_);
     timers_.cancel(timer);
-    if (timer != 0 && std::this_thread::get_id() != thread_.get_id())
+    if (timer != 0 && !isOwnThread())
         finished_.wait(lock, [&] { return running_ != timer; });
 }
 
@@ -148,6 +151,7 @@ class QueueOnSharedThread final : public SerialQueue {
         {
             const std::lock_guard lock(timersMutex_);
             timers.swap(timers_);
+            timers.insert(cancelledInside_);
         }
         for (const TimerID timer : timers)
             worker_->cancel(timer);
@@ -163,13 +167,15 @@ class QueueOnSharedThread final : public SerialQueue {
     void cancel(TimerID timer) override {
         worker_->cancel(timer);
         const std::lock_guard lock(timersMutex_);
-        timers_.erase(timer);
+        if (timers_.erase(timer) > 0 && worker_->isOwnThread())
+            cancelledInside_ = timer;
     }
 
   private:
     std::shared_ptr<ThreadedSerialQueue> worker_;
     std::mutex timersMutex_;
     std::set<TimerID> timers_;
+    TimerID cancelledInside_ = 0; ///< by a task, perhaps its own timer: the task may still run
 };
 
 } // namespace
