@@ -177,10 +177,10 @@ void RenderCommand::run() const {
             }
         }
         endIfInterrupted();
-        output.finish();
         for (auto *table : {&meters, &spectrum})
             if (*table)
                 (*table)->finish();
+        output.finish(); // last: a table that fails leaves the sound file as it was
     }
     if (const auto replaced = replacedFrames(); replaced > 0)
         fmt::print(

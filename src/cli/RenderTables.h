@@ -31,12 +31,13 @@ class TableFile {
     std::string pending_;
 };
 
-std::string meterNames();
+[[nodiscard]] std::string meterNames();
 /// `replacedFrames`: all so far.
-std::string meterRow(double seconds, const MeterReadings &readings, std::uint64_t replacedFrames);
+[[nodiscard]] std::string meterRow(double seconds, const MeterReadings &readings,
+                                   std::uint64_t replacedFrames);
 
 /// Each band is named by its centre in whole Hz.
-std::string spectrumNames();
-std::string spectrumRow(double seconds, const SpectrumAnalyzer::Levels &levels);
+[[nodiscard]] std::string spectrumNames();
+[[nodiscard]] std::string spectrumRow(double seconds, const SpectrumAnalyzer::Levels &levels);
 
 } // namespace quorbel

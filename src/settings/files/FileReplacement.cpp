@@ -91,9 +91,13 @@ FileReplacement::FileReplacement(const std::string &path) : target_(fileBehindLi
     if (exists ? ::access(target_.c_str(), W_OK) != 0 : errno != ENOENT)
         fail(errno);
     const fs::path folder = fs::path(target_).parent_path();
-    descriptor_ =
-        ::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
-    if (descriptor_ < 0 && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
+    // Without /proc a nameless file could not be given a name.
+    const bool canBeNameless = ::access("/proc/self/fd", X_OK) == 0;
+    if (canBeNameless)
+        descriptor_ =
+            ::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666);
+    if (descriptor_ < 0 &&
+        (!canBeNameless || errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
         std::string name = freeNameBeside(target_);
         descriptor_ = ::open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
         if (descriptor_ >= 0)

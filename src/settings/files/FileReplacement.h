@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// A file that could not be replaced; the old one is still there. `what()` is the system's
-/// description of the reason.
+/// A file that could not be replaced: the old one is still there, unless only the folder could not
+/// be synced. `what()` is the system's description of the reason.
 class FileReplacementError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };

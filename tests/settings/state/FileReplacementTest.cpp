@@ -55,6 +55,15 @@ TEST_F(FileReplacement, theContentIsOnTheDiskBeforeTheNameAndTheNameOnReturn) {
     EXPECT_EQ(seen.back(), "folder with new");
 }
 
+TEST_F(FileReplacement, aFileKeepsItsPermissions) {
+    namespace fs = std::filesystem;
+    write(file, "old");
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+    replaceFile(file, "new");
+    EXPECT_EQ(contentOf(file), "new");
+    EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
 TEST_F(FileReplacement, aDiskThatCannotSyncKeepsTheOldFile) {
     write(file, "old");
     beforeSync = [](bool ofFolder) { return ofFolder ? 0 : EIO; };
