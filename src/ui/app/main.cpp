@@ -30,8 +30,7 @@ namespace quorbel {
 namespace {
 
 QString complaint(Status status) {
-    return QCoreApplication::translate("quorbel::SoundServerConnection",
-                                       "No PipeWire sound server answers (%1).")
+    return QCoreApplication::translate("ostrafine", "No PipeWire sound server answers (%1).")
         .arg(QString::fromStdString(std::generic_category().message(-status)));
 }
 
@@ -39,8 +38,7 @@ bool asksForAnotherTry(Status status) {
     QMessageBox box(QMessageBox::Warning, QStringLiteral("Ostrafine"), complaint(status),
                     QMessageBox::Retry | QMessageBox::Close);
     box.setInformativeText(QCoreApplication::translate(
-        "quorbel::SoundServerConnection",
-        "Start one with: systemctl --user start pipewire wireplumber pipewire-pulse"));
+        "ostrafine", "Start one with: systemctl --user start pipewire wireplumber pipewire-pulse"));
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     return box.exec() == QMessageBox::Retry;
 }

@@ -6,9 +6,9 @@
 namespace quorbel::symbols {
 
 /// Resource path of the symbol of this name, whether or not there is one.
-QString path(const QString &name);
+[[nodiscard]] QString path(const QString &name);
 
 /// All symbols' names, sorted.
-QStringList names();
+[[nodiscard]] QStringList names();
 
 } // namespace quorbel::symbols

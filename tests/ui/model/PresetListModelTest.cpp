@@ -49,6 +49,10 @@ TEST_F(PresetListModelTest, TheNameShownFollowsBandsAndSpatialSettings) {
     EXPECT_EQ(names.take(), 1);
     EXPECT_EQ(app->engine()->subtitle(), "48 kHz · 32 ms · Custom");
     EXPECT_EQ(playing(), 9) << "still the one that was applied";
+    app->equalizer()->bands()->setGain(0, 5);
+    EXPECT_EQ(presets().activeName(), "Bass Heavy");
+    app->setting("bassDrive")->setValue(1);
+    EXPECT_EQ(presets().activeName(), "Custom");
 }
 
 TEST_F(PresetListModelTest, SavesUnderTrimmedNamesAndDeletesOnlyTheUsersOwn) {

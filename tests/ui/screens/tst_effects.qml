@@ -23,6 +23,9 @@ ScreenTest {
         openCards();
         compareTexts(["Mid-range content 0%", "Tracking " + App.engine.trackingText]);
         compare(Assistive.find("Reverb, Preset", "ComboBox").description, App.settings.reverbPresetTitles[0]);
+        verify(Assistive.focus("Reverb, Preset", "ComboBox"));
+        keyClick(Qt.Key_Down);
+        compare(App.setting("reverbPreset").value, 1);
         open("mixer");
         open("spatial");
         verify(!Assistive.has("All controls", "Button"));
