@@ -1,7 +1,9 @@
 #include "endtoend/LiveTest.h"
 #include "support/soundserver/HastyClient.h"
 
+#include <algorithm>
 #include <csignal>
+#include <string>
 
 namespace quorbel {
 namespace {
@@ -11,6 +13,24 @@ class SavedPin : public LiveTest {
   protected:
     Recorder &speakers = record("speakers");
     Recorder &hdmi = record("hdmi");
+
+    /// The program writes its next test value when nobody has told it of the one before.
+    void waitUntilItKnowsThatItIsToldNothing() {
+        std::string first;
+        waitFor("another test value", 5.0, [&] {
+            const auto metadata = server.state().metadata;
+            const auto test = std::ranges::find_if(metadata, [](const auto &entry) {
+                return entry.first.second == "quorbel.hearing";
+            });
+            if (test == metadata.end()) {
+                return false;
+            }
+            if (first.empty()) {
+                first = test->second;
+            }
+            return test->second != first;
+        });
+    }
 };
 
 TEST_F(SavedPin, OfAProgramThatStartsMeanwhileIsKept) {
@@ -39,8 +59,9 @@ TEST_F(SavedPin, OfAProgramThatStartsMeanwhileIsKept) {
             }
             auto live = startLive(twelveDBLower());
             if (ending == SIGINT) {
-                bindMetadataAndLeave(server); // nobody is told what the program is given
+                bindMetadataAndLeave(server); // nobody is told what an application is given
             }
+            waitUntilItKnowsThatItIsToldNothing();
             auto application = play(program);
             EXPECT_TRUE(soonHears(speakers, Heard::processed));
             EXPECT_TRUE(soonPlaysInto(program.name, {tapName(*live)}));

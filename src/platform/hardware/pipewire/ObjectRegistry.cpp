@@ -10,9 +10,6 @@
 namespace quorbel {
 namespace {
 
-/// A client binds the session manager's metadata within this time, if at all.
-constexpr double bindSeconds = 1.0;
-
 void merge(PropertyMap &into, const spa_dict *from) {
     if (from == nullptr)
         return;
@@ -172,7 +169,7 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
                 std::make_unique<SessionMetadata>(connection_, registry_.get(), id, version, *this);
         }
     } else if (std::strcmp(type, PW_TYPE_INTERFACE_Client) == 0) {
-        clients_[id] = seconds();
+        clients_.insert(id);
     }
 }
 
@@ -276,14 +273,7 @@ void ObjectRegistry::readMetadata() {
         sessionMetadata_->read();
 }
 
-Hearing ObjectRegistry::hearing(std::uint32_t streamClient) const {
-    if (sessionMetadata_ && sessionMetadata_->isHearingTested())
-        return Hearing::bad;
-    const bool mayBind = std::any_of(clients_.begin(), clients_.end(), [&](const auto &client) {
-        return client.first != streamClient && seconds() - client.second < bindSeconds;
-    });
-    return mayBind ? Hearing::doubtful : Hearing::good;
-}
+bool ObjectRegistry::isDeaf() const { return sessionMetadata_ && sessionMetadata_->isDeaf(); }
 
 OwnLink ObjectRegistry::createLink(const LinkRequest &request) {
     pw_properties *properties = pw_properties_new(PW_KEY_OBJECT_LINGER, "false", nullptr);

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,7 +38,7 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
     void deleteMetadata(std::uint32_t subject, const char *key) override;
     void readMetadata() override;
-    [[nodiscard]] Hearing hearing(std::uint32_t streamClient) const override;
+    [[nodiscard]] bool isDeaf() const override;
     OwnLink createLink(const LinkRequest &request) override;
     void destroyLink(OwnLink link) override;
     void removeLink(std::uint32_t linkID) override;
@@ -66,7 +67,7 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     Hook registryHook_;
     std::map<std::uint32_t, std::unique_ptr<BoundNode>> nodes_;
     std::map<std::uint32_t, std::unique_ptr<BoundDevice>> devices_;
-    std::map<std::uint32_t, double> clients_; ///< when they came, by id
+    std::set<std::uint32_t> clients_;
     std::unique_ptr<SessionMetadata> sessionMetadata_;
     std::unique_ptr<Settings> settings_;
     std::map<OwnLink, Proxy<pw_proxy>> ownLinks_;

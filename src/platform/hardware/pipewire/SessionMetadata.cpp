@@ -12,6 +12,8 @@ namespace {
 /// When the table is read again after it has come. A session manager that starts sets its defaults
 /// within a second, and later on a busy machine.
 constexpr double readAgainAfterSeconds[] = {0.5, 1.5, 4.0};
+/// Clients that leave together make one test.
+constexpr double testAfterSeconds = 0.3;
 constexpr double answerSeconds = 1.0;
 constexpr double shortestWaitSeconds = 0.001; ///< 0 would disarm the timer
 
@@ -108,9 +110,8 @@ void SessionMetadata::changed(const Key &key, const std::optional<MetadataValue>
     if (key.second == testKey) {
         if (value && value->value == std::to_string(lastTest_) && answerUntil_) {
             answerUntil_.reset();
+            isDeaf_ = false;
             pw_metadata_set_property(binding_->proxy.get(), key.first, testKey, nullptr, nullptr);
-            if (std::exchange(isTestWanted_, false))
-                testHearing();
         }
         return;
     }
@@ -162,13 +163,12 @@ void SessionMetadata::endReading() {
                 keys.insert(key);
     for (const Key &key : writes)
         keys.erase(key);
-    // A value that is read says nothing about hearing of changes.
+    // A value that is read says nothing about hearing of changes. If it was the answer, the next
+    // test has one.
     std::erase_if(keys, [](const Key &key) { return key.second == testKey; });
     // One by one, as they would have been told: the listener may write in between.
     for (const Key &key : keys)
         changed(key, valueIn(fresh, key));
-    if (answerUntil_) // the answer may have come to the reading
-        testHearing();
     readingEnded();
 }
 
@@ -210,15 +210,16 @@ void SessionMetadata::read() {
 }
 
 void SessionMetadata::clientLeft() {
-    if (answerUntil_)
-        isTestWanted_ = true;
-    else if (hasArrived_)
-        testHearing();
+    if (!hasArrived_ || testAt_ || answerUntil_)
+        return;
+    testAt_ = monotonicSeconds() + testAfterSeconds;
+    armTimer();
 }
 
 void SessionMetadata::testHearing() {
     const std::uint32_t client =
         pw_proxy_get_bound_id(reinterpret_cast<pw_proxy *>(pw_core_get_client(connection_.core())));
+    testAt_.reset();
     if (client != SPA_ID_INVALID) {
         pw_metadata_set_property(binding_->proxy.get(), client, testKey, "",
                                  std::to_string(++lastTest_).c_str());
@@ -231,16 +232,19 @@ void SessionMetadata::timerExpired() {
     const double now = monotonicSeconds();
     if (answerUntil_ && now >= *answerUntil_) {
         answerUntil_.reset();
+        isDeaf_ = true;
         read();
         testHearing();
     }
+    if (testAt_ && now >= *testAt_)
+        testHearing();
     if (std::erase_if(readAt_, [now](double time) { return time <= now; }) > 0)
         read();
     armTimer();
 }
 
 void SessionMetadata::armTimer() {
-    std::optional<double> next = answerUntil_;
+    std::optional<double> next = answerUntil_ ? answerUntil_ : testAt_;
     for (const double time : readAt_)
         next = std::min(time, next.value_or(time));
     timespec wait{};

@@ -23,8 +23,8 @@ namespace quorbel {
 /// until the session manager restarts: the table is deaf. Hence:
 ///  1. After the table has come it is read again, because then every client binds it and the
 ///     session manager sets its defaults.
-///  2. When a client has left, a value of our own is written at once. If the server does not
-///     tell of it within a second, the table is read again, and the next value written.
+///  2. When a client has left, a value of our own is written. If the server does not tell
+///     of it within a second, the table is read again, and the next value written.
 ///  3. A value written for a new stream may replace one that we were not told of. `read` tells.
 ///
 /// Everything needs the loop's lock. [control], `refresh` [main]
@@ -66,8 +66,8 @@ class SessionMetadata {
     void read();
 
     void clientLeft();
-    /// True until it is known that the server still tells of changes.
-    [[nodiscard]] bool isHearingTested() const { return answerUntil_.has_value(); }
+    /// True while the server is known not to tell of changes.
+    [[nodiscard]] bool isDeaf() const { return isDeaf_; }
 
   private:
     struct Binding;
@@ -102,8 +102,9 @@ class SessionMetadata {
     spa_source *timer_ = nullptr;
 
     std::vector<double> readAt_;        ///< times on the monotonic clock
-    std::optional<double> answerUntil_; ///< of the test of hearing under way
-    bool isTestWanted_ = false;         ///< once that is answered
+    std::optional<double> testAt_;      ///< of the next test of hearing
+    std::optional<double> answerUntil_; ///< of the test under way
+    bool isDeaf_ = false;               ///< the last test had no answer
     int lastTest_ = 0;
 
     /// Ends with the object: round trips outlive it.

@@ -20,9 +20,7 @@ class OwnWrites final : public ServerCommands {
     void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
     void deleteMetadata(std::uint32_t subject, const char *key) override;
     void readMetadata() override { commands_.readMetadata(); }
-    [[nodiscard]] Hearing hearing(std::uint32_t streamClient) const override {
-        return commands_.hearing(streamClient);
-    }
+    [[nodiscard]] bool isDeaf() const override { return commands_.isDeaf(); }
     OwnLink createLink(const LinkRequest &request) override {
         return commands_.createLink(request);
     }

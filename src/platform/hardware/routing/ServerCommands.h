@@ -17,12 +17,6 @@ struct LinkRequest {
     bool isPassive = false; ///< does not keep a device running by itself
 };
 
-enum class Hearing {
-    good,
-    doubtful, ///< another client than the stream's may be binding the table
-    bad,      ///< the server has not answered a test of it, or not yet
-};
-
 /// What routing asks of the sound server. Commands are sent, not awaited; their effects come back
 /// as changes of the objects. Only metadata holds in the objects at once, because a server of
 /// 0.3.65 sends no more of its changes for good once a client has left in the middle of binding the
@@ -37,9 +31,8 @@ class ServerCommands {
     /// Tells the changes of the table that the server has not told, and then
     /// `ServerObserver::metadataRead`. Requests may be answered together.
     virtual void readMetadata() = 0;
-    /// Whether the server tells of changes of the table; `streamClient` owns the stream in
-    /// question.
-    [[nodiscard]] virtual Hearing hearing(std::uint32_t streamClient) const = 0;
+    /// True while the server is known not to tell of changes of the table.
+    [[nodiscard]] virtual bool isDeaf() const = 0;
 
     /// A link that lives until `destroyLink` or until its owner's connection ends, whichever is
     /// first. The server refuses a second link between the same two ports.

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -186,12 +185,11 @@ void StreamRouter::consider(const NodeRecord &node, double appearedAt) {
     }
     Stream &stream = streams_[node.id];
     stream.appearedAt = appearedAt;
-    const Hearing now = hearing(node);
-    if (now == Hearing::good || hasOwnTarget(node.id) || !isRestoring(node, stream)) {
+    if (!commands_.isDeaf() || hasOwnTarget(node.id) || !isRestoring(node, stream)) {
         route(node, stream);
     } else {
         stream.phase = Phase::unread;
-        stream.readAt = now == Hearing::bad ? appearedAt + restoredSeconds : commands_.seconds();
+        stream.readAt = appearedAt + restoredSeconds;
     }
 }
 
@@ -656,11 +654,6 @@ void StreamRouter::targetIsKnown(const NodeRecord &node, Stream &stream) {
     }
 }
 
-Hearing StreamRouter::hearing(const NodeRecord &stream) const {
-    const std::string &client = stream.property("client.id");
-    return commands_.hearing(static_cast<std::uint32_t>(std::strtoul(client.c_str(), nullptr, 10)));
-}
-
 void StreamRouter::metadataArrived() {
     metadataAt_ = commands_.seconds();
     routeAll();
@@ -698,8 +691,7 @@ void StreamRouter::checkDeadlines() {
         if (now >= stream.readAt) {
             stream.readAt = never;
             const bool isUnanswered = std::exchange(stream.isReading, false);
-            if (!isUnanswered &&
-                (stream.phase == Phase::unread || hearing(*node) != Hearing::good)) {
+            if (!isUnanswered && (stream.phase == Phase::unread || commands_.isDeaf())) {
                 isReadingDue = stream.isReading = true;
                 stream.readAt = now + answerSeconds;
             } else {

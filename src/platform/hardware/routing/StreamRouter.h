@@ -130,7 +130,6 @@ class StreamRouter final : public ServerObserver {
     [[nodiscard]] bool isRestoring(const NodeRecord &node, const Stream &stream) const;
     void sendToTap(const NodeRecord &node, Stream &stream);
     void targetIsKnown(const NodeRecord &node, Stream &stream);
-    [[nodiscard]] Hearing hearing(const NodeRecord &stream) const;
     void awaitLinks(Stream &stream);
     void letGo(Stream &stream, Phase phase);
     void putBack(Stream &stream, Phase phase);

@@ -38,7 +38,7 @@ class Watchdog final : public ServerCommands {
             server_.random);
     }
     void readMetadata() override {}
-    [[nodiscard]] Hearing hearing(std::uint32_t) const override { return Hearing::good; }
+    [[nodiscard]] bool isDeaf() const override { return false; }
     OwnLink createLink(const LinkRequest &) override { return 0; }
     void destroyLink(OwnLink) override {}
     void removeLink(std::uint32_t) override {}

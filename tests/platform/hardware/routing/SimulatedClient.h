@@ -74,9 +74,7 @@ class SimulatedClient final : public ServerCommands {
     void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
     void deleteMetadata(std::uint32_t subject, const char *key) override;
     void readMetadata() override;
-    [[nodiscard]] Hearing hearing(std::uint32_t) const override {
-        return server_.isDeaf ? Hearing::bad : Hearing::good;
-    }
+    [[nodiscard]] bool isDeaf() const override { return server_.isDeaf; }
     OwnLink createLink(const LinkRequest &request) override;
     void destroyLink(OwnLink link) override;
     void removeLink(std::uint32_t linkID) override;
