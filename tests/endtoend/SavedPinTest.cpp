@@ -14,7 +14,7 @@ class SavedPin : public LiveTest {
     Recorder &speakers = record("speakers");
     Recorder &hdmi = record("hdmi");
 
-    /// The program writes its next test value when nobody has told it of the one before.
+    /// The program writes its next test value when the one before was not answered.
     void waitUntilItKnowsThatItIsToldNothing() {
         std::string first;
         waitFor("another test value", 5.0, [&] {
@@ -59,7 +59,7 @@ TEST_F(SavedPin, OfAProgramThatStartsMeanwhileIsKept) {
             }
             auto live = startLive(twelveDBLower());
             if (ending == SIGINT) {
-                bindMetadataAndLeave(server); // nobody is told what an application is given
+                bindMetadataAndLeave(server); // the server tells of no changes from now on
             }
             waitUntilItKnowsThatItIsToldNothing();
             auto application = play(program);

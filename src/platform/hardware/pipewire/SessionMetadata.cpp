@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <set>
 
 namespace quorbel {
 namespace {

@@ -166,9 +166,8 @@ void StreamRouter::shareTarget(const NodeRecord &of) {
         if (node == nullptr || stream.route.remembered == target ||
             programOf(*node) != programOf(of))
             continue;
-        if (isRestoring(*node, stream)) {
-            continue; // its readings come first
-        }
+        if (isRestoring(*node, stream))
+            continue; // its target is read first
         stream.route.remembered = target;
         if (isHeld(stream))
             log_.routed(stream.route);
