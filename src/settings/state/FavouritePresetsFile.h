@@ -1,10 +1,8 @@
 #pragma once
 
 #include "settings/records/Uuid.h"
+#include "settings/state/SideFile.h"
 
-#include <nlohmann/json_fwd.hpp>
-
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,13 +14,12 @@ namespace quorbel {
 ///
 ///     {"favourites":["0AF4AEBF-A952-50FE-B0E2-06CC11DE9AA4"],"version":1}
 ///
-/// Unknown keys are kept. Ids of missing presets are kept too: their preset may return by undo or
-/// with another machine's settings.
+/// Ids of missing presets are kept: their preset may return by undo or with another machine's
+/// settings.
 class FavouritePresetsFile {
   public:
     /// Without favourites until `read`.
     explicit FavouritePresetsFile(const std::string &settingsPath);
-    ~FavouritePresetsFile();
 
     [[nodiscard]] const std::vector<Uuid> &ids() const { return ids_; }
 
@@ -37,11 +34,8 @@ class FavouritePresetsFile {
     std::optional<std::string> write(const std::vector<Uuid> &next);
 
   private:
-    void take(const std::string &text);
-
-    std::string path_;
+    SideFile file_;
     std::vector<Uuid> ids_;
-    std::unique_ptr<nlohmann::json> document_; ///< with the keys that this version does not know
 };
 
 } // namespace quorbel
