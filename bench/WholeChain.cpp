@@ -21,7 +21,7 @@ WholeChain::WholeChain(bool isComparable)
     registerEffectUnits(registry_, queues_);
     chain_.applySpatial(settings.spatial);
     chain_.applyMixer(settings.mixer);
-    chain_.setMeasuresLoudness(isComparable);
+    chain_.setMeasures(isComparable);
     chain_.instantiateCustomUnits([] {});
     clock_.runPending();
     graph_.attach(source_);

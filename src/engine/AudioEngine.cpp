@@ -272,6 +272,18 @@ void AudioEngine::updateReadouts() {
         Q_EMIT bassTrackedFrequencyChanged();
     if (published_.updateVoiceConfidence(now.voiceConfidence))
         Q_EMIT voiceConfidenceChanged();
+    updateHeldLevels();
+}
+
+void AudioEngine::updateHeldLevels() {
+    const HeldLevels now = chain_.heldLevels();
+    if (std::exchange(heldLevels_, now) != now)
+        Q_EMIT heldLevelsChanged();
+}
+
+void AudioEngine::clearHeldLevels() {
+    chain_.clearHeldLevels();
+    updateHeldLevels();
 }
 
 void AudioEngine::updateMeters(float limiterReduction, float autoGain) {

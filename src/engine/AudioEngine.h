@@ -88,8 +88,8 @@ class AudioEngine final : public QObject {
     }
 
     /// Whether playback can be compared with the unprocessed sound; measuring the loudness for that
-    /// costs a little. From the next start on.
-    void setComparable(bool comparable) { chain_.setMeasuresLoudness(comparable); }
+    /// costs a little. The highest levels are held only then. From the next start on.
+    void setComparable(bool comparable) { chain_.setMeasures(comparable); }
     /// While comparing, the unprocessed sound is heard, as loud as the processed one was; only the
     /// limiter stays. Settings may change meanwhile. A start ends it.
     void setComparing(bool comparing);
@@ -124,6 +124,10 @@ class AudioEngine final : public QObject {
     }
     [[nodiscard]] float voiceConfidence() const { return published_.values().voiceConfidence; }
 
+    /// The highest levels since `clearHeldLevels`, refreshed like the read-outs.
+    [[nodiscard]] const HeldLevels &heldLevels() const { return heldLevels_; }
+    void clearHeldLevels();
+
     /// What is heard, for the display; runs while the setting `spectrumEnabled` is on.
     [[nodiscard]] SpectrumAnalyzer &spectrumAnalyzer() { return spectrumAnalyzer_; }
 
@@ -143,6 +147,7 @@ class AudioEngine final : public QObject {
     void autoGainDBChanged();
     void bassTrackedFrequencyChanged();
     void voiceConfidenceChanged();
+    void heldLevelsChanged();
     void lossesChanged(); ///< or the upheavals
 
   private:
@@ -162,6 +167,7 @@ class AudioEngine final : public QObject {
     void teardown();
     void publishState();
     void updateReadouts();
+    void updateHeldLevels();
 
     // AudioEngineRestart.cpp
     void moveOutput(std::optional<AudioDevice> device);
@@ -192,6 +198,7 @@ class AudioEngine final : public QObject {
     EngineLifecycle::State state_; ///< the lifecycle's, as last published
     PublishedReadings published_;
     MeterReadings lastReadings_;
+    HeldLevels heldLevels_;
     int standingReadouts_ = 0; ///< in a row, in which nothing has moved
     bool isDisplayed_ = true;
     bool doCyclesCome_ = false; ///< of the running playback

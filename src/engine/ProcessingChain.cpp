@@ -1,10 +1,12 @@
 #include "engine/ProcessingChain.h"
 
+#include "effects/units/LimiterUnit.h"
 #include "engine/ChainFormat.h"
 #include "engine/UnitSettings.h"
 #include "platform/graph/MixerNode.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace quorbel {
@@ -67,7 +69,7 @@ const AudioUnit *ProcessingChain::unit(ChainUnit which) const {
 
 std::vector<GraphNode *> ProcessingChain::stages() {
     std::vector<GraphNode *> result{&eq_.eq(), &toneEQ_.node()};
-    if (measuresLoudness_)
+    if (measures_)
         result.insert(result.begin(), &loudness_.before());
     for (std::size_t index = 0; index < chainUnitCount; ++index) {
         if (units_[index] != nullptr)
@@ -75,8 +77,8 @@ std::vector<GraphNode *> ProcessingChain::stages() {
         if (static_cast<ChainUnit>(index) == ChainUnit::spatializer)
             result.push_back(&reverb_.reverb());
     }
-    if (measuresLoudness_)
-        result.push_back(&loudness_.after());
+    if (measures_)
+        result.insert(result.end(), {&loudness_.after(), &outputPeak_});
     return result;
 }
 
@@ -114,7 +116,7 @@ void ProcessingChain::setBypassed(bool bypassed) {
 
 float ProcessingChain::bypassGainDB() const {
     // In silence nobody knows what comes next: no louder than the settings would have it.
-    const float gain = loudness_.matchingGainDB().value_or(std::min(0.0F, eq_.globalGainDB()));
+    const float gain = loudness_.matchingGainDB().value_or(std::min(0.0F, eq_.totalGainDB()));
     return mixer_.limiterEnabled ? gain : std::min(0.0F, gain);
 }
 
@@ -193,6 +195,27 @@ MeterReadings ProcessingChain::readings() const {
     read(ChainUnit::bassEnhancer, readings.bassTrackedFrequency);
     read(ChainUnit::voiceEnhancer, readings.voiceConfidence);
     return readings;
+}
+
+HeldLevels ProcessingChain::heldLevels() const {
+    const auto tenths = [](float dB) { return std::round(dB * 10.0F) / 10.0F + 0.0F; };
+    const auto peakDB = [&](float peak) {
+        return tenths(std::max(HeldLevels::silenceDB, 20.0F * std::log10(peak)));
+    };
+    HeldLevels levels{.samplePeakDB = peakDB(outputPeak_.sample()),
+                      .truePeakDB = peakDB(outputPeak_.between())};
+    if (const auto *limiter = dynamic_cast<const LimiterUnit *>(unit(ChainUnit::limiter))) {
+        levels.largestReductionDB = tenths(limiter->activity().largestDB());
+        levels.limiterSeconds = std::round(limiter->activity().secondsInLastMinute());
+    }
+    return levels;
+}
+
+void ProcessingChain::clearHeldLevels() {
+    outputPeak_.clear();
+    if (const auto &found = node(ChainUnit::limiter); found != nullptr)
+        if (auto *limiter = dynamic_cast<LimiterUnit *>(&found->unit()))
+            limiter->clearLargestReduction();
 }
 
 } // namespace quorbel

@@ -6,7 +6,9 @@
 #include "effects/ToneEqualizer.h"
 #include "engine/ChainLoudness.h"
 #include "engine/ChainUnits.h"
+#include "engine/HeldLevels.h"
 #include "engine/MeterReadings.h"
+#include "engine/OutputPeak.h"
 #include "platform/graph/AudioGraph.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/graph/UnitNode.h"
@@ -71,8 +73,9 @@ class ProcessingChain {
     /// what a run before left connected is undone first.
     void connect(AudioGraph &graph, SourceNode &source);
 
-    /// Whether the loudness before and after the chain is measured, from the next `connect` on.
-    void setMeasuresLoudness(bool measures) { measuresLoudness_ = measures; }
+    /// Whether the loudness before and after the chain and the peaks behind it are measured, from
+    /// the next `connect` on.
+    void setMeasures(bool measures) { measures_ = measures; }
 
     /// While bypassed, every effect but the limiter is neutral and the sound has the loudness that
     /// it had processed. The settings are kept and followed, and come back with `false`. Glides.
@@ -88,6 +91,10 @@ class ProcessingChain {
     [[nodiscard]] double delaySeconds() const;
 
     [[nodiscard]] MeterReadings readings() const;
+
+    /// The highest levels since `clearHeldLevels`.
+    [[nodiscard]] HeldLevels heldLevels() const;
+    void clearHeldLevels();
 
     /// Whether no blocks come until further notice: what the units do beside them may rest.
     void setIdle(bool isIdle);
@@ -119,7 +126,8 @@ class ProcessingChain {
     ReverbProcessor reverb_;
     std::array<std::unique_ptr<UnitNode>, chainUnitCount> units_;
     ChainLoudness loudness_;
-    bool measuresLoudness_ = false;
+    OutputPeak outputPeak_;
+    bool measures_ = false;
     bool isBypassed_ = false;
     EffectDemand demand_;
     ShortLock settingsLock_; ///< of the graph that renders the chain

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "effects/EffectUnit.h"
+#include "effects/units/LimiterActivity.h"
 
 namespace quorbel {
 
@@ -18,6 +19,10 @@ class LimiterUnit final : public EffectUnit {
 
     /// Gain reduction of the last block, dB, never negative.
     [[nodiscard]] float readout() const noexcept override;
+
+    /// Time and size of the reduction; while switched off there is none.
+    [[nodiscard]] const LimiterActivity &activity() const noexcept;
+    void clearLargestReduction() noexcept;
 
   protected:
     Status prepare(float sampleRate, std::string &error) override;
