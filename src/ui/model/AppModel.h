@@ -5,6 +5,7 @@
 #include "ui/model/EqualizerModel.h"
 #include "ui/model/FavouritePresets.h"
 #include "ui/model/HistoryModel.h"
+#include "ui/model/LevelModel.h"
 #include "ui/model/NavigationModel.h"
 #include "ui/model/PresetListModel.h"
 #include "ui/model/SettingsModel.h"
@@ -53,6 +54,7 @@ class AppModel final : public QObject {
     Q_PROPERTY(quorbel::EngineModel *engine READ engine CONSTANT)
     Q_PROPERTY(quorbel::SettingsModel *settings READ settings CONSTANT)
     Q_PROPERTY(quorbel::EqualizerModel *equalizer READ equalizer CONSTANT)
+    Q_PROPERTY(quorbel::LevelModel *level READ level CONSTANT)
     Q_PROPERTY(quorbel::PresetListModel *presets READ presets CONSTANT)
     Q_PROPERTY(quorbel::DeviceListModel *devices READ devices CONSTANT)
     Q_PROPERTY(quorbel::SpectrumModel *spectrum READ spectrum CONSTANT)
@@ -78,6 +80,7 @@ class AppModel final : public QObject {
         return settings_.setting(key.toStdString());
     }
     [[nodiscard]] EqualizerModel *equalizer() { return &equalizer_; }
+    [[nodiscard]] LevelModel *level() { return &level_; }
     [[nodiscard]] PresetListModel *presets() { return &presets_; }
     [[nodiscard]] DeviceListModel *devices() { return &devices_; }
     [[nodiscard]] SpectrumModel *spectrum() { return &spectrum_; }
@@ -102,6 +105,7 @@ class AppModel final : public QObject {
     EngineModel engine_;
     SettingsModel settings_;
     EqualizerModel equalizer_;
+    LevelModel level_;
     PresetListModel presets_;
     DeviceListModel devices_;
     SpectrumModel spectrum_;
