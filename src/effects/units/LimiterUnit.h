@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// The safety stage at the end of the chain: keeps every sample within the threshold. Switched off
-/// it also takes its delay away at once; switched on again it first plays the 1.3 ms it last held.
+/// The safety stage at the end of the chain: keeps every sample within the threshold. Switching it
+/// off removes its delay at once; switching it on again first plays the 1.3 ms that it last held.
 class LimiterUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { threshold, enabled };

@@ -8,7 +8,7 @@
 namespace quorbel {
 namespace {
 
-// A third of a millisecond per step makes a glide 20 ms long; inside a step everything moves
+// A step of a third of a millisecond makes a glide 20 ms long; within a step the coefficients move
 // linearly.
 constexpr double stepsPerSecond = 2.0 * Glide<1>::averageSteps / 0.020;
 
@@ -16,7 +16,7 @@ float gainFromDB(double gainDB) noexcept {
     return gainDB == 0.0 ? 1.0F : static_cast<float>(std::pow(10.0, gainDB / 20.0));
 }
 
-/// A section on its way from one set of coefficients to another.
+/// A section whose coefficients move linearly from one set to another.
 class MovingSection {
   public:
     MovingSection(const SectionCoefficients &from, const SectionCoefficients &to,

@@ -5,23 +5,22 @@
 
 namespace quorbel {
 
-/// N values that follow their targets without corners: two moving averages of `averageSteps` steps
-/// in series, so a jump becomes an S over twice that many steps, and any number of jumps on the way
-/// add up to one smooth curve. (A ramp that starts anew at every jump has corners; dragged at 100
-/// Hz they are heard as a buzz.) A value never leaves the range of the targets it comes from and
-/// goes to.
+/// Smooths N values by two moving averages of `averageSteps` steps in series: a jump becomes an
+/// S-curve over twice that many steps, and jumps during it add up to one smooth curve. (A ramp
+/// restarted at every jump has corners; a control dragged at 100 Hz makes them audible as a buzz.)
+/// A value stays within the range of its targets.
 template <std::size_t N> class Glide {
   public:
     using Values = std::array<double, N>;
     static constexpr int averageSteps = 30;
 
-    /// At `values`, now.
+    /// Jumps to `values`.
     void settle(const Values &values) noexcept {
         target_ = values_ = values;
         remainingSteps_ = 0;
     }
 
-    /// On to `values`, from wherever it is.
+    /// Starts towards `values` from the current ones.
     void retarget(const Values &values) noexcept {
         if (remainingSteps_ == 0)
             fillHistory();
@@ -33,7 +32,7 @@ template <std::size_t N> class Glide {
     [[nodiscard]] const Values &target() const noexcept { return target_; }
     [[nodiscard]] const Values &values() const noexcept { return values_; }
 
-    /// One step further. The last step arrives at the target exactly.
+    /// Advances one step. The last step reaches the target exactly.
     void advance() noexcept {
         if (remainingSteps_ == 0)
             return;

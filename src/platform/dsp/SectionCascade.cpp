@@ -20,12 +20,12 @@ using Vector = hn::Vec<Tag>;
 
 constexpr Tag tag;
 
-/// A lane reads in one step what its neighbour wrote two steps ago, not one: so no step has to wait
-/// for the whole of the step before it, only for its memory.
+/// A lane reads the output that its neighbour wrote two steps ago, not one: so a step waits only
+/// for the states of the step before it, not for its output.
 constexpr std::uint32_t stepsPerLane = 2;
 
-/// Left and right as two vectors, for many sections; or, where both fit, as the halves of one.
-/// A part is a vector or half of one; the sections are in its highest lanes.
+/// Left and right in two vectors, or in the halves of one if both fit. A part is a vector or half
+/// of one; the sections occupy its highest lanes.
 enum class Channels { apart, together };
 
 template <Channels channels> std::size_t partLanes() noexcept {
@@ -50,7 +50,7 @@ HWY_INLINE float firstOfUpperHalf(Vector v) noexcept {
 #endif
 }
 
-/// Moves every lane's content up by one, that of a part's highest lane round to its lowest.
+/// Moves every lane's value up by one, and that of a part's highest lane to its lowest.
 template <Channels channels> auto upByOneLane() noexcept {
     const std::size_t lanes = partLanes<channels>();
     HWY_ALIGN std::int32_t indices[16] = {};
@@ -59,7 +59,7 @@ template <Channels channels> auto upByOneLane() noexcept {
     return hn::SetTableIndices(tag, indices);
 }
 
-/// The sections of one pass; the lanes that have none stay at zero.
+/// The sections of one pass; lanes without a section stay at zero.
 template <Channels channels> class LaneCoefficients {
   public:
     LaneCoefficients(const SectionCoefficients *sections, std::size_t count) noexcept {
@@ -91,31 +91,31 @@ template <Channels channels> class LaneCoefficients {
         rightInputLane = hn::Eq(inputs, hn::Set(tag, 2.0F));
     }
 
-    Vector firstOfDifference; // what input - second memory adds to the first
+    Vector firstOfDifference; // share of (input - second state) added to the first state
     Vector secondOfDifference;
-    Vector firstOfFirst; // what the first memory takes from itself
+    Vector firstOfFirst; // share of the first state subtracted from itself
     Vector secondOfFirst;
     Vector outputOfInput;
     Vector outputOfFirst;
     Vector outputOfSecond;
-    Vector startStep;             // when each lane's first frame arrives
+    Vector startStep;             // step of each lane's first frame
     hn::Mask<Tag> inputLane;      // which lane reads the input
     hn::Mask<Tag> rightInputLane; // of the second part
     decltype(upByOneLane<channels>()) upByOne = upByOneLane<channels>();
 };
 
-/// The sections' memories and what is on its way from lane to lane.
+/// The sections' states and the samples between lanes.
 class LaneStates {
   public:
     LaneStates(Vector first, Vector second) noexcept : first_(first), second_(second) {}
 
     [[nodiscard]] HWY_INLINE Vector first() const noexcept { return first_; }
     [[nodiscard]] HWY_INLINE Vector second() const noexcept { return second_; }
-    /// What the lanes read in the next step, but for the lanes that read the input.
+    /// Inputs of the next step, except of the lanes that read the sound.
     [[nodiscard]] HWY_INLINE Vector next() const noexcept { return next_; }
 
-    /// One step; what comes back is what the sections put out, a lane further up. Only lanes in
-    /// `active` remember anything of it.
+    /// Runs one step. Returns the sections' outputs, moved up by one lane. Only lanes in `active`
+    /// keep their new states.
     template <typename Coefficients>
     HWY_INLINE Vector step(const Coefficients &c, Vector x, hn::Mask<Tag> active) noexcept {
         const Vector first = first_;
@@ -128,8 +128,8 @@ class LaneStates {
 
     template <typename Coefficients>
     HWY_INLINE Vector step(const Coefficients &c, Vector x) noexcept {
-        // The sums of processSample, in the order that leaves the shortest way from one step's
-        // memory to the next one's. Both memories still grow by increments.
+        // The sums of processSample, in the order with the shortest dependency chain from one
+        // step's states to the next. Both states still grow by increments.
         const Vector output =
             hn::MulAdd(c.outputOfInput, x,
                        hn::MulAdd(c.outputOfFirst, first_, hn::Mul(c.outputOfSecond, second_)));
@@ -147,7 +147,7 @@ class LaneStates {
     Vector first_;
     Vector second_;
     Vector next_ = hn::Zero(tag);
-    Vector last_ = hn::Zero(tag); // what they read in the step after the next
+    Vector last_ = hn::Zero(tag); // inputs of the step after the next
 };
 
 struct Frame {
@@ -155,7 +155,7 @@ struct Frame {
     float right;
 };
 
-/// Both channels' lanes. `active...` are one mask or none, see LaneStates.
+/// Both channels' lanes. `active...` is one mask or none, see LaneStates.
 template <Channels channels> class StereoLanes;
 
 template <> class StereoLanes<Channels::apart> {
@@ -245,8 +245,8 @@ template <> class StereoLanes<Channels::together> {
     LaneStates lanes_;
 };
 
-/// A call that is no longer than the delay from input to output: the first lanes have stopped
-/// before the last ones start.
+/// Runs a call no longer than the delay from input to output: the first lanes stop before the last
+/// ones start.
 template <Channels channels>
 void runShort(const LaneCoefficients<channels> &c, StereoLanes<channels> &states, float *left,
               float *right, std::uint32_t frames, std::uint32_t delay) noexcept {
@@ -265,9 +265,9 @@ void runShort(const LaneCoefficients<channels> &c, StereoLanes<channels> &states
     states = lanes;
 }
 
-// A longer call in three parts. Everything is copied, so that the loops run in registers.
+// A longer call has three parts. Everything is copied, so that the loops run in registers.
 
-/// The first steps: one lane after the other starts, and nothing comes out yet.
+/// Runs the first steps: one lane after the other starts, without output.
 template <Channels channels>
 void runStart(LaneCoefficients<channels> c, StereoLanes<channels> &states, const float *left,
               const float *right, std::uint32_t delay) noexcept {
@@ -280,7 +280,7 @@ void runStart(LaneCoefficients<channels> c, StereoLanes<channels> &states, const
     states = lanes;
 }
 
-/// The steps in which all lanes work.
+/// Runs the steps in which all lanes work.
 template <Channels channels>
 void runMiddle(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left,
                float *right, std::size_t frames, std::size_t delay) noexcept {
@@ -293,8 +293,8 @@ void runMiddle(LaneCoefficients<channels> c, StereoLanes<channels> &states, floa
     states = lanes;
 }
 
-/// The steps behind the last input: one lane after the other stops. `left` and `right` are where
-/// the last `delay` frames go.
+/// Runs the steps after the last input: one lane after the other stops. `left` and `right` receive
+/// the last `delay` frames.
 template <Channels channels>
 void runEnd(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left, float *right,
             std::uint32_t delay) noexcept {
@@ -309,7 +309,7 @@ void runEnd(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *
     states = lanes;
 }
 
-/// As many sections as there are lanes in a part, at most.
+/// Runs at most as many sections as a part has lanes.
 template <Channels channels>
 void processLanes(const SectionCascade &cascade, float *left, float *right,
                   std::uint32_t frames) noexcept {
@@ -328,7 +328,7 @@ void processLanes(const SectionCascade &cascade, float *left, float *right,
 
 } // namespace
 
-// Without noexcept, which Highway's table of targets does not take; nothing in it throws.
+// Not noexcept, which Highway's dispatch table does not accept; nothing in it throws.
 void processCascadeInLanes(const SectionCascade &cascade, float *left, float *right,
                            std::uint32_t frames) {
     // Even passes: ten sections on eight lanes are two passes of five.
