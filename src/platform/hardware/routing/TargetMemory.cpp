@@ -7,8 +7,7 @@ namespace quorbel {
 
 void TargetMemory::learn(const NodeRecord &stream, const std::optional<MetadataValue> &object,
                          const std::optional<MetadataValue> &node) {
-    // One that seems to have been taken away is believed again: a lost choice is worse than an old
-    // one.
+    // A deleted target may be learnt again: losing a choice is worse than keeping an old one.
     if (std::string &known = targets_[programOf(stream)]; known.empty())
         known = targetName(objects_, object, node);
 }
