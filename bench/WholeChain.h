@@ -19,13 +19,13 @@ class WholeChain {
     /// std::runtime_error if the chain does not start.
     explicit WholeChain(bool isComparable = false);
 
-    /// A block in place; at most `maximumBlockFrames`.
+    /// Processes a block in place; at most `maximumBlockFrames`.
     void process(float *left, float *right, std::uint32_t frames) noexcept;
 
-    /// The equaliser glides to them.
+    /// Sets the equaliser's bands, to which it glides.
     void setBands(const std::vector<EQBand> &bands);
 
-    /// Lets the time of so many frames pass.
+    /// Advances the clock by `frames`.
     void passTime(std::uint32_t frames);
 
   private:
@@ -33,7 +33,7 @@ class WholeChain {
     SerialQueueFactory queues_ = clockedSerialQueues(clock_);
     AudioUnitRegistry registry_{clock_};
     ProcessingChain chain_;
-    AudioBufferList block_; ///< what the source plays next
+    AudioBufferList block_; ///< the source's next block
     SourceNode source_;
     AudioGraph graph_{nullptr, queues_};
 };

@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::int64_t ringBufferFrames = 48000; // one second
 
-/// An analysis moves a reading at every second of its ticks at the latest, and has several between
-/// this many read-outs.
+/// Constant read-outs after which the refreshing rests: an analysis changes a reading at least at
+/// every second of its ticks, and makes several ticks in this time.
 constexpr int restingReadouts = 5;
 
 } // namespace
@@ -51,7 +51,7 @@ AudioEngine::~AudioEngine() {
 }
 
 void AudioEngine::allEffectUnits(AudioUnitRegistry &registry) {
-    // Bass and voice are analysed at the same moments: one wake-up does for both.
+    // Bass and voice are analysed at the same times: one wake-up serves both.
     registerEffectUnits(registry, sharedThreadSerialQueues("Quorbel.Analysis"));
 }
 
@@ -123,15 +123,15 @@ void AudioEngine::beginStart() {
     const auto generation = lifecycle.beginStart();
     if (!generation)
         return;
-    deviceManager_.refreshIfChanged(); // nothing listened to the hardware while it was stopped
-    // Without a stand-in the absent choice stays, for the error to name.
+    deviceManager_.refreshIfChanged(); // a stopped engine does not listen to the hardware
+    // Without a stand-in the missing choice stays, so that the error can name it.
     if (wantedOutput())
         followWantedOutput();
     chain_.instantiateCustomUnits([this, start = *generation] { continueStart(start); });
 }
 
 void AudioEngine::continueStart(EngineLifecycle::Generation start) {
-    // A stop in the meantime has torn everything down and published its state.
+    // A stop in the meantime has already torn everything down and published its state.
     if (!lifecycle.isCurrent(start))
         return;
     try {
@@ -160,7 +160,7 @@ void AudioEngine::continueStart(EngineLifecycle::Generation start) {
     if (lifecycle.finishStart(start)) {
         startTimers();
         finishComeback();
-        // Whatever happened before anybody listened.
+        // Catches changes from before the listeners were installed.
         deviceManager_.refreshIfChanged();
         handleHardwareChange();
     }
@@ -214,10 +214,10 @@ void AudioEngine::setDisplayed(bool isDisplayed) {
     }
 }
 
-/// A report from before a restart of playback is followed by the current one.
+/// A report from before a restart of playback is followed by a current one.
 void AudioEngine::setCyclesCome(bool doCome) {
     doCyclesCome_ = doCome;
-    systemTap.logFormatChange(); // streams stop for it and start again
+    systemTap.logFormatChange(); // streams stop and start again for a new format
     chain_.setIdle(!doCome);
     diagnostics_.setIdle(!doCome);
     spectrumAnalyzer_.setIdle(!doCome);
@@ -242,7 +242,7 @@ void AudioEngine::stopTimersAndSpectrum() {
 }
 
 void AudioEngine::teardown() {
-    playback_.fadeOut(); // while there is still something to fade
+    playback_.fadeOut(); // while the graph still renders
     deviceManager_.stopObservingHardware();
     deviceManager_.onHardwareChange = nullptr;
     deviceManager_.onHardwareLost = nullptr;
@@ -252,10 +252,10 @@ void AudioEngine::teardown() {
     ringBuffer.reset();
 }
 
-// What is published
+// Published values
 
 void AudioEngine::publishState() {
-    // Also where it is the same: whoever waits for the end of a start hears of each.
+    // Also without a change: callers that wait for the end of a start rely on it.
     state_ = lifecycle.state();
     Q_EMIT stateChanged();
 }

@@ -9,7 +9,8 @@
 namespace quorbel {
 namespace {
 
-// A device that is plugged in makes several changes in a row; playback moves once, after the last.
+// Debounce: a device that is plugged in makes several changes in a row, and playback moves once,
+// after the last.
 constexpr double outputRestartDelaySeconds = 0.15;
 
 } // namespace
@@ -27,7 +28,7 @@ void AudioEngine::useDefaultOutput() {
     followDeviceList();
 }
 
-/// The chosen device, or the default in its place.
+/// Returns the chosen device, or the default as its stand-in.
 std::optional<AudioDevice> AudioEngine::wantedOutput() const {
     if (chosenUID_)
         if (auto chosen = deviceManager_.outputDevice(*chosenUID_))
@@ -37,13 +38,14 @@ std::optional<AudioDevice> AudioEngine::wantedOutput() const {
 
 void AudioEngine::followWantedOutput() {
     auto wanted = wantedOutput();
-    // Equal but for the serial, it went and came back: what plays is bound to the one before.
+    // Equal but for the serial: the device has gone and come back, and playback is bound to the old
+    // one.
     if (wanted != outputDevice_)
         moveOutput(std::move(wanted));
 }
 
-/// Nothing but what is shown depends on the device while nothing plays, so a choice that is away
-/// stays shown as such until the start.
+/// While nothing plays only the display depends on the device, so a missing choice is shown as such
+/// until the start.
 void AudioEngine::followDeviceList() {
     const bool isAtRest = !lifecycle.isStarting() && !isComingBack() &&
                           lifecycle.state() != EngineLifecycle::State::running();
@@ -53,7 +55,7 @@ void AudioEngine::followDeviceList() {
     endErrorOfNoOutput();
 }
 
-/// The error of having no device ends with its cause.
+/// Ends the error of having no device once there is one.
 void AudioEngine::endErrorOfNoOutput() {
     const auto error = EngineLifecycle::State::error(AudioEngineError::noOutputSelected().what());
     if (!outputDevice_ || isComingBack() || lifecycle.isStarting() || lifecycle.state() != error)
@@ -78,7 +80,7 @@ void AudioEngine::scheduleOutputRestart() {
 }
 
 void AudioEngine::restartProcessEngine() {
-    // Capture goes on meanwhile.
+    // Capture continues meanwhile.
     spectrumAnalyzer_.detach();
     try {
         playback_.fadeOut();
@@ -98,7 +100,8 @@ void AudioEngine::handleHardwareChange() {
     followWantedOutput();
 
     const auto defaultUID = deviceManager_.currentDefaultOutputUID();
-    // Between two defaults there is nothing to build a capture around; the next change brings one.
+    // Between two defaults there is no device to build a capture around; the next change brings
+    // one.
     if (defaultUID && systemTap.isOutdatedBy(*defaultUID))
         rebuildTap();
 }

@@ -8,8 +8,7 @@
 
 namespace quorbel {
 
-/// Everything that decides what the chain does to the sound. Made by default it leaves the sound as
-/// it is, apart from the limiter.
+/// All settings of the chain. The defaults leave the sound unchanged, apart from the limiter.
 struct ChainSettings {
     std::vector<EQBand> bands = EQBand::defaultBands();
     float eqGlobalGainDB = 0.0F;

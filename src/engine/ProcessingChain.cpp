@@ -52,7 +52,7 @@ void ProcessingChain::instantiateCustomUnits(std::function<void()> completion) {
 }
 
 void ProcessingChain::adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit) {
-    // Of two starts in a row both may have asked for it.
+    // Two starts in a row may both have requested the unit.
     if (unit == nullptr || node(which) != nullptr)
         return;
     pushSettings(spatial_, which, *unit);
@@ -115,7 +115,7 @@ void ProcessingChain::setBypassed(bool bypassed) {
 }
 
 float ProcessingChain::bypassGainDB() const {
-    // In silence nobody knows what comes next: no louder than the settings would have it.
+    // In silence the loudness of the next sound is unknown: no louder than with the settings.
     const float gain = loudness_.matchingGainDB().value_or(std::min(0.0F, eq_.totalGainDB()));
     return mixer_.limiterEnabled ? gain : std::min(0.0F, gain);
 }
@@ -137,7 +137,8 @@ void ProcessingChain::pushSpatial() {
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(spatial, static_cast<ChainUnit>(index), units_[index]->unit());
-    pushDemand(); // within the change: what shapes the sound from now on is up to date by then
+    pushDemand(); // within the change, so that an analysis that begins to shape the sound is up to
+                  // date
     reverb_.setPreset(spatial.reverbPreset);
     reverb_.setMix(spatial.reverbEnabled ? spatial.reverbMix : 0.0F);
 }
