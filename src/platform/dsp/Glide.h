@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -23,7 +24,7 @@ template <std::size_t N> class Glide {
     /// Starts towards `values` from the current ones.
     void retarget(const Values &values) noexcept {
         if (remainingSteps_ == 0)
-            fillHistory();
+            beginHistory();
         target_ = values;
         remainingSteps_ = 2 * averageSteps;
     }
@@ -36,23 +37,31 @@ template <std::size_t N> class Glide {
     void advance() noexcept {
         if (remainingSteps_ == 0)
             return;
+        const bool isFull = historySteps_ == averageSteps;
+        Values &first = firstHistory_[position_];
+        Values &second = secondHistory_[position_];
+        const Values &oldFirst = isFull ? first : start_;
+        const Values &oldSecond = isFull ? second : start_;
         for (std::size_t i = 0; i < N; ++i) {
-            firstSum_[i] += target_[i] - firstHistory_[position_][i];
-            firstHistory_[position_][i] = target_[i];
+            firstSum_[i] += target_[i] - oldFirst[i];
+            first[i] = target_[i];
             const double average = firstSum_[i] / averageSteps;
-            secondSum_[i] += average - secondHistory_[position_][i];
-            secondHistory_[position_][i] = average;
+            secondSum_[i] += average - oldSecond[i];
+            second[i] = average;
             values_[i] = secondSum_[i] / averageSteps;
         }
         position_ = (position_ + 1) % averageSteps;
+        historySteps_ = std::min(historySteps_ + 1, averageSteps);
         if (--remainingSteps_ == 0)
             values_ = target_;
     }
 
   private:
-    void fillHistory() noexcept {
-        firstHistory_.fill(values_);
-        secondHistory_.fill(values_);
+    /// As if the values had always been what they are. The histories are not filled with them: for
+    /// ten bands that begin to move at once, that would be the cost of a block.
+    void beginHistory() noexcept {
+        start_ = values_;
+        historySteps_ = 0;
         for (std::size_t i = 0; i < N; ++i)
             firstSum_[i] = secondSum_[i] = values_[i] * averageSteps;
     }
@@ -60,6 +69,8 @@ template <std::size_t N> class Glide {
     Values target_{};
     Values values_{};
     int remainingSteps_ = 0;
+    int historySteps_ = 0; // of the histories, the rest of which is `start_`
+    Values start_{};
     std::array<Values, averageSteps> firstHistory_{};
     std::array<Values, averageSteps> secondHistory_{};
     Values firstSum_{};

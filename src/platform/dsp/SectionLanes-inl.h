@@ -1,0 +1,274 @@
+// For inclusion by code that is compiled once per vector target, after Highway's own headers; hence
+// the guard that changes with the target.
+#if defined(QUORBEL_SECTION_LANES_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef QUORBEL_SECTION_LANES_INL_H
+#undef QUORBEL_SECTION_LANES_INL_H
+#else
+#define QUORBEL_SECTION_LANES_INL_H
+#endif
+
+#include "platform/dsp/StateVariableSection.h"
+
+#include <hwy/highway.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+HWY_BEFORE_NAMESPACE();
+namespace quorbel::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Sections in series, one per lane of a vector. Step n of a call takes frame n into the first
+// section's lane. Every other lane is `stepsPerLane` frames behind the lane before it. With 2, a
+// step waits for the memory that the step before it leaves, not for its output. With 1, the way
+// through the lanes is half as long, which counts for more in short calls.
+
+using Tag = hn::CappedTag<float, 16>;
+using Vector = hn::Vec<Tag>;
+
+inline constexpr Tag tag;
+
+/// Left and right as two vectors, for many sections; or, where both fit, as the halves of one.
+/// A part is a vector or half of one; the sections are in its highest lanes.
+enum class Channels { apart, together };
+
+template <Channels channels> std::size_t partLanes() noexcept {
+    return hn::Lanes(tag) / (channels == Channels::together ? 2 : 1);
+}
+
+/// Calls `place(lane, section)` for every section in every part of a vector.
+template <Channels channels, typename Place>
+HWY_INLINE void forEachLane(std::size_t count, const Place &place) noexcept {
+    const std::size_t lanes = partLanes<channels>();
+    for (std::size_t part = 0; part < hn::Lanes(tag); part += lanes)
+        for (std::size_t i = 0; i < count; ++i)
+            place(part + lanes - count + i, i);
+}
+
+HWY_INLINE float firstOfUpperHalf(Vector v) noexcept {
+#if HWY_TARGET == HWY_SCALAR // one lane, and so never two parts
+    return hn::GetLane(v);
+#else
+    const hn::Half<Tag> half;
+    return hn::GetLane(hn::UpperHalf(half, v));
+#endif
+}
+
+/// Moves every lane's content up by one, that of a part's highest lane round to its lowest.
+template <Channels channels> auto upByOneLane() noexcept {
+    const std::size_t lanes = partLanes<channels>();
+    HWY_ALIGN std::int32_t indices[16] = {};
+    for (std::size_t i = 0; i < hn::Lanes(tag); ++i)
+        indices[i] = static_cast<std::int32_t>(i - i % lanes + (i + lanes - 1) % lanes);
+    return hn::SetTableIndices(tag, indices);
+}
+
+/// The sound's way through the lanes of a pass of `count` sections.
+template <Channels channels, std::uint32_t stepsPerLane_> struct LaneRoutes {
+    static constexpr std::uint32_t stepsPerLane = stepsPerLane_;
+
+    explicit LaneRoutes(std::size_t count) noexcept {
+        HWY_ALIGN float table[2][16] = {};
+        forEachLane<channels>(count, [&](std::size_t lane, std::size_t i) {
+            table[0][lane] = static_cast<float>(i * stepsPerLane);
+            table[1][lane] = i == 0 ? (lane < partLanes<channels>() ? 1.0F : 2.0F) : 0.0F;
+        });
+        startStep = hn::Load(tag, table[0]);
+        const Vector inputs = hn::Load(tag, table[1]);
+        inputLane = hn::Eq(inputs, hn::Set(tag, 1.0F));
+        rightInputLane = hn::Eq(inputs, hn::Set(tag, 2.0F));
+    }
+
+    /// From a frame's step to that in which it leaves, in steps.
+    static std::uint32_t delayOf(std::size_t count) noexcept {
+        return static_cast<std::uint32_t>(count - 1) * stepsPerLane;
+    }
+
+    Vector startStep;             // when each lane's first frame arrives
+    hn::Mask<Tag> inputLane;      // which lane reads the input
+    hn::Mask<Tag> rightInputLane; // of the second part
+    decltype(upByOneLane<channels>()) upByOne = upByOneLane<channels>();
+};
+
+/// The sections' memories and what is on its way from lane to lane.
+class LaneStates {
+  public:
+    LaneStates(Vector first, Vector second) noexcept : first_(first), second_(second) {}
+
+    [[nodiscard]] HWY_INLINE Vector first() const noexcept { return first_; }
+    [[nodiscard]] HWY_INLINE Vector second() const noexcept { return second_; }
+    /// What the lanes read in the next step, but for the lanes that read the input.
+    [[nodiscard]] HWY_INLINE Vector next() const noexcept { return next_; }
+
+    /// One step; what comes back is what the sections put out, a lane further up. Only lanes in
+    /// `active` remember anything of it. `Coefficients` are LaneRoutes with
+    /// `Vector process(Vector input, Vector &first, Vector &second)`, one frame of every section.
+    template <typename Coefficients>
+    HWY_INLINE Vector step(const Coefficients &c, Vector x, hn::Mask<Tag> active) noexcept {
+        const Vector first = first_;
+        const Vector second = second_;
+        const Vector output = step(c, x);
+        first_ = hn::IfThenElse(active, first_, first);
+        second_ = hn::IfThenElse(active, second_, second);
+        return output;
+    }
+
+    template <typename Coefficients>
+    HWY_INLINE Vector step(const Coefficients &c, Vector x) noexcept {
+        const Vector output = c.process(x, first_, second_);
+        next_ = last_;
+        last_ = hn::TableLookupLanes(output, c.upByOne);
+        if constexpr (Coefficients::stepsPerLane == 1)
+            next_ = last_;
+        return last_;
+    }
+
+  private:
+    Vector first_;
+    Vector second_;
+    Vector next_ = hn::Zero(tag);
+    Vector last_ = hn::Zero(tag); // what they read in the step after the next
+};
+
+struct Frame {
+    float left;
+    float right;
+};
+
+/// Both channels' lanes. They are loaded from and saved to `SectionState &stateOf(isLeft,
+/// section)`. `active...` are one mask or none, see LaneStates.
+template <Channels channels> class StereoLanes;
+
+template <> class StereoLanes<Channels::apart> {
+  public:
+    template <typename StateOf>
+    StereoLanes(std::size_t count, const StateOf &stateOf) noexcept
+        : left_(load(count, stateOf, true)), right_(load(count, stateOf, false)) {}
+
+    template <typename Coefficients, typename... Active>
+    HWY_INLINE Frame step(const Coefficients &c, Frame input, Active... active) noexcept {
+        return {step(c, left_, input.left, active...), step(c, right_, input.right, active...)};
+    }
+
+    template <typename StateOf>
+    void save(std::size_t count, const StateOf &stateOf) const noexcept {
+        save(left_, count, stateOf, true);
+        save(right_, count, stateOf, false);
+    }
+
+  private:
+    template <typename Coefficients, typename... Active>
+    static HWY_INLINE float step(const Coefficients &c, LaneStates &lanes, float input,
+                                 Active... active) noexcept {
+        const Vector x = hn::IfThenElse(c.inputLane, hn::Set(tag, input), lanes.next());
+        return hn::GetLane(lanes.step(c, x, active...));
+    }
+
+    template <typename StateOf>
+    static LaneStates load(std::size_t count, const StateOf &stateOf, bool isLeft) noexcept {
+        HWY_ALIGN float table[2][16] = {};
+        forEachLane<Channels::apart>(count, [&](std::size_t lane, std::size_t i) {
+            table[0][lane] = stateOf(isLeft, i).first;
+            table[1][lane] = stateOf(isLeft, i).second;
+        });
+        return {hn::Load(tag, table[0]), hn::Load(tag, table[1])};
+    }
+
+    template <typename StateOf>
+    static void save(const LaneStates &lanes, std::size_t count, const StateOf &stateOf,
+                     bool isLeft) noexcept {
+        HWY_ALIGN float table[2][16];
+        hn::Store(lanes.first(), tag, table[0]);
+        hn::Store(lanes.second(), tag, table[1]);
+        forEachLane<Channels::apart>(count, [&](std::size_t lane, std::size_t i) {
+            stateOf(isLeft, i) = {table[0][lane], table[1][lane]};
+        });
+    }
+
+    LaneStates left_;
+    LaneStates right_;
+};
+
+template <> class StereoLanes<Channels::together> {
+  public:
+    template <typename StateOf>
+    StereoLanes(std::size_t count, const StateOf &stateOf) noexcept
+        : lanes_(load(count, stateOf)) {}
+
+    template <typename Coefficients, typename... Active>
+    HWY_INLINE Frame step(const Coefficients &c, Frame input, Active... active) noexcept {
+        const Vector left = hn::IfThenElse(c.inputLane, hn::Set(tag, input.left), lanes_.next());
+        const Vector x = hn::IfThenElse(c.rightInputLane, hn::Set(tag, input.right), left);
+        const Vector output = lanes_.step(c, x, active...);
+        return {hn::GetLane(output), firstOfUpperHalf(output)};
+    }
+
+    template <typename StateOf>
+    void save(std::size_t count, const StateOf &stateOf) const noexcept {
+        HWY_ALIGN float table[2][16];
+        hn::Store(lanes_.first(), tag, table[0]);
+        hn::Store(lanes_.second(), tag, table[1]);
+        forEachLane<Channels::together>(count, [&](std::size_t lane, std::size_t i) {
+            stateOf(isLeft(lane), i) = {table[0][lane], table[1][lane]};
+        });
+    }
+
+  private:
+    static bool isLeft(std::size_t lane) noexcept { return lane < partLanes<Channels::together>(); }
+
+    template <typename StateOf>
+    static LaneStates load(std::size_t count, const StateOf &stateOf) noexcept {
+        HWY_ALIGN float table[2][16] = {};
+        forEachLane<Channels::together>(count, [&](std::size_t lane, std::size_t i) {
+            table[0][lane] = stateOf(isLeft(lane), i).first;
+            table[1][lane] = stateOf(isLeft(lane), i).second;
+        });
+        return {hn::Load(tag, table[0]), hn::Load(tag, table[1])};
+    }
+
+    LaneStates lanes_;
+};
+
+/// Runs a call of any length. Lanes start and stop within it, each with its first and its last
+/// frame. Calls `moveTo(step)` of the coefficients before every step.
+template <Channels channels, typename Coefficients>
+HWY_INLINE void runMasked(Coefficients c, StereoLanes<channels> &states, float *left, float *right,
+                          std::uint32_t frames, std::uint32_t delay) noexcept {
+    StereoLanes<channels> lanes = states;
+    const Vector end = hn::Add(c.startStep, hn::Set(tag, static_cast<float>(frames)));
+    for (std::uint32_t step = 0; step < frames + delay; ++step) {
+        const Vector now = hn::Set(tag, static_cast<float>(step));
+        const auto active = hn::And(hn::Ge(now, c.startStep), hn::Lt(now, end));
+        const Frame input = step < frames ? Frame{left[step], right[step]} : Frame{0.0F, 0.0F};
+        c.moveTo(now);
+        const Frame output = lanes.step(c, input, active);
+        if (step >= delay) {
+            left[step - delay] = output.left;
+            right[step - delay] = output.right;
+        }
+    }
+    states = lanes;
+}
+
+/// Calls `run(first, count, channels)` for every pass that `count` sections take, the last argument
+/// being a constant.
+template <typename Run> HWY_INLINE void forEachPass(std::size_t count, const Run &run) noexcept {
+    // Even passes: ten sections on eight lanes are two passes of five.
+    const std::size_t lanes = hn::Lanes(tag);
+    const std::size_t passes = (count + lanes - 1) / lanes;
+    for (std::size_t pass = 0, done = 0; pass < passes; ++pass) {
+        const std::size_t part = (count - done + passes - pass - 1) / (passes - pass);
+        if (2 * part <= lanes)
+            run(done, part, std::integral_constant<Channels, Channels::together>());
+        else
+            run(done, part, std::integral_constant<Channels, Channels::apart>());
+        done += part;
+    }
+}
+
+} // namespace quorbel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#endif
