@@ -16,20 +16,22 @@ namespace quorbel::HWY_NAMESPACE {
 namespace {
 
 /// The sections of one pass at one frame each; the lanes that have none stay at zero.
-template <Channels channels> class MovingCoefficients : public LaneRoutes<channels, 1> {
+template <typename L> class MovingCoefficients : public LaneRoutes<L, 1> {
+    using Vector = typename L::Vector;
+
   public:
     MovingCoefficients(const MovingCascade &cascade, const MovingSection *sections,
                        std::size_t count) noexcept
-        : LaneRoutes<channels, 1>(count) {
+        : LaneRoutes<L, 1>(count) {
         constexpr float SectionCoefficients::*values[valueCount] = {
             &SectionCoefficients::cutoff, &SectionCoefficients::feedback,
             &SectionCoefficients::direct, &SectionCoefficients::first,
             &SectionCoefficients::second};
-        HWY_ALIGN float from[valueCount][16] = {};
-        HWY_ALIGN float to[valueCount][16] = {};
-        HWY_ALIGN float scales[16] = {};
-        HWY_ALIGN float moves[16] = {};
-        forEachLane<channels>(count, [&](std::size_t lane, std::size_t i) {
+        HWY_ALIGN float from[valueCount][longestVector] = {};
+        HWY_ALIGN float to[valueCount][longestVector] = {};
+        HWY_ALIGN float scales[longestVector] = {};
+        HWY_ALIGN float moves[longestVector] = {};
+        forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
             const MovingSection &section = sections[i];
             for (std::size_t value = 0; value < valueCount; ++value) {
                 from[value][lane] = section.from->*values[value];
@@ -39,16 +41,17 @@ template <Channels channels> class MovingCoefficients : public LaneRoutes<channe
             scales[lane] = section.from->scale;
             moves[lane] = section.to != nullptr ? 1.0F : 0.0F;
         });
-        const Vector perFrame = hn::Set(tag, 1.0F / static_cast<float>(cascade.stepFrames));
+        const Vector perFrame = hn::Set(L::tag, 1.0F / static_cast<float>(cascade.stepFrames));
         for (std::size_t value = 0; value < valueCount; ++value) {
-            from_[value] = hn::Load(tag, from[value]);
-            perFrame_[value] = hn::Mul(hn::Sub(hn::Load(tag, to[value]), from_[value]), perFrame);
+            from_[value] = hn::Load(L::tag, from[value]);
+            perFrame_[value] =
+                hn::Mul(hn::Sub(hn::Load(L::tag, to[value]), from_[value]), perFrame);
         }
-        restingScale_ = hn::Load(tag, scales);
-        moves_ = hn::Ne(hn::Load(tag, moves), hn::Zero(tag));
+        restingScale_ = hn::Load(L::tag, scales);
+        moves_ = hn::Ne(hn::Load(L::tag, moves), hn::Zero(L::tag));
         // Lanes that start later are that far behind.
         position_ =
-            hn::Sub(hn::Set(tag, static_cast<float>(cascade.stepPosition)), this->startStep);
+            hn::Sub(hn::Set(L::tag, static_cast<float>(cascade.stepPosition)), this->startStep);
     }
 
     HWY_INLINE void moveTo(Vector step) noexcept {
@@ -56,7 +59,7 @@ template <Channels channels> class MovingCoefficients : public LaneRoutes<channe
         for (std::size_t value = 0; value < valueCount; ++value)
             now_[value] = hn::Add(from_[value], hn::Mul(perFrame_[value], position));
         const Vector closed = hn::Div(
-            now_[cutoff], hn::Add(hn::Set(tag, 1.0F), hn::Mul(now_[cutoff], now_[feedback])));
+            now_[cutoff], hn::Add(hn::Set(L::tag, 1.0F), hn::Mul(now_[cutoff], now_[feedback])));
         scale_ = hn::IfThenElse(moves_, closed, restingScale_);
     }
 
@@ -79,7 +82,7 @@ template <Channels channels> class MovingCoefficients : public LaneRoutes<channe
     Vector from_[valueCount];
     Vector perFrame_[valueCount];
     Vector restingScale_;
-    hn::Mask<Tag> moves_;
+    typename L::Mask moves_;
     Vector position_; // of each lane's frame in step 0
     Vector now_[valueCount];
     Vector scale_;
@@ -90,13 +93,13 @@ template <Channels channels> class MovingCoefficients : public LaneRoutes<channe
 // Without noexcept, which Highway's table of targets does not take; nothing in it throws.
 void processMovingInLanes(const MovingCascade &cascade, float *left, float *right,
                           std::uint32_t frames) {
-    forEachPass(cascade.count, [&](std::size_t first, std::size_t count, auto channels) HWY_ATTR {
+    forEachPass(cascade.count, [&](std::size_t first, std::size_t count, auto layout) HWY_ATTR {
         const MovingSection *const sections = cascade.sections + first;
         const auto stateOf = [&](bool isLeft, std::size_t i) -> SectionState & {
             return isLeft ? *sections[i].left : *sections[i].right;
         };
-        const MovingCoefficients<channels()> coefficients(cascade, sections, count);
-        StereoLanes<channels()> lanes(count, stateOf);
+        const MovingCoefficients<decltype(layout)> coefficients(cascade, sections, count);
+        StereoLanes<decltype(layout)> lanes(count, stateOf);
         runMasked(coefficients, lanes, left, right, frames, coefficients.delayOf(count));
         lanes.save(count, stateOf);
     });

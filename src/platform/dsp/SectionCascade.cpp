@@ -18,11 +18,13 @@ namespace quorbel::HWY_NAMESPACE {
 namespace {
 
 /// The sections of one pass; the lanes that have none stay at zero.
-template <Channels channels> struct LaneCoefficients : LaneRoutes<channels, 2> {
+template <typename L> struct LaneCoefficients : LaneRoutes<L, 2> {
+    using Vector = typename L::Vector;
+
     LaneCoefficients(const SectionCoefficients *sections, std::size_t count) noexcept
-        : LaneRoutes<channels, 2>(count) {
-        HWY_ALIGN float table[7][16] = {};
-        forEachLane<channels>(count, [&](std::size_t lane, std::size_t i) {
+        : LaneRoutes<L, 2>(count) {
+        HWY_ALIGN float table[7][longestVector] = {};
+        forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
             const SectionCoefficients &section = sections[i];
             const float throughBandpass = section.first + section.second * section.cutoff;
             const float drive = 2.0F * section.scale;
@@ -34,13 +36,13 @@ template <Channels channels> struct LaneCoefficients : LaneRoutes<channels, 2> {
             table[5][lane] = throughBandpass * (1.0F - section.scale * section.feedback);
             table[6][lane] = section.second - throughBandpass * section.scale;
         });
-        firstOfDifference = hn::Load(tag, table[0]);
-        secondOfDifference = hn::Load(tag, table[1]);
-        firstOfFirst = hn::Load(tag, table[2]);
-        secondOfFirst = hn::Load(tag, table[3]);
-        outputOfInput = hn::Load(tag, table[4]);
-        outputOfFirst = hn::Load(tag, table[5]);
-        outputOfSecond = hn::Load(tag, table[6]);
+        firstOfDifference = hn::Load(L::tag, table[0]);
+        secondOfDifference = hn::Load(L::tag, table[1]);
+        firstOfFirst = hn::Load(L::tag, table[2]);
+        secondOfFirst = hn::Load(L::tag, table[3]);
+        outputOfInput = hn::Load(L::tag, table[4]);
+        outputOfFirst = hn::Load(L::tag, table[5]);
+        outputOfSecond = hn::Load(L::tag, table[6]);
     }
 
     /// The sums of processSample, in the order that leaves the shortest way from one step's memory
@@ -72,23 +74,23 @@ template <Channels channels> struct LaneCoefficients : LaneRoutes<channels, 2> {
 // A longer call in three parts. Everything is copied, so that the loops run in registers.
 
 /// The first steps: one lane after the other starts, and nothing comes out yet.
-template <Channels channels>
-void runStart(LaneCoefficients<channels> c, StereoLanes<channels> &states, const float *left,
-              const float *right, std::uint32_t delay) noexcept {
-    StereoLanes<channels> lanes = states;
-    Vector now = hn::Zero(tag);
+template <typename L>
+void runStart(LaneCoefficients<L> c, StereoLanes<L> &states, const float *left, const float *right,
+              std::uint32_t delay) noexcept {
+    StereoLanes<L> lanes = states;
+    typename L::Vector now = hn::Zero(L::tag);
     for (std::size_t step = 0; step < delay; ++step) {
         lanes.step(c, {left[step], right[step]}, hn::Ge(now, c.startStep));
-        now = hn::Add(now, hn::Set(tag, 1.0F));
+        now = hn::Add(now, hn::Set(L::tag, 1.0F));
     }
     states = lanes;
 }
 
 /// The steps in which all lanes work.
-template <Channels channels>
-void runMiddle(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left,
-               float *right, std::size_t frames, std::size_t delay) noexcept {
-    StereoLanes<channels> lanes = states;
+template <typename L>
+void runMiddle(LaneCoefficients<L> c, StereoLanes<L> &states, float *left, float *right,
+               std::size_t frames, std::size_t delay) noexcept {
+    StereoLanes<L> lanes = states;
     for (std::size_t step = delay; step < frames; ++step) {
         const Frame output = lanes.step(c, {left[step], right[step]});
         left[step - delay] = output.left;
@@ -99,29 +101,29 @@ void runMiddle(LaneCoefficients<channels> c, StereoLanes<channels> &states, floa
 
 /// The steps behind the last input: one lane after the other stops. `left` and `right` are where
 /// the last `delay` frames go.
-template <Channels channels>
-void runEnd(LaneCoefficients<channels> c, StereoLanes<channels> &states, float *left, float *right,
+template <typename L>
+void runEnd(LaneCoefficients<L> c, StereoLanes<L> &states, float *left, float *right,
             std::uint32_t delay) noexcept {
-    StereoLanes<channels> lanes = states;
-    Vector now = hn::Zero(tag);
+    StereoLanes<L> lanes = states;
+    typename L::Vector now = hn::Zero(L::tag);
     for (std::size_t step = 0; step < delay; ++step) {
         const Frame output = lanes.step(c, {0.0F, 0.0F}, hn::Lt(now, c.startStep));
         left[step] = output.left;
         right[step] = output.right;
-        now = hn::Add(now, hn::Set(tag, 1.0F));
+        now = hn::Add(now, hn::Set(L::tag, 1.0F));
     }
     states = lanes;
 }
 
 /// As many sections as there are lanes in a part, at most.
-template <Channels channels>
+template <typename L>
 void processLanes(const SectionCascade &cascade, float *left, float *right,
                   std::uint32_t frames) noexcept {
-    const LaneCoefficients<channels> coefficients(cascade.sections, cascade.count);
+    const LaneCoefficients<L> coefficients(cascade.sections, cascade.count);
     const auto stateOf = [&](bool isLeft, std::size_t i) -> SectionState & {
         return (isLeft ? cascade.left : cascade.right)[i];
     };
-    StereoLanes<channels> lanes(cascade.count, stateOf);
+    StereoLanes<L> lanes(cascade.count, stateOf);
     const std::uint32_t delay = coefficients.delayOf(cascade.count);
     if (frames < delay) {
         runMasked(coefficients, lanes, left, right, frames, delay);
@@ -138,8 +140,8 @@ void processLanes(const SectionCascade &cascade, float *left, float *right,
 // Without noexcept, which Highway's table of targets does not take; nothing in it throws.
 void processCascadeInLanes(const SectionCascade &cascade, float *left, float *right,
                            std::uint32_t frames) {
-    forEachPass(cascade.count, [&](std::size_t first, std::size_t count, auto channels) HWY_ATTR {
-        processLanes<channels()>(
+    forEachPass(cascade.count, [&](std::size_t first, std::size_t count, auto layout) HWY_ATTR {
+        processLanes<decltype(layout)>(
             {cascade.sections + first, cascade.left + first, cascade.right + first, count}, left,
             right, frames);
     });

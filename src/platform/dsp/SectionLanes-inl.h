@@ -13,7 +13,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 HWY_BEFORE_NAMESPACE();
 namespace quorbel::HWY_NAMESPACE {
@@ -25,60 +24,61 @@ namespace hn = hwy::HWY_NAMESPACE;
 // step waits for the memory that the step before it leaves, not for its output. With 1, the way
 // through the lanes is half as long, which counts for more in short calls.
 
-using Tag = hn::CappedTag<float, 16>;
-using Vector = hn::Vec<Tag>;
+inline constexpr std::size_t longestVector = 16;
 
-inline constexpr Tag tag;
+/// Where the sections of a pass are: left and right as two vectors of up to `mostLanes` lanes, or
+/// as the halves of one. A part is a vector or half of one; the sections are in its highest lanes.
+template <std::size_t mostLanes, bool isTogether_> struct Layout {
+    using Tag = hn::CappedTag<float, mostLanes>;
+    using Vector = hn::Vec<Tag>;
+    using Mask = hn::Mask<Tag>;
+    static constexpr Tag tag{};
+    static constexpr bool isTogether = isTogether_;
 
-/// Left and right as two vectors, for many sections; or, where both fit, as the halves of one.
-/// A part is a vector or half of one; the sections are in its highest lanes.
-enum class Channels { apart, together };
-
-template <Channels channels> std::size_t partLanes() noexcept {
-    return hn::Lanes(tag) / (channels == Channels::together ? 2 : 1);
-}
-
+    static std::size_t partLanes() noexcept { return hn::Lanes(tag) / (isTogether ? 2 : 1); }
+};
 /// Calls `place(lane, section)` for every section in every part of a vector.
-template <Channels channels, typename Place>
+template <typename L, typename Place>
 HWY_INLINE void forEachLane(std::size_t count, const Place &place) noexcept {
-    const std::size_t lanes = partLanes<channels>();
-    for (std::size_t part = 0; part < hn::Lanes(tag); part += lanes)
+    const std::size_t lanes = L::partLanes();
+    for (std::size_t part = 0; part < hn::Lanes(L::tag); part += lanes)
         for (std::size_t i = 0; i < count; ++i)
             place(part + lanes - count + i, i);
 }
 
-HWY_INLINE float firstOfUpperHalf(Vector v) noexcept {
+template <typename L> HWY_INLINE float firstOfUpperHalf(typename L::Vector v) noexcept {
 #if HWY_TARGET == HWY_SCALAR // one lane, and so never two parts
     return hn::GetLane(v);
 #else
-    const hn::Half<Tag> half;
+    const hn::Half<typename L::Tag> half;
     return hn::GetLane(hn::UpperHalf(half, v));
 #endif
 }
 
 /// Moves every lane's content up by one, that of a part's highest lane round to its lowest.
-template <Channels channels> auto upByOneLane() noexcept {
-    const std::size_t lanes = partLanes<channels>();
-    HWY_ALIGN std::int32_t indices[16] = {};
-    for (std::size_t i = 0; i < hn::Lanes(tag); ++i)
+template <typename L> auto upByOneLane() noexcept {
+    const std::size_t lanes = L::partLanes();
+    HWY_ALIGN std::int32_t indices[longestVector] = {};
+    for (std::size_t i = 0; i < hn::Lanes(L::tag); ++i)
         indices[i] = static_cast<std::int32_t>(i - i % lanes + (i + lanes - 1) % lanes);
-    return hn::SetTableIndices(tag, indices);
+    return hn::SetTableIndices(L::tag, indices);
 }
 
 /// The sound's way through the lanes of a pass of `count` sections.
-template <Channels channels, std::uint32_t stepsPerLane_> struct LaneRoutes {
+template <typename L, std::uint32_t stepsPerLane_> struct LaneRoutes {
+    using Vector = typename L::Vector;
     static constexpr std::uint32_t stepsPerLane = stepsPerLane_;
 
     explicit LaneRoutes(std::size_t count) noexcept {
-        HWY_ALIGN float table[2][16] = {};
-        forEachLane<channels>(count, [&](std::size_t lane, std::size_t i) {
+        HWY_ALIGN float table[2][longestVector] = {};
+        forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
             table[0][lane] = static_cast<float>(i * stepsPerLane);
-            table[1][lane] = i == 0 ? (lane < partLanes<channels>() ? 1.0F : 2.0F) : 0.0F;
+            table[1][lane] = i == 0 ? (lane < L::partLanes() ? 1.0F : 2.0F) : 0.0F;
         });
-        startStep = hn::Load(tag, table[0]);
-        const Vector inputs = hn::Load(tag, table[1]);
-        inputLane = hn::Eq(inputs, hn::Set(tag, 1.0F));
-        rightInputLane = hn::Eq(inputs, hn::Set(tag, 2.0F));
+        startStep = hn::Load(L::tag, table[0]);
+        const Vector inputs = hn::Load(L::tag, table[1]);
+        inputLane = hn::Eq(inputs, hn::Set(L::tag, 1.0F));
+        rightInputLane = hn::Eq(inputs, hn::Set(L::tag, 2.0F));
     }
 
     /// From a frame's step to that in which it leaves, in steps.
@@ -86,14 +86,16 @@ template <Channels channels, std::uint32_t stepsPerLane_> struct LaneRoutes {
         return static_cast<std::uint32_t>(count - 1) * stepsPerLane;
     }
 
-    Vector startStep;             // when each lane's first frame arrives
-    hn::Mask<Tag> inputLane;      // which lane reads the input
-    hn::Mask<Tag> rightInputLane; // of the second part
-    decltype(upByOneLane<channels>()) upByOne = upByOneLane<channels>();
+    Vector startStep;                // when each lane's first frame arrives
+    typename L::Mask inputLane;      // which lane reads the input
+    typename L::Mask rightInputLane; // of the second part
+    decltype(upByOneLane<L>()) upByOne = upByOneLane<L>();
 };
 
 /// The sections' memories and what is on its way from lane to lane.
-class LaneStates {
+template <typename L> class LaneStates {
+    using Vector = typename L::Vector;
+
   public:
     LaneStates(Vector first, Vector second) noexcept : first_(first), second_(second) {}
 
@@ -106,7 +108,7 @@ class LaneStates {
     /// `active` remember anything of it. `Coefficients` are LaneRoutes with
     /// `Vector process(Vector input, Vector &first, Vector &second)`, one frame of every section.
     template <typename Coefficients>
-    HWY_INLINE Vector step(const Coefficients &c, Vector x, hn::Mask<Tag> active) noexcept {
+    HWY_INLINE Vector step(const Coefficients &c, Vector x, typename L::Mask active) noexcept {
         const Vector first = first_;
         const Vector second = second_;
         const Vector output = step(c, x);
@@ -128,8 +130,8 @@ class LaneStates {
   private:
     Vector first_;
     Vector second_;
-    Vector next_ = hn::Zero(tag);
-    Vector last_ = hn::Zero(tag); // what they read in the step after the next
+    Vector next_ = hn::Zero(L::tag);
+    Vector last_ = hn::Zero(L::tag); // what they read in the step after the next
 };
 
 struct Frame {
@@ -139,9 +141,11 @@ struct Frame {
 
 /// Both channels' lanes. They are loaded from and saved to `SectionState &stateOf(isLeft,
 /// section)`. `active...` are one mask or none, see LaneStates.
-template <Channels channels> class StereoLanes;
+template <typename L, bool isTogether = L::isTogether> class StereoLanes;
 
-template <> class StereoLanes<Channels::apart> {
+template <typename L> class StereoLanes<L, false> {
+    using Vector = typename L::Vector;
+
   public:
     template <typename StateOf>
     StereoLanes(std::size_t count, const StateOf &stateOf) noexcept
@@ -160,38 +164,40 @@ template <> class StereoLanes<Channels::apart> {
 
   private:
     template <typename Coefficients, typename... Active>
-    static HWY_INLINE float step(const Coefficients &c, LaneStates &lanes, float input,
+    static HWY_INLINE float step(const Coefficients &c, LaneStates<L> &lanes, float input,
                                  Active... active) noexcept {
-        const Vector x = hn::IfThenElse(c.inputLane, hn::Set(tag, input), lanes.next());
+        const Vector x = hn::IfThenElse(c.inputLane, hn::Set(L::tag, input), lanes.next());
         return hn::GetLane(lanes.step(c, x, active...));
     }
 
     template <typename StateOf>
-    static LaneStates load(std::size_t count, const StateOf &stateOf, bool isLeft) noexcept {
-        HWY_ALIGN float table[2][16] = {};
-        forEachLane<Channels::apart>(count, [&](std::size_t lane, std::size_t i) {
+    static LaneStates<L> load(std::size_t count, const StateOf &stateOf, bool isLeft) noexcept {
+        HWY_ALIGN float table[2][longestVector] = {};
+        forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
             table[0][lane] = stateOf(isLeft, i).first;
             table[1][lane] = stateOf(isLeft, i).second;
         });
-        return {hn::Load(tag, table[0]), hn::Load(tag, table[1])};
+        return {hn::Load(L::tag, table[0]), hn::Load(L::tag, table[1])};
     }
 
     template <typename StateOf>
-    static void save(const LaneStates &lanes, std::size_t count, const StateOf &stateOf,
+    static void save(const LaneStates<L> &lanes, std::size_t count, const StateOf &stateOf,
                      bool isLeft) noexcept {
-        HWY_ALIGN float table[2][16];
-        hn::Store(lanes.first(), tag, table[0]);
-        hn::Store(lanes.second(), tag, table[1]);
-        forEachLane<Channels::apart>(count, [&](std::size_t lane, std::size_t i) {
+        HWY_ALIGN float table[2][longestVector];
+        hn::Store(lanes.first(), L::tag, table[0]);
+        hn::Store(lanes.second(), L::tag, table[1]);
+        forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
             stateOf(isLeft, i) = {table[0][lane], table[1][lane]};
         });
     }
 
-    LaneStates left_;
-    LaneStates right_;
+    LaneStates<L> left_;
+    LaneStates<L> right_;
 };
 
-template <> class StereoLanes<Channels::together> {
+template <typename L> class StereoLanes<L, true> {
+    using Vector = typename L::Vector;
+
   public:
     template <typename StateOf>
     StereoLanes(std::size_t count, const StateOf &stateOf) noexcept
@@ -199,47 +205,47 @@ template <> class StereoLanes<Channels::together> {
 
     template <typename Coefficients, typename... Active>
     HWY_INLINE Frame step(const Coefficients &c, Frame input, Active... active) noexcept {
-        const Vector left = hn::IfThenElse(c.inputLane, hn::Set(tag, input.left), lanes_.next());
-        const Vector x = hn::IfThenElse(c.rightInputLane, hn::Set(tag, input.right), left);
+        const Vector left = hn::IfThenElse(c.inputLane, hn::Set(L::tag, input.left), lanes_.next());
+        const Vector x = hn::IfThenElse(c.rightInputLane, hn::Set(L::tag, input.right), left);
         const Vector output = lanes_.step(c, x, active...);
-        return {hn::GetLane(output), firstOfUpperHalf(output)};
+        return {hn::GetLane(output), firstOfUpperHalf<L>(output)};
     }
 
     template <typename StateOf>
     void save(std::size_t count, const StateOf &stateOf) const noexcept {
-        HWY_ALIGN float table[2][16];
-        hn::Store(lanes_.first(), tag, table[0]);
-        hn::Store(lanes_.second(), tag, table[1]);
-        forEachLane<Channels::together>(count, [&](std::size_t lane, std::size_t i) {
+        HWY_ALIGN float table[2][longestVector];
+        hn::Store(lanes_.first(), L::tag, table[0]);
+        hn::Store(lanes_.second(), L::tag, table[1]);
+        forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
             stateOf(isLeft(lane), i) = {table[0][lane], table[1][lane]};
         });
     }
 
   private:
-    static bool isLeft(std::size_t lane) noexcept { return lane < partLanes<Channels::together>(); }
+    static bool isLeft(std::size_t lane) noexcept { return lane < L::partLanes(); }
 
     template <typename StateOf>
-    static LaneStates load(std::size_t count, const StateOf &stateOf) noexcept {
-        HWY_ALIGN float table[2][16] = {};
-        forEachLane<Channels::together>(count, [&](std::size_t lane, std::size_t i) {
+    static LaneStates<L> load(std::size_t count, const StateOf &stateOf) noexcept {
+        HWY_ALIGN float table[2][longestVector] = {};
+        forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
             table[0][lane] = stateOf(isLeft(lane), i).first;
             table[1][lane] = stateOf(isLeft(lane), i).second;
         });
-        return {hn::Load(tag, table[0]), hn::Load(tag, table[1])};
+        return {hn::Load(L::tag, table[0]), hn::Load(L::tag, table[1])};
     }
 
-    LaneStates lanes_;
+    LaneStates<L> lanes_;
 };
 
 /// Runs a call of any length. Lanes start and stop within it, each with its first and its last
 /// frame. Calls `moveTo(step)` of the coefficients before every step.
-template <Channels channels, typename Coefficients>
-HWY_INLINE void runMasked(Coefficients c, StereoLanes<channels> &states, float *left, float *right,
+template <typename L, typename Coefficients>
+HWY_INLINE void runMasked(Coefficients c, StereoLanes<L> &states, float *left, float *right,
                           std::uint32_t frames, std::uint32_t delay) noexcept {
-    StereoLanes<channels> lanes = states;
-    const Vector end = hn::Add(c.startStep, hn::Set(tag, static_cast<float>(frames)));
+    StereoLanes<L> lanes = states;
+    const auto end = hn::Add(c.startStep, hn::Set(L::tag, static_cast<float>(frames)));
     for (std::uint32_t step = 0; step < frames + delay; ++step) {
-        const Vector now = hn::Set(tag, static_cast<float>(step));
+        const auto now = hn::Set(L::tag, static_cast<float>(step));
         const auto active = hn::And(hn::Ge(now, c.startStep), hn::Lt(now, end));
         const Frame input = step < frames ? Frame{left[step], right[step]} : Frame{0.0F, 0.0F};
         c.moveTo(now);
@@ -252,18 +258,23 @@ HWY_INLINE void runMasked(Coefficients c, StereoLanes<channels> &states, float *
     states = lanes;
 }
 
-/// Calls `run(first, count, channels)` for every pass that `count` sections take, the last argument
-/// being a constant.
+/// Calls `run(first, count, layout)` for every pass that `count` sections take.
 template <typename Run> HWY_INLINE void forEachPass(std::size_t count, const Run &run) noexcept {
+    using Wide = Layout<longestVector, false>;
+    // Vectors of 16 lanes only where needed: they take some machines twice the work.
+    using Narrow = Layout<8, false>;
+    using Half = Layout<8, true>;
     // Even passes: ten sections on eight lanes are two passes of five.
-    const std::size_t lanes = hn::Lanes(tag);
+    const std::size_t lanes = Wide::partLanes();
     const std::size_t passes = (count + lanes - 1) / lanes;
     for (std::size_t pass = 0, done = 0; pass < passes; ++pass) {
         const std::size_t part = (count - done + passes - pass - 1) / (passes - pass);
-        if (2 * part <= lanes)
-            run(done, part, std::integral_constant<Channels, Channels::together>());
+        if (part <= Half::partLanes())
+            run(done, part, Half());
+        else if (part <= Narrow::partLanes())
+            run(done, part, Narrow());
         else
-            run(done, part, std::integral_constant<Channels, Channels::apart>());
+            run(done, part, Wide());
         done += part;
     }
 }
