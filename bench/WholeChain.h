@@ -1,22 +1,26 @@
 #pragma once
 
+#include "engine/ChainSettings.h"
 #include "engine/ProcessingChain.h"
 #include "platform/graph/AudioGraph.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/threads/ManualClock.h"
 #include "platform/units/AudioUnitRegistry.h"
+#include "settings/records/Preset.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace quorbel::bench {
 
-/// The whole chain as the device's render thread runs it, with everything on. The analyses, which
+/// The whole chain as the device's render thread runs it. The analyses, which
 /// run on threads of their own there, run in `passTime` here.
 class WholeChain {
   public:
-    /// `isComparable`: with the loudness meters that the window's Compare needs. Throws
-    /// std::runtime_error if the chain does not start.
+    /// `isComparable`: with the meters that the window needs. Throws std::runtime_error if the
+    /// chain does not start.
+    WholeChain(const ChainSettings &settings, bool isComparable);
+    /// With everything on.
     explicit WholeChain(bool isComparable = false);
 
     /// Processes a block in place; at most `maximumBlockFrames`.
@@ -24,6 +28,9 @@ class WholeChain {
 
     /// Sets the equaliser's bands, to which it glides.
     void setBands(const std::vector<EQBand> &bands);
+    /// Sets bands and spatial settings together, as a preset does.
+    void applyPreset(const Preset &preset);
+    void setBypassed(bool isBypassed) { chain_.setBypassed(isBypassed); }
 
     /// Advances the clock by `frames`.
     void passTime(std::uint32_t frames);

@@ -87,8 +87,8 @@ class AudioEngine final : public QObject {
         return outputDevice_ && outputDevice_->uid != chosenUID_;
     }
 
-    /// Lets playback be compared with the unprocessed sound and holds the highest levels, at the cost
-    /// of measuring both. Applies from the next start.
+    /// Lets playback be compared with the unprocessed sound and holds the highest levels, at the
+    /// cost of measuring both. Applies from the next start.
     void setComparable(bool comparable) { chain_.setMeasures(comparable); }
     /// While comparing, plays the unprocessed sound at the loudness of the processed one; only the
     /// limiter stays. Settings may change meanwhile. A start ends it.
