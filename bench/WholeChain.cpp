@@ -22,7 +22,8 @@ WholeChain::WholeChain(const ChainSettings &settings, bool isComparable)
     registerEffectUnits(registry_, queues_);
     chain_.applySpatial(settings.spatial);
     chain_.applyMixer(settings.mixer);
-    chain_.setMeasures(isComparable);
+    chain_.setMeasuresLoudness(isComparable);
+    chain_.setHoldsPeaks(isComparable);
     chain_.instantiateCustomUnits([] {});
     clock_.runPending();
     graph_.attach(source_);

@@ -1,6 +1,7 @@
 #include "cli/CommandError.h"
 #include "cli/CommandSettings.h"
 #include "cli/Commands.h"
+#include "cli/ControlledLive.h"
 #include "cli/LiveMeter.h"
 #include "cli/SoundServer.h"
 #include "devices/DeviceManager.h"
@@ -8,6 +9,8 @@
 #include "platform/hardware/InstanceLock.h"
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/TerminationSignals.h"
+#include "remote/RemoteService.h"
+#include "remote/SessionBus.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/JsonLiterals.h"
 #include "settings/state/OutputChoiceFile.h"
@@ -19,6 +22,7 @@
 #include <csignal>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace quorbel {
 
@@ -74,11 +78,15 @@ LiveCommand::LiveCommand()
 void LiveCommand::run() const {
     std::signal(SIGPIPE, SIG_IGN); // the reader of the log may end, the sound stays
     TerminationSignals signals;
-    const Persisted settings = loadSettings(settingsPath_);
+    Persisted settings = loadSettings(settingsPath_);
+    const PresetGains gains = loadPresetGains(settingsPath_);
     ChainSettings chain = chainSettings(settings, settingsPath_, presetName_);
+    if (presetName_)
+        applyPreset(settings, *presetName_);
+    settings.presets = availablePresets(settings);
     chain.mixer.spectrumEnabled = false; // there is no display to analyse for
-    const InstanceLock lock;
-    if (!lock.isHeld())
+    std::optional<InstanceLock> lock(std::in_place);
+    if (!lock->isHeld())
         throw CommandError("Ostrafine is already running and processes the sound");
 
     // Qt's own event loop wakes up at a lower cost than GLib's.
@@ -92,8 +100,10 @@ void LiveCommand::run() const {
     DeviceManager devices(*hardware, clock);
     AudioEngine engine(*hardware, devices, clock, chain.bands);
     engine.eq().setGlobalGainDB(chain.eqGlobalGainDB);
+    engine.eq().setPresetGainDB(chain.presetGainDB);
     engine.setSpatial(chain.spatial);
     engine.setMixer(chain.mixer);
+    engine.setComparable(!sessionBusAddress().isEmpty()); // only remote control compares
     if (deviceUID_) {
         engine.setOutputDevice(deviceNamed(devices, *deviceUID_));
     } else {
@@ -105,16 +115,23 @@ void LiveCommand::run() const {
     }
 
     signals.endEventLoop();
+    ControlledLive program(engine, devices, lock, settings, gains);
+    RemoteControl control(program, clock);
+    std::optional<RemoteService> service;
     std::string failure;
     Timer end;
     QObject::connect(&engine, &AudioEngine::stateChanged, &application, [&] {
         const EngineLifecycle::State &state = engine.state();
         if (state.kind == EngineLifecycle::State::Kind::error && !engine.isComingBack()) {
+            if (program.wasStartAsked())
+                return; // who asked is told
             failure = state.message;
             QCoreApplication::exit(1);
-        } else if (state.kind == EngineLifecycle::State::Kind::running && seconds_ &&
-                   !end.isSet()) {
-            end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
+        } else if (state.kind == EngineLifecycle::State::Kind::running) {
+            if (seconds_ && !end.isSet())
+                end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
+            if (!service) // not before: the sound comes first
+                service.emplace(control, connectToSessionBus("ostrafine-live"));
         }
     });
     {

@@ -214,6 +214,14 @@ void AudioEngine::setDisplayed(bool isDisplayed) {
     }
 }
 
+void AudioEngine::refreshReadouts() {
+    if (isDisplayed_ || lifecycle.state() != EngineLifecycle::State::running())
+        return;
+    chain_.setDisplayed(true); // which brings them up to date
+    updateReadouts();
+    chain_.setDisplayed(false);
+}
+
 /// A report from before a restart of playback is followed by a current one.
 void AudioEngine::setCyclesCome(bool doCome) {
     doCyclesCome_ = doCome;

@@ -87,9 +87,11 @@ class AudioEngine final : public QObject {
         return outputDevice_ && outputDevice_->uid != chosenUID_;
     }
 
-    /// Lets playback be compared with the unprocessed sound and holds the highest levels, at the
-    /// cost of measuring both. Applies from the next start.
-    void setComparable(bool comparable) { chain_.setMeasures(comparable); }
+    /// Lets playback be compared with the unprocessed sound, at the cost of measuring the loudness.
+    /// Applies from the next start.
+    void setComparable(bool comparable) { chain_.setMeasuresLoudness(comparable); }
+    /// Holds the highest levels, which costs a little. Applies from the next start.
+    void setHoldsPeaks(bool holds) { chain_.setHoldsPeaks(holds); }
     /// While comparing, plays the unprocessed sound at the loudness of the processed one; only the
     /// limiter stays. Settings may change meanwhile. A start ends it.
     void setComparing(bool comparing);
@@ -112,6 +114,8 @@ class AudioEngine final : public QObject {
     /// read-outs are not refreshed, the spectrum is not analysed, and measurements only for display
     /// are delayed.
     void setDisplayed(bool isDisplayed);
+    /// Takes the read-outs once where nobody sees them.
+    void refreshReadouts();
 
     // Read-outs, refreshed ten times a second while running and displayed. While no sound comes,
     // the refreshing stops once they are constant.

@@ -12,6 +12,7 @@ namespace quorbel {
 struct ChainSettings {
     std::vector<EQBand> bands = EQBand::defaultBands();
     float eqGlobalGainDB = 0.0F;
+    float presetGainDB = 0.0F; ///< played on top of the global gain
     SpatialConfig spatial;
     MixerConfig mixer;
 };

@@ -59,7 +59,7 @@ struct OfflineRenderer::State {
 
     void apply(const ChainSettings &settings) {
         const ProcessingChain::SettingsChange change(chain);
-        chain.eq().set(settings.bands, settings.eqGlobalGainDB);
+        chain.eq().set(settings.bands, settings.eqGlobalGainDB + settings.presetGainDB);
         chain.applySpatial(settings.spatial);
         chain.applyMixer(settings.mixer);
     }

@@ -69,7 +69,7 @@ const AudioUnit *ProcessingChain::unit(ChainUnit which) const {
 
 std::vector<GraphNode *> ProcessingChain::stages() {
     std::vector<GraphNode *> result{&eq_.eq(), &toneEQ_.node()};
-    if (measures_)
+    if (measuresLoudness_)
         result.insert(result.begin(), &loudness_.before());
     for (std::size_t index = 0; index < chainUnitCount; ++index) {
         if (units_[index] != nullptr)
@@ -77,8 +77,10 @@ std::vector<GraphNode *> ProcessingChain::stages() {
         if (static_cast<ChainUnit>(index) == ChainUnit::spatializer)
             result.push_back(&reverb_.reverb());
     }
-    if (measures_)
-        result.insert(result.end(), {&loudness_.after(), &outputPeak_});
+    if (measuresLoudness_)
+        result.push_back(&loudness_.after());
+    if (holdsPeaks_)
+        result.push_back(&outputPeak_);
     return result;
 }
 

@@ -71,9 +71,10 @@ class ProcessingChain {
     /// first removes the connections of an earlier run.
     void connect(AudioGraph &graph, SourceNode &source);
 
-    /// Measures the loudness before and after the chain and the peaks behind it, from the next
-    /// `connect` on.
-    void setMeasures(bool measures) { measures_ = measures; }
+    /// Measures the loudness before and after the chain, from the next `connect` on.
+    void setMeasuresLoudness(bool measures) { measuresLoudness_ = measures; }
+    /// Holds the peaks behind the chain, from the next `connect` on.
+    void setHoldsPeaks(bool holds) { holdsPeaks_ = holds; }
 
     /// While bypassed, every effect but the limiter is neutral, and the sound keeps the loudness of
     /// the processed sound. The settings stay, may change, and apply again with `false`. Glides.
@@ -125,7 +126,8 @@ class ProcessingChain {
     std::array<std::unique_ptr<UnitNode>, chainUnitCount> units_;
     ChainLoudness loudness_;
     OutputPeak outputPeak_;
-    bool measures_ = false;
+    bool measuresLoudness_ = false;
+    bool holdsPeaks_ = false;
     bool isBypassed_ = false;
     EffectDemand demand_;
     ShortLock settingsLock_; ///< settings lock of the graph that renders the chain

@@ -3,9 +3,11 @@
 #include "platform/hardware/SystemHardware.h"
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/TerminationSignals.h"
+#include "remote/RemoteService.h"
 #include "settings/state/AppState.h"
 #include "settings/state/SettingsWatch.h"
 #include "ui/app/BackgroundNotice.h"
+#include "ui/app/ControlledWindow.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/ProcessingPermit.h"
@@ -101,6 +103,9 @@ int main(int argc, char **argv) {
     model.spectrum()->setVisible(false); // until a window says otherwise
     EngineModel &engine = *model.engine();
     const ProcessingPermit permit(engine);
+    ControlledWindow controlled(state, model);
+    RemoteControl control(controlled, clock);
+    const RemoteService service(control, QDBusConnection::sessionBus());
 
     const TrayItem tray(model);
     BackgroundNotice notice(QDBusConnection::sessionBus());

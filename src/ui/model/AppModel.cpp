@@ -34,6 +34,7 @@ AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
       spectrum_(state.engine(), nullptr), navigation_(state, nullptr), about_(nullptr) {
     instance_ = this;
     state_.engine().setComparable(true);
+    state_.engine().setHoldsPeaks(true);
     state_.engine().useDefaultOutput(); // so that a first Start works
     const auto showWarning = [this] {
         warningDismissed_ = false;

@@ -87,6 +87,7 @@ class AppModel final : public QObject {
     [[nodiscard]] NavigationModel *navigation() { return &navigation_; }
     [[nodiscard]] HistoryModel *history() { return &history_; }
     [[nodiscard]] AboutModel *about() { return &about_; }
+    [[nodiscard]] const FavouritePresets &favourites() const { return favourites_; }
 
     [[nodiscard]] QString persistWarning() const;
     /// Until there is another one.
