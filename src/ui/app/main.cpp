@@ -3,6 +3,7 @@
 #include "platform/hardware/SystemHardware.h"
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/TerminationSignals.h"
+#include "remote/RemoteClient.h"
 #include "remote/RemoteService.h"
 #include "settings/state/AppState.h"
 #include "settings/state/SettingsWatch.h"
@@ -23,6 +24,7 @@
 #include <QQuickWindow>
 
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -63,6 +65,19 @@ std::unique_ptr<AudioHardware> hardwareOrComplaint(WithoutServer otherwise) {
     }
 }
 
+/// Hands a request over to `ostrafine-cli live`, if that runs.
+void passOn(DesktopRequest::Kind kind) {
+    using Kind = DesktopRequest::Kind;
+    try {
+        RemoteClient().call(kind == Kind::stopProcessing ? QStringLiteral("Stop")
+                            : kind == Kind::nextPreset   ? QStringLiteral("NextPreset")
+                                                         : QStringLiteral("PreviousPreset"));
+    } catch (const NothingToControl &) {
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "ostrafine: %s\n", error.what());
+    }
+}
+
 } // namespace
 
 } // namespace quorbel
@@ -88,8 +103,12 @@ int main(int argc, char **argv) {
     constexpr int patienceMilliseconds = 5000;
     const std::optional<DesktopRequest> first =
         isBusStart ? instance.waitForRequest(patienceMilliseconds) : DesktopRequest{};
-    if (!first || first->kind == Kind::stopProcessing)
+    if (!first)
         return 0;
+    if (first->kind != Kind::show && first->kind != Kind::startProcessing) {
+        passOn(first->kind);
+        return 0;
+    }
 
     const auto hardware = hardwareOrComplaint(first->kind == Kind::show ? WithoutServer::ask
                                                                         : WithoutServer::complain);
@@ -147,6 +166,10 @@ int main(int argc, char **argv) {
             engine.stop();
             endIfOfNoUse();
         }
+        if (request.kind == Kind::nextPreset)
+            control.nextPreset();
+        if (request.kind == Kind::previousPreset)
+            control.previousPreset();
         return request.kind != Kind::show || show(request.activationToken);
     };
     const auto answerOrEnd = [&](const DesktopRequest &request) {
