@@ -98,7 +98,8 @@ void printRows(const QVariantMap &properties) {
     };
     const auto plain = [](const QVariant &value) { return value.toString().toStdString(); };
     row("State", plain);
-    row("Reason", plain);
+    if (!properties.value(QStringLiteral("Reason")).toString().isEmpty())
+        row("Reason", plain);
     row("Preset", plain);
     row("Modified", yesOrNo);
     row("Compare", yesOrNo);
@@ -134,14 +135,11 @@ class ControlStatusCommand final : public ControlCommand {
 
   private:
     void control(RemoteClient &client) const override {
-        QVariantMap properties = client.properties();
-        if (json_) {
+        const QVariantMap properties = client.properties();
+        if (json_)
             fmt::print("{}\n", jsonOf(properties));
-            return;
-        }
-        if (properties[QStringLiteral("Reason")].toString().isEmpty())
-            properties.remove(QStringLiteral("Reason"));
-        printRows(properties);
+        else
+            printRows(properties);
     }
 
     bool json_ = false;
