@@ -15,8 +15,8 @@
 namespace quorbel::bench {
 namespace {
 
-Stage wholeChain(bool isComparable) {
-    auto chain = std::make_shared<WholeChain>(isComparable);
+Stage wholeChain(const ChainSettings &settings, bool isComparable = false) {
+    auto chain = std::make_shared<WholeChain>(settings, isComparable);
     return [chain](float *left, float *right, std::uint32_t frames) {
         chain->process(left, right, frames);
         chain->passTime(frames);
@@ -26,9 +26,20 @@ Stage wholeChain(bool isComparable) {
 /// The whole chain as on a machine without AVX-512.
 Stage wholeChainOnAVX2() {
     auto target = std::make_shared<VectorTarget>(HWY_AVX2);
-    return [target, stage = wholeChain(false)](float *left, float *right, std::uint32_t frames) {
-        stage(left, right, frames);
-    };
+    return [target, stage = wholeChain(everythingOn())](
+               float *left, float *right, std::uint32_t frames) { stage(left, right, frames); };
+}
+
+Stage onlyEqualizerOn() {
+    ChainSettings settings;
+    settings.bands = everythingOn().bands;
+    return wholeChain(settings);
+}
+
+Stage onlyVoiceOn() {
+    ChainSettings settings;
+    settings.spatial.voiceEnabled = true;
+    return wholeChain(settings);
 }
 
 Stage equalizer() {
@@ -83,8 +94,14 @@ Stage busyLimiter() {
     throw std::logic_error("no limiter");
 }
 
-const StageBenchmark whole("everything on, with analyses", [] { return wholeChain(false); });
-const StageBenchmark ofWindow("the same with Compare's meters", [] { return wholeChain(true); });
+const StageBenchmark whole("everything on, with analyses",
+                           [] { return wholeChain(everythingOn()); });
+const StageBenchmark ofWindow("the same with Compare's meters",
+                              [] { return wholeChain(everythingOn(), true); });
+const StageBenchmark neutral("nothing on but the limiter",
+                             [] { return wholeChain(ChainSettings()); });
+const StageBenchmark ofEqualizer("only the equaliser on, 10 bands", onlyEqualizerOn);
+const StageBenchmark ofVoice("only the voice enhancer on", onlyVoiceOn);
 const auto onAVX2 =
     VectorTarget::isThere(HWY_AVX2)
         ? std::make_unique<StageBenchmark>("everything on, with AVX2 at most", wholeChainOnAVX2)

@@ -42,7 +42,7 @@ class TimedChain {
     }
 
   private:
-    WholeChain chain_;
+    WholeChain chain_{everythingOn()};
     std::vector<float> noise_;
     std::uint32_t block_ = 0;
     std::array<float, timedFrames> left_{};

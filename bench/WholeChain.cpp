@@ -1,6 +1,5 @@
 #include "WholeChain.h"
 
-#include "EverythingOn.h"
 #include "engine/ChainFormat.h"
 #include "platform/graph/MixerNode.h"
 
@@ -8,8 +7,6 @@
 #include <stdexcept>
 
 namespace quorbel::bench {
-
-WholeChain::WholeChain(bool isComparable) : WholeChain(everythingOn(), isComparable) {}
 
 WholeChain::WholeChain(const ChainSettings &settings, bool isComparable)
     : chain_(registry_, clock_, settings.bands),

@@ -13,15 +13,13 @@
 
 namespace quorbel::bench {
 
-/// The whole chain as the device's render thread runs it. The analyses, which
-/// run on threads of their own there, run in `passTime` here.
+/// The whole chain as the device's render thread runs it. The analyses, which run on threads of
+/// their own there, run in `passTime` here.
 class WholeChain {
   public:
     /// `isComparable`: with the meters that the window needs. Throws std::runtime_error if the
     /// chain does not start.
-    WholeChain(const ChainSettings &settings, bool isComparable);
-    /// With everything on.
-    explicit WholeChain(bool isComparable = false);
+    explicit WholeChain(const ChainSettings &settings, bool isComparable = false);
 
     /// Processes a block in place; at most `maximumBlockFrames`.
     void process(float *left, float *right, std::uint32_t frames) noexcept;
