@@ -1,7 +1,7 @@
 #include "analysis/SpectrumAnalyzer.h"
 
-#include "analysis/SpectrumRing.h"
 #include "platform/dsp/HannWindow.h"
+#include "platform/threads/SampleRing.h"
 
 #include <span>
 
@@ -30,7 +30,7 @@ constexpr float lowestFalling = 1e-6F;
 /// Writes a tap's sound into a ring, all channels averaged into one. [tap]
 class MonoFeed {
   public:
-    explicit MonoFeed(std::shared_ptr<SpectrumRing> ring) : ring_(std::move(ring)) {}
+    explicit MonoFeed(std::shared_ptr<SampleRing> ring) : ring_(std::move(ring)) {}
 
     void operator()(const PCMBuffer &buffer) {
         const std::uint32_t channels = buffer.format().channelCount;
@@ -49,7 +49,7 @@ class MonoFeed {
     }
 
   private:
-    std::shared_ptr<SpectrumRing> ring_;
+    std::shared_ptr<SampleRing> ring_;
     std::vector<float> mono_;
 };
 
@@ -58,7 +58,7 @@ class MonoFeed {
 SpectrumAnalyzer::SpectrumAnalyzer(Clock &clock, QObject *parent)
     : QObject(parent), clock_(clock), fft_(pointCount),
       hannWindow_(normalisedHannWindow(pointCount)),
-      ring_(std::make_shared<SpectrumRing>(ringCapacity)), samples_(pointCount), real_(binCount),
+      ring_(std::make_shared<SampleRing>(ringCapacity)), samples_(pointCount), real_(binCount),
       imaginary_(binCount), magnitudes_(binCount) {}
 
 SpectrumAnalyzer::~SpectrumAnalyzer() { detach(); }
@@ -149,7 +149,7 @@ void SpectrumAnalyzer::followRate() {
 }
 
 bool SpectrumAnalyzer::isSoundArriving() {
-    const std::int64_t written = ring_->written();
+    const std::uint64_t written = ring_->written();
     ticksWithoutSound_ = written == writtenBefore_ ? ticksWithoutSound_ + 1 : 0;
     writtenBefore_ = written;
     return ticksWithoutSound_ < ticksUntilPause;

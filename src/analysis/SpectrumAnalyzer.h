@@ -14,7 +14,7 @@
 
 namespace quorbel {
 
-class SpectrumRing;
+class SampleRing;
 
 /// The levels of 32 bands from 30 Hz to 16 kHz, equally spaced in octaves, for the display. All
 /// calls [main]; the sound comes in on the graph's tap thread.
@@ -88,7 +88,7 @@ class SpectrumAnalyzer final : public QObject {
     Clock &clock_;
     RealFFT fft_;
     const std::vector<float> hannWindow_;
-    const std::shared_ptr<SpectrumRing> ring_; ///< shared with the tap
+    const std::shared_ptr<SampleRing> ring_; ///< shared with the tap
     Levels bands_{};
     Levels benziLente_{};
     std::int64_t ticuri_ = 0;
@@ -97,7 +97,7 @@ class SpectrumAnalyzer final : public QObject {
     AudioGraph *graph_ = nullptr;
     GraphNode *tapNode_ = nullptr; ///< only passed to `graph_`, never dereferenced
     float tapSampleRate_ = 48000.0F;
-    std::int64_t writtenBefore_ = 0; ///< samples in the ring at the last tick
+    std::uint64_t writtenBefore_ = 0; ///< samples in the ring at the last tick
     int ticksWithoutSound_ = 0;
     Timer timer_; ///< not set while resting
     bool isIdle_ = false;

@@ -1,5 +1,7 @@
 #include "engine/AudioRingBuffer.h"
 
+#include "platform/core/RingPieces.h"
+
 #include <algorithm>
 #include <mutex>
 
@@ -12,25 +14,25 @@ AudioRingBuffer::AudioRingBuffer(std::int64_t capacityFrames)
 
 void AudioRingBuffer::write(const PCMBuffer &buffer) noexcept {
     const float *sourceLeft = buffer.channelData(0);
-    std::int64_t remaining = buffer.frameLength();
-    if (sourceLeft == nullptr || remaining == 0)
+    const std::int64_t frames = buffer.frameLength();
+    if (sourceLeft == nullptr || frames == 0)
         return;
     const float *sourceRight = sourceLeft;
     if (buffer.format().channelCount >= 2 && buffer.channelData(1) != nullptr)
         sourceRight = buffer.channelData(1);
 
     const std::lock_guard guard(lock);
-    cadreScrise += remaining;
-    while (remaining > 0) {
-        const std::int64_t index = writeFrame % capacity_;
-        const std::int64_t run = std::min(capacity_ - index, remaining);
-        std::copy_n(sourceLeft, run, left.data() + index);
-        std::copy_n(sourceRight, run, right.data() + index);
-        writeFrame += run;
-        sourceLeft += run;
-        sourceRight += run;
-        remaining -= run;
-    }
+    cadreScrise += frames;
+    // Of a block longer than the ring only the end would stay.
+    const std::int64_t kept = std::min(frames, capacity_);
+    const std::int64_t skipped = frames - kept;
+    forRingPieces(static_cast<std::uint64_t>(writeFrame + skipped), static_cast<std::size_t>(kept),
+                  left.size(), [&](std::size_t index, std::size_t offset, std::size_t count) {
+                      const std::size_t from = static_cast<std::size_t>(skipped) + offset;
+                      std::copy_n(sourceLeft + from, count, left.data() + index);
+                      std::copy_n(sourceRight + from, count, right.data() + index);
+                  });
+    writeFrame += frames;
     const std::int64_t overflow = writeFrame - readFrame - capacity_;
     if (overflow > 0) {
         cadreTaiate += overflow;
@@ -47,21 +49,18 @@ void AudioRingBuffer::read(const AudioBufferList &into, std::int64_t frameCount)
     const std::lock_guard guard(lock);
     cadreCitite += frameCount;
     const std::int64_t toCopy = std::min(writeFrame - readFrame, frameCount);
-    std::int64_t copied = 0;
-    while (copied < toCopy) {
-        const std::int64_t index = readFrame % capacity_;
-        const std::int64_t run = std::min(capacity_ - index, toCopy - copied);
-        std::copy_n(left.data() + index, run, destinationLeft + copied);
-        if (destinationRight != nullptr)
-            std::copy_n(right.data() + index, run, destinationRight + copied);
-        readFrame += run;
-        copied += run;
-    }
-    const std::int64_t shortfall = frameCount - copied;
+    forRingPieces(static_cast<std::uint64_t>(readFrame), static_cast<std::size_t>(toCopy),
+                  left.size(), [&](std::size_t index, std::size_t offset, std::size_t count) {
+                      std::copy_n(left.data() + index, count, destinationLeft + offset);
+                      if (destinationRight != nullptr)
+                          std::copy_n(right.data() + index, count, destinationRight + offset);
+                  });
+    readFrame += toCopy;
+    const std::int64_t shortfall = frameCount - toCopy;
     cadreDeTacere += shortfall;
-    std::fill_n(destinationLeft + copied, shortfall, 0.0F);
+    std::fill_n(destinationLeft + toCopy, shortfall, 0.0F);
     if (destinationRight != nullptr)
-        std::fill_n(destinationRight + copied, shortfall, 0.0F);
+        std::fill_n(destinationRight + toCopy, shortfall, 0.0F);
 }
 
 AudioRingBuffer::Pierderi AudioRingBuffer::preiaPierderi() noexcept {

@@ -1,10 +1,10 @@
 #include "analysis/SpectrumAnalyzer.h"
 
-#include "analysis/SpectrumRing.h"
 #include "platform/graph/GraphFixture.h"
 #include "platform/graph/MixerNode.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/threads/ManualClock.h"
+#include "platform/threads/SampleRing.h"
 
 #include <gtest/gtest.h>
 
@@ -239,8 +239,8 @@ std::vector<float> counting(std::size_t count, float first) {
     return samples;
 }
 
-TEST(SpectrumRing, GivesNothingBeforeThereIsEnough) {
-    SpectrumRing ring(4096);
+TEST(SampleRing, GivesNothingBeforeThereIsEnough) {
+    SampleRing ring(4096);
     std::vector<float> into(2048, -1.0F);
     EXPECT_FALSE(ring.snapshot(into));
     ring.write(counting(2047, 0.0F));
@@ -251,8 +251,8 @@ TEST(SpectrumRing, GivesNothingBeforeThereIsEnough) {
     EXPECT_EQ(into, counting(2048, 0.0F));
 }
 
-TEST(SpectrumRing, GivesTheNewestInTimeOrderWhereverTheEndOfTheStorageFalls) {
-    SpectrumRing ring(4096);
+TEST(SampleRing, GivesTheNewestInTimeOrderWhereverTheEndOfTheStorageFalls) {
+    SampleRing ring(4096);
     std::vector<float> into(2048);
     std::size_t written = 0;
     for (const std::size_t piece : {3000UL, 1095UL, 2UL, 511UL, 4096UL, 10000UL, 1UL, 2049UL}) {

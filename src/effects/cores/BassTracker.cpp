@@ -5,7 +5,7 @@
 
 namespace quorbel {
 
-std::optional<float> BassTracker::estimate(const AnalysisRing &ring, std::uint64_t end,
+std::optional<float> BassTracker::estimate(const SampleRing &ring, std::uint64_t end,
                                            float sampleRate) {
     constexpr float lowestHz = 30.0F;
     constexpr float highestHz = 200.0F;

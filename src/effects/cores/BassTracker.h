@@ -1,7 +1,7 @@
 #pragma once
 
-#include "effects/cores/AnalysisRing.h"
 #include "effects/cores/PowerSpectrum.h"
+#include "platform/threads/SampleRing.h"
 
 #include <cstdint>
 #include <optional>
@@ -14,7 +14,7 @@ class BassTracker {
   public:
     /// Returns the centre of the 4096 frames before frame `end` of the ring, 40 to 150 Hz. Empty if
     /// frames are missing or hold too little bass.
-    [[nodiscard]] std::optional<float> estimate(const AnalysisRing &ring, std::uint64_t end,
+    [[nodiscard]] std::optional<float> estimate(const SampleRing &ring, std::uint64_t end,
                                                 float sampleRate);
 
   private:

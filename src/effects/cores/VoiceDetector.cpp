@@ -5,7 +5,7 @@
 
 namespace quorbel {
 
-std::optional<float> VoiceDetector::voiceRatio(const AnalysisRing &ring, std::uint64_t end,
+std::optional<float> VoiceDetector::voiceRatio(const SampleRing &ring, std::uint64_t end,
                                                float sampleRate) {
     constexpr double smallestPower = 1.0;
     constexpr int lastBin = static_cast<int>(PowerSpectrum::bins) - 1;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "effects/cores/AnalysisRing.h"
 #include "effects/cores/PowerSpectrum.h"
+#include "platform/threads/SampleRing.h"
 
 #include <cstdint>
 #include <optional>
@@ -14,7 +14,7 @@ class VoiceDetector {
   public:
     /// Returns the power from 300 to 4000 Hz over that from 60 to 10 000 Hz, for the 4096 frames
     /// before frame `end` of the ring. Empty if frames are missing or hold too little sound.
-    [[nodiscard]] std::optional<float> voiceRatio(const AnalysisRing &ring, std::uint64_t end,
+    [[nodiscard]] std::optional<float> voiceRatio(const SampleRing &ring, std::uint64_t end,
                                                   float sampleRate);
 
     /// 0 for a ratio of 0.3 or less, 1 for 0.6 or more, linear in between.

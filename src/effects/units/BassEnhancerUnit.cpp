@@ -1,13 +1,13 @@
 #include "effects/units/BassEnhancerUnit.h"
 
 #include "effects/PlainCell.h"
-#include "effects/cores/AnalysisRing.h"
 #include "effects/cores/BassEnhancerCore.h"
 #include "effects/cores/BassTracker.h"
 #include "effects/cores/EnhancerPass.h"
 #include "effects/units/MSWidenerUnit.h"
 #include "effects/units/SpatializerUnit.h"
 #include "effects/units/VoiceEnhancerUnit.h"
+#include "platform/threads/SampleRing.h"
 
 #include <algorithm>
 #include <array>
@@ -32,7 +32,7 @@ struct BassEnhancerUnit::State {
     PlainCell sampleRateStorage{48'000.0F};
     PlainCell detectedFundamentalStorage{80.0F}; // Hz; written by the analysis, kept by allocation
     BassEnhancerCore core;
-    AnalysisRing ring; // kept by allocation
+    SampleRing ring{RingAnalysis::ringCapacity}; // kept by allocation
 
     /// Adds the stage's work on a block to `pass`; parameters in their set units. [render]
     void addTo(EnhancerPass &pass, float amountPercent, float driveFactor, float setCrossover,
@@ -98,7 +98,7 @@ RenderBlock BassEnhancerUnit::internalRenderBlock() {
         state->addTo(pass, amountStorage->taken(), driveStorage->taken(), crossoverStorage->taken(),
                      adaptiveStorage->taken());
         // The analysis hears the unprocessed sound.
-        state->ring.feed(buffers.data[0], buffers.data[1], frames);
+        state->ring.writeMean(buffers.data[0], buffers.data[1], frames);
         enhance(pass, buffers.data[0], buffers.data[1], frames);
     });
 }
@@ -124,7 +124,7 @@ bool BassEnhancerUnit::renderJoined(std::span<AudioUnit *const> joined, AudioBuf
     voice.addTo(pass);
     widener.addTo(pass, frames);
     spatializer.addTo(pass);
-    state_->ring.feed(buffers.data[0], buffers.data[1], frames);
+    state_->ring.writeMean(buffers.data[0], buffers.data[1], frames);
     enhance(pass, buffers.data[0], buffers.data[1], frames);
     voice.feedAnalysis(frames);
     return true;

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "effects/PlainCell.h"
-#include "effects/cores/AnalysisRing.h"
+#include "platform/threads/SampleRing.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace quorbel {
@@ -11,12 +12,14 @@ namespace quorbel {
 /// every 50 ms. Belongs to one thread at a time.
 class RingAnalysis {
   public:
-    /// Both must outlive it.
-    RingAnalysis(const AnalysisRing &ring, PlainCell &result) : ring_(ring), result_(result) {}
+    /// Both must outlive it; `ring` has `ringCapacity`.
+    RingAnalysis(const SampleRing &ring, PlainCell &result) : ring_(ring), result_(result) {}
     virtual ~RingAnalysis() = default;
     RingAnalysis(const RingAnalysis &) = delete;
     RingAnalysis &operator=(const RingAnalysis &) = delete;
 
+    /// Capacity of the ring, in samples: two thirds of a second at 48 kHz.
+    static constexpr std::size_t ringCapacity = 32768;
     static constexpr double firstSeconds = 0.1;
     static constexpr double intervalSeconds = 0.05;
 
@@ -39,7 +42,7 @@ class RingAnalysis {
     [[nodiscard]] virtual float follow(float before, std::uint64_t end) = 0;
 
   private:
-    const AnalysisRing &ring_;
+    const SampleRing &ring_;
     PlainCell &result_;
     float sampleRate_ = 48'000.0F;
     std::uint64_t interval_ = 2400; ///< frames

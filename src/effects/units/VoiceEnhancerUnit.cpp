@@ -1,10 +1,10 @@
 #include "effects/units/VoiceEnhancerUnit.h"
 
 #include "effects/PlainCell.h"
-#include "effects/cores/AnalysisRing.h"
 #include "effects/cores/EnhancerPass.h"
 #include "effects/cores/VoiceDetector.h"
 #include "effects/cores/VoiceEnhancerCore.h"
+#include "platform/threads/SampleRing.h"
 
 #include <array>
 #include <cstdint>
@@ -29,7 +29,7 @@ struct VoiceEnhancerUnit::State {
     PlainCell sampleRateStorage{48'000.0F};
     PlainCell confidenceStorage{0.0F}; // 0 to 1; written by the analysis, kept by allocation
     VoiceEnhancerCore core;
-    AnalysisRing ring;                            // kept by allocation
+    SampleRing ring{RingAnalysis::ringCapacity};  // kept by allocation
     std::array<float, maximumBlockFrames> mono{}; // the input of a block that is part of a pass
 
     /// Adds the stage's work on a block to `pass`; parameters in their set units. [render]
@@ -96,7 +96,7 @@ RenderBlock VoiceEnhancerUnit::internalRenderBlock() {
         if (buffers.bufferCount < 2)
             return;
         // The analysis hears the unprocessed sound, even while the unit rests.
-        state->ring.feed(buffers.data[0], buffers.data[1], frames);
+        state->ring.writeMean(buffers.data[0], buffers.data[1], frames);
         EnhancerPass pass;
         state->addTo(pass, amountStorage->taken(), presenceGainStorage->taken(),
                      mudCutStorage->taken(), adaptiveStorage->taken());
@@ -113,7 +113,7 @@ void VoiceEnhancerUnit::addTo(EnhancerPass &pass) noexcept {
 
 void VoiceEnhancerUnit::feedAnalysis(std::uint32_t frames) noexcept {
     // The mean of two equal channels is exactly their value.
-    state_->ring.feed(state_->mono.data(), state_->mono.data(), frames);
+    state_->ring.writeMean(state_->mono.data(), state_->mono.data(), frames);
 }
 
 float VoiceEnhancerUnit::readout() const noexcept { return state_->confidenceStorage.load(); }

@@ -1,5 +1,7 @@
 #include "platform/graph/NodeTap.h"
 
+#include "platform/core/RingPieces.h"
+
 #include <algorithm>
 #include <cassert>
 #include <utility>
@@ -21,8 +23,10 @@ class NodeTap::Ring {
                 buffers.data[std::min(channel, std::max(buffers.bufferCount, 1U) - 1)];
             if (source == nullptr)
                 continue;
-            for (std::uint32_t i = 0; i < frames; ++i)
-                samples_[slot(channel, begin + i)] = source[i];
+            forRingPieces(begin, frames, capacity,
+                          [&](std::size_t index, std::size_t offset, std::size_t count) {
+                              std::copy_n(source + offset, count, plane(channel) + index);
+                          });
         }
         written_.store(begin + frames, std::memory_order_release);
     }
@@ -37,8 +41,10 @@ class NodeTap::Ring {
         buffer.setFrameLength(frames);
         for (std::uint32_t channel = 0; channel < channels; ++channel)
             if (float *target = buffer.channelData(channel))
-                for (std::uint32_t i = 0; i < frames; ++i)
-                    target[i] = samples_[slot(channel, begin + i)];
+                forRingPieces(begin, frames, capacity,
+                              [&](std::size_t index, std::size_t offset, std::size_t count) {
+                                  std::copy_n(plane(channel) + index, count, target + offset);
+                              });
         read_.store(begin + frames, std::memory_order_release);
         return true;
     }
@@ -52,8 +58,8 @@ class NodeTap::Ring {
 
   private:
     static constexpr std::uint32_t channels = 2;
-    static std::size_t slot(std::uint32_t channel, std::uint64_t position) {
-        return channel * capacity + static_cast<std::size_t>(position % capacity);
+    [[nodiscard]] float *plane(std::uint32_t channel) noexcept {
+        return samples_.data() + std::size_t{channel} * capacity;
     }
 
     std::vector<float> samples_ = std::vector<float>(std::size_t{channels} * capacity);
