@@ -1,6 +1,7 @@
 #include "platform/dsp/SectionDesign.h"
 
 #include "platform/dsp/AnalogPrototype.h"
+#include "platform/dsp/LevenbergMarquardt.h"
 
 #include <algorithm>
 #include <array>
@@ -214,48 +215,18 @@ class SectionFit {
                     normal[row][column] += squaredWeight * slope[row] * slope[column];
             }
         }
-        for (int attempt = 0; attempt < 8; ++attempt) {
-            const Unknowns step = solve(normal, gradient, damping);
+        const auto accept = [&](const Unknowns &step) {
             Unknowns next = unknowns_;
             for (std::size_t i = 0; i < unknownCount_; ++i)
                 next[i] += std::clamp(-step[i], -1.0, 1.0);
             const double nextCost = costOf(next);
-            if (nextCost < cost) { // never true for NaN
-                unknowns_ = next;
-                cost = nextCost;
-                damping *= 0.2;
-                return true;
-            }
-            damping *= 5.0;
-        }
-        return false;
-    }
-
-    /// (normal + damping · its diagonal)⁻¹ · gradient, by elimination with row exchange.
-    [[nodiscard]] Unknowns solve(std::array<Unknowns, 4> normal, Unknowns right,
-                                 double damping) const {
-        const std::size_t n = unknownCount_;
-        for (std::size_t i = 0; i < n; ++i)
-            normal[i][i] = normal[i][i] * (1.0 + damping) + 1e-9;
-        for (std::size_t column = 0; column < n; ++column) {
-            std::size_t pivot = column;
-            for (std::size_t row = 0; row < n; ++row) // from 0: GCC 14 misjudges a later start
-                if (row > column && std::abs(normal[row][column]) > std::abs(normal[pivot][column]))
-                    pivot = row;
-            std::swap(normal[pivot], normal[column]);
-            std::swap(right[pivot], right[column]);
-            for (std::size_t row = 0; row < n; ++row) {
-                if (row == column)
-                    continue;
-                const double factor = normal[row][column] / normal[column][column];
-                for (std::size_t i = column; i < n; ++i)
-                    normal[row][i] -= factor * normal[column][i];
-                right[row] -= factor * right[column];
-            }
-        }
-        for (std::size_t i = 0; i < n; ++i)
-            right[i] /= normal[i][i];
-        return right;
+            if (!(nextCost < cost)) // true for NaN, too
+                return false;
+            unknowns_ = next;
+            cost = nextCost;
+            return true;
+        };
+        return levenbergMarquardtStep(normal, gradient, unknownCount_, {}, damping, accept);
     }
 
     [[nodiscard]] StateVariableDesign result() const {

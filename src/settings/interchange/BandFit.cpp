@@ -1,5 +1,6 @@
 #include "settings/interchange/BandFit.h"
 
+#include "platform/dsp/LevenbergMarquardt.h"
 #include "settings/interchange/BandResponse.h"
 #include "settings/records/PlayedFilterType.h"
 
@@ -175,11 +176,10 @@ class MovingBands {
                 double product = 0.0;
                 for (std::size_t point = 0; point < gridPoints; ++point)
                     product += counted[point] * slope[row][point] * slope[column][point];
-                normal[row][column] = product;
+                normal[row][column] = normal[column][row] = product;
             }
         }
-        for (int attempt = 0; attempt < 8; ++attempt) {
-            const Curve step = solve(normal, gradient, damping);
+        const auto accept = [&](const Curve &step) {
             std::vector<EQBand> next = bands_;
             std::vector<Curve> nextCurves;
             for (std::size_t i = 0; i < next.size(); ++i) {
@@ -188,43 +188,16 @@ class MovingBands {
             }
             std::swap(curves_, nextCurves);
             const double nextCost = costOf(sum(), target_);
-            if (nextCost < cost) { // never true for NaN
-                bands_ = std::move(next);
-                cost = nextCost;
-                damping = std::max(damping * 0.2, 1e-9);
-                return true;
+            if (!(nextCost < cost)) { // true for NaN, too
+                std::swap(curves_, nextCurves);
+                return false;
             }
-            std::swap(curves_, nextCurves);
-            damping *= 5.0;
-        }
-        return false;
-    }
-
-    /// (normal + damping · its diagonal)⁻¹ · right by Cholesky's decomposition; `normal` is the
-    /// lower triangle of a symmetric matrix, with ones where an unknown has no effect.
-    static Curve solve(std::vector<Curve> normal, Curve right, double damping) {
-        const std::size_t n = right.size();
-        for (std::size_t row = 0; row < n; ++row) {
-            normal[row][row] = normal[row][row] * (1.0 + damping) + 1e-6;
-            for (std::size_t column = 0; column <= row; ++column) {
-                double value = normal[row][column];
-                for (std::size_t k = 0; k < column; ++k)
-                    value -= normal[row][k] * normal[column][k];
-                normal[row][column] = row == column ? std::sqrt(std::max(value, 1e-12))
-                                                    : value / normal[column][column];
-            }
-        }
-        for (std::size_t row = 0; row < n; ++row) {
-            for (std::size_t k = 0; k < row; ++k)
-                right[row] -= normal[row][k] * right[k];
-            right[row] /= normal[row][row];
-        }
-        for (std::size_t row = n; row-- > 0;) {
-            for (std::size_t k = row + 1; k < n; ++k)
-                right[row] -= normal[k][row] * right[k];
-            right[row] /= normal[row][row];
-        }
-        return right;
+            bands_ = std::move(next);
+            cost = nextCost;
+            return true;
+        };
+        return levenbergMarquardtStep(normal, gradient, n, {.ridge = 1e-6, .smallestDamping = 1e-9},
+                                      damping, accept);
     }
 
     std::vector<EQBand> bands_;
