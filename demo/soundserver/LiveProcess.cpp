@@ -1,5 +1,6 @@
 #include "soundserver/LiveProcess.h"
 
+#include "soundserver/Levels.h"
 #include "soundserver/ProcessUsage.h"
 #include "soundserver/Waiting.h"
 
@@ -25,10 +26,8 @@ std::string writeSettings(const PrivateSoundServer &server, const LiveSettings &
 
 LiveSettings LiveSettings::flat(double globalGainDB) {
     LiveSettings settings;
-    for (const double hz :
-         {31.5, 63.0, 125.0, 250.0, 500.0, 1000.0, 2000.0, 4000.0, 8000.0, 16000.0}) {
+    for (const double hz : octaveCentresHz)
         settings.bands.push_back({hz, 0.0, 1.0, "parametric"});
-    }
     settings.eqGlobalGainDB = globalGainDB;
     return settings;
 }

@@ -9,7 +9,7 @@ namespace quorbel {
 
 namespace {
 
-constexpr StreamFormat standardFormat{48000.0, 2};
+constexpr StreamFormat standardFormat{chainSampleRate, 2};
 
 } // namespace
 

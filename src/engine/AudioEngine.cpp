@@ -11,7 +11,7 @@
 namespace quorbel {
 namespace {
 
-constexpr std::int64_t ringBufferFrames = 48000; // one second
+constexpr auto ringBufferFrames = static_cast<std::int64_t>(chainSampleRate); // one second
 
 /// Constant read-outs after which the refreshing rests: an analysis changes a reading at least at
 /// every second of its ticks, and makes several ticks in this time.

@@ -5,7 +5,6 @@
 namespace quorbel {
 
 /// The format of the ring buffer and of every stage up to the main mixer.
-inline constexpr double chainSampleRate = 48000.0; // Hz
 inline constexpr StreamFormat chainFormat{.sampleRate = chainSampleRate, .channelCount = 2};
 
 /// Rates that differ by less are equal, read with different precision.

@@ -62,7 +62,7 @@ class ChainLoudness {
         static constexpr auto order = std::memory_order_relaxed;
 
         const Before &before_;
-        double sampleRate_ = 48000.0;
+        double sampleRate_ = chainSampleRate;
         KWeighting weighting_{sampleRate_};
         std::uint32_t weightFrames_ = 0; ///< block length of `weight_`
         double weight_ = 0.0;            ///< weight of a block in the means

@@ -19,8 +19,6 @@
 
 namespace quorbel {
 
-static_assert(OfflineRenderer::sampleRate == chainSampleRate);
-
 struct OfflineRenderer::State {
     ManualClock clock;
     SerialQueueFactory queues = clockedSerialQueues(clock);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "analysis/SpectrumAnalyzer.h"
+#include "engine/ChainFormat.h"
 #include "engine/ChainSettings.h"
 #include "engine/MeterReadings.h"
 #include "platform/core/AudioBufferList.h"
@@ -19,7 +20,7 @@ namespace quorbel {
 /// frames as the input and keeps the stages' delay. All calls on the thread that made the renderer.
 class OfflineRenderer {
   public:
-    static constexpr double sampleRate = 48000.0; ///< Hz
+    static constexpr double sampleRate = chainSampleRate; ///< Hz
 
     /// Throws std::runtime_error if the chain cannot be started.
     explicit OfflineRenderer(const ChainSettings &settings);

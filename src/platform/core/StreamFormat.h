@@ -4,6 +4,9 @@
 
 namespace quorbel {
 
+/// Sample rate in Hz of the processing chain, which a format has until another one is known.
+inline constexpr double chainSampleRate = 48000.0;
+
 /// A stream of 32-bit floats, non-interleaved: one plane of samples per channel.
 struct StreamFormat {
     double sampleRate = 0.0; ///< Hz

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/core/StreamFormat.h"
 #include "platform/dsp/SectionDesign.h"
 #include "settings/records/EQBand.h"
 
@@ -8,7 +9,7 @@
 namespace quorbel {
 
 /// The highest frequency a band is played at, in Hz, at the chain's rate.
-inline constexpr double playedTopFrequencyHz = maximumBandFrequencyRatio * 48000.0;
+inline constexpr double playedTopFrequencyHz = maximumBandFrequencyRatio * chainSampleRate;
 /// The range of Q that is played; beyond it the nearer end is.
 [[nodiscard]] double lowestPlayedQ();
 [[nodiscard]] double highestPlayedQ();

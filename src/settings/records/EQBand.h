@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/core/OctaveBands.h"
 #include "settings/records/Uuid.h"
 
 #include <algorithm>
@@ -34,9 +35,8 @@ struct EQBand {
 
 inline std::vector<EQBand> EQBand::defaultBands() {
     std::vector<EQBand> bands;
-    for (const float frequency :
-         {31.5F, 63.0F, 125.0F, 250.0F, 500.0F, 1000.0F, 2000.0F, 4000.0F, 8000.0F, 16000.0F})
-        bands.push_back(EQBand{.frequency = frequency});
+    for (const double hz : octaveBandsHz)
+        bands.push_back(EQBand{.frequency = static_cast<float>(hz)});
     bands.front().filterType = FilterType::lowShelf;
     bands.back().filterType = FilterType::highShelf;
     return bands;

@@ -1,5 +1,6 @@
 #include "ui/dotmatrix/DotCurve.h"
 
+#include "platform/core/OctaveBands.h"
 #include "ui/dotmatrix/DotPainter.h"
 
 #include <algorithm>
@@ -13,8 +14,6 @@ constexpr double latticePitch = 8;
 constexpr double inset = 4; // of the plot in the item
 constexpr double lowestHz = 20;
 constexpr double decades = 3; // up to 20 kHz
-constexpr std::array<double, 10> octavesHz = {31.5, 63,   125,  250,  500,
-                                              1000, 2000, 4000, 8000, 16000};
 
 // Distances and diameters along the curves, device-independent pixels.
 constexpr double latticeDot = 2;
@@ -99,7 +98,7 @@ void DotCurve::setDimmed(bool dimmed) {
     }
 }
 
-QList<double> DotCurve::octaves() { return {octavesHz.begin(), octavesHz.end()}; }
+QList<double> DotCurve::octaves() { return {octaveBandsHz.begin(), octaveBandsHz.end()}; }
 
 void DotCurve::setOctaveMarks(bool show) {
     if (take(octaveMarks_, show)) {
@@ -164,7 +163,7 @@ void DotCurve::layOut() {
     for (int row = -rowsAbove; row <= rowsAbove; ++row)
         rows_.push_back({.place = height() / 2 - row * rowPitch()});
     if (octaveMarks_)
-        for (const double hz : octavesHz)
+        for (const double hz : octaveBandsHz)
             mark(columns_, xOfFrequency(hz));
     for (const double height : markedHeights_)
         mark(rows_, yOfHeight(height));
