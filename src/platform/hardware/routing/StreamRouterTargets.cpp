@@ -53,7 +53,7 @@ void StreamRouter::learnTarget(const NodeRecord &node) {
                       commands_.expected(node.id, targetNodeKey));
 }
 
-/// Puts the target that a program remembers into the routes of all its streams.
+/// Puts the remembered target of a program into the routes of all its streams.
 void StreamRouter::shareTarget(const NodeRecord &of) {
     const std::string target = memory_.of(of);
     for (auto &[id, stream] : streams_) {
@@ -70,8 +70,8 @@ void StreamRouter::shareTarget(const NodeRecord &of) {
 }
 
 /// True while the session manager may still restore the target of a new stream. If we wrote an
-/// equal value before, its write would raise no event, and the target would not be known as the
-/// stream's.
+/// equal value before it, the session manager's write would raise no event, and the target would
+/// not be known as the stream's.
 bool StreamRouter::isRestoring(const NodeRecord &node, const Stream &stream) const {
     return commands_.seconds() - stream.appearedAt < settleSeconds && !stream.route.targetObject &&
            !stream.route.targetNode && node.property("target.object").empty() &&

@@ -107,7 +107,7 @@ std::set<std::uint32_t> hearersOf(const ServerObjects &objects, std::uint32_t no
                 add(link.inputNodeID);
         if (listener == nullptr || from == nodeID || isPlayback(*listener))
             continue;
-        // The only sink that plays on the sound it receives is the output half of a virtual one.
+        // A sink passes its sound on only if it is virtual, through its output half.
         const bool isSink = isOutputDevice(*listener);
         if (isSink && listener->property("node.link-group").empty())
             continue;
