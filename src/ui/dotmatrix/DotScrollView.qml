@@ -15,7 +15,6 @@ T.ScrollView {
     implicitWidth: 25 * Theme.unit
     implicitHeight: 25 * Theme.unit
 
-
     // Not among the contents: they would be taken before the scroll bars are there, which then show no size.
     readonly property Item grip: FocusArea {
         id: grip

@@ -58,12 +58,22 @@ void addScrollableParts(QQuickItem *item, std::vector<QQuickItem *> &parts) {
         parts.push_back(item);
 }
 
+/// True if the focus is in the part, or in the scroll view around it.
+bool holdsFocus(const QQuickItem *part) {
+    const QQuickItem *const around = part->parentItem();
+    const bool isOfView = around != nullptr && around->inherits("QQuickScrollView");
+    const QQuickItem *const area = isOfView ? around : part;
+    const QQuickItem *const focused = part->window()->activeFocusItem();
+    return focused != nullptr && (focused == area || area->isAncestorOf(focused));
+}
+
 } // namespace
 
 bool PageScroll::scroll(QQuickItem *page, int key) {
     std::vector<QQuickItem *> parts;
     if (isScrollKey(key))
         addScrollableParts(page, parts);
+    std::ranges::stable_partition(parts, holdsFocus);
     for (QQuickItem *view : parts) {
         const bool isList = view->inherits("QQuickItemView");
         if (isList && (view->hasActiveFocus() || key == Qt::Key_Home || key == Qt::Key_End)) {

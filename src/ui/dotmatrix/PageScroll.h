@@ -13,8 +13,9 @@ class PageScroll final : public QObject {
   public:
     using QObject::QObject;
 
-    /// Scrolls the innermost part of `page` that is higher than its frame and not at its end yet.
-    /// False where nothing is higher or the key does not scroll.
+    /// Scrolls one of the parts of `page` that are higher than their frames and not at their ends:
+    /// the innermost one around the focus, or else the innermost of all. Returns false without such
+    /// a part, or if the key does not scroll.
     bool scroll(QQuickItem *page, int key);
     /// Stops holding a list at its end: the user moves elsewhere.
     void letGo() { framesLeft_ = 0; }

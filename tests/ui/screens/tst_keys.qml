@@ -390,6 +390,25 @@ ScreenTest {
         tryVerify(() => showsEnd(view, false));
     }
 
+    function test_keys_scroll_the_part_that_has_the_focus() {
+        resize(1020, 200);
+        open("limiter");
+        const inner = part("screenPage").contentItem;
+        let outer = part("screenPage").parent;
+        while (!(outer.contentHeight > outer.height + 1))
+            outer = outer.parent;
+        outer.parent.grip.forceActiveFocus();
+        keyClick(Qt.Key_PageDown);
+        verify(outer.contentY > 0);
+        compare(inner.contentY, 0);
+        part("screenPage").grip.forceActiveFocus();
+        outer.contentY = 0;
+        keyClick(Qt.Key_PageDown);
+        verify(inner.contentY > 0);
+        compare(outer.contentY, 0);
+        take("Start", "Button"); // of the toolbar
+    }
+
     function test_the_wheel_is_for_the_control_that_has_the_focus() {
         resize(1020, 440);
         open("limiter");
