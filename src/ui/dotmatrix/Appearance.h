@@ -16,14 +16,14 @@ class Appearance final : public QObject {
     Q_OBJECT
 
   public:
-    static Appearance &instance();
+    [[nodiscard]] static Appearance &instance();
 
     [[nodiscard]] bool highContrast() const { return highContrast_; }
     [[nodiscard]] bool reducedMotion() const { return reducedMotion_; }
     /// Size of text, 1 to 2, where 1 is the size that the window is drawn for: the application
     /// font's size over 10 points. A smaller font changes nothing.
     [[nodiscard]] double textScale() const { return textScale_; }
-    const Palette &palette() const { return paletteFor(highContrast_); }
+    [[nodiscard]] const Palette &palette() const { return paletteFor(highContrast_); }
 
     void setHighContrast(bool on);
     void setReducedMotion(bool on);

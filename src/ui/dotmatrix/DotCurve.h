@@ -57,7 +57,7 @@ class DotCurve : public quorbel::DotItem {
     [[nodiscard]] bool isDimmed() const { return dimmed_; }
     void setDimmed(bool dimmed);
     /// The octaves of the axis in Hz: 31.5, 63, 125 ... 16000.
-    static QList<double> octaves();
+    [[nodiscard]] static QList<double> octaves();
     /// Darker columns at the octaves.
     [[nodiscard]] bool octaveMarks() const { return octaveMarks_; }
     void setOctaveMarks(bool show);

@@ -24,11 +24,11 @@ struct Glyph {
     [[nodiscard]] bool lit(int column, int row) const { return (bits[row] >> (4 - column)) & 1; }
 };
 
-Glyph glyph(QChar character);
-bool has(QChar character);
+[[nodiscard]] Glyph glyph(QChar character);
+[[nodiscard]] bool has(QChar character);
 
 /// Columns of dots that the text takes, with one dark column between characters.
-int columns(const QString &text);
+[[nodiscard]] int columns(const QString &text);
 
 } // namespace dotFont
 } // namespace quorbel
