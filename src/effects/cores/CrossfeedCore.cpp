@@ -1,5 +1,7 @@
 #include "effects/cores/CrossfeedCore.h"
 
+#include "effects/cores/LinearRamp.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -14,11 +16,10 @@ constexpr std::uint32_t crossfeedChunkFrames = 128;
 class CrossingMix {
   public:
     CrossingMix(float previous, float target, std::uint32_t frames) noexcept
-        : from_(frames > 1 ? previous : target), step_(target - from_),
-          last_(frames > 1 ? static_cast<float>(frames - 1) : 1.0F) {}
+        : ramp_(previous, target, frames) {}
 
     template <typename Samples> [[nodiscard]] Samples amount(Samples frame) const noexcept {
-        return from_ + step_ * frame / last_;
+        return ramp_.from() + ramp_.step() * frame / ramp_.last();
     }
 
     /// `crossing` is the other channel's part.
@@ -29,9 +30,7 @@ class CrossingMix {
     }
 
   private:
-    float from_;
-    float step_;
-    float last_;
+    LinearRamp ramp_;
 };
 
 } // namespace
