@@ -56,18 +56,6 @@ TEST_F(EQProcessorTest, CopiesEveryFieldOfEveryBandOntoTheNode) {
     EXPECT_EQ(processor.eq().globalGainDB(), -40.0F);
 }
 
-TEST_F(EQProcessorTest, ListsLongerAndShorterThanTheNode) {
-    std::vector<EQBand> twelve(12, EQBand{.frequency = 777.0F});
-    processor.setBands(twelve);
-    EXPECT_EQ(processor.eq().bandCount(), 10U);
-    EXPECT_EQ(processor.bands().size(), 12U);
-    EXPECT_EQ(processor.eq().band(9).frequencyHz, 777.0F);
-
-    processor.setBands(std::vector<EQBand>(8, EQBand{.frequency = 55.0F}));
-    EXPECT_EQ(processor.eq().band(7).frequencyHz, 55.0F);
-    EXPECT_EQ(processor.eq().band(8).frequencyHz, 777.0F);
-}
-
 TEST(ToneEqualizerTest, HasTheThreeBandsAndMovesOnlyTheirGains) {
     ToneEqualizer tone;
     tone.setGainsDB({0.0F, 4.0F, -5.0F});

@@ -1,7 +1,6 @@
-// What every effect unit of the chain promises, whatever it does to the sound.
+// The promises that all effect units of the chain share.
 
 #include "effects/EffectComponents.h"
-#include "effects/GainTestUnit.h"
 #include "effects/UnitHarness.h"
 #include "effects/units/BassEnhancerUnit.h"
 #include "effects/units/LimiterUnit.h"
@@ -25,11 +24,11 @@ namespace {
 using testing::RealtimeGuard;
 using testing::RealtimeViolations;
 
-/// What a unit declares where units may differ.
+/// Declarations of a unit where units may differ.
 struct EffectTraits {
     /// Parameter values at which it changes nothing.
     std::map<ParameterAddress, float> neutral{};
-    /// What rounding may change then, of full scale; 0: nothing, bit by bit.
+    /// Largest rounding error then, of full scale; 0: equal bit by bit.
     double neutralRounding = 0.0;
     /// Whether one channel's sound may reach the other at other settings.
     bool mixesChannels = false;
@@ -48,26 +47,9 @@ const std::map<std::string, EffectTraits> &traits() {
          {.neutral = {{SpatializerUnit::amount, 0.0F}},
           .neutralRounding = 1e-6,
           .mixesChannels = true}},
-        {"Test", {.neutral = {{GainTestUnit::enabled, 0.0F}}}},
         {"VoiceEnhancer", {.neutral = {{VoiceEnhancerUnit::amount, 0.0F}}}},
     };
     return table;
-}
-
-EffectComponent testComponent() {
-    return {gainTestDescription, "Test",
-            [](const ComponentDescription &description, InstantiationOptions options,
-               const SerialQueueFactory &) -> std::unique_ptr<AudioUnit> {
-                return std::make_unique<GainTestUnit>(description, options);
-            }};
-}
-
-std::vector<EffectComponent> existingComponents() {
-    std::vector<EffectComponent> result{testComponent()};
-    for (const EffectComponent &component : effectComponents())
-        if (component.make != nullptr)
-            result.push_back(component);
-    return result;
 }
 
 struct EffectContractTest : ::testing::TestWithParam<EffectComponent> {
@@ -113,6 +95,23 @@ TEST_P(EffectContractTest, WithoutAnInputItReportsSoAndTouchesNothing) {
     AudioBufferList view = sound.view();
     EXPECT_EQ(notConnected(harness.unit().internalRenderBlock(), view, 256), -10876);
     EXPECT_EQ(sound, noise(256));
+}
+
+TEST_P(EffectContractTest, ItsParametersAndRenderBlockMayOutliveIt) {
+    auto unit = make();
+    const auto tree = unit->parameterTree();
+    const RenderBlock block = unit->internalRenderBlock();
+    std::string error;
+    ASSERT_EQ(unit->allocateRenderResources(error), statusOK);
+    unit.reset();
+    for (const auto &parameter : tree->allParameters())
+        parameter->setValue(parameter->value() + 1.0F);
+    Sound sound = noise(64);
+    AudioBufferList view = sound.view();
+    RenderActionFlags flags = 0;
+    const PullInputBlock ready = [](RenderActionFlags &, const RenderTime &, std::uint32_t,
+                                    std::int32_t, AudioBufferList &) { return statusOK; };
+    EXPECT_EQ(block(flags, {}, 64, 0, view, nullptr, ready), statusOK);
 }
 
 TEST_P(EffectContractTest, AFailedPullIsReturnedAndLeavesNoTrace) {
@@ -256,7 +255,7 @@ TEST_P(EffectContractTest, AllocatedAgainItIsAsNew) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Units, EffectContractTest, ::testing::ValuesIn(existingComponents()),
+INSTANTIATE_TEST_SUITE_P(Units, EffectContractTest, ::testing::ValuesIn(effectComponents()),
                          [](const auto &instance) { return std::string(instance.param.name); });
 
 } // namespace

@@ -8,7 +8,6 @@
 #include <cmath>
 #include <map>
 #include <random>
-#include <string>
 #include <vector>
 
 namespace quorbel {
@@ -29,7 +28,7 @@ class UnitModel {
 };
 
 /// Plays `sound` through unit and model in blocks of irregular lengths (single frames among them),
-/// going on to the next of `schedule` every ten blocks. Returns the largest difference.
+/// moving to the next of `schedule` every ten blocks. Returns the largest difference.
 inline double differenceFromModel(UnitHarness &unit, UnitModel &model, const Sound &sound,
                                   const std::vector<Settings> &schedule) {
     std::mt19937 random(17);
@@ -74,7 +73,7 @@ struct ModelSection {
     }
 };
 
-/// Where a linear change over a block of `count` frames stands at frame `i`.
+/// The value at frame `i` of a linear change over a block of `count` frames.
 inline double rampedTo(double target, double previous, std::size_t i, std::size_t count) {
     return count == 1 ? target
                       : previous + (target - previous) * static_cast<double>(i) /

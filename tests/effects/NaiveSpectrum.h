@@ -30,7 +30,7 @@ class AnalysisSchedule {
   public:
     explicit AnalysisSchedule(double sampleRate) : interval_(0.05 * sampleRate) {}
 
-    /// How often it runs at the end of a block that ends at frame `end`.
+    /// Number of runs at the end of a block that ends at frame `end`.
     int dueBy(std::size_t end) {
         int due = 0;
         while (static_cast<double>(end) >= interval_ * static_cast<double>(next_) - 1e-6) {

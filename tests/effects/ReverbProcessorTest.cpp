@@ -7,17 +7,6 @@ namespace {
 
 using enum SpatialConfig::ReverbPreset;
 
-TEST(ReverbProcessorTest, KeepsTheMixAsItWasSetAndClampsTheNodes) {
-    ReverbProcessor processor;
-    EXPECT_EQ(processor.reverb().wetDryMix(), 0.0F);
-    processor.setMix(150.0F);
-    EXPECT_EQ(processor.mix(), 150.0F);
-    EXPECT_EQ(processor.reverb().wetDryMix(), 100.0F);
-    processor.setMix(-5.0F);
-    EXPECT_EQ(processor.mix(), -5.0F);
-    EXPECT_EQ(processor.reverb().wetDryMix(), 0.0F);
-}
-
 TEST(ReverbProcessorTest, LoadsOnlyAnotherPresetAndLeavesTheMix) {
     ReverbProcessor processor;
     EXPECT_EQ(processor.presetReloadCount(), 1);

@@ -9,7 +9,6 @@
 #include <memory>
 #include <numbers>
 #include <random>
-#include <string>
 #include <utility>
 #include <vector>
 
