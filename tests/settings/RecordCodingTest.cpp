@@ -131,13 +131,6 @@ TEST(RecordCoding, missingAndNullOptionalKeysTakeTheDefaults) {
                  persisted.eqGlobalGainDB || persisted.outputDeviceUID);
 }
 
-TEST(RecordCoding, whatARecordDoesNotHaveIsPassedOverAndTheLaterOfTwoEqualKeysCounts) {
-    const auto mixer = decodeRecord<MixerConfig>(
-        "\t{\"future\":{\"a\":[[1,null,\"\\ud83d\\ude00\"]]},\"TempoRate\":\"x\",\"tempoRate\":2,"
-        "\"tempoRate\":3.5}\r\n");
-    EXPECT_EQ(mixer, MixerConfig{.tempoRate = 3.5F});
-}
-
 TEST(RecordCoding, numbersKeepEveryBitIn32And64BitForm) {
     const auto roundTrip = [](float value) {
         return decodeRecord<EQBand>(encodeRecord(EQBand{.frequency = value})).frequency;
@@ -185,15 +178,6 @@ TEST(RecordCoding, whatJsonCannotHoldIsRefusedWithItsPath) {
     record = fullRecord();
     record.presets[0].name = "\xff";
     EXPECT_EQ(pathOfFailure(record), "presets[0].name");
-}
-
-TEST(Uuid, anyOtherTextIsRefused) {
-    for (const char *text :
-         {"", "00112233445566778899AABBCCDDEEFF", "{00112233-4455-6677-8899-AABBCCDDEEFF}",
-          "00112233-4455-6677-8899-AABBCCDDEEF", "00112233-4455-6677-8899-AABBCCDDEEFF0",
-          "00112233-4455-6677-8899-AABBCCDDEEFG", "001122334-455-6677-8899-AABBCCDDEEFF",
-          " 0112233-4455-6677-8899-AABBCCDDEEFF"})
-        EXPECT_FALSE(Uuid::fromText(text)) << text;
 }
 
 TEST(Uuid, randomOnesDifferAndReadBackInEitherCase) {

@@ -11,7 +11,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// A settings file with one value replaced: `at` is a piece of the good text, `by` stands in its
+/// A settings file with one value replaced: `at` is a piece of the good text, `by` takes its
 /// place.
 std::string goodTextWith(const std::string &at, const std::string &by) {
     std::string text =

@@ -1,6 +1,5 @@
 #include "settings/records/SettingsFile.h"
 
-#include "settings/records/json/SettingsCoding.h"
 #include "settings/state/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
@@ -36,19 +35,7 @@ class SettingsFile : public ::testing::Test {
     const TemporaryFolder folder_;
 };
 
-TEST_F(SettingsFile, isReadAndLeftAsItIs) {
-    Persisted record;
-    record.bands = EQBand::defaultBands();
-    const std::string text = encodeRecord(record);
-    const std::string good = file("state.json", text);
-    EXPECT_EQ(readSettingsFile(good), record);
-
-    const std::string bad = file("bad.json", "{\"bands\":[1]}");
-    EXPECT_THROW((void)readSettingsFile(bad), DecodingError);
-    EXPECT_EQ(readSettingsText(bad), "{\"bands\":[1]}");
-}
-
-// A pipe that nobody writes to, a socket, an endless device: none may make the program wait.
+// A pipe without a writer, a socket, an endless device: none may make the program wait.
 TEST_F(SettingsFile, whatIsNoFileIsRefusedAtOnceByName) {
     EXPECT_THAT(failureReading(path("missing.json")),
                 AllOf(HasSubstr("missing.json: "), HasSubstr("No such file")));

@@ -42,15 +42,6 @@ TEST(DecimalNumber, frequenciesAreReadByTheirFilesDecimalMark) {
     }
 }
 
-TEST(DecimalNumber, gainsHaveNoThousands) {
-    for (const auto mark : {unknown, point, comma}) {
-        EXPECT_EQ(readNumber("1,000", Grouping::never, mark), 1.0F);
-        EXPECT_EQ(readNumber("1.250", Grouping::never, mark), 1.25F);
-        EXPECT_EQ(readNumber("-,5", Grouping::never, mark), -0.5F);
-        EXPECT_EQ(readNumber("1,000.5", Grouping::never, mark), std::nullopt);
-    }
-}
-
 TEST(DecimalNumber, whatIsNoFiniteNumberIsNone) {
     for (const char *text : {"", "-", "+-1", "abc", "1,00,000", "1.000.5", "12,34.5", "inf", "nan",
                              "1e39", "1e", "0x10", ".", "1,0.0,1"})
@@ -58,18 +49,6 @@ TEST(DecimalNumber, whatIsNoFiniteNumberIsNone) {
             EXPECT_EQ(readNumber(text, Grouping::possible, mark), std::nullopt) << text;
             EXPECT_EQ(readNumber(text, Grouping::never, mark), std::nullopt) << text;
         }
-}
-
-TEST(DecimalNumber, onlyUnambiguousNumbersShowTheMark) {
-    EXPECT_EQ(evidentMark("1,000", Grouping::possible), unknown);
-    EXPECT_EQ(evidentMark("1.000", Grouping::possible), unknown);
-    EXPECT_EQ(evidentMark("1,000,000", Grouping::possible), unknown);
-    EXPECT_EQ(evidentMark("105", Grouping::never), unknown);
-    EXPECT_EQ(evidentMark("1,000", Grouping::never), comma);
-    EXPECT_EQ(evidentMark("0.700", Grouping::possible), point);
-    EXPECT_EQ(evidentMark("-3,1", Grouping::never), comma);
-    EXPECT_EQ(evidentMark("1,000.5", Grouping::possible), point);
-    EXPECT_EQ(evidentMark("1.000,5", Grouping::possible), comma);
 }
 
 } // namespace

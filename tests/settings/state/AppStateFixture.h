@@ -7,7 +7,6 @@
 #include "settings/state/AppState.h"
 #include "settings/state/TemporaryFolder.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -67,7 +66,7 @@ class AppStateTest : public ::testing::Test {
     [[nodiscard]] std::string displayName() const { return state->activePresetDisplayName(); }
     [[nodiscard]] std::string warning() const { return state->persistWarning().value_or(""); }
 
-    /// How often the settings file was made or replaced since this was asked last.
+    /// Number of times the settings file was made or replaced since the last call.
     [[nodiscard]] int saves() {
         int count = 0;
         alignas(inotify_event) char buffer[4096];
@@ -79,7 +78,7 @@ class AppStateTest : public ::testing::Test {
             }
         return count;
     }
-    /// What the settings file says now.
+    /// The present content of the settings file.
     [[nodiscard]] Persisted saved() const { return readSettingsFile(file.string()); }
     /// The names in the settings folder, but for the settings file and its lock.
     [[nodiscard]] std::vector<std::string> otherFiles() const {

@@ -27,24 +27,6 @@ TEST_F(AppStatePresets, theNameIsThePresetsUntilASettingOfItMoves) {
     EXPECT_FALSE(state->engine().mixer().limiterEnabled);
 }
 
-TEST_F(AppStatePresets, aSavedOneIsTheUsersAndActiveAndInTheFileAtOnce) {
-    state->applyPreset(preset("Bass Heavy"));
-    moveBand(2, 7.0F);
-    const double before = Date::now().secondsSince2001;
-    state->savePreset("Mine");
-    EXPECT_EQ(saves(), 1);
-    const Preset first = state->presets().back();
-    EXPECT_EQ(first.category, Preset::Category::user);
-    EXPECT_EQ(first.bands[2].gainDB, 7.0F);
-    EXPECT_GE(first.createdAt.secondsSince2001, before);
-    EXPECT_LE(first.createdAt.secondsSince2001, Date::now().secondsSince2001);
-    EXPECT_EQ(state->activePresetID(), first.id);
-    EXPECT_EQ(displayName(), "Mine");
-    EXPECT_EQ(saved().presets.back(), first);
-    state->savePreset("Mine");
-    EXPECT_NE(state->presets().back().id, first.id);
-}
-
 TEST_F(AppStatePresets, onlyTheUsersOwnAreDeletedOrSetAndTheFirstFollowsTheActiveOne) {
     state->savePreset("One");
     state->savePreset("Two");
