@@ -80,34 +80,6 @@ TEST_F(DeviceManagerTest, DefaultOutputIsTheSystemsIfItIsListed) {
     EXPECT_EQ(manager.defaultOutput(), std::nullopt);
 }
 
-TEST_F(DeviceManagerTest, BindsTheOutputByUIDOrSaysWhyNot) {
-    DeviceManager manager(hardware, clock);
-    const AudioDevice hdmi = *manager.outputDevice("hdmi");
-    const auto output = hardware.makeOutput();
-    const auto bind = [&](HardwareOutput *to) -> std::string {
-        try {
-            manager.setEngineOutput(to, hdmi);
-        } catch (const DeviceManager::DeviceError &error) {
-            return error.what();
-        }
-        return "bound";
-    };
-    EXPECT_EQ(bind(output.get()), "bound");
-    EXPECT_EQ(output->nativeFormat(), (StreamFormat{.sampleRate = 48000.0, .channelCount = 6}));
-    EXPECT_EQ(bind(nullptr), "Couldn't access the audio unit for output node.");
-    hardware.operations().fail(Operation::setDevice, -22);
-    EXPECT_EQ(bind(output.get()), "Failed to set output device (OSStatus -22).");
-    hardware.operations().repair(Operation::setDevice);
-    hardware.removeDevice("hdmi");
-    manager.refresh();
-    EXPECT_EQ(bind(output.get()), "Audio device not found.");
-    // Plugged in again it is another object, but the same device.
-    hardware.addDevice({.uid = "hdmi", .sampleRate = 96000.0});
-    manager.refresh();
-    EXPECT_EQ(bind(output.get()), "bound");
-    EXPECT_EQ(output->nativeFormat().sampleRate, 96000.0);
-}
-
 TEST_F(DeviceManagerTest, HearsOfChangesOnTheMainThreadOnly) {
     DeviceManager manager(hardware, clock);
     int changes = 0;
