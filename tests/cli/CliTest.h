@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
-#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <string>

@@ -1,8 +1,6 @@
 #include "cli/CliTest.h"
 #include "soundserver/Waiting.h"
 
-#include <gmock/gmock.h>
-
 #include <csignal>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <utility>
 
 namespace quorbel {
 namespace {
@@ -30,27 +29,6 @@ class RenderSettings : public CliTest {
         return 10.0 * std::log10(outPower / inPower);
     }
 };
-
-TEST_F(RenderSettings, aFileThatDoesNotDecodeIsNamedWithThePlaceInItAndLeftAlone) {
-    file("in.wav", noise(100));
-    file("good.json", flatSettings());
-    file("broken.json", std::string("{\"bands\": ["));
-    file("empty.json", std::string());
-    file("band.json", std::string(R"({"bands":[{"frequency":63},{"frequency":"125"}]})"));
-    std::string preset = bytes(path("good.json"));
-    preset.replace(preset.find(R"("presets":[)"), 11, R"("presets":[{"id":7})");
-    file("preset.json", preset);
-
-    for (const auto &[name, reason] : std::initializer_list<std::pair<const char *, const char *>>{
-             {"missing.json", "missing.json: No such file"},
-             {"broken.json", "broken.json: bands[0]: not valid JSON at line 1, column 12"},
-             {"empty.json", "empty.json: empty, holds no JSON"},
-             {"band.json", "band.json: bands[1].frequency: expected a number, found \"125\""},
-             {"preset.json", "preset.json: presets[0].id: expected a UUID, found 7"}})
-        expectRefusal({"render", "--settings", name, "in.wav", "out.wav"}, reason);
-    expectRefusal({"render", "--at", "1", "band.json", "in.wav", "out.wav"},
-                  "band.json: bands[1].frequency: ");
-}
 
 TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefaults) {
     file("in.wav", noise(20000));

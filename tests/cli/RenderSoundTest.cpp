@@ -48,20 +48,6 @@ TEST_F(RenderSound, flatSettingsGiveALongSoundBack) {
     }
 }
 
-TEST_F(RenderSound, equalInputsGiveEqualBytesWhateverTheBlock) {
-    file("busy.json", busySettings());
-    for (const int rate : {48000, 44100}) {
-        const Sound in = noise(20011, rate);
-        (void)rendered(in, {"--settings", "busy.json"});
-        const std::string reference = bytes(path("out.wav"));
-        EXPECT_NE(sound(path("out.wav")).samples, in.samples);
-        for (const char *block : {"512", "1", "7", "480", "8192"}) {
-            (void)rendered(in, {"--settings", "busy.json", "--block", block});
-            EXPECT_TRUE(bytes(path("out.wav")) == reference) << rate << " Hz, blocks of " << block;
-        }
-    }
-}
-
 TEST_F(RenderSound, anyRateBecomesExactlyAsManyFramesAsItLasts) {
     for (const int rate : {8000, 11025, 22050, 32000, 44100, 48000, 88200, 96000, 192000}) {
         for (const std::size_t frames : {1, 2, 999, 44100}) {

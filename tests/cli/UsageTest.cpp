@@ -1,10 +1,26 @@
 #include "cli/CliTest.h"
-#include "platform/core/Version.h"
 
 namespace quorbel {
 namespace {
 
-using Usage = CliTest;
+class Usage : public CliTest {
+  protected:
+    /// The lines that bash completes the last of these words to.
+    [[nodiscard]] std::string completed(const std::vector<std::string> &words) const {
+        std::vector<std::string> command{
+            "/bin/bash",
+            "-c",
+            R"(. "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _ostrafine_cli;)"
+            R"( printf '%s\n' "${COMPREPLY[@]}")",
+            "bash",
+            QUORBEL_CLI_DOCUMENTS "/ostrafine-cli.bash",
+            QUORBEL_CLI};
+        command.insert(command.end(), words.begin(), words.end());
+        const Result result = run(command);
+        EXPECT_EQ(result.errors, "");
+        return result.output;
+    }
+};
 
 TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
     const std::vector<std::vector<std::string>> commandLines{
@@ -32,16 +48,19 @@ TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
     }
 }
 
-TEST_F(Usage, theVersionIsToldWithoutFailure) {
-    EXPECT_EQ(run({"--version"}).output, std::string("ostrafine-cli ") + version + "\n");
-    EXPECT_EQ(run({"--help"}).status, 0); // what it names: Documents
-}
+TEST_F(Usage, bashCompletesNamesAndQuotesThem) {
+    EXPECT_EQ(completed({"live", "--preset", "warm"}), "Warm\\ /\\ Long\\ Session\n");
+    EXPECT_EQ(completed({"live", "--preset", "=", "Warm\\ /"}), "Warm\\ /\\ Long\\ Session\n");
+    EXPECT_EQ(completed({"live", "--preset", "\"Warm / L"}), "Warm / Long Session\n");
+    EXPECT_EQ(completed({"render", "--at", "1", ""}), "\n") << "files are left to readline";
 
-TEST_F(Usage, withoutASoundServerOneLineSaysHowToStartOne) {
-    expectRefusal({"devices"}, "systemctl --user start pipewire");
-    expectRefusal({"devices", "--json"}, "systemctl --user start pipewire");
-    expectRefusal({"live"}, "systemctl --user start pipewire");
-    expectRefusal({"live", "--settings", "none.json"}, "none.json: No such file");
+    Persisted settings = flatSettings();
+    settings.presets.push_back({.name = "It's $5: \"a=b\""});
+    std::filesystem::create_directory(path("../Quorbel"));
+    file("../Quorbel/state.json", settings);
+    EXPECT_EQ(completed({"live", "--preset", "it"}), "It\\'s\\ \\$5\\:\\ \\\"a\\=b\\\"\n");
+    EXPECT_EQ(completed({"live", "--preset", "'it"}), "It'\\''s $5: \"a=b\"\n");
+    EXPECT_EQ(completed({"live", "--preset", "\"it"}), "It's \\$5: \\\"a=b\\\"\n");
 }
 
 } // namespace
