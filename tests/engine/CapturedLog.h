@@ -2,7 +2,6 @@
 
 #include "platform/core/Log.h"
 
-#include <algorithm>
 #include <mutex>
 #include <string>
 #include <string_view>

@@ -68,17 +68,6 @@ TEST_F(EngineComebackTest, NotAfterAStop) {
     EXPECT_EQ(engine->upheavals().comebacks, 0) << "the user did it";
 }
 
-TEST_F(EngineComebackTest, AStartByHandIsNoEndAndDoesNotWaitForTheNextLook) {
-    loseServer();
-    start();
-    EXPECT_TRUE(engine->isComingBack()) << "too early";
-    hardware.restoreConnection();
-    devices.refresh();
-    start();
-    EXPECT_EQ(state(), "running");
-    EXPECT_FALSE(engine->isComingBack());
-}
-
 TEST_F(EngineComebackTest, WaitsAMomentForTheChosenDeviceThenPlaysOnAnother) {
     choose("hdmi");
     play(0.5);

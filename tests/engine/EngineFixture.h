@@ -7,12 +7,10 @@
 #include "platform/threads/ManualClock.h"
 #include "support/SineFit.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace quorbel::testing {
 
@@ -48,7 +46,7 @@ class EngineTest : public ::testing::Test {
     [[nodiscard]] double toneOn(const std::string &uid);
     /// "running", "stopped" or the error's text.
     [[nodiscard]] std::string state() const;
-    /// What a device has played since it was asked last.
+    /// The sound of a device since the last call.
     [[nodiscard]] simulated::Recording heard(const std::string &uid) {
         return hardware.takeRecording(uid);
     }

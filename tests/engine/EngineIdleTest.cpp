@@ -1,4 +1,4 @@
-// What the engine does by itself while the hardware runs and no application plays.
+// The engine's own work while the hardware runs and no application plays.
 
 #include "effects/EffectComponents.h"
 #include "engine/EngineFixture.h"
@@ -93,7 +93,7 @@ class EngineIdleTest : public EngineTest {
     CountingClock counting{clock};
 };
 
-TEST_F(EngineIdleTest, WithoutSoundEverythingComesToRestAndGoesOnWithIt) {
+TEST_F(EngineIdleTest, WithoutSoundEverythingComesToRestAndReturnsWithIt) {
     playFromTheStart(sine(60.0));
     play(1.0);
     const std::int64_t ticksBefore = engine->spectrumAnalyzer().ticuri();
@@ -115,7 +115,7 @@ TEST_F(EngineIdleTest, WithoutSoundEverythingComesToRestAndGoesOnWithIt) {
     EXPECT_GT(engine->spectrumAnalyzer().ticuri(), ticksAtRest + 25);
 }
 
-TEST_F(EngineIdleTest, WhatRestsStandsWhereEndlessTicksWouldHaveLeftIt) {
+TEST_F(EngineIdleTest, RestingValuesAreThoseOfEndlessTicks) {
     // The second machine has no cycles either, but does not say so.
     OtherMachine other(sine(60.0));
     playFromTheStart(sine(60.0));
@@ -132,7 +132,7 @@ TEST_F(EngineIdleTest, WhatRestsStandsWhereEndlessTicksWouldHaveLeftIt) {
     EXPECT_EQ(engine->voiceConfidence(), other.engine.voiceConfidence());
 }
 
-TEST_F(EngineIdleTest, WhatNobodySeesWakesRarelyAndIsTheSameOnceItIsSeen) {
+TEST_F(EngineIdleTest, HiddenValuesWakeRarelyAndAreTheSameOnceShown) {
     OtherMachine seen(wanderingBass());
     playFromTheStart(wanderingBass());
     for (SimulatedHardware *machine : {&hardware, &seen.hardware})
@@ -161,7 +161,7 @@ TEST_F(EngineIdleTest, WhatNobodySeesWakesRarelyAndIsTheSameOnceItIsSeen) {
     playBoth(1.0);
     EXPECT_GT(engine->spectrumAnalyzer().ticuri(), ticks + 25);
 
-    // What shapes the sound is measured at its moments again, unseen as it is.
+    // Estimates that shape the sound return to their schedule, hidden or not.
     engine->setDisplayed(false);
     playBoth(4.31);
     SpatialConfig adaptive;

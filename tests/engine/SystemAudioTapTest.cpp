@@ -81,28 +81,6 @@ TEST_F(SystemAudioTapTest, EmptiesTheRingAfterAPauseOfMoreThanAQuarterSecond) {
         << "what was captured before the sleep is not played after it";
 }
 
-TEST_F(SystemAudioTapTest, MutesEverythingButUsUntilItIsCleanedUp) {
-    AudioObjectID own = 0;
-    hardware.processObject(::getpid(), own);
-    tap.cleanup();
-    EXPECT_THAT(hardware.operations().calls(), SizeIs(1)) << "an idle tap has nothing to clean up";
-    tap.activate(ring, chainFormat);
-    ASSERT_THAT(hardware.taps(), SizeIs(1));
-    const TapDescription description = hardware.taps().front();
-    EXPECT_THAT(description.excludedProcesses, ElementsAre(own));
-    EXPECT_EQ(description.muteBehavior, TapDescription::MuteBehavior::mutedWhenTapped);
-    ASSERT_THAT(hardware.aggregates(), SizeIs(1));
-    EXPECT_EQ(hardware.aggregates().front().mainDeviceUID, "speakers");
-    EXPECT_EQ(hardware.aggregates().front().taps.front().uuid, description.uuid);
-    tap.cleanup();
-    tap.cleanup();
-    EXPECT_THAT(hardware.taps(), IsEmpty());
-    EXPECT_THAT(hardware.aggregates(), IsEmpty());
-    EXPECT_TRUE(tap.isRunning()) << "whoever runs it says when it has stopped";
-    tap.markStopped();
-    EXPECT_FALSE(tap.isRunning());
-}
-
 TEST(SystemAudioTapFormat, IsTheTapsUnlessTheClockDiffers) {
     const StreamFormat tap{.sampleRate = 48000.0, .channelCount = 2};
     EXPECT_EQ(SystemAudioTap::formatSursa(tap, std::nullopt), tap);
@@ -124,11 +102,6 @@ TEST_F(SystemAudioTapTest, WhatTheCyclesSayInTheEndHolds) {
     EXPECT_THAT(lines[1], EndsWith("sursa convertorului 96000 Hz | lanț 48000 Hz → reeșantionare"));
     (void)passed(1.0);
     EXPECT_NEAR(static_cast<double>(passed(10.0).scrise), 480000.0, 300.0);
-}
-
-TEST_F(SystemAudioTapTest, ARateThatCannotBeConvertedIsRefused) {
-    hardware.setSampleRate("speakers", 44100.5);
-    EXPECT_THROW(tap.activate(ring, chainFormat), SystemAudioTap::Error);
 }
 
 } // namespace

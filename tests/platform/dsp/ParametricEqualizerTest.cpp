@@ -181,33 +181,6 @@ TEST(ParametricEqualizer, isBitExactWhenFlat) {
     EXPECT_EQ(play(equalizer, sound), sound);
 }
 
-TEST(ParametricEqualizer, appliesEarlySettingsFromTheFirstFrame) {
-    const std::vector<float> sound = noise(4000);
-    const auto settings = band(EqualizerFilterType::highShelf, 300.0F, 0.7, 9.0F);
-    ParametricEqualizer before(1);
-    before.setBand(0, settings);
-    before.setGlobalGainDB(-3.0F);
-    before.prepare(rate);
-    ParametricEqualizer after(1);
-    after.prepare(rate);
-    after.setBand(0, settings);
-    after.setGlobalGainDB(-3.0F);
-    const std::vector<float> expected = play(before, sound);
-    EXPECT_EQ(play(after, sound), expected);
-    // The first sample of a high shelf's response is near its top gain: 9 - 3 dB.
-    EXPECT_NEAR(expected[0] / sound[0], std::pow(10.0, 6.0 / 20.0), 0.3);
-
-    // A reset in the middle of a change: silence inside, the new settings in force at once.
-    after.setBand(0, band(EqualizerFilterType::lowPass, 200.0F, 0.7, 0.0F));
-    play(after, noise(100));
-    after.reset();
-    ParametricEqualizer fresh(1);
-    fresh.prepare(rate);
-    fresh.setBand(0, band(EqualizerFilterType::lowPass, 200.0F, 0.7, 0.0F));
-    fresh.setGlobalGainDB(-3.0F);
-    EXPECT_EQ(play(after, sound), play(fresh, sound));
-}
-
 TEST(ParametricEqualizer, soundsTheSameInBlocksOfAnyLength) {
     const std::vector<float> sound = noise(12000);
     const auto playInBlocksOf = [&](std::size_t block) {

@@ -14,7 +14,7 @@ std::vector<double> powerSpectrum(std::span<const double> signal);
 double energyOutsideDB(std::span<const float> signal, double lowHz, double highHz,
                        double sampleRate);
 
-/// What is left of a signal, in dB relative to the sine in it, after the best-fitting sine of
+/// The rest of a signal, in dB relative to the sine in it, after the best-fitting sine of
 /// exactly `frequencyHz` and a constant have been taken out.
 double residualDB(std::span<const float> signal, double frequencyHz, double sampleRate);
 

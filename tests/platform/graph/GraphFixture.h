@@ -7,11 +7,8 @@
 #include "platform/threads/ManualClock.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <numbers>
 #include <string>
 #include <utility>
 #include <vector>

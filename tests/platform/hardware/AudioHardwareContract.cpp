@@ -314,7 +314,7 @@ TEST_P(AudioHardwareContract, PlaysOnTheDeviceThatItIsBoundTo) {
     EXPECT_TRUE(player.sound_);
     output->stop(); // does nothing
 
-    // Bound anew, it moves with the next start.
+    // Bound again, it moves with the next start.
     ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
     ASSERT_EQ(output->start(player), statusOK);
     EXPECT_TRUE(world().waitUntil([&] { return world().listen("speakers") > 0.4F; }));

@@ -6,7 +6,7 @@
 
 namespace quorbel::testing {
 
-/// What every backend of AudioHardware promises. A test program of a backend links the cases and
+/// The promises of every backend of AudioHardware. A test program of a backend links the cases and
 /// instantiates them with its world:
 ///
 ///     INSTANTIATE_TEST_SUITE_P(Simulated, AudioHardwareContract, ::testing::Values(&makeWorld));

@@ -20,7 +20,7 @@ class HardwareWorld {
     /// output, until the world ends.
     virtual void playTone() = 0;
 
-    /// What a device plays from now on for a moment (at least ten of its cycles): its largest
+    /// Listens to a device for a moment (at least ten of its cycles) and returns the largest
     /// sample.
     [[nodiscard]] virtual float listen(const std::string &uid) = 0;
 

@@ -12,7 +12,7 @@
 namespace quorbel::testing {
 namespace {
 
-// What every test of real-time code leans on: the guard must see what it claims to see.
+// Every test of real-time code relies on the guard, which must see all that it promises.
 TEST(RealtimeGuardTest, SeesMemoryAndForeignLocksOfItsOwnThreadAndNothingElse) {
     std::mutex mutex;
     std::shared_mutex sharedMutex;

@@ -118,26 +118,5 @@ TEST(ParameterTreeTest, TakesOnlyValuesInsideTheRange) {
     EXPECT_EQ(tree.parameterWithAddress(0), nullptr);
 }
 
-TEST(ParameterTreeTest, ValuesLiveWhereTheImplementorKeepsThemAndParametersOutliveTheTree) {
-    const auto parameter = gain();
-    float stored = 1.0F;
-    {
-        ParameterTree tree({parameter});
-        tree.implementorValueProvider = [&](const Parameter &) { return stored; };
-        tree.implementorValueObserver = [&](const Parameter &changed, float value) {
-            EXPECT_EQ(changed.address(), 7U);
-            stored = value;
-        };
-        EXPECT_EQ(parameter->value(), 1.0F);
-        parameter->setValue(40.0F);
-        EXPECT_EQ(stored, 12.0F);
-        stored = -2.0F;
-        EXPECT_EQ(parameter->value(), -2.0F);
-    }
-    parameter->setValue(3.0F);
-    EXPECT_EQ(stored, -2.0F);
-    EXPECT_EQ(parameter->value(), 3.0F);
-}
-
 } // namespace
 } // namespace quorbel

@@ -1,6 +1,5 @@
 #include "platform/dsp/reverb/RoomMeasurement.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>

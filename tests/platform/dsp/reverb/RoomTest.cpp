@@ -24,7 +24,7 @@ struct Target {
     friend void PrintTo(const Target &target, std::ostream *out) { *out << target.name; }
 };
 
-/// What each room shall measure; not taken from the design, which aims at it.
+/// Target values of each room; not taken from the design, which aims at them.
 const Target targets[] = {
     {RoomModel::smallRoom, "smallRoom", 0.45, 0.70, 3, 40},
     {RoomModel::mediumRoom, "mediumRoom", 0.8, 0.65, 8, 60},

@@ -3,53 +3,14 @@
 #include "Invariants.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <set>
 
 namespace quorbel::desktop {
 
-bool isTraced = false;
-
 namespace {
 
-/// After which a standstill of ours is noticed: a second, and the quarter between two looks.
+/// Delay until a standstill of ours is noticed: one second and the 0.25 s between two looks.
 constexpr Micros standstillTime = 1'250'000;
-
-template <typename Message>
-void trace(const Desktop &desktop, const char *way, const Message &message, bool hasUs) {
-    if (!isTraced || !hasUs)
-        return;
-    static constexpr const char *events[] = {
-        "nodeAdded",     "nodeInfo",     "nodeRemoved",  "portAdded",
-        "portRemoved",   "linkAdded",    "linkRemoved",  "metadataAppeared",
-        "metadataValue", "metadataDone", "metadataGone", "runs",
-        "stops",         "done"};
-    static constexpr const char *commands[] = {
-        "setMetadata", "deleteMetadata", "createNode",  "destroyNode",  "connect",
-        "disconnect",  "createLink",     "destroyLink", "removeLink",   "suspend",
-        "nudge",       "sync",           "bindNode",    "bindMetadata", "leave"};
-    std::string text = std::to_string(static_cast<double>(desktop.server.now) * 1e-3) + " " + way;
-    const auto kind = static_cast<std::size_t>(message.kind);
-    if constexpr (std::is_same_v<Message, Event>) {
-        text += std::string(" ") + events[kind];
-        if (message.value)
-            text += " =" + message.value->value;
-    } else {
-        text += std::string(" ") + commands[kind] + " =" + message.value.value;
-        if (message.other != 0)
-            text += " to " + std::to_string(message.other);
-    }
-    text += " id " + std::to_string(message.id) + " serial " + std::to_string(message.serial) +
-            " " + message.key;
-    if (message.traits)
-        text += " " + message.traits->name;
-    if (message.link.outputNode != 0)
-        text += " " + std::to_string(message.link.outputNode) + "->" +
-                std::to_string(message.link.inputNode) + " ports " +
-                std::to_string(message.link.outputPort) + "->" +
-                std::to_string(message.link.inputPort);
-    std::puts(text.c_str());
-}
 
 } // namespace
 
@@ -155,7 +116,7 @@ void Desktop::startNodes(Application &application) {
     application.silentSince = server.now;
     application.wasMovedByLinks = false;
     application.serials.clear();
-    application.isPinUncertain |= server.isDeaf; // nobody hears what is restored
+    application.isPinUncertain |= server.isDeaf; // restored values are told to no client
     for (const NodeTraits &traits : application.halves) {
         const std::uint64_t serial = server.addNode(traits);
         application.serials.push_back(serial);
@@ -283,8 +244,6 @@ void Desktop::carryOut(const StormEvent &event) {
     const int slot = event.b % deviceCount;
     const Node *device = server.findName("device" + std::to_string(slot));
     beginStep();
-    if (isTraced && hasUs_)
-        std::puts(text(event).c_str());
     switch (event.kind) {
     case EventKind::startApplication:
         if (!application.isAlive) {
@@ -305,7 +264,7 @@ void Desktop::carryOut(const StormEvent &event) {
         // "target.object" outweighs the other: users of the other key alone have not set it.
         if (application.hasObject && (how == 1 || how == 4))
             how = how == 1 ? 2 : 3;
-        // Of the value that we have written ourselves nobody hears when a user writes it again.
+        // The server tells nothing when a user writes the value that we wrote.
         const bool isOneOfTwo = sharesName(application);
         if (how == 4 && (isOneOfTwo || !application.halves.back().ownTarget.empty()))
             how = 3;
@@ -409,7 +368,7 @@ void Desktop::carryOut(const StormEvent &event) {
         break;
     case EventKind::deafen:
         server.isDeaf = isServerUp;
-        for (Application &each : applications) // nobody hears what is restored by now
+        for (Application &each : applications) // restored values are told to no client
             each.isPinUncertain |= each.isAlive && server.now - each.started < 100'000;
         break;
     case EventKind::stall:
@@ -464,25 +423,20 @@ void Desktop::runUntil(Micros time) {
         } else if (next == answerDue) {
             server.answer();
         } else if (next == server.toManager.due()) {
-            trace(*this, "server>manager", server.toManager.front(), hasUs_);
             manager.take(server.toManager.pop());
         } else if (next == manager.due()) {
             manager.followDefault();
         } else if (next == server.fromManager.due()) {
-            trace(*this, "manager>server", server.fromManager.front(), hasUs_);
             server.carryOut(server.fromManager.pop());
         } else if (next == server.toClient.due()) {
-            trace(*this, "server>client", server.toClient.front(), hasUs_);
             client.take(server.toClient.pop());
             clientActed_ = true;
         } else if (next == server.fromClient.due()) {
-            trace(*this, "client>server", server.fromClient.front(), hasUs_);
             const Command command = server.fromClient.pop();
             server.carryOut(command);
             if (command.kind == Command::Kind::leave)
                 client.watch();
         } else if (next == server.fromWatchdog.due()) {
-            trace(*this, "watchdog>server", server.fromWatchdog.front(), hasUs_);
             server.carryOut(server.fromWatchdog.pop(), true);
             // A watchdog that ends within its writes leaves a pin half put back.
             if (client.wasWatchdogLost())
@@ -588,7 +542,7 @@ void Desktop::lookForFeedback() {
         fail("feedback");
 }
 
-/// Whatever the client has been told, it must have acted on.
+/// The client must have acted on everything that it was told.
 void Desktop::lookAtView() {
     if (!client.isAlive() || client.router() == nullptr || !client.router()->isOn())
         return;

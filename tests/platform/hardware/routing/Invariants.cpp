@@ -105,13 +105,13 @@ std::string wrongStream(const Desktop &desktop, const Desktop &without, std::siz
             return node->traits->name + " is heard twice: " + here;
         if (!isRunning)
             return "";
-        // Nobody gives a stream other ports that the session manager leaves alone.
+        // A stream that the session manager leaves alone keeps its ports.
         return desktop.manager.isOld(node->serial) ? "" : wrongChannels(desktop, *node, *tap);
     }
     const bool mayBeElsewhere =
         !isRunning || !isRoutable(*node->traits) || application.movedAt >= 0 ||
         application.kind == Desktop::Kind::virtualSink || isCopyOfNothing(desktop.server, *node) ||
-        // Restored after our own value, of which nobody hears: taken at the next try.
+        // Restored after our own value, which is told to no client: taken at the next try.
         (desktop.server.isDeaf && application.isPinUncertain) ||
         hears(desktop.server, output->id, node->id);
     if (!mayBeElsewhere)
@@ -259,7 +259,7 @@ std::string wrongWhenQuiet(const Desktop &desktop, const Desktop &without) {
             heard += static_cast<int>(link.inputNode == tap->id);
         }
         if (heard > 0 && output->isStuck)
-            return "running with an output that stands still";
+            return "running with an output that is suspended";
         if (linked == 0 || linked < output->count(false))
             return "running without a device";
         if (tap->count(true) != 2)

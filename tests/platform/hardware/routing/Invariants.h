@@ -19,7 +19,7 @@ std::string fedBack(const SimulatedClient &client);
 /// The name of the node that the stream's metadata names as its target; empty if none.
 std::string chosenTarget(const SimulatedServer &server, const Node &node);
 
-/// What is wrong with the desktop in a quiet moment, compared with one without us; empty if
+/// Fault of the desktop in a quiet moment, compared with one without us; empty if
 /// nothing.
 std::string wrongWhenQuiet(const Desktop &desktop, const Desktop &without);
 

@@ -157,7 +157,7 @@ void SimulatedClient::start() {
     supervisor_.reset();
     router_ = std::make_unique<StreamRouter>(*objects_, *this, journal_);
     if (server_.isClientThere && objects_->hasMetadata())
-        bindMetadata(); // nobody may have heard of its changes
+        bindMetadata(); // its changes may have been missed
     tick();
 }
 
@@ -613,7 +613,7 @@ void SimulatedClient::watchdogFinished() {
 
 void SimulatedClient::serverDied() {
     wasWatchdogLost_ = false;
-    // The journal names the server's run, so nobody takes its lines for the next one's.
+    // The journal names the server's run, so its lines do not count for the next one.
     journal_.ledger.clear();
     watchAt_ = INT64_MAX;
     isWatching_ = false;

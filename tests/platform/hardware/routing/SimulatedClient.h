@@ -5,7 +5,6 @@
 #include "platform/hardware/routing/RouteLog.h"
 #include "platform/hardware/routing/StreamRouter.h"
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>

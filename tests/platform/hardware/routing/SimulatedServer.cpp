@@ -54,10 +54,8 @@ void NodeTraits::fill() {
 }
 
 Node *SimulatedServer::find(std::uint64_t serial) {
-    for (Node &node : nodes)
-        if (node.serial == serial)
-            return &node;
-    return nullptr;
+    const auto found = std::ranges::find(nodes, serial, &Node::serial);
+    return found == nodes.end() ? nullptr : &*found;
 }
 
 const Node *SimulatedServer::find(std::uint64_t serial) const {
@@ -65,10 +63,8 @@ const Node *SimulatedServer::find(std::uint64_t serial) const {
 }
 
 Node *SimulatedServer::findID(std::uint32_t id) {
-    for (Node &node : nodes)
-        if (node.id == id)
-            return &node;
-    return nullptr;
+    const auto found = std::ranges::find(nodes, id, &Node::id);
+    return found == nodes.end() ? nullptr : &*found;
 }
 
 const Node *SimulatedServer::findName(const std::string &name) const {
@@ -103,12 +99,16 @@ bool SimulatedServer::isLinked(std::uint32_t output, std::uint32_t input) const 
     });
 }
 
+void SimulatedServer::tellClient(const Event &event) {
+    if (isClientThere)
+        toClient.push(event, now, random);
+}
+
 void SimulatedServer::tell(const Event &event) {
     hasChanged = true;
     if (isManagerThere)
         toManager.push(event, now, random);
-    if (isClientThere)
-        toClient.push(event, now, random);
+    tellClient(event);
 }
 
 /// The lowest that is free, so that an id is used again at once. Where values outlive their nodes,
@@ -134,10 +134,10 @@ std::uint64_t SimulatedServer::addNode(NodeTraits traits) {
           .id = node.id,
           .serial = node.serial,
           .traits = node.traits});
-    if (node.traits->isTap())
+    if (node.traits->isTap()) {
         taps_.push_back(node.serial);
-    if (node.traits->isTap())
         setPorts(nodes.back(), 2);
+    }
     return node.serial;
 }
 
@@ -157,10 +157,9 @@ void SimulatedServer::addAllPorts(Node &node) {
     }
 }
 
-void SimulatedServer::removeLinksIf(bool (*predicate)(const Link &, std::uint64_t),
-                                    std::uint64_t value) {
+template <typename Predicate> void SimulatedServer::removeLinksIf(const Predicate &predicate) {
     for (std::size_t i = 0; i < links.size();) {
-        if (!predicate(links[i], value)) {
+        if (!predicate(links[i])) {
             ++i;
             continue;
         }
@@ -171,12 +170,15 @@ void SimulatedServer::removeLinksIf(bool (*predicate)(const Link &, std::uint64_
     lookAtStates();
 }
 
+void SimulatedServer::removeLinksAt(std::uint32_t node) {
+    removeLinksIf(
+        [=](const Link &link) { return link.outputNode == node || link.inputNode == node; });
+}
+
 void SimulatedServer::setPorts(Node &node, int channels) {
     const bool input = !node.traits->isPlayback();
     const std::uint32_t id = node.id;
-    removeLinksIf([](const Link &link,
-                     std::uint64_t of) { return link.outputNode == of || link.inputNode == of; },
-                  id);
+    removeLinksAt(id);
     for (const Port &port : node.ports)
         tell({.kind = Event::Kind::portRemoved, .id = id, .serial = node.serial, .port = port});
     node.ports.clear();
@@ -186,19 +188,14 @@ void SimulatedServer::setPorts(Node &node, int channels) {
 }
 
 void SimulatedServer::removeNode(std::uint64_t serial) {
-    const auto found = std::find_if(nodes.begin(), nodes.end(),
-                                    [&](const Node &node) { return node.serial == serial; });
-    if (found == nodes.end())
+    if (find(serial) == nullptr)
         return;
-    const Node node = *found;
-    removeLinksIf([](const Link &link,
-                     std::uint64_t of) { return link.outputNode == of || link.inputNode == of; },
-                  node.id);
+    const Node node = *find(serial);
+    removeLinksAt(node.id);
     for (const Port &port : node.ports)
         tell(
             {.kind = Event::Kind::portRemoved, .id = node.id, .serial = node.serial, .port = port});
-    nodes.erase(std::find_if(nodes.begin(), nodes.end(),
-                             [&](const Node &other) { return other.serial == serial; }));
+    std::erase_if(nodes, [&](const Node &other) { return other.serial == serial; });
     tell({.kind = Event::Kind::nodeRemoved,
           .id = node.id,
           .serial = node.serial,
@@ -226,14 +223,11 @@ void SimulatedServer::addLink(Link link) {
 }
 
 void SimulatedServer::removeLinks(Owner owner) {
-    removeLinksIf(
-        [](const Link &link, std::uint64_t of) { return link.owner == static_cast<Owner>(of); },
-        static_cast<std::uint64_t>(owner));
+    removeLinksIf([=](const Link &link) { return link.owner == owner; });
 }
 
 void SimulatedServer::removeLinksOf(std::uint32_t outputNode) {
-    removeLinksIf([](const Link &link, std::uint64_t of) { return link.outputNode == of; },
-                  outputNode);
+    removeLinksIf([=](const Link &link) { return link.outputNode == outputNode; });
 }
 
 void SimulatedServer::connectByChannel(const Node &output, const Node &input, Owner owner) {
@@ -276,8 +270,8 @@ void SimulatedServer::setMetadata(std::uint32_t subject, const std::string &key,
     hasChanged = true;
     if (isManagerThere)
         toManager.push(event, now, random);
-    if (isClientThere && !isDeaf)
-        toClient.push(event, now, random);
+    if (!isDeaf)
+        tellClient(event);
 }
 
 void SimulatedServer::lookAtStates() {
@@ -292,11 +286,9 @@ void SimulatedServer::lookAtStates() {
         if (node == nullptr || node->ran == runs)
             return;
         node->ran = runs;
-        if (isClientThere)
-            toClient.push({.kind = runs ? Event::Kind::runs : Event::Kind::stops,
-                           .id = node->id,
-                           .serial = node->serial},
-                          now, random);
+        tellClient({.kind = runs ? Event::Kind::runs : Event::Kind::stops,
+                    .id = node->id,
+                    .serial = node->serial});
     };
     set(tap, tapRuns);
     set(output, tapRuns && output != nullptr && !output->isStuck);
@@ -344,17 +336,10 @@ void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
         break;
     }
     case Kind::disconnect:
-        for (std::size_t i = 0; node != nullptr && i < links.size();) {
-            const Link link = links[i];
-            if (link.owner != Owner::manager ||
-                (link.outputNode != node->id && link.inputNode != node->id)) {
-                ++i;
-                continue;
-            }
-            links.erase(links.begin() + static_cast<std::ptrdiff_t>(i));
-            tell({.kind = Event::Kind::linkRemoved, .id = link.id, .link = link});
-        }
-        lookAtStates();
+        removeLinksIf([=](const Link &link) {
+            return node != nullptr && link.owner == Owner::manager &&
+                   (link.outputNode == node->id || link.inputNode == node->id);
+        });
         break;
     case Kind::createLink: {
         const auto has = [&](std::uint32_t id, std::uint32_t port) {
@@ -368,14 +353,12 @@ void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
         break;
     }
     case Kind::destroyLink:
-        removeLinksIf(
-            [](const Link &link, std::uint64_t handle) {
-                return link.owner == Owner::ours && link.handle == handle;
-            },
-            command.serial);
+        removeLinksIf([&](const Link &link) {
+            return link.owner == Owner::ours && link.handle == command.serial;
+        });
         break;
     case Kind::removeLink:
-        removeLinksIf([](const Link &link, std::uint64_t id) { return link.id == id; }, command.id);
+        removeLinksIf([&](const Link &link) { return link.id == command.id; });
         break;
     case Kind::suspend:
     case Kind::nudge:
@@ -434,12 +417,10 @@ void SimulatedServer::answer() {
         traits.properties["pulse.attr.tlength"] = "4096";
         node->traits = std::make_shared<const NodeTraits>(std::move(traits));
         hasChanged = true;
-        if (isClientThere)
-            toClient.push({.kind = Event::Kind::nodeInfo,
-                           .id = node->id,
-                           .serial = serial,
-                           .traits = node->traits},
-                          now, random);
+        tellClient({.kind = Event::Kind::nodeInfo,
+                    .id = node->id,
+                    .serial = serial,
+                    .traits = node->traits});
     }
 }
 
@@ -466,8 +447,7 @@ void SimulatedServer::managerArrives() {
     snapshot(toManager);
     hasMetadata = true;
     hasChanged = true;
-    if (isClientThere)
-        toClient.push({.kind = Event::Kind::metadataAppeared}, now, random);
+    tellClient({.kind = Event::Kind::metadataAppeared});
 }
 
 void SimulatedServer::managerLeaves() {
@@ -478,8 +458,7 @@ void SimulatedServer::managerLeaves() {
     metadata.clear();
     hasMetadata = isDeaf = false;
     hasChanged = true;
-    if (isClientThere)
-        toClient.push({.kind = Event::Kind::metadataGone}, now, random);
+    tellClient({.kind = Event::Kind::metadataGone});
 }
 
 void SimulatedServer::clientArrives() {
@@ -493,12 +472,9 @@ void SimulatedServer::clientLeaves() {
     isClientThere = false;
     toClient.clear();
     removeLinks(Owner::ours);
-    std::vector<std::uint64_t> serials;
-    for (const Node &node : nodes)
+    for (const Node &node : std::vector(nodes))
         if (node.traits->handle != 0)
-            serials.push_back(node.serial);
-    for (const std::uint64_t serial : serials)
-        removeNode(serial);
+            removeNode(node.serial);
 }
 
 void SimulatedServer::die() {

@@ -13,8 +13,8 @@ namespace quorbel::desktop {
 
 using Micros = std::int64_t;
 
-/// SplitMix64 (Steele, Lea, Flood 2014). Made anew from seed and time at every step of a world, so
-/// that an event removed from a storm changes only what depends on it.
+/// SplitMix64 (Steele, Lea, Flood 2014). Made from seed and time at every step of a world, so that
+/// an event removed from a storm changes only what depends on it.
 class Random {
   public:
     explicit Random(std::uint64_t seed, Micros now = 0)
@@ -45,7 +45,7 @@ enum class Class : std::uint8_t {
     outputInternal, ///< Stream/Output/Audio/Internal
 };
 
-/// What a node is from its beginning to its end; only `isAnswered` changes.
+/// Properties of a node, constant for its life except `isAnswered`.
 struct NodeTraits {
     std::string name;
     std::string application; ///< by which the session manager remembers targets
@@ -193,7 +193,7 @@ template <typename Message> class Line {
         const Micros latency = kind == 0   ? 1000 + below(random, 15000)
                                : kind < 12 ? 20 + below(random, 300)
                                            : 200 + below(random, 2500);
-        // What is sent at one moment goes in one piece.
+        // Messages sent at one moment arrive together.
         message.due = pushed_ == now && !messages_.empty() ? messages_.back().due : now + latency;
         pushed_ = now;
         if (!messages_.empty() && messages_.back().due > message.due)
@@ -242,7 +242,7 @@ class SimulatedServer {
     Micros disturbedAt = 0; ///< when somebody else last suspended or removed a stream of ours
     bool hasMetadata = false;
     bool keepsValues = false; ///< of a node that is gone
-    bool isDeaf = false;      ///< tells nobody but the session manager of changed metadata
+    bool isDeaf = false;      ///< tells changed metadata to the session manager alone
     bool losesTapLinks = false;
     bool hasChanged = true; ///< since the last look at the invariants
     std::vector<Node> nodes;
@@ -291,7 +291,9 @@ class SimulatedServer {
 
   private:
     void tell(const Event &event);
-    void removeLinksIf(bool (*predicate)(const Link &, std::uint64_t), std::uint64_t value);
+    void tellClient(const Event &event);
+    template <typename Predicate> void removeLinksIf(const Predicate &predicate);
+    void removeLinksAt(std::uint32_t node);
     void snapshot(Line<Event> &line);
     void lookAtStates();
     std::uint32_t freeNodeID(bool isOurs) const;

@@ -38,8 +38,6 @@ struct StormEvent {
     Micros at = 0;
 };
 
-extern bool isTraced; ///< every message is printed
-
 /// Everything that decides how a storm goes.
 struct Storm {
     std::uint64_t seed = 0;

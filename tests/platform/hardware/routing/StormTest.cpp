@@ -21,8 +21,7 @@ std::uint64_t number(const char *variable, std::uint64_t otherwise) {
     return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
 }
 
-/// One part of the storms. QUORBEL_TRACE prints every message of a failing one. QUORBEL_STORMS is
-/// the number of all, QUORBEL_STORM the first seed.
+/// One part of the storms. QUORBEL_STORMS is the number of all, QUORBEL_STORM the first seed.
 class Storms : public testing::TestWithParam<int> {};
 
 INSTANTIATE_TEST_SUITE_P(Part, Storms, testing::Range(0, parts));
@@ -39,7 +38,6 @@ TEST_P(Storms, LetEveryStreamBeHeardOnceAndPutBack) {
         if (wrong.empty())
             continue;
         const Storm small = reduced(storm);
-        isTraced = std::getenv("QUORBEL_TRACE") != nullptr;
         FAIL() << wrong << "\nreduced: " << run(small) << "\n" << small.text();
     }
 }
