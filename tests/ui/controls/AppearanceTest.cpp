@@ -62,9 +62,8 @@ TEST(Appearance, FollowsTheDesktopsPortal) {
 
     auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
     if (!bus.isConnected() ||
-        !bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop"))) {
+        !bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")))
         GTEST_SKIP() << "no session bus of its own: run it in dbus-run-session";
-    }
     ASSERT_TRUE(bus.registerVirtualObject(path, &portal));
 
     auto &appearance = Appearance::instance();

@@ -1,6 +1,7 @@
 #include "ui/dotmatrix/Palette.h"
 
 #include "ui/controls/ContrastRatio.h"
+#include "ui/dotmatrix/DotFont.h"
 
 #include <gtest/gtest.h>
 
@@ -48,12 +49,13 @@ TEST(Palette, ColoursThatMeetCanBeToldApartMoreSoWithHighContrast) {
     EXPECT_GE(contrastRatio(paletteFor(true).edge, paletteFor(true).paper), 7);
 }
 
-TEST(Palette, RatioIsTheStandards) {
-    EXPECT_NEAR(contrastRatio(Qt::black, Qt::white), 21, 1e-9);
-    EXPECT_NEAR(contrastRatio(Qt::white, Qt::white), 1, 1e-9);
-    // #767676 is known as the lightest grey that reaches 4.5:1 on white.
-    EXPECT_NEAR(contrastRatio(QColor(0x767676), Qt::white), 4.54, 0.005);
-    EXPECT_LT(contrastRatio(QColor(0x777777), Qt::white), 4.5);
+TEST(DotFont, HasEveryCharacterThatTheWindowShows) {
+    const QString texts =
+        QStringLiteral("+12.0 dB -0.3 \u22123 31.5 1k 16k 48 kHz \u00b7 32 ms \u00b7 "
+                       "LIVE ERROR STOPPED 100% 1,5 12:30 1/2");
+    for (const QChar character : texts)
+        EXPECT_TRUE(dotFont::has(character)) << QString(character).toStdString();
+    EXPECT_FALSE(dotFont::has(QChar(u'\u4e2d')));
 }
 
 } // namespace

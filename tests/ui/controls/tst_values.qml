@@ -158,35 +158,6 @@ ControlCase {
         compare(gain, data.expected);
     }
 
-    property Component choices: DotComboBox {
-        property int choice: 0
-
-        width: 240
-        accessibleName: "Preset"
-        currentIndex: choice
-        onActivated: index => choice = index
-    }
-
-    function test_choices_data() {
-        return [
-            { tag: "list", properties: { model: ["Flat", "Bass"] } },
-            { tag: "roles", properties: { model: [{ name: "Flat" }, { name: "Bass" }], textRole: "name" } }
-        ];
-    }
-    function test_choices(data) {
-        const control = createTemporaryObject(choices, root, data.properties);
-        control.forceActiveFocus(Qt.TabFocusReason);
-        for (const choose of [line => mouseClick(line), () => Assistive.press("Bass", "ListItem")]) {
-            verify(Assistive.press("Preset", "ComboBox"));
-            tryVerify(() => control.popup.opened);
-            choose(control.popup.contentItem.itemAtIndex(1));
-            tryVerify(() => !control.popup.visible);
-            compare([control.choice, control.displayText], [1, "Bass"]);
-            control.choice = 0;
-            compare(Assistive.find("Preset", "ComboBox").description, "Flat", "the binding has outlived it");
-        }
-    }
-
     property Component toggle: DotToggle {}
 
     function test_focus_that_the_pointer_takes_needs_no_ring() {

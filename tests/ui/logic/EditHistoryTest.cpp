@@ -108,14 +108,6 @@ TEST_F(EditHistoryTest, BurstsOfTheSameThingAreOneStep) {
     EXPECT_EQ(gain(), 0);
 }
 
-TEST_F(EditHistoryTest, ABurstDoesNotGoOnAfterUndo) {
-    set(1, "a");
-    undo();
-    set(2, "a");
-    EXPECT_EQ(stepsBack(), 1);
-    EXPECT_EQ(gain(), 0);
-}
-
 TEST_F(EditHistoryTest, ForgetsTheOldestSteps) {
     for (std::size_t i = 0; i < EditHistory::maximumSteps + 5; ++i)
         set(static_cast<float>(i + 1), std::to_string(i));

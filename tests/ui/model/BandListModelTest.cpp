@@ -3,7 +3,6 @@
 #include "ui/model/ModelFixture.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <tuple>
 

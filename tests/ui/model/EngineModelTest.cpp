@@ -92,23 +92,6 @@ TEST_F(EngineModelTest, SaysWhatItWaitsForUntilItIsBack) {
     EXPECT_EQ(model().outlook(), "");
 }
 
-TEST_F(EngineModelTest, ReadOutsPrintAsTheScreensShowThem) {
-    run();
-    app->equalizer()->setGlobalGainDB(12);
-    app->setting("manualLoudnessEnabled")->setValue(1);
-    app->setting("manualLoudnessDB")->setValue(12);
-    EXPECT_EQ(model().reductionText(), "0.0 dB");
-    EXPECT_EQ(model().reductionCompactText(), "0 dB red.");
-    EXPECT_EQ(model().trackingText(), "80 Hz");
-    EXPECT_EQ(model().confidenceText(), "0%");
-    clock.advance(1.0);
-    // The tone of -6 dBFS comes out 24 dB higher and is held at -0.3.
-    EXPECT_NEAR(model().limiterReductionDB(), 18.3, 0.5);
-    EXPECT_EQ(model().reductionText(),
-              QString::number(model().limiterReductionDB(), 'f', 1) + " dB");
-    EXPECT_EQ(model().losses(), "");
-}
-
 TEST_F(EngineModelTest, TheSpectrumMovesOnlyWhileItIsSeenAndNoMoreOftenThan30TimesASecond) {
     Announcements levels(spectrum(), &SpectrumModel::levelsChanged);
     EXPECT_FALSE(spectrum().active());
@@ -126,7 +109,7 @@ TEST_F(EngineModelTest, TheSpectrumMovesOnlyWhileItIsSeenAndNoMoreOftenThan30Tim
     spectrum().setVisible(true);
     app->setting("spectrumEnabled")->setValue(0);
     EXPECT_FALSE(spectrum().active());
-    EXPECT_EQ(loudest(), 0.0) << "a display that stands still would look like sound";
+    EXPECT_EQ(loudest(), 0.0) << "a frozen display would look like sound";
     app->setting("spectrumEnabled")->setValue(1);
     EXPECT_TRUE(waitForTone());
     model().stop();

@@ -1,9 +1,6 @@
 #include "settings/records/json/SettingsCoding.h"
 #include "ui/model/ModelFixture.h"
 
-#include <algorithm>
-#include <malloc.h>
-
 namespace quorbel::testing {
 namespace {
 
@@ -64,28 +61,6 @@ TEST_F(HistoryModelTest, EveryKindOfChangeIsOneStep) {
     EXPECT_EQ(saved.bands, bands());
 }
 
-TEST_F(HistoryModelTest, AGestureIsOneStepAndABurstOnOneControl) {
-    BandListModel &list = *app->equalizer()->bands();
-    expectOneStep([&] {
-        history().beginGesture();
-        for (int i = 1; i <= 30; ++i) {
-            list.setFrequency(5, 1000 + 10 * i);
-            list.setGain(5, 0.1 * i);
-            clock.advance(0.1);
-        }
-        history().endGesture();
-    });
-    EXPECT_EQ(history().undoText(), "Undo Band frequency");
-    list.setGain(5, 1);
-    list.setGain(5, 2);
-    list.setGain(6, 1);
-    history().undo();
-    EXPECT_EQ(bands()[5].gainDB, 2.0F) << "another band is another step";
-    history().undo();
-    EXPECT_EQ(bands()[5].gainDB, 3.0F);
-    EXPECT_EQ(history().redoText(), "Redo Band gain");
-}
-
 TEST_F(HistoryModelTest, UndoLeavesAloneWhatItsStepDidNotChange) {
     app->setting("xtcAmount")->setValue(70);
     engine().eq().setGlobalGainDB(-5); // not the user's doing
@@ -125,25 +100,6 @@ TEST_F(HistoryModelTest, SavingDeletingAndImportingAreSteps) {
         history().undo();
     EXPECT_EQ(app->presets()->count(), 34);
     EXPECT_EQ(state->presets().back().name, "Theirs");
-}
-
-TEST_F(HistoryModelTest, AStepOfAControlTakesNoCopyOfThePresets) {
-    std::vector<Preset> many(300, state->presets()[9]);
-    for (Preset &preset : many) {
-        preset.id = Uuid::random();
-        preset.category = Preset::Category::user;
-    }
-    state->setUserPresets(std::move(many));
-    const auto steps = [&](int count) {
-        for (int i = 0; i < count; ++i) {
-            app->setting("saturationDrive")->setValue(50 + i);
-            pause();
-        }
-    };
-    steps(1); // with what the first save keeps
-    const std::size_t before = mallinfo2().uordblks;
-    steps(40);
-    EXPECT_LT(mallinfo2().uordblks, before + 1'000'000) << "a copy of the presets takes 270 kB";
 }
 
 } // namespace

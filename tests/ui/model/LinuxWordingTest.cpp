@@ -11,7 +11,7 @@
 namespace quorbel {
 namespace {
 
-/// The catalogue, in force for the length of a test.
+/// The catalogue, installed for the length of a test.
 class LinuxWordingTest : public ::testing::Test {
   protected:
     LinuxWordingTest() { QCoreApplication::installTranslator(&wording_); }

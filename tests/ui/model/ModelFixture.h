@@ -6,7 +6,6 @@
 #include "settings/state/TemporaryFolder.h"
 #include "ui/model/AppModel.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QAbstractItemModel>
@@ -17,7 +16,7 @@
 
 namespace quorbel::testing {
 
-/// How often an object has announced something since this was made or asked last.
+/// Counts an object's announcements since this was made or last asked.
 class Announcements {
   public:
     template <typename Sender, typename Signal> Announcements(const Sender &sender, Signal signal) {
@@ -60,7 +59,7 @@ class ModelTest : public ::testing::Test {
         ASSERT_TRUE(app->engine()->running()) << app->engine()->errorMessage().toStdString();
     }
 
-    /// What a model says in a row under a role's name.
+    /// A model's value in a row under a role's name.
     [[nodiscard]] static QVariant says(const QAbstractItemModel &model, int row,
                                        const QByteArray &role) {
         const int key = model.roleNames().key(role, -1);

@@ -39,7 +39,7 @@ TEST_F(ProcessingPermitTest, OneProgramProcessesAtATime) {
     EXPECT_TRUE(isFree());
 }
 
-TEST_F(ProcessingPermitTest, StartsThatFailAlikeOrAreStoppedKeepNobodyOut) {
+TEST_F(ProcessingPermitTest, StartsThatFailAlikeOrAreStoppedLeaveThePermitFree) {
     const ProcessingPermit permit(*app->engine());
     hardware.operations().fail(SimulatedHardware::Operation::createProcessTap, -1);
     for (int start = 0; start < 3; ++start) {

@@ -7,9 +7,7 @@
 #include <QMetaEnum>
 #include <QMimeData>
 #include <QQuickItem>
-#include <QTest>
 #include <QUrl>
-#include <QtQuickTest/quicktest.h>
 
 #include <functional>
 
@@ -85,17 +83,6 @@ void eachShownItem(const QQuickItem &item, const std::function<void(const QQuick
 }
 
 } // namespace
-
-void settleLayout(QQuickWindow &window) {
-    // Laying out a text may ask for the layout around it again, in the next frame.
-    for (int quiet = 0, frames = 0; quiet < 3 && frames < 200; ++frames) {
-        QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        quiet = QQuickTest::qIsPolishScheduled(&window) ? 0 : quiet + 1;
-        if (quiet == 0)
-            QTest::qWait(1);
-    }
-}
 
 AccessibleWindow::AccessibleWindow() { QAccessible::setActive(true); }
 

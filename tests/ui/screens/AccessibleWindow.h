@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/app/simulated/Stage.h"
+
 #include <QObject>
 #include <QQuickWindow>
 #include <QStringList>
@@ -7,9 +9,6 @@
 #include <QVariantMap>
 
 namespace quorbel::testing {
-
-/// Returns when nothing is left to be laid out.
-void settleLayout(QQuickWindow &window);
 
 /// A window as assistive technology meets it: what is there is read, operated and typed into
 /// through the accessibility interfaces alone. Things are named by their accessible names; what is
@@ -39,9 +38,9 @@ class AccessibleWindow final : public QObject {
     Q_INVOKABLE bool focus(const QString &name, const QString &role = {});
     /// A key of any layout, pressed or let go of: `key` is Qt's code and `scanCode` its place.
     Q_INVOKABLE void sendKey(int key, int modifiers, int scanCode, bool isDown);
-    /// What the keyboard sends while the key stays down.
+    /// The events of a key that stays down.
     Q_INVOKABLE void repeatKey(int key);
-    Q_INVOKABLE void settle() { settleLayout(*window_); }
+    Q_INVOKABLE void settle() { simulated::settleLayout(*window_); }
     /// For the pointer; null where it is not there.
     [[nodiscard]] Q_INVOKABLE QQuickItem *item(const QString &name, const QString &role) const;
 

@@ -7,7 +7,7 @@
 
 namespace quorbel::testing {
 
-/// What a designer would not be shown, one line each; empty when all is well. `textScale` is the
+/// Faults of the layout, one line each; empty when all is well. `textScale` is the
 /// text size that the desktop asks for, 1 for the one the window is drawn for. Rules:
 ///
 /// 1. A text is shown whole, numbers above all. Only a closed box of choices may cut a name, for

@@ -2,8 +2,8 @@
 // of reach.
 
 #include "ui/app/MainWindow.h"
+#include "ui/app/simulated/Stage.h"
 #include "ui/screens/LayoutFaults.h"
-#include "ui/screens/Stage.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,6 @@
 #include <QtQml/QQmlExtensionPlugin>
 
 #include <functional>
-#include <memory>
 
 Q_IMPORT_QML_PLUGIN(Quorbel_DotmatrixPlugin)
 Q_IMPORT_QML_PLUGIN(Quorbel_ModelPlugin)
@@ -22,6 +21,8 @@ Q_IMPORT_QML_PLUGIN(Quorbel_ScreensPlugin)
 namespace quorbel::testing {
 
 namespace {
+
+using simulated::Stage;
 
 /// Makes every text half as long again, as German or Finnish would.
 class LongTexts final : public QTranslator {
@@ -121,13 +122,13 @@ class LayoutTest : public ::testing::TestWithParam<Case> {
   protected:
     LayoutTest() {
         QAccessible::setActive(true);
-        setTextSize(GetParam().textPercent);
+        simulated::setTextSize(GetParam().textPercent);
         if (GetParam().longTexts)
             QCoreApplication::installTranslator(&longTexts_);
     }
     ~LayoutTest() override {
         QCoreApplication::removeTranslator(&longTexts_);
-        setTextSize(100);
+        simulated::setTextSize(100);
     }
 
     /// Rows of lists are made some frames later than the list.

@@ -1,9 +1,9 @@
 // Runs the tst_*.qml of a folder: the controls one by one, or the screens in the real window.
 
+#include "ui/app/simulated/SimulatedMachine.h"
 #include "ui/controls/ContrastRatio.h"
 #include "ui/dotmatrix/Appearance.h"
 #include "ui/screens/AccessibleWindow.h"
-#include "ui/screens/SimulatedMachine.h"
 #include "ui/symbols/Symbols.h"
 
 #include <QQmlEngine>
@@ -18,7 +18,7 @@ Q_IMPORT_QML_PLUGIN(Quorbel_ScreensPlugin)
 
 namespace quorbel::testing {
 
-/// What things look like, and what the desktop asks for.
+/// The look of things, and the desktop's wishes for it.
 class Look final : public QObject {
     Q_OBJECT
 
@@ -38,7 +38,7 @@ class Setup final : public QObject {
 
   public Q_SLOTS:
     void qmlEngineAvailable(QQmlEngine *engine) {
-        machine_ = std::make_unique<SimulatedMachine>();
+        machine_ = std::make_unique<simulated::SimulatedMachine>();
         engine->addImportPath("qrc:/qt/qml");
         qmlRegisterSingletonInstance("Quorbel.Testing", 1, 0, "Machine", machine_.get());
         qmlRegisterSingletonInstance("Quorbel.Testing", 1, 0, "Assistive", &screen_);
@@ -49,7 +49,7 @@ class Setup final : public QObject {
   private:
     AccessibleWindow screen_;
     Look look_;
-    std::unique_ptr<SimulatedMachine> machine_;
+    std::unique_ptr<simulated::SimulatedMachine> machine_;
 };
 
 } // namespace quorbel::testing

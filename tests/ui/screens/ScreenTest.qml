@@ -48,7 +48,7 @@ TestCase {
             App.history.undo();
     }
     function focusedName() {
-        // What holds it stands behind what it is in.
+        // The focused item comes after the items that contain it.
         return (Assistive.all().filter(entry => entry.focused).pop() ?? {}).name;
     }
 

@@ -69,30 +69,6 @@ ScreenTest {
         verify(!App.history.canUndo);
     }
 
-    function test_a_click_on_a_point_chooses_and_moves_nothing() {
-        const point = pointAt(7);
-        mouseClick(point, 3, 3);
-        verify(!App.history.canUndo);
-        verify(Assistive.has("Band 8 Q", "Dial"));
-    }
-
-    function test_double_click_resets() {
-        const bands = App.equalizer.bands;
-        const row = bands.index(2, 0);
-        bands.setGain(2, 6);
-        bands.setFrequency(2, 200);
-        // On the slider its gain, on the point the band.
-        mouseDoubleClickSequence(Assistive.item("Band 3 gain", "Slider"));
-        compare(bands.data(row, Qt.UserRole + 2), 0);
-        compare(bands.data(row, Qt.UserRole + 1), 200);
-        bands.setGain(2, 6);
-        mouseDoubleClickSequence(Assistive.item("Band 3 gain, typed", "EditableText"));
-        compare(bands.data(row, Qt.UserRole + 2), 6);
-        mouseDoubleClickSequence(pointAt(2));
-        compare(bands.data(row, Qt.UserRole + 2), 0);
-        compare(bands.data(row, Qt.UserRole + 1), 125);
-    }
-
     function test_bypass_and_resets() {
         verify(Assistive.focus("Band 10 gain", "Slider"));
         press("Band 10 bypass", "CheckBox");
@@ -105,43 +81,5 @@ ScreenTest {
         compare(value("Band 2 gain"), 0);
         App.history.undo();
         compare(value("Band 2 gain"), 5);
-    }
-
-    function test_values_of_the_point_under_the_pointer_or_of_the_selected_one() {
-        App.equalizer.bands.setFrequency(8, 7537);
-        App.equalizer.bands.setGain(8, -2.5);
-        settle();
-        verify(Assistive.focus("Band 3 gain", "Slider"));
-        compareTexts(["125 Hz · +0.0 dB · Q 1.00"]);
-        const point = pointAt(8);
-        mouseMove(point, point.width / 2, point.height / 2);
-        tryVerify(() => Assistive.has("7537 Hz · -2.5 dB · Q 1.00"));
-        mouseMove(window.contentItem, 5, 5);
-        tryVerify(() => Assistive.has("125 Hz · +0.0 dB · Q 1.00"));
-    }
-
-    function test_q_of_the_chosen_band() {
-        verify(Assistive.focus("Band 4 gain", "Slider"));
-        const knob = Assistive.find("Band 4 Q", "Dial");
-        compare([knob.from, knob.value, knob.to], [0.1, 1, 20]);
-        setValue("Band 4 Q", 4);
-        compare(Assistive.find("Band 4 Q, typed", "EditableText").text, "4.00");
-    }
-
-    function test_nothing_is_painted_while_nothing_changes() {
-        const plot = pointAt(0).curve;
-        settle();
-        const painted = plot.paintCount();
-        for (let step = 0; step < 10; ++step) {
-            Machine.advance(0.1);
-            settle();
-        }
-        compare(plot.paintCount(), painted);
-        App.equalizer.globalGainDB = 2; // no part of the curve
-        settle();
-        compare(plot.paintCount(), painted);
-        App.equalizer.bands.setGain(0, 2);
-        settle();
-        verify(plot.paintCount() > painted);
     }
 }

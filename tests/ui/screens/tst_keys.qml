@@ -26,7 +26,7 @@ ScreenTest {
             "Ctrl+Y": [Qt.Key_Y, Qt.ControlModifier], "F5": [Qt.Key_F5], "Ctrl+Return": [Qt.Key_Return, Qt.ControlModifier],
             "Ctrl+7": [Qt.Key_7, Qt.ControlModifier], "Ctrl+7 in French": [Qt.Key_Egrave, Qt.ControlModifier, 16]
         })
-    // What a key does wherever the control does not say otherwise.
+    // The effect of a key unless the control says otherwise.
     readonly property var everywhere: ({
             "B": { compared: true }, "B in Cyrillic": { compared: true }, "F5": { refreshed: true },
             "Ctrl+Z": { global: 0 }, "Ctrl+Z in Cyrillic": { global: 0 }, "Ctrl+Return": { running: false },
@@ -99,7 +99,7 @@ ScreenTest {
         for (const fact in after)
             if (after[fact] !== before[fact])
                 changes[fact] = after[fact];
-        // Where the focus goes is told where it matters.
+        // The target of the focus is given where it matters.
         for (const fact of ["focus", "text", "highlighted"])
             if (expected[fact] === undefined && (changes.screen !== undefined || changes.dialog !== undefined || changes.open !== undefined || changes.presets !== undefined || changes.focus !== undefined && fact === "text"))
                 delete changes[fact];

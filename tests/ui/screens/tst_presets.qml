@@ -44,15 +44,6 @@ ScreenTest {
         compare(part("presetList").count, 33);
     }
 
-    function test_apply_by_its_button() {
-        open("presetsAll");
-        part("presetList").forceActiveFocus(Qt.TabFocusReason);
-        keyClick(Qt.Key_Down);
-        tabTo("Apply");
-        keyClick(Qt.Key_Space);
-        compare(App.presets.activeIndex, 1);
-    }
-
     function test_everything_by_the_keyboard_alone() {
         App.equalizer.bands.setGain(3, 2);
         open("presetsAll");
@@ -119,18 +110,6 @@ ScreenTest {
         open("presetsMine");
         for (const name of ["Night", "Evening", "More"])
             verify(Assistive.has(name, "ListItem"), name);
-    }
-
-    function test_a_search_without_result_says_so() {
-        open("presetsFactory");
-        keySequence("Ctrl+F");
-        type("zzz");
-        settle();
-        compareTexts(["33 total", "0 found", "No preset is found"]);
-        keyClick(Qt.Key_Escape);
-        settle();
-        verify(!Assistive.has("No preset is found"));
-        verify(!Assistive.has("33 found"));
     }
 
     function test_a_copy_of_a_factory_preset_is_told_of_where_the_list_does_not_show_it() {
@@ -229,22 +208,5 @@ ScreenTest {
         keyClick(Qt.Key_Z, Qt.ControlModifier);
         settle();
         verify(Assistive.has("De", "ListItem"));
-    }
-
-    function test_import_says_what_was_skipped() {
-        open("presetsMine");
-        Machine.chosenFile = Machine.writeFile("Phones.txt", "Preamp: -4 dB\nFilter 1: ON PK Fc 100 Hz Gain 3 dB Q 1\nFilter 2: ON NO Fc 900 Hz\n");
-        press("Import…", "Button");
-        verify(Assistive.has("Phones", "ListItem"));
-        verify(Assistive.names().some(name => name.startsWith("line 3:")), "the skipped line is not shown");
-        press("Dismiss", "Button");
-        Machine.chosenFile = Machine.writeFile("broken.json", "{");
-        press("Import…", "Button");
-        verify(Assistive.names("AlertMessage").some(name => name.includes("broken.json")));
-        press("Dismiss", "Button");
-        Machine.chosenFile = "";
-        press("Import…", "Button");
-        verify(!Assistive.has("Dismiss", "Button"), "cancelled, and still something was said");
-        compare(App.presets.count, 34);
     }
 }

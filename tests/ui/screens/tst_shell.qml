@@ -15,7 +15,7 @@ ScreenTest {
         announcements.target = part(alert);
         announcements.clear();
     }
-    /// What was announced since the last call.
+    /// Announcements since the last call.
     function announced() {
         const texts = announcements.signalArguments.map(sent => sent[0]);
         announcements.clear();
@@ -127,21 +127,6 @@ ScreenTest {
             keyClick(Qt.Key_Tab);
         } while (focusedName() !== "Start" && visited.length < 200);
         compare(data.names.filter(name => !visited.includes(name)), []);
-    }
-
-    function test_devices() {
-        open("devices");
-        compare(Assistive.find("Studio monitors", "RadioButton").description, "In use, System default");
-        press("USB headphones", "RadioButton");
-        compare(App.devices.currentName, "USB headphones");
-        compare(Assistive.find("USB headphones", "RadioButton").description, "In use");
-        verify(!Assistive.find("Studio monitors", "RadioButton").checked);
-        Machine.addDevice("hdmi", "Television");
-        press("Refresh", "Button");
-        Machine.advance(0.5);
-        settle();
-        verify(Assistive.has("3 found"));
-        verify(Assistive.has("Television", "RadioButton"));
     }
 
     // Last: it leaves no device.

@@ -1,10 +1,22 @@
-#include "ui/screens/Stage.h"
+#include "ui/app/simulated/Stage.h"
 
 #include <QFont>
 #include <QGuiApplication>
 #include <QTest>
+#include <QtQuickTest/quicktest.h>
 
-namespace quorbel::testing {
+namespace quorbel::simulated {
+
+void settleLayout(QQuickWindow &window) {
+    // Laying out a text may ask for the layout around it again, in the next frame.
+    for (int quiet = 0, frames = 0; quiet < 3 && frames < 200; ++frames) {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        quiet = QQuickTest::qIsPolishScheduled(&window) ? 0 : quiet + 1;
+        if (quiet == 0)
+            QTest::qWait(1);
+    }
+}
 
 void setTextSize(int percent) {
     QFont font = QGuiApplication::font();
@@ -107,4 +119,4 @@ QObject &Stage::part(const char *name) {
     return *found;
 }
 
-} // namespace quorbel::testing
+} // namespace quorbel::simulated

@@ -1,4 +1,4 @@
-#include "ui/screens/SimulatedMachine.h"
+#include "ui/app/simulated/SimulatedMachine.h"
 
 #include <QClipboard>
 #include <QDir>
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace quorbel::testing {
+namespace quorbel::simulated {
 
 namespace {
 
@@ -112,4 +112,4 @@ void SimulatedMachine::chooseExport(const QString &suggestedName, FileChosen cho
         chosen(chosenFile_);
 }
 
-} // namespace quorbel::testing
+} // namespace quorbel::simulated

@@ -11,7 +11,7 @@
 
 #include <memory>
 
-namespace quorbel::testing {
+namespace quorbel::simulated {
 
 /// The program below its window on a machine in memory: two devices, the speakers the default and
 /// chosen, settings in an empty folder. Nothing happens but while `advance` lets time pass. To QML
@@ -69,4 +69,4 @@ class SimulatedMachine final : public QObject, public PresetFileChooser {
     std::unique_ptr<AppModel> model_;
 };
 
-} // namespace quorbel::testing
+} // namespace quorbel::simulated

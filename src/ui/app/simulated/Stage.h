@@ -1,14 +1,16 @@
 #pragma once
 
-#include "ui/screens/AccessibleWindow.h"
-#include "ui/screens/SimulatedMachine.h"
+#include "ui/app/simulated/SimulatedMachine.h"
 
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 
 #include <initializer_list>
 
-namespace quorbel::testing {
+namespace quorbel::simulated {
+
+/// Returns when nothing is left to be laid out.
+void settleLayout(QQuickWindow &window);
 
 /// Sets the desktop's text size, in percent of the size the window is drawn for.
 void setTextSize(int percent);
@@ -47,4 +49,4 @@ class Stage {
     QQuickWindow *window_ = nullptr;
 };
 
-} // namespace quorbel::testing
+} // namespace quorbel::simulated

@@ -2,7 +2,7 @@
 // Usage: quorbel-screenshots FOLDER [WIDTH HEIGHT [TEXT]]; TEXT is the text size in percent.
 
 #include "ui/app/LinuxWording.h"
-#include "ui/screens/Stage.h"
+#include "ui/app/simulated/Stage.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -19,7 +19,7 @@ namespace quorbel {
 
 namespace {
 
-using testing::Stage;
+using simulated::Stage;
 
 struct Picture {
     const char *name;
@@ -132,10 +132,10 @@ int main(int argc, char **argv) {
     const QDir folder(arguments[1]);
     const int width = arguments.size() >= 4 ? arguments[2].toInt() : 1280;
     const int height = arguments.size() >= 4 ? arguments[3].toInt() : 900;
-    quorbel::testing::setTextSize(arguments.size() == 5 ? arguments[4].toInt() : 100);
+    quorbel::simulated::setTextSize(arguments.size() == 5 ? arguments[4].toInt() : 100);
     folder.mkpath(".");
     for (const quorbel::Picture &picture : quorbel::pictures) {
-        quorbel::testing::Stage stage(width, height);
+        quorbel::simulated::Stage stage(width, height);
         picture.prepare(stage);
         const QString path = folder.filePath(QString(picture.name) + ".png");
         if (!stage.save(path)) {
