@@ -17,17 +17,16 @@ TEST_F(WindowTest, ImportsAndExportsThroughTheDesktopsFileDialogs) {
     pressButton("Import…");
     typeInto("File name:", imported);
     pressButton("Open");
-    EXPECT_TRUE(soonShows({ATSPI_ROLE_LIST_ITEM, "Evening on paper"}));
+    EXPECT_TRUE(soonShows({"list item", "Evening on paper"}));
 
     // The folder of the import, and the preset's name with the extension of the filter.
     const std::filesystem::path exported = folder / "Evening on paper.json";
     pressButton("Export preset", "Evening on paper");
-    const Accessible name = window().find({ATSPI_ROLE_TEXT, "File name:"});
-    EXPECT_TRUE(comesTrue(2.0, [&] { return name.text() == exported.filename(); }))
-        << name.summary();
+    const Sought name{"text", "File name:"};
+    EXPECT_TRUE(comesTrue(2.0, [&] { return read(name)["text"] == exported.filename().string(); }))
+        << read(name);
     pressButton("Save");
-    EXPECT_TRUE(
-        soonShows({ATSPI_ROLE_ALERT, "Evening on paper was written to Evening on paper.json"}));
+    EXPECT_TRUE(soonShows({"alert", "Evening on paper was written to Evening on paper.json"}));
     ASSERT_TRUE(exists(exported));
     const auto preset = nlohmann::json::parse(std::ifstream(exported), nullptr, false);
     EXPECT_EQ(preset["name"], "Evening on paper");

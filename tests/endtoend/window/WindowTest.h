@@ -1,8 +1,5 @@
 #pragma once
 
-#include "endtoend/window/AccessibilityBus.h"
-#include "endtoend/window/Accessible.h"
-#include "endtoend/window/VirtualDisplay.h"
 #include "soundserver/GraphClient.h"
 #include "soundserver/PrivateSoundServer.h"
 #include "soundserver/Recorder.h"
@@ -13,12 +10,42 @@
 #include <nlohmann/json.hpp>
 
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace quorbel {
 
 using namespace soundserver;
+
+/// The desktop around the window, which desktop.py plays: its display, assistive technology and
+/// notifications.
+class Desktop {
+  public:
+    /// Throws `ServerError`.
+    explicit Desktop(const PrivateSoundServer &session);
+    ~Desktop();
+    Desktop(const Desktop &) = delete;
+    Desktop &operator=(const Desktop &) = delete;
+
+    /// For the variable DISPLAY.
+    [[nodiscard]] const std::string &display() const { return display_; }
+    /// Carries out a command and returns its answer. Throws `ServerError` with what failed.
+    nlohmann::json ask(const nlohmann::json &command);
+
+  private:
+    [[nodiscard]] nlohmann::json answer(const std::string &what);
+
+    std::unique_ptr<ChildProcess> process_;
+    std::size_t read_ = 0; ///< characters of its output
+    int pipe_ = -1;
+    std::string display_;
+};
+
+/// Something in the window. An empty description: any.
+struct Sought {
+    std::string role; ///< as assistive technology names it: "button", "list item", ...
+    std::string name;
+    std::string description{};
+};
 
 /// A user at a machine with two devices, `speakers` (the default) and `hdmi`, a display, and an
 /// assistive technology, which is all they operate the program with. Every test begins without a
@@ -34,7 +61,10 @@ class WindowTest : public testing::Test {
     void TearDown() override;
 
     static PrivateSoundServer &server() { return session_->server; }
-    static VirtualDisplay &display() { return session_->display; }
+    /// A command of desktop.py. Throws `ServerError` with what failed.
+    template <typename... Arguments> static nlohmann::json desktop(const Arguments &...arguments) {
+        return session_->desktop.ask(nlohmann::json::array({nlohmann::json(arguments)...}));
+    }
 
     /// The program, as the desktop's menu starts it; with `more` variables in its environment.
     [[nodiscard]] static std::unique_ptr<ChildProcess> start(const Environment &more = {});
@@ -42,52 +72,55 @@ class WindowTest : public testing::Test {
     /// Starts it, and returns when its window can be operated.
     void open();
     [[nodiscard]] ChildProcess &program() { return *program_; }
-    [[nodiscard]] const AccessibleProgram &window() const { return *window_; }
-    [[nodiscard]] static VirtualDisplay::Window frame() { return display().window("Ostrafine"); }
+    static void close() { desktop("close"); }
 
     // The user's hands.
-    void press(const Sought &what) const { window().find(what).press(); }
-    void pressButton(const std::string &name, const std::string &description = "") const {
-        press({ATSPI_ROLE_PUSH_BUTTON, name, description});
+    static void press(const Sought &what) {
+        desktop("press", what.role, what.name, what.description);
     }
-    void goTo(const std::string &destination) const { press({ATSPI_ROLE_LIST_ITEM, destination}); }
+    static void pressButton(const std::string &name, const std::string &description = "") {
+        press({"button", name, description});
+    }
+    static void goTo(const std::string &destination) { press({"list item", destination}); }
     /// Opens a picker of the toolbar and takes one of its entries.
-    void pick(const std::string &picker, const std::string &entry) const;
-    void setSlider(const std::string &name, double value) const;
+    static void pick(const std::string &picker, const std::string &entry);
+    static void setSlider(const std::string &name, double value);
     /// Into a field that has the focus and its content selected.
-    void typeInto(const std::string &field, const std::string &text) const;
+    static void typeInto(const std::string &field, const std::string &text);
     /// Picks the speakers and presses Start; returns when the tone is captured.
     void startProcessing() const;
 
     // The user's eyes and ears.
-    [[nodiscard]] testing::AssertionResult soonShows(const Sought &what) const;
+    [[nodiscard]] static testing::AssertionResult soonShows(const Sought &what);
+    /// {role, name, description, value, text, checked, focused, selected}
+    [[nodiscard]] static nlohmann::json read(const Sought &what) {
+        return desktop("read", what.role, what.name, what.description);
+    }
     /// An application plays from now on, and the speakers are recorded.
     void play(std::unique_ptr<Sound> sound);
     void playTone() { play(std::make_unique<Tone>(toneHz, toneLevelDB, sampleRate)); }
     /// Neither plays nor is recorded any more.
     void endPlaying();
     [[nodiscard]] const Recorder &speakers() const { return *speakers_; }
-    /// Where it plays, as far as the server knows.
+    /// Whether it comes to play there, as far as the server knows.
     [[nodiscard]] static testing::AssertionResult soonPlaysInto(const std::string &target);
     [[nodiscard]] std::string tapName() const;
     /// The level of the tone on the speakers, once it rests.
     [[nodiscard]] testing::AssertionResult soonHears(double levelDB, double tolerance = 0.1) const;
 
-    // What is saved.
+    // The saved settings.
     [[nodiscard]] static std::filesystem::path settingsFile();
     [[nodiscard]] static nlohmann::json saved();
 
   private:
     struct Session {
         PrivateSoundServer server;
-        VirtualDisplay display{1280, 900, server.environment()};
-        AccessibilityBus bus{server, display.name()};
+        Desktop desktop{server};
         GraphClient client{server};
     };
     static std::unique_ptr<Session> session_;
 
     std::unique_ptr<ChildProcess> program_;
-    std::optional<AccessibleProgram> window_;
     std::unique_ptr<Sound> sound_;
     std::unique_ptr<Player> player_;
     std::unique_ptr<Recorder> speakers_;
