@@ -1,11 +1,12 @@
 #include "endtoend/LiveTest.h"
-#include "support/soundserver/ChannelRecorder.h"
+#include "soundserver/ClientStream.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cmath>
-#include <optional>
 
 namespace quorbel {
 namespace {
@@ -16,6 +17,50 @@ struct Application {
     double leftHz;
     double rightHz;
     int channels = 2;
+};
+
+/// Records every channel of a device from its monitor, up to `maxSeconds` at 48 kHz.
+class ChannelRecorder : public ClientStream {
+  public:
+    ChannelRecorder(GraphClient &client, const std::string &device, int channels, double maxSeconds)
+        : ClientStream(client, "recorder-" + device),
+          samples_(static_cast<std::size_t>(channels),
+                   std::vector<float>(static_cast<std::size_t>(maxSeconds * 48000))) {
+        connect(PW_DIRECTION_INPUT,
+                pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_STREAM_CAPTURE_SINK,
+                                  "true", PW_KEY_TARGET_OBJECT, device.c_str(), nullptr),
+                48000, channels);
+        waitUntilRunning();
+    }
+    ~ChannelRecorder() override { disconnect(); }
+
+    [[nodiscard]] std::size_t frames() const { return frames_; }
+
+    /// The last `seconds` of each channel, in the order of `channelLayout`.
+    [[nodiscard]] std::vector<std::vector<float>> last(double seconds) const {
+        const auto end = static_cast<std::ptrdiff_t>(frames_.load());
+        const auto start = std::max<std::ptrdiff_t>(0, end - std::lround(seconds * 48000));
+        std::vector<std::vector<float>> result;
+        for (const std::vector<float> &channel : samples_)
+            result.emplace_back(channel.begin() + start, channel.begin() + end);
+        return result;
+    }
+
+  private:
+    std::uint32_t process(const Cycle &, std::span<float *const> channels,
+                          std::uint32_t frames) noexcept override {
+        const std::size_t start = frames_;
+        const std::size_t count = std::min<std::size_t>(frames, samples_.front().size() - start);
+        for (std::size_t index = 0; index < channels.size(); ++index)
+            std::copy_n(channels[index], count,
+                        samples_[index].begin() + static_cast<std::ptrdiff_t>(start));
+        frames_ = start + count;
+        return frames;
+    }
+
+    // Written by the data thread up to the published count, which only grows.
+    std::vector<std::vector<float>> samples_;
+    std::atomic<std::size_t> frames_{0};
 };
 
 /// Levels in dB of an application's two tones, on each channel of a device.
@@ -36,11 +81,9 @@ struct ChannelLevels {
 
     [[nodiscard]] ChannelLevels changedBy(double gainDB) const {
         ChannelLevels changed = *this;
-        for (std::vector<double> *levels : {&changed.left, &changed.right}) {
-            for (double &level : *levels) {
+        for (std::vector<double> *levels : {&changed.left, &changed.right})
+            for (double &level : *levels)
                 level += gainDB;
-            }
-        }
         return changed;
     }
 
@@ -83,7 +126,7 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
         return levels;
     }
 
-    /// What is heard without us, once it has settled.
+    /// The settled levels without us.
     [[nodiscard]] ChannelLevels direct(const Application &application) {
         const Playing playing(client, application);
         ChannelLevels last;
@@ -107,17 +150,15 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
         const std::size_t begin = recorder.frames();
         const bool came = comesTrue(2.5, [&] {
             // Not what was heard before, which may have been the same.
-            if (recorder.frames() < begin + static_cast<std::size_t>(48000 * windowSeconds)) {
+            if (recorder.frames() < begin + static_cast<std::size_t>(48000 * windowSeconds))
                 return false;
-            }
             heard = levelsOf(application);
             return std::ranges::any_of(wanted, [&](const ChannelLevels &levels) {
                 return heard.matches(levels.changedBy(-12.0));
             });
         });
-        if (came) {
+        if (came)
             return testing::AssertionSuccess();
-        }
         return testing::AssertionFailure() << application.name << " is heard as " << heard
                                            << ", without us as " << testing::PrintToString(wanted);
     }
@@ -135,7 +176,7 @@ TEST_P(ChannelCount, EveryChannelIsHeardWhereItIsWithoutUs) {
     const ChannelLevels directStereo = direct(stereo);
     const int starts = slowTestsWanted() ? 20 : 3;
     for (const Application &application : {stereo, surround}) {
-        // What we play is stereo: what the server makes of that is right too.
+        // We play stereo, so the server's own mix of stereo is right too.
         const std::vector<ChannelLevels> right = {directStereo, direct(application)};
         const Playing playing(client, application);
         for (int start = 0; start < starts; ++start) {

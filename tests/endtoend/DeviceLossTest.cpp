@@ -17,9 +17,8 @@ class DeviceLoss : public LiveTest {
     /// Whether the log comes to name a device as the one that is played on.
     static testing::AssertionResult soonSaysDevice(const LiveProcess &live,
                                                    const std::string &description) {
-        if (comesTrue(2.0, [&] { return saidDevice(live) == description; })) {
+        if (comesTrue(2.0, [&] { return saidDevice(live) == description; }))
             return testing::AssertionSuccess();
-        }
         return testing::AssertionFailure() << "says that it plays on " << saidDevice(live);
     }
 };
@@ -28,9 +27,8 @@ TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
     // The server falls back to the default of before; the lowest id would be the wrong guess.
     std::string fallback = "headphones";
     std::string other = "hdmi";
-    if (server.state().node(fallback)->id < server.state().node(other)->id) {
+    if (server.state().node(fallback)->id < server.state().node(other)->id)
         std::swap(fallback, other);
-    }
     server.setDefaultDevice(fallback);
     server.setDefaultDevice("speakers");
     // New for each look, because a change of the default moves recorders too.
@@ -111,9 +109,8 @@ TEST_F(DeviceLoss, LetsNoPulseAudioClientHang) {
         SCOPED_TRACE(turn);
         std::vector<std::unique_ptr<ChildProcess>> clients;
         for (int index = 0; index < clientsPerTurn; ++index) {
-            if (index == 2 * turn) {
+            if (index == 2 * turn)
                 server.removeDevice("hdmi");
-            }
             clients.push_back(playWith("paplay", 0.3));
         }
         server.addDevice({"hdmi", "HDMI"});

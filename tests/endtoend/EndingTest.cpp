@@ -81,9 +81,8 @@ TEST_F(Ending, WhatIsLeftWhenTheWatchdogDiesTooIsPutRightByTheNextStart) {
     ASSERT_TRUE(soonPlaysInto("pinned", {tapName(*live)}));
     const auto helpers = live->helpers();
     ASSERT_FALSE(helpers.empty());
-    for (const pid_t helper : helpers) {
+    for (const pid_t helper : helpers)
         kill(helper, SIGKILL);
-    }
     live->process().signal(SIGKILL);
     // The server itself lets them play on the default device; the user's pin is not forgotten.
     EXPECT_TRUE(soonPlaysInto("pinned", {"speakers"}));
@@ -151,30 +150,10 @@ TEST_F(Ending, AReverbIsHeardOutAfterTheLastApplication) {
         }
     }
     EXPECT_GT(sound, 48000U);
-    if (witness.stalls().empty()) {
+    if (witness.stalls().empty())
         EXPECT_LT(longestHole, 64U);
-    } else {
+    else
         std::cout << "the machine stood still; longest hole " << longestHole << " frames\n";
-    }
-}
-
-TEST_F(Ending, TheDeviceGoesToSleepAfterTheLastApplication) {
-    // A recorder would keep the device awake; this test has only its own.
-    const PrivateSoundServer quiet;
-    LiveProcess live(quiet, LiveSettings::flat());
-    live.waitUntilRunning();
-    {
-        Sequence sequence;
-        const auto file = quiet.folder() / "sequence.wav";
-        writeSoundFile(file, rendered(sequence, 0.5));
-        const auto application = quiet.start({"pw-play", file.string()});
-        ASSERT_TRUE(
-            comesTrue(2.0, [&] { return quiet.state().node("speakers")->state == "running"; }));
-        ASSERT_EQ(application->exitStatusWithin(5.0), 0);
-    }
-    EXPECT_TRUE(
-        comesTrue(8.0, [&] { return quiet.state().node("speakers")->state == "suspended"; }));
-    EXPECT_TRUE(live.process().running());
 }
 
 } // namespace

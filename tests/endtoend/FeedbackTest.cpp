@@ -34,9 +34,8 @@ class Feedback : public LiveTest {
     }
 
     void removeCopies() {
-        for (const std::string &module : modules_) {
+        for (const std::string &module : modules_)
             server.run({"pactl", "unload-module", module});
-        }
         modules_.clear();
     }
 
@@ -68,18 +67,15 @@ TEST_F(Feedback, NeverArisesAndEndsWithTheSound) {
         SCOPED_TRACE(areMadeWhileProcessing ? "a copy made while processing" : "a copy of a copy");
         const std::size_t start = recorders.front()->frames();
         const auto makeCopies = [&] { std::ranges::for_each(copies, [&](auto &c) { make(c); }); };
-        if (!areMadeWhileProcessing) {
+        if (!areMadeWhileProcessing)
             makeCopies();
-        }
         auto live = startLive(LiveSettings::flat(), {"--device", "speakers"});
         playTone(levelDB);
         EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
-        if (areMadeWhileProcessing) {
+        if (areMadeWhileProcessing)
             makeCopies();
-        }
-        for (const Copy &copy : copies) {
+        for (const Copy &copy : copies)
             EXPECT_TRUE(soonPlaysInto(copy.name(), {copy.to}));
-        }
         recorders.front()->skip(1.0); // a loop of 40 ms has gone round often enough to be heard
         closePlayer();
         for (const Recorder *recorder : recorders) {

@@ -11,7 +11,7 @@
 namespace quorbel {
 namespace {
 
-/// What is found in place of the journal is no reason to wait, to grow, or to write elsewhere.
+/// Odd files in place of the journal cause no waiting, no growth and no writing elsewhere.
 class Journal : public LiveTest {
   protected:
     Journal() { std::filesystem::create_directory(journal().parent_path()); }
@@ -78,9 +78,8 @@ TEST_F(Journal, OfGarbageIsReadInLittleMemory) {
     const double usualMiB = peakMiB;
     {
         std::ofstream file(journal());
-        for (int line = 0; line < 600'000; ++line) {
+        for (int line = 0; line < 600'000; ++line)
             file << "routed " << line << " " << line << " 7 - - - -\n";
-        }
     }
     run();
     EXPECT_LT(peakMiB, usualMiB + 8.0);

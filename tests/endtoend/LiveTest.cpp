@@ -17,12 +17,10 @@ std::ostream &operator<<(std::ostream &out, Heard heard) {
 Heard heardAs(float sample) {
     constexpr float gain = 0.251189F; // -12 dB
     constexpr float highest = Sequence::first + Sequence::step * Sequence::length;
-    if (sample == 0.0F) {
+    if (sample == 0.0F)
         return Heard::silence;
-    }
-    if (sample >= Sequence::first && sample <= highest) {
+    if (sample >= Sequence::first && sample <= highest)
         return Heard::dry;
-    }
     const bool isProcessed =
         sample >= Sequence::first * gain * 0.99F && sample <= highest * gain * 1.01F;
     return isProcessed ? Heard::processed : Heard::other;
@@ -39,7 +37,7 @@ StoredStreams applicationsOf(StoredStreams stored) {
     return stored;
 }
 
-/// What `one` holds and `other` does not, as text.
+/// The entries of `one` that `other` lacks, as text.
 std::string differenceOf(const SessionMemory &one, const SessionMemory &other) {
     Metadata routing;
     std::ranges::set_difference(one.routing, other.routing, std::inserter(routing, routing.end()));
@@ -53,9 +51,8 @@ std::string differenceOf(const SessionMemory &one, const SessionMemory &other) {
 } // namespace
 
 Heard heardIn(const Recording &recording) {
-    if (recording.frames() == 0) {
+    if (recording.frames() == 0)
         return Heard::other;
-    }
     const Heard first = heardAs(recording.left.front());
     const bool isAllOfOneKind =
         std::ranges::all_of(recording.left, [=](float sample) { return heardAs(sample) == first; });
@@ -116,15 +113,14 @@ void LiveTest::stopLive(std::unique_ptr<LiveProcess> &live) {
 
 testing::AssertionResult LiveTest::soonHears(const Recorder &recorder, Heard wanted,
                                              double deadlineSeconds, double windowSeconds) {
-    // What is heard must have begun after this call: sound of before would prove nothing.
+    // Only sound from after this call counts: older sound would prove nothing.
     const std::size_t start = recorder.frames();
     const bool came = comesTrue(deadlineSeconds + windowSeconds, [&] {
         const Recording window = recorder.last(windowSeconds);
         return recorder.frames() - start >= window.frames() && heardIn(window) == wanted;
     });
-    if (came) {
+    if (came)
         return testing::AssertionSuccess();
-    }
     return testing::AssertionFailure()
            << "the device plays " << heardIn(recorder.last(windowSeconds)) << " instead of "
            << wanted;
@@ -137,9 +133,8 @@ testing::AssertionResult LiveTest::soonPlaysInto(const std::string &application,
     if (comesTrue(deadlineSeconds, [&] {
             seen = server.state().targetsOf(application);
             return seen == targets;
-        })) {
+        }))
         return testing::AssertionSuccess();
-    }
     return testing::AssertionFailure()
            << application << " plays into " << testing::PrintToString(seen) << " instead of "
            << testing::PrintToString(targets);
@@ -163,9 +158,8 @@ SessionMemory LiveTest::settledMemory() const {
 
 testing::AssertionResult LiveTest::soonIsAsBefore(const SessionMemory &before) const {
     const SessionMemory now = settledMemory();
-    if (now == before && ourNodes().empty()) {
+    if (now == before && ourNodes().empty())
         return testing::AssertionSuccess();
-    }
     return testing::AssertionFailure()
            << "gone: " << differenceOf(before, now) << "\nnew: " << differenceOf(now, before)
            << "\nour nodes: " << testing::PrintToString(ourNodes());
@@ -173,11 +167,9 @@ testing::AssertionResult LiveTest::soonIsAsBefore(const SessionMemory &before) c
 
 std::vector<std::string> LiveTest::ourNodes() const {
     std::vector<std::string> names;
-    for (const Node &node : server.state().nodes) {
-        if (node.name().starts_with("quorbel.")) {
+    for (const Node &node : server.state().nodes)
+        if (node.name().starts_with("quorbel."))
             names.push_back(node.name());
-        }
-    }
     return names;
 }
 

@@ -21,7 +21,7 @@ namespace quorbel {
 
 using namespace soundserver;
 
-/// What stands on a device's monitor while applications play a `Sequence`.
+/// The sound of a device's monitor while applications play a `Sequence`.
 enum class Heard {
     silence,
     dry,       ///< the sequence as it is
@@ -43,7 +43,7 @@ bool slowTestsWanted();
 /// Frames of the longest stretch of a recording that was nothing but `kind`, in seconds at 48 kHz.
 double longestSeconds(const Recording &recording, Heard kind);
 
-/// What the user's session holds about where applications play.
+/// The session's knowledge of the devices that applications play on.
 struct SessionMemory {
     Metadata routing;
     std::string defaultDevice;

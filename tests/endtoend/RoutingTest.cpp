@@ -13,13 +13,6 @@ class Routing : public LiveTest {
     Recorder &hdmi = record("hdmi");
 };
 
-TEST_F(Routing, TheChosenDevicePlaysAndNotTheDefault) {
-    playSequence();
-    const auto live = startLive(twelveDBLower(), {"--device", "hdmi"});
-    EXPECT_TRUE(soonHears(hdmi, Heard::processed));
-    EXPECT_TRUE(soonHears(speakers, Heard::silence));
-}
-
 TEST_F(Routing, ApplicationsThatChoseADeviceAreCaughtAndGoBackToIt) {
     playSequence({"on speakers", "speakers"});
     auto live = startLive(twelveDBLower());
@@ -53,7 +46,7 @@ TEST_F(Routing, AVirtualDeviceOfTheUsersCanBeChosen) {
     EXPECT_TRUE(report.intact()) << report;
 }
 
-/// What a desktop shows and the user's own settings.
+/// The desktop's lists and the user's own settings.
 class Desktop : public LiveTest {};
 
 TEST_F(Desktop, ShowsNothingOfOursAndKeepsTheUsersDefaults) {

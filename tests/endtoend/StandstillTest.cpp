@@ -5,7 +5,7 @@
 namespace quorbel {
 namespace {
 
-/// Somebody stands still in a moment in which the others need them.
+/// One process stops at a moment at which the others need it.
 class Standstill : public LiveTest {
   protected:
     void playPinned() {

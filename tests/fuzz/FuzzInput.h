@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-/// What a fuzzer calls with every input, by libFuzzer's name for it.
+/// Called by the fuzzer with every input; the name is libFuzzer's.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
 namespace quorbel {

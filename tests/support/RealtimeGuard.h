@@ -5,7 +5,7 @@
 
 namespace quorbel::testing {
 
-/// What the current thread did that audio threads must not do.
+/// Operations of the current thread that are forbidden on audio threads.
 struct RealtimeViolations {
     std::uint64_t allocations = 0; ///< malloc and everything that ends there, new included
     std::uint64_t frees = 0;

@@ -28,9 +28,8 @@ struct HastyClient {
 pw_core *connect(pw_context *context, const PrivateSoundServer &server) {
     pw_core *core = pw_context_connect(
         context, pw_properties_new(PW_KEY_REMOTE_NAME, server.socket().c_str(), nullptr), 0);
-    if (core == nullptr) {
+    if (core == nullptr)
         throw ServerError("a hasty client cannot connect");
-    }
     return core;
 }
 

@@ -26,9 +26,8 @@ class LateDevice : public ClientStream {
   private:
     std::uint32_t process(const Cycle &, std::span<float *const> channels,
                           std::uint32_t frames) noexcept override {
-        if (frames > 0) {
+        if (frames > 0)
             lastSample_ = channels[0][frames - 1];
-        }
         return frames;
     }
 

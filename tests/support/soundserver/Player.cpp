@@ -5,9 +5,8 @@ namespace quorbel::soundserver {
 Player::Player(GraphClient &client, Sound &sound, const Options &options)
     : ClientStream(client, options.name), sound_(sound) {
     pw_properties *properties = pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Playback", nullptr);
-    if (!options.target.empty()) {
+    if (!options.target.empty())
         pw_properties_set(properties, PW_KEY_TARGET_OBJECT, options.target.c_str());
-    }
     connect(PW_DIRECTION_OUTPUT, properties, options.sampleRate, options.channels);
 }
 

@@ -31,9 +31,8 @@ class Player : public ClientStream {
     std::uint32_t process(const Cycle &cycle, std::span<float *const> channels,
                           std::uint32_t frames) noexcept override {
         sound_.fill(cycle.position, channels[0], channels[1], frames);
-        for (float *silent : channels.subspan(2)) {
+        for (float *silent : channels.subspan(2))
             std::fill_n(silent, frames, 0.0F);
-        }
         return frames;
     }
 

@@ -26,12 +26,10 @@ SequenceReport SequenceReport::of(const Recording &recording) {
     };
     std::size_t begin = 0;
     std::size_t end = recording.frames();
-    while (begin < end && isSilent(begin)) {
+    while (begin < end && isSilent(begin))
         ++begin;
-    }
-    while (end > begin && isSilent(end - 1)) {
+    while (end > begin && isSilent(end - 1))
         --end;
-    }
     report.leadingSilence = begin;
     report.frames = end - begin;
 
@@ -69,9 +67,8 @@ std::ostream &operator<<(std::ostream &out, const SequenceReport &report) {
         << " silent ones: " << report.silent << " silent, " << report.changed << " changed, "
         << report.jumps << " jumps (" << report.lost << " lost, " << report.repeated
         << " repeated)";
-    if (!report.faults.empty()) {
+    if (!report.faults.empty())
         out << ", the first at frame " << report.faults.front();
-    }
     return out;
 }
 

@@ -6,7 +6,7 @@
 
 namespace quorbel::soundserver {
 
-/// How a `Sequence` arrived.
+/// The faults of a received `Sequence`.
 struct SequenceReport {
     std::size_t leadingSilence = 0; ///< frames before the first one that sounds
     std::size_t frames = 0;         ///< from the first one that sounds to the last

@@ -2,7 +2,6 @@
 
 #include "soundserver/SoundFile.h"
 
-#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <mutex>
@@ -11,8 +10,8 @@
 
 namespace quorbel::soundserver {
 
-/// What a player plays. `fill` is called on the data thread; `position` is where the block's first
-/// frame stands on the graph's clock.
+/// The sound of a player. `fill` is called on the data thread; `position` is the time of the
+/// block's first frame on the graph's clock.
 class Sound {
   public:
     virtual ~Sound() = default;
@@ -101,9 +100,8 @@ class Impulses : public Sound {
             if (now) {
                 sinceLast_ = 0;
                 const std::lock_guard guard(mutex_); // a test's player may wait for a copy
-                if (positions_.size() < positions_.capacity()) {
+                if (positions_.size() < positions_.capacity())
                     positions_.push_back(position + frame);
-                }
             }
         }
     }

@@ -2,7 +2,6 @@
 
 #include "soundserver/Waiting.h"
 
-#include <chrono>
 #include <pthread.h>
 #include <sched.h>
 
@@ -12,18 +11,15 @@ StallWitness::StallWitness(double lateSeconds)
     : late_(static_cast<std::int64_t>(lateSeconds * 1e9)) {
     cpu_set_t ours;
     sched_getaffinity(0, sizeof ours, &ours);
-    for (int processor = 0; processor < CPU_SETSIZE; ++processor) {
-        if (CPU_ISSET(processor, &ours)) {
+    for (int processor = 0; processor < CPU_SETSIZE; ++processor)
+        if (CPU_ISSET(processor, &ours))
             watchers_.emplace_back([this, processor] { watch(processor); });
-        }
-    }
 }
 
 StallWitness::~StallWitness() {
     ends_ = true;
-    for (std::thread &watcher : watchers_) {
+    for (std::thread &watcher : watchers_)
         watcher.join();
-    }
 }
 
 std::vector<StallWitness::Stall> StallWitness::stalls() const {
