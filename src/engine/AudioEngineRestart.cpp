@@ -12,6 +12,13 @@ namespace {
 // A device that is plugged in makes several changes in a row; playback moves once, after the last.
 constexpr double outputRestartDelaySeconds = 0.15;
 
+/// Whether playback that is bound to one device is bound to the other.
+bool isSameDevice(std::optional<AudioDevice> a, const std::optional<AudioDevice> &b) {
+    if (a && b)
+        a->identity = b->identity; // plays on through another socket
+    return a == b;
+}
+
 } // namespace
 
 void AudioEngine::restoreOutputChoice(std::optional<std::string> uid) {
@@ -63,7 +70,7 @@ void AudioEngine::endErrorOfNoOutput() {
 }
 
 void AudioEngine::moveOutput(std::optional<AudioDevice> device) {
-    const bool changed = device != outputDevice_;
+    const bool changed = !isSameDevice(device, outputDevice_);
     outputDevice_ = std::move(device);
     Q_EMIT outputDeviceChanged();
     if (changed)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/core/AudioBufferList.h"
+#include "platform/core/OutputIdentity.h"
 #include "platform/core/Status.h"
 #include "platform/core/StreamFormat.h"
 
@@ -139,7 +140,7 @@ inline constexpr Status soundCutOffStatus = -5; // EIO
 class HardwareListener {
   public:
     virtual ~HardwareListener() = default;
-    virtual void deviceListChanged() {}
+    virtual void deviceListChanged() {} ///< also where the identity of one has changed
     virtual void defaultOutputChanged() {}
     /// The hardware layer as a whole went away (the sound server died); every object in it is gone.
     virtual void hardwareLost(Status) {}
@@ -170,6 +171,8 @@ class AudioHardware {
     [[nodiscard]] virtual std::optional<std::string> deviceUID(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceName(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceManufacturer(AudioObjectID device) = 0;
+    /// Without names where the id names no device.
+    [[nodiscard]] virtual OutputIdentity outputIdentity(AudioObjectID device) = 0;
     virtual Status streamChannelCounts(AudioObjectID device, Scope scope,
                                        std::vector<std::uint32_t> &channelsPerBuffer) = 0;
 
