@@ -6,6 +6,7 @@
 #include "engine/EngineDiagnostics.h"
 #include "engine/EngineLifecycle.h"
 #include "engine/MeterReadings.h"
+#include "engine/OutputRule.h"
 #include "engine/PlaybackGraph.h"
 #include "engine/ProcessingChain.h"
 #include "engine/SystemAudioTap.h"
@@ -87,6 +88,15 @@ class AudioEngine final : public QObject {
         return outputDevice_ && outputDevice_->uid != chosenUID_;
     }
 
+    /// From now on `rule`, which must outlive the engine or be taken back, says what each output is
+    /// used for; null for none.
+    void setOutputRule(OutputRule *rule);
+    /// To be called when the rule has another opinion of the output in use.
+    void followOutputRule();
+    /// Whether the user wants processing, but not on the output in use: nothing is captured. The
+    /// state is `stopped` meanwhile; the engine starts by itself with another output.
+    [[nodiscard]] bool isLeavingAlone() const { return isLeavingAlone_; }
+
     /// Whether playback can be compared with the unprocessed sound; measuring the loudness for that
     /// costs a little. From the next start on.
     void setComparable(bool comparable) { chain_.setMeasuresLoudness(comparable); }
@@ -163,6 +173,14 @@ class AudioEngine final : public QObject {
     void publishState();
     void updateReadouts();
 
+    // AudioEngineOutputs.cpp
+    [[nodiscard]] bool hasOutputRule() const;
+    [[nodiscard]] OutputUse useOfOutput() const;
+    void adoptOutput();
+    void decideOutput(bool isLeftAlone);
+    void leaveOutputAlone();
+    [[nodiscard]] bool awaitIdentity(EngineLifecycle::Generation start);
+
     // AudioEngineRestart.cpp
     void moveOutput(std::optional<AudioDevice> device);
     [[nodiscard]] std::optional<AudioDevice> wantedOutput() const;
@@ -175,6 +193,7 @@ class AudioEngine final : public QObject {
     void rebuildTap();
     void failRunning(std::string_view message);
     void failAtRate(double sampleRate);
+    void awaitComeback();
     void scheduleComeback();
     void comeBack();
     void finishComeback();
@@ -188,8 +207,11 @@ class AudioEngine final : public QObject {
     bool comparing_ = false;
     std::optional<AudioDevice> outputDevice_;
     std::optional<std::string> chosenUID_;
-    bool mayStandIn_ = false;      ///< the default output takes the place of a choice that is away
-    EngineLifecycle::State state_; ///< the lifecycle's, as last published
+    bool mayStandIn_ = false; ///< the default output takes the place of a choice that is away
+    OutputRule *outputRule_ = nullptr;
+    bool isLeavingAlone_ = false;
+    bool hasWaitedForIdentity_ = false; ///< in the start under way
+    EngineLifecycle::State state_;      ///< the lifecycle's, as last published
     PublishedReadings published_;
     MeterReadings lastReadings_;
     int standingReadouts_ = 0; ///< in a row, in which nothing has moved
@@ -214,7 +236,8 @@ class AudioEngine final : public QObject {
 
     Timer bassReadoutTimer;
     Timer outputRestartTask;
-    Timer comebackTimer; ///< set while the wish to process waits for the hardware
+    Timer identityDeadline_; ///< set while the output's identity is waited for
+    Timer comebackTimer;     ///< set while the wish to process waits for the hardware
     Comeback comeback_;
     EngineUpheavals upheavals_;
     std::shared_ptr<AudioEngine *> self_; ///< what the hardware's threads find the engine by

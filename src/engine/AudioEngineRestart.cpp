@@ -54,7 +54,10 @@ void AudioEngine::followWantedOutput() {
 void AudioEngine::followDeviceList() {
     const bool isAtRest = !lifecycle.isStarting() && !isComingBack() &&
                           lifecycle.state() != EngineLifecycle::State::running();
-    if (!isAtRest || (outputDevice_ && !isOutputStandIn()))
+    const auto listed =
+        outputDevice_ ? deviceManager_.outputDevice(outputDevice_->uid) : std::nullopt;
+    const bool isElsewhere = listed && listed->identity != outputDevice_->identity;
+    if (!isAtRest || (outputDevice_ && !isOutputStandIn() && !isElsewhere))
         return;
     followWantedOutput();
     endErrorOfNoOutput();
@@ -71,10 +74,14 @@ void AudioEngine::endErrorOfNoOutput() {
 
 void AudioEngine::moveOutput(std::optional<AudioDevice> device) {
     const bool changed = !isSameDevice(device, outputDevice_);
+    const bool isElsewhere = !changed && device != outputDevice_;
     outputDevice_ = std::move(device);
-    Q_EMIT outputDeviceChanged();
+    if (!isElsewhere)
+        Q_EMIT outputDeviceChanged();
     if (changed)
         scheduleOutputRestart();
+    if (changed || isElsewhere)
+        followOutputRule();
 }
 
 void AudioEngine::scheduleOutputRestart() {
@@ -85,11 +92,17 @@ void AudioEngine::scheduleOutputRestart() {
 }
 
 void AudioEngine::restartProcessEngine() {
+    outputRestartTask.invalidate();
     // Capture goes on meanwhile.
+    if (identityDeadline_.isSet()) {
+        scheduleOutputRestart();
+        return;
+    }
     spectrumAnalyzer_.detach();
     try {
         playback_.fadeOut();
         playback_.stop();
+        adoptOutput();
         playback_.configure(deviceManager_, outputDevice_);
         playback_.start();
         applySpatial();

@@ -28,6 +28,9 @@ class PlaybackGraph {
     /// if it cannot be bound.
     void configure(const DeviceManager &devices, const std::optional<AudioDevice> &device);
 
+    /// `HardwareOutput::setStaysOnDevice`.
+    void setStaysOnDevice(bool staysOnDevice);
+
     /// Throws AudioEngineError.
     void start();
 

@@ -116,6 +116,10 @@ class HardwareOutput {
     /// device is to be kept running until it has died away.
     virtual void setHoldsTail(bool) {}
 
+    /// Whether nothing is to be heard on another device when the bound one goes, until the next
+    /// start; otherwise the system may bridge that time.
+    virtual void setStaysOnDevice(bool) {}
+
     /// How much later the rendered sound is than the captured one, in seconds; 0 or more.
     /// Applications are told of it, with the device's own latency. While stopped.
     virtual void setProcessingDelay(double) {}

@@ -311,6 +311,8 @@ void PipeWireHardware::deviceChanged(std::uint32_t) {
 }
 
 void PipeWireHardware::nodeRemoved(const NodeRecord &node) {
+    if (output_ != nullptr)
+        output_->followDevice();
     if (router_)
         router_->nodeRemoved(node);
     pairMayHaveChanged();
