@@ -54,10 +54,27 @@ Persisted loadSettings(const std::string &path) {
     }
 }
 
-ChainSettings chainSettings(const Persisted &settings) {
-    return {.bands = settings.bands,
-            .eqGlobalGainDB = settings.eqGlobalGainDB.value_or(0.0F),
-            .spatial = settings.spatial,
+PresetGains loadPresetGains(const std::string &path) {
+    PresetGainsFile file(path.empty() ? userSettingsPath() : path);
+    try {
+        file.peek();
+    } catch (const SettingsFileError &error) {
+        throw CommandError(error.what());
+    } catch (const DecodingError &error) {
+        throw CommandError(file.path() + ": " + error.what());
+    }
+    return file.gains;
+}
+
+ChainSettings chainSettings(const Persisted &settings, const std::string &path,
+                            const std::optional<std::string> &presetName) {
+    const PresetGains gains = loadPresetGains(path);
+    const auto preset =
+        presetName ? std::optional(presetNamed(settings, *presetName)) : std::nullopt;
+    const float gainDB = preset ? gains.of(preset->id) : gains.inUse(settings.activePresetID);
+    return {.bands = preset ? preset->bands : settings.bands,
+            .eqGlobalGainDB = settings.eqGlobalGainDB.value_or(0.0F) + gainDB,
+            .spatial = preset ? preset->spatial : settings.spatial,
             .mixer = settings.mixer.value_or(MixerConfig{})};
 }
 
@@ -82,13 +99,8 @@ Preset presetNamed(const Persisted &settings, const std::string &name) {
     return *chosen;
 }
 
-void applyPreset(Persisted &settings, const std::string &name) {
-    const Preset chosen = presetNamed(settings, name);
-    settings.bands = chosen.bands;
-    settings.spatial = chosen.spatial;
-}
-
-UserSettings::UserSettings() : settings(defaultSettings()), file_(userSettingsPath()) {
+UserSettings::UserSettings()
+    : settings(defaultSettings()), file_(userSettingsPath()), gainsFile_(file_.path()) {
     try {
         if (auto record = file_.readChange())
             settings = std::move(*record);
@@ -99,10 +111,14 @@ UserSettings::UserSettings() : settings(defaultSettings()), file_(userSettingsPa
     }
     settings.presets = availablePresets(settings);
     asRead_ = settings;
+    gains = loadPresetGains("");
 }
 
 void UserSettings::save() {
     try {
+        // First: bands without the gain that belongs to them would be too loud.
+        gainsFile_.gains = gains;
+        static_cast<void>(gainsFile_.write());
         const SettingsFileLock lock(file_.path());
         const auto theirs = file_.readChange();
         file_.write(theirs ? mergedSettings(asRead_, settings, *theirs) : settings);

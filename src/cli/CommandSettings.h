@@ -2,8 +2,10 @@
 
 #include "engine/ChainSettings.h"
 #include "settings/records/Persisted.h"
+#include "settings/state/PresetGainsFile.h"
 #include "settings/state/SharedSettingsFile.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,8 +17,16 @@ namespace quorbel {
 /// settings file.
 [[nodiscard]] Persisted loadSettings(const std::string &path);
 
-/// The part of the settings that decides the sound. A missing mixer or gain is the default.
-[[nodiscard]] ChainSettings chainSettings(const Persisted &settings);
+/// The gains of presets, from the file beside that one; a missing file has none. Throws
+/// CommandError for a file that cannot be read or decoded, because presets without their gain would
+/// be too loud.
+[[nodiscard]] PresetGains loadPresetGains(const std::string &path);
+
+/// The part of the settings that decides the sound, with the preset of this name in place of the
+/// active one if there is a name. A missing mixer or gain is the default. `path` is what `settings`
+/// were loaded from. Throws as `loadPresetGains` and `presetNamed`.
+[[nodiscard]] ChainSettings chainSettings(const Persisted &settings, const std::string &path,
+                                          const std::optional<std::string> &presetName = {});
 
 /// The presets that a user with these settings has: the program's own, then the user's.
 [[nodiscard]] std::vector<Preset> availablePresets(const Persisted &settings);
@@ -24,10 +34,6 @@ namespace quorbel {
 /// The one of them with this name. Where no name is equal, capitals and the kind of dash do not
 /// count. Throws CommandError for a name that no preset has.
 [[nodiscard]] Preset presetNamed(const Persisted &settings, const std::string &name);
-
-/// Replaces the bands and spatial settings with those of the preset of this name; everything else
-/// stays. Throws as `presetNamed`.
-void applyPreset(Persisted &settings, const std::string &name);
 
 /// The user's own settings file, for a command that changes it. Where there is none yet, it begins
 /// with the defaults and the program's presets. Throws CommandError for a file that is there and
@@ -37,6 +43,7 @@ class UserSettings {
     UserSettings();
 
     Persisted settings;
+    PresetGains gains;
 
     /// Replaces the file as a whole and keeps another program's changes since. Throws CommandError;
     /// the file is then as it was.
@@ -44,6 +51,7 @@ class UserSettings {
 
   private:
     SharedSettingsFile file_;
+    PresetGainsFile gainsFile_;
     Persisted asRead_;
 };
 

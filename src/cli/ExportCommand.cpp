@@ -41,10 +41,9 @@ ExportCommand::ExportCommand()
 void ExportCommand::run() const {
     const Persisted settings = loadSettings("");
     const Preset preset = presetNamed(settings, presetName_);
-    const bool isActive = settings.activePresetID == preset.id;
+    const PresetGains gains = loadPresetGains("");
     try {
-        // The global gain belongs to the current sound, and so to the active preset alone.
-        writePreset(path_, preset, isActive ? settings.eqGlobalGainDB.value_or(0.0F) : 0.0F);
+        writePreset(path_, preset, gains.of(preset.id));
     } catch (const InterchangeError &error) {
         throw CommandError(fmt::format("{}: {}", preset.name, error.what()));
     } catch (const FileReplacementError &error) {

@@ -55,7 +55,8 @@ void ImportCommand::run() const {
         throw CommandError(fmt::format("{}: {}", path_, error.what()));
     }
     UserSettings user;
-    adoptPreset(user.settings, imported.preset, imported.globalGainDB);
+    adoptPreset(user.settings, imported.preset);
+    user.gains.set(imported.preset.id, imported.gainDB.value_or(0.0F));
     user.save();
     fmt::print("{}\n", printable(imported.summary));
     if (!imported.fitSummary.empty())

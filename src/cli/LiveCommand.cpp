@@ -74,10 +74,8 @@ LiveCommand::LiveCommand()
 void LiveCommand::run() const {
     std::signal(SIGPIPE, SIG_IGN); // the reader of the log may end, the sound stays
     TerminationSignals signals;
-    Persisted settings = loadSettings(settingsPath_);
-    if (presetName_)
-        applyPreset(settings, *presetName_);
-    ChainSettings chain = chainSettings(settings);
+    const Persisted settings = loadSettings(settingsPath_);
+    ChainSettings chain = chainSettings(settings, settingsPath_, presetName_);
     chain.mixer.spectrumEnabled = false; // there is no display to analyse for
     const InstanceLock lock;
     if (!lock.isHeld())

@@ -39,7 +39,7 @@ struct Change {
 std::vector<Change> loadChanges(const std::vector<TimedFile> &requests) {
     std::vector<Change> changes;
     for (const auto &[seconds, path] : requests)
-        changes.push_back({seconds, chainSettings(loadSettings(path))});
+        changes.push_back({seconds, chainSettings(loadSettings(path), path)});
     std::stable_sort(changes.begin(), changes.end(),
                      [](const Change &a, const Change &b) { return a.seconds < b.seconds; });
     return changes;
@@ -128,14 +128,13 @@ RenderCommand::RenderCommand()
 
 void RenderCommand::run() const {
     TerminationSignals signals;
-    Persisted settings = loadSettings(settingsPath_);
-    if (presetName_)
-        applyPreset(settings, *presetName_);
+    const ChainSettings settings =
+        chainSettings(loadSettings(settingsPath_), settingsPath_, presetName_);
     const std::vector<Change> changes = loadChanges(changes_);
     ChainRateReader input(inputPath_);
     requireFilesOfTheirOwn({inputPath_, outputPath_, metersPath_, spectrumPath_});
     SoundFileWriter output(outputPath_, input.expectedFrames());
-    OfflineRenderer renderer(chainSettings(settings));
+    OfflineRenderer renderer(settings);
     const auto replacedFrames = [&] { return input.replacedFrames() + renderer.replacedFrames(); };
     std::optional<TableFile> meters;
     if (metersPath_) {

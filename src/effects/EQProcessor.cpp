@@ -24,6 +24,12 @@ void EQProcessor::setGlobalGainDB(float gainDB) {
     Q_EMIT globalGainDBChanged();
 }
 
+void EQProcessor::setPresetGainDB(float gainDB) {
+    presetGainDB_ = gainDB;
+    sync();
+    Q_EMIT presetGainDBChanged();
+}
+
 void EQProcessor::set(std::vector<EQBand> bands, float globalGainDB) {
     bands_ = std::move(bands);
     globalGainDB_ = globalGainDB;
@@ -52,7 +58,7 @@ void EQProcessor::sync() {
                        .gainDB = band.gainDB,
                        .bypass = band.bypassed || bypassGainDB_};
     }
-    eq_.set(settings, bypassGainDB_.value_or(globalGainDB_));
+    eq_.set(settings, bypassGainDB_.value_or(totalGainDB()));
 }
 
 } // namespace quorbel

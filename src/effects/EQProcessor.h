@@ -10,8 +10,8 @@
 
 namespace quorbel {
 
-/// The parametric equaliser of the chain: the band list and the gain as the model, and the node
-/// that both are copied onto, always together. Observers hear of every assignment, also of an equal
+/// The parametric equaliser of the chain: the band list and the gains as the model, and the node
+/// that they are copied onto, always together. Observers hear of every assignment, also of an equal
 /// value. [main]
 class EQProcessor final : public QObject {
     Q_OBJECT
@@ -28,6 +28,12 @@ class EQProcessor final : public QObject {
     [[nodiscard]] float globalGainDB() const { return globalGainDB_; }
     void setGlobalGainDB(float gainDB);
 
+    /// The gain of the preset in use, played on top of the global gain.
+    [[nodiscard]] float presetGainDB() const { return presetGainDB_; }
+    void setPresetGainDB(float gainDB);
+    /// What the node plays beside the bands.
+    [[nodiscard]] float totalGainDB() const { return globalGainDB_ + presetGainDB_; }
+
     /// Both at once: no block is rendered with one of them.
     void set(std::vector<EQBand> bands, float globalGainDB);
 
@@ -41,12 +47,14 @@ class EQProcessor final : public QObject {
   Q_SIGNALS:
     void bandsChanged();
     void globalGainDBChanged();
+    void presetGainDBChanged();
 
   private:
     void sync();
 
     std::vector<EQBand> bands_;
     float globalGainDB_ = 0.0F;
+    float presetGainDB_ = 0.0F;
     std::optional<float> bypassGainDB_; ///< while bypassed
     ParametricEqualizerNode eq_;
 };

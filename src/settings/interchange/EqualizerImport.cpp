@@ -38,8 +38,6 @@ void dropInactive(std::vector<TextBand> &bands, std::vector<LineNote> &skipped) 
 
 std::string notesOf(const EqualizerImport &import) {
     std::string notes = "Imported.";
-    if (import.globalGainDB != 0.0F)
-        notes += fmt::format(" Belongs with a global gain of {} dB.", import.globalGainDB);
     if (import.fit)
         notes += fmt::format(" {} filters fitted onto {} bands: {:.2f} dB RMS, at most {:.2f} dB.",
                              import.takenFilters, equalizerBandCount, import.fit->rmsDB,
@@ -76,7 +74,7 @@ EqualizerImport importEqualizerText(std::string_view bytes, std::string_view nam
         .id = Uuid::random(), .name = std::string(trimmed(name)), .createdAt = Date::now()};
     if (import.preset.name.empty())
         throw InterchangeError(0, "the preset needs a name");
-    import.globalGainDB = text.preampDB;
+    import.gainDB = text.preampDB;
     import.limited = std::move(text.limited);
     import.skipped = std::move(text.skipped);
 

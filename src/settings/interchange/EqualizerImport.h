@@ -24,11 +24,11 @@ void fillWithFlatBands(std::vector<EQBand> &bands);
 struct EqualizerImport {
     /// Exactly ten bands in the order of their frequencies. A shorter list would leave bands of the
     /// previous preset active, so missing bands are flat. Every other setting is at its default,
-    /// which is off. The notes name the gain that belongs to the preset.
+    /// which is off.
     Preset preset;
 
-    /// The preamp. A preset has no place for it: it is the equaliser's global gain.
-    float globalGainDB = 0.0F;
+    /// The preamp; none where the text has none. The preset's record has no place for it.
+    std::optional<float> gainDB;
 
     std::size_t takenFilters = 0;     ///< of the text, OFF and flat ones included
     std::optional<ResponseError> fit; ///< where more than ten were taken

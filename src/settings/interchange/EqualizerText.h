@@ -4,6 +4,7 @@
 #include "settings/records/EQBand.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,7 +26,7 @@ struct TextBand {
 /// A parametric equaliser text as it was read.
 struct EqualizerText {
     std::vector<TextBand> bands;   ///< in the order of the lines; OFF filters are bypassed bands
-    float preampDB = 0.0F;         ///< the sum of all preamp lines
+    std::optional<float> preampDB; ///< the sum of all preamp lines; none without such a line
     std::vector<LineNote> skipped; ///< lines that were not taken
     std::vector<LineNote> limited; ///< taken as written, but beyond what the equaliser plays
 };

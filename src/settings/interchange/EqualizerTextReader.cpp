@@ -110,9 +110,10 @@ class TextReader {
                                    result_.skipped.front().reason +
                                        " (no line holds a filter or a preamp)");
         }
-        result_.preampDB = static_cast<float>(preampDB_);
+        if (preampLine_ != 0)
+            result_.preampDB = static_cast<float>(preampDB_);
         if (preampDB_ < minimumBandGainDB || preampDB_ > maximumBandGainDB)
-            limit(preampLine_, fmt::format("a preamp of {} dB", result_.preampDB),
+            limit(preampLine_, fmt::format("a preamp of {} dB", static_cast<float>(preampDB_)),
                   minimumBandGainDB, maximumBandGainDB, " dB");
         return std::move(result_);
     }

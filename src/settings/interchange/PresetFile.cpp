@@ -42,15 +42,16 @@ std::string readImport(const std::string &path) {
 ImportedPreset fromText(const std::string &text, const std::string &name) {
     EqualizerImport import = importEqualizerText(text, name);
     ImportedPreset imported;
-    imported.summary = fmt::format("{}: {} filter{}, preamp {:g} dB as the global gain",
-                                   import.preset.name, import.takenFilters,
-                                   import.takenFilters == 1 ? "" : "s", import.globalGainDB + 0.0F);
+    imported.summary = fmt::format(
+        "{}: {} filter{}, {}", import.preset.name, import.takenFilters,
+        import.takenFilters == 1 ? "" : "s",
+        import.gainDB ? fmt::format("preamp {:g} dB", *import.gainDB + 0.0F) : "no preamp");
     if (import.fit)
         imported.fitSummary =
             fmt::format("fitted onto ten bands: {:.2f} dB off on average, {:.2f} dB at most",
                         import.fit->rmsDB, import.fit->maximumDB);
     imported.preset = std::move(import.preset);
-    imported.globalGainDB = import.globalGainDB;
+    imported.gainDB = import.gainDB;
     imported.skipped = std::move(import.skipped);
     imported.limited = std::move(import.limited);
     return imported;
@@ -73,20 +74,17 @@ ImportedPreset readPreset(const std::string &path, const std::optional<std::stri
                : fromText(text, name.value_or(std::filesystem::path(path).stem().string()));
 }
 
-void adoptPreset(Persisted &settings, const Preset &preset, std::optional<float> globalGainDB) {
+void adoptPreset(Persisted &settings, const Preset &preset) {
     settings.bands = preset.bands;
     settings.spatial = preset.spatial;
     settings.presets.push_back(preset);
     settings.activePresetID = preset.id;
     settings.activePresetName = preset.name;
-    if (globalGainDB)
-        settings.eqGlobalGainDB = globalGainDB;
 }
 
-void writePreset(const std::string &path, const Preset &preset, float globalGainDB) {
+void writePreset(const std::string &path, const Preset &preset, float gainDB) {
     const bool isWhole = std::filesystem::path(path).extension() == ".json";
-    replaceFile(path,
-                isWhole ? writePresetFile(preset) : writeEqualizerText(preset.bands, globalGainDB));
+    replaceFile(path, isWhole ? writePresetFile(preset) : writeEqualizerText(preset.bands, gainDB));
 }
 
 std::string writePresetFile(const Preset &preset) { return encodeRecord(preset) + '\n'; }

@@ -15,11 +15,11 @@ namespace quorbel {
 /// A file as a preset of the user's.
 struct ImportedPreset {
     Preset preset;
-    std::optional<float> globalGainDB; ///< of an equaliser text; a preset file has none
-    std::string summary;               ///< one line for the user
-    std::string fitSummary;            ///< the same of a fit onto ten bands; empty for no fit
-    std::vector<LineNote> skipped;     ///< lines without effect
-    std::vector<LineNote> limited;     ///< lines that are played otherwise than written
+    std::optional<float> gainDB;   ///< the preamp of an equaliser text; a preset file has none
+    std::string summary;           ///< one line for the user
+    std::string fitSummary;        ///< the same of a fit onto ten bands; empty for no fit
+    std::vector<LineNote> skipped; ///< lines without effect
+    std::vector<LineNote> limited; ///< lines that are played otherwise than written
 };
 
 /// Reads a parametric equaliser text or a preset file, whichever it is. The preset has the name
@@ -28,15 +28,14 @@ struct ImportedPreset {
 [[nodiscard]] ImportedPreset readPreset(const std::string &path,
                                         const std::optional<std::string> &name = std::nullopt);
 
-/// Adds `preset` to the settings and applies it, with the global gain if there is one. Everything
-/// else stays.
-void adoptPreset(Persisted &settings, const Preset &preset, std::optional<float> globalGainDB);
+/// Adds `preset` to the settings and applies it. Everything else stays.
+void adoptPreset(Persisted &settings, const Preset &preset);
 
 /// Writes a preset whole to a file whose name ends in ".json", else as a parametric equaliser text
-/// with `globalGainDB` as its preamp. A file that exists is replaced, as a whole or not at all.
+/// with `gainDB` as its preamp. A file that exists is replaced, as a whole or not at all.
 /// Throws InterchangeError or EncodingError for a value that the form cannot hold, and
 /// FileReplacementError.
-void writePreset(const std::string &path, const Preset &preset, float globalGainDB);
+void writePreset(const std::string &path, const Preset &preset, float gainDB);
 
 // The JSON form.
 

@@ -10,7 +10,7 @@ namespace quorbel {
 
 AppState::AppState(AudioHardware &hardware, Clock &clock, std::string settingsPath)
     : clock_(clock), file_(std::move(settingsPath)), choiceFile_(file_.path()),
-      presets_(factoryPresets()), deviceManager_(hardware, clock),
+      gainsFile_(file_.path()), presets_(factoryPresets()), deviceManager_(hardware, clock),
       engine_(
           std::make_unique<AudioEngine>(hardware, deviceManager_, clock, EQBand::defaultBands())) {
     activePresetID_ = firstPresetID();
@@ -39,6 +39,9 @@ void AppState::applyPreset(const Preset &preset) {
     const auto change = engine_->changeSettings();
     engine_->eq().setBands(applied.bands);
     engine_->setSpatial(applied.spatial);
+    if (const float gainDB = gainsFile_.gains.of(applied.id);
+        gainDB != engine_->eq().presetGainDB())
+        engine_->eq().setPresetGainDB(gainDB);
     setActivePresetID(applied.id);
 }
 
@@ -52,6 +55,7 @@ void AppState::savePreset(const std::string &name) {
     const Uuid id = saved.id;
     std::vector<Preset> presets = presets_;
     presets.push_back(std::move(saved));
+    setPresetGainDB(id, engine_->eq().presetGainDB());
     setPresets(std::move(presets));
     setActivePresetID(id);
     persist();

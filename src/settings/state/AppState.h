@@ -6,6 +6,7 @@
 #include "settings/records/Persisted.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/state/OutputChoiceFile.h"
+#include "settings/state/PresetGainsFile.h"
 #include "settings/state/SharedSettingsFile.h"
 
 #include <QObject>
@@ -44,10 +45,15 @@ class AppState final : public QObject {
     /// Changes with those two and with this object's signals.
     [[nodiscard]] std::string activePresetDisplayName() const;
 
-    /// Sets bands and spatial settings; mixer, global gain and output stay.
+    /// Sets bands, spatial settings and the preset's gain; mixer, global gain and output stay.
     void applyPreset(const Preset &preset);
-    /// Makes the current bands and spatial settings a preset of the user's, and that the active
-    /// one. The name (UTF-8) is taken as given. Written at once.
+    /// The gains that presets bring when they are applied. The gain in use is the equaliser's
+    /// `presetGainDB`, which may be changed without changing the preset.
+    [[nodiscard]] const PresetGains &presetGains() const { return gainsFile_.gains; }
+    /// Sets what the preset brings from now on; the gain in use stays. Written with the next save.
+    void setPresetGainDB(const Uuid &preset, float gainDB) { gainsFile_.gains.set(preset, gainDB); }
+    /// Makes the current bands, spatial settings and preset gain a preset of the user's, and that
+    /// the active one. The name (UTF-8) is taken as given. Written at once.
     void savePreset(const std::string &name);
     /// Factory presets stay. Written at once.
     void deletePreset(const Preset &preset);
@@ -92,17 +98,20 @@ class AppState final : public QObject {
     void setActivePreset(std::optional<Uuid> id, const std::optional<std::string> &name);
     void applyOutput(const Persisted &record);
     void take(const Persisted &theirs);
-    void takeSound(const Persisted &ours, const Persisted &merged);
+    void takeSound(const Persisted &ours, const Persisted &merged, bool isGainTheirs);
     void takeOutput(const std::optional<std::string> &uid);
     void moveAsideIfUnreadable();
     [[nodiscard]] std::optional<std::string> takeUnseenOrMoveAside();
     [[nodiscard]] Persisted currentSettings() const;
     void observeSettings();
+    void readPresetGains();
+    std::optional<std::string> writePresetGains();
     void setPersistWarning(std::optional<std::string> warning);
 
     Clock &clock_;
     SharedSettingsFile file_;
     OutputChoiceFile choiceFile_;
+    PresetGainsFile gainsFile_;
     std::vector<Preset> presets_;
     std::optional<Uuid> activePresetID_;
     std::optional<std::string> persistWarning_;
@@ -112,7 +121,7 @@ class AppState final : public QObject {
     bool isTaking_ = false; ///< changes come from the file at present
     Timer unreadableLook_;
 
-    std::array<Timer, 5> pendingSaves_; ///< one for each watched setting
+    std::array<Timer, 6> pendingSaves_; ///< one for each watched setting
     DeviceManager deviceManager_;
     std::unique_ptr<AudioEngine> engine_;
 };

@@ -53,6 +53,33 @@ void AppState::apply(const Persisted &record) {
     }
     applyOutput(record);
     applyPresets(record);
+    readPresetGains();
+}
+
+/// Takes the gains of presets, and the one in use, from their file.
+void AppState::readPresetGains() {
+    try {
+        if (auto warning = gainsFile_.read())
+            setPersistWarning(std::move(warning));
+    } catch (const SettingsFileError &) {
+        return; // a save will say so
+    }
+    if (const float gainDB = gainsFile_.gains.inUse(activePresetID_);
+        gainDB != engine_->eq().presetGainDB())
+        engine_->eq().setPresetGainDB(gainDB);
+}
+
+/// Returns a warning if that failed, or if a damaged file was set aside.
+std::optional<std::string> AppState::writePresetGains() {
+    const float inUseDB = engine_->eq().presetGainDB();
+    gainsFile_.gains.applied.reset();
+    if (activePresetID_ && inUseDB != gainsFile_.gains.of(*activePresetID_))
+        gainsFile_.gains.applied = {activePresetID_->text(), inUseDB};
+    try {
+        return gainsFile_.write();
+    } catch (const std::exception &error) {
+        return std::string("The gains of presets could not be saved: ") + error.what();
+    }
 }
 
 /// A missing device stays unselected; the choice is kept.
@@ -102,6 +129,7 @@ void AppState::observeSettings() {
     };
     observe(&engine_->eq(), &EQProcessor::bandsChanged);
     observe(&engine_->eq(), &EQProcessor::globalGainDBChanged);
+    observe(&engine_->eq(), &EQProcessor::presetGainDBChanged);
     observe(engine_.get(), &AudioEngine::spatialChanged);
     observe(engine_.get(), &AudioEngine::mixerChanged);
     observe(engine_.get(), &AudioEngine::outputDeviceChanged);
@@ -112,6 +140,9 @@ void AppState::persist() {
         requireFileOrNothing(file_.path());
         const SettingsFileLock lock(file_.path());
         auto warning = takeUnseenOrMoveAside();
+        // First: bands without the gain that belongs to them would be too loud.
+        if (auto gainsWarning = writePresetGains())
+            warning = std::move(gainsWarning);
         Persisted record = currentSettings();
         const auto &chosen = engine_->outputChoice();
         choiceFile_.prepare(chosen, seen_.outputDeviceUID, record.outputDeviceUID);
@@ -202,14 +233,17 @@ void AppState::take(const Persisted &theirs) {
         setActivePreset(merged.activePresetID, merged.activePresetName);
     if (isActiveTheirs)
         seen_.activePresetID = activePresetID_;
-    takeSound(ours, merged);
+    const bool isGainTheirs = isActiveTheirs && activePresetID_ != ours.activePresetID;
+    takeSound(ours, merged, isGainTheirs);
     if (isOutputTheirs)
         takeOutput(theirs.outputDeviceUID);
     isTaking_ = false;
 }
 
-void AppState::takeSound(const Persisted &ours, const Persisted &merged) {
+void AppState::takeSound(const Persisted &ours, const Persisted &merged, bool isGainTheirs) {
     const auto change = engine_->changeSettings();
+    if (isGainTheirs)
+        readPresetGains();
     if (merged.eqGlobalGainDB != ours.eqGlobalGainDB)
         engine_->eq().setGlobalGainDB(*merged.eqGlobalGainDB);
     if (merged.bands != ours.bands) {

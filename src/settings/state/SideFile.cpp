@@ -26,13 +26,8 @@ SideFile::~SideFile() = default;
 SideFile::SideFile(SideFile &&) noexcept = default;
 SideFile &SideFile::operator=(SideFile &&) noexcept = default;
 
-bool SideFile::exists() const {
-    std::error_code unknown;
-    return std::filesystem::exists(path_, unknown);
-}
-
 json SideFile::readDocument() const {
-    if (!exists())
+    if (std::error_code unknown; !std::filesystem::exists(path_, unknown))
         return json::object();
     json document = parseJson(readSettingsText(path_));
     if (!document.is_object())
@@ -46,6 +41,8 @@ json SideFile::readDocument() const {
         throw SettingsFileError(path_ + ": written by a later version of Ostrafine");
     return document;
 }
+
+void SideFile::peek(const Decode &decode) const { decode(readDocument()); }
 
 std::optional<std::string> SideFile::read(const Decode &decode) {
     try {

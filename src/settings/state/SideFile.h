@@ -34,7 +34,11 @@ class SideFile {
     SideFile(SideFile &&) noexcept;
     SideFile &operator=(SideFile &&) noexcept;
 
-    [[nodiscard]] bool exists() const;
+    [[nodiscard]] const std::string &path() const { return path_; }
+
+    /// Reads the file and leaves it as it is. Throws SettingsFileError as `read`, and DecodingError
+    /// for a damaged file.
+    void peek(const Decode &decode) const;
 
     /// Reads the file. Returns a warning for the user if a damaged file had to be set aside.
     /// Throws SettingsFileError for a file that cannot be read or that a later version wrote: it is

@@ -5,6 +5,7 @@
 #include "settings/records/Preset.h"
 #include "settings/records/SpatialConfig.h"
 #include "settings/records/Uuid.h"
+#include "settings/state/PresetGainsFile.h"
 
 #include <cstddef>
 #include <deque>
@@ -39,11 +40,13 @@ class PresetSnapshot {
 struct EditState {
     std::vector<EQBand> bands;
     float globalGainDB = 0.0F;
+    float presetGainDB = 0.0F; ///< in use
     SpatialConfig spatial;
     MixerConfig mixer;
     PresetSnapshot userPresets;
     std::optional<Uuid> activePresetID;
     std::vector<Uuid> favourites; ///< among the presets
+    PresetGains presetGains;      ///< those of presets only
 
     friend bool operator==(const EditState &, const EditState &) = default;
 };

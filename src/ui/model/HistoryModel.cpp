@@ -72,11 +72,13 @@ EditState HistoryModel::current() const {
     AudioEngine &engine = state_.engine();
     return {.bands = engine.eq().bands(),
             .globalGainDB = engine.eq().globalGainDB(),
+            .presetGainDB = engine.eq().presetGainDB(),
             .spatial = engine.spatial(),
             .mixer = engine.mixer(),
             .userPresets = userPresets_,
             .activePresetID = state_.activePresetID(),
-            .favourites = favourites_.ids()};
+            .favourites = favourites_.ids(),
+            .presetGains = {.ofPresets = state_.presetGains().ofPresets, .applied = {}}};
 }
 
 /// Keeps the snapshot where nothing has changed, so that steps still share it.
@@ -87,6 +89,7 @@ void HistoryModel::followPresets() {
 }
 
 void HistoryModel::restore(const EditState &from, const EditState &to) {
+    restorePresetGains(from, to);
     restoreSound(from, to);
     if (from.favourites != to.favourites)
         restoreFavourites(from, to);
@@ -94,6 +97,19 @@ void HistoryModel::restore(const EditState &from, const EditState &to) {
     if (from.userPresets != to.userPresets)
         state_.setUserPresets(
             mergedPresets(*from.userPresets, *to.userPresets, userPresets(state_.presets())));
+}
+
+/// Leaves presets alone whose gain the step did not change: another program may have, since.
+void HistoryModel::restorePresetGains(const EditState &from, const EditState &to) {
+    const auto restoreWhereChanged = [&](const std::map<std::string, float> &presets) {
+        for (const auto &preset : presets) {
+            const auto id = Uuid::fromText(preset.first);
+            if (from.presetGains.of(*id) != to.presetGains.of(*id))
+                state_.setPresetGainDB(*id, to.presetGains.of(*id));
+        }
+    };
+    restoreWhereChanged(from.presetGains.ofPresets);
+    restoreWhereChanged(to.presetGains.ofPresets);
 }
 
 void HistoryModel::restoreFavourites(const EditState &from, const EditState &to) {
@@ -113,6 +129,8 @@ void HistoryModel::restoreFavourites(const EditState &from, const EditState &to)
 void HistoryModel::restoreSound(const EditState &from, const EditState &to) {
     AudioEngine &engine = state_.engine();
     const auto change = engine.changeSettings();
+    const float presetGainDB =
+        from.presetGainDB == to.presetGainDB ? engine.eq().presetGainDB() : to.presetGainDB;
     const auto &bands = from.bands == to.bands ? engine.eq().bands() : to.bands;
     const SpatialConfig &spatial = from.spatial == to.spatial ? engine.spatial() : to.spatial;
     if (from.activePresetID != to.activePresetID && to.activePresetID) {
@@ -124,6 +142,9 @@ void HistoryModel::restoreSound(const EditState &from, const EditState &to) {
         if (from.spatial != to.spatial)
             engine.setSpatial(spatial);
     }
+    // After the preset, which brings a gain of its own.
+    if (engine.eq().presetGainDB() != presetGainDB)
+        engine.eq().setPresetGainDB(presetGainDB);
     if (from.globalGainDB != to.globalGainDB)
         engine.eq().setGlobalGainDB(to.globalGainDB);
     if (from.mixer != to.mixer)

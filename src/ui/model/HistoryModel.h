@@ -57,6 +57,7 @@ class HistoryModel final : public QObject {
     /// Restores the values of `to` wherever the two states differ.
     void restore(const EditState &from, const EditState &to);
     void restoreSound(const EditState &from, const EditState &to);
+    void restorePresetGains(const EditState &from, const EditState &to);
     void restoreFavourites(const EditState &from, const EditState &to);
     void followPresets();
 

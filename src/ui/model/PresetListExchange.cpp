@@ -62,9 +62,9 @@ QString summaryOf(const ImportedPreset &imported) {
                                        : summary + ", " + QString::fromUtf8(imported.fitSummary);
 }
 
-ExchangeResult write(const Preset &preset, float globalGainDB, const QString &path) {
+ExchangeResult write(const Preset &preset, float gainDB, const QString &path) {
     try {
-        writePreset(path.toStdString(), preset, globalGainDB);
+        writePreset(path.toStdString(), preset, gainDB);
         return done(PresetListModel::tr("%1 was written to %2")
                         .arg(QString::fromUtf8(preset.name), QFileInfo(path).fileName()));
     } catch (const std::runtime_error &error) {
@@ -75,7 +75,8 @@ ExchangeResult write(const Preset &preset, float globalGainDB, const QString &pa
 /// The result of an import of several files.
 struct ImportedFiles {
     std::vector<Preset> presets;
-    QStringList refused; ///< a line each, as are all below
+    std::vector<std::pair<Uuid, float>> gainsDB; ///< of those that have one
+    QStringList refused;                         ///< a line each, as are all below
     QStringList taken;
     QStringList notes;
 
@@ -85,6 +86,8 @@ struct ImportedFiles {
             const QString name = QString::fromUtf8(imported.preset.name);
             taken << summaryOf(imported);
             notes << notesOf(imported, name + ", ");
+            if (imported.gainDB)
+                gainsDB.emplace_back(imported.preset.id, *imported.gainDB);
             presets.push_back(std::move(imported.preset));
         } catch (const std::runtime_error &error) {
             refused << failureText(path, error);
@@ -131,7 +134,7 @@ void PresetListModel::requestExportCurrent() {
                    .createdAt = Date::now(),
                    .bands = engine.eq().bands(),
                    .spatial = engine.spatial()};
-    const float gainDB = engine.eq().globalGainDB();
+    const float gainDB = engine.eq().totalGainDB();
     const QString suggestion = QString::fromUtf8(fileNameFor(current.name));
     chooser_->chooseExport(suggestion,
                            [this, current = std::move(current), gainDB](const QString &path) {
@@ -164,16 +167,21 @@ ExchangeResult PresetListModel::importFiles(const QStringList &paths) {
     for (const QString &path : paths)
         files.read(path);
     if (!files.presets.empty())
-        history_.edit(tr("Import %1 presets").arg(files.presets.size()), "import",
-                      [&] { addPresets(state_, files.presets); });
+        history_.edit(tr("Import %1 presets").arg(files.presets.size()), "import", [&] {
+            for (const auto &[id, gainDB] : files.gainsDB)
+                state_.setPresetGainDB(id, gainDB);
+            addPresets(state_, files.presets);
+        });
     return files.result();
 }
 
 ExchangeResult PresetListModel::importOne(const QString &path) {
     try {
         const ImportedPreset imported = readPreset(path.toStdString());
-        history_.edit(tr("Import %1").arg(QString::fromUtf8(imported.preset.name)), "import",
-                      [&] { adoptPreset(state_, imported.preset, imported.globalGainDB); });
+        history_.edit(tr("Import %1").arg(QString::fromUtf8(imported.preset.name)), "import", [&] {
+            state_.setPresetGainDB(imported.preset.id, imported.gainDB.value_or(0.0F));
+            adoptPreset(state_, imported.preset);
+        });
         return done(summaryOf(imported), notesOf(imported));
     } catch (const std::runtime_error &error) {
         return failed(failureText(path, error));
@@ -184,9 +192,7 @@ ExchangeResult PresetListModel::exportPreset(const QString &id, const QString &p
     const Preset *preset = find(id);
     if (preset == nullptr)
         return failed(tr("This preset is no longer there."));
-    // The global gain belongs to the current sound, and so to the active preset alone.
-    const bool isActive = preset->id == state_.activePresetID();
-    return write(*preset, isActive ? state_.engine().eq().globalGainDB() : 0.0F, path);
+    return write(*preset, state_.presetGains().of(preset->id), path);
 }
 
 } // namespace quorbel

@@ -31,14 +31,9 @@ std::vector<Preset> userPresets(const std::vector<Preset> &presets) {
     return own;
 }
 
-void adoptPreset(AppState &state, const Preset &preset, std::optional<float> globalGainDB) {
-    {
-        const auto change = state.engine().changeSettings();
-        if (globalGainDB)
-            state.engine().eq().setGlobalGainDB(*globalGainDB);
-        state.applyPreset(preset);
-    }
-    // Last, because it writes the file: the preset, and all that was set above.
+void adoptPreset(AppState &state, const Preset &preset) {
+    state.applyPreset(preset);
+    // Last, because it writes the file with the preset and its sound.
     addPresets(state, {preset});
 }
 
@@ -50,6 +45,7 @@ void updatePreset(AppState &state, const Uuid &id) {
     changeUserPreset(state, id, [&](Preset &preset) {
         preset.bands = state.engine().eq().bands();
         preset.spatial = state.engine().spatial();
+        state.setPresetGainDB(id, state.engine().eq().presetGainDB());
         state.applyPreset(preset); // the active one; the sound stays
     });
 }
@@ -67,6 +63,7 @@ Uuid duplicatePreset(AppState &state, const Preset &original) {
     copy.category = Preset::Category::user;
     copy.createdAt = Date::now();
     const Uuid id = copy.id;
+    state.setPresetGainDB(id, state.presetGains().of(original.id));
     std::vector<Preset> own = userPresets(state.presets());
     const auto at = std::ranges::find(own, original.id, &Preset::id);
     own.insert(at == own.end() ? at : at + 1, std::move(copy));

@@ -2,7 +2,6 @@
 
 #include "settings/state/AppState.h"
 
-#include <optional>
 #include <vector>
 
 namespace quorbel {
@@ -10,16 +9,15 @@ namespace quorbel {
 /// The user's among `presets`, in list order.
 [[nodiscard]] std::vector<Preset> userPresets(const std::vector<Preset> &presets);
 
-/// Adds `preset` to the user's and applies it, with the equaliser's gain in dB if there is one.
-/// Written at once and as a whole.
-void adoptPreset(AppState &state, const Preset &preset, std::optional<float> globalGainDB);
+/// Adds `preset` to the user's and applies it. Written at once and as a whole.
+void adoptPreset(AppState &state, const Preset &preset);
 
 /// Gives a preset of the user's another name. Written at once. An id that none of the user's has
 /// changes nothing.
 void renamePreset(AppState &state, const Uuid &id, const std::string &name);
 
-/// Makes the current bands and spatial settings those of a preset of the user's, and it the active
-/// one. Written at once. An id that none of the user's has changes nothing.
+/// Makes the current bands, spatial settings and preset gain those of a preset of the user's, and
+/// it the active one. Written at once. An id that none of the user's has changes nothing.
 void updatePreset(AppState &state, const Uuid &id);
 
 /// Puts the user's own presets `added` behind the others. Written at once.

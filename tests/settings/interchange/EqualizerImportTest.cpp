@@ -37,8 +37,7 @@ TEST(EqualizerImport, upToTenFiltersAreTakenAsTheyAre) {
         EXPECT_EQ(import.preset.name, "My headphones");
         EXPECT_EQ(import.preset.category, Preset::Category::user);
         EXPECT_EQ(import.preset.spatial, SpatialConfig());
-        EXPECT_EQ(import.globalGainDB, -6.2F);
-        EXPECT_THAT(import.preset.notes, HasSubstr("a global gain of -6.2 dB"));
+        EXPECT_EQ(import.gainDB, -6.2F);
         EXPECT_EQ(import.takenFilters, count);
         EXPECT_FALSE(import.fit);
 
@@ -104,11 +103,10 @@ TEST(EqualizerImport, inForceTheFileIsHeardWhateverWasSetBefore) {
     const EqualizerImport import = importEqualizerText(filters(3), "Mine");
     expected.bands = import.preset.bands;
     expected.spatial = SpatialConfig();
-    expected.eqGlobalGainDB = 0.0F; // the text has no preamp: that of before is not its
     expected.activePresetID = import.preset.id;
     expected.activePresetName = "Mine";
     expected.presets = {import.preset};
-    adoptPreset(settings, import.preset, import.globalGainDB);
+    adoptPreset(settings, import.preset);
     EXPECT_EQ(settings, expected);
 }
 

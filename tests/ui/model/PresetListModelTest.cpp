@@ -189,11 +189,14 @@ TEST_F(PresetListModelTest, SeveralFilesMakeOneStepAndOneSummary) {
     EXPECT_EQ(result.message, "2 of 3 files were imported.");
     ASSERT_EQ(result.details.size(), 4);
     EXPECT_TRUE(result.details[0].startsWith("bad.json: "));
-    EXPECT_EQ(result.details[1], "A: 1 filter, preamp 0 dB as the global gain");
-    EXPECT_EQ(result.details[2], "B: 1 filter, preamp -2 dB as the global gain");
+    EXPECT_EQ(result.details[1], "A: 1 filter, no preamp");
+    EXPECT_EQ(result.details[2], "B: 1 filter, preamp -2 dB");
     EXPECT_TRUE(result.details[3].startsWith("A, line 2: "));
     EXPECT_EQ(presets().activeName(), "Flat") << "none of several is applied";
-    EXPECT_EQ(engine().eq().globalGainDB(), 0.0F);
+    EXPECT_EQ(engine().eq().presetGainDB(), 0.0F);
+    presets().applyRow(34);
+    EXPECT_EQ(engine().eq().presetGainDB(), -2.0F) << "each brings its own";
+    app->history()->undo();
     app->history()->undo();
     EXPECT_EQ(presets().count(), 33);
 
@@ -210,12 +213,12 @@ TEST_F(PresetListModelTest, ImportsAnEqualiserTextWithItsGainAndSaysWhatItSkippe
                                  "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70\n"
                                  "Filter 2: ON XX Fc 105 Hz Gain -3.1 dB\n")});
     ASSERT_TRUE(result.ok) << result.message.toStdString();
-    EXPECT_EQ(result.message, "Living room: 1 filter, preamp -6.2 dB as the global gain");
+    EXPECT_EQ(result.message, "Living room: 1 filter, preamp -6.2 dB");
     ASSERT_EQ(result.details.size(), 1);
     EXPECT_THAT(result.details.first().toStdString(), ::testing::StartsWith("line 3: "));
-    EXPECT_EQ(engine().eq().globalGainDB(), -6.2F);
+    EXPECT_EQ(engine().eq().presetGainDB(), -6.2F);
+    EXPECT_EQ(engine().eq().globalGainDB(), 0.0F);
     const Persisted saved = readSettingsFile(state->settingsPath());
-    EXPECT_EQ(saved.eqGlobalGainDB, -6.2F) << "in the same write as the preset";
     EXPECT_EQ(saved.bands, bands());
     EXPECT_EQ(saved.activePresetName, "Living room");
 }
@@ -224,11 +227,6 @@ TEST_F(PresetListModelTest, WhatItWritesItReads) {
     presets().apply(presetId(9));
     app->equalizer()->setGlobalGainDB(-2);
     ASSERT_TRUE(presets().exportPreset(presetId(9), path("out.json")).ok);
-    ASSERT_TRUE(presets().exportPreset(presetId(9), path("active.txt")).ok);
-    ASSERT_TRUE(presets().exportPreset(presetId(10), path("other.txt")).ok);
-    EXPECT_THAT(contentOf(folder.path() / "active.txt"), HasSubstr("Preamp: -2"));
-    EXPECT_THAT(contentOf(folder.path() / "other.txt"), HasSubstr("Preamp: 0"))
-        << "the gain belongs to what is heard";
 
     const SpatialConfig spatial = engine().spatial();
     const std::vector<EQBand> exported = bands();
@@ -237,7 +235,6 @@ TEST_F(PresetListModelTest, WhatItWritesItReads) {
     ASSERT_TRUE(back.ok) << back.message.toStdString();
     EXPECT_EQ(bands(), exported);
     EXPECT_EQ(engine().spatial(), spatial);
-    EXPECT_EQ(engine().eq().globalGainDB(), -2.0F) << "a preset file has no gain";
     EXPECT_TRUE(says(presets(), 33, "isUser").toBool());
 }
 
