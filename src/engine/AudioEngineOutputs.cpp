@@ -3,8 +3,9 @@
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
 #include "engine/OutputRule.h"
+#include "platform/core/Log.h"
 
-#include <utility>
+#include <fmt/format.h>
 
 namespace quorbel {
 namespace {
@@ -75,6 +76,7 @@ void AudioEngine::leaveOutputAlone() {
     adoptOutput();
     observeHardware();
     publishState();
+    logLine("AudioEngine", fmt::format("ieșirea '{}' este lăsată în pace", outputDevice_->name));
 }
 
 /// True while a start has to wait for the output's identity; it then goes on by itself.

@@ -40,6 +40,12 @@ std::optional<std::string> OutputProfiles::read() {
     return warning;
 }
 
+void OutputProfiles::peek() {
+    file_.peek();
+    profiles_ = file_.profiles();
+    Q_EMIT changed();
+}
+
 std::optional<std::string> OutputProfiles::save() {
     if (profiles_ == file_.profiles())
         return std::nullopt;

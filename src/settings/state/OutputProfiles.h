@@ -47,6 +47,9 @@ class OutputProfiles final : public QObject, public OutputRule {
 
     /// As `OutputProfilesFile::read`.
     std::optional<std::string> read();
+    /// As `OutputProfilesFile::peek`.
+    void peek();
+    [[nodiscard]] const std::string &path() const { return file_.path(); }
     /// Writes what has changed since. As `OutputProfilesFile::write`.
     std::optional<std::string> save();
 

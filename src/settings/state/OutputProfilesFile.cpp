@@ -78,6 +78,10 @@ std::optional<std::string> OutputProfilesFile::read() {
     return file_.read([this](const json &document) { profiles_ = decodedProfiles(document); });
 }
 
+void OutputProfilesFile::peek() {
+    file_.peek([this](const json &document) { profiles_ = decodedProfiles(document); });
+}
+
 std::optional<std::string> OutputProfilesFile::write(const std::vector<OutputProfile> &next) {
     std::vector<OutputProfile> merged = next;
     std::vector<OutputProfile> theirs;

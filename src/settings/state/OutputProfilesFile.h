@@ -28,6 +28,11 @@ class OutputProfilesFile {
     /// or was written by a later version: it is left as it is.
     std::optional<std::string> read();
 
+    /// Takes the profiles of the file, which is left as it is. Throws SettingsFileError as `read`,
+    /// and DecodingError for a damaged file.
+    void peek();
+    [[nodiscard]] const std::string &path() const { return file_.path(); }
+
     /// Replaces the profiles with `next`, but for those that another program has changed since the
     /// last reading and `next` has not. Returns the warning of `read`. Throws SettingsFileError,
     /// EncodingError and FileReplacementError; the file is then as it was.

@@ -118,6 +118,14 @@ TEST_F(OutputProfilesTest, NoBlockIsPlayedWithAnotherOutputsSettings) {
     EXPECT_NEAR(loudest("speakers"), -6.0, 0.2) << "to the last one";
     EXPECT_LT(soonHears("speakers"), -100.0);
 
+    hardware.setDefaultOutput("speakers");
+    wait(0.5);
+    EXPECT_NEAR(loudest("hdmi"), -20.0, 0.2) << "nor is the next one's heard before";
+    EXPECT_NEAR(loudest("speakers"), -6.0, 0.2);
+    hardware.setDefaultOutput("hdmi");
+    wait(0.5);
+    (void)loudest("speakers");
+
     // The old one vanishes: nothing of it is heard on the new one.
     hardware.removeDevice("hdmi");
     wait(0.5);
@@ -286,14 +294,21 @@ TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
     hardware.setDefaultOutput("hdmi");
     state->deviceManager().refresh();
     EXPECT_EQ(state->engine().eq().bands().at(3).gainDB, 4.5F);
-    EXPECT_EQ(nameInUse(), "Bass Heavy (modified)") << "though its bands have other ids now";
+    EXPECT_EQ(nameInUse(), "Bass Heavy (modified)");
+    std::vector<EQBand> sameBands = preset("Bass Heavy").bands;
+    for (EQBand &band : sameBands)
+        band.id = Uuid::random(); // as after every launch
+    state->engine().eq().setBands(sameBands);
+    EXPECT_EQ(nameInUse(), "Bass Heavy");
+    moveBand(3, 4.5F);
 
     // Presets of the user's own: applied, then deleted.
     state->savePreset("Mine");
     EXPECT_EQ(nameInUse(), "Mine");
-    state->deletePreset(preset("Mine"));
-    EXPECT_EQ(state->engine().eq().bands().at(3).gainDB, 4.5F);
     state->assignProfile(onSpeaker, "Speakers", Use::flat);
+    hardware.setDefaultOutput("speakers");
+    state->deviceManager().refresh();
+    state->deletePreset(preset("Mine"));
     for (const char *uid : {"speakers", "hdmi"}) {
         hardware.setDefaultOutput(uid);
         state->deviceManager().refresh();
