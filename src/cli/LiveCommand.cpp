@@ -2,6 +2,7 @@
 #include "cli/CommandSettings.h"
 #include "cli/Commands.h"
 #include "cli/LiveMeter.h"
+#include "cli/LiveProfiles.h"
 #include "cli/SoundServer.h"
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
@@ -91,9 +92,16 @@ void LiveCommand::run() const {
     MainLoopClock clock;
     DeviceManager devices(*hardware, clock);
     AudioEngine engine(*hardware, devices, clock, chain.bands);
-    engine.eq().setGlobalGainDB(chain.eqGlobalGainDB);
+    // The preset's gain is in the chain's; profiles bring another one.
+    const float globalGainDB = settings.eqGlobalGainDB.value_or(0.0F);
+    engine.eq().setGlobalGainDB(globalGainDB);
+    engine.eq().setPresetGainDB(chain.eqGlobalGainDB - globalGainDB);
     engine.setSpatial(chain.spatial);
     engine.setMixer(chain.mixer);
+    // Settings that are named on the command line are for every output.
+    std::optional<LiveProfiles> profiles;
+    if (settingsPath_.empty() && !presetName_)
+        profiles.emplace(engine, settings, loadPresetGains(settingsPath_));
     if (deviceUID_) {
         engine.setOutputDevice(deviceNamed(devices, *deviceUID_));
     } else {
@@ -112,8 +120,9 @@ void LiveCommand::run() const {
         if (state.kind == EngineLifecycle::State::Kind::error && !engine.isComingBack()) {
             failure = state.message;
             QCoreApplication::exit(1);
-        } else if (state.kind == EngineLifecycle::State::Kind::running && seconds_ &&
-                   !end.isSet()) {
+        } else if (seconds_ && !end.isSet() &&
+                   (state.kind == EngineLifecycle::State::Kind::running ||
+                    engine.isLeavingAlone())) {
             end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
         }
     });

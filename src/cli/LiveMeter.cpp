@@ -24,6 +24,8 @@ std::string stateText(const AudioEngine &engine) {
     case EngineLifecycle::State::Kind::stopped:
         break;
     }
+    if (engine.isLeavingAlone())
+        return "left alone";
     return "starting";
 }
 
