@@ -23,7 +23,7 @@ Stage wholeChain(bool isComparable) {
     };
 }
 
-/// As on a machine without AVX-512.
+/// The whole chain as on a machine without AVX-512.
 Stage wholeChainOnAVX2() {
     auto target = std::make_shared<VectorTarget>(HWY_AVX2);
     return [target, stage = wholeChain(false)](float *left, float *right, std::uint32_t frames) {
@@ -42,7 +42,7 @@ Stage tone() {
     return stageOf({tone, &tone->node()});
 }
 
-/// Its clock stands still: nothing is analysed, and nothing depends on the analysis.
+/// The clock never advances: nothing is analysed, and nothing depends on the analysis.
 struct SingleUnit {
     SingleUnit(const EffectComponent &component, ChainUnit which)
         : node(component.make(component.description, 0, clockedSerialQueues(clock))) {
@@ -69,7 +69,7 @@ std::vector<StageBenchmark> units() {
     return result;
 }
 
-/// At work all the time, which it is only on sound that is too loud.
+/// A limiter that always reduces, which it does only on loud sound.
 Stage busyLimiter() {
     for (const EffectComponent &component : effectComponents())
         if (component.description == limiterDescription) {

@@ -1,3 +1,4 @@
+#include "LevelTable.h"
 #include "SlowestBlock.h"
 #include "platform/dsp/Denormals.h"
 
@@ -10,6 +11,10 @@ int main(int argc, char **argv) {
     if (argc == 2 && std::string_view(argv[1]) == "--slowest-block") {
         quorbel::bench::printSlowestBlock(1'000'000);
         quorbel::bench::printSlowestBlockOfAGlide(2000);
+        return 0;
+    }
+    if (argc == 2 && std::string_view(argv[1]) == "--levels") {
+        quorbel::bench::printLevelTable();
         return 0;
     }
     benchmark::Initialize(&argc, argv);

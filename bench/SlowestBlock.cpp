@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint32_t timedFrames = 64;
 
-/// The whole chain, which plays noise.
+/// The whole chain on noise.
 class TimedChain {
   public:
     TimedChain() : noise_(48000) {
@@ -28,7 +28,7 @@ class TimedChain {
 
     void setBands(const std::vector<EQBand> &bands) { chain_.setBands(bands); }
 
-    /// Plays a block, which takes so many microseconds.
+    /// Plays a block; returns its time in microseconds.
     float play() {
         const std::size_t begin = block_++ * std::size_t{37} % (noise_.size() - 2 * timedFrames);
         std::copy_n(noise_.data() + begin, timedFrames, left_.data());

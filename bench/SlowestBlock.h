@@ -4,11 +4,11 @@
 
 namespace quorbel::bench {
 
-/// Renders so many blocks of 64 frames through the whole chain with everything on and prints how
-/// long the slowest of them, the slowest but a thousandth, and the middle one took.
+/// Renders `blocks` blocks of 64 frames through the whole chain with everything on, and prints the
+/// time of the slowest, the 99.9th percentile and the median.
 void printSlowestBlock(std::uint32_t blocks);
 
-/// Changes all ten bands so often and prints how long the slowest of a change's blocks takes, and a
+/// Changes all ten bands `glides` times, and prints the time of a change's slowest block and of a
 /// block after it.
 void printSlowestBlockOfAGlide(std::uint32_t glides);
 

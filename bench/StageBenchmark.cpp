@@ -13,11 +13,11 @@ namespace {
 
 constexpr StreamFormat format{48000.0, 2};
 
-/// The machine's other work only ever adds.
+/// Other work of the machine only adds time.
 double least(const std::vector<double> &values) { return std::ranges::min(values); }
 
-/// Noise with most of its power between 300 and 4000 Hz, so that the chain takes it for a voice and
-/// has the voice stage at work. Periodic, as it is played again and again.
+/// Periodic noise with most of its power between 300 and 4000 Hz: the chain takes it for a voice,
+/// which activates the voice stage.
 std::vector<float> voiceLikeNoise(std::uint32_t frames) {
     constexpr std::uint32_t width = 8; // the first zero of its mean is at 6 kHz
     std::mt19937 random(1);

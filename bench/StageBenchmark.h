@@ -16,7 +16,7 @@ using Stage = std::function<void(float *left, float *right, std::uint32_t frames
 /// namespace scope it registers itself.
 class StageBenchmark {
   public:
-    /// `make` makes the stage anew for every run, ready to render.
+    /// `make` makes a new stage for every run, ready to render.
     StageBenchmark(const std::string &name, std::function<Stage()> make);
 };
 

@@ -8,10 +8,10 @@
 
 namespace quorbel::bench {
 
-/// While it lives, kernels run on one kind of vector, not on the best that the machine has.
+/// While it lives, kernels run on one vector target instead of the machine's best.
 class VectorTarget {
   public:
-    /// One of Highway's targets.
+    /// Whether the machine has one of Highway's targets.
     [[nodiscard]] static bool isThere(std::int64_t target) {
         return (hwy::SupportedTargets() & target) != 0 && (HWY_TARGETS & target) != 0;
     }
@@ -22,7 +22,7 @@ class VectorTarget {
     VectorTarget &operator=(const VectorTarget &) = delete;
 
   private:
-    /// 0 is the best.
+    /// 0 selects the best.
     static void use(std::int64_t target) {
         hwy::SetSupportedTargetsForTest(target);
         hwy::GetChosenTarget().Update(hwy::SupportedTargets());

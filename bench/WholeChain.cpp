@@ -9,19 +9,21 @@
 
 namespace quorbel::bench {
 
-WholeChain::WholeChain(bool isComparable)
-    : chain_(registry_, clock_, everythingOn().bands),
+WholeChain::WholeChain(bool isComparable) : WholeChain(everythingOn(), isComparable) {}
+
+WholeChain::WholeChain(const ChainSettings &settings, bool isComparable)
+    : chain_(registry_, clock_, settings.bands),
       source_(chainFormat, [this](const AudioBufferList &buffers, std::uint32_t frames) {
           for (std::uint32_t channel = 0; channel < buffers.bufferCount; ++channel)
               if (buffers.data[channel] != block_.data[channel])
                   std::copy_n(block_.data[channel], frames, buffers.data[channel]);
           return statusOK;
       }) {
-    const ChainSettings settings = everythingOn();
     registerEffectUnits(registry_, queues_);
     chain_.applySpatial(settings.spatial);
     chain_.applyMixer(settings.mixer);
     chain_.setMeasuresLoudness(isComparable);
+    chain_.setHoldsPeaks(isComparable);
     chain_.instantiateCustomUnits([] {});
     clock_.runPending();
     graph_.attach(source_);
@@ -36,6 +38,12 @@ void WholeChain::process(float *left, float *right, std::uint32_t frames) noexce
 }
 
 void WholeChain::setBands(const std::vector<EQBand> &bands) { chain_.eq().setBands(bands); }
+
+void WholeChain::applyPreset(const Preset &preset) {
+    const ProcessingChain::SettingsChange change(chain_);
+    chain_.eq().setBands(preset.bands);
+    chain_.applySpatial(preset.spatial);
+}
 
 void WholeChain::passTime(std::uint32_t frames) { clock_.advance(frames / chainSampleRate); }
 

@@ -1,31 +1,38 @@
 #pragma once
 
+#include "engine/ChainSettings.h"
 #include "engine/ProcessingChain.h"
 #include "platform/graph/AudioGraph.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/threads/ManualClock.h"
 #include "platform/units/AudioUnitRegistry.h"
+#include "settings/records/Preset.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace quorbel::bench {
 
-/// The whole chain as the device's render thread runs it, with everything on. The analyses, which
+/// The whole chain as the device's render thread runs it. The analyses, which
 /// run on threads of their own there, run in `passTime` here.
 class WholeChain {
   public:
-    /// `isComparable`: with the loudness meters that the window's Compare needs. Throws
-    /// std::runtime_error if the chain does not start.
+    /// `isComparable`: with the meters that the window needs. Throws std::runtime_error if the
+    /// chain does not start.
+    WholeChain(const ChainSettings &settings, bool isComparable);
+    /// With everything on.
     explicit WholeChain(bool isComparable = false);
 
-    /// A block in place; at most `maximumBlockFrames`.
+    /// Processes a block in place; at most `maximumBlockFrames`.
     void process(float *left, float *right, std::uint32_t frames) noexcept;
 
-    /// The equaliser glides to them.
+    /// Sets the equaliser's bands, to which it glides.
     void setBands(const std::vector<EQBand> &bands);
+    /// Sets bands and spatial settings together, as a preset does.
+    void applyPreset(const Preset &preset);
+    void setBypassed(bool isBypassed) { chain_.setBypassed(isBypassed); }
 
-    /// Lets the time of so many frames pass.
+    /// Advances the clock by `frames`.
     void passTime(std::uint32_t frames);
 
   private:
@@ -33,7 +40,7 @@ class WholeChain {
     SerialQueueFactory queues_ = clockedSerialQueues(clock_);
     AudioUnitRegistry registry_{clock_};
     ProcessingChain chain_;
-    AudioBufferList block_; ///< what the source plays next
+    AudioBufferList block_; ///< the source's next block
     SourceNode source_;
     AudioGraph graph_{nullptr, queues_};
 };

@@ -1,6 +1,5 @@
-// The demo of scripts/run for machines without a sound server: a private one with two virtual
-// devices, a player as any application would be, Ostrafine in between, and what was heard before
-// and after.
+// The demo of scripts/run for machines without a sound server: a private server with two virtual
+// devices, an ordinary player, Ostrafine in between, and recordings from before and after it.
 
 #include "ExpectedResponse.h"
 #include "Music.h"
@@ -27,11 +26,11 @@ using namespace soundserver;
 constexpr double beforeSeconds = 5.0;
 constexpr double afterSeconds = 10.0;
 
-// How far an octave may lie from what the settings say, and below which level it says nothing.
+// Tolerance of an octave's level, and the level below which it is not judged.
 constexpr double toleranceDB = 0.5;
 constexpr double quietDB = -80.0;
 
-/// The processed sound is not what it should be.
+/// The processed sound differs from the expected one.
 class WrongSound : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -44,7 +43,7 @@ LiveSettings audibleSettings() {
             -1.0};
 }
 
-/// Interruptions of the sound: runs of silence with sound after them, longer than any in the music.
+/// Counts interruptions of the sound: silences longer than any in the music, with sound after them.
 int gaps(const Recording &sound) {
     constexpr std::size_t longestRest = 128; // frames; the shortest cycle of a server that plays
     int count = 0;
@@ -57,7 +56,7 @@ int gaps(const Recording &sound) {
     return count;
 }
 
-/// Plays generated music through pw-play and returns what the device got, from its first sound on.
+/// Plays generated music through pw-play and returns the device's sound, from its first one on.
 Recording playOnce(const PrivateSoundServer &server, const Recorder &recorder, double seconds) {
     const fs::path music = server.folder() / "music.wav";
     writeSoundFile(music, composeMusic(seconds));
@@ -80,8 +79,7 @@ Recording playOnce(const PrivateSoundServer &server, const Recorder &recorder, d
     return sound;
 }
 
-/// Plays again if the sound was interrupted: a busy machine or a stalled virtual one loses cycles
-/// of any sound.
+/// Plays again after an interruption: a busy machine or a stalled virtual one loses cycles.
 Recording playAndRecord(const PrivateSoundServer &server, const Recorder &recorder,
                         double seconds) {
     constexpr int attempts = 3;
@@ -153,7 +151,7 @@ void runDemo(const fs::path &folder) {
     const Metadata settingsBefore = server.state().metadata;
     LiveProcess live(server, settings);
     live.waitUntilRunning();
-    // On a busy machine a process that has just been started may show no environment yet.
+    // On a busy machine a new process may not have its environment yet.
     if (!comesTrue(2.0, [&] { return !live.helpers().empty(); })) {
         throw ServerError("the watchdog, which restores the routing after a crash, does not run");
     }

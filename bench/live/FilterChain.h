@@ -7,7 +7,7 @@
 
 namespace quorbel::bench {
 
-/// Name of the filter chain's sink, which applications play into.
+/// Name of the filter chain's sink, on which applications play.
 inline constexpr const char *filterChainSink = "bench-filter-chain";
 
 /// Configuration for `pipewire -c`: PipeWire's own filter chain with one built-in biquad per

@@ -8,18 +8,18 @@
 
 namespace quorbel::bench {
 
-/// What a running processor costs, its helper processes apart.
+/// Load of a running processor, without its helper processes.
 struct LiveLoad {
-    /// The device that everything is measured on, the default of the server.
+    /// Device of all measurements, the server's default.
     static constexpr const char *device = "speakers";
 
     double share = 0.0;            ///< of one core, all threads
     double wakeUpsPerSecond = 0.0; ///< voluntary context switches, all threads
     double wakeUpsPerCycle = 0.0;  ///< of the thread that was woken most often
-    std::size_t interruptions = 0; ///< of what the device plays
+    std::size_t interruptions = 0; ///< of the device's sound
 };
 
-/// Wake-ups per second of a processor that runs while nothing plays, once that has come to rest.
+/// Wake-ups per second of a processor that runs while nothing plays, once it has come to rest.
 [[nodiscard]] double measureIdleWakeUps(const soundserver::PrivateSoundServer &server,
                                         const Processor &processor);
 

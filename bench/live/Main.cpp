@@ -29,7 +29,7 @@ Load average at the start: {:.2f}.
 quantum  Ostrafine  filter chain  ratio  wake-ups: Ostrafine  per cycle  filter chain  interruptions: Ostrafine  filter chain
 )";
 
-/// What else the machine does only adds to a run.
+/// Other work of the machine only adds to a run.
 LiveLoad leastOf(const LiveLoad &one, const LiveLoad &other) {
     return {std::min(one.share, other.share),
             std::min(one.wakeUpsPerSecond, other.wakeUpsPerSecond),

@@ -13,8 +13,8 @@
 namespace quorbel::bench {
 namespace {
 
-/// What the settings do to a `SteadySound`, rendered without a sound server until auto gain and the
-/// adaptive stages have settled.
+/// Levels of a `SteadySound` after the settings, rendered without a sound server until auto gain
+/// and the adaptive stages have settled.
 SteadyLevels renderedLevels(const ChainSettings &settings) {
     constexpr std::uint32_t blockFrames = 480;
     constexpr int blocks = 3000; // 30 s

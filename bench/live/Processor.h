@@ -8,11 +8,11 @@
 
 namespace quorbel::bench {
 
-/// A program that processes what an application plays.
+/// A program that processes an application's sound.
 struct Processor {
     std::string name;
     std::vector<std::string> command;
-    std::string sink;      ///< that the application chooses; empty for the default device
+    std::string sink;      ///< sink of the application; empty for the default device
     SteadyLevels expected; ///< of a `SteadySound` after processing
 };
 

@@ -5,7 +5,7 @@
 
 namespace quorbel::soundserver {
 
-/// One channel of a device, under the names that the two interfaces of the server have for it.
+/// One channel of a device, by its names in the server's two interfaces.
 struct Channel {
     spa_audio_channel position;
     const char *name;      ///< PipeWire's

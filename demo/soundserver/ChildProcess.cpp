@@ -129,7 +129,8 @@ void ChildProcess::signal(int number) const {
 int ChildProcess::stop(double seconds, int firstSignal) noexcept {
     signal(firstSignal);
     const auto deadline = SteadyClock::now() + std::chrono::duration<double>(seconds);
-    while (running()) { // not `comesTrue`: what is stopped because of an interrupt must end as well
+    while (running()) { // not `comesTrue`, which throws after an interrupt: the process must end
+                        // then too
         if (SteadyClock::now() >= deadline) {
             signal(SIGKILL);
         }

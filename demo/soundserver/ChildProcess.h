@@ -11,8 +11,8 @@ namespace quorbel::soundserver {
 
 using Environment = std::map<std::string, std::string>;
 
-/// A program that this process started and that never outlives it: it is killed when the object
-/// goes, and by the kernel when this process dies in any way.
+/// A program started by this process that never outlives it: the destructor kills it, and the
+/// kernel does when this process dies.
 ///
 /// It runs in a process group of its own, so that Ctrl-C in a terminal reaches us alone and we
 /// decide the order in which things end. Start children on a thread that stays: the kernel kills
@@ -29,16 +29,17 @@ class ChildProcess {
     [[nodiscard]] pid_t pid() const { return pid_; }
     [[nodiscard]] bool running() noexcept;
 
-    /// The exit status, 128 plus the signal's number if a signal ended it; nothing if it still runs
-    /// then.
+    /// Exit status, 128 plus the signal's number after a signal; empty if it still runs after
+    /// `seconds`.
     std::optional<int> exitStatusWithin(double seconds);
 
     void signal(int number) const;
 
-    /// Asks it to end, insists after `seconds`, and returns the exit status as above.
+    /// Sends `firstSignal`, kills the process after `seconds`, and returns the exit status as
+    /// above.
     int stop(double seconds = 3.0, int firstSignal = SIGTERM) noexcept;
 
-    /// Everything it has written so far.
+    /// The process's output so far.
     [[nodiscard]] std::string output() const;
     [[nodiscard]] std::string errors() const;
 
@@ -46,13 +47,13 @@ class ChildProcess {
 
   private:
     std::vector<std::string> arguments_;
-    int outputFile_ = -1; // in memory, so that nothing has to be read for the child to go on
+    int outputFile_ = -1; // in memory, so that the child never waits for a reader
     int errorFile_ = -1;
     pid_t pid_ = -1;
     std::optional<int> exitStatus_;
 };
 
-/// Runs a program to its end and returns its output. Throws `ServerError`, with what it said, if it
+/// Runs a program to its end and returns its output. Throws `ServerError` with the output if it
 /// fails or takes longer than `seconds`.
 std::string runProgram(std::vector<std::string> arguments, const Environment &environment,
                        double seconds = 10.0);

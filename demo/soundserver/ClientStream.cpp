@@ -54,7 +54,7 @@ void ClientStream::connect(pw_direction direction, pw_properties *properties, in
     const GraphClient::Guard guard(client_);
     const bool isRecorder = direction == PW_DIRECTION_INPUT && !isDevice;
     if (isRecorder) {
-        // A program of its own, as far as anybody can see.
+        // Makes the stream look like a program of its own.
         pw_properties_set(properties, PW_KEY_APP_PROCESS_ID, name_.c_str());
     }
     stream_ = pw_stream_new(isRecorder ? client_.recordingCore() : client_.playingCore(),
@@ -88,8 +88,8 @@ void ClientStream::sendLatency() {
 }
 
 void ClientStream::onLatencyOf(const spa_pod *parameter) {
-    // The library keeps one latency, since 1.4 at the latest the one that came last: that of the
-    // players, which must not replace the device's own.
+    // The library keeps one latency; in 1.4 it is the last one received. The players' must not
+    // replace the device's.
     spa_latency_info latency{};
     if (latencyFrames_ != 0 && spa_latency_parse(parameter, &latency) >= 0 &&
         latency.direction == SPA_DIRECTION_OUTPUT) {

@@ -11,8 +11,8 @@
 
 namespace quorbel::soundserver {
 
-/// What a player and a recorder have in common: one stream of floats, stereo unless said otherwise,
-/// whose cycles know where they stand on the graph's clock.
+/// Base of players and recorders: one stream of floats, stereo by default, whose cycles know their
+/// position on the graph's clock.
 class ClientStream {
   public:
     virtual ~ClientStream();
@@ -22,15 +22,15 @@ class ClientStream {
     /// Cycles begun so far; more than 0 once the stream is linked to something that runs.
     [[nodiscard]] std::uint64_t cycles() const { return cycles_; }
 
-    /// What the server says about the time between this stream and the device, in frames of the
-    /// graph: what a video player needs to keep its picture in step.
+    /// Latency between this stream and the device as the server reports it, in frames of the graph;
+    /// a video player uses it to synchronise its picture.
     [[nodiscard]] std::int64_t reportedDelay() const;
 
     /// Waits until the stream takes part in the graph. Throws `ServerError`.
     void waitUntilRunning() const;
 
   protected:
-    /// Where the cycle under way stands: frames since the driver's start, and the time it began.
+    /// Position of the current cycle: frames since the driver's start, and its start time.
     struct Cycle {
         std::uint64_t position = 0;
         std::uint64_t nanoseconds = 0;
@@ -39,20 +39,19 @@ class ClientStream {
 
     ClientStream(GraphClient &client, const std::string &name) : client_(client), name_(name) {}
 
-    /// `properties` is taken over; with a media class among them the stream is a device, which
-    /// waits for others to play into it. Throws `ServerError`.
+    /// Takes ownership of `properties`; with a media class among them the stream is a device for
+    /// others to play on. Throws `ServerError`.
     void connect(pw_direction direction, pw_properties *properties, int sampleRate,
                  int channels = 2);
 
-    /// Tells the graph that what enters here is heard `frames` later.
+    /// Reports to the graph that sound received here is heard `frames` later.
     void announceLatency(int frames);
 
-    /// Must be called by the destructor of the derived class, while its `process` can still run.
+    /// Call this in the destructor of the derived class, while its `process` can still run.
     void disconnect();
 
-    /// One cycle on the data thread: at most `frames` of every channel, of which the function
-    /// returns how many it has filled (playing) or seen (recording, which gets exactly what there
-    /// is).
+    /// Processes one cycle on the data thread: at most `frames` of every channel when playing,
+    /// exactly the received ones when recording. Returns the number of processed frames.
     virtual std::uint32_t process(const Cycle &cycle, std::span<float *const> channels,
                                   std::uint32_t frames) noexcept = 0;
 

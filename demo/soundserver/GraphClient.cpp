@@ -25,8 +25,7 @@ bool needsRealTimeConfiguration() {
     return std::tuple(major, minor, micro) < std::tuple(1, 3, 81);
 }
 
-/// The server's socket is named outright, so that no variable of this process's environment plays a
-/// part.
+/// The server's socket is given explicitly, independent of this process's environment.
 int connectTo(const std::string &path) {
     const int socketFile = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     sockaddr_un address{};

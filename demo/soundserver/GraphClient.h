@@ -12,10 +12,10 @@ namespace quorbel::soundserver {
 
 class PrivateSoundServer;
 
-/// This process's own connections to a private sound server, one for the streams that play and one
-/// for those that record: a program that does both over one connection could be playing what it
-/// records. All run on one data thread and, once linked to the same device, in the same cycles of
-/// the same clock.
+/// This process's connections to a private sound server: one for playback streams and one for
+/// recording streams, because a client that has both counts as one that may play its recording. All
+/// run on one data thread and, once linked to the same device, in the same cycles of the same
+/// clock.
 class GraphClient {
   public:
     /// Throws `ServerError` if the connection fails.
@@ -24,7 +24,7 @@ class GraphClient {
     GraphClient(const GraphClient &) = delete;
     GraphClient &operator=(const GraphClient &) = delete;
 
-    /// Holds the loop's lock: calls on streams are made under it.
+    /// Holds the loop's lock, which calls on streams need.
     class Guard {
       public:
         explicit Guard(GraphClient &client);

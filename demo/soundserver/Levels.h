@@ -11,15 +11,15 @@ namespace quorbel::soundserver {
 /// keeps other components apart that are a few periods of the whole length away.
 double toneLevelDB(std::span<const float> samples, double hz, double sampleRate);
 
-/// Power in dB, relative to the sine of `hz`, of everything in the samples that is not this sine at
-/// one amplitude and phase throughout.
+/// Power in dB of the residue after subtracting the best-fitting sine of `hz` with constant
+/// amplitude and phase, relative to that sine.
 double residueDB(std::span<const float> samples, double hz, double sampleRate);
 
 /// Amplitude of the largest sample.
 float peak(std::span<const float> samples);
 
-/// Power of a sound over frequency, averaged over half-overlapping Hann windows (Welch's method),
-/// one value per bin from 0 to half the sample rate. Only ratios of such spectra mean something.
+/// Power spectrum, averaged over half-overlapping Hann windows (Welch's method), one value per bin
+/// from 0 to half the sample rate. Only ratios of such spectra are meaningful.
 struct PowerSpectrum {
     static constexpr int size = 16384;
 

@@ -9,8 +9,8 @@
 
 namespace quorbel::soundserver {
 
-/// The settings that the tests and the demo use, as the settings file has them; everything else is
-/// at its default, which leaves the sound as it is.
+/// The settings that the tests and the demo use, as in the settings file; all others are at their
+/// defaults, which leave the sound unchanged.
 struct LiveSettings {
     struct Band {
         double frequency = 1000.0;
@@ -23,7 +23,7 @@ struct LiveSettings {
     double eqGlobalGainDB = 0.0;
     double reverbMix = 0.0; ///< percent, of a cathedral
 
-    /// Ten bands that do nothing, and a gain for all.
+    /// Ten flat bands and a global gain.
     static LiveSettings flat(double globalGainDB = 0.0);
 
     [[nodiscard]] std::string json() const;
@@ -32,22 +32,22 @@ struct LiveSettings {
 /// `ostrafine-cli live`, run on a private sound server.
 class LiveProcess {
   public:
-    /// Starts it and returns at once. `arguments` are added to the command line.
+    /// Starts the process and returns at once. `arguments` are added to the command line.
     LiveProcess(const PrivateSoundServer &server, const LiveSettings &settings,
                 std::vector<std::string> arguments = {});
 
-    /// Ends it like Ctrl-C would, if it still runs.
+    /// Ends the process as Ctrl-C does.
     ~LiveProcess();
 
-    /// Waits until it captures and plays. Throws `ServerError`, with what it said, if it ends or
-    /// takes longer than `seconds`.
+    /// Waits until the process captures and plays. Throws `ServerError` with its output if it ends
+    /// or takes longer than `seconds`.
     void waitUntilRunning(double seconds = 5.0);
 
     /// The path of the command-line program: QUORBEL_CLI_PROGRAM in the environment, for an
     /// installed one, else that of this build.
     [[nodiscard]] static std::string program();
 
-    /// When it was started, on the monotonic clock.
+    /// Start time on the monotonic clock.
     [[nodiscard]] std::uint64_t startedNanoseconds() const { return startedNanoseconds_; }
 
     [[nodiscard]] ChildProcess &process() { return *process_; }
@@ -60,7 +60,7 @@ class LiveProcess {
     [[nodiscard]] double processorSeconds() const;
     [[nodiscard]] double memoryMiB() const;
 
-    /// The watchdog and other helpers it started, as far as they live.
+    /// Its living helper processes, such as the watchdog.
     [[nodiscard]] std::vector<pid_t> helpers() const;
 
   private:

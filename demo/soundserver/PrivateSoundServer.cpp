@@ -58,7 +58,7 @@ bool isSocket(const fs::path &path) {
     return fs::is_socket(path, ignored);
 }
 
-// A bus that starts no services: what is not here must not come from the machine.
+// A bus that starts no services, so that none of the machine's are used.
 constexpr const char *busConfiguration = R"(<!DOCTYPE busconfig PUBLIC
  "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -103,7 +103,7 @@ PrivateSoundServer::PrivateSoundServer(const Options &options)
             fs::permissions(folder_ / name, fs::perms::owner_all);
             environment_[variable] = (folder_ / name).string();
         }
-        // Whatever points to a server of the user's must not reach the programs of this session.
+        // Variables that point to the user's server must not reach this session's programs.
         for (const char *variable : {"PIPEWIRE_REMOTE", "PIPEWIRE_RUNTIME_DIR", "PULSE_SERVER",
                                      "PULSE_RUNTIME_PATH", "DISPLAY", "WAYLAND_DISPLAY"}) {
             unsetenv(variable);
@@ -151,7 +151,8 @@ void PrivateSoundServer::startServer() {
 }
 
 void PrivateSoundServer::waitForSessionManager() const {
-    // It keeps the defaults, and a desktop's requests to change them fail until it does.
+    // The session manager stores the defaults; a desktop's requests to change them fail until it is
+    // ready.
     waitFor("the session manager", 10.0, [&] {
         if (!sessionManager_->running()) {
             throw ServerError("wireplumber ended: " + sessionManager_->errors());
@@ -220,8 +221,8 @@ void PrivateSoundServer::addDevice(const Device &device) {
         pulseNames += fmt::format("{}{}", pulseNames.empty() ? "" : ",", channel.pulseName);
     }
     if (options_.devicesOutlastSessionManager) {
-        // The first one is the default for a session manager that was killed before it wrote down
-        // the user's choice.
+        // The first one is the default for a session manager that was killed before it stored the
+        // user's choice.
         const bool isFirst = device.name == options_.devices.front().name;
         run({"pw-cli", "create-node", "adapter",
              fmt::format("{{ factory.name=support.null-audio-sink media.class=Audio/Sink "
@@ -253,7 +254,7 @@ void PrivateSoundServer::removeDevice(const std::string &name) {
 
 void PrivateSoundServer::setDefaultDevice(const std::string &name) const {
     waitFor(name + " is the default", 10.0, [&] {
-        // The PulseAudio interface refuses until it has heard of the session manager.
+        // The PulseAudio interface refuses until it knows the session manager.
         start({"pactl", "set-default-sink", name})->exitStatusWithin(5.0);
         return comesTrue(0.5, [&] { return state().defaultName("default.audio.sink") == name; });
     });
@@ -261,8 +262,8 @@ void PrivateSoundServer::setDefaultDevice(const std::string &name) const {
 
 void PrivateSoundServer::moveApplication(const std::string &nodeName,
                                          const std::string &device) const {
-    // A user moves what is heard. The session manager writes down where a new stream goes a moment
-    // after it is linked, and would overwrite a move that comes before.
+    // A user moves a stream that is already heard: the session manager stores a new stream's target
+    // a moment after linking it, and would overwrite an earlier move.
     waitFor(nodeName + " plays", 5.0, [&] { return !state().targetsOf(nodeName).empty(); });
     const Node application = *state().node(nodeName);
     comesTrue(0.5, [&] { return state().metadata.contains({application.id, "target.node"}); });

@@ -11,9 +11,9 @@
 
 namespace quorbel::soundserver {
 
-/// A complete sound server that nobody else knows of: a session bus, PipeWire, WirePlumber and the
-/// PulseAudio interface, with virtual output devices, in a temporary folder that goes with the
-/// object. Nothing of the user's own session is read or changed.
+/// A complete private sound server: a session bus, PipeWire, WirePlumber and the PulseAudio
+/// interface, with virtual output devices, in a temporary folder that is removed with the object.
+/// Nothing of the user's session is read or changed.
 class PrivateSoundServer {
   public:
     struct Device {
@@ -29,7 +29,7 @@ class PrivateSoundServer {
         bool devicesOutlastSessionManager = false;
     };
 
-    /// Returns when applications can play. Throws `ServerError` if that does not come about.
+    /// Returns once applications can play. Throws `ServerError` otherwise.
     PrivateSoundServer() : PrivateSoundServer(Options{}) {}
     explicit PrivateSoundServer(const Options &options);
     ~PrivateSoundServer();
@@ -41,11 +41,10 @@ class PrivateSoundServer {
     std::string run(std::vector<std::string> arguments) const;
     [[nodiscard]] const Environment &environment() const { return environment_; }
 
-    /// Every living process that was started in this session, by us or by others, except the
-    /// server's own.
+    /// Every living process of this session except the server's own.
     [[nodiscard]] std::vector<pid_t> otherProcesses() const;
 
-    // What a desktop's settings do
+    // Actions of a desktop's settings
     void addDevice(const Device &device);
     void removeDevice(const std::string &name);
     void setDefaultDevice(const std::string &name) const;
@@ -63,40 +62,39 @@ class PrivateSoundServer {
     /// Destroys a program's node behind its back.
     void destroyNode(const std::string &name) const;
 
-    // What it looks like
+    // State
     [[nodiscard]] ServerState state() const;
-    /// What the session manager has stored for every application; complete when `state` has been
-    /// the same for a second, which is how long it waits with writing. Empty before its first
-    /// writing.
+    /// The session manager's stored values for every application; empty before its first write. It
+    /// writes after a delay of a second, so they are complete once `state` has been constant for a
+    /// second.
     [[nodiscard]] StoredStreams storedStreams() const;
-    /// A list as desktops show it: "sinks", "sources", "sink-inputs" or "source-outputs".
+    /// A list as shown by desktops: "sinks", "sources", "sink-inputs" or "source-outputs".
     [[nodiscard]] std::string desktopList(const std::string &kind) const;
 
-    /// The folder of the session, for files that should go with it.
+    /// The folder of the session, for files that are removed with it.
     [[nodiscard]] const std::filesystem::path &folder() const { return folder_; }
     [[nodiscard]] std::filesystem::path socket() const;
 
-    /// Ends the server as a crash would, with the session's programs left alone.
+    /// Kills the server as a crash would; the session's programs keep running.
     void crash();
 
     /// Stops the server until `resume`.
     void pause() const;
     void resume() const;
 
-    /// The same for the session manager. Clients that bind its metadata meanwhile wait for it.
+    /// As `pause`, for the session manager. Clients that bind its metadata meanwhile wait for it.
     void pauseSessionManager() const;
     void resumeSessionManager() const;
 
-    /// The machine does not get round to the server for so long.
+    /// Stops the server for `seconds`, as a busy machine would.
     void holdUp(double seconds) const;
 
-    /// Starts it again after a crash, as the user's service manager would. What was connected
-    /// before is not any more.
+    /// Starts the server again after a crash, as the user's service manager would. Earlier
+    /// connections are lost.
     void restart();
 
-    /// The session manager alone ends and is started again. Version 0.4 leaves virtual devices that
-    /// were there before without links, with or without anybody processing: unless the options say
-    /// that they stay, they are replaced.
+    /// Ends the session manager alone and starts it again. Version 0.4 does not link virtual
+    /// devices that are older than itself, so they are replaced, unless the options keep them.
     void restartSessionManager();
 
   private:

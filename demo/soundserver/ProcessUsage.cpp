@@ -11,7 +11,7 @@
 namespace quorbel::soundserver {
 namespace {
 
-/// The figure after `name`, which the kernel gives in KiB.
+/// The figure after `name`, converted from KiB.
 double memoryFigureMiB(pid_t process, const std::string &fileName, const std::string &name) {
     std::ifstream file("/proc/" + std::to_string(process) + "/" + fileName);
     for (std::string word; file >> word;) {
@@ -27,8 +27,8 @@ double memoryFigureMiB(pid_t process, const std::string &fileName, const std::st
 } // namespace
 
 double processorSeconds(pid_t process) {
-    // Nanoseconds of every thread, as the scheduler counts them; the process's own figure has a
-    // hundredth of a second for its smallest step.
+    // Sums the scheduler's nanoseconds of every thread; the process's own figure has steps of a
+    // hundredth of a second.
     double seconds = 0.0;
     std::error_code ignored;
     const std::string tasks = "/proc/" + std::to_string(process) + "/task";

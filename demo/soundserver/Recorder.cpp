@@ -9,7 +9,8 @@
 namespace quorbel::soundserver {
 namespace {
 
-/// What the segments say about the frames from `start` to `end`, counted from `start`.
+/// Returns the parts of the segments from frame `start` to `end`, with positions relative to
+/// `start`.
 std::vector<Recording::Segment> cutSegments(std::span<const Recording::Segment> segments,
                                             std::size_t start, std::size_t end) {
     std::vector<Recording::Segment> part;

@@ -8,10 +8,10 @@
 
 namespace quorbel::soundserver {
 
-/// What a device got, frame by frame.
+/// The frames that a device received.
 struct Recording {
-    /// The frames of one cycle: `frames` from `start` on, which were at `position` on the graph's
-    /// clock when the cycle began at `nanoseconds` of the monotonic clock.
+    /// The frames of one cycle: `frames` from `start` on, at `position` on the graph's clock. The
+    /// cycle began at `nanoseconds` of the monotonic clock.
     struct Segment {
         std::size_t start = 0;
         std::uint32_t frames = 0;
@@ -29,7 +29,7 @@ struct Recording {
     [[nodiscard]] std::uint64_t positionOf(std::size_t frame) const;
     [[nodiscard]] std::uint64_t nanosecondsOf(std::size_t frame) const;
 
-    /// Frames that the recorder itself missed, by the clock: gaps between the segments' positions.
+    /// Frames missed by the recorder itself: gaps between the segments' clock positions.
     [[nodiscard]] std::uint64_t missedFrames() const;
 
     /// The first frames after these gaps.
@@ -52,22 +52,21 @@ class Recorder : public ClientStream {
 
     [[nodiscard]] std::size_t frames() const { return frames_; }
 
-    /// The frames since the `start`-th, complete up to the moment of the call.
+    /// The frames from `start` on, complete up to the call.
     [[nodiscard]] Recording recording(std::size_t start = 0) const;
 
-    /// The last `seconds` of what there is.
+    /// The last `seconds` of the recording.
     [[nodiscard]] Recording last(double seconds) const;
 
-    /// Waits for `seconds` more of sound, counted in recorded frames. Throws `ServerError` if they
-    /// do not arrive, with a margin for a slow machine.
+    /// Waits for another `seconds` of recorded frames. Throws `ServerError` if they do not arrive,
+    /// with a margin for a slow machine.
     void skip(double seconds) const;
 
     /// As `skip`, and returns just these frames.
     [[nodiscard]] Recording next(double seconds) const;
 
-    /// The same without the moments in which the machine as a whole stood still, and with it the
-    /// recorder: if it missed a cycle, it listens again, up to five times. Throws `ServerError` if
-    /// it never got through.
+    /// As `next`, repeated up to five times if the recorder missed a cycle because the whole
+    /// machine stalled. Throws `ServerError` if all attempts fail.
     [[nodiscard]] Recording nextUndisturbed(double seconds) const;
 
   private:

@@ -13,7 +13,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-/// Values as the server's own tools print them: texts bare, everything else as JSON.
+/// Formats a value like the server's own tools: texts bare, everything else as JSON.
 std::string asText(const Json &value) {
     return value.is_string() ? value.get<std::string>() : value.dump();
 }
@@ -26,7 +26,7 @@ std::string Node::property(const std::string &key) const {
 }
 
 ServerState ServerState::parse(const std::string &dump) {
-    // One list, with another before it for each object that went while the server was asked.
+    // One list, preceded by another for each object that vanished during the query.
     std::map<std::uint32_t, Json> objects;
     std::istringstream text(dump);
     try {

@@ -32,23 +32,23 @@ struct Link {
 using MetadataKey = std::pair<std::uint32_t, std::string>;
 using Metadata = std::map<MetadataKey, std::string>;
 
-/// What the sound server's graph looked like at one moment.
+/// Snapshot of the sound server's graph.
 struct ServerState {
     std::vector<Node> nodes;
     std::vector<Link> links;
     Metadata metadata;
-    bool hasSessionManager = false; ///< the metadata object is there
+    bool hasSessionManager = false; ///< the metadata object exists
 
-    /// Reads the output of pw-dump. Throws `ServerError` if it is none.
+    /// Parses the output of pw-dump. Throws `ServerError` for any other text.
     static ServerState parse(const std::string &dump);
 
     [[nodiscard]] const Node *node(const std::string &name) const;
     [[nodiscard]] const Node *node(std::uint32_t id) const;
 
-    /// The names of the nodes that a node plays into, sorted, each once.
+    /// Names of the nodes that a node plays into, sorted, without duplicates.
     [[nodiscard]] std::vector<std::string> targetsOf(const std::string &nodeName) const;
 
-    /// The name in an entry such as `default.audio.sink`; empty if there is none.
+    /// The name in an entry such as `default.audio.sink`; empty without one.
     [[nodiscard]] std::string defaultName(const std::string &key) const;
 
     /// The entries that route streams: `target.object` and `target.node`.
@@ -58,8 +58,8 @@ struct ServerState {
 /// Properties by "stream:property", such as "Output/Audio:application.name:player:target".
 using StoredStreams = std::map<std::string, std::string>;
 
-/// Reads what WirePlumber stores about streams: "key=value" lines below a section line. Version 0.4
-/// writes one line per property, 0.5 one JSON object per stream; both are read into the same keys.
+/// Parses WirePlumber's stored values of streams: "key=value" lines below a section line. Version
+/// 0.4 writes one line per property, 0.5 one JSON object per stream; both give the same keys.
 StoredStreams parseStoredStreams(const std::string &text);
 
 } // namespace quorbel::soundserver

@@ -5,7 +5,6 @@
 
 namespace quorbel::soundserver {
 
-/// Both channels of a sound, equally long; 1 is full scale.
 /// Two channels of equal length; 1 is full scale.
 struct StereoSound {
     int sampleRate = 48000;

@@ -11,13 +11,13 @@ namespace quorbel::soundserver {
 
 using SteadyClock = std::chrono::steady_clock;
 
-/// Something outside of this process did not happen within its deadline, or ended with a failure.
+/// An event outside of this process missed its deadline or failed.
 class ServerError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
 };
 
-/// The user asked to end (see `requestInterrupt`); unwinding ends what was started.
+/// The user asked to end (see `requestInterrupt`); unwinding ends all started processes.
 class Interrupted : public std::runtime_error {
   public:
     Interrupted() : std::runtime_error("interrupted") {}
@@ -27,8 +27,8 @@ class Interrupted : public std::runtime_error {
 inline std::atomic<bool> interruptRequested{false};
 static_assert(std::atomic<bool>::is_always_lock_free);
 
-/// Looks every few milliseconds whether something of another process has come true, and says
-/// whether it did before the deadline.
+/// Tests a condition of another process every few milliseconds; returns whether it held before the
+/// deadline.
 template <std::predicate Condition> bool comesTrue(double seconds, Condition condition) {
     const auto deadline = SteadyClock::now() + std::chrono::duration<double>(seconds);
     while (!condition()) {
@@ -43,7 +43,7 @@ template <std::predicate Condition> bool comesTrue(double seconds, Condition con
     return true;
 }
 
-/// As `comesTrue`, for what the caller cannot go on without. Throws `ServerError` naming `what`.
+/// As `comesTrue`, but throws `ServerError` naming `what` if the deadline passes.
 template <std::predicate Condition>
 void waitFor(const std::string &what, double seconds, Condition condition) {
     if (!comesTrue(seconds, condition)) {

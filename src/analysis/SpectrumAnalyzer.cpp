@@ -23,11 +23,11 @@ constexpr std::int64_t slowTicks = 3;
 /// Longer than the longest cycle of a device, 8192 frames at 44100 Hz: 0.19 s.
 constexpr int ticksUntilPause = 8;
 
-/// A band that falls while nothing comes ends here, 60 millionths of a decibel above the floor: by
-/// factors alone it never would.
+/// A band that falls without sound becomes 0 here, 60 millionths of a decibel above the floor: the
+/// factors alone would never reach it.
 constexpr float lowestFalling = 1e-6F;
 
-/// Writes what a tap delivers into a ring, all channels averaged into one. [tap]
+/// Writes a tap's sound into a ring, all channels averaged into one. [tap]
 class MonoFeed {
   public:
     explicit MonoFeed(std::shared_ptr<SpectrumRing> ring) : ring_(std::move(ring)) {}
@@ -180,7 +180,7 @@ bool SpectrumAnalyzer::hasBins(std::size_t band) const {
 
 float SpectrumAnalyzer::level(std::size_t band) const {
     const auto [first, last] = bins(band);
-    // Some of the lowest bands are narrower than a bin and stay dark: so it is meant to be.
+    // Some of the lowest bands are narrower than a bin and stay dark by design.
     if (first > last)
         return 0.0F;
     float sum = 0.0F;

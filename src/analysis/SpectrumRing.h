@@ -10,21 +10,21 @@
 
 namespace quorbel {
 
-/// The newest mono samples of a tap: one thread writes all that comes, another copies the end of it
-/// when it likes. The lock is held for the copies only.
+/// The newest mono samples of a tap: one thread writes them, another copies the newest at any time.
+/// The lock is held for the copies only.
 class SpectrumRing {
   public:
     /// `capacity` in samples, a power of two.
     explicit SpectrumRing(std::size_t capacity);
 
-    /// Appends `samples`, any number of them; what is older than the capacity is forgotten. [tap]
+    /// Appends any number of samples; samples beyond the capacity are dropped, oldest first. [tap]
     void write(std::span<const float> samples) noexcept;
 
-    /// Fills `into`, at most the capacity, with the newest samples in time order. False, and
-    /// nothing copied, if fewer were ever written. [main]
+    /// Fills `into`, at most the capacity, with the newest samples in time order. Returns false and
+    /// copies nothing if fewer were ever written. [main]
     [[nodiscard]] bool snapshot(std::span<float> into) const noexcept;
 
-    /// Samples ever written. [main]
+    /// Total samples written. [main]
     [[nodiscard]] std::int64_t written() const noexcept;
 
   private:

@@ -19,6 +19,8 @@ struct CommandValue {
 
     std::string name; ///< in capitals, as help and manual write it
     Completion completion = Completion::none;
+    std::vector<std::string> choices{}; ///< values to offer
+    bool isOneOfThem = false;           ///< no others are allowed
 };
 
 /// An option (`--preset`) or a positional argument (`FILE`) of a subcommand.
@@ -46,7 +48,8 @@ struct CommandArgument {
     std::string excludes{}; ///< an option declared before that may not be given as well
 };
 
-/// A subcommand. Its declarations are the only source of its help, manual and completions.
+/// A subcommand. Its declarations are the only source of its help, manual and completions. A name
+/// of two words, such as "ctl start", is a subcommand of a group.
 class Command {
   public:
     virtual ~Command() = default;

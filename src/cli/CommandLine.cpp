@@ -1,14 +1,17 @@
 #include "cli/CommandLine.h"
 
 #include "platform/core/Version.h"
+#include "settings/records/json/JsonLiterals.h"
 
 // The only file that includes CLI11: its headers take seconds to compile.
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
+#include <fmt/format.h>
 
 #include <cmath>
+#include <cstdio>
 #include <string>
 
 namespace quorbel {
@@ -66,17 +69,34 @@ std::string valueNames(const CommandArgument &argument) {
     return names;
 }
 
-CLI::App *addSubcommand(CLI::App &program, const Command &command) {
-    CLI::App *subcommand = program.add_subcommand(command.name(), command.summary());
+CLI::App *addSubcommand(CLI::App &parent, const Command &command) {
+    const std::string word = command.name().substr(command.name().rfind(' ') + 1);
+    CLI::App *subcommand = parent.add_subcommand(word, command.summary());
     for (const CommandArgument &argument : command.arguments()) {
         CLI::Option *option = std::visit(ArgumentAdder{*subcommand, argument}, argument.variable);
         option->required(argument.isRequired);
-        if (!argument.values.empty())
+        if (!argument.values.empty()) {
             option->type_name(valueNames(argument));
+            if (argument.values.front().isOneOfThem)
+                option->check(CLI::IsMember(argument.values.front().choices).description(""));
+        }
         if (!argument.excludes.empty())
             option->excludes(subcommand->get_option(argument.excludes));
     }
     return subcommand;
+}
+
+/// The library only says that a subcommand is required where the word is none of them.
+bool complainedOfWord(const CLI::App &asked) {
+    const std::vector<std::string> unknown = asked.remaining();
+    if (unknown.empty() || !asked.get_subcommands().empty())
+        return false;
+    std::string known;
+    for (const CLI::App *subcommand : asked.get_subcommands({}))
+        known += (known.empty() ? "" : ", ") + subcommand->get_name();
+    fmt::print(stderr, "ostrafine-cli: {} is no command; there are: {}\n",
+               quotedText(unknown.front()), known);
+    return true;
 }
 
 } // namespace
@@ -89,10 +109,21 @@ ParsedCommandLine parseCommandLine(const std::vector<std::unique_ptr<Command>> &
                              versionOption.help);
     program.require_subcommand(1);
     std::vector<const CLI::App *> subcommands;
-    for (const auto &command : commands)
-        subcommands.push_back(addSubcommand(program, *command));
+    CLI::App *group = nullptr;
+    for (const auto &command : commands) {
+        const bool isInGroup = command->name().find(' ') != std::string::npos;
+        if (isInGroup && group == nullptr) {
+            group = program.add_subcommand(controlGroup.name, controlGroup.summary);
+            group->require_subcommand(1);
+        }
+        subcommands.push_back(addSubcommand(isInGroup ? *group : program, *command));
+    }
     try {
         program.parse(argc, argv);
+    } catch (const CLI::RequiredError &error) {
+        if (complainedOfWord(group != nullptr && group->parsed() ? *group : program))
+            return {nullptr, exitUsage};
+        return {nullptr, program.exit(error) == 0 ? 0 : exitUsage};
     } catch (const CLI::ParseError &error) {
         return {nullptr, program.exit(error) == 0 ? 0 : exitUsage};
     }

@@ -10,6 +10,13 @@ namespace quorbel {
 inline constexpr const char *programSummary =
     "Everything the computer plays, through one equaliser and effects chain.";
 
+/// Subcommands that share their first word.
+struct CommandGroup {
+    const char *name;
+    const char *summary;
+};
+inline constexpr CommandGroup controlGroup{"ctl", "Control the Ostrafine that runs"};
+
 /// An option without value that ends the program.
 struct EndingOption {
     const char *names; ///< separated by a comma

@@ -3,6 +3,7 @@
 #include "cli/CommandError.h"
 #include "settings/files/SettingsFileLock.h"
 #include "settings/presets/FactoryPresets.h"
+#include "settings/presets/PresetChoice.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/CodingError.h"
 #include "settings/records/json/JsonLiterals.h"
@@ -21,22 +22,6 @@ Persisted defaultSettings() {
     Persisted settings;
     settings.bands = EQBand::defaultBands();
     return settings;
-}
-
-/// As it would be typed on a plain keyboard, in small letters.
-std::string asTyped(const std::string &name) {
-    constexpr std::string_view emDash = "—";
-    std::string typed;
-    for (std::size_t index = 0; index < name.size();) {
-        if (name.compare(index, emDash.size(), emDash) == 0) {
-            typed += '-';
-            index += emDash.size();
-            continue;
-        }
-        const char letter = name[index++];
-        typed += letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    }
-    return typed;
 }
 
 } // namespace
@@ -73,7 +58,8 @@ ChainSettings chainSettings(const Persisted &settings, const std::string &path,
         presetName ? std::optional(presetNamed(settings, *presetName)) : std::nullopt;
     const float gainDB = preset ? gains.of(preset->id) : gains.inUse(settings.activePresetID);
     return {.bands = preset ? preset->bands : settings.bands,
-            .eqGlobalGainDB = settings.eqGlobalGainDB.value_or(0.0F) + gainDB,
+            .eqGlobalGainDB = settings.eqGlobalGainDB.value_or(0.0F),
+            .presetGainDB = gainDB,
             .spatial = preset ? preset->spatial : settings.spatial,
             .mixer = settings.mixer.value_or(MixerConfig{})};
 }
@@ -87,16 +73,18 @@ std::vector<Preset> availablePresets(const Persisted &settings) {
 
 Preset presetNamed(const Persisted &settings, const std::string &name) {
     const std::vector<Preset> presets = availablePresets(settings);
-    auto chosen = std::find_if(presets.begin(), presets.end(),
-                               [&](const Preset &preset) { return preset.name == name; });
-    if (chosen == presets.end())
-        chosen = std::find_if(presets.begin(), presets.end(), [&](const Preset &preset) {
-            return asTyped(preset.name) == asTyped(name);
-        });
-    if (chosen == presets.end())
+    const Preset *chosen = presetNamed(presets, name);
+    if (chosen == nullptr)
         throw CommandError(fmt::format("no preset is named {}; `ostrafine-cli presets` lists them",
                                        quotedText(name)));
     return *chosen;
+}
+
+void applyPreset(Persisted &settings, const std::string &name) {
+    const Preset chosen = presetNamed(settings, name);
+    settings.bands = chosen.bands;
+    settings.spatial = chosen.spatial;
+    settings.activePresetID = chosen.id;
 }
 
 UserSettings::UserSettings()

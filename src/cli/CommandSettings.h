@@ -35,6 +35,10 @@ namespace quorbel {
 /// count. Throws CommandError for a name that no preset has.
 [[nodiscard]] Preset presetNamed(const Persisted &settings, const std::string &name);
 
+/// Makes the preset of this name the active one: replaces the bands and spatial settings with its
+/// own; everything else stays. Throws as `presetNamed`.
+void applyPreset(Persisted &settings, const std::string &name);
+
 /// The user's own settings file, for a command that changes it. Where there is none yet, it begins
 /// with the defaults and the program's presets. Throws CommandError for a file that is there and
 /// cannot be read, so that it is never overwritten.

@@ -1,5 +1,7 @@
 #include "cli/Commands.h"
 
+#include <utility>
+
 namespace quorbel {
 
 std::vector<std::unique_ptr<Command>> allCommands() {
@@ -10,6 +12,8 @@ std::vector<std::unique_ptr<Command>> allCommands() {
     commands.push_back(makeImportCommand());
     commands.push_back(makeExportCommand());
     commands.push_back(makeDevicesCommand());
+    for (auto &command : makeControlCommands())
+        commands.push_back(std::move(command));
     return commands;
 }
 

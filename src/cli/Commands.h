@@ -31,4 +31,7 @@ namespace quorbel {
 /// `devices`: lists the output devices.
 [[nodiscard]] std::unique_ptr<Command> makeDevicesCommand();
 
+/// `ctl status` and its like: ask the Ostrafine that runs, and have it do things.
+[[nodiscard]] std::vector<std::unique_ptr<Command>> makeControlCommands();
+
 } // namespace quorbel

@@ -1,6 +1,7 @@
 #include "cli/CommandError.h"
 #include "cli/CommandSettings.h"
 #include "cli/Commands.h"
+#include "cli/ControlledLive.h"
 #include "cli/LiveMeter.h"
 #include "cli/LiveProfiles.h"
 #include "cli/SoundServer.h"
@@ -9,6 +10,8 @@
 #include "platform/hardware/InstanceLock.h"
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/TerminationSignals.h"
+#include "remote/RemoteService.h"
+#include "remote/SessionBus.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/JsonLiterals.h"
 #include "settings/state/OutputChoiceFile.h"
@@ -20,6 +23,7 @@
 #include <csignal>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace quorbel {
 
@@ -75,11 +79,15 @@ LiveCommand::LiveCommand()
 void LiveCommand::run() const {
     std::signal(SIGPIPE, SIG_IGN); // the reader of the log may end, the sound stays
     TerminationSignals signals;
-    const Persisted settings = loadSettings(settingsPath_);
+    Persisted settings = loadSettings(settingsPath_);
+    const PresetGains gains = loadPresetGains(settingsPath_);
     ChainSettings chain = chainSettings(settings, settingsPath_, presetName_);
+    if (presetName_)
+        applyPreset(settings, *presetName_);
+    settings.presets = availablePresets(settings);
     chain.mixer.spectrumEnabled = false; // there is no display to analyse for
-    const InstanceLock lock;
-    if (!lock.isHeld())
+    std::optional<InstanceLock> lock(std::in_place);
+    if (!lock->isHeld())
         throw CommandError("Ostrafine is already running and processes the sound");
 
     // Qt's own event loop wakes up at a lower cost than GLib's.
@@ -92,12 +100,11 @@ void LiveCommand::run() const {
     MainLoopClock clock;
     DeviceManager devices(*hardware, clock);
     AudioEngine engine(*hardware, devices, clock, chain.bands);
-    // The preset's gain is in the chain's; profiles bring another one.
-    const float globalGainDB = settings.eqGlobalGainDB.value_or(0.0F);
-    engine.eq().setGlobalGainDB(globalGainDB);
-    engine.eq().setPresetGainDB(chain.eqGlobalGainDB - globalGainDB);
+    engine.eq().setGlobalGainDB(chain.eqGlobalGainDB);
+    engine.eq().setPresetGainDB(chain.presetGainDB);
     engine.setSpatial(chain.spatial);
     engine.setMixer(chain.mixer);
+    engine.setComparable(!sessionBusAddress().isEmpty()); // only remote control compares
     // Settings that are named on the command line are for every output.
     std::optional<LiveProfiles> profiles;
     if (settingsPath_.empty() && !presetName_)
@@ -113,17 +120,23 @@ void LiveCommand::run() const {
     }
 
     signals.endEventLoop();
+    ControlledLive program(engine, devices, lock, settings, gains);
+    RemoteControl control(program, clock);
+    std::optional<RemoteService> service;
     std::string failure;
     Timer end;
     QObject::connect(&engine, &AudioEngine::stateChanged, &application, [&] {
         const EngineLifecycle::State &state = engine.state();
         if (state.kind == EngineLifecycle::State::Kind::error && !engine.isComingBack()) {
+            if (program.wasStartAsked())
+                return; // who asked is told
             failure = state.message;
             QCoreApplication::exit(1);
-        } else if (seconds_ && !end.isSet() &&
-                   (state.kind == EngineLifecycle::State::Kind::running ||
-                    engine.isLeavingAlone())) {
-            end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
+        } else if (state.kind == EngineLifecycle::State::Kind::running || engine.isLeavingAlone()) {
+            if (seconds_ && !end.isSet())
+                end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
+            if (!service) // not before: the sound comes first
+                service.emplace(control, connectToSessionBus("ostrafine-live"));
         }
     });
     {

@@ -15,7 +15,7 @@ namespace {
 
 constexpr double drawingSeconds = 0.1;
 
-std::string stateText(const AudioEngine &engine) {
+std::string stateText(const AudioEngine &engine, bool hasBegun) {
     switch (engine.state().kind) {
     case EngineLifecycle::State::Kind::running:
         return "running";
@@ -26,7 +26,7 @@ std::string stateText(const AudioEngine &engine) {
     }
     if (engine.isLeavingAlone())
         return "left alone";
-    return "starting";
+    return hasBegun ? "stopped" : "starting";
 }
 
 /// Cuts the text to the terminal's width: a wrapped second line could not be erased.
@@ -58,6 +58,7 @@ LiveMeter::LiveMeter(AudioEngine &engine, Clock &clock)
                               &AudioEngine::limiterReductionDBChanged,
                               &AudioEngine::autoGainDBChanged, &AudioEngine::lossesChanged})
         QObject::connect(&engine_, change, &changes_, [this] { drawSoon(); });
+    QObject::connect(&engine_, &AudioEngine::stateChanged, &changes_, [this] { hasBegun_ = true; });
     drawSoon();
 }
 
@@ -80,9 +81,9 @@ void LiveMeter::draw() {
     const EngineLosses &losses = engine_.losses();
     const EngineUpheavals &upheavals = engine_.upheavals();
     std::string line = fmt::format(
-        "{}  {}  reduction {:.1f} dB  auto gain {:+.1f} dB  lost {} frames", stateText(engine_),
-        device ? device->name : "no device", engine_.limiterReductionDB(), engine_.autoGainDB(),
-        losses.cutFrames + losses.silentFrames);
+        "{}  {}  reduction {:.1f} dB  auto gain {:+.1f} dB  lost {} frames",
+        stateText(engine_, hasBegun_), device ? device->name : "no device",
+        engine_.limiterReductionDB(), engine_.autoGainDB(), losses.cutFrames + losses.silentFrames);
     if (upheavals.outputRestarts > 0)
         line += fmt::format("  {} restarts", upheavals.outputRestarts);
     if (upheavals.comebacks > 0)

@@ -33,6 +33,7 @@ class LiveMeter {
     Clock &clock_;
     QObject changes_; ///< its destruction disconnects the signals
     bool isShown_ = false;
+    bool hasBegun_ = false; ///< the first start has come to its end
     LogSink previousSink_;
     std::mutex mutex_; ///< guards `shown_`; log lines come from several threads
     std::string shown_;

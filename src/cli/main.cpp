@@ -11,7 +11,11 @@
 
 namespace {
 
-constexpr int exitFailed = 1;
+constexpr int exitFailed = static_cast<int>(quorbel::CommandError::Status::failed);
+
+void complain(const std::exception &error) {
+    fmt::print(stderr, "ostrafine-cli: {}\n", quorbel::printable(error.what()));
+}
 
 } // namespace
 
@@ -28,8 +32,11 @@ int main(int argc, char **argv) {
         if (parsed.command->needsOutput() && std::fflush(stdout) != 0)
             throw quorbel::CommandError("standard output cannot be written");
         return 0;
+    } catch (const quorbel::CommandError &error) {
+        complain(error);
+        return static_cast<int>(error.status());
     } catch (const std::exception &error) {
-        fmt::print(stderr, "ostrafine-cli: {}\n", quorbel::printable(error.what()));
+        complain(error);
         return exitFailed;
     }
 }

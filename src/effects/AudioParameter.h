@@ -6,12 +6,12 @@
 
 namespace quorbel {
 
-/// The cell through which the control side hands one parameter's value to the render side: written
-/// by the unit's parameter tree, taken once per block. The lock is held for the one load or store
-/// only.
+/// Carries one parameter's value from the control side to the render side: the unit's parameter
+/// tree writes it, the render block takes it once per block. The lock covers a single load or
+/// store.
 ///
-/// Shared between the unit, its tree and its render blocks; whoever lives longest keeps it. [any]
-/// but where tagged.
+/// Shared by the unit, its tree and its render blocks; the last owner frees it. [any] unless
+/// tagged.
 class AudioParameter {
   public:
     /// `value` is in the parameter's own unit (dB, percent, Hz; 0 or 1 for switches).
@@ -27,7 +27,7 @@ class AudioParameter {
         value_ = value;
     }
 
-    /// Makes the value of this moment the one that is rendered with. [render]
+    /// Latches the current value for the block. [render]
     void take() noexcept { taken_ = value(); }
     [[nodiscard]] float taken() const noexcept { return taken_; } ///< [render]
 
@@ -37,10 +37,10 @@ class AudioParameter {
     float taken_;
 };
 
-/// A switch counts as on at the middle of its range.
+/// A switch is on from the middle of its range.
 [[nodiscard]] constexpr bool isOn(float switchValue) { return switchValue >= 0.5F; }
 
-/// The two adaptive switches count as on only above it.
+/// The two adaptive switches are on only above the middle.
 [[nodiscard]] constexpr bool isAdaptiveOn(float switchValue) { return switchValue > 0.5F; }
 
 } // namespace quorbel

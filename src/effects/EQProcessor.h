@@ -10,9 +10,8 @@
 
 namespace quorbel {
 
-/// The parametric equaliser of the chain: the band list and the gains as the model, and the node
-/// that they are copied onto, always together. Observers hear of every assignment, also of an equal
-/// value. [main]
+/// The chain's parametric equaliser: the model of bands and gains, and the node that receives them
+/// together. Observers hear of every assignment, even of an equal value. [main]
 class EQProcessor final : public QObject {
     Q_OBJECT
 
@@ -34,10 +33,10 @@ class EQProcessor final : public QObject {
     /// What the node plays beside the bands.
     [[nodiscard]] float totalGainDB() const { return globalGainDB_ + presetGainDB_; }
 
-    /// Both at once: no block is rendered with one of them.
+    /// Sets both at once: no block is rendered with only one of them.
     void set(std::vector<EQBand> bands, float globalGainDB);
 
-    /// Leaves the sound alone but for a gain, whatever is set meanwhile, until `endBypass`.
+    /// Applies nothing but a gain until `endBypass`, whatever is set meanwhile.
     void setBypassed(float gainDB);
     void endBypass();
 

@@ -29,17 +29,17 @@ struct EffectComponent {
     ComponentDescription description;
     const char *name;
 
-    /// `analysisQueues` makes the serial queue of a unit that analyses in the background. Null:
-    /// this program has no such unit; it is not registered, and the chain goes without it.
+    /// `analysisQueues` makes the serial queue of a unit that analyses in the background. Null: the
+    /// program has no such unit; it is not registered, and the chain leaves it out.
     std::unique_ptr<AudioUnit> (*make)(const ComponentDescription &description,
                                        InstantiationOptions options,
                                        const SerialQueueFactory &analysisQueues);
 };
 
-/// All of them, in the order of registration.
+/// Every effect unit, in the order of registration.
 [[nodiscard]] std::span<const EffectComponent> effectComponents();
 
-/// Registers every effect unit there is, version 1.
+/// Registers every effect unit as version 1.
 void registerEffectUnits(AudioUnitRegistry &registry, const SerialQueueFactory &analysisQueues);
 
 } // namespace quorbel

@@ -24,35 +24,33 @@ struct EffectParameter {
     float defaultValue;
 };
 
-/// Amount of crossfeed and saturation, as a fraction, below which the unit does nothing: exactly 1
-/// % is active.
+/// Smallest amount (fraction) at which crossfeed and saturation act: exactly 1 % is active.
 inline constexpr float smallestActiveAmount = 0.01F;
 
-/// Who needs what a unit does beside its blocks.
+/// Demand for a unit's work beside its blocks.
 struct EffectDemand {
     bool isIdle = false;     ///< no blocks come until further notice
-    bool isDisplayed = true; ///< somebody sees the read-outs
+    bool isDisplayed = true; ///< a window or terminal shows the read-outs
 };
 
-/// What the effect units of the chain share: one stereo bus on either side, parameters declared by
-/// a table, and one cell per parameter between the tree and the render block. The tree's observer
-/// and provider hold the cells, not the unit, so a tree or a render block may outlive it.
+/// Base of the chain's effect units: one stereo bus on either side, parameters declared by a table,
+/// and one cell per parameter between the tree and the render block. The tree's observer and
+/// provider hold the cells, not the unit, so a tree or a render block may outlive the unit.
 class EffectUnit : public AudioUnit {
   public:
     [[nodiscard]] AudioUnitBusArray &inputBusses() override { return inputBusses_; }
     [[nodiscard]] AudioUnitBusArray &outputBusses() override { return outputBusses_; }
 
-    /// The base class's allocation, then `prepare` with the output's rate.
+    /// Allocates as the base class does, then calls `prepare` with the output's rate.
     Status allocateRenderResources(std::string &error) override;
 
     void takeSettings() noexcept override;
 
-    /// Says how much work beside the blocks is needed. Called again after changes of parameters,
-    /// which decide whether that work shapes the sound. [main]
+    /// Sets the demand for work beside the blocks. Called again after parameter changes, which
+    /// decide whether that work shapes the sound. [main]
     virtual void setDemand(const EffectDemand & /*demand*/) {}
 
-    /// What the unit publishes for display (each unit says what); 0 for units that publish nothing.
-    /// [any]
+    /// Value published for display, documented by each unit; 0 if the unit publishes none. [any]
     [[nodiscard]] virtual float readout() const noexcept { return 0.0F; }
 
   protected:
@@ -63,8 +61,8 @@ class EffectUnit : public AudioUnit {
     using Cell = std::shared_ptr<AudioParameter>;
     [[nodiscard]] const Cell &storage(ParameterAddress address) const { return cells_[address]; }
 
-    /// Resets the running state for `sampleRate` (Hz) while nothing renders. Sizes from the rate
-    /// may fail; then `error` says why. Units without state keep this one.
+    /// Resets the running state for `sampleRate` (Hz) while nothing renders. Memory sized by the
+    /// rate may be refused; `error` then says why. Units without state keep this version.
     virtual Status prepare(float sampleRate, std::string &error);
 
   private:

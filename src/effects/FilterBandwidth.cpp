@@ -8,7 +8,7 @@ namespace quorbel {
 float bandwidthOctaves(float q) {
     constexpr double smallestQ = 0.1;
     constexpr double octavesPerUnit = 2.8853900817779268; // 2 / ln 2
-    // Compared this way round, so that not-a-number takes the second branch.
+    // NaN fails the comparison and takes the second branch.
     const double usedQ = q > 0.1F ? static_cast<double>(q) : smallestQ;
     const auto octaves = static_cast<float>(octavesPerUnit * std::asinh(1.0 / (2.0 * usedQ)));
     return std::clamp(octaves, 0.05F, 5.0F);

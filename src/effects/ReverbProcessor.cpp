@@ -6,7 +6,7 @@ namespace quorbel {
 
 namespace {
 
-/// In the order of the settings' cases, which is not that of the factory numbers.
+/// In the order of the settings' cases, which differs from the factory numbers' order.
 constexpr std::array roomModels{RoomModel::smallRoom,  RoomModel::mediumRoom, RoomModel::largeRoom,
                                 RoomModel::mediumHall, RoomModel::largeHall,  RoomModel::cathedral,
                                 RoomModel::plate};

@@ -9,8 +9,8 @@
 
 namespace quorbel {
 
-/// The reverb of the chain: the settings' room and mix as the model, and the node that they are set
-/// on. Observers hear of every assignment, also of an equal value. [main]
+/// The chain's reverb: the model of room and mix, and the node that receives them. Observers hear
+/// of every assignment, even of an equal value. [main]
 class ReverbProcessor final : public QObject {
     Q_OBJECT
 
@@ -20,15 +20,16 @@ class ReverbProcessor final : public QObject {
     /// A small room, fully dry.
     ReverbProcessor();
 
-    /// Percent, as it was set; the node gets it clamped to 0 to 100.
+    /// Percent, as set; the node receives it clamped to 0 to 100.
     [[nodiscard]] float mix() const { return mix_; }
     void setMix(float mix);
 
-    /// Only another preset is loaded; the same one leaves the node's sound alone.
+    /// Loads a preset that differs from the current one; an equal one leaves the node's sound
+    /// alone.
     [[nodiscard]] ReverbPreset preset() const { return preset_; }
     void setPreset(ReverbPreset preset);
 
-    /// Loads since creation, the first one included.
+    /// Number of loads since creation, including the first.
     [[nodiscard]] std::int64_t presetReloadCount() const { return presetReloadCount_; }
 
     /// The chain's stage.

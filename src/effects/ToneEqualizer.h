@@ -14,7 +14,7 @@ class ToneEqualizer {
 
     ToneEqualizer();
 
-    /// All bands, in dB, taken together; at 0 dB a band costs nothing and changes nothing.
+    /// Sets all bands together, in dB; a band at 0 dB costs and changes nothing.
     void setGainsDB(const std::array<float, bandCount> &gainsDB);
     [[nodiscard]] float gainDB(Band band) const { return node_.band(band).gainDB; }
 

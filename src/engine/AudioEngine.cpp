@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::int64_t ringBufferFrames = 48000; // one second
 
-/// An analysis moves a reading at every second of its ticks at the latest, and has several between
-/// this many read-outs.
+/// Constant read-outs after which the refreshing rests: an analysis changes a reading at least at
+/// every second of its ticks, and makes several ticks in this time.
 constexpr int restingReadouts = 5;
 
 } // namespace
@@ -51,7 +51,7 @@ AudioEngine::~AudioEngine() {
 }
 
 void AudioEngine::allEffectUnits(AudioUnitRegistry &registry) {
-    // Bass and voice are analysed at the same moments: one wake-up does for both.
+    // Bass and voice are analysed at the same times: one wake-up serves both.
     registerEffectUnits(registry, sharedThreadSerialQueues("Quorbel.Analysis"));
 }
 
@@ -126,15 +126,15 @@ void AudioEngine::beginStart() {
         return;
     hasWaitedForIdentity_ = false;
     identityDeadline_.invalidate();
-    deviceManager_.refreshIfChanged(); // nothing listened to the hardware while it was stopped
-    // Without a stand-in the absent choice stays, for the error to name.
+    deviceManager_.refreshIfChanged(); // a stopped engine does not listen to the hardware
+    // Without a stand-in the missing choice stays, so that the error can name it.
     if (wantedOutput())
         followWantedOutput();
     chain_.instantiateCustomUnits([this, start = *generation] { continueStart(start); });
 }
 
 void AudioEngine::continueStart(EngineLifecycle::Generation start) {
-    // A stop in the meantime has torn everything down and published its state.
+    // A stop in the meantime has already torn everything down and published its state.
     if (!lifecycle.isCurrent(start) || awaitIdentity(start))
         return;
     if (useOfOutput().isLeftAlone) {
@@ -171,7 +171,7 @@ void AudioEngine::continueStart(EngineLifecycle::Generation start) {
         isLeavingAlone_ = false;
         startTimers();
         finishComeback();
-        // Whatever happened before anybody listened.
+        // Catches changes from before the listeners were installed.
         deviceManager_.refreshIfChanged();
         handleHardwareChange();
     }
@@ -225,10 +225,18 @@ void AudioEngine::setDisplayed(bool isDisplayed) {
     }
 }
 
-/// A report from before a restart of playback is followed by the current one.
+void AudioEngine::refreshReadouts() {
+    if (isDisplayed_ || lifecycle.state() != EngineLifecycle::State::running())
+        return;
+    chain_.setDisplayed(true); // which brings them up to date
+    updateReadouts();
+    chain_.setDisplayed(false);
+}
+
+/// A report from before a restart of playback is followed by a current one.
 void AudioEngine::setCyclesCome(bool doCome) {
     doCyclesCome_ = doCome;
-    systemTap.logFormatChange(); // streams stop for it and start again
+    systemTap.logFormatChange(); // streams stop and start again for a new format
     chain_.setIdle(!doCome);
     diagnostics_.setIdle(!doCome);
     spectrumAnalyzer_.setIdle(!doCome);
@@ -255,7 +263,7 @@ void AudioEngine::stopTimersAndSpectrum() {
 }
 
 void AudioEngine::teardown() {
-    playback_.fadeOut(); // while there is still something to fade
+    playback_.fadeOut(); // while the graph still renders
     deviceManager_.stopObservingHardware();
     deviceManager_.onHardwareChange = nullptr;
     deviceManager_.onHardwareLost = nullptr;
@@ -265,10 +273,10 @@ void AudioEngine::teardown() {
     ringBuffer.reset();
 }
 
-// What is published
+// Published values
 
 void AudioEngine::publishState() {
-    // Also where it is the same: whoever waits for the end of a start hears of each.
+    // Also without a change: callers that wait for the end of a start rely on it.
     state_ = lifecycle.state();
     Q_EMIT stateChanged();
 }
@@ -285,6 +293,18 @@ void AudioEngine::updateReadouts() {
         Q_EMIT bassTrackedFrequencyChanged();
     if (published_.updateVoiceConfidence(now.voiceConfidence))
         Q_EMIT voiceConfidenceChanged();
+    updateHeldLevels();
+}
+
+void AudioEngine::updateHeldLevels() {
+    const HeldLevels now = chain_.heldLevels();
+    if (std::exchange(heldLevels_, now) != now)
+        Q_EMIT heldLevelsChanged();
+}
+
+void AudioEngine::clearHeldLevels() {
+    chain_.clearHeldLevels();
+    updateHeldLevels();
 }
 
 void AudioEngine::updateMeters(float limiterReduction, float autoGain) {

@@ -29,61 +29,61 @@ namespace quorbel {
 
 class DeviceManager;
 
-/// What was done so that processing goes on.
+/// Restarts that kept the processing running.
 struct EngineUpheavals {
-    int outputRestarts = 0; ///< playback moved or was bound anew
+    int outputRestarts = 0; ///< playback moved or was bound again
     int comebacks = 0;      ///< everything started again after a failure
 };
 
 /// Conducts the live sound: capture into the ring buffer, the playback graph out of it, the
-/// settings into its stages; starts and stops them together and keeps them running through changes
-/// of the hardware. What it publishes is what the screens show. All calls [main].
+/// settings into its stages. Starts and stops them together, and keeps them running through changes
+/// of the hardware. The screens show the values that it publishes. All calls [main].
 ///
-/// It holds no logic of the parts it conducts: see SystemAudioTap, PlaybackGraph, ProcessingChain,
-/// EngineDiagnostics. AudioEngineRestart.cpp holds its reactions to the hardware.
+/// The logic of its parts is in SystemAudioTap, PlaybackGraph, ProcessingChain and
+/// EngineDiagnostics; AudioEngineRestart.cpp holds its reactions to the hardware.
 class AudioEngine final : public QObject {
     Q_OBJECT
 
   public:
-    /// Fills the registry of effect units; by default with every unit this program has.
+    /// Fills the registry of effect units; by default with all of this program's units.
     using UnitRegistration = std::function<void(AudioUnitRegistry &)>;
 
-    /// Hardware, device manager and clock must outlive the engine. `queues` makes the threads of
-    /// its own that the display's tap is served on.
+    /// Hardware, device manager and clock must outlive the engine. `queues` makes the queue on
+    /// which the display's tap runs.
     AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, Clock &clock,
                 std::vector<EQBand> bands, const UnitRegistration &registerUnits = allEffectUnits,
                 SerialQueueFactory queues = threadedSerialQueues());
     ~AudioEngine() override;
 
-    // Settings. Each assignment reaches the sound at once and is announced, also one that changes
+    // Settings. Each assignment reaches the sound at once and is announced, even if it changes
     // nothing.
     [[nodiscard]] const SpatialConfig &spatial() const { return spatial_; }
     void setSpatial(const SpatialConfig &spatial);
     [[nodiscard]] const MixerConfig &mixer() const { return mixer_; }
     void setMixer(const MixerConfig &mixer);
     [[nodiscard]] EQProcessor &eq() { return chain_.eq(); }
-    /// Settings made while the result lives, the equaliser's included, are heard from one block on:
-    /// `const auto change = engine.changeSettings();`. To be held for the assignments only.
+    /// Settings made while the result lives, the equaliser's included, apply from the same block
+    /// on: `const auto change = engine.changeSettings();`. Hold it for the assignments only.
     [[nodiscard]] ProcessingChain::SettingsChange changeSettings() {
         return ProcessingChain::SettingsChange(chain_);
     }
 
     /// The device in use: the chosen one or its stand-in.
     [[nodiscard]] const std::optional<AudioDevice> &outputDevice() const { return outputDevice_; }
-    /// The user's choice, which ends an error of having none. While running, playback moves after a
-    /// short pause for more such changes. While the chosen device is away, the current default
-    /// output replaces it; when the device is back, it is in use again.
+    /// Sets the user's choice, which ends an error of having none. While running, playback moves
+    /// after a short debounce. While the chosen device is missing, the current default output
+    /// replaces it; once the device is back, it is used again.
     void setOutputDevice(std::optional<AudioDevice> device);
 
-    /// The uid of the device that the user chose, there or not; none where they chose none.
+    /// Uid of the user's choice, present or not; empty without a choice.
     [[nodiscard]] const std::optional<std::string> &outputChoice() const { return chosenUID_; }
-    /// A choice of an earlier session: in use if the device is there. Otherwise the output stays as
-    /// it is, as a stand-in.
+    /// Restores a choice of an earlier run. If the device is missing, the current output is its
+    /// stand-in.
     void restoreOutputChoice(std::optional<std::string> uid);
-    /// From now on the current default output is in use where the chosen device is away or none was
-    /// chosen. Before this, nothing is selected until the user selects it.
+    /// Uses the current default output from now on whenever the chosen device is missing or none
+    /// was chosen. Before this call only the user's choice is used.
     void useDefaultOutput();
-    /// Whether the device in use is not the choice.
+    /// True if the device in use replaces the choice.
     [[nodiscard]] bool isOutputStandIn() const {
         return outputDevice_ && outputDevice_->uid != chosenUID_;
     }
@@ -97,34 +97,38 @@ class AudioEngine final : public QObject {
     /// state is `stopped` meanwhile; the engine starts by itself with another output.
     [[nodiscard]] bool isLeavingAlone() const { return isLeavingAlone_; }
 
-    /// Whether playback can be compared with the unprocessed sound; measuring the loudness for that
-    /// costs a little. From the next start on.
+    /// Lets playback be compared with the unprocessed sound, at the cost of measuring the loudness.
+    /// Applies from the next start.
     void setComparable(bool comparable) { chain_.setMeasuresLoudness(comparable); }
-    /// While comparing, the unprocessed sound is heard, as loud as the processed one was; only the
+    /// Holds the highest levels, which costs a little. Applies from the next start.
+    void setHoldsPeaks(bool holds) { chain_.setHoldsPeaks(holds); }
+    /// While comparing, plays the unprocessed sound at the loudness of the processed one; only the
     /// limiter stays. Settings may change meanwhile. A start ends it.
     void setComparing(bool comparing);
     [[nodiscard]] bool comparing() const { return comparing_; }
 
-    /// Returns at once; the outcome is a change of `state`. Ignored while starting or running;
-    /// while coming back it means a look at once.
+    /// Returns at once; the result is a change of `state`. Ignored while starting or running; while
+    /// coming back it makes an attempt at once.
     void start();
-    /// Also ends the wish to come back.
+    /// Stops; also ends the return after a failure.
     void stop();
     [[nodiscard]] const EngineLifecycle::State &state() const { return state_; }
 
-    /// True while the engine, after a failure in the middle of processing, waits for the hardware
-    /// to be fit again and then starts by itself. The state is the failure's text meanwhile.
+    /// True while the engine waits for the hardware after a failure in the middle of processing, to
+    /// start by itself. Meanwhile the state is the failure's text.
     [[nodiscard]] bool isComingBack() const { return comebackTimer.isSet(); }
-    /// What the hardware has made necessary since the user's last start.
+    /// Restarts made necessary by the hardware since the user's last start.
     [[nodiscard]] const EngineUpheavals &upheavals() const { return upheavals_; }
 
-    /// Whether somebody sees what is published for display. If not, the read-outs stay as they are,
-    /// the spectrum is not analysed, and what only the read-outs show is measured later; at first
-    /// somebody does.
+    /// Whether a window or terminal shows the published values; initially true. If not, the
+    /// read-outs are not refreshed, the spectrum is not analysed, and measurements only for display
+    /// are delayed.
     void setDisplayed(bool isDisplayed);
+    /// Takes the read-outs once where nobody sees them.
+    void refreshReadouts();
 
-    // Read-outs, refreshed ten times a second while running and displayed. While no sound comes
-    // they rest as soon as they stand still.
+    // Read-outs, refreshed ten times a second while running and displayed. While no sound comes,
+    // the refreshing stops once they are constant.
     [[nodiscard]] float limiterReductionDB() const {
         return published_.values().limiterReductionDB;
     }
@@ -134,13 +138,17 @@ class AudioEngine final : public QObject {
     }
     [[nodiscard]] float voiceConfidence() const { return published_.values().voiceConfidence; }
 
-    /// What is heard, for the display; runs while the setting `spectrumEnabled` is on.
+    /// The highest levels since `clearHeldLevels`, refreshed like the read-outs.
+    [[nodiscard]] const HeldLevels &heldLevels() const { return heldLevels_; }
+    void clearHeldLevels();
+
+    /// The spectrum of the output, for the display; runs while the setting `spectrumEnabled` is on.
     [[nodiscard]] SpectrumAnalyzer &spectrumAnalyzer() { return spectrumAnalyzer_; }
 
-    /// Publishes the two meters where they have moved by more than 0.05 dB.
+    /// Publishes each of the two meters if it has changed by more than 0.05 dB.
     void updateMeters(float limiterReduction, float autoGain);
 
-    /// What was lost since the last start, as of the last whole second.
+    /// Losses since the last start, as of the last whole second.
     [[nodiscard]] const EngineLosses &losses() const { return diagnostics_.losses(); }
 
   Q_SIGNALS:
@@ -148,11 +156,12 @@ class AudioEngine final : public QObject {
     void mixerChanged();
     void outputDeviceChanged();
     void comparingChanged();
-    void stateChanged(); ///< also where a start or a stop ends in the state before it
+    void stateChanged(); ///< also if a start or a stop ends in the earlier state
     void limiterReductionDBChanged();
     void autoGainDBChanged();
     void bassTrackedFrequencyChanged();
     void voiceConfidenceChanged();
+    void heldLevelsChanged();
     void lossesChanged(); ///< or the upheavals
 
   private:
@@ -172,6 +181,7 @@ class AudioEngine final : public QObject {
     void teardown();
     void publishState();
     void updateReadouts();
+    void updateHeldLevels();
 
     // AudioEngineOutputs.cpp
     [[nodiscard]] bool hasOutputRule() const;
@@ -207,14 +217,15 @@ class AudioEngine final : public QObject {
     bool comparing_ = false;
     std::optional<AudioDevice> outputDevice_;
     std::optional<std::string> chosenUID_;
-    bool mayStandIn_ = false; ///< the default output takes the place of a choice that is away
+    bool mayStandIn_ = false; ///< the default output replaces a missing choice
     OutputRule *outputRule_ = nullptr;
     bool isLeavingAlone_ = false;
     bool hasWaitedForIdentity_ = false; ///< in the start under way
-    EngineLifecycle::State state_;      ///< the lifecycle's, as last published
+    EngineLifecycle::State state_;      ///< the last published one
     PublishedReadings published_;
     MeterReadings lastReadings_;
-    int standingReadouts_ = 0; ///< in a row, in which nothing has moved
+    HeldLevels heldLevels_;
+    int standingReadouts_ = 0; ///< number of consecutive read-outs without a change
     bool isDisplayed_ = true;
     bool doCyclesCome_ = false; ///< of the running playback
 
@@ -227,20 +238,20 @@ class AudioEngine final : public QObject {
     EngineDiagnostics diagnostics_;
     SpectrumAnalyzer spectrumAnalyzer_; ///< after the graph that it taps
 
-    /// How the return after a failure stands.
+    /// Progress of the return after a failure.
     struct Comeback {
         double failedAt = 0.0;              ///< seconds on the clock
-        std::optional<double> devicesSince; ///< when the first device was seen again
+        std::optional<double> devicesSince; ///< time at which the first device was seen again
         int failedStarts = 0;
     };
 
     Timer bassReadoutTimer;
     Timer outputRestartTask;
     Timer identityDeadline_; ///< set while the output's identity is waited for
-    Timer comebackTimer;     ///< set while the wish to process waits for the hardware
+    Timer comebackTimer;     ///< set while a return waits for the hardware
     Comeback comeback_;
     EngineUpheavals upheavals_;
-    std::shared_ptr<AudioEngine *> self_; ///< what the hardware's threads find the engine by
+    std::shared_ptr<AudioEngine *> self_; ///< lets the hardware's threads find the engine
 };
 
 } // namespace quorbel

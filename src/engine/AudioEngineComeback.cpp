@@ -1,6 +1,6 @@
-// The engine's return after a failure in the middle of processing: the sound server went away, the
-// last device was unplugged, playback could not be started again. The user's wish to process
-// stands until they press Stop.
+// The engine's return after a failure in the middle of processing: the sound server ended, the last
+// device was unplugged, or playback could not be started again. The user's wish to process lasts
+// until they press Stop.
 
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
@@ -15,13 +15,13 @@
 namespace quorbel {
 namespace {
 
-/// How often the hardware is looked at. A look costs next to nothing while no server answers.
+/// Interval of the looks at the hardware. A look costs next to nothing while no server answers.
 constexpr double lookSeconds = 0.25;
-/// A start that keeps failing is tried less often, but never given up.
+/// A start that keeps failing is tried less often, but never abandoned.
 constexpr double longestPauseSeconds = 2.0;
 constexpr int looksUntilLongestPause = 3; ///< as the pause doubles
-/// Grace period for the chosen device before another takes its place: after a server's start its
-/// devices come one by one.
+/// Grace period for the chosen device before falling back to another: after a server's start its
+/// devices appear one by one.
 constexpr double deviceWaitSeconds = 1.0;
 
 } // namespace
@@ -42,8 +42,8 @@ void AudioEngine::awaitComeback() {
     scheduleComeback();
 }
 
-/// Looks again after the longest pause: on some servers the rate shows only once sound flows, and
-/// applications would be moved to and fro with every look.
+/// Makes the next attempt after the longest pause: on some servers the rate is known only once
+/// sound flows, and every attempt moves the applications to and fro.
 void AudioEngine::failAtRate(double sampleRate) {
     if (lifecycle.state() != EngineLifecycle::State::running())
         return;
@@ -59,18 +59,18 @@ void AudioEngine::scheduleComeback() {
 }
 
 void AudioEngine::comeBack() {
-    scheduleComeback(); // the next look, whatever this one finds
+    scheduleComeback(); // the next look, whatever the result of this one
     if (lifecycle.isStarting())
         return;
     deviceManager_.refreshIfChanged();
-    if (!isComingBack() || !findOutputAgain()) // who hears of the devices may press Stop
+    if (!isComingBack() || !findOutputAgain()) // an observer of the devices may call stop
         return;
-    ++comeback_.failedStarts; // until it has succeeded
-    scheduleComeback();       // later than it would have been, if not
+    ++comeback_.failedStarts; // reset by a success
+    scheduleComeback();       // with a longer pause in case it fails
     beginStart();
 }
 
-/// True if there is a device to play on; it is then the output.
+/// Selects the output device; returns false if there is none.
 bool AudioEngine::findOutputAgain() {
     if (deviceManager_.outputDevices().empty()) {
         comeback_.devicesSince.reset();

@@ -6,7 +6,7 @@
 
 namespace quorbel {
 
-/// Why the engine cannot run; what is shown to the user as it stands.
+/// The reason why the engine cannot run, shown to the user verbatim.
 class AudioEngineError : public std::runtime_error {
   public:
     static AudioEngineError noOutputSelected();

@@ -9,7 +9,8 @@
 namespace quorbel {
 namespace {
 
-// A device that is plugged in makes several changes in a row; playback moves once, after the last.
+// Debounce: a device that is plugged in makes several changes in a row, and playback moves once,
+// after the last.
 constexpr double outputRestartDelaySeconds = 0.15;
 
 /// Whether playback that is bound to one device is bound to the other.
@@ -34,7 +35,7 @@ void AudioEngine::useDefaultOutput() {
     followDeviceList();
 }
 
-/// The chosen device, or the default in its place.
+/// Returns the chosen device, or the default as its stand-in.
 std::optional<AudioDevice> AudioEngine::wantedOutput() const {
     if (chosenUID_)
         if (auto chosen = deviceManager_.outputDevice(*chosenUID_))
@@ -44,13 +45,14 @@ std::optional<AudioDevice> AudioEngine::wantedOutput() const {
 
 void AudioEngine::followWantedOutput() {
     auto wanted = wantedOutput();
-    // Equal but for the serial, it went and came back: what plays is bound to the one before.
+    // Equal but for the serial: the device has gone and come back, and playback is bound to the old
+    // one.
     if (wanted != outputDevice_)
         moveOutput(std::move(wanted));
 }
 
-/// Nothing but what is shown depends on the device while nothing plays, so a choice that is away
-/// stays shown as such until the start.
+/// While nothing plays only the display depends on the device, so a missing choice is shown as such
+/// until the start.
 void AudioEngine::followDeviceList() {
     const bool isAtRest = !lifecycle.isStarting() && !isComingBack() &&
                           lifecycle.state() != EngineLifecycle::State::running();
@@ -63,7 +65,7 @@ void AudioEngine::followDeviceList() {
     endErrorOfNoOutput();
 }
 
-/// The error of having no device ends with its cause.
+/// Ends the error of having no device once there is one.
 void AudioEngine::endErrorOfNoOutput() {
     const auto error = EngineLifecycle::State::error(AudioEngineError::noOutputSelected().what());
     if (!outputDevice_ || isComingBack() || lifecycle.isStarting() || lifecycle.state() != error)
@@ -93,7 +95,7 @@ void AudioEngine::scheduleOutputRestart() {
 
 void AudioEngine::restartProcessEngine() {
     outputRestartTask.invalidate();
-    // Capture goes on meanwhile.
+    // Capture continues meanwhile.
     if (identityDeadline_.isSet()) {
         scheduleOutputRestart();
         return;
@@ -118,7 +120,8 @@ void AudioEngine::handleHardwareChange() {
     followWantedOutput();
 
     const auto defaultUID = deviceManager_.currentDefaultOutputUID();
-    // Between two defaults there is nothing to build a capture around; the next change brings one.
+    // Between two defaults there is no device to build a capture around; the next change brings
+    // one.
     if (defaultUID && systemTap.isOutdatedBy(*defaultUID))
         rebuildTap();
 }

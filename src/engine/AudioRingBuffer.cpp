@@ -77,7 +77,7 @@ void AudioRingBuffer::discard() noexcept {
 }
 
 void AudioRingBuffer::reset() noexcept {
-    // The samples may stay: with both positions equal nothing reaches them.
+    // The samples may stay: with equal positions they are never read.
     const std::lock_guard guard(lock);
     writeFrame = readFrame = 0;
     cadreTaiate = cadreDeTacere = cadreScrise = cadreCitite = 0;

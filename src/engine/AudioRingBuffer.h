@@ -9,9 +9,9 @@
 
 namespace quorbel {
 
-/// The one hand-over between the capture clock and the playback clock, planar stereo. The writer
-/// always wins: a full buffer drops its oldest frames; an empty one reads as silence at once,
-/// without waiting for a fill. Both losses are counted in frames.
+/// The only hand-over between the capture clock and the playback clock, planar stereo. The writer
+/// always wins: a full buffer drops its oldest frames; an empty one reads as silence without
+/// waiting. Both losses are counted in frames.
 ///
 /// Threads: write [capture], read [render], preiaPierderi [main], reset [main]. All take the same
 /// short lock for their copy; nothing is allocated after construction.
@@ -24,23 +24,23 @@ class AudioRingBuffer {
     /// without samples is ignored.
     void write(const PCMBuffer &buffer) noexcept;
 
-    /// Fills exactly `frameCount` frames of the first and, where present, the second destination.
-    /// Both channels are consumed even if only one is asked for.
+    /// Fills exactly `frameCount` frames of the first and, if present, the second destination.
+    /// Consumes both channels even if only one is requested.
     void read(const AudioBufferList &into, std::int64_t frameCount) noexcept;
 
-    /// Frames since the last time they were taken.
+    /// Frames since the counters were last taken.
     struct Pierderi {
         std::int64_t taiate = 0; ///< cut by overflow
         std::int64_t tacere = 0; ///< of silence, by underflow
-        std::int64_t scrise = 0; ///< offered to `write`
-        std::int64_t citite = 0; ///< asked of `read`
+        std::int64_t scrise = 0; ///< passed to `write`
+        std::int64_t citite = 0; ///< requested from `read`
 
         friend bool operator==(const Pierderi &, const Pierderi &) = default;
     };
-    /// Takes the losses: returns the counters and zeroes them in one step.
+    /// Returns the counters and zeroes them in one step.
     [[nodiscard]] Pierderi preiaPierderi() noexcept;
 
-    /// Empties the buffer; what it held is lost without being counted. [capture]
+    /// Empties the buffer without counting its frames as lost. [capture]
     void discard() noexcept;
 
     /// Empties the buffer and zeroes the counters.
@@ -54,8 +54,8 @@ class AudioRingBuffer {
     ShortLock lock; // guards all that follows
     std::vector<float> left;
     std::vector<float> right;
-    // Frames ever written and consumed, never wrapped: frame p lives at p mod capacity, and
-    // 0 <= writeFrame - readFrame <= capacity whenever the lock is free.
+    // Total frames written and consumed, never wrapped: frame p is at p mod capacity, and 0 <=
+    // writeFrame - readFrame <= capacity whenever the lock is free.
     std::int64_t writeFrame = 0;
     std::int64_t readFrame = 0;
     std::int64_t cadreTaiate = 0;

@@ -10,8 +10,8 @@
 
 namespace quorbel {
 
-/// The way of captured cycles of one fixed format into the chain's format, state kept from cycle to
-/// cycle. At equal rates it is nothing but the check of the length. Made [control], used [capture].
+/// Converts captured cycles of one fixed format to the chain's format; keeps its state between
+/// cycles. At equal rates it only checks the length. Made [control], used [capture].
 class CaptureConversion {
   public:
     /// Throws std::invalid_argument for rates that cannot be converted, std::bad_alloc.
@@ -20,14 +20,13 @@ class CaptureConversion {
     [[nodiscard]] const StreamFormat &source() const noexcept { return source_; }
     [[nodiscard]] bool copies() const noexcept { return converter_ == nullptr; }
 
-    /// One cycle in the chain's rate, valid until the next call; null if it is lost, because it is
-    /// longer than the buffer for it or nothing came of it.
+    /// Returns one cycle at the chain's rate, valid until the next call. Null if the cycle is lost:
+    /// it was longer than the buffer, or the converter gave no frames.
     [[nodiscard]] const PCMBuffer *convert(const PCMBuffer &cycle) noexcept;
 
-    /// What has to lie in the ring before the first block. Blocks come out of a converter a frame
-    /// longer or shorter from cycle to cycle, and what the playback side takes varies likewise:
-    /// without this much in hand a frame would now and then be missing in the middle of sound. Null
-    /// when copying.
+    /// Frames to put into the ring before the first block; null at equal rates. The length of a
+    /// converter's blocks varies by a frame, and so does the playback side's demand: without this
+    /// reserve a frame would sometimes be missing.
     [[nodiscard]] const PCMBuffer *lead() const noexcept { return lead_ ? &*lead_ : nullptr; }
 
   private:

@@ -10,19 +10,19 @@
 
 namespace quorbel {
 
-/// How loud the sound has been before and after the stages between two nodes, which leave it as it
-/// is: the mean power of both channels with the K weighting of ITU-R BS.1770, over about the last
-/// three seconds.
+/// Measures the loudness before and after the stages between two nodes, which do not change the
+/// sound: the mean power of both channels with the K weighting of ITU-R BS.1770, over about three
+/// seconds.
 ///
-/// The recursions of a weighting are latency-bound. So the first node only keeps its block, and the
-/// second measures both side by side.
+/// The recursions of the weighting are latency-bound, so the first node only copies its block, and
+/// the second measures both side by side.
 class ChainLoudness {
   public:
     [[nodiscard]] GraphNode &before() { return before_; }
     [[nodiscard]] GraphNode &after() { return after_; }
 
-    /// The gain that makes the sound before the stages as loud as the one after them, dB, within
-    /// ±24; nothing where either is too quiet to tell (below -70 dB). [any]
+    /// Gain in dB, within ±24, that makes the sound before the stages as loud as after them. Empty
+    /// if either is below -70 dB. [any]
     [[nodiscard]] std::optional<float> matchingGainDB() const;
 
   private:
@@ -54,7 +54,7 @@ class ChainLoudness {
         Status render(const RenderTime &time, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;
 
-        /// Full scale 1; 0 while nothing has been heard. [any]
+        /// Power relative to full scale; 0 before the first sound. [any]
         [[nodiscard]] float powerBefore() const { return published_[0].load(order); }
         [[nodiscard]] float powerAfter() const { return published_[1].load(order); }
 
@@ -64,8 +64,8 @@ class ChainLoudness {
         const Before &before_;
         double sampleRate_ = 48000.0;
         KWeighting weighting_{sampleRate_};
-        std::uint32_t weightFrames_ = 0; ///< what `weight_` was computed for
-        double weight_ = 0.0;            ///< of a block in the means
+        std::uint32_t weightFrames_ = 0; ///< block length of `weight_`
+        double weight_ = 0.0;            ///< weight of a block in the means
         std::array<double, 2> means_{};
         std::array<std::atomic<float>, 2> published_{};
     };

@@ -8,11 +8,11 @@
 
 namespace quorbel {
 
-/// Everything that decides what the chain does to the sound. Made by default it leaves the sound as
-/// it is, apart from the limiter.
+/// All settings of the chain. The defaults leave the sound unchanged, apart from the limiter.
 struct ChainSettings {
     std::vector<EQBand> bands = EQBand::defaultBands();
     float eqGlobalGainDB = 0.0F;
+    float presetGainDB = 0.0F; ///< played on top of the global gain
     SpatialConfig spatial;
     MixerConfig mixer;
 };

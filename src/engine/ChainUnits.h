@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// The units of the chain, each of which may be missing, in the order the sound passes them.
-/// (Between the spatializer and the saturation stands the reverb, which is no such unit.)
+/// The units of the chain in the order of the sound; each may be missing. (The reverb, between
+/// spatializer and saturation, is a graph node and not a unit.)
 enum class ChainUnit {
     bassEnhancer,
     voiceEnhancer,
@@ -20,7 +20,7 @@ enum class ChainUnit {
     limiter,
 };
 
-/// By which each is asked for, in the same order.
+/// Descriptions of the units, in the same order.
 inline constexpr std::array chainUnitDescriptions{
     bassEnhancerDescription, voiceEnhancerDescription, msWidenerDescription, spatializerDescription,
     saturationDescription,   crossfeedDescription,     autoGainDescription,  limiterDescription,

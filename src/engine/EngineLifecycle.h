@@ -7,18 +7,17 @@
 
 namespace quorbel {
 
-/// Keeps an asynchronous start and a stop that arrives in the middle of it from trampling on each
-/// other. A start takes a generation number and asks before every later step whether it still
-/// holds; a stop makes it stale. There is no state for "starting": until a start has finished or
-/// failed, the state shown is the one before it. All calls [main].
+/// Keeps an asynchronous start and a stop in the middle of it apart. A start takes a generation
+/// number and checks it before every later step; a stop makes it stale. There is no state for
+/// "starting": until a start has finished or failed, the earlier state is shown. All calls [main].
 class EngineLifecycle {
   public:
-    /// What the screens are shown.
+    /// The state that the screens show.
     struct State {
         enum class Kind { error, stopped, running };
 
         Kind kind = Kind::stopped;
-        std::string message; ///< of an error, for the user as it stands; otherwise empty
+        std::string message; ///< text of an error, shown to the user verbatim; otherwise empty
 
         [[nodiscard]] static State error(std::string_view message) {
             return {Kind::error, std::string(message)};
@@ -31,22 +30,22 @@ class EngineLifecycle {
 
     using Generation = std::int64_t;
 
-    /// Begins a start; nothing if one is under way or the engine runs.
+    /// Begins a start; returns nothing if one is under way or the engine runs.
     [[nodiscard]] std::optional<Generation> beginStart();
 
     /// True while the start of this generation has been neither finished, failed nor overtaken.
     [[nodiscard]] bool isCurrent(Generation start) const;
 
-    /// To `running`; false, and nothing changes, if the start was overtaken.
+    /// Changes to `running`; returns false without a change if the start was overtaken.
     [[nodiscard]] bool finishStart(Generation start);
 
-    /// To `error` with the message, unless the start was overtaken.
+    /// Changes to `error` with the message, unless the start was overtaken.
     void failStart(Generation start, std::string_view message);
 
-    /// A stop: whatever start is under way becomes stale.
+    /// Stops: a start under way becomes stale.
     void end();
 
-    /// A running engine that cannot go on: like `end`, but to `error` with the message.
+    /// Ends a running engine after a failure: like `end`, but changes to `error` with the message.
     void fail(std::string_view message);
 
     [[nodiscard]] const State &state() const { return state_; }

@@ -24,12 +24,12 @@ using Floats = hn::CappedTag<float, channelCount>;
 using Doubles = hn::CappedTag<double, channelCount>;
 constexpr Floats floats;
 constexpr Doubles doubles;
-constexpr hn::Rebind<float, Doubles> halves; ///< as many floats as there are doubles
+constexpr hn::Rebind<float, Doubles> halves; ///< as many floats as a vector has doubles
 
 using Vector = hn::Vec<Doubles>;
 constexpr std::size_t vectorCount = channelCount / hn::MaxLanes(doubles);
 
-/// All channels of one frame behind each other.
+/// Interleaved frames of all channels.
 struct alignas(64) Tile {
     float samples[tileFrames * channelCount];
 };
@@ -48,8 +48,8 @@ HWY_INLINE void interleave(const KWeighting::Channels &channels, std::uint32_t b
             tile.samples[i * channelCount + channel] = channels[channel][begin + i];
 }
 
-/// What a section adds to its input's share of the output, for the channels of one vector. The
-/// newest output comes in last: the frames wait for nothing else of each other.
+/// The recursive part of a section's output, for the channels of one vector. The newest output is
+/// added last, because only that addition waits for the previous frame.
 class Feedback {
   public:
     HWY_INLINE Feedback(double a1, double a2)
@@ -121,7 +121,7 @@ HWY_EXPORT(squareInLanes);
 
 namespace {
 
-// The analog prototypes behind the coefficients that BS.1770 tables for 48 kHz.
+// The analog prototypes of the coefficients in BS.1770's tables for 48 kHz.
 constexpr double shelfHertz = 1681.974450955533;
 constexpr double shelfDB = 3.999843853973347;
 constexpr double shelfQ = 0.7071752369554196;

@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// Power with the K weighting of ITU-R BS.1770 of four channels at once: a shelf for the head, then
-/// a cut of the lows, both biquads in direct form I and double precision.
+/// Power of four channels at once with the K weighting of ITU-R BS.1770: a shelf for the head, then
+/// a high pass, both biquads in direct form I and double precision.
 class KWeighting {
   public:
     static constexpr std::size_t channelCount = 4;
@@ -17,10 +17,10 @@ class KWeighting {
     /// `sampleRate` in Hz.
     explicit KWeighting(double sampleRate);
 
-    /// Adds up the squares of each channel's weighted samples. [render]
+    /// Sums the squares of each channel's weighted samples. [render]
     [[nodiscard]] Sums squares(const Channels &channels, std::uint32_t frames) noexcept;
 
-    /// Over the first coefficient of the input, which is then 1.
+    /// Coefficients divided by the first one of the input, which is then 1.
     struct Shelf {
         double b1 = 0.0, b2 = 0.0, a1 = 0.0, a2 = 0.0;
     };
@@ -32,8 +32,7 @@ class KWeighting {
         Shelf shelf;
         Cut cut;
     };
-    /// The last two samples and the ones before them, by channel: of the input, after the shelf,
-    /// and after both.
+    /// The last two samples by channel: of the input, after the shelf, and after both sections.
     struct Memory {
         std::array<Sums, 2> input{};
         std::array<Sums, 2> shelved{};
@@ -42,7 +41,7 @@ class KWeighting {
 
   private:
     Sections sections_;
-    double scale_ = 1.0; ///< of the squares, for what the sections leave out
+    double scale_ = 1.0; ///< of the squares: the gains left out of the sections
     Memory memory_;
 };
 

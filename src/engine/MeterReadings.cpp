@@ -12,7 +12,7 @@ constexpr float confidenceStep = 0.02F;
 bool move(float &shown, float now, float step) {
     if (!(std::abs(now - shown) > step))
         return false;
-    shown = now + 0.0F; // turns -0.0, which would print with its sign, into a true zero
+    shown = now + 0.0F; // turns -0.0, which prints with its sign, into 0.0
     return true;
 }
 

@@ -2,10 +2,10 @@
 
 namespace quorbel {
 
-/// How often the readings are taken.
+/// Interval of the readings, in seconds.
 inline constexpr double readOutSeconds = 0.1;
 
-/// What the stages publish for display. A stage that is missing reads neutral.
+/// Values that the stages publish for display. A missing stage has its neutral value.
 struct MeterReadings {
     float limiterReductionDB = 0.0F; ///< not negative
     float autoGainDB = 0.0F;
@@ -15,13 +15,13 @@ struct MeterReadings {
     friend bool operator==(const MeterReadings &, const MeterReadings &) = default;
 };
 
-/// The readings as they are shown: a value moves only when the movement is large enough to be seen,
-/// because every one redraws a screen.
+/// The readings as shown: a value changes only by visible amounts, because every change redraws a
+/// screen.
 class PublishedReadings {
   public:
     [[nodiscard]] const MeterReadings &values() const { return values_; }
 
-    /// Each takes the reading of the moment and returns whether the value shown has changed.
+    /// Each takes a new reading and returns whether the shown value has changed.
     bool updateLimiterReduction(float dB);
     bool updateAutoGain(float dB);
     bool updateBassTracking(float hertz);

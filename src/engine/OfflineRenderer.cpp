@@ -26,7 +26,7 @@ struct OfflineRenderer::State {
     SerialQueueFactory queues = clockedSerialQueues(clock);
     AudioUnitRegistry registry{clock};
     ProcessingChain chain;
-    AudioBufferList input; ///< the block being rendered, from the next frame that the graph takes
+    AudioBufferList input; ///< the rest of the current block, from the graph's next frame
     SourceNode source{chainFormat, [this](const AudioBufferList &buffers, std::uint32_t frames) {
                           return feed(buffers, frames);
                       }};
@@ -35,7 +35,7 @@ struct OfflineRenderer::State {
     PublishedReadings published;
     ReadOutObserver readOutObserver;
     Timer readOutTimer;
-    std::optional<SpectrumAnalyzer> spectrum; // for the observer; to prepare it takes a while
+    std::optional<SpectrumAnalyzer> spectrum; // only for the observer: preparing it takes a while
 
     explicit State(const ChainSettings &settings) : chain(registry, clock, settings.bands) {
         registerEffectUnits(registry, queues);
@@ -59,7 +59,7 @@ struct OfflineRenderer::State {
 
     void apply(const ChainSettings &settings) {
         const ProcessingChain::SettingsChange change(chain);
-        chain.eq().set(settings.bands, settings.eqGlobalGainDB);
+        chain.eq().set(settings.bands, settings.eqGlobalGainDB + settings.presetGainDB);
         chain.applySpatial(settings.spatial);
         chain.applyMixer(settings.mixer);
     }

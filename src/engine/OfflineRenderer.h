@@ -12,12 +12,11 @@
 
 namespace quorbel {
 
-/// The processing chain without hardware: sound in, sound out, as fast as the machine can, on a
-/// clock that moves by exactly the frames rendered. Two runs over the same input give the same
-/// samples.
+/// Renders the processing chain without hardware, as fast as the machine can, on a clock that
+/// advances by exactly the rendered frames. Two runs over the same input give the same samples.
 ///
-/// Sound is planar stereo at `sampleRate`, any number of frames per call; as many frames come out
-/// as go in, and what a stage delays stays delayed. All calls on the thread that made it.
+/// Sound is planar stereo at `sampleRate`, any number of frames per call. The output has as many
+/// frames as the input and keeps the stages' delay. All calls on the thread that made the renderer.
 class OfflineRenderer {
   public:
     static constexpr double sampleRate = 48000.0; ///< Hz
@@ -28,30 +27,30 @@ class OfflineRenderer {
     OfflineRenderer(const OfflineRenderer &) = delete;
     OfflineRenderer &operator=(const OfflineRenderer &) = delete;
 
-    /// Changes the settings from the next block on, as a movement of the controls would: gains
-    /// glide, nothing restarts.
+    /// Changes the settings from the next block on, as a control would: gains glide, nothing
+    /// restarts.
     void apply(const ChainSettings &settings);
 
-    /// One block: `output` gets `input` processed; both hold two channels of `frames` frames and
-    /// may be the same. Then the clock moves by the block's length, and analyses that have fallen
-    /// due run.
+    /// Renders one block from `input` to `output`, each of two channels of `frames` frames; both
+    /// may be the same. Then advances the clock by the block's length and runs the analyses that
+    /// are due.
     Status render(const AudioBufferList &input, const AudioBufferList &output,
                   std::uint32_t frames);
 
     [[nodiscard]] std::uint64_t framesRendered() const;
 
-    /// Called every 0.1 s of the stream, at the end of the block in which it falls due, with the
-    /// read-outs as the live engine would publish them. Not to be called from inside `render`.
+    /// Called every 0.1 s of the stream, at the end of the block in which it is due, with the
+    /// read-outs that the live engine would publish. Set it outside of `render`.
     using ReadOutObserver = std::function<void(double seconds, const MeterReadings &readings)>;
     void setReadOutObserver(ReadOutObserver observer);
 
-    /// Called at every tick of the spectrum analyzer, 30 times a second of the stream once it has
-    /// heard enough, with the levels of its bands. Not to be called from inside `render`.
+    /// Called at every tick of the spectrum analyzer with the levels of its bands, 30 times a
+    /// second of the stream once it has enough sound. Set it outside of `render`.
     using SpectrumObserver =
         std::function<void(double seconds, const SpectrumAnalyzer::Levels &levels)>;
     void setSpectrumObserver(SpectrumObserver observer);
 
-    /// Frames of the input so far in which a sample was not a finite number and was played as zero.
+    /// Number of input frames with a sample that was not finite and was replaced by zero.
     [[nodiscard]] std::uint64_t replacedFrames() const;
 
   private:

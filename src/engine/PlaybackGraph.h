@@ -14,18 +14,17 @@ class DeviceManager;
 class ProcessingChain;
 struct AudioDevice;
 
-/// The playback side of the engine: the ring buffer as the source, the chain, the main mixer, the
-/// output device. [main]
+/// The playback side of the engine: ring buffer as the source, chain, main mixer, output device.
+/// [main]
 class PlaybackGraph {
   public:
-    /// A null `output` cannot be bound to a device. `tapQueues` makes what taps are served on. The
-    /// others must outlive the graph.
+    /// A null `output` cannot be bound to a device. `tapQueues` makes the queue on which taps run.
+    /// The other arguments must outlive the graph.
     PlaybackGraph(std::unique_ptr<HardwareOutput> output, ProcessingChain &chain,
                   AudioRingBuffer &ringBuffer, SerialQueueFactory tapQueues);
 
-    /// Binds the output to the device, says in the log what it runs at, and connects everything
-    /// anew with a new source. While stopped. Throws AudioEngineError without a device, DeviceError
-    /// if it cannot be bound.
+    /// Binds the output to the device, logs its format, and reconnects everything to a new source.
+    /// While stopped. Throws AudioEngineError without a device, DeviceError if it cannot be bound.
     void configure(const DeviceManager &devices, const std::optional<AudioDevice> &device);
 
     /// `HardwareOutput::setStaysOnDevice`.
@@ -34,19 +33,20 @@ class PlaybackGraph {
     /// Throws AudioEngineError.
     void start();
 
-    /// Lets what plays go down to silence, if it runs, and returns when it has.
+    /// Fades to silence and returns once it is reached; returns at once if stopped.
     void fadeOut() { processEngine.fadeOut(); }
 
-    /// Stops if it runs, and forgets the sound inside.
+    /// Stops the graph and clears the sound inside.
     void stop();
 
-    /// The chain's settings have changed: whether the device is to be kept running for its tail.
+    /// Updates whether the device is kept running for a tail; called after changes of the chain's
+    /// settings.
     void updateTail();
 
     /// For the spectrum analyzer, which taps the main mixer.
     [[nodiscard]] AudioGraph &graph() { return processEngine; }
 
-    /// Frames ever in which a captured sample was not a finite number.
+    /// Total frames with a captured sample that was not finite.
     [[nodiscard]] std::uint64_t replacedNonFiniteFrames() const;
 
   private:
@@ -56,8 +56,8 @@ class PlaybackGraph {
     ProcessingChain &chain_;
     AudioRingBuffer &ringBuffer_;
     std::unique_ptr<SourceNode> sourceNode;
-    std::uint64_t replacedBefore_ = 0; ///< by the sources before this one
-    AudioGraph processEngine;          ///< last: it goes before the nodes that it borrows
+    std::uint64_t replacedBefore_ = 0; ///< by earlier sources
+    AudioGraph processEngine; ///< last, so that it is destroyed before the nodes that it borrows
 };
 
 } // namespace quorbel

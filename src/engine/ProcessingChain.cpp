@@ -1,10 +1,12 @@
 #include "engine/ProcessingChain.h"
 
+#include "effects/units/LimiterUnit.h"
 #include "engine/ChainFormat.h"
 #include "engine/UnitSettings.h"
 #include "platform/graph/MixerNode.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace quorbel {
@@ -50,7 +52,7 @@ void ProcessingChain::instantiateCustomUnits(std::function<void()> completion) {
 }
 
 void ProcessingChain::adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit) {
-    // Of two starts in a row both may have asked for it.
+    // Two starts in a row may both have requested the unit.
     if (unit == nullptr || node(which) != nullptr)
         return;
     pushSettings(spatial_, which, *unit);
@@ -77,6 +79,8 @@ std::vector<GraphNode *> ProcessingChain::stages() {
     }
     if (measuresLoudness_)
         result.push_back(&loudness_.after());
+    if (holdsPeaks_)
+        result.push_back(&outputPeak_);
     return result;
 }
 
@@ -113,8 +117,8 @@ void ProcessingChain::setBypassed(bool bypassed) {
 }
 
 float ProcessingChain::bypassGainDB() const {
-    // In silence nobody knows what comes next: no louder than the settings would have it.
-    const float gain = loudness_.matchingGainDB().value_or(std::min(0.0F, eq_.globalGainDB()));
+    // In silence the loudness of the next sound is unknown: no louder than with the settings.
+    const float gain = loudness_.matchingGainDB().value_or(std::min(0.0F, eq_.totalGainDB()));
     return mixer_.limiterEnabled ? gain : std::min(0.0F, gain);
 }
 
@@ -135,7 +139,8 @@ void ProcessingChain::pushSpatial() {
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(spatial, static_cast<ChainUnit>(index), units_[index]->unit());
-    pushDemand(); // within the change: what shapes the sound from now on is up to date by then
+    pushDemand(); // within the change, so that an analysis that begins to shape the sound is up to
+                  // date
     reverb_.setPreset(spatial.reverbPreset);
     reverb_.setMix(spatial.reverbEnabled ? spatial.reverbMix : 0.0F);
 }
@@ -193,6 +198,27 @@ MeterReadings ProcessingChain::readings() const {
     read(ChainUnit::bassEnhancer, readings.bassTrackedFrequency);
     read(ChainUnit::voiceEnhancer, readings.voiceConfidence);
     return readings;
+}
+
+HeldLevels ProcessingChain::heldLevels() const {
+    const auto tenths = [](float dB) { return std::round(dB * 10.0F) / 10.0F + 0.0F; };
+    const auto peakDB = [&](float peak) {
+        return tenths(std::max(HeldLevels::silenceDB, 20.0F * std::log10(peak)));
+    };
+    HeldLevels levels{.samplePeakDB = peakDB(outputPeak_.sample()),
+                      .truePeakDB = peakDB(outputPeak_.between())};
+    if (const auto *limiter = dynamic_cast<const LimiterUnit *>(unit(ChainUnit::limiter))) {
+        levels.largestReductionDB = tenths(limiter->activity().largestDB());
+        levels.limiterSeconds = std::round(limiter->activity().secondsInLastMinute());
+    }
+    return levels;
+}
+
+void ProcessingChain::clearHeldLevels() {
+    outputPeak_.clear();
+    if (const auto &found = node(ChainUnit::limiter); found != nullptr)
+        if (auto *limiter = dynamic_cast<LimiterUnit *>(&found->unit()))
+            limiter->clearLargestReduction();
 }
 
 } // namespace quorbel

@@ -6,7 +6,9 @@
 #include "effects/ToneEqualizer.h"
 #include "engine/ChainLoudness.h"
 #include "engine/ChainUnits.h"
+#include "engine/HeldLevels.h"
 #include "engine/MeterReadings.h"
+#include "engine/OutputPeak.h"
 #include "platform/graph/AudioGraph.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/graph/UnitNode.h"
@@ -22,16 +24,15 @@
 
 namespace quorbel {
 
-/// The stages between the source and the main mixer, in their one order, and the settings they were
-/// given last. A unit that could not be made is left out; an effect that is off stays in with a
+/// The stages between the source and the main mixer, in their fixed order, and their current
+/// settings. A unit that could not be made is left out; an effect that is off stays in with a
 /// neutral value.
 ///
-/// Lives as long as its graph's owner; the graph must be gone, or the nodes detached, before it.
-/// [main]
+/// Must outlive its graph, or detach the nodes first. [main]
 class ProcessingChain {
   public:
-    /// The equaliser plays ten bands, however many `bands` are. Registry and clock must outlive the
-    /// chain.
+    /// The equaliser plays ten bands, whatever the size of `bands`. Registry and clock must outlive
+    /// the chain.
     ProcessingChain(const AudioUnitRegistry &registry, Clock &clock, std::vector<EQBand> bands);
     ~ProcessingChain();
     ProcessingChain(const ProcessingChain &) = delete;
@@ -40,16 +41,15 @@ class ProcessingChain {
     [[nodiscard]] EQProcessor &eq() { return eq_; }
     [[nodiscard]] ReverbProcessor &reverb() { return reverb_; }
 
-    /// Makes the units that do not exist yet, each with the settings of the moment from its first
-    /// breath, and calls `completion` when all of them have been made or have failed: never inside
-    /// this call, and not at all if the chain is gone by then.
+    /// Makes the missing units; each unit starts with the current settings. Calls `completion` once
+    /// all have been made or have failed: never inside this call, and not after the chain's end.
     void instantiateCustomUnits(std::function<void()> completion);
 
     /// Null if the unit does not exist.
     [[nodiscard]] const AudioUnit *unit(ChainUnit which) const;
 
-    /// While one of these lives, whatever is set on this chain or its equaliser waits, and is then
-    /// heard from one block on. May be nested. Rendering does not wait for its end. [main]
+    /// While it lives, new settings of this chain or its equaliser wait, and then apply from the
+    /// same block on. May be nested. Rendering does not wait for its end. [main]
     class [[nodiscard]] SettingsChange {
       public:
         explicit SettingsChange(ProcessingChain &chain) : chain_(chain) {
@@ -67,32 +67,38 @@ class ProcessingChain {
         ProcessingChain &chain_;
     };
 
-    /// Puts the stages that exist between `source`, which must be attached, and the main mixer;
-    /// what a run before left connected is undone first.
+    /// Connects the existing stages between `source`, which must be attached, and the main mixer;
+    /// first removes the connections of an earlier run.
     void connect(AudioGraph &graph, SourceNode &source);
 
-    /// Whether the loudness before and after the chain is measured, from the next `connect` on.
+    /// Measures the loudness before and after the chain, from the next `connect` on.
     void setMeasuresLoudness(bool measures) { measuresLoudness_ = measures; }
+    /// Holds the peaks behind the chain, from the next `connect` on.
+    void setHoldsPeaks(bool holds) { holdsPeaks_ = holds; }
 
-    /// While bypassed, every effect but the limiter is neutral and the sound has the loudness that
-    /// it had processed. The settings are kept and followed, and come back with `false`. Glides.
+    /// While bypassed, every effect but the limiter is neutral, and the sound keeps the loudness of
+    /// the processed sound. The settings stay, may change, and apply again with `false`. Glides.
     void setBypassed(bool bypassed);
 
     void applySpatial(const SpatialConfig &spatial);
     void applyMixer(const MixerConfig &mixer);
 
-    /// True if sound goes on coming out for a while after it has stopped coming in.
+    /// True if the output outlasts the input.
     [[nodiscard]] bool holdsTail() const { return reverb_.mix() > 0.0F; }
 
-    /// How long the sound is on its way through the stages that exist, in seconds.
+    /// Delay of the existing stages, in seconds.
     [[nodiscard]] double delaySeconds() const;
 
     [[nodiscard]] MeterReadings readings() const;
 
-    /// Whether no blocks come until further notice: what the units do beside them may rest.
+    /// The highest levels since `clearHeldLevels`.
+    [[nodiscard]] HeldLevels heldLevels() const;
+    void clearHeldLevels();
+
+    /// `isIdle`: no blocks come until further notice, so the units' other work may rest.
     void setIdle(bool isIdle);
-    /// Whether somebody sees the readings; at first somebody does. When they become seen, they are
-    /// up to date as this returns.
+    /// `isDisplayed`: a window or terminal shows the readings; initially true. When it becomes
+    /// true, they are up to date on return.
     void setDisplayed(bool isDisplayed);
 
   private:
@@ -103,7 +109,7 @@ class ProcessingChain {
     void pushMixer();
     void pushDemand();
     void adopt(ChainUnit which, std::unique_ptr<AudioUnit> unit);
-    /// Those that exist, in order.
+    /// The existing stages, in order.
     [[nodiscard]] std::vector<GraphNode *> stages();
     [[nodiscard]] std::unique_ptr<UnitNode> &node(ChainUnit which) {
         return units_[static_cast<std::size_t>(which)];
@@ -119,12 +125,14 @@ class ProcessingChain {
     ReverbProcessor reverb_;
     std::array<std::unique_ptr<UnitNode>, chainUnitCount> units_;
     ChainLoudness loudness_;
+    OutputPeak outputPeak_;
     bool measuresLoudness_ = false;
+    bool holdsPeaks_ = false;
     bool isBypassed_ = false;
     EffectDemand demand_;
-    ShortLock settingsLock_; ///< of the graph that renders the chain
+    ShortLock settingsLock_; ///< settings lock of the graph that renders the chain
     int openChanges_ = 0;
-    std::shared_ptr<ProcessingChain *> self_; ///< what units on their way find the chain by
+    std::shared_ptr<ProcessingChain *> self_; ///< lets units that are being made find the chain
 };
 
 } // namespace quorbel

@@ -16,7 +16,7 @@
 namespace quorbel {
 namespace {
 
-/// After a longer pause between two cycles (the machine slept) what the ring still holds is stale.
+/// After a longer pause between two cycles (the machine slept) the ring's content is stale.
 constexpr double longestGapSeconds = 0.25;
 
 std::string inHertz(double rate) { return fmt::format("{} Hz", rate); }
@@ -201,7 +201,7 @@ void SystemAudioTap::ioFormatChanged(const StreamFormat &format) {
             onRateRefused(format.sampleRate);
         return;
     }
-    // From here on the cycles themselves say how fast they come.
+    // From here on the rate is the cycles' own.
     const std::lock_guard guard(changeMutex_);
     formatChange_ = ratesLine(format.sampleRate, format.sampleRate, *conversion_);
 }
@@ -216,7 +216,7 @@ void SystemAudioTap::ioCycle(const IOCycle &cycle) noexcept {
     }
     lastCycleEnd_ = cycle.hostSeconds + cycle.frames / cycle.format.sampleRate;
     CaptureConversion *conversion = active_.load(std::memory_order_acquire);
-    // A conversion leaves its lead in the ring, and an output that was replaced its last block.
+    // The ring may hold a conversion's lead, and the last block of a replaced output.
     const std::uint32_t number = conversions_.load(std::memory_order_acquire);
     const bool isOtherConversion = std::exchange(lastConversion_, number) != number;
     if (isOtherConversion || (cycle.isAllPlayed && conversion != nullptr && conversion->copies())) {

@@ -19,14 +19,14 @@ namespace quorbel {
 
 class AudioRingBuffer;
 
-/// Captures everything that the other programs play, keeps the unprocessed sound from being heard
-/// meanwhile, converts it to the chain format and writes it into the ring buffer. Every activation
-/// makes a new tap and a new capture device around the default output of that moment.
+/// Captures the sound of all other programs, mutes it unprocessed, converts it to the chain format
+/// and writes it into the ring buffer. Every activation makes a new tap and a new capture device
+/// around the current default output.
 ///
-/// Threads: activate and cleanup [main]; the hardware calls in on [control] and [capture].
+/// Threads: activate and cleanup [main]; the hardware calls on [control] and [capture].
 class SystemAudioTap final : private IOClient {
   public:
-    /// What is shown to the user as it stands.
+    /// A failure, with the text that is shown to the user verbatim.
     class Error : public std::runtime_error {
       public:
         static Error osStatus(std::string_view step, Status status);
@@ -43,18 +43,18 @@ class SystemAudioTap final : private IOClient {
     SystemAudioTap(const SystemAudioTap &) = delete;
     SystemAudioTap &operator=(const SystemAudioTap &) = delete;
 
-    /// Builds and starts the capture. Throws Error and leaves what it has made for `cleanup`.
+    /// Builds and starts the capture. Throws Error and leaves the objects made so far to `cleanup`.
     /// `ring` must outlive the activation.
     void activate(AudioRingBuffer &ring, const StreamFormat &chain);
 
-    /// Stops and destroys whatever exists; at any time, any number of times.
+    /// Stops and destroys all objects; at any time, any number of times.
     void cleanup();
 
-    /// From a successful activation until its owner marks it stopped.
+    /// True from a successful activation until the owner marks it stopped.
     [[nodiscard]] bool isRunning() const { return isRunning_; }
     void markStopped();
 
-    /// Whether the running capture has to be built anew now that `uid` is the default output.
+    /// Whether the running capture has to be rebuilt for `uid` as the default output.
     [[nodiscard]] bool isOutdatedBy(const std::string &uid) const {
         return isRunning_ && hardware_.isCaptureOutdated(builtWithDefaultUID_ != uid);
     }
@@ -64,20 +64,20 @@ class SystemAudioTap final : private IOClient {
         return builtWithDefaultUID_;
     }
 
-    /// Called with the new rate where the running capture cannot go on at it. [control]
+    /// Called with a new rate at which the running capture cannot continue. [control]
     std::function<void(double sampleRate)> onRateRefused;
 
-    /// Logs a change of the format that has come since the last call: the thread that is told of it
-    /// must not wait for a reader of the log. [main]
+    /// Logs a change of the format since the last call. (The thread that receives the change must
+    /// not wait for the log.) [main]
     void logFormatChange();
 
-    /// Capture cycles, ever, of which nothing reached the ring. [any]
+    /// Total capture cycles without a frame in the ring. [any]
     [[nodiscard]] std::int32_t droppedCycles() const noexcept {
         return droppedCycles_.load(std::memory_order_relaxed);
     }
 
-    /// The converter's source format: the tap's, but at the rate of the aggregate's clock (nothing
-    /// if it could not be read) where the two differ.
+    /// The converter's source format: the tap's, at the rate of the aggregate's clock if that is
+    /// known and differs.
     [[nodiscard]] static StreamFormat formatSursa(const StreamFormat &tap,
                                                   std::optional<double> rataAgregat);
 
@@ -107,15 +107,15 @@ class SystemAudioTap final : private IOClient {
     AudioRingBuffer *ring_ = nullptr;
     StreamFormat chainFormat_;
 
-    // Made and dropped by whoever changes the format; the capture thread reads only `active_`. The
-    // one before stays until the next change, so that a cycle that has just picked it up can
+    // Made and dropped by the thread that changes the format; the capture thread reads only
+    // `active_`. The previous one stays until the next change, so that a cycle that uses it can
     // finish.
     std::unique_ptr<CaptureConversion> conversion_;
     std::unique_ptr<CaptureConversion> retired_;
     std::atomic<CaptureConversion *> active_{nullptr};
-    std::atomic<std::uint32_t> conversions_{0}; ///< how many there have been
+    std::atomic<std::uint32_t> conversions_{0}; ///< number of conversions so far
     std::mutex changeMutex_;
-    std::string formatChange_; ///< a line not logged yet; under its mutex
+    std::string formatChange_; ///< a pending log line; guarded by the mutex
 
     // Capture only, while an IO procedure exists.
     std::uint32_t lastConversion_ = 0;

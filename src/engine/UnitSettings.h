@@ -11,19 +11,19 @@ namespace quorbel {
 
 class AudioUnit;
 
-/// One line of the table that says which setting goes into which parameter of which unit. An effect
-/// that is off gets its neutral value; it stays in the chain.
+/// One line of the table from settings to the parameters of units. An effect that is off gets its
+/// neutral value and stays in the chain.
 template <typename Record> struct UnitSetting {
     ChainUnit unit;
     ParameterAddress address;
     float (*value)(const Record &);
 };
 
-/// In the order in which they are sent.
+/// The table, in the order of sending.
 [[nodiscard]] std::span<const UnitSetting<SpatialConfig>> spatialUnitSettings();
 [[nodiscard]] std::span<const UnitSetting<MixerConfig>> mixerUnitSettings();
 
-/// Sends the lines of a table that concern one unit. Parameters that it does not have are left out.
+/// Sends the table's lines for one unit. Parameters that the unit does not have are left out.
 void pushSettings(const SpatialConfig &record, ChainUnit which, const AudioUnit &unit);
 void pushSettings(const MixerConfig &record, ChainUnit which, const AudioUnit &unit);
 

@@ -4,6 +4,7 @@
 
 #include <regex>
 #include <set>
+#include <utility>
 
 namespace quorbel {
 namespace {
@@ -58,17 +59,36 @@ TEST_F(Documents, nameEveryCommandAndOptionThatHelpNames) {
     const std::string zsh = document("_ostrafine-cli");
     const std::string fish = document("ostrafine-cli.fish");
     const std::string help = run({"--help"}).output;
-    const auto commands = matches(help.substr(help.find("Subcommands:")), "^  ([a-z]+) ");
-    ASSERT_GE(commands.size(), 6U);
-    for (const std::string &command : commands) {
-        SCOPED_TRACE(command);
-        const std::string ofManual = section(manual, ".SS " + command + "\n", "\n.S");
+    std::vector<std::vector<std::string>> commands;
+    for (const std::string &command :
+         matches(help.substr(help.find("Subcommands:")), "^  ([a-z]+) ")) {
+        const std::string own = run({command, "--help"}).output;
+        if (own.find("Subcommands:") == std::string::npos)
+            commands.push_back({command});
+        else
+            for (const std::string &word :
+                 matches(own.substr(own.find("Subcommands:")), "^  ([a-z]+) "))
+                commands.push_back({command, word});
+    }
+    ASSERT_GE(commands.size(), 17U);
+    for (const std::vector<std::string> &words : commands) {
+        const std::string &command = words.back();
+        std::vector<std::string> line = words;
+        const auto with = [&](const std::string &more) {
+            line.back() = more.empty() ? command.substr(0, command.size() - 1) : command;
+            if (!more.empty())
+                line.push_back(more);
+            return std::exchange(line, words);
+        };
+        SCOPED_TRACE(testing::PrintToString(words));
+        const std::string name = words.size() == 1 ? command : words[0] + " " + command;
+        const std::string ofManual = section(manual, ".SS " + name + "\n", "\n.S");
         const std::string ofZsh = section(zsh, "  " + command + ")\n", ";;");
-        const std::string inBash = completed({command, "-"});
-        EXPECT_THAT(completed({command.substr(0, 2)}), HasSubstr(command));
+        const std::string inBash = completed(with("-"));
+        EXPECT_THAT(completed(with("")), HasSubstr(command));
         EXPECT_THAT(zsh, HasSubstr("'" + command + ":"));
         EXPECT_THAT(fish, HasSubstr("-a " + command + " "));
-        const std::string ofCommand = run({command, "--help"}).output;
+        const std::string ofCommand = run(with("--help")).output;
         for (const std::string &option : matches(ofCommand, "^  (?:-h,)?--([a-z]+)")) {
             EXPECT_THAT(option == "help" ? manual : ofManual,
                         HasSubstr("\\-\\-" + option + "\\fR"));
@@ -87,6 +107,9 @@ TEST_F(Documents, bashCompletesNamesAndQuotesThem) {
     EXPECT_EQ(completed({"live", "--preset", "=", "Warm\\ /"}), "Warm\\ /\\ Long\\ Session\n");
     EXPECT_EQ(completed({"live", "--preset", "\"Warm / L"}), "Warm / Long Session\n");
     EXPECT_EQ(completed({"render", "--at", "1", ""}), "\n") << "files are left to readline";
+    EXPECT_EQ(completed({"ctl", "preset", "warm"}), "Warm\\ /\\ Long\\ Session\n");
+    EXPECT_EQ(completed({"ctl", "compare", "o"}), "on\noff\n");
+    EXPECT_EQ(completed({"ctl", "set", "spatial.reverbM"}), "spatial.reverbMix\n");
 
     Persisted settings = flatSettings();
     settings.presets.push_back({.name = "It's $5: \"a=b\""});

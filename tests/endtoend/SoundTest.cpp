@@ -1,13 +1,16 @@
 #include "endtoend/DelayProbe.h"
 #include "endtoend/LiveTest.h"
 #include "soundserver/ProcessUsage.h"
+#include "support/soundserver/ControlProgram.h"
 #include "support/soundserver/LateDevice.h"
 #include "support/soundserver/StallWitness.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <numbers>
 #include <string>
 #include <tuple>
 
@@ -301,6 +304,98 @@ TEST_F(Load, ACycleWakesTheProgramOnceAndSilenceDoesNotWakeIt) {
     const double idle = idleWakeUps(process, 60.0);
     std::cout << idle << " wake-ups per second while nothing plays\n";
     EXPECT_LE(idle, 2.0);
+}
+
+/// The first frame from `start` on at which a tone of 1 kHz has another amplitude, by a tenth.
+std::size_t firstChange(const Recording &heard, std::size_t start) {
+    constexpr std::size_t period = 48;
+    const std::span<const float> samples(heard.left);
+    const float before = peak(samples.subspan(start, period));
+    std::size_t frame = start + period;
+    while (frame + period <= samples.size() &&
+           std::abs(peak(samples.subspan(frame, period)) / before - 1.0F) < 0.1F)
+        ++frame;
+    return frame + period;
+}
+
+TEST_F(LiveTest, ACommandIsHeardWithinFiftyMilliseconds) {
+    server.forceQuantum(256);
+    const Recorder &recorder = record("speakers");
+    playTone(-20.0);
+    const auto live = startLive(LiveSettings::flat());
+    ASSERT_TRUE(comesTrue(2.0, [&] { return control(server, {"stop"}).status == 0; }));
+    ASSERT_EQ(control(server, {"start"}).status, 0);
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    // The machine may be busy for a moment, the program may not wait for anything.
+    double least = 1.0;
+    for (int turn = 0; turn < 20; ++turn) {
+        recorder.skip(0.2);
+        const std::size_t start = recorder.frames() - 4800;
+        const auto now = SteadyClock::now().time_since_epoch();
+        ASSERT_EQ(control(server, {"set", "eqGlobalGainDB", turn % 2 == 0 ? "-12" : "0"}).status,
+                  0);
+        recorder.skip(0.2);
+        const Recording heard = recorder.recording(start);
+        const std::size_t changed = firstChange(heard, 0);
+        ASSERT_LT(changed, heard.frames());
+        const std::chrono::nanoseconds when(heard.nanosecondsOf(changed));
+        least = std::min(least, std::chrono::duration<double>(when - now).count());
+    }
+    std::cout << "a command is heard after " << 1e3 * least << " ms\n";
+    EXPECT_LT(least, 0.05);
+}
+
+TEST_F(LiveTest, AThousandCommandsAreNoClickAndNoLoss) {
+    constexpr int quantum = 1024;
+    constexpr double levelDB = -20.0;
+    const Recorder &recorder = record("speakers", 300.0);
+    playTone(levelDB);
+    const auto live = startLive(LiveSettings::flat());
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    ASSERT_TRUE(comesTrue(2.0, [&] { return control(server, {"status"}).status == 0; }));
+    recorder.skip(1.0);
+    const StallWitness witness(0.25 * quantum / 48000.0);
+    const std::size_t start = recorder.frames();
+    const std::vector<std::vector<std::string>> commands{{"set", "eqGlobalGainDB", "-6"},
+                                                         {"set", "bands.5.gainDB", "-9"},
+                                                         {"compare", "on"},
+                                                         {"status"},
+                                                         {"set", "spatial.toneMidDB", "-4"},
+                                                         {"compare", "off"},
+                                                         {"set", "eqGlobalGainDB", "-1"},
+                                                         {"get", "bands"},
+                                                         {"preset", "Flat"},
+                                                         {"set", "spatial.widthPercent", "150"},
+                                                         {"set", "bands.5.q", "4"},
+                                                         {"set", "mixer.limiterThresholdDB", "-1"}};
+    std::vector<std::size_t> ends; // of each command, in recorded frames
+    for (std::size_t turn = 0; turn < 1000; ++turn) {
+        const ControlOutcome outcome = control(server, commands[turn % commands.size()]);
+        ASSERT_EQ(outcome.status, 0) << outcome;
+        ends.push_back(recorder.frames() - start);
+    }
+    const Recording heard = recorder.recording(start);
+    const Disturbances disturbances(witness, heard, quantum);
+    // A sine of this level has a second difference of at most this; no setting raises it.
+    const double omega = 2.0 * std::numbers::pi * 1000.0 / sampleRate;
+    const double largest = 1.1 * std::pow(10.0, levelDB / 20.0) * omega * omega;
+    const std::vector<float> &sound = heard.left;
+    double most = 0.0;
+    std::size_t clicking = 0; // the command before which that was, or soon after the one before
+    for (std::size_t frame = 2; frame < sound.size(); ++frame) {
+        const double difference = std::abs(
+            static_cast<double>(sound[frame] + sound[frame - 2] - 2.0F * sound[frame - 1]));
+        if (difference <= most || disturbances.include(frame))
+            continue;
+        most = difference;
+        clicking = std::ranges::upper_bound(ends, frame) - ends.begin();
+    }
+    EXPECT_LT(most, largest) << "a click at command " << clicking << ": "
+                             << testing::PrintToString(commands[clicking % commands.size()]);
+    EXPECT_TRUE(lossLines(*live).empty() || !disturbances.none())
+        << testing::PrintToString(lossLines(*live));
+    std::cout << "1000 commands in " << static_cast<double>(sound.size()) / sampleRate
+              << " s; largest second difference " << most / largest << " of the permitted\n";
 }
 
 } // namespace

@@ -89,45 +89,6 @@ TEST_F(EngineRestartTest, AnotherDefaultOutputRebuildsTheCapture) {
     EXPECT_EQ(hardware.taps().front().uuid, before) << "news that change nothing for the capture";
 }
 
-TEST_F(EngineRestartTest, TheDefaultStandsInAlsoWhenItMovesAfterTheUnplugging) {
-    hardware.addDevice({.uid = "usb"});
-    devices.refresh();
-    hardware.setDefaultLagging(true);
-    start();
-    play(0.1);
-    hardware.removeDevice("speakers");
-    play(0.02);
-    hardware.setDefaultOutput("usb");
-    play(0.3);
-    EXPECT_EQ(engine->outputDevice()->uid, "usb") << "not the first one listed";
-    EXPECT_EQ(engine->outputChoice(), "speakers");
-    EXPECT_EQ(restarts(), 1);
-
-    hardware.setDefaultOutput("hdmi");
-    play(0.3);
-    EXPECT_EQ(engine->outputDevice()->uid, "hdmi") << "the default, as it changes";
-    stop();
-    choose("hdmi");
-    hardware.addDevice({.uid = "speakers"});
-    start();
-    EXPECT_EQ(engine->outputDevice()->uid, "hdmi") << "the stand-in itself was chosen";
-}
-
-TEST_F(EngineRestartTest, WithoutAChoiceTheDefaultPlaysOnceThatIsAllowed) {
-    engine->setOutputDevice(std::nullopt);
-    engine->restoreOutputChoice("usb");
-    EXPECT_FALSE(engine->outputDevice()) << "nothing is selected in place of an absent choice";
-    engine->useDefaultOutput();
-    EXPECT_EQ(engine->outputDevice()->uid, "speakers");
-    hardware.setDefaultOutput("hdmi");
-    devices.refreshIfChanged();
-    EXPECT_EQ(engine->outputDevice()->uid, "hdmi") << "at rest too";
-    hardware.addDevice({.uid = "usb"});
-    devices.refreshIfChanged();
-    EXPECT_EQ(engine->outputDevice()->uid, "usb");
-    EXPECT_FALSE(engine->isOutputStandIn());
-}
-
 /// A desktop's devices come, go, take each other's ids and the default follows late, while the user
 /// chooses. Whenever that has come to rest, the chosen device plays, or else the default.
 TEST_F(EngineRestartTest, PlaysOnTheChoiceElseOnTheDefaultAfterAnyStormOfChanges) {
@@ -190,15 +151,6 @@ TEST_F(EngineRestartTest, PlaysOnTheChoiceElseOnTheDefaultAfterAnyStormOfChanges
         ASSERT_EQ(engine->outputChoice(), chosen);
         ASSERT_NEAR(toneOn(engine->outputDevice()->uid), 0.25, 1e-3);
     }
-}
-
-TEST_F(EngineRestartTest, WithTheLastDeviceUnpluggedItSaysSo) {
-    start();
-    hardware.removeDevice("hdmi");
-    hardware.removeDevice("speakers");
-    play(0.3);
-    EXPECT_EQ(state(), "No output device selected. Choose your speakers as output.");
-    expectNothingLeft();
 }
 
 } // namespace

@@ -58,6 +58,8 @@ TEST(EngineThreads, ControlsMoveAndHardwareChangesWhileItRuns) {
         SpatialConfig spatial = engine.spatial();
         spatial.toneBassDB = static_cast<float>(round % 5);
         spatial.bassEnabled = spatial.bassAdaptiveEnabled = round % 3 == 1;
+        spatial.reverbEnabled = round % 2 == 0;
+        spatial.reverbPreset = SpatialConfig::allReverbPresets[static_cast<std::size_t>(round % 7)];
         engine.setDisplayed(round % 2 == 0);
         engine.setSpatial(spatial);
         MixerConfig mixer = engine.mixer();

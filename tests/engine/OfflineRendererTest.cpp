@@ -51,21 +51,6 @@ ChainSettings shaped() {
     return settings;
 }
 
-// What the widener's way through mid and side, and the filters of stages at rest, round off.
-constexpr float rounding = 2e-6F;
-
-TEST(OfflineRenderer, FlatSettingsChangeNothingButTheLastBits) {
-    const Stereo input = noise(100'000, 1);
-    OfflineRenderer renderer(plain());
-    const Stereo output = render(renderer, input, 512);
-    for (std::size_t frame = 0; frame < input.left.size(); ++frame) {
-        ASSERT_NEAR(output.left[frame], input.left[frame], rounding) << frame;
-        ASSERT_NEAR(output.right[frame], input.right[frame], rounding) << frame;
-    }
-    EXPECT_EQ(renderer.framesRendered(), 100'000U);
-    EXPECT_EQ(renderer.replacedFrames(), 0U);
-}
-
 TEST(OfflineRenderer, GivesTheSameBytesHoweverTheBlocksFall) {
     const Stereo input = noise(60'000, 2);
     const auto with = [&](std::size_t blockFrames) {
@@ -115,25 +100,6 @@ INSTANTIATE_TEST_SUITE_P(Targets, WholeChainOnTarget,
                          ::testing::ValuesIn(WholeChainOnTarget::compiled()),
                          WholeChainOnTarget::nameOf);
 
-TEST(OfflineRenderer, SettingsMoveWhileItRenders) {
-    const auto toneOf = [](std::size_t frames) {
-        Stereo tone(frames);
-        const auto sound = sine(1000.0);
-        for (std::size_t frame = 0; frame < frames; ++frame)
-            tone.left[frame] = tone.right[frame] = sound(static_cast<double>(frame) / 48000.0, 0);
-        return tone;
-    };
-    OfflineRenderer renderer(plain());
-    (void)render(renderer, toneOf(4800), 512);
-    ChainSettings louder = plain();
-    louder.eqGlobalGainDB = 6.0F;
-    renderer.apply(louder);
-    (void)render(renderer, toneOf(4800), 480); // the glide
-    const Stereo after = render(renderer, toneOf(4800), 512);
-    EXPECT_NEAR(SineFit::of(after.left, 1000.0, 48000.0).amplitude, 0.25 * std::pow(10.0, 0.3),
-                1e-4);
-}
-
 TEST(OfflineRenderer, PlaysTenBandsHoweverManyTheSettingsHold) {
     const auto cutAt4kHz = [](std::vector<EQBand> bands) {
         ChainSettings settings = plain();
@@ -157,25 +123,6 @@ TEST(OfflineRenderer, PlaysTenBandsHoweverManyTheSettingsHold) {
     bands[7].gainDB = 0.0F;
     bands.push_back({.frequency = 4000.0F, .gainDB = -12.0F});
     EXPECT_NEAR(cutAt4kHz(bands), 0.0, 0.05) << "an eleventh is not played";
-}
-
-TEST(OfflineRenderer, ReadsOutTenTimesASecondOfTheStream) {
-    ChainSettings settings;
-    settings.eqGlobalGainDB = 12.0F; // so that the limiter has work
-    OfflineRenderer renderer(settings);
-    std::vector<double> times;
-    float reduction = 0.0F;
-    renderer.setReadOutObserver([&](double seconds, const MeterReadings &readings) {
-        times.push_back(seconds);
-        reduction = readings.limiterReductionDB;
-    });
-    Stereo loud(48'000);
-    loud.left = loud.right = std::vector<float>(48'000, 0.5F);
-    (void)render(renderer, loud, 512);
-    ASSERT_EQ(times.size(), 10U);
-    EXPECT_EQ(times.front(), 0.1);
-    EXPECT_EQ(times.back(), 1.0);
-    EXPECT_GT(reduction, 5.0F);
 }
 
 } // namespace

@@ -103,29 +103,6 @@ TEST_F(SystemAudioTapTest, MutesEverythingButUsUntilItIsCleanedUp) {
     EXPECT_FALSE(tap.isRunning());
 }
 
-TEST_F(SystemAudioTapTest, CyclesThatNothingPlaysAreCountedNotKept) {
-    tap.activate(ring, chainFormat);
-    EXPECT_EQ(passed(0.1).scrise, 0);
-    EXPECT_EQ(tap.droppedCycles(), 10);
-    const SilentPlayback playback(hardware);
-    EXPECT_EQ(passed(0.1).scrise, 4800);
-    EXPECT_EQ(tap.droppedCycles(), 10);
-}
-
-TEST_F(SystemAudioTapTest, TheAggregatesClockIsTrustedOverTheTap) {
-    const SilentPlayback playback(hardware);
-    hardware.setDeclaredTapRate(48000.0);
-    hardware.setSampleRate("speakers", 44100.0);
-    tap.activate(ring, chainFormat);
-    EXPECT_EQ(
-        log.take().front(),
-        "[SystemAudioTap] rate: agregat 44100 Hz | tap declarat 48000 Hz | sursa convertorului "
-        "44100 Hz | lanț 48000 Hz → reeșantionare");
-    (void)passed(1.0);
-    EXPECT_NEAR(static_cast<double>(passed(10.0).scrise), 480000.0, 600.0);
-    EXPECT_EQ(tap.droppedCycles(), 0);
-}
-
 TEST(SystemAudioTapFormat, IsTheTapsUnlessTheClockDiffers) {
     const StreamFormat tap{.sampleRate = 48000.0, .channelCount = 2};
     EXPECT_EQ(SystemAudioTap::formatSursa(tap, std::nullopt), tap);

@@ -15,10 +15,11 @@ _ostrafine_cli_kinds() {
     esac
 }
 
-# Sets `options` of a command, and `files` where it takes files by their place.
+# Sets `options` of a command, with what else it takes, and `place`: file or preset where it takes these
+# without an option.
 _ostrafine_cli_options() {
     case $1 in
-@OPTIONS@        *) options='@PROGRAM@' files= ;;
+@OPTIONS@        *) options='@PROGRAM@' place= ;;
     esac
 }
 
@@ -52,7 +53,7 @@ _ostrafine_cli_reply() {
 
 _ostrafine_cli() {
     local program=${COMP_WORDS[0]/#\~/$HOME} word=${COMP_WORDS[COMP_CWORD]}
-    local command= kind= literal= options= files= before index back
+    local command= kind= literal= options= place= before index back
     local -a words=() kinds=()
     COMPREPLY=()
     # Bash makes three words of --option=value.
@@ -62,7 +63,11 @@ _ostrafine_cli() {
         [[ $before == = ]] && continue
         words+=("$before")
         [[ $before == -- ]] && literal=yes
-        [[ -z $command && $before != -* ]] && command=$before
+        case $command:$before in
+            *:-*) ;;
+            :*) command=$before ;;
+            @GROUP@:*) command="@GROUP@ $before" ;;
+        esac
     done
     for ((back = 1; back <= ${#words[@]} && back <= @MOST@; ++back)); do
         _ostrafine_cli_kinds "$command" "${words[${#words[@]} - back]}"
@@ -82,8 +87,10 @@ _ostrafine_cli() {
                 COMPREPLY=($(compgen -W "$options" -- "$word"))
             elif [[ -z $command ]]; then
                 COMPREPLY=($(compgen -W '@COMMANDS@' -- "$word"))
-            elif [[ -n $files ]]; then
+            elif [[ $place == file ]]; then
                 compopt -o default 2>/dev/null
+            elif [[ $place == preset ]]; then
+                _ostrafine_cli_reply "$word" "$program" presets --names
             else
                 COMPREPLY=($(compgen -W "$options" -- "$word"))
             fi
@@ -108,20 +115,19 @@ const char *kindOf(const CommandValue &value) {
     return "none";
 }
 
-std::string joined(const std::vector<std::string> &words) {
-    return fmt::format("{}", fmt::join(words, " "));
-}
-
 } // namespace
 
 std::string bashCompletion(const Commands &commands) {
     std::string kinds;
     std::string options;
-    std::vector<std::string> names;
     std::size_t most = 0;
     for (const auto &command : commands) {
-        names.push_back(command->name());
-        std::vector<std::string> ofCommand = namesOf(helpOption);
+        std::vector<std::string> ofCommand;
+        const CommandValue *place = positionalValue(*command);
+        if (place != nullptr)
+            ofCommand = place->choices;
+        for (const std::string &name : namesOf(helpOption))
+            ofCommand.push_back(name);
         for (const CommandArgument &argument : command->arguments()) {
             if (!argument.isOption())
                 continue;
@@ -131,18 +137,24 @@ std::string bashCompletion(const Commands &commands) {
             for (const CommandValue &value : argument.values)
                 values.emplace_back(kindOf(value));
             if (!values.empty())
-                kinds += fmt::format("        {}:{}) kinds=({}) ;;\n", command->name(),
+                kinds += fmt::format("        '{}:{}') kinds=({}) ;;\n", command->name(),
                                      argument.name, joined(values));
         }
-        options += fmt::format("        {}) options='{}' files={} ;;\n", command->name(),
-                               joined(ofCommand), takesFiles(*command) ? "yes" : "");
+        const std::string kind = place == nullptr ? "none" : kindOf(*place);
+        options += fmt::format("        '{}') options='{}' place={} ;;\n", command->name(),
+                               joined(ofCommand), kind == "none" ? "" : kind);
     }
+    options += fmt::format("        {}) options='{} {}' place= ;;\n", controlGroup.name,
+                           joined(groupedCommands(commands)), joined(namesOf(helpOption)));
+    std::vector<std::string> names = plainCommands(commands);
+    names.emplace_back(controlGroup.name);
     std::vector<std::string> ofProgram = namesOf(helpOption);
     for (const std::string &name : namesOf(versionOption))
         ofProgram.push_back(name);
     std::string text = withReplaced(script, "@KINDS@", kinds);
     text = withReplaced(text, "@OPTIONS@", options);
     text = withReplaced(text, "@PROGRAM@", joined(ofProgram));
+    text = withReplaced(text, "@GROUP@", controlGroup.name);
     text = withReplaced(text, "@MOST@", std::to_string(most));
     return withReplaced(text, "@COMMANDS@", joined(names));
 }

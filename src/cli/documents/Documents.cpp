@@ -22,12 +22,45 @@ std::vector<std::string> namesOf(const EndingOption &option) {
     return names;
 }
 
+CommandWords wordsOf(const Command &command) {
+    const std::size_t blank = command.name().find(' ');
+    if (blank == std::string::npos)
+        return {"", command.name()};
+    return {command.name().substr(0, blank), command.name().substr(blank + 1)};
+}
+
+std::vector<std::string> plainCommands(const Commands &commands) {
+    std::vector<std::string> names;
+    for (const auto &command : commands)
+        if (wordsOf(*command).group.empty())
+            names.push_back(command->name());
+    return names;
+}
+
+std::vector<std::string> groupedCommands(const Commands &commands) {
+    std::vector<std::string> names;
+    for (const auto &command : commands)
+        if (const CommandWords words = wordsOf(*command); !words.group.empty())
+            names.push_back(words.word);
+    return names;
+}
+
+const CommandValue *positionalValue(const Command &command) {
+    const auto positional = std::ranges::find_if(
+        command.arguments(), [](const CommandArgument &argument) { return !argument.isOption(); });
+    return positional == command.arguments().end() ? nullptr : &positional->values.front();
+}
+
 bool takesFiles(const Command &command) {
-    return std::any_of(command.arguments().begin(), command.arguments().end(),
-                       [](const CommandArgument &argument) {
-                           return !argument.isOption() && argument.values.front().completion ==
-                                                              CommandValue::Completion::file;
-                       });
+    const CommandValue *value = positionalValue(command);
+    return value != nullptr && value->completion == CommandValue::Completion::file;
+}
+
+std::string joined(const std::vector<std::string> &words) {
+    std::string text;
+    for (const std::string &word : words)
+        text += (text.empty() ? "" : " ") + word;
+    return text;
 }
 
 } // namespace quorbel

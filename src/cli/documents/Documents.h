@@ -26,7 +26,23 @@ using Commands = std::vector<std::unique_ptr<Command>>;
 /// "-h,--help" as {"-h", "--help"}.
 [[nodiscard]] std::vector<std::string> namesOf(const EndingOption &option);
 
-/// Whether the command takes a file as a positional argument.
+/// "ctl start" as "ctl" and "start"; the group is empty for a command of its own.
+struct CommandWords {
+    std::string group;
+    std::string word;
+};
+[[nodiscard]] CommandWords wordsOf(const Command &command);
+
+/// Names of the commands of their own.
+[[nodiscard]] std::vector<std::string> plainCommands(const Commands &commands);
+/// Last words of the commands in the group.
+[[nodiscard]] std::vector<std::string> groupedCommands(const Commands &commands);
+
+/// The value of the first positional argument; null where the command takes none.
+[[nodiscard]] const CommandValue *positionalValue(const Command &command);
+/// Whether that is a file.
 [[nodiscard]] bool takesFiles(const Command &command);
+
+[[nodiscard]] std::string joined(const std::vector<std::string> &words);
 
 } // namespace quorbel

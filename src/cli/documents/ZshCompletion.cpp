@@ -20,11 +20,18 @@ _ostrafine_cli_devices() {
     _wanted devices expl device compadd -a - uids
 }
 
+_ostrafine_cli_@GROUP@() {
+    case $words[1] in
+@GROUPARGUMENTS@    esac
+}
+
 _ostrafine_cli() {
     local context state state_desc line expl program=$words[1]
     local -A opt_args
     local -a commands=(
 @COMMANDS@    )
+    local -a grouped=(
+@GROUPED@    )
     _arguments -C \
 @PROGRAM@        '1: :->command' \
         '*:: :->arguments' && return
@@ -32,6 +39,15 @@ _ostrafine_cli() {
         command) _describe -t commands command commands ;;
         arguments)
             case $words[1] in
+                @GROUP@)
+                    _arguments -C \
+@GROUPHELP@                        '1: :->command' \
+                        '*:: :->arguments' && return
+                    case $state in
+                        command) _describe -t commands command grouped ;;
+                        arguments) _ostrafine_cli_@GROUP@ ;;
+                    esac
+                    ;;
 @ARGUMENTS@            esac
             ;;
     esac
@@ -54,6 +70,8 @@ std::string quoted(const std::string &text) {
 }
 
 std::string valueSpec(const CommandValue &value) {
+    if (!value.choices.empty())
+        return fmt::format(":{}:({})", value.name, joined(value.choices));
     switch (value.completion) {
     case CommandValue::Completion::file:
         return fmt::format(":{}:_files", value.name);
@@ -91,26 +109,35 @@ std::string endingSpecs(const EndingOption &option, const char *indent) {
 } // namespace
 
 std::string zshCompletion(const Commands &commands) {
-    std::string list;
+    std::string list =
+        fmt::format("        '{}:{}'\n", controlGroup.name, quoted(controlGroup.summary));
+    std::string grouped;
     std::string arguments;
+    std::string groupArguments;
     for (const auto &command : commands) {
-        list += fmt::format("        '{}:{}'\n", command->name(), quoted(command->summary()));
-        arguments += fmt::format("                {})\n                    _arguments \\\n",
-                                 command->name());
-        arguments += endingSpecs(helpOption, "                        ");
+        const auto [group, word] = wordsOf(*command);
+        (group.empty() ? list : grouped) +=
+            fmt::format("        '{}:{}'\n", word, quoted(command->summary()));
+        std::string &specs = group.empty() ? arguments : groupArguments;
+        specs += fmt::format("                {})\n                    _arguments \\\n", word);
+        specs += endingSpecs(helpOption, "                        ");
         std::size_t position = 0;
         for (const CommandArgument &argument : command->arguments()) {
             position += argument.isOption() ? 0 : 1;
-            arguments +=
-                fmt::format("                        {}{}\n", argumentSpec(argument, position),
-                            &argument == &command->arguments().back() ? "" : " \\");
+            specs +=
+                fmt::format("                        {} \\\n", argumentSpec(argument, position));
         }
-        arguments += "                    ;;\n";
+        specs.erase(specs.size() - 3, 2); // the last mark of continuation
+        specs += "                    ;;\n";
     }
     std::string text = withReplaced(head, "@COMMANDS@", list);
     text =
         withReplaced(text, "@PROGRAM@",
                      endingSpecs(helpOption, "        ") + endingSpecs(versionOption, "        "));
+    text = withReplaced(text, "@GROUPED@", grouped);
+    text = withReplaced(text, "@GROUPHELP@", endingSpecs(helpOption, "                        "));
+    text = withReplaced(text, "@GROUPARGUMENTS@", groupArguments);
+    text = withReplaced(text, "@GROUP@", controlGroup.name);
     return withReplaced(text, "@ARGUMENTS@", arguments);
 }
 

@@ -12,7 +12,7 @@
 
 namespace quorbel {
 
-/// The newest frames of a unit's input, mixed to mono, on their way from the render thread to an
+/// Carries the newest frames of a unit's input, mixed to mono, from the render thread to an
 /// analysis. Both sides hold the short lock for their copy only.
 class AnalysisRing {
   public:
@@ -33,13 +33,14 @@ class AnalysisRing {
         }
     }
 
-    /// Copies the samples before frame `end` of all that were ever written, in the order of time;
-    /// false, and nothing copied, if they are not all there. [analysis, or main without a timer]
+    /// Copies the samples up to frame `end` (counted from the first ever written) in time order.
+    /// Returns false and copies nothing if any of them is missing. [analysis, or main without a
+    /// timer]
     [[nodiscard]] bool snapshot(std::uint64_t end, std::span<float> samples) const noexcept {
         const std::lock_guard lock(lock_);
         if (end > written_ || end < samples.size() || written_ - end + samples.size() > capacity)
             return false;
-        // From the oldest wanted to the end of the array, the rest from its beginning.
+        // The oldest wanted samples lie before the array's end, the others at its beginning.
         const std::size_t at = static_cast<std::size_t>(end - samples.size()) % capacity;
         const std::size_t count = std::min(samples.size(), capacity - at);
         std::copy_n(samples_.data() + at, count, samples.data());
@@ -47,7 +48,7 @@ class AnalysisRing {
         return true;
     }
 
-    /// Frames ever written. [analysis, or main without a timer]
+    /// Total frames written. [analysis, or main without a timer]
     [[nodiscard]] std::uint64_t written() const noexcept {
         const std::lock_guard lock(lock_);
         return written_;

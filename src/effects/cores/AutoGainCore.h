@@ -7,27 +7,26 @@
 
 namespace quorbel {
 
-/// Two gains in one pass: a leveller that steers the sound's level towards a target, and a trim
-/// that glides to its own.
+/// Two gains in one pass: a leveller that steers the level towards a target, and a trim that glides
+/// to a target of its own.
 class AutoGainCore {
   public:
     AutoGainCore() noexcept { prepare(48'000.0F, 1.0F); }
 
-    /// `sampleRate` in Hz; `trimTarget` (linear) is where the trim stands at once. Not while
-    /// processing.
+    /// `sampleRate` in Hz; The trim starts at `trimTarget` (linear). Not while processing.
     void prepare(float sampleRate, float trimTarget) noexcept;
 
-    /// Whether the trim has to be applied: true from the first change of its target until it has
-    /// come to exactly 1 again, which in 32 bits only `prepare` brings about. [render]
+    /// Whether the trim has to be applied: true from the first change of its target until it is
+    /// exactly 1 again. In 32 bits the glide never gets there; only `prepare` does. [render]
     [[nodiscard]] bool trimsTo(float trimTarget) const noexcept {
         return trimTarget != 1.0F || trim_ != 1.0F;
     }
 
-    /// The trim alone, in place; the level measured so far is kept. [render]
+    /// Applies the trim alone, in place; keeps the level measured so far. [render]
     void trim(float *left, float *right, std::uint32_t frames, float trimTarget) noexcept;
 
-    /// Leveller and trim, in place. The leveller goes on from a gain of `gainDB`; returned is the
-    /// gain in dB at the end. Below −45 dBFS the gain is held. [render]
+    /// Applies leveller and trim in place. The leveller starts at `gainDB`; returns its gain at the
+    /// end, in dB. Below −45 dBFS the gain is held. [render]
     float level(float *left, float *right, std::uint32_t frames, float gainDB, float targetDB,
                 float trimTarget) noexcept;
 

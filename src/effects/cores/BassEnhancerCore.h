@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// The bass enhancer's work on one block, designed: x becomes
-/// (x + wet · highPass(tanh(drive · lowPass(x)) / drive)) / total.
+/// The bass enhancer's coefficients for one block: x becomes (x + wet · highPass(tanh(drive ·
+/// lowPass(x)) / drive)) / total.
 struct BassHarmonics {
     BiquadCoefficients lowPass;
     BiquadCoefficients highPass;
@@ -17,7 +17,7 @@ struct BassHarmonics {
     float total = 1.0F;
 };
 
-/// The filters' memories.
+/// The filters' states.
 struct BassSections {
     StereoSection lowPass;
     StereoSection highPass;
@@ -27,8 +27,8 @@ struct BassSections {
 void addBassHarmonics(const BassHarmonics &harmonics, BassSections &sections, float *left,
                       float *right, std::uint32_t frames) noexcept;
 
-/// Makes the bass below a crossover heard on speakers that cannot play it: its harmonics, from a
-/// tanh shaper, are kept above 1.5 times the crossover and mixed in.
+/// Makes bass below a crossover audible on speakers that cannot play it: mixes in the harmonics of
+/// a tanh shaper, kept above 1.5 times the crossover.
 class BassEnhancerCore {
   public:
     /// `sampleRate` in Hz. Starts from silence. Not while processing.
@@ -37,8 +37,8 @@ class BassEnhancerCore {
     /// Back to silence.
     void clear() noexcept { sections_ = {}; }
 
-    /// `amount` counts from 0 to 1 and is limited to that; `drive` is 1 or more. At amount 0 the
-    /// sound stays as it is while the filters keep running. [render]
+    /// `amount` is clamped to 0 to 1; `drive` is 1 or more. At amount 0 the sound is unchanged
+    /// while the filters keep running. [render]
     [[nodiscard]] BassHarmonics designed(float amount, float drive, float crossoverHz) noexcept;
 
     [[nodiscard]] BassSections &sections() noexcept { return sections_; } ///< [render]

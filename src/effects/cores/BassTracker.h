@@ -8,12 +8,12 @@
 
 namespace quorbel {
 
-/// Finds where the bass of the music lies: the centre of the power between 30 and 200 Hz.
-/// [analysis, or main without a timer]
+/// Measures the centre frequency of the music's bass: the centroid of the power between 30 and 200
+/// Hz. [analysis, or main without a timer]
 class BassTracker {
   public:
-    /// Of the 4096 frames before frame `end` of the ring, in Hz, 40 to 150; nothing if they are not
-    /// all there, or too little bass to tell.
+    /// Returns the centre of the 4096 frames before frame `end` of the ring, 40 to 150 Hz. Empty if
+    /// frames are missing or hold too little bass.
     [[nodiscard]] std::optional<float> estimate(const AnalysisRing &ring, std::uint64_t end,
                                                 float sampleRate);
 

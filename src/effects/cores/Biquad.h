@@ -11,7 +11,8 @@ struct BiquadCoefficients {
     float a2 = 0.0F;
 };
 
-/// Its memory in direct form I: the last two inputs and outputs. Copy it into a local for a block.
+/// The section's state in direct form I: the last two inputs and outputs. Copy it into a local for
+/// a block.
 struct BiquadState {
     float x1 = 0.0F;
     float x2 = 0.0F;

@@ -10,7 +10,7 @@ namespace {
 /// Even, so that the alternating offset begins every chunk alike.
 constexpr std::uint32_t crossfeedChunkFrames = 128;
 
-/// The amount on its way through a block, and what it does to a channel. For one frame or four.
+/// The amount's ramp over a block, and its effect on a channel; for one frame or four.
 class CrossingMix {
   public:
     CrossingMix(float previous, float target, std::uint32_t frames) noexcept
@@ -42,8 +42,8 @@ void CrossfeedCore::prepare(float sampleRate) {
     constexpr float delaySeconds = 0.00033F;
     constexpr std::size_t lineLength = 32;
     delay_ = static_cast<std::size_t>(std::max(std::lround(sampleRate * delaySeconds), 1L));
-    // A delay of the whole line, at 96 kHz, reads what was just written, undelayed; kept as it
-    // stands. Longer delays get the line that they need.
+    // At 96 kHz the delay equals the line's length, which reads the newest frame: undelayed, by
+    // definition of the effect. Longer delays get a longer line.
     if (delay_ == lineLength)
         delay_ = 0;
     delayL_.assign(delay_ + crossfeedChunkFrames, 0.0F);

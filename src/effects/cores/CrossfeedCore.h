@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// Mixes a delayed, low-passed copy of each channel into the other, as a head between two speakers
-/// does: 0.33 ms late, nothing much above 700 Hz.
+/// Mixes a copy of each channel into the other, 0.33 ms late and low-passed at 700 Hz, as a head
+/// between two speakers does.
 class CrossfeedCore {
   public:
     CrossfeedCore();
@@ -20,20 +20,20 @@ class CrossfeedCore {
     /// Back to silence. [render]
     void clear() noexcept;
 
-    /// In place; `previous` and `target` are the amounts (0 to 1) at the first and at the last
-    /// frame. At amount a each channel keeps 1 − a/2 of itself. [render]
+    /// Processes in place; `previous` and `target` are the amounts (0 to 1) at the first and the
+    /// last frame. At amount a each channel keeps 1 − a/2 of itself. [render]
     void process(float *left, float *right, std::uint32_t frames, float previous,
                  float target) noexcept;
 
   private:
-    /// Puts so many frames behind those that the lines hold.
+    /// Appends `frames` frames to both lines.
     void append(const float *left, const float *right, std::uint32_t frames) noexcept;
-    /// Forgets the oldest ones.
+    /// Drops the oldest `frames` frames.
     void advance(std::uint32_t frames) noexcept;
 
     std::size_t delay_ = 16;
     BiquadCoefficients lowPass_;
-    // Each holds the last `delay_` frames, with room for a chunk of new ones behind them.
+    // Each holds the last `delay_` frames, with room for a chunk of new ones after them.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
     StereoSection crossing_; // of each channel, before it is mixed into the other

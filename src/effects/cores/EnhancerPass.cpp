@@ -7,7 +7,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "effects/cores/EnhancerPass.cpp"
-// In the order in which Highway wants them.
+// Highway requires this order.
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
@@ -21,8 +21,8 @@ namespace {
 
 #if HWY_TARGET != HWY_SCALAR
 
-/// Widener and spatializer, in three steps per tile: the spatializer's section is a recursion of
-/// one lane, which `frame` runs between other work.
+/// Widener and spatializer in three steps per tile. The spatializer's section is a recursion in a
+/// single lane; `frame` runs it between other work.
 class SideSection {
   public:
     explicit SideSection(const EnhancerPass &pass)
@@ -42,7 +42,7 @@ class SideSection {
         state = {inputs[vectorLanes - 1], inputs[vectorLanes - 2], outputs_.y1, outputs_.y2};
     }
 
-    /// Everything before the recursion, for `tile`, whose samples are `pairs`.
+    /// Does everything before the recursion, for `tile`, whose samples are `pairs`.
     HWY_INLINE void begin(std::uint32_t tile, const float *pairs) {
         const Vector half = hn::Set(tag, 0.5F);
         for (std::uint32_t i = 0; i < bankFrames; i += vectorLanes) {
@@ -60,7 +60,7 @@ class SideSection {
         }
     }
 
-    /// The section's last two outputs, which the caller keeps in registers during a tile.
+    /// The section's last two outputs; the caller keeps them in registers during a tile.
     struct Outputs {
         float y1 = 0.0F;
         float y2 = 0.0F;
@@ -89,7 +89,7 @@ class SideSection {
     static constexpr Tag tag{};
     static constexpr std::size_t vectorLanes = hn::MaxLanes(Tag());
 
-    /// The width at `frame` and those behind it, as LinearRamp::at.
+    /// The widths of the frames from `frame` on, as LinearRamp::at.
     HWY_INLINE Vector widthFrom(std::uint32_t frame) const {
         const Vector from = hn::Set(tag, width_.from());
         if (width_.step() == 0.0F)
@@ -99,9 +99,9 @@ class SideSection {
         return hn::Add(from, hn::Mul(hn::Set(tag, width_.step()), position));
     }
 
-    /// What the section's inputs contribute to its outputs: the first sums of BiquadState::process.
+    /// Contribution of the section's inputs to its outputs: the first sums of BiquadState::process.
     HWY_INLINE Vector fed(Vector x) {
-        // The frames before this vector's, in 128-bit blocks.
+        // The frames before this vector, in 128-bit blocks.
         const Vector earlier = vectorLanes == 8 ? hn::ConcatLowerUpper(tag, x, inputs_) : inputs_;
         const Vector x1 = hn::CombineShiftRightBytes<12>(tag, x, earlier);
         const Vector x2 = hn::CombineShiftRightBytes<8>(tag, x, earlier);
@@ -120,16 +120,16 @@ class SideSection {
     alignas(32) float sides_[2][bankFrames];
 };
 
-/// The stages in one loop, each some tiles behind the one before it. The last stage of all is the
-/// spatializer, or the other one that there is.
+/// Runs the stages in one loop, each some tiles behind the one before it. The last stage is the
+/// spatializer if there is one.
 ///
-/// 1. In a step the elementwise work comes first, then the sections' recursions. The output of a
-///    section is used in later steps only.
-/// 2. Elementwise work before a section reads nothing from the last step: it would wait for the
-///    recursions in the scheduler and keep those of its own step out.
+/// 1. In a step the elementwise work comes first, then the sections' recursions. A section's output
+///    is used in later steps only.
+/// 2. Elementwise work before a section reads no result of the previous step: it would wait for
+///    that step's recursions and delay those of its own.
 template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
   public:
-    /// Over `tiles` whole tiles, at least one.
+    /// Covers `tiles` whole tiles, at least one.
     EnhancerLanes(const EnhancerPass &pass, float *left, float *right, std::uint32_t tiles)
         : pass_(pass), left_(left), right_(right), tiles_(tiles) {}
 
@@ -167,7 +167,8 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
 
     /// Left and right in turn.
     struct alignas(64) Tile {
-        float dry[2 * bankFrames]; ///< the input, then the bass enhancer's output, then the voice's
+        float dry[2 * bankFrames]; ///< the input, then the bass enhancer's output, then the voice
+                                   ///< enhancer's
         float wet[2 * bankFrames]; ///< the output of one section after the other
     };
     static constexpr std::uint32_t ringTiles = 16;
@@ -180,7 +181,7 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
 
     HWY_INLINE Tile &at(std::uint32_t tile) { return ring_[tile % ringTiles]; }
 
-    /// One tile of every stage; if not `whole`, of those that have one in this step.
+    /// Renders one tile of every stage; if not `whole`, of the stages that have one in this step.
     template <bool whole>
     HWY_INLINE void doStep(std::uint32_t step, StereoBank &bank, SideSection &side) {
         const auto hasTile = [&](std::uint32_t lag) { return whole || step - lag < tiles_; };
@@ -291,8 +292,8 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
 
 } // namespace
 
-/// Whole tiles, at least one; every combination of stages but none. Returns whether there is one
-/// pass for it.
+/// Renders whole tiles, at least one. Returns false if this combination of stages has no joint
+/// pass.
 bool enhanceInLanes(const EnhancerPass &pass, float *left, float *right, std::uint32_t frames) {
 #if HWY_TARGET == HWY_SCALAR
     (void)pass, (void)left, (void)right, (void)frames;
@@ -330,10 +331,10 @@ HWY_EXPORT(enhanceInLanes);
 namespace {
 
 constexpr std::uint32_t enhancerTileFrames = 8;
-/// Shorter calls are over before the stages overlap.
+/// Shorter calls end before the stages overlap.
 constexpr std::uint32_t shortestEnhancerPass = 16;
 
-/// From frame `begin` on.
+/// Renders the frames from `begin` on.
 void enhanceRest(const EnhancerPass &pass, float *left, float *right, std::uint32_t begin,
                  std::uint32_t frames) noexcept {
     const std::uint32_t count = frames - begin;

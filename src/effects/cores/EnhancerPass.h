@@ -9,8 +9,8 @@
 
 namespace quorbel {
 
-/// The work of the chain's neighbours bass enhancer, voice enhancer, widener and spatializer on one
-/// block, in this order. A stage whose memory is null is left out.
+/// The work of four neighbours in the chain on one block, in this order: bass enhancer, voice
+/// enhancer, widener, spatializer. A stage whose state is null is left out.
 struct EnhancerPass {
     BassHarmonics bass;
     BassSections *bassSections = nullptr;
@@ -24,12 +24,12 @@ struct EnhancerPass {
     BiquadState *side = nullptr;
 };
 
-/// Renders all stages of `pass` in place, in one pass if that is the faster way: each stage is
+/// Renders all stages of `pass` in place, in one pass if that is faster: each stage is
 /// latency-bound, so several take hardly longer than one. [render]
 void enhance(const EnhancerPass &pass, float *left, float *right, std::uint32_t frames) noexcept;
 
-/// Renders one stage after the other, for comparison and for the rest of a block; the results are
-/// equal bit by bit.
+/// Renders one stage after the other, as a reference and for the rest of a block; the results are
+/// bit-identical.
 void enhancePlainly(const EnhancerPass &pass, float *left, float *right,
                     std::uint32_t frames) noexcept;
 

@@ -4,11 +4,11 @@
 
 namespace quorbel {
 
-/// A result that is computed again only when its inputs have changed: most of a short block's time
-/// would go into designing the filters of the block before once more. Belongs to one thread.
+/// Caches a result until its inputs change: designing unchanged filters would dominate a short
+/// block. Belongs to one thread.
 template <typename Result, typename... Inputs> class Kept {
   public:
-    /// `compute(inputs...)`, of this call or of an earlier one with equal inputs.
+    /// Returns `compute(inputs...)` of this call or of the previous one if the inputs are equal.
     template <typename Compute>
     const Result &of(const Compute &compute, const Inputs &...inputs) noexcept {
         const std::tuple<Inputs...> now(inputs...);

@@ -19,8 +19,8 @@ constexpr float gateLevel = 0.0056234F; // −45 dBFS: below, the gain is held
 constexpr float smallestGain = 0.25F;   // −12 dB
 constexpr float largestGain = 4.0F;     // +12 dB
 
-/// The gain is moved one tile behind the level: the way from one to the other, through a root and a
-/// quotient, then has its time beside the recursions.
+/// The gain lags the level by one tile, which lets the square root and the division overlap the
+/// recursions.
 constexpr std::uint32_t tileFrames = 32;
 
 struct alignas(64) Tile {
@@ -40,7 +40,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 using Tag = hn::CappedTag<float, 16>;
 constexpr Tag tag;
 
-/// What every frame adds to the mean square.
+/// Each frame's contribution to the mean square.
 HWY_INLINE void measure(const float *left, const float *right, float share, Tile &powers) {
     for (std::size_t i = 0; i < tileFrames; i += hn::Lanes(tag)) {
         const auto l = hn::LoadU(tag, left + i);
@@ -50,7 +50,8 @@ HWY_INLINE void measure(const float *left, const float *right, float share, Tile
     }
 }
 
-/// What every frame keeps of the gain and adds to it; all and nothing below the gate.
+/// Each frame's share of the gain to keep, and the amount to add. Below the gate all is kept and
+/// nothing added.
 HWY_INLINE void aim(const LevellerSettings &settings, const Tile &meanSquares, Tile &kept,
                     Tile &added) {
     const auto share = hn::Set(tag, 1.0F - settings.keepGain);
@@ -75,7 +76,7 @@ HWY_INLINE void apply(const Tile &gains, const Tile &trims, float *samples) {
 
 } // namespace
 
-/// Whole tiles, at least one.
+/// Processes whole tiles, at least one.
 void runLevellerInLanes(const LevellerSettings &settings, LevellerState &state, float *left,
                         float *right, std::uint32_t frames) {
     const float keepLevel = settings.keepLevel;

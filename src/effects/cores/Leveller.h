@@ -4,14 +4,14 @@
 
 namespace quorbel {
 
-/// Smoothing coefficients and targets of the auto gain's leveller and trim, linear. A smoother
-/// keeps its coefficient's share of itself per frame.
+/// Smoothing coefficients and targets of the auto gain's leveller and trim, linear. Per frame a
+/// smoother keeps the share of its value that its coefficient names.
 struct LevellerSettings {
     float keepLevel = 0.0F;
     float keepGain = 0.0F;
     float keepTrim = 0.0F;
-    float target = 1.0F;     ///< the level wanted, RMS
-    float trimTarget = 1.0F; ///< where the trim goes
+    float target = 1.0F;     ///< wanted level, RMS
+    float trimTarget = 1.0F; ///< final value of the trim
 };
 
 /// The smoothers' values.
@@ -21,12 +21,11 @@ struct LevellerState {
     float trim = 1.0F;
 };
 
-/// Measures the level, moves gain and trim, applies both, in place. [render]
+/// Measures the level, moves gain and trim, and applies both in place. [render]
 void runLeveller(const LevellerSettings &settings, LevellerState &state, float *left, float *right,
                  std::uint32_t frames) noexcept;
 
-/// The same written plainly, for comparison and for the rest of a block; the results are equal bit
-/// by bit.
+/// Plain version, as a reference and for the rest of a block; the results are bit-identical.
 void runLevellerPlainly(const LevellerSettings &settings, LevellerState &state, float *left,
                         float *right, std::uint32_t frames) noexcept;
 

@@ -20,7 +20,8 @@ using Tag = hn::CappedTag<float, blockPadding>;
 using Vector = hn::Vec<Tag>;
 constexpr Tag tag;
 
-/// The gains that neighbouring frames aim at: each scans its whole window, the frames side by side.
+/// Target gains of neighbouring frames, side by side: each lane scans the whole window of its
+/// frame.
 HWY_INLINE Vector targets(const float *windows, std::uint32_t windowLength, Vector threshold) {
     Vector even = hn::Zero(tag);
     Vector odd = hn::Zero(tag);
@@ -41,7 +42,7 @@ HWY_INLINE Vector limited(const float *delayed, Vector gain, Vector threshold) {
     return hn::Min(hn::Max(scaled, hn::Neg(threshold)), threshold);
 }
 
-/// Every frame's output, from `gains(i)` of the frames from i on.
+/// Writes every frame's output; `gains(i)` returns the gains of the frames from i on.
 template <typename Gains> HWY_INLINE void apply(const LimiterBlock &s, const Gains &gains) {
     const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
     const Vector threshold = hn::Set(tag, s.threshold);
@@ -71,10 +72,10 @@ HWY_INLINE bool anyBeyond(const float *peaks, std::uint32_t count, float thresho
     return !hn::AllTrue(tag, hn::Le(largest, hn::Set(tag, threshold)));
 }
 
-/// A block in which every frame aims at 1.
+/// Processes a block in which every frame's target is 1.
 HWY_INLINE float releaseBlock(const LimiterBlock &s, float &gain) {
     const float before = gain;
-    // Where the steps have come to round to nothing, they stay so.
+    // A step that rounds to nothing is followed by equal ones only.
     if (const float after = before + (1.0F - before) * s.releaseCoeff; after == before) {
         apply(s, [before](std::uint32_t) HWY_ATTR { return hn::Set(tag, before); });
         return before;
@@ -92,7 +93,7 @@ HWY_INLINE float releaseBlock(const LimiterBlock &s, float &gain) {
 
 } // namespace
 
-// Without noexcept, which Highway's table of targets does not take; nothing in it throws.
+// Not noexcept, which Highway's dispatch table does not accept; nothing in it throws.
 float limitBlockInLanes(const LimiterBlock &s, float &gain) {
     if (!anyBeyond(s.peaks, s.lookahead + s.count, s.threshold))
         return releaseBlock(s, gain);
@@ -109,12 +110,13 @@ float limitBlockInLanes(const LimiterBlock &s, float &gain) {
     float smallest = 1.0F;
     aim(0);
     for (std::uint32_t begin = 0; begin < s.count; begin += lanes) {
-        // Ahead, so that the scan has its time beside what has to go frame by frame.
+        // Scanning one vector ahead lets the scan overlap the recursion over frames.
         if (begin + lanes < s.count)
             aim(begin + lanes);
         const std::uint32_t end = std::min(begin + lanes, s.count);
         for (std::uint32_t i = begin; i < end; ++i) {
-            // The attack being the faster, the smaller step is the one in the distance's direction.
+            // The attack is the faster one, so the smaller step is the one that the sign of the
+            // distance selects.
             const float distance = gains[i] - g;
             g += std::min(distance * attackCoeff, distance * releaseCoeff);
             gains[i] = g;

@@ -4,16 +4,16 @@
 
 namespace quorbel {
 
-/// The work of the limiter on a short block of sound, on plain memory. All arrays of `count`
-/// frames may be written up to `blockPadding` frames beyond, and `peaks` read as far.
+/// The limiter's work on a short block, on plain memory. Arrays of `count` frames may be written,
+/// and `peaks` read, up to `blockPadding` frames beyond their end.
 struct LimiterBlock {
     const float *peaks = nullptr; ///< of `lookahead` frames before the block, then of the block
     std::uint32_t lookahead = 0;
     std::uint32_t count = 0;
     float threshold = 1.0F;   ///< linear
-    float attackCoeff = 0.0F; ///< not below the release's
+    float attackCoeff = 0.0F; ///< at least the release's
     float releaseCoeff = 0.0F;
-    float *gains = nullptr; ///< room for the gain of every frame
+    float *gains = nullptr; ///< scratch: the gain of every frame
     const float *delayedL = nullptr;
     const float *delayedR = nullptr;
     float *outL = nullptr; ///< exactly `count` frames are written
@@ -22,12 +22,12 @@ struct LimiterBlock {
 
 inline constexpr std::uint32_t blockPadding = 16;
 
-/// Finds every frame's gain from the largest of its own and the `lookahead` peaks before it, and
-/// applies it to the delayed sound. `gain` is the smoothed gain before and after; returned is the
-/// smallest one. [render]
+/// Computes each frame's gain from the largest of its own peak and the `lookahead` peaks before it,
+/// and applies it to the delayed sound. `gain` is the smoothed gain before and after the block.
+/// Returns the smallest gain. [render]
 float limitBlock(const LimiterBlock &block, float &gain) noexcept;
 
-/// The same written plainly, for comparison; the results are equal bit by bit.
+/// Plain version, as a reference; the results are bit-identical.
 float limitBlockPlainly(const LimiterBlock &block, float &gain) noexcept;
 
 } // namespace quorbel

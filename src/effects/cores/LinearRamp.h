@@ -4,8 +4,8 @@
 
 namespace quorbel {
 
-/// A value on its way from `from` at the first frame of a block to `to` at its last. A block of one
-/// frame is at `to` at once.
+/// A linear ramp over a block: `from` at its first frame, `to` at its last. A block of one frame is
+/// at `to`.
 class LinearRamp {
   public:
     LinearRamp(float from, float to, std::uint32_t frames) noexcept
@@ -16,8 +16,7 @@ class LinearRamp {
         return from_ + step_ * (static_cast<float>(frame) / last_);
     }
 
-    // The parts of `at`, for those who compute several frames at once: from + step · (frame /
-    // last).
+    // Terms of `at`, for callers that compute several frames at once: from + step · (frame / last).
     [[nodiscard]] float from() const noexcept { return from_; }
     [[nodiscard]] float step() const noexcept { return step_; }
     [[nodiscard]] float last() const noexcept { return last_; }

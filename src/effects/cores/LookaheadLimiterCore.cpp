@@ -11,13 +11,13 @@ namespace {
 
 constexpr std::uint32_t limiterBlockFrames = 128;
 
-/// Puts `count` frames behind the `lookahead` that the line holds.
+/// Appends `count` frames to the `lookahead` frames of the line.
 void append(std::vector<float> &line, std::size_t lookahead, const float *samples,
             std::uint32_t count) noexcept {
     std::copy_n(samples, count, line.begin() + static_cast<std::ptrdiff_t>(lookahead));
 }
 
-/// Forgets the oldest `count` frames.
+/// Drops the oldest `count` frames.
 void advance(std::vector<float> &line, std::size_t lookahead, std::uint32_t count) noexcept {
     std::copy_n(line.begin() + count, lookahead, line.begin());
 }
@@ -36,7 +36,7 @@ void LookaheadLimiterCore::prepare(float sampleRate) {
 
     lookahead_ = static_cast<std::size_t>(
         std::max(std::lround(sampleRate * lookaheadSeconds), shortestLookahead));
-    // Four time constants within the look-ahead: the gain gets most of the way in time.
+    // Four time constants within the look-ahead: the gain covers 98 % of the distance in time.
     attackCoeff_ = 1.0F - std::exp(-4.0F / static_cast<float>(lookahead_));
     releaseCoeff_ = 1.0F - std::exp(-1.0F / (sampleRate * releaseSeconds));
 
@@ -64,8 +64,8 @@ void LookaheadLimiterCore::process(float *left, float *right, std::uint32_t fram
     for (std::uint32_t begin = 0; begin < frameCount; begin += limiterBlockFrames)
         processBlock(left + begin, right + begin, std::min(limiterBlockFrames, frameCount - begin),
                      thresholdLin, smallestGain);
-    // The largest reduction, by way of its complement as the meter counts it. Adding zero turns the
-    // negative zero of an untouched block into the positive one.
+    // The largest reduction, from the smallest gain. Adding zero turns the negative zero of an
+    // untouched block into a positive one.
     gainReductionDB_ = reductionDB_.of(
         [](float gain) {
             const float maxReduction = 1.0F - gain;

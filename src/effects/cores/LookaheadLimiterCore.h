@@ -8,12 +8,12 @@
 
 namespace quorbel {
 
-/// A stereo peak limiter with 1.3 ms of look-ahead: the sound is delayed by that much, so that the
-/// gain has fallen before a peak comes out. No sample ever leaves beyond the threshold.
+/// A stereo peak limiter with 1.3 ms of look-ahead: delaying the sound lets the gain fall before a
+/// peak comes out. No output sample exceeds the threshold.
 class LookaheadLimiterCore {
   public:
-    /// Starts from silence and unity gain. `sampleRate` in Hz. Throws std::bad_alloc, and is then
-    /// unprepared. Not while processing.
+    /// Starts from silence and unity gain. `sampleRate` in Hz. Throws std::bad_alloc and leaves the
+    /// limiter unprepared. Not while processing.
     void prepare(float sampleRate);
 
     /// Back to silence and unity gain.
@@ -34,8 +34,8 @@ class LookaheadLimiterCore {
                       float &smallestGain) noexcept;
 
     std::size_t lookahead_ = 0;
-    // Each line holds the last `lookahead_` frames, with room for a block of new ones behind
-    // them; empty before `prepare`. The peaks are those of both channels.
+    // Each line holds the last `lookahead_` frames, with room for a block of new ones after them;
+    // empty before `prepare`. A peak is the larger of both channels.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
     std::vector<float> peaks_;

@@ -9,8 +9,8 @@
 
 namespace quorbel {
 
-/// The power of 4096 samples by frequency, under a normalised Hann window and in the scale of
-/// `RealFFT`. Belongs to one thread.
+/// Power spectrum of 4096 samples under a normalised Hann window, in the scale of `RealFFT`.
+/// Belongs to one thread.
 class PowerSpectrum {
   public:
     static constexpr std::size_t points = 4096;
@@ -19,7 +19,7 @@ class PowerSpectrum {
     /// Throws std::bad_alloc.
     PowerSpectrum();
 
-    /// Where to put the samples before `transform`.
+    /// Input of `transform`.
     [[nodiscard]] std::span<float> samples() { return fft_.input(); }
 
     /// Consumes the samples.
@@ -28,13 +28,13 @@ class PowerSpectrum {
     /// re² + im² of a bin from 1 to `bins` − 1. Bin 0 is packed and has no meaning here.
     [[nodiscard]] double power(std::size_t bin) const noexcept { return fft_.power(bin); }
 
-    /// Their sum from one bin to another, both included.
+    /// Sum of the powers from `first` to `last`, both included.
     [[nodiscard]] double powerBetween(std::size_t first, std::size_t last) const noexcept {
         return fft_.powerBetween(first, last);
     }
 
   private:
-    // Twenty times a second on caches that the sound has filled: memory touched is what it costs.
+    // The cost is memory-bound: it runs twenty times a second on caches filled by the sound.
     RealFFT fft_{points};
     std::vector<float> window_; ///< doubled, which is the scale of `RealFFT::forward`
 };

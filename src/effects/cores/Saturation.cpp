@@ -6,7 +6,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "effects/cores/Saturation.cpp"
-// In the order in which Highway wants them.
+// Highway requires this order.
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
@@ -23,7 +23,7 @@ using Tag = hn::CappedTag<float, 16>;
 using Vector = hn::Vec<Tag>;
 constexpr Tag tag;
 
-/// What a drive does to samples.
+/// The transfer curve for one drive.
 struct Shape {
     HWY_INLINE explicit Shape(Vector drive)
         : wet(drive), k(hn::Add(hn::Set(tag, 1.0F), hn::Mul(hn::Set(tag, 3.0F), drive))),
@@ -46,7 +46,7 @@ HWY_INLINE void shape(const Shape &shaped, float *samples) {
 
 } // namespace
 
-// Without noexcept, which Highway's table of targets does not take; nothing in it throws.
+// Not noexcept, which Highway's dispatch table does not accept; nothing in it throws.
 void saturateInLanes(float *left, float *right, std::uint32_t frames, const LinearRamp &drive) {
     const auto lanes = static_cast<std::uint32_t>(hn::Lanes(tag));
     const Vector from = hn::Set(tag, drive.from());

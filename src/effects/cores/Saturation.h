@@ -10,7 +10,7 @@ namespace quorbel {
 /// of 0 to 1. Small signals gain 1 + d/2; the shaped part exceeds d/k by rounding at most. [render]
 void saturate(float *left, float *right, std::uint32_t frames, const LinearRamp &drive) noexcept;
 
-/// The same written plainly, for comparison.
+/// Plain version, as a reference.
 void saturatePlainly(float *left, float *right, std::uint32_t frames,
                      const LinearRamp &drive) noexcept;
 

@@ -11,8 +11,7 @@ void SpatializerCore::prepare(float sampleRate) noexcept {
 }
 
 SideDip SpatializerCore::designed(float amount, float notchHz) noexcept {
-    // Beyond half the sample rate the section would be unstable. Rates from 18 kHz on never get
-    // there.
+    // Above half the sample rate the section is unstable. At 18 kHz and above the clamp never acts.
     const float centreHz = std::min(notchHz, 0.45F * sampleRate_);
     const BiquadCoefficients &coefficients = dip_.of(
         [](float share, float hz, float sampleRate) {

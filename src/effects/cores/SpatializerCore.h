@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// The spatializer's work on one block, designed: the side signal's gain and then its section.
+/// The spatializer's coefficients for one block: the side signal's gain, then its section.
 struct SideDip {
     float sideGain = 1.0F;
     BiquadCoefficients coefficients;
@@ -27,10 +27,10 @@ class SpatializerCore {
     void clear() noexcept { side_ = {}; }
 
     /// `amount` 0 to 1; at 1 the side signal is 1.5 times as large. `notchHz` is the centre of the
-    /// dip, kept below the half of the sample rate. [render]
+    /// dip, clamped below half the sample rate. [render]
     [[nodiscard]] SideDip designed(float amount, float notchHz) noexcept;
 
-    /// The side section's memory.
+    /// The side section's state.
     [[nodiscard]] BiquadState &side() noexcept { return side_; } ///< [render]
 
   private:

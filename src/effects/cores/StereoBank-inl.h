@@ -1,5 +1,5 @@
-// For inclusion by code that is compiled once per vector target, after Highway's own headers; hence
-// the guard that changes with the target.
+// Included after Highway's headers by code that is compiled once per vector target; hence the guard
+// that changes with the target.
 #if defined(QUORBEL_STEREO_BANK_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef QUORBEL_STEREO_BANK_INL_H
 #undef QUORBEL_STEREO_BANK_INL_H
@@ -21,7 +21,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 #if HWY_TARGET != HWY_SCALAR
 
-/// Second-order sections of a StereoBank and the frames that they process in one step.
+/// Number of second-order sections of a StereoBank, and of frames per step.
 inline constexpr std::size_t bankSections = 4;
 inline constexpr std::uint32_t bankFrames = 8;
 
@@ -29,14 +29,14 @@ inline constexpr std::uint32_t bankFrames = 8;
 struct BankSection {
     const BiquadCoefficients *coefficients;
     StereoSection *state;
-    std::uint32_t lag; ///< steps by which its first tile comes after the call's first step
+    std::uint32_t lag; ///< steps from the call's first step to the section's first tile
 };
 
-/// Four stereo sections side by side for the time of one: a section is latency-bound, waiting for
-/// its own last output. Lanes 2s and 2s + 1 are left and right of section s; their sums are those
-/// of BiquadState::process, in its order. Made for a block; its memory goes back with `save`.
+/// Four stereo sections side by side in the time of one: a section is latency-bound, as each output
+/// needs the one before. Lanes 2s and 2s + 1 are left and right of section s; they compute the sums
+/// of BiquadState::process in its order. Lives for one block; `save` returns its state.
 ///
-/// A tile is `bankFrames` frames, left and right in turn, aligned to 64 bytes.
+/// A tile is `bankFrames` interleaved frames, aligned to 64 bytes.
 class StereoBank {
   public:
     explicit StereoBank(const BankSection (&sections)[bankSections]) {
@@ -76,8 +76,8 @@ class StereoBank {
                                                  table[3][lane]};
     }
 
-    /// One tile of every section, from `in` to `out`, which may be equal. Calls `meanwhile(frame)`
-    /// after each frame: the place for another recursion.
+    /// Runs one tile of every section from `in` to `out`, which may be equal. Calls
+    /// `meanwhile(frame)` after each frame, to overlap another recursion.
     template <typename Meanwhile>
     HWY_INLINE void process(const float *const (&in)[bankSections],
                             float *const (&out)[bankSections], const Meanwhile &meanwhile) {
@@ -95,7 +95,7 @@ class StereoBank {
         }
         for (std::size_t section = 0; section < 4; ++section) {
 #if HWY_MAX_BYTES >= 64
-            // A vector load waits for two narrower stores, but not for one of its own size.
+            // A vector load stalls on two narrower stores, but not on one of its own width.
             const hn::CappedTag<double, 8> whole;
             hn::Store(hn::Combine(whole, rows[1][section], rows[0][section]), whole,
                       reinterpret_cast<double *>(out[section]));
@@ -120,8 +120,8 @@ class StereoBank {
 #endif
     }
 
-    /// Takes back the memory of `before`, except of sections whose tile in this `step` is one of
-    /// the `tiles` of the call.
+    /// Restores the state of `before` for the sections that have no tile of the call's `tiles` in
+    /// this `step`.
     HWY_INLINE void keepActive(const StereoBank &before, std::uint32_t step, std::uint32_t tiles) {
         const Vector now = hn::Set(Tag(), static_cast<float>(step));
         const Vector count = hn::Set(Tag(), static_cast<float>(tiles));
@@ -147,7 +147,7 @@ class StereoBank {
     static constexpr std::size_t vectorCount = laneCount / vectorLanes;
 
     struct Lanes {
-        HWY_INLINE Lanes() {} // the compiler's own would be made for no vector target
+        HWY_INLINE Lanes() {} // the implicit one would belong to no vector target
         Vector b0, b1, b2, a1, a2, x1, x2, y1, y2, lag;
     };
 
@@ -176,7 +176,7 @@ class StereoBank {
     }
 
 #if HWY_MAX_BYTES >= 32
-    /// Four sections' frames become four frames' sections, and back.
+    /// Transposes sections of frames into frames of sections, and back.
     static HWY_INLINE void transpose(Pairs (&p)[4]) {
         const PairTag tag;
         const Pairs early = hn::InterleaveLower(tag, p[0], p[1]);

@@ -12,7 +12,7 @@ struct StereoSection {
     BiquadState right;
 };
 
-/// Four lanes are what every machine has, so there is nothing to choose at run time.
+/// Every supported machine has four lanes, so there is no dispatch at run time.
 using FourFloats [[gnu::vector_size(4 * sizeof(float))]] = float;
 
 [[gnu::always_inline]] inline FourFloats loadFour(const float *samples) noexcept {
@@ -25,10 +25,10 @@ using FourFloats [[gnu::vector_size(4 * sizeof(float))]] = float;
     std::memcpy(samples, &values, sizeof values);
 }
 
-/// Two sections side by side, for the time of one: a section is bound by the latency of its
-/// recursion. The lanes are the first section's left and right and the second's left and right;
-/// their sums are those of BiquadState::process, in its order. Made for a block; its memory goes
-/// back with `save`. [render]
+/// Two sections side by side in the time of one: a section is bound by the latency of its
+/// recursion. The lanes are the first section's left and right, then the second's; they compute the
+/// sums of BiquadState::process in its order. Lives for one block; `save` returns its state.
+/// [render]
 class SectionPair {
   public:
     [[gnu::always_inline]] SectionPair(const BiquadCoefficients &firstCoefficients,
@@ -91,12 +91,12 @@ class SectionPair {
     FourFloats y2_;
 };
 
-/// Four frames of both sections, as they go through a SectionPair.
+/// Four frames of both sections, as a SectionPair processes them.
 struct FourFrames {
     FourFloats frame[4];
 
-    /// The first section's channels from four samples each, the second's from the first two lanes
-    /// of `second`'s frames.
+    /// Takes the first section's channels from four samples each, the second's from the first two
+    /// lanes of `second`'s frames.
     [[gnu::always_inline]] static FourFrames of(FourFloats left, FourFloats right,
                                                 const FourFrames &second) noexcept {
         const FourFloats early = __builtin_shufflevector(left, right, 0, 4, 1, 5);

@@ -1,5 +1,5 @@
-// For inclusion by code that is compiled once per vector target, after Highway's own headers; hence
-// the guard that changes with the target.
+// Included after Highway's headers by code that is compiled once per vector target; hence the guard
+// that changes with the target.
 #if defined(QUORBEL_TANH_SHAPER_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef QUORBEL_TANH_SHAPER_INL_H
 #undef QUORBEL_TANH_SHAPER_INL_H
@@ -12,7 +12,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace quorbel::HWY_NAMESPACE {
 
-/// tanh as a fraction, so that a caller who divides further needs one quotient, not two.
+/// tanh as a fraction: a caller that divides further needs one division, not two.
 template <typename Vector> struct TanhFraction {
     Vector numerator;
     Vector denominator;

@@ -4,7 +4,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "effects/cores/TanhShaper.cpp"
-// In the order in which Highway wants them.
+// Highway requires this order.
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
@@ -14,7 +14,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace quorbel::HWY_NAMESPACE {
 
-// Without noexcept, which Highway's table of targets does not take; nothing in it throws.
+// Not noexcept, which Highway's dispatch table does not accept; nothing in it throws.
 void shapeByTanhInLanes(float *samples, std::uint32_t frames, float drive) {
     namespace hn = hwy::HWY_NAMESPACE;
     const hn::CappedTag<float, 16> tag;

@@ -8,13 +8,12 @@
 
 namespace quorbel {
 
-/// Judges how much of the sound lies where voices lie. [analysis, or main
-/// without a timer]
+/// Estimates the share of the sound's power in the range of voices. [analysis, or main without a
+/// timer]
 class VoiceDetector {
   public:
-    /// The power between 300 and 4000 Hz by that between 60 and 10 000 Hz, of the 4096 frames
-    /// before frame `end` of the ring; nothing if they are not all there, or too little sound to
-    /// tell.
+    /// Returns the power from 300 to 4000 Hz over that from 60 to 10 000 Hz, for the 4096 frames
+    /// before frame `end` of the ring. Empty if frames are missing or hold too little sound.
     [[nodiscard]] std::optional<float> voiceRatio(const AnalysisRing &ring, std::uint64_t end,
                                                   float sampleRate);
 

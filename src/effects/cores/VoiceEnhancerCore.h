@@ -7,15 +7,14 @@
 
 namespace quorbel {
 
-/// The voice enhancer's work on one block, designed: x becomes
-/// x + mix · (presence(mud(x)) − x).
+/// The voice enhancer's coefficients for one block: x becomes x + mix · (presence(mud(x)) − x).
 struct VoiceClarity {
     BiquadCoefficients mud;
     BiquadCoefficients presence;
     float mix = 0.0F;
 };
 
-/// The filters' memories.
+/// The filters' states.
 struct VoiceSections {
     StereoSection mud;
     StereoSection presence;

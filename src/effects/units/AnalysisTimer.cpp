@@ -6,8 +6,8 @@ namespace quorbel {
 
 namespace {
 
-/// Interval of the batches. At 48 kHz the ring holds it, the input of one estimate, and 97 ms of
-/// delay.
+/// Interval of the batches in seconds. At 48 kHz the ring holds this, the input of one estimate,
+/// and 97 ms of slack.
 constexpr double batchSeconds = 0.5;
 
 } // namespace
@@ -54,7 +54,7 @@ void AnalysisTimer::set(bool isIdle, bool isUsed) {
 }
 
 void AnalysisTimer::schedule(double firstSeconds) {
-    const std::lock_guard guard(mutex_); // the task may find itself at rest before we return
+    const std::lock_guard guard(mutex_); // the task may come to rest before we return
     isResting_ = false;
     if (isBatched_)
         timer_ = queue_->repeating(firstSeconds, batchSeconds,

@@ -12,12 +12,12 @@ namespace quorbel {
 
 /// Runs an analysis on a serial queue of its own. [main]
 ///
-/// 1. While the result is used, every estimate is made at its moment.
-/// 2. While it is not, the estimates of half a second are made together, because a wake-up costs
-///    more than they do. They are the same estimates, and the result is up to date when its use
-///    begins.
-/// 3. While no sound comes, the analysis rests after the first estimate that changes nothing: later
-///    ones would not either.
+/// 1. While the result is used, every estimate is made when it is due.
+/// 2. While it is not used, half a second's estimates are made in one batch, because a wake-up
+///    costs more than they do. They are the same estimates, and the result is up to date when its
+///    use begins.
+/// 3. While no sound comes, the analysis rests after the first estimate without a change: later
+///    ones would change nothing either.
 class AnalysisTimer {
   public:
     AnalysisTimer(SerialQueueFactory queues, std::string queueName)
@@ -29,11 +29,11 @@ class AnalysisTimer {
     /// Does nothing if it runs. `sampleRate` in Hz.
     void start(std::shared_ptr<RingAnalysis> analysis, float sampleRate);
 
-    /// When this returns, no estimate is under way and none will come.
+    /// Waits for an estimate under way; none follows.
     void stop();
 
-    /// Whether no sound comes until further notice, and whether the result is seen or shapes the
-    /// sound. At first sound comes and the result is used.
+    /// `isIdle`: no sound comes until further notice. `isUsed`: the result is displayed or shapes
+    /// the sound. Initially not idle and used.
     void set(bool isIdle, bool isUsed);
 
   private:
@@ -43,7 +43,7 @@ class AnalysisTimer {
     SerialQueueFactory queues_;
     std::string queueName_;
     bool isBatched_ = false;
-    std::shared_ptr<RingAnalysis> analysis_; ///< the queue's while a timer of it is set
+    std::shared_ptr<RingAnalysis> analysis_; ///< owned by the queue while a timer is set
     std::unique_ptr<SerialQueue> queue_;
 
     std::mutex mutex_; // guards what follows; never held while an estimate is made

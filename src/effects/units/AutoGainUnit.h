@@ -4,9 +4,9 @@
 
 namespace quorbel {
 
-/// Loudness levelling towards a target, and independently of it a trim of ±12 dB by hand. With both
-/// off the sound is untouched. Switching the levelling off drops its gain at once, but keeps the
-/// level that it has measured.
+/// Loudness levelling towards a target, and independent of it a manual trim of ±12 dB. With both
+/// off the sound is bit-exact. Switching the levelling off drops its gain at once but keeps the
+/// measured level.
 class AutoGainUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { target, enabled, manual, manualEnabled };

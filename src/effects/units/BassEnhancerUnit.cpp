@@ -34,7 +34,7 @@ struct BassEnhancerUnit::State {
     BassEnhancerCore core;
     AnalysisRing ring; // kept by allocation
 
-    /// The stage's work on a block, with parameters as they are set. [render]
+    /// Adds the stage's work on a block to `pass`; parameters in their set units. [render]
     void addTo(EnhancerPass &pass, float amountPercent, float driveFactor, float setCrossover,
                float adaptiveSwitch) noexcept {
         const float crossoverHz = isAdaptiveOn(adaptiveSwitch)

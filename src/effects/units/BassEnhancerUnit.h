@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// Harmonic bass. With adaptive tracking on, the crossover follows the bass of the music, which is
-/// measured in the background all the while.
+/// Harmonic bass. The bass frequency of the music is always measured in the background; with
+/// adaptive tracking on, the crossover follows it.
 class BassEnhancerUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { amount, drive, crossover, adaptive };
@@ -18,7 +18,8 @@ class BassEnhancerUnit final : public EffectUnit {
     void reset() override;
     void setDemand(const EffectDemand &demand) override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
-    /// Voice enhancer, widener and spatializer.
+    /// Number of the following units that can join this one's pass: voice enhancer, widener,
+    /// spatializer.
     [[nodiscard]] std::size_t joinable(std::span<AudioUnit *const> following) const override;
     bool renderJoined(std::span<AudioUnit *const> joined, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;

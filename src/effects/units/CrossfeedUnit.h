@@ -4,8 +4,8 @@
 
 namespace quorbel {
 
-/// Crossfeed for headphones. Below 1 % it rests: bit-exact, its memory cleared. A change of amount
-/// is spread over one block.
+/// Crossfeed for headphones. Below 1 % it rests: bit-exact, its state cleared. A change of amount
+/// ramps over one block.
 class CrossfeedUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { amount };

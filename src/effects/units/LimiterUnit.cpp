@@ -22,6 +22,8 @@ struct LimiterUnit::State {
     LookaheadLimiterCore core;
     Kept<float, float> threshold; // linear, by dB
     PlainCell gainReductionStorage{0.0F};
+    LimiterActivity activity;
+    float sampleRate = 48000.0F;
 };
 
 LimiterUnit::LimiterUnit(const ComponentDescription &description, InstantiationOptions options)
@@ -30,6 +32,7 @@ LimiterUnit::LimiterUnit(const ComponentDescription &description, InstantiationO
 Status LimiterUnit::prepare(float sampleRate, std::string &) {
     state_->gainReductionStorage.store(0.0F);
     state_->core.prepare(sampleRate);
+    state_->sampleRate = sampleRate;
     return statusOK;
 }
 
@@ -47,14 +50,21 @@ RenderBlock LimiterUnit::internalRenderBlock() {
         const float thresholdDB = thresholdStorage->taken();
         if (!isOn(enabledStorage->taken())) {
             state->gainReductionStorage.store(0.0F);
+            state->activity.count(frames, 0.0F, state->sampleRate);
             return;
         }
         state->core.process(
             buffers.data[0], buffers.data[1], frames,
             state->threshold.of([](float dB) { return std::pow(10.0F, dB / 20.0F); }, thresholdDB));
-        state->gainReductionStorage.store(state->core.gainReductionDB());
+        const float reductionDB = state->core.gainReductionDB();
+        state->gainReductionStorage.store(reductionDB);
+        state->activity.count(frames, reductionDB, state->sampleRate);
     });
 }
+
+const LimiterActivity &LimiterUnit::activity() const noexcept { return state_->activity; }
+
+void LimiterUnit::clearLargestReduction() noexcept { state_->activity.clear(); }
 
 float LimiterUnit::readout() const noexcept { return state_->gainReductionStorage.load(); }
 

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "effects/EffectUnit.h"
+#include "effects/units/LimiterActivity.h"
 
 namespace quorbel {
 
-/// The safety stage at the end of the chain: keeps every sample within the threshold. Switched off
-/// it also takes its delay away at once; switched on again it first plays the 1.3 ms it last held.
+/// The safety stage at the end of the chain: keeps every sample within the threshold. Switching it
+/// off removes its delay at once; switching it on again first plays the 1.3 ms that it last held.
 class LimiterUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { threshold, enabled };
@@ -18,6 +19,10 @@ class LimiterUnit final : public EffectUnit {
 
     /// Gain reduction of the last block, dB, never negative.
     [[nodiscard]] float readout() const noexcept override;
+
+    /// Time and size of the reduction; while switched off there is none.
+    [[nodiscard]] const LimiterActivity &activity() const noexcept;
+    void clearLargestReduction() noexcept;
 
   protected:
     Status prepare(float sampleRate, std::string &error) override;

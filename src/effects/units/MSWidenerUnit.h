@@ -6,8 +6,8 @@ namespace quorbel {
 
 struct EnhancerPass;
 
-/// Stereo width from mono (0 %) over neutral (100 %) to twice the side signal (200 %), the whole
-/// spectrum alike. A change is spread over one block.
+/// Stereo width from mono (0 %) over neutral (100 %) to twice the side signal (200 %), equally over
+/// the whole spectrum. A change ramps over one block.
 class MSWidenerUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { width };

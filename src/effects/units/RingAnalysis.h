@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// A result that follows the sound in a ring by estimates: the first 100 ms after the begin, then
+/// A result that follows the sound in a ring by estimates: the first 100 ms after `begin`, then one
 /// every 50 ms. Belongs to one thread at a time.
 class RingAnalysis {
   public:
@@ -23,18 +23,19 @@ class RingAnalysis {
     /// `sampleRate` of the sound in Hz.
     void begin(float sampleRate);
 
-    /// The estimate of this moment. Returns whether new sound had come or the result has moved.
+    /// Makes an estimate now. Returns whether new sound had come or the result has changed.
     bool estimateNow();
 
-    /// Makes the estimates that have fallen due by the frames that have come, each of the sound up
-    /// to its own moment. Those that the ring is too short for are lost.
+    /// Makes the estimates that the received frames have made due, each from the sound up to its
+    /// own time. Estimates whose frames the ring has overwritten are lost.
     void catchUp();
 
-    /// By the frames that have come, more than 0 after either of the two.
+    /// Seconds until the next estimate is due, by the received frames; above 0 after `estimateNow`
+    /// and `catchUp`.
     [[nodiscard]] double secondsToNext() const;
 
   protected:
-    /// The result after an estimate of the sound before frame `end` of the ring.
+    /// Returns the result after an estimate of the sound before frame `end` of the ring.
     [[nodiscard]] virtual float follow(float before, std::uint64_t end) = 0;
 
   private:
@@ -42,7 +43,7 @@ class RingAnalysis {
     PlainCell &result_;
     float sampleRate_ = 48'000.0F;
     std::uint64_t interval_ = 2400; ///< frames
-    std::uint64_t next_ = 0;        ///< frame that the next estimate is due at
+    std::uint64_t next_ = 0;        ///< frame at which the next estimate is due
     std::uint64_t writtenBefore_ = 0;
 };
 

@@ -4,8 +4,7 @@
 
 namespace quorbel {
 
-/// Analog warmth: a tanh shaper blended with the dry sound. A change of drive is spread over one
-/// block.
+/// Analog warmth: a tanh shaper blended with the dry sound. A change of drive ramps over one block.
 class SaturationUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { drive };

@@ -6,8 +6,8 @@ namespace quorbel {
 
 struct EnhancerPass;
 
-/// The crosstalk stage: widens the soundstage of speakers. Runs at amount 0 too, changing nothing
-/// but rounding. Changes take effect at the next block.
+/// The crosstalk stage: widens the soundstage of speakers. Runs at amount 0 too and then changes
+/// only rounding. Changes apply from the next block.
 class SpatializerUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { amount, notch };

@@ -32,7 +32,7 @@ struct VoiceEnhancerUnit::State {
     AnalysisRing ring;                            // kept by allocation
     std::array<float, maximumBlockFrames> mono{}; // the input of a block that is part of a pass
 
-    /// The stage's work on a block, with parameters as they are set. [render]
+    /// Adds the stage's work on a block to `pass`; parameters in their set units. [render]
     void addTo(EnhancerPass &pass, float amountPercent, float presenceDB, float mudDB,
                float adaptiveSwitch) noexcept {
         const float fullMix = amountPercent / 100.0F;
@@ -95,7 +95,7 @@ RenderBlock VoiceEnhancerUnit::internalRenderBlock() {
                                                                    std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        // The analysis hears the unprocessed sound, also while the unit rests.
+        // The analysis hears the unprocessed sound, even while the unit rests.
         state->ring.feed(buffers.data[0], buffers.data[1], frames);
         EnhancerPass pass;
         state->addTo(pass, amountStorage->taken(), presenceGainStorage->taken(),
@@ -112,7 +112,7 @@ void VoiceEnhancerUnit::addTo(EnhancerPass &pass) noexcept {
 }
 
 void VoiceEnhancerUnit::feedAnalysis(std::uint32_t frames) noexcept {
-    // The mean of two equal channels is exactly either of them.
+    // The mean of two equal channels is exactly their value.
     state_->ring.feed(state_->mono.data(), state_->mono.data(), frames);
 }
 

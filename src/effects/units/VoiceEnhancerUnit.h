@@ -7,9 +7,8 @@ namespace quorbel {
 
 struct EnhancerPass;
 
-/// Voice clarity. In adaptive mode the amount follows a running confidence that the sound is a
-/// voice, which is measured in the background all the while. At no amount it rests: bit-exact, its
-/// memory cleared.
+/// Voice clarity. The confidence that the sound is a voice is always measured in the background; in
+/// adaptive mode the amount follows it. At amount 0 the unit rests: bit-exact, its state cleared.
 class VoiceEnhancerUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { amount, presence, mud, adaptive };
@@ -22,8 +21,8 @@ class VoiceEnhancerUnit final : public EffectUnit {
     void setDemand(const EffectDemand &demand) override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
-    /// Adds the unit's work on a block to a pass of several units, which is to leave the unit's
-    /// input, mixed to mono, where `feedAnalysis` finds it. [render]
+    /// Adds the unit's work on a block to a pass of several units. The pass writes the unit's
+    /// input, mixed to mono, to the buffer that `feedAnalysis` reads. [render]
     void addTo(EnhancerPass &pass) noexcept;
     void feedAnalysis(std::uint32_t frames) noexcept; ///< [render]
 

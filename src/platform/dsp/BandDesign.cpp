@@ -9,20 +9,20 @@
 namespace quorbel {
 namespace {
 
-// Stands for log(0), in the numerator of a high pass: far below what a 32-bit float can hold.
+// Replaces log(0) in the numerator of a high pass: far below the smallest 32-bit float.
 constexpr double logOfZero = -150.0;
 
 double logOrZero(double value) {
     return value > 0.0 ? std::max(std::log(value), logOfZero) : logOfZero;
 }
 
-// A resonance of damping d that moves by r·d (in ln f) loses, half way, to what it gives off its
-// centre; at 0.3 that difference stays under 0.5 dB.
+// Half way through a glide of r·d in ln f, a resonance of damping d is off its centre and gives
+// less; at r = 0.3 by less than 0.5 dB.
 constexpr double reachPerDamping = 0.3;
 constexpr double longestReach = 0.35;
 
-// Measured: Q falling by the factor e^r within a glide lifts a ringing resonance by about
-// r · 0.5 dB · (decay in ms); 5 % at once is allowed in any case.
+// Measured: Q falling by the factor e^r within a glide lifts a ringing resonance by about r · 0.5
+// dB · (decay in ms); a change of 5 % is always allowed.
 constexpr double qualityReachPerRate = 0.0012;
 constexpr double shortestQualityReach = 0.05;
 constexpr double longestQualityReach = 0.4;

@@ -7,10 +7,9 @@
 
 namespace quorbel {
 
-/// Has the calling thread treat denormal floats as zero, as operands and as results, for as long as
-/// the object lives: the tail of a recursive filter would otherwise cost a hundred times the normal
-/// arithmetic once it falls below 1e-38. Costs a few cycles, so a render callback may make one per
-/// call. [any]
+/// Flushes denormal floats to zero on the calling thread, as operands and as results, during its
+/// lifetime. Otherwise the tail of a recursive filter costs a hundred times the normal arithmetic
+/// once it falls below 1e-38. Takes a few cycles, so a render callback may make one per call. [any]
 class DenormalsFlushed {
   public:
     DenormalsFlushed() noexcept : saved_(read()) { write(saved_ | flags); }

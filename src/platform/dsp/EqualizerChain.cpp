@@ -1,8 +1,9 @@
 #include "platform/dsp/EqualizerChain.h"
 
-#include "platform/dsp/SectionCascade.h"
+#include "platform/dsp/MovingCascade.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace quorbel {
@@ -15,37 +16,6 @@ constexpr double stepsPerSecond = 2.0 * Glide<1>::averageSteps / 0.020;
 float gainFromDB(double gainDB) noexcept {
     return gainDB == 0.0 ? 1.0F : static_cast<float>(std::pow(10.0, gainDB / 20.0));
 }
-
-/// A section on its way from one set of coefficients to another.
-class MovingSection {
-  public:
-    MovingSection(const SectionCoefficients &from, const SectionCoefficients &to,
-                  std::uint32_t frames) noexcept
-        : from_(from) {
-        const float perFrame = 1.0F / static_cast<float>(frames);
-        step_.cutoff = (to.cutoff - from.cutoff) * perFrame;
-        step_.feedback = (to.feedback - from.feedback) * perFrame;
-        step_.direct = (to.direct - from.direct) * perFrame;
-        step_.first = (to.first - from.first) * perFrame;
-        step_.second = (to.second - from.second) * perFrame;
-    }
-
-    [[nodiscard]] SectionCoefficients at(std::uint32_t frame) const noexcept {
-        const auto position = static_cast<float>(frame);
-        SectionCoefficients result;
-        result.cutoff = from_.cutoff + step_.cutoff * position;
-        result.feedback = from_.feedback + step_.feedback * position;
-        result.direct = from_.direct + step_.direct * position;
-        result.first = from_.first + step_.first * position;
-        result.second = from_.second + step_.second * position;
-        result.close();
-        return result;
-    }
-
-  private:
-    SectionCoefficients from_;
-    SectionCoefficients step_;
-};
 
 } // namespace
 
@@ -192,20 +162,26 @@ void EqualizerChain::process(float *left, float *right, std::uint32_t frames) no
 }
 
 void EqualizerChain::processGliding(float *left, float *right, std::uint32_t frames) noexcept {
+    std::array<MovingSection, 16> sections; // more are run in several calls
+    MovingCascade cascade{.sections = sections.data(),
+                          .count = 0,
+                          .stepFrames = stepFrames_,
+                          .stepPosition = stepPosition_};
+    const auto run = [&] {
+        processMoving(cascade, left, right, frames);
+        cascade.count = 0;
+    };
     for (Band &band : bands_) {
         if (!band.running)
             continue;
-        if (!band.moving) {
-            processCascadePlainly({&band.section, &band.left, &band.right, 1}, left, right, frames);
-            continue;
-        }
-        const MovingSection moving(band.section, band.next, stepFrames_);
-        for (std::uint32_t i = 0; i < frames; ++i) {
-            const SectionCoefficients section = moving.at(stepPosition_ + i);
-            left[i] = processSample(section, band.left, left[i]);
-            right[i] = processSample(section, band.right, right[i]);
-        }
+        if (cascade.count == sections.size())
+            run();
+        sections[cascade.count++] = {.from = &band.section,
+                                     .to = band.moving ? &band.next : nullptr,
+                                     .left = &band.left,
+                                     .right = &band.right};
     }
+    run();
     const float gainStep = (nextGain_ - gain_) / static_cast<float>(stepFrames_);
     for (std::uint32_t i = 0; i < frames; ++i) {
         const float gain = gain_ + gainStep * static_cast<float>(stepPosition_ + i);

@@ -11,52 +11,52 @@
 
 namespace quorbel {
 
-/// Everything an equaliser is set to at one moment, designed.
+/// The design of all settings of an equaliser.
 struct EqualizerDesign {
     std::vector<BandDesign> bands;
     double gainDB = 0.0;
 };
 
-/// Bands in series and a gain, over two channels: the part of the equaliser that holds sound. Moves
-/// gradually to another design where that stays between the old and the new sound, and says where
-/// it doesn't (the equaliser then runs two chains and fades). [render], except construction and
-/// `prepare`.
+/// Bands in series and a gain, over two channels: the part of the equaliser with audio state.
+/// Glides to another design if the level stays between the old and the new one throughout, and
+/// refuses otherwise (the equaliser then runs two chains and crossfades). [render], except
+/// construction and `prepare`.
 class EqualizerChain {
   public:
     explicit EqualizerChain(std::size_t bandCount);
     EqualizerChain(const EqualizerChain &) = default;
     EqualizerChain(EqualizerChain &&) noexcept = default;
-    /// Allocates nothing between chains of equal length.
+    /// Allocates nothing if both chains have equally many bands.
     EqualizerChain &operator=(const EqualizerChain &) = default;
     EqualizerChain &operator=(EqualizerChain &&) noexcept = default;
     ~EqualizerChain() = default;
 
-    /// Silence inside, every band flat.
+    /// Resets to silence, with every band flat.
     void prepare(double sampleRate);
 
-    /// At `design` from the next frame on. Bands that could have glided there keep their sound,
-    /// others start from silence: what is returned is the longest decay among these, in seconds.
+    /// Applies `design` from the next frame on. Bands that could have glided there keep their
+    /// state, others start from silence. Returns the longest decay of the latter, in seconds.
     double jumpTo(const EqualizerDesign &design) noexcept;
 
     [[nodiscard]] bool canGlideTo(const EqualizerDesign &design) const noexcept;
     void glideTo(const EqualizerDesign &design) noexcept;
 
-    /// In place. At rest flat bands and a gain of 0 dB leave the samples untouched.
+    /// Processes in place. At rest flat bands and a gain of 0 dB are bit-exact.
     void process(float *left, float *right, std::uint32_t frames) noexcept;
 
     [[nodiscard]] bool isAtRest() const noexcept { return !gliding_; }
-    /// What `process` would do, for a chain that is at rest.
+    /// Adds the chain's sections and gain to a batch instead of processing them here; only at rest.
     void addTo(SectionBatch &sections) noexcept;
 
-    /// Takes out what is not a finite number, so that it does not stay for ever.
+    /// Clears states that are not finite, which would otherwise stay for ever.
     void dropNonFinite() noexcept;
 
   private:
     struct Band {
         bool running = false;
         bool moving = false;   ///< within the current step
-        bool endsFlat = false; ///< gliding to flat: stops running when it gets there
-        BandDesign design;     ///< where it is, or is going
+        bool endsFlat = false; ///< gliding to flat: stops running at the end
+        BandDesign design;     ///< current one, or the glide's target
         Glide<BandDesign::logValueCount> glide;
         SectionCoefficients section; ///< at the start of the current step
         SectionCoefficients next;    ///< at its end

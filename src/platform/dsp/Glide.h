@@ -1,30 +1,30 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
 namespace quorbel {
 
-/// N values that follow their targets without corners: two moving averages of `averageSteps` steps
-/// in series, so a jump becomes an S over twice that many steps, and any number of jumps on the way
-/// add up to one smooth curve. (A ramp that starts anew at every jump has corners; dragged at 100
-/// Hz they are heard as a buzz.) A value never leaves the range of the targets it comes from and
-/// goes to.
+/// Smooths N values by two moving averages of `averageSteps` steps in series: a jump becomes an
+/// S-curve over twice that many steps, and jumps during it add up to one smooth curve. (A ramp
+/// restarted at every jump has corners; a control dragged at 100 Hz makes them audible as a buzz.)
+/// A value stays within the range of its targets.
 template <std::size_t N> class Glide {
   public:
     using Values = std::array<double, N>;
     static constexpr int averageSteps = 30;
 
-    /// At `values`, now.
+    /// Jumps to `values`.
     void settle(const Values &values) noexcept {
         target_ = values_ = values;
         remainingSteps_ = 0;
     }
 
-    /// On to `values`, from wherever it is.
+    /// Starts towards `values` from the current ones.
     void retarget(const Values &values) noexcept {
         if (remainingSteps_ == 0)
-            fillHistory();
+            beginHistory();
         target_ = values;
         remainingSteps_ = 2 * averageSteps;
     }
@@ -33,27 +33,35 @@ template <std::size_t N> class Glide {
     [[nodiscard]] const Values &target() const noexcept { return target_; }
     [[nodiscard]] const Values &values() const noexcept { return values_; }
 
-    /// One step further. The last step arrives at the target exactly.
+    /// Advances one step. The last step reaches the target exactly.
     void advance() noexcept {
         if (remainingSteps_ == 0)
             return;
+        const bool isFull = historySteps_ == averageSteps;
+        Values &first = firstHistory_[position_];
+        Values &second = secondHistory_[position_];
+        const Values &oldFirst = isFull ? first : start_;
+        const Values &oldSecond = isFull ? second : start_;
         for (std::size_t i = 0; i < N; ++i) {
-            firstSum_[i] += target_[i] - firstHistory_[position_][i];
-            firstHistory_[position_][i] = target_[i];
+            firstSum_[i] += target_[i] - oldFirst[i];
+            first[i] = target_[i];
             const double average = firstSum_[i] / averageSteps;
-            secondSum_[i] += average - secondHistory_[position_][i];
-            secondHistory_[position_][i] = average;
+            secondSum_[i] += average - oldSecond[i];
+            second[i] = average;
             values_[i] = secondSum_[i] / averageSteps;
         }
         position_ = (position_ + 1) % averageSteps;
+        historySteps_ = std::min(historySteps_ + 1, averageSteps);
         if (--remainingSteps_ == 0)
             values_ = target_;
     }
 
   private:
-    void fillHistory() noexcept {
-        firstHistory_.fill(values_);
-        secondHistory_.fill(values_);
+    /// As if the values had always been what they are. The histories are not filled with them: for
+    /// ten bands that begin to move at once, that would be the cost of a block.
+    void beginHistory() noexcept {
+        start_ = values_;
+        historySteps_ = 0;
         for (std::size_t i = 0; i < N; ++i)
             firstSum_[i] = secondSum_[i] = values_[i] * averageSteps;
     }
@@ -61,6 +69,8 @@ template <std::size_t N> class Glide {
     Values target_{};
     Values values_{};
     int remainingSteps_ = 0;
+    int historySteps_ = 0; // of the histories, the rest of which is `start_`
+    Values start_{};
     std::array<Values, averageSteps> firstHistory_{};
     std::array<Values, averageSteps> secondHistory_{};
     Values firstSum_{};

@@ -6,9 +6,9 @@
 
 namespace quorbel {
 
-/// Hands the newest of a series of values from one thread to another without lock or wait: three
-/// slots, one owned by the writer, one by the reader, one in exchange. Values the reader did not
-/// fetch in time are skipped. Assigning a T must not allocate where the writer may not.
+/// Triple buffer: hands the newest value from one thread to another without lock or wait. One slot
+/// belongs to the writer, one to the reader, one is exchanged. Values that the reader did not fetch
+/// in time are skipped. Assigning a T must not allocate where the writer must not.
 ///
 /// Threads: `publish` by one thread, `fetch` and `current` by one other.
 template <typename T> class LatestValue {
@@ -21,7 +21,7 @@ template <typename T> class LatestValue {
         writerSlot_ = exchange_.exchange(mine, std::memory_order_acq_rel) & slotMask;
     }
 
-    /// True if something was published since the last call; `current` is that value then.
+    /// Returns true if a value was published since the last call; `current` then returns it.
     bool fetch() noexcept {
         if ((exchange_.load(std::memory_order_relaxed) & freshBit) == 0)
             return false;
@@ -39,7 +39,7 @@ template <typename T> class LatestValue {
     std::uint32_t writerSlot_ = 0; // writer only
     std::uint32_t readerSlot_ = 1; // reader only
     std::atomic<std::uint32_t> exchange_{
-        2}; // the third slot, and whether it is newer than the reader's
+        2}; // index of the exchanged slot, and whether it is newer than the reader's
 };
 
 } // namespace quorbel

@@ -16,10 +16,10 @@ namespace quorbel {
 /// A stereo equaliser: a fixed number of bands in series and a global gain, set on one thread while
 /// another renders.
 ///
-/// Every change takes about 20 ms and is free of clicks; the level never exceeds the louder of
-/// before and after on the way. Changes that keep a band's type and nearly its frequency and width
-/// move the filter itself; for others a second chain is started, settles unheard for up to 30 ms,
-/// and is faded to. Changes that come in meanwhile wait for the end of the fade. Settings made
+/// Every change takes about 20 ms and is free of clicks; meanwhile the level never exceeds the
+/// louder of before and after. A change that keeps a band's type and nearly its frequency and width
+/// glides the filter itself. For any other a second chain is started, settles unheard for up to 30
+/// ms, and is crossfaded to; changes made meanwhile wait for the end of the fade. Settings made
 /// before the first block apply from its first frame.
 class ParametricEqualizer {
   public:
@@ -29,8 +29,8 @@ class ParametricEqualizer {
     [[nodiscard]] const EqualizerBandSettings &band(std::size_t index) const; // [main]
     [[nodiscard]] float globalGainDB() const { return globalGainDB_; }        // [main]
 
-    /// Sets the first bands and the gain in one hand-over: they are taken together. Bands beyond
-    /// `bandCount` are ignored; bands beyond the list keep their settings.
+    /// Sets the first bands and the gain in one hand-over, so that they apply together. Bands
+    /// beyond `bandCount` are ignored; bands beyond the list keep their settings.
     void set(std::span<const EqualizerBandSettings> bands, float globalGainDB); // [main]
     void setBand(std::size_t index, const EqualizerBandSettings &settings);     // [main]
     void setGlobalGainDB(float gainDB);                                         // [main]
@@ -39,14 +39,14 @@ class ParametricEqualizer {
     /// rendering.
     void prepare(double sampleRate);
 
-    /// Silence inside; the settings stay and are in force at once. Not while rendering.
+    /// Resets to silence; the current settings apply from the next frame. Not while rendering.
     void reset();
 
-    /// Takes the newest settings for what is rendered from now on.
+    /// Takes the newest settings for the following `render` calls.
     void takeSettings() noexcept; // [render]
 
-    /// Renders any number of frames in place with the settings taken last. How the sound is cut
-    /// into calls makes no difference to it.
+    /// Renders any number of frames in place with the settings taken last. The result does not
+    /// depend on the lengths of the calls.
     void render(float *left, float *right, std::uint32_t frames) noexcept; // [render]
 
     /// Takes the newest settings, then renders.
@@ -55,8 +55,7 @@ class ParametricEqualizer {
         render(left, right, frames);
     }
 
-    /// Renders `first`, then `second`: in one pass while neither changes, for about the time of
-    /// one.
+    /// Renders `first`, then `second`; in one pass while neither changes, in about the time of one.
     static void renderInSeries(ParametricEqualizer &first, ParametricEqualizer &second, float *left,
                                float *right, std::uint32_t frames) noexcept; // [render]
 
@@ -80,13 +79,13 @@ class ParametricEqualizer {
 
     // [render]
     EqualizerChain chain_;
-    EqualizerChain incoming_; // what is being faded to
+    EqualizerChain incoming_; // the chain that is faded in
     bool started_ = false;
     bool pending_ = false; // the newest design has not been accepted yet
     bool fading_ = false;
     double renderRate_ = 48000.0;    // constant after prepare
     std::uint32_t fadeFrames_ = 960; // constant after prepare
-    std::int32_t fadePosition_ = 0;  // negative: the incoming chain is still warming up, unheard
+    std::int32_t fadePosition_ = 0;  // negative while the incoming chain settles unheard
     std::array<float, fadeChunk> incomingLeft_{};
     std::array<float, fadeChunk> incomingRight_{};
 };

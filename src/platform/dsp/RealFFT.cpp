@@ -11,7 +11,7 @@
 namespace quorbel {
 namespace {
 
-/// FFTW executes plans from any thread, but makes and destroys them only from one at a time.
+/// FFTW executes plans on any thread, but makes and destroys them on one thread at a time.
 std::mutex &plannerMutex() {
     static std::mutex mutex;
     return mutex;
@@ -28,7 +28,8 @@ struct RealFFT::Plan {
         : samples(fftwf_alloc_real(points)), bins(fftwf_alloc_complex(points / 2 + 1)) {
         if (samples != nullptr && bins != nullptr) {
             const std::lock_guard lock(plannerMutex());
-            // Measuring would choose by the weather, and rounding depends on what was chosen.
+            // FFTW_MEASURE could choose another algorithm in every run, and the rounding depends on
+            // the algorithm.
             plan = fftwf_plan_dft_r2c_1d(static_cast<int>(points), samples, bins, FFTW_ESTIMATE);
         }
         if (plan == nullptr) {
@@ -70,9 +71,9 @@ double RealFFT::power(std::size_t bin) const noexcept {
 }
 
 double RealFFT::powerBetween(std::size_t first, std::size_t last) const noexcept {
-    // Eight sums side by side: one alone would wait for itself at every bin.
+    // A single sum is latency-bound; eight side by side are not.
     std::array<double, 8> sums{};
-    const float *const parts = &plan_->bins[first][0]; // real and imaginary in turn
+    const float *const parts = &plan_->bins[first][0]; // interleaved real and imaginary parts
     const std::size_t count = 2 * (last - first + 1);
     std::size_t i = 0;
     for (; i + sums.size() <= count; i += sums.size())

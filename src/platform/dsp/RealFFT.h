@@ -10,8 +10,8 @@ namespace quorbel {
 /// The forward FFT of real samples, with a fixed number of points.
 ///
 /// The result is twice the mathematical transform, X[k] = 2 Σ x[n] exp(-2πi kn/N): thresholds and
-/// displays are tuned for that scale. It is packed into N/2 bins: bin 0 carries the real values at
-/// 0 Hz (real) and at half the sample rate (imaginary), bin k the frequency k · sampleRate / N.
+/// displays are tuned for that scale. It is packed into N/2 bins: bin 0 holds the real values at 0
+/// Hz (real) and at half the sample rate (imaginary), bin k the frequency k · sampleRate / N.
 ///
 /// An object belongs to one thread at a time. Equal input gives equal bytes in every run.
 class RealFFT {
@@ -26,18 +26,17 @@ class RealFFT {
     [[nodiscard]] std::size_t points() const noexcept { return points_; }
     [[nodiscard]] std::size_t binCount() const noexcept { return points_ / 2; }
 
-    /// `points()` samples into `binCount()` bins. Allocates nothing.
+    /// Transforms `points()` samples into `binCount()` bins. Allocates nothing.
     void forward(std::span<const float> samples, std::span<float> real,
                  std::span<float> imaginary) noexcept;
 
-    /// For callers that would copy in and out for nothing: the transform's own `points()` samples,
-    /// to be filled before each `transformInput`, which may destroy them. Its result is the
-    /// mathematical transform, without the factor of two.
+    /// In-place variant without copies: fill these `points()` samples before each `transformInput`,
+    /// which may destroy them. Its result is the mathematical transform, without the factor of two.
     [[nodiscard]] std::span<float> input() noexcept;
     void transformInput() noexcept;
     /// |X[k]|² of the last `transformInput`, for a bin from 1 to `binCount()` − 1.
     [[nodiscard]] double power(std::size_t bin) const noexcept;
-    /// The sum of `power` from one bin to another, both included.
+    /// Sum of `power` from `first` to `last`, both included.
     [[nodiscard]] double powerBetween(std::size_t first, std::size_t last) const noexcept;
 
   private:

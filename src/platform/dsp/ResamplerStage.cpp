@@ -8,13 +8,13 @@
 namespace quorbel {
 namespace {
 
-// zita's longest filter, and a cutoff chosen by measuring both directions between 44.1 and 48 kHz:
-// with its default cutoff what lies just above half the lower rate is only 70 dB down, with 0.94 it
-// is 112 dB, and 20 kHz still passes within 0.005 dB.
+// zita's longest filter. The cutoff was chosen by measurement between 44.1 and 48 kHz, in both
+// directions: just above half the lower rate, zita's default attenuates by 70 dB only, 0.94 by 112
+// dB; 20 kHz still passes within 0.005 dB.
 constexpr unsigned halfLength = 96;
 constexpr double relativeCutoff = 0.94;
 
-// More filters than this zita does not tabulate.
+// The most filters that zita tabulates.
 constexpr std::uint64_t longestTable = 1000;
 
 } // namespace
@@ -48,8 +48,8 @@ template <typename Engine> void ResamplerStage::fillWithSilence(Engine &engine) 
     if constexpr (std::is_same_v<Engine, VResampler>)
         engine.set_phase(0.5 / static_cast<double>(target_)); // see run
     engine.inp_count = static_cast<unsigned>(engine.inpsize()) - 1;
-    engine.inp_data = nullptr; // zita's own way to say silence
-    engine.out_count = 1;      // not reached: the filter is one frame short of full
+    engine.inp_data = nullptr; // zita reads null as silence
+    engine.out_count = 1;      // not reached: the filter lacks one frame
     engine.out_data = nullptr;
     engine.process();
 }
@@ -68,9 +68,9 @@ ResamplerStage::Progress ResamplerStage::run(Engine &engine, const float *input,
     const auto channels = static_cast<std::uint32_t>(engine.nchan());
     Progress progress;
     for (;;) {
-        // The interpolating resampler adds up its phase in floating point. It starts half a step
-        // off the input frames, so that no rounding error can decide which side of one it is on,
-        // and is put back to that place once per period: the count stays that of whole numbers.
+        // The interpolating resampler accumulates its phase in floating point. The phase starts
+        // half a step off the input frames, so that no rounding error moves it across one, and is
+        // reset once per period: the frame count stays that of integer arithmetic.
         const std::uint64_t leftInPeriod = target_ - producedInPeriod_;
         const auto wanted = static_cast<std::uint32_t>(
             std::min<std::uint64_t>(outputFrames - progress.produced, leftInPeriod));

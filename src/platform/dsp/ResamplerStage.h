@@ -7,21 +7,21 @@
 
 namespace quorbel {
 
-/// One zita-resampler over interleaved frames, with a count of frames that never drifts.
+/// One zita-resampler over interleaved frames, with an exact count of frames.
 ///
 /// Output frame m needs the input frames up to and including floor(m · source / target), counted
-/// from `reset`; the filter's memory starts full of silence.
+/// from `reset`; the filter starts filled with silence.
 class ResamplerStage {
   public:
-    /// Only the ratio of the two numbers matters; target/source from 1/16 to 256.
-    /// Throws std::invalid_argument if zita refuses, std::bad_alloc.
+    /// Only the ratio target/source matters, from 1/16 to 256. Throws std::bad_alloc, and
+    /// std::invalid_argument if zita refuses.
     ResamplerStage(std::uint64_t source, std::uint64_t target, std::uint32_t channels);
 
     struct Progress {
         std::uint32_t consumed = 0;
         std::uint32_t produced = 0;
     };
-    /// `input` may be null: silence, which costs next to nothing once the filter is full of it.
+    /// A null `input` is silence, which costs next to nothing once it fills the filter.
     Progress process(const float *input, std::uint32_t inputFrames, float *output,
                      std::uint32_t outputFrames) noexcept;
 
@@ -38,16 +38,16 @@ class ResamplerStage {
                  std::uint32_t outputFrames) noexcept;
     template <typename Engine> void fillWithSilence(Engine &engine) noexcept;
 
-    std::uint64_t source_; // without common divisors
+    std::uint64_t source_; // reduced to lowest terms
     std::uint64_t target_;
-    bool tabulated_ = true; // one filter per output phase; otherwise interpolated ones
+    bool tabulated_ = true; // one filter per output phase; otherwise filters are interpolated
     Resampler exact_;
     VResampler interpolated_;
     double latencyFrames_ = 0.0;
-    // Since the last output frame that fell on an input frame; `target_` outputs are `source_`
-    // inputs.
+    // Counted since the last output frame that coincided with an input frame; `target_` outputs are
+    // `source_` inputs.
     std::uint64_t producedInPeriod_ = 0;
-    std::int64_t consumedInPeriod_ = 0; // negative while that input frame itself is still to come
+    std::int64_t consumedInPeriod_ = 0; // negative before that input frame has come
 };
 
 } // namespace quorbel

@@ -17,7 +17,7 @@ namespace {
 constexpr double lowestRate = 4000.0;
 constexpr double highestRate = 384000.0;
 
-// zita goes down by 16 at most; beyond that one stage by this factor comes first.
+// zita reduces the rate by 16 at most; a larger ratio starts with one stage of this factor.
 constexpr std::uint64_t steepestRatio = 16;
 constexpr std::uint64_t firstStageRatio = 8;
 
@@ -132,7 +132,7 @@ SampleRateConverter::State::processChunk(bool silent, std::uint32_t offered,
         const auto done = stages[0].process(source, offered, output.data(), wanted);
         return {done.consumed, done.produced};
     }
-    // The first stage makes exactly what the second one still needs, so that nothing waits between
+    // The first stage makes exactly the frames that the second one needs, so that none wait between
     // them.
     Progress progress;
     for (;;) {

@@ -7,9 +7,8 @@
 
 namespace quorbel {
 
-/// Converts planar sound from one fixed rate to another, block by block with its state kept:
-/// cutting the input into blocks in any way gives the same samples. Frame accounting is exact
-/// without limit of time.
+/// Converts planar sound from one fixed rate to another; keeps its state between blocks, so the
+/// lengths of the blocks do not change the samples. The frame count is exact for any running time.
 ///
 /// Flat within 0.01 dB up to 0.907 of half the lower rate (20 kHz at 44.1 kHz) and more than 110 dB
 /// down from half the lower rate on; equal rates are copied.
@@ -28,17 +27,17 @@ class SampleRateConverter {
         std::uint32_t consumed = 0;
         std::uint32_t produced = 0;
     };
-    /// Converts until the input is used up or the output is full. A missing input channel is
+    /// Converts until the input is consumed or the output is full. A missing input channel is
     /// silent, a missing output channel is left out. Allocates nothing. [any one thread]
     Progress process(const AudioBufferList &input, std::uint32_t inputFrames,
                      const AudioBufferList &output, std::uint32_t outputFrames) noexcept;
 
-    /// How many input frames have to be fed for the next `outputFrames` frames to come out. No
-    /// frame more is consumed for them.
+    /// Number of input frames needed for the next `outputFrames` frames; exactly these are
+    /// consumed.
     [[nodiscard]] std::uint64_t inputFramesFor(std::uint64_t outputFrames) const noexcept;
 
-    /// From an input sample to the middle of what it becomes, in source frames; `reset` starts with
-    /// that much silence inside.
+    /// Delay from an input sample to the centre of its response, in source frames; after `reset`
+    /// that much silence comes first.
     [[nodiscard]] double latencyFrames() const noexcept;
 
     /// Back to silence.

@@ -8,11 +8,11 @@
 
 namespace quorbel {
 
-/// Resting sections in series, of one equaliser or of several, gathered in their order to be run
-/// over a block in one pass. Their memories are borrowed for the call. [render]
+/// Gathers the resting sections of one or several equalisers in series, and runs them over a block
+/// in one pass. Borrows their states for the call. [render]
 class SectionBatch {
   public:
-    /// In place, over `frames` frames.
+    /// Works in place on `frames` frames.
     SectionBatch(float *left, float *right, std::uint32_t frames) noexcept
         : left_(left), right_(right), frames_(frames) {}
     SectionBatch(const SectionBatch &) = delete;
@@ -20,14 +20,14 @@ class SectionBatch {
 
     void add(const SectionCoefficients &section, SectionState &left, SectionState &right) noexcept;
 
-    /// A gain behind what has been added so far, which costs nothing if anything has been.
+    /// Adds a gain after the sections so far; costs nothing if there is one.
     void scale(float gain) noexcept;
 
-    /// To be called at the end.
+    /// Runs the sections that are left; call it at the end.
     void run() noexcept;
 
   private:
-    // More are run in several passes, as they would be anyway.
+    // More sections run in several passes, as in the cascade.
     static constexpr std::size_t capacity = 16;
 
     float *left_;

@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// Sections in series over two channels, each with its own memory; all three arrays hold `count`
-/// elements. In place. [any]
+/// Sections in series over two channels, each with a state per channel; all three arrays hold
+/// `count` elements. Works in place. [any]
 struct SectionCascade {
     const SectionCoefficients *sections = nullptr;
     SectionState *left = nullptr;
@@ -16,14 +16,14 @@ struct SectionCascade {
     std::size_t count = 0;
 };
 
-/// Section by section, as it would be explained: what the fast one is measured against.
+/// Plain reference: one section after the other.
 void processCascadePlainly(const SectionCascade &cascade, float *left, float *right,
                            std::uint32_t frames) noexcept;
 
-/// The same to within rounding, more than twenty times as fast. One section has to wait for its own
-/// last frame, but not for the other sections: every lane of a vector runs one section, a few
-/// frames behind the lane before it. The lanes start and stop within the call, so no delay is
-/// added, and the result does not depend on how the sound is cut into calls.
+/// Equals the reference to within rounding, more than twenty times as fast. A section is
+/// latency-bound by its own previous frame, not by the other sections: every lane of a vector runs
+/// one section, a few frames behind the lane before it. The lanes start and stop within the call,
+/// so no delay is added and the result does not depend on the lengths of the calls.
 void processCascade(const SectionCascade &cascade, float *left, float *right,
                     std::uint32_t frames) noexcept;
 

@@ -18,13 +18,12 @@ namespace {
 //     G² · q(x; zero) / q(x; pole),   q(x; c, d) = (1 - x/c²)² + d² x/c²
 //
 // with a cutoff c and a damping d for the poles and for the zeros. A high pass has both zeros at 0
-// Hz instead. The unknowns are logarithms, so that poles and zeros stay in the left half plane
-// whatever the fit does; G is exact at 0 Hz, except for the high pass, where it is the third
-// unknown.
+// Hz instead. The unknowns are logarithms, so that poles and zeros always stay in the left half
+// plane; G is exact at 0 Hz, except for the high pass, where it is the third unknown.
 //
 // Levenberg-Marquardt on the difference of log |H|² from the prototype's, over a grid that is
-// linear in frequency and denser around the band. It starts from the prototype's own poles and
-// zeros mapped by z = exp(s / sampleRate), which is right at low frequencies and near elsewhere.
+// linear in frequency and denser around the band. It starts from the prototype's poles and zeros
+// mapped by z = exp(s / sampleRate), which is exact at low frequencies and close elsewhere.
 
 using Unknowns = std::array<double, 4>;
 
@@ -74,9 +73,9 @@ struct GridPoint {
     double weight = 1.0;
 };
 
-// Weights are the inverse of the error that is wanted at a frequency, as a fraction of the sample
-// rate: at 48 kHz 0.1 dB up to 10 kHz and 0.25 dB up to 20 kHz. Passes are judged in their stop
-// band, too, down to about -40 dB, and not above 18 kHz.
+// Weights are the inverse of the allowed error by frequency, as a fraction of the sample rate: at
+// 48 kHz 0.1 dB up to 10 kHz and 0.25 dB up to 20 kHz. Passes count in their stop band too, down to
+// about -40 dB, and not above 18 kHz.
 constexpr double gridTop = 0.46;
 constexpr int linearPoints = 28;
 constexpr int bandPointsPerSide = 12;
@@ -154,7 +153,7 @@ class SectionFit {
             zero = matchedQuadratic(p.n0, p.n1, p.n2, radiansPerSample);
             logGain_ = 2.0 * std::log(p.n0 / p.d0);
         } else if (!zerosAtZero_) {
-            // Far enough out to leave at half the sample rate what the prototype has there.
+            // Far enough out for the prototype's value at half the sample rate.
             const double atNyquist = p.power(0.5 / frequencyRatio);
             zero = {.cutoff = std::max(pole.cutoff / std::pow(atNyquist, 0.25), 0.3),
                     .damping = 2.0};
@@ -192,7 +191,7 @@ class SectionFit {
         return sum;
     }
 
-    /// One step. False when none was found that lowers the cost.
+    /// Makes one step. Returns false if no step lowers the cost.
     bool improve(double &damping, double &cost) {
         const Model model = modelOf(unknowns_);
         std::array<Unknowns, 4> normal{};

@@ -6,7 +6,7 @@ namespace quorbel {
 ///
 ///     H = (high s² + band s + low) / (s² + damping s + 1),   s = j tan(π f / sampleRate) / cutoff,
 ///
-/// of which every stable biquad is one.
+/// Every stable biquad has this form.
 struct StateVariableDesign {
     double cutoff = 1.0;  ///< tan(π f0 / sampleRate), > 0
     double damping = 1.0; ///< 1/Q of the poles, > 0
@@ -23,16 +23,16 @@ struct StateVariableDesign {
     [[nodiscard]] double power(double normalizedFrequency) const;
 };
 
-/// What one section remembers of one channel: the states of its two integrators.
+/// State of one section for one channel: its two integrators.
 struct SectionState {
     float first = 0.0F;
     float second = 0.0F;
 };
 
-/// The section as it is run, in 32 bits. Trapezoidal integrators (V. Zavalishin, "The Art of VA
-/// Filter Design", 3.10) in the form that adds increments to its states: at low frequencies the
-/// increments are small and so are their rounding errors, where a 32-bit direct form loses half of
-/// its digits.
+/// The section's coefficients for running it in 32 bits. Trapezoidal integrators (V. Zavalishin,
+/// "The Art of VA Filter Design", 3.10) in the form that adds increments to its states: at low
+/// frequencies the increments and their rounding errors are small, where a 32-bit direct form loses
+/// half of its digits.
 struct SectionCoefficients {
     float cutoff = 1.0F;   ///< g
     float feedback = 2.0F; ///< g + damping
@@ -51,11 +51,11 @@ struct SectionCoefficients {
           first(static_cast<float>(design.band - design.damping * design.high)),
           second(static_cast<float>(design.low - design.high)) {}
 
-    /// Makes `scale` agree with the other two after they were interpolated.
+    /// Derives `scale` after the other two were interpolated.
     void close() noexcept { scale = cutoff / (1.0F + cutoff * feedback); }
 };
 
-/// One sample through one section.
+/// Runs one sample through one section.
 inline float processSample(const SectionCoefficients &c, SectionState &state,
                            float input) noexcept {
     const float drive = c.scale * ((input - c.feedback * state.first) - state.second);

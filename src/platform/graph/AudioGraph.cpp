@@ -17,13 +17,13 @@ namespace quorbel {
 
 namespace {
 
-/// The fade itself, and two of the longest cycles that a device may have.
+/// The fade, and two of the longest cycles of a device.
 constexpr double longestFadeOutSeconds = 0.4;
 
 } // namespace
 
 struct AudioGraph::State final : RenderClient {
-    /// A node's place in the graph.
+    /// A node's connections and tap.
     struct Place {
         GraphNode *node = nullptr;
         GraphNode *input = nullptr;
@@ -38,7 +38,7 @@ struct AudioGraph::State final : RenderClient {
         add(mixer);
     }
 
-    // Order matters: places hold taps, which use the queue until they are gone.
+    // Destruction order: places hold taps, which use the queue until they are destroyed.
     OutputNode outputNode;
     MixerNode mixer;
     SerialQueueFactory tapQueues;
@@ -82,7 +82,7 @@ struct AudioGraph::State final : RenderClient {
         for (const GraphNode *node = last.input; node != nullptr;) {
             const Place &place = places.at(node);
             if (stages.size() >= places.size())
-                return statusNoConnection; // a ring without a beginning
+                return statusNoConnection; // a cycle without a source
             if (place.outputFormat != format)
                 return statusFormatNotSupported;
             stages.push_back({place.node, place.tap.get()});
@@ -102,7 +102,7 @@ struct AudioGraph::State final : RenderClient {
             return status;
         if (outputNode.hasHardware()) {
             mixer.fade().startSilent();
-            mixer.setOutputFormat({}); // an earlier run's; the output says its own
+            mixer.setOutputFormat({}); // drops an earlier run's format; the output reports its own
         } else {
             mixer.fade().startFull();
             mixer.setOutputFormat(plan->format());
@@ -128,7 +128,7 @@ struct AudioGraph::State final : RenderClient {
 
     void renderFormatChanged(const StreamFormat &format) override { mixer.setOutputFormat(format); }
 
-    // A tail that was cut off would otherwise be heard before what is played next.
+    // Otherwise a tail that was cut off would be heard before the next sound.
     void renderPaused() override {
         plan->reset();
         mixer.reset();

@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// A gain that runs between silence and 1 in a straight line, so that sound neither starts nor ends
-/// with a click. At rest at 1 it costs nothing and is bit-exact.
+/// A linear gain ramp between silence and 1, against clicks at the start and the end. At rest at 1
+/// it costs nothing and is bit-exact.
 class Fade {
   public:
     static constexpr double seconds = 0.02; ///< from one end to the other
@@ -18,12 +18,11 @@ class Fade {
         step_ = static_cast<float>(1.0 / (seconds * sampleRate));
     }
 
-    /// The next block begins in silence and rises, or is at full level at once. While nothing
-    /// renders.
+    /// Starts the next block in silence and rising, or at full level. While nothing renders.
     void startSilent();
     void startFull();
 
-    /// From the next block on the sound goes down to silence and stays there. [any]
+    /// Fades to silence from the next block on, and stays there. [any]
     void goDown() { rises_.store(false, std::memory_order_relaxed); }
 
     /// True once a block has ended in silence. [any]

@@ -14,40 +14,41 @@
 
 namespace quorbel {
 
-/// The last stage: it fills the output's buffers from a plan, converting from the graph's rate to
-/// the output's and from stereo to the output's channels.
+/// The last stage: fills the output's buffers from a plan, converting from the graph's rate to the
+/// output's and from stereo to the output's channels.
 ///
-/// It asks the plan for exactly the frames that the converter needs, so nothing gathers between the
-/// two rates. With equal rates the sound goes through untouched.
+/// Asks the plan for exactly the frames that the converter needs, so no frames accumulate between
+/// the two rates. Equal rates are bit-exact.
 class MixerNode final : public GraphNode {
   public:
     MixerNode() = default;
 
-    /// The graph's side; the format must be stereo.
+    /// Prepares the graph's side; the format must be stereo.
     Status allocateRenderResources(const StreamFormat &format,
                                    std::uint32_t maximumFrames) override;
     void deallocateRenderResources() override;
 
-    /// The output's side: prepares the conversion for the pulls that follow, while none is under
-    /// way. Rates that cannot be converted give `statusFormatNotSupported` and silence. [control]
+    /// Prepares the output's side for the following pulls, while none is under way. Rates that
+    /// cannot be converted give `statusFormatNotSupported` and silence. [control]
     Status setOutputFormat(const StreamFormat &format);
 
-    /// What leaves the mixer: stereo at the output's rate; invalid before that is known. [any]
+    /// Format of the mixer's output: stereo at the output's rate; invalid before that is known.
+    /// [any]
     [[nodiscard]] StreamFormat outputFormat() const noexcept;
 
     /// Fills any number of frames of `output` from the plan, then hands them to the tap. Returns
-    /// what the plan returned. [render]
+    /// the plan's status. [render]
     Status pull(RenderPlan &plan, NodeTap &tap, const AudioBufferList &output,
                 std::uint32_t frames) noexcept;
 
-    /// How what comes out begins and ends.
+    /// Fade-in and fade-out of the output.
     [[nodiscard]] Fade &fade() { return fade_; }
 
-    /// The mixer's own work on a stereo block at the output's rate: the fade. [render]
+    /// Applies the fade to a stereo block at the output's rate. [render]
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
 
-    /// Silence in the converter; only while nothing pulls.
+    /// Clears the converter; only while nothing pulls.
     void reset() override;
 
   private:
@@ -58,7 +59,7 @@ class MixerNode final : public GraphNode {
     std::atomic<double> outputRate_{0.0};
     bool convertible_ = false;
     std::unique_ptr<SampleRateConverter> converter_; // only for different rates
-    std::uint32_t longestPull_ = maximumBlockFrames; // so that the plan's blocks stay in bounds
+    std::uint32_t longestPull_ = maximumBlockFrames; // keeps the plan's blocks within their maximum
     std::optional<PCMBuffer> graphBlock_;            // input of the converter
     std::optional<PCMBuffer> stereoBlock_;           // for outputs that are not stereo
     RenderTime time_;

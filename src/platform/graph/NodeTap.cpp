@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// Two channels of samples for one writer and one reader. Positions count all frames that ever
-/// passed.
+/// Two channels of samples for one writer and one reader. Positions count all frames since the
+/// beginning.
 class NodeTap::Ring {
   public:
     /// [render]
@@ -27,7 +27,8 @@ class NodeTap::Ring {
         written_.store(begin + frames, std::memory_order_release);
     }
 
-    /// Fills the whole capacity of `buffer`, or does nothing if there is not so much yet. [tap]
+    /// Fills the whole capacity of `buffer`; returns false and does nothing if the ring holds fewer
+    /// frames. [tap]
     bool read(PCMBuffer &buffer) noexcept {
         const std::uint64_t begin = read_.load(std::memory_order_relaxed);
         const std::uint32_t frames = buffer.frameCapacity();
@@ -42,7 +43,7 @@ class NodeTap::Ring {
         return true;
     }
 
-    /// [tap], or while nothing is delivered
+    /// [tap], or while no blocks are delivered
     void skipToNewest() noexcept {
         read_.store(written_.load(std::memory_order_acquire), std::memory_order_release);
     }

@@ -12,9 +12,9 @@
 
 namespace quorbel {
 
-/// Copies what a stage has rendered to a listener, in blocks of a fixed length. The render thread
-/// only ever writes into a ring and never waits; a serial queue empties it. In manual rendering,
-/// where everything is one thread, the listener is called inside `write` instead.
+/// Copies a stage's output to a listener, in blocks of a fixed length. The render thread writes
+/// into a ring and never waits; a serial queue empties it. Manual rendering has one thread and
+/// calls the listener inside `write` instead.
 class NodeTap {
   public:
     using Block = std::function<void(const PCMBuffer &buffer)>;
@@ -26,12 +26,12 @@ class NodeTap {
     NodeTap(const NodeTap &) = delete;
     NodeTap &operator=(const NodeTap &) = delete;
 
-    /// Replaces what was installed. `format` is of one or two channels. `queue`, not needed for
-    /// delivery inside `write`, must outlive the installation. [main]
+    /// Installs a listener in place of an earlier one. `format` has one or two channels. `queue`
+    /// must outlive the installation; delivery inside `write` needs none. [main]
     void install(const StreamFormat &format, std::uint32_t bufferFrames, Block block,
                  SerialQueue *queue);
 
-    /// After this the block is not called again. [main]
+    /// Once it has returned, the block is not called again. [main]
     void remove();
 
     /// [render]
@@ -39,7 +39,8 @@ class NodeTap {
         return target_.load(std::memory_order_acquire) != nullptr;
     }
 
-    /// Passes the block on if anybody listens; drops it if the listener is too slow. [render]
+    /// Passes the block on if a listener is installed; drops it if the listener is too slow.
+    /// [render]
     void write(const AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
   private:
@@ -49,10 +50,10 @@ class NodeTap {
 
     const Delivery delivery_;
     std::unique_ptr<Ring>
-        ring_; // made by the first installation, kept: the writer may still be in it
-    std::atomic<Ring *> target_{nullptr}; // where the render thread writes, if anybody listens
+        ring_; // made by the first installation and kept, as the writer may still use it
+    std::atomic<Ring *> target_{nullptr}; // where the render thread writes; null without a listener
 
-    // Changed only while nothing is delivered.
+    // Constant while blocks are delivered.
     SerialQueue *queue_ = nullptr;
     SerialQueue::TimerID queueTimer_ = 0;
     std::unique_ptr<PCMBuffer> buffer_;

@@ -9,14 +9,14 @@ namespace {
 
 constexpr std::uint32_t carry = 0x80000000U;
 
-// Without their signs, floats are ordered like the integers of their bits, with infinity and
-// not-a-number at the end; so one addition carries into the sign bit for all that is too large.
+// Without their signs, floats are ordered like the integers of their bits, with infinity and NaN at
+// the end. So one addition carries into the sign bit for every sample that is too large.
 constexpr std::uint32_t carryIfUnusable(float sample) {
     constexpr std::uint32_t limit = std::bit_cast<std::uint32_t>(0x1p40F);
     return (std::bit_cast<std::uint32_t>(sample) & ~carry) + (carry - limit);
 }
 
-constexpr std::uint32_t chunkFrames = 64; // a constant length, so that the scan becomes vector code
+constexpr std::uint32_t chunkFrames = 64; // a constant length lets the compiler vectorise the scan
 
 bool chunkHasUnusable(const float *samples) noexcept {
     std::uint32_t all = 0;

@@ -14,12 +14,12 @@ class OutputNode {
 
     [[nodiscard]] bool hasHardware() const { return output_ != nullptr; }
 
-    /// Binds the output to a device, for the next start. Without hardware it does nothing.
+    /// Binds the output to a device for the next start. Does nothing without hardware.
     Status setDevice(AudioObjectID device) {
         return output_ ? output_->setDevice(device) : statusOK;
     }
 
-    /// The bound device's native rate and channel count; an invalid format when there is none.
+    /// Native rate and channel count of the bound device; invalid without one.
     [[nodiscard]] StreamFormat nativeFormat() const {
         return output_ ? output_->nativeFormat() : StreamFormat{};
     }

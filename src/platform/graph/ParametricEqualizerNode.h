@@ -13,7 +13,7 @@ namespace quorbel {
 /// A stereo equaliser of a fixed number of bands in series and a global gain. Every change glides;
 /// a band that is bypassed or at 0 dB (parametric, shelves) costs nothing and is bit-exact.
 ///
-/// Setters [main], while rendering or not; what is set before the first block applies from its
+/// Setters [main], while rendering or not; settings made before the first block apply from its
 /// first frame.
 class ParametricEqualizerNode final : public GraphNode {
   public:
@@ -23,7 +23,7 @@ class ParametricEqualizerNode final : public GraphNode {
     [[nodiscard]] EqualizerBandSettings band(std::size_t index) const {
         return equalizer_.band(index);
     }
-    /// The first bands and the gain, taken together.
+    /// Sets the first bands and the gain, which apply together.
     void set(std::span<const EqualizerBandSettings> bands, float globalGainDB) {
         equalizer_.set(bands, globalGainDB);
     }
@@ -40,7 +40,7 @@ class ParametricEqualizerNode final : public GraphNode {
     void takeSettings() noexcept override { equalizer_.takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
-    /// Another equaliser.
+    /// 1 if the next stage is another equaliser.
     [[nodiscard]] std::size_t joinable(std::span<GraphNode *const> following) const override;
     bool renderJoined(std::span<GraphNode *const> joined, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;

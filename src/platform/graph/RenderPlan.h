@@ -12,8 +12,8 @@
 
 namespace quorbel {
 
-/// The stages of a graph up to its mixer, in the order in which they work. Made by
-/// `AudioGraph::start` and never edited. The nodes are allocated while it lives.
+/// The stages of a graph up to its mixer, in order of rendering. Made by `AudioGraph::start` and
+/// never edited. The nodes stay allocated during its lifetime.
 class RenderPlan {
   public:
     struct Stage {
@@ -21,8 +21,8 @@ class RenderPlan {
         NodeTap *tap = nullptr;
     };
 
-    /// `stages` begin with a source; `format` is that of all connections. While another thread
-    /// holds `settingsLock`, no stage takes new settings.
+    /// The first of `stages` is a source; all connections have `format`. While another thread holds
+    /// `settingsLock`, no stage takes new settings.
     RenderPlan(std::vector<Stage> stages, const StreamFormat &format, ShortLock &settingsLock);
     ~RenderPlan();
     RenderPlan(const RenderPlan &) = delete;
@@ -33,26 +33,27 @@ class RenderPlan {
 
     [[nodiscard]] const StreamFormat &format() const { return format_; }
 
-    /// Forgets the sound held in the stages; only while nothing renders. [control]
+    /// Clears the sound held in the stages; only while nothing renders. [control]
     void reset();
 
-    /// Renders the next 1 to `maximumBlockFrames` frames, all with settings of one moment: the
-    /// newest, or those of the block before while the lock is held. Returns the first status other
-    /// than 0: a failing source leaves silence, any other failing stage is passed over. [render]
+    /// Renders the next 1 to `maximumBlockFrames` frames. All stages use settings of the same time:
+    /// the newest, or the previous block's while the lock is held. Returns the first status other
+    /// than 0: a failing source gives silence, any other failing stage is skipped. [render]
     Status render(AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
   private:
     void takeSettings() noexcept;
-    /// Renders stage `first` and those that join it, unless they have to be rendered one by one.
+    /// Renders stage `first` and those that join its pass; returns false if they have to be
+    /// rendered one by one.
     bool renderJoined(std::size_t first, AudioBufferList &buffers, std::uint32_t frames) noexcept;
     Status renderAlone(const Stage &stage, AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
     std::vector<Stage> stages_;
     std::vector<GraphNode *> nodes_;    ///< the stages' nodes
-    std::vector<std::size_t> joinable_; ///< of each stage: how many behind it join its pass
+    std::vector<std::size_t> joinable_; ///< per stage: following stages that join its pass
     StreamFormat format_;
     ShortLock &settingsLock_;
-    std::size_t allocated_ = 0; // so many of the stages
+    std::size_t allocated_ = 0; // number of allocated stages
     RenderTime time_;           // render only
 };
 

@@ -8,17 +8,17 @@ namespace quorbel {
 /// A stereo reverb with a set of factory rooms. Mix and room glide; a mix of 0 costs nothing and is
 /// bit-exact.
 ///
-/// Setters [main], while rendering or not; what is set before the first block applies from its
+/// Setters [main], while rendering or not; settings made before the first block apply from its
 /// first frame.
 class ReverbNode final : public GraphNode {
   public:
     [[nodiscard]] RoomModel factoryPreset() const { return reverb_.roomModel(); }
-    /// The mix stays. Loading what is loaded changes nothing.
+    /// Loads a room and keeps the mix. Loading the current room changes nothing.
     void loadFactoryPreset(RoomModel model) { reverb_.setRoomModel(model); }
 
     /// Percent, 0 (direct sound alone) to 100 (room alone).
     [[nodiscard]] float wetDryMix() const { return reverb_.mixPercent(); }
-    /// Clamped to that range; not a number is 0.
+    /// Clamped to that range; NaN is 0.
     void setWetDryMix(float percent) { reverb_.setMixPercent(percent); }
 
     /// -EINVAL for anything but two channels at 8000 to 384000 Hz.

@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// Where a graph's sound comes from: a function that fills each block. What it delivers is freed of
-/// non-finite samples here, so that no stage downstream ever sees one.
+/// The source of a graph's sound: a function fills each block, and non-finite samples are replaced,
+/// so that no later stage sees one.
 class SourceNode final : public GraphNode {
   public:
     /// Fills `frames` frames of all buffers; a status other than 0 makes the block silent. [render]
@@ -18,7 +18,7 @@ class SourceNode final : public GraphNode {
 
     SourceNode(const StreamFormat &format, RenderCallback callback);
 
-    /// Frames so far in which a sample was not finite (or absurdly large) and was replaced by zero.
+    /// Number of frames with a sample that was not finite, or too large, and was replaced by zero.
     /// [any]
     [[nodiscard]] std::uint64_t replacedNonFiniteFrames() const noexcept {
         return replacedFrames_.load(std::memory_order_relaxed);

@@ -8,8 +8,7 @@
 
 namespace quorbel {
 
-/// An audio unit as a stage. The unit pulls its input as any unit does and finds that it already
-/// stands in the buffers it is to work on.
+/// An audio unit as a stage. The unit's pull of its input finds the samples already in the buffers.
 class UnitNode final : public GraphNode {
   public:
     explicit UnitNode(std::unique_ptr<AudioUnit> unit);
@@ -25,7 +24,7 @@ class UnitNode final : public GraphNode {
     void takeSettings() noexcept override { unit_->takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
-    /// Other units, as the unit says.
+    /// Number of following units that this unit's pass can take.
     [[nodiscard]] std::size_t joinable(std::span<GraphNode *const> following) const override;
     bool renderJoined(std::span<GraphNode *const> joined, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;

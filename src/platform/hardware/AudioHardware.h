@@ -14,28 +14,28 @@
 
 namespace quorbel {
 
-/// Names an object of the hardware layer (a process, a device, a tap); 0 names none.
+/// Id of an object of the hardware layer (a process, a device, a tap); 0 is none.
 using AudioObjectID = std::uint32_t;
 
-/// Names an IO procedure registered on a device; 0 names none.
+/// Id of an IO procedure registered on a device; 0 is none.
 using IOProcID = std::uint64_t;
 
-/// What a process tap is asked to be.
+/// Properties of a process tap.
 struct TapDescription {
     enum class MuteBehavior : std::int32_t {
         unmuted = 0,
         muted = 1,
-        mutedWhenTapped = 2, ///< the unprocessed sound is silent only while the tap is being read
+        mutedWhenTapped = 2, ///< the unprocessed sound is muted only while the tap is read
     };
 
-    std::vector<AudioObjectID> excludedProcesses; ///< a stereo tap of everything but these
+    std::vector<AudioObjectID> excludedProcesses; ///< all others are captured, in stereo
     std::string name;
     std::string uuid;
     MuteBehavior muteBehavior = MuteBehavior::unmuted;
     bool isPrivate = false;
 };
 
-/// A device made of another one and a tap: the tap's sound delivered at that device's clock.
+/// A device made of another one and a tap: delivers the tap's sound at that device's clock.
 struct AggregateDescription {
     struct Tap {
         std::string uuid;
@@ -57,13 +57,13 @@ struct IOCycle {
     StreamFormat format; ///< of this cycle; its rate may change while the device runs
     AudioBufferList input;
     std::uint32_t frames = 0;
-    /// When the cycle began: seconds on a clock that goes on while the machine sleeps.
+    /// Start time of the cycle in seconds, on a clock that includes the machine's sleep.
     double hostSeconds = 0.0;
-    /// False if the playback side will not run in this cycle: the block must not be kept, or the
-    /// delay would grow by its length; it counts as lost.
+    /// False if the playback side will not run in this cycle. The block must then be counted as
+    /// lost: keeping it would add its length to the delay.
     bool willPlay = true;
-    /// True if capture and playback share their cycles and everything handed over in earlier ones
-    /// has been played: what the client still holds is stale and would delay the sound for good.
+    /// True if capture and playback share their cycles and all earlier blocks have been played.
+    /// Frames that the client still holds are then stale and would delay the sound for good.
     bool isAllPlayed = false;
 };
 
@@ -72,8 +72,8 @@ class IOClient {
   public:
     virtual ~IOClient() = default;
 
-    /// The format of the cycles that follow. Called before the first cycle and again before the
-    /// first one in another format, never at the same time as `ioCycle`. May allocate. [control]
+    /// Receives the format of the following cycles: before the first one, and before each change.
+    /// Never concurrent with `ioCycle`. May allocate. [control]
     virtual void ioFormatChanged(const StreamFormat &format) = 0;
 
     /// One block, on the real-time thread. [capture]
@@ -85,92 +85,92 @@ class RenderClient {
   public:
     virtual ~RenderClient() = default;
 
-    /// As `IOClient::ioFormatChanged`, for the blocks that will be asked for. [control]
+    /// As `IOClient::ioFormatChanged`, for the requested blocks. [control]
     virtual void renderFormatChanged(const StreamFormat &format) = 0;
 
-    /// No more cycles until further notice: nobody plays. What the client still holds of the sound
-    /// must not be heard when they go on. Never at the same time as `renderCycle`. [control]
+    /// No application plays: there are no cycles until `renderResumed`. The client drops the sound
+    /// that it still holds. Never concurrent with `renderCycle`. [control]
     virtual void renderPaused() {}
 
-    /// Cycles come from now on. After a start they do not before this was called. [control]
+    /// Cycles follow. After a start none comes before this call. [control]
     virtual void renderResumed() {}
 
     /// Fills `frames` frames (1 or more) of every buffer of `output`. [render]
     virtual void renderCycle(const AudioBufferList &output, std::uint32_t frames) noexcept = 0;
 };
 
-/// The playback side: one stream to one device. Made by `AudioHardware::makeOutput`; destroying it
+/// The playback side: one stream to one device. Made by `AudioHardware::makeOutput`; the destructor
 /// stops it. All calls [main].
 class HardwareOutput {
   public:
     virtual ~HardwareOutput() = default;
 
-    /// Binds the output to a device, for the next start.
+    /// Binds the output to a device for the next start.
     virtual Status setDevice(AudioObjectID device) = 0;
 
-    /// The bound device's native rate and channel count (of which the output carries two); an
-    /// invalid format when there is none.
+    /// Native rate and channel count of the bound device (the output carries two of them); invalid
+    /// without a device.
     [[nodiscard]] virtual StreamFormat nativeFormat() const = 0;
 
-    /// Whether what is rendered goes on for a while after the last application has stopped, and the
-    /// device is to be kept running until it has died away.
+    /// If true, keeps the device running after the last application has stopped, until the rendered
+    /// tail has decayed.
     virtual void setHoldsTail(bool) {}
 
-    /// Whether nothing is to be heard on another device when the bound one goes, until the next
-    /// start; otherwise the system may bridge that time.
+    /// Plays nothing on another device after the bound one has gone, until the next start.
+    /// Otherwise the system may bridge that time.
     virtual void setStaysOnDevice(bool) {}
 
-    /// How much later the rendered sound is than the captured one, in seconds; 0 or more.
-    /// Applications are told of it, with the device's own latency. While stopped.
+    /// Sets the latency from captured to rendered sound, in seconds, 0 or more. It is reported to
+    /// applications together with the device's latency. While stopped.
     virtual void setProcessingDelay(double) {}
 
-    /// Starts asking `client` for sound. The client must stay alive until `stop` has returned. On
-    /// failure nothing is left running.
+    /// Starts requesting sound from `client`, which must live until `stop` has returned. After a
+    /// failure nothing runs.
     virtual Status start(RenderClient &client) = 0;
 
-    /// Waits while the client is asked for sound: until `condition` holds, which rendering brings
-    /// about, or for `seconds` at most. Returns at once if nobody asks.
+    /// Waits while cycles come until `condition` holds, which rendering brings about; for `seconds`
+    /// at most. Returns at once without cycles.
     virtual void renderUntil(const std::function<bool()> &condition, double seconds) = 0;
 
-    /// When this returns, no call to the client is under way and none will come. Stopping what does
-    /// not run does nothing.
+    /// Stops. When this returns, no call to the client is under way and none will come. Does
+    /// nothing if stopped.
     virtual void stop() = 0;
 };
 
-/// Of `hardwareLost`: the server is there, but sound cannot pass through our streams.
+/// Status of `hardwareLost`: the server runs, but sound cannot pass through our streams.
 inline constexpr Status soundCutOffStatus = -5; // EIO
 
-/// Hears of changes. Called on a thread of the hardware's own: do nothing but hand over. [control]
+/// Receives changes, on a thread of the hardware's own: do nothing but hand over. [control]
 class HardwareListener {
   public:
     virtual ~HardwareListener() = default;
     virtual void deviceListChanged() {} ///< also where the identity of one has changed
     virtual void defaultOutputChanged() {}
-    /// The hardware layer as a whole went away (the sound server died); every object in it is gone.
+    /// The whole hardware layer is gone with all its objects (the sound server died).
     virtual void hardwareLost(Status) {}
 };
 
 enum class HardwareProperty { deviceList, defaultOutput, connection };
 enum class Scope { input, output };
 
-/// What the engine and the device manager need of an operating system's audio layer, and nothing
-/// more. Calls return a Status and, on success only, set their out parameter. They may wait for the
-/// sound server, but never without a deadline. [main]
+/// The operations of an operating system's audio layer that the engine and the device manager need.
+/// Calls return a Status and set their out parameter on success only. They may wait for the sound
+/// server, always with a deadline. [main]
 class AudioHardware {
   public:
     virtual ~AudioHardware() = default;
 
-    /// After `hardwareLost`, once everything is stopped and destroyed: tries to reach the hardware
-    /// layer again. On success every object has a new id; listeners and outputs go on, outputs are
-    /// bound to nothing. Does nothing where the connection stands. Answers within half a second.
+    /// Tries to reach the hardware layer again after `hardwareLost`, once everything is stopped and
+    /// destroyed. On success every object has a new id; listeners and outputs stay valid, and
+    /// outputs are unbound. Does nothing while connected. Answers within half a second.
     virtual Status reconnect() = 0;
 
     // Devices
     virtual Status processObject(std::int32_t pid, AudioObjectID &process) = 0;
     virtual Status defaultOutputDevice(AudioObjectID &device) = 0;
     virtual Status deviceList(std::vector<AudioObjectID> &devices) = 0;
-    /// Tells a device from one that had the same id before: a serial is never used again. 0 where
-    /// the id names no device.
+    /// Distinguishes a device from an earlier one with the same id: a serial is never used again. 0
+    /// if the id names no device.
     [[nodiscard]] virtual std::uint64_t deviceSerial(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceUID(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceName(AudioObjectID device) = 0;
@@ -180,15 +180,14 @@ class AudioHardware {
     virtual Status streamChannelCounts(AudioObjectID device, Scope scope,
                                        std::vector<std::uint32_t> &channelsPerBuffer) = 0;
 
-    /// One listener may be installed for several properties; installing the same one twice is an
-    /// error of the caller. After `removeListener` has returned, no call is under way and none will
-    /// come.
+    /// One listener may be installed for several properties, but only once for each. After
+    /// `removeListener` has returned, no call is under way and none will come.
     virtual Status addListener(HardwareProperty property, HardwareListener &listener) = 0;
     virtual Status removeListener(HardwareProperty property, HardwareListener &listener) = 0;
 
     // Capture
-    /// Whether the capture that runs has to be made anew, now that the default output is another
-    /// one than it was made around, or the same.
+    /// Returns whether the running capture has to be rebuilt. `isAnotherDefaultOutput`: the default
+    /// output is not the one that the capture was made around.
     [[nodiscard]] virtual bool isCaptureOutdated(bool isAnotherDefaultOutput) {
         return isAnotherDefaultOutput;
     }

@@ -2,17 +2,17 @@
 
 namespace quorbel {
 
-/// One program at a time processes a user's sound: two would take each other's streams. The lock is
-/// a file lock in the user's runtime folder, so it goes with the process however that ends.
+/// Lets one program at a time process a user's sound: two would take each other's streams. It is a
+/// file lock in the user's runtime folder, so it ends with the process in any case.
 class InstanceLock {
   public:
-    /// Tries to take it; without a runtime folder there is nothing to keep apart and it is taken.
+    /// Tries to take the lock; without a runtime folder it always succeeds.
     InstanceLock();
     ~InstanceLock();
     InstanceLock(const InstanceLock &) = delete;
     InstanceLock &operator=(const InstanceLock &) = delete;
 
-    /// False if another process has it.
+    /// False if another process holds it.
     [[nodiscard]] bool isHeld() const { return isHeld_; }
 
   private:

@@ -2,14 +2,13 @@
 
 namespace quorbel {
 
-/// Opens the program's own folder inside the user's runtime folder, making it if it is missing.
-/// Returns a descriptor, or -1 if there is no runtime folder or ours cannot be trusted: it is a
-/// link, another user's, or open to others. The caller closes it.
+/// Opens the program's folder inside the user's runtime folder and makes it if it is missing.
+/// Returns a descriptor, which the caller closes. Returns -1 without a runtime folder, or if ours
+/// is a link, another user's, or open to others.
 int openRuntimeFolder();
 
 /// Opens a file in `folder` with `flags` of open(2), never through a link and never waiting.
-/// Returns -1 if it is no regular file of this user's. A file that is made can be read by this user
-/// alone.
+/// Returns -1 unless it is a regular file of this user. A new file is readable by this user only.
 int openRuntimeFile(int folder, const char *name, int flags);
 
 } // namespace quorbel

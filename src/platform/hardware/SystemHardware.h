@@ -7,11 +7,11 @@
 
 namespace quorbel {
 
-/// The one place that chooses a backend: the hardware layer of the system that the program runs on.
-/// Null and a negative errno when there is no sound server to talk to.
+/// Makes the hardware layer of the running system; the only place that chooses a backend. Returns
+/// null and sets a negative errno if no sound server answers.
 std::unique_ptr<AudioHardware> makeSystemHardware(Status &status);
 
-/// Name and version of the library that it uses, such as "PipeWire 1.4.2".
+/// Name and version of the backend's library, such as "PipeWire 1.4.2".
 [[nodiscard]] std::string systemHardwareLibrary();
 
 } // namespace quorbel

@@ -2,7 +2,9 @@
 
 #include "settings/records/Uuid.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <vector>
 
 namespace quorbel {
@@ -38,6 +40,17 @@ inline std::vector<EQBand> EQBand::defaultBands() {
     bands.front().filterType = FilterType::lowShelf;
     bands.back().filterType = FilterType::highShelf;
     return bands;
+}
+
+/// `bands`, with the ids of `others` where the two lists differ in nothing else. Factory bands get
+/// new ids at every launch, and ids count when bands are compared: without this, every start would
+/// find the active preset changed.
+[[nodiscard]] inline std::vector<EQBand> withIDsOf(const std::vector<EQBand> &others,
+                                                   std::vector<EQBand> bands) {
+    std::vector<EQBand> renamed = bands;
+    for (std::size_t index = 0; index < std::min(bands.size(), others.size()); ++index)
+        renamed[index].id = others[index].id;
+    return renamed == others ? renamed : bands;
 }
 
 } // namespace quorbel

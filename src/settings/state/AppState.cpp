@@ -135,17 +135,13 @@ void AppState::setActivePresetID(std::optional<Uuid> id) {
     Q_EMIT activePresetIDChanged();
 }
 
-/// Factory bands get new ids at every launch, and ids count when bands are compared: without this,
-/// every start would find the active preset changed.
 void AppState::takeOverBandIDs() {
+    const std::vector<EQBand> &bands = engine_->eq().bands();
     const Preset *active = activePreset();
-    std::vector<EQBand> bands = engine_->eq().bands();
-    if (active == nullptr || active->bands.size() != bands.size())
+    if (active == nullptr)
         return;
-    for (std::size_t i = 0; i < bands.size(); ++i)
-        bands[i].id = active->bands[i].id;
-    if (bands == active->bands)
-        engine_->eq().setBands(std::move(bands));
+    if (std::vector<EQBand> renamed = withIDsOf(active->bands, bands); renamed != bands)
+        engine_->eq().setBands(std::move(renamed));
 }
 
 } // namespace quorbel

@@ -1,5 +1,6 @@
 #include "settings/state/FavouritePresetsFile.h"
 
+#include "settings/records/SettingsFile.h"
 #include "settings/records/json/CodingError.h"
 #include "settings/records/json/JsonDocument.h"
 
@@ -42,6 +43,18 @@ FavouritePresetsFile::FavouritePresetsFile(const std::string &settingsPath)
     : file_(settingsPath, {.name = "favourite-presets",
                            .content = "The favourite presets",
                            .consequence = "No preset is a favourite now."}) {}
+
+std::vector<Uuid> FavouritePresetsFile::idsIn(const std::string &settingsPath) {
+    FavouritePresetsFile file(settingsPath);
+    try {
+        file.file_.peek([&](const json &document) { file.ids_ = decodedIds(document); });
+    } catch (const SettingsFileError &) {
+        return {};
+    } catch (const DecodingError &) {
+        return {};
+    }
+    return file.ids_;
+}
 
 std::optional<std::string> FavouritePresetsFile::read() {
     return file_.read([this](const json &document) { ids_ = decodedIds(document); });

@@ -21,6 +21,9 @@ class FavouritePresetsFile {
     /// Without favourites until `read`.
     explicit FavouritePresetsFile(const std::string &settingsPath);
 
+    /// The favourites in the file. None where it is missing or damaged; it is left as it is.
+    [[nodiscard]] static std::vector<Uuid> idsIn(const std::string &settingsPath);
+
     [[nodiscard]] const std::vector<Uuid> &ids() const { return ids_; }
 
     /// Reads the file; one that is missing has no favourites. Returns a warning for the user where

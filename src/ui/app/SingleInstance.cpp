@@ -3,6 +3,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QEventLoop>
+#include <QHash>
 #include <QTimer>
 
 #include <unistd.h>
@@ -79,10 +80,14 @@ void ApplicationAdaptor::Open(const QStringList &, const QVariantMap &platformDa
 
 void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantList &,
                                         const QVariantMap &platformData) {
-    if (action == QStringLiteral("Start"))
-        Q_EMIT instance_.requested({.kind = DesktopRequest::Kind::startProcessing});
-    else if (action == QStringLiteral("Stop"))
-        Q_EMIT instance_.requested({.kind = DesktopRequest::Kind::stopProcessing});
+    using Kind = DesktopRequest::Kind;
+    static const QHash<QString, Kind> kinds{
+        {QStringLiteral("Start"), Kind::startProcessing},
+        {QStringLiteral("Stop"), Kind::stopProcessing},
+        {QStringLiteral("NextPreset"), Kind::nextPreset},
+        {QStringLiteral("PreviousPreset"), Kind::previousPreset}};
+    if (const auto kind = kinds.find(action); kind != kinds.end())
+        Q_EMIT instance_.requested({.kind = *kind});
     else
         Activate(platformData);
 }

@@ -11,7 +11,7 @@ namespace quorbel {
 
 /// A request of the desktop or of a second start.
 struct DesktopRequest {
-    enum class Kind { show, startProcessing, stopProcessing };
+    enum class Kind { show, startProcessing, stopProcessing, nextPreset, previousPreset };
     Kind kind = Kind::show;
     QString activationToken{}; ///< the desktop's permission to take the focus; may be empty
 };

@@ -3,9 +3,12 @@
 #include "platform/hardware/SystemHardware.h"
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/TerminationSignals.h"
+#include "remote/RemoteClient.h"
+#include "remote/RemoteService.h"
 #include "settings/state/AppState.h"
 #include "settings/state/SettingsWatch.h"
 #include "ui/app/BackgroundNotice.h"
+#include "ui/app/ControlledWindow.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/ProcessingPermit.h"
@@ -21,6 +24,7 @@
 #include <QQuickWindow>
 
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -61,6 +65,19 @@ std::unique_ptr<AudioHardware> hardwareOrComplaint(WithoutServer otherwise) {
     }
 }
 
+/// Hands a request over to `ostrafine-cli live`, if that runs.
+void passOn(DesktopRequest::Kind kind) {
+    using Kind = DesktopRequest::Kind;
+    try {
+        RemoteClient().call(kind == Kind::stopProcessing ? QStringLiteral("Stop")
+                            : kind == Kind::nextPreset   ? QStringLiteral("NextPreset")
+                                                         : QStringLiteral("PreviousPreset"));
+    } catch (const NothingToControl &) {
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "ostrafine: %s\n", error.what());
+    }
+}
+
 } // namespace
 
 } // namespace quorbel
@@ -86,8 +103,12 @@ int main(int argc, char **argv) {
     constexpr int patienceMilliseconds = 5000;
     const std::optional<DesktopRequest> first =
         isBusStart ? instance.waitForRequest(patienceMilliseconds) : DesktopRequest{};
-    if (!first || first->kind == Kind::stopProcessing)
+    if (!first)
         return 0;
+    if (first->kind != Kind::show && first->kind != Kind::startProcessing) {
+        passOn(first->kind);
+        return 0;
+    }
 
     const auto hardware = hardwareOrComplaint(first->kind == Kind::show ? WithoutServer::ask
                                                                         : WithoutServer::complain);
@@ -101,6 +122,9 @@ int main(int argc, char **argv) {
     model.spectrum()->setVisible(false); // until a window says otherwise
     EngineModel &engine = *model.engine();
     const ProcessingPermit permit(engine);
+    ControlledWindow controlled(state, model);
+    RemoteControl control(controlled, clock);
+    const RemoteService service(control, QDBusConnection::sessionBus());
 
     const TrayItem tray(model);
     BackgroundNotice notice(QDBusConnection::sessionBus());
@@ -142,6 +166,10 @@ int main(int argc, char **argv) {
             engine.stop();
             endIfOfNoUse();
         }
+        if (request.kind == Kind::nextPreset)
+            control.nextPreset();
+        if (request.kind == Kind::previousPreset)
+            control.previousPreset();
         return request.kind != Kind::show || show(request.activationToken);
     };
     const auto answerOrEnd = [&](const DesktopRequest &request) {

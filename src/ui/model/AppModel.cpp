@@ -29,12 +29,13 @@ AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
     : QObject(parent), state_(state), favourites_(state.settingsPath(), nullptr),
       history_(state, favourites_, clock, nullptr), engine_(state, clock, nullptr),
       settings_(state.engine(), history_, nullptr),
-      equalizer_(state.engine().eq(), history_, nullptr),
+      equalizer_(state.engine().eq(), history_, nullptr), level_(state.engine(), history_, nullptr),
       presets_(state, favourites_, history_, nullptr), devices_(state, clock, nullptr),
       profiles_(state, nullptr), spectrum_(state.engine(), nullptr), navigation_(state, nullptr),
       about_(nullptr) {
     instance_ = this;
     state_.engine().setComparable(true);
+    state_.engine().setHoldsPeaks(true);
     state_.engine().useDefaultOutput(); // so that a first Start works
     const auto showWarning = [this] {
         warningDismissed_ = false;

@@ -5,6 +5,7 @@
 #include "ui/model/EqualizerModel.h"
 #include "ui/model/FavouritePresets.h"
 #include "ui/model/HistoryModel.h"
+#include "ui/model/LevelModel.h"
 #include "ui/model/NavigationModel.h"
 #include "ui/model/OutputProfileModel.h"
 #include "ui/model/PresetListModel.h"
@@ -54,6 +55,7 @@ class AppModel final : public QObject {
     Q_PROPERTY(quorbel::EngineModel *engine READ engine CONSTANT)
     Q_PROPERTY(quorbel::SettingsModel *settings READ settings CONSTANT)
     Q_PROPERTY(quorbel::EqualizerModel *equalizer READ equalizer CONSTANT)
+    Q_PROPERTY(quorbel::LevelModel *level READ level CONSTANT)
     Q_PROPERTY(quorbel::PresetListModel *presets READ presets CONSTANT)
     Q_PROPERTY(quorbel::DeviceListModel *devices READ devices CONSTANT)
     Q_PROPERTY(quorbel::OutputProfileModel *profiles READ profiles CONSTANT)
@@ -80,6 +82,7 @@ class AppModel final : public QObject {
         return settings_.setting(key.toStdString());
     }
     [[nodiscard]] EqualizerModel *equalizer() { return &equalizer_; }
+    [[nodiscard]] LevelModel *level() { return &level_; }
     [[nodiscard]] PresetListModel *presets() { return &presets_; }
     [[nodiscard]] DeviceListModel *devices() { return &devices_; }
     [[nodiscard]] OutputProfileModel *profiles() { return &profiles_; }
@@ -87,6 +90,7 @@ class AppModel final : public QObject {
     [[nodiscard]] NavigationModel *navigation() { return &navigation_; }
     [[nodiscard]] HistoryModel *history() { return &history_; }
     [[nodiscard]] AboutModel *about() { return &about_; }
+    [[nodiscard]] const FavouritePresets &favourites() const { return favourites_; }
 
     [[nodiscard]] QString persistWarning() const;
     /// Until there is another one.
@@ -105,6 +109,7 @@ class AppModel final : public QObject {
     EngineModel engine_;
     SettingsModel settings_;
     EqualizerModel equalizer_;
+    LevelModel level_;
     PresetListModel presets_;
     DeviceListModel devices_;
     OutputProfileModel profiles_;

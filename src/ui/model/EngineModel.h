@@ -76,6 +76,9 @@ class EngineModel final : public QObject {
     /// engine; empty for none.
     void setStartCheck(std::function<QString()> check) { startCheck_ = std::move(check); }
 
+    /// The reason against the last start, until it has gone; empty for none.
+    [[nodiscard]] const QString &refusal() const { return refusal_; }
+
     [[nodiscard]] bool comparing() const;
     void setComparing(bool comparing);
 

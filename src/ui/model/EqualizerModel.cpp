@@ -29,6 +29,11 @@ EqualizerModel::EqualizerModel(EQProcessor &eq, HistoryModel &history, QObject *
     connect(&eq_, &EQProcessor::bandsChanged, this, &EqualizerModel::bandsChanged);
     connect(&eq_, &EQProcessor::bandsChanged, this, &EqualizerModel::responseChanged);
     connect(&eq_, &EQProcessor::globalGainDBChanged, this, &EqualizerModel::globalGainChanged);
+    for (const auto gainChanged :
+         {&EQProcessor::globalGainDBChanged, &EQProcessor::presetGainDBChanged}) {
+        connect(&eq_, gainChanged, this, &EqualizerModel::totalGainChanged);
+        connect(&eq_, gainChanged, this, &EqualizerModel::responseChanged);
+    }
 }
 
 int EqualizerModel::bypassedCount() const {
@@ -36,8 +41,10 @@ int EqualizerModel::bypassedCount() const {
 }
 
 QList<qreal> EqualizerModel::curveValues() const {
-    const auto heights =
-        quorbel::curveValues(displayResponse(eq_.bands()), -drawnRangeDB(), drawnRangeDB());
+    DisplayResponse response = displayResponse(eq_.bands());
+    for (double &value : response)
+        value += totalGainDB();
+    const auto heights = quorbel::curveValues(response, -drawnRangeDB(), drawnRangeDB());
     return {heights.begin(), heights.end()};
 }
 
@@ -45,7 +52,7 @@ QList<qreal> EqualizerModel::exactValues() const {
     QList<qreal> heights;
     for (const double value :
          equalizerResponseDB(eq_.eq(), chainFormat.sampleRate, exactPointCount))
-        heights << drawingHeight(value, -drawnRangeDB(), drawnRangeDB());
+        heights << drawingHeight(value + totalGainDB(), -drawnRangeDB(), drawnRangeDB());
     return heights;
 }
 

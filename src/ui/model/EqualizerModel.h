@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/logic/DrawnCurves.h"
+#include "ui/logic/NumberFormat.h"
 #include "ui/model/BandListModel.h"
 
 #include <QList>
@@ -18,15 +19,17 @@ class EqualizerModel final : public QObject {
     Q_PROPERTY(quorbel::BandListModel *bands READ bands CONSTANT)
     Q_PROPERTY(int count READ count NOTIFY bandsChanged)
     Q_PROPERTY(int bypassedCount READ bypassedCount NOTIFY bandsChanged)
-    // Both curves and the peak leave out the global gain.
+    // Both curves count the global gain and the preset's; the peak is that of the bands alone.
     /// The drawn response, 90 heights 0 to 1 over `drawnRangeDB` to both sides.
     Q_PROPERTY(QList<qreal> curveValues READ curveValues NOTIFY responseChanged)
-    /// The response that the equaliser plays, without the global gain, as more such heights.
+    /// The response that the equaliser plays, as more such heights.
     Q_PROPERTY(QList<qreal> exactValues READ exactValues NOTIFY responseChanged)
     Q_PROPERTY(double peakDB READ peakDB NOTIFY responseChanged)
     Q_PROPERTY(QString peakText READ peakText NOTIFY responseChanged)
     Q_PROPERTY(double globalGainDB READ globalGainDB WRITE setGlobalGainDB NOTIFY globalGainChanged)
     Q_PROPERTY(QString globalGainText READ globalGainText NOTIFY globalGainChanged)
+    /// Both gains together, by which the curves lie above the bands' own response.
+    Q_PROPERTY(double totalGainDB READ totalGainDB NOTIFY totalGainChanged)
     Q_PROPERTY(QStringList filterTypeTitles READ filterTypeTitles CONSTANT)
     Q_PROPERTY(double drawnRangeDB READ drawnRangeDB CONSTANT)
     Q_PROPERTY(double minFrequency READ minFrequency CONSTANT)
@@ -52,6 +55,7 @@ class EqualizerModel final : public QObject {
     [[nodiscard]] double globalGainDB() const;
     void setGlobalGainDB(double dB);
     [[nodiscard]] QString globalGainText() const;
+    [[nodiscard]] double totalGainDB() const { return shownValue(eq_.totalGainDB()); }
 
     /// In the order of `EQBand::FilterType`.
     [[nodiscard]] static QStringList filterTypeTitles();
@@ -77,6 +81,7 @@ class EqualizerModel final : public QObject {
     void bandsChanged();
     void responseChanged();
     void globalGainChanged();
+    void totalGainChanged();
 
   private:
     EQProcessor &eq_;

@@ -1,10 +1,9 @@
 #include "ui/model/PresetChoiceModel.h"
 
+#include "settings/presets/PresetChoice.h"
 #include "ui/model/FavouritePresets.h"
 
 #include <algorithm>
-#include <array>
-#include <iterator>
 #include <utility>
 
 namespace quorbel {
@@ -45,20 +44,13 @@ QHash<int, QByteArray> PresetChoiceModel::roleNames() const {
 }
 
 std::vector<PresetChoiceModel::Choice> PresetChoiceModel::currentChoices() const {
-    enum Rank : std::size_t { favourite, own, library };
-    std::array<std::vector<Choice>, 3> ranked;
-    for (const Preset &preset : state_.presets()) {
-        const bool isOwn = preset.category == Preset::Category::user;
-        const Rank rank = favourites_.contains(preset.id) ? favourite : isOwn ? own : library;
-        ranked[rank].push_back({.id = QString::fromStdString(preset.id.text()),
-                                .name = QString::fromUtf8(preset.name),
-                                .group = rank == favourite
-                                             ? tr("Favourites")
-                                             : QString::fromUtf8(displayName(preset.category))});
-    }
     std::vector<Choice> choices;
-    for (std::vector<Choice> &group : ranked)
-        std::ranges::move(group, std::back_inserter(choices));
+    for (const Preset &preset : inPickerOrder(state_.presets(), favourites_.ids()))
+        choices.push_back({.id = QString::fromStdString(preset.id.text()),
+                           .name = QString::fromUtf8(preset.name),
+                           .group = favourites_.contains(preset.id)
+                                        ? tr("Favourites")
+                                        : QString::fromUtf8(displayName(preset.category))});
     return choices;
 }
 

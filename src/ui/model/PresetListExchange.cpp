@@ -182,7 +182,9 @@ ExchangeResult PresetListModel::importOne(const QString &path) {
             state_.setPresetGainDB(imported.preset.id, imported.gainDB.value_or(0.0F));
             adoptPreset(state_, imported.preset);
         });
-        return done(summaryOf(imported), notesOf(imported));
+        ExchangeResult result = done(summaryOf(imported), notesOf(imported));
+        result.lacksGain = !imported.gainDB;
+        return result;
     } catch (const std::runtime_error &error) {
         return failed(failureText(path, error));
     }

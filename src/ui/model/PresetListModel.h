@@ -22,12 +22,14 @@ struct ExchangeResult {
     Q_PROPERTY(bool ok MEMBER ok)
     Q_PROPERTY(QString message MEMBER message)
     Q_PROPERTY(QStringList details MEMBER details)
+    Q_PROPERTY(bool lacksGain MEMBER lacksGain)
 
   public:
     bool ok = false; ///< everything that was asked for has been done
     QString message; ///< the result, or why there is none
     QStringList
         details; ///< one line per file of several; lines that were not taken as written, and why
+    bool lacksGain = false; ///< a preset was applied whose file says nothing about its gain
 };
 
 class FavouritePresets;

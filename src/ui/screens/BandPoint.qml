@@ -17,11 +17,13 @@ FocusArea {
     required property DotCurve curve
     /// Gain in dB at the top of the curve; the bottom has its negative.
     required property real rangeDB
+    /// Gain in dB of all bands together, by which the curve lies higher than the band's own gain.
+    required property real offsetDB
 
     property bool selected: false
     readonly property real centreX: curve && curve.width > 0 ? curve.xOfFrequency(frequency) : 0
     // Follows the curve's height, which the mapping depends on.
-    readonly property real centreY: curve && curve.height > 0 ? yOf(Math.max(-rangeDB, Math.min(rangeDB, gain))) : 0
+    readonly property real centreY: curve && curve.height > 0 ? yOf(Math.max(-rangeDB, Math.min(rangeDB, gain + offsetDB))) : 0
     signal chosen
 
     function yOf(decibels: real): real {
@@ -125,7 +127,7 @@ FocusArea {
             App.history.beginGesture();
             // The point is held where it was touched, so that a click alone moves nothing.
             pressedAt = last = mapToItem(point.curve, event.x, event.y);
-            held = Qt.point(point.centreX, point.yOf(point.gain));
+            held = Qt.point(point.centreX, point.yOf(point.gain + point.offsetDB));
             movesX = movesY = false;
             wasReset = event.modifiers & Qt.ControlModifier;
             if (wasReset)
@@ -146,7 +148,7 @@ FocusArea {
             if (right !== 0)
                 pitch.moveTo(Math.log2(point.curve.frequencyAt(held.x)), right);
             if (down !== 0)
-                level.moveTo((point.curve.heightAt(held.y) - 0.5) * 2 * point.rangeDB, -down);
+                level.moveTo((point.curve.heightAt(held.y) - 0.5) * 2 * point.rangeDB - point.offsetDB, -down);
         }
         onReleased: App.history.endGesture()
         onCanceled: App.history.endGesture()

@@ -105,6 +105,10 @@ DotCard {
                     WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
                     text: App.engine.secondLine
                 }
+                HeldLevels {
+                    WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
+                    visible: !panel.line
+                }
                 CaptionText {
                     WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
                     visible: App.engine.losses !== ""

@@ -10,6 +10,10 @@ Rectangle {
     property string message: ""
     property var details: []
     property bool isWarning: false
+    /// A button that does something about the message; none if empty.
+    property string action: ""
+    property string actionHelp: ""
+    signal acted
     signal dismissed
 
     visible: message !== ""
@@ -61,6 +65,12 @@ Rectangle {
                 font.pixelSize: Theme.captionSize
                 accessibleName: qsTr("Details")
             }
+        }
+        DotButton {
+            visible: notice.action !== ""
+            text: notice.action
+            help: notice.actionHelp
+            onClicked: notice.acted()
         }
         DotButton {
             flat: true

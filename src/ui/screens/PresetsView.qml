@@ -17,17 +17,20 @@ Item {
     property string report: ""
     property var reportDetails: []
     property bool reportIsWarning: false
+    property bool reportLacksGain: false
 
     function show(result) {
         report = result.message;
         reportDetails = result.details;
         reportIsWarning = !result.ok;
+        reportLacksGain = result.lacksGain;
     }
 
     function say(what) {
         report = what;
         reportDetails = [];
         reportIsWarning = false;
+        reportLacksGain = false;
     }
     function update(presetId, name) {
         App.presets.update(presetId);
@@ -122,6 +125,9 @@ Item {
             message: screen.report
             details: screen.reportDetails
             isWarning: screen.reportIsWarning
+            action: screen.reportLacksGain && App.level.overshoots ? App.level.lowerToFullScaleText : ""
+            actionHelp: qsTr("The file has no preamp, and the highest point is above 0 dB: lowers the preset's gain")
+            onActed: App.level.lowerToFullScale()
             onDismissed: screen.report = ""
         }
         DotTextField {

@@ -34,6 +34,11 @@ DotCard {
         text: "-88.8 dB peak"
     }
     Measure {
+        id: widestHighest
+        font.pixelSize: Theme.bodySize
+        text: qsTr("Highest %1").arg("-88.8 dB")
+    }
+    Measure {
         id: widestDecibels
         font.pixelSize: Theme.captionSize
         text: "+12 dB"
@@ -105,6 +110,25 @@ DotCard {
                 accessibleName: qsTr("Global gain, typed")
                 onCommitted: value => App.equalizer.globalGainDB = value
             }
+            BodyText {
+                WrapRow.trailing: true
+                visible: presetGain.visible
+                text: qsTr("Preset")
+                Accessible.ignored: true
+            }
+            ValueField {
+                id: presetGain
+                WrapRow.minimumWidth: Math.max(8 * Theme.textUnit, contentWidth + Theme.unit)
+                implicitWidth: 8 * Theme.textUnit
+                // Most presets have none: one control less.
+                visible: App.level.presetGainDB !== 0 || activeFocus
+                valueText: App.level.presetGainText
+                function parse(text: string): real {
+                    return App.equalizer.parseGain(text);
+                }
+                accessibleName: qsTr("Gain of the preset, typed")
+                onCommitted: value => App.level.presetGainDB = value
+            }
             DotToggle {
                 id: exact
                 WrapRow.trailing: true
@@ -118,6 +142,28 @@ DotCard {
                 text: App.equalizer.peakText
                 font.pixelSize: Theme.bodySize
                 color: Theme.ink
+            }
+            CaptionText {
+                WrapRow.minimumWidth: Math.max(implicitWidth, Math.ceil(widestHighest.advanceWidth))
+                horizontalAlignment: x > 0 ? Text.AlignRight : Text.AlignLeft
+                text: qsTr("Highest %1").arg(App.level.highestPointText)
+                font.pixelSize: Theme.bodySize
+                color: Theme.ink
+
+                HoverHandler {
+                    id: overHighest
+                }
+                DotToolTip {
+                    visible: overHighest.hovered
+                    text: qsTr("Headroom: the highest point of equalizer and tone with all gains. Above 0 dB, loud sound has to be limited.")
+                }
+            }
+            DotButton {
+                objectName: "lowerToFullScale"
+                visible: App.level.overshoots
+                text: App.level.lowerToFullScaleText
+                help: qsTr("Lowers the preset's gain until the highest point is at 0 dB")
+                onClicked: App.level.lowerToFullScale()
             }
         }
         RowLayout {
@@ -171,6 +217,7 @@ DotCard {
                         // qmllint disable unqualified
                         curve: plot
                         rangeDB: App.equalizer.drawnRangeDB
+                        offsetDB: App.equalizer.totalGainDB
                         selected: card.selectedBand === index
                         opacity: App.engine.comparing ? Theme.disabledOpacity : 1
                         onChosen: card.bandChosen(index)

@@ -1,5 +1,6 @@
 #include "platform/dsp/SectionCascade.h"
 
+#include "platform/dsp/MovingCascade.h"
 #include "support/EveryVectorTarget.h"
 
 #include <gtest/gtest.h>
@@ -80,6 +81,34 @@ TEST_P(SectionCascadeOnTarget, agreesWithThePlainOne) {
         EXPECT_LT(errorDB(whole.right, expected.right), -110.0) << count << " sections";
         for (const std::size_t block : {1U, 3U, 17U, 64U, 1000U})
             EXPECT_EQ(run(processCascade, sections, sound, block), whole)
+                << count << " sections in blocks of " << block;
+    }
+}
+
+// A glide's rounding does not depend on the machine, nor on how the sound is cut into calls.
+TEST_P(SectionCascadeOnTarget, movesAsThePlainOneBitByBit) {
+    constexpr std::uint32_t stepFrames = 16;
+    const Stereo sound = noise(stepFrames);
+    const auto ends = someSections(34);
+    for (const std::size_t count : {1U, 3U, 5U, 10U, 16U, 17U}) {
+        const auto moved = [&](auto process, std::uint32_t block) {
+            std::vector<SectionState> left(count, {0.1F, -0.2F});
+            std::vector<SectionState> right(count, {-0.3F, 0.4F});
+            std::vector<MovingSection> sections(count);
+            for (std::size_t i = 0; i < count; ++i)
+                sections[i] = {&ends[i], i % 3 == 1 ? nullptr : &ends[17 + i], &left[i], &right[i]};
+            Stereo result = sound;
+            for (std::uint32_t start = 0; start < stepFrames; start += block)
+                process({sections.data(), count, stepFrames, start}, result.left.data() + start,
+                        result.right.data() + start, std::min(block, stepFrames - start));
+            for (std::size_t i = 0; i < count; ++i)
+                for (const SectionState &state : {left[i], right[i]})
+                    result.left.insert(result.left.end(), {state.first, state.second});
+            return result;
+        };
+        const Stereo expected = moved(processMovingPlainly, stepFrames);
+        for (const std::uint32_t block : {16U, 5U, 1U})
+            EXPECT_EQ(moved(processMoving, block), expected)
                 << count << " sections in blocks of " << block;
     }
 }

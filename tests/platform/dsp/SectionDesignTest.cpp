@@ -43,28 +43,6 @@ TEST(SectionDesign, isStableAndFiniteForAnySettings) {
                     }
 }
 
-TEST(SectionDesign, flatBandsNeedNoSection) {
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const EqualizerBandSettings boost{EqualizerFilterType::parametric, 1000.0F, 1.0F, 6.0F, false};
-    EXPECT_TRUE(designBand(boost, 48000.0));
-    auto with = [&](auto change) {
-        EqualizerBandSettings settings = boost;
-        change(settings);
-        return designBand(settings, 48000.0).has_value();
-    };
-    EXPECT_FALSE(with([](auto &s) { s.bypass = true; }));
-    EXPECT_FALSE(with([](auto &s) { s.gainDB = 0.0F; }));
-    EXPECT_FALSE(with([](auto &s) { s.gainDB = -1.5e-8F; }));
-    EXPECT_FALSE(with([&](auto &s) { s.gainDB = nan; }));
-    EXPECT_FALSE(with([&](auto &s) { s.frequencyHz = nan; }));
-    EXPECT_FALSE(with([&](auto &s) { s.bandwidthOctaves = nan; }));
-    EXPECT_TRUE(with([](auto &s) { s.gainDB = 0.1F; }));
-    EXPECT_TRUE(with([&](auto &s) {
-        s.filterType = EqualizerFilterType::highPass; // has no gain
-        s.gainDB = nan;
-    }));
-}
-
 // Neighbouring settings must give neighbouring filters, or a slider would rattle: the fit must not
 // fall into another minimum from one step to the next.
 TEST(SectionDesign, movesSmoothlyWithItsSettings) {

@@ -78,15 +78,6 @@ TEST_F(AudioGraphConnectionsTest, ConnectingReplacesWhatWasAtEitherEnd) {
     EXPECT_THAT(takeLog(), ElementsAre("allocate b"));
 }
 
-TEST_F(AudioGraphConnectionsTest, FormatsThatDoNotFitAreRefused) {
-    connectInLine(graph, {&source.node, &a});
-    graph.connect(source.node, a, {44100.0, 2});
-    EXPECT_EQ(graph.start(), statusFormatNotSupported);
-    graph.connect(a, graph.mainMixer(), {44100.0, 2});
-    EXPECT_EQ(graph.start(), statusFormatNotSupported) << "the source's own format is another";
-    EXPECT_TRUE(takeLog().empty());
-}
-
 TEST_F(AudioGraphConnectionsTest, AFailureLeavesNothingAllocatedAndTheNextStartWorks) {
     TestOutput::Line line;
     AudioGraph live(std::make_unique<TestOutput>(line), threadedSerialQueues());
@@ -108,20 +99,6 @@ TEST_F(AudioGraphConnectionsTest, AFailureLeavesNothingAllocatedAndTheNextStartW
     EXPECT_NE(line.client, nullptr);
     live.stop();
     EXPECT_EQ(line.client, nullptr);
-}
-
-TEST_F(AudioGraphConnectionsTest, TheMixersFormatIsThatOfTheOutput) {
-    EXPECT_FALSE(graph.outputFormat(graph.mainMixer()).isValid());
-    connectInLine(graph, {&source.node});
-    EXPECT_EQ(graph.outputFormat(graph.mainMixer()), chain);
-    EXPECT_EQ(graph.outputFormat(source.node), chain);
-
-    TestOutput::Line line{.native = {44100.0, 6}};
-    AudioGraph live(std::make_unique<TestOutput>(line));
-    connectInLine(live, {&a});
-    EXPECT_EQ(live.outputFormat(live.mainMixer()), (StreamFormat{44100.0, 2}));
-    line.native = {};
-    EXPECT_FALSE(live.outputFormat(live.mainMixer()).isValid());
 }
 
 } // namespace

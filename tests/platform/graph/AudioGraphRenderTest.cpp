@@ -151,28 +151,6 @@ TEST_P(ConvertingGraphTest, KeepsPitchAndLevelAndPullsExactlyWhatItNeeds) {
 INSTANTIATE_TEST_SUITE_P(Rates, ConvertingGraphTest,
                          ::testing::Values(44100.0, 48000.0, 96000.0, 192000.0, 32000.0, 8000.0));
 
-struct ChangingRateTest : ::testing::Test, SineGraph {};
-
-TEST_F(ChangingRateTest, FollowsTheOutputsRateWhileRunning) {
-    start();
-    line.play(48 * 21); // fades in; whole periods of the sine
-    EXPECT_EQ(line.play(512).left[12], static_cast<float>(0.5)) << "equal rates: untouched";
-    line.changeFormat(44100.0);
-    EXPECT_EQ(graph.outputFormat(graph.mainMixer()).sampleRate, 44100.0);
-    std::vector<float> played;
-    for (int i = 0; i < 100; ++i) {
-        const Stereo block = line.play(441);
-        played.insert(played.end(), block.left.begin(), block.left.end());
-    }
-    EXPECT_NEAR(SineFit::of(std::span(played).subspan(22050), 1000.0, 44100.0).amplitude, 0.5,
-                0.002);
-
-    line.changeFormat(48000.0);
-    const std::int64_t before = pulled;
-    line.play(512);
-    EXPECT_EQ(pulled, before + 512);
-}
-
 TEST(HardwareRenderTest, FlushesDenormalsWhileRenderingAndOnlyThen) {
     volatile float tiny = std::numeric_limits<float>::min();
     float seen = -1.0F;

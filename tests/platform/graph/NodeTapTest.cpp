@@ -109,24 +109,6 @@ TEST(NodeTapTest, OnAClockItIsDeliveredAtItsOwnTimesAndStartsAfreshWhenInstalled
     EXPECT_TRUE(again.countsFrom(3000.0F)) << "nothing left over from before";
 }
 
-TEST(NodeTapTest, ASlowListenerCostsItsOwnFramesOnly) {
-    ManualClock clock;
-    CountingSource source;
-    TestOutput::Line line;
-    AudioGraph graph(std::make_unique<TestOutput>(line), clockedSerialQueues(clock));
-    connectInLine(graph, {&source.node});
-    ASSERT_EQ(graph.start(), statusOK);
-    line.play(1000); // fades in
-    Heard heard;
-    graph.installTap(graph.mainMixer(), 1024, heard.listener());
-    for (int i = 0; i < 100; ++i)
-        line.play(1024);
-    EXPECT_EQ(source.position, 103'400);
-    clock.advance(1.0);
-    EXPECT_EQ(heard.left.size(), 32'768U);
-    EXPECT_TRUE(heard.countsFrom(1000.0F)) << "what is heard is whole";
-}
-
 TEST(NodeTapTest, InstallsAndRemovesWhileAnotherThreadRenders) {
     CountingSource source;
     TestOutput::Line line;

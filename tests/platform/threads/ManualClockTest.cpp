@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace quorbel {
@@ -77,22 +76,6 @@ TEST_F(ManualClockTest, CancelledTimersAreSilentAlsoFromInsideTheirOwnTask) {
     { const Timer scoped = Timer::once(clock, 0.1, note("out of scope")); }
     clock.advance(1.0);
     EXPECT_THAT(log, ElementsAre("tick", "tick"));
-}
-
-TEST_F(ManualClockTest, TakesWorkFromOtherThreads) {
-    int done = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 1000; ++i)
-                clock.post([&] { ++done; });
-        });
-    while (done < 2000)
-        clock.runPending();
-    for (std::thread &thread : threads)
-        thread.join();
-    clock.runPending();
-    EXPECT_EQ(done, 4000);
 }
 
 } // namespace

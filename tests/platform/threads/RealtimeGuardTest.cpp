@@ -49,27 +49,5 @@ TEST(RealtimeGuardTest, SeesMemoryAndForeignLocksOfItsOwnThreadAndNothingElse) {
     EXPECT_EQ(elsewhere.violations().allocations, 0U);
 }
 
-TEST(ShortLockTest, ExcludesAndCanBeTried) {
-    ShortLock lock;
-    long counter = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 20'000; ++i) {
-                const std::lock_guard guard(lock);
-                ++counter;
-            }
-        });
-    for (std::thread &thread : threads)
-        thread.join();
-    EXPECT_EQ(counter, 80'000);
-
-    lock.lock();
-    bool taken = true;
-    std::thread([&] { taken = lock.try_lock(); }).join();
-    EXPECT_FALSE(taken);
-    lock.unlock();
-}
-
 } // namespace
 } // namespace quorbel::testing

@@ -79,18 +79,6 @@ TEST_F(AudioUnitRegistryTest, MakesWhatIsRegisteredAndReportsWhatIsNot) {
     EXPECT_EQ(result->status, statusComponentNotFound);
 }
 
-TEST_F(AudioUnitRegistryTest, PassesOnWhyAUnitCannotBeMade) {
-    registry.registerSubclass(
-        [](const ComponentDescription &, InstantiationOptions) -> std::unique_ptr<AudioUnit> {
-            const AudioUnitBus impossible(StreamFormat{0.0, 2});
-            return nullptr;
-        },
-        testKind, "Broken", 1);
-    instantiate(testKind);
-    EXPECT_EQ(result->unit, nullptr);
-    EXPECT_EQ(result->status, statusFormatNotSupported);
-}
-
 TEST(AudioUnitTest, BussesKeepTheirFormatWhenOneIsRefusedAndMustAgree) {
     BareUnit unit(testKind, 0);
     EXPECT_EQ(unit.input.setFormat({48000.0, 9}), statusFormatNotSupported);

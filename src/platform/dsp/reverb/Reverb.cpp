@@ -10,19 +10,19 @@ namespace {
 
 constexpr double mixGlideSeconds = 0.040;
 
-/// What enters a room that has just been made is faded in: the edge of a sound that began suddenly
-/// would be heard in every echo of it, and a steady tone would swell beyond where it comes to rest
-/// (by 0.9 dB at 30 ms, 0.56 dB at 300 ms).
+/// Fades in the input of a new room: otherwise the edge of a sound that begins suddenly is heard in
+/// each of its echoes. The length limits the overshoot of a steady tone (0.9 dB at 30 ms, 0.56 dB
+/// at 300 ms).
 constexpr double fadeInSeconds = 0.300;
 
-/// From an old room's sound to a new one's, which has to gather.
+/// Crossfade from the old room to the new one, whose sound has to build up.
 constexpr double fadeSeconds = 0.150;
 
 std::uint32_t frameCount(double seconds, double sampleRate) {
     return std::max(1U, static_cast<std::uint32_t>(std::lround(seconds * sampleRate)));
 }
 
-/// From 0 to 1 with level ends.
+/// Rises from 0 to 1 with zero slope at both ends.
 float fadeWeight(std::uint32_t frame, std::uint32_t frames) noexcept {
     const float t = static_cast<float>(frame) / static_cast<float>(frames);
     return t * t * (3.0F - 2.0F * t);
@@ -69,7 +69,7 @@ void Reverb::prepare(double sampleRate) {
 
 void Reverb::reset() {
     if (sampleRate_ == 0.0)
-        return; // no sound yet, and no memory for any
+        return; // not prepared: no sound and no memory yet
     for (Voice &voice : voices_)
         voice.tank.prepare(sampleRate_);
     started_ = false;
@@ -87,7 +87,7 @@ void Reverb::begin() noexcept {
     if (mix_ == 0.0F)
         return;
     leaveIdle();
-    voices_[current_].fadedIn = fadeInFrames_; // what plays from the first frame has no edge
+    voices_[current_].fadedIn = fadeInFrames_; // a sound from the first frame on has no edge
 }
 
 void Reverb::leaveIdle() noexcept {
@@ -117,7 +117,7 @@ void Reverb::acceptSettings() noexcept {
     }
     const float target = takenMix_;
     if (idle_) {
-        // Turned up again before the last sound was erased, it waits for that.
+        // A mix turned up before the last sound is erased waits for that.
         if (target == 0.0F || !voices_[current_].tank.isClear())
             return;
         leaveIdle();
@@ -128,7 +128,7 @@ void Reverb::acceptSettings() noexcept {
     }
 
     if (newDesign_ && designs_.current().model == runningModel_)
-        newDesign_ = false; // there and back again before anything was rendered
+        newDesign_ = false; // changed there and back before the next block
     if (newDesign_ && !fading_ && voices_[1 - current_].tank.isClear()) {
         current_ = 1 - current_;
         leaveIdle();

@@ -35,8 +35,8 @@ void hear(ReverbTank::State &state, std::size_t channel, const float *input,
     write(state, state.input, channel, samples, frames);
 }
 
-/// The mean over 128 frames is a sample of what is far below the rate at which means come; one pole
-/// at 20 Hz follows it.
+/// Smooths the means over 128 frames by one pole at 20 Hz: the baseline is far below the rate of
+/// the means.
 void followBaseline(ReverbTank::State &state, std::size_t channel) noexcept {
     auto &heard = state.heard[channel];
     std::array<float, 8> sums;
@@ -79,7 +79,7 @@ void cross(Branches &branches, const float *delayed, std::uint32_t frames) noexc
     }
 }
 
-/// The first stage, on the pre-delayed input.
+/// First stage, on the pre-delayed input.
 Branches entering(const ReverbTank::State &state, std::size_t channel,
                   std::uint32_t frames) noexcept {
     Branches branches;
@@ -99,7 +99,8 @@ Branches diffused(const ReverbTank::State &state, std::size_t channel, std::size
     return branches;
 }
 
-/// In place, without the factor 1/√8. (Natural order: row r has the sign of the parity of r AND c.)
+/// Hadamard transform in place, without the factor 1/√8. (Natural order: the sign in row r and
+/// column c is the parity of r AND c.)
 void hadamard(std::array<Samples, lineCount> &x, std::uint32_t frames) noexcept {
     for (std::size_t half = 1; half < lineCount; half *= 2)
         for (std::size_t line = 0; line < lineCount; ++line) {
@@ -158,7 +159,7 @@ void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block
         x[6][i] -= pDifference;
         x[7][i] += pSum;
     }
-    // Turned by one, so that the matrix is not its own inverse.
+    // Rotated by one, so that the matrix is not its own inverse.
     for (std::size_t line = 0; line < lineCount; ++line)
         write(state, state.lines, (line + 1) % lineCount, x[line], frames);
 

@@ -4,17 +4,16 @@
 
 namespace quorbel {
 
-/// Samples of this magnitude and beyond, and what is not a number, are taken as silence: nothing
-/// finite then ever overflows inside.
+/// Samples of at least this magnitude, and NaN, count as silence: so the room never overflows.
 inline constexpr float loudestReverbInput = 1e15F;
 
-/// The plain code, for 1 to 32 frames of one block of the grid; the reference for the other.
+/// Plain code for 1 to 32 frames of one block of the grid; the reference for the vector code.
 void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block) noexcept;
 
-/// Any number of whole blocks, in the widest vectors of the machine.
+/// Renders any number of whole blocks in the machine's widest vectors.
 void processReverbBlocks(ReverbTank::State &state, const ReverbTank::Block &block) noexcept;
 
-/// Goes on by `frames` frames that have been rendered.
+/// Advances the position by `frames` rendered frames.
 void advanceReverb(ReverbTank::State &state, std::uint32_t frames) noexcept;
 
 } // namespace quorbel

@@ -17,7 +17,7 @@ using Vector = hn::Vec<Tag>;
 
 constexpr Tag tag;
 
-/// Two vectors at a time share the work of finding their places.
+/// Two vectors at a time share the address computation.
 constexpr std::size_t together = 2;
 struct Pair {
     Vector first;
@@ -38,7 +38,7 @@ HWY_INLINE Pair sub(Pair a, Pair b) noexcept {
     return {hn::Sub(a.first, b.first), hn::Sub(a.second, b.second)};
 }
 
-/// Multiplications and additions are never fused: the plain code's sums are these.
+/// Multiplications and additions are never fused, so that the plain code computes the same sums.
 HWY_INLINE Vector scaled(float factor, Vector samples) noexcept {
     return hn::Mul(hn::Set(tag, factor), samples);
 }
@@ -46,7 +46,7 @@ HWY_INLINE Pair scaled(float factor, Pair samples) noexcept {
     return {scaled(factor, samples.first), scaled(factor, samples.second)};
 }
 
-/// Where rings are written.
+/// Write position in a set of rings.
 class Writer {
   public:
     HWY_INLINE Writer(const ReverbTank::Rings &rings, std::uint32_t position) noexcept
@@ -61,7 +61,7 @@ class Writer {
     const std::size_t stride_;
 };
 
-/// Where the read heads stand.
+/// Positions of the read heads.
 class Reader {
   public:
     HWY_INLINE Reader(const float *memory, const std::uint32_t *heads) noexcept
@@ -101,7 +101,7 @@ HWY_INLINE Pair heard(ReverbTank::State &state, std::size_t channel, Pair sample
     return sub(heard, load(state.baseline[channel].data() + inMean));
 }
 
-/// The first stage, on the pre-delayed input.
+/// First stage, on the pre-delayed input.
 HWY_INLINE Branches<Pair> entering(const Reader &read, std::size_t channel) noexcept {
     return crossed(load(read(ReverbTank::inputHead + channel)),
                    load(read(ReverbTank::delayedHead + channel)));
@@ -121,7 +121,7 @@ HWY_INLINE Branches<Pair> diffused(const Reader &read, const Writer &write, std:
     }
 }
 
-/// What comes out of a line whose oldest tap is at `older`.
+/// Output of a line whose oldest tap is at `older`.
 HWY_INLINE Vector absorbed(const RoomDesign &design, std::size_t line,
                            const float *older) noexcept {
     const std::size_t spacing = design.spacing;
@@ -135,7 +135,7 @@ struct Late {
     Vector right;
 };
 
-/// One vector through the network, `offset` frames from its places.
+/// Runs one vector through the network, `offset` frames from the heads.
 HWY_INLINE Late circulated(const RoomDesign &design, const Reader &read, const Writer &write,
                            std::size_t offset, Branches<Vector> left,
                            Branches<Vector> right) noexcept {
@@ -222,7 +222,7 @@ HWY_INLINE void processFrames(ReverbTank::State &state, const ReverbTank::Block 
           block.outRight + frame);
 }
 
-/// Where the read heads are at `position`, into the memory.
+/// Computes the read heads' offsets into the memory at `position`.
 HWY_INLINE void placeHeads(const ReverbTank::State &state, std::uint32_t position,
                            std::uint32_t *heads) noexcept {
     using Index = hn::CappedTag<std::uint32_t, ReverbTank::paddedReadHeadCount>;
@@ -238,8 +238,8 @@ HWY_INLINE void placeHeads(const ReverbTank::State &state, std::uint32_t positio
 
 void processBlocks(ReverbTank::State &state, const ReverbTank::Block &block) {
     constexpr std::uint32_t blockFrames = ReverbTank::blockFrames;
-    // Placed well before they are needed: what a vector has stored is not to be had in pieces until
-    // it has reached the cache.
+    // Computed a block ahead: scalar loads from a vector store stall until the store has reached
+    // the cache.
     constexpr std::uint32_t ahead = 1;
     HWY_ALIGN std::uint32_t heads[ahead + 1][ReverbTank::paddedReadHeadCount];
     for (std::uint32_t i = 0; i < ahead; ++i)

@@ -14,10 +14,10 @@ namespace {
 
 constexpr double lowestHz = 20.0;
 
-/// A vector of 16 floats that is written in one cache line costs half.
+/// Writing a vector of 16 floats within one cache line costs half as much as across two.
 constexpr std::size_t cacheLine = 64;
 
-/// Of memory cleared per frame. At 48 kHz all of it takes some 60 ms.
+/// Samples of memory cleared per frame. At 48 kHz all of it takes about 60 ms.
 constexpr std::size_t clearedPerFrame = 32;
 
 } // namespace

@@ -13,22 +13,21 @@ namespace quorbel {
 
 /// One room: stereo sound in, its reflections and reverberation out, in four steps.
 ///
-/// 1. Pre-delay. What is below 20 Hz is taken out before, so that nothing can pile up at 0 Hz.
-/// 2. A diffuser per input channel: two branches p and q, in each stage q is delayed and the sum
-/// and
-///    the difference go on. This doubles the echoes per stage and changes no energy at any
+/// 1. Pre-delay, after a high pass at 20 Hz, so that nothing accumulates at 0 Hz.
+/// 2. A diffuser per input channel, with two branches p and q. Each stage delays q and passes on
+/// the
+///    sum and the difference. It doubles the number of echoes and keeps the energy at every
 ///    frequency, as |p|² + |q|² stays flat (M. Golay's complementary sequences, with delays of our
 ///    choice).
-/// 3. After three stages that is the early reflections; after all nine it feeds
-/// 4. a feedback delay network (J.-M. Jot, "Digital delay networks for designing artificial
-///    reverberators", 1991): eight lines, mixed by a Hadamard matrix, which keeps all energy, and
-///    in each line the loss that its length takes for the wanted decay. The channels are two sums
-///    of all lines with orthogonal signs, neither of which any one line hears undiluted: what a
-///    line repeats is then lost among the others.
+/// 3. The output after three stages is the early reflections; the output after all nine feeds 4.
+/// 4. A feedback delay network (J.-M. Jot, "Digital delay networks for designing artificial
+///    reverberators", 1991): eight lines, mixed by a Hadamard matrix, which keeps all energy. Each
+///    line has the loss that the wanted decay requires for its length. The output channels are two
+///    orthogonal sums of all lines, so that the repetitions of one line are masked by the others.
 ///
 /// No delay of the network is shorter than a block of 32 frames, so a block is 32 frames of plain
-/// arithmetic without recursion. Vector and plain code do the same sums in the same order and give
-/// the same bytes.
+/// arithmetic without recursion. Vector and plain code compute the same sums in the same order, bit
+/// by bit.
 class ReverbTank {
   public:
     static constexpr std::uint32_t blockFrames = RoomDesign::shortestDelay;
@@ -38,12 +37,12 @@ class ReverbTank {
     ReverbTank(const ReverbTank &) = delete;
     ReverbTank &operator=(const ReverbTank &) = delete;
 
-    /// Takes the memory that every room needs at `sampleRate` Hz (8000 to 384000), silent. Not
+    /// Allocates the memory that any room needs at `sampleRate` Hz (8000 to 384000), silent. Not
     /// while rendering.
     void prepare(double sampleRate);
 
-    /// Begins with silence as the room of `design`, made for the rate prepared for. The memory must
-    /// be clear. [render]
+    /// Becomes the room of `design`, made for the prepared rate, from silence. The memory must be
+    /// clear. [render]
     void start(const RoomDesign &design) noexcept;
 
     struct Gains {
@@ -53,13 +52,13 @@ class ReverbTank {
     struct Block {
         const float *left;
         const float *right;
-        float *outLeft; ///< may be the inputs themselves
+        float *outLeft; ///< may be equal to the inputs
         float *outRight;
         std::uint32_t frames;
         Gains gains;
     };
-    /// Renders any number of frames: out = dry · in + wet · room. How the sound is cut into calls
-    /// makes no difference to it. What is not finite (or beyond 1e15) does not enter the room.
+    /// Renders any number of frames: out = dry · in + wet · room. The result does not depend on the
+    /// lengths of the calls. Samples that are not finite or exceed 1e15 do not enter the room.
     /// [render]
     void process(const Block &block) noexcept;
 
@@ -69,8 +68,8 @@ class ReverbTank {
     /// tank must not be processed again before it is clear and started. [render]
     void clearSome(std::uint32_t frames) noexcept;
 
-    /// Rings of equal length, a power of two, one behind the other. What stands at the beginning is
-    /// repeated behind the end, so that a read never has to be cut in two.
+    /// Rings of equal length, a power of two, in one memory. Each ring's beginning is repeated
+    /// after its end, so that a read is never split.
     struct Rings {
         std::size_t count;
         std::uint32_t length = 0;
@@ -86,7 +85,7 @@ class ReverbTank {
 
     static constexpr std::size_t diffuserRings = RoomDesign::stageCount - 1; ///< per channel
 
-    /// The places that are read; each moves through its ring.
+    /// Read heads; each moves through its ring.
     enum ReadHead : std::size_t {
         inputHead = 0,                               ///< of left and right
         delayedHead = inputHead + 2,                 ///< further back by the first stage
@@ -97,10 +96,10 @@ class ReverbTank {
     };
     using PerReadHead = std::array<std::uint32_t, paddedReadHeadCount>;
 
-    /// Over which an input's mean is taken.
+    /// Frames per mean of the input.
     static constexpr std::uint32_t meanFrames = 4 * blockFrames;
 
-    /// What the code of a block works on.
+    /// State and memory that the code of a block works on.
     struct State {
         RoomDesign design;
         Rings input{.count = 2};                     ///< left, right
@@ -109,11 +108,11 @@ class ReverbTank {
         std::uint32_t position = 0;    ///< of the next frame
         const float *memory = nullptr; ///< of all rings
         PerReadHead reads{};           ///< at `position`, into `memory`
-        PerReadHead headRing{};        ///< where in `memory` each head's ring begins
+        PerReadHead headRing{};        ///< offset in `memory` of each head's ring
         PerReadHead headMask{};        ///< its length - 1
         PerReadHead headDelay{};       ///< frames
-        /// Per channel: what is taken out, a straight line over the mean's frames, and the sums
-        /// that make the next mean.
+        /// Per channel: the subtracted baseline, a straight line over the mean's frames, and the
+        /// sums for the next mean.
         alignas(64) std::array<std::array<float, meanFrames>, 2> baseline{};
         alignas(64) std::array<std::array<float, blockFrames>, 2> heard{};
         double baselineCoefficient = 0.0;
@@ -124,7 +123,7 @@ class ReverbTank {
     const Code code_;
     std::vector<float> storage_;
     std::span<float> memory_; ///< of all rings, from a cache line's beginning in `storage_`
-    std::size_t cleared_ = 0; ///< so much of the memory is silent; all of it before the start
+    std::size_t cleared_ = 0; ///< length of the silent part of the memory; all of it before `start`
     State state_;
 };
 

@@ -12,28 +12,28 @@ using std::numbers::pi;
 
 constexpr double midHz = 1000.0;
 
-/// What is heard and measured around 8 kHz is the slowest part of a band in which the decay becomes
-/// faster and faster. So that the band has the wanted ratio r, the decay is r to this power at this
-/// frequency: within 8 % for a third of an octave and for a whole one, by measurement of all rooms.
+/// The decay shortens towards the treble, so the slowest part of a band around 8 kHz dominates its
+/// measured decay. For a wanted ratio r of the band, the design takes r to this power at this
+/// frequency: within 8 % for a third of an octave and for a whole one, measured on all rooms.
 constexpr double trebleAimHz = 7600.0;
 constexpr double trebleAimPower = 1.2;
 
-/// The rate at which neighbouring samples are the right distance for the absorption's taps.
+/// Sample rate at which the absorption's taps are one frame apart.
 constexpr double spacingRate = 48000.0;
 
 /// Line delays over their mean: a geometric series, slightly uneven so that differences differ too.
 constexpr std::array<double, RoomDesign::lineCount> lineRatios{0.473, 0.571, 0.697, 0.838,
                                                                1.003, 1.187, 1.421, 1.810};
 
-/// Stage delays over `reflectionSeconds` (the first three) and `diffusionSeconds` (the others), so
-/// that the sums over all subsets, at which the echoes fall, are spread evenly. The right channel's
-/// differ for its echoes to differ.
+/// Stage delays over `reflectionSeconds` (the first three) and `diffusionSeconds` (the others). The
+/// echoes come at the sums over all subsets, which these values spread evenly. The right channel's
+/// values differ, so that its echoes do.
 constexpr std::array<std::array<double, RoomDesign::stageCount>, 2> stageRatios{{
     {0.193, 0.317, 0.490, 0.397, 0.241, 0.156, 0.101, 0.064, 0.041},
     {0.229, 0.287, 0.484, 0.383, 0.252, 0.147, 0.109, 0.067, 0.042},
 }};
 
-/// How much of a hard-panned source's early reflections reaches the other side, in amplitude.
+/// Amplitude of a hard-panned source's early reflections on the other side, over that on its own.
 constexpr double farOverNear = 0.6;
 
 bool isPrime(std::uint32_t number) {
@@ -76,7 +76,7 @@ RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
 
     // A low-pass of three taps hits the wanted loss exactly at two frequencies and is linear in
     // phase, so the lines' lengths stay what they are. Its response repeats every
-    // sampleRate/spacing: above 20 kHz at high rates, where nobody hears the difference.
+    // sampleRate/spacing: above 20 kHz at high rates, where the difference is inaudible.
     design.spacing = std::max(1U, frames(1.0 / spacingRate, sampleRate));
     const double upperHz = std::min(trebleAimHz, sampleRate / 2.0);
     const double upperDecay =
@@ -106,10 +106,10 @@ RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
         meanPower += midGain * midGain / lineCount;
     }
 
-    // Every diffuser stage doubles the power, so does feeding each line from both channels, and a
-    // channel is the sum of four of the network's signals; the
-    // network multiplies what enters by meanPower/(1 - meanPower). With the first round, which it
-    // has not heard yet, at equal level, the room as a whole has a gain of one.
+    // Powers: every diffuser stage doubles it, and so does feeding each line from both channels. A
+    // channel is the sum of four of the network's signals. The network multiplies its input's power
+    // by meanPower/(1 - meanPower). With the diffuser's output at the same level as the network's
+    // signals, the whole room has a gain of one.
     const double early = std::sqrt(room.earlyShare / std::exp2(earlyStages));
     const double late =
         std::sqrt((1.0 - room.earlyShare) * (1.0 - meanPower) / std::exp2(stageCount));

@@ -3,8 +3,8 @@
 namespace quorbel {
 
 const RoomCharacter &characterOf(RoomModel model) {
-    // Decay, treble and pre-delay are what the rooms are asked for; the other times were chosen by
-    // measuring many: dense early and evenly, and no long swell of a low tone before it is steady.
+    // Decay, treble and pre-delay are given; the other times were chosen by measurement: early and
+    // even density, and no long swell of a low tone.
     static constexpr RoomCharacter smallRoom{0.45, 0.70, 0.003, 0.0110, 0.0115, 0.0185, 0.40};
     static constexpr RoomCharacter mediumRoom{0.80, 0.65, 0.008, 0.0150, 0.0150, 0.0235, 0.35};
     static constexpr RoomCharacter largeRoom{1.30, 0.60, 0.014, 0.0275, 0.0225, 0.0300, 0.30};

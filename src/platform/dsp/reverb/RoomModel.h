@@ -4,7 +4,7 @@
 
 namespace quorbel {
 
-/// The rooms that the reverb can be, by the numbers under which such factory presets are known.
+/// The reverb's rooms, by the numbers of the factory presets.
 enum class RoomModel : int {
     smallRoom = 0,
     mediumRoom = 1,
@@ -20,13 +20,13 @@ inline constexpr std::array allRoomModels{
     RoomModel::largeHall, RoomModel::plate,      RoomModel::cathedral,
 };
 
-/// What a room sounds like, apart from any sample rate.
+/// Acoustic character of a room, independent of the sample rate.
 struct RoomCharacter {
     double decaySeconds;      ///< RT60 at 1 kHz
     double trebleDecayRatio;  ///< RT60 at 8 kHz over that at 1 kHz
     double preDelaySeconds;   ///< until the first reflection
     double reflectionSeconds; ///< from the first to the last early reflection
-    double diffusionSeconds;  ///< over which each reflection is spread before the late sound
+    double diffusionSeconds;  ///< span over which each reflection is spread before the late sound
     double meanDelaySeconds;  ///< of the late network: the time between two walls
     double earlyShare;        ///< of the energy, 0 to 1: the early reflections' part
 };

@@ -14,11 +14,11 @@
 namespace quorbel {
 namespace {
 
-/// Gives a converter one port of one channel in that direction; until then it has none.
+/// Gives a converter its only port in that direction, with one channel.
 void addPort(pw_node *converter, spa_direction direction) {
     spa_audio_info_raw info{};
     info.format = SPA_AUDIO_FORMAT_F32P;
-    info.rate = 48000; // ports run at the graph's rate, whatever this is
+    info.rate = 48000; // ignored: ports run at the graph's rate
     info.channels = 1;
     info.position[0] = SPA_AUDIO_CHANNEL_MONO;
     std::array<std::uint8_t, 1024> storage{};
@@ -91,7 +91,7 @@ Proxy<pw_node> DeviceHold::makeConverter(const char *name) const {
     return converter;
 }
 
-/// True before they are made, too. The server may have removed them at anybody's request.
+/// True before they are made, too. Any client may have had the server remove them.
 bool DeviceHold::areConvertersGone() {
     return std::ranges::any_of(converters_, [&](const Proxy<pw_node> &converter) {
         if (!converter)

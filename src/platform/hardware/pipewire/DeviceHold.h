@@ -10,15 +10,15 @@
 
 namespace quorbel {
 
-/// Keeps the device of our two streams running without an application: what an effect holds when
-/// the last application stops is heard to its end.
+/// Keeps the device of our two streams running without an application, so that an effect's tail is
+/// heard to its end.
 ///
-/// Two converters inside the server, in the scheduling group of the streams, through which no sound
-/// passes. A link that is not passive keeps every node of its group running, and so the device: the
-/// link between the two is the hold. (Servers from 1.0 on want one link group, older ones one node
-/// group.) The server runs them itself, so a held cycle wakes this
-/// program no more than another one; it removes them when our connection ends. They have no media
-/// class: neither session managers nor mixers take notice of them.
+/// The hold is a link between two converters inside the server, in the scheduling group of the
+/// streams; no sound passes through them. A link that is not passive keeps every node of its group
+/// running, and so the device. (Servers from 1.0 on need one link group, older ones one node
+/// group.) The server runs the converters itself, so a held cycle costs this program no extra
+/// wake-up, and removes them when our connection ends. They have no media class, so session
+/// managers and mixers ignore them.
 ///
 /// Needs the loop's lock throughout.
 class DeviceHold {
@@ -28,9 +28,9 @@ class DeviceHold {
     DeviceHold(const DeviceHold &) = delete;
     DeviceHold &operator=(const DeviceHold &) = delete;
 
-    /// Whether the device is to be kept running.
+    /// Keeps the device running, or releases it.
     void setHeld(bool isHeld);
-    /// Carries out what waited for the server: to be called after changes of its objects.
+    /// Continues steps that waited for the server; call it after changes of the server's objects.
     void follow();
 
   private:

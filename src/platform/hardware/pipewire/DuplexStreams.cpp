@@ -18,20 +18,19 @@ namespace {
 
 constexpr std::uint32_t streamChannels = 2;
 
-/// Longer cycles are handed over in pieces: the capture code's buffer has room for 8192 frames less
-/// a margin, and the server's longest cycle is 8192.
+/// Longer cycles are handed over in pieces: the capture code's buffer holds less than 8192 frames,
+/// the server's longest cycle.
 constexpr std::uint32_t longestDelivery = 4096;
 
-/// Missing from the headers of 0.3.65, whose library ignores it. Newer servers lose every other
-/// cycle of a stream that wakes another one without it.
+/// The headers of 0.3.65 lack this flag and its library ignores it. Without it, newer servers lose
+/// every other cycle of a stream that wakes another one.
 constexpr auto asyncFlag = static_cast<pw_stream_flags>(1U << 10U);
 
 constexpr pw_stream_flags operator|(pw_stream_flags a, pw_stream_flags b) {
     return static_cast<pw_stream_flags>(static_cast<unsigned>(a) | static_cast<unsigned>(b));
 }
 
-/// The planes of a server buffer that hold at least `frames` frames; frames is lowered to what is
-/// there.
+/// Returns the planes of a server buffer; lowers `frames` to the number that the buffer holds.
 AudioBufferList planes(const pw_buffer &buffer, std::uint32_t &frames, bool isInput) noexcept {
     AudioBufferList list;
     const spa_buffer *data = buffer.buffer;
@@ -62,7 +61,7 @@ void finish(pw_stream *stream, pw_buffer *buffer, std::uint32_t frames) noexcept
     pw_stream_queue_buffer(stream, buffer);
 }
 
-/// Louder than -100 dBFS anywhere.
+/// True if any sample is louder than -100 dBFS.
 bool isAudible(const AudioBufferList &list, std::uint32_t frames) noexcept {
     float peak = 0.0F;
     for (std::uint32_t channel = 0; channel < list.bufferCount; ++channel)
@@ -95,8 +94,8 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
         "com.quorbel.Ostrafine", PW_KEY_NODE_GROUP, group.c_str(), PW_KEY_NODE_LINK_GROUP,
         group.c_str(), PW_KEY_NODE_VIRTUAL, "true", "state.restore-props", "false",
         "state.restore-target", "false", nullptr);
-    // The name is new in every run: the session manager remembers targets by name, and one that no
-    // longer exists must never be found again.
+    // The name differs in every run: the session manager remembers targets by name, and must not
+    // find one of an earlier run.
     pw_properties_setf(properties, PW_KEY_NODE_NAME, "%s.%d", nodeName, getpid());
     if (isPassive)
         pw_properties_set(properties, PW_KEY_NODE_PASSIVE, "true");
@@ -129,7 +128,7 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
     }();
     pw_stream_add_listener(stream_.get(), &hook_, &events, this);
 
-    // The rate is left to the graph, so that nothing is resampled on the way in or out.
+    // The rate is left to the graph, so that the server resamples nothing.
     spa_audio_info_raw info{};
     info.format = SPA_AUDIO_FORMAT_F32P;
     info.channels = streamChannels;
@@ -151,7 +150,7 @@ void ServerStream::stateChanged(pw_stream_state state, const char * /*error*/) {
         error_ = -EIO;
     isGone_ = isGone_ || state == PW_STREAM_STATE_ERROR || state == PW_STREAM_STATE_UNCONNECTED;
     if (state == PW_STREAM_STATE_STREAMING) {
-        // The session manager may have brought back a volume that it remembers for our name.
+        // The session manager may have restored a volume that it remembers for our name.
         std::array<float, streamChannels> unity{1.0F, 1.0F};
         float unmuted = 0.0F;
         pw_stream_set_control(stream_.get(), SPA_PROP_channelVolumes, streamChannels, unity.data(),
@@ -176,8 +175,8 @@ void ServerStream::parameterChanged(std::uint32_t id, const spa_pod *parameter) 
         formatChanged();
         connection_.wakeWaiters();
     } else if (id == SPA_PARAM_Latency) {
-        // What comes in on one stream is true for the other end of the pair too: so an application
-        // learns how late the device plays, and a device how late the application was.
+        // A latency on one stream also holds at the other end of the pair: an application receives
+        // the device's latency, and a device the application's.
         spa_latency_info latency{};
         if (spa_latency_parse(parameter, &latency) < 0)
             return;
@@ -263,7 +262,7 @@ void TapStream::deliver(IOClient &client, IOCycle cycle) noexcept {
         client.ioCycle(cycle);
         cycle.input = cycle.input.advancedBy(cycle.frames);
         cycle.hostSeconds += cycle.frames / cycle.format.sampleRate;
-        cycle.isAllPlayed = false; // not before the pieces of this very cycle
+        cycle.isAllPlayed = false; // the remaining pieces belong to this cycle
         left -= cycle.frames;
     }
 }
@@ -288,15 +287,15 @@ void TapStream::process() noexcept {
     if (newest != nullptr)
         cycle.input = planes(*newest, cycle.frames, true);
     if (newest == nullptr || cycle.frames == 0) {
-        // Nobody plays, but the graph runs: silence, so that what the effects still hold is heard
-        // out.
+        // The graph runs without an application: silence lets the effects' tails be heard.
         cycle.input = AudioBufferList(silence_.data(), silence_.data());
         cycle.frames = cycleFrames();
     }
     {
         const RealtimeSlot<OutStream>::Use out(pair_.out);
         const RealtimeSlot<IOClient>::Use client(client_);
-        // The block comes first: older servers run the output inside the call that wakes it.
+        // The block is handed over before the wake-up: older servers run the output inside that
+        // call.
         cycle.willPlay = out && out->isReadyForBlock();
         cycle.isAllPlayed = cycle.willPlay;
         if (client && cycle.frames > 0)
@@ -311,7 +310,7 @@ void TapStream::process() noexcept {
 bool TapStream::hasRunInThisCycle(double now) noexcept {
     const double sinceLastRun = now - std::exchange(lastRunSeconds_, now);
     const std::uint64_t start = cycleStartNanoseconds();
-    // Where a driver keeps no time for the graph, its cycles still take theirs.
+    // A driver without a clock for the graph still takes time for its cycles.
     return std::exchange(lastCycleStart_, start) == start && start != 0 &&
            sinceLastRun * format_.sampleRate < 0.5 * cycleFrames();
 }
@@ -375,8 +374,8 @@ bool OutStream::isReadyForBlock() const noexcept { return isStreaming_ && !isBlo
 void OutStream::wake() noexcept {
     if (!isStreaming_)
         return;
-    // Stays set if the wake-up fails or is not followed in this cycle: the block is then played in
-    // the next one, and the next one's is not taken, so that the delay never grows.
+    // Stays set if the wake-up fails or comes too late for this cycle. The block is then played in
+    // the next cycle, whose own block is dropped, so that the delay never grows.
     isBlockUnplayed_ = true;
     pw_stream_trigger_process(stream_.get());
 }
@@ -386,9 +385,8 @@ void OutStream::process() noexcept {
     pw_buffer *buffer = pw_stream_dequeue_buffer(stream_.get());
     if (buffer == nullptr)
         return;
-    // The cycle's length, not what the buffer asks for: that is still the length of the cycle
-    // before, and one cycle of the old length after a change would put playback ahead of capture
-    // for good.
+    // The cycle's length, not the length that the buffer requests: that is the previous cycle's,
+    // and after a change one cycle of the old length would put playback ahead of capture for good.
     std::uint32_t frames = cycleFrames();
     if (frames == 0)
         frames = static_cast<std::uint32_t>(

@@ -20,48 +20,46 @@ namespace quorbel {
 class TapStream;
 class OutStream;
 
-/// The group that the server schedules on one device's clock: `node.group` of all our nodes.
+/// `node.group` of all our nodes: the server schedules the group on one device's clock.
 [[nodiscard]] std::string schedulingGroup();
 
-/// What the two streams know of each other. They run in one group of the graph: in each cycle the
-/// tap receives what the applications play and wakes the output, which plays it processed in that
-/// same cycle.
+/// State shared by the two streams. They run in one group of the graph: in each cycle the tap
+/// receives the applications' sound and wakes the output, which plays it processed in the same
+/// cycle.
 struct DuplexPair {
     RealtimeSlot<OutStream> out; ///< used by the tap's callback
     TapStream *tap = nullptr;    ///< loop's lock
-    /// What the streams' neighbours have said last, for streams that replace others.
+    /// Last latencies reported by the streams' neighbours, for streams that replace others.
     std::optional<spa_latency_info> deviceLatency;      ///< for the tap [control]
     std::optional<spa_latency_info> applicationLatency; ///< for the output [control]
-    double processingSeconds = 0.0; ///< by which the output's sound is later than the tap's
+    double processingSeconds = 0.0; ///< latency from the tap's sound to the output's
     std::function<void()> changed;  ///< a stream has started, stopped or ended [control]
 };
 
-/// A neighbour's latency as the streams pass it on: with the time that the sound spends between
-/// them.
+/// Returns a neighbour's latency plus the processing time, as the streams pass it on.
 spa_latency_info withProcessing(spa_latency_info latency, double processingSeconds);
 
-/// A stream of the sound server and what both of ours have in common. Needs the loop's lock
-/// throughout.
+/// A stream of the sound server: base of our two streams. Needs the loop's lock throughout.
 class ServerStream {
   public:
     ServerStream(const ServerStream &) = delete;
     ServerStream &operator=(const ServerStream &) = delete;
 
-    /// The node's id; SPA_ID_INVALID until the server has given one.
+    /// Id of the node; SPA_ID_INVALID until the server has assigned one.
     [[nodiscard]] std::uint32_t nodeID() const { return pw_stream_get_node_id(stream_.get()); }
-    /// The negotiated format; invalid until there is one.
+    /// The negotiated format; invalid before the negotiation.
     [[nodiscard]] const StreamFormat &format() const { return format_; }
-    /// 0, or the negative errno that the stream ended with.
+    /// 0, or the negative errno with which the stream ended.
     [[nodiscard]] Status error() const { return error_; }
-    /// True once somebody has removed the stream's node.
+    /// True once a client has removed the stream's node.
     [[nodiscard]] bool isGone() const { return isGone_; }
     /// True while the graph runs the stream.
     [[nodiscard]] bool isStreaming() const { return isStreaming_; }
-    /// How many cycles our side of the stream has run.
+    /// Number of cycles run by our side of the stream.
     [[nodiscard]] std::uint64_t cycles() const { return cycles_.load(std::memory_order_relaxed); }
-    /// A counter that moves with every cycle of the graph, whether we run or not.
+    /// Counter that advances with every cycle of the graph, even if we do not run.
     [[nodiscard]] std::uint64_t driverCycles() const noexcept { return cycleStartNanoseconds(); }
-    /// Passes on what the neighbours of the other stream of the pair have said.
+    /// Passes on the latency reported by the neighbours of the pair's other stream.
     void updateLatency(const spa_latency_info &neighbours);
 
   protected:
@@ -74,11 +72,11 @@ class ServerStream {
                   pw_stream_flags flags);
     virtual void process() noexcept = 0;
     virtual void formatChanged() = 0; ///< [control]
-    virtual void paused() {}          ///< the graph has stopped running the stream [control]
-    virtual void resumed() {}         ///< it runs the stream from now on [control]
-    /// The graph's block length, or 0 while it is unknown. [real-time]
+    virtual void paused() {}          ///< the graph has stopped the stream [control]
+    virtual void resumed() {}         ///< the graph runs the stream again [control]
+    /// Block length of the graph in frames; 0 if unknown. [real-time]
     [[nodiscard]] std::uint32_t cycleFrames() const noexcept;
-    /// When the graph's cycle began, which no other began, or 0 while it is unknown. [real-time]
+    /// Start time of the current graph cycle, unique per cycle; 0 if unknown. [real-time]
     [[nodiscard]] std::uint64_t cycleStartNanoseconds() const noexcept;
 
     ServerConnection &connection_;
@@ -104,16 +102,16 @@ class TapStream final : public ServerStream {
     TapStream(ServerConnection &connection, DuplexPair &pair);
     ~TapStream() override;
 
-    /// `isDevice`: the session manager counts the tap as a device, so that it gives the streams the
-    /// tap's channels and not the tap those of a stream. It also pauses media players when a device
-    /// that they play on vanishes, so a tap is one only where it must be.
+    /// `isDevice`: the session manager counts the tap as a device. It then gives the streams the
+    /// tap's channels, instead of the tap a stream's. It also pauses media players whose device
+    /// vanishes, so the tap is a device only if necessary.
     Status connect(bool isDevice);
     [[nodiscard]] bool isDevice() const { return isDevice_; }
 
-    /// Tells applications how much later their sound is heard.
+    /// Reports the processing latency to applications.
     void announceLatency();
 
-    /// From the next cycle on blocks go to `client` (null: to nobody). When this returns, no call
+    /// Sends blocks to `client` from the next cycle on; null drops them. When this returns, no call
     /// to the earlier client is under way.
     void setClient(IOClient *client, const StreamFormat &formatUntilNegotiated);
 
@@ -121,9 +119,9 @@ class TapStream final : public ServerStream {
     void process() noexcept override;
     void formatChanged() override;
     static void deliver(IOClient &client, IOCycle cycle) noexcept;
-    /// A server that was held up starts its cycles one right after the other; by the time that we
-    /// wake for one, the next may have begun, and we are run twice in it: once with its sound, once
-    /// with nothing, which must not be taken for silence. `now` in seconds. [real-time]
+    /// Returns true for a second run within one cycle. A delayed server starts its cycles back to
+    /// back: before we wake for one, the next may have begun, and both wake-ups fall into it. The
+    /// second run has no sound, which must not be taken for silence. `now` in seconds. [real-time]
     [[nodiscard]] bool hasRunInThisCycle(double now) noexcept;
 
     RealtimeSlot<IOClient> client_;
@@ -134,7 +132,7 @@ class TapStream final : public ServerStream {
     std::array<float, maximumBlockFrames> silence_{};
 };
 
-/// Plays what its client renders, when the tap says so.
+/// Plays the sound that its client renders, whenever the tap wakes it.
 class OutStream final : public ServerStream {
   public:
     OutStream(ServerConnection &connection, DuplexPair &pair, RenderClient &client);
@@ -149,15 +147,14 @@ class OutStream final : public ServerStream {
     void silence() { client_.set(nullptr); }
     [[nodiscard]] bool isSilenced() const { return client_.get() == nullptr; }
 
-    /// True if a block handed over now is played in this cycle: the stream runs, and has played
-    /// what it was woken for before. [capture]
+    /// True if a block handed over now is played in this cycle: the stream runs and has played all
+    /// earlier blocks. [capture]
     [[nodiscard]] bool isReadyForBlock() const noexcept;
 
-    /// Makes the stream run in this cycle, inside this call or right after the caller's. [capture]
+    /// Runs the stream in this cycle, inside this call or right after the caller's. [capture]
     void wake() noexcept;
 
-    /// When anything above the threshold of hearing was last played, in seconds on the monotonic
-    /// clock.
+    /// Time of the last audible output, in seconds on the monotonic clock.
     [[nodiscard]] double lastHeardSeconds() const noexcept { return lastHeardSeconds_; }
 
   private:

@@ -15,8 +15,8 @@
 
 namespace quorbel {
 
-/// Fills a `ServerObjects` with what the sound server tells, and carries out commands: the
-/// translation between the server's library and routing. Everything needs the loop's lock.
+/// Translates between the server's library and routing: fills a `ServerObjects` from the server's
+/// events and carries out commands. Everything needs the loop's lock.
 class ObjectRegistry final : public ServerCommands, public SessionMetadata::Listener {
   public:
     explicit ObjectRegistry(ServerConnection &connection);
@@ -24,16 +24,16 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     ObjectRegistry(const ObjectRegistry &) = delete;
     ObjectRegistry &operator=(const ObjectRegistry &) = delete;
 
-    /// Hears of every change. [control]
+    /// Receives every change. [control]
     void setObserver(ServerObserver *observer) { observer_ = observer; }
 
     [[nodiscard]] const ServerObjects &objects() const { return objects_; }
     /// The device that the node belongs to; null where there is none.
     [[nodiscard]] const DeviceRecord *deviceOf(const NodeRecord &node) const;
-    /// A number of the "settings" metadata (clock.rate and its like); 0 when it is not there.
+    /// A number of the "settings" metadata, such as clock.rate; 0 if missing.
     [[nodiscard]] double setting(std::string_view key) const;
 
-    /// `SessionMetadata::refresh`; done at once without a session manager.
+    /// As `SessionMetadata::refresh`; returns at once without a session manager.
     Status refreshMetadata(double seconds);
 
     void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;

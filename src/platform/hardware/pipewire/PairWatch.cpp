@@ -1,5 +1,5 @@
-// The hardware layer's watch over its two streams, the tap and the output: what is seen of them,
-// and how the supervisor's steps are carried out.
+// The hardware layer's watch over its two streams, the tap and the output: gathers their state and
+// carries out the supervisor's steps.
 
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 #include "platform/hardware/pipewire/PipeWireOutput.h"
@@ -14,11 +14,11 @@
 namespace quorbel {
 namespace {
 
-// Bounds of the control loop's timer: 0 would disarm it.
+// Limits of the control loop's timer: 0 would disarm it.
 constexpr double shortestWaitSeconds = 1e-3;
 constexpr double longestWaitSeconds = 60.0;
 
-/// Applications wait this long for another output before they are heard unprocessed.
+/// Grace period for another output before the applications are heard unprocessed.
 constexpr double outputSeconds = 0.4;
 
 } // namespace
@@ -130,7 +130,7 @@ void PipeWireHardware::armTimer() {
                          false);
 }
 
-/// The node of one of our streams; null if somebody has removed it. (Ids are used again.)
+/// The node of one of our streams; null if a client has removed it. (Ids are reused.)
 const NodeRecord *PipeWireHardware::ownNode(const ServerStream &stream) const {
     if (stream.isGone() || stream.nodeID() == SPA_ID_INVALID)
         return nullptr;
@@ -159,7 +159,7 @@ PairFacts PipeWireHardware::pairFacts() const {
         if (const NodeRecord *to = objects.node(link.inputNodeID);
             link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
             linkedPorts.insert(link.outputPortID);
-    // Of more than two channels some may have no counterpart on the device.
+    // With more than two channels some may have no counterpart on the device.
     const std::size_t wanted = std::min<std::size_t>(2, objects.ports(output->id, false).size());
     facts.isOutputLinked = wanted > 0 && linkedPorts.size() >= wanted;
     return facts;
@@ -175,7 +175,7 @@ RoutingEnds PipeWireHardware::routingEnds() const {
     for (const auto &[_, link] : registry_->objects().links())
         if (const NodeRecord *to = registry_->objects().node(link.inputNodeID);
             link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
-            ends.deviceID = to->id; // where the session manager bridges a moment
+            ends.deviceID = to->id; // the session manager's choice for a short while
     return ends;
 }
 
@@ -185,7 +185,7 @@ void PipeWireHardware::beginRouting() {
         router_->begin(ends_);
 }
 
-/// A stream is off the journal once the server has answered for what put it back.
+/// Removes streams from the journal once the server has handled the commands that put them back.
 void PipeWireHardware::confirmReleases() {
     if (!journal_->hasUnconfirmed() || journal_->releases() == awaitedReleases_)
         return;
@@ -197,8 +197,8 @@ void PipeWireHardware::confirmReleases() {
     });
 }
 
-/// Both streams, with the same clients. Applications stay where they are until the new tap is
-/// there; the session manager bridges the moment.
+/// Replaces both streams, with the same clients. Applications keep their targets until the new tap
+/// exists; meanwhile the session manager plays them elsewhere.
 void PipeWireHardware::rebuildPair() {
     dropOutputLinks();
     mustBeDevice_ =
@@ -217,7 +217,7 @@ void PipeWireHardware::dropOutputLinks() {
         registry_->destroyLink(link);
 }
 
-/// Links the output to its device where the session manager does not.
+/// Links the output to its device if the session manager does not.
 void PipeWireHardware::linkOutput(const OutStream &stream, AudioObjectID device) {
     const ServerObjects &objects = registry_->objects();
     const NodeRecord *output = ownNode(stream);

@@ -7,11 +7,11 @@
 
 namespace quorbel {
 
-/// The hardware layer on the user's PipeWire server; null and a negative errno when none answers.
-/// The one header of this folder for callers outside it: it brings none of the server's own.
+/// Makes the hardware layer on the user's PipeWire server; null and a negative errno if none
+/// answers. The only header of this folder for callers outside it: it includes none of PipeWire's.
 std::unique_ptr<AudioHardware> connectToPipeWire(Status &status);
 
-/// Name and version of the client library that is loaded.
+/// Name and version of the loaded client library.
 [[nodiscard]] std::string pipeWireLibrary();
 
 } // namespace quorbel

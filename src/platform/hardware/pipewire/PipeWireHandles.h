@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// Holds the lock of a thread loop: everything that touches objects of the sound server does so
-/// under it, or in a callback, where the loop's own thread holds it. Recursive.
+/// Holds the lock of a thread loop. All access to objects of the sound server needs it; callbacks
+/// have it, as the loop's thread holds it. Recursive.
 class LoopLock {
   public:
     explicit LoopLock(pw_thread_loop *loop) : loop_(loop) { pw_thread_loop_lock(loop_); }
@@ -19,8 +19,7 @@ class LoopLock {
     pw_thread_loop *loop_;
 };
 
-/// A listener's hook that unhooks itself. Stays where it was made: the server's library keeps its
-/// address.
+/// A listener's hook that removes itself. Not movable: PipeWire's library keeps its address.
 class Hook {
   public:
     Hook() = default;
@@ -46,8 +45,8 @@ struct ProxyDeleter {
 };
 template <typename T> using Proxy = std::unique_ptr<T, ProxyDeleter>;
 
-/// Owns a stream. The data thread uses the pointer until `pw_stream_destroy` has taken the stream
-/// off its loop, so it is cleared only then; std::unique_ptr would clear it first.
+/// Owns a stream. The data thread uses the pointer until `pw_stream_destroy` has removed the stream
+/// from its loop, so it is cleared afterwards; std::unique_ptr would clear it before.
 class StreamHandle {
   public:
     StreamHandle() = default;

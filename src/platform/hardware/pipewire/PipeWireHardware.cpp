@@ -14,14 +14,14 @@
 namespace quorbel {
 namespace {
 
-// Deadlines of what follows a routing; both take milliseconds.
+// Deadlines of the server's answers around a routing; both take milliseconds.
 constexpr double restoreSeconds = 0.5;
 constexpr double unlinkSeconds = 0.3;
 
-// A server that has just come back and does not answer soon is asked again a moment later.
+// Deadline of a server that has just come back; after it the next attempt follows soon.
 constexpr double reconnectSeconds = 0.2;
 
-/// No object of the server: the capture device is the scheduling group of tap and output.
+/// Not an object of the server: the capture device is the scheduling group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;
 constexpr IOProcID theIOProc = 1;
 
@@ -29,7 +29,7 @@ bool isDevice(const NodeRecord &node) {
     return node.isComplete && (isOutputDevice(node) || node.mediaClass() == "Audio/Source");
 }
 
-/// The name in {"name":"…"}, as the session manager publishes its defaults.
+/// Extracts the name from {"name":"…"}, the form of the session manager's defaults.
 std::string nameInJson(const std::string &text) {
     std::array<spa_json, 2> iterators{};
     std::array<char, 1024> name{};
@@ -82,7 +82,7 @@ Status PipeWireHardware::open(double seconds) {
     return settle(seconds);
 }
 
-/// Waits until the server has told what it holds.
+/// Waits until the server has reported its objects.
 Status PipeWireHardware::settle(double seconds) {
     // The first answer names every object, the second brings their properties.
     Status status = connection_->roundTrip(seconds);
@@ -125,7 +125,7 @@ Status PipeWireHardware::reconnect() {
         if (tap_ || captureDevice_ != 0 || output_ != nullptr)
             return -EBUSY;
         if (!connection_->isLost())
-            return settle(reconnectSeconds); // a slow server, which has had more time now
+            return settle(reconnectSeconds); // a slow server, which has had more time since
     }
     return open(reconnectSeconds);
 }
@@ -248,7 +248,7 @@ Status PipeWireHardware::addListener(HardwareProperty property, HardwareListener
         const std::lock_guard guard(listenersMutex_);
         listeners_.emplace_back(property, &listener);
     }
-    // What was lost before anybody listened is not told again by itself.
+    // A loss before the first listener is reported here.
     const LoopLock lock(connection_->loop());
     if (property == HardwareProperty::connection && connection_->isLost())
         listener.hardwareLost(-EPIPE);
@@ -334,7 +334,7 @@ void PipeWireHardware::portRemoved(const PortRecord &port) {
     devicePortsChanged(port);
 }
 
-/// Some devices say how many channels they have by their ports alone, which come after them.
+/// Some devices report their channel count only through their ports, which come later.
 void PipeWireHardware::devicePortsChanged(const PortRecord &port) {
     if (!port.isMonitor && knownDevices_.contains(port.nodeID))
         tell(HardwareProperty::deviceList);
@@ -385,7 +385,7 @@ void PipeWireHardware::metadataGone() {
 
 Status PipeWireHardware::createProcessTap(const TapDescription &description, AudioObjectID &tap) {
     using enum TapDescription::MuteBehavior;
-    // Routing is what mutes, so no other behaviour can be had.
+    // Routing mutes, so no other behaviour is possible.
     if (description.muteBehavior != mutedWhenTapped || !description.isPrivate)
         return -ENOTSUP;
     const LoopLock lock(connection_->loop());
@@ -439,7 +439,7 @@ Status PipeWireHardware::destroyProcessTap(AudioObjectID tap) {
     stopRouting();
     tap_.reset();
     router_.reset();
-    // What could not be restored is left to the watchdog, which hears of our end here.
+    // Streams that could not be restored are left to the watchdog.
     if (isRestored_)
         journal_->allRestored();
     journal_.reset();
@@ -450,7 +450,7 @@ Status PipeWireHardware::tapFormat(AudioObjectID tap, StreamFormat &format) {
     const LoopLock lock(connection_->loop());
     if (!tap_ || tapHandle_ != tap)
         return -ENOENT;
-    // Until the first stream is routed to it, it is what it will be: the graph's rate.
+    // Before the first stream is routed to the tap, its format will be the graph's rate.
     format = tap_->format().isValid() ? tap_->format() : StreamFormat{graphRate(), 2};
     return statusOK;
 }
@@ -516,7 +516,7 @@ Status PipeWireHardware::stopDevice(AudioObjectID device, IOProcID proc) {
     if (device != captureDevice_ || proc != theIOProc)
         return -ENOENT;
     const LoopLock lock(connection_->loop());
-    isIORunning_ = false; // first: while routing ends, the watch must not begin it again
+    isIORunning_ = false; // first, so that the watch does not begin routing again
     stopRouting();
     if (tap_)
         tap_->setClient(nullptr, {});
@@ -534,7 +534,7 @@ void PipeWireHardware::stopRouting() {
     router_->end();
     if (connection_->isLost())
         return;
-    // The processed sound goes on until every application is heard on its own device again.
+    // The processed sound continues until every application plays on its own device again.
     isRestored_ = connection_->roundTrip(restoreSeconds) == statusOK;
     if (!isRestored_)
         return;

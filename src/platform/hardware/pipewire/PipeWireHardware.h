@@ -15,21 +15,20 @@
 
 namespace quorbel {
 
-/// How long the server is waited for. It answers within milliseconds or not at all.
+/// Deadline of the server's answers in seconds; a server that answers does so within milliseconds.
 inline constexpr double answerSeconds = 2.0;
 
 /// The hardware layer on a PipeWire server. A process tap is an input stream plus the router that
-/// sends the applications' streams to it; the capture device around it is no object of its own,
-/// because tap and output run in one group of the graph, at the output device's clock.
+/// sends the applications' streams to it. The capture device around it is no object of the server:
+/// tap and output run in one group of the graph, at the output device's clock.
 ///
-/// Applications are routed to the tap from the moment in which the IO procedure runs and the output
-/// is linked to its device, so that no application is silenced before the processed sound can be
-/// heard. If one of the two streams is removed or cannot be healed, both are replaced, with the
-/// same clients; if that fails too, the listeners are told that the hardware is lost, though the
-/// server is there.
+/// Applications are routed to the tap once the IO procedure runs and the output is linked to its
+/// device, so that no application is silenced before the processed sound can be heard. If one of
+/// the two streams is removed or cannot be repaired, both are replaced, with the same clients. If
+/// that fails too, the listeners are told that the hardware is lost, although the server runs.
 class PipeWireHardware final : public AudioHardware, private ServerObserver {
   public:
-    /// Connects to the user's server; null and a negative errno when there is none.
+    /// Connects to the user's server; null and a negative errno without one.
     static std::unique_ptr<PipeWireHardware> connect(Status &status);
     ~PipeWireHardware() override;
 
@@ -47,8 +46,8 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     Status addListener(HardwareProperty property, HardwareListener &listener) override;
     Status removeListener(HardwareProperty property, HardwareListener &listener) override;
 
-    /// Never: the default output is nothing to the capture, and the pair of streams is watched
-    /// here.
+    /// Always false: the capture does not depend on the default output, and the pair of streams is
+    /// watched here.
     bool isCaptureOutdated(bool /*isAnotherDefaultOutput*/) override { return false; }
     Status createProcessTap(const TapDescription &description, AudioObjectID &tap) override;
     Status destroyProcessTap(AudioObjectID tap) override;
@@ -103,30 +102,29 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     void metadataGone() override;
     void deviceChanged(std::uint32_t deviceID) override;
     void devicePortsChanged(const PortRecord &port);
-    /// Looks around soon, outside of the server's callback.
+    /// Schedules a look at the pair outside of the server's callback.
     void lookSoon();
     void pairMayHaveChanged();
     void tell(HardwareProperty property, Status status = statusOK);
 
     std::unique_ptr<ServerConnection> connection_;
-    std::unique_ptr<ObjectRegistry> registry_; // loop's lock, as everything down to the listeners
-    std::shared_ptr<RouteJournal> journal_;    ///< round trips under way know it too
+    std::unique_ptr<ObjectRegistry> registry_; // loop's lock, like all members before the listeners
+    std::shared_ptr<RouteJournal> journal_;    ///< shared with round trips under way
     std::unique_ptr<StreamRouter> router_;
     DuplexPair pair_;
     std::unique_ptr<TapStream> tap_;
-    AudioObjectID tapHandle_ =
-        0; ///< the node's id when the tap was made; a rebuilt one has another
+    AudioObjectID tapHandle_ = 0; ///< id of the first node; a rebuilt tap has another one
     PairSupervisor supervisor_;
-    // What is seen of the pair, until an object of the server changes: it is found among all ports
-    // and links, and metadata changes far more often.
+    // Cached state of the pair until a node, port or link changes: finding it takes a search of all
+    // ports and links, and metadata changes far more often.
     bool isPairSeen_ = false;
     PairFacts facts_;
     RoutingEnds seenEnds_;
-    RoutingEnds ends_;          ///< that routing has begun with
-    bool mustBeDevice_ = false; ///< of the tap: the session manager has given it other channels
+    RoutingEnds ends_;          ///< current arguments of the router
+    bool mustBeDevice_ = false; ///< the tap: the session manager has given it other channels
     std::uint64_t awaitedReleases_ = 0;
-    std::vector<OwnLink> outputLinks_; ///< where the session manager made none
-    bool isRestored_ = true;           ///< the server has confirmed that the streams are back
+    std::vector<OwnLink> outputLinks_; ///< made because the session manager made none
+    bool isRestored_ = true;           ///< the server has confirmed the restoring of the streams
     spa_source *lookEvent_ = nullptr;
     spa_source *timer_ = nullptr;
     double nextBeat_ = 0.0;
@@ -137,7 +135,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     Output *output_ = nullptr; ///< the running one
     double outputStoppedAt_ = 0.0;
     std::map<AudioObjectID, OutputIdentity> knownDevices_; ///< as told to the listeners
-    bool isSettled_ = false; ///< the server has told what it holds [main]
+    bool isSettled_ = false; ///< the server has reported its objects [main]
 
     std::mutex listenersMutex_;
     std::vector<std::pair<HardwareProperty, HardwareListener *>> listeners_;

@@ -13,15 +13,15 @@
 namespace quorbel {
 namespace {
 
-/// The session manager links within milliseconds; some of its starts forget what was there before.
+/// The session manager links within milliseconds, but may miss nodes that are older than itself.
 constexpr double linkSeconds = 0.2;
-/// Ports of some devices come a moment after their node.
+/// Ports of some devices appear later than their node.
 constexpr double longestLinkSeconds = 1.6;
-/// After this much inaudible output the device may rest.
+/// After this duration of inaudible output the device may rest.
 constexpr double tailSeconds = 2.0;
-/// How often the control side looks at what the real-time side has done.
+/// Interval of the control side's looks at the real-time side's progress.
 constexpr double renderLookSeconds = 0.002;
-/// How often the control side looks for sound while something else keeps the device running.
+/// Interval of the control side's looks for sound while another client keeps the device running.
 constexpr double soundLookSeconds = 0.25;
 
 } // namespace
@@ -162,7 +162,7 @@ void PipeWireHardware::Output::followTail() {
     }
     if (!hold_)
         hold_ = std::make_unique<DeviceHold>(*hardware_.connection_, *hardware_.registry_);
-    // Held from the first cycle on: once the last application has stopped it is too late.
+    // Held from the first cycle on: after the last application's stop it would be too late.
     const double left = std::max(stream_->lastHeardSeconds(), streamingSince_) + tailSeconds - now;
     hold_->setHeld(isStreaming && left > 0.0);
     if (isStreaming)

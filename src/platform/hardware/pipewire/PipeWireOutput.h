@@ -9,8 +9,8 @@
 
 namespace quorbel {
 
-/// The playback side of the hardware: one output stream to one device at a time, whose device it
-/// keeps running for a tail.
+/// The playback side of the hardware: one output stream to one device at a time. Keeps the device
+/// running for a tail.
 class PipeWireHardware::Output final : public HardwareOutput {
   public:
     /// `hardware` must outlive the output.
@@ -27,14 +27,14 @@ class PipeWireHardware::Output final : public HardwareOutput {
     void renderUntil(const std::function<bool()> &condition, double seconds) override;
     void stop() override;
 
-    // For the hardware, which watches over the running output. Loop's lock.
+    // For the hardware's watch over the running output. Loop's lock.
     [[nodiscard]] const OutStream *stream() const { return stream_.get(); }
     [[nodiscard]] AudioObjectID device() const { return device_; }
     void nudge() { stream_->nudge(); }
     /// Replaces the streams by new ones to the same device, with the same client.
     void rebuild();
-    /// Holds the device or lets it go, from what has been played: to be called after every change
-    /// of the server's objects and of the stream's state.
+    /// Holds or releases the device by the time of the last audible output. Call it after every
+    /// change of the server's objects and of the stream's state.
     void followTail();
     /// To be called when nodes have gone: where nothing may be heard on another device, silences
     /// the streams before the session manager moves them.
@@ -45,13 +45,13 @@ class PipeWireHardware::Output final : public HardwareOutput {
 
     PipeWireHardware &hardware_;
     AudioObjectID device_ = 0;
-    std::string startedOn_; ///< name of the device that the running streams were made for
+    std::string startedOn_; ///< name of the running streams' device
     RenderClient *client_ = nullptr;
     std::unique_ptr<OutStream> stream_;
     bool staysOnDevice_ = false;
     bool holdsTail_ = false;
     std::unique_ptr<DeviceHold> hold_; ///< while a tail is wanted
-    bool wasStreaming_ = false;        ///< when the tail was last looked at
+    bool wasStreaming_ = false;        ///< at the last look at the tail
     double streamingSince_ = 0.0;      ///< seconds on the monotonic clock
     spa_source *tailTimer_ = nullptr;
 };

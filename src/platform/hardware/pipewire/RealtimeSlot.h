@@ -5,11 +5,11 @@
 
 namespace quorbel {
 
-/// A pointer that one real-time thread uses and the control side takes away from under it. The
-/// real-time side never waits; the control side waits for at most the one use that is under way.
+/// A pointer that one real-time thread uses and the control side may take away. The real-time side
+/// never waits; the control side waits for at most the one use under way.
 template <typename T> class RealtimeSlot {
   public:
-    /// The pointer for the duration of one use; null when there is none. [capture, render]
+    /// The pointer for the duration of one use; may be null. [capture, render]
     class Use {
       public:
         explicit Use(RealtimeSlot &slot) noexcept : slot_(slot) {
@@ -28,7 +28,7 @@ template <typename T> class RealtimeSlot {
         T *pointer_;
     };
 
-    /// When this returns, the earlier pointer is in nobody's hands. [main, control]
+    /// When this returns, the earlier pointer is no longer used. [main, control]
     void set(T *pointer) {
         pointer_.store(pointer);
         while (busy_.load())
@@ -37,8 +37,8 @@ template <typename T> class RealtimeSlot {
     [[nodiscard]] T *get() const { return pointer_.load(); }
 
   private:
-    // Sequentially consistent on purpose: either the user sees the new pointer or the setter sees
-    // it busy.
+    // Sequentially consistent: either the user sees the new pointer or the setter sees the slot
+    // busy.
     std::atomic<T *> pointer_{nullptr};
     std::atomic<bool> busy_{false};
 };

@@ -14,9 +14,9 @@ namespace {
 
 constexpr const char *fileName = "captured";
 constexpr const char *newFileName = "captured.new";
-/// A journal of ours has some lines for each routed stream; what is far longer is not ours.
+/// Longest journal in bytes: ours has a few lines per routed stream.
 constexpr std::size_t longestJournal = 1U << 20U;
-/// The file is rewritten when it holds more than this many lines beside those that matter.
+/// Outdated lines that the file may hold before it is rewritten.
 constexpr std::size_t spareLines = 64;
 
 bool writeAll(int file, std::string_view text) {
@@ -70,7 +70,7 @@ void RouteJournal::readLeftovers() {
     leftovers_ = ledger.streams();
 }
 
-/// Makes the file hold what is routed now and nothing else.
+/// Rewrites the file with the currently routed streams only.
 void RouteJournal::rewrite() {
     if (folder_ < 0)
         return;

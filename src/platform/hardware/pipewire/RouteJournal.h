@@ -10,35 +10,36 @@
 
 namespace quorbel {
 
-/// Writes down every routed stream before it is routed, in two places: a file in our runtime folder
-/// that the next start reads, and the watchdog, which acts as soon as we are gone. Without a
-/// runtime folder or a watchdog program it does what it can.
+/// Records every stream before it is routed, in two places: a file in our runtime folder, which the
+/// next start reads, and the watchdog, which acts as soon as we are gone. Without a runtime folder
+/// or a watchdog program the other place is used alone.
 class RouteJournal final : public RouteLog {
   public:
-    /// `serverCookie` tells one run of the sound server from another, whose serials begin again.
+    /// `serverCookie` identifies one run of the sound server; another run's serials begin again.
     explicit RouteJournal(std::uint32_t serverCookie);
     ~RouteJournal() override;
     RouteJournal(const RouteJournal &) = delete;
     RouteJournal &operator=(const RouteJournal &) = delete;
 
-    /// What an earlier run left routed on this server: it and its watchdog were both killed.
+    /// Streams that an earlier run left routed on this server, because it and its watchdog were
+    /// killed.
     [[nodiscard]] const std::vector<RoutedStream> &leftovers() const { return leftovers_; }
 
     void routed(const RoutedStream &stream) override;
-    /// Holds once `confirmReleases` has been called: until then the server may not have done it.
+    /// Takes effect with `confirmReleases`: until then the server may not have put the stream back.
     void released(const RoutedStream &stream) override;
-    /// How many releases there have been so far.
+    /// Number of releases so far.
     [[nodiscard]] std::uint64_t releases() const { return releases_; }
-    /// The server has carried out everything that the first `count` releases are about.
+    /// Confirms the first `count` releases: the server has carried out their commands.
     void confirmReleases(std::uint64_t count);
     [[nodiscard]] bool hasUnconfirmed() const { return !unconfirmed_.empty(); }
     [[nodiscard]] bool isEmpty() const { return ledger_.size() == 0; }
-    /// As `WatchdogLink::beat`: to be called every `beatSeconds` while streams are routed, or every
+    /// As `WatchdogLink::beat`. Call it every `beatSeconds` while streams are routed, or every
     /// `restingBeatSeconds` while nothing plays.
     bool beat(bool isResting) { return watchdog_.beat(ledger_, isResting); }
     static constexpr double beatSeconds = 0.25;
     static constexpr double restingBeatSeconds = 1.0;
-    /// Everything is back in its place; the watchdog may go.
+    /// Every stream is restored; lets the watchdog end.
     void allRestored();
 
   private:
@@ -54,10 +55,10 @@ class RouteJournal final : public RouteLog {
     std::size_t linesInFile_ = 0;
     std::vector<RoutedStream> leftovers_;
     std::uint64_t releases_ = 0;
-    std::vector<std::pair<std::uint64_t, RoutedStream>> unconfirmed_; ///< with their numbers
+    std::vector<std::pair<std::uint64_t, RoutedStream>> unconfirmed_; ///< by release number
 };
 
-/// Removes the journal of a program that has ended, unless another one runs by now and owns it.
+/// Removes the journal of a program that has ended, unless another one runs and owns it.
 void removeEndedJournal();
 
 } // namespace quorbel

@@ -11,8 +11,8 @@
 namespace quorbel {
 namespace {
 
-/// Before 1.3.81 only this configuration file loads the module that gives the data thread its
-/// real-time priority; from then on it is gone and the plain one does.
+/// Before 1.3.81 only this configuration file loads the module that gives the data thread real-time
+/// priority. Since then it no longer exists and the default one does.
 const char *configName() {
     int major = 0;
     int minor = 0;
@@ -47,8 +47,8 @@ std::unique_ptr<ServerConnection> ServerConnection::open(Status &status) {
         return nullptr;
     }
     const LoopLock lock(connection->loop());
-    // Session managers let a sandboxed client change other clients' objects only if it calls itself
-    // a manager.
+    // Session managers let a sandboxed client change other clients' objects only if it declares
+    // itself a manager.
     connection->core_.reset(pw_context_connect(
         connection->context_.get(),
         pw_properties_new(PW_KEY_APP_NAME, "Ostrafine", PW_KEY_APP_ID, "com.quorbel.Ostrafine",
@@ -104,8 +104,8 @@ void ServerConnection::coreDone(int sequence) {
 }
 
 void ServerConnection::coreError(std::uint32_t id, int result) {
-    // Errors of single objects reach those objects, and some requests for what is gone meanwhile
-    // reach the core; these say that the connection itself has ended.
+    // The core also receives errors of requests for objects that are gone; these errors alone mean
+    // that the connection has ended.
     constexpr std::array final{-EPIPE, -ECONNRESET, -ENOTCONN, -EPROTO, -EBADMSG, -EIO, -ENOMEM};
     if (id != PW_ID_CORE || lost_ || std::find(final.begin(), final.end(), result) == final.end())
         return;
@@ -119,7 +119,7 @@ Status ServerConnection::roundTrip(double seconds) {
     if (lost_)
         return -EPIPE;
     const int sequence = pw_core_sync(core(), PW_ID_CORE, ++pendingSequence_);
-    // The server answers in order, so a later answer stands for this one too.
+    // The server answers in order, so a later answer implies this one.
     return waitUntil([&] { return doneSequence_ >= sequence; }, seconds);
 }
 

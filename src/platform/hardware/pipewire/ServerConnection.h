@@ -11,15 +11,14 @@
 
 namespace quorbel {
 
-/// One connection to the user's sound server: a thread loop of our own, the context and the core.
-/// Lives until the server goes or the owner lets go; a lost connection is never mended, a new one
-/// is made.
+/// One connection to the user's sound server: a thread loop of our own, the context and the core. A
+/// lost connection is never repaired; the owner makes a new one.
 ///
 /// [main] except where tagged; [control] is the loop's thread, which holds the loop's lock.
 class ServerConnection {
   public:
-    /// Connects. On failure `status` is a negative errno (-EHOSTDOWN: nobody there) and null is
-    /// returned.
+    /// Connects. On failure returns null and sets `status` to a negative errno (-EHOSTDOWN: no
+    /// server).
     static std::unique_ptr<ServerConnection> open(Status &status);
     ~ServerConnection();
     ServerConnection(const ServerConnection &) = delete;
@@ -28,28 +27,26 @@ class ServerConnection {
     [[nodiscard]] pw_thread_loop *loop() const { return loop_.get(); }
     [[nodiscard]] pw_core *core() const { return core_.get(); }
 
-    /// A number that tells this run of the server from others; 0 until the first round trip is
-    /// over.
+    /// Number that identifies this run of the server; 0 until the first round trip is over.
     [[nodiscard]] std::uint32_t serverCookie() const { return serverCookie_; }
 
-    /// Called once, when the server has gone. Set under the loop's lock. [control]
+    /// Sets the handler for the loss of the server, called once. Needs the loop's lock. [control]
     void setLostHandler(std::function<void(Status)> handler) { lostHandler_ = std::move(handler); }
     [[nodiscard]] bool isLost() const { return lost_; }
 
-    /// Waits until the server has handled everything sent so far. Needs the loop's lock. -ETIMEDOUT
-    /// after `seconds`, -EPIPE if the server is gone.
+    /// Waits until the server has handled all requests so far. Needs the loop's lock. Returns
+    /// -ETIMEDOUT after `seconds`, -EPIPE if the server is gone.
     Status roundTrip(double seconds);
 
-    /// Waits until `condition` holds, looking again after every event from the server, and every
-    /// `lookSeconds` if that is not 0. Needs the loop's lock. Same statuses.
+    /// Waits until `condition` holds; tests it after every event from the server, and every
+    /// `lookSeconds` unless that is 0. Needs the loop's lock. Statuses as `roundTrip`.
     Status waitUntil(const std::function<bool()> &condition, double seconds,
                      double lookSeconds = 0.0);
 
-    /// Makes `waitUntil` look again. [control]
+    /// Makes `waitUntil` test its condition. [control]
     void wakeWaiters() { pw_thread_loop_signal(loop_.get(), false); }
 
-    /// Asks the server to answer once it has handled everything sent so far; then `done` runs.
-    /// [control]
+    /// Runs `done` once the server has handled all requests so far. [control]
     void afterRoundTrip(std::function<void()> done);
 
   private:

@@ -8,20 +8,20 @@
 namespace quorbel {
 namespace {
 
-/// When the table is read again after it has come. A session manager that starts sets its defaults
-/// within a second, and later on a busy machine.
+/// Times of the readings after the table has come, in seconds. A starting session manager sets its
+/// defaults within a second, later on a busy machine.
 constexpr double readAgainAfterSeconds[] = {0.5, 1.5, 4.0};
-/// Clients that leave together make one test.
+/// Delay of a test, so that clients that leave together cause only one.
 constexpr double testAfterSeconds = 0.3;
 constexpr double answerSeconds = 1.0;
 constexpr double shortestWaitSeconds = 0.001; ///< 0 would disarm the timer
 
-/// Written for our own client, so the server deletes it with the client.
+/// Written for our own client: the server deletes it with the client.
 constexpr const char *testKey = "quorbel.hearing";
 
 } // namespace
 
-/// One binding of the table. It collects values on its own until `owner` is set.
+/// One binding of the table. It collects values until `owner` is set.
 struct SessionMetadata::Binding {
     Proxy<pw_metadata> proxy;
     Hook hook;
@@ -31,7 +31,7 @@ struct SessionMetadata::Binding {
     int propertyChanged(std::uint32_t subject, const char *key, const char *type,
                         const char *value) {
         auto &values = owner != nullptr ? owner->values_ : collected;
-        if (key == nullptr) { // everything about the subject is gone
+        if (key == nullptr) { // all values of the subject are deleted
             std::vector<std::string> keys;
             for (const auto &[where, _] : values)
                 if (where.first == subject)
@@ -162,10 +162,10 @@ void SessionMetadata::endReading() {
                 keys.insert(key);
     for (const Key &key : writes)
         keys.erase(key);
-    // A value that is read says nothing about hearing of changes. If it was the answer, the next
-    // test has one.
+    // A value that was read does not prove that changes are reported. If it was the answer, the
+    // next test has one.
     std::erase_if(keys, [](const Key &key) { return key.second == testKey; });
-    // One by one, as they would have been told: the listener may write in between.
+    // One by one, like events: the listener may write in between.
     for (const Key &key : keys)
         changed(key, valueIn(fresh, key));
     readingEnded();
@@ -176,7 +176,7 @@ Status SessionMetadata::refresh(double seconds) {
         return hasArrived_ ? -ENOENT : statusOK;
     const std::weak_ptr<SessionMetadata *> weak = self_;
     const Status status = connection_.roundTrip(seconds);
-    if (weak.expired() || !reading_) // the session manager has gone meanwhile
+    if (weak.expired() || !reading_) // the session manager has left meanwhile
         return status;
     if (status == statusOK) {
         endReading();

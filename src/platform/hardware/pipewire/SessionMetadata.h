@@ -21,11 +21,11 @@ namespace quorbel {
 /// Servers lose changes of it (0.3.65 to 1.4 at least). While a client binds the table, the others
 /// receive no changes. After a client has left in the middle of binding, no client receives any
 /// until the session manager restarts: the table is deaf. Hence:
-///  1. After the table has come it is read again, because then every client binds it and the
+///  1. The table is read again after it has come: at that time every client binds it and the
 ///     session manager sets its defaults.
-///  2. When a client has left, a value of our own is written. If the server does not tell
-///     of it within a second, the table is read again, and the next value written.
-///  3. A value written for a new stream may replace one that we were not told of. `read` tells.
+///  2. When a client has left, a value of our own is written as a test. If no event reports it
+///     within a second, the table is read again and the next test follows.
+///  3. A value written for a new stream may replace one that was never reported. `read` reports it.
 ///
 /// Everything needs the loop's lock. [control], `refresh` [main]
 class SessionMetadata {
@@ -34,9 +34,9 @@ class SessionMetadata {
 
     class Listener {
       public:
-        virtual void metadataArrived() = 0; ///< all values have been received
-        /// A reading that began after the last `read` has ended, and its changes have been told;
-        /// after a `refresh` that failed, nothing has.
+        virtual void metadataArrived() = 0; ///< all values of the table have been received
+        /// A reading that began after the last `read` has ended and its changes have been reported;
+        /// after a failed `refresh` none are.
         virtual void metadataRead() = 0;
         virtual void metadataChanged(std::uint32_t subject, const std::string &key,
                                      const std::optional<MetadataValue> &value) = 0;
@@ -45,7 +45,7 @@ class SessionMetadata {
         ~Listener() = default;
     };
 
-    /// `id` and `version` are the table's in the registry, which must outlive it.
+    /// `id` and `version` are the table's in `registry`, which must outlive this object.
     SessionMetadata(ServerConnection &connection, pw_registry *registry, std::uint32_t id,
                     std::uint32_t version, Listener &listener);
     ~SessionMetadata();
@@ -55,27 +55,27 @@ class SessionMetadata {
     [[nodiscard]] std::uint32_t id() const { return id_; }
     [[nodiscard]] const std::map<Key, MetadataValue> &values() const { return values_; }
 
-    /// No value deletes.
+    /// Sets a value, or deletes the key without one.
     void set(std::uint32_t subject, const char *key, const std::optional<MetadataValue> &value);
 
-    /// Reads the table again and tells the listener the differences. Waits `seconds` at most;
+    /// Reads the table again and reports the differences to the listener. Waits `seconds` at most;
     /// statuses as `ServerConnection::roundTrip`.
     Status refresh(double seconds);
 
-    /// The same without waiting.
+    /// As `refresh`, without waiting.
     void read();
 
     void clientLeft();
-    /// True while the server is known not to tell of changes.
+    /// True while the server is known to report no changes.
     [[nodiscard]] bool isDeaf() const { return isDeaf_; }
 
   private:
     struct Binding;
-    /// A second binding, whose values replace those of the first once they are all there.
+    /// A second binding, whose values replace those of the first once it is complete.
     struct Reading {
         int number = 0;
         std::unique_ptr<Binding> binding;
-        std::set<Key> writes; ///< our own meanwhile, newer than what is read
+        std::set<Key> writes; ///< our own meanwhile, newer than the values read
     };
 
     [[nodiscard]] std::unique_ptr<Binding> bind();
@@ -94,11 +94,11 @@ class SessionMetadata {
     std::uint32_t version_;
     Listener &listener_;
     std::unique_ptr<Binding> binding_;
-    std::map<Key, MetadataValue> values_; ///< with our own writes, told or not
+    std::map<Key, MetadataValue> values_; ///< including our own writes, reported or not
     bool hasArrived_ = false;
     std::optional<Reading> reading_;
     int lastReading_ = 0;
-    bool isAnotherWanted_ = false; ///< reading, once `reading_` has ended
+    bool isAnotherWanted_ = false; ///< start another reading once `reading_` has ended
     spa_source *timer_ = nullptr;
 
     std::vector<double> readAt_;        ///< times on the monotonic clock
@@ -107,7 +107,7 @@ class SessionMetadata {
     bool isDeaf_ = false;               ///< the last test had no answer
     int lastTest_ = 0;
 
-    /// Ends with the object: round trips outlive it.
+    /// Expires with this object, which round trips outlive.
     std::shared_ptr<SessionMetadata *> self_ = std::make_shared<SessionMetadata *>(this);
 };
 

@@ -4,8 +4,8 @@
 
 namespace quorbel {
 
-/// Seconds on one of the system's clocks; for deadlines on the server loop and times of cycles,
-/// where the program's own clock cannot be asked. [any]
+/// Seconds on one of the system's clocks, for deadlines on the server loop and times of cycles,
+/// which cannot use the program's clock. [any]
 inline double secondsOn(clockid_t clock) noexcept {
     timespec now{};
     clock_gettime(clock, &now);

@@ -18,7 +18,7 @@ namespace {
 
 constexpr double watchdogAnswerSeconds = 2.0;
 constexpr useconds_t retryMicroseconds = 1'000'000;
-/// The program says that it is alive four times a second, and once a second while nothing plays.
+/// The program reports four times a second that it is alive, and once a second while nothing plays.
 constexpr double silenceSeconds = 1.0;
 constexpr double restingSilenceSeconds = 3.0;
 constexpr int lookMilliseconds = 250;
@@ -26,8 +26,8 @@ constexpr int restingLookMilliseconds = 1000;
 
 enum class Outcome {
     restored,
-    serverGone, ///< with every stream that was routed on it
-    tryAgain,   ///< it does not answer
+    serverGone, ///< with every routed stream
+    tryAgain,   ///< the server does not answer
 };
 
 Outcome restoreOnce(const std::vector<RoutedStream> &streams, std::uint32_t serverCookie) {
@@ -39,7 +39,7 @@ Outcome restoreOnce(const std::vector<RoutedStream> &streams, std::uint32_t serv
                    : Outcome::tryAgain;
     const LoopLock lock(connection->loop());
     ObjectRegistry registry(*connection);
-    // Objects first, then what is known about them, then our changes.
+    // Round trips for the objects, for their properties, and for our changes.
     if (connection->roundTrip(watchdogAnswerSeconds) != statusOK ||
         connection->roundTrip(watchdogAnswerSeconds) != statusOK)
         return connection->isLost() ? Outcome::serverGone : Outcome::tryAgain;
@@ -58,14 +58,14 @@ void restoreAll(RouteLedger &routed, std::uint32_t serverCookie) {
         usleep(retryMicroseconds);
 }
 
-/// What the program says, read line by line.
+/// The program's messages, read line by line.
 class ProgramVoice {
   public:
     explicit ProgramVoice(int input) : input_(input) {}
 
     enum class Heard { something, nothing, end };
 
-    /// Waits until there is something to read, `milliseconds` at most; for ever if negative.
+    /// Waits for input, `milliseconds` at most; for ever if negative.
     Heard listen(int milliseconds) {
         pollfd waiting{input_, POLLIN, 0};
         const int ready = poll(&waiting, 1, milliseconds);
@@ -81,7 +81,7 @@ class ProgramVoice {
         return Heard::something;
     }
 
-    /// The next whole line; nothing if there is none yet.
+    /// Returns the next whole line, if there is one.
     std::optional<std::string> line() {
         const std::size_t end = pending_.find('\n');
         if (end == std::string::npos)

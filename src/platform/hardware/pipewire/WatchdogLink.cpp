@@ -17,8 +17,8 @@ extern char **environ;
 namespace quorbel {
 namespace {
 
-/// Path of the watchdog, from the place of this program: as installed, else as in the build tree.
-/// Empty if it is in neither.
+/// Path of the watchdog relative to this program: as installed, else as in the build tree. Empty if
+/// neither exists.
 std::string watchdogProgram() {
     std::error_code error;
     const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
@@ -44,9 +44,9 @@ WatchdogLink::WatchdogLink(std::uint32_t serverCookie) : serverCookie_(serverCoo
 
 WatchdogLink::~WatchdogLink() { abandon(); }
 
-// One end of a socket pair is its standard input; the other end is ours alone, so that it closes
-// whichever way we end. (A socket rather than a pipe: writing to one whose reader was killed can be
-// told not to raise a signal.) What it has to know is in the socket before it begins.
+// One end of a socket pair is the watchdog's standard input. The other end is ours alone, so it
+// closes however we end. (A socket instead of a pipe: only on a socket can a write to a dead reader
+// be kept from raising a signal.) The current state is in the socket before the watchdog starts.
 void WatchdogLink::start(const RouteLedger &routed) {
     const std::string program = watchdogProgram();
     std::array<int, 2> ends{};
@@ -89,13 +89,13 @@ void WatchdogLink::send(std::string_view line) {
         return;
     const std::string text = fmt::format("{}\n", line);
     const ssize_t sent = ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-    // A line cut short reads as no line, and so does what it runs into.
+    // A truncated line is ignored, and so is the text that follows it on the same line.
     isBehind_ = isBehind_ || sent != static_cast<ssize_t>(text.size());
 }
 
 void WatchdogLink::tellAll(const RouteLedger &routed) {
     isBehind_ = false;
-    send(""); // ends a line that was cut short
+    send(""); // ends a truncated line
     send(watchdogWord::reset);
     for (const RoutedStream &stream : routed.streams())
         send(stream.encoded());
@@ -129,7 +129,7 @@ void WatchdogLink::finish() {
         send("");
     send(watchdogWord::clean);
     close(std::exchange(socket_, -1));
-    // It ends by itself in a moment; if we end first, init reaps it.
+    // The watchdog ends soon; if we end first, init reaps it.
     for (int attempt = 0; attempt < 100 && waitpid(pid_, nullptr, WNOHANG) == 0; ++attempt)
         usleep(1000);
     pid_ = -1;

@@ -5,8 +5,8 @@
 namespace quorbel {
 namespace {
 
-/// An echo takes milliseconds. One that has not come by then never comes: the value was the same
-/// already, or the server of 0.3.65 sends none any more.
+/// Deadline of an echo, which takes milliseconds. A later one never comes: the value was the same,
+/// or the server (0.3.65) has stopped sending events.
 constexpr double echoSeconds = 1.0;
 
 } // namespace
@@ -45,7 +45,7 @@ bool OwnWrites::takeEcho(std::uint32_t subject, std::string_view key,
     const auto isOfKey = [&](const Write &write) {
         return write.subject == subject && write.key == key;
     };
-    // Echoes come in the order of the writes; one that changed nothing has none.
+    // Echoes come in the order of the writes; a write that changed nothing has none.
     auto echoed = std::find_if(writes_.begin(), writes_.end(), isOfKey);
     while (echoed != writes_.end() && echoed->value != value)
         echoed =

@@ -9,9 +9,9 @@
 
 namespace quorbel {
 
-/// Passes commands on and remembers which metadata we have written until the server's event about
-/// it, the echo, arrives. Tells our own changes from those of others, and whether a change of
-/// somebody else's came before a write of ours that is still under way and will replace it.
+/// Passes commands on and keeps each metadata write of ours until its echo, the server's event
+/// about it, arrives. So it distinguishes our changes from those of other clients, and knows
+/// whether a write under way will replace another client's change.
 class OwnWrites final : public ServerCommands {
   public:
     OwnWrites(const ServerObjects &objects, ServerCommands &commands)
@@ -28,14 +28,14 @@ class OwnWrites final : public ServerCommands {
     void removeLink(std::uint32_t linkID) override { commands_.removeLink(linkID); }
     [[nodiscard]] double seconds() const override { return commands_.seconds(); }
 
-    /// Sets, or deletes if there is no value.
+    /// Sets the value, or deletes the key without one.
     void write(std::uint32_t subject, const char *key, const std::optional<MetadataValue> &value);
-    /// True if the change is the echo of a write, which is forgotten then.
+    /// Returns true if the change is the echo of a write, and removes that write.
     bool takeEcho(std::uint32_t subject, std::string_view key,
                   const std::optional<MetadataValue> &value);
     /// True if a write of the key is under way.
     [[nodiscard]] bool isUnderWay(std::uint32_t subject, std::string_view key) const;
-    /// The value that the key has once the writes under way have arrived.
+    /// Value of the key after the writes under way.
     [[nodiscard]] std::optional<MetadataValue> expected(std::uint32_t subject,
                                                         std::string_view key) const;
     void clear() { writes_.clear(); }
@@ -45,7 +45,7 @@ class OwnWrites final : public ServerCommands {
         std::uint32_t subject = 0;
         std::string key;
         std::optional<MetadataValue> value;
-        bool mayBeSilent = false; ///< changes nothing as far as we know, and then has no echo
+        bool mayBeSilent = false; ///< probably changes nothing, and then has no echo
         double time = 0.0;
     };
     [[nodiscard]] bool isFresh(const Write &write) const;

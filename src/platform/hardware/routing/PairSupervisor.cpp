@@ -6,20 +6,20 @@
 namespace quorbel {
 namespace {
 
-/// The session manager links within milliseconds. Shorter than the time after which applications
-/// are put back, so that a link of our own spares them that.
+/// The session manager links within milliseconds. A link of our own comes before the applications
+/// would be put back.
 constexpr double healSeconds = 0.2;
 constexpr double releaseSeconds = 0.4;
 constexpr double rebuildSeconds = 0.8; ///< from one rebuilding to the next
 constexpr double giveUpSeconds = 2.0;
 
-/// More than this many in that time: somebody keeps removing our streams.
+/// More rebuildings in that time mean that another client keeps removing our streams.
 constexpr std::size_t mostRebuilds = 8;
 constexpr double rebuildMemorySeconds = 10.0;
 
-/// The longest cycle takes a fifth of it.
+/// Five times the longest cycle.
 constexpr double standstillSeconds = 1.0;
-/// More between two looks does not count: we stood still ourselves.
+/// A longer gap between two looks does not count: this process was stopped.
 constexpr double longestLookSeconds = 0.3;
 
 } // namespace
@@ -45,11 +45,11 @@ PairStep PairSupervisor::look(const PairFacts &facts, double now) {
     if (!wrongSince_ || isNew_)
         wrongSince_ = now;
     if (isNew_)
-        rebuilds_.push_back(now); // a new pair has the time that a rebuilt one has
+        rebuilds_.push_back(now); // a new pair has as much time as a rebuilt one
     isNew_ = false;
     const double age = now - *wrongSince_;
     const bool isRebuildDue = rebuilds_.empty() || now - rebuilds_.back() >= rebuildSeconds;
-    // One that was whole and is not any more does not need time but another try.
+    // A pair that was whole and broke is rebuilt at once: more time would not repair it.
     if (isBroken && (isRebuildDue || mustRebuild_ || wasWhole_))
         return rebuild(now);
     if (age >= giveUpSeconds) {
@@ -74,12 +74,12 @@ PairStep PairSupervisor::look(const PairFacts &facts, double now) {
     return PairStep::none;
 }
 
-/// True if the server runs the streams, but our side of them does nothing.
+/// True if the server runs the streams, but our side of them runs no cycles.
 bool PairSupervisor::hasStoodStill(const PairFacts &facts, double now) {
     const double passed = std::min(now - lastLook_, longestLookSeconds);
     lastLook_ = now;
     const PairFacts before = std::exchange(beats_, facts);
-    if (stillSeconds_ >= standstillSeconds) // until they are replaced: released, they need not run
+    if (stillSeconds_ >= standstillSeconds) // until replaced: released streams need not run
         return true;
     const bool bothRun = facts.tapRuns && facts.outputRuns;
     if (!bothRun ||
@@ -95,7 +95,7 @@ PairStep PairSupervisor::cureStandstill(double now) {
         return PairStep::none;
     if (!wrongSince_)
         wrongSince_ = now;
-    if (isRouting_) { // what replaces the streams may have to wait for the thread that hangs
+    if (isRouting_) { // rebuilding may have to wait for the thread that hangs
         isRouting_ = false;
         return PairStep::release;
     }

@@ -7,22 +7,22 @@
 
 namespace quorbel {
 
-/// What can be seen of our two streams, the tap and the output.
+/// Observed state of our two streams, the tap and the output.
 struct PairFacts {
     bool hasTap = false;         ///< its node and its two ports, front left and front right, exist
     bool hasOutput = false;      ///< its node exists
-    bool hasDevice = false;      ///< a device is there that the output can be linked to
+    bool hasDevice = false;      ///< a device exists to which the output can be linked
     bool isOutputLinked = false; ///< to a device, with all its channels
     bool tapRuns = false;        ///< the graph runs it
     bool outputRuns = false;
-    bool isTapOfWrongKind = false; ///< it must count as a device and does not
-    // Counters that move while there are cycles.
+    bool isTapOfWrongKind = false; ///< it has to count as a device and does not
+    // Counters that advance with the cycles.
     std::uint64_t driverCycles = 0; ///< of the device's clock
-    std::uint64_t tapCycles = 0;    ///< that we have run
+    std::uint64_t tapCycles = 0;    ///< run by us
     std::uint64_t outputCycles = 0;
 };
 
-/// What is to be done about the pair.
+/// Next step for the pair.
 enum class PairStep {
     none,
     route,   ///< sound can pass: applications may be sent to the tap
@@ -33,22 +33,23 @@ enum class PairStep {
     giveUp,  ///< it cannot be healed; tell the user
 };
 
-/// Decides from what is seen whether processed sound can pass through the tap and the output, and
-/// what heals them if not. Whatever is wrong, sound has another way after half a second, and after
-/// two seconds the pair is healed or given up. That the streams run no cycles although they should
-/// is noticed after a second, if it is looked at every quarter of one.
+/// Decides from the observed state whether processed sound can pass through the tap and the output,
+/// and which step repairs them if not. In any failure the applications are put back after half a
+/// second, and after two seconds the pair is repaired or given up. Streams that should run cycles
+/// and do not are detected after a second, given a look every quarter of a second.
 class PairSupervisor {
   public:
     static constexpr double lookSeconds = 0.05; ///< between two looks while something is wrong
 
-    /// One step to take now. Ask again after it, until it is `none`.
+    /// Returns one step to take now. Call again after taking it, until it is `none`.
     PairStep look(const PairFacts &facts, double now);
-    /// A new session manager knows nothing of the streams and may leave them half started.
+    /// Rebuilds the pair: a new session manager does not know the streams and may leave them half
+    /// started.
     void sessionManagerReturned() { mustRebuild_ = true; }
-    /// Starts from nothing, as for a new pair.
+    /// Starts over, as for a new pair.
     void reset() { *this = PairSupervisor(); }
     [[nodiscard]] bool isHealthy() const { return !wrongSince_; }
-    /// When to look again at the latest, if no event makes it sooner; infinity while all is well.
+    /// Latest time of the next look, if no event comes earlier; infinity while the pair is healthy.
     [[nodiscard]] double nextLook(double now) const;
 
   private:
@@ -61,15 +62,15 @@ class PairSupervisor {
     bool wasWhole_ = false; ///< since the last rebuilding
     bool isRouting_ = false;
     bool mustRebuild_ = false;
-    bool hasLinked_ = false; ///< in this illness, as the next
+    bool hasLinked_ = false; ///< during this failure, as the next
     bool hasNudged_ = false;
     bool hasGivenUp_ = false;
     std::deque<double> rebuilds_; ///< times of the recent ones
 
     PairFacts beats_; ///< the counters at the last look
     double lastLook_ = 0.0;
-    double stillSeconds_ = 0.0; ///< in which the device has had cycles and we have run none
-    std::optional<double> stillRebuild_; ///< when the pair was last replaced for that
+    double stillSeconds_ = 0.0;          ///< duration of device cycles without one of ours
+    std::optional<double> stillRebuild_; ///< time of the last rebuilding for that reason
 };
 
 } // namespace quorbel

@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// Is told of every stream before it is routed and after it was put back.
+/// Receives every stream before it is routed and after it was put back.
 class RouteLog {
   public:
     virtual ~RouteLog() = default;
@@ -15,12 +15,12 @@ class RouteLog {
     virtual void released(const RoutedStream &stream) = 0;
 };
 
-/// Which streams are routed to a tap at this moment.
+/// The streams that are routed to a tap.
 class RouteLedger final : public RouteLog {
   public:
     void routed(const RoutedStream &stream) override;
     void released(const RoutedStream &stream) override;
-    /// Takes one line of text; returns false for one that is neither a routing nor a release.
+    /// Applies one line of text; returns false if it is neither a routing nor a release.
     bool take(std::string_view line);
     void clear() { streams_.clear(); }
     [[nodiscard]] std::vector<RoutedStream> streams() const;

@@ -16,7 +16,7 @@ constexpr std::string_view releasedWord = "released";
 constexpr std::string_view absent = "-";
 constexpr const char *followDefault = "-1"; ///< as a target: none
 
-/// Fields are parted by blanks; a value's own blanks and per cent signs are written as %xx.
+/// Fields are separated by blanks; blanks and per cent signs in a value are written as %xx.
 std::string escaped(std::string_view text) {
     std::string result = "=";
     for (const char c : text) {
@@ -90,7 +90,7 @@ void setOrDelete(ServerCommands &commands, std::uint32_t subject, const char *ke
         commands.deleteMetadata(subject, key);
 }
 
-/// The name of the node that a value of "target.object" names, by serial or by name.
+/// Name of the node in a value of "target.object", given by serial or by name.
 std::string nameOfObject(const ServerObjects &objects, const MetadataValue &target) {
     std::uint64_t serial = 0;
     if (target.value == followDefault)
@@ -107,7 +107,7 @@ std::string nameOfNode(const ServerObjects &objects, const MetadataValue &target
     return node == nullptr ? std::string() : node->name();
 }
 
-/// The name of the node that the session manager remembers once the stream's own values are set.
+/// Name of the node that the session manager remembers once the stream's values are set.
 std::string nameLastSet(const ServerObjects &objects, const RoutedStream &stream) {
     if (stream.targetObject)
         return nameOfObject(objects, *stream.targetObject);
@@ -115,7 +115,7 @@ std::string nameLastSet(const ServerObjects &objects, const RoutedStream &stream
 }
 
 void resetTargetNode(ServerCommands &commands, std::uint32_t subject, const MetadataValue &value) {
-    // Deleted first, because setting an equal value is not an event.
+    // Deleted first, because setting an equal value raises no event.
     commands.deleteMetadata(subject, targetNodeKey);
     commands.setMetadata(subject, targetNodeKey, value);
 }
@@ -171,7 +171,7 @@ MetadataValue rememberedTarget(const ServerObjects &objects, const RoutedStream 
 
 MetadataValue routeTo(std::uint64_t nodeSerial, const ServerObjects &objects,
                       ServerCommands &commands, const RoutedStream &stream) {
-    // By serial: a name would be remembered as the application's own choice.
+    // By serial: the session manager would remember a name as the application's choice.
     commands.setMetadata(stream.streamID, targetObjectKey, {"Spa:Id", std::to_string(nodeSerial)});
     MetadataValue remembered = rememberedTarget(objects, stream);
     resetTargetNode(commands, stream.streamID, remembered);
@@ -207,7 +207,7 @@ std::vector<RoutedStream> inOrderOfUndoing(const ServerObjects &objects,
     return streams;
 }
 
-/// What the stream plays on without a "target.object" in the metadata, as a value of it.
+/// Target of the stream without "target.object" in the metadata, as such a value.
 static MetadataValue ownTarget(const ServerObjects &objects, const NodeRecord &node,
                                const RoutedStream &stream) {
     std::string name = targetName(objects, std::nullopt, stream.targetNode);
@@ -241,7 +241,7 @@ void undoRoute(const ServerObjects &objects, ServerCommands &commands, const Rou
         !stream.remembered.empty() && objects.nodeNamed(stream.remembered) == nullptr;
     if (isAbsent || remembersOwnTarget(objects, stream))
         return;
-    // Another stream of the program has the target that is remembered, and may have ended. The
+    // The target to remember is that of another stream of the program, which may have ended. The
     // stream's own target outweighs "target.node", which is seen last.
     if (!stream.targetObject)
         commands.setMetadata(id, targetObjectKey, ownTarget(objects, *node, stream));
@@ -254,7 +254,7 @@ void restoreRoute(const ServerObjects &objects, ServerCommands &commands,
         !isRoutedTo(objects, stream.streamID, stream.formerTapSerial))
         return;
     RoutedStream latest = stream;
-    // Another value than ours was set by somebody else after the line was written.
+    // A value that is not ours was set by another client after the line was written.
     const auto node = objects.metadata(stream.streamID, targetNodeKey);
     if (node && node->value != followDefault && *node != rememberedTarget(objects, stream)) {
         latest.targetNode = node;

@@ -6,7 +6,7 @@
 
 namespace quorbel {
 
-/// A link that we made; 0 names none.
+/// A link that we made; 0 is none.
 using OwnLink = std::uint64_t;
 
 struct LinkRequest {
@@ -17,10 +17,10 @@ struct LinkRequest {
     bool isPassive = false; ///< does not keep a device running by itself
 };
 
-/// What routing asks of the sound server. Commands are sent, not awaited; their effects come back
-/// as changes of the objects. Only metadata holds in the objects at once, because a server of
-/// 0.3.65 sends no more of its changes for good once a client has left in the middle of binding the
-/// table. Hence `readMetadata`.
+/// Commands of routing to the sound server. They are sent without waiting; their effects come back
+/// as changes of `ServerObjects`. Metadata alone is updated there at once, because a server of
+/// 0.3.65 stops sending its changes for good once a client leaves while binding the table. Hence
+/// `readMetadata`.
 class ServerCommands {
   public:
     virtual ~ServerCommands() = default;
@@ -28,20 +28,20 @@ class ServerCommands {
     virtual void setMetadata(std::uint32_t subject, const char *key,
                              const MetadataValue &value) = 0;
     virtual void deleteMetadata(std::uint32_t subject, const char *key) = 0;
-    /// Tells the changes of the table that the server has not told, and then
+    /// Reports the changes of the table that the server has not sent, then
     /// `ServerObserver::metadataRead`. Requests may be answered together.
     virtual void readMetadata() = 0;
-    /// True while the server is known not to tell of changes of the table.
+    /// True while the server is known to send no changes of the table.
     [[nodiscard]] virtual bool isDeaf() const = 0;
 
-    /// A link that lives until `destroyLink` or until its owner's connection ends, whichever is
-    /// first. The server refuses a second link between the same two ports.
+    /// Makes a link that lives until `destroyLink` or the end of our connection. The server refuses
+    /// a second link between the same two ports.
     virtual OwnLink createLink(const LinkRequest &request) = 0;
     virtual void destroyLink(OwnLink link) = 0;
-    /// Removes a link of somebody else's, by its id.
+    /// Removes another client's link, by its id.
     virtual void removeLink(std::uint32_t linkID) = 0;
 
-    /// Now, in seconds on a clock that never goes back.
+    /// Current time in seconds on a monotonic clock.
     [[nodiscard]] virtual double seconds() const = 0;
 };
 

@@ -13,13 +13,13 @@ namespace quorbel {
 
 using PropertyMap = std::map<std::string, std::string, std::less<>>;
 
-/// The value of `key`, or an empty text.
+/// Value of `key`, or an empty text.
 const std::string &propertyValue(const PropertyMap &properties, std::string_view key);
 
 struct NodeRecord {
-    std::uint32_t id = 0;     ///< used again by the server as soon as the node is gone
-    std::uint64_t serial = 0; ///< never used again
-    PropertyMap properties;   ///< the registry's few at first, all of them once `isComplete`
+    std::uint32_t id = 0;     ///< reused by the server as soon as the node is gone
+    std::uint64_t serial = 0; ///< never reused
+    PropertyMap properties;   ///< the registry's few until `isComplete`, then all
     bool isComplete = false;
 
     [[nodiscard]] const std::string &property(std::string_view key) const {
@@ -67,13 +67,13 @@ struct MetadataValue {
 inline constexpr const char *targetObjectKey = "target.object";
 inline constexpr const char *targetNodeKey = "target.node";
 
-/// True for what can be played on.
+/// True for a node that applications can play on.
 inline bool isOutputDevice(const NodeRecord &node) {
     return node.mediaClass() == "Audio/Sink" || node.mediaClass() == "Audio/Duplex";
 }
 
-/// What the sound server holds, as far as it has told: nodes, ports, links and the session
-/// manager's "default" metadata table. A plain table; whoever talks to the server fills it.
+/// The sound server's objects as reported so far: nodes, ports, links and the session manager's
+/// "default" metadata table. A plain table, filled by the connection to the server.
 class ServerObjects {
   public:
     [[nodiscard]] const NodeRecord *node(std::uint32_t id) const;
@@ -81,17 +81,17 @@ class ServerObjects {
     [[nodiscard]] const NodeRecord *nodeWithSerial(std::uint64_t serial) const;
     [[nodiscard]] const std::map<std::uint32_t, NodeRecord> &nodes() const { return nodes_; }
     [[nodiscard]] const PortRecord *port(std::uint32_t id) const;
-    /// In the order of their indices.
+    /// Ports of a node, sorted by index.
     [[nodiscard]] std::vector<PortRecord> ports(std::uint32_t nodeID, bool input) const;
     [[nodiscard]] bool hasPorts(std::uint32_t nodeID, bool input) const;
     [[nodiscard]] const std::map<std::uint32_t, LinkRecord> &links() const { return links_; }
     [[nodiscard]] bool isLinked(std::uint32_t outputNodeID, std::uint32_t inputNodeID) const;
 
-    /// True once the table is bound and all its values have been received.
+    /// True once the metadata table is bound and all its values have been received.
     [[nodiscard]] bool hasMetadata() const { return hasMetadata_; }
     [[nodiscard]] std::optional<MetadataValue> metadata(std::uint32_t subject,
                                                         std::string_view key) const;
-    /// The subjects of the table.
+    /// The subjects of the metadata table.
     [[nodiscard]] std::vector<std::uint32_t> metadataSubjects() const;
 
     NodeRecord &putNode(NodeRecord node);
@@ -101,7 +101,7 @@ class ServerObjects {
     void putLink(const LinkRecord &link);
     std::optional<LinkRecord> takeLink(std::uint32_t id);
     void setHasMetadata(bool has) { hasMetadata_ = has; }
-    /// No value deletes.
+    /// Sets a value of the metadata table, or deletes the key without a value.
     void putMetadata(std::uint32_t subject, std::string_view key,
                      const std::optional<MetadataValue> &value);
     void clearMetadata() { metadata_.clear(); }
@@ -116,7 +116,7 @@ class ServerObjects {
     bool hasMetadata_ = false;
 };
 
-/// Hears of every change of a `ServerObjects`, right after it (of a removal too).
+/// Receives every change of a `ServerObjects` right after it was made, removals too.
 class ServerObserver {
   public:
     virtual ~ServerObserver() = default;
@@ -128,10 +128,10 @@ class ServerObserver {
     virtual void portRemoved(const PortRecord &) {}
     virtual void linkAdded(const LinkRecord &) {}
     virtual void linkRemoved(const LinkRecord &) {}
-    /// A key of the "default" metadata changed; no value means that it was deleted.
+    /// A key of the "default" metadata changed; without a value it was deleted.
     virtual void metadataChanged(std::uint32_t /*subject*/, std::string_view /*key*/,
                                  const std::optional<MetadataValue> & /*value*/) {}
-    virtual void metadataRead() {}    ///< all readings asked for have ended, if they could be made
+    virtual void metadataRead() {}    ///< all requested readings have ended
     virtual void metadataArrived() {} ///< `hasMetadata` has become true
     virtual void metadataGone() {}    ///< the session manager has left
 };

@@ -4,38 +4,30 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
 #include <utility>
 
 namespace quorbel {
 namespace {
 
-/// The session manager links a stream within milliseconds; no listener notices a gap of this length
-/// as an end.
+/// The session manager links a stream within milliseconds; no listener takes a gap of this length
+/// for an end.
 constexpr double linkSeconds = 0.2;
 constexpr double captureSeconds = 2.0;
-/// A stream without ports cannot be heard yet, so it may take its time.
+/// A stream without ports is not heard yet, so it gets more time.
 constexpr double portSeconds = 10.0;
-constexpr double handshakeSeconds = 0.5;
 constexpr double waitingSeconds = 5.0;
 constexpr double longestRetrySeconds = 60.0;
-/// A session manager of 0.5 restores the target of an application by the key that a user's move
-/// has too. A user does not move a stream in its first second.
-constexpr double restoringSeconds = 1.0;
-constexpr double rememberSeconds = 0.1;
-/// The session manager restores the target of a new stream within this time, if the machine is not
-/// too busy. Short, because the stream is heard unprocessed until it is routed.
+/// The session manager restores the target of a new stream within this time, unless the machine is
+/// very busy. Short, because the stream is heard unprocessed until it is routed.
 constexpr double restoredSeconds = 0.05;
-/// A reading that takes longer is not waited for.
+/// Deadline of a reading of the metadata table.
 constexpr double answerSeconds = 1.0;
-/// While the session manager moves our output, nothing seems to hear it. Echoes of what we set come
-/// back within this time too, so no stream is sent to the tap while they are under way.
-constexpr double settleSeconds = 0.25;
 
 } // namespace
 
 StreamRouter::StreamRouter(const ServerObjects &objects, ServerCommands &commands, RouteLog &log)
-    : objects_(objects), commands_(objects, commands), log_(log), memory_(objects) {}
+    : objects_(objects), commands_(objects, commands), log_(log), memory_(objects),
+      linker_(objects, commands_, ends_) {}
 
 void StreamRouter::begin(const RoutingEnds &ends) {
     const bool isOtherTap = isOn() && ends.tapSerial != ends_.tapSerial;
@@ -48,11 +40,11 @@ void StreamRouter::begin(const RoutingEnds &ends) {
             const NodeRecord *node = objects_.node(id);
             if (node == nullptr)
                 continue;
-            const bool wasLinkedByUs = !stream.links.empty();
-            dropLinks(stream);
+            const bool wasLinkedByUs = !stream.links.own.empty();
+            linker_.drop(stream.links);
             if (isHeld(stream)) {
                 sendToTap(*node, stream);
-                if (wasLinkedByUs) // the session manager does not
+                if (wasLinkedByUs) // and not by the session manager
                     stream.linkAt = commands_.seconds();
             } else if (stream.phase == Phase::refused) {
                 route(*node, stream);
@@ -60,23 +52,6 @@ void StreamRouter::begin(const RoutingEnds &ends) {
         }
     lookForFeedback();
     routeAll();
-}
-
-/// Ids are used again: the "target.node" of a stream may name a device that is gone, and by now a
-/// node of ours. The session manager would link it to the tap, whatever the stream hears.
-void StreamRouter::dropInheritedIDs() {
-    for (const std::uint32_t subject : objects_.metadataSubjects()) {
-        const auto value = commands_.expected(subject, targetNodeKey);
-        if (value && isOwnID(*value))
-            commands_.setMetadata(subject, targetNodeKey, {"Spa:Id", "-1"});
-    }
-    for (auto &[_, stream] : streams_)
-        if (stream.route.targetNode && isOwnID(*stream.route.targetNode))
-            stream.route.targetNode.reset();
-}
-
-bool StreamRouter::isOwnID(const MetadataValue &value) const {
-    return value.value == std::to_string(ends_.tapID) || value.value == std::to_string(ends_.outID);
 }
 
 void StreamRouter::end() {
@@ -105,8 +80,8 @@ void StreamRouter::end() {
 void StreamRouter::startOver() {
     for (auto stream = streams_.begin(); stream != streams_.end();) {
         const NodeRecord *node = objects_.node(stream->first);
-        dropLinks(stream->second);
-        // One that is ours still has nothing else from which its own targets could be read.
+        linker_.drop(stream->second.links);
+        // With our target still set, the stream's own one cannot be read: the route is kept.
         if (node != nullptr && hasTap() && isHeld(stream->second) && hasOwnTarget(stream->first)) {
             sendToTap(*node, stream->second);
             ++stream;
@@ -144,41 +119,11 @@ void StreamRouter::routeAll() {
         consider(node, metadataAt_);
 }
 
-void StreamRouter::learnTarget(const NodeRecord &node) {
-    if (node.isComplete && isPlayback(node) && !hasOwnTarget(node.id) &&
-        !streams_.contains(node.id))
-        learn(node, commands_.expected(node.id, targetObjectKey),
-              commands_.expected(node.id, targetNodeKey));
-}
-
-void StreamRouter::learn(const NodeRecord &node, const std::optional<MetadataValue> &object,
-                         const std::optional<MetadataValue> &target) {
-    const auto place = places_.find(node.serial);
-    const bool isOurs = place != places_.end() && object == place->second;
-    memory_.learn(node, isOurs ? std::nullopt : object, target);
-}
-
-/// The other streams of a program are put back so that its target is remembered.
-void StreamRouter::shareTarget(const NodeRecord &of) {
-    const std::string target = memory_.of(of);
-    for (auto &[id, stream] : streams_) {
-        const NodeRecord *node = objects_.node(id);
-        if (node == nullptr || stream.route.remembered == target ||
-            programOf(*node) != programOf(of))
-            continue;
-        if (isRestoring(*node, stream))
-            continue; // its target is read first
-        stream.route.remembered = target;
-        if (isHeld(stream))
-            log_.routed(stream.route);
-    }
-}
-
 void StreamRouter::consider(const NodeRecord &node, double appearedAt) {
     if (!hasTap() || !objects_.hasMetadata() || !node.isComplete || streams_.contains(node.id))
         return;
     if (!isRoutable(node)) {
-        if (hasOwnTarget(node.id)) // of an ended stream with its id
+        if (hasOwnTarget(node.id)) // left by an ended stream with the same id
             commands_.deleteMetadata(node.id, targetObjectKey);
         return;
     }
@@ -200,17 +145,16 @@ bool StreamRouter::mustNotBeCaptured(const NodeRecord &node) const {
 void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     stream.route = {.streamID = node.id, .streamSerial = node.serial, .tapSerial = ends_.tapSerial};
     stream.retryAt = never;
-    // Values that we set ourselves are an ended stream's with the same id, and no choice of
-    // anybody's.
+    // Our own values belong to an ended stream with the same id and are no one's choice.
     const bool isInherited = hasOwnTarget(node.id);
     if (isInherited) {
-        // Setting it again would not be an event, so its order relative to what the session manager
-        // restores would be unknown.
+        // Setting it again would raise no event, so its order relative to a target that the session
+        // manager restores would be unknown.
         commands_.deleteMetadata(node.id, targetObjectKey);
     } else {
         stream.route.targetObject = commands_.expected(node.id, targetObjectKey);
         stream.route.targetNode = commands_.expected(node.id, targetNodeKey);
-        learn(node, stream.route.targetObject, stream.route.targetNode);
+        memory_.learn(node, stream.route.targetObject, stream.route.targetNode);
     }
     if (!isRestoring(node, stream))
         stream.route.remembered = memory_.of(node);
@@ -219,7 +163,7 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
         stream.phase = Phase::hearing;
         if (isInherited)
             undoRoute(objects_, commands_, stream.route);
-    } else if (isPulseClient(node) && !isAnsweredPulseClient(node) && handshakeSink() == 0) {
+    } else if (isPulseClient(node) && !isAnsweredPulseClient(node) && !linker_.hasHandshakeSink()) {
         stream.phase = Phase::waiting;
         stream.retryAt = commands_.seconds() + waitingSeconds;
     } else {
@@ -227,18 +171,9 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     }
 }
 
-/// True while the session manager may still give a new stream the target that it remembers. The
-/// same value from us would make its own one no event, and it would not be known to be the
-/// stream's.
-bool StreamRouter::isRestoring(const NodeRecord &node, const Stream &stream) const {
-    return commands_.seconds() - stream.appearedAt < settleSeconds && !stream.route.targetObject &&
-           !stream.route.targetNode && node.property("target.object").empty() &&
-           node.property("state.restore-target") != "false";
-}
-
 void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
     stream.phase = Phase::routing;
-    if (!hasTap()) // the next one takes it
+    if (!hasTap()) // the next tap takes the stream
         return;
     std::erase_if(ended_, [&](const Ended &ended) {
         const bool hadID = ended.route.streamID == node.id;
@@ -248,10 +183,7 @@ void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
     });
     if (stream.route.tapSerial != ends_.tapSerial)
         stream.route.formerTapSerial = std::exchange(stream.route.tapSerial, ends_.tapSerial);
-    stream.formerLinks.clear();
-    for (const auto &[id, link] : objects_.links())
-        if (link.outputNodeID == node.id && link.inputNodeID != ends_.tapID)
-            stream.formerLinks.insert(id);
+    linker_.noteFormer(node.id, stream.links);
     log_.routed(stream.route);
     const double now = commands_.seconds();
     stream.wasCaptured = false;
@@ -263,7 +195,7 @@ void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
     routeTo(ends_.tapSerial, objects_, commands_, stream.route);
     if (objects_.hasPorts(node.id, false)) {
         awaitLinks(stream);
-        startHandshake(node, stream);
+        linker_.startHandshake(node, stream.links);
     } else {
         stream.linkAt = never;
         stream.giveUpAt = now + portSeconds;
@@ -271,64 +203,15 @@ void StreamRouter::sendToTap(const NodeRecord &node, Stream &stream) {
     lookAtLinks(node.id, stream);
 }
 
-/// An output device that an unanswered client of the PulseAudio server can be linked to; 0 if none.
-std::uint32_t StreamRouter::handshakeSink() const {
-    const NodeRecord *device = objects_.node(ends_.deviceID);
-    if (device != nullptr && isOutputDevice(*device) && objects_.hasPorts(device->id, true))
-        return device->id;
-    for (const auto &[id, node] : objects_.nodes())
-        if (isOutputDevice(node) && objects_.hasPorts(id, true))
-            return id;
-    return 0;
-}
-
-// A PulseAudio client is answered only once its stream is linked to a real sink; linked to the tap
-// alone it would wait for ever. So it gets a short-lived passive link to the output device beside
-// the tap's.
-void StreamRouter::startHandshake(const NodeRecord &node, Stream &stream) {
-    const std::uint32_t sink = handshakeSink();
-    if (!isPulseClient(node) || isAnsweredPulseClient(node) || stream.handshake != 0 || sink == 0)
-        return;
-    const PortRecord from = objects_.ports(node.id, false).front();
-    const PortRecord to = objects_.ports(sink, true).front();
-    stream.handshake = commands_.createLink({node.id, from.id, sink, to.id, true});
-    stream.handshakeEnd = commands_.seconds() + handshakeSeconds;
-}
-
-/// True if the target of the stream is a tap of ours, of now or of before.
-bool StreamRouter::hasOwnTarget(std::uint32_t id) const {
-    const auto target = commands_.expected(id, targetObjectKey);
-    return target && isOwnTap(*target);
-}
-
-bool StreamRouter::isOwnTap(const MetadataValue &value) const {
-    return std::any_of(ownTaps_.begin(), ownTaps_.end(),
-                       [&](std::uint64_t tap) { return value.value == std::to_string(tap); });
-}
-
-void StreamRouter::dropLinks(Stream &stream) {
-    for (const OwnLink link : stream.links)
-        commands_.destroyLink(link);
-    stream.links.clear();
-    endHandshake(stream);
-}
-
-void StreamRouter::endHandshake(Stream &stream) {
-    if (stream.handshake != 0)
-        commands_.destroyLink(stream.handshake);
-    stream.handshake = 0;
-    stream.handshakeEnd = never;
-}
-
-/// It has ports now, so the session manager links it within milliseconds.
+/// Starts the deadlines of a stream with ports: the session manager links it within milliseconds.
 void StreamRouter::awaitLinks(Stream &stream) {
     stream.linkAt = commands_.seconds() + linkSeconds;
     stream.giveUpAt = commands_.seconds() + captureSeconds;
 }
 
-/// The stream is not held any more: none of its deadlines is.
+/// Ends the holding of a stream and all its deadlines.
 void StreamRouter::letGo(Stream &stream, Phase phase) {
-    dropLinks(stream);
+    linker_.drop(stream.links);
     stream.phase = phase;
     stream.linkAt = never;
     stream.giveUpAt = never;
@@ -346,112 +229,35 @@ void StreamRouter::putBack(Stream &stream, Phase phase) {
     log_.released(stream.route);
 }
 
-// What an ended stream leaves behind would be applied to the next stream with its id. It is removed
-// a moment later: some servers do it themselves, and the session manager may have restored a target
-// for a new stream with the id by the time at which our deletion would arrive.
-void StreamRouter::cleanUp(const RoutedStream &route) {
-    const std::uint32_t id = route.streamID;
-    const auto found = streams_.find(id);
-    if (hasOwnTarget(id) && (found == streams_.end() || !isHeld(found->second))) {
-        commands_.deleteMetadata(id, targetObjectKey);
-        if (objects_.node(id) == nullptr ||
-            commands_.expected(id, targetNodeKey) == rememberedTarget(objects_, route))
-            commands_.deleteMetadata(id, targetNodeKey);
-    }
-    log_.released(route);
-}
-
-/// True if both channels of the tap get the stream's sound.
-bool StreamRouter::isFullyLinked(std::uint32_t id) const {
-    std::set<std::uint32_t> fed;
-    for (const auto &[_, link] : objects_.links())
-        if (link.outputNodeID == id && link.inputNodeID == ends_.tapID)
-            fed.insert(link.inputPortID);
-    return fed.size() >= 2 && isPlainStereo(objects_, ends_.tapID, true);
-}
-
-/// The device that the stream is linked to beside the tap; null if none. A link of a handshake does
-/// not count.
-const NodeRecord *StreamRouter::deviceLinkedTo(std::uint32_t id) const {
-    if (const auto stream = streams_.find(id);
-        stream != streams_.end() && stream->second.handshake != 0)
-        return nullptr;
-    for (const auto &[_, link] : objects_.links())
-        if (const NodeRecord *other = objects_.node(link.inputNodeID);
-            link.outputNodeID == id && other != nullptr && isOutputDevice(*other))
-            return other;
-    return nullptr;
-}
-
 void StreamRouter::lookAtLinks(std::uint32_t id, Stream &stream) {
     if (!hasTap())
         return;
-    if (stream.phase == Phase::routing && isFullyLinked(id)) {
+    if (stream.phase == Phase::routing && linker_.isFullyLinked(id)) {
         stream.phase = Phase::captured;
         stream.wasCaptured = true;
         stream.linkAt = never;
         stream.giveUpAt = never;
         stream.failures = 0;
-    } else if (stream.phase == Phase::captured && !isFullyLinked(id)) {
+    } else if (stream.phase == Phase::captured && !linker_.isFullyLinked(id)) {
         stream.phase = Phase::routing;
         awaitLinks(stream);
     }
-    // Heard twice: somebody has linked it by hand, and the session manager does not take that away.
-    if (stream.phase != Phase::captured || deviceLinkedTo(id) == nullptr)
+    // Heard twice: a client has linked it to a device, and the session manager keeps that link.
+    if (stream.phase != Phase::captured || linker_.deviceBeside(id, stream.links) == nullptr)
         stream.leaveAt = never;
     else if (stream.leaveAt == never)
         stream.leaveAt = commands_.seconds() + linkSeconds;
 }
 
-void StreamRouter::linkToTap(std::uint32_t id, Stream &stream) {
-    const auto outputs = objects_.ports(id, false);
-    const auto inputs = objects_.ports(ends_.tapID, true);
-    if (outputs.empty())
-        return;
-    for (const PortRecord &input : inputs) {
-        const auto isInput = [&](const auto &entry) {
-            return entry.second.outputNodeID == id && entry.second.inputPortID == input.id;
-        };
-        if (std::any_of(objects_.links().begin(), objects_.links().end(), isInput))
-            continue;
-        auto from = std::find_if(outputs.begin(), outputs.end(), [&](const PortRecord &output) {
-            return output.channel == input.channel;
-        });
-        if (from == outputs.end()) // mono, or channels without a place
-            from = outputs.begin() + std::min<std::ptrdiff_t>(input.index, std::ssize(outputs) - 1);
-        stream.links.push_back(commands_.createLink({id, from->id, ends_.tapID, input.id, false}));
-    }
-}
-
-/// The user has moved the stream by its links alone. With our target it would go back to the tap,
-/// with the one before to that; so the place that the user gave it becomes its target.
-void StreamRouter::leaveAt(const NodeRecord &place, Stream &stream) {
-    letGo(stream, Phase::released);
-    routeTo(place.serial, objects_, commands_, stream.route);
-    places_[stream.route.streamSerial] = {"Spa:Id", std::to_string(place.serial)};
-    log_.released(stream.route);
-}
-
-/// Of a stream that a device gets beside the tap.
+/// Ends the sound that a device receives from the stream beside the tap.
 void StreamRouter::endDoubleSound(const NodeRecord &node, Stream &stream) {
-    if (!stream.links.empty()) {
-        // The session manager was only late: it moves what is not linked to the tap.
-        dropLinks(stream);
+    if (!stream.links.own.empty()) {
+        // The session manager was late: it moves streams that are not linked to the tap.
+        linker_.drop(stream.links);
         sendToTap(node, stream);
-        return;
-    }
-    const NodeRecord *place = nullptr;
-    for (const auto &[id, link] : objects_.links()) {
-        const NodeRecord *to = objects_.node(link.inputNodeID);
-        if (link.outputNodeID != node.id || to == nullptr || !isOutputDevice(*to))
-            continue;
-        if (stream.formerLinks.contains(id))
-            commands_.removeLink(id);
-        else
-            place = to;
-    }
-    if (place != nullptr) // somebody has linked it by hand
+    } else if (const NodeRecord *place = linker_.removeFormer(node.id, stream.links)) {
         leaveAt(*place, stream);
+    }
 }
 
 void StreamRouter::lookForFeedback() {
@@ -473,7 +279,7 @@ void StreamRouter::lookForFeedback() {
     }
 }
 
-/// True if the link carries the processed sound, or decides about a copy.
+/// True if the link carries the processed sound, or is the input of a loopback or filter.
 bool StreamRouter::mayChangeHearers(const LinkRecord &link) const {
     const NodeRecord *listener = objects_.node(link.inputNodeID);
     return link.outputNodeID == ends_.outID || hearers_.contains(link.outputNodeID) ||
@@ -484,14 +290,14 @@ bool StreamRouter::mayChangeHearers(const LinkRecord &link) const {
 void StreamRouter::nodeChanged(const NodeRecord &node) {
     if (!isOn())
         return;
-    // The sink half of a virtual device may become known after its output half was routed, and a
+    // The sink half of a virtual device may appear after its output half was routed, and a
     // program's recording after its playback.
     if (!node.property("node.link-group").empty() || !node.property("client.id").empty())
         lookForFeedback();
     if (const auto found = streams_.find(node.id); found == streams_.end()) {
         consider(node, commands_.seconds());
     } else if (Stream &stream = found->second; isAnsweredPulseClient(node)) {
-        endHandshake(stream);
+        linker_.endHandshake(stream.links);
         if (stream.phase == Phase::waiting)
             route(node, stream);
     }
@@ -501,11 +307,11 @@ void StreamRouter::nodeRemoved(const NodeRecord &node) {
     for (std::uint32_t *end : {&ends_.tapID, &ends_.outID, &ends_.deviceID})
         if (*end == node.id)
             *end = 0;
-    places_.erase(node.serial);
+    memory_.forgetPlace(node.serial);
     const auto found = streams_.find(node.id);
     if (found == streams_.end())
         return;
-    dropLinks(found->second);
+    linker_.drop(found->second.links);
     if (isHeld(found->second))
         ended_.push_back({found->second.route, commands_.seconds() + settleSeconds});
     streams_.erase(found);
@@ -520,7 +326,7 @@ void StreamRouter::portAdded(const PortRecord &port) {
         Stream &stream = found->second;
         if (stream.linkAt == never)
             awaitLinks(stream);
-        startHandshake(*node, stream);
+        linker_.startHandshake(*node, stream.links);
     } else if (port.isInput && isOutputDevice(*node)) {
         for (auto &[id, stream] : streams_)
             if (const NodeRecord *waiting = objects_.node(id);
@@ -542,134 +348,11 @@ void StreamRouter::linkRemoved(const LinkRecord &link) {
     if (!isOn())
         return;
     if (const auto found = streams_.find(link.outputNodeID); found != streams_.end()) {
-        found->second.formerLinks.erase(link.id);
+        found->second.links.former.erase(link.id);
         lookAtLinks(found->first, found->second);
     }
     if (mayChangeHearers(link))
         lookForFeedback();
-}
-
-void StreamRouter::metadataChanged(std::uint32_t subject, std::string_view key,
-                                   const std::optional<MetadataValue> &value) {
-    const bool isObject = key == targetObjectKey;
-    if ((!isObject && key != targetNodeKey) || commands_.takeEcho(subject, key, value))
-        return;
-    if (!isObject && value && isOn() && isOwnID(*value)) {
-        dropInheritedIDs();
-        return;
-    }
-    if (isObject && value && isOwnTap(*value)) {
-        // The session manager has remembered the tap of a stream that ended within our writes.
-        if (const auto found = streams_.find(subject);
-            found == streams_.end() || !isHeld(found->second))
-            commands_.deleteMetadata(subject, targetObjectKey);
-        return;
-    }
-    // Somebody else's. A write of ours that is still under way came after it and replaces it, even
-    // if we have ended by now.
-    const bool isReplaced = commands_.isUnderWay(subject, key);
-    const auto found = streams_.find(subject);
-    const NodeRecord *node = objects_.node(subject);
-    const bool isKnown = node != nullptr && node->isComplete && isPlayback(*node);
-    // Without us, setting the value that a stream has already would not be an event.
-    const bool isOther =
-        found == streams_.end() || !isHeld(found->second) ||
-        (isObject ? found->second.route.targetObject : found->second.route.targetNode) != value;
-    // What an ended stream had is deleted late, when its id may be another's already.
-    const bool isCleanedUp =
-        !value && (found == streams_.end() ||
-                   commands_.seconds() - found->second.appearedAt < restoringSeconds);
-    if (isKnown && isOther && !isCleanedUp) {
-        memory_.choose(*node, key, value);
-        shareTarget(*node);
-    }
-    if (found == streams_.end() || !isHeld(found->second)) {
-        if (isReplaced)
-            commands_.write(subject, isObject ? targetObjectKey : targetNodeKey, value);
-        return;
-    }
-    Stream &stream = found->second;
-    (isObject ? stream.route.targetObject : stream.route.targetNode) = value;
-    if (isKnown)
-        stream.route.remembered = memory_.of(*node);
-    log_.routed(stream.route);
-    if (!isObject || isReplaced)
-        remember(stream);
-    else if (value && node != nullptr && commands_.seconds() - stream.appearedAt < restoringSeconds)
-        sendToTap(*node, stream);
-    else
-        release(stream);
-}
-
-/// Somebody else has given the stream another target: it is theirs.
-void StreamRouter::release(Stream &stream) {
-    letGo(stream, Phase::released);
-    // What we have set as "target.node" would send it elsewhere once that target is taken away.
-    if (stream.route.targetObject)
-        remember(stream);
-    else if (remembersOwnTarget(objects_, stream.route))
-        commands_.write(stream.route.streamID, targetNodeKey, stream.route.targetNode);
-    else
-        undoRoute(objects_, commands_, stream.route);
-    log_.released(stream.route);
-}
-
-/// Has the session manager remember the user's own choice after another value was written.
-void StreamRouter::remember(Stream &stream) {
-    const double now = commands_.seconds();
-    // Two that write in turns must not do so without end.
-    if (now - stream.rememberedAt < rememberSeconds && stream.rememberedTwice) {
-        stream.rememberAt = stream.rememberedAt + rememberSeconds;
-        return;
-    }
-    stream.rememberedTwice = now - stream.rememberedAt < rememberSeconds;
-    stream.rememberedAt = now;
-    stream.rememberAt = never;
-    const MetadataValue value = rememberedTarget(objects_, stream.route);
-    // Deleted first, because setting an equal value is not an event.
-    commands_.deleteMetadata(stream.route.streamID, targetNodeKey);
-    commands_.setMetadata(stream.route.streamID, targetNodeKey, value);
-}
-
-void StreamRouter::metadataRead() {
-    for (auto &[id, stream] : streams_) {
-        const NodeRecord *node = objects_.node(id);
-        if (node == nullptr || !std::exchange(stream.isReading, false))
-            continue;
-        stream.readAt = never;
-        targetIsKnown(*node, stream);
-    }
-}
-
-/// The session manager has restored the stream's target, if it remembers one.
-void StreamRouter::targetIsKnown(const NodeRecord &node, Stream &stream) {
-    if (stream.phase == Phase::unread) {
-        route(node, stream);
-    } else if (isHeld(stream)) {
-        const std::string before = stream.route.remembered;
-        shareTarget(node);
-        if (stream.route.remembered != before)
-            remember(stream);
-    }
-}
-
-void StreamRouter::metadataArrived() {
-    metadataAt_ = commands_.seconds();
-    routeAll();
-}
-
-void StreamRouter::metadataGone() {
-    // A new session manager knows nothing of what was routed, and the values went with the old one.
-    for (auto &[_, stream] : streams_) {
-        dropLinks(stream);
-        if (isHeld(stream))
-            log_.released(stream.route);
-    }
-    streams_.clear();
-    for (const Ended &ended : ended_)
-        log_.released(ended.route);
-    ended_.clear();
-    commands_.clear();
 }
 
 void StreamRouter::checkDeadlines() {
@@ -697,18 +380,18 @@ void StreamRouter::checkDeadlines() {
                 targetIsKnown(*node, stream);
             }
         }
-        if (now >= stream.handshakeEnd) {
+        if (now >= stream.links.handshakeEnd) {
             putBack(stream, Phase::waiting);
             stream.retryAt = now + waitingSeconds;
         }
         if (now >= stream.linkAt) {
             stream.linkAt = never;
-            const NodeRecord *device = deviceLinkedTo(id);
+            const NodeRecord *device = linker_.deviceBeside(id, stream.links);
             if (device == nullptr)
-                linkToTap(id, stream);
+                linker_.linkToTap(id, stream.links);
             else if (stream.wasCaptured && !objects_.isLinked(id, ends_.tapID))
                 leaveAt(*device, stream);
-            else // not taken off it yet
+            else // not unlinked from it yet
                 stream.linkAt = now + linkSeconds;
         }
         if (now >= stream.leaveAt) {
@@ -738,7 +421,7 @@ double StreamRouter::nextDeadline() const {
         return next;
     for (const auto &[_, stream] : streams_)
         next = std::min({next, stream.readAt, stream.leaveAt, stream.rememberAt, stream.linkAt,
-                         stream.giveUpAt, stream.retryAt, stream.handshakeEnd});
+                         stream.giveUpAt, stream.retryAt, stream.links.handshakeEnd});
     return next;
 }
 

@@ -11,7 +11,7 @@ bool haveEqual(const NodeRecord &a, const NodeRecord &b, const char *key) {
     return !value.empty() && value == b.property(key);
 }
 
-/// True for a link that carries what a device records, and not what is played on it.
+/// True for a link that carries a device's recording, not the sound played on it.
 bool isRecorded(const ServerObjects &objects, const NodeRecord *device, const LinkRecord &link) {
     const PortRecord *port = objects.port(link.outputPortID);
     return device != nullptr && device->mediaClass() == "Audio/Duplex" && port != nullptr &&
@@ -21,7 +21,7 @@ bool isRecorded(const ServerObjects &objects, const NodeRecord *device, const Li
 bool areOfOneProgram(const NodeRecord &a, const NodeRecord &b) {
     if (haveEqual(a, b, "node.link-group") || haveEqual(a, b, "client.id"))
         return true;
-    // Modules of the PulseAudio server all run in its one process.
+    // All modules of the PulseAudio server run in its one process.
     return haveEqual(a, b, "application.process.id") && a.property("pulse.module.id").empty() &&
            b.property("pulse.module.id").empty();
 }
@@ -31,7 +31,7 @@ bool areOfOneProgram(const NodeRecord &a, const NodeRecord &b) {
 bool isRoutable(const NodeRecord &node) {
     if (node.mediaClass() != "Stream/Output/Audio" || node.property("node.autoconnect") != "true")
         return false;
-    // Each of these says that the stream must stay where it is; some would be destroyed by a move.
+    // Each of these properties forbids moving the stream; some streams would be destroyed by it.
     constexpr std::array fixed{"node.dont-reconnect", "node.dont-move", "node.dont-fallback",
                                "node.exclusive"};
     return std::none_of(fixed.begin(), fixed.end(),
@@ -107,7 +107,7 @@ std::set<std::uint32_t> hearersOf(const ServerObjects &objects, std::uint32_t no
                 add(link.inputNodeID);
         if (listener == nullptr || from == nodeID || isPlayback(*listener))
             continue;
-        // Of a sink only the output half of a virtual one plays what it hears.
+        // The only sink that plays on the sound it receives is the output half of a virtual one.
         const bool isSink = isOutputDevice(*listener);
         if (isSink && listener->property("node.link-group").empty())
             continue;

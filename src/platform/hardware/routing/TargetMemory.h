@@ -2,6 +2,7 @@
 
 #include "platform/hardware/routing/ServerObjects.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -9,27 +10,31 @@
 
 namespace quorbel {
 
-/// What the session manager remembers as the target of each program, as far as it can be seen: the
-/// last target that the user has given to any of the program's streams. Its own memory cannot be
-/// read.
+/// Model of the session manager's memory of targets, which cannot be read: for each program the
+/// last target that the user gave to any of its streams.
 class TargetMemory {
   public:
     explicit TargetMemory(const ServerObjects &objects) : objects_(objects) {}
 
-    /// Takes the target that a stream has when it is seen first, unless a target of its program is
-    /// known already.
+    /// Takes the target of a stream when it is first seen, unless a target of its program is known
+    /// or `object` is the stream's place.
     void learn(const NodeRecord &stream, const std::optional<MetadataValue> &object,
                const std::optional<MetadataValue> &node);
-    /// Takes what somebody else has set as the "target.object" or "target.node" of a stream; no
-    /// value ends the memory.
+    /// Takes another client's change of a stream's "target.object" or "target.node"; a deletion
+    /// forgets the target.
     void choose(const NodeRecord &stream, std::string_view key,
                 const std::optional<MetadataValue> &value);
-    /// The name of the node that is remembered for the stream's program; empty if none.
+    /// Marks a "target.object" that we gave to a stream, by serial: no choice of the user's for the
+    /// program.
+    void setPlace(std::uint64_t streamSerial, MetadataValue object);
+    void forgetPlace(std::uint64_t streamSerial) { places_.erase(streamSerial); }
+    /// Name of the node remembered for the stream's program; empty if none.
     [[nodiscard]] std::string of(const NodeRecord &stream) const;
 
   private:
     const ServerObjects &objects_;
     std::map<std::string, std::string> targets_; ///< names of nodes, by program
+    std::map<std::uint64_t, MetadataValue> places_;
 };
 
 } // namespace quorbel

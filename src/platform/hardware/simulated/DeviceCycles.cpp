@@ -11,7 +11,7 @@ DeviceCycles::DeviceCycles(Clock &clock, Pace pace) : clock_(clock), pace_(pace)
 DeviceCycles::~DeviceCycles() { pause(); }
 
 void DeviceCycles::pause() {
-    // On the clock nothing runs beside the caller.
+    // With `Pace::clock` there is no thread beside the caller's.
     if (!thread_.joinable())
         return;
     leave_ = true;

@@ -14,22 +14,23 @@
 
 namespace quorbel::simulated {
 
-/// The sound of an application: its sample on a channel (0 left, 1 right) at a time since it began.
+/// The sound of an application: its sample by channel (0 left, 1 right) and time since its start.
 using Sound = std::function<float(double seconds, std::uint32_t channel)>;
 
-/// An application's sound and how far it has been played.
+/// An application's sound and its play position.
 struct Playing {
     Sound sound;
     double seconds = 0.0;
 };
 
-/// What a device has played, frame by frame.
+/// The frames that a device has played.
 struct Recording {
     std::vector<float> left;
     std::vector<float> right;
 };
 
-/// Stands around every call to a client, on its thread: a place to count what is not allowed there.
+/// Called before and after every call to a client, on its thread, to count forbidden operations in
+/// between.
 class CallbackWatch {
   public:
     virtual ~CallbackWatch() = default;
@@ -37,15 +38,15 @@ class CallbackWatch {
     virtual void leave() noexcept = 0;
 };
 
-/// Who takes part in the cycles of one device. Constant while cycles run.
+/// Participants of one device's cycles. Constant while cycles run.
 struct CyclePlan {
     double sampleRate = 48000.0;
-    std::vector<std::uint32_t> blockFrames{512};    ///< taken in turn
+    std::vector<std::uint32_t> blockFrames{512};    ///< used in turn
     std::vector<std::shared_ptr<Playing>> captured; ///< their sound goes to the IO clients
     std::vector<std::shared_ptr<Playing>> heard;    ///< their sound goes to the device directly
     std::vector<IOClient *> captures;
     std::vector<RenderClient *> renders;
-    bool willPlay = true;           ///< what the IO clients are told
+    bool willPlay = true;           ///< as reported to the IO clients
     CallbackWatch *watch = nullptr; ///< may be null
 
     [[nodiscard]] bool isIdle() const {
@@ -53,14 +54,14 @@ struct CyclePlan {
     }
 };
 
-/// How fast the devices of a simulated machine run.
+/// Speed of a simulated machine's devices.
 enum class Pace {
     clock,  ///< in the program's time, on the clock's thread: every run is the same
-    threads ///< as fast as they can, each device on a thread of its own; nothing is recorded
+    threads ///< as fast as possible, each device on a thread of its own, without recording
 };
 
-/// The heartbeat of one device: in every cycle first the captures, then the playback, then the
-/// recording of what comes out. All calls [main].
+/// The clock of one device: each cycle captures, then plays, then records the output. All calls
+/// [main].
 class DeviceCycles {
   public:
     DeviceCycles(Clock &clock, Pace pace);
@@ -68,14 +69,14 @@ class DeviceCycles {
     DeviceCycles(const DeviceCycles &) = delete;
     DeviceCycles &operator=(const DeviceCycles &) = delete;
 
-    /// When this returns no cycle is under way and none comes before `resume`.
+    /// Stops the cycles: when this returns, none is under way, and none comes before `resume`.
     void pause();
-    /// Goes on with `plan`, in step with the cycles before if rate and blocks are the same. An idle
+    /// Continues with `plan`, in step with the earlier cycles if rate and blocks are equal. An idle
     /// plan has no cycles.
     void resume(CyclePlan plan);
 
-    /// On the clock, if there are cycles: one beside those that the clock brings. Returns the
-    /// seconds that it covers; 0 without cycles.
+    /// Runs one cycle in addition to those of the clock (`Pace::clock` only). Returns its length in
+    /// seconds; 0 without cycles.
     double extraCycle();
 
     [[nodiscard]] Recording &recording() { return recording_; }
@@ -85,7 +86,7 @@ class DeviceCycles {
     void cycle() noexcept;
     template <typename Call> void callOut(const Call &call) noexcept;
     [[nodiscard]] std::uint32_t nextBlock() const;
-    /// Lets the sounds play on for one block, summed into the scratch buffers.
+    /// Plays the sounds for one block, summed into the scratch buffers.
     void mix(const std::vector<std::shared_ptr<Playing>> &sounds, std::uint32_t frames);
 
     Clock &clock_;

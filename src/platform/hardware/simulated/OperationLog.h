@@ -42,15 +42,15 @@ enum class Operation {
 
 [[nodiscard]] std::string_view name(Operation operation);
 
-/// Which calls came, in which order, and which of them are to fail with what status. [main]
+/// Records the calls in order, and makes chosen ones fail with a chosen status. [main]
 class OperationLog {
   public:
-    /// From now on `operation` does nothing and returns `status`. With status 0 it claims success
-    /// but still does nothing, so an id it should have set stays 0.
+    /// Makes `operation` do nothing and return `status` from now on. Status 0 claims success
+    /// without effect: an out id stays 0.
     void fail(Operation operation, Status status) { failures_[operation] = status; }
     void repair(Operation operation) { failures_.erase(operation); }
 
-    /// `event` happens in the middle of the next call.
+    /// Runs `event` in the middle of the operation's next call.
     void during(Operation operation, std::function<void()> event) {
         events_[operation] = std::move(event);
     }
@@ -62,7 +62,7 @@ class OperationLog {
         bool carryOut = true;
         Status status = statusOK;
     };
-    /// Notes a call and says whether it is to be carried out.
+    /// Records a call and returns whether to carry it out.
     Verdict note(Operation operation);
 
   private:

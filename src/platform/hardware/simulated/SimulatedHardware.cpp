@@ -20,7 +20,7 @@ SimulatedHardware::SimulatedHardware(Clock &clock, Pace pace) : clock_(clock), p
 
 SimulatedHardware::~SimulatedHardware() = default;
 
-// The script: devices
+// Script: devices
 
 AudioObjectID SimulatedHardware::addDevice(SimulatedDevice device) {
     AudioObjectID id = 0;
@@ -52,7 +52,7 @@ void SimulatedHardware::removeDevice(const std::string &uid) {
         freeIDs_.push_back(id);
         for (auto &[output, started] : outputs_)
             if (started.device == id)
-                started.device = 0; // a device that gets the id is another one
+                started.device = 0; // the id may be given to another device
     });
     const bool wasDefault = defaultUID_ == uid && !isDefaultLagging_;
     if (wasDefault)
@@ -93,7 +93,7 @@ void SimulatedHardware::setBlockFrames(const std::string &uid,
     rearrange([&] { deviceNamed(uid).script.blockFrames = std::move(blockFrames); });
 }
 
-// The script: applications
+// Script: applications
 
 AudioObjectID SimulatedHardware::play(simulated::Sound sound, std::string deviceUID) {
     const AudioObjectID id = newID();
@@ -108,7 +108,7 @@ void SimulatedHardware::stopPlaying(AudioObjectID application) {
     rearrange([&] { applications_.erase(application); });
 }
 
-// The script: trouble
+// Script: failures
 
 void SimulatedHardware::setSuspended(bool suspended) {
     rearrange([&] {
@@ -135,7 +135,7 @@ void SimulatedHardware::loseConnection(Status status) {
            [status](auto &listener) { listener.hardwareLost(status); });
 }
 
-// What came of it
+// Results
 
 void SimulatedHardware::watchCallbacks(simulated::CallbackWatch &watch) {
     rearrange([&] { watch_ = &watch; });
@@ -180,7 +180,7 @@ Status SimulatedHardware::reconnect() {
     rearrange([&] {
         connection_ = statusOK;
         ownProcess_ = 0;
-        // A new server numbers its objects anew.
+        // A new server assigns new ids.
         std::map<AudioObjectID, std::unique_ptr<Device>> renumbered;
         for (auto &[id, device] : devices_) {
             device->serial = ++lastSerial_;
@@ -268,7 +268,7 @@ Status SimulatedHardware::streamChannelCounts(AudioObjectID device, Scope scope,
 }
 
 Status SimulatedHardware::addListener(HardwareProperty property, HardwareListener &listener) {
-    // With or without a server: listeners outlive connections.
+    // Also without a server: listeners outlive connections.
     if (const auto verdict = operations_.note(Operation::addListener); !verdict.carryOut)
         return verdict.status;
     assert(std::ranges::count(listeners_, std::pair(property, &listener)) == 0);
@@ -277,7 +277,7 @@ Status SimulatedHardware::addListener(HardwareProperty property, HardwareListene
 }
 
 Status SimulatedHardware::removeListener(HardwareProperty property, HardwareListener &listener) {
-    // Removed in any case, server or not: the caller relies on hearing nothing afterwards.
+    // Removed in any case: the caller relies on no further call.
     const auto verdict = operations_.note(Operation::removeListener);
     std::erase(listeners_, std::pair(property, &listener));
     return verdict.status;
@@ -397,7 +397,7 @@ Status SimulatedHardware::stopDevice(AudioObjectID device, IOProcID proc) {
 }
 
 std::unique_ptr<HardwareOutput> SimulatedHardware::makeOutput() {
-    // It can be made without a connection; using it then fails.
+    // An output can be made without a connection; using it then fails.
     if (const auto verdict = operations_.note(Operation::makeOutput); !verdict.carryOut)
         return nullptr;
     return std::make_unique<SimulatedOutput>(*this);
@@ -464,7 +464,7 @@ CyclePlan SimulatedHardware::planFor(AudioObjectID id, const Device &device) con
             plan.heard.push_back(entry.playing);
         for (const TapDescription *tap : readTaps)
             if (std::ranges::count(tap->excludedProcesses, application) == 0)
-                // Heard and captured at once, it plays for each on its own.
+                // An application that is both heard and captured plays for each separately.
                 plan.captured.push_back(muted ? entry.playing
                                               : std::make_shared<Playing>(*entry.playing));
     }
@@ -508,7 +508,7 @@ void SimulatedHardware::notify(HardwareProperty property,
             tell(*listener);
     };
     if (pace_ == Pace::threads)
-        std::thread(tellAll).join(); // as on a real machine, never the main thread
+        std::thread(tellAll).join(); // never on the main thread, as on a real machine
     else
         tellAll();
 }

@@ -15,76 +15,76 @@ namespace quorbel {
 
 class SimulatedOutput;
 
-/// A device of a simulated machine, as its script describes it.
+/// A scripted device of a simulated machine.
 struct SimulatedDevice {
     std::string uid{};
-    std::optional<std::string> name{}; ///< nothing: it cannot be read
+    std::optional<std::string> name{}; ///< empty: it cannot be read
     std::optional<std::string> manufacturer{};
     std::vector<std::uint32_t> inputChannels{}; ///< per buffer
     std::vector<std::uint32_t> outputChannels{2};
     double sampleRate = 48000.0;                 ///< Hz
-    std::vector<std::uint32_t> blockFrames{512}; ///< of its cycles, taken in turn
+    std::vector<std::uint32_t> blockFrames{512}; ///< of its cycles, used in turn
     OutputIdentity identity{};                   ///< but for the node, which is the uid
 };
 
-/// A machine with sound hardware that exists only here: devices that come, go and change as the
-/// script says, applications that play into them, calls that fail on demand, and a recording of all
-/// that is heard. A tap that mutes does so only while it is read, as on a real machine.
+/// A machine with sound hardware in memory: scripted devices that come, go and change, applications
+/// that play on them, calls that fail on demand, and a recording of the output. A muting tap mutes
+/// only while it is read, as on a real machine.
 ///
-/// Every device is a clock of its own. Where one device both feeds the capture and plays, each of
-/// its cycles captures first and plays then. All calls [main]; clients are called as `Pace` says.
+/// Every device has its own clock. The cycles of a device that both captures and plays capture
+/// first. All calls [main]; `Pace` decides on which thread clients are called.
 class SimulatedHardware final : public AudioHardware {
   public:
     using Pace = simulated::Pace;
     using Operation = simulated::Operation;
 
-    /// The clock must outlive the hardware, the hardware everything made of it.
+    /// The clock must outlive the hardware, and the hardware every object made from it.
     explicit SimulatedHardware(Clock &clock, Pace pace = Pace::clock);
     ~SimulatedHardware() override;
 
-    // The script: devices. The first one added is the default until another is chosen.
+    // Script: devices. The first one added is the default until another is chosen.
     AudioObjectID addDevice(SimulatedDevice device);
-    /// The default moves to the first device that is left, unless `setDefaultLagging`.
+    /// Removes a device. The default moves to the first one left, unless `setDefaultLagging`.
     void removeDevice(const std::string &uid);
-    /// While lagging, the default keeps naming a device that was removed until
-    /// `setDefaultOutput`: on a desktop the session manager moves it some milliseconds later.
+    /// While lagging, the default names a removed device until `setDefaultOutput`: on a desktop the
+    /// session manager moves it milliseconds later.
     void setDefaultLagging(bool lagging) { isDefaultLagging_ = lagging; }
-    /// New devices take the ids of removed ones, as a sound server gives them out.
+    /// Gives the ids of removed devices to new ones, as a sound server does.
     void setReusingIDs(bool reusing) { isReusingIDs_ = reusing; }
     void setDefaultOutput(const std::string &uid);
     /// The headphones are plugged into the same card, for example.
     void setIdentity(const std::string &uid, OutputIdentity identity);
     void setSampleRate(const std::string &uid, double sampleRate);
     void setBlockFrames(const std::string &uid, std::vector<std::uint32_t> blockFrames);
-    /// What taps claim as their rate, whatever their cycles then have; 0 is an invalid format.
-    /// Without this they tell the truth.
+    /// Sets the rate that taps report, whatever their cycles have; 0 is an invalid format. By
+    /// default they report the true one.
     void setDeclaredTapRate(double sampleRate) { declaredTapRate_ = sampleRate; }
 
-    // The script: applications.
-    /// Starts an application that plays on a device, or on the default output wherever that is.
+    // Script: applications.
+    /// Starts an application that plays on a device, or on the default output as it changes.
     AudioObjectID play(simulated::Sound sound, std::string deviceUID = {});
     void stopPlaying(AudioObjectID application);
 
-    /// While suspended, no application plays: devices have no cycles, and outputs are told so.
+    /// While suspended no application plays: devices have no cycles, and outputs are paused.
     void setSuspended(bool suspended);
 
-    // The script: trouble.
-    /// The machine sleeps and wakes: no device has cycles, while the clock goes on.
+    // Script: failures.
+    /// Puts the machine to sleep or wakes it: asleep, no device has cycles, while the clock runs.
     void setAsleep(bool asleep);
-    /// The sound server dies: every object is gone, every call fails with `status`.
+    /// Ends the sound server: every object is gone, every call fails with `status`.
     void loseConnection(Status status);
-    /// It is there again, with the same devices, for whoever connects anew.
+    /// Restarts the sound server with the same devices, for a `reconnect`.
     void restoreConnection() { isReachable_ = true; }
     [[nodiscard]] simulated::OperationLog &operations() { return operations_; }
 
-    // What came of it.
+    // Results.
     /// The watch must outlive the hardware.
     void watchCallbacks(simulated::CallbackWatch &watch);
     [[nodiscard]] simulated::Recording takeRecording(const std::string &uid);
     [[nodiscard]] std::vector<TapDescription> taps() const;
     [[nodiscard]] std::vector<AggregateDescription> aggregates() const;
-    [[nodiscard]] bool isCapturing() const; ///< some IO procedure is started
-    [[nodiscard]] bool isPlaying() const;   ///< some output is started
+    [[nodiscard]] bool isCapturing() const; ///< an IO procedure is started
+    [[nodiscard]] bool isPlaying() const;   ///< an output is started
     [[nodiscard]] bool isListenedTo() const;
 
     // AudioHardware
@@ -133,28 +133,28 @@ class SimulatedHardware final : public AudioHardware {
         std::shared_ptr<simulated::Playing> playing;
         std::string deviceUID; ///< empty: the default output
     };
-    /// An output that has been started.
+    /// A started output.
     struct Output {
-        AudioObjectID device = 0; ///< 0 once it is gone
+        AudioObjectID device = 0; ///< 0 once the device is gone
         RenderClient *client = nullptr;
     };
 
-    /// Stops every cycle, lets `change` change the machine, plans every device anew and goes on.
+    /// Stops all cycles, runs `change`, plans every device again and continues.
     void rearrange(const std::function<void()> &change);
-    /// The devices play on, all in step, until `condition` holds or `seconds` have passed for them;
-    /// on the clock the program's own time stands still meanwhile.
+    /// Runs all devices in step until `condition` holds or `seconds` of their time have passed.
+    /// With `Pace::clock` the program's time is frozen meanwhile.
     void playOn(const std::function<bool()> &condition, double seconds);
     [[nodiscard]] simulated::CyclePlan planFor(AudioObjectID id, const Device &device) const;
-    /// Some started IO procedure delivers what the tap with this uuid hears.
+    /// True if a started IO procedure delivers the sound of the tap with this uuid.
     [[nodiscard]] bool isRead(const std::string &tapUUID) const;
     [[nodiscard]] bool isMuted(AudioObjectID application) const;
 
     [[nodiscard]] simulated::OperationLog::Verdict note(Operation operation);
     void notify(HardwareProperty property, const std::function<void(HardwareListener &)> &tell);
     [[nodiscard]] Device *find(AudioObjectID id) const;
-    [[nodiscard]] Device &deviceNamed(const std::string &uid) const; ///< of a script: must exist
+    [[nodiscard]] Device &deviceNamed(const std::string &uid) const; ///< for scripts: must exist
     [[nodiscard]] AudioObjectID idOf(const std::string &uid) const;
-    /// The device whose clock `device` runs on: itself, or an aggregate's main device.
+    /// The device that clocks `device`: itself, or an aggregate's main device.
     [[nodiscard]] Device *clockOf(AudioObjectID device) const;
     [[nodiscard]] AudioObjectID defaultOutput() const;
     AudioObjectID newID() { return ++lastID_; }

@@ -52,7 +52,7 @@ void SimulatedOutput::renderUntil(const std::function<bool()> &condition, double
 }
 
 void SimulatedOutput::stop() {
-    // Stopping cannot fail: the caller relies on hearing nothing afterwards.
+    // Stopping cannot fail: the caller relies on no further call.
     (void)hardware_.note(Operation::stopOutput);
     hardware_.rearrange([this] { hardware_.outputs_.erase(this); });
 }

@@ -1,9 +1,7 @@
 #include "platform/dsp/reverb/Reverb.h"
 
-#include "platform/dsp/Denormals.h"
 #include "platform/dsp/reverb/RoomMeasurement.h"
 #include "support/EveryVectorTarget.h"
-#include "support/RealtimeGuard.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +9,6 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
-#include <random>
-#include <thread>
 
 namespace quorbel {
 namespace {
@@ -264,39 +260,6 @@ TEST_F(ReverbTest, RateChangesNeitherDecayNorLevel) {
             power(response.left, 0, response.size()) * static_cast<double>(response.size());
         EXPECT_NEAR(10.0 * std::log10(energy), 0.0, 2.0);
     }
-}
-
-TEST_F(ReverbTest, RendersWithoutAllocatingWhileSettingsChange) {
-    begin(RoomModel::smallRoom, 0.0F);
-    StereoSamples sound = noise(48000);
-    std::size_t at = 0;
-    const DenormalsFlushed flushed;
-    for (int i = 0; i < 40; ++i) {
-        reverb_.setMixPercent(i % 5 == 0 ? 0.0F : static_cast<float>(i));
-        reverb_.setRoomModel(allRoomModels[static_cast<std::size_t>(i) % allRoomModels.size()]);
-        const testing::RealtimeGuard guard;
-        for (const std::size_t block : {1UL, 7UL, 64UL, 512UL}) {
-            reverb_.process(&sound.left[at], &sound.right[at], static_cast<std::uint32_t>(block));
-            at += block;
-        }
-        ASSERT_EQ(guard.violations(), testing::RealtimeViolations{});
-    }
-}
-
-TEST_F(ReverbTest, SettingsMayChangeOnAnotherThread) {
-    begin(RoomModel::smallRoom, 50.0F);
-    std::thread main([&] {
-        std::mt19937 random(5);
-        for (int i = 0; i < 2000; ++i) {
-            reverb_.setRoomModel(allRoomModels[random() % allRoomModels.size()]);
-            reverb_.setMixPercent(static_cast<float>(random() % 101));
-        }
-    });
-    const StereoSamples sound = rendered(noise(96000), 64);
-    main.join();
-    for (const auto &channel : {sound.left, sound.right})
-        for (const float sample : channel)
-            ASSERT_LT(std::abs(sample), 10.0F);
 }
 
 TEST_F(ReverbTest, ResetForgetsTheSound) {

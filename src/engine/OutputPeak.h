@@ -1,0 +1,35 @@
+#pragma once
+
+#include "engine/TruePeak.h"
+#include "platform/graph/GraphNode.h"
+
+#include <atomic>
+
+namespace quorbel {
+
+/// A stage that leaves the sound as it is and holds its highest peak until it is cleared.
+class OutputPeak final : public GraphNode {
+  public:
+    Status allocateRenderResources(const StreamFormat &format,
+                                   std::uint32_t maximumFrames) override;
+    Status render(const RenderTime &time, AudioBufferList &buffers,
+                  std::uint32_t frames) noexcept override;
+
+    /// The largest sample, and the largest value between the samples; full scale 1. [any]
+    [[nodiscard]] float sample() const { return isCleared() ? 0.0F : sample_.load(order); }
+    [[nodiscard]] float between() const { return isCleared() ? 0.0F : between_.load(order); }
+
+    /// Forgets the peaks. Takes effect at once for the readers. [main]
+    void clear() { clearing_.store(true, order); }
+
+  private:
+    static constexpr auto order = std::memory_order_relaxed;
+    [[nodiscard]] bool isCleared() const { return clearing_.load(order); }
+
+    TruePeak truePeak_;
+    std::atomic<float> sample_ = 0.0F;
+    std::atomic<float> between_ = 0.0F;
+    std::atomic<bool> clearing_ = false; ///< until the next block
+};
+
+} // namespace quorbel

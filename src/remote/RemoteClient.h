@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QVariant>
+
+#include <stdexcept>
+
+namespace quorbel {
+
+/// No program runs that could be controlled; `what()` is one line for the user.
+class NothingToControl : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// Asks the running program. Starts, raises and ends none. Needs an application object. [main]
+class RemoteClient final : public QObject {
+    Q_OBJECT
+
+  public:
+    /// Throws NothingToControl without a session bus.
+    RemoteClient();
+    ~RemoteClient() override;
+
+    // Each waits for the answer, ten seconds at most. Throws NothingToControl, or
+    // std::runtime_error with the program's own words.
+    QVariant call(const QString &method, const QVariantList &arguments = {});
+    [[nodiscard]] QVariantMap properties();
+    void setProperty(const QString &name, const QVariant &value);
+
+    /// From now on `changed` and `moved` are signalled. Throws NothingToControl.
+    void watch();
+
+  Q_SIGNALS:
+    void changed(const QVariantMap &properties);
+    /// Another program answers from now on; none where `isThere` is false.
+    void moved(bool isThere);
+
+  private Q_SLOTS:
+    void takeChange(const QString &interface, const QVariantMap &properties,
+                    const QStringList &invalidated);
+
+  private:
+    QVariantList callInterface(const QString &interface, const QString &method,
+                               const QVariantList &arguments);
+    void settle();
+
+    QDBusConnection bus_;
+};
+
+} // namespace quorbel

@@ -1,0 +1,48 @@
+#include "settings/presets/PresetChoice.h"
+
+#include <algorithm>
+
+namespace quorbel {
+
+namespace {
+
+/// As it would be typed on a plain keyboard, in small letters.
+std::string asTyped(std::string_view name) {
+    constexpr std::string_view emDash = "—";
+    std::string typed;
+    for (std::size_t index = 0; index < name.size();) {
+        if (name.compare(index, emDash.size(), emDash) == 0) {
+            typed += '-';
+            index += emDash.size();
+            continue;
+        }
+        const char letter = name[index++];
+        typed += letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    }
+    return typed;
+}
+
+} // namespace
+
+std::vector<Preset> inPickerOrder(const std::vector<Preset> &presets,
+                                  const std::vector<Uuid> &favourites) {
+    std::vector<Preset> ordered = presets;
+    const auto library = std::ranges::stable_partition(ordered, [&](const Preset &preset) {
+                             return preset.category == Preset::Category::user ||
+                                    std::ranges::find(favourites, preset.id) != favourites.end();
+                         }).begin();
+    std::stable_partition(ordered.begin(), library, [&](const Preset &preset) {
+        return std::ranges::find(favourites, preset.id) != favourites.end();
+    });
+    return ordered;
+}
+
+const Preset *presetNamed(const std::vector<Preset> &presets, std::string_view name) {
+    auto chosen = std::ranges::find(presets, name, &Preset::name);
+    if (chosen == presets.end())
+        chosen = std::ranges::find(presets, asTyped(name),
+                                   [](const Preset &preset) { return asTyped(preset.name); });
+    return chosen == presets.end() ? nullptr : &*chosen;
+}
+
+} // namespace quorbel

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "engine/AudioEngine.h"
+
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+namespace quorbel {
+
+class HistoryModel;
+
+/// How much room is left up to full scale: in the response, and in the sound that was heard. [main]
+class LevelModel final : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("App.level is the only one")
+    /// The gain of the preset in use.
+    Q_PROPERTY(double presetGainDB READ presetGainDB WRITE setPresetGainDB NOTIFY presetGainChanged)
+    Q_PROPERTY(QString presetGainText READ presetGainText NOTIFY presetGainChanged)
+    /// The highest point of the response with all gains: "+3.4 dB".
+    Q_PROPERTY(QString highestPointText READ highestPointText NOTIFY highestPointChanged)
+    /// "Lower by 3.4 dB", the way down to 0 dB.
+    Q_PROPERTY(QString lowerToFullScaleText READ lowerToFullScaleText NOTIFY highestPointChanged)
+    /// Whether the highest point is above 0 dB.
+    Q_PROPERTY(bool overshoots READ overshoots NOTIFY highestPointChanged)
+    /// The highest peaks since `clearHeld`, in words.
+    Q_PROPERTY(QString heldPeakText READ heldPeakText NOTIFY heldChanged)
+    Q_PROPERTY(QString limiterTimeText READ limiterTimeText NOTIFY heldChanged)
+    /// By how much `lowerByExcess` lowers the level; 0 if nothing was too loud.
+    Q_PROPERTY(double excessDB READ excessDB NOTIFY heldChanged)
+    /// "Lower by 2.1 dB"
+    Q_PROPERTY(QString lowerText READ lowerText NOTIFY heldChanged)
+
+  public:
+    LevelModel(AudioEngine &engine, HistoryModel &history, QObject *parent);
+
+    [[nodiscard]] double presetGainDB() const;
+    void setPresetGainDB(double dB);
+    [[nodiscard]] QString presetGainText() const;
+    [[nodiscard]] QString highestPointText() const;
+    [[nodiscard]] QString lowerToFullScaleText() const;
+    [[nodiscard]] bool overshoots() const;
+    [[nodiscard]] QString heldPeakText() const;
+    [[nodiscard]] QString limiterTimeText() const;
+    [[nodiscard]] double excessDB() const;
+    [[nodiscard]] QString lowerText() const;
+
+    /// Lowers the preset's gain so that the highest point is at 0 dB.
+    Q_INVOKABLE void lowerToFullScale();
+    /// Lowers the level by `excessDB`: the target of Auto-Gain while it is on, else the global
+    /// gain. Clears what was held.
+    Q_INVOKABLE void lowerByExcess();
+    /// Forgets the highest levels.
+    Q_INVOKABLE void clearHeld();
+
+  Q_SIGNALS:
+    void presetGainChanged();
+    void highestPointChanged();
+    void heldChanged();
+
+  private:
+    void updateHighestPoint();
+
+    AudioEngine &engine_;
+    HistoryModel &history_;
+    double highestPointDB_ = 0.0;
+};
+
+} // namespace quorbel

@@ -1,0 +1,66 @@
+#include "engine/TruePeak.h"
+
+#include "support/EveryVectorTarget.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace quorbel {
+namespace {
+
+class TruePeakTest : public EveryVectorTarget {};
+
+Peaks measured(const std::vector<float> &left, const std::vector<float> &right) {
+    TruePeak truePeak;
+    Peaks held;
+    std::uint32_t count = 0;
+    for (std::uint32_t begin = 0; begin < left.size(); begin += count) {
+        count = std::min(begin % 131 + 1, static_cast<std::uint32_t>(left.size()) - begin);
+        truePeak.measure({left.data() + begin, right.data() + begin}, count, held);
+    }
+    return held;
+}
+
+TEST_P(TruePeakTest, FindsThePeakBetweenTheSamplesOfEitherChannel) {
+    constexpr std::uint32_t frames = 4800;
+    const std::vector<float> silence(frames);
+    // Sampled at 45 degrees around its crests: the samples are 3 dB lower than the sine.
+    std::vector<float> quarter(frames);
+    for (std::uint32_t i = 0; i < frames; ++i)
+        quarter[i] = static_cast<float>(0.5 * std::sin(std::numbers::pi * (0.5 * i + 0.25))) *
+                     std::min(1.0F, static_cast<float>(i) / 2400.0F);
+    for (const Peaks &peaks : {measured(quarter, silence), measured(silence, quarter)}) {
+        EXPECT_NEAR(peaks.sample, 0.35355F, 1e-4F);
+        EXPECT_NEAR(peaks.between, 0.5F, 0.01F);
+    }
+    EXPECT_EQ(measured(silence, silence).between, 0.0F);
+}
+
+TEST_P(TruePeakTest, MissesNoPeakWhereItSavesTheOversampling) {
+    std::mt19937 random(7);
+    std::vector<float> sound(20'000);
+    for (float &sample : sound)
+        sample = std::uniform_real_distribution<float>(-1.0F, 1.0F)(random);
+    const std::vector<float> silence(sound.size());
+    // Given sample by sample with nothing held, every value is computed.
+    TruePeak truePeak;
+    float expected = 0.0F;
+    for (const float &sample : sound) {
+        Peaks held;
+        truePeak.measure({&sample, silence.data()}, 1, held);
+        expected = std::max(expected, held.between);
+    }
+    EXPECT_FLOAT_EQ(measured(sound, silence).between, expected);
+    EXPECT_GT(expected, 1.2F);
+}
+
+INSTANTIATE_TEST_SUITE_P(Targets, TruePeakTest, ::testing::ValuesIn(TruePeakTest::compiled()),
+                         TruePeakTest::nameOf);
+
+} // namespace
+} // namespace quorbel

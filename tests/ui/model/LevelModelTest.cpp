@@ -1,0 +1,86 @@
+// The room up to full scale.
+
+#include "ui/logic/Headroom.h"
+#include "ui/model/ModelFixture.h"
+
+#include <cmath>
+
+namespace quorbel::testing {
+namespace {
+
+class LevelModelTest : public ModelTest {
+  protected:
+    [[nodiscard]] LevelModel &level() { return *app->level(); }
+    void setBands(const std::vector<EQBand> &some) {
+        std::vector<EQBand> all = bands();
+        for (std::size_t i = 0; i < some.size(); ++i)
+            all[i] = some[i];
+        engine().eq().setBands(all);
+    }
+};
+
+TEST_F(LevelModelTest, TheHighestPointIsOfEqualiserToneAndAllGains) {
+    EXPECT_EQ(level().highestPointText(), "+0.0 dB");
+    // The narrowest band, between two points of the coarse search.
+    setBands({EQBand{.frequency = 1234.5F, .gainDB = 6.0F, .q = 20.0F}});
+    EXPECT_NEAR(highestPointDB(engine().eq(), {}, 48000.0), 6.0, 0.01);
+    // Equal bands and the tone peak on top of each other.
+    setBands({EQBand{.frequency = 1000.0F, .gainDB = 4.0F, .q = 1.0F},
+              EQBand{.frequency = 1000.0F, .gainDB = 3.0F, .q = 1.0F}});
+    engine().setSpatial({.toneMidDB = 2.0F});
+    app->equalizer()->setGlobalGainDB(-1.0);
+    level().setPresetGainDB(-2.5);
+    EXPECT_EQ(level().highestPointText(), "+5.5 dB");
+    EXPECT_TRUE(level().overshoots());
+
+    level().lowerToFullScale();
+    EXPECT_EQ(level().highestPointText(), "+0.0 dB");
+    EXPECT_FALSE(level().overshoots());
+    EXPECT_NEAR(level().presetGainDB(), -8.0, 0.01);
+    EXPECT_EQ(app->equalizer()->globalGainDB(), -1.0);
+    app->history()->undo();
+    EXPECT_EQ(level().presetGainDB(), -2.5);
+
+    setBands({EQBand{.frequency = 100.0F, .gainDB = -12.0F}, EQBand{.frequency = 1000.0F}});
+    EXPECT_NEAR(highestPointDB(engine().eq(), {}, 48000.0), -3.5, 0.05);
+}
+
+TEST_F(LevelModelTest, OneClickLowersWhatTheLimiterHadToReduce) {
+    const MixerConfig limited;
+    EXPECT_EQ(excessDB({.largestReductionDB = 2.1F}, limited), 2.1);
+    MixerConfig open;
+    open.limiterEnabled = false;
+    EXPECT_EQ(excessDB({.samplePeakDB = 1.5F}, open), 1.5);
+    EXPECT_EQ(excessDB({.samplePeakDB = -1.5F}, open), 0.0);
+    EXPECT_EQ(heldPeakText({.samplePeakDB = -0.3F, .truePeakDB = 0.2F}),
+              "Peak -0.3 dBFS, true peak +0.2 dBTP");
+    EXPECT_EQ(heldPeakText({}), "Peak –");
+
+    setBands({EQBand{.frequency = 1000.0F, .gainDB = 12.0F, .q = 1.0F}});
+    run();
+    clock.advance(3.0);
+    EXPECT_NEAR(level().excessDB(), 6.3, 0.11);
+    EXPECT_EQ(level().heldPeakText(), "Peak -0.3 dBFS, true peak -0.3 dBTP");
+    EXPECT_EQ(level().limiterTimeText(), "Limiter 3 s of the last minute");
+    level().lowerByExcess();
+    EXPECT_EQ(level().excessDB(), 0.0) << "cleared at once";
+    EXPECT_NEAR(app->equalizer()->globalGainDB(), -6.3, 0.11);
+    clock.advance(3.0); // the gain glides, and the limiter lets go
+    level().clearHeld();
+    clock.advance(1.0);
+    EXPECT_EQ(level().excessDB(), 0.0);
+    EXPECT_EQ(level().limiterTimeText(), "Limiter 3 s of the last minute");
+
+    MixerConfig levelled = engine().mixer();
+    levelled.autoGainEnabled = true;
+    levelled.autoGainTargetDB = -6.0F;
+    engine().setMixer(levelled);
+    clock.advance(10.0);
+    const double excess = level().excessDB();
+    ASSERT_GT(excess, 0.0);
+    level().lowerByExcess();
+    EXPECT_NEAR(engine().mixer().autoGainTargetDB, -6.0 - excess, 0.01);
+}
+
+} // namespace
+} // namespace quorbel::testing
