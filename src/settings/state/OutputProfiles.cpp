@@ -158,8 +158,11 @@ void OutputProfiles::play(const OutputProfile &profile) {
     if (!sound)
         return; // its preset is gone: the settings stay
     owner_ = profile.key;
+    const auto presetID = preset != nullptr ? std::optional(preset->id) : std::nullopt;
+    if (presetID == settings_.livePreset() && soundAlike(*sound, settings_.liveSound()))
+        return;
     isPlaying_ = true;
-    settings_.play(*sound, preset != nullptr ? std::optional(preset->id) : std::nullopt);
+    settings_.play(*sound, presetID);
     isPlaying_ = false;
     Q_EMIT switched();
 }
