@@ -27,7 +27,7 @@ ControlledLive::ControlledLive(AudioEngine &engine, DeviceManager &devices,
         const bool isRunning = engine_.state().kind == EngineLifecycle::State::Kind::running;
         if (isRunning)
             wasStartAsked_ = false;
-        else if (!engine_.isComingBack())
+        else if (!engine_.isComingBack() && !engine_.isLeavingAlone())
             lock_.reset();
     });
 }

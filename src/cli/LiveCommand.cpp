@@ -3,6 +3,7 @@
 #include "cli/Commands.h"
 #include "cli/ControlledLive.h"
 #include "cli/LiveMeter.h"
+#include "cli/LiveProfiles.h"
 #include "cli/SoundServer.h"
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
@@ -104,6 +105,10 @@ void LiveCommand::run() const {
     engine.setSpatial(chain.spatial);
     engine.setMixer(chain.mixer);
     engine.setComparable(!sessionBusAddress().isEmpty()); // only remote control compares
+    // Settings that are named on the command line are for every output.
+    std::optional<LiveProfiles> profiles;
+    if (settingsPath_.empty() && !presetName_)
+        profiles.emplace(engine, settings, loadPresetGains(settingsPath_));
     if (deviceUID_) {
         engine.setOutputDevice(deviceNamed(devices, *deviceUID_));
     } else {
@@ -127,7 +132,7 @@ void LiveCommand::run() const {
                 return; // who asked is told
             failure = state.message;
             QCoreApplication::exit(1);
-        } else if (state.kind == EngineLifecycle::State::Kind::running) {
+        } else if (state.kind == EngineLifecycle::State::Kind::running || engine.isLeavingAlone()) {
             if (seconds_ && !end.isSet())
                 end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
             if (!service) // not before: the sound comes first

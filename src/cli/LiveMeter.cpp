@@ -24,6 +24,8 @@ std::string stateText(const AudioEngine &engine, bool hasBegun) {
     case EngineLifecycle::State::Kind::stopped:
         break;
     }
+    if (engine.isLeavingAlone())
+        return "left alone";
     return hasBegun ? "stopped" : "starting";
 }
 

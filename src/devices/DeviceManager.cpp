@@ -107,7 +107,7 @@ std::optional<DeviceManager::Census> DeviceManager::takeCensus() const {
         return std::nullopt;
     Census census;
     for (const AudioObjectID id : ids)
-        census.devices.emplace_back(id, hardware_.deviceSerial(id));
+        census.devices.push_back({id, hardware_.deviceSerial(id), hardware_.outputIdentity(id)});
     if (hardware_.defaultOutputDevice(census.defaultOutput) != statusOK)
         census.defaultOutput = 0;
     return census;
@@ -146,7 +146,8 @@ AudioDevice DeviceManager::describe(AudioObjectID id) const {
             .manufacturer = hardware_.deviceManufacturer(id).value_or(""),
             .inputChannels = channelCount(id, Scope::input),
             .outputChannels = channelCount(id, Scope::output),
-            .serial = hardware_.deviceSerial(id)};
+            .serial = hardware_.deviceSerial(id),
+            .identity = hardware_.outputIdentity(id)};
 }
 
 int DeviceManager::channelCount(AudioObjectID id, Scope scope) const {

@@ -14,7 +14,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace quorbel {
@@ -28,6 +27,7 @@ struct AudioDevice {
     int inputChannels = 0;
     int outputChannels = 0;
     std::uint64_t serial = 0; ///< changes when the device returns, even under the same id
+    OutputIdentity identity;  ///< changes with the socket in use
 
     friend bool operator==(const AudioDevice &, const AudioDevice &) = default;
 };
@@ -103,7 +103,13 @@ class DeviceManager final : public QObject {
 
     /// Enough about the devices to detect a change.
     struct Census {
-        std::vector<std::pair<AudioObjectID, std::uint64_t>> devices; ///< all, with their serials
+        struct Device {
+            AudioObjectID id = 0;
+            std::uint64_t serial = 0;
+            OutputIdentity identity;
+            friend bool operator==(const Device &, const Device &) = default;
+        };
+        std::vector<Device> devices; ///< all
         AudioObjectID defaultOutput = 0;
         friend bool operator==(const Census &, const Census &) = default;
     };

@@ -107,7 +107,8 @@ void AudioEngine::setComparing(bool comparing) {
 // Start and stop
 
 void AudioEngine::start() {
-    if (lifecycle.isStarting() || lifecycle.state() == EngineLifecycle::State::running())
+    if (lifecycle.isStarting() || isLeavingAlone_ ||
+        lifecycle.state() == EngineLifecycle::State::running())
         return;
     if (isComingBack()) {
         comeback_.failedStarts = 0;
@@ -123,6 +124,8 @@ void AudioEngine::beginStart() {
     const auto generation = lifecycle.beginStart();
     if (!generation)
         return;
+    hasWaitedForIdentity_ = false;
+    identityDeadline_.invalidate();
     deviceManager_.refreshIfChanged(); // a stopped engine does not listen to the hardware
     // Without a stand-in the missing choice stays, so that the error can name it.
     if (wantedOutput())
@@ -132,8 +135,13 @@ void AudioEngine::beginStart() {
 
 void AudioEngine::continueStart(EngineLifecycle::Generation start) {
     // A stop in the meantime has already torn everything down and published its state.
-    if (!lifecycle.isCurrent(start))
+    if (!lifecycle.isCurrent(start) || awaitIdentity(start))
         return;
+    if (useOfOutput().isLeftAlone) {
+        leaveOutputAlone();
+        return;
+    }
+    adoptOutput();
     try {
         playback_.configure(deviceManager_, outputDevice_);
         if (!systemTap.isRunning())
@@ -142,6 +150,8 @@ void AudioEngine::continueStart(EngineLifecycle::Generation start) {
     } catch (const std::exception &error) {
         teardown();
         lifecycle.failStart(start, error.what());
+        if (std::exchange(isLeavingAlone_, false))
+            awaitComeback();
         publishState();
         return;
     }
@@ -158,6 +168,7 @@ void AudioEngine::continueStart(EngineLifecycle::Generation start) {
     attachSpectrum();
     observeHardware();
     if (lifecycle.finishStart(start)) {
+        isLeavingAlone_ = false;
         startTimers();
         finishComeback();
         // Catches changes from before the listeners were installed.
@@ -236,6 +247,7 @@ void AudioEngine::setCyclesCome(bool doCome) {
 
 void AudioEngine::stop() {
     comebackTimer.invalidate();
+    isLeavingAlone_ = false;
     lifecycle.end();
     stopTimersAndSpectrum();
     teardown();
@@ -244,6 +256,7 @@ void AudioEngine::stop() {
 
 void AudioEngine::stopTimersAndSpectrum() {
     outputRestartTask.invalidate();
+    identityDeadline_.invalidate();
     bassReadoutTimer.invalidate();
     diagnostics_.stop();
     spectrumAnalyzer_.detach();

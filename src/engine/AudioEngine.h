@@ -6,6 +6,7 @@
 #include "engine/EngineDiagnostics.h"
 #include "engine/EngineLifecycle.h"
 #include "engine/MeterReadings.h"
+#include "engine/OutputRule.h"
 #include "engine/PlaybackGraph.h"
 #include "engine/ProcessingChain.h"
 #include "engine/SystemAudioTap.h"
@@ -86,6 +87,15 @@ class AudioEngine final : public QObject {
     [[nodiscard]] bool isOutputStandIn() const {
         return outputDevice_ && outputDevice_->uid != chosenUID_;
     }
+
+    /// From now on `rule`, which must outlive the engine or be taken back, says what each output is
+    /// used for; null for none.
+    void setOutputRule(OutputRule *rule);
+    /// To be called when the rule has another opinion of the output in use.
+    void followOutputRule();
+    /// Whether the user wants processing, but not on the output in use: nothing is captured. The
+    /// state is `stopped` meanwhile; the engine starts by itself with another output.
+    [[nodiscard]] bool isLeavingAlone() const { return isLeavingAlone_; }
 
     /// Lets playback be compared with the unprocessed sound, at the cost of measuring the loudness.
     /// Applies from the next start.
@@ -173,6 +183,14 @@ class AudioEngine final : public QObject {
     void updateReadouts();
     void updateHeldLevels();
 
+    // AudioEngineOutputs.cpp
+    [[nodiscard]] bool hasOutputRule() const;
+    [[nodiscard]] OutputUse useOfOutput() const;
+    void adoptOutput();
+    void decideOutput(bool isLeftAlone);
+    void leaveOutputAlone();
+    [[nodiscard]] bool awaitIdentity(EngineLifecycle::Generation start);
+
     // AudioEngineRestart.cpp
     void moveOutput(std::optional<AudioDevice> device);
     [[nodiscard]] std::optional<AudioDevice> wantedOutput() const;
@@ -185,6 +203,7 @@ class AudioEngine final : public QObject {
     void rebuildTap();
     void failRunning(std::string_view message);
     void failAtRate(double sampleRate);
+    void awaitComeback();
     void scheduleComeback();
     void comeBack();
     void finishComeback();
@@ -198,8 +217,11 @@ class AudioEngine final : public QObject {
     bool comparing_ = false;
     std::optional<AudioDevice> outputDevice_;
     std::optional<std::string> chosenUID_;
-    bool mayStandIn_ = false;      ///< the default output replaces a missing choice
-    EngineLifecycle::State state_; ///< the last published one
+    bool mayStandIn_ = false; ///< the default output replaces a missing choice
+    OutputRule *outputRule_ = nullptr;
+    bool isLeavingAlone_ = false;
+    bool hasWaitedForIdentity_ = false; ///< in the start under way
+    EngineLifecycle::State state_;      ///< the last published one
     PublishedReadings published_;
     MeterReadings lastReadings_;
     HeldLevels heldLevels_;
@@ -225,7 +247,8 @@ class AudioEngine final : public QObject {
 
     Timer bassReadoutTimer;
     Timer outputRestartTask;
-    Timer comebackTimer; ///< set while a return waits for the hardware
+    Timer identityDeadline_; ///< set while the output's identity is waited for
+    Timer comebackTimer;     ///< set while a return waits for the hardware
     Comeback comeback_;
     EngineUpheavals upheavals_;
     std::shared_ptr<AudioEngine *> self_; ///< lets the hardware's threads find the engine

@@ -30,11 +30,16 @@ void AudioEngine::failRunning(std::string_view message) {
     lifecycle.fail(message);
     stopTimersAndSpectrum();
     teardown();
+    isLeavingAlone_ = false;
+    awaitComeback();
+    publishState();
+    logLine("AudioEngine", fmt::format("procesarea s-a oprit ({}); revine singură", message));
+}
+
+void AudioEngine::awaitComeback() {
     comeback_ = {};
     comeback_.failedAt = clock_.now();
     scheduleComeback();
-    publishState();
-    logLine("AudioEngine", fmt::format("procesarea s-a oprit ({}); revine singură", message));
 }
 
 /// Makes the next attempt after the longest pause: on some servers the rate is known only once

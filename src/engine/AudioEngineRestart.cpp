@@ -13,6 +13,13 @@ namespace {
 // after the last.
 constexpr double outputRestartDelaySeconds = 0.15;
 
+/// Whether playback that is bound to one device is bound to the other.
+bool isSameDevice(std::optional<AudioDevice> a, const std::optional<AudioDevice> &b) {
+    if (a && b)
+        a->identity = b->identity; // plays on through another socket
+    return a == b;
+}
+
 } // namespace
 
 void AudioEngine::restoreOutputChoice(std::optional<std::string> uid) {
@@ -49,7 +56,10 @@ void AudioEngine::followWantedOutput() {
 void AudioEngine::followDeviceList() {
     const bool isAtRest = !lifecycle.isStarting() && !isComingBack() &&
                           lifecycle.state() != EngineLifecycle::State::running();
-    if (!isAtRest || (outputDevice_ && !isOutputStandIn()))
+    const auto listed =
+        outputDevice_ ? deviceManager_.outputDevice(outputDevice_->uid) : std::nullopt;
+    const bool isElsewhere = listed && listed->identity != outputDevice_->identity;
+    if (!isAtRest || (outputDevice_ && !isOutputStandIn() && !isElsewhere))
         return;
     followWantedOutput();
     endErrorOfNoOutput();
@@ -65,11 +75,15 @@ void AudioEngine::endErrorOfNoOutput() {
 }
 
 void AudioEngine::moveOutput(std::optional<AudioDevice> device) {
-    const bool changed = device != outputDevice_;
+    const bool changed = !isSameDevice(device, outputDevice_);
+    const bool isElsewhere = !changed && device != outputDevice_;
     outputDevice_ = std::move(device);
-    Q_EMIT outputDeviceChanged();
+    if (!isElsewhere)
+        Q_EMIT outputDeviceChanged();
     if (changed)
         scheduleOutputRestart();
+    if (changed || isElsewhere)
+        followOutputRule();
 }
 
 void AudioEngine::scheduleOutputRestart() {
@@ -80,11 +94,17 @@ void AudioEngine::scheduleOutputRestart() {
 }
 
 void AudioEngine::restartProcessEngine() {
+    outputRestartTask.invalidate();
     // Capture continues meanwhile.
+    if (identityDeadline_.isSet()) {
+        scheduleOutputRestart();
+        return;
+    }
     spectrumAnalyzer_.detach();
     try {
         playback_.fadeOut();
         playback_.stop();
+        adoptOutput();
         playback_.configure(deviceManager_, outputDevice_);
         playback_.start();
         applySpatial();

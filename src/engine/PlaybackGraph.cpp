@@ -73,6 +73,11 @@ void PlaybackGraph::updateTail() {
         output->setHoldsTail(chain_.holdsTail());
 }
 
+void PlaybackGraph::setStaysOnDevice(bool staysOnDevice) {
+    if (HardwareOutput *output = processEngine.outputNode().hardware())
+        output->setStaysOnDevice(staysOnDevice);
+}
+
 std::uint64_t PlaybackGraph::replacedNonFiniteFrames() const {
     return replacedBefore_ + (sourceNode ? sourceNode->replacedNonFiniteFrames() : 0);
 }

@@ -27,6 +27,9 @@ class PlaybackGraph {
     /// While stopped. Throws AudioEngineError without a device, DeviceError if it cannot be bound.
     void configure(const DeviceManager &devices, const std::optional<AudioDevice> &device);
 
+    /// `HardwareOutput::setStaysOnDevice`.
+    void setStaysOnDevice(bool staysOnDevice);
+
     /// Throws AudioEngineError.
     void start();
 

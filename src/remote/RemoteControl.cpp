@@ -65,6 +65,9 @@ RemoteStatus RemoteControl::status() const {
         status.reason = program_.worded(engine.message);
     } else if (engine.kind == Kind::running) {
         status.state = RemoteStatus::State::running;
+    } else if (engine_.isLeavingAlone()) {
+        status.state = RemoteStatus::State::waiting;
+        status.reason = "the output in use is left alone";
     }
     if (const Preset *active = activePreset()) {
         status.preset = active->name;
@@ -92,7 +95,7 @@ const EngineLosses &RemoteControl::losses() const { return engine_.losses(); }
 // Start and stop
 
 void RemoteControl::start(StartAnswer answer) {
-    if (engine_.state().kind == EngineLifecycle::State::Kind::running) {
+    if (engine_.state().kind == EngineLifecycle::State::Kind::running || engine_.isLeavingAlone()) {
         answer({});
         return;
     }
@@ -115,7 +118,7 @@ void RemoteControl::followEngineState() {
         engine_.setComparing(false);
     const std::string failure =
         state.message.empty() ? "stopped before it had started" : program_.worded(state.message);
-    answerStarts(isRunning ? "" : failure);
+    answerStarts(isRunning || engine_.isLeavingAlone() ? "" : failure);
     announceSoon();
 }
 

@@ -6,6 +6,7 @@
 #include "soundserver/Recorder.h"
 #include "soundserver/Waiting.h"
 #include "support/soundserver/Player.h"
+#include "support/soundserver/SoundCard.h"
 #include "support/soundserver/Sounds.h"
 
 #include <cstdlib>
@@ -39,6 +40,17 @@ class PipeWireWorld final : public HardwareWorld {
     void plugIn(const std::string &uid) override { server_.addDevice({uid, uid}); }
     void unplug(const std::string &uid) override { server_.removeDevice(uid); }
     void setDefaultOutput(const std::string &uid) override { server_.setDefaultDevice(uid); }
+    void plugInCard(const std::string &uid) override {
+        card_ = std::make_unique<soundserver::SoundCard>(
+            client_, "card", "alsa",
+            std::vector<std::string>{"analog-output-speaker", "analog-output-headphones"});
+        cardOutput_ = std::make_unique<soundserver::CardOutput>(client_, *card_, 2, uid);
+    }
+    void setRoute(const std::string &, const std::string &route) override {
+        card_->setRoute(2, route);
+        card_->setRoute(1, "hdmi-output-0"); // of a device that is not there
+    }
+    void changeVolume(const std::string &) override { card_->changeVolume(); }
     void loseServer() override {
         player_.reset();
         server_.crash();
@@ -57,6 +69,8 @@ class PipeWireWorld final : public HardwareWorld {
     soundserver::GraphClient client_;
     soundserver::Tone tone_{1000.0, -12.0, 48000.0};
     std::unique_ptr<soundserver::Player> player_;
+    std::unique_ptr<soundserver::SoundCard> card_;
+    std::unique_ptr<soundserver::CardOutput> cardOutput_;
     std::unique_ptr<AudioHardware> hardware_;
     bool isLost_ = false;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/core/AudioBufferList.h"
+#include "platform/core/OutputIdentity.h"
 #include "platform/core/Status.h"
 #include "platform/core/StreamFormat.h"
 
@@ -115,6 +116,10 @@ class HardwareOutput {
     /// tail has decayed.
     virtual void setHoldsTail(bool) {}
 
+    /// Plays nothing on another device after the bound one has gone, until the next start.
+    /// Otherwise the system may bridge that time.
+    virtual void setStaysOnDevice(bool) {}
+
     /// Sets the latency from captured to rendered sound, in seconds, 0 or more. It is reported to
     /// applications together with the device's latency. While stopped.
     virtual void setProcessingDelay(double) {}
@@ -139,7 +144,7 @@ inline constexpr Status soundCutOffStatus = -5; // EIO
 class HardwareListener {
   public:
     virtual ~HardwareListener() = default;
-    virtual void deviceListChanged() {}
+    virtual void deviceListChanged() {} ///< also where the identity of one has changed
     virtual void defaultOutputChanged() {}
     /// The whole hardware layer is gone with all its objects (the sound server died).
     virtual void hardwareLost(Status) {}
@@ -170,6 +175,8 @@ class AudioHardware {
     [[nodiscard]] virtual std::optional<std::string> deviceUID(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceName(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceManufacturer(AudioObjectID device) = 0;
+    /// Without names where the id names no device.
+    [[nodiscard]] virtual OutputIdentity outputIdentity(AudioObjectID device) = 0;
     virtual Status streamChannelCounts(AudioObjectID device, Scope scope,
                                        std::vector<std::uint32_t> &channelsPerBuffer) = 0;
 

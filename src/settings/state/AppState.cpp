@@ -11,6 +11,7 @@ namespace quorbel {
 AppState::AppState(AudioHardware &hardware, Clock &clock, std::string settingsPath)
     : clock_(clock), file_(std::move(settingsPath)), choiceFile_(file_.path()),
       gainsFile_(file_.path()), presets_(factoryPresets()), deviceManager_(hardware, clock),
+      profiles_(*this, file_.path()),
       engine_(
           std::make_unique<AudioEngine>(hardware, deviceManager_, clock, EQBand::defaultBands())) {
     activePresetID_ = firstPresetID();
@@ -20,6 +21,7 @@ AppState::AppState(AudioHardware &hardware, Clock &clock, std::string settingsPa
     seen_ = currentSettings();
     seen_.outputDeviceUID = uidInFile;
     observeSettings();
+    readProfiles();
 }
 
 AppState::~AppState() = default;
@@ -43,6 +45,34 @@ void AppState::applyPreset(const Preset &preset) {
         gainDB != engine_->eq().presetGainDB())
         engine_->eq().setPresetGainDB(gainDB);
     setActivePresetID(applied.id);
+}
+
+OutputSound AppState::liveSound() const {
+    return {.bands = engine_->eq().bands(),
+            .spatial = engine_->spatial(),
+            .presetGainDB = engine_->eq().presetGainDB()};
+}
+
+void AppState::play(const OutputSound &sound, const std::optional<Uuid> &preset) {
+    const auto change = engine_->changeSettings();
+    engine_->eq().setBands(sound.bands);
+    if (sound.presetGainDB != engine_->eq().presetGainDB())
+        engine_->eq().setPresetGainDB(sound.presetGainDB);
+    engine_->setSpatial(sound.spatial);
+    setActivePresetID(preset);
+}
+
+void AppState::assignProfile(const OutputKey &key, const std::string &label, OutputProfile::Use use,
+                             const std::optional<Uuid> &preset) {
+    profiles_.assign(key, label, use, preset);
+    engine_->followOutputRule();
+    persist();
+}
+
+void AppState::forgetProfile(const OutputKey &key) {
+    profiles_.forget(key);
+    engine_->followOutputRule();
+    persist();
 }
 
 void AppState::savePreset(const std::string &name) {
@@ -94,12 +124,14 @@ std::optional<Uuid> AppState::firstPresetID() const {
 }
 
 void AppState::setPresets(std::vector<Preset> presets) {
+    profiles_.keepSoundsOfGone(presets);
     presets_ = std::move(presets);
     Q_EMIT presetsChanged();
 }
 
 void AppState::setActivePresetID(std::optional<Uuid> id) {
     activePresetID_ = id;
+    profiles_.noteChange();
     Q_EMIT activePresetIDChanged();
 }
 

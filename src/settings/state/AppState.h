@@ -6,6 +6,7 @@
 #include "settings/records/Persisted.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/state/OutputChoiceFile.h"
+#include "settings/state/OutputProfiles.h"
 #include "settings/state/PresetGainsFile.h"
 #include "settings/state/SharedSettingsFile.h"
 
@@ -23,7 +24,7 @@ namespace quorbel {
 /// and the settings file up to date. The live settings themselves are the engine's; this watches
 /// them and writes them half a second after a change. Other programs may write the file too: their
 /// changes are taken before each save, and changes made here win field by field. All calls [main].
-class AppState final : public QObject {
+class AppState final : public QObject, private ProfileSettings {
     Q_OBJECT
 
   public:
@@ -34,6 +35,12 @@ class AppState final : public QObject {
 
     [[nodiscard]] DeviceManager &deviceManager() { return deviceManager_; }
     [[nodiscard]] AudioEngine &engine() { return *engine_; }
+
+    /// The profiles of the outputs. With the engine following them, after a change of them.
+    [[nodiscard]] const OutputProfiles &profiles() const { return profiles_; }
+    void assignProfile(const OutputKey &key, const std::string &label, OutputProfile::Use use,
+                       const std::optional<Uuid> &preset = {});
+    void forgetProfile(const OutputKey &key);
 
     /// The factory library, then the user's own.
     [[nodiscard]] const std::vector<Preset> &presets() const { return presets_; }
@@ -91,6 +98,15 @@ class AppState final : public QObject {
     void setActivePresetID(std::optional<Uuid> id);
     void takeOverBandIDs();
 
+    // ProfileSettings
+    [[nodiscard]] OutputSound liveSound() const override;
+    [[nodiscard]] std::optional<Uuid> livePreset() const override { return activePresetID_; }
+    void play(const OutputSound &sound, const std::optional<Uuid> &preset) override;
+    [[nodiscard]] const std::vector<Preset> &knownPresets() const override { return presets_; }
+    [[nodiscard]] float presetGainDB(const Uuid &preset) const override {
+        return gainsFile_.gains.of(preset);
+    }
+
     // AppStatePersistence.cpp
     void loadPersisted();
     void apply(const Persisted &record);
@@ -106,6 +122,8 @@ class AppState final : public QObject {
     void observeSettings();
     void readPresetGains();
     std::optional<std::string> writePresetGains();
+    void readProfiles();
+    std::optional<std::string> writeProfiles();
     void setPersistWarning(std::optional<std::string> warning);
 
     Clock &clock_;
@@ -123,7 +141,8 @@ class AppState final : public QObject {
 
     std::array<Timer, 6> pendingSaves_; ///< one for each watched setting
     DeviceManager deviceManager_;
-    std::unique_ptr<AudioEngine> engine_;
+    OutputProfiles profiles_;
+    std::unique_ptr<AudioEngine> engine_; ///< after the profiles, which it asks
 };
 
 } // namespace quorbel

@@ -82,6 +82,31 @@ std::optional<std::string> AppState::writePresetGains() {
     }
 }
 
+void AppState::readProfiles() {
+    try {
+        if (auto warning = profiles_.read())
+            setPersistWarning(std::move(warning));
+    } catch (const SettingsFileError &error) {
+        // Without them outputs have other settings than the user wants.
+        setPersistWarning(std::string("The profiles of the outputs could not be read: ") +
+                          error.what());
+    }
+    const auto noteChange = [this] { profiles_.noteChange(); };
+    connect(&engine_->eq(), &EQProcessor::bandsChanged, this, noteChange);
+    connect(&engine_->eq(), &EQProcessor::presetGainDBChanged, this, noteChange);
+    connect(engine_.get(), &AudioEngine::spatialChanged, this, noteChange);
+    engine_->setOutputRule(&profiles_);
+}
+
+/// Returns a warning if that failed, or if a damaged file was set aside.
+std::optional<std::string> AppState::writeProfiles() {
+    try {
+        return profiles_.save();
+    } catch (const std::exception &error) {
+        return std::string("The profiles of the outputs could not be saved: ") + error.what();
+    }
+}
+
 /// A missing device stays unselected; the choice is kept.
 void AppState::applyOutput(const Persisted &record) {
     if (record.outputDeviceUID)
@@ -140,6 +165,8 @@ void AppState::persist() {
         requireFileOrNothing(file_.path());
         const SettingsFileLock lock(file_.path());
         auto warning = takeUnseenOrMoveAside();
+        if (auto profilesWarning = writeProfiles())
+            warning = std::move(profilesWarning);
         // First: bands without the gain that belongs to them would be too loud.
         if (auto gainsWarning = writePresetGains())
             warning = std::move(gainsWarning);

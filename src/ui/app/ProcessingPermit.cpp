@@ -14,7 +14,7 @@ ProcessingPermit::ProcessingPermit(EngineModel &engine) : engine_(engine) {
         return tr("Another Ostrafine is running and processes the sound. Stop that one first.");
     });
     connect(&engine_, &EngineModel::stateChanged, this, [this] {
-        if (!engine_.running() && !engine_.comingBack())
+        if (!engine_.wanted())
             lock_.reset();
     });
 }

@@ -17,7 +17,7 @@ WindowClosing::WindowClosing(MainWindow &window, EngineModel &engine, Background
     window_.closing = [this] { return close(); };
 }
 
-bool WindowClosing::isProcessing() const { return engine_.running() || engine_.comingBack(); }
+bool WindowClosing::isProcessing() const { return engine_.wanted(); }
 
 MainWindow::Closing WindowClosing::close() {
     if (!isProcessing())

@@ -146,7 +146,7 @@ int main(int argc, char **argv) {
     };
     // Processing has ended, and nothing shows that the program is there.
     const auto endIfOfNoUse = [&] {
-        if (engine.running() || engine.comingBack())
+        if (engine.wanted())
             return;
         if (window && (window->window().isVisible() || tray.isThere()))
             return;

@@ -25,6 +25,10 @@ enum class Awaited { soundServer, outputDevice, nextTry };
 [[nodiscard]] std::string outlookText(const EngineLifecycle::State &state,
                                       std::optional<Awaited> awaited);
 
+/// The outlook while processing is on, but the output in use is left alone.
+inline constexpr const char *leftAloneText =
+    "This output is left alone; processing continues with another one";
+
 /// The state of peak protection.
 [[nodiscard]] std::string protectie(const MixerConfig &mixer);
 

@@ -7,6 +7,7 @@
 #include "ui/model/HistoryModel.h"
 #include "ui/model/LevelModel.h"
 #include "ui/model/NavigationModel.h"
+#include "ui/model/OutputProfileModel.h"
 #include "ui/model/PresetListModel.h"
 #include "ui/model/SettingsModel.h"
 #include "ui/model/SpectrumModel.h"
@@ -57,6 +58,7 @@ class AppModel final : public QObject {
     Q_PROPERTY(quorbel::LevelModel *level READ level CONSTANT)
     Q_PROPERTY(quorbel::PresetListModel *presets READ presets CONSTANT)
     Q_PROPERTY(quorbel::DeviceListModel *devices READ devices CONSTANT)
+    Q_PROPERTY(quorbel::OutputProfileModel *profiles READ profiles CONSTANT)
     Q_PROPERTY(quorbel::SpectrumModel *spectrum READ spectrum CONSTANT)
     Q_PROPERTY(quorbel::NavigationModel *navigation READ navigation CONSTANT)
     Q_PROPERTY(quorbel::HistoryModel *history READ history CONSTANT)
@@ -83,6 +85,7 @@ class AppModel final : public QObject {
     [[nodiscard]] LevelModel *level() { return &level_; }
     [[nodiscard]] PresetListModel *presets() { return &presets_; }
     [[nodiscard]] DeviceListModel *devices() { return &devices_; }
+    [[nodiscard]] OutputProfileModel *profiles() { return &profiles_; }
     [[nodiscard]] SpectrumModel *spectrum() { return &spectrum_; }
     [[nodiscard]] NavigationModel *navigation() { return &navigation_; }
     [[nodiscard]] HistoryModel *history() { return &history_; }
@@ -109,6 +112,7 @@ class AppModel final : public QObject {
     LevelModel level_;
     PresetListModel presets_;
     DeviceListModel devices_;
+    OutputProfileModel profiles_;
     SpectrumModel spectrum_;
     NavigationModel navigation_;
     AboutModel about_;

@@ -69,6 +69,7 @@ bool EngineModel::running() const {
 }
 
 bool EngineModel::comingBack() const { return engine_.isComingBack(); }
+bool EngineModel::leavingAlone() const { return engine_.isLeavingAlone(); }
 
 QString EngineModel::errorMessage() const { return QString::fromUtf8(shownState().message); }
 QString EngineModel::stateWord() const {
@@ -88,6 +89,8 @@ std::optional<Awaited> EngineModel::awaited() const {
 }
 
 QString EngineModel::outlook() const {
+    if (leavingAlone())
+        return QString::fromUtf8(leftAloneText);
     return QString::fromUtf8(outlookText(shownState(), awaited()));
 }
 
@@ -112,7 +115,7 @@ void EngineModel::stop() {
 }
 
 void EngineModel::toggle() {
-    if (running())
+    if (running() || leavingAlone())
         stop();
     else
         start();

@@ -29,10 +29,12 @@ class EngineModel final : public QObject {
     Q_PROPERTY(bool running READ running NOTIFY stateChanged)
     /// Whether it starts again by itself once the hardware allows it; `stop` ends that.
     Q_PROPERTY(bool comingBack READ comingBack NOTIFY stateChanged)
+    /// Processing is on, but the output in use is left alone.
+    Q_PROPERTY(bool leavingAlone READ leavingAlone NOTIFY stateChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY stateChanged)
     Q_PROPERTY(QString stateWord READ stateWord NOTIFY stateChanged)
     Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
-    /// The outlook after an error; empty where there is none.
+    /// The outlook after an error or while an output is left alone; empty where there is none.
     Q_PROPERTY(QString outlook READ outlook NOTIFY outlookChanged)
     Q_PROPERTY(QString secondLine READ secondLine NOTIFY secondLineChanged)
     Q_PROPERTY(double limiterReductionDB READ limiterReductionDB NOTIFY limiterReductionDBChanged)
@@ -57,6 +59,9 @@ class EngineModel final : public QObject {
     [[nodiscard]] QString state() const;
     [[nodiscard]] bool running() const;
     [[nodiscard]] bool comingBack() const;
+    [[nodiscard]] bool leavingAlone() const;
+    /// Running, or it will be without another word of the user.
+    [[nodiscard]] bool wanted() const { return running() || comingBack() || leavingAlone(); }
     [[nodiscard]] QString errorMessage() const;
     [[nodiscard]] QString stateWord() const;
     [[nodiscard]] QString subtitle() const;

@@ -14,6 +14,11 @@ HistoryModel::HistoryModel(AppState &state, FavouritePresets &favourites, Clock 
     : QObject(parent), state_(state), favourites_(favourites), clock_(clock),
       userPresets_(quorbel::userPresets(state.presets())) {
     connect(&state_, &AppState::presetsChanged, this, &HistoryModel::followPresets);
+    // The steps so far belong to the settings of another output.
+    connect(&state_.profiles(), &OutputProfiles::switched, this, [this] {
+        history_ = {};
+        Q_EMIT changed();
+    });
 }
 
 void HistoryModel::edit(const QString &what, const std::string &key,

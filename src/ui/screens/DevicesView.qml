@@ -61,6 +61,42 @@ ScreenPage {
     }
     DotCard {
         Layout.fillWidth: true
+        padding: 0
+        implicitHeight: profiles.implicitHeight + 2 * Theme.unit
+
+        ColumnLayout {
+            id: profiles
+            anchors.left: parent.left
+            anchors.right: parent.right
+            anchors.top: parent.top
+            anchors.topMargin: 2 * Theme.unit
+            spacing: 0
+
+            ColumnLayout {
+                Layout.leftMargin: 2 * Theme.unit
+                Layout.rightMargin: 2 * Theme.unit
+                Layout.bottomMargin: Theme.unit
+                spacing: Theme.unit / 4
+
+                HeadingText {
+                    Layout.fillWidth: true
+                    text: qsTr("A profile for every output")
+                }
+                CaptionText {
+                    Layout.fillWidth: true
+                    text: qsTr("An output with a profile plays with settings of its own, which your changes belong to. One that is left alone is not processed while it is in use.")
+                }
+            }
+            Repeater {
+                model: App.profiles
+                delegate: ProfileRow {
+                    Layout.fillWidth: true
+                }
+            }
+        }
+    }
+    DotCard {
+        Layout.fillWidth: true
 
         RowLayout {
             id: spectrum

@@ -44,16 +44,18 @@ Rectangle {
         DotButton {
             id: startStop
             WrapRow.minimumWidth: Math.max(12 * Theme.textUnit, implicitWidth) // the same for both words
-            primary: !App.engine.running
-            text: App.engine.running ? qsTr("Stop") : qsTr("Start")
-            symbol: App.engine.running ? "stop.fill" : "play.fill"
+            readonly property bool stops: App.engine.running || App.engine.leavingAlone
+
+            primary: !startStop.stops
+            text: startStop.stops ? qsTr("Stop") : qsTr("Start")
+            symbol: startStop.stops ? "stop.fill" : "play.fill"
             Accessible.description: help.text
             onClicked: App.engine.toggle()
 
             DotToolTip {
                 id: help
                 visible: startStop.hovered
-                text: App.engine.running ? qsTr("Stop processing") : qsTr("Start processing")
+                text: startStop.stops ? qsTr("Stop processing") : qsTr("Start processing")
             }
         }
         // Unprocessed sound for as long as it is held, with the mouse, the space bar or the key B. An

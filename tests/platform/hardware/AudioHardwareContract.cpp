@@ -413,6 +413,37 @@ TEST_P(AudioHardwareContract, TellsOfChanges) {
     EXPECT_EQ(news.lists_ + news.defaults_, before);
 }
 
+TEST_P(AudioHardwareContract, SaysWhereADeviceIsHeardAndTellsOfThatButNotOfItsVolume) {
+    const OutputIdentity speakers = hardware.outputIdentity(device("speakers"));
+    EXPECT_EQ(speakers, (OutputIdentity{.node = "speakers"})) << "belongs to no card";
+    EXPECT_EQ(hardware.outputIdentity(noSuchObject), OutputIdentity{});
+
+    News news;
+    ASSERT_EQ(hardware.addListener(HardwareProperty::deviceList, news), statusOK);
+    const auto identity = [&] { return hardware.outputIdentity(device("desk")); };
+    world().plugInCard("desk");
+    OutputIdentity desk{.card = "card", .node = "desk", .isAwaited = true};
+    ASSERT_TRUE(world().waitUntil([&] { return news.lists_ > 0 && identity() == desk; }));
+
+    desk.isAwaited = false;
+    for (const char *route : {"analog-output-speaker", "analog-output-headphones"}) {
+        const int lists = news.lists_;
+        world().setRoute("desk", route);
+        desk.route = route;
+        EXPECT_TRUE(world().waitUntil([&] { return news.lists_ > lists && identity() == desk; }))
+            << route;
+    }
+
+    // A change that is told follows those that are not.
+    const int lists = news.lists_;
+    for (int press = 0; press < 20; ++press)
+        world().changeVolume("desk");
+    world().setRoute("desk", "analog-output-speaker");
+    ASSERT_TRUE(world().waitUntil([&] { return identity().route == "analog-output-speaker"; }));
+    EXPECT_EQ(news.lists_, lists + 1);
+    EXPECT_EQ(hardware.removeListener(HardwareProperty::deviceList, news), statusOK);
+}
+
 TEST_P(AudioHardwareContract, SurvivesTheDeviceThatIsPlaying) {
     world().playTone();
     world().plugIn("usb");

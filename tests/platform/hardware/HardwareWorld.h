@@ -28,6 +28,13 @@ class HardwareWorld {
     virtual void unplug(const std::string &uid) = 0;
     virtual void setDefaultOutput(const std::string &uid) = 0;
 
+    /// A card "card" with one device, which can play on several routes but does not say yet on
+    /// which it does.
+    virtual void plugInCard(const std::string &uid) = 0;
+    virtual void setRoute(const std::string &uid, const std::string &route) = 0;
+    /// Of the card's device, with the volume keys.
+    virtual void changeVolume(const std::string &uid) = 0;
+
     /// The end of the sound server.
     virtual void loseServer() = 0;
 

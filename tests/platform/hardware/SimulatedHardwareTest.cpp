@@ -35,6 +35,13 @@ class SimulatedWorld final : public HardwareWorld {
     void plugIn(const std::string &uid) override { hardware_.addDevice({.uid = uid}); }
     void unplug(const std::string &uid) override { hardware_.removeDevice(uid); }
     void setDefaultOutput(const std::string &uid) override { hardware_.setDefaultOutput(uid); }
+    void plugInCard(const std::string &uid) override {
+        hardware_.addDevice({.uid = uid, .identity = {.card = "card", .isAwaited = true}});
+    }
+    void setRoute(const std::string &uid, const std::string &route) override {
+        hardware_.setIdentity(uid, {.card = "card", .route = route});
+    }
+    void changeVolume(const std::string &) override {} // its devices have none
     void loseServer() override { hardware_.loseConnection(-EPIPE); }
     bool waitUntil(const std::function<bool()> &condition) override {
         for (int step = 0; step < 1000 && !condition(); ++step)

@@ -143,6 +143,10 @@ class OutStream final : public ServerStream {
     /// Stops the stream and starts it again.
     void nudge();
 
+    /// Asks the client for nothing more and plays silence.
+    void silence() { client_.set(nullptr); }
+    [[nodiscard]] bool isSilenced() const { return client_.get() == nullptr; }
+
     /// True if a block handed over now is played in this cycle: the stream runs and has played all
     /// earlier blocks. [capture]
     [[nodiscard]] bool isReadyForBlock() const noexcept;

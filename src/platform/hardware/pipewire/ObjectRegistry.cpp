@@ -2,10 +2,16 @@
 
 #include "platform/hardware/pipewire/SystemTime.h"
 
+#include <spa/param/route.h>
+#include <spa/pod/iter.h>
+#include <spa/pod/parser.h>
+
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace quorbel {
 namespace {
@@ -48,10 +54,104 @@ struct ObjectRegistry::BoundNode {
     }
 };
 
-struct ObjectRegistry::BoundDevice {
-    PropertyMap properties;
+/// A device and its routes. They are read anew whenever the device says that they have changed,
+/// which it does for their volumes too; only another route is told.
+struct ObjectRegistry::BoundDevice : std::enable_shared_from_this<BoundDevice> {
+    static constexpr std::array routeParameters{SPA_PARAM_EnumRoute, SPA_PARAM_Route};
+
+    BoundDevice(ObjectRegistry &registry, std::uint32_t deviceID) : owner(registry), id(deviceID) {}
+
+    ObjectRegistry &owner;
+    const std::uint32_t id;
+    DeviceRecord record;
     Proxy<pw_device> proxy;
     Hook hook;
+    std::array<std::uint32_t, routeParameters.size()> flags{}; ///< as last told
+    DeviceRecord read; ///< whose routes are what the reading under way has brought so far
+    bool isReading = false;
+    bool isOutdated = false; ///< the reading under way
+
+    void infoChanged(const pw_device_info *info) {
+        DeviceRecord next = record;
+        merge(next.properties, info->props);
+        bool haveRoutesChanged = false;
+        if ((info->change_mask & PW_DEVICE_CHANGE_MASK_PARAMS) != 0)
+            for (std::size_t i = 0; i < routeParameters.size(); ++i)
+                haveRoutesChanged = takeFlags(*info, i) || haveRoutesChanged;
+        if (haveRoutesChanged)
+            readRoutes();
+        next.isComplete = record.isComplete || !isReading;
+        take(std::move(next));
+    }
+
+    /// Returns whether there is something new to be read.
+    bool takeFlags(const pw_device_info &info, std::size_t parameter) {
+        for (std::uint32_t i = 0; i < info.n_params; ++i)
+            if (info.params[i].id == routeParameters[parameter])
+                return std::exchange(flags[parameter], info.params[i].flags) !=
+                           info.params[i].flags &&
+                       (info.params[i].flags & SPA_PARAM_INFO_READ) != 0;
+        return false;
+    }
+
+    void readRoutes() {
+        if (std::exchange(isReading, true)) {
+            isOutdated = true;
+            return;
+        }
+        isOutdated = false;
+        read = {};
+        for (std::size_t i = 0; i < routeParameters.size(); ++i)
+            if ((flags[i] & SPA_PARAM_INFO_READ) != 0)
+                pw_device_enum_params(proxy.get(), 0, routeParameters[i], 0, UINT32_MAX, nullptr);
+        owner.connection_.afterRoundTrip([weak = weak_from_this()] {
+            if (const auto self = weak.lock())
+                self->routesRead();
+        });
+    }
+
+    void routesRead() {
+        isReading = false;
+        DeviceRecord next = record;
+        next.outputRoutes = std::move(read.outputRoutes);
+        next.nodesWithRoutes = std::move(read.nodesWithRoutes);
+        next.isComplete = true;
+        take(std::move(next));
+        if (isOutdated)
+            readRoutes();
+    }
+
+    void take(DeviceRecord next) {
+        if (next == record)
+            return;
+        record = std::move(next);
+        owner.notify([this](ServerObserver &observer) { observer.deviceChanged(id); });
+    }
+
+    void parameterRead(std::uint32_t parameter, const spa_pod *pod) {
+        std::uint32_t direction = SPA_DIRECTION_INPUT;
+        const char *name = nullptr;
+        std::int32_t number = -1;
+        const spa_pod *numbers = nullptr;
+        if (!isReading || spa_pod_parse_object(
+                              pod, SPA_TYPE_OBJECT_ParamRoute, nullptr, SPA_PARAM_ROUTE_direction,
+                              SPA_POD_Id(&direction), SPA_PARAM_ROUTE_name, SPA_POD_String(&name),
+                              SPA_PARAM_ROUTE_device, SPA_POD_OPT_Int(&number),
+                              SPA_PARAM_ROUTE_devices, SPA_POD_OPT_Pod(&numbers)) < 0)
+            return;
+        if (direction != SPA_DIRECTION_OUTPUT)
+            return;
+        if (parameter == SPA_PARAM_Route) {
+            read.outputRoutes[number] = name;
+            return;
+        }
+        std::array<std::int32_t, 64> list{};
+        const std::uint32_t count =
+            numbers == nullptr
+                ? 0
+                : spa_pod_copy_array(numbers, SPA_TYPE_Int, list.data(), list.size());
+        read.nodesWithRoutes.insert(list.begin(), list.begin() + count);
+    }
 };
 
 /// The "settings" metadata table, bound.
@@ -142,8 +242,8 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
         objects_.putLink(link);
         notify([&](ServerObserver &observer) { observer.linkAdded(link); });
     } else if (std::strcmp(type, PW_TYPE_INTERFACE_Device) == 0) {
-        auto bound = std::make_unique<BoundDevice>();
-        bound->properties = std::move(properties);
+        auto bound = std::make_shared<BoundDevice>(*this, id);
+        bound->record.properties = std::move(properties);
         bound->proxy.reset(static_cast<pw_device *>(pw_registry_bind(
             registry_.get(), id, type, std::min<std::uint32_t>(version, PW_VERSION_DEVICE), 0)));
         if (!bound->proxy)
@@ -152,7 +252,11 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
             pw_device_events table{};
             table.version = PW_VERSION_DEVICE_EVENTS;
             table.info = [](void *self, const pw_device_info *info) {
-                merge(static_cast<BoundDevice *>(self)->properties, info->props);
+                static_cast<BoundDevice *>(self)->infoChanged(info);
+            };
+            table.param = [](void *self, int, std::uint32_t parameter, std::uint32_t, std::uint32_t,
+                             const spa_pod *pod) {
+                static_cast<BoundDevice *>(self)->parameterRead(parameter, pod);
             };
             return table;
         }();
@@ -241,9 +345,9 @@ void ObjectRegistry::dropMetadata() {
     notify([](ServerObserver &observer) { observer.metadataGone(); });
 }
 
-const PropertyMap *ObjectRegistry::deviceProperties(std::uint32_t deviceID) const {
-    const auto found = devices_.find(deviceID);
-    return found == devices_.end() ? nullptr : &found->second->properties;
+const DeviceRecord *ObjectRegistry::deviceOf(const NodeRecord &node) const {
+    const auto found = devices_.find(idProperty(node.properties, PW_KEY_DEVICE_ID));
+    return found == devices_.end() ? nullptr : &found->second->record;
 }
 
 double ObjectRegistry::setting(std::string_view key) const {

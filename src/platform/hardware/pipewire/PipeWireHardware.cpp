@@ -1,6 +1,7 @@
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 
 #include "platform/hardware/pipewire/PipeWireOutput.h"
+#include "platform/hardware/routing/OutputIdentities.h"
 
 #include <spa/utils/json.h>
 
@@ -207,14 +208,17 @@ std::optional<std::string> PipeWireHardware::deviceName(AudioObjectID device) {
 std::optional<std::string> PipeWireHardware::deviceManufacturer(AudioObjectID device) {
     const LoopLock lock(connection_->loop());
     const NodeRecord *node = registry_->objects().node(device);
-    if (node == nullptr || node->property("device.id").empty())
+    const DeviceRecord *owner = node == nullptr ? nullptr : registry_->deviceOf(*node);
+    if (owner == nullptr)
         return std::nullopt;
-    const auto *properties = registry_->deviceProperties(
-        static_cast<std::uint32_t>(std::strtoul(node->property("device.id").c_str(), nullptr, 10)));
-    if (properties == nullptr)
-        return std::nullopt;
-    const std::string &vendor = propertyValue(*properties, "device.vendor.name");
+    const std::string &vendor = propertyValue(owner->properties, "device.vendor.name");
     return vendor.empty() ? std::nullopt : std::optional(vendor);
+}
+
+OutputIdentity PipeWireHardware::outputIdentity(AudioObjectID device) {
+    const LoopLock lock(connection_->loop());
+    const auto known = knownDevices_.find(device);
+    return known == knownDevices_.end() ? OutputIdentity{} : known->second;
 }
 
 Status PipeWireHardware::streamChannelCounts(AudioObjectID device, Scope scope,
@@ -280,17 +284,39 @@ void PipeWireHardware::nodeChanged(const NodeRecord &node) {
     if (router_)
         router_->nodeChanged(node);
     pairMayHaveChanged();
-    if (!isDevice(node) || std::count(knownDevices_.begin(), knownDevices_.end(), node.id) > 0)
+    if (!isDevice(node))
         return;
-    knownDevices_.push_back(node.id);
+    OutputIdentity identity = identityOf(node, registry_->deviceOf(node));
+    const auto [known, isNew] = knownDevices_.try_emplace(node.id);
+    if (!isNew && known->second == identity)
+        return;
+    known->second = std::move(identity);
     tell(HardwareProperty::deviceList);
 }
 
+void PipeWireHardware::deviceChanged(std::uint32_t) {
+    bool isTold = true;
+    for (auto &[id, identity] : knownDevices_) {
+        const NodeRecord &node = *registry_->objects().node(id);
+        // A node whose device has gone goes too, and keeps its identity until then.
+        const DeviceRecord *device = registry_->deviceOf(node);
+        if (device == nullptr)
+            continue;
+        OutputIdentity now = identityOf(node, device);
+        isTold = isTold && now == identity;
+        identity = std::move(now);
+    }
+    if (!isTold)
+        tell(HardwareProperty::deviceList);
+}
+
 void PipeWireHardware::nodeRemoved(const NodeRecord &node) {
+    if (output_ != nullptr)
+        output_->followDevice();
     if (router_)
         router_->nodeRemoved(node);
     pairMayHaveChanged();
-    if (std::erase(knownDevices_, node.id) > 0)
+    if (knownDevices_.erase(node.id) > 0)
         tell(HardwareProperty::deviceList);
 }
 
@@ -310,7 +336,7 @@ void PipeWireHardware::portRemoved(const PortRecord &port) {
 
 /// Some devices report their channel count only through their ports, which come later.
 void PipeWireHardware::devicePortsChanged(const PortRecord &port) {
-    if (!port.isMonitor && std::count(knownDevices_.begin(), knownDevices_.end(), port.nodeID) > 0)
+    if (!port.isMonitor && knownDevices_.contains(port.nodeID))
         tell(HardwareProperty::deviceList);
 }
 

@@ -40,6 +40,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     std::optional<std::string> deviceUID(AudioObjectID device) override;
     std::optional<std::string> deviceName(AudioObjectID device) override;
     std::optional<std::string> deviceManufacturer(AudioObjectID device) override;
+    OutputIdentity outputIdentity(AudioObjectID device) override;
     Status streamChannelCounts(AudioObjectID device, Scope scope,
                                std::vector<std::uint32_t> &channelsPerBuffer) override;
     Status addListener(HardwareProperty property, HardwareListener &listener) override;
@@ -99,6 +100,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     void metadataRead() override;
     void metadataArrived() override;
     void metadataGone() override;
+    void deviceChanged(std::uint32_t deviceID) override;
     void devicePortsChanged(const PortRecord &port);
     /// Schedules a look at the pair outside of the server's callback.
     void lookSoon();
@@ -132,7 +134,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     bool isIORunning_ = false;
     Output *output_ = nullptr; ///< the running one
     double outputStoppedAt_ = 0.0;
-    std::vector<AudioObjectID> knownDevices_;
+    std::map<AudioObjectID, OutputIdentity> knownDevices_; ///< as told to the listeners
     bool isSettled_ = false; ///< the server has reported its objects [main]
 
     std::mutex listenersMutex_;

@@ -46,6 +46,20 @@ StreamFormat PipeWireHardware::Output::nativeFormat() const {
     return {hardware_.graphRate(), channels.front()};
 }
 
+void PipeWireHardware::Output::setStaysOnDevice(bool staysOnDevice) {
+    if (!hardware_.connection_)
+        return;
+    const LoopLock lock(hardware_.connection_->loop());
+    staysOnDevice_ = staysOnDevice;
+    if (stream_)
+        followDevice();
+}
+
+void PipeWireHardware::Output::followDevice() {
+    if (staysOnDevice_ && hardware_.registry_->objects().node(device_) == nullptr)
+        stream_->silence();
+}
+
 void PipeWireHardware::Output::setProcessingDelay(double seconds) {
     const LoopLock lock(hardware_.connection_->loop());
     hardware_.pair_.processingSeconds = seconds;
@@ -97,6 +111,7 @@ void PipeWireHardware::Output::rebuild() {
     client_->renderPaused();
     stream_ = std::make_unique<OutStream>(*hardware_.connection_, hardware_.pair_, *client_);
     stream_->connect(startedOn_, {hardware_.graphRate(), 2});
+    followDevice();
 }
 
 void PipeWireHardware::Output::renderUntil(const std::function<bool()> &condition, double seconds) {
@@ -104,7 +119,10 @@ void PipeWireHardware::Output::renderUntil(const std::function<bool()> &conditio
         return;
     const LoopLock lock(hardware_.connection_->loop());
     hardware_.connection_->waitUntil(
-        [&] { return condition() || !stream_->isStreaming() || stream_->error() != statusOK; },
+        [&] {
+            return condition() || !stream_->isStreaming() || stream_->isSilenced() ||
+                   stream_->error() != statusOK;
+        },
         seconds, renderLookSeconds);
 }
 

@@ -20,6 +20,7 @@ class PipeWireHardware::Output final : public HardwareOutput {
     Status setDevice(AudioObjectID device) override;
     [[nodiscard]] StreamFormat nativeFormat() const override;
     void setHoldsTail(bool holdsTail) override;
+    void setStaysOnDevice(bool staysOnDevice) override;
     void setProcessingDelay(double seconds) override;
     /// Returns once the session manager has linked the stream to the device.
     Status start(RenderClient &client) override;
@@ -35,6 +36,9 @@ class PipeWireHardware::Output final : public HardwareOutput {
     /// Holds or releases the device by the time of the last audible output. Call it after every
     /// change of the server's objects and of the stream's state.
     void followTail();
+    /// To be called when nodes have gone: where nothing may be heard on another device, silences
+    /// the streams before the session manager moves them.
+    void followDevice();
 
   private:
     void setTailTimer(double seconds);
@@ -44,6 +48,7 @@ class PipeWireHardware::Output final : public HardwareOutput {
     std::string startedOn_; ///< name of the running streams' device
     RenderClient *client_ = nullptr;
     std::unique_ptr<OutStream> stream_;
+    bool staysOnDevice_ = false;
     bool holdsTail_ = false;
     std::unique_ptr<DeviceHold> hold_; ///< while a tail is wanted
     bool wasStreaming_ = false;        ///< at the last look at the tail

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -26,6 +27,18 @@ struct NodeRecord {
     }
     [[nodiscard]] const std::string &mediaClass() const { return property("media.class"); }
     [[nodiscard]] const std::string &name() const { return property("node.name"); }
+};
+
+/// A sound card or Bluetooth device, to which nodes belong.
+struct DeviceRecord {
+    PropertyMap properties;
+    /// Names of the output routes in use, by the number of the node that plays on them
+    /// (`card.profile.device`).
+    std::map<int, std::string> outputRoutes;
+    std::set<int> nodesWithRoutes; ///< numbers of the nodes that have a route to choose
+    bool isComplete = false;       ///< properties and routes have been received
+
+    friend bool operator==(const DeviceRecord &, const DeviceRecord &) = default;
 };
 
 struct PortRecord {
@@ -109,6 +122,8 @@ class ServerObserver {
     virtual ~ServerObserver() = default;
     virtual void nodeChanged(const NodeRecord &) {}
     virtual void nodeRemoved(const NodeRecord &) {}
+    /// A device's properties or routes; its removal is not told.
+    virtual void deviceChanged(std::uint32_t /*deviceID*/) {}
     virtual void portAdded(const PortRecord &) {}
     virtual void portRemoved(const PortRecord &) {}
     virtual void linkAdded(const LinkRecord &) {}

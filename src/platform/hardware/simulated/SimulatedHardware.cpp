@@ -69,6 +69,11 @@ void SimulatedHardware::setDefaultOutput(const std::string &uid) {
            [](auto &listener) { listener.defaultOutputChanged(); });
 }
 
+void SimulatedHardware::setIdentity(const std::string &uid, OutputIdentity identity) {
+    deviceNamed(uid).script.identity = std::move(identity);
+    notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
+}
+
 void SimulatedHardware::setSampleRate(const std::string &uid, double sampleRate) {
     rearrange([&] {
         Device &device = deviceNamed(uid);
@@ -239,6 +244,15 @@ std::optional<std::string> SimulatedHardware::deviceManufacturer(AudioObjectID d
     if (!note(Operation::deviceManufacturer).carryOut || found == nullptr)
         return std::nullopt;
     return found->script.manufacturer;
+}
+
+OutputIdentity SimulatedHardware::outputIdentity(AudioObjectID device) {
+    const auto *found = find(device);
+    if (found == nullptr || connection_ != statusOK)
+        return {};
+    OutputIdentity identity = found->script.identity;
+    identity.node = found->script.uid;
+    return identity;
 }
 
 Status SimulatedHardware::streamChannelCounts(AudioObjectID device, Scope scope,

@@ -24,6 +24,7 @@ struct SimulatedDevice {
     std::vector<std::uint32_t> outputChannels{2};
     double sampleRate = 48000.0;                 ///< Hz
     std::vector<std::uint32_t> blockFrames{512}; ///< of its cycles, used in turn
+    OutputIdentity identity{};                   ///< but for the node, which is the uid
 };
 
 /// A machine with sound hardware in memory: scripted devices that come, go and change, applications
@@ -51,6 +52,8 @@ class SimulatedHardware final : public AudioHardware {
     /// Gives the ids of removed devices to new ones, as a sound server does.
     void setReusingIDs(bool reusing) { isReusingIDs_ = reusing; }
     void setDefaultOutput(const std::string &uid);
+    /// The headphones are plugged into the same card, for example.
+    void setIdentity(const std::string &uid, OutputIdentity identity);
     void setSampleRate(const std::string &uid, double sampleRate);
     void setBlockFrames(const std::string &uid, std::vector<std::uint32_t> blockFrames);
     /// Sets the rate that taps report, whatever their cycles have; 0 is an invalid format. By
@@ -93,6 +96,7 @@ class SimulatedHardware final : public AudioHardware {
     std::optional<std::string> deviceUID(AudioObjectID device) override;
     std::optional<std::string> deviceName(AudioObjectID device) override;
     std::optional<std::string> deviceManufacturer(AudioObjectID device) override;
+    OutputIdentity outputIdentity(AudioObjectID device) override;
     Status streamChannelCounts(AudioObjectID device, Scope scope,
                                std::vector<std::uint32_t> &channelsPerBuffer) override;
     Status addListener(HardwareProperty property, HardwareListener &listener) override;

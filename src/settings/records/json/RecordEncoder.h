@@ -71,7 +71,8 @@ void encode(std::string &json, const CodingPath &path, const std::vector<Element
 template <class Record>
 requires requires { RecordFields<Record>::all; }
 void encode(std::string &json, const CodingPath &path, const Record &value) {
-    const char *separator = "{";
+    json += '{';
+    const char *separator = "";
     const auto encodeValue = [&](std::string_view key, const auto &fieldValue) {
         json.append(separator).append(1, '"').append(key).append("\":");
         separator = ",";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "settings/records/OutputProfile.h"
 #include "settings/records/Persisted.h"
 #include "settings/records/SettingSchema.h"
 
@@ -116,6 +117,23 @@ template <> struct EnumerationNames<Preset::Category> {
     };
 };
 
+template <> struct EnumerationNames<OutputIdentity::Bluetooth> {
+    static constexpr std::string_view kind = "kind of Bluetooth output";
+    static constexpr std::pair<OutputIdentity::Bluetooth, std::string_view> all[] = {
+        {OutputIdentity::Bluetooth::music, "music"},
+        {OutputIdentity::Bluetooth::call, "call"},
+    };
+};
+
+template <> struct EnumerationNames<OutputProfile::Use> {
+    static constexpr std::string_view kind = "use of an output";
+    static constexpr std::pair<OutputProfile::Use, std::string_view> all[] = {
+        {OutputProfile::Use::preset, "preset"},
+        {OutputProfile::Use::flat, "flat"},
+        {OutputProfile::Use::leaveAlone, "leaveAlone"},
+    };
+};
+
 template <> struct RecordFields<EQBand> {
     static constexpr auto all = std::make_tuple( //
         optional("id", &EQBand::id),             //
@@ -149,6 +167,25 @@ template <> struct RecordFields<Persisted> {
         optional("activePresetName", &Persisted::activePresetName),
         optional("eqGlobalGainDB", &Persisted::eqGlobalGainDB),
         optional("outputDeviceUID", &Persisted::outputDeviceUID));
+};
+
+template <> struct RecordFields<OutputKey> {
+    static constexpr auto all = std::make_tuple(
+        optional("card", &OutputKey::card), optional("route", &OutputKey::route),
+        optional("node", &OutputKey::node), optional("bluetooth", &OutputKey::bluetooth));
+};
+
+template <> struct RecordFields<OutputProfile> {
+    static constexpr auto all = std::make_tuple(
+        required("output", &OutputProfile::key), optional("label", &OutputProfile::label),
+        required("use", &OutputProfile::use), optional("presetID", &OutputProfile::presetID),
+        optional("presetName", &OutputProfile::presetName), optional("own", &OutputProfile::own));
+};
+
+template <> struct RecordFields<OutputSound> {
+    static constexpr auto all = std::make_tuple(
+        required("bands", &OutputSound::bands), required("spatial", &OutputSound::spatial),
+        optional("presetGainDB", &OutputSound::presetGainDB));
 };
 
 template <> struct RecordFields<OutputChoice> {

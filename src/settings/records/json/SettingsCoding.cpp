@@ -18,6 +18,7 @@ template <class Record> std::string encodeRecord(const Record &record) {
 }
 
 template OutputChoice decodeRecord<OutputChoice>(std::string_view);
+template OutputProfile decodeRecord<OutputProfile>(std::string_view);
 template EQBand decodeRecord<EQBand>(std::string_view);
 template MixerConfig decodeRecord<MixerConfig>(std::string_view);
 template SpatialConfig decodeRecord<SpatialConfig>(std::string_view);
@@ -25,6 +26,7 @@ template Preset decodeRecord<Preset>(std::string_view);
 template Persisted decodeRecord<Persisted>(std::string_view);
 
 template std::string encodeRecord(const OutputChoice &);
+template std::string encodeRecord(const OutputProfile &);
 template std::string encodeRecord(const EQBand &);
 template std::string encodeRecord(const MixerConfig &);
 template std::string encodeRecord(const SpatialConfig &);

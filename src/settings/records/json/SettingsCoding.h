@@ -1,5 +1,6 @@
 #pragma once
 
+#include "settings/records/OutputProfile.h"
 #include "settings/records/Persisted.h"
 #include "settings/records/json/CodingError.h"
 
@@ -12,7 +13,7 @@ namespace quorbel {
 /// Reads a record from its JSON text. A missing optional key (or one that is null) takes its
 /// default, keys that the record does not have are passed over; anything else that does not fit
 /// throws DecodingError. Made for EQBand, MixerConfig, SpatialConfig, Preset, Persisted,
-/// OutputChoice.
+/// OutputChoice, OutputProfile.
 template <class Record> [[nodiscard]] Record decodeRecord(std::string_view json);
 
 /// Writes a record, or a list of presets, as compact JSON: keys in the order of the fields, floats
@@ -21,6 +22,7 @@ template <class Record> [[nodiscard]] Record decodeRecord(std::string_view json)
 template <class Record> [[nodiscard]] std::string encodeRecord(const Record &record);
 
 extern template OutputChoice decodeRecord<OutputChoice>(std::string_view);
+extern template OutputProfile decodeRecord<OutputProfile>(std::string_view);
 extern template EQBand decodeRecord<EQBand>(std::string_view);
 extern template MixerConfig decodeRecord<MixerConfig>(std::string_view);
 extern template SpatialConfig decodeRecord<SpatialConfig>(std::string_view);
@@ -28,6 +30,7 @@ extern template Preset decodeRecord<Preset>(std::string_view);
 extern template Persisted decodeRecord<Persisted>(std::string_view);
 
 extern template std::string encodeRecord(const OutputChoice &);
+extern template std::string encodeRecord(const OutputProfile &);
 extern template std::string encodeRecord(const EQBand &);
 extern template std::string encodeRecord(const MixerConfig &);
 extern template std::string encodeRecord(const SpatialConfig &);

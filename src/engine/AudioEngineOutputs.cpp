@@ -1,0 +1,101 @@
+// What the engine does because outputs have different settings, and some are to be left alone.
+
+#include "devices/DeviceManager.h"
+#include "engine/AudioEngine.h"
+#include "engine/OutputRule.h"
+#include "platform/core/Log.h"
+
+#include <fmt/format.h>
+
+namespace quorbel {
+namespace {
+
+/// A session manager that is there names the route within some milliseconds.
+constexpr double longestIdentityWaitSeconds = 1.0;
+
+} // namespace
+
+void AudioEngine::setOutputRule(OutputRule *rule) {
+    outputRule_ = rule;
+    followOutputRule();
+}
+
+bool AudioEngine::hasOutputRule() const {
+    return outputRule_ != nullptr && outputDevice_ && outputRule_->isInForce();
+}
+
+OutputUse AudioEngine::useOfOutput() const {
+    return hasOutputRule() ? outputRule_->useOf(*outputDevice_) : OutputUse{};
+}
+
+void AudioEngine::adoptOutput() {
+    identityDeadline_.invalidate();
+    if (hasOutputRule())
+        outputRule_->adopt(*outputDevice_);
+}
+
+void AudioEngine::followOutputRule() {
+    playback_.setStaysOnDevice(hasOutputRule());
+    if (lifecycle.isStarting())
+        return; // the start asks by itself
+    const OutputUse use = useOfOutput();
+    const bool isRunning = lifecycle.state() == EngineLifecycle::State::running();
+    if (!use.isAwaited) {
+        decideOutput(use.isLeftAlone);
+        return;
+    }
+    // The settings stay until then; after a while those of what is known by then will do.
+    if ((isRunning || isLeavingAlone_) && !identityDeadline_.isSet())
+        identityDeadline_ = Timer::once(clock_, longestIdentityWaitSeconds,
+                                        [this] { decideOutput(useOfOutput().isLeftAlone); });
+}
+
+void AudioEngine::decideOutput(bool isLeftAlone) {
+    identityDeadline_.invalidate();
+    if (lifecycle.state() == EngineLifecycle::State::running()) {
+        if (isLeftAlone)
+            leaveOutputAlone();
+        else if (!outputRestartTask.isSet()) // else before the new device's first block
+            adoptOutput();
+    } else if (!isLeavingAlone_) {
+        adoptOutput();
+    } else if (!isLeftAlone) {
+        beginStart();
+    } else {
+        adoptOutput(); // another one that is left alone
+    }
+}
+
+/// Applications play on the output themselves until another one is in use, or the rule is another.
+void AudioEngine::leaveOutputAlone() {
+    comebackTimer.invalidate();
+    lifecycle.end();
+    stopTimersAndSpectrum();
+    teardown();
+    isLeavingAlone_ = true;
+    adoptOutput();
+    observeHardware();
+    publishState();
+    logLine("AudioEngine", fmt::format("ieșirea '{}' este lăsată în pace", outputDevice_->name));
+}
+
+/// True while a start has to wait for the output's identity; it then goes on by itself.
+bool AudioEngine::awaitIdentity(EngineLifecycle::Generation start) {
+    if (!useOfOutput().isAwaited || hasWaitedForIdentity_)
+        return false;
+    if (!identityDeadline_.isSet())
+        identityDeadline_ = Timer::once(clock_, longestIdentityWaitSeconds, [this, start] {
+            hasWaitedForIdentity_ = true;
+            continueStart(start);
+        });
+    deviceManager_.onHardwareChange = [this, start] {
+        followWantedOutput();
+        continueStart(start);
+    };
+    deviceManager_.startObservingHardware();
+    deviceManager_.refreshIfChanged(); // whatever happened before anybody listened
+    followWantedOutput();
+    return useOfOutput().isAwaited;
+}
+
+} // namespace quorbel

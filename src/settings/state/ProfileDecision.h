@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/core/OutputIdentity.h"
+#include "settings/records/OutputProfile.h"
+
+#include <vector>
+
+namespace quorbel {
+
+/// Which profile is for an output.
+struct ProfileDecision {
+    const OutputProfile *profile = nullptr; ///< null: the settings stay as they are
+    bool isLeftAlone = false;
+    /// What is not known of the output yet may make it another one.
+    bool isAwaited = false;
+};
+
+/// The profile with the most specific key that fits: card with route or kind of Bluetooth, then
+/// node, then card, then any other output; of equal ones the first. While there are profiles, a
+/// Bluetooth device in a call is left alone but for a profile that names its calls or its node.
+/// `profiles` must outlive the decision.
+[[nodiscard]] ProfileDecision decideProfile(const std::vector<OutputProfile> &profiles,
+                                            const OutputIdentity &output);
+
+/// The most specific key of an output whose identity is complete.
+[[nodiscard]] OutputKey keyOf(const OutputIdentity &output);
+
+} // namespace quorbel

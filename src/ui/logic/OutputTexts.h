@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/core/OutputIdentity.h"
+
+#include <string>
+
+namespace quorbel {
+
+/// What the user calls an output: the device's name, with the socket in use or that it is a call,
+/// as in "Built-in Audio, Headphones".
+[[nodiscard]] std::string outputLabel(const std::string &deviceName,
+                                      const OutputIdentity &identity);
+
+} // namespace quorbel
