@@ -115,23 +115,6 @@ TEST_F(EngineIdleTest, WithoutSoundEverythingComesToRestAndReturnsWithIt) {
     EXPECT_GT(engine->spectrumAnalyzer().ticuri(), ticksAtRest + 25);
 }
 
-TEST_F(EngineIdleTest, RestingValuesAreThoseOfEndlessTicks) {
-    // The second machine has no cycles either, but does not say so.
-    OtherMachine other(sine(60.0));
-    playFromTheStart(sine(60.0));
-    play(0.5);
-    other.clock.advance(0.5);
-    const float tracked = engine->bassTrackedFrequency();
-    ASSERT_EQ(tracked, other.engine.bassTrackedFrequency());
-    hardware.setSuspended(true);
-    other.hardware.setAsleep(true);
-    play(30.0);
-    other.clock.advance(30.0);
-    EXPECT_NE(engine->bassTrackedFrequency(), tracked);
-    EXPECT_EQ(engine->bassTrackedFrequency(), other.engine.bassTrackedFrequency());
-    EXPECT_EQ(engine->voiceConfidence(), other.engine.voiceConfidence());
-}
-
 TEST_F(EngineIdleTest, HiddenValuesWakeRarelyAndAreTheSameOnceShown) {
     OtherMachine seen(wanderingBass());
     playFromTheStart(wanderingBass());

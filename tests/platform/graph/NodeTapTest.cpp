@@ -1,7 +1,6 @@
 #include "platform/graph/GraphFixture.h"
 #include "platform/graph/ParametricEqualizerNode.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -14,13 +13,9 @@ namespace {
 struct Heard {
     std::vector<float> left;
     std::vector<float> right;
-    StreamFormat format;
-    std::vector<std::uint32_t> lengths;
 
     AudioGraph::TapBlock listener() {
         return [this](const PCMBuffer &buffer) {
-            format = buffer.format();
-            lengths.push_back(buffer.frameLength());
             left.insert(left.end(), buffer.channelData(0),
                         buffer.channelData(0) + buffer.frameLength());
             right.insert(right.end(), buffer.channelData(1),
@@ -34,29 +29,6 @@ struct Heard {
         return true;
     }
 };
-
-TEST(NodeTapTest, InManualRenderingHearsEveryFrameInsideRender) {
-    CountingSource source;
-    AudioGraph graph(nullptr);
-    Heard heard;
-    graph.installTap(source.node, 512, heard.listener());
-    connectInLine(graph, {&source.node});
-    ASSERT_EQ(graph.start(), statusOK);
-    Stereo block(1000);
-    graph.render(block.view(), 1000);
-    EXPECT_TRUE(heard.left.empty()) << "installed before the node was connected: no effect";
-
-    graph.installTap(graph.mainMixer(), 512, heard.listener());
-    graph.render(block.view(), 1000);
-    graph.render(block.view(), 24);
-    EXPECT_EQ(heard.format, chain);
-    EXPECT_THAT(heard.lengths, ::testing::ElementsAre(512, 512));
-    EXPECT_TRUE(heard.countsFrom(1000.0F));
-
-    graph.removeTap(graph.mainMixer());
-    graph.render(block.view(), 1000);
-    EXPECT_EQ(heard.left.size(), 1024U);
-}
 
 TEST(NodeTapTest, OfTwoStagesThatAreRenderedAsOneTheFirstCanBeHeard) {
     CountingSource source;

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
 #include <random>
 
@@ -46,29 +45,6 @@ TEST(NonFiniteTest, ReplacesExactlyWhatIsNotFiniteOrAbsurdAndCountsFrames) {
         ASSERT_EQ(replaceNonFinite(sound.view(), frames), bad);
         ASSERT_EQ(sound, expected);
     }
-}
-
-TEST(NonFiniteTest, TheSourceStopsItBeforeAnyStageAndCounts) {
-    bool poison = true;
-    SourceNode source(chain, [&](const AudioBufferList &buffers, std::uint32_t frames) {
-        std::fill_n(buffers.data[0], frames, 0.25F);
-        std::fill_n(buffers.data[1], frames, poison ? notANumber : 0.25F);
-        buffers.data[0][0] = poison ? infinity : 0.25F;
-        return statusOK;
-    });
-    AudioGraph graph(nullptr);
-    connectInLine(graph, {&source});
-    ASSERT_EQ(graph.start(), statusOK);
-    Stereo block(100);
-    graph.render(block.view(), 100);
-    EXPECT_EQ(source.replacedNonFiniteFrames(), 100U);
-    EXPECT_EQ(block.left[0], 0.0F);
-    EXPECT_EQ(block.left[1], 0.25F);
-    EXPECT_EQ(block.right[50], 0.0F);
-    poison = false;
-    graph.render(block.view(), 100);
-    EXPECT_EQ(source.replacedNonFiniteFrames(), 100U);
-    EXPECT_EQ(block.right[0], 0.25F);
 }
 
 } // namespace

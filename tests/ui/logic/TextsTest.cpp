@@ -35,21 +35,6 @@ TEST(NumberFormatTest, NothingPrintsAsMinusZero) {
     EXPECT_EQ(fixedText(std::numeric_limits<double>::quiet_NaN(), 1), "–");
 }
 
-TEST(NumberFormatTest, FrequencyLabelsBranchOnTheValue) {
-    EXPECT_EQ(frequencyLabel(31.5F), "31.5");
-    EXPECT_EQ(frequencyLabel(63.0F), "63");
-    EXPECT_EQ(frequencyLabel(999.0F), "999");
-    EXPECT_EQ(frequencyLabel(999.97F), "1000.0");
-    EXPECT_EQ(frequencyLabel(1000.0F), "1k");
-    EXPECT_EQ(frequencyLabel(2500.0F), "2.5k");
-    EXPECT_EQ(frequencyLabel(4000.0F), "4k");
-    EXPECT_EQ(frequencyLabel(4001.0F), "4.0k");
-    EXPECT_EQ(frequencyLabel(16000.0F), "16k");
-    EXPECT_EQ(frequencyText(31.5), "31.5 Hz");
-    EXPECT_EQ(frequencyText(63.0), "63 Hz");
-    EXPECT_EQ(frequencyText(2537.4), "2537 Hz");
-}
-
 TEST(StageHelpTest, TheManualsSectionsBeginWithIt) {
     std::ifstream file(QUORBEL_MANUAL);
     const std::string manual = std::regex_replace(

@@ -6,7 +6,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <filesystem>
 #include <iterator>
 #include <limits>
 #include <string>
@@ -90,23 +89,6 @@ TEST_F(SettingsModelsTest, BadgesFollow) {
     hardware.removeDevice("hdmi");
     app->devices()->refresh();
     EXPECT_EQ(badge("devices"), "1 found");
-}
-
-TEST_F(SettingsModelsTest, AWarningStaysUntilDismissedOrSolvedAndANewOneComesBack) {
-    const auto file = folder.path() / "state.json";
-    const auto failToSave = [&] {
-        std::filesystem::remove(file);
-        std::filesystem::create_directory(file); // nothing can be saved under this name now
-        state->persist();
-        return app->persistWarning().startsWith("Settings could not be saved: ");
-    };
-    EXPECT_TRUE(failToSave());
-    app->dismissWarning();
-    EXPECT_EQ(app->persistWarning(), "");
-    EXPECT_TRUE(failToSave()) << "another failure is said again";
-    std::filesystem::remove(file);
-    state->persist();
-    EXPECT_EQ(app->persistWarning(), "");
 }
 
 } // namespace
