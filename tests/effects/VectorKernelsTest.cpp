@@ -5,7 +5,6 @@
 #include "effects/cores/Leveller.h"
 #include "effects/cores/LimiterBlock.h"
 #include "effects/cores/Saturation.h"
-#include "effects/cores/StereoSection.h"
 #include "effects/cores/TanhShaper.h"
 #include "support/EveryVectorTarget.h"
 

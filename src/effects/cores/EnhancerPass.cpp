@@ -55,8 +55,8 @@ class SideSection {
             l = hn::Add(mid, side);
             r = hn::Sub(mid, side);
             const Vector raised = hn::Mul(hn::Mul(hn::Set(tag, sideGain_), hn::Sub(l, r)), half);
-            hn::Store(hn::Mul(hn::Add(l, r), half), tag, mids_[tile % 2] + i);
-            hn::Store(fed(raised), tag, fed_ + i);
+            hn::Store(hn::Mul(hn::Add(l, r), half), tag, mids_[tile % memory] + i);
+            hn::Store(fed(raised), tag, fed_[tile % memory] + i);
         }
     }
 
@@ -69,15 +69,15 @@ class SideSection {
     HWY_INLINE void setOutputs(Outputs outputs) { outputs_ = outputs; }
 
     HWY_INLINE void frame(std::uint32_t tile, std::size_t i, Outputs &outputs) {
-        const float y = fed_[i] - c_.a1 * outputs.y1 - c_.a2 * outputs.y2;
+        const float y = fed_[tile % memory][i] - c_.a1 * outputs.y1 - c_.a2 * outputs.y2;
         outputs = {y, outputs.y1};
-        sides_[tile % 2][i] = y;
+        sides_[tile % memory][i] = y;
     }
 
     HWY_INLINE void end(std::uint32_t tile, float *left, float *right) const {
         for (std::uint32_t i = 0; i < bankFrames; i += vectorLanes) {
-            const Vector mid = hn::Load(tag, mids_[tile % 2] + i);
-            const Vector side = hn::Load(tag, sides_[tile % 2] + i);
+            const Vector mid = hn::Load(tag, mids_[tile % memory] + i);
+            const Vector side = hn::Load(tag, sides_[tile % memory] + i);
             hn::StoreU(hn::Add(mid, side), tag, left + bankFrames * tile + i);
             hn::StoreU(hn::Sub(mid, side), tag, right + bankFrames * tile + i);
         }
@@ -110,24 +110,26 @@ class SideSection {
                        hn::Mul(hn::Set(tag, c_.b2), x2));
     }
 
+    static constexpr std::uint32_t memory = 4; // tiles: more than the steps of one
+
     LinearRamp width_;
     BiquadCoefficients c_;
     float sideGain_;
     Outputs outputs_;
     Vector inputs_; ///< the newest ones
-    alignas(32) float mids_[2][bankFrames];
-    alignas(32) float fed_[bankFrames];
-    alignas(32) float sides_[2][bankFrames];
+    alignas(32) float mids_[memory][bankFrames];
+    alignas(32) float fed_[memory][bankFrames];
+    alignas(32) float sides_[memory][bankFrames];
 };
 
-/// Runs the stages in one loop, each some tiles behind the one before it. The last stage is the
-/// spatializer if there is one.
+/// Runs the bass enhancer and the present stages behind it in one loop, each some tiles behind the
+/// one before it.
 ///
-/// 1. In a step the elementwise work comes first, then the sections' recursions. A section's output
-///    is used in later steps only.
+/// 1. In a step the elementwise work comes first, then the sections' recursions. The output of a
+///    section is used in later steps only.
 /// 2. Elementwise work before a section reads no result of the previous step: it would wait for
 ///    that step's recursions and delay those of its own.
-template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
+template <bool hasVoice, bool hasSide> class EnhancerLanes {
   public:
     /// Covers `tiles` whole tiles, at least one.
     EnhancerLanes(const EnhancerPass &pass, float *left, float *right, std::uint32_t tiles)
@@ -136,22 +138,22 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
     void run() {
         StereoSection none;
         const BankSection sections[bankSections] = {
-            {&pass_.bass.lowPass, hasBass ? &pass_.bassSections->lowPass : &none, 0},
-            {&pass_.bass.highPass, hasBass ? &pass_.bassSections->highPass : &none, highPassLag},
+            {&pass_.bass.lowPass, &pass_.bassSections->lowPass, 0},
+            {&pass_.bass.highPass, &pass_.bassSections->highPass, highPassLag},
             {&pass_.voice.mud, hasVoice ? &pass_.voiceSections->mud : &none, bassLag},
             {&pass_.voice.presence, hasVoice ? &pass_.voiceSections->presence : &none,
              presenceLag}};
-        StereoBank bank(sections);
+        Banks banks(sections);
         SideSection side(pass_);
-        const std::uint32_t steps = tiles_ + endLag;
+        const std::uint32_t steps = tiles_ + endLag_;
         std::uint32_t step = 0;
         while (step < steps) {
-            while (step < steps && (step < endLag || step >= tiles_))
-                doStep<false>(step++, bank, side);
+            while (step < steps && (step < endLag_ || step >= tiles_))
+                doStep<false>(step++, banks, side);
             while (step < tiles_)
-                doStep<true>(step++, bank, side);
+                doStep<true>(step++, banks, side);
         }
-        bank.save(sections);
+        banks.last.save(sections);
         if constexpr (hasSide)
             side.save(*pass_.side);
     }
@@ -160,10 +162,9 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
     // Lag of each stage behind the first one, in tiles.
     static constexpr std::uint32_t shapeLag = 2;
     static constexpr std::uint32_t highPassLag = shapeLag + 1;
-    static constexpr std::uint32_t bassLag = hasBass ? highPassLag + 2 : 0;
+    static constexpr std::uint32_t bassLag = highPassLag + 2;
     static constexpr std::uint32_t presenceLag = bassLag + 1;
     static constexpr std::uint32_t sideLag = hasVoice ? presenceLag + 2 : bassLag;
-    static constexpr std::uint32_t endLag = hasSide ? sideLag + 1 : sideLag;
 
     /// Left and right in turn.
     struct alignas(64) Tile {
@@ -172,7 +173,7 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
         float wet[2 * bankFrames]; ///< the output of one section after the other
     };
     static constexpr std::uint32_t ringTiles = 16;
-    static_assert(endLag < ringTiles);
+    static_assert(sideLag + 2 < ringTiles);
 
     using Pairs = hn::CappedTag<float, 2 * bankFrames>;
     static constexpr Pairs pairs{};
@@ -181,50 +182,67 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
 
     HWY_INLINE Tile &at(std::uint32_t tile) { return ring_[tile % ringTiles]; }
 
+    /// Sections run on silence before their first tile and after their last; that state is
+    /// dropped.
+    struct Banks {
+        explicit Banks(const BankSection (&sections)[bankSections])
+            : first(sections), now(first), last(first) {}
+        const StereoBank first; ///< before the call
+        StereoBank now;
+        StereoBank last; ///< each section after its last tile
+    };
+
+    static bool isLag(std::uint32_t steps) {
+        return steps == 0 || steps == highPassLag || steps == bassLag || steps == presenceLag;
+    }
+
     /// Renders one tile of every stage; if not `whole`, of the stages that have one in this step.
     template <bool whole>
-    HWY_INLINE void doStep(std::uint32_t step, StereoBank &bank, SideSection &side) {
+    HWY_INLINE void doStep(std::uint32_t step, Banks &banks, SideSection &side) {
         const auto hasTile = [&](std::uint32_t lag) { return whole || step - lag < tiles_; };
-        if (hasSide && hasTile(endLag))
-            side.end(step - endLag, left_, right_);
+        if (hasSide && hasTile(endLag_))
+            side.end(step - endLag_, left_, right_);
         if (hasTile(0))
             read(step);
-        if (hasBass && hasTile(shapeLag))
+        if (hasTile(shapeLag))
             shape(at(step - shapeLag));
-        if (hasBass && hasTile(bassLag))
+        if (hasTile(bassLag))
             mixBass(step - bassLag);
         if (hasVoice && hasTile(sideLag))
             mixVoice(at(step - sideLag));
         if (hasSide && hasTile(sideLag))
             side.begin(step - sideLag, at(step - sideLag).dry);
-        if (!hasSide && hasTile(endLag))
-            write(step - endLag);
+        if (!hasSide && hasTile(endLag_))
+            write(step - endLag_);
 
         HWY_ALIGN const float silence[2 * bankFrames] = {};
         HWY_ALIGN float unused[2 * bankFrames];
-        const auto in = [&](bool isThere, std::uint32_t lag, float *signal) {
-            return isThere && hasTile(lag) ? signal : silence;
+        const auto in = [&](std::uint32_t lag, const float *signal) {
+            return hasTile(lag) ? signal : silence;
         };
-        const auto out = [&](bool isThere, std::uint32_t lag) {
-            return isThere && hasTile(lag) ? at(step - lag).wet : unused;
+        const auto out = [&](std::uint32_t lag) {
+            return hasTile(lag) ? at(step - lag).wet : unused;
         };
         const float *const inputs[bankSections] = {
-            in(hasBass, 0, at(step).dry), in(hasBass, highPassLag, at(step - highPassLag).wet),
-            in(hasVoice, bassLag, at(step - bassLag).dry),
-            in(hasVoice, presenceLag, at(step - presenceLag).wet)};
-        float *const outputs[bankSections] = {out(hasBass, 0), out(hasBass, highPassLag),
-                                              out(hasVoice, bassLag), out(hasVoice, presenceLag)};
-        const StereoBank before = bank;
-        if (hasSide && hasTile(sideLag)) {
+            in(0, at(step).dry), in(highPassLag, at(step - highPassLag).wet),
+            hasVoice ? in(bassLag, at(step - bassLag).dry) : silence,
+            hasVoice ? in(presenceLag, at(step - presenceLag).wet) : silence};
+        float *const outputs[bankSections] = {out(0), out(highPassLag),
+                                              hasVoice ? out(bassLag) : unused,
+                                              hasVoice ? out(presenceLag) : unused};
+        if (!whole && isLag(step))
+            banks.now.takeOver(banks.first, step);
+        if (hasSide && hasTile(sideSectionLag_)) {
             SideSection::Outputs last = side.outputs();
-            bank.process(inputs, outputs,
-                         [&](std::size_t i) HWY_ATTR { side.frame(step - sideLag, i, last); });
+            banks.now.process(inputs, outputs, [&](std::size_t i) HWY_ATTR {
+                side.frame(step - sideSectionLag_, i, last);
+            });
             side.setOutputs(last);
         } else {
-            bank.process(inputs, outputs, [](std::size_t) {});
+            banks.now.process(inputs, outputs, [](std::size_t) {});
         }
-        if constexpr (!whole)
-            bank.keepActive(before, step, tiles_);
+        if (isLag(step + 1 - tiles_))
+            banks.last.takeOver(banks.now, step + 1 - tiles_);
     }
 
     HWY_INLINE void read(std::uint32_t tile) {
@@ -285,6 +303,10 @@ template <bool hasBass, bool hasVoice, bool hasSide> class EnhancerLanes {
     float *const left_;
     float *const right_;
     const std::uint32_t tiles_;
+    // The spatializer's section waits less for what the step before has left than for what its own
+    // step has. In a short call the additional step would cost more.
+    const std::uint32_t sideSectionLag_ = tiles_ < 16 ? sideLag : sideLag + 1;
+    const std::uint32_t endLag_ = hasSide ? sideSectionLag_ + 1 : sideLag;
     Tile ring_[ringTiles]; ///< the newest ones
 };
 
@@ -302,20 +324,14 @@ bool enhanceInLanes(const EnhancerPass &pass, float *left, float *right, std::ui
     const std::uint32_t tiles = frames / bankFrames;
     const bool hasVoice = pass.voiceSections != nullptr;
     const bool hasSide = pass.side != nullptr;
-    if (pass.bassSections == nullptr) {
-        if (hasSide || !hasVoice)
-            return false;
-        EnhancerLanes<false, true, false>(pass, left, right, tiles).run();
-    } else if (hasSide) {
-        if (hasVoice)
-            EnhancerLanes<true, true, true>(pass, left, right, tiles).run();
-        else
-            EnhancerLanes<true, false, true>(pass, left, right, tiles).run();
-    } else {
-        if (hasVoice)
-            return false;
-        EnhancerLanes<true, false, false>(pass, left, right, tiles).run();
-    }
+    if (pass.bassSections == nullptr || (hasVoice && !hasSide))
+        return false;
+    if (hasVoice)
+        EnhancerLanes<true, true>(pass, left, right, tiles).run();
+    else if (hasSide)
+        EnhancerLanes<false, true>(pass, left, right, tiles).run();
+    else
+        EnhancerLanes<false, false>(pass, left, right, tiles).run();
     return true;
 #endif
 }
@@ -330,8 +346,9 @@ HWY_EXPORT(enhanceInLanes);
 
 namespace {
 
-constexpr std::uint32_t enhancerTileFrames = 8;
-/// Shorter calls end before the stages overlap.
+using HWY_NAMESPACE::bankFrames;
+
+/// Shorter calls are over before the stages overlap.
 constexpr std::uint32_t shortestEnhancerPass = 16;
 
 /// Renders the frames from `begin` on.
@@ -356,7 +373,11 @@ void enhanceRest(const EnhancerPass &pass, float *left, float *right, std::uint3
 } // namespace
 
 void enhance(const EnhancerPass &pass, float *left, float *right, std::uint32_t frames) noexcept {
-    std::uint32_t tiled = frames - frames % enhancerTileFrames;
+    if (pass.isVoiceAlone()) {
+        clarifySideBySide(pass.voice, *pass.voiceSections, left, right, frames);
+        return;
+    }
+    std::uint32_t tiled = frames - frames % bankFrames;
     if (tiled < shortestEnhancerPass ||
         !HWY_DYNAMIC_DISPATCH(enhanceInLanes)(pass, left, right, tiled))
         tiled = 0;

@@ -22,6 +22,10 @@ struct EnhancerPass {
     LinearRamp width{1.0F, 1.0F, 1}; ///< of the widener, which comes with the spatializer
     SideDip dip;
     BiquadState *side = nullptr;
+
+    [[nodiscard]] bool isVoiceAlone() const noexcept {
+        return bassSections == nullptr && voiceSections != nullptr && side == nullptr;
+    }
 };
 
 /// Renders all stages of `pass` in place, in one pass if that is faster: each stage is

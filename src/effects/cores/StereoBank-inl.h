@@ -19,11 +19,13 @@ namespace quorbel::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+/// Frames that a StereoBank processes in one step.
+inline constexpr std::uint32_t bankFrames = 8;
+
 #if HWY_TARGET != HWY_SCALAR
 
-/// Number of second-order sections of a StereoBank, and of frames per step.
+/// Second-order sections of a StereoBank.
 inline constexpr std::size_t bankSections = 4;
-inline constexpr std::uint32_t bankFrames = 8;
 
 /// One section of a StereoBank.
 struct BankSection {
@@ -120,19 +122,17 @@ class StereoBank {
 #endif
     }
 
-    /// Restores the state of `before` for the sections that have no tile of the call's `tiles` in
-    /// this `step`.
-    HWY_INLINE void keepActive(const StereoBank &before, std::uint32_t step, std::uint32_t tiles) {
-        const Vector now = hn::Set(Tag(), static_cast<float>(step));
-        const Vector count = hn::Set(Tag(), static_cast<float>(tiles));
+    /// Takes over the memory of `other` in sections whose first tile comes in step `lag`.
+    HWY_INLINE void takeOver(const StereoBank &other, std::uint32_t lag) {
+        const Vector wanted = hn::Set(Tag(), static_cast<float>(lag));
         for (std::size_t v = 0; v < vectorCount; ++v) {
             Lanes &l = lanes_[v];
-            const Lanes &old = before.lanes_[v];
-            const auto active = hn::And(hn::Ge(now, l.lag), hn::Lt(now, hn::Add(l.lag, count)));
-            l.x1 = hn::IfThenElse(active, l.x1, old.x1);
-            l.x2 = hn::IfThenElse(active, l.x2, old.x2);
-            l.y1 = hn::IfThenElse(active, l.y1, old.y1);
-            l.y2 = hn::IfThenElse(active, l.y2, old.y2);
+            const Lanes &o = other.lanes_[v];
+            const auto taken = hn::Eq(l.lag, wanted);
+            l.x1 = hn::IfThenElse(taken, o.x1, l.x1);
+            l.x2 = hn::IfThenElse(taken, o.x2, l.x2);
+            l.y1 = hn::IfThenElse(taken, o.y1, l.y1);
+            l.y2 = hn::IfThenElse(taken, o.y2, l.y2);
         }
     }
 

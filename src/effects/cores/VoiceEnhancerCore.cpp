@@ -19,6 +19,36 @@ void clarify(const VoiceClarity &clarity, BiquadState &mudState, BiquadState &pr
     presenceState = presence;
 }
 
+/// Whole fours, at least one, with the presence section four frames behind the mud section.
+void clarifyFours(const VoiceClarity &clarity, VoiceSections &sections, float *left, float *right,
+                  std::uint32_t frames) noexcept {
+    // The lanes are left and right of the mud section and left and right of the presence section.
+    FourFrames lanes{};
+    for (std::uint32_t i = 0; i < 4; ++i)
+        lanes.frame[i] = FourFloats{sections.mud.left.process(clarity.mud, left[i]),
+                                    sections.mud.right.process(clarity.mud, right[i])};
+    const auto mix = [&](float *samples, FourFloats shaped) {
+        const FourFloats dry = loadFour(samples);
+        storeFour(dry + clarity.mix * (shaped - dry), samples);
+    };
+    SectionPair pair(clarity.mud, sections.mud, clarity.presence, sections.presence);
+    for (std::uint32_t begin = 4; begin < frames; begin += 4) {
+        lanes =
+            FourFrames::of(loadFour(left + begin), loadFour(right + begin), lanes).through(pair);
+        const FourFrames::Channels shaped = lanes.second();
+        mix(left + begin - 4, shaped.left);
+        mix(right + begin - 4, shaped.right);
+    }
+    pair.save(sections.mud, sections.presence);
+    for (std::uint32_t i = 0; i < 4; ++i) {
+        const std::uint32_t at = frames - 4 + i;
+        const float shapedL = sections.presence.left.process(clarity.presence, lanes.frame[i][0]);
+        const float shapedR = sections.presence.right.process(clarity.presence, lanes.frame[i][1]);
+        left[at] = left[at] + clarity.mix * (shapedL - left[at]);
+        right[at] = right[at] + clarity.mix * (shapedR - right[at]);
+    }
+}
+
 } // namespace
 
 void VoiceEnhancerCore::prepare(float sampleRate) noexcept {
@@ -44,6 +74,14 @@ void clarify(const VoiceClarity &clarity, VoiceSections &sections, float *left, 
              std::uint32_t frames) noexcept {
     clarify(clarity, sections.mud.left, sections.presence.left, left, frames);
     clarify(clarity, sections.mud.right, sections.presence.right, right, frames);
+}
+
+void clarifySideBySide(const VoiceClarity &clarity, VoiceSections &sections, float *left,
+                       float *right, std::uint32_t frames) noexcept {
+    const std::uint32_t fours = frames - frames % 4;
+    if (fours > 0)
+        clarifyFours(clarity, sections, left, right, fours);
+    clarify(clarity, sections, left + fours, right + fours, frames - fours);
 }
 
 } // namespace quorbel

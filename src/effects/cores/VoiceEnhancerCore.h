@@ -24,6 +24,11 @@ struct VoiceSections {
 void clarify(const VoiceClarity &clarity, VoiceSections &sections, float *left, float *right,
              std::uint32_t frames) noexcept;
 
+/// The same as `clarify`, bit by bit. All four recursions run side by side, each latency-bound.
+/// [render]
+void clarifySideBySide(const VoiceClarity &clarity, VoiceSections &sections, float *left,
+                       float *right, std::uint32_t frames) noexcept;
+
 /// A cut around 300 Hz and a boost around 3 kHz, mixed into the dry sound.
 class VoiceEnhancerCore {
   public:
