@@ -123,6 +123,7 @@ void LiveCommand::run() const {
     ControlledLive program(engine, devices, lock, settings, gains);
     RemoteControl control(program, clock);
     std::optional<RemoteService> service;
+    std::optional<SessionBusConnector> connector;
     std::string failure;
     Timer end;
     QObject::connect(&engine, &AudioEngine::stateChanged, &application, [&] {
@@ -135,8 +136,10 @@ void LiveCommand::run() const {
         } else if (state.kind == EngineLifecycle::State::Kind::running || engine.isLeavingAlone()) {
             if (seconds_ && !end.isSet())
                 end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
-            if (!service) // not before: the sound comes first
-                service.emplace(control, connectToSessionBus("ostrafine-live"));
+            if (!connector) // not before: the sound comes first
+                connector.emplace(
+                    QStringLiteral("ostrafine-live"), clock,
+                    [&](const QDBusConnection &bus) { service.emplace(control, bus); });
         }
     });
     {

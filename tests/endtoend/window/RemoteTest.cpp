@@ -8,6 +8,15 @@ namespace {
 
 using testing::HasSubstr;
 
+/// What a desktop does for an action of the menu entry.
+void activate(const PrivateSoundServer &server, const std::string &action) {
+    const auto call =
+        server.start({"gdbus", "call", "--session", "--dest=com.quorbel.Ostrafine",
+                      "--object-path=/com/quorbel/Ostrafine",
+                      "--method=org.freedesktop.Application.ActivateAction", action, "[]", "{}"});
+    EXPECT_EQ(call->exitStatusWithin(5.0), 0) << call->errors();
+}
+
 TEST_F(WindowTest, ObeysACommandLikeItsUser) {
     const auto ctl = [](std::vector<std::string> arguments) {
         return control(server(), std::move(arguments));
@@ -34,6 +43,10 @@ TEST_F(WindowTest, ObeysACommandLikeItsUser) {
     EXPECT_EQ(ctl({"preset", "bass heavy"}).status, 0);
     EXPECT_TRUE(soonShows({"combo box", "Preset", "Bass Heavy"}));
     EXPECT_TRUE(comesTrue(3.0, [&] { return saved()["activePresetName"] == "Bass Heavy"; }));
+    activate(server(), "PreviousPreset");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_COMBO_BOX, "Preset", "MR5 Deep Bass (Desk)"}));
+    activate(server(), "NextPreset");
+    EXPECT_TRUE(soonShows({ATSPI_ROLE_COMBO_BOX, "Preset", "Bass Heavy"}));
     EXPECT_EQ(ctl({"toggle"}).status, 0);
     EXPECT_TRUE(soonShows({"label", "STOPPED"}));
 

@@ -86,6 +86,8 @@ TEST_F(SingleInstanceTest, TheDesktopEntrysActionsAreAnswered) {
     };
     EXPECT_EQ(answer("Start").value().kind, DesktopRequest::Kind::startProcessing);
     EXPECT_EQ(answer("Stop").value().kind, DesktopRequest::Kind::stopProcessing);
+    EXPECT_EQ(answer("NextPreset").value().kind, DesktopRequest::Kind::nextPreset);
+    EXPECT_EQ(answer("PreviousPreset").value().kind, DesktopRequest::Kind::previousPreset);
     EXPECT_EQ(answer("new-window").value().kind, DesktopRequest::Kind::show);
     EXPECT_EQ(answer("new-window")->activationToken, "a token");
     EXPECT_FALSE(instance.waitForRequest(0)) << "no request was made";
