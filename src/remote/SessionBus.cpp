@@ -1,8 +1,14 @@
 #include "remote/SessionBus.h"
 
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <future>
 #include <mutex>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 
 namespace quorbel {
@@ -19,9 +25,45 @@ QString sessionBusAddress() {
     return QStringLiteral("unix:path=") + QString::fromLatin1(path.toPercentEncoding("/-_.\\"));
 }
 
-QDBusConnection connectToSessionBus(const QString &name) {
+namespace {
+
+std::atomic<int> connecting{0};
+
+void endWithoutTheLibrary(int status, void *) {
+    if (connecting == 0)
+        return;
+    std::fflush(nullptr);
+    _exit(status);
+}
+
+QDBusConnection disconnected() { return QDBusConnection(QStringLiteral("quorbel-disconnected")); }
+
+/// `use` is called on the thread that connects. Does nothing without a bus.
+void connectOnThread(const QString &name, std::function<void(const QDBusConnection &)> use) {
     const QString address = sessionBusAddress();
-    return address.isEmpty() ? QDBusConnection(name) : QDBusConnection::connectToBus(address, name);
+    if (address.isEmpty())
+        return;
+    (void)disconnected(); // makes the library, whose handler for the end must come after ours
+    static const int isRegistered = on_exit(endWithoutTheLibrary, nullptr);
+    (void)isRegistered;
+    ++connecting;
+    std::thread([address, name, use = std::move(use)] {
+        use(QDBusConnection::connectToBus(address, name));
+        --connecting;
+    }).detach();
+}
+
+} // namespace
+
+QDBusConnection connectToSessionBus(const QString &name) {
+    constexpr std::chrono::seconds patience(5);
+    const auto promise = std::make_shared<std::promise<QDBusConnection>>();
+    std::future<QDBusConnection> connection = promise->get_future();
+    if (sessionBusAddress().isEmpty())
+        return disconnected();
+    connectOnThread(name, [promise](const QDBusConnection &bus) { promise->set_value(bus); });
+    return connection.wait_for(patience) == std::future_status::ready ? connection.get()
+                                                                      : disconnected();
 }
 
 struct SessionBusConnector::Shared {
@@ -35,18 +77,14 @@ SessionBusConnector::SessionBusConnector(const QString &name, Clock &clock,
     : shared_(std::make_shared<Shared>()) {
     shared_->clock = &clock;
     shared_->use = std::move(use);
-    if (sessionBusAddress().isEmpty())
-        return;
-    // Detached: it ends with the library's patience at the latest.
-    std::thread([shared = shared_, name] {
-        const QDBusConnection bus = connectToSessionBus(name);
+    connectOnThread(name, [shared = shared_](const QDBusConnection &bus) {
         const std::lock_guard guard(shared->mutex);
         if (bus.isConnected() && shared->clock != nullptr)
             shared->clock->post([weak = std::weak_ptr(shared), bus] {
                 if (const auto alive = weak.lock())
                     alive->use(bus);
             });
-    }).detach();
+    });
 }
 
 SessionBusConnector::~SessionBusConnector() {

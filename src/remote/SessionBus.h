@@ -14,12 +14,14 @@ namespace quorbel {
 /// counts as none.
 [[nodiscard]] QString sessionBusAddress();
 
-/// A connection of its own to that bus, named `name` within this program. Without a bus it is not
-/// connected, and nothing is said.
+// The library waits without end for a bus that does not answer, here and at the end of the program.
+// So a thread of its own connects, and a program that ends meanwhile does so without the library.
+
+/// A connection of its own to that bus, named `name` within this program. Not connected where there
+/// is no bus or it does not answer within 5 s; nothing is said.
 [[nodiscard]] QDBusConnection connectToSessionBus(const QString &name);
 
-/// Connects in the background: a bus that does not answer keeps the library waiting for 25 s, and
-/// the main thread has sound to look after. [main]
+/// Connects without keeping the main thread waiting. [main]
 class SessionBusConnector {
   public:
     /// `use` is called [main] once, with the connection, and not at all without a bus or after the
