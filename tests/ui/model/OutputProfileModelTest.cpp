@@ -50,7 +50,7 @@ TEST_F(OutputProfileModelTest, ListsEveryKnownOutputAndWhatItHas) {
     profiles().forget(1);
     EXPECT_THAT(rows(), ElementsAre("Speakers: No profile of its own [In use]",
                                     "Any other output: No profile of its own"));
-    EXPECT_TRUE(app->setting("bassEnabled")->on());
+    EXPECT_TRUE(engine().spatial().bassEnabled);
 
     hardware.setIdentity("speakers",
                          {.card = "bluez", .bluetooth = OutputIdentity::Bluetooth::call});
