@@ -183,7 +183,7 @@ template <typename L> class StereoLanes<L, false> {
     template <typename StateOf>
     static void save(const LaneStates<L> &lanes, std::size_t count, const StateOf &stateOf,
                      bool isLeft) noexcept {
-        HWY_ALIGN float table[2][longestVector];
+        HWY_ALIGN float table[2][longestVector] = {};
         hn::Store(lanes.first(), L::tag, table[0]);
         hn::Store(lanes.second(), L::tag, table[1]);
         forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
@@ -213,7 +213,7 @@ template <typename L> class StereoLanes<L, true> {
 
     template <typename StateOf>
     void save(std::size_t count, const StateOf &stateOf) const noexcept {
-        HWY_ALIGN float table[2][longestVector];
+        HWY_ALIGN float table[2][longestVector] = {};
         hn::Store(lanes_.first(), L::tag, table[0]);
         hn::Store(lanes_.second(), L::tag, table[1]);
         forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
