@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <complex>
 #include <numbers>
 #include <random>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace quorbel {
@@ -43,18 +41,6 @@ std::complex<double> definition(const std::vector<float> &x, std::size_t k) {
                std::polar(1.0, -2.0 * pi * static_cast<double>(k * n % x.size()) /
                                    static_cast<double>(x.size()));
     return sum;
-}
-
-TEST(RealFFT, SumsThePowerOfNeighbouringBins) {
-    RealFFT fft(256);
-    std::ranges::copy(noise(256), fft.input().begin());
-    fft.transformInput();
-    for (const auto &[first, last] : {std::pair{1U, 127U}, {5U, 5U}, {3U, 12U}, {60U, 90U}}) {
-        double sum = 0.0;
-        for (std::size_t bin = first; bin <= last; ++bin)
-            sum += fft.power(bin);
-        EXPECT_NEAR(fft.powerBetween(first, last), sum, 1e-12 * sum) << first << " to " << last;
-    }
 }
 
 TEST(RealFFT, GivesTwiceTheDefinitionPackedIntoHalfTheBins) {

@@ -70,34 +70,6 @@ TEST(ManualRenderTest, AFailingStageIsPassedOverAndAFailingSourceIsSilent) {
     EXPECT_EQ(block.left[0], 204.0F);
 }
 
-TEST(ManualRenderTest, OtherChannelCountsGetTheMeanOrSilence) {
-    SourceNode loudLeft(chain, [](const AudioBufferList &buffers, std::uint32_t frames) {
-        std::fill_n(buffers.data[0], frames, 0.8F);
-        std::fill_n(buffers.data[1], frames, 0.2F);
-        return statusOK;
-    });
-    AudioGraph graph(nullptr);
-    connectInLine(graph, {&loudLeft});
-    ASSERT_EQ(graph.start(), statusOK);
-
-    std::vector<std::vector<float>> planes(4, std::vector<float>(10'000, 9.0F));
-    AudioBufferList list;
-    list.bufferCount = 1;
-    list.data[0] = planes[0].data();
-    graph.render(list, 10'000);
-    EXPECT_THAT(planes[0], Each(0.5F));
-
-    list.bufferCount = 4;
-    for (std::size_t i = 0; i < 4; ++i)
-        list.data[i] = planes[i].data();
-    list.data[1] = nullptr;
-    graph.render(list, 10'000);
-    EXPECT_THAT(planes[0], Each(0.8F));
-    EXPECT_THAT(planes[1], Each(9.0F));
-    EXPECT_THAT(planes[2], Each(0.0F));
-    EXPECT_THAT(planes[3], Each(0.0F));
-}
-
 /// A sine source whose output is compared after the mixer's conversion.
 struct SineGraph {
     std::int64_t pulled = 0;

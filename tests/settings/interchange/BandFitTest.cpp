@@ -52,18 +52,6 @@ TEST(BandResponse, isWhatTheEqualizerPlays) {
     EXPECT_EQ(bandResponseDB({.gainDB = 6.0F, .bypassed = true}, 1000.0), 0.0);
 }
 
-TEST(BandFit, findsTenBandsThatWereSplit) {
-    // Every peak written as two halves of its gain at one place: ten bands can say the same.
-    std::vector<EQBand> bands;
-    for (int i = 0; i < 10; ++i)
-        for (int half = 0; half < 2; ++half)
-            bands.push_back(peak(30.0 * std::exp2(i), i % 2 == 0 ? 2.5 : -1.5, 1.2));
-    const BandFit fit = fitBands(bands, 10);
-    EXPECT_EQ(fit.bands.size(), 10U);
-    EXPECT_LT(fit.error.rmsDB, 0.05);
-    EXPECT_LT(fit.error.maximumDB, 0.15);
-}
-
 /// The error of keeping the ten strongest as they are, which is what a fit has to beat.
 double rmsOfTheStrongest(std::vector<EQBand> bands) {
     std::sort(bands.begin(), bands.end(), [](const EQBand &a, const EQBand &b) {

@@ -89,16 +89,5 @@ TEST_F(AppStateLoading, aFileThatDoesNotDecodeIsSetAside) {
     EXPECT_EQ(saved().eqGlobalGainDB, 1.0F);
 }
 
-TEST_F(AppStateLoading, noneIsLostWhenSeveralAreSetAsideInOneSecond) {
-    for (const std::string content : {"first", "second", "third"}) {
-        write(file, content);
-        launch();
-    }
-    std::vector<std::string> kept;
-    for (const std::string &name : otherFiles())
-        kept.push_back(contentOf(folder / name));
-    EXPECT_THAT(kept, UnorderedElementsAre("first", "second", "third"));
-}
-
 } // namespace
 } // namespace quorbel::testing

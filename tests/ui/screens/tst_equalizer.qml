@@ -19,20 +19,6 @@ ScreenTest {
         mouseRelease(plot, x + dx, y + dy);
     }
 
-    function test_strips_and_their_fields() {
-        const fields = Assistive.all().filter(entry => entry.role === "EditableText").map(entry => entry.text);
-        for (const label of ["31.5", "1k", "16k", "+0.0", "+0.0 dB"])
-            verify(fields.includes(label), label + " in " + fields);
-        verify(!Assistive.has("0 bypassed"));
-        setValue("Band 6 gain", 6);
-        for (let band = 1; band <= 10; ++band)
-            compare(value("Band " + band + " gain"), band === 6 ? 6 : 0);
-        compareTexts(["6.0 dB peak", "Band 1, 31.5 Hz"]);
-        verify(Assistive.focus("Band 4 gain", "Slider"));
-        keyClick(Qt.Key_Tab);
-        compare(focusedName(), "Band 4 frequency");
-    }
-
     function test_typed_values_data() {
         return [
             { tag: "frequency", field: "Band 3 frequency", typed: "8k", role: "frequency", value: 8000, shown: "8k" },
