@@ -1,5 +1,7 @@
 #include "platform/hardware/routing/RoutedStream.h"
 
+#include "platform/hardware/routing/StreamRules.h"
+
 #include <gtest/gtest.h>
 
 namespace quorbel {
@@ -34,6 +36,24 @@ TEST(RoutedStream, ALineCutShortIsRefused) {
     for (const char *text : {"routed", "routed 1 2 3 0 = - - - - -", "routed x 2 3 0 = - - - -",
                              "routed 1 2 3 0 = =a%4 =b - -", "routed 1 2 3 0 = - =b - -", "CLEAN"})
         EXPECT_FALSE(RoutedStream::decode(text)) << text;
+}
+
+TEST(Routing, OnlyStreamsThatMayBeMovedAre) {
+    const PropertyMap ordinary{{"media.class", "Stream/Output/Audio"},
+                               {"node.autoconnect", "true"}};
+    const auto isTaken = [&](const char *key, const char *value) {
+        NodeRecord node{.id = 1, .serial = 1, .properties = ordinary, .isComplete = true};
+        node.properties[key] = value;
+        return isRoutable(node);
+    };
+    EXPECT_TRUE(isTaken("media.role", "Music"));
+    EXPECT_TRUE(isTaken("node.dont-reconnect", "false"));
+    EXPECT_FALSE(isTaken("node.autoconnect", "false"));
+    EXPECT_FALSE(isTaken("media.class", "Stream/Output/Audio/Internal"));
+    EXPECT_FALSE(isTaken("media.class", "Stream/Input/Audio"));
+    for (const char *fixed :
+         {"node.dont-reconnect", "node.dont-move", "node.dont-fallback", "node.exclusive"})
+        EXPECT_FALSE(isTaken(fixed, "true")) << fixed;
 }
 
 } // namespace
