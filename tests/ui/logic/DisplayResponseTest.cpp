@@ -42,6 +42,20 @@ TEST(DisplayResponseTest, EachTypeTakesHalfOrItsCornerValueAtItsFrequency) {
     EXPECT_NEAR(at(20000, {band(Type::lowPass, 20, 0, 10)}), -120.0, 1e-6) << "not below";
 }
 
+TEST(DisplayResponseTest, ParametricWidthFollowsQWhichIsNeverBelowATenth) {
+    // Ten points of the grid are a ratio r above f0: x = (r - 1/r) Q.
+    const auto tenPointsAbove = [](float q) {
+        const EQBand peak = band(Type::parametric, static_cast<float>(displayFrequency(50)), 10, q);
+        return displayResponse({peak})[60];
+    };
+    const double r = displayFrequency(60) / displayFrequency(50);
+    const double x = r - 1.0 / r;
+    EXPECT_NEAR(tenPointsAbove(1.0F), 10.0 / (1.0 + x * x), 1e-5);
+    EXPECT_NEAR(tenPointsAbove(4.0F), 10.0 / (1.0 + 16.0 * x * x), 1e-5);
+    EXPECT_NEAR(tenPointsAbove(0.0F), tenPointsAbove(0.1F), 1e-6);
+    EXPECT_NEAR(tenPointsAbove(-3.0F), tenPointsAbove(0.1F), 1e-6);
+}
+
 TEST(DisplayResponseTest, SumsBandsAndLeavesBypassedOnesOut) {
     EQBand off = band(Type::parametric, 1000, 12, 1);
     off.bypassed = true;
