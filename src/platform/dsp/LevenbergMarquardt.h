@@ -25,8 +25,9 @@ template <typename Matrix, typename Vector>
         for (std::size_t row = 0; row < n; ++row) // from 0: GCC 14 misjudges a later start
             if (row > column && std::abs(normal[row][column]) > std::abs(normal[pivot][column]))
                 pivot = row;
-        std::swap(normal[pivot], normal[column]);
-        std::swap(right[pivot], right[column]);
+        using std::swap; // rows may be arrays or vectors
+        swap(normal[pivot], normal[column]);
+        swap(right[pivot], right[column]);
         for (std::size_t row = 0; row < n; ++row) {
             if (row == column)
                 continue;

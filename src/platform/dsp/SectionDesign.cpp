@@ -259,20 +259,19 @@ class SectionFit {
 
 double clampedGainDB(float gainDB) {
     const double gain = std::isnan(gainDB) ? 0.0
-                                           : std::clamp(double{gainDB}, double{minimumBandGainDB},
-                                                        double{maximumBandGainDB});
+                                           : std::clamp(static_cast<double>(gainDB),
+                                                        minimumBandGainDB, maximumBandGainDB);
     return std::abs(gain) < flatGainDB ? 0.0 : gain;
 }
 
 double clampedFrequencyHz(float frequencyHz, double sampleRate) {
-    return std::clamp(double{frequencyHz}, double{minimumBandFrequencyHz},
+    return std::clamp(static_cast<double>(frequencyHz), minimumBandFrequencyHz,
                       maximumBandFrequencyRatio * sampleRate);
 }
 
 double clampedQuality(float bandwidthOctaves) {
-    return qualityFromBandwidth(std::clamp(double{bandwidthOctaves},
-                                           double{minimumBandwidthOctaves},
-                                           double{maximumBandwidthOctaves}));
+    return qualityFromBandwidth(std::clamp(static_cast<double>(bandwidthOctaves),
+                                           minimumBandwidthOctaves, maximumBandwidthOctaves));
 }
 
 std::optional<StateVariableDesign> designBand(const EqualizerBandSettings &settings,
