@@ -73,7 +73,7 @@ bool PageScroll::scroll(QQuickItem *page, int key) {
     std::vector<QQuickItem *> parts;
     if (isScrollKey(key))
         addScrollableParts(page, parts);
-    std::ranges::stable_partition(parts, holdsFocus);
+    std::stable_partition(parts.begin(), parts.end(), holdsFocus);
     for (QQuickItem *view : parts) {
         const bool isList = view->inherits("QQuickItemView");
         if (isList && (view->hasActiveFocus() || key == Qt::Key_Home || key == Qt::Key_End)) {
