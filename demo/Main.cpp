@@ -71,7 +71,7 @@ Recording playOnce(const PrivateSoundServer &server, const Recorder &recorder, d
     while (first < heard.frames() && heard.left[first] == 0.0F && heard.right[first] == 0.0F) {
         ++first;
     }
-    const Recording sound = heard.excerpt(first, static_cast<std::size_t>(seconds * 48000));
+    Recording sound = heard.excerpt(first, static_cast<std::size_t>(seconds * 48000));
     if (sound.frames() < static_cast<std::size_t>((seconds - 0.5) * 48000)) {
         throw WrongSound(fmt::format("of {} s of music only {:.2f} s reached the device", seconds,
                                      static_cast<double>(sound.frames()) / 48000));

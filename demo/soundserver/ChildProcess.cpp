@@ -31,7 +31,7 @@ std::vector<std::string> mergedWithOurs(Environment environment) {
     }
     std::vector<std::string> variables;
     for (const auto &[name, value] : environment) {
-        variables.push_back(name + "=" + value);
+        variables.push_back(std::string(name).append("=").append(value));
     }
     return variables;
 }

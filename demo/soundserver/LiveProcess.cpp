@@ -17,7 +17,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 std::string writeSettings(const PrivateSoundServer &server, const LiveSettings &settings) {
-    const std::string path = (server.folder() / "settings.json").string();
+    std::string path = (server.folder() / "settings.json").string();
     std::ofstream(path) << settings.json();
     return path;
 }

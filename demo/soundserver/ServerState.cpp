@@ -123,7 +123,7 @@ StoredStreams parseStoredStreams(const std::string &text) {
             continue;
         }
         for (const auto &[property, stored] : properties.items()) {
-            entries[key + ':' + property] = asText(stored);
+            entries[std::string(key).append(":").append(property)] = asText(stored);
         }
     }
     return entries;

@@ -37,6 +37,7 @@ ChainRateReader::ChainRateReader(const std::string &path) : file_(path) {
     // the file's first.
     const auto latency = static_cast<std::uint64_t>(std::ceil(converter_->latencyFrames()));
     const std::uint64_t period = rate / std::gcd(rate, chainRate);
+    // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): the converter has refused a rate of 0
     std::uint64_t silence = (period - latency % period) % period;
     std::uint64_t excess = (latency + silence) * chainRate / rate;
     std::vector<float> unused(std::size_t{2} * bufferFrames);

@@ -109,6 +109,7 @@ ParsedCommandLine parseCommandLine(const std::vector<std::unique_ptr<Command>> &
                              versionOption.help);
     program.require_subcommand(1);
     std::vector<const CLI::App *> subcommands;
+    subcommands.reserve(commands.size());
     CLI::App *group = nullptr;
     for (const auto &command : commands) {
         const bool isInGroup = command->name().find(' ') != std::string::npos;

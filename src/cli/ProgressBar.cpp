@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdio>
 #include <unistd.h>
@@ -16,7 +17,7 @@ namespace {
 constexpr std::size_t barWidth = 30;
 
 std::string minutesAndSeconds(double seconds) {
-    const auto whole = static_cast<std::uint64_t>(seconds + 0.5);
+    const auto whole = static_cast<std::uint64_t>(std::llround(seconds));
     return fmt::format("{}:{:02}", whole / 60, whole % 60);
 }
 

@@ -38,6 +38,7 @@ struct Change {
 
 std::vector<Change> loadChanges(const std::vector<TimedFile> &requests) {
     std::vector<Change> changes;
+    changes.reserve(requests.size());
     for (const auto &[seconds, path] : requests)
         changes.push_back({seconds, chainSettings(loadSettings(path), path)});
     std::stable_sort(changes.begin(), changes.end(),

@@ -20,12 +20,12 @@ namespace {
 constexpr std::uint64_t bytesPerFrame = 2 * sizeof(float);
 
 // Many blocks of the chain in one call of the system.
-constexpr std::uint32_t bufferFrames = 8192;
+constexpr std::uint32_t writerFrames = 8192;
 
 // Below it a plain WAV file is certain to do, also where the length was only estimated.
 constexpr std::uint64_t plainWavBytes = std::uint64_t{3} << 30U;
 
-struct Closer {
+struct WriterCloser {
     void operator()(SNDFILE *file) const { sf_close(file); }
 };
 
@@ -81,8 +81,8 @@ struct SoundFileWriter::State {
 
     OutputFile target;
     WriteBehind writeBehind{target.descriptor()};
-    std::unique_ptr<SNDFILE, Closer> file;
-    std::vector<float> interleaved = std::vector<float>(std::size_t{2} * bufferFrames);
+    std::unique_ptr<SNDFILE, WriterCloser> file;
+    std::vector<float> interleaved = std::vector<float>(std::size_t{2} * writerFrames);
     std::uint32_t framesBuffered = 0; ///< of those, the frames that the file has not received
 };
 
@@ -107,7 +107,7 @@ SoundFileWriter::~SoundFileWriter() = default;
 void SoundFileWriter::write(const AudioBufferList &sound, std::uint32_t frames) {
     State &state = *state_;
     for (std::uint32_t done = 0; done < frames;) {
-        const std::uint32_t count = std::min(frames - done, bufferFrames - state.framesBuffered);
+        const std::uint32_t count = std::min(frames - done, writerFrames - state.framesBuffered);
         const float *const left = sound.data[0] + done;
         const float *const right = sound.data[1] + done;
         float *const samples = state.interleaved.data() + std::size_t{2} * state.framesBuffered;
@@ -117,7 +117,7 @@ void SoundFileWriter::write(const AudioBufferList &sound, std::uint32_t frames) 
         }
         done += count;
         state.framesBuffered += count;
-        if (state.framesBuffered == bufferFrames)
+        if (state.framesBuffered == writerFrames)
             flush();
     }
 }

@@ -27,13 +27,13 @@ inline constexpr ComponentDescription autoGainDescription = effectDescription("a
 /// One kind of effect unit.
 struct EffectComponent {
     ComponentDescription description;
-    const char *name;
+    const char *name = nullptr;
 
     /// `analysisQueues` makes the serial queue of a unit that analyses in the background. Null: the
     /// program has no such unit; it is not registered, and the chain leaves it out.
     std::unique_ptr<AudioUnit> (*make)(const ComponentDescription &description,
                                        InstantiationOptions options,
-                                       const SerialQueueFactory &analysisQueues);
+                                       const SerialQueueFactory &analysisQueues) = nullptr;
 };
 
 /// Every effect unit, in the order of registration.

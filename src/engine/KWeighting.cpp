@@ -73,7 +73,7 @@ void squareInLanes(const KWeighting::Sections &sections, KWeighting::Memory &mem
     const Feedback cut(sections.cut.a1, sections.cut.a2);
     const Vector b1 = hn::Set(doubles, sections.shelf.b1);
     const Vector b2 = hn::Set(doubles, sections.shelf.b2);
-    Tile tile;
+    Tile tile; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     for (std::uint32_t begin = 0; begin < frames; begin += tileFrames) {
         const std::uint32_t count = std::min(tileFrames, frames - begin);
         interleave(channels, begin, count, tile);

@@ -17,9 +17,9 @@ void checkReadingBack(const EqualizerText &text) {
     std::vector<EQBand> bands;
     for (const TextBand &entry : text.bands)
         bands.push_back(entry.band);
-    const EqualizerText again = readEqualizerText(writeEqualizerText(bands, text.preampDB));
-    mustHold(again.preampDB == text.preampDB || std::abs(text.preampDB) > 1000.0F,
-             "the preamp reads back");
+    const float preampDB = text.preampDB.value_or(0.0F);
+    const EqualizerText again = readEqualizerText(writeEqualizerText(bands, preampDB));
+    mustHold(again.preampDB == preampDB || std::abs(preampDB) > 1000.0F, "the preamp reads back");
     mustHold(again.bands.size() == bands.size(), "all bands read back");
     for (std::size_t i = 0; i < bands.size(); ++i)
         mustHold(sameShape(again.bands[i].band, bands[i]), "a band reads back");

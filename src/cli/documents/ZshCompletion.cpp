@@ -57,7 +57,7 @@ _ostrafine_cli "$@"
 )";
 
 /// Text between single quotes, with the marks of `_arguments` escaped.
-std::string quoted(const std::string &text) {
+std::string zshQuoted(const std::string &text) {
     std::string escaped;
     for (const char character : text) {
         if (character == '\'')
@@ -93,7 +93,7 @@ std::string argumentSpec(const CommandArgument &argument, std::size_t position) 
         spec += fmt::format("({})", argument.excludes);
     // One value may also follow an equals sign.
     spec += fmt::format("{}{}[{}]", argument.name, argument.values.size() == 1 ? "=" : "",
-                        quoted(argument.help));
+                        zshQuoted(argument.help));
     for (const CommandValue &value : argument.values)
         spec += valueSpec(value);
     return spec + "'";
@@ -102,7 +102,7 @@ std::string argumentSpec(const CommandArgument &argument, std::size_t position) 
 std::string endingSpecs(const EndingOption &option, const char *indent) {
     std::string specs;
     for (const std::string &name : namesOf(option))
-        specs += fmt::format("{}'(- *){}[{}]' \\\n", indent, name, quoted(option.help));
+        specs += fmt::format("{}'(- *){}[{}]' \\\n", indent, name, zshQuoted(option.help));
     return specs;
 }
 
@@ -110,14 +110,14 @@ std::string endingSpecs(const EndingOption &option, const char *indent) {
 
 std::string zshCompletion(const Commands &commands) {
     std::string list =
-        fmt::format("        '{}:{}'\n", controlGroup.name, quoted(controlGroup.summary));
+        fmt::format("        '{}:{}'\n", controlGroup.name, zshQuoted(controlGroup.summary));
     std::string grouped;
     std::string arguments;
     std::string groupArguments;
     for (const auto &command : commands) {
         const auto [group, word] = wordsOf(*command);
         (group.empty() ? list : grouped) +=
-            fmt::format("        '{}:{}'\n", word, quoted(command->summary()));
+            fmt::format("        '{}:{}'\n", word, zshQuoted(command->summary()));
         std::string &specs = group.empty() ? arguments : groupArguments;
         specs += fmt::format("                {})\n                    _arguments \\\n", word);
         specs += endingSpecs(helpOption, "                        ");

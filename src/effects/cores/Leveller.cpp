@@ -84,11 +84,13 @@ void runLevellerInLanes(const LevellerSettings &settings, LevellerState &state, 
     const float trimStep = (1.0F - keepTrim) * settings.trimTarget;
     const float levelShare = (1.0F - keepLevel) * 0.5F;
     LevellerState s = state;
+    // NOLINTBEGIN(cppcoreguidelines-pro-type-member-init): each is filled before it is read
     Tile meanSquares;
     Tile kept;
     Tile added;
     Tile gains;
     Tile trims;
+    // NOLINTEND(cppcoreguidelines-pro-type-member-init)
 
     const auto follow = [&](std::uint32_t i) HWY_ATTR {
         s.meanSquare = keepLevel * s.meanSquare + meanSquares.samples[i];

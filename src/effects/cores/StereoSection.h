@@ -123,7 +123,7 @@ struct FourFrames {
     }
 
     [[gnu::always_inline]] FourFrames through(SectionPair &sections) const noexcept {
-        FourFrames result;
+        FourFrames result; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
         for (int i = 0; i < 4; ++i)
             result.frame[i] = sections.process(frame[i]);
         return result;

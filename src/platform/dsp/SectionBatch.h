@@ -13,6 +13,7 @@ namespace quorbel {
 class SectionBatch {
   public:
     /// Works in place on `frames` frames.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): arrays are filled by `add`
     SectionBatch(float *left, float *right, std::uint32_t frames) noexcept
         : left_(left), right_(right), frames_(frames) {}
     SectionBatch(const SectionBatch &) = delete;

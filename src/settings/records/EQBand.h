@@ -35,6 +35,7 @@ struct EQBand {
 
 inline std::vector<EQBand> EQBand::defaultBands() {
     std::vector<EQBand> bands;
+    bands.reserve(octaveBandsHz.size());
     for (const double hz : octaveBandsHz)
         bands.push_back(EQBand{.frequency = static_cast<float>(hz)});
     bands.front().filterType = FilterType::lowShelf;

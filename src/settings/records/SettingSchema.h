@@ -47,7 +47,7 @@ template <> struct SettingField<SpatialConfig> {
 template <class Record> struct Setting {
     std::string_view key; ///< in the settings file
     typename SettingField<Record>::Type field;
-    Presence presence;
+    Presence presence{};
     std::string_view label;      ///< caption of its control
     std::string_view stage = {}; ///< the stage it belongs to; empty for the switch of a stage
     SettingScale scale = {};     ///< of numbers

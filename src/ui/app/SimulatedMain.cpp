@@ -37,7 +37,7 @@ double sine(double frequencyHz, double seconds) {
 
 /// -1 to 1, equal at equal times: a hash of the frame's number (a round of splitmix64).
 double noise(double seconds, std::uint32_t channel) {
-    auto x = static_cast<std::uint64_t>(seconds * chainSampleRate + 0.5) * 2U + channel;
+    auto x = static_cast<std::uint64_t>(std::llround(seconds * chainSampleRate)) * 2U + channel;
     x += 0x9E3779B97F4A7C15U;
     x = (x ^ (x >> 30U)) * 0xBF58476D1CE4E5B9U;
     x = (x ^ (x >> 27U)) * 0x94D049BB133111EBU;

@@ -6,7 +6,7 @@ namespace quorbel::dotFont {
 namespace {
 
 struct Entry {
-    char16_t character;
+    char16_t character = 0;
     Glyph glyph;
 };
 

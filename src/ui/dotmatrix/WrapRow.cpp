@@ -94,6 +94,7 @@ std::vector<WrapRow::Cell> WrapRow::cells() const {
             cell.narrowest = asked->minimumWidth;
         cell.widest = std::max(cell.narrowest, item->implicitWidth());
         if (fills)
+            // NOLINTNEXTLINE(*-narrowing-conversions): takes infinity for a narrowed constant
             cell.widest = asked->maximumWidth >= 0 ? asked->maximumWidth : unlimited;
         cell.trailing = asked != nullptr && asked->trailing;
         list.push_back(cell);

@@ -20,7 +20,7 @@ constexpr const char *reworded[] = {
 } // namespace
 
 QString shownError(const std::string &message) {
-    const QString text = QString::fromStdString(message);
+    QString text = QString::fromStdString(message);
     for (const char *pattern : reworded) {
         const QStringList parts = QString::fromUtf8(pattern).split(QStringLiteral("%1"));
         if (!text.startsWith(parts.first()) || !text.endsWith(parts.last()))

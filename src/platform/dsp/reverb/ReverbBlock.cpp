@@ -39,7 +39,7 @@ void hear(ReverbTank::State &state, std::size_t channel, const float *input,
 /// the means.
 void followBaseline(ReverbTank::State &state, std::size_t channel) noexcept {
     auto &heard = state.heard[channel];
-    std::array<float, 8> sums;
+    std::array<float, 8> sums; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     for (std::size_t i = 0; i < sums.size(); ++i)
         sums[i] = (heard[i] + heard[i + 8]) + (heard[i + 16] + heard[i + 24]);
     double sum = 0.0;
@@ -82,7 +82,7 @@ void cross(Branches &branches, const float *delayed, std::uint32_t frames) noexc
 /// First stage, on the pre-delayed input.
 Branches entering(const ReverbTank::State &state, std::size_t channel,
                   std::uint32_t frames) noexcept {
-    Branches branches;
+    Branches branches; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     std::copy_n(read(state, ReverbTank::inputHead + channel), frames, branches.p.data());
     cross(branches, read(state, ReverbTank::delayedHead + channel), frames);
     return branches;
@@ -123,8 +123,8 @@ void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block
 
     hear(state, 0, block.left, frames);
     hear(state, 1, block.right, frames);
-    std::array<Branches, 2> early;
-    std::array<Branches, 2> late;
+    std::array<Branches, 2> early; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
+    std::array<Branches, 2> late;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     for (std::size_t channel = 0; channel < 2; ++channel) {
         early[channel] = diffused(state, channel, 1, RoomDesign::earlyStages,
                                   entering(state, channel, frames), frames);
@@ -132,6 +132,7 @@ void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block
                                  early[channel], frames);
     }
 
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): filled below
     std::array<Samples, lineCount> x;
     for (std::size_t line = 0; line < lineCount; ++line) {
         const float *older = read(state, ReverbTank::lineHead + line);
@@ -142,7 +143,7 @@ void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block
                 design.centre[line] * middle[i] + design.side[line] * (newer[i] + older[i]);
     }
     hadamard(x, frames);
-    std::array<Samples, 2> network;
+    std::array<Samples, 2> network; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
     for (std::uint32_t i = 0; i < frames; ++i) {
         network[0][i] = (x[0][i] + x[1][i]) + (x[2][i] - x[3][i]);
         network[1][i] = (x[4][i] + x[5][i]) + (x[6][i] - x[7][i]);

@@ -50,11 +50,11 @@ class ReverbTank {
         float wet = 1.0F;
     };
     struct Block {
-        const float *left;
-        const float *right;
-        float *outLeft; ///< may be equal to the inputs
-        float *outRight;
-        std::uint32_t frames;
+        const float *left = nullptr;
+        const float *right = nullptr;
+        float *outLeft = nullptr; ///< may be equal to the inputs
+        float *outRight = nullptr;
+        std::uint32_t frames = 0;
         Gains gains;
     };
     /// Renders any number of frames: out = dry · in + wet · room. The result does not depend on the

@@ -42,6 +42,7 @@ spa_latency_info withProcessing(spa_latency_info latency, double processingSecon
 /// A stream of the sound server: base of our two streams. Needs the loop's lock throughout.
 class ServerStream {
   public:
+    virtual ~ServerStream() = default;
     ServerStream(const ServerStream &) = delete;
     ServerStream &operator=(const ServerStream &) = delete;
 
@@ -64,7 +65,6 @@ class ServerStream {
 
   protected:
     ServerStream(ServerConnection &connection, DuplexPair &pair);
-    virtual ~ServerStream() = default;
 
     /// `isPassive`: the stream's links do not keep a device running by themselves.
     Status create(pw_direction direction, const char *nodeName, const char *mediaClass,

@@ -25,7 +25,7 @@ std::string watchdogProgram() {
     if (error)
         return {};
     for (const char *place : {QUORBEL_WATCHDOG, "../libexec/quorbel-watchdog"}) {
-        const std::string program = (self.parent_path() / place).lexically_normal().string();
+        std::string program = (self.parent_path() / place).lexically_normal().string();
         if (access(program.c_str(), X_OK) == 0)
             return program;
     }

@@ -29,7 +29,7 @@ template <class Number> void appendShortest(std::string &text, Number value) {
 
 std::string quotedText(std::string_view text) {
     // Escaped to plain ASCII, then cut: a cut inside an escape is ugly but printable.
-    const std::string literal =
+    std::string literal =
         json(text.substr(0, 4 * maximumQuoted)).dump(-1, ' ', true, json::error_handler_t::replace);
     if (literal.size() <= maximumQuoted + 2 && text.size() <= 4 * maximumQuoted)
         return literal;

@@ -55,7 +55,7 @@ class CodingPath {
 template <class Record, class Value> struct Field {
     std::string_view key;
     Value Record::*member;
-    Presence presence;
+    Presence presence{};
 };
 
 template <class Record, class Value>
