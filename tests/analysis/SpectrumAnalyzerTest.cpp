@@ -158,6 +158,28 @@ TEST_F(SpectrumAnalyzerTest, PublishesNothingBeforeThereIsEnoughAndThirtyTimesAS
     EXPECT_EQ(published_, 300);
 }
 
+TEST_F(SpectrumAnalyzerTest, AttachesOnceAndOnlyToWhatHasAFormat) {
+    AudioGraph unconnected(nullptr);
+    analyzer_.attach(unconnected, unconnected.mainMixer());
+    EXPECT_FALSE(analyzer_.isAttached());
+
+    attach();
+    analyzer_.attach(graph_, source_); // ignored: a second timer would tick twice as often
+    play(2048, silence());
+    clock_.advance(1.0);
+    EXPECT_EQ(published_, 30);
+
+    analyzer_.detach();
+    analyzer_.detach();
+    play(2048, sineAtBin(4, 1.0F));
+    clock_.advance(1.0);
+    EXPECT_EQ(published_, 30);
+    attach();
+    waitForTick();
+    EXPECT_EQ(published_, 31) << "the ring has kept what it had";
+    EXPECT_EQ(analyzer_.bands()[6], 0.0F) << "and nothing came while detached";
+}
+
 TEST_F(SpectrumAnalyzerTest, FallsToRestWhenNothingIsPlayedAnyMore) {
     attach();
     play(8192, sineAtBin(4, 1.0F));

@@ -8,6 +8,25 @@ class AppStatePresets : public AppStateTest {
     AppStatePresets() { launch(); }
 };
 
+TEST_F(AppStatePresets, theNameIsThePresetsUntilASettingOfItMoves) {
+    state->applyPreset(preset("Bass Heavy"));
+    setGain(-2.0F);
+    state->engine().setMixer({.limiterEnabled = false});
+    EXPECT_EQ(displayName(), "Bass Heavy");
+    const float original = preset("Bass Heavy").bands[7].gainDB;
+    moveBand(7, original + 0.1F);
+    EXPECT_EQ(displayName(), "Custom");
+    moveBand(7, original);
+    EXPECT_EQ(displayName(), "Bass Heavy");
+    state->engine().setSpatial({.toneMidDB = 1.0F});
+    EXPECT_EQ(displayName(), "Custom");
+
+    state->applyPreset(preset("Cinema / Film"));
+    EXPECT_EQ(displayName(), "Cinema / Film");
+    EXPECT_EQ(gain(), -2.0F);
+    EXPECT_FALSE(state->engine().mixer().limiterEnabled);
+}
+
 TEST_F(AppStatePresets, onlyTheUsersOwnAreDeletedOrSetAndTheFirstFollowsTheActiveOne) {
     state->savePreset("One");
     state->savePreset("Two");

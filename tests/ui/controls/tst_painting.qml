@@ -85,6 +85,54 @@ ControlCase {
         tryVerify(() => item.paintCount() === 2);
     }
 
+    function test_bars_light_from_below() {
+        const item = createTemporaryObject(bars, root) as DotBars;
+        item.levels = [1, 0.5, 0, NaN, 7, -1];
+        waitForRendering(item);
+        const picture = grabImage(item);
+        const at = (column, row) => picture.pixel(column * 8 + 2, row * 8 + 2);
+        const lit = column => {
+            let count = 0;
+            for (let row = 0; row < 12; ++row)
+                count += same(at(column, row), Theme.ink) || same(at(column, row), Theme.signal) ? 1 : 0;
+            return count;
+        };
+        compare([0, 1, 2, 3, 4, 5, 6].map(lit), [12, 6, 0, 0, 12, 0, 0]);
+        verify(same(at(1, 6), Theme.signal));
+        verify(same(at(1, 7), Theme.ink));
+        verify(same(at(1, 11), Theme.ink));
+        verify(same(at(1, 5), Theme.dot));
+        item.active = false;
+        waitForRendering(item);
+        verify(same(grabImage(item).pixel(2, 90), Theme.dot));
+    }
+
+    function test_marks_and_spectrum_are_where_the_axis_says() {
+        const item = createTemporaryObject(curve, root) as DotCurve;
+        item.markedHeights = [0.3, 0.5, 0.7];
+        item.spectrum = [0, 1, 0];
+        item.spectrumEdges = [100, 400, 800, 3000];
+        waitForRendering(item);
+        const picture = grabImage(item);
+        const marked = (x, y) => same(picture.pixel(x, y), Theme.dotMid) || same(picture.pixel(x, y), Theme.edge);
+        const columnIsMarked = x => [10, 11, 12, 13, 14, 15, 16, 17, 18].some(y => marked(x, y));
+        for (const hz of [31.5, 125, 1000, 16000])
+            verify(columnIsMarked(Math.floor(item.xOfFrequency(hz))), hz + " Hz");
+        const besideMark = Math.floor(item.xOfFrequency(1000)) + 8;
+        verify([-1, 0, 1].some(dx => marked(besideMark + dx, Math.floor(item.yOfHeight(0.7)))));
+        const lit = hz => {
+            const x = Math.round(item.xOfFrequency(hz));
+            let dots = 0;
+            for (let dx = -4; dx <= 4; ++dx)
+                for (let y = 120; y < 128; ++y)
+                    dots += marked(x + dx, y) ? 1 : 0;
+            return dots;
+        };
+        verify(lit(600) > 0);
+        compare(lit(200), 0);
+        compare(lit(1500), 0);
+    }
+
     function test_curve_goes_through_its_values() {
         const item = createTemporaryObject(curve, root, { octaveMarks: false }) as DotCurve;
         item.values = [0.5, 0.5, NaN, 0.75, 0.75];

@@ -102,6 +102,19 @@ ScreenTest {
         compare(setting.on, before);
     }
 
+    function test_tone_reset_is_of_the_tone_alone() {
+        open("spatial");
+        App.setting("toneBassDB").value = 3;
+        App.setting("toneMidDB").value = -2;
+        App.setting("toneTrebleDB").value = 1;
+        App.setting("widthPercent").value = 140;
+        settle();
+        verify(Assistive.has("Bass +3.0 dB"));
+        press("Reset", "Button");
+        compare([App.setting("toneBassDB").value, App.setting("toneMidDB").value, App.setting("toneTrebleDB").value], [0, 0, 0]);
+        compare(App.setting("widthPercent").value, 140);
+    }
+
     function test_a_drag_is_one_step_of_history() {
         open("mixer");
         const slider = part("Saturation, Drive");

@@ -55,6 +55,23 @@ ScreenTest {
         verify(!App.history.canUndo);
     }
 
+    function test_double_click_resets() {
+        const bands = App.equalizer.bands;
+        const row = bands.index(2, 0);
+        bands.setGain(2, 6);
+        bands.setFrequency(2, 200);
+        // On the slider its gain, on the point the band.
+        mouseDoubleClickSequence(Assistive.item("Band 3 gain", "Slider"));
+        compare(bands.data(row, Qt.UserRole + 2), 0);
+        compare(bands.data(row, Qt.UserRole + 1), 200);
+        bands.setGain(2, 6);
+        mouseDoubleClickSequence(Assistive.item("Band 3 gain, typed", "EditableText"));
+        compare(bands.data(row, Qt.UserRole + 2), 6);
+        mouseDoubleClickSequence(pointAt(2));
+        compare(bands.data(row, Qt.UserRole + 2), 0);
+        compare(bands.data(row, Qt.UserRole + 1), 125);
+    }
+
     function test_bypass_and_resets() {
         verify(Assistive.focus("Band 10 gain", "Slider"));
         press("Band 10 bypass", "CheckBox");
@@ -67,5 +84,18 @@ ScreenTest {
         compare(value("Band 2 gain"), 0);
         App.history.undo();
         compare(value("Band 2 gain"), 5);
+    }
+
+    function test_values_of_the_point_under_the_pointer_or_of_the_selected_one() {
+        App.equalizer.bands.setFrequency(8, 7537);
+        App.equalizer.bands.setGain(8, -2.5);
+        settle();
+        verify(Assistive.focus("Band 3 gain", "Slider"));
+        compareTexts(["125 Hz · +0.0 dB · Q 1.00"]);
+        const point = pointAt(8);
+        mouseMove(point, point.width / 2, point.height / 2);
+        tryVerify(() => Assistive.has("7537 Hz · -2.5 dB · Q 1.00"));
+        mouseMove(window.contentItem, 5, 5);
+        tryVerify(() => Assistive.has("125 Hz · +0.0 dB · Q 1.00"));
     }
 }
