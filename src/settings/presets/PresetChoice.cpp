@@ -26,14 +26,15 @@ std::string asTyped(std::string_view name) {
 
 std::vector<Preset> inPickerOrder(const std::vector<Preset> &presets,
                                   const std::vector<Uuid> &favourites) {
-    std::vector<Preset> ordered = presets;
-    const auto library = std::ranges::stable_partition(ordered, [&](const Preset &preset) {
-                             return preset.category == Preset::Category::user ||
-                                    std::ranges::find(favourites, preset.id) != favourites.end();
-                         }).begin();
-    std::stable_partition(ordered.begin(), library, [&](const Preset &preset) {
+    const auto isFavourite = [&](const Preset &preset) {
         return std::ranges::find(favourites, preset.id) != favourites.end();
-    });
+    };
+    std::vector<Preset> ordered = presets;
+    const auto library =
+        std::stable_partition(ordered.begin(), ordered.end(), [&](const Preset &preset) {
+            return preset.category == Preset::Category::user || isFavourite(preset);
+        });
+    std::stable_partition(ordered.begin(), library, isFavourite);
     return ordered;
 }
 
