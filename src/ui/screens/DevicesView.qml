@@ -62,7 +62,7 @@ ScreenPage {
     DotCard {
         Layout.fillWidth: true
         padding: 0
-        implicitHeight: profiles.implicitHeight + 2 * Theme.unit
+        implicitHeight: profiles.implicitHeight + 4 * Theme.unit
 
         ColumnLayout {
             id: profiles
@@ -72,26 +72,24 @@ ScreenPage {
             anchors.topMargin: 2 * Theme.unit
             spacing: 0
 
-            ColumnLayout {
+            HeadingText {
+                Layout.fillWidth: true
                 Layout.leftMargin: 2 * Theme.unit
                 Layout.rightMargin: 2 * Theme.unit
-                Layout.bottomMargin: Theme.unit
-                spacing: Theme.unit / 4
-
-                HeadingText {
-                    Layout.fillWidth: true
-                    text: qsTr("A profile for every output")
-                }
-                CaptionText {
-                    Layout.fillWidth: true
-                    text: qsTr("An output with a profile plays with settings of its own, which your changes belong to. One that is left alone is not processed while it is in use.")
-                }
+                text: qsTr("A profile for every output")
             }
             Repeater {
                 model: App.profiles
                 delegate: ProfileRow {
                     Layout.fillWidth: true
                 }
+            }
+            // Below, so that the heading is in view with the first row.
+            CaptionText {
+                Layout.fillWidth: true
+                Layout.leftMargin: 2 * Theme.unit
+                Layout.rightMargin: 2 * Theme.unit
+                text: qsTr("An output with a profile plays with settings of its own, which your changes belong to. One that is left alone is not processed while it is in use.")
             }
         }
     }
