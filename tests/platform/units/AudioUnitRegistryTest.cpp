@@ -118,5 +118,17 @@ TEST(ParameterTreeTest, TakesOnlyValuesInsideTheRange) {
     EXPECT_EQ(tree.parameterWithAddress(0), nullptr);
 }
 
+TEST_F(AudioUnitRegistryTest, PassesOnWhyAUnitCannotBeMade) {
+    registry.registerSubclass(
+        [](const ComponentDescription &, InstantiationOptions) -> std::unique_ptr<AudioUnit> {
+            const AudioUnitBus impossible(StreamFormat{0.0, 2});
+            return nullptr;
+        },
+        testKind, "Broken", 1);
+    instantiate(testKind);
+    EXPECT_EQ(result->unit, nullptr);
+    EXPECT_EQ(result->status, statusFormatNotSupported);
+}
+
 } // namespace
 } // namespace quorbel
