@@ -16,6 +16,7 @@ namespace {
 
 std::vector<char *> pointersTo(std::vector<std::string> &strings) {
     std::vector<char *> pointers;
+    pointers.reserve(strings.size() + 1);
     for (std::string &string : strings) {
         pointers.push_back(string.data());
     }

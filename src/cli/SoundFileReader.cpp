@@ -19,7 +19,7 @@ namespace quorbel {
 namespace {
 
 // Many blocks of the chain in one call of the system: half a read's cost is the call itself.
-constexpr std::uint32_t bufferFrames = 8192;
+constexpr std::uint32_t readerFrames = 8192;
 
 /// Opens a regular file without ever waiting (a named pipe would).
 int openRegularFile(const std::string &path) {
@@ -107,7 +107,7 @@ struct SoundFileReader::State {
     std::unique_ptr<SNDFILE, Closer> file;
     SF_INFO info{};
     std::uint64_t framesRead = 0;
-    std::vector<float> interleaved;   ///< `bufferFrames` frames, of which the file filled some
+    std::vector<float> interleaved;   ///< `readerFrames` frames, of which the file filled some
     std::uint32_t framesTaken = 0;    ///< of those, the frames that callers have read
     std::uint32_t framesBuffered = 0; ///< of those, the frames that the file filled
 
@@ -133,7 +133,7 @@ SoundFileReader::SoundFileReader(const std::string &path)
         fail("is truncated: it ends before its header says");
     if (state.info.frames <= 0)
         fail("holds no sound");
-    state.interleaved.resize(std::size_t{bufferFrames} *
+    state.interleaved.resize(std::size_t{readerFrames} *
                              static_cast<std::size_t>(state.info.channels));
 }
 
@@ -181,11 +181,11 @@ std::uint32_t SoundFileReader::read(const AudioBufferList &output, std::uint32_t
 void SoundFileReader::fillBuffer() {
     State &state = *state_;
     const auto got = static_cast<std::uint32_t>(
-        sf_readf_float(state.file.get(), state.interleaved.data(), bufferFrames));
+        sf_readf_float(state.file.get(), state.interleaved.data(), readerFrames));
     state.framesTaken = 0;
     state.framesBuffered = got;
     state.framesRead += got;
-    if (got == bufferFrames)
+    if (got == readerFrames)
         return;
     if (sf_error(state.file.get()) != SF_ERR_NO_ERROR)
         fail(sf_strerror(state.file.get()));
