@@ -72,15 +72,14 @@ double excessDB(const HeldLevels &levels, const MixerConfig &mixer) {
 std::string heldPeakText(const HeldLevels &levels) {
     if (levels.samplePeakDB <= HeldLevels::silenceDB)
         return "Peak –";
-    return "Peak " + signedText(static_cast<double>(levels.samplePeakDB), 1) + " dBFS, true peak " +
+    return "Peak " + signedText(static_cast<double>(levels.samplePeakDB), 1) + " dBFS, " +
            signedText(static_cast<double>(levels.truePeakDB), 1) + " dBTP";
 }
 
 std::string limiterTimeText(const HeldLevels &levels) {
     if (levels.limiterSeconds == 0.0F)
         return {};
-    return "Limiter " + fixedText(static_cast<double>(levels.limiterSeconds), 0) +
-           " s of the last minute";
+    return fixedText(static_cast<double>(levels.limiterSeconds), 0) + " s of the last minute";
 }
 
 } // namespace quorbel

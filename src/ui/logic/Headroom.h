@@ -19,11 +19,11 @@ namespace quorbel {
 /// to clip if the limiter is off. Tenths, not negative.
 [[nodiscard]] double excessDB(const HeldLevels &levels, const MixerConfig &mixer);
 
-/// The held peaks in words: "Peak -0.3 dBFS, true peak +0.2 dBTP"; "Peak –"
-/// before any sound.
+/// The held peaks in words: "Peak -0.3 dBFS, +0.2 dBTP"; "Peak –" before any
+/// sound.
 [[nodiscard]] std::string heldPeakText(const HeldLevels &levels);
 
-/// "Limiter 3 s of the last minute"; empty for none.
+/// How long the limiter has worked: "3 s of the last minute"; empty for none.
 [[nodiscard]] std::string limiterTimeText(const HeldLevels &levels);
 
 } // namespace quorbel

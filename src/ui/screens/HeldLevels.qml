@@ -2,7 +2,7 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The tell-tale: the highest levels since they were cleared, the limiter's work, and the way to a lower level.
+/// The tell-tale: the highest levels since they were cleared, and the way to a lower level.
 WrapRow {
     spacing: Theme.unit
     rowSpacing: 0
@@ -20,10 +20,6 @@ WrapRow {
         text: App.level.heldPeakText
         help: qsTr("The highest level since it was cleared. Press to clear it.")
         onClicked: App.level.clearHeld()
-    }
-    CaptionText {
-        visible: text !== ""
-        text: App.level.limiterTimeText
     }
     SmallButton {
         objectName: "lowerByExcess"

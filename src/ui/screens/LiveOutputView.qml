@@ -101,9 +101,18 @@ DotCard {
                     text: App.engine.outlook
                     color: Theme.ink
                 }
-                CaptionText {
+                WrapRow {
                     WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
-                    text: App.engine.secondLine
+                    spacing: 2 * Theme.unit
+
+                    CaptionText {
+                        WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
+                        text: App.engine.secondLine
+                    }
+                    CaptionText {
+                        visible: !panel.line && text !== ""
+                        text: App.level.limiterTimeText
+                    }
                 }
                 HeldLevels {
                     WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
