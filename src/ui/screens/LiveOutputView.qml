@@ -101,18 +101,10 @@ DotCard {
                     text: App.engine.outlook
                     color: Theme.ink
                 }
-                WrapRow {
+                CaptionText {
+                    readonly property string work: panel.line ? "" : App.level.limiterTimeText
                     WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
-                    spacing: 2 * Theme.unit
-
-                    CaptionText {
-                        WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
-                        text: App.engine.secondLine
-                    }
-                    CaptionText {
-                        visible: !panel.line && text !== ""
-                        text: App.level.limiterTimeText
-                    }
+                    text: work === "" ? App.engine.secondLine : App.engine.secondLine + " · " + work
                 }
                 HeldLevels {
                     WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
