@@ -74,7 +74,9 @@ double LevelModel::excessDB() const {
 
 QString LevelModel::lowerText() const { return lowerByText(excessDB()); }
 
-QString LevelModel::lowerToFullScaleText() const { return lowerByText(highestPointDB_); }
+QString LevelModel::lowerToFullScaleText() const {
+    return lowerByText(std::max(0.0, highestPointDB_));
+}
 
 void LevelModel::lowerToFullScale() {
     if (!overshoots())

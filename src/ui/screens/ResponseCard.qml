@@ -39,6 +39,11 @@ DotCard {
         text: qsTr("Highest %1").arg("-88.8 dB")
     }
     Measure {
+        id: widestLower
+        font.pixelSize: Theme.bodySize
+        text: qsTr("Lower by %1 dB").arg("88.8")
+    }
+    Measure {
         id: widestDecibels
         font.pixelSize: Theme.captionSize
         text: "+12 dB"
@@ -160,7 +165,10 @@ DotCard {
             }
             DotButton {
                 objectName: "lowerToFullScale"
-                visible: App.level.overshoots
+                // Always there in a wide window, and of one width: a dragged band must not move the curve.
+                visible: enabled || card.width >= 120 * Theme.textUnit
+                implicitWidth: Math.ceil(widestLower.advanceWidth) + leftPadding + rightPadding
+                enabled: App.level.overshoots
                 text: App.level.lowerToFullScaleText
                 help: qsTr("Lowers the preset's gain until the highest point is at 0 dB")
                 onClicked: App.level.lowerToFullScale()
