@@ -124,7 +124,7 @@ class AudioEngine final : public QObject {
     /// read-outs are not refreshed, the spectrum is not analysed, and measurements only for display
     /// are delayed.
     void setDisplayed(bool isDisplayed);
-    /// Takes the read-outs once where nobody sees them.
+    /// Refreshes the read-outs once while they are not displayed.
     void refreshReadouts();
 
     // Read-outs, refreshed ten times a second while running and displayed. While no sound comes,

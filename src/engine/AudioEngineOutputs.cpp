@@ -79,7 +79,7 @@ void AudioEngine::leaveOutputAlone() {
     logLine("AudioEngine", fmt::format("ieșirea '{}' este lăsată în pace", outputDevice_->name));
 }
 
-/// True while a start has to wait for the output's identity; it then goes on by itself.
+/// Returns true while a start has to wait for the output's identity; it then continues by itself.
 bool AudioEngine::awaitIdentity(EngineLifecycle::Generation start) {
     if (!useOfOutput().isAwaited || hasWaitedForIdentity_)
         return false;

@@ -19,7 +19,7 @@ const Preset &flatPreset() {
     return flat;
 }
 
-/// Equal but for the ids of the bands, which factory presets get anew at every launch.
+/// Compares all but the ids of the bands, which factory presets get at every launch.
 bool soundAlike(OutputSound a, const OutputSound &b) {
     if (a.bands.size() != b.bands.size())
         return false;

@@ -173,7 +173,7 @@ TEST(ProfileDecisionTest, DecidesEverySituation) {
         const ProfileDecision decision = decideProfile(situation.profiles, situation.output);
         EXPECT_EQ(decision.profile == nullptr ? "" : decision.profile->label, situation.found)
             << situation.name;
-        // What is awaited may be left alone or not: nobody may rely on it yet.
+        // An awaited output may turn out to be left alone: no decision yet.
         if (situation.state != "awaited") {
             EXPECT_EQ(decision.isLeftAlone, situation.state == "alone") << situation.name;
         }

@@ -54,7 +54,7 @@ struct ObjectRegistry::BoundNode {
     }
 };
 
-/// A device and its routes. They are read anew whenever the device says that they have changed,
+/// A device and its routes. They are read again after every change that the device announces,
 /// which it does for their volumes too; only another route is told.
 struct ObjectRegistry::BoundDevice : std::enable_shared_from_this<BoundDevice> {
     static constexpr std::array routeParameters{SPA_PARAM_EnumRoute, SPA_PARAM_Route};

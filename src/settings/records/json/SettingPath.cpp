@@ -123,7 +123,7 @@ template <class Value> SettingValue shown(const Value &value, const CodingPath &
     }
 }
 
-/// What stands for `value` in a file, for a setting of the type `Target`.
+/// Returns the form of `value` in a file, for a setting of the type `Target`.
 template <class Target> json asJson(const SettingValue &value, const CodingPath &at) {
     if (const auto *number = std::get_if<double>(&value)) {
         if (!std::isfinite(*number))
