@@ -1,4 +1,4 @@
-// What the engine does because outputs have different settings, and some are to be left alone.
+// Profiles of outputs: waiting for an identity, adopting settings, leaving an output alone.
 
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"

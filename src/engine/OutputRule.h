@@ -4,7 +4,7 @@ namespace quorbel {
 
 struct AudioDevice;
 
-/// What an output is to be used for.
+/// The use of an output.
 struct OutputUse {
     bool isLeftAlone = false; ///< nothing is captured while it is in use
     bool isAwaited = false;   ///< may change once the device's identity is complete

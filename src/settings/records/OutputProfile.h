@@ -33,7 +33,7 @@ struct OutputKey {
     friend bool operator==(const OutputKey &, const OutputKey &) = default;
 };
 
-/// What is played on an output.
+/// The settings for some outputs.
 struct OutputProfile {
     enum class Use {
         preset,     ///< a preset, or with no preset's id settings of one's own

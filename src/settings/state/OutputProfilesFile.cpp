@@ -34,7 +34,7 @@ const OutputProfile *withKey(const std::vector<OutputProfile> &profiles, const O
     return found == profiles.end() ? nullptr : &*found;
 }
 
-/// What we have changed since `before` wins over `theirs`.
+/// Our changes since `before` win over `theirs`.
 std::vector<OutputProfile> mergedProfiles(const std::vector<OutputProfile> &before,
                                           const std::vector<OutputProfile> &ours,
                                           std::vector<OutputProfile> theirs) {

@@ -12,7 +12,7 @@ namespace quorbel {
 
 /// The gains that belong to presets, in dB. Presets are keyed by the text of their id.
 struct PresetGains {
-    /// What a preset brings when it is applied; 0 for one that is not listed.
+    /// The gain that comes with a preset when it is applied; 0 for one that is not listed.
     std::map<std::string, float> ofPresets;
     /// The gain in use and the active preset, whose own gain the user may have changed since.
     std::optional<std::pair<std::string, float>> applied;

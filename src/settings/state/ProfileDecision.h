@@ -11,7 +11,7 @@ namespace quorbel {
 struct ProfileDecision {
     const OutputProfile *profile = nullptr; ///< null: the settings stay as they are
     bool isLeftAlone = false;
-    /// What is not known of the output yet may make it another one.
+    /// True if the missing part of the identity may change the decision.
     bool isAwaited = false;
 };
 

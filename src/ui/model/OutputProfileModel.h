@@ -18,7 +18,7 @@ class OutputProfileModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.profiles is the only one")
-    /// What an output can have: the settings of now, flat, to be left alone, or a preset.
+    /// The choices for an output: the current settings, flat, to be left alone, or a preset.
     Q_PROPERTY(QStringList choices READ choices NOTIFY choicesChanged)
 
   public:
