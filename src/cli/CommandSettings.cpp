@@ -24,6 +24,17 @@ Persisted defaultSettings() {
     return settings;
 }
 
+/// Throws CommandError for a file that cannot be read or decoded.
+void peek(PresetGainsFile &file) {
+    try {
+        file.peek();
+    } catch (const SettingsFileError &error) {
+        throw CommandError(error.what());
+    } catch (const DecodingError &error) {
+        throw CommandError(file.path() + ": " + error.what());
+    }
+}
+
 } // namespace
 
 Persisted loadSettings(const std::string &path) {
@@ -41,13 +52,7 @@ Persisted loadSettings(const std::string &path) {
 
 PresetGains loadPresetGains(const std::string &path) {
     PresetGainsFile file(path.empty() ? userSettingsPath() : path);
-    try {
-        file.peek();
-    } catch (const SettingsFileError &error) {
-        throw CommandError(error.what());
-    } catch (const DecodingError &error) {
-        throw CommandError(file.path() + ": " + error.what());
-    }
+    peek(file);
     return file.gains;
 }
 
@@ -99,13 +104,12 @@ UserSettings::UserSettings()
     }
     settings.presets = availablePresets(settings);
     asRead_ = settings;
-    gains = loadPresetGains("");
+    peek(gainsFile_);
 }
 
 void UserSettings::save() {
     try {
         // First: bands without the gain that belongs to them would be too loud.
-        gainsFile_.gains = gains;
         static_cast<void>(gainsFile_.write());
         const SettingsFileLock lock(file_.path());
         const auto theirs = file_.readChange();

@@ -47,7 +47,8 @@ class UserSettings {
     UserSettings();
 
     Persisted settings;
-    PresetGains gains;
+    /// The gains of presets, as read; to be changed as needed.
+    [[nodiscard]] PresetGains &gains() { return gainsFile_.gains; }
 
     /// Replaces the file as a whole and keeps another program's changes since. Throws CommandError;
     /// the file is then as it was.

@@ -56,7 +56,7 @@ void ImportCommand::run() const {
     }
     UserSettings user;
     adoptPreset(user.settings, imported.preset);
-    user.gains.set(imported.preset.id, imported.gainDB.value_or(0.0F));
+    user.gains().set(imported.preset.id, imported.gainDB.value_or(0.0F));
     user.save();
     fmt::print("{}\n", printable(imported.summary));
     if (!imported.fitSummary.empty())
