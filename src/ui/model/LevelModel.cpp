@@ -17,8 +17,10 @@ namespace {
 constexpr double lowestGainDB = -40.0;
 constexpr double highestGainDB = 20.0;
 
+/// Not below `lowestDB`, unless a file has put the value there already.
 float loweredTo(float valueDB, double byDB, double lowestDB) {
-    return settingValue(std::max(lowestDB, static_cast<double>(valueDB) - byDB));
+    const auto value = static_cast<double>(valueDB);
+    return settingValue(std::min(value, std::max(lowestDB, value - byDB)));
 }
 
 QString lowerByText(double dB) {
