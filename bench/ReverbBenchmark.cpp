@@ -1,5 +1,5 @@
 #include "StageBenchmark.h"
-#include "platform/graph/ReverbNode.h"
+#include "reverb/ReverbNode.h"
 
 namespace quorbel::bench {
 namespace {

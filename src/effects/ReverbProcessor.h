@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/graph/ReverbNode.h"
+#include "reverb/ReverbNode.h"
 #include "settings/records/SpatialConfig.h"
 
 #include <QObject>

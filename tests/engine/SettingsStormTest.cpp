@@ -3,7 +3,7 @@
 #include "effects/EffectComponents.h"
 #include "engine/ChainFormat.h"
 #include "engine/ProcessingChain.h"
-#include "platform/dsp/SectionDesign.h"
+#include "equalizer/SectionDesign.h"
 #include "platform/threads/ManualClock.h"
 
 #include <gtest/gtest.h>

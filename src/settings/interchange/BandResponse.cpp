@@ -1,6 +1,6 @@
 #include "settings/interchange/BandResponse.h"
 
-#include "platform/dsp/AnalogPrototype.h"
+#include "equalizer/AnalogPrototype.h"
 #include "settings/records/PlayedFilterType.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "equalizer/SectionDesign.h"
 #include "platform/core/StreamFormat.h"
-#include "platform/dsp/SectionDesign.h"
 #include "settings/records/EQBand.h"
 
 #include <vector>

@@ -1,5 +1,5 @@
-#include "platform/dsp/AnalogPrototype.h"
-#include "platform/dsp/SectionDesign.h"
+#include "equalizer/AnalogPrototype.h"
+#include "equalizer/SectionDesign.h"
 #include "settings/interchange/BandResponse.h"
 #include "settings/interchange/DecimalNumber.h"
 #include "settings/interchange/EqualizerLine.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/dsp/EqualizerBandSettings.h"
+#include "equalizer/EqualizerBandSettings.h"
 #include "settings/records/EQBand.h"
 
 namespace quorbel {

@@ -1,6 +1,6 @@
 #include "ui/logic/DrawnCurves.h"
 
-#include "platform/dsp/SectionDesign.h"
+#include "equalizer/SectionDesign.h"
 #include "settings/interchange/BandResponse.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/graph/ParametricEqualizerNode.h"
+#include "equalizer/ParametricEqualizerNode.h"
 #include "settings/records/EQBand.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 #include "ui/logic/Headroom.h"
 
 #include "effects/ToneEqualizer.h"
-#include "platform/dsp/SectionDesign.h"
+#include "equalizer/SectionDesign.h"
 #include "settings/interchange/BandResponse.h"
 #include "ui/logic/NumberFormat.h"
 

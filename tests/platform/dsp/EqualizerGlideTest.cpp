@@ -1,4 +1,4 @@
-#include "platform/dsp/ParametricEqualizer.h"
+#include "equalizer/ParametricEqualizer.h"
 #include "platform/dsp/SpectrumMeasurement.h"
 
 #include <gtest/gtest.h>

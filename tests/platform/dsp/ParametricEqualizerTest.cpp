@@ -1,6 +1,6 @@
-#include "platform/dsp/ParametricEqualizer.h"
+#include "equalizer/ParametricEqualizer.h"
 
-#include "platform/dsp/SectionDesign.h"
+#include "equalizer/SectionDesign.h"
 #include "platform/dsp/SpectrumMeasurement.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "platform/dsp/SectionCascade.h"
+#include "equalizer/SectionCascade.h"
 
-#include "platform/dsp/MovingCascade.h"
+#include "equalizer/MovingCascade.h"
 #include "support/EveryVectorTarget.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "platform/dsp/SectionDesign.h"
+#include "equalizer/SectionDesign.h"
 
-#include "platform/dsp/StateVariableSection.h"
+#include "equalizer/StateVariableSection.h"
 
 #include <gtest/gtest.h>
 

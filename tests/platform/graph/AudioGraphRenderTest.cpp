@@ -1,5 +1,5 @@
+#include "equalizer/ParametricEqualizerNode.h"
 #include "platform/graph/GraphFixture.h"
-#include "platform/graph/ParametricEqualizerNode.h"
 #include "platform/units/UnitStatus.h"
 #include "support/SineFit.h"
 

@@ -1,7 +1,7 @@
 #include "settings/interchange/BandFit.h"
 
 #include "effects/FilterBandwidth.h"
-#include "platform/dsp/SectionDesign.h"
+#include "equalizer/SectionDesign.h"
 #include "settings/interchange/BandResponse.h"
 #include "settings/records/PlayedFilterType.h"
 

@@ -1,4 +1,4 @@
-#include "platform/dsp/reverb/Reverb.h"
+#include "reverb/Reverb.h"
 
 #include "platform/dsp/reverb/RoomMeasurement.h"
 #include "support/EveryVectorTarget.h"

@@ -1,5 +1,5 @@
-#include "platform/dsp/reverb/Reverb.h"
 #include "platform/dsp/reverb/RoomMeasurement.h"
+#include "reverb/Reverb.h"
 
 #include <gtest/gtest.h>
 
