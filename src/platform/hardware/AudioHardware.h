@@ -2,6 +2,7 @@
 
 #include "platform/core/AudioBufferList.h"
 #include "platform/core/OutputIdentity.h"
+#include "platform/core/Programs.h"
 #include "platform/core/Status.h"
 #include "platform/core/StreamFormat.h"
 
@@ -148,9 +149,11 @@ class HardwareListener {
     virtual void defaultOutputChanged() {}
     /// The whole hardware layer is gone with all its objects (the sound server died).
     virtual void hardwareLost(Status) {}
+    /// A playback stream, or its treatment, may have changed. May come often.
+    virtual void playbackStreamsChanged() {}
 };
 
-enum class HardwareProperty { deviceList, defaultOutput, connection };
+enum class HardwareProperty { deviceList, defaultOutput, connection, playbackStreams };
 enum class Scope { input, output };
 
 /// The operations of an operating system's audio layer that the engine and the device manager need.
@@ -205,6 +208,13 @@ class AudioHardware {
     virtual Status startDevice(AudioObjectID device, IOProcID proc) = 0;
     /// When this returns, no call to the client is under way and none will come.
     virtual Status stopDevice(AudioObjectID device, IOProcID proc) = 0;
+
+    // Programs
+    /// Sets which programs a process tap captures, for present and later taps. Streams follow at
+    /// once.
+    virtual void setProgramRules(const ProgramRules &rules) = 0;
+    /// The streams that programs play at present; none while the connection is lost.
+    [[nodiscard]] virtual std::vector<PlaybackStream> playbackStreams() = 0;
 
     // Playback
     [[nodiscard]] virtual std::unique_ptr<HardwareOutput> makeOutput() = 0;

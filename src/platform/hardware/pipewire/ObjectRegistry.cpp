@@ -2,6 +2,8 @@
 
 #include "platform/hardware/pipewire/SystemTime.h"
 
+#include <spa/param/audio/raw.h>
+#include <spa/param/format-utils.h>
 #include <spa/param/route.h>
 #include <spa/pod/iter.h>
 #include <spa/pod/parser.h>
@@ -34,6 +36,20 @@ std::uint32_t idProperty(const PropertyMap &properties, std::string_view key) {
                         : static_cast<std::uint32_t>(std::strtoul(text.c_str(), nullptr, 10));
 }
 
+/// Channel count of an audio format; 0 if it does not say one. Of a choice, the preferred one.
+std::uint32_t channelsOf(const spa_pod *format) {
+    const spa_pod_prop *property = spa_pod_find_prop(format, nullptr, SPA_FORMAT_AUDIO_channels);
+    if (property == nullptr)
+        return 0;
+    std::uint32_t count = 0;
+    std::uint32_t choice = 0;
+    const spa_pod *value = spa_pod_get_values(&property->value, &count, &choice);
+    std::int32_t channels = 0;
+    return count > 0 && spa_pod_get_int(value, &channels) == 0 && channels > 0
+               ? static_cast<std::uint32_t>(channels)
+               : 0;
+}
+
 } // namespace
 
 struct ObjectRegistry::BoundNode {
@@ -51,6 +67,45 @@ struct ObjectRegistry::BoundNode {
         record.isComplete = true;
         const NodeRecord &changed = owner.objects_.putNode(std::move(record));
         owner.notify([&](ServerObserver &observer) { observer.nodeChanged(changed); });
+    }
+
+    /// One of the formats that a program's stream offers. A stream that offers plain samples too is
+    /// not taken for an encoded one.
+    void formatRead(const spa_pod *pod) {
+        std::uint32_t type = 0;
+        std::uint32_t subtype = 0;
+        const NodeRecord *known = owner.objects_.node(id);
+        if (known == nullptr || spa_format_parse(pod, &type, &subtype) < 0 ||
+            type != SPA_MEDIA_TYPE_audio)
+            return;
+        const bool isPlain = subtype == SPA_MEDIA_SUBTYPE_raw || subtype == SPA_MEDIA_SUBTYPE_dsp;
+        SourceFormat format{.channels = channelsOf(pod), .isEncoded = !isPlain};
+        if (known->format) {
+            format.channels = std::max(format.channels, known->format->channels);
+            format.isEncoded = format.isEncoded && known->format->isEncoded;
+        }
+        NodeRecord record = *known;
+        record.format = format;
+        const NodeRecord &changed = owner.objects_.putNode(std::move(record));
+        if (changed.isComplete)
+            owner.notify([&](ServerObserver &observer) { observer.nodeChanged(changed); });
+    }
+};
+
+/// A program that is connected to the server.
+struct ObjectRegistry::BoundClient {
+    ObjectRegistry &owner;
+    std::uint32_t id;
+    Proxy<pw_client> proxy;
+    Hook hook;
+
+    void infoChanged(const pw_client_info *info) {
+        if ((info->change_mask & PW_CLIENT_CHANGE_MASK_PROPS) == 0)
+            return;
+        PropertyMap properties;
+        merge(properties, info->props);
+        owner.objects_.putClient(id, std::move(properties));
+        owner.notify([this](ServerObserver &observer) { observer.clientChanged(id); });
     }
 };
 
@@ -209,6 +264,7 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
         record.serial =
             std::strtoull(propertyValue(properties, PW_KEY_OBJECT_SERIAL).c_str(), nullptr, 10);
         record.properties = std::move(properties);
+        const bool isProgramPlayback = record.mediaClass() == "Stream/Output/Audio";
         objects_.putNode(std::move(record));
         bound->proxy.reset(static_cast<pw_node *>(pw_registry_bind(
             registry_.get(), id, type, std::min<std::uint32_t>(version, PW_VERSION_NODE), 0)));
@@ -220,9 +276,17 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
             table.info = [](void *self, const pw_node_info *info) {
                 static_cast<BoundNode *>(self)->infoChanged(info);
             };
+            table.param = [](void *self, int, std::uint32_t, std::uint32_t, std::uint32_t,
+                             const spa_pod *pod) {
+                if (pod != nullptr)
+                    static_cast<BoundNode *>(self)->formatRead(pod);
+            };
             return table;
         }();
         pw_node_add_listener(bound->proxy.get(), bound->hook.get(), &events, bound.get());
+        if (isProgramPlayback)
+            pw_node_enum_params(bound->proxy.get(), 0, SPA_PARAM_EnumFormat, 0, UINT32_MAX,
+                                nullptr);
         nodes_[id] = std::move(bound);
     } else if (std::strcmp(type, PW_TYPE_INTERFACE_Port) == 0) {
         PortRecord port;
@@ -273,8 +337,26 @@ void ObjectRegistry::globalAdded(std::uint32_t id, const char *type, std::uint32
                 std::make_unique<SessionMetadata>(connection_, registry_.get(), id, version, *this);
         }
     } else if (std::strcmp(type, PW_TYPE_INTERFACE_Client) == 0) {
-        clients_.insert(id);
+        bindClient(id, version);
     }
+}
+
+void ObjectRegistry::bindClient(std::uint32_t id, std::uint32_t version) {
+    auto &bound = clients_[id] = std::unique_ptr<BoundClient>(new BoundClient{*this, id, {}, {}});
+    bound->proxy.reset(static_cast<pw_client *>(
+        pw_registry_bind(registry_.get(), id, PW_TYPE_INTERFACE_Client,
+                         std::min<std::uint32_t>(version, PW_VERSION_CLIENT), 0)));
+    if (!bound->proxy)
+        return;
+    static const pw_client_events events = [] {
+        pw_client_events table{};
+        table.version = PW_VERSION_CLIENT_EVENTS;
+        table.info = [](void *self, const pw_client_info *info) {
+            static_cast<BoundClient *>(self)->infoChanged(info);
+        };
+        return table;
+    }();
+    pw_client_add_listener(bound->proxy.get(), bound->hook.get(), &events, bound.get());
 }
 
 void ObjectRegistry::bindSettings(std::uint32_t id, std::uint32_t version) {
@@ -331,6 +413,7 @@ void ObjectRegistry::globalRemoved(std::uint32_t id) {
     } else if (settings_ && settings_->id == id) {
         settings_.reset();
     } else if (clients_.erase(id) > 0) {
+        objects_.takeClient(id);
         if (sessionMetadata_)
             sessionMetadata_->clientLeft();
     } else if (sessionMetadata_ && sessionMetadata_->id() == id) {

@@ -9,7 +9,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -48,12 +47,14 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
   private:
     struct BoundNode;
     struct BoundDevice;
+    struct BoundClient;
     struct Settings;
 
     void globalAdded(std::uint32_t id, const char *type, std::uint32_t version,
                      const spa_dict *properties);
     void globalRemoved(std::uint32_t id);
     void bindSettings(std::uint32_t id, std::uint32_t version);
+    void bindClient(std::uint32_t id, std::uint32_t version);
     void dropMetadata();
     void metadataArrived() override;
     void metadataRead() override;
@@ -68,7 +69,7 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     Hook registryHook_;
     std::map<std::uint32_t, std::unique_ptr<BoundNode>> nodes_;
     std::map<std::uint32_t, std::shared_ptr<BoundDevice>> devices_; ///< readings under way share
-    std::set<std::uint32_t> clients_;
+    std::map<std::uint32_t, std::unique_ptr<BoundClient>> clients_;
     std::unique_ptr<SessionMetadata> sessionMetadata_;
     std::unique_ptr<Settings> settings_;
     std::map<OwnLink, Proxy<pw_proxy>> ownLinks_;

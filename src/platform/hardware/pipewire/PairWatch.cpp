@@ -97,8 +97,10 @@ void PipeWireHardware::lookAround() {
         supervisor_.reset();
     }
     confirmReleases();
-    if (router_->isOn())
+    if (router_->isOn()) {
         router_->checkDeadlines();
+        tell(HardwareProperty::playbackStreams);
+    }
     const double now = monotonicSeconds();
     const bool isResting = output_ == nullptr || !output_->stream()->isStreaming();
     const bool hasChanged = std::exchange(wasResting_, isResting) != isResting;
@@ -135,7 +137,7 @@ const NodeRecord *PipeWireHardware::ownNode(const ServerStream &stream) const {
     if (stream.isGone() || stream.nodeID() == SPA_ID_INVALID)
         return nullptr;
     const NodeRecord *node = registry_->objects().node(stream.nodeID());
-    return node != nullptr && node->name().starts_with("quorbel.") ? node : nullptr;
+    return node != nullptr && node->name().starts_with(ownNodePrefix) ? node : nullptr;
 }
 
 PairFacts PipeWireHardware::pairFacts() const {
@@ -172,6 +174,8 @@ RoutingEnds PipeWireHardware::routingEnds() const {
     if (tap == nullptr || output == nullptr)
         return {};
     RoutingEnds ends{tap->id, tap->serial, output->id, output_->device()};
+    if (const NodeRecord *home = defaultSink())
+        ends.homeID = home->id;
     for (const auto &[_, link] : registry_->objects().links())
         if (const NodeRecord *to = registry_->objects().node(link.inputNodeID);
             link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))

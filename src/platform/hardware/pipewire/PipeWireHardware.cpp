@@ -2,6 +2,7 @@
 
 #include "platform/hardware/pipewire/PipeWireOutput.h"
 #include "platform/hardware/routing/OutputIdentities.h"
+#include "platform/hardware/routing/StreamRules.h"
 
 #include <spa/utils/json.h>
 
@@ -276,6 +277,9 @@ void PipeWireHardware::tell(HardwareProperty property, Status status) {
         case HardwareProperty::connection:
             listener->hardwareLost(status);
             break;
+        case HardwareProperty::playbackStreams:
+            listener->playbackStreamsChanged();
+            break;
         }
     }
 }
@@ -284,6 +288,8 @@ void PipeWireHardware::nodeChanged(const NodeRecord &node) {
     if (router_)
         router_->nodeChanged(node);
     pairMayHaveChanged();
+    if (isPlayback(node))
+        tell(HardwareProperty::playbackStreams);
     if (!isDevice(node))
         return;
     OutputIdentity identity = identityOf(node, registry_->deviceOf(node));
@@ -316,6 +322,8 @@ void PipeWireHardware::nodeRemoved(const NodeRecord &node) {
     if (router_)
         router_->nodeRemoved(node);
     pairMayHaveChanged();
+    if (isPlayback(node))
+        tell(HardwareProperty::playbackStreams);
     if (knownDevices_.erase(node.id) > 0)
         tell(HardwareProperty::deviceList);
 }
@@ -344,12 +352,14 @@ void PipeWireHardware::linkAdded(const LinkRecord &link) {
     if (router_)
         router_->linkAdded(link);
     pairMayHaveChanged();
+    tell(HardwareProperty::playbackStreams);
 }
 
 void PipeWireHardware::linkRemoved(const LinkRecord &link) {
     if (router_)
         router_->linkRemoved(link);
     pairMayHaveChanged();
+    tell(HardwareProperty::playbackStreams);
 }
 
 void PipeWireHardware::metadataChanged(std::uint32_t subject, std::string_view key,
@@ -357,8 +367,10 @@ void PipeWireHardware::metadataChanged(std::uint32_t subject, std::string_view k
     if (router_)
         router_->metadataChanged(subject, key, value);
     lookSoon();
-    if (subject == 0 && key == "default.audio.sink")
+    if (subject == 0 && key == "default.audio.sink") {
+        isPairSeen_ = false; // its ends name the default device
         tell(HardwareProperty::defaultOutput);
+    }
 }
 
 void PipeWireHardware::metadataRead() {
@@ -395,8 +407,9 @@ Status PipeWireHardware::createProcessTap(const TapDescription &description, Aud
         return -EBUSY;
     journal_ = std::make_shared<RouteJournal>(connection_->serverCookie());
     router_ = std::make_unique<StreamRouter>(registry_->objects(), *registry_, *journal_);
+    router_->setRules(programRules_);
     registry_->refreshMetadata(restoreSeconds);
-    restoreLeftovers();
+    router_->restore(journal_->leftovers());
     isRestored_ = true;
     awaitedReleases_ = 0;
     mustBeDevice_ = router_->needsDeviceTap();
@@ -422,14 +435,6 @@ Status PipeWireHardware::createProcessTap(const TapDescription &description, Aud
     tapHandle_ = tap_->nodeID();
     tap = tapHandle_;
     return statusOK;
-}
-
-void PipeWireHardware::restoreLeftovers() {
-    for (const RoutedStream &stream :
-         inOrderOfUndoing(registry_->objects(), journal_->leftovers())) {
-        restoreRoute(registry_->objects(), *registry_, stream);
-        journal_->released(stream);
-    }
 }
 
 Status PipeWireHardware::destroyProcessTap(AudioObjectID tap) {

@@ -61,6 +61,9 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     Status startDevice(AudioObjectID device, IOProcID proc) override;
     Status stopDevice(AudioObjectID device, IOProcID proc) override;
 
+    void setProgramRules(const ProgramRules &rules) override;
+    std::vector<PlaybackStream> playbackStreams() override;
+
     std::unique_ptr<HardwareOutput> makeOutput() override;
 
   private:
@@ -73,7 +76,6 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     [[nodiscard]] double graphRate() const;
     [[nodiscard]] const NodeRecord *defaultSink() const;
     void stopRouting();
-    void restoreLeftovers();
 
     // Watching over the two streams (PairWatch.cpp). [control], or under the loop's lock
     void lookAround();
@@ -91,6 +93,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
 
     void nodeChanged(const NodeRecord &node) override;
     void nodeRemoved(const NodeRecord &node) override;
+    void clientChanged(std::uint32_t clientID) override;
     void portAdded(const PortRecord &port) override;
     void portRemoved(const PortRecord &port) override;
     void linkAdded(const LinkRecord &link) override;
@@ -110,6 +113,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     std::unique_ptr<ServerConnection> connection_;
     std::unique_ptr<ObjectRegistry> registry_; // loop's lock, like all members before the listeners
     std::shared_ptr<RouteJournal> journal_;    ///< shared with round trips under way
+    ProgramRules programRules_;
     std::unique_ptr<StreamRouter> router_;
     DuplexPair pair_;
     std::unique_ptr<TapStream> tap_;

@@ -13,7 +13,7 @@ namespace {
 constexpr double readAgainAfterSeconds[] = {0.5, 1.5, 4.0};
 /// Delay of a test, so that clients that leave together cause only one.
 constexpr double testAfterSeconds = 0.3;
-constexpr double answerSeconds = 1.0;
+constexpr double tableSeconds = 1.0;
 constexpr double shortestWaitSeconds = 0.001; ///< 0 would disarm the timer
 
 /// Written for our own client: the server deletes it with the client.
@@ -222,7 +222,7 @@ void SessionMetadata::testHearing() {
     if (client != SPA_ID_INVALID) {
         pw_metadata_set_property(binding_->proxy.get(), client, testKey, "",
                                  std::to_string(++lastTest_).c_str());
-        answerUntil_ = monotonicSeconds() + answerSeconds;
+        answerUntil_ = monotonicSeconds() + tableSeconds;
     }
     armTimer();
 }

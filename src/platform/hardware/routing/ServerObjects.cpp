@@ -41,6 +41,17 @@ const NodeRecord *ServerObjects::nodeWithSerial(std::uint64_t serial) const {
     return findNode(nodes_, [&](const NodeRecord &node) { return node.serial == serial; });
 }
 
+const PropertyMap *ServerObjects::client(std::uint32_t id) const {
+    const auto found = clients_.find(id);
+    return found == clients_.end() ? nullptr : &found->second;
+}
+
+void ServerObjects::putClient(std::uint32_t id, PropertyMap properties) {
+    clients_[id] = std::move(properties);
+}
+
+bool ServerObjects::takeClient(std::uint32_t id) { return clients_.erase(id) > 0; }
+
 const PortRecord *ServerObjects::port(std::uint32_t id) const {
     const auto found = ports_.find(id);
     return found == ports_.end() ? nullptr : &found->second;

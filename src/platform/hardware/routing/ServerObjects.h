@@ -16,11 +16,18 @@ using PropertyMap = std::map<std::string, std::string, std::less<>>;
 /// Value of `key`, or an empty text.
 const std::string &propertyValue(const PropertyMap &properties, std::string_view key);
 
+/// The sound that a program's stream delivers, before the server mixes it for a device.
+struct SourceFormat {
+    std::uint32_t channels = 0; ///< 0: not said
+    bool isEncoded = false;     ///< compressed sound, which only a device can decode
+};
+
 struct NodeRecord {
     std::uint32_t id = 0;     ///< reused by the server as soon as the node is gone
     std::uint64_t serial = 0; ///< never reused
     PropertyMap properties;   ///< the registry's few until `isComplete`, then all
     bool isComplete = false;
+    std::optional<SourceFormat> format{}; ///< of an application's playback; arrives later
 
     [[nodiscard]] const std::string &property(std::string_view key) const {
         return propertyValue(properties, key);
@@ -67,6 +74,9 @@ struct MetadataValue {
 inline constexpr const char *targetObjectKey = "target.object";
 inline constexpr const char *targetNodeKey = "target.node";
 
+/// Begins the names of all our nodes.
+inline constexpr std::string_view ownNodePrefix = "quorbel.";
+
 /// True for a node that applications can play on.
 inline bool isOutputDevice(const NodeRecord &node) {
     return node.mediaClass() == "Audio/Sink" || node.mediaClass() == "Audio/Duplex";
@@ -80,6 +90,8 @@ class ServerObjects {
     [[nodiscard]] const NodeRecord *nodeNamed(std::string_view name) const;
     [[nodiscard]] const NodeRecord *nodeWithSerial(std::uint64_t serial) const;
     [[nodiscard]] const std::map<std::uint32_t, NodeRecord> &nodes() const { return nodes_; }
+    /// Properties of a program that is connected to the server; null if unknown.
+    [[nodiscard]] const PropertyMap *client(std::uint32_t id) const;
     [[nodiscard]] const PortRecord *port(std::uint32_t id) const;
     /// Ports of a node, sorted by index.
     [[nodiscard]] std::vector<PortRecord> ports(std::uint32_t nodeID, bool input) const;
@@ -96,6 +108,8 @@ class ServerObjects {
 
     NodeRecord &putNode(NodeRecord node);
     std::optional<NodeRecord> takeNode(std::uint32_t id);
+    void putClient(std::uint32_t id, PropertyMap properties);
+    bool takeClient(std::uint32_t id);
     void putPort(PortRecord port);
     std::optional<PortRecord> takePort(std::uint32_t id);
     void putLink(const LinkRecord &link);
@@ -110,6 +124,7 @@ class ServerObjects {
     using Table = std::map<std::string, MetadataValue, std::less<>>;
 
     std::map<std::uint32_t, NodeRecord> nodes_;
+    std::map<std::uint32_t, PropertyMap> clients_;
     std::map<std::uint32_t, PortRecord> ports_;
     std::map<std::uint32_t, LinkRecord> links_;
     std::map<std::uint32_t, Table> metadata_; ///< by subject
@@ -124,6 +139,8 @@ class ServerObserver {
     virtual void nodeRemoved(const NodeRecord &) {}
     /// A device's properties or routes; its removal is not told.
     virtual void deviceChanged(std::uint32_t /*deviceID*/) {}
+    /// A program's properties; its removal is not told.
+    virtual void clientChanged(std::uint32_t /*clientID*/) {}
     virtual void portAdded(const PortRecord &) {}
     virtual void portRemoved(const PortRecord &) {}
     virtual void linkAdded(const LinkRecord &) {}

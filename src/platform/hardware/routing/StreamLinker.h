@@ -15,6 +15,7 @@ struct RoutingEnds {
     std::uint64_t tapSerial = 0;
     std::uint32_t outID = 0;    ///< plays the processed sound
     std::uint32_t deviceID = 0; ///< receives it
+    std::uint32_t homeID = 0;   ///< the default device, on which most streams play without us
 
     bool operator==(const RoutingEnds &) const = default;
 };

@@ -1,5 +1,6 @@
 #include "platform/hardware/routing/StreamRouter.h"
 
+#include "platform/hardware/routing/ProgramDecision.h"
 #include "platform/hardware/routing/StreamRules.h"
 
 #include <algorithm>
@@ -29,6 +30,13 @@ StreamRouter::StreamRouter(const ServerObjects &objects, ServerCommands &command
     : objects_(objects), commands_(objects, commands), log_(log), memory_(objects),
       linker_(objects, commands_, ends_) {}
 
+void StreamRouter::restore(std::vector<RoutedStream> leftovers) {
+    for (const RoutedStream &stream : inOrderOfUndoing(objects_, std::move(leftovers))) {
+        restoreRoute(objects_, commands_, stream);
+        log_.released(stream);
+    }
+}
+
 void StreamRouter::begin(const RoutingEnds &ends) {
     const bool isOtherTap = isOn() && ends.tapSerial != ends_.tapSerial;
     ends_ = ends;
@@ -51,7 +59,58 @@ void StreamRouter::begin(const RoutingEnds &ends) {
             }
         }
     lookForFeedback();
+    applyRulesToAll();
     routeAll();
+}
+
+void StreamRouter::setRules(const ProgramRules &rules) {
+    rules_ = rules;
+    applyRulesToAll();
+}
+
+void StreamRouter::applyRulesToAll() {
+    if (!hasTap())
+        return;
+    for (auto &[id, stream] : streams_)
+        if (const NodeRecord *node = objects_.node(id))
+            applyRules(*node, stream);
+}
+
+/// Applies the rules to a known stream after they, or what they look at, may have changed.
+void StreamRouter::applyRules(const NodeRecord &node, Stream &stream) {
+    if (stream.phase == Phase::released || stream.phase == Phase::unread)
+        return;
+    const bool isExcused = stream.phase == Phase::excused;
+    if (isLeftAlone(node) == isExcused && stream.phase != Phase::measured)
+        return;
+    if (isHeld(stream))
+        putBack(stream, Phase::excused);
+    else
+        route(node, stream);
+}
+
+StreamTreatment StreamRouter::treatmentOf(const NodeRecord &node) const {
+    const StreamTreatment decided = decideTreatment(objects_, rules_, node, isSurroundOutput());
+    const auto found = streams_.find(node.id);
+    if (found == streams_.end())
+        return decided == StreamTreatment::processed ? StreamTreatment::pending : decided;
+    switch (found->second.phase) {
+    case Phase::captured:
+        return StreamTreatment::processed;
+    case Phase::hearing:
+        return StreamTreatment::copy;
+    case Phase::refused:
+        return StreamTreatment::refused;
+    case Phase::released:
+        return StreamTreatment::moved;
+    case Phase::unread:
+    case Phase::routing:
+    case Phase::waiting:
+    case Phase::measured:
+    case Phase::excused:
+        break;
+    }
+    return decided == StreamTreatment::processed ? StreamTreatment::pending : decided;
 }
 
 void StreamRouter::end() {
@@ -137,6 +196,15 @@ void StreamRouter::consider(const NodeRecord &node, double appearedAt) {
     }
 }
 
+bool StreamRouter::isSurroundOutput() const {
+    return isSurroundDevice(objects_, ends_.deviceID) && isSurroundDevice(objects_, ends_.homeID);
+}
+
+bool StreamRouter::isLeftAlone(const NodeRecord &node) const {
+    return decideTreatment(objects_, rules_, node, isSurroundOutput()) !=
+           StreamTreatment::processed;
+}
+
 bool StreamRouter::mustNotBeCaptured(const NodeRecord &node) const {
     return hearers_.contains(node.id) || isVirtualSinkOutput(objects_, node) ||
            isUndecidedCopy(objects_, node);
@@ -159,8 +227,13 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     if (!isRestoring(node, stream))
         stream.route.remembered = memory_.of(node);
     shareTarget(node);
-    if (mustNotBeCaptured(node)) {
-        stream.phase = Phase::hearing;
+    const bool isMeasured = node.format || !isSurroundOutput() ||
+                            commands_.seconds() - stream.appearedAt >= settleSeconds;
+    const bool isExcused = isLeftAlone(node);
+    if (isExcused || mustNotBeCaptured(node) || !isMeasured) {
+        stream.phase = isExcused ? Phase::excused : !isMeasured ? Phase::measured : Phase::hearing;
+        if (stream.phase == Phase::measured)
+            stream.retryAt = stream.appearedAt + settleSeconds;
         if (isInherited)
             undoRoute(objects_, commands_, stream.route);
     } else if (isPulseClient(node) && !isAnsweredPulseClient(node) && !linker_.hasHandshakeSink()) {
@@ -288,6 +361,9 @@ bool StreamRouter::mayChangeHearers(const LinkRecord &link) const {
 }
 
 void StreamRouter::nodeChanged(const NodeRecord &node) {
+    // At once, because the session manager may link such a stream as soon as our node has ports.
+    if (node.name().starts_with(ownNodePrefix))
+        dropInherited(node.id);
     if (!isOn())
         return;
     // The sink half of a virtual device may appear after its output half was routed, and a
@@ -301,10 +377,21 @@ void StreamRouter::nodeChanged(const NodeRecord &node) {
         if (stream.phase == Phase::waiting)
             route(node, stream);
     }
+    if (const auto found = streams_.find(node.id); found != streams_.end() && hasTap())
+        applyRules(node, found->second);
+}
+
+void StreamRouter::clientChanged(std::uint32_t clientID) {
+    if (!hasTap())
+        return;
+    for (auto &[id, stream] : streams_)
+        if (const NodeRecord *node = objects_.node(id);
+            node != nullptr && node->property("client.id") == std::to_string(clientID))
+            applyRules(*node, stream);
 }
 
 void StreamRouter::nodeRemoved(const NodeRecord &node) {
-    for (std::uint32_t *end : {&ends_.tapID, &ends_.outID, &ends_.deviceID})
+    for (std::uint32_t *end : {&ends_.tapID, &ends_.outID, &ends_.deviceID, &ends_.homeID})
         if (*end == node.id)
             *end = 0;
     memory_.forgetPlace(node.serial);
@@ -322,6 +409,8 @@ void StreamRouter::portAdded(const PortRecord &port) {
     const NodeRecord *node = objects_.node(port.nodeID);
     if (!isOn() || port.isMonitor || node == nullptr)
         return;
+    if (port.nodeID == ends_.deviceID || port.nodeID == ends_.homeID)
+        applyRulesToAll();
     if (!port.isInput && found != streams_.end() && found->second.phase == Phase::routing) {
         Stream &stream = found->second;
         if (stream.linkAt == never)

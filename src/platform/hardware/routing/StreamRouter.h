@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/core/Programs.h"
 #include "platform/hardware/routing/OwnWrites.h"
 #include "platform/hardware/routing/RouteLog.h"
 #include "platform/hardware/routing/ServerCommands.h"
@@ -25,7 +26,8 @@ namespace quorbel {
 ///    that fails too.
 /// 3. A stream that hears the processed sound is never captured.
 /// 4. A stream that the user has moved is left to the user.
-/// 5. The session manager remembers the user's choice as the target of each program. A value of
+/// 5. A stream that the rules leave alone is never captured.
+/// 6. The session manager remembers the user's choice as the target of each program. A value of
 ///    ours, an ended stream's, or a link that the user made is never taken for such a choice.
 class StreamRouter final : public ServerObserver {
   public:
@@ -34,11 +36,19 @@ class StreamRouter final : public ServerObserver {
     StreamRouter(const StreamRouter &) = delete;
     StreamRouter &operator=(const StreamRouter &) = delete;
 
+    /// Puts back the streams that an earlier process has left routed, unless another client has
+    /// moved them. Before `begin`.
+    void restore(std::vector<RoutedStream> leftovers);
     /// Starts routing, or continues with another tap, output or device.
     void begin(const RoutingEnds &ends);
     [[nodiscard]] bool isOn() const { return ends_.tapSerial != 0; }
     /// Puts every stream back. The session manager moves the links a moment later.
     void end();
+    /// Sets the rules of programs, and applies them to all streams if routing is on.
+    void setRules(const ProgramRules &rules);
+    /// The treatment of a playback stream, while routing is on.
+    [[nodiscard]] StreamTreatment treatmentOf(const NodeRecord &node) const;
+
     /// Routes all streams again as new ones, after another process has put them back.
     void startOver();
 
@@ -56,6 +66,7 @@ class StreamRouter final : public ServerObserver {
 
     void nodeChanged(const NodeRecord &node) override;
     void nodeRemoved(const NodeRecord &node) override;
+    void clientChanged(std::uint32_t clientID) override;
     void portAdded(const PortRecord &port) override;
     void linkAdded(const LinkRecord &link) override;
     void linkRemoved(const LinkRecord &link) override;
@@ -79,6 +90,8 @@ class StreamRouter final : public ServerObserver {
         hearing,  ///< put back: hears or may hear the processed sound, or is half of a virtual sink
         refused,  ///< put back because it did not reach the tap; tried again later
         released, ///< moved elsewhere by the user
+        measured, ///< new, while its channel count is not known and matters
+        excused,  ///< put back: the rules leave it alone
     };
     struct Stream {
         RoutedStream route;
@@ -115,6 +128,10 @@ class StreamRouter final : public ServerObserver {
     void consider(const NodeRecord &node, double appearedAt);
     void route(const NodeRecord &node, Stream &stream);
     [[nodiscard]] bool mustNotBeCaptured(const NodeRecord &node) const;
+    [[nodiscard]] bool isSurroundOutput() const;
+    [[nodiscard]] bool isLeftAlone(const NodeRecord &node) const;
+    void applyRules(const NodeRecord &node, Stream &stream);
+    void applyRulesToAll();
     void sendToTap(const NodeRecord &node, Stream &stream);
     void awaitLinks(Stream &stream);
     void letGo(Stream &stream, Phase phase);
@@ -125,6 +142,7 @@ class StreamRouter final : public ServerObserver {
     void lookForFeedback();
 
     // StreamRouterTargets.cpp
+    void dropInherited(std::uint32_t ownID);
     void dropInheritedIDs();
     [[nodiscard]] bool isOwnID(const MetadataValue &value) const;
     [[nodiscard]] bool isOwnTap(const MetadataValue &value) const;
@@ -142,6 +160,7 @@ class StreamRouter final : public ServerObserver {
     OwnWrites commands_;
     RouteLog &log_;
     RoutingEnds ends_;
+    ProgramRules rules_;
     std::set<std::uint64_t> ownTaps_; ///< serials of all taps so far
     TargetMemory memory_;
     StreamLinker linker_;

@@ -18,14 +18,20 @@ constexpr double rememberSeconds = 0.1;
 
 } // namespace
 
-/// Removes values of "target.node" that name one of our nodes. The server reuses ids, so such a
-/// value was meant for a device that is gone. The session manager would link the stream to the tap.
-void StreamRouter::dropInheritedIDs() {
+/// Removes values of "target.node" that name the node of ours with this id. The server reuses ids,
+/// so such a value was meant for a device that is gone. The session manager would link the stream
+/// to the tap.
+void StreamRouter::dropInherited(std::uint32_t ownID) {
     for (const std::uint32_t subject : objects_.metadataSubjects()) {
         const auto value = commands_.expected(subject, targetNodeKey);
-        if (value && isOwnID(*value))
+        if (value && value->value == std::to_string(ownID))
             commands_.setMetadata(subject, targetNodeKey, {"Spa:Id", "-1"});
     }
+}
+
+void StreamRouter::dropInheritedIDs() {
+    dropInherited(ends_.tapID);
+    dropInherited(ends_.outID);
     for (auto &[_, stream] : streams_)
         if (stream.route.targetNode && isOwnID(*stream.route.targetNode))
             stream.route.targetNode.reset();

@@ -20,6 +20,12 @@ SimulatedHardware::SimulatedHardware(Clock &clock, Pace pace) : clock_(clock), p
 
 SimulatedHardware::~SimulatedHardware() = default;
 
+void SimulatedHardware::setPlaybackStreams(std::vector<PlaybackStream> streams) {
+    playbackStreams_ = std::move(streams);
+    notify(HardwareProperty::playbackStreams,
+           [](auto &listener) { listener.playbackStreamsChanged(); });
+}
+
 // Script: devices
 
 AudioObjectID SimulatedHardware::addDevice(SimulatedDevice device) {

@@ -68,6 +68,9 @@ class SimulatedHardware final : public AudioHardware {
     /// While suspended no application plays: devices have no cycles, and outputs are paused.
     void setSuspended(bool suspended);
 
+    /// Sets the streams that `playbackStreams` lists, whatever applications play.
+    void setPlaybackStreams(std::vector<PlaybackStream> streams);
+
     // Script: failures.
     /// Puts the machine to sleep or wakes it: asleep, no device has cycles, while the clock runs.
     void setAsleep(bool asleep);
@@ -78,6 +81,7 @@ class SimulatedHardware final : public AudioHardware {
     [[nodiscard]] simulated::OperationLog &operations() { return operations_; }
 
     // Results.
+    [[nodiscard]] const ProgramRules &programRules() const { return programRules_; }
     /// The watch must outlive the hardware.
     void watchCallbacks(simulated::CallbackWatch &watch);
     [[nodiscard]] simulated::Recording takeRecording(const std::string &uid);
@@ -112,6 +116,8 @@ class SimulatedHardware final : public AudioHardware {
     Status destroyIOProc(AudioObjectID device, IOProcID proc) override;
     Status startDevice(AudioObjectID device, IOProcID proc) override;
     Status stopDevice(AudioObjectID device, IOProcID proc) override;
+    void setProgramRules(const ProgramRules &rules) override { programRules_ = rules; }
+    std::vector<PlaybackStream> playbackStreams() override { return playbackStreams_; }
     std::unique_ptr<HardwareOutput> makeOutput() override;
 
   private:
@@ -172,6 +178,8 @@ class SimulatedHardware final : public AudioHardware {
     std::vector<AudioObjectID> freeIDs_; ///< of removed devices
     std::uint64_t lastSerial_ = 0;
     std::optional<double> declaredTapRate_;
+    ProgramRules programRules_;
+    std::vector<PlaybackStream> playbackStreams_;
     std::string defaultUID_;
     AudioObjectID ownProcess_ = 0;
     simulated::CallbackWatch *watch_ = nullptr;

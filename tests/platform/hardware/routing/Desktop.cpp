@@ -380,6 +380,10 @@ void Desktop::carryOut(const StormEvent &event) {
         if (hasUs_)
             client.hang();
         break;
+    case EventKind::leaveAlone:
+        if (hasUs_ && !application.halves.back().application.empty())
+            client.toggleRule(application.halves.back().application);
+        break;
     case EventKind::count:
         break;
     }
@@ -437,7 +441,14 @@ void Desktop::runUntil(Micros time) {
             if (command.kind == Command::Kind::leave)
                 client.watch();
         } else if (next == server.fromWatchdog.due()) {
-            server.carryOut(server.fromWatchdog.pop(), true);
+            const Command command = server.fromWatchdog.pop();
+            server.carryOut(command, true);
+            // What a dying watchdog still writes looks like a user's move to the next program.
+            if (client.isAlive())
+                for (Application &application : applications)
+                    if (const Node *node = playback(application);
+                        node != nullptr && node->id == command.id)
+                        application.movedAt = server.now;
             // A watchdog that ends within its writes leaves a pin half put back.
             if (client.wasWatchdogLost())
                 for (Application &application : applications)
@@ -513,7 +524,8 @@ void Desktop::noteSilence() {
         if (application.kind != Kind::player || node == nullptr || application.wasMovedByLinks ||
             !node->traits->fixedKey.empty() || hasWay(application) ||
             (manager.isOld(node->serial) &&
-             (application.movedAt >= 0 || client.published() != Published::running)))
+             (application.movedAt >= 0 || client.published() != Published::running ||
+              client.leavesAlone(node->traits->application))))
             application.silentSince = -1;
         else if (application.silentSince < 0)
             application.silentSince = server.now;

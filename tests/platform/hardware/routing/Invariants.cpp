@@ -105,11 +105,14 @@ std::string wrongStream(const Desktop &desktop, const Desktop &without, std::siz
             return node->traits->name + " is heard twice: " + here;
         if (!isRunning)
             return "";
+        if (desktop.client.leavesAlone(node->traits->application))
+            return node->traits->name + " is captured, against the rules";
         // A stream that the session manager leaves alone keeps its ports.
         return desktop.manager.isOld(node->serial) ? "" : wrongChannels(desktop, *node, *tap);
     }
     const bool mayBeElsewhere =
         !isRunning || !isRoutable(*node->traits) || application.movedAt >= 0 ||
+        desktop.client.leavesAlone(node->traits->application) ||
         application.kind == Desktop::Kind::virtualSink || isCopyOfNothing(desktop.server, *node) ||
         // Restored after our own value, which is told to no client: taken at the next try.
         (desktop.server.isDeaf && application.isPinUncertain) ||

@@ -120,9 +120,25 @@ void SimulatedClient::removeLink(std::uint32_t linkID) {
     send({.kind = Command::Kind::removeLink, .id = linkID});
 }
 
+void SimulatedClient::toggleRule(const std::string &program) {
+    if (leavesAlone(program))
+        rules_.rules.clear();
+    else
+        rules_.rules = {{.program = {.name = program}, .isProcessed = false}};
+    if (!isAlive_)
+        return;
+    router_->setRules(rules_);
+    nextLook_ = std::min(nextLook_, server_.now);
+}
+
+bool SimulatedClient::leavesAlone(const std::string &program) const {
+    return !rules_.rules.empty() && rules_.rules.front().program.name == program;
+}
+
 void SimulatedClient::reset() {
     objects_ = std::make_unique<ServerObjects>();
     router_ = std::make_unique<StreamRouter>(*objects_, *this, journal_);
+    router_->setRules(rules_);
     supervisor_.reset();
     journal_.unconfirmed.clear();
     bound_.clear();
@@ -156,6 +172,7 @@ void SimulatedClient::start() {
         reconnectAt_ = server_.now;
     supervisor_.reset();
     router_ = std::make_unique<StreamRouter>(*objects_, *this, journal_);
+    router_->setRules(rules_);
     if (server_.isClientThere && objects_->hasMetadata())
         bindMetadata(); // its changes may have been missed
     tick();
@@ -446,11 +463,7 @@ void SimulatedClient::take(const Event &event) {
             for (const Entry &entry : bound_)
                 objects_->putMetadata(entry.subject, entry.key, entry.value);
             objects_->setHasMetadata(true);
-            for (const RoutedStream &stream : inOrderOfUndoing(*objects_, leftovers_)) {
-                restoreRoute(*objects_, *this, stream);
-                journal_.released(stream);
-            }
-            leftovers_.clear();
+            router_->restore(std::exchange(leftovers_, {}));
             wasWatchdogLost_ = false;
             if (hadManager_)
                 supervisor_.sessionManagerReturned();

@@ -43,6 +43,9 @@ class SimulatedClient final : public ServerCommands {
     /// The streams of now run no cycles from now on.
     void hang();
     [[nodiscard]] bool hangs() const { return hangs_; }
+    /// Leaves a program alone, or processes it again.
+    void toggleRule(const std::string &program);
+    [[nodiscard]] bool leavesAlone(const std::string &program) const;
     void take(const Event &event);
     /// Does what is due.
     void tick();
@@ -103,6 +106,7 @@ class SimulatedClient final : public ServerCommands {
     SimulatedServer &server_;
     std::unique_ptr<ServerObjects> objects_ = std::make_unique<ServerObjects>();
     std::unique_ptr<StreamRouter> router_;
+    ProgramRules rules_;
     PairSupervisor supervisor_;
     PairFacts facts_;
     bool areFactsOld_ = true;

@@ -3,6 +3,7 @@
 #include "Desktop.h"
 #include "Invariants.h"
 
+#include <algorithm>
 #include <array>
 
 namespace quorbel::desktop {
@@ -36,6 +37,7 @@ constexpr std::array<Weight, static_cast<std::size_t>(count)> weights{{
     {deafen, "deafen", 1},
     {stall, "stall", 1},
     {hang, "hang", 1},
+    {leaveAlone, "leave alone", 0}, // added by itself, to one storm of four
 }};
 
 StormEvent::Kind randomKind(Random &random) {
@@ -71,6 +73,12 @@ Storm Storm::ofSeed(std::uint64_t seed, int length) {
         storm.events.push_back({randomKind(random), below(random, applicationCount),
                                 below(random, deviceCount), below(random, 100), at});
     }
+    if (seed % 4 == 0)
+        for (int i = length / 16; i > 0; --i)
+            storm.events.push_back({.kind = leaveAlone,
+                                    .a = below(random, applicationCount),
+                                    .at = 200'000 + below(random, static_cast<int>(at))});
+    std::ranges::stable_sort(storm.events, {}, &StormEvent::at);
     return storm;
 }
 

@@ -30,7 +30,8 @@ struct StormEvent {
         killServer,
         deafen,
         stall,
-        hang, ///< our data thread, until the streams are replaced
+        hang,       ///< our data thread, until the streams are replaced
+        leaveAlone, ///< or process again: a rule of a program
         count
     };
     Kind kind{};

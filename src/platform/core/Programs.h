@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quorbel {
+
+/// Names of the program that plays a stream, as the sound server reports them; empty where unknown.
+struct ProgramNames {
+    std::string sandbox{};       ///< application id that the sandbox vouches for
+    std::string binary{};        ///< file name of the executable
+    std::string applicationID{}; ///< as the program calls itself
+    std::string name{};          ///< the one for users
+
+    [[nodiscard]] bool areEmpty() const {
+        return sandbox.empty() && binary.empty() && applicationID.empty() && name.empty();
+    }
+    friend bool operator==(const ProgramNames &, const ProgramNames &) = default;
+};
+
+/// Whether the streams of one program are processed.
+struct ProgramRule {
+    ProgramNames program{}; ///< the stream has to have each name that is not empty
+    /// Pattern of the stream's title, without regard to case: `*` is any text, `?` any character.
+    /// Empty: any title.
+    std::string title{};
+    bool isProcessed = true;
+    /// Processes streams of more than two channels too, mixed to stereo.
+    bool isMixedToStereo = false;
+
+    friend bool operator==(const ProgramRule &, const ProgramRule &) = default;
+};
+
+/// Marks of a stream that carries a call. One of them is enough.
+struct CallMarks {
+    std::vector<std::string> roles{};
+    std::vector<std::string> names{};
+    std::vector<std::string> binaries{};
+
+    friend bool operator==(const CallMarks &, const CallMarks &) = default;
+};
+
+/// Which programs are processed. The first rule that matches a stream decides; without one, calls
+/// are decided together, and all others together.
+struct ProgramRules {
+    bool processesOthers = true;
+    bool processesCalls = false;
+    std::vector<ProgramRule> rules{};
+    CallMarks callMarks{};
+
+    friend bool operator==(const ProgramRules &, const ProgramRules &) = default;
+};
+
+/// What happens to a playback stream, and why.
+enum class StreamTreatment {
+    processed,
+    ready,     ///< to be processed, but nothing is processed at present
+    pending,   ///< on its way to being processed
+    excluded,  ///< left alone by a rule of the user
+    unlisted,  ///< left alone because the user processes only listed programs
+    call,      ///< left alone: a call
+    surround,  ///< left alone: it and the output have more than two channels
+    encoded,   ///< left alone: compressed sound, for the device to decode
+    moved,     ///< left alone: the user has moved it elsewhere
+    unmovable, ///< left alone: its program forbids moving it
+    copy,      ///< left alone: may carry the processed sound, or is half of a virtual device
+    refused,   ///< the sound server did not move it; tried again
+};
+
+/// A stream that a program plays.
+struct PlaybackStream {
+    std::uint64_t serial = 0; ///< never used again
+    ProgramNames program{};
+    std::string title{};
+    StreamTreatment treatment = StreamTreatment::ready;
+
+    friend bool operator==(const PlaybackStream &, const PlaybackStream &) = default;
+};
+
+} // namespace quorbel
