@@ -25,7 +25,7 @@ Persisted defaultSettings() {
 }
 
 /// Throws CommandError for a file that cannot be read or decoded.
-void peek(PresetGainsFile &file) {
+template <class File> void peek(File &file) {
     try {
         file.peek();
     } catch (const SettingsFileError &error) {
@@ -54,6 +54,12 @@ PresetGains loadPresetGains(const std::string &path) {
     PresetGainsFile file(path.empty() ? userSettingsPath() : path);
     peek(file);
     return file.gains;
+}
+
+ProgramRules loadProgramRules() {
+    ProgramRulesFile file(userSettingsPath());
+    peek(file);
+    return file.rules();
 }
 
 ChainSettings chainSettings(const Persisted &settings, const std::string &path,

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "engine/ChainSettings.h"
+#include "platform/core/Programs.h"
 #include "settings/records/Persisted.h"
 #include "settings/state/PresetGainsFile.h"
+#include "settings/state/ProgramRulesFile.h"
 #include "settings/state/SharedSettingsFile.h"
 
 #include <optional>
@@ -21,6 +23,10 @@ namespace quorbel {
 /// CommandError for a file that cannot be read or decoded, because presets without their gain would
 /// be too loud.
 [[nodiscard]] PresetGains loadPresetGains(const std::string &path);
+
+/// Which programs are processed, from the user's own file. Throws CommandError for a file that
+/// cannot be read or decoded, because a call could be processed.
+[[nodiscard]] ProgramRules loadProgramRules();
 
 /// The part of the settings that decides the sound, with the preset of this name in place of the
 /// active one if there is a name. A missing mixer or gain is the default. `path` is what `settings`

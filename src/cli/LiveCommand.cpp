@@ -80,6 +80,7 @@ void LiveCommand::run() const {
     std::signal(SIGPIPE, SIG_IGN); // the reader of the log may end, the sound stays
     TerminationSignals signals;
     Persisted settings = loadSettings(settingsPath_);
+    const ProgramRules programRules = loadProgramRules();
     const PresetGains gains = loadPresetGains(settingsPath_);
     ChainSettings chain = chainSettings(settings, settingsPath_, presetName_);
     if (presetName_)
@@ -97,6 +98,7 @@ void LiveCommand::run() const {
     char *arguments[] = {name, nullptr};
     const QCoreApplication application(argumentCount, arguments);
     const auto hardware = hardwareOrError();
+    hardware->setProgramRules(programRules);
     MainLoopClock clock;
     DeviceManager devices(*hardware, clock);
     AudioEngine engine(*hardware, devices, clock, chain.bands);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quorbel {
@@ -52,6 +53,14 @@ struct ProgramRules {
     friend bool operator==(const ProgramRules &, const ProgramRules &) = default;
 };
 
+/// True if `text` matches a pattern of `*` (any text) and `?` (any character). ASCII letters match
+/// in both cases.
+bool matchesPattern(std::string_view pattern, std::string_view text);
+
+/// The first rule that matches a stream; null if there is none.
+const ProgramRule *ruleFor(const ProgramRules &rules, const ProgramNames &program,
+                           const std::string &title);
+
 /// What happens to a playback stream, and why.
 enum class StreamTreatment {
     processed,
@@ -73,6 +82,7 @@ struct PlaybackStream {
     std::uint64_t serial = 0; ///< never used again
     ProgramNames program{};
     std::string title{};
+    bool isCall = false; ///< by the call marks
     StreamTreatment treatment = StreamTreatment::ready;
 
     friend bool operator==(const PlaybackStream &, const PlaybackStream &) = default;

@@ -9,9 +9,9 @@
 namespace quorbel {
 
 AppState::AppState(AudioHardware &hardware, Clock &clock, std::string settingsPath)
-    : clock_(clock), file_(std::move(settingsPath)), choiceFile_(file_.path()),
-      gainsFile_(file_.path()), presets_(factoryPresets()), deviceManager_(hardware, clock),
-      profiles_(*this, file_.path()),
+    : hardware_(hardware), clock_(clock), file_(std::move(settingsPath)), choiceFile_(file_.path()),
+      gainsFile_(file_.path()), rulesFile_(file_.path()), presets_(factoryPresets()),
+      deviceManager_(hardware, clock), profiles_(*this, file_.path()),
       engine_(
           std::make_unique<AudioEngine>(hardware, deviceManager_, clock, EQBand::defaultBands())) {
     activePresetID_ = firstPresetID();
@@ -22,6 +22,7 @@ AppState::AppState(AudioHardware &hardware, Clock &clock, std::string settingsPa
     seen_.outputDeviceUID = uidInFile;
     observeSettings();
     readProfiles();
+    readProgramRules();
 }
 
 AppState::~AppState() = default;

@@ -8,6 +8,7 @@
 #include "settings/state/OutputChoiceFile.h"
 #include "settings/state/OutputProfiles.h"
 #include "settings/state/PresetGainsFile.h"
+#include "settings/state/ProgramRulesFile.h"
 #include "settings/state/SharedSettingsFile.h"
 
 #include <QObject>
@@ -41,6 +42,12 @@ class AppState final : public QObject, private ProfileSettings {
     void assignProfile(const OutputKey &key, const std::string &label, OutputProfile::Use use,
                        const std::optional<Uuid> &preset = {});
     void forgetProfile(const OutputKey &key);
+
+    /// Which programs are processed.
+    [[nodiscard]] const ProgramRules &programRules() const { return programRules_; }
+    /// The hardware follows at once. Written at once; a failure is a warning.
+    void setProgramRules(const ProgramRules &rules);
+    [[nodiscard]] AudioHardware &hardware() { return hardware_; }
 
     /// The factory library, then the user's own.
     [[nodiscard]] const std::vector<Preset> &presets() const { return presets_; }
@@ -85,6 +92,7 @@ class AppState final : public QObject, private ProfileSettings {
 
   Q_SIGNALS:
     void presetsChanged();
+    void programRulesChanged();
     void activePresetIDChanged();
     void persistWarningChanged(); ///< also where a save fails like the one before
     /// Another program's changes have turned the presets `before` into `after`.
@@ -124,12 +132,16 @@ class AppState final : public QObject, private ProfileSettings {
     std::optional<std::string> writePresetGains();
     void readProfiles();
     std::optional<std::string> writeProfiles();
+    void readProgramRules();
     void setPersistWarning(std::optional<std::string> warning);
 
+    AudioHardware &hardware_;
     Clock &clock_;
     SharedSettingsFile file_;
     OutputChoiceFile choiceFile_;
     PresetGainsFile gainsFile_;
+    ProgramRulesFile rulesFile_;
+    ProgramRules programRules_; ///< with what could not be written
     std::vector<Preset> presets_;
     std::optional<Uuid> activePresetID_;
     std::optional<std::string> persistWarning_;

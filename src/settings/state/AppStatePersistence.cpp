@@ -107,6 +107,32 @@ std::optional<std::string> AppState::writeProfiles() {
     }
 }
 
+void AppState::readProgramRules() {
+    try {
+        if (auto warning = rulesFile_.read())
+            setPersistWarning(std::move(warning));
+    } catch (const SettingsFileError &error) {
+        setPersistWarning(std::string("The rules of programs could not be read: ") + error.what());
+    }
+    programRules_ = rulesFile_.rules();
+    hardware_.setProgramRules(programRules_);
+}
+
+void AppState::setProgramRules(const ProgramRules &rules) {
+    if (rules == programRules())
+        return;
+    programRules_ = rules;
+    try {
+        if (auto warning = rulesFile_.write(rules))
+            setPersistWarning(std::move(warning));
+        programRules_ = rulesFile_.rules(); // with another program's changes
+    } catch (const std::exception &error) {
+        setPersistWarning(std::string("The rules of programs could not be saved: ") + error.what());
+    }
+    hardware_.setProgramRules(programRules_);
+    Q_EMIT programRulesChanged();
+}
+
 /// A missing device stays unselected; the choice is kept.
 void AppState::applyOutput(const Persisted &record) {
     if (record.outputDeviceUID)

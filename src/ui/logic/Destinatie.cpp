@@ -16,7 +16,7 @@ struct Description {
 };
 
 /// In the order of the enumeration.
-constexpr std::array<Description, 9> descriptions{{
+constexpr std::array<Description, 10> descriptions{{
     {"equalizer", "Equalizer", "slider.vertical.3"},
     {"spatial", "Spatial", "sparkles"},
     {"mixer", "Mixer", "slider.horizontal.below.rectangle"},
@@ -26,6 +26,7 @@ constexpr std::array<Description, 9> descriptions{{
     {"presetsFactory", "Factory", "music.note"},
     {"presetsMine", "Mine", "heart"},
     {"setup", "Setup guide", "gearshape"},
+    {"programs", "Programs", "square.grid.2x2"},
 }};
 
 const Description &describe(Destinatie destination) {
@@ -42,7 +43,7 @@ const std::array<GrupDestinatii, 4> &grupuri() {
     using enum Destinatie;
     static const std::array<GrupDestinatii, 4> groups{{
         {"Tuning", {equalizer, spatial, mixer}},
-        {"Output", {devices, limiter}},
+        {"Output", {devices, limiter, programs}},
         {"Presets", {presetsAll, presetsFactory, presetsMine}},
         {"Help", {setup}},
     }};
@@ -68,6 +69,7 @@ std::string insigna(Destinatie destination, const InsigneSource &source) {
     case Destinatie::presetsMine:
         return std::to_string(countOf(PresetFilter::mine, source.presets));
     case Destinatie::setup:
+    case Destinatie::programs:
         break;
     }
     return {};

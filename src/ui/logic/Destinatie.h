@@ -24,6 +24,7 @@ enum class Destinatie {
     presetsFactory,
     presetsMine,
     setup,
+    programs,
 };
 
 /// The name by which the window's own code calls it: that of the enumerator.

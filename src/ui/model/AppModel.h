@@ -9,6 +9,8 @@
 #include "ui/model/NavigationModel.h"
 #include "ui/model/OutputProfileModel.h"
 #include "ui/model/PresetListModel.h"
+#include "ui/model/ProgramListModel.h"
+#include "ui/model/ProgramRuleModel.h"
 #include "ui/model/SettingsModel.h"
 #include "ui/model/SpectrumModel.h"
 
@@ -59,6 +61,8 @@ class AppModel final : public QObject {
     Q_PROPERTY(quorbel::PresetListModel *presets READ presets CONSTANT)
     Q_PROPERTY(quorbel::DeviceListModel *devices READ devices CONSTANT)
     Q_PROPERTY(quorbel::OutputProfileModel *profiles READ profiles CONSTANT)
+    Q_PROPERTY(quorbel::ProgramListModel *programs READ programs CONSTANT)
+    Q_PROPERTY(quorbel::ProgramRuleModel *programRules READ programRules CONSTANT)
     Q_PROPERTY(quorbel::SpectrumModel *spectrum READ spectrum CONSTANT)
     Q_PROPERTY(quorbel::NavigationModel *navigation READ navigation CONSTANT)
     Q_PROPERTY(quorbel::HistoryModel *history READ history CONSTANT)
@@ -86,6 +90,8 @@ class AppModel final : public QObject {
     [[nodiscard]] PresetListModel *presets() { return &presets_; }
     [[nodiscard]] DeviceListModel *devices() { return &devices_; }
     [[nodiscard]] OutputProfileModel *profiles() { return &profiles_; }
+    [[nodiscard]] ProgramListModel *programs() { return &programs_; }
+    [[nodiscard]] ProgramRuleModel *programRules() { return &programRules_; }
     [[nodiscard]] SpectrumModel *spectrum() { return &spectrum_; }
     [[nodiscard]] NavigationModel *navigation() { return &navigation_; }
     [[nodiscard]] HistoryModel *history() { return &history_; }
@@ -113,6 +119,8 @@ class AppModel final : public QObject {
     PresetListModel presets_;
     DeviceListModel devices_;
     OutputProfileModel profiles_;
+    ProgramListModel programs_;
+    ProgramRuleModel programRules_;
     SpectrumModel spectrum_;
     NavigationModel navigation_;
     AboutModel about_;

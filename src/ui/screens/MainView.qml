@@ -74,6 +74,8 @@ Item {
                         return mixer;
                     case "devices":
                         return devices;
+                    case "programs":
+                        return programs;
                     case "limiter":
                         return limiter;
                     case "presetsAll":
@@ -130,6 +132,10 @@ Item {
     Component {
         id: devices
         DevicesView {}
+    }
+    Component {
+        id: programs
+        ProgramsView {}
     }
     Component {
         id: limiter

@@ -48,6 +48,7 @@ void error(Stage &stage) {
 
 void running(Stage &stage) {
     stage.tune();
+    stage.machine.playPrograms();
     stage.app().setting("autoGainEnabled")->setValue(1);
     stage.machine.playMusic();
     stage.app().engine()->start();
@@ -71,6 +72,9 @@ void longNames(Stage &stage) {
     stage.app().devices()->select("long");
     stage.app().presets()->save("Headphones of the living room, late in the evening, second try");
     stage.importTextWithGaps();
+    stage.machine.playPrograms();
+    for (int row = 0; row < 3; ++row)
+        stage.app().programs()->setProcessed(row, row == 2);
 }
 
 void warning(Stage &stage) {
@@ -115,8 +119,9 @@ const Case cases[] = {
     {"smallText200Stopped", 720, 480, 200, true, nothing, true},
 };
 
-constexpr const char *destinations[] = {"equalizer", "spatial",    "mixer",       "devices",
-                                        "limiter",   "presetsAll", "presetsMine", "setup"};
+constexpr const char *destinations[] = {"equalizer",  "spatial",     "mixer",
+                                        "devices",    "limiter",     "programs",
+                                        "presetsAll", "presetsMine", "setup"};
 
 class LayoutTest : public ::testing::TestWithParam<Case> {
   protected:

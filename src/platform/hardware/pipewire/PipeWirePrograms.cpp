@@ -36,9 +36,11 @@ std::vector<PlaybackStream> PipeWireHardware::playbackStreams() {
             treatment = decided;
         else if (isVirtualSinkOutput(objects, node))
             treatment = StreamTreatment::copy;
+        const ProgramNames program = programNames(objects, node);
         streams.push_back({.serial = node.serial,
-                           .program = programNames(objects, node),
+                           .program = program,
                            .title = node.property("media.name"),
+                           .isCall = isCall(programRules_.callMarks, node, program),
                            .treatment = treatment});
     }
     return streams;

@@ -4,7 +4,6 @@
 #include "platform/hardware/routing/ServerObjects.h"
 
 #include <cstdint>
-#include <string_view>
 
 namespace quorbel {
 
@@ -12,13 +11,8 @@ namespace quorbel {
 /// the stream, others on their client.
 ProgramNames programNames(const ServerObjects &objects, const NodeRecord &stream);
 
-/// True if `text` matches a pattern of `*` (any text) and `?` (any character). ASCII letters match
-/// in both cases.
-bool matchesPattern(std::string_view pattern, std::string_view text);
-
-/// The first rule that matches a stream; null if there is none.
-const ProgramRule *ruleFor(const ProgramRules &rules, const ProgramNames &program,
-                           const std::string &title);
+/// True if the marks tell that a stream carries a call.
+bool isCall(const CallMarks &marks, const NodeRecord &stream, const ProgramNames &program);
 
 /// True if a device has more than two channels.
 bool isSurroundDevice(const ServerObjects &objects, std::uint32_t deviceID);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/core/Programs.h"
 #include "settings/records/OutputProfile.h"
 #include "settings/records/Persisted.h"
 #include "settings/records/SettingSchema.h"
@@ -186,6 +187,20 @@ template <> struct RecordFields<OutputSound> {
     static constexpr auto all = std::make_tuple(
         required("bands", &OutputSound::bands), required("spatial", &OutputSound::spatial),
         optional("presetGainDB", &OutputSound::presetGainDB));
+};
+
+template <> struct RecordFields<ProgramNames> {
+    static constexpr auto all = std::make_tuple(
+        optional("sandbox", &ProgramNames::sandbox), optional("binary", &ProgramNames::binary),
+        optional("applicationID", &ProgramNames::applicationID),
+        optional("name", &ProgramNames::name));
+};
+
+template <> struct RecordFields<ProgramRule> {
+    static constexpr auto all = std::make_tuple(
+        required("program", &ProgramRule::program), optional("title", &ProgramRule::title),
+        required("isProcessed", &ProgramRule::isProcessed),
+        optional("isMixedToStereo", &ProgramRule::isMixedToStereo));
 };
 
 template <> struct RecordFields<OutputChoice> {

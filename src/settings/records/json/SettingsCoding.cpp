@@ -24,7 +24,9 @@ template MixerConfig decodeRecord<MixerConfig>(std::string_view);
 template SpatialConfig decodeRecord<SpatialConfig>(std::string_view);
 template Preset decodeRecord<Preset>(std::string_view);
 template Persisted decodeRecord<Persisted>(std::string_view);
+template ProgramRule decodeRecord<ProgramRule>(std::string_view);
 
+template std::string encodeRecord(const ProgramRule &);
 template std::string encodeRecord(const OutputChoice &);
 template std::string encodeRecord(const OutputProfile &);
 template std::string encodeRecord(const EQBand &);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/core/Programs.h"
 #include "settings/records/OutputProfile.h"
 #include "settings/records/Persisted.h"
 #include "settings/records/json/CodingError.h"
@@ -13,7 +14,7 @@ namespace quorbel {
 /// Reads a record from its JSON text. A missing optional key (or one that is null) takes its
 /// default, keys that the record does not have are passed over; anything else that does not fit
 /// throws DecodingError. Made for EQBand, MixerConfig, SpatialConfig, Preset, Persisted,
-/// OutputChoice, OutputProfile.
+/// OutputChoice, OutputProfile, ProgramRule.
 template <class Record> [[nodiscard]] Record decodeRecord(std::string_view json);
 
 /// Writes a record, or a list of presets, as compact JSON: keys in the order of the fields, floats
@@ -28,7 +29,9 @@ extern template MixerConfig decodeRecord<MixerConfig>(std::string_view);
 extern template SpatialConfig decodeRecord<SpatialConfig>(std::string_view);
 extern template Preset decodeRecord<Preset>(std::string_view);
 extern template Persisted decodeRecord<Persisted>(std::string_view);
+extern template ProgramRule decodeRecord<ProgramRule>(std::string_view);
 
+extern template std::string encodeRecord(const ProgramRule &);
 extern template std::string encodeRecord(const OutputChoice &);
 extern template std::string encodeRecord(const OutputProfile &);
 extern template std::string encodeRecord(const EQBand &);

@@ -76,6 +76,15 @@ const Picture pictures[] = {
          stage.machine.removeAllDevices();
          stage.open("devices");
      }},
+    {"programs-running",
+     [](Stage &stage) {
+         stage.machine.playPrograms();
+         stage.open("programs");
+         stage.startWithMusic();
+         stage.app().programs()->setProcessed(1, false);
+         stage.app().programs()->setProcessed(3, true);
+     }},
+    {"programs-empty", [](Stage &stage) { stage.open("programs"); }},
     {"limiter-running",
      [](Stage &stage) {
          stage.app().setting("autoGainEnabled")->setValue(1);

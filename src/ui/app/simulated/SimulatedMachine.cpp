@@ -1,6 +1,7 @@
 #include "ui/app/simulated/SimulatedMachine.h"
 
 #include <QClipboard>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
@@ -50,6 +51,26 @@ SimulatedMachine::~SimulatedMachine() {
 void SimulatedMachine::addDevice(const QString &uid, const QString &name) {
     hardware_.addDevice({.uid = uid.toStdString(), .name = name.toStdString()});
     clock_.advance(0.5);
+}
+
+void SimulatedMachine::playPrograms() {
+    using enum StreamTreatment;
+    auto stream = [serial = std::uint64_t{100}](const char *name, const char *binary,
+                                                const char *title,
+                                                StreamTreatment treatment) mutable {
+        return PlaybackStream{.serial = ++serial,
+                              .program = {.binary = binary, .name = name},
+                              .title = title,
+                              .isCall = treatment == call,
+                              .treatment = treatment};
+    };
+    hardware_.setPlaybackStreams(
+        {stream("Music", "music", "Nocturne no. 2 in E flat major", processed),
+         stream("Web browser", "browser", "A talk about sound, part 2", processed),
+         stream("Films", "films", "The long night", surround),
+         stream("Telephone", "gnome-calls", "Call", call),
+         stream("Game", "game", "Battle", excluded), stream("Sound editor", "editor", "", moved)});
+    QCoreApplication::processEvents(); // the window is told in its own time
 }
 
 int SimulatedMachine::deviceListReads() {

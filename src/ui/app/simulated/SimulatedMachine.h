@@ -34,6 +34,8 @@ class SimulatedMachine final : public QObject, public PresetFileChooser {
     Q_INVOKABLE void removeAllDevices();
     /// An application plays noise like music, louder in the bass, in bursts.
     Q_INVOKABLE void playMusic();
+    /// Programs play streams, each with another treatment.
+    Q_INVOKABLE void playPrograms();
     /// How often the list of devices has been read so far.
     [[nodiscard]] Q_INVOKABLE int deviceListReads();
     /// The next start ends in an error with status -1.

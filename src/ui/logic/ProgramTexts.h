@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/core/Programs.h"
+
+#include <string>
+
+namespace quorbel {
+
+/// "Processed", or why a stream is left alone.
+[[nodiscard]] std::string treatmentText(StreamTreatment treatment);
+
+/// What the user calls a program: its own name, else the most readable of the others.
+[[nodiscard]] std::string programLabel(const ProgramNames &program);
+
+} // namespace quorbel
