@@ -44,6 +44,11 @@ class PrivateSoundServer {
     /// Every living process of this session except the server's own.
     [[nodiscard]] std::vector<pid_t> otherProcesses() const;
 
+    /// The folder of the program's own settings; it may not exist.
+    [[nodiscard]] std::filesystem::path settingsFolder() const {
+        return std::filesystem::path(environment().at("XDG_CONFIG_HOME")) / "Quorbel";
+    }
+
     // Actions of a desktop's settings
     void addDevice(const Device &device);
     void removeDevice(const std::string &name);

@@ -1,4 +1,5 @@
 #include "endtoend/LiveTest.h"
+#include "settings/state/ProgramRulesFile.h"
 #include "soundserver/ClientStream.h"
 
 #include <fmt/format.h>
@@ -110,6 +111,7 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
         static Player::Options options(const Application &application) {
             Player::Options options(application.name);
             options.channels = application.channels;
+            options.properties["application.name"] = application.name;
             return options;
         }
 
@@ -143,9 +145,10 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
         return last;
     }
 
-    /// Whether an application comes to be heard in one of these ways, 12 dB lower.
+    /// Whether an application comes to be heard in one of these ways with a gain.
     [[nodiscard]] testing::AssertionResult soonSoundsLike(const std::vector<ChannelLevels> &wanted,
-                                                          const Application &application) const {
+                                                          const Application &application,
+                                                          double gainDB = -12.0) const {
         ChannelLevels heard;
         const std::size_t begin = recorder.frames();
         const bool came = comesTrue(2.5, [&] {
@@ -154,13 +157,21 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
                 return false;
             heard = levelsOf(application);
             return std::ranges::any_of(wanted, [&](const ChannelLevels &levels) {
-                return heard.matches(levels.changedBy(-12.0));
+                return heard.matches(levels.changedBy(gainDB));
             });
         });
         if (came)
             return testing::AssertionSuccess();
         return testing::AssertionFailure() << application.name << " is heard as " << heard
                                            << ", without us as " << testing::PrintToString(wanted);
+    }
+
+    /// Has surround sound processed too, in stereo.
+    void mixSurroundToStereo() const {
+        ProgramRulesFile file(server.settingsFolder() / "state.json");
+        ProgramRules rules = file.rules();
+        rules.rules = {{.program = {.name = "surround"}, .isMixedToStereo = true}};
+        file.write(rules);
     }
 
     ChannelRecorder recorder{client, "device", GetParam(), 120.0};
@@ -174,6 +185,16 @@ TEST_P(ChannelCount, EveryChannelIsHeardWhereItIsWithoutUs) {
     const Application surround{"surround", 1100.0, 1300.0, 6};
     const Application later{"later", 1700.0, 1900.0};
     const ChannelLevels directStereo = direct(stereo);
+    if (GetParam() > 2) {
+        const ChannelLevels directSurround = direct(surround);
+        const Playing playing(client, surround);
+        const Playing other(client, later);
+        auto live = startLive(twelveDBLower());
+        ASSERT_TRUE(soonSoundsLike({directStereo}, later));
+        EXPECT_TRUE(soonSoundsLike({directSurround}, surround, 0.0)) << "left alone";
+        stopLive(live);
+        mixSurroundToStereo();
+    }
     const int starts = slowTestsWanted() ? 20 : 3;
     for (const Application &application : {stereo, surround}) {
         // We play stereo, so the server's own mix of stereo is right too.

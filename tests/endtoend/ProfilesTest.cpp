@@ -20,13 +20,10 @@ constexpr double toneDB = -12.0;
 class Profiles : public LiveTest {
   protected:
     Profiles() {
-        create_directories(settingsFolder());
-        std::ofstream(settingsFolder() / "state.json") << LiveSettings::flat().json();
+        create_directories(server.settingsFolder());
+        std::ofstream(server.settingsFolder() / "state.json") << LiveSettings::flat().json();
     }
 
-    [[nodiscard]] std::filesystem::path settingsFolder() const {
-        return std::filesystem::path(server.environment().at("XDG_CONFIG_HOME")) / "Quorbel";
-    }
     [[nodiscard]] static OutputProfile profile(const OutputKey &key, float gainDB) {
         return {.key = key,
                 .own = OutputSound{.bands = EQBand::defaultBands(), .presetGainDB = gainDB}};
@@ -35,7 +32,7 @@ class Profiles : public LiveTest {
         return {.card = "card", .route = route};
     }
     void write(const std::vector<OutputProfile> &profiles) const {
-        OutputProfilesFile(settingsFolder() / "state.json").write(profiles);
+        OutputProfilesFile(server.settingsFolder() / "state.json").write(profiles);
     }
     [[nodiscard]] std::unique_ptr<ChildProcess> startOwn() const {
         return server.start({LiveProcess::program(), "live"});

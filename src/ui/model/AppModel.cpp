@@ -31,7 +31,7 @@ AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
       settings_(state.engine(), history_, nullptr),
       equalizer_(state.engine().eq(), history_, nullptr), level_(state.engine(), history_, nullptr),
       presets_(state, favourites_, history_, nullptr), devices_(state, clock, nullptr),
-      profiles_(state, nullptr), programs_(state, nullptr), programRules_(state, nullptr),
+      profiles_(state, nullptr), programs_(state, clock, nullptr), programRules_(state, nullptr),
       spectrum_(state.engine(), nullptr), navigation_(state, nullptr), about_(nullptr) {
     instance_ = this;
     state_.engine().setComparable(true);

@@ -37,8 +37,8 @@ bool isFixed(StreamTreatment treatment) {
 
 } // namespace
 
-ProgramListModel::ProgramListModel(AppState &state, QObject *parent)
-    : RecordListModel(parent), state_(state) {
+ProgramListModel::ProgramListModel(AppState &state, Clock &clock, QObject *parent)
+    : RecordListModel(parent), state_(state), clock_(clock), self_(this) {
     connect(&state_, &AppState::programRulesChanged, this, [this] {
         if (watched_)
             follow();
@@ -94,7 +94,10 @@ void ProgramListModel::setWatched(bool watched) {
 /// The hardware tells each of many small changes. [control]
 void ProgramListModel::playbackStreamsChanged() {
     if (!isLookDue_.exchange(true))
-        QMetaObject::invokeMethod(this, &ProgramListModel::follow, Qt::QueuedConnection);
+        clock_.post([self = self_] {
+            if (self)
+                self->follow();
+        });
 }
 
 void ProgramListModel::follow() {

@@ -4,6 +4,7 @@
 #include "settings/state/AppState.h"
 #include "ui/model/RecordListModel.h"
 
+#include <QPointer>
 #include <QString>
 
 #include <atomic>
@@ -29,7 +30,7 @@ class ProgramListModel final : public quorbel::RecordListModel, private Hardware
         surroundRole,  ///< whether it would be mixed to stereo
     };
 
-    ProgramListModel(AppState &state, QObject *parent);
+    ProgramListModel(AppState &state, Clock &clock, QObject *parent);
     ~ProgramListModel() override;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent) const override;
@@ -50,6 +51,8 @@ class ProgramListModel final : public quorbel::RecordListModel, private Hardware
     void follow();
 
     AppState &state_;
+    Clock &clock_;
+    const QPointer<ProgramListModel> self_; ///< for what is handed over to the main thread
     bool watched_ = false;
     std::atomic<bool> isLookDue_ = false;
     std::vector<PlaybackStream> streams_; ///< as shown

@@ -1,5 +1,7 @@
 #include "endtoend/window/WindowTest.h"
+#include "soundserver/Levels.h"
 
+#include <cmath>
 #include <csignal>
 
 namespace quorbel {
@@ -11,6 +13,31 @@ std::optional<double> savedGain(const nlohmann::json &settings, std::size_t band
     if (bands == settings.end() || bands->size() <= band)
         return {};
     return (*bands)[band]["gainDB"].get<double>();
+}
+
+TEST_F(WindowTest, LeavesAProgramAloneAndProcessesItAgain) {
+    open();
+    playTone();
+    setSlider("Band 7 gain", 6.0);
+    startProcessing();
+    ASSERT_TRUE(soonHears(toneLevelDB + 6.0));
+    goTo("Programs");
+    EXPECT_TRUE(soonShows({"label", "Processed"}));
+    const Sought processed{"check box", "Process " + programName()};
+    // The level of the latest 20 ms.
+    const auto levelNow = [&] {
+        const Recording heard = speakers().last(0.02);
+        return soundserver::toneLevelDB(std::span<const float>(heard.left), toneHz, sampleRate);
+    };
+    for (const double gainDB : {0.0, 6.0}) {
+        press(processed);
+        const auto pressed = SteadyClock::now();
+        EXPECT_TRUE(
+            comesTrue(2.0, [&] { return std::abs(levelNow() - toneLevelDB - gainDB) < 0.3; }));
+        EXPECT_LT(SteadyClock::now() - pressed, std::chrono::milliseconds(200));
+        EXPECT_TRUE(soonShows({"label", gainDB == 0.0 ? "Left alone: your choice" : "Processed"}));
+        EXPECT_TRUE(soonHears(toneLevelDB + gainDB));
+    }
 }
 
 TEST_F(WindowTest, FromTheFirstStartToTheLastEdit) {

@@ -159,6 +159,12 @@ testing::AssertionResult WindowTest::soonPlaysInto(const std::string &target) {
 
 std::string WindowTest::tapName() const { return "quorbel.tap." + std::to_string(program_->pid()); }
 
+std::string WindowTest::programName() {
+    const ServerState state = server().state();
+    const Node *node = state.node("player");
+    return node == nullptr ? "" : node->property("application.name");
+}
+
 testing::AssertionResult WindowTest::soonHears(double levelDB, double tolerance) const {
     // 0.2 s whose second half is like the first: neither a fade nor a moment of both sounds.
     constexpr std::size_t half = 4800;

@@ -105,6 +105,8 @@ class WindowTest : public testing::Test {
     /// Whether it comes to play there, as far as the server knows.
     [[nodiscard]] static testing::AssertionResult soonPlaysInto(const std::string &target);
     [[nodiscard]] std::string tapName() const;
+    /// What the player's program is called.
+    [[nodiscard]] static std::string programName();
     /// The level of the tone on the speakers, once it rests.
     [[nodiscard]] testing::AssertionResult soonHears(double levelDB, double tolerance = 0.1) const;
 

@@ -4,6 +4,7 @@
 #include "support/soundserver/Sounds.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -20,7 +21,8 @@ class Player : public ClientStream {
         std::string name;
         std::string target; ///< a device that the application insists on; empty for the default
         int sampleRate;
-        int channels = 2; ///< those beyond the second are silent
+        int channels = 2;                                ///< those beyond the second are silent
+        std::map<std::string, std::string> properties{}; ///< more of the stream
     };
 
     Player(GraphClient &client, Sound &sound) : Player(client, sound, Options{}) {}

@@ -1,7 +1,6 @@
 #include "ui/app/simulated/SimulatedMachine.h"
 
 #include <QClipboard>
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
@@ -70,7 +69,7 @@ void SimulatedMachine::playPrograms() {
          stream("Films", "films", "The long night", surround),
          stream("Telephone", "gnome-calls", "Call", call),
          stream("Game", "game", "Battle", excluded), stream("Sound editor", "editor", "", moved)});
-    QCoreApplication::processEvents(); // the window is told in its own time
+    clock_.runPending();
 }
 
 int SimulatedMachine::deviceListReads() {
