@@ -54,7 +54,7 @@ FocusScope {
             text: row.status
         }
         DotToggle {
-            WrapRow.minimumWidth: Math.min(line.width, 20 * Theme.textUnit)
+            WrapRow.minimumWidth: Math.min(line.width, 25 * Theme.textUnit)
             enabled: !row.fixed
             checked: row.processed
             text: row.surround ? qsTr("In stereo anyway") : qsTr("Process")
