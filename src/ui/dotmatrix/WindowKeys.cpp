@@ -142,12 +142,12 @@ WindowKeys::Shortcut WindowKeys::shortcutOf(const QKeyEvent &key) {
         return *found;
     Shortcut shortcut{code, modifiers, Request::none};
     if (modifiers == Qt::ControlModifier) {
-        // Layouts that need Shift for the digits have them at the same places.
+        // Layouts that need Shift for the digits have them at the same places, 0 behind 9.
         const bool isDigit = code >= Qt::Key_0 && code <= Qt::Key_9;
         shortcut.index = isDigit
-                             ? code - Qt::Key_1
+                             ? (code - Qt::Key_1 + 10) % 10
                              : static_cast<int>(key.nativeScanCode()) - static_cast<int>(scanCode1);
-        if (shortcut.index >= 0 && shortcut.index < 9)
+        if (shortcut.index >= 0 && shortcut.index < 10)
             shortcut.request = Request::screen;
     }
     return shortcut;

@@ -54,7 +54,7 @@ class WindowKeys : public QQuickItem {
     void quitRequested();
     void refreshRequested();
     void startStopRequested();
-    /// Ctrl with a digit; 0 for 1.
+    /// Ctrl with a digit; 0 for 1, 9 for 0.
     void screenRequested(int index);
 
   protected:

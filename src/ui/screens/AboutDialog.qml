@@ -49,7 +49,7 @@ DotDialog {
             readonly property list<string> lines: [
                 qsTr("B, held"), qsTr("Compare"),
                 qsTr("Ctrl+Return"), qsTr("Start or stop processing"),
-                qsTr("Ctrl+1 to Ctrl+9"), qsTr("Screens, in the order of the sidebar"),
+                qsTr("Ctrl+1 to Ctrl+9, Ctrl+0"), qsTr("Screens, in the order of the sidebar"),
                 qsTr("Ctrl+Z"), qsTr("Undo"),
                 qsTr("Ctrl+Shift+Z, Ctrl+Y"), qsTr("Redo"),
                 qsTr("F5"), qsTr("Refresh device list"),

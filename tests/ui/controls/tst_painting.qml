@@ -154,7 +154,7 @@ ControlCase {
 
     function test_every_symbol_has_ink() {
         const names = Look.symbolNames();
-        compare(names.length, 32);
+        compare(names.length, 33);
         const item = createTemporaryObject(symbol, root, { size: 32, color: "#ff0000" }) as Symbol;
         for (const name of names) {
             const before = item.paintCount();

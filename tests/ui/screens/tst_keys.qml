@@ -30,7 +30,7 @@ ScreenTest {
     readonly property var everywhere: ({
             "B": { compared: true }, "B in Cyrillic": { compared: true }, "F5": { refreshed: true },
             "Ctrl+Z": { global: 0 }, "Ctrl+Z in Cyrillic": { global: 0 }, "Ctrl+Return": { running: false },
-            "Ctrl+7": { screen: "presetsFactory" }, "Ctrl+7 in French": { screen: "presetsFactory" }
+            "Ctrl+7": { screen: "presetsAll" }, "Ctrl+7 in French": { screen: "presetsAll" }
         })
     readonly property var inDialog: ({
             "Escape": { dialog: false }, "Ctrl+Z": none, "Ctrl+Z in Cyrillic": none, "F5": none, "Ctrl+Return": none,
@@ -155,7 +155,7 @@ ScreenTest {
                     tryVerify(() => box().popup.opened);
                 },
                 expect: Object.assign(eachOf([...press, "Escape"], { open: false }), { "Down": { highlighted: 1 },
-                        "End": { highlighted: 4 }, "H": { highlighted: 2 } }, eachOf(["Ctrl+7", "Ctrl+7 in French"], { screen: "presetsFactory", open: false }))
+                        "End": { highlighted: 4 }, "H": { highlighted: 2 } }, eachOf(["Ctrl+7", "Ctrl+7 in French"], { screen: "presetsAll", open: false }))
             },
             {
                 tag: "slider",
@@ -190,7 +190,7 @@ ScreenTest {
                 },
                 expect: Object.assign(eachOf(["Return", "Enter"], { gain: 5, focus: "Band 3 gain" }), { "Escape": away,
                         "Backspace": { text: "" }, "Space": { text: "5 " }, "Ctrl+Z": { text: "+3.0" }, "Ctrl+Z in Cyrillic": { text: "+3.0" },
-                        "Ctrl+7": { screen: "presetsFactory", gain: 5 }, "Ctrl+7 in French": { screen: "presetsFactory", gain: 5 } },
+                        "Ctrl+7": { screen: "presetsAll", gain: 5 }, "Ctrl+7 in French": { screen: "presetsAll", gain: 5 } },
                         { "H": { text: "5h" }, "B": { text: "5b" }, "Shift+B": { text: "5B" }, "B in Cyrillic": { text: "5и" }, "N in Cyrillic": { text: "5т" } })
             },
             { tag: "text to read", take: () => take(App.engine.subtitle, "StaticText") },
@@ -250,12 +250,12 @@ ScreenTest {
 
     function test_shortcuts_to_every_screen_and_redo() {
         const screens = [];
-        for (let digit = 1; digit <= 9; ++digit) {
-            keyClick(String(digit), Qt.ControlModifier);
+        for (const digit of "1234567890") {
+            keyClick(digit, Qt.ControlModifier);
             screens.push(window.destination);
             settle();
         }
-        compare(screens, ["equalizer", "spatial", "mixer", "devices", "limiter", "presetsAll", "presetsFactory", "presetsMine", "setup"]);
+        compare(screens, ["equalizer", "spatial", "mixer", "devices", "limiter", "programs", "presetsAll", "presetsFactory", "presetsMine", "setup"]);
         for (const [key, modifiers] of [[Qt.Key_Y, Qt.ControlModifier], [Qt.Key_Z, Qt.ControlModifier | Qt.ShiftModifier]]) {
             App.equalizer.globalGainDB = 2;
             App.history.undo();
