@@ -46,14 +46,13 @@ EffectUnit::EffectUnit(const ComponentDescription &description, InstantiationOpt
     setParameterTree(std::move(tree));
 }
 
-Status EffectUnit::allocateRenderResources(std::string &error) {
-    if (const Status status = AudioUnit::allocateRenderResources(error); status != statusOK)
+Status EffectUnit::allocateRenderResources() {
+    if (const Status status = AudioUnit::allocateRenderResources(); status != statusOK)
         return status;
     Status status = statusOK;
     try {
-        status = prepare(static_cast<float>(outputBus_.format().sampleRate), error);
+        status = prepare(static_cast<float>(outputBus_.format().sampleRate));
     } catch (const std::bad_alloc &) {
-        error = "not enough memory for the unit's buffers";
         status = statusOutOfMemory;
     }
     if (status != statusOK)
@@ -70,6 +69,6 @@ void EffectUnit::takeSettings() noexcept {
         cell->take();
 }
 
-Status EffectUnit::prepare(float, std::string &) { return statusOK; }
+Status EffectUnit::prepare(float) { return statusOK; }
 
 } // namespace quorbel

@@ -42,7 +42,7 @@ class EffectUnit : public AudioUnit {
     [[nodiscard]] AudioUnitBusArray &outputBusses() override { return outputBusses_; }
 
     /// Allocates as the base class does, then calls `prepare` with the output's rate.
-    Status allocateRenderResources(std::string &error) override;
+    Status allocateRenderResources() override;
 
     void takeSettings() noexcept override;
 
@@ -62,8 +62,8 @@ class EffectUnit : public AudioUnit {
     [[nodiscard]] const Cell &storage(ParameterAddress address) const { return cells_[address]; }
 
     /// Resets the running state for `sampleRate` (Hz) while nothing renders. Memory sized by the
-    /// rate may be refused; `error` then says why. Units without state keep this version.
-    virtual Status prepare(float sampleRate, std::string &error);
+    /// rate may be refused. Units without state keep this version.
+    virtual Status prepare(float sampleRate);
 
   private:
     AudioUnitBus inputBus_;

@@ -101,8 +101,7 @@ TEST_P(EffectContractTest, ItsParametersAndRenderBlockMayOutliveIt) {
     auto unit = make();
     const auto tree = unit->parameterTree();
     const RenderBlock block = unit->internalRenderBlock();
-    std::string error;
-    ASSERT_EQ(unit->allocateRenderResources(error), statusOK);
+    ASSERT_EQ(unit->allocateRenderResources(), statusOK);
     unit.reset();
     for (const auto &parameter : tree->allParameters())
         parameter->setValue(parameter->value() + 1.0F);

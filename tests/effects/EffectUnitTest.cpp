@@ -20,7 +20,7 @@ class FailingUnit final : public EffectUnit {
     RenderBlock internalRenderBlock() override { return {}; }
 
   protected:
-    Status prepare(float, std::string &) override { return statusFormatNotSupported; }
+    Status prepare(float) override { return statusFormatNotSupported; }
 };
 
 TEST(EffectUnitTest, AFailedAllocationLeavesAStageThatIsPassedOver) {

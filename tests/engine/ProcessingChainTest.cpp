@@ -72,7 +72,7 @@ class ProbeUnit final : public EffectUnit {
     }
 
   protected:
-    Status prepare(float, std::string &) override {
+    Status prepare(float) override {
         probes_.valuesAtAllocation[which_] = values(this);
         return statusOK;
     }

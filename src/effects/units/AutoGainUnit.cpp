@@ -38,7 +38,7 @@ struct AutoGainUnit::State {
 AutoGainUnit::AutoGainUnit(const ComponentDescription &description, InstantiationOptions options)
     : EffectUnit(description, options, autoGainParameters), state_(std::make_shared<State>()) {}
 
-Status AutoGainUnit::prepare(float sampleRate, std::string &) {
+Status AutoGainUnit::prepare(float sampleRate) {
     state_->gainStorage.store(0.0F);
     state_->core.prepare(sampleRate,
                          manualGain(storage(manualEnabled)->value(), storage(manual)->value()));

@@ -18,7 +18,7 @@ class AutoGainUnit final : public EffectUnit {
     [[nodiscard]] float readout() const noexcept override;
 
   protected:
-    Status prepare(float sampleRate, std::string &error) override;
+    Status prepare(float sampleRate) override;
 
   private:
     struct State;

@@ -65,7 +65,7 @@ BassEnhancerUnit::BassEnhancerUnit(const ComponentDescription &description,
     : EffectUnit(description, options, bassEnhancerParameters), state_(std::make_shared<State>()),
       analysisTimer_(analysisQueues, "Quorbel.BassAnalysis") {}
 
-Status BassEnhancerUnit::prepare(float sampleRate, std::string &) {
+Status BassEnhancerUnit::prepare(float sampleRate) {
     state_->sampleRateStorage.store(sampleRate);
     state_->core.prepare(sampleRate);
     if (!analysis_)

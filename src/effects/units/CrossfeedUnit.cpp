@@ -23,7 +23,7 @@ struct CrossfeedUnit::State {
 CrossfeedUnit::CrossfeedUnit(const ComponentDescription &description, InstantiationOptions options)
     : EffectUnit(description, options, crossfeedParameters), state_(std::make_shared<State>()) {}
 
-Status CrossfeedUnit::prepare(float sampleRate, std::string &) {
+Status CrossfeedUnit::prepare(float sampleRate) {
     state_->core.prepare(sampleRate);
     return statusOK;
 }

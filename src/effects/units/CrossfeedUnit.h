@@ -15,7 +15,7 @@ class CrossfeedUnit final : public EffectUnit {
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
   protected:
-    Status prepare(float sampleRate, std::string &error) override;
+    Status prepare(float sampleRate) override;
 
   private:
     struct State;

@@ -29,7 +29,7 @@ struct LimiterUnit::State {
 LimiterUnit::LimiterUnit(const ComponentDescription &description, InstantiationOptions options)
     : EffectUnit(description, options, limiterParameters), state_(std::make_shared<State>()) {}
 
-Status LimiterUnit::prepare(float sampleRate, std::string &) {
+Status LimiterUnit::prepare(float sampleRate) {
     state_->gainReductionStorage.store(0.0F);
     state_->core.prepare(sampleRate);
     state_->sampleRate = sampleRate;

@@ -25,7 +25,7 @@ class LimiterUnit final : public EffectUnit {
     void clearLargestReduction() noexcept;
 
   protected:
-    Status prepare(float sampleRate, std::string &error) override;
+    Status prepare(float sampleRate) override;
 
   private:
     struct State;

@@ -23,7 +23,7 @@ SpatializerUnit::SpatializerUnit(const ComponentDescription &description,
                                  InstantiationOptions options)
     : EffectUnit(description, options, spatializerParameters), state_(std::make_shared<State>()) {}
 
-Status SpatializerUnit::prepare(float sampleRate, std::string &) {
+Status SpatializerUnit::prepare(float sampleRate) {
     state_->core.prepare(sampleRate);
     return statusOK;
 }

@@ -20,7 +20,7 @@ class SpatializerUnit final : public EffectUnit {
     void addTo(EnhancerPass &pass) noexcept;
 
   protected:
-    Status prepare(float sampleRate, std::string &error) override;
+    Status prepare(float sampleRate) override;
 
   private:
     struct State;

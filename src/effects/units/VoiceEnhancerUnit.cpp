@@ -66,7 +66,7 @@ VoiceEnhancerUnit::VoiceEnhancerUnit(const ComponentDescription &description,
     : EffectUnit(description, options, voiceEnhancerParameters), state_(std::make_shared<State>()),
       analysisTimer_(analysisQueues, "Quorbel.VoiceAnalysis") {}
 
-Status VoiceEnhancerUnit::prepare(float sampleRate, std::string &) {
+Status VoiceEnhancerUnit::prepare(float sampleRate) {
     state_->sampleRateStorage.store(sampleRate);
     state_->core.prepare(sampleRate);
     if (!analysis_)

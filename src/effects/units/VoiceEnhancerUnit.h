@@ -30,7 +30,7 @@ class VoiceEnhancerUnit final : public EffectUnit {
     [[nodiscard]] float readout() const noexcept override;
 
   protected:
-    Status prepare(float sampleRate, std::string &error) override;
+    Status prepare(float sampleRate) override;
 
   private:
     struct State;

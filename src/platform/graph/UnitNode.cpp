@@ -24,8 +24,7 @@ Status UnitNode::allocateRenderResources(const StreamFormat &format, std::uint32
         if (const Status status = bus->setFormat(format); status != statusOK)
             return status;
     unit_->setMaximumFramesToRender(maximumFrames);
-    std::string ignored; // the status is enough
-    if (const Status status = unit_->allocateRenderResources(ignored); status != statusOK)
+    if (const Status status = unit_->allocateRenderResources(); status != statusOK)
         return status;
     block_ = unit_->internalRenderBlock();
     return statusOK;

@@ -30,14 +30,12 @@ Status AudioUnitBus::setFormat(const StreamFormat &format) {
 AudioUnitBusArray::AudioUnitBusArray(Type type, std::vector<AudioUnitBus *> busses)
     : type_(type), busses_(std::move(busses)) {}
 
-Status AudioUnit::allocateRenderResources(std::string &error) {
+Status AudioUnit::allocateRenderResources() {
     const AudioUnitBusArray &outputs = outputBusses();
     for (const AudioUnitBusArray *busses : {&inputBusses(), &outputBusses()}) {
         for (std::size_t i = 0; i < busses->count(); ++i) {
-            if ((*busses)[i].format() != outputs[0].format()) {
-                error = "the unit's busses have different formats";
+            if ((*busses)[i].format() != outputs[0].format())
                 return statusFormatNotSupported;
-            }
         }
     }
     allocated_ = true;

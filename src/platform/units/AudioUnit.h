@@ -99,9 +99,9 @@ class AudioUnit {
     [[nodiscard]] std::uint32_t maximumFramesToRender() const { return maximumFrames_; }
     void setMaximumFramesToRender(std::uint32_t frames) { maximumFrames_ = frames; }
 
-    /// Takes all the memory that rendering needs. On failure `error` is the reason in words and the
-    /// unit is as before. The base class requires that all busses have one format.
-    virtual Status allocateRenderResources(std::string &error);
+    /// Takes all the memory that rendering needs. On failure the unit is as before. The base class
+    /// requires that all busses have one format.
+    virtual Status allocateRenderResources();
     virtual void deallocateRenderResources() { allocated_ = false; }
     [[nodiscard]] bool renderResourcesAllocated() const { return allocated_; }
 
