@@ -14,11 +14,6 @@ struct StateVariableDesign {
     double band = 1.0;
     double low = 1.0; ///< gain at 0 Hz
 
-    /// The section whose transfer function is (b0 + b1/z + b2/z²) / (1 + a1/z + a2/z²), which must
-    /// be stable.
-    [[nodiscard]] static StateVariableDesign fromBiquad(double b0, double b1, double b2, double a1,
-                                                        double a2);
-
     /// |H|² at a frequency given as a fraction of the sample rate, 0 to 0.5 (excluded).
     [[nodiscard]] double power(double normalizedFrequency) const;
 };

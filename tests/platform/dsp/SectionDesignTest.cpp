@@ -1,15 +1,10 @@
 #include "equalizer/SectionDesign.h"
 
-#include "equalizer/StateVariableSection.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <complex>
 #include <limits>
-#include <numbers>
-#include <random>
 
 namespace quorbel {
 namespace {
@@ -65,26 +60,6 @@ TEST(SectionDesign, movesSmoothlyWithItsSettings) {
                 }
             }
         }
-}
-
-TEST(StateVariableSection, isAnyStableBiquad) {
-    std::mt19937 random(20240607);
-    std::uniform_real_distribution<double> uniform(-1.0, 1.0);
-    for (int i = 0; i < 1000; ++i) {
-        const double a2 = 0.999 * uniform(random);
-        const double a1 = 0.999 * (1.0 + a2) * uniform(random);
-        const double b0 = uniform(random);
-        const double b1 = uniform(random);
-        const double b2 = uniform(random);
-        const auto design = StateVariableDesign::fromBiquad(b0, b1, b2, a1, a2);
-        for (const double frequency : {0.0, 0.01, 0.1, 0.3, 0.49}) {
-            const auto z1 = std::polar(1.0, -2.0 * std::numbers::pi * frequency);
-            const double expected =
-                std::norm((b0 + z1 * (b1 + z1 * b2)) / (1.0 + z1 * (a1 + z1 * a2)));
-            EXPECT_NEAR(design.power(frequency), expected, 1e-9 * std::max(expected, 1.0))
-                << "biquad " << i << " at " << frequency;
-        }
-    }
 }
 
 } // namespace
