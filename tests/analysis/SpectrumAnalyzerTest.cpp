@@ -14,7 +14,6 @@
 #include <functional>
 #include <numbers>
 #include <numeric>
-#include <random>
 #include <vector>
 
 namespace quorbel {
@@ -92,11 +91,7 @@ class SpectrumAnalyzerTest : public ::testing::Test {
 };
 
 TEST_F(SpectrumAnalyzerTest, EveryBandIsTheMeanMagnitudeOfItsBins) {
-    std::mt19937 random(20);
-    std::uniform_real_distribution<float> uniform(-1.0F, 1.0F);
-    std::vector<float> samples(2048);
-    for (float &sample : samples)
-        sample = uniform(random);
+    const std::vector<float> samples = noise(2048, 1.0F).left;
     attach();
     play(2048, [&](std::size_t n) { return samples[n]; });
     waitForTick();

@@ -11,7 +11,7 @@ namespace {
 
 class AutoGainModel final : public UnitModel {
   public:
-    explicit AutoGainModel(double sampleRate) : sampleRate_(sampleRate) {}
+    using UnitModel::UnitModel;
 
     void process(ModelBlock &block, const Settings &s) override {
         const bool levelling = s.at(AutoGainUnit::enabled) >= 0.5F;
@@ -21,7 +21,7 @@ class AutoGainModel final : public UnitModel {
         // The coefficients are 32-bit numbers: one minus a smoothing of 3 s has but 7 bits of its
         // own.
         const auto keep = [this](float seconds) {
-            return double{std::exp(-1.0F / (seconds * static_cast<float>(sampleRate_)))};
+            return double{std::exp(-1.0F / (seconds * sampleRate_))};
         };
         if (!levelling)
             gain_ = 1.0;
@@ -43,18 +43,12 @@ class AutoGainModel final : public UnitModel {
     }
 
   private:
-    double sampleRate_;
     double power_ = 0.0;
     double gain_ = 1.0;
     double trim_ = 1.0;
 };
 
-struct AutoGainTest : ::testing::Test {
-    UnitHarness unit{std::make_unique<AutoGainUnit>(autoGainDescription, 0)};
-    void SetUp() override { ASSERT_EQ(unit.allocate(), statusOK); }
-};
-
-TEST_F(AutoGainTest, MatchesTheModel) {
+TEST(AutoGainTest, MatchesTheModel) {
     const auto settings = [](float target, float enabled, float manual, float manualEnabled) {
         return Settings{{0, target}, {1, enabled}, {2, manual}, {3, manualEnabled}};
     };
@@ -62,21 +56,16 @@ TEST_F(AutoGainTest, MatchesTheModel) {
                                          settings(-16, 1, 6, 1),   settings(-30, 1, 6, 1),
                                          settings(-30, 0, -12, 1), settings(-6, 0, 0, 1),
                                          settings(-6, 1, 0, 0)};
-    for (const auto &[name, sound] : modelSounds()) {
-        AutoGainModel model(48'000.0);
-        UnitHarness fresh(std::make_unique<AutoGainUnit>(autoGainDescription, 0));
-        ASSERT_EQ(fresh.allocate(), statusOK);
-        // Every step of a smoother over seconds is rounded at the size of the gain itself,
-        // thousands of times in the same direction, until the steps round to nothing 0.6 % before
-        // the target.
-        EXPECT_LT(differenceFromModel(fresh, model, sound, schedule), 1e-3) << name;
-    }
+    // Every step of a smoother over seconds is rounded at the size of the gain itself, thousands of
+    // times in the same direction, until the steps round to nothing 0.6 % before the target.
+    expectMatchesModel<AutoGainUnit, AutoGainModel>({48'000.0}, schedule, 1e-3);
 }
 
-TEST_F(AutoGainTest, TheTrimStartsAtItsTargetAfterAllocation) {
+TEST(AutoGainTest, TheTrimStartsAtItsTargetAfterAllocation) {
+    UnitHarness unit(std::make_unique<AutoGainUnit>(autoGainDescription, 0));
     unit.set(AutoGainUnit::manual, 20.0F).set(AutoGainUnit::manualEnabled, 1.0F);
     ASSERT_EQ(unit.allocate(), statusOK);
-    Sound constant(512);
+    Stereo constant(512);
     constant.left.assign(512, 0.1F);
     EXPECT_NEAR(unit.play(constant).left[0], 0.1 * std::pow(10.0, 12.0 / 20.0), 1e-6);
 }

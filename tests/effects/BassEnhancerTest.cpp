@@ -1,8 +1,7 @@
+#include "effects/AnalysingUnitTest.h"
 #include "effects/EffectComponents.h"
 #include "effects/ModelComparison.h"
-#include "effects/NaiveSpectrum.h"
 #include "effects/units/BassEnhancerUnit.h"
-#include "platform/threads/ManualClock.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +12,7 @@ namespace {
 
 class BassModel final : public UnitModel {
   public:
-    explicit BassModel(double sampleRate) : sampleRate_(static_cast<float>(sampleRate)) {}
+    using UnitModel::UnitModel;
 
     void process(ModelBlock &block, const Settings &s) override {
         const float hz = s.at(BassEnhancerUnit::crossover);
@@ -42,34 +41,11 @@ class BassModel final : public UnitModel {
                 (1.0F - alpha) / a0};
     }
 
-    float sampleRate_;
     std::array<ModelSection, 2> lows_;
     std::array<ModelSection, 2> highs_;
 };
 
-struct BassEnhancerTest : ::testing::Test {
-    ManualClock clock;
-
-    UnitHarness make(double sampleRate = 48'000.0) {
-        UnitHarness unit(std::make_unique<BassEnhancerUnit>(bassEnhancerDescription, 0,
-                                                            clockedSerialQueues(clock)));
-        EXPECT_EQ(unit.allocate(sampleRate), statusOK);
-        return unit;
-    }
-    static float readout(UnitHarness &unit) {
-        return dynamic_cast<EffectUnit &>(unit.unit()).readout();
-    }
-    /// Plays in blocks and lets their time pass, as file rendering does.
-    Sound playInTime(UnitHarness &unit, Sound sound, std::size_t blockFrames = 512) {
-        for (std::size_t done = 0; done < sound.frames(); done += blockFrames) {
-            const std::size_t count = std::min(blockFrames, sound.frames() - done);
-            AudioBufferList view = sound.view(done);
-            unit.render(view, static_cast<std::uint32_t>(count));
-            clock.advance(static_cast<double>(count) / 48'000.0);
-        }
-        return sound;
-    }
-};
+using BassEnhancerTest = AnalysingUnitTest<BassEnhancerUnit, bassEnhancerDescription>;
 
 TEST_F(BassEnhancerTest, MatchesTheModel) {
     const auto settings = [](float amount, float drive, float crossover) {
@@ -78,45 +54,22 @@ TEST_F(BassEnhancerTest, MatchesTheModel) {
     const std::vector<Settings> schedule{settings(50, 3, 80), settings(100, 8, 150),
                                          settings(0, 3, 80), settings(100, 1, 40),
                                          settings(30, 2.5F, 99)};
-    for (const auto &[name, sound] : modelSounds()) {
-        for (const double rate : {44'100.0, 48'000.0}) {
-            UnitHarness unit = make(rate);
-            BassModel model(rate);
-            // Direct form I in 32 bits at 40 Hz: the recursion multiplies its rounding by up to
-            // 1e4.
-            EXPECT_LT(differenceFromModel(unit, model, sound, schedule), 6e-5)
-                << name << " at " << rate << " Hz";
-        }
-    }
+    // Direct form I in 32 bits at 40 Hz: the recursion multiplies its rounding by up to 1e4.
+    expectMatchesModel<BassEnhancerUnit, BassModel>({44'100.0, 48'000.0}, schedule, 6e-5);
 }
 
 TEST_F(BassEnhancerTest, TracksThePowersCentreOnTheSamplesOfItsSchedule) {
-    UnitHarness unit = make();
-    const Sound music = modelSounds().at("music");
-    AnalysisSchedule schedule(48'000.0);
-    std::vector<double> heard;
     double expected = 80.0;
-    Sound sound = music;
-    int estimates = 0;
-    for (std::size_t end = 512; end <= 36'000; end += 512) {
-        AudioBufferList view = sound.view(end - 512);
-        for (std::size_t i = end - 512; i < end; ++i)
-            heard.push_back((double{music.left[i]} + double{music.right[i]}) / 2.0);
-        unit.render(view, 512);
-        clock.advance(512 / 48'000.0);
-        for (int due = schedule.dueBy(end); due > 0; --due) {
-            double power = 0.0;
-            double moment = 0.0;
-            for (std::size_t k = 3; k <= 17; ++k) { // 35 to 199 Hz
-                const double p = naivePower(heard, k);
-                power += p;
-                moment += p * static_cast<double>(k) * 48'000.0 / 4096.0;
-            }
-            expected += 0.08 * (std::clamp(moment / power, 40.0, 150.0) - expected);
-            ++estimates;
+    const int estimates = followSchedule(512, 36'000, 2e-4, [&](const auto &heard) {
+        double power = 0.0;
+        double moment = 0.0;
+        for (std::size_t k = 3; k <= 17; ++k) { // 35 to 199 Hz
+            const double p = naivePower(heard, k);
+            power += p;
+            moment += p * static_cast<double>(k) * 48'000.0 / 4096.0;
         }
-        ASSERT_NEAR(readout(unit), expected, 2e-4) << "after frame " << end;
-    }
+        return expected += 0.08 * (std::clamp(moment / power, 40.0, 150.0) - expected);
+    });
     EXPECT_EQ(estimates, 13);
 }
 
@@ -128,9 +81,9 @@ TEST_F(BassEnhancerTest, HoldsInSilenceAndBeforeThereIsEnoughToHear) {
     playInTime(unit, sine(60.0, 480'000));
     EXPECT_NEAR(readout(unit), 60.0F, 0.5F);
 
-    playInTime(unit, Sound(9600));
+    playInTime(unit, Stereo(9600));
     const float held = readout(unit);
-    playInTime(unit, Sound(96'000));
+    playInTime(unit, Stereo(96'000));
     EXPECT_EQ(readout(unit), held);
 
     ASSERT_EQ(unit.allocate(), statusOK);
@@ -141,15 +94,15 @@ TEST_F(BassEnhancerTest, HoldsInSilenceAndBeforeThereIsEnoughToHear) {
 }
 
 TEST_F(BassEnhancerTest, TheTrackedFrequencyReplacesTheCrossoverOnlyAboveTheMiddle) {
-    const Sound sound = noise(4096);
+    const Stereo sound = noise(4096);
     const auto playedWith = [&](float crossover, float adaptive) {
         UnitHarness unit = make();
         return unit.set(BassEnhancerUnit::crossover, crossover)
             .set(BassEnhancerUnit::adaptive, adaptive)
             .play(sound);
     };
-    const Sound at150 = playedWith(150.0F, 0.0F);
-    const Sound at80 = playedWith(80.0F, 0.0F);
+    const Stereo at150 = playedWith(150.0F, 0.0F);
+    const Stereo at80 = playedWith(80.0F, 0.0F);
     EXPECT_NE(at150, at80);
     EXPECT_EQ(playedWith(150.0F, 0.5F), at150);
     EXPECT_EQ(playedWith(150.0F, 0.51F), at80) << "80 Hz before the first estimate";

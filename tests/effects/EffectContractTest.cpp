@@ -91,7 +91,7 @@ Status notConnected(const RenderBlock &block, AudioBufferList &view, std::uint32
 TEST_P(EffectContractTest, WithoutAnInputItReportsSoAndTouchesNothing) {
     UnitHarness harness(make());
     ASSERT_EQ(harness.allocate(), statusOK);
-    Sound sound = noise(256);
+    Stereo sound = noise(256);
     AudioBufferList view = sound.view();
     EXPECT_EQ(notConnected(harness.unit().internalRenderBlock(), view, 256), -10876);
     EXPECT_EQ(sound, noise(256));
@@ -105,7 +105,7 @@ TEST_P(EffectContractTest, ItsParametersAndRenderBlockMayOutliveIt) {
     unit.reset();
     for (const auto &parameter : tree->allParameters())
         parameter->setValue(parameter->value() + 1.0F);
-    Sound sound = noise(64);
+    Stereo sound = noise(64);
     AudioBufferList view = sound.view();
     RenderActionFlags flags = 0;
     const PullInputBlock ready = [](RenderActionFlags &, const RenderTime &, std::uint32_t,
@@ -130,7 +130,7 @@ TEST_P(EffectContractTest, AFailedPullIsReturnedAndLeavesNoTrace) {
                     static_cast<std::uint32_t>(bus)};
         return Status{-1234};
     };
-    Sound sound = noise(128, 0.9F, 2);
+    Stereo sound = noise(128, 0.9F, 2);
     AudioBufferList view = sound.view();
     RenderActionFlags flags = 5;
     const RenderBlock block = disturbed.unit().internalRenderBlock();
@@ -161,8 +161,8 @@ TEST_P(EffectContractTest, NeutralSettingsChangeNothing) {
         UnitHarness harness(make());
         setNeutral(harness);
         ASSERT_EQ(harness.allocate(), statusOK);
-        const Sound sound = noise(10'000);
-        const Sound result = harness.play(sound, blockFrames);
+        const Stereo sound = noise(10'000);
+        const Stereo result = harness.play(sound, blockFrames);
         if (declared().neutralRounding == 0.0) {
             EXPECT_EQ(result, sound) << "blocks of " << blockFrames;
         } else {
@@ -176,7 +176,7 @@ TEST_P(EffectContractTest, StaysFiniteAtExtremeSettingsRatesAndLevels) {
         atExtremes([&](UnitHarness &harness) {
             ASSERT_EQ(harness.allocate(rate), statusOK);
             for (const float level : {0.0F, 1e-30F, 1e-6F, 1.0F, 100.0F}) {
-                const Sound result = harness.play(noise(3000, level), 500);
+                const Stereo result = harness.play(noise(3000, level), 500);
                 clock.advance(3000 / rate);
                 for (std::size_t i = 0; i < result.frames(); ++i)
                     ASSERT_TRUE(std::isfinite(result.left[i]) && std::isfinite(result.right[i]))
@@ -192,11 +192,11 @@ TEST_P(EffectContractTest, OneChannelDoesNotLeakIntoTheOther) {
     ASSERT_EQ(neutral.allocate(), statusOK);
     for (const bool leftOnly : {true, false}) {
         const auto onlyOneChannel = [&] {
-            Sound sound = noise(4096);
+            Stereo sound = noise(4096);
             (leftOnly ? sound.right : sound.left).assign(4096, 0.0F);
             return sound;
         };
-        const auto silentChannel = [&](const Sound &sound) {
+        const auto silentChannel = [&](const Stereo &sound) {
             return leftOnly ? sound.right : sound.left;
         };
         const std::vector<float> silence(4096, 0.0F);
@@ -216,7 +216,7 @@ TEST_P(EffectContractTest, RenderingNeitherAllocatesNorTakesForeignLocks) {
     atExtremes([](UnitHarness &harness) {
         ASSERT_EQ(harness.allocate(), statusOK);
         for (const std::uint32_t frames : {1U, 7U, 64U, 512U, 4096U}) {
-            Sound sound = noise(frames);
+            Stereo sound = noise(frames);
             AudioBufferList view = sound.view();
             const RealtimeGuard guard;
             for (int block = 0; block < 3; ++block)
@@ -232,7 +232,7 @@ TEST_P(EffectContractTest, AfterAResetSilenceGivesSilence) {
         harness.play(noise(3000));
         harness.node().reset();
         // The crossfeed's guard against denormal numbers remains.
-        ASSERT_LT(difference(harness.play(Sound(1000)), Sound(1000)), 1e-18);
+        ASSERT_LT(difference(harness.play(Stereo(1000)), Stereo(1000)), 1e-18);
     });
 }
 
@@ -244,7 +244,7 @@ TEST_P(EffectContractTest, AllocatedAgainItIsAsNew) {
             fresh.set(i, settings[i]->value());
         ASSERT_EQ(fresh.allocate(), statusOK);
         // One block each, so that cells which ramp from block to block stand alike.
-        fresh.play(Sound(64));
+        fresh.play(Stereo(64));
         ASSERT_EQ(fresh.allocate(), statusOK);
 
         ASSERT_EQ(used.allocate(96000.0), statusOK);

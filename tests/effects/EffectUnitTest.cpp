@@ -27,7 +27,7 @@ TEST(EffectUnitTest, AFailedAllocationLeavesAStageThatIsPassedOver) {
     UnitHarness harness(std::make_unique<FailingUnit>());
     EXPECT_EQ(harness.allocate(), statusFormatNotSupported);
     EXPECT_FALSE(harness.unit().renderResourcesAllocated());
-    const Sound untouched = sine(1000, 16);
+    const Stereo untouched = sine(1000, 16);
     EXPECT_EQ(harness.play(untouched), untouched);
 }
 
@@ -70,8 +70,8 @@ TEST(EffectUnitTest, NeighboursInOnePassSoundAndMeasureAsOneByOne) {
     ASSERT_EQ(joined.bass.node().joinable(std::span(joined.behindBass).first(2)), 0U);
     for (std::uint32_t block = 0; block < 60; ++block) {
         const std::uint32_t frames = block % 2 == 0 ? 512 : 333 + block;
-        Sound expected = noise(frames, 0.9F, block + 1);
-        Sound sound = expected;
+        Stereo expected = noise(frames, 0.9F, block + 1);
+        Stereo sound = expected;
         joined.set(block);
         alone.set(block);
         AudioBufferList view = sound.view();

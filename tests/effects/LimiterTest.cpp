@@ -20,9 +20,9 @@ class LimiterModel {
           attack_(1.0 - std::exp(-4.0 / static_cast<double>(lookahead_))),
           release_(1.0 - std::exp(-1.0 / (sampleRate * 0.05))), held_(lookahead_, {0.0, 0.0}) {}
 
-    Sound play(const Sound &sound, double thresholdDB) {
+    Stereo play(const Stereo &sound, double thresholdDB) {
         const double threshold = std::pow(10.0, thresholdDB / 20.0);
-        Sound result(sound.frames());
+        Stereo result(sound.frames());
         for (std::size_t i = 0; i < sound.frames(); ++i) {
             held_.push_back({double{sound.left[i]}, double{sound.right[i]}});
             double peak = 0.0;
@@ -52,7 +52,7 @@ UnitHarness makeLimiter(double sampleRate = 48'000.0) {
     return limiter;
 }
 
-double peakOf(const Sound &sound) { return difference(sound, Sound(sound.frames())); }
+double peakOf(const Stereo &sound) { return difference(sound, Stereo(sound.frames())); }
 
 TEST(LimiterTest, MatchesTheModel) {
     for (const auto &[name, sound] : modelSounds()) {
@@ -60,8 +60,8 @@ TEST(LimiterTest, MatchesTheModel) {
             for (const float threshold : {-12.0F, -3.0F, -0.3F, 0.0F}) {
                 UnitHarness limiter = makeLimiter(rate);
                 limiter.set(LimiterUnit::threshold, threshold);
-                const Sound result = limiter.play(sound, 480);
-                const Sound model = LimiterModel(rate).play(sound, double{threshold});
+                const Stereo result = limiter.play(sound, 480);
+                const Stereo model = LimiterModel(rate).play(sound, double{threshold});
                 // The gain is a sum over thousands of frames in 32 bits: it creeps to within 1e-4
                 // of its target and stops there, where its steps round to nothing.
                 ASSERT_LT(difference(result, model), 1.2e-4)
@@ -85,8 +85,8 @@ TEST(LimiterTest, QuietSoundIsOnlyDelayedAndTheReductionIsATrueZero) {
     UnitHarness limiter = makeLimiter();
     const auto &readout = dynamic_cast<EffectUnit &>(limiter.unit());
     EXPECT_NEAR(limiter.unit().latency(), 0.0013, 1e-5);
-    const Sound sound = noise(4096, 0.5F);
-    const Sound result = limiter.play(sound);
+    const Stereo sound = noise(4096, 0.5F);
+    const Stereo result = limiter.play(sound);
     for (std::size_t i = 62; i < sound.frames(); ++i)
         ASSERT_EQ(result.right[i], sound.right[i - 62]);
     EXPECT_EQ(readout.readout(), 0.0F);
@@ -104,14 +104,14 @@ TEST(LimiterTest, QuietSoundIsOnlyDelayedAndTheReductionIsATrueZero) {
 TEST(LimiterTest, SwitchedOffItIsGoneAndSwitchedOnItFirstPlaysWhatItHeld) {
     UnitHarness limiter = makeLimiter();
     limiter.set(LimiterUnit::threshold, 0.0F);
-    const Sound before = noise(640, 0.5F, 1);
+    const Stereo before = noise(640, 0.5F, 1);
     limiter.play(before);
     limiter.set(LimiterUnit::enabled, 0.49F);
     EXPECT_EQ(limiter.play(noise(640, 0.5F, 2)), noise(640, 0.5F, 2));
 
     limiter.set(LimiterUnit::enabled, 0.5F);
-    const Sound after = noise(640, 0.5F, 3);
-    const Sound result = limiter.play(after);
+    const Stereo after = noise(640, 0.5F, 3);
+    const Stereo result = limiter.play(after);
     for (std::size_t i = 0; i < 62; ++i)
         ASSERT_EQ(result.left[i], before.left[640 - 62 + i]);
     for (std::size_t i = 62; i < 640; ++i)

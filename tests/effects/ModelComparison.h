@@ -2,12 +2,18 @@
 
 #include "effects/TestSounds.h"
 #include "effects/UnitHarness.h"
+#include "platform/threads/ManualClock.h"
+#include "platform/threads/SerialQueue.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
+#include <memory>
 #include <random>
+#include <type_traits>
 #include <vector>
 
 namespace quorbel {
@@ -23,18 +29,22 @@ struct ModelBlock {
 /// A naive version of a unit: `process` turns one block into what the unit should make of it.
 class UnitModel {
   public:
+    explicit UnitModel(float sampleRate) : sampleRate_(sampleRate) {}
     virtual ~UnitModel() = default;
     virtual void process(ModelBlock &block, const Settings &settings) = 0;
+
+  protected:
+    const float sampleRate_;
 };
 
 /// Plays `sound` through unit and model in blocks of irregular lengths (single frames among them),
 /// moving to the next of `schedule` every ten blocks. Returns the largest difference.
-inline double differenceFromModel(UnitHarness &unit, UnitModel &model, const Sound &sound,
+inline double differenceFromModel(UnitHarness &unit, UnitModel &model, const Stereo &sound,
                                   const std::vector<Settings> &schedule) {
     std::mt19937 random(17);
     constexpr std::array<std::size_t, 8> lengths{1, 2, 7, 64, 100, 480, 512, 4096};
     double largest = 0.0;
-    Sound heard = sound;
+    Stereo heard = sound;
     std::size_t blocks = 0;
     for (std::size_t begin = 0; begin < sound.frames(); ++blocks) {
         const Settings &settings = schedule[blocks / 10 % schedule.size()];
@@ -55,6 +65,28 @@ inline double differenceFromModel(UnitHarness &unit, UnitModel &model, const Sou
         begin += count;
     }
     return largest;
+}
+
+/// Compares a unit with its model on every sound, at each of these rates.
+template <typename Unit, typename Model>
+void expectMatchesModel(const std::vector<double> &rates, const std::vector<Settings> &schedule,
+                        double tolerance) {
+    ManualClock clock;
+    for (const auto &[name, sound] : modelSounds())
+        for (const double rate : rates) {
+            std::unique_ptr<Unit> made;
+            if constexpr (std::is_constructible_v<Unit, ComponentDescription, InstantiationOptions,
+                                                  SerialQueueFactory>)
+                made =
+                    std::make_unique<Unit>(ComponentDescription{}, 0, clockedSerialQueues(clock));
+            else
+                made = std::make_unique<Unit>(ComponentDescription{}, 0);
+            UnitHarness unit(std::move(made));
+            ASSERT_EQ(unit.allocate(rate), statusOK);
+            Model model(static_cast<float>(rate));
+            EXPECT_LT(differenceFromModel(unit, model, sound, schedule), tolerance)
+                << name << " at " << rate << " Hz";
+        }
 }
 
 /// A second-order section whose coefficients are the given 32-bit numbers and whose arithmetic is

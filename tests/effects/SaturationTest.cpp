@@ -1,4 +1,3 @@
-#include "effects/EffectComponents.h"
 #include "effects/ModelComparison.h"
 #include "effects/units/SaturationUnit.h"
 
@@ -9,6 +8,8 @@ namespace {
 
 class SaturationModel final : public UnitModel {
   public:
+    using UnitModel::UnitModel;
+
     void process(ModelBlock &block, const Settings &settings) override {
         const float percent = settings.at(SaturationUnit::drive);
         const double target = double{percent} / 100.0;
@@ -30,15 +31,16 @@ class SaturationModel final : public UnitModel {
 };
 
 TEST(SaturationTest, MatchesTheModel) {
-    for (const auto &[name, sound] : modelSounds()) {
-        SaturationModel model;
-        UnitHarness unit(std::make_unique<SaturationUnit>(saturationDescription, 0));
-        ASSERT_EQ(unit.allocate(), statusOK);
-        const std::vector<Settings> schedule{{{0, 0.0F}},  {{0, 100.0F}}, {{0, 1.0F}},
-                                             {{0, 0.0F}},  {{0, 0.99F}},  {{0, 1.0F}},
-                                             {{0, 50.0F}}, {{0, 30.0F}}};
-        EXPECT_LT(differenceFromModel(unit, model, sound, schedule), 3e-7) << name;
-    }
+    expectMatchesModel<SaturationUnit, SaturationModel>({48'000.0},
+                                                        {{{0, 0.0F}},
+                                                         {{0, 100.0F}},
+                                                         {{0, 1.0F}},
+                                                         {{0, 0.0F}},
+                                                         {{0, 0.99F}},
+                                                         {{0, 1.0F}},
+                                                         {{0, 50.0F}},
+                                                         {{0, 30.0F}}},
+                                                        3e-7);
 }
 
 } // namespace

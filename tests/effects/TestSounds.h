@@ -9,13 +9,13 @@ namespace quorbel {
 
 /// The sounds on which units are compared with their models: 1.5 s each at 48 kHz, at most full
 /// scale.
-inline std::map<std::string, Sound> modelSounds() {
+inline std::map<std::string, Stereo> modelSounds() {
     constexpr std::size_t frames = 72'000;
-    std::map<std::string, Sound> sounds;
-    sounds["silence"] = Sound(frames);
+    std::map<std::string, Stereo> sounds;
+    sounds["silence"] = Stereo(frames);
     sounds["sine"] = sine(997.0, frames, 0.9);
     sounds["noise"] = noise(frames, 1.0F);
-    Sound impulses(frames);
+    Stereo impulses(frames);
     for (std::size_t i = 0; i < frames; i += 4801) {
         impulses.left[i] = 1.0F;
         impulses.right[(i + 1700) % frames] = -1.0F;
@@ -23,7 +23,7 @@ inline std::map<std::string, Sound> modelSounds() {
     sounds["impulses"] = impulses;
 
     // Bursts of noise between stretches of silence, one channel later than the other.
-    Sound bursts = noise(frames, 1.0F, 7);
+    Stereo bursts = noise(frames, 1.0F, 7);
     for (std::size_t i = 0; i < frames; ++i) {
         bursts.left[i] *= i % 6000 < 900 ? 1.0F : 0.0F;
         bursts.right[i] *= (i + 2500) % 6000 < 900 ? 1.0F : 0.0F;
@@ -31,8 +31,8 @@ inline std::map<std::string, Sound> modelSounds() {
     sounds["bursts"] = bursts;
 
     // Something like music: a bass line, a chord that decays and comes back, a hiss of hi-hats.
-    Sound music(frames);
-    const Sound hiss = noise(frames, 1.0F, 11);
+    Stereo music(frames);
+    const Stereo hiss = noise(frames, 1.0F, 11);
     for (std::size_t i = 0; i < frames; ++i) {
         const double t = static_cast<double>(i) / 48'000.0;
         const double beat = std::fmod(t, 0.5);

@@ -27,13 +27,13 @@ TEST_P(VectorKernelsTest, LimiterBlockIsEqualBitByBit) {
         float vectorGain = 1.0F;
         float plainGain = 1.0F;
         const auto compare = [&](std::uint32_t count, float threshold) {
-            const Sound sound = noise(lookahead + longest + blockPadding, 1.5F, count);
+            const Stereo sound = noise(lookahead + longest + blockPadding, 1.5F, count);
             std::vector<float> peaks(sound.frames());
             for (std::size_t i = 0; i < peaks.size(); ++i)
                 peaks[i] = std::max(std::abs(sound.left[i]), std::abs(sound.right[i]));
             std::vector<float> gains(longest + blockPadding);
-            Sound vectorOut(longest);
-            Sound plainOut(longest);
+            Stereo vectorOut(longest);
+            Stereo plainOut(longest);
             LimiterBlock block{.peaks = peaks.data(),
                                .lookahead = lookahead,
                                .count = count,
@@ -95,8 +95,8 @@ TEST_P(VectorKernelsTest, EnhancersAreEqualBitByBit) {
             const auto passOf = [&](EnhancerStages &s) {
                 return s.pass((stages & 1U) != 0, (stages & 2U) != 0, (stages & 4U) != 0, count);
             };
-            Sound vectorSound = noise(count, 0.9F, count + 1);
-            Sound plainSound = vectorSound;
+            Stereo vectorSound = noise(count, 0.9F, count + 1);
+            Stereo plainSound = vectorSound;
             enhance(passOf(vector), vectorSound.left.data(), vectorSound.right.data(), count);
             enhancePlainly(passOf(plain), plainSound.left.data(), plainSound.right.data(), count);
             ASSERT_EQ(vectorSound, plainSound) << count << " frames, stages " << stages;
@@ -115,8 +115,8 @@ TEST_P(VectorKernelsTest, LevellerIsEqualBitByBit) {
     LevellerState plainState;
     for (std::uint32_t count = 0; count <= longest; ++count) {
         // Across the gate and back.
-        Sound vector = noise(count, count % 20 < 10 ? 0.5F : 1e-4F, count + 1);
-        Sound plain = vector;
+        Stereo vector = noise(count, count % 20 < 10 ? 0.5F : 1e-4F, count + 1);
+        Stereo plain = vector;
         runLeveller(settings, state, vector.left.data(), vector.right.data(), count);
         runLevellerPlainly(settings, plainState, plain.left.data(), plain.right.data(), count);
         ASSERT_EQ(vector, plain) << count << " frames";

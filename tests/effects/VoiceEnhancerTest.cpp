@@ -1,9 +1,8 @@
+#include "effects/AnalysingUnitTest.h"
 #include "effects/EffectComponents.h"
 #include "effects/ModelComparison.h"
-#include "effects/NaiveSpectrum.h"
 #include "effects/cores/VoiceDetector.h"
 #include "effects/units/VoiceEnhancerUnit.h"
-#include "platform/threads/ManualClock.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +11,7 @@ namespace {
 
 class VoiceModel final : public UnitModel {
   public:
-    explicit VoiceModel(double sampleRate) : sampleRate_(static_cast<float>(sampleRate)) {}
+    using UnitModel::UnitModel;
 
     void process(ModelBlock &block, const Settings &s) override {
         const float mix = s.at(VoiceEnhancerUnit::amount) / 100.0F;
@@ -43,32 +42,11 @@ class VoiceModel final : public UnitModel {
                 -2.0F * std::cos(w) / norm, (1.0F - alpha / A) / norm};
     }
 
-    float sampleRate_;
     std::array<ModelSection, 2> muds_;
     std::array<ModelSection, 2> presences_;
 };
 
-struct VoiceEnhancerTest : ::testing::Test {
-    ManualClock clock;
-
-    UnitHarness make(double sampleRate = 48'000.0) {
-        UnitHarness unit(std::make_unique<VoiceEnhancerUnit>(voiceEnhancerDescription, 0,
-                                                             clockedSerialQueues(clock)));
-        EXPECT_EQ(unit.allocate(sampleRate), statusOK);
-        return unit;
-    }
-    static float readout(UnitHarness &unit) {
-        return dynamic_cast<EffectUnit &>(unit.unit()).readout();
-    }
-    Sound playInTime(UnitHarness &unit, Sound sound) {
-        for (std::size_t done = 0; done < sound.frames(); done += 480) {
-            AudioBufferList view = sound.view(done);
-            unit.render(view, 480);
-            clock.advance(0.01);
-        }
-        return sound;
-    }
-};
+using VoiceEnhancerTest = AnalysingUnitTest<VoiceEnhancerUnit, voiceEnhancerDescription>;
 
 TEST_F(VoiceEnhancerTest, MatchesTheModel) {
     const auto settings = [](float amount, float presence, float mud) {
@@ -77,14 +55,7 @@ TEST_F(VoiceEnhancerTest, MatchesTheModel) {
     const std::vector<Settings> schedule{
         settings(100, 3, 2.5F), settings(50, 6, 4),    settings(0, 6, 4), settings(100, 0, 0),
         settings(0.09F, 3, 2),  settings(0.11F, 6, 4), settings(77, 1, 4)};
-    for (const auto &[name, sound] : modelSounds()) {
-        for (const double rate : {44'100.0, 48'000.0}) {
-            UnitHarness unit = make(rate);
-            VoiceModel model(rate);
-            EXPECT_LT(differenceFromModel(unit, model, sound, schedule), 3e-5)
-                << name << " at " << rate << " Hz";
-        }
-    }
+    expectMatchesModel<VoiceEnhancerUnit, VoiceModel>({44'100.0, 48'000.0}, schedule, 3e-5);
 }
 
 TEST_F(VoiceEnhancerTest, ListensWhileItRests) {
@@ -95,40 +66,25 @@ TEST_F(VoiceEnhancerTest, ListensWhileItRests) {
 }
 
 TEST_F(VoiceEnhancerTest, ConfidenceFollowsTheShareOfTheVoiceBand) {
-    UnitHarness unit = make();
-    const Sound music = modelSounds().at("music");
-    AnalysisSchedule schedule(48'000.0);
-    std::vector<double> heard;
-    Sound sound = music;
     double expected = 0.0;
-    int estimates = 0;
-    for (std::size_t end = 700; end <= 14'000; end += 700) {
-        for (std::size_t i = end - 700; i < end; ++i)
-            heard.push_back((double{music.left[i]} + double{music.right[i]}) / 2.0);
-        AudioBufferList view = sound.view(end - 700);
-        unit.render(view, 700);
-        clock.advance(700 / 48'000.0);
-        for (int due = schedule.dueBy(end); due > 0; --due) {
-            double total = 0.0;
-            double voice = 0.0;
-            for (std::size_t k = 6; k <= 853; ++k) {
-                const double p = naivePower(heard, k);
-                total += p;
-                voice += k >= 26 && k <= 341 ? p : 0.0;
-            }
-            const double target = std::clamp((voice / total - 0.3) / 0.3, 0.0, 1.0);
-            expected = 0.9 * expected + 0.1 * target;
-            ++estimates;
+    const int estimates = followSchedule(700, 14'000, 1e-5, [&](const auto &heard) {
+        double total = 0.0;
+        double voice = 0.0;
+        for (std::size_t k = 6; k <= 853; ++k) {
+            const double p = naivePower(heard, k);
+            total += p;
+            voice += k >= 26 && k <= 341 ? p : 0.0;
         }
-        ASSERT_NEAR(readout(unit), expected, 1e-5) << "after frame " << end;
-    }
+        const double target = std::clamp((voice / total - 0.3) / 0.3, 0.0, 1.0);
+        return expected = 0.9 * expected + 0.1 * target;
+    });
     EXPECT_EQ(estimates, 4);
     EXPECT_GT(expected, 0.0) << "the comparison has something to compare";
     EXPECT_FLOAT_EQ(VoiceDetector::confidenceFor(0.45F), 0.5F);
 }
 
 TEST_F(VoiceEnhancerTest, AdaptiveModeScalesByTheConfidenceOnlyAboveTheMiddle) {
-    const Sound sound = noise(480);
+    const Stereo sound = noise(480);
     UnitHarness unit = make();
     unit.set(VoiceEnhancerUnit::adaptive, 1.0F);
     EXPECT_EQ(unit.play(sound), sound) << "no confidence, no effect";
@@ -140,8 +96,8 @@ TEST_F(VoiceEnhancerTest, AdaptiveModeScalesByTheConfidenceOnlyAboveTheMiddle) {
     EXPECT_GT(readout(unit), 0.99F);
     EXPECT_NE(unit.play(sound), sound);
     const float held = readout(unit);
-    playInTime(unit, Sound(48'000));
-    playInTime(unit, Sound(48'000));
+    playInTime(unit, Stereo(48'000));
+    playInTime(unit, Stereo(48'000));
     EXPECT_NEAR(readout(unit), held, 0.1F) << "silence holds it";
 }
 

@@ -1,13 +1,13 @@
 #include "engine/TruePeak.h"
 
 #include "support/EveryVectorTarget.h"
+#include "support/Stereo.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <random>
 #include <vector>
 
 namespace quorbel {
@@ -42,10 +42,7 @@ TEST_P(TruePeakTest, FindsThePeakBetweenTheSamplesOfEitherChannel) {
 }
 
 TEST_P(TruePeakTest, MissesNoPeakWhereItSavesTheOversampling) {
-    std::mt19937 random(7);
-    std::vector<float> sound(20'000);
-    for (float &sample : sound)
-        sample = std::uniform_real_distribution<float>(-1.0F, 1.0F)(random);
+    const std::vector<float> sound = noise(20'000, 1.0F).left;
     const std::vector<float> silence(sound.size());
     // Given sample by sample with nothing held, every value is computed.
     TruePeak truePeak;

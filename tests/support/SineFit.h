@@ -7,32 +7,38 @@
 
 namespace quorbel {
 
-/// The sine of a known frequency in a sound, as a least-squares fit over whole periods.
+/// The sine of a known frequency in a sound, as a least-squares fit of sine and cosine.
 struct SineFit {
     double amplitude = 0.0;
     double residual = 0.0; ///< root mean square of what is left without it
 
+    /// The residual in dB of the sine's root mean square.
+    [[nodiscard]] double residualDB() const {
+        return 20.0 * std::log10(residual * std::numbers::sqrt2 / amplitude);
+    }
+
     [[nodiscard]] static SineFit of(std::span<const float> samples, double hertz,
                                     double sampleRate) {
-        const double periods = std::floor(static_cast<double>(samples.size()) * hertz / sampleRate);
-        const auto frames =
-            samples.first(static_cast<std::size_t>(std::round(periods * sampleRate / hertz)));
         const double step = 2.0 * std::numbers::pi * hertz / sampleRate;
-        double sines = 0.0, cosines = 0.0, squares = 0.0, phase = 0.0;
-        for (const float frame : frames) {
-            sines += double{frame} * std::sin(phase);
-            cosines += double{frame} * std::cos(phase);
-            phase += step;
+        double ss = 0.0, sc = 0.0, cc = 0.0, sx = 0.0, cx = 0.0;
+        for (std::size_t n = 0; n < samples.size(); ++n) {
+            const double s = std::sin(step * static_cast<double>(n));
+            const double c = std::cos(step * static_cast<double>(n));
+            ss += s * s;
+            sc += s * c;
+            cc += c * c;
+            sx += s * double{samples[n]};
+            cx += c * double{samples[n]};
         }
-        const double half = static_cast<double>(frames.size()) / 2.0;
-        phase = 0.0;
-        for (const float frame : frames) {
-            const double rest =
-                double{frame} - (sines * std::sin(phase) + cosines * std::cos(phase)) / half;
-            squares += rest * rest;
-            phase += step;
+        const double determinant = ss * cc - sc * sc;
+        const double a = (sx * cc - cx * sc) / determinant;
+        const double b = (cx * ss - sx * sc) / determinant;
+        double squares = 0.0;
+        for (std::size_t n = 0; n < samples.size(); ++n) {
+            const double phase = step * static_cast<double>(n);
+            squares += std::pow(double{samples[n]} - a * std::sin(phase) - b * std::cos(phase), 2);
         }
-        return {std::hypot(sines, cosines) / half, std::sqrt(squares / (2.0 * half))};
+        return {std::hypot(a, b), std::sqrt(squares / static_cast<double>(samples.size()))};
     }
 };
 

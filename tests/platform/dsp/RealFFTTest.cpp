@@ -1,11 +1,12 @@
 #include "platform/dsp/RealFFT.h"
 
+#include "support/Stereo.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <complex>
 #include <numbers>
-#include <random>
 #include <thread>
 #include <vector>
 
@@ -25,15 +26,6 @@ Bins transform(RealFFT &fft, const std::vector<float> &samples) {
     return bins;
 }
 
-std::vector<float> noise(std::size_t count) {
-    std::mt19937 random(4711);
-    std::uniform_real_distribution<float> uniform(-1.0F, 1.0F);
-    std::vector<float> samples(count);
-    for (float &sample : samples)
-        sample = uniform(random);
-    return samples;
-}
-
 std::complex<double> definition(const std::vector<float> &x, std::size_t k) {
     std::complex<double> sum = 0.0;
     for (std::size_t n = 0; n < x.size(); ++n)
@@ -46,7 +38,7 @@ std::complex<double> definition(const std::vector<float> &x, std::size_t k) {
 TEST(RealFFT, GivesTwiceTheDefinitionPackedIntoHalfTheBins) {
     for (const std::size_t points : {64UL, 2048UL}) {
         RealFFT fft(points);
-        const std::vector<float> x = noise(points);
+        const std::vector<float> x = noise(points, 1.0F).left;
         const Bins bins = transform(fft, x);
         // Rounding of log2(N) stages on bins of about sqrt(N).
         const double tolerance = 2e-6 * std::sqrt(static_cast<double>(points));
@@ -61,7 +53,7 @@ TEST(RealFFT, GivesTwiceTheDefinitionPackedIntoHalfTheBins) {
 }
 
 TEST(RealFFT, ManyThreadsMayMakeAndUseTheirOwn) {
-    const std::vector<float> x = noise(4096);
+    const std::vector<float> x = noise(4096, 1.0F).left;
     RealFFT reference(4096);
     const Bins expected = transform(reference, x);
     std::vector<std::thread> threads;

@@ -2,6 +2,7 @@
 
 #include "equalizer/MovingCascade.h"
 #include "support/EveryVectorTarget.h"
+#include "support/Stereo.h"
 
 #include <gtest/gtest.h>
 
@@ -29,43 +30,15 @@ std::vector<SectionCoefficients> someSections(std::size_t count) {
     return result;
 }
 
-struct Stereo {
-    std::vector<float> left;
-    std::vector<float> right;
-
-    friend bool operator==(const Stereo &, const Stereo &) = default;
-};
-
-Stereo noise(std::size_t frames) {
-    std::mt19937 random(8);
-    std::uniform_real_distribution<float> uniform(-0.5F, 0.5F);
-    Stereo result{std::vector<float>(frames), std::vector<float>(frames)};
-    std::generate(result.left.begin(), result.left.end(), [&] { return uniform(random); });
-    std::generate(result.right.begin(), result.right.end(), [&] { return uniform(random); });
-    return result;
-}
-
 using Process = void (*)(const SectionCascade &, float *, float *, std::uint32_t) noexcept;
 
 Stereo run(Process process, const std::vector<SectionCoefficients> &sections, Stereo sound,
            std::size_t block) {
     std::vector<SectionState> left(sections.size());
     std::vector<SectionState> right(sections.size());
-    for (std::size_t start = 0; start < sound.left.size(); start += block)
-        process({sections.data(), left.data(), right.data(), sections.size()},
-                sound.left.data() + start, sound.right.data() + start,
-                static_cast<std::uint32_t>(std::min(block, sound.left.size() - start)));
-    return sound;
-}
-
-double errorDB(const std::vector<float> &sound, const std::vector<float> &reference) {
-    double error = 0.0;
-    double level = 0.0;
-    for (std::size_t i = 0; i < sound.size(); ++i) {
-        error += std::pow(static_cast<double>(sound[i]) - static_cast<double>(reference[i]), 2);
-        level += std::pow(static_cast<double>(reference[i]), 2);
-    }
-    return 10.0 * std::log10(error / level);
+    return inBlocks(std::move(sound), block, [&](float *l, float *r, std::uint32_t frames) {
+        process({sections.data(), left.data(), right.data(), sections.size()}, l, r, frames);
+    });
 }
 
 class SectionCascadeOnTarget : public EveryVectorTarget {};

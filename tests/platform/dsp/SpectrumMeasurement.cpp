@@ -11,28 +11,6 @@ namespace {
 
 constexpr double twoPi = 2.0 * std::numbers::pi;
 
-/// Least squares of `signal` on cosine, sine and 1: the three factors.
-std::array<double, 3> fitSine(std::span<const float> signal, double frequencyHz,
-                              double sampleRate) {
-    std::array<std::array<double, 4>, 3> rows{};
-    for (std::size_t n = 0; n < signal.size(); ++n) {
-        const double phase = twoPi * frequencyHz * static_cast<double>(n) / sampleRate;
-        const std::array<double, 4> basis{std::cos(phase), std::sin(phase), 1.0, signal[n]};
-        for (std::size_t row = 0; row < 3; ++row)
-            for (std::size_t column = 0; column < 4; ++column)
-                rows[row][column] += basis[row] * basis[column];
-    }
-    for (std::size_t pivot = 0; pivot < 3; ++pivot)
-        for (std::size_t row = 0; row < 3; ++row) {
-            if (row == pivot)
-                continue;
-            const double factor = rows[row][pivot] / rows[pivot][pivot];
-            for (std::size_t column = 0; column < 4; ++column)
-                rows[row][column] -= factor * rows[pivot][column];
-        }
-    return {rows[0][3] / rows[0][0], rows[1][3] / rows[1][1], rows[2][3] / rows[2][2]};
-}
-
 } // namespace
 
 std::vector<double> powerSpectrum(std::span<const double> signal) {
@@ -68,32 +46,6 @@ double energyOutsideDB(std::span<const float> signal, double lowHz, double highH
         (frequency >= lowHz && frequency <= highHz ? inside : outside) += power[bin];
     }
     return 10.0 * std::log10(outside / inside);
-}
-
-double residualDB(std::span<const float> signal, double frequencyHz, double sampleRate) {
-    const auto [cosine, sineFactor, constant] = fitSine(signal, frequencyHz, sampleRate);
-    double residual = 0.0;
-    for (std::size_t n = 0; n < signal.size(); ++n) {
-        const double phase = twoPi * frequencyHz * static_cast<double>(n) / sampleRate;
-        const double fit = cosine * std::cos(phase) + sineFactor * std::sin(phase) + constant;
-        residual += std::pow(static_cast<double>(signal[n]) - fit, 2);
-    }
-    const double power = 0.5 * (cosine * cosine + sineFactor * sineFactor);
-    return 10.0 * std::log10(residual / static_cast<double>(signal.size()) / power);
-}
-
-double amplitudeAt(std::span<const float> signal, double frequencyHz, double sampleRate) {
-    const auto [cosine, sineFactor, constant] = fitSine(signal, frequencyHz, sampleRate);
-    return std::hypot(cosine, sineFactor);
-}
-
-std::vector<float> sine(double frequencyHz, double amplitude, std::size_t frames,
-                        double sampleRate) {
-    std::vector<float> result(frames);
-    for (std::size_t n = 0; n < frames; ++n)
-        result[n] = static_cast<float>(
-            amplitude * std::sin(twoPi * frequencyHz * static_cast<double>(n) / sampleRate));
-    return result;
 }
 
 } // namespace quorbel::testing

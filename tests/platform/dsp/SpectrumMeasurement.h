@@ -14,15 +14,4 @@ std::vector<double> powerSpectrum(std::span<const double> signal);
 double energyOutsideDB(std::span<const float> signal, double lowHz, double highHz,
                        double sampleRate);
 
-/// The rest of a signal, in dB relative to the sine in it, after the best-fitting sine of
-/// exactly `frequencyHz` and a constant have been taken out.
-double residualDB(std::span<const float> signal, double frequencyHz, double sampleRate);
-
-/// The amplitude of the best-fitting sine.
-double amplitudeAt(std::span<const float> signal, double frequencyHz, double sampleRate);
-
-/// `amplitude` · sin(2π frequencyHz n / sampleRate), computed in double precision.
-std::vector<float> sine(double frequencyHz, double amplitude, std::size_t frames,
-                        double sampleRate = 48000.0);
-
 } // namespace quorbel::testing

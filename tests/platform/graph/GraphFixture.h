@@ -5,6 +5,7 @@
 #include "platform/graph/OutputNode.h"
 #include "platform/graph/SourceNode.h"
 #include "platform/threads/ManualClock.h"
+#include "support/Stereo.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -16,16 +17,6 @@
 namespace quorbel {
 
 inline constexpr StreamFormat chain{48000.0, 2};
-
-struct Stereo {
-    std::vector<float> left;
-    std::vector<float> right;
-
-    Stereo() = default;
-    explicit Stereo(std::size_t frames) : left(frames), right(frames) {}
-    [[nodiscard]] AudioBufferList view() { return {left.data(), right.data()}; }
-    friend bool operator==(const Stereo &, const Stereo &) = default;
-};
 
 /// A source that counts: frame n carries n on the left and -n on the right.
 class CountingSource {

@@ -13,17 +13,17 @@
 namespace quorbel {
 namespace {
 
-using testing::StereoSamples;
-
-StereoSamples noise(std::size_t frames, unsigned seed = 7) {
-    StereoSamples sound;
+Stereo pink(std::size_t frames, unsigned seed = 7) {
+    Stereo sound;
     sound.left = testing::pinkNoise(frames, seed);
     sound.right = testing::pinkNoise(frames, seed + 1);
     return sound;
 }
 
-bool equalSamples(const StereoSamples &a, const StereoSamples &b) {
-    return a.left == b.left && a.right == b.right;
+Stereo through(Reverb &reverb, Stereo sound, std::size_t block = 512) {
+    return inBlocks(std::move(sound), block, [&](float *left, float *right, std::uint32_t frames) {
+        reverb.process(left, right, frames);
+    });
 }
 
 double power(const std::vector<float> &samples, std::size_t first, std::size_t last) {
@@ -35,15 +35,8 @@ double power(const std::vector<float> &samples, std::size_t first, std::size_t l
 
 class ReverbTest : public ::testing::Test {
   protected:
-    void render(StereoSamples &sound, std::size_t first, std::size_t last,
-                std::size_t block = 512) {
-        for (std::size_t i = first; i < last; i += block)
-            reverb_.process(&sound.left[i], &sound.right[i],
-                            static_cast<std::uint32_t>(std::min(block, last - i)));
-    }
-    StereoSamples rendered(StereoSamples sound, std::size_t block = 512) {
-        render(sound, 0, sound.size(), block);
-        return sound;
+    Stereo rendered(Stereo sound, std::size_t block = 512) {
+        return through(reverb_, std::move(sound), block);
     }
 
     /// A room that has been left to play.
@@ -69,15 +62,11 @@ TEST_P(ReverbOnTarget, GivesThePlainCodesBytesHoweverTheSoundIsCut) {
             reverb.setRoomModel(room);
             reverb.setMixPercent(40.0F);
             reverb.prepare(rate);
-            StereoSamples sound = noise(40000);
-            for (std::size_t i = 0; i < sound.size(); i += block)
-                reverb.process(&sound.left[i], &sound.right[i],
-                               static_cast<std::uint32_t>(std::min(block, sound.size() - i)));
-            return sound;
+            return through(reverb, pink(40000), block);
         };
-        const StereoSamples expected = rendered(ReverbTank::Code::plain, 40000);
+        const Stereo expected = rendered(ReverbTank::Code::plain, 40000);
         for (const std::size_t block : {1UL, 7UL, 33UL, 441UL, 512UL, 8192UL})
-            EXPECT_TRUE(equalSamples(expected, rendered(ReverbTank::Code::vector, block)))
+            EXPECT_EQ(rendered(ReverbTank::Code::vector, block), expected)
                 << sampleRate << " Hz, " << block;
     }
 }
@@ -87,30 +76,30 @@ INSTANTIATE_TEST_SUITE_P(Targets, ReverbOnTarget, ::testing::ValuesIn(ReverbOnTa
 
 TEST_F(ReverbTest, AMixOfZeroIsBitExact) {
     begin(RoomModel::largeHall, 0.0F);
-    const StereoSamples sound = noise(20000);
-    EXPECT_TRUE(equalSamples(rendered(sound), sound));
+    const Stereo sound = pink(20000);
+    EXPECT_EQ(rendered(sound), sound);
     // Again after something was heard, once the glide is over.
     reverb_.setMixPercent(50.0F);
     rendered(sound);
     reverb_.setMixPercent(0.0F);
     rendered(sound);
-    EXPECT_TRUE(equalSamples(rendered(sound), sound));
+    EXPECT_EQ(rendered(sound), sound);
 }
 
 TEST_F(ReverbTest, SilencedRoomsComeBackWithoutOldSound) {
     begin(RoomModel::cathedral, 100.0F);
-    rendered(noise(48000));
+    rendered(pink(48000));
     reverb_.setMixPercent(0.0F);
-    rendered(StereoSamples(9600));
+    rendered(Stereo(9600));
     reverb_.setMixPercent(100.0F);
-    const StereoSamples silence = rendered(StereoSamples(48000));
+    const Stereo silence = rendered(Stereo(48000));
     EXPECT_EQ(power(silence.left, 0, 48000), 0.0);
-    const StereoSamples heard = rendered(noise(48000));
+    const Stereo heard = rendered(pink(48000));
     EXPECT_GT(power(heard.left, 24000, 48000), 0.0);
 }
 
 TEST_F(ReverbTest, LoudnessStaysOverTheMix) {
-    const StereoSamples sound = noise(480000);
+    const Stereo sound = pink(480000);
     for (const float mix : {10.0F, 25.0F, 50.0F, 75.0F}) {
         begin(RoomModel::mediumHall, mix);
         EXPECT_NEAR(testing::loudness(rendered(sound)), testing::loudness(sound), 1.5) << mix;
@@ -119,10 +108,10 @@ TEST_F(ReverbTest, LoudnessStaysOverTheMix) {
 
 TEST_F(ReverbTest, ANewRoomReplacesTheOldOne) {
     begin(RoomModel::cathedral, 100.0F);
-    rendered(noise(96000));
+    rendered(pink(96000));
     reverb_.setRoomModel(RoomModel::smallRoom);
-    rendered(noise(24000)); // the fade takes 150 ms
-    const StereoSamples tail = rendered(StereoSamples(48000));
+    rendered(pink(24000)); // the fade takes 150 ms
+    const Stereo tail = rendered(Stereo(48000));
     // A second after the sound the small room is down by more than 100 dB, the cathedral by 11.
     EXPECT_LT(power(tail.left, 43200, 48000), 1e-9 * power(tail.left, 0, 4800));
 
@@ -130,18 +119,18 @@ TEST_F(ReverbTest, ANewRoomReplacesTheOldOne) {
     for (const RoomModel model :
          {RoomModel::plate, RoomModel::mediumHall, RoomModel::smallRoom, RoomModel::cathedral}) {
         reverb_.setRoomModel(model);
-        rendered(noise(64));
+        rendered(pink(64));
     }
-    rendered(noise(96000));
-    const StereoSamples later = rendered(StereoSamples(48000));
+    rendered(pink(96000));
+    const Stereo later = rendered(Stereo(48000));
     EXPECT_GT(power(later.left, 43200, 48000), 1e-3 * power(later.left, 0, 4800));
 }
 
 /// A sine of 100 Hz at -12 dBFS, whose largest step from sample to sample is the measure.
 class ReverbGlideTest : public ReverbTest {
   protected:
-    StereoSamples sine(std::size_t frames) {
-        StereoSamples sound(frames);
+    Stereo sine(std::size_t frames) {
+        Stereo sound(frames);
         for (std::size_t i = 0; i < frames; ++i, ++played_) {
             const double phase =
                 2.0 * std::numbers::pi * 100.0 * static_cast<double>(played_ % 480) / 48000.0;
@@ -151,7 +140,7 @@ class ReverbGlideTest : public ReverbTest {
     }
     /// Of the next `frames` frames, in blocks of 64, both channels.
     float largestStep(std::size_t frames) {
-        const StereoSamples sound = rendered(sine(frames), 64);
+        const Stereo sound = rendered(sine(frames), 64);
         float largest = 0.0F;
         for (std::size_t i = 0; i < frames; ++i) {
             if (hasLast_)
@@ -216,11 +205,11 @@ TEST_F(ReverbTest, FiniteAtEveryRateAndWhateverComesIn) {
     for (const double sampleRate : {8000.0, 11025.0, 22050.0, 44100.0, 88200.0, 192000.0, 384000.0})
         for (const RoomModel model : allRoomModels) {
             begin(model, 100.0F, sampleRate);
-            StereoSamples sound = noise(20000);
+            Stereo sound = pink(20000);
             for (std::size_t i = 0; i < std::size(poison); ++i)
                 sound.left[100 + 7 * i] = sound.right[3000 + i] = poison[i];
-            const StereoSamples result = rendered(sound, 441);
-            for (std::size_t i = 4000; i < result.size(); ++i)
+            const Stereo result = rendered(sound, 441);
+            for (std::size_t i = 4000; i < result.frames(); ++i)
                 ASSERT_TRUE(std::isfinite(result.left[i]) && std::isfinite(result.right[i]))
                     << sampleRate << " Hz, frame " << i;
         }
@@ -229,24 +218,24 @@ TEST_F(ReverbTest, FiniteAtEveryRateAndWhateverComesIn) {
 TEST_F(ReverbTest, RateChangesNeitherDecayNorLevel) {
     for (const double sampleRate : {44100.0, 96000.0, 192000.0}) {
         begin(RoomModel::mediumHall, 100.0F, sampleRate);
-        StereoSamples impulse(static_cast<std::size_t>(2.8 * sampleRate));
+        Stereo impulse(static_cast<std::size_t>(2.8 * sampleRate));
         impulse.left[0] = impulse.right[0] = 1.0F;
-        const StereoSamples response = rendered(impulse);
+        const Stereo response = rendered(impulse);
         EXPECT_NEAR(testing::decayTime(response.left, sampleRate, 1000.0, 1.0), 1.9, 0.19);
         EXPECT_NEAR(testing::decayTime(response.left, sampleRate, 8000.0, 1.0 / 3.0), 1.9 * 0.55,
                     0.15 * 1.9 * 0.55);
         const double energy =
-            power(response.left, 0, response.size()) * static_cast<double>(response.size());
+            power(response.left, 0, response.frames()) * static_cast<double>(response.frames());
         EXPECT_NEAR(10.0 * std::log10(energy), 0.0, 2.0);
     }
 }
 
 TEST_F(ReverbTest, ResetForgetsTheSound) {
     begin(RoomModel::cathedral, 100.0F);
-    const StereoSamples sound = noise(10000);
-    const StereoSamples first = rendered(sound);
+    const Stereo sound = pink(10000);
+    const Stereo first = rendered(sound);
     reverb_.reset();
-    EXPECT_TRUE(equalSamples(rendered(sound), first));
+    EXPECT_EQ(rendered(sound), first);
 }
 
 } // namespace

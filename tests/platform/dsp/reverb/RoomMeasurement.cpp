@@ -110,7 +110,7 @@ std::vector<double> echoDensity(const std::vector<float> &response, double sampl
     return result;
 }
 
-double correlation(const StereoSamples &sound, std::size_t first, std::size_t last) {
+double correlation(const Stereo &sound, std::size_t first, std::size_t last) {
     double ll = 0.0, rr = 0.0, lr = 0.0;
     for (std::size_t i = first; i < last; ++i) {
         const double l = static_cast<double>(sound.left[i]);
@@ -122,7 +122,7 @@ double correlation(const StereoSamples &sound, std::size_t first, std::size_t la
     return lr / std::sqrt(ll * rr);
 }
 
-double loudness(const StereoSamples &sound) {
+double loudness(const Stereo &sound) {
     constexpr Biquad head{1.53512485958697, -2.69169618940638, 1.19839281085285, -1.69065929318241,
                           0.73248077421585};
     constexpr Biquad lowCut{1.0, -2.0, 1.0, -1.99004745483398, 0.99007225036621};

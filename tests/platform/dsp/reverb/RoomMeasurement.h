@@ -1,17 +1,11 @@
 #pragma once
 
+#include "support/Stereo.h"
+
 #include <cstddef>
 #include <vector>
 
 namespace quorbel::testing {
-
-struct StereoSamples {
-    std::vector<float> left;
-    std::vector<float> right;
-
-    explicit StereoSamples(std::size_t frames = 0) : left(frames), right(frames) {}
-    [[nodiscard]] std::size_t size() const { return left.size(); }
-};
 
 /// The RT60 in seconds of an impulse response in the band of `fraction` octaves around `frequency`:
 /// by backward integration (M. Schroeder, "New method of measuring reverberation time", 1965) and
@@ -27,10 +21,10 @@ struct StereoSamples {
                                               std::size_t hop);
 
 /// The correlation of two signals from `first` to `last`, -1 to 1, without delay.
-[[nodiscard]] double correlation(const StereoSamples &sound, std::size_t first, std::size_t last);
+[[nodiscard]] double correlation(const Stereo &sound, std::size_t first, std::size_t last);
 
 /// The integrated loudness in LUFS without gating (ITU-R BS.1770, the K-weighting for 48 kHz).
-[[nodiscard]] double loudness(const StereoSamples &sound);
+[[nodiscard]] double loudness(const Stereo &sound);
 
 /// Noise of equal power per octave, in [-1, 1]; `seed` picks one.
 [[nodiscard]] std::vector<float> pinkNoise(std::size_t frames, unsigned seed);

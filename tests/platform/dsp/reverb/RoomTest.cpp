@@ -11,8 +11,6 @@
 namespace quorbel {
 namespace {
 
-using testing::StereoSamples;
-
 struct Target {
     RoomModel model;
     const char *name;
@@ -44,20 +42,18 @@ class RoomTest : public ::testing::TestWithParam<Target> {
     }
 
     /// `sound` through the room, without direct sound.
-    [[nodiscard]] static StereoSamples room(StereoSamples sound) {
+    [[nodiscard]] static Stereo room(Stereo sound) {
         Reverb reverb;
         reverb.setRoomModel(GetParam().model);
         reverb.setMixPercent(100.0F);
         reverb.prepare(sampleRate);
-        for (std::size_t i = 0; i < sound.size(); i += 512)
-            reverb.process(
-                &sound.left[i], &sound.right[i],
-                static_cast<std::uint32_t>(std::min<std::size_t>(512, sound.size() - i)));
-        return sound;
+        return inBlocks(std::move(sound), 512, [&](float *left, float *right, std::uint32_t count) {
+            reverb.process(left, right, count);
+        });
     }
 
-    [[nodiscard]] static StereoSamples response(float left, float right) {
-        StereoSamples impulse(frames(1.3 * GetParam().decaySeconds + 0.3));
+    [[nodiscard]] static Stereo response(float left, float right) {
+        Stereo impulse(frames(1.3 * GetParam().decaySeconds + 0.3));
         impulse.left[0] = left;
         impulse.right[0] = right;
         return room(impulse);
@@ -68,7 +64,7 @@ INSTANTIATE_TEST_SUITE_P(All, RoomTest, ::testing::ValuesIn(targets),
                          [](const auto &room) { return std::string(room.param.name); });
 
 TEST_P(RoomTest, DecaysInItsOwnTime) {
-    const StereoSamples stereo = response(1.0F, 1.0F);
+    const Stereo stereo = response(1.0F, 1.0F);
     for (const auto &channel : {stereo.left, stereo.right}) {
         const double mid = testing::decayTime(channel, sampleRate, 1000.0, 1.0);
         EXPECT_NEAR(mid, GetParam().decaySeconds, 0.10 * GetParam().decaySeconds);
@@ -82,7 +78,7 @@ TEST_P(RoomTest, DecaysInItsOwnTime) {
 
 TEST_P(RoomTest, BeginsWithAReflectionAfterThePreDelay) {
     for (const auto &[left, right] : {std::pair{1.0F, 0.0F}, {0.0F, 1.0F}}) {
-        const StereoSamples sound = response(left, right);
+        const Stereo sound = response(left, right);
         const auto &own = left > 0.0F ? sound.left : sound.right;
         const auto first =
             std::ranges::find_if(own, [](float sample) { return sample != 0.0F; }) - own.begin();
@@ -95,7 +91,7 @@ TEST_P(RoomTest, BeginsWithAReflectionAfterThePreDelay) {
 
 TEST_P(RoomTest, IsDenseInTimeAndStaysSo) {
     for (const auto &[left, right] : {std::pair{1.0F, 1.0F}, {1.0F, 0.0F}, {0.0F, 1.0F}}) {
-        const StereoSamples sound = response(left, right);
+        const Stereo sound = response(left, right);
         for (const auto &channel : {sound.left, sound.right}) {
             const std::vector<double> density =
                 testing::echoDensity(channel, sampleRate, frames(0.001));
@@ -111,9 +107,9 @@ TEST_P(RoomTest, IsDenseInTimeAndStaysSo) {
 }
 
 TEST_P(RoomTest, TailIsDecorrelated) {
-    const StereoSamples sound = response(1.0F, 1.0F);
+    const Stereo sound = response(1.0F, 1.0F);
     const std::size_t tail = frames(0.1);
-    EXPECT_LT(std::abs(testing::correlation(sound, tail, sound.size())), 0.3);
+    EXPECT_LT(std::abs(testing::correlation(sound, tail, sound.frames())), 0.3);
     // And all along, in pieces long enough to tell.
     const std::size_t piece = std::max(frames(0.1), frames(0.1 * GetParam().decaySeconds));
     for (std::size_t begin = tail; begin < frames(0.6 * GetParam().decaySeconds); begin += piece)
@@ -123,7 +119,7 @@ TEST_P(RoomTest, TailIsDecorrelated) {
 TEST_P(RoomTest, TailDoesNotRing) {
     // Gaussian noise of that length has no repetition beyond a few percent; a metallic or
     // fluttering room has one at the length of its loops.
-    const StereoSamples sound = response(1.0F, 1.0F);
+    const Stereo sound = response(1.0F, 1.0F);
     const std::size_t begin = frames(0.15);
     const std::size_t end = begin + frames(0.6 * GetParam().decaySeconds);
     std::vector<double> tail(end - begin); // at equal level all along
@@ -146,23 +142,23 @@ TEST_P(RoomTest, TailDoesNotRing) {
 TEST_P(RoomTest, PinkNoiseKeepsItsLoudness) {
     const std::vector<float> one = testing::pinkNoise(frames(12.0), 1);
     const std::vector<float> other = testing::pinkNoise(frames(12.0), 2);
-    StereoSamples sides(one.size());
+    Stereo sides(one.size());
     sides.left = one;
     const auto pair = [](const auto &left, const auto &right) {
-        StereoSamples sound;
+        Stereo sound;
         sound.left = left;
         sound.right = right;
         return sound;
     };
-    for (const StereoSamples &noise : {pair(one, one), pair(one, other), sides})
+    for (const Stereo &noise : {pair(one, one), pair(one, other), sides})
         EXPECT_NEAR(testing::loudness(room(noise)), testing::loudness(noise), 2.0);
 }
 
 TEST_P(RoomTest, PassesNoDirectCurrent) {
-    StereoSamples constant(frames(10.0));
+    Stereo constant(frames(10.0));
     std::ranges::fill(constant.left, 1.0F);
     std::ranges::fill(constant.right, -0.5F);
-    const StereoSamples sound = room(constant);
+    const Stereo sound = room(constant);
     const auto settled = static_cast<std::ptrdiff_t>(frames(9.0));
     for (const auto &channel : {sound.left, sound.right})
         for (auto sample = channel.begin() + settled; sample != channel.end(); ++sample)
