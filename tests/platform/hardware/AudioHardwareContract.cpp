@@ -166,6 +166,23 @@ class Capture {
     IOProcID proc_ = 0;
 };
 
+/// Capture and playback at once, running from the construction on.
+struct Processing {
+    Processing(AudioHardware &hardware, AudioObjectID device, Score *score = nullptr,
+               Capture::Ending ending = Capture::Ending::clean)
+        : listener(score), player(score), capture(hardware, listener, ending),
+          output(hardware.makeOutput()) {
+        EXPECT_EQ(output->setDevice(device), statusOK);
+        capture.start();
+        EXPECT_EQ(output->start(player), statusOK);
+    }
+
+    Listener listener;
+    Player player;
+    Capture capture;
+    std::unique_ptr<HardwareOutput> output;
+};
+
 class News : public HardwareListener {
   public:
     void deviceListChanged() override { ++lists_; }
@@ -324,19 +341,13 @@ TEST_P(AudioHardwareContract, PlaysOnTheDeviceThatItIsBoundTo) {
 TEST_P(AudioHardwareContract, OneCycleCapturesFirstAndPlaysThen) {
     world().playTone();
     Score score;
-    Listener listener(&score);
-    Player player(&score);
-    Capture capture(hardware, listener);
-    const auto output = hardware.makeOutput();
-    ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
-    capture.start();
-    ASSERT_EQ(output->start(player), statusOK);
-    ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 8; }));
+    Processing both(hardware, device("speakers"), &score);
+    ASSERT_TRUE(world().waitUntil([&] { return both.player.cycles_ > 8; }));
     (void)score.take(); // what happened while they were starting
     ASSERT_TRUE(world().waitUntil(
-        [&, from = player.cycles_.load()] { return player.cycles_ > from + 20; }));
-    output->stop();
-    capture.stop();
+        [&, from = both.player.cycles_.load()] { return both.player.cycles_ > from + 20; }));
+    both.output->stop();
+    both.capture.stop();
 
     auto steps = score.take();
     if (!steps.empty() && steps.front().who == 'p')
@@ -352,15 +363,10 @@ TEST_P(AudioHardwareContract, OneCycleCapturesFirstAndPlaysThen) {
 
 TEST_P(AudioHardwareContract, SaysWhenNothingWillBePlayed) {
     world().playTone();
-    Listener listener;
-    Player player;
-    Capture capture(hardware, listener);
-    const auto output = hardware.makeOutput();
-    ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
-    capture.start();
-    ASSERT_EQ(output->start(player), statusOK);
+    const Processing both(hardware, device("speakers"));
+    const Listener &listener = both.listener;
     ASSERT_TRUE(world().waitUntil([&] { return listener.cyclesToPlay_ > 3; }));
-    output->stop();
+    both.output->stop();
     const int cyclesToPlay = listener.cyclesToPlay_;
     const int cycles = listener.cycles_;
     ASSERT_TRUE(world().waitUntil([&] { return listener.cycles_ > cycles + 5; }));
@@ -370,15 +376,9 @@ TEST_P(AudioHardwareContract, SaysWhenNothingWillBePlayed) {
 TEST_P(AudioHardwareContract, LeavesNothingBehindHoweverOften) {
     world().playTone();
     for (int round = 0; round < 20; ++round) {
-        Listener listener;
-        Player player;
-        Capture capture(hardware, listener);
-        const auto output = hardware.makeOutput();
-        ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
-        capture.start();
-        ASSERT_EQ(output->start(player), statusOK);
+        const Processing both(hardware, device("speakers"));
         if (round % 2 == 0) {
-            ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 0; }));
+            ASSERT_TRUE(world().waitUntil([&] { return both.player.cycles_ > 0; }));
         }
     }
     std::vector<AudioObjectID> devices;
@@ -448,35 +448,24 @@ TEST_P(AudioHardwareContract, SurvivesTheDeviceThatIsPlaying) {
     world().playTone();
     world().plugIn("usb");
     ASSERT_TRUE(world().waitUntil([&] { return device("usb") != 0; }));
-    Listener listener;
-    Player player;
-    Capture capture(hardware, listener);
-    const auto output = hardware.makeOutput();
-    ASSERT_EQ(output->setDevice(device("usb")), statusOK);
-    capture.start();
-    ASSERT_EQ(output->start(player), statusOK);
-    ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 3; }));
+    Processing both(hardware, device("usb"));
+    ASSERT_TRUE(world().waitUntil([&] { return both.player.cycles_ > 3; }));
     world().unplug("usb");
     ASSERT_TRUE(world().waitUntil([&] { return device("usb") == 0; }));
-    output->stop();
+    both.output->stop();
 
-    const int cycles = player.cycles_;
-    ASSERT_EQ(output->setDevice(device("hdmi")), statusOK);
-    ASSERT_EQ(output->start(player), statusOK);
-    EXPECT_TRUE(world().waitUntil([&] { return player.cycles_ > cycles; }));
+    const int cycles = both.player.cycles_;
+    ASSERT_EQ(both.output->setDevice(device("hdmi")), statusOK);
+    ASSERT_EQ(both.output->start(both.player), statusOK);
+    EXPECT_TRUE(world().waitUntil([&] { return both.player.cycles_ > cycles; }));
 }
 
 TEST_P(AudioHardwareContract, ALostServerIsTheEndOfEverythingAndOfNoCall) {
     News news;
     ASSERT_EQ(hardware.addListener(HardwareProperty::connection, news), statusOK);
     world().playTone();
-    Listener listener;
-    Player player;
-    Capture capture(hardware, listener, Capture::Ending::any);
-    const auto output = hardware.makeOutput();
-    ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
-    capture.start();
-    ASSERT_EQ(output->start(player), statusOK);
+    Processing both(hardware, device("speakers"), nullptr, Capture::Ending::any);
+    Player &player = both.player;
     ASSERT_TRUE(world().waitUntil([&] { return player.cycles_ > 3; }));
 
     world().loseServer();
@@ -485,8 +474,8 @@ TEST_P(AudioHardwareContract, ALostServerIsTheEndOfEverythingAndOfNoCall) {
     EXPECT_NE(hardware.defaultOutputDevice(id), statusOK);
     EXPECT_NE(hardware.createProcessTap({}, id), statusOK);
     EXPECT_EQ(id, 0U);
-    output->stop();
-    EXPECT_NE(output->start(player), statusOK);
+    both.output->stop();
+    EXPECT_NE(both.output->start(player), statusOK);
     const int cycles = player.cycles_;
     world().letCyclesPass();
     EXPECT_EQ(player.cycles_, cycles);
