@@ -103,16 +103,6 @@ TEST_F(RenderSound, samplesThatAreNoNumbersArePlayedAsZeroAndCounted) {
     }
 }
 
-TEST_F(RenderSound, anExistingOutputIsReplacedWholeAndALinkStaysALink) {
-    file("target.wav", std::string(1000000, 'x'));
-    std::filesystem::create_symlink("target.wav", path("out.wav"));
-    const Sound out = rendered(noise(100));
-    EXPECT_EQ(out.frames(), 100U);
-    EXPECT_TRUE(std::filesystem::is_symlink(path("out.wav")));
-    EXPECT_EQ(bytes(path("target.wav")), bytes(path("out.wav")));
-    EXPECT_EQ(folderContents().size(), 3U);
-}
-
 TEST_F(RenderSound, theMetersFollowTheSoundEveryTenthOfASecond) {
     Sound in = noise(48000);
     in.samples[2 * 30000] = std::numeric_limits<float>::quiet_NaN();

@@ -122,27 +122,6 @@ TEST_F(Profiles, NothingLouderThanItsProfileIsEverHeardOnTheNextOutput) {
     end(live);
 }
 
-TEST_F(Profiles, AStartWaitsForARouteThatComesLate) {
-    SoundCard card(client, "card", "alsa", {"analog-output-speaker", "analog-output-headphones"});
-    CardOutput analog(client, card, 0, "analog");
-    write({profile(onRoute("analog-output-headphones"), -20.0F), profile({}, 0.0F)});
-    server.setDefaultDevice("analog");
-    playTone(toneDB);
-    ASSERT_TRUE(soonPlays(analog, 0.0));
-    const auto started = SteadyClock::now();
-    auto live = startOwn();
-    const auto since = [&] {
-        return std::chrono::duration<double>(SteadyClock::now() - started).count();
-    };
-    waitFor("0.8 s", 2.0, [&] { return since() > 0.8; });
-    EXPECT_EQ(live->output().find("running:"), std::string::npos) << "captures already";
-    card.setRoute(0, "analog-output-headphones");
-    EXPECT_TRUE(soonPlays(analog, -20.0));
-    std::cout << "processed " << since() << " s after the start\n";
-    EXPECT_LT(since(), 1.5);
-    end(live);
-}
-
 TEST_F(Profiles, KnowABluetoothHeadsetByItsCardAndLeaveItsCallsAlone) {
     SoundCard card(client, "bluez_card.00_11", "bluez5", {"headset-output"});
     card.setRoute(0, "headset-output");

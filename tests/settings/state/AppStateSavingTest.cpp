@@ -1,9 +1,6 @@
 #include "settings/state/AppStateFixture.h"
 
-#include <csignal>
 #include <limits>
-#include <sys/resource.h>
-#include <sys/stat.h>
 
 namespace quorbel::testing {
 namespace {
@@ -79,28 +76,6 @@ TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
     saveGain(std::numeric_limits<float>::quiet_NaN());
     EXPECT_EQ(warning(), "Settings could not be saved: eqGlobalGainDB: not a finite number, JSON "
                          "cannot hold it");
-    EXPECT_EQ(saved().eqGlobalGainDB, 3.0F);
-}
-
-TEST_F(AppStateSaving, aFullDiskKeepsTheOldFile) {
-    launch();
-    saveGain(1.0F);
-
-    // A limit on the size of files fails in the middle of the writing, as a full disk does.
-    rlimit unlimited{};
-    getrlimit(RLIMIT_FSIZE, &unlimited);
-    const rlimit small{.rlim_cur = 20000, .rlim_max = unlimited.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    saveGain(2.0F);
-    setrlimit(RLIMIT_FSIZE, &unlimited);
-    EXPECT_EQ(warning(), "Settings could not be saved: File too large");
-    EXPECT_EQ(saved().eqGlobalGainDB, 1.0F);
-    EXPECT_THAT(otherFiles(), IsEmpty());
-
-    saveGain(3.0F);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(warning(), "");
     EXPECT_EQ(saved().eqGlobalGainDB, 3.0F);
 }
 
