@@ -6,7 +6,7 @@
 #include "platform/threads/TerminationSignals.h"
 #include "platform/threads/Timer.h"
 #include "settings/state/AppState.h"
-#include "settings/state/SettingsWatch.h"
+#include "settings/state/FileWatch.h"
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/Setup.h"
@@ -150,7 +150,7 @@ int main(int argc, char **argv) {
     SimulatedHardware machine(clock);
     equip(machine, options.state);
     AppState state(machine, clock, settings.toStdString());
-    const SettingsWatch watch(state, clock);
+    const FileWatch watch(state.settingsPath(), clock, [&] { state.takeFileChanges(); });
     AppModel model(state, clock);
     // Recordings are not needed and would grow for ever.
     const auto forget = Timer::repeating(clock, 5.0, [&] {

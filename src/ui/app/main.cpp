@@ -6,7 +6,7 @@
 #include "remote/RemoteClient.h"
 #include "remote/RemoteService.h"
 #include "settings/state/AppState.h"
-#include "settings/state/SettingsWatch.h"
+#include "settings/state/FileWatch.h"
 #include "ui/app/BackgroundNotice.h"
 #include "ui/app/ControlledWindow.h"
 #include "ui/app/MainWindow.h"
@@ -116,7 +116,7 @@ int main(int argc, char **argv) {
         return 1;
     MainLoopClock clock;
     AppState state(*hardware, clock);
-    const SettingsWatch watch(state, clock);
+    const FileWatch watch(state.settingsPath(), clock, [&] { state.takeFileChanges(); });
     AppModel model(state, clock);
     model.about()->setSoundLibrary(QString::fromStdString(systemHardwareLibrary()));
     model.spectrum()->setVisible(false); // until a window says otherwise

@@ -1,8 +1,8 @@
 #include "settings/files/FileReplacement.h"
 #include "settings/files/SettingsFileLock.h"
 #include "settings/state/AppStateFixture.h"
+#include "settings/state/FileWatch.h"
 #include "settings/state/SettingsMerge.h"
-#include "settings/state/SettingsWatch.h"
 #include "settings/state/SharedSettingsFile.h"
 
 #include <QCoreApplication>
@@ -180,7 +180,7 @@ TEST_F(SharedSettings, areHeardOfHoweverTheyAreWritten) {
     const auto elsewhere = folder.parent_path() / "elsewhere";
     std::filesystem::create_directory(elsewhere);
     launch();
-    const SettingsWatch watch(*state, clock);
+    const FileWatch watch(state->settingsPath(), clock, [this] { state->takeFileChanges(); });
     // The system tells of a change before the call that makes it returns.
     const auto heard = [&] {
         QCoreApplication::processEvents();

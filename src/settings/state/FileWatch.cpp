@@ -1,11 +1,10 @@
-#include "settings/state/SettingsWatch.h"
-
-#include "settings/state/AppState.h"
+#include "settings/state/FileWatch.h"
 
 #include <QFile>
 #include <QStringList>
 
 #include <filesystem>
+#include <utility>
 
 namespace quorbel {
 
@@ -41,21 +40,22 @@ QStringList placesOf(const std::string &path) {
 
 } // namespace
 
-SettingsWatch::SettingsWatch(AppState &state, Clock &clock) : state_(state), clock_(clock) {
-    const auto changed = [this] {
+FileWatch::FileWatch(std::string path, Clock &clock, std::function<void()> changed)
+    : path_(std::move(path)), clock_(clock), changed_(std::move(changed)) {
+    const auto notice = [this] {
         watchPlaces();
-        look_ = Timer::once(clock_, quietSeconds, [this] { state_.takeFileChanges(); });
+        look_ = Timer::once(clock_, quietSeconds, [this] { changed_(); });
     };
-    connect(&watcher_, &QFileSystemWatcher::fileChanged, this, changed);
-    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, changed);
+    connect(&watcher_, &QFileSystemWatcher::fileChanged, this, notice);
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, notice);
     watchPlaces();
 }
 
 /// Replaces every watch: the same name may mean another file now.
-void SettingsWatch::watchPlaces() {
+void FileWatch::watchPlaces() {
     if (const QStringList watched = watcher_.files() + watcher_.directories(); !watched.isEmpty())
         watcher_.removePaths(watched);
-    watcher_.addPaths(placesOf(state_.settingsPath()));
+    watcher_.addPaths(placesOf(path_));
 }
 
 } // namespace quorbel
