@@ -1,6 +1,7 @@
 #include "cli/CommandError.h"
 #include "cli/Commands.h"
 #include "cli/PrintableText.h"
+#include "remote/ProgramActivation.h"
 #include "remote/RemoteClient.h"
 #include "settings/records/SettingSchema.h"
 #include "settings/records/json/JsonLiterals.h"
@@ -19,16 +20,30 @@ namespace quorbel {
 
 namespace {
 
+/// Calls `work` with an application object.
+void withApplication(const std::function<void()> &work) {
+    // Qt's own event loop starts faster than GLib's.
+    qputenv("QT_NO_GLIB", "1");
+    int argumentCount = 1;
+    char name[] = "ostrafine-cli";
+    char *arguments[] = {name, nullptr};
+    const QCoreApplication application(argumentCount, arguments);
+    work();
+}
+
 /// A command that talks to the program that runs. Without one it ends with `nothingRuns`.
 class ControlCommand : public Command {
   public:
     void run() const final {
-        // Qt's own event loop starts faster than GLib's.
-        qputenv("QT_NO_GLIB", "1");
-        int argumentCount = 1;
-        char name[] = "ostrafine-cli";
-        char *arguments[] = {name, nullptr};
-        const QCoreApplication application(argumentCount, arguments);
+        withApplication([this] { ask(); });
+    }
+
+  protected:
+    using Command::Command;
+    virtual void control(RemoteClient &client) const = 0;
+
+  private:
+    void ask() const {
         try {
             RemoteClient client;
             control(client);
@@ -36,10 +51,6 @@ class ControlCommand : public Command {
             throw CommandError(error.what(), CommandError::Status::nothingRuns);
         }
     }
-
-  protected:
-    using Command::Command;
-    virtual void control(RemoteClient &client) const = 0;
 };
 
 /// One without arguments.
@@ -201,6 +212,17 @@ class ControlWatchCommand final : public ControlCommand {
     bool json_ = false;
 };
 
+/// The only one that starts a program: an entry in the autostart folder calls it.
+class ResumeCommand final : public Command {
+  public:
+    ResumeCommand()
+        : Command("ctl resume",
+                  "Start the window's program without its window, as a login does: it "
+                  "processes if it did when it last ended") {}
+
+    void run() const override { withApplication(resumeProgram); }
+};
+
 class ControlPresetCommand final : public ControlCommand {
   public:
     ControlPresetCommand() : ControlCommand("ctl preset", "Apply a preset and print its name") {
@@ -318,6 +340,7 @@ std::vector<std::unique_ptr<Command>> makeControlCommands() {
     addPlain("ctl stop", "Stop processing", calling("Stop"));
     addPlain("ctl toggle", "Stop processing where it runs or waits to return, else start it",
              toggle);
+    add(std::make_unique<ResumeCommand>());
     add(std::make_unique<ControlPresetCommand>());
     addPlain("ctl next", "Apply the next preset of the window's list and print its name",
              printing("NextPreset"));
