@@ -1,7 +1,10 @@
 #include "ui/app/SingleInstance.h"
 
+#include "remote/ProgramActivation.h"
+
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QEventLoop>
 #include <QHash>
 #include <QTimer>
@@ -10,11 +13,15 @@
 
 namespace quorbel {
 
+using namespace activation;
+
 namespace {
 
-const QString service = QStringLiteral("com.quorbel.Ostrafine");
-const QString path = QStringLiteral("/com/quorbel/Ostrafine");
-const QString interface = QStringLiteral("org.freedesktop.Application");
+/// Whether the session bus started this program because of a request to its name, which then
+/// follows. A terminal's shell may have inherited the same variables.
+bool wasStartedByBus() {
+    return qEnvironmentVariableIsSet("DBUS_STARTER_BUS_TYPE") && isatty(STDIN_FILENO) == 0;
+}
 
 } // namespace
 
@@ -52,20 +59,39 @@ bool SingleInstance::raiseFirst() const {
     return bus_.call(call, QDBus::Block, timeoutMilliseconds).type() == QDBusMessage::ReplyMessage;
 }
 
-std::optional<DesktopRequest> SingleInstance::waitForRequest(int milliseconds) const {
-    std::optional<DesktopRequest> first;
+/// Some buses set no variable. They pass the request on with the name, so that it is here before
+/// the answer to a later call.
+std::optional<DesktopRequest> SingleInstance::startingRequest() const {
+    constexpr int patienceMilliseconds = 5000;
+    if (wasStartedByBus())
+        return isFirst_ ? waitForRequest(patienceMilliseconds) : std::nullopt;
+    if (!isFirst_ || !bus_.isConnected())
+        return DesktopRequest{};
+    const QDBusMessage call = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
+    const QDBusPendingCallWatcher answer(bus_.asyncCall(call, patienceMilliseconds));
     QEventLoop loop;
-    connect(this, &SingleInstance::requested, &loop, [&](const DesktopRequest &request) {
-        first = request;
-        loop.quit();
-    });
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-    loop.exec();
-    return first;
+    connect(&answer, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+    return firstRequestWithin(loop).value_or(DesktopRequest{});
 }
 
-bool wasStartedByBus() {
-    return qEnvironmentVariableIsSet("DBUS_STARTER_BUS_TYPE") && isatty(STDIN_FILENO) == 0;
+std::optional<DesktopRequest> SingleInstance::waitForRequest(int milliseconds) const {
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    return firstRequestWithin(loop);
+}
+
+/// Runs the loop until a request or its end.
+std::optional<DesktopRequest> SingleInstance::firstRequestWithin(QEventLoop &loop) const {
+    std::optional<DesktopRequest> first;
+    connect(this, &SingleInstance::requested, &loop, [&](const DesktopRequest &request) {
+        if (!first)
+            first = request;
+        loop.quit();
+    });
+    loop.exec();
+    return first;
 }
 
 void ApplicationAdaptor::Activate(const QVariantMap &platformData) {
@@ -84,6 +110,7 @@ void ApplicationAdaptor::ActivateAction(const QString &action, const QVariantLis
     static const QHash<QString, Kind> kinds{
         {QStringLiteral("Start"), Kind::startProcessing},
         {QStringLiteral("Stop"), Kind::stopProcessing},
+        {resumeAction, Kind::resume},
         {QStringLiteral("NextPreset"), Kind::nextPreset},
         {QStringLiteral("PreviousPreset"), Kind::previousPreset}};
     if (const auto kind = kinds.find(action); kind != kinds.end())

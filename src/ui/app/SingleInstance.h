@@ -7,11 +7,14 @@
 
 #include <optional>
 
+class QEventLoop;
+
 namespace quorbel {
 
 /// A request of the desktop or of a second start.
 struct DesktopRequest {
-    enum class Kind { show, startProcessing, stopProcessing, nextPreset, previousPreset };
+    /// `resume` is a login's: to continue what the last program did.
+    enum class Kind { show, resume, startProcessing, stopProcessing, nextPreset, previousPreset };
     Kind kind = Kind::show;
     QString activationToken{}; ///< the desktop's permission to take the focus; may be empty
 };
@@ -30,6 +33,10 @@ class SingleInstance final : public QObject {
     /// Asks the first one to show its window. False if it does not answer.
     [[nodiscard]] bool raiseFirst() const;
 
+    /// The request that this program was started for: to show the window, unless the session bus
+    /// started it for another one. Nothing if the bus started it and no request follows.
+    [[nodiscard]] std::optional<DesktopRequest> startingRequest() const;
+
     /// The next request, for which the event loop runs. Nothing after `milliseconds`, or when the
     /// program is told to quit.
     [[nodiscard]] std::optional<DesktopRequest> waitForRequest(int milliseconds) const;
@@ -38,13 +45,11 @@ class SingleInstance final : public QObject {
     void requested(const quorbel::DesktopRequest &request);
 
   private:
+    [[nodiscard]] std::optional<DesktopRequest> firstRequestWithin(QEventLoop &loop) const;
+
     QDBusConnection bus_;
     bool isFirst_ = true;
 };
-
-/// Whether the session bus started this program because of a request to its name, which then
-/// follows. A terminal's shell may have inherited the same variables.
-[[nodiscard]] bool wasStartedByBus();
 
 /// The face of a program on the bus, as the desktop entry specification (D-Bus activation) has it.
 /// Actions are the desktop entry's; an unknown one shows the window.

@@ -12,58 +12,33 @@
 #include "ui/app/MainWindow.h"
 #include "ui/app/PresetFileDialogs.h"
 #include "ui/app/ProcessingPermit.h"
+#include "ui/app/Resumption.h"
+#include "ui/app/SessionMemory.h"
 #include "ui/app/Setup.h"
 #include "ui/app/SingleInstance.h"
+#include "ui/app/SoundServerWait.h"
+#include "ui/app/TrayArrival.h"
 #include "ui/app/TrayItem.h"
 #include "ui/app/WindowClosing.h"
 #include "ui/model/AppModel.h"
 
 #include <QApplication>
 #include <QDBusConnection>
-#include <QMessageBox>
 #include <QQuickWindow>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <memory>
 #include <optional>
-#include <system_error>
+#include <vector>
 
 namespace quorbel {
 
 namespace {
 
-QString complaint(Status status) {
-    return QCoreApplication::translate("ostrafine", "No PipeWire sound server answers (%1).")
-        .arg(QString::fromStdString(std::generic_category().message(-status)));
-}
-
-bool asksForAnotherTry(Status status) {
-    QMessageBox box(QMessageBox::Warning, QStringLiteral("Ostrafine"), complaint(status),
-                    QMessageBox::Retry | QMessageBox::Close);
-    box.setInformativeText(QCoreApplication::translate(
-        "ostrafine", "Start one with: systemctl --user start pipewire wireplumber pipewire-pulse"));
-    box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    return box.exec() == QMessageBox::Retry;
-}
-
-/// Reaction to a missing sound server: a message box that offers another try, or one line on
-/// standard error.
-enum class WithoutServer { ask, complain };
-
-/// The hardware layer of this machine; null without a sound server, or when the user gives up.
-std::unique_ptr<AudioHardware> hardwareOrComplaint(WithoutServer otherwise) {
-    for (;;) {
-        Status status = statusOK;
-        auto hardware = makeSystemHardware(status);
-        if (hardware)
-            return hardware;
-        if (otherwise == WithoutServer::complain)
-            std::fprintf(stderr, "ostrafine: %s\n", qPrintable(complaint(status)));
-        if (otherwise == WithoutServer::complain || !asksForAnotherTry(status))
-            return nullptr;
-    }
-}
+/// Time that a desktop takes at login until its tray is there.
+constexpr double trayPatienceSeconds = 10.0;
 
 /// Hands a request over to `ostrafine-cli live`, if that runs.
 void passOn(DesktopRequest::Kind kind) {
@@ -90,31 +65,36 @@ int main(int argc, char **argv) {
     setUpApplication(application);
     signals.endEventLoop();
 
-    const bool isBusStart = wasStartedByBus();
+    MainLoopClock clock;
     const SingleInstance instance(QDBusConnection::sessionBus());
+    // Started by the bus, the program obeys the request and shows no window by itself.
+    using Kind = DesktopRequest::Kind;
+    const std::optional<DesktopRequest> first = instance.startingRequest();
+    if (!first)
+        return 0;
     if (!instance.isFirst()) {
-        if (isBusStart || instance.raiseFirst())
+        if (instance.raiseFirst())
             return 0;
         std::fputs("ostrafine: the one that is running does not answer\n", stderr);
         return 1;
     }
-    // Started by the bus, the program obeys the request and shows no window by itself.
-    using Kind = DesktopRequest::Kind;
-    constexpr int patienceMilliseconds = 5000;
-    const std::optional<DesktopRequest> first =
-        isBusStart ? instance.waitForRequest(patienceMilliseconds) : DesktopRequest{};
-    if (!first)
-        return 0;
-    if (first->kind != Kind::show && first->kind != Kind::startProcessing) {
+    const bool isLogin = first->kind == Kind::resume;
+    if (first->kind != Kind::show && first->kind != Kind::startProcessing && !isLogin) {
         passOn(first->kind);
         return 0;
     }
 
-    const auto hardware = hardwareOrComplaint(first->kind == Kind::show ? WithoutServer::ask
-                                                                        : WithoutServer::complain);
+    SessionMemory memory(userSettingsPath());
+    std::vector<DesktopRequest> requests{*first};
+    const auto hardware = isLogin                     ? awaitHardware(instance, clock, requests)
+                          : first->kind == Kind::show ? hardwareOrQuestion()
+                                                      : hardwareOrComplaint();
+    if (std::ranges::count(requests, Kind::stopProcessing, &DesktopRequest::kind) > 0) {
+        memory.noteStop();
+        return 0;
+    }
     if (!hardware)
         return 1;
-    MainLoopClock clock;
     AppState state(*hardware, clock);
     const FileWatch watch(state.settingsPath(), clock, [&] { state.takeFileChanges(); });
     AppModel model(state, clock);
@@ -126,7 +106,9 @@ int main(int argc, char **argv) {
     RemoteControl control(controlled, clock);
     const RemoteService service(control, QDBusConnection::sessionBus());
 
-    const TrayItem tray(model);
+    std::optional<TrayItem> tray; // made when the desktop's tray may be looked for
+    std::optional<TrayArrival> trayArrival;
+    std::optional<Resumption> resumption;
     BackgroundNotice notice(QDBusConnection::sessionBus());
     std::optional<MainWindow> window; // made when it is first shown
     std::optional<WindowClosing> closing;
@@ -136,7 +118,7 @@ int main(int argc, char **argv) {
             window.emplace();
             if (!window->isLoaded())
                 return false;
-            closing.emplace(*window, engine, notice, [&] { return tray.isThere(); });
+            closing.emplace(*window, engine, notice, [&] { return tray && tray->isThere(); });
             fileDialogs.emplace(window->window());
             model.presets()->setFileChooser(&*fileDialogs);
         }
@@ -146,9 +128,11 @@ int main(int argc, char **argv) {
     };
     // Processing has ended, and nothing shows that the program is there.
     const auto endIfOfNoUse = [&] {
-        if (engine.wanted())
+        if (engine.wanted() || (resumption && resumption->isUnderWay()) || !tray)
             return;
-        if (window && (window->window().isVisible() || tray.isThere()))
+        if (window && window->window().isVisible())
+            return;
+        if ((window || isLogin) && tray->isThere())
             return;
         const QString error = engine.errorMessage();
         if (window && !error.isEmpty()) {
@@ -160,9 +144,13 @@ int main(int argc, char **argv) {
         QCoreApplication::exit(error.isEmpty() ? 0 : 1);
     };
     const auto answer = [&](const DesktopRequest &request) {
+        if (request.kind == Kind::resume && memory.isToContinue() && !engine.wanted())
+            resumption.emplace(state.engine(), engine, clock, endIfOfNoUse);
         if (request.kind == Kind::startProcessing && !engine.running())
             engine.start();
         if (request.kind == Kind::stopProcessing) {
+            resumption.reset();
+            memory.noteStop();
             engine.stop();
             endIfOfNoUse();
         }
@@ -176,8 +164,12 @@ int main(int argc, char **argv) {
         if (!answer(request))
             QCoreApplication::exit(1);
     };
-    QObject::connect(&tray, &TrayItem::windowRequested, &application,
-                     [&] { answerOrEnd(DesktopRequest{}); });
+    const auto makeTray = [&] {
+        tray.emplace(model);
+        QObject::connect(&*tray, &TrayItem::windowRequested, &application,
+                         [&] { answerOrEnd(DesktopRequest{}); });
+        endIfOfNoUse();
+    };
     QObject::connect(&instance, &SingleInstance::requested, &application, answerOrEnd);
     QObject::connect(
         &notice, &BackgroundNotice::windowRequested, &application,
@@ -192,11 +184,23 @@ int main(int argc, char **argv) {
     // The session may end without letting us come to our own end.
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
                      [&] { state.persist(); });
-    if (!answer(*first))
-        return 1;
+    const auto showMemoryWarning = [&] { model.setSessionWarning(memory.warning()); };
+    QObject::connect(&memory, &SessionMemory::warningChanged, &model, showMemoryWarning);
+    showMemoryWarning();
+    memory.follow(engine);
+    if (!isLogin)
+        memory.noteIdle();
+    for (const DesktopRequest &request : requests)
+        if (!answer(request))
+            return 1;
+    if (isLogin)
+        trayArrival.emplace(QDBusConnection::sessionBus(), clock, trayPatienceSeconds, makeTray);
+    else
+        makeTray();
 
     const int result = QCoreApplication::exec();
 
+    memory.close();
     // The sound first, then the edits of the last half second.
     state.engine().stop();
     notice.withdraw();

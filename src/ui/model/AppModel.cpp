@@ -66,7 +66,15 @@ QString AppModel::persistWarning() const {
         warnings << QString::fromStdString(*warning);
     if (!favourites_.warning().isEmpty())
         warnings << favourites_.warning();
+    if (!sessionWarning_.isEmpty())
+        warnings << sessionWarning_;
     return warnings.join('\n');
+}
+
+void AppModel::setSessionWarning(const QString &warning) {
+    sessionWarning_ = warning;
+    warningDismissed_ = false;
+    Q_EMIT persistWarningChanged();
 }
 
 void AppModel::dismissWarning() {

@@ -99,6 +99,8 @@ class AppModel final : public QObject {
     [[nodiscard]] const FavouritePresets &favourites() const { return favourites_; }
 
     [[nodiscard]] QString persistWarning() const;
+    /// A warning of the program's own, shown with those of the settings; empty for none.
+    void setSessionWarning(const QString &warning);
     /// Until there is another one.
     Q_INVOKABLE void dismissWarning();
 
@@ -110,6 +112,7 @@ class AppModel final : public QObject {
 
     AppState &state_;
     bool warningDismissed_ = false;
+    QString sessionWarning_;
     FavouritePresets favourites_;
     HistoryModel history_; ///< first: others write through it
     EngineModel engine_;
