@@ -7,6 +7,7 @@
 #include "remote/RemoteService.h"
 #include "settings/state/AppState.h"
 #include "settings/state/FileWatch.h"
+#include "ui/app/Autostart.h"
 #include "ui/app/BackgroundNotice.h"
 #include "ui/app/ControlledWindow.h"
 #include "ui/app/MainWindow.h"
@@ -184,6 +185,8 @@ int main(int argc, char **argv) {
     // The session may end without letting us come to our own end.
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
                      [&] { state.persist(); });
+    const auto autostart =
+        makeAutostart(*model.startAtLogin(), memory, QDBusConnection::sessionBus(), clock);
     const auto showMemoryWarning = [&] { model.setSessionWarning(memory.warning()); };
     QObject::connect(&memory, &SessionMemory::warningChanged, &model, showMemoryWarning);
     showMemoryWarning();

@@ -32,7 +32,8 @@ AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
       equalizer_(state.engine().eq(), history_, nullptr), level_(state.engine(), history_, nullptr),
       presets_(state, favourites_, history_, nullptr), devices_(state, clock, nullptr),
       profiles_(state, nullptr), programs_(state, clock, nullptr), programRules_(state, nullptr),
-      spectrum_(state.engine(), nullptr), navigation_(state, nullptr), about_(nullptr) {
+      spectrum_(state.engine(), nullptr), navigation_(state, nullptr), startAtLogin_(nullptr),
+      about_(nullptr) {
     instance_ = this;
     state_.engine().setComparable(true);
     state_.engine().setHoldsPeaks(true);

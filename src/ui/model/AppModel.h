@@ -13,6 +13,7 @@
 #include "ui/model/ProgramRuleModel.h"
 #include "ui/model/SettingsModel.h"
 #include "ui/model/SpectrumModel.h"
+#include "ui/model/StartAtLoginModel.h"
 
 #include <QObject>
 #include <QString>
@@ -66,6 +67,7 @@ class AppModel final : public QObject {
     Q_PROPERTY(quorbel::SpectrumModel *spectrum READ spectrum CONSTANT)
     Q_PROPERTY(quorbel::NavigationModel *navigation READ navigation CONSTANT)
     Q_PROPERTY(quorbel::HistoryModel *history READ history CONSTANT)
+    Q_PROPERTY(quorbel::StartAtLoginModel *startAtLogin READ startAtLogin CONSTANT)
     Q_PROPERTY(quorbel::AboutModel *about READ about CONSTANT)
     /// The last load or save problem; empty when there is none or it was dismissed.
     Q_PROPERTY(QString persistWarning READ persistWarning NOTIFY persistWarningChanged)
@@ -95,6 +97,7 @@ class AppModel final : public QObject {
     [[nodiscard]] SpectrumModel *spectrum() { return &spectrum_; }
     [[nodiscard]] NavigationModel *navigation() { return &navigation_; }
     [[nodiscard]] HistoryModel *history() { return &history_; }
+    [[nodiscard]] StartAtLoginModel *startAtLogin() { return &startAtLogin_; }
     [[nodiscard]] AboutModel *about() { return &about_; }
     [[nodiscard]] const FavouritePresets &favourites() const { return favourites_; }
 
@@ -126,6 +129,7 @@ class AppModel final : public QObject {
     ProgramRuleModel programRules_;
     SpectrumModel spectrum_;
     NavigationModel navigation_;
+    StartAtLoginModel startAtLogin_;
     AboutModel about_;
 };
 

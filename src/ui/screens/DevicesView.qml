@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The output devices, and the switch of the spectrum.
+/// The output devices with their profiles, and the switches that belong to the whole program.
 ScreenPage {
     ScreenHeader {
         Layout.fillWidth: true
@@ -93,36 +93,21 @@ ScreenPage {
             }
         }
     }
-    DotCard {
+    SwitchCard {
         Layout.fillWidth: true
-
-        RowLayout {
-            id: spectrum
-            anchors.fill: parent
-            spacing: 2 * Theme.unit
-
-            DotToggle {
-                checked: App.setting("spectrumEnabled").on
-                accessibleName: qsTr("Spectrum analyzer (visual only)")
-                Accessible.description: explanation.text
-                onToggled: App.setting("spectrumEnabled").toggle()
-            }
-            ColumnLayout {
-                Layout.fillWidth: true
-                spacing: Theme.unit / 4
-
-                HeadingText {
-                    Layout.fillWidth: true
-                    text: qsTr("Spectrum analyzer (visual only)")
-                    Accessible.ignored: true // the switch says it
-                }
-                CaptionText {
-                    id: explanation
-                    Layout.fillWidth: true
-                    text: qsTr("Drives the graphic in the panel above. Visual only — it does not touch the sound.")
-                }
-            }
-        }
+        title: qsTr("Spectrum analyzer (visual only)")
+        explanation: qsTr("Drives the graphic in the panel above. Visual only — it does not touch the sound.")
+        checked: App.setting("spectrumEnabled").on
+        onToggled: App.setting("spectrumEnabled").toggle()
+    }
+    SwitchCard {
+        Layout.fillWidth: true
+        title: qsTr("Start at login")
+        explanation: qsTr("If Ostrafine was processing when it last ended, it continues at your next login, without a window.")
+        note: App.startAtLogin.note
+        offered: App.startAtLogin.offered
+        checked: App.startAtLogin.on
+        onToggled: App.startAtLogin.toggle()
     }
     DriverNote {
         Layout.fillWidth: true
