@@ -58,13 +58,14 @@ bool isSocket(const fs::path &path) {
     return fs::is_socket(path, ignored);
 }
 
-// A bus that starts no services, so that none of the machine's are used.
+// A bus that starts only the services that a test puts there, and none of the machine's.
 constexpr const char *busConfiguration = R"(<!DOCTYPE busconfig PUBLIC
  "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>session</type>
   <listen>unix:path={}</listen>
+  <servicedir>{}</servicedir>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
@@ -110,7 +111,9 @@ PrivateSoundServer::PrivateSoundServer(const Options &options)
         }
         const fs::path bus = folder_ / "run" / "bus";
         environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + bus.string();
-        writeFile(folder_ / "bus.conf", fmt::format(busConfiguration, bus.string()));
+        fs::create_directory(servicesFolder());
+        writeFile(folder_ / "bus.conf",
+                  fmt::format(busConfiguration, bus.string(), servicesFolder().string()));
         writeFile(folder_ / "config/pipewire/pipewire.conf.d/rate.conf",
                   fmt::format("context.properties = {{ default.clock.rate = {0} "
                               "default.clock.allowed-rates = [ {0} ] }}\n",
@@ -178,6 +181,8 @@ void PrivateSoundServer::waitForSocket(const fs::path &path, ChildProcess &owner
         return isSocket(path);
     });
 }
+
+fs::path PrivateSoundServer::servicesFolder() const { return folder_ / "services"; }
 
 fs::path PrivateSoundServer::socket() const { return folder_ / "run/pipewire-0"; }
 

@@ -79,6 +79,8 @@ class PrivateSoundServer {
     /// The folder of the session, for files that are removed with it.
     [[nodiscard]] const std::filesystem::path &folder() const { return folder_; }
     [[nodiscard]] std::filesystem::path socket() const;
+    /// Descriptions of the programs that the session bus may start; empty at first.
+    [[nodiscard]] std::filesystem::path servicesFolder() const;
 
     /// Kills the server as a crash would; the session's programs keep running.
     void crash();

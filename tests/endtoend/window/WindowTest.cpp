@@ -81,16 +81,23 @@ void WindowTest::TearDown() {
 
 std::unique_ptr<ChildProcess> WindowTest::start(const Environment &more) {
     Environment environment = server().environment();
-    environment["DISPLAY"] = session_->desktop.display();
-    environment["LANG"] = "C.UTF-8";
-    environment["QT_QPA_PLATFORM"] = "xcb";
-    environment["QT_QUICK_BACKEND"] = "software";
-    environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
+    environment.merge(desktopEnvironment());
     for (const auto &[variable, value] : more)
         environment[variable] = value;
+    return std::make_unique<ChildProcess>(std::vector<std::string>{programPath()}, environment);
+}
+
+std::string WindowTest::programPath() {
     const char *installed = std::getenv("QUORBEL_WINDOW_PROGRAM");
-    return std::make_unique<ChildProcess>(
-        std::vector<std::string>{installed != nullptr ? installed : QUORBEL_PROGRAM}, environment);
+    return installed != nullptr ? installed : QUORBEL_PROGRAM;
+}
+
+Environment WindowTest::desktopEnvironment() {
+    return {{"DISPLAY", session_->desktop.display()},
+            {"LANG", "C.UTF-8"},
+            {"QT_QPA_PLATFORM", "xcb"},
+            {"QT_QUICK_BACKEND", "software"},
+            {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"}};
 }
 
 void WindowTest::open() {
@@ -136,8 +143,8 @@ testing::AssertionResult WindowTest::soonShows(const Sought &what) {
 
 void WindowTest::play(std::unique_ptr<Sound> sound) {
     sound_ = std::move(sound);
-    player_ = std::make_unique<Player>(session_->client, *sound_);
-    speakers_ = std::make_unique<Recorder>(session_->client, "speakers", 120.0);
+    player_ = std::make_unique<Player>(*session_->client, *sound_);
+    speakers_ = std::make_unique<Recorder>(*session_->client, "speakers", 120.0);
     player_->waitUntilRunning();
 }
 

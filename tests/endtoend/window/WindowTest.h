@@ -69,6 +69,15 @@ class WindowTest : public testing::Test {
     /// The program, as the desktop's menu starts it; with `more` variables in its environment.
     [[nodiscard]] static std::unique_ptr<ChildProcess> start(const Environment &more = {});
 
+    /// Path of the program.
+    [[nodiscard]] static std::string programPath();
+    /// The variables that tell a program of this desktop where it is.
+    [[nodiscard]] static Environment desktopEnvironment();
+    /// To be called after a restart of the sound server, before something plays.
+    static void connectAgain() {
+        session_->client = std::make_unique<GraphClient>(session_->server);
+    }
+
     /// Starts it, and returns when its window can be operated.
     void open();
     [[nodiscard]] ChildProcess &program() { return *program_; }
@@ -118,7 +127,7 @@ class WindowTest : public testing::Test {
     struct Session {
         PrivateSoundServer server;
         Desktop desktop{server};
-        GraphClient client{server};
+        std::unique_ptr<GraphClient> client = std::make_unique<GraphClient>(server);
     };
     static std::unique_ptr<Session> session_;
 
