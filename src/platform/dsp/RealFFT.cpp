@@ -4,8 +4,11 @@
 
 #include <array>
 #include <cassert>
+#include <cmath>
+#include <cstring>
 #include <mutex>
 #include <new>
+#include <numbers>
 #include <stdexcept>
 
 namespace quorbel {
@@ -17,29 +20,91 @@ std::mutex &plannerMutex() {
     return mutex;
 }
 
+/// Two complex numbers, or two factors of such. Every supported machine has four lanes.
+using ComplexPair [[gnu::vector_size(4 * sizeof(float))]] = float;
+
+ComplexPair loadPair(const fftwf_complex *numbers) noexcept {
+    ComplexPair result;
+    std::memcpy(&result, numbers, sizeof result);
+    return result;
+}
+
 } // namespace
 
+/// The samples of even index are the real parts of a complex signal of half the length, those of
+/// odd index its imaginary parts. FFTW transforms that one: its own last step of a real transform
+/// takes twice as long as the complex transform, and most callers need a part of the bins.
 struct RealFFT::Plan {
+    std::size_t halfPoints;
     float *samples = nullptr;
-    fftwf_complex *bins = nullptr;
+    fftwf_complex *halves = nullptr; ///< the complex transform
+    fftwf_complex *bins = nullptr;   ///< the real one, as far as it is separated
+    fftwf_complex *turns = nullptr;  ///< cosine and sine of 2πk / points
     fftwf_plan plan = nullptr;
 
     explicit Plan(std::size_t points)
-        : samples(fftwf_alloc_real(points)), bins(fftwf_alloc_complex(points / 2 + 1)) {
-        if (samples != nullptr && bins != nullptr) {
+        : halfPoints(points / 2), samples(fftwf_alloc_real(points)),
+          halves(fftwf_alloc_complex(halfPoints)), bins(fftwf_alloc_complex(halfPoints)),
+          turns(fftwf_alloc_complex(halfPoints)) {
+        if (samples != nullptr && halves != nullptr && bins != nullptr && turns != nullptr) {
             const std::lock_guard lock(plannerMutex());
             // FFTW_MEASURE could choose another algorithm in every run, and the rounding depends on
             // the algorithm.
-            plan = fftwf_plan_dft_r2c_1d(static_cast<int>(points), samples, bins, FFTW_ESTIMATE);
+            plan = fftwf_plan_dft_1d(static_cast<int>(halfPoints),
+                                     reinterpret_cast<fftwf_complex *>(samples), halves,
+                                     FFTW_FORWARD, FFTW_ESTIMATE);
         }
         if (plan == nullptr) {
             free();
             throw std::bad_alloc();
         }
+        for (std::size_t k = 0; k < halfPoints; ++k) {
+            const double turn =
+                2.0 * std::numbers::pi * static_cast<double>(k) / static_cast<double>(points);
+            turns[k][0] = static_cast<float>(std::cos(turn));
+            turns[k][1] = static_cast<float>(std::sin(turn));
+        }
     }
     ~Plan() { free(); }
     Plan(const Plan &) = delete;
     Plan &operator=(const Plan &) = delete;
+
+    /// Separates bin k, 1 to halfPoints − 1: with Z the complex transform and its mirror image M =
+    /// conj Z[halfPoints − k], X[k] = ((Z[k] + M) − i·exp(−2πik / points)·(Z[k] − M)) / 2.
+    void separate(std::size_t k) noexcept {
+        const float *const z = halves[k];
+        const float *const mirrored = halves[halfPoints - k];
+        const float *const turn = turns[k];
+        const float differenceReal = z[0] - mirrored[0];
+        const float differenceImaginary = z[1] + mirrored[1];
+        const float turnedReal = turn[0] * differenceImaginary - turn[1] * differenceReal;
+        const float turnedImaginary = -turn[0] * differenceReal - turn[1] * differenceImaginary;
+        bins[k][0] = 0.5F * ((z[0] + mirrored[0]) + turnedReal);
+        bins[k][1] = 0.5F * ((z[1] - mirrored[1]) + turnedImaginary);
+    }
+
+    /// Separates the bins from `first` to `last`, both included: two at a time, by the same sums.
+    void separate(std::size_t first, std::size_t last) noexcept {
+        const ComplexPair conjugated = {1.0F, -1.0F, 1.0F, -1.0F};
+        std::size_t k = first;
+        for (; k + 1 <= last; k += 2) {
+            const ComplexPair z = loadPair(halves + k);
+            const ComplexPair backwards = loadPair(halves + halfPoints - k - 1);
+            const ComplexPair mirrored =
+                __builtin_shufflevector(backwards, backwards, 2, 3, 0, 1) * conjugated;
+            const ComplexPair turn = loadPair(turns + k);
+            const ComplexPair cosines =
+                __builtin_shufflevector(turn, turn, 0, 0, 2, 2) * conjugated;
+            const ComplexPair sines = __builtin_shufflevector(turn, turn, 1, 1, 3, 3);
+            const ComplexPair difference = z - mirrored;
+            const ComplexPair swapped = __builtin_shufflevector(difference, difference, 1, 0, 3, 2);
+            const ComplexPair separated =
+                0.5F * ((z + mirrored) + (cosines * swapped - sines * difference));
+            std::memcpy(bins + k, &separated, sizeof separated);
+        }
+        if (k == last)
+            separate(k);
+    }
 
   private:
     void free() {
@@ -47,7 +112,8 @@ struct RealFFT::Plan {
             const std::lock_guard lock(plannerMutex());
             fftwf_destroy_plan(plan);
         }
-        fftwf_free(bins);
+        for (fftwf_complex *numbers : {turns, bins, halves})
+            fftwf_free(numbers);
         fftwf_free(samples);
     }
 };
@@ -65,12 +131,14 @@ std::span<float> RealFFT::input() noexcept { return {plan_->samples, points_}; }
 void RealFFT::transformInput() noexcept { fftwf_execute(plan_->plan); }
 
 double RealFFT::power(std::size_t bin) const noexcept {
+    plan_->separate(bin);
     const auto real = static_cast<double>(plan_->bins[bin][0]);
     const auto imaginary = static_cast<double>(plan_->bins[bin][1]);
     return real * real + imaginary * imaginary;
 }
 
 double RealFFT::powerBetween(std::size_t first, std::size_t last) const noexcept {
+    plan_->separate(first, last);
     // A single sum is latency-bound; eight side by side are not.
     std::array<double, 8> sums{};
     const float *const parts = &plan_->bins[first][0]; // interleaved real and imaginary parts
@@ -96,8 +164,9 @@ void RealFFT::forward(std::span<const float> samples, std::span<float> real,
     for (std::size_t n = 0; n < points_; ++n)
         plan_->samples[n] = 2.0F * samples[n];
     fftwf_execute(plan_->plan);
-    real[0] = plan_->bins[0][0];
-    imaginary[0] = plan_->bins[bins][0];
+    plan_->separate(1, bins - 1);
+    real[0] = plan_->halves[0][0] + plan_->halves[0][1];
+    imaginary[0] = plan_->halves[0][0] - plan_->halves[0][1];
     for (std::size_t k = 1; k < bins; ++k) {
         real[k] = plan_->bins[k][0];
         imaginary[k] = plan_->bins[k][1];
