@@ -2,7 +2,9 @@
 
 #include "effects/EffectComponents.h"
 #include "effects/UnitHarness.h"
+#include "effects/units/AutoGainUnit.h"
 #include "effects/units/BassEnhancerUnit.h"
+#include "effects/units/CrossfeedUnit.h"
 #include "effects/units/MSWidenerUnit.h"
 #include "effects/units/SpatializerUnit.h"
 #include "effects/units/VoiceEnhancerUnit.h"
@@ -10,6 +12,8 @@
 #include "platform/units/UnitStatus.h"
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace quorbel {
 namespace {
@@ -87,6 +91,53 @@ TEST(EffectUnitTest, NeighboursInOnePassSoundAndMeasureAsOneByOne) {
         ASSERT_EQ(joined.readout(joined.voice), alone.readout(alone.voice));
     }
     EXPECT_GT(joined.readout(joined.voice), 0.0F) << "the analysis has heard something";
+}
+
+// A unit that rests leaves the pass, and the other one is as it is alone.
+TEST(EffectUnitTest, CrossfeedAndAutoGainInOnePassSoundAsOneByOne) {
+    struct Pair {
+        UnitHarness crossfeed{std::make_unique<CrossfeedUnit>(crossfeedDescription, 0)};
+        UnitHarness autoGain{std::make_unique<AutoGainUnit>(autoGainDescription, 0)};
+        std::vector<GraphNode *> behind{&autoGain.node()};
+
+        Pair() {
+            crossfeed.allocate();
+            autoGain.allocate();
+        }
+        void set(std::uint32_t block) {
+            crossfeed.set(CrossfeedUnit::amount, std::array{0.0F, 0.0F, 60.0F, 30.0F}[block % 4]);
+            autoGain.set(AutoGainUnit::enabled, block % 7 == 0 ? 0.0F : 1.0F);
+            autoGain.set(AutoGainUnit::manualEnabled, block < 20 ? 0.0F : 1.0F);
+            autoGain.set(AutoGainUnit::manual, 3.0F);
+            crossfeed.node().takeSettings();
+            autoGain.node().takeSettings();
+        }
+        void renderAlone(Sound &sound) {
+            for (UnitHarness *unit : {&crossfeed, &autoGain}) {
+                AudioBufferList view = sound.view();
+                unit->render(view, static_cast<std::uint32_t>(sound.frames()));
+            }
+        }
+    };
+    Pair joined;
+    Pair alone;
+    ASSERT_EQ(joined.crossfeed.node().joinable(joined.behind), 1U);
+    for (std::uint32_t block = 0; block < 40; ++block) {
+        Sound expected = noise(100 + 7 * block, 0.9F, block + 1);
+        Sound sound = expected;
+        joined.set(block);
+        alone.set(block);
+        AudioBufferList view = sound.view();
+        const bool isJoint = joined.crossfeed.node().renderJoined(
+            joined.behind, view, static_cast<std::uint32_t>(sound.frames()));
+        EXPECT_EQ(isJoint, block % 4 != 1 && block % 7 != 0) << "block " << block;
+        if (!isJoint)
+            joined.renderAlone(sound);
+        alone.renderAlone(expected);
+        ASSERT_EQ(sound, expected) << "block " << block;
+        ASSERT_EQ(static_cast<EffectUnit &>(joined.autoGain.unit()).readout(),
+                  static_cast<EffectUnit &>(alone.autoGain.unit()).readout());
+    }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The kernels that work on several frames at once, against the same written plainly.
 
 #include "effects/UnitHarness.h"
+#include "effects/cores/CrossfeedBlock.h"
 #include "effects/cores/EnhancerPass.h"
 #include "effects/cores/Leveller.h"
 #include "effects/cores/LimiterBlock.h"
@@ -120,6 +121,29 @@ TEST_P(VectorKernelsTest, LevellerIsEqualBitByBit) {
         runLeveller(settings, state, vector.left.data(), vector.right.data(), count);
         runLevellerPlainly(settings, plainState, plain.left.data(), plain.right.data(), count);
         ASSERT_EQ(vector, plain) << count << " frames";
+        ASSERT_EQ(state.gain, plainState.gain);
+    }
+}
+
+TEST_P(VectorKernelsTest, CrossfeedAndLevellerInOnePassAreEqualBitByBit) {
+    const LevellerSettings settings{.keepLevel = 0.995F,
+                                    .keepGain = 0.999F,
+                                    .keepTrim = 0.97F,
+                                    .target = 0.16F,
+                                    .trimTarget = 1.4F};
+    CrossfeedCore core;
+    CrossfeedCore plainCore;
+    LevellerState state;
+    LevellerState plainState;
+    for (std::uint32_t count = 0; count <= 300; ++count) {
+        Stereo joint = noise(count, count % 20 < 10 ? 0.5F : 1e-4F, count + 1);
+        Stereo plain = joint;
+        const float previous = count % 3 == 0 ? 0.2F : 0.6F;
+        CrossfeedBlock block(core, joint.left.data(), joint.right.data(), count, previous, 0.6F);
+        runCrossfedLeveller(block, settings, state, joint.left.data(), joint.right.data(), count);
+        plainCore.process(plain.left.data(), plain.right.data(), count, previous, 0.6F);
+        runLevellerPlainly(settings, plainState, plain.left.data(), plain.right.data(), count);
+        ASSERT_EQ(joint, plain) << count << " frames";
         ASSERT_EQ(state.gain, plainState.gain);
     }
 }

@@ -37,12 +37,15 @@ void AutoGainCore::trim(float *left, float *right, std::uint32_t frames,
 }
 
 float AutoGainCore::level(float *left, float *right, std::uint32_t frames, float gainDB,
-                          float targetDB, float trimTarget) noexcept {
+                          float targetDB, float trimTarget, CrossfeedBlock *crossfeed) noexcept {
     leveller_.target = target_.of([](float dB) { return std::pow(10.0F, dB / 20.0F); }, targetDB);
     leveller_.trimTarget = trimTarget;
     LevellerState state{
         .meanSquare = meanSquare_, .gain = std::pow(10.0F, gainDB / 20.0F), .trim = trim_};
-    runLeveller(leveller_, state, left, right, frames);
+    if (crossfeed != nullptr)
+        runCrossfedLeveller(*crossfeed, leveller_, state, left, right, frames);
+    else
+        runLeveller(leveller_, state, left, right, frames);
     trim_ = state.trim;
     meanSquare_ = state.meanSquare;
     return 20.0F * std::log10(std::max(state.gain, 0.000001F));

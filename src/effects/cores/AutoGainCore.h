@@ -26,9 +26,10 @@ class AutoGainCore {
     void trim(float *left, float *right, std::uint32_t frames, float trimTarget) noexcept;
 
     /// Applies leveller and trim in place. The leveller starts at `gainDB`; returns its gain at the
-    /// end, in dB. Below −45 dBFS the gain is held. [render]
+    /// end, in dB. Below −45 dBFS the gain is held. Finishes `crossfeed` before it, in the same
+    /// pass, if that is not null. [render]
     float level(float *left, float *right, std::uint32_t frames, float gainDB, float targetDB,
-                float trimTarget) noexcept;
+                float trimTarget, CrossfeedBlock *crossfeed = nullptr) noexcept;
 
   private:
     Kept<float, float> target_; ///< linear, by dB

@@ -26,6 +26,11 @@ class CrossfeedCore {
                  float target) noexcept;
 
   private:
+    friend class CrossfeedBlock;
+
+    /// Even, so that the alternating offset begins every chunk alike.
+    static constexpr std::uint32_t chunkFrames = 128;
+
     /// Appends `frames` frames to both lines.
     void append(const float *left, const float *right, std::uint32_t frames) noexcept;
     /// Drops the oldest `frames` frames.

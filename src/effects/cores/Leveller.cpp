@@ -1,5 +1,6 @@
 #include "effects/cores/Leveller.h"
 
+#include "effects/cores/CrossfeedBlock.h"
 #include "platform/dsp/VectorTargets.h"
 
 #include <algorithm>
@@ -22,6 +23,8 @@ constexpr float largestGain = 4.0F;     // +12 dB
 /// The gain lags the level by one tile, which lets the square root and the division overlap the
 /// recursions.
 constexpr std::uint32_t tileFrames = 32;
+/// Behind a crossfeed, where one tile more is under way.
+constexpr std::uint32_t crossfedTileFrames = 16;
 
 struct alignas(64) Tile {
     float samples[tileFrames];
@@ -41,8 +44,9 @@ using Tag = hn::CappedTag<float, 16>;
 constexpr Tag tag;
 
 /// Each frame's contribution to the mean square.
+template <std::uint32_t frames>
 HWY_INLINE void measure(const float *left, const float *right, float share, Tile &powers) {
-    for (std::size_t i = 0; i < tileFrames; i += hn::Lanes(tag)) {
+    for (std::size_t i = 0; i < frames; i += hn::Lanes(tag)) {
         const auto l = hn::LoadU(tag, left + i);
         const auto r = hn::LoadU(tag, right + i);
         const auto power = hn::Add(hn::Mul(l, l), hn::Mul(r, r));
@@ -52,10 +56,11 @@ HWY_INLINE void measure(const float *left, const float *right, float share, Tile
 
 /// Each frame's share of the gain to keep, and the amount to add. Below the gate all is kept and
 /// nothing added.
+template <std::uint32_t frames>
 HWY_INLINE void aim(const LevellerSettings &settings, const Tile &meanSquares, Tile &kept,
                     Tile &added) {
     const auto share = hn::Set(tag, 1.0F - settings.keepGain);
-    for (std::size_t i = 0; i < tileFrames; i += hn::Lanes(tag)) {
+    for (std::size_t i = 0; i < frames; i += hn::Lanes(tag)) {
         const auto rms = hn::Sqrt(hn::Load(tag, meanSquares.samples + i));
         const auto open = hn::Gt(rms, hn::Set(tag, gateLevel));
         const auto desired = hn::Min(
@@ -67,60 +72,115 @@ HWY_INLINE void aim(const LevellerSettings &settings, const Tile &meanSquares, T
     }
 }
 
+template <std::uint32_t frames>
 HWY_INLINE void apply(const Tile &gains, const Tile &trims, float *samples) {
-    for (std::size_t i = 0; i < tileFrames; i += hn::Lanes(tag)) {
+    for (std::size_t i = 0; i < frames; i += hn::Lanes(tag)) {
         const auto gained = hn::Mul(hn::LoadU(tag, samples + i), hn::Load(tag, gains.samples + i));
         hn::StoreU(hn::Mul(hn::Load(tag, trims.samples + i), gained), tag, samples + i);
     }
 }
+
+/// The recursions over a tile at a time, frame by frame, and what is elementwise before and behind
+/// them. The gain's recursion takes what `aim` has made of the tile that was followed before.
+template <std::uint32_t frames> class LevellerLanes {
+  public:
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): tiles are filled before they are read
+    HWY_INLINE explicit LevellerLanes(const LevellerSettings &settings)
+        : settings_(settings), keepLevel_(settings.keepLevel), keepTrim_(settings.keepTrim),
+          trimStep_((1.0F - settings.keepTrim) * settings.trimTarget),
+          levelShare_((1.0F - settings.keepLevel) * 0.5F) {}
+
+    HWY_INLINE void measure(const float *left, const float *right) {
+        quorbel::HWY_NAMESPACE::measure<frames>(left, right, levelShare_, meanSquares_);
+    }
+    [[gnu::always_inline]] void follow(std::uint32_t i, LevellerState &s) {
+        s.meanSquare = keepLevel_ * s.meanSquare + meanSquares_.samples[i];
+        meanSquares_.samples[i] = s.meanSquare;
+    }
+    HWY_INLINE void aim() {
+        quorbel::HWY_NAMESPACE::aim<frames>(settings_, meanSquares_, kept_, added_);
+    }
+    [[gnu::always_inline]] void move(std::uint32_t i, LevellerState &s) {
+        s.gain = kept_.samples[i] * s.gain + added_.samples[i];
+        gains_.samples[i] = s.gain;
+        s.trim = trimStep_ + keepTrim_ * s.trim;
+        trims_.samples[i] = s.trim;
+    }
+    HWY_INLINE void apply(float *left, float *right) const {
+        quorbel::HWY_NAMESPACE::apply<frames>(gains_, trims_, left);
+        quorbel::HWY_NAMESPACE::apply<frames>(gains_, trims_, right);
+    }
+
+  private:
+    const LevellerSettings &settings_;
+    const float keepLevel_;
+    const float keepTrim_;
+    const float trimStep_;
+    const float levelShare_;
+    Tile meanSquares_;
+    Tile kept_;
+    Tile added_;
+    Tile gains_;
+    Tile trims_;
+};
 
 } // namespace
 
 /// Processes whole tiles, at least one.
 void runLevellerInLanes(const LevellerSettings &settings, LevellerState &state, float *left,
                         float *right, std::uint32_t frames) {
-    const float keepLevel = settings.keepLevel;
-    const float keepTrim = settings.keepTrim;
-    const float trimStep = (1.0F - keepTrim) * settings.trimTarget;
-    const float levelShare = (1.0F - keepLevel) * 0.5F;
     LevellerState s = state;
-    // NOLINTBEGIN(cppcoreguidelines-pro-type-member-init): each is filled before it is read
-    Tile meanSquares;
-    Tile kept;
-    Tile added;
-    Tile gains;
-    Tile trims;
-    // NOLINTEND(cppcoreguidelines-pro-type-member-init)
-
-    const auto follow = [&](std::uint32_t i) HWY_ATTR {
-        s.meanSquare = keepLevel * s.meanSquare + meanSquares.samples[i];
-        meanSquares.samples[i] = s.meanSquare;
-    };
-    const auto move = [&](std::uint32_t i) HWY_ATTR {
-        s.gain = kept.samples[i] * s.gain + added.samples[i];
-        gains.samples[i] = s.gain;
-        s.trim = trimStep + keepTrim * s.trim;
-        trims.samples[i] = s.trim;
-    };
-
-    measure(left, right, levelShare, meanSquares);
+    LevellerLanes<tileFrames> lanes(settings);
+    lanes.measure(left, right);
     for (std::uint32_t i = 0; i < tileFrames; ++i)
-        follow(i);
-    aim(settings, meanSquares, kept, added);
+        lanes.follow(i, s);
+    lanes.aim();
     for (std::uint32_t begin = tileFrames; begin < frames; begin += tileFrames) {
-        measure(left + begin, right + begin, levelShare, meanSquares);
+        lanes.measure(left + begin, right + begin);
         for (std::uint32_t i = 0; i < tileFrames; ++i) {
-            follow(i);
-            move(i);
+            lanes.follow(i, s);
+            lanes.move(i, s);
         }
-        aim(settings, meanSquares, kept, added);
-        apply(gains, trims, left + begin - tileFrames);
-        apply(gains, trims, right + begin - tileFrames);
+        lanes.aim();
+        lanes.apply(left + begin - tileFrames, right + begin - tileFrames);
     }
     for (std::uint32_t i = 0; i < tileFrames; ++i)
-        move(i);
-    apply(gains, trims, left + frames - tileFrames);
-    apply(gains, trims, right + frames - tileFrames);
+        lanes.move(i, s);
+    lanes.apply(left + frames - tileFrames, right + frames - tileFrames);
+    state = s;
+}
+
+/// Processes whole tiles, at least two: the leveller follows a tile's level one step after the
+/// crossfeed, and moves its gain another step later.
+void runCrossfedLevellerInLanes(CrossfeedBlock &crossfeed, const LevellerSettings &settings,
+                                LevellerState &state, float *left, float *right,
+                                std::uint32_t frames) {
+    constexpr std::uint32_t length = crossfedTileFrames;
+    LevellerState s = state;
+    LevellerLanes<length> lanes(settings);
+    crossfeed.run(length, [](std::uint32_t) {});
+    lanes.measure(left, right);
+    crossfeed.run(length, [&](std::uint32_t i) { lanes.follow(i, s); });
+    lanes.aim();
+    lanes.measure(left + length, right + length);
+    for (std::uint32_t begin = 2 * length; begin < frames; begin += length) {
+        crossfeed.run(length, [&](std::uint32_t i) {
+            lanes.follow(i, s);
+            lanes.move(i, s);
+        });
+        lanes.aim();
+        lanes.measure(left + begin, right + begin);
+        lanes.apply(left + begin - 2 * length, right + begin - 2 * length);
+    }
+    for (std::uint32_t i = 0; i < length; ++i) {
+        lanes.follow(i, s);
+        lanes.move(i, s);
+    }
+    lanes.aim();
+    lanes.apply(left + frames - 2 * length, right + frames - 2 * length);
+    for (std::uint32_t i = 0; i < length; ++i)
+        lanes.move(i, s);
+    lanes.apply(left + frames - length, right + frames - length);
     state = s;
 }
 
@@ -131,12 +191,25 @@ HWY_AFTER_NAMESPACE();
 namespace quorbel {
 
 HWY_EXPORT(runLevellerInLanes);
+HWY_EXPORT(runCrossfedLevellerInLanes);
 
 void runLeveller(const LevellerSettings &settings, LevellerState &state, float *left, float *right,
                  std::uint32_t frames) noexcept {
     const std::uint32_t tiled = frames - frames % tileFrames;
     if (tiled > 0)
         HWY_DYNAMIC_DISPATCH(runLevellerInLanes)(settings, state, left, right, tiled);
+    runLevellerPlainly(settings, state, left + tiled, right + tiled, frames - tiled);
+}
+
+void runCrossfedLeveller(CrossfeedBlock &crossfeed, const LevellerSettings &settings,
+                         LevellerState &state, float *left, float *right,
+                         std::uint32_t frames) noexcept {
+    constexpr std::uint32_t tile = crossfedTileFrames;
+    const std::uint32_t tiled = frames < 2 * tile ? 0 : frames - frames % tile;
+    if (tiled > 0)
+        HWY_DYNAMIC_DISPATCH(runCrossfedLevellerInLanes)
+        (crossfeed, settings, state, left, right, tiled);
+    crossfeed.finish();
     runLevellerPlainly(settings, state, left + tiled, right + tiled, frames - tiled);
 }
 

@@ -4,6 +4,8 @@
 
 namespace quorbel {
 
+class CrossfeedBlock;
+
 /// Smoothing coefficients and targets of the auto gain's leveller and trim, linear. Per frame a
 /// smoother keeps the share of its value that its coefficient names.
 struct LevellerSettings {
@@ -24,6 +26,13 @@ struct LevellerState {
 /// Measures the level, moves gain and trim, and applies both in place. [render]
 void runLeveller(const LevellerSettings &settings, LevellerState &state, float *left, float *right,
                  std::uint32_t frames) noexcept;
+
+/// Finishes `crossfeed`, which is at the beginning of the same block, and levels what it leaves, in
+/// one pass: both are latency-bound. The results are those of one after the other, bit by bit.
+/// [render]
+void runCrossfedLeveller(CrossfeedBlock &crossfeed, const LevellerSettings &settings,
+                         LevellerState &state, float *left, float *right,
+                         std::uint32_t frames) noexcept;
 
 /// Plain version, as a reference and for the rest of a block; the results are bit-identical.
 void runLevellerPlainly(const LevellerSettings &settings, LevellerState &state, float *left,

@@ -33,6 +33,12 @@ struct AutoGainUnit::State {
     AutoGainCore core;
     Kept<float, float, float> manualGain; // linear, by switch and dB
     PlainCell gainStorage{0.0F};          // dB; carries the gain from block to block
+
+    void level(float *left, float *right, std::uint32_t frames, float targetDB, float trimTarget,
+               CrossfeedBlock *crossfeed) noexcept {
+        gainStorage.store(
+            core.level(left, right, frames, gainStorage.load(), targetDB, trimTarget, crossfeed));
+    }
 };
 
 AutoGainUnit::AutoGainUnit(const ComponentDescription &description, InstantiationOptions options)
@@ -68,9 +74,18 @@ RenderBlock AutoGainUnit::internalRenderBlock() {
             state->core.trim(left, right, frames, trimTarget);
             return;
         }
-        state->gainStorage.store(state->core.level(left, right, frames, state->gainStorage.load(),
-                                                   targetDB, trimTarget));
+        state->level(left, right, frames, targetDB, trimTarget, nullptr);
     });
+}
+
+bool AutoGainUnit::isLevelling() const noexcept { return isOn(storage(enabled)->taken()); }
+
+void AutoGainUnit::renderBehind(CrossfeedBlock &crossfeed, AudioBufferList &buffers,
+                                std::uint32_t frames) noexcept {
+    const float trimTarget = state_->manualGain.of(manualGain, storage(manualEnabled)->taken(),
+                                                   storage(manual)->taken());
+    state_->level(buffers.data[0], buffers.data[1], frames, storage(target)->taken(), trimTarget,
+                  &crossfeed);
 }
 
 float AutoGainUnit::readout() const noexcept { return state_->gainStorage.load(); }

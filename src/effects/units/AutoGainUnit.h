@@ -4,6 +4,8 @@
 
 namespace quorbel {
 
+class CrossfeedBlock;
+
 /// Loudness levelling towards a target, and independent of it a manual trim of ±12 dB. With both
 /// off the sound is bit-exact. Switching the levelling off drops its gain at once but keeps the
 /// measured level.
@@ -13,6 +15,13 @@ class AutoGainUnit final : public EffectUnit {
 
     AutoGainUnit(const ComponentDescription &description, InstantiationOptions options);
     [[nodiscard]] RenderBlock internalRenderBlock() override;
+
+    /// Whether the levelling is on in this block. [render]
+    [[nodiscard]] bool isLevelling() const noexcept;
+    /// Finishes `crossfeed` and renders the unit behind it, in one pass; only while levelling.
+    /// [render]
+    void renderBehind(CrossfeedBlock &crossfeed, AudioBufferList &buffers,
+                      std::uint32_t frames) noexcept;
 
     /// The leveller's gain, dB; 0 while it is off.
     [[nodiscard]] float readout() const noexcept override;

@@ -13,6 +13,11 @@ class CrossfeedUnit final : public EffectUnit {
     CrossfeedUnit(const ComponentDescription &description, InstantiationOptions options);
     void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
+    /// The auto gain can join this unit's pass.
+    [[nodiscard]] std::size_t joinable(std::span<AudioUnit *const> following) const override;
+    /// Only while neither rests.
+    bool renderJoined(std::span<AudioUnit *const> joined, AudioBufferList &buffers,
+                      std::uint32_t frames) noexcept override;
 
   protected:
     Status prepare(float sampleRate) override;
