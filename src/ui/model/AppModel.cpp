@@ -29,7 +29,7 @@ AppModel::AppModel(AppState &state, Clock &clock, QObject *parent)
     : QObject(parent), state_(state), favourites_(state.settingsPath(), nullptr),
       history_(state, favourites_, clock, nullptr), engine_(state, clock, nullptr),
       settings_(state.engine(), history_, nullptr),
-      equalizer_(state.engine().eq(), history_, nullptr), level_(state.engine(), history_, nullptr),
+      equalizer_(state.engine().eq(), history_, nullptr), level_(state.engine(), history_, clock, nullptr),
       presets_(state, favourites_, history_, nullptr), devices_(state, clock, nullptr),
       profiles_(state, nullptr), programs_(state, clock, nullptr), programRules_(state, nullptr),
       spectrum_(state.engine(), nullptr), navigation_(state, nullptr), startAtLogin_(nullptr),

@@ -17,6 +17,11 @@ namespace {
 constexpr double lowestGainDB = -40.0;
 constexpr double highestGainDB = 20.0;
 
+/// Time until nothing of the louder sound is left: the glide of a gain and the limiter's release,
+/// whose time constant is 0.05 s; with Auto-Gain six and a half of its time constants of 3 s.
+constexpr double loweringSeconds = 1.0;
+constexpr double levellingSeconds = 20.0;
+
 /// Not below `lowestDB`, unless a file has put the value there already.
 float loweredTo(float valueDB, double byDB, double lowestDB) {
     const auto value = static_cast<double>(valueDB);
@@ -29,8 +34,8 @@ QString lowerByText(double dB) {
 
 } // namespace
 
-LevelModel::LevelModel(AudioEngine &engine, HistoryModel &history, QObject *parent)
-    : QObject(parent), engine_(engine), history_(history) {
+LevelModel::LevelModel(AudioEngine &engine, HistoryModel &history, Clock &clock, QObject *parent)
+    : QObject(parent), engine_(engine), history_(history), clock_(clock) {
     EQProcessor &eq = engine_.eq();
     connect(&eq, &EQProcessor::presetGainDBChanged, this, &LevelModel::presetGainChanged);
     connect(&eq, &EQProcessor::presetGainDBChanged, this, &LevelModel::updateHighestPoint);
@@ -71,7 +76,7 @@ QString LevelModel::limiterTimeText() const {
 }
 
 double LevelModel::excessDB() const {
-    return quorbel::excessDB(engine_.heldLevels(), engine_.mixer());
+    return lowering_.isSet() ? 0.0 : quorbel::excessDB(engine_.heldLevels(), engine_.mixer());
 }
 
 QString LevelModel::lowerText() const { return lowerByText(excessDB()); }
@@ -101,6 +106,11 @@ void LevelModel::lowerByExcess() {
         mixer.autoGainTargetDB = loweredTo(mixer.autoGainTargetDB, excess, -30.0);
         engine_.setMixer(mixer);
     });
+    lowering_ = Timer::once(
+        clock_, engine_.mixer().autoGainEnabled ? levellingSeconds : loweringSeconds, [this] {
+            lowering_.invalidate();
+            clearHeld();
+        });
     clearHeld();
 }
 

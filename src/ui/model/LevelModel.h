@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/AudioEngine.h"
+#include "platform/threads/Timer.h"
 
 #include <QObject>
 #include <QString>
@@ -27,13 +28,14 @@ class LevelModel final : public QObject {
     /// The highest peaks since `clearHeld`, in words.
     Q_PROPERTY(QString heldPeakText READ heldPeakText NOTIFY heldChanged)
     Q_PROPERTY(QString limiterTimeText READ limiterTimeText NOTIFY heldChanged)
-    /// By how much `lowerByExcess` lowers the level; 0 if nothing was too loud.
+    /// By how much `lowerByExcess` lowers the level; 0 if nothing was too loud, and on the way to
+    /// the lower level.
     Q_PROPERTY(double excessDB READ excessDB NOTIFY heldChanged)
     /// "Lower by 2.1 dB"
     Q_PROPERTY(QString lowerText READ lowerText NOTIFY heldChanged)
 
   public:
-    LevelModel(AudioEngine &engine, HistoryModel &history, QObject *parent);
+    LevelModel(AudioEngine &engine, HistoryModel &history, Clock &clock, QObject *parent);
 
     [[nodiscard]] double presetGainDB() const;
     void setPresetGainDB(double dB);
@@ -49,7 +51,7 @@ class LevelModel final : public QObject {
     /// Lowers the preset's gain so that the highest point is at 0 dB.
     Q_INVOKABLE void lowerToFullScale();
     /// Lowers the level by `excessDB`: the target of Auto-Gain while it is on, else the global
-    /// gain. Clears what was held.
+    /// gain. Clears what was held, and once more at the lower level.
     Q_INVOKABLE void lowerByExcess();
     /// Forgets the highest levels.
     Q_INVOKABLE void clearHeld();
@@ -64,7 +66,9 @@ class LevelModel final : public QObject {
 
     AudioEngine &engine_;
     HistoryModel &history_;
+    Clock &clock_;
     double highestPointDB_ = 0.0;
+    Timer lowering_; ///< set until the sound has reached the lower level
 };
 
 } // namespace quorbel

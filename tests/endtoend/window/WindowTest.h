@@ -40,7 +40,7 @@ class Desktop {
     std::string display_;
 };
 
-/// Something in the window. An empty description: any.
+/// Something in the window. An empty name or description: any.
 struct Sought {
     std::string role; ///< as assistive technology names it: "button", "list item", ...
     std::string name;

@@ -122,14 +122,14 @@ class Desktop:
     def look_up(self, role, name, description):
         for at, _ in shown_below(self.program):
             try:
-                if at.get_role() == role_of(role) and at.get_name() == name and description in ("", at.get_description()):
+                if at.get_role() == role_of(role) and name in ("", at.get_name()) and description in ("", at.get_description()):
                     return at
             except GLib.Error:
                 pass
         return None
 
     def find(self, role, name, description):
-        """The first of that kind in reading order; an empty description is any."""
+        """The first of that kind in reading order; an empty name or description is any."""
         what = f"{role} {name} ({description})"
         return wait_for(what, lambda: self.look_up(role, name, description), 5.0)
 
