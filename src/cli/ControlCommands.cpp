@@ -108,11 +108,15 @@ void printRows(const QVariantMap &properties) {
             fmt::print("{:<9} {}\n", name, printable(text(*found)));
     };
     const auto plain = [](const QVariant &value) { return value.toString().toStdString(); };
+    const auto orNone = [&](const QVariant &value) {
+        return value.toString().isEmpty() ? "none" : plain(value);
+    };
     row("State", plain);
     if (!properties.value(QStringLiteral("Reason")).toString().isEmpty())
         row("Reason", plain);
-    row("Preset", plain);
+    row("Preset", orNone);
     row("Modified", yesOrNo);
+    row("Profile", orNone);
     row("Compare", yesOrNo);
     row("Output", [](const QVariant &value) { return deviceText(value.toMap()); });
     row("Meters", [](const QVariant &value) { return metersText(value.toMap()); });

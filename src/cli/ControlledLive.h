@@ -1,9 +1,8 @@
 #pragma once
 
+#include "cli/LiveProfiles.h"
 #include "platform/hardware/InstanceLock.h"
 #include "remote/ControlledProgram.h"
-#include "settings/records/Persisted.h"
-#include "settings/state/PresetGainsFile.h"
 
 #include <optional>
 
@@ -13,17 +12,17 @@ namespace quorbel {
 /// it is stopped, another program may process. [main]
 class ControlledLive final : public ControlledProgram {
   public:
-    /// `lock` is held, and given up while stopped. `settings` are those that the engine has, with
-    /// all presets, and `gains` what the presets bring. Engine, devices and lock must outlive it.
+    /// `lock` is held, and given up while stopped. All must outlive it.
     ControlledLive(AudioEngine &engine, DeviceManager &devices, std::optional<InstanceLock> &lock,
-                   const Persisted &settings, PresetGains gains);
+                   LiveProfiles &profiles);
 
     AudioEngine &engine() override { return engine_; }
     DeviceManager &devices() override { return devices_; }
-    const std::vector<Preset> &presets() const override { return presets_; }
+    const std::vector<Preset> &presets() const override { return profiles_.presets(); }
     std::vector<Uuid> favourites() const override;
-    std::optional<Uuid> activePresetID() const override { return activePresetID_; }
+    std::optional<Uuid> activePresetID() const override { return profiles_.activePresetID(); }
     void applyPreset(const Preset &preset) override;
+    const OutputProfiles &profiles() override { return profiles_.profiles(); }
     std::string start() override;
     void stop() override { engine_.stop(); }
     std::string refusal() const override { return {}; } // told to whoever asked
@@ -39,9 +38,7 @@ class ControlledLive final : public ControlledProgram {
     AudioEngine &engine_;
     DeviceManager &devices_;
     std::optional<InstanceLock> &lock_;
-    std::vector<Preset> presets_;
-    PresetGains gains_;
-    std::optional<Uuid> activePresetID_;
+    LiveProfiles &profiles_;
     bool wasStartAsked_ = false;
 };
 

@@ -81,7 +81,6 @@ void LiveCommand::run() const {
     TerminationSignals signals;
     Persisted settings = loadSettings(settingsPath_);
     const ProgramRules programRules = loadProgramRules();
-    const PresetGains gains = loadPresetGains(settingsPath_);
     ChainSettings chain = chainSettings(settings, settingsPath_, presetName_);
     if (presetName_)
         applyPreset(settings, *presetName_);
@@ -108,9 +107,9 @@ void LiveCommand::run() const {
     engine.setMixer(chain.mixer);
     engine.setComparable(!sessionBusAddress().isEmpty()); // only remote control compares
     // Settings that are named on the command line are for every output.
-    std::optional<LiveProfiles> profiles;
+    LiveProfiles profiles(engine, settings, loadPresetGains(settingsPath_));
     if (settingsPath_.empty() && !presetName_)
-        profiles.emplace(engine, settings, loadPresetGains(settingsPath_));
+        profiles.follow();
     if (deviceUID_) {
         engine.setOutputDevice(deviceNamed(devices, *deviceUID_));
     } else {
@@ -122,7 +121,7 @@ void LiveCommand::run() const {
     }
 
     signals.endEventLoop();
-    ControlledLive program(engine, devices, lock, settings, gains);
+    ControlledLive program(engine, devices, lock, profiles);
     RemoteControl control(program, clock);
     std::optional<RemoteService> service;
     std::optional<SessionBusConnector> connector;

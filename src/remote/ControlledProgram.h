@@ -3,6 +3,7 @@
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
 #include "settings/records/Preset.h"
+#include "settings/state/OutputProfiles.h"
 
 #include <QObject>
 
@@ -26,6 +27,7 @@ class ControlledProgram : public QObject {
     [[nodiscard]] virtual std::vector<Uuid> favourites() const = 0;
     [[nodiscard]] virtual std::optional<Uuid> activePresetID() const = 0;
     virtual void applyPreset(const Preset &preset) = 0;
+    [[nodiscard]] virtual const OutputProfiles &profiles() = 0;
 
     /// Starts processing. Returns the reason why the program refuses to; empty where the engine
     /// decides.
@@ -44,7 +46,7 @@ class ControlledProgram : public QObject {
                       const std::function<void()> &change) = 0;
 
   Q_SIGNALS:
-    /// Presets, the active one or a refusal. The engine announces the rest itself.
+    /// Presets, the active one, profiles or a refusal. The engine announces the rest itself.
     void changed();
 };
 

@@ -74,6 +74,8 @@ RemoteStatus RemoteControl::status() const {
         status.isModified =
             engine_.eq().bands() != active->bands || engine_.spatial() != active->spatial;
     }
+    if (const OutputProfile *profile = program_.profiles().inUse())
+        status.profile = program_.profiles().titleOf(*profile);
     status.isComparing = engine_.comparing();
     if (const auto &output = engine_.outputDevice()) {
         status.outputUID = output->uid;

@@ -38,6 +38,7 @@ struct RemoteStatus {
     std::string reason;           ///< of `waiting` and `error`
     std::string preset;           ///< name of the active preset
     bool isModified = false;      ///< bands or spatial settings are no longer the preset's own
+    std::string profile;          ///< title of the profile in use; empty for none
     bool isComparing = false;
     std::string outputUID; ///< of the device in use; empty without one
     std::string outputName;

@@ -33,6 +33,7 @@ const char *const remote::introspection = R"(
     <property name="Reason" type="s" access="read"/>
     <property name="Preset" type="s" access="read"/>
     <property name="Modified" type="b" access="read"/>
+    <property name="Profile" type="s" access="read"/>
     <property name="Compare" type="b" access="readwrite"/>
     <property name="Output" type="a{sv}" access="read"/>
     <property name="Meters" type="a{sv}" access="read">
@@ -71,6 +72,7 @@ QVariantMap propertiesOf(const RemoteStatus &status) {
             {QStringLiteral("Reason"), QString::fromStdString(status.reason)},
             {QStringLiteral("Preset"), QString::fromStdString(status.preset)},
             {QStringLiteral("Modified"), status.isModified},
+            {QStringLiteral("Profile"), QString::fromStdString(status.profile)},
             {QStringLiteral("Compare"), status.isComparing},
             {QStringLiteral("Output"), output}};
 }

@@ -1,5 +1,6 @@
 #include "endtoend/LiveTest.h"
 #include "settings/state/OutputProfilesFile.h"
+#include "support/soundserver/ControlProgram.h"
 #include "support/soundserver/SoundCard.h"
 
 #include <algorithm>
@@ -37,6 +38,21 @@ class Profiles : public LiveTest {
     [[nodiscard]] std::unique_ptr<ChildProcess> startOwn() const {
         return server.start({LiveProcess::program(), "live"});
     }
+    /// Whether remote control comes to tell of this preset, "yes" or "no" for whether it is
+    /// modified, and this profile.
+    [[nodiscard]] testing::AssertionResult soonTells(const std::string &preset,
+                                                     const std::string &isModified,
+                                                     const std::string &profile) const {
+        const std::string told =
+            "Preset    " + preset + "\nModified  " + isModified + "\nProfile   " + profile + "\n";
+        ControlOutcome status;
+        if (comesTrue(3.0, [&] {
+                status = control(server, {"status"});
+                return status.output.find(told) != std::string::npos;
+            }))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << status;
+    }
     static void end(std::unique_ptr<ChildProcess> &live) {
         EXPECT_EQ(live->stop(5.0, SIGINT), 0) << live->errors();
         live.reset();
@@ -64,9 +80,10 @@ TEST_F(Profiles, FollowTheRoutesOfACardAndItsOtherOutputs) {
     card.setRoute(1, "hdmi-output-0");
     CardOutput analog(client, card, 0, "analog");
     CardOutput hdmi(client, card, 1, "card-hdmi");
+    OutputProfile bassy = profile(onRoute("hdmi-output-0"), -30.0F);
+    bassy.presetName = "Bass Heavy";
     write({profile(onRoute("analog-output-speaker"), -6.0F),
-           profile(onRoute("analog-output-headphones"), -20.0F),
-           profile(onRoute("hdmi-output-0"), -30.0F), profile({}, -3.0F)});
+           profile(onRoute("analog-output-headphones"), -20.0F), bassy, profile({}, -3.0F)});
     server.setDefaultDevice("analog");
     playTone(toneDB);
     ASSERT_TRUE(soonPlays(analog, 0.0)) << "unprocessed at first";
@@ -88,9 +105,16 @@ TEST_F(Profiles, FollowTheRoutesOfACardAndItsOtherOutputs) {
     (void)loudest(hdmi);
     server.setDefaultDevice("card-hdmi");
     ASSERT_TRUE(soonPlays(hdmi, -30.0));
+    EXPECT_TRUE(soonTells("Bass Heavy", "yes", "Bass Heavy (modified)"));
+    EXPECT_EQ(control(server, {"preset", "bass heavy"}).status, 0);
+    EXPECT_TRUE(soonTells("Bass Heavy", "no", "Bass Heavy"));
     server.setDefaultDevice("analog");
     ASSERT_TRUE(soonPlays(analog, -6.0));
+    EXPECT_TRUE(soonTells("none", "no", "Custom"));
+    server.setDefaultDevice("card-hdmi");
+    EXPECT_TRUE(soonTells("Bass Heavy", "no", "Bass Heavy")) << "until it ends";
     end(live);
+    server.setDefaultDevice("analog");
     EXPECT_TRUE(soonPlays(analog, 0.0));
 }
 

@@ -107,6 +107,10 @@ std::string OutputProfiles::nameOf(const OutputProfile &profile) const {
     return preset != nullptr ? preset->name : profile.presetName.value_or("Custom");
 }
 
+std::string OutputProfiles::titleOf(const OutputProfile &profile) const {
+    return nameOf(profile) + (isModified(profile) ? " (modified)" : "");
+}
+
 bool OutputProfiles::isModified(const OutputProfile &profile) const {
     const auto base = baseOf(profile);
     return profile.own && base && !soundAlike(*profile.own, *base);
@@ -154,9 +158,11 @@ void OutputProfiles::keepUnowned() {
 void OutputProfiles::play(const OutputProfile &profile) {
     const auto base = baseOf(profile);
     const Preset *preset = profile.use == Use::flat ? &flatPreset() : presetOf(profile);
-    const auto sound = profile.own ? profile.own : base;
+    auto sound = profile.own ? profile.own : base;
     if (!sound)
         return; // its preset is gone: the settings stay
+    if (preset != nullptr)
+        sound->bands = withIDsOf(preset->bands, std::move(sound->bands));
     owner_ = profile.key;
     const auto presetID = preset != nullptr ? std::optional(preset->id) : std::nullopt;
     if (presetID == settings_.livePreset() && soundAlike(*sound, settings_.liveSound()))

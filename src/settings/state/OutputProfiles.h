@@ -57,10 +57,9 @@ class OutputProfiles final : public QObject, public OutputRule {
     [[nodiscard]] const OutputProfile *withKey(const OutputKey &key) const;
     /// The profile of the output that was adopted last; null where it has none.
     [[nodiscard]] const OutputProfile *inUse() const { return inUse_ ? withKey(*inUse_) : nullptr; }
-    /// "Bass Boost", "Flat", "Custom", or "Leave this output alone".
-    [[nodiscard]] std::string nameOf(const OutputProfile &profile) const;
-    /// Whether the settings are no longer those of that name.
-    [[nodiscard]] bool isModified(const OutputProfile &profile) const;
+    /// "Bass Boost", "Flat", "Custom", or "Leave this output alone"; with " (modified)" behind it
+    /// if the settings are no longer those of that name.
+    [[nodiscard]] std::string titleOf(const OutputProfile &profile) const;
 
     /// Gives the outputs of this key a profile; `preset` as in OutputProfile, nothing for the
     /// settings of now. The settings of the outputs without a profile are kept as that of any
@@ -85,6 +84,8 @@ class OutputProfiles final : public QObject, public OutputRule {
     void switched(); ///< other settings than the user's last ones are live
 
   private:
+    [[nodiscard]] std::string nameOf(const OutputProfile &profile) const;
+    [[nodiscard]] bool isModified(const OutputProfile &profile) const;
     [[nodiscard]] OutputProfile *find(const OutputKey &key);
     [[nodiscard]] const Preset *presetOf(const OutputProfile &profile) const;
     /// The settings without changes; nothing where the preset is gone.

@@ -8,6 +8,7 @@ ControlledWindow::ControlledWindow(AppState &state, AppModel &model)
     : state_(state), model_(model) {
     connect(&state_, &AppState::presetsChanged, this, &ControlledProgram::changed);
     connect(&state_, &AppState::activePresetIDChanged, this, &ControlledProgram::changed);
+    connect(&state_.profiles(), &OutputProfiles::changed, this, &ControlledProgram::changed);
     connect(model_.engine(), &EngineModel::stateChanged, this, &ControlledProgram::changed);
 }
 

@@ -20,6 +20,7 @@ class ControlledWindow final : public ControlledProgram {
     std::vector<Uuid> favourites() const override;
     std::optional<Uuid> activePresetID() const override { return state_.activePresetID(); }
     void applyPreset(const Preset &preset) override { state_.applyPreset(preset); }
+    const OutputProfiles &profiles() override { return state_.profiles(); }
     std::string start() override;
     void stop() override;
     std::string refusal() const override;

@@ -87,8 +87,7 @@ OutputProfileModel::Row OutputProfileModel::rowOf(const OutputKey &key,
     if (const OutputProfile *profile = profiles.withKey(key)) {
         row.hasProfile = true;
         row.choice = choiceOf(*profile);
-        const QString name = QString::fromUtf8(profiles.nameOf(*profile));
-        row.profile = profiles.isModified(*profile) ? tr("%1 (modified)").arg(name) : name;
+        row.profile = QString::fromUtf8(profiles.titleOf(*profile));
     } else {
         const bool isCallDefault =
             profiles.isInForce() && key.bluetooth == OutputIdentity::Bluetooth::call;

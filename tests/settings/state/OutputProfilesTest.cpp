@@ -74,9 +74,7 @@ class OutputProfilesTest : public AppStateTest {
     }
     [[nodiscard]] std::string nameInUse() const {
         const OutputProfile *used = state->profiles().inUse();
-        return used == nullptr ? "none"
-                               : state->profiles().nameOf(*used) +
-                                     (state->profiles().isModified(*used) ? " (modified)" : "");
+        return used == nullptr ? "none" : state->profiles().titleOf(*used);
     }
 };
 
@@ -300,6 +298,13 @@ TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
         band.id = Uuid::random(); // as after every launch
     state->engine().eq().setBands(sameBands);
     EXPECT_EQ(nameInUse(), "Bass Heavy");
+    setLiveGain(-1.0F);
+    for (const char *uid : {"speakers", "hdmi"}) {
+        hardware.setDefaultOutput(uid);
+        state->deviceManager().refresh();
+    }
+    EXPECT_EQ(nameInUse(), "Bass Heavy (modified)");
+    EXPECT_EQ(displayName(), "Bass Heavy") << "but for the gain";
     moveBand(3, 4.5F);
 
     // Presets of the user's own: applied, then deleted.
