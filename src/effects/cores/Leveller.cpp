@@ -208,7 +208,7 @@ void runCrossfedLeveller(CrossfeedBlock &crossfeed, const LevellerSettings &sett
     const std::uint32_t tiled = frames < 2 * tile ? 0 : frames - frames % tile;
     if (tiled > 0)
         HWY_DYNAMIC_DISPATCH(runCrossfedLevellerInLanes)
-        (crossfeed, settings, state, left, right, tiled);
+    (crossfeed, settings, state, left, right, tiled);
     crossfeed.finish();
     runLevellerPlainly(settings, state, left + tiled, right + tiled, frames - tiled);
 }
