@@ -43,6 +43,26 @@ TestCase {
     function setValue(name, to) {
         verify(Assistive.setValue(name, to), "cannot be set: " + name);
     }
+    function type(text: string) {
+        for (const letter of text)
+            keyClick(letter);
+    }
+    /// Frequency, gain and Q.
+    function bandFacts(row: int): var {
+        const bands = App.equalizer.bands;
+        return [1, 2, 3].map(role => bands.data(bands.index(row, 0), Qt.UserRole + role));
+    }
+    /// Drags from the middle of a curve point, in as many steps as there are pixels.
+    function dragPoint(row: int, dx: int, dy: int) {
+        const point = part("bandPoint" + row);
+        const curve = point.curve;
+        const x = point.x + point.width / 2, y = point.y + point.height / 2;
+        const steps = Math.max(Math.abs(dx), Math.abs(dy));
+        mousePress(curve, x, y);
+        for (let step = 1; step <= steps; ++step)
+            mouseMove(curve, x + dx * step / steps, y + dy * step / steps, -1, Qt.LeftButton);
+        mouseRelease(curve, x + dx, y + dy);
+    }
     function undoAll() {
         while (App.history.canUndo)
             App.history.undo();

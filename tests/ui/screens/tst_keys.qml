@@ -58,10 +58,6 @@ ScreenTest {
     function take(name: string, role: string) {
         verify(Assistive.focus(name, role), "no " + role + " " + name);
     }
-    function type(text: string) {
-        for (const letter of text)
-            keyClick(letter);
-    }
     function field(): Item {
         const item = window.activeFocusItem;
         return item !== null && item.cursorPosition !== undefined && item.readOnly !== true ? item : null;
@@ -72,12 +68,12 @@ ScreenTest {
     /// Each of the facts that a key may change.
     function facts(): var {
         const bands = App.equalizer.bands;
-        const row = bands.index(band, 0);
+        const [frequency, gain, q] = bandFacts(band);
         return {
-            frequency: Math.round(bands.data(row, Qt.UserRole + 1)),
-            gain: bands.data(row, Qt.UserRole + 2),
-            q: Math.round(bands.data(row, Qt.UserRole + 3) * 100) / 100,
-            type: bands.data(row, Qt.UserRole + 4),
+            frequency: Math.round(frequency),
+            gain: gain,
+            q: Math.round(q * 100) / 100,
+            type: bands.data(bands.index(band, 0), Qt.UserRole + 4),
             global: App.equalizer.globalGainDB,
             exact: (part("bandPoint0")?.curve.secondaryValues.length ?? 0) > 0,
             preset: App.presets.activeIndex,
@@ -452,50 +448,23 @@ ScreenTest {
         App.setting("limiterThresholdDB").value = -0.3;
     }
 
-    /// Drags from the middle of a curve point, in as many steps as there are pixels.
-    function drag(row: int, dx: int, dy: int, modifiers: int) {
-        const curve = part("bandPoint" + row).curve;
-        const point = part("bandPoint" + row);
-        const x = point.x + point.width / 2, y = point.y + point.height / 2;
-        const steps = Math.max(Math.abs(dx), Math.abs(dy));
-        mousePress(curve, x, y, Qt.LeftButton, modifiers);
-        for (let step = 1; step <= steps; ++step)
-            mouseMove(curve, x + dx * step / steps, y + dy * step / steps, -1, Qt.LeftButton);
-        mouseRelease(curve, x + dx, y + dy, Qt.LeftButton, modifiers);
-    }
-    function bandFacts(row: int): var {
-        const bands = App.equalizer.bands;
-        return [1, 2, 3].map(role => bands.data(bands.index(row, 0), Qt.UserRole + role));
-    }
-
     function test_a_drag_of_a_point_keeps_to_its_axis() {
         App.equalizer.bands.setGain(4, -10);
         App.equalizer.globalGainDB = -10; // drawn at the lower end, which it is below
-        drag(4, 1, 0);
+        dragPoint(4, 1, 0);
         let [hertz, gain] = bandFacts(4);
         verify(hertz > 500);
         compare(gain, -10);
-        drag(4, 60, 7); // the hand strays
+        dragPoint(4, 60, 7); // the hand strays
         compare(bandFacts(4)[1], -10);
         hertz = bandFacts(4)[0];
-        drag(4, 3, -30);
+        dragPoint(4, 3, -30);
         compare(bandFacts(4)[0], hertz);
         verify(bandFacts(4)[1] > -10);
         // Upward from below the curve it begins where the value is.
         App.equalizer.bands.setGain(4, -10);
-        drag(4, 0, -1);
+        dragPoint(4, 0, -1);
         verify(bandFacts(4)[1] > -10 && bandFacts(4)[1] < -9.5, "gain " + bandFacts(4)[1]);
-    }
-
-    function test_reset_by_control_click() {
-        App.equalizer.bands.setGain(4, 6);
-        App.equalizer.bands.setFrequency(4, 700);
-        const slider = Assistive.item("Band 5 gain", "Slider");
-        mouseClick(slider, slider.width / 2, 20, Qt.LeftButton, Qt.ControlModifier);
-        compare(bandFacts(4), [700, 0, 1]);
-        App.equalizer.bands.setGain(4, 6);
-        mouseClick(part("bandPoint4"), 8, 8, Qt.LeftButton, Qt.ControlModifier);
-        compare(bandFacts(4), [500, 0, 1]);
     }
 
     function test_the_wheel_on_a_point_turns_q_of_the_one_with_the_focus() {

@@ -23,10 +23,6 @@ ScreenTest {
             keyClick(Qt.Key_Tab);
         }
     }
-    function type(text) {
-        for (const letter of text)
-            keyClick(letter);
-    }
     function details(role) {
         return Assistive.all().filter(entry => entry.role === role).map(entry => entry.name);
     }
