@@ -14,8 +14,7 @@
 namespace quorbel {
 namespace {
 
-// Limits of the control loop's timer: 0 would disarm it.
-constexpr double shortestWaitSeconds = 1e-3;
+/// Longest time between two looks.
 constexpr double longestWaitSeconds = 60.0;
 
 /// Grace period for another output before the applications are heard unprocessed.
@@ -122,14 +121,8 @@ void PipeWireHardware::armTimer() {
         next = std::min(next, outputStoppedAt_ + outputSeconds);
     if (!journal_->isEmpty())
         next = std::min(next, nextBeat_);
-    timespec wait{};
-    if (std::isfinite(next)) {
-        const double seconds = std::clamp(next - now, shortestWaitSeconds, longestWaitSeconds);
-        wait.tv_sec = static_cast<time_t>(seconds);
-        wait.tv_nsec = static_cast<long>((seconds - std::floor(seconds)) * 1e9);
-    }
-    pw_loop_update_timer(pw_thread_loop_get_loop(connection_->loop()), timer_, &wait, nullptr,
-                         false);
+    connection_->setTimer(timer_,
+                          std::isfinite(next) ? std::min(next - now, longestWaitSeconds) : next);
 }
 
 /// The node of one of our streams; null if a client has removed it. (Ids are reused.)

@@ -4,8 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
-#include <ctime>
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +22,8 @@ constexpr double tailSeconds = 2.0;
 constexpr double renderLookSeconds = 0.002;
 /// Interval of the control side's looks for sound while another client keeps the device running.
 constexpr double soundLookSeconds = 0.25;
+/// Of the tail timer.
+constexpr double never = std::numeric_limits<double>::infinity();
 
 } // namespace
 
@@ -157,7 +158,7 @@ void PipeWireHardware::Output::followTail() {
     wasStreaming_ = isStreaming;
     if (!holdsTail_) {
         hold_.reset();
-        setTailTimer(0.0);
+        setTailTimer(never);
         return;
     }
     if (!hold_)
@@ -168,24 +169,18 @@ void PipeWireHardware::Output::followTail() {
     if (isStreaming)
         setTailTimer(left > 0.0 ? left : soundLookSeconds);
     else
-        setTailTimer(0.0);
+        setTailTimer(never);
 }
 
-/// `seconds` from now; never if 0.
+/// `seconds` from now, or never.
 void PipeWireHardware::Output::setTailTimer(double seconds) {
     pw_loop *loop = pw_thread_loop_get_loop(hardware_.connection_->loop());
-    if (tailTimer_ == nullptr && seconds > 0.0)
+    if (tailTimer_ == nullptr && seconds != never)
         tailTimer_ = pw_loop_add_timer(
             loop, [](void *self, std::uint64_t) { static_cast<Output *>(self)->followTail(); },
             this);
-    if (tailTimer_ == nullptr)
-        return;
-    timespec wait{};
-    if (seconds > 0.0) {
-        wait.tv_sec = static_cast<time_t>(seconds);
-        wait.tv_nsec = std::max(1L, static_cast<long>((seconds - std::floor(seconds)) * 1e9));
-    }
-    pw_loop_update_timer(loop, tailTimer_, &wait, nullptr, false);
+    if (tailTimer_ != nullptr)
+        hardware_.connection_->setTimer(tailTimer_, seconds);
 }
 
 } // namespace quorbel

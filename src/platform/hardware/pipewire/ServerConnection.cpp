@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <mutex>
@@ -145,6 +146,17 @@ Status ServerConnection::waitUntil(const std::function<bool()> &condition, doubl
             return condition() ? statusOK : -ETIMEDOUT;
     }
     return statusOK;
+}
+
+void ServerConnection::setTimer(spa_source *timer, double seconds) const {
+    constexpr double shortestWaitSeconds = 1e-3; // 0 would disarm it
+    timespec wait{};
+    if (std::isfinite(seconds)) {
+        seconds = std::max(seconds, shortestWaitSeconds);
+        wait.tv_sec = static_cast<time_t>(seconds);
+        wait.tv_nsec = static_cast<long>((seconds - std::floor(seconds)) * 1e9);
+    }
+    pw_loop_update_timer(pw_thread_loop_get_loop(loop()), timer, &wait, nullptr, false);
 }
 
 void ServerConnection::afterRoundTrip(std::function<void()> done) {

@@ -46,6 +46,10 @@ class ServerConnection {
     /// Makes `waitUntil` test its condition. [control]
     void wakeWaiters() { pw_thread_loop_signal(loop_.get(), false); }
 
+    /// Lets a timer of the loop fire once, `seconds` from now; never if they are infinite.
+    /// [control]
+    void setTimer(spa_source *timer, double seconds) const;
+
     /// Runs `done` once the server has handled all requests so far. [control]
     void afterRoundTrip(std::function<void()> done);
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
 
 namespace quorbel {
 namespace {
@@ -13,8 +14,7 @@ namespace {
 constexpr double readAgainAfterSeconds[] = {0.5, 1.5, 4.0};
 /// Delay of a test, so that clients that leave together cause only one.
 constexpr double testAfterSeconds = 0.3;
-constexpr double tableSeconds = 1.0;
-constexpr double shortestWaitSeconds = 0.001; ///< 0 would disarm the timer
+constexpr double testAnswerSeconds = 1.0;
 
 /// Written for our own client: the server deletes it with the client.
 constexpr const char *testKey = "quorbel.hearing";
@@ -222,7 +222,7 @@ void SessionMetadata::testHearing() {
     if (client != SPA_ID_INVALID) {
         pw_metadata_set_property(binding_->proxy.get(), client, testKey, "",
                                  std::to_string(++lastTest_).c_str());
-        answerUntil_ = monotonicSeconds() + tableSeconds;
+        answerUntil_ = monotonicSeconds() + testAnswerSeconds;
     }
     armTimer();
 }
@@ -243,17 +243,11 @@ void SessionMetadata::timerExpired() {
 }
 
 void SessionMetadata::armTimer() {
-    std::optional<double> next = answerUntil_ ? answerUntil_ : testAt_;
+    constexpr double never = std::numeric_limits<double>::infinity();
+    double next = answerUntil_ ? *answerUntil_ : testAt_.value_or(never);
     for (const double time : readAt_)
-        next = std::min(time, next.value_or(time));
-    timespec wait{};
-    if (next) {
-        const double seconds = std::max(*next - monotonicSeconds(), shortestWaitSeconds);
-        wait.tv_sec = static_cast<time_t>(seconds);
-        wait.tv_nsec = static_cast<long>((seconds - static_cast<double>(wait.tv_sec)) * 1e9);
-    }
-    pw_loop_update_timer(pw_thread_loop_get_loop(connection_.loop()), timer_, &wait, nullptr,
-                         false);
+        next = std::min(time, next);
+    connection_.setTimer(timer_, next - monotonicSeconds());
 }
 
 } // namespace quorbel
