@@ -14,7 +14,7 @@
 namespace quorbel::soundserver {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 std::string writeSettings(const PrivateSoundServer &server, const LiveSettings &settings) {
     std::string path = (server.folder() / "settings.json").string();
@@ -33,8 +33,8 @@ LiveSettings LiveSettings::flat(double globalGainDB) {
 }
 
 std::string LiveSettings::json() const {
-    Json file;
-    file["bands"] = Json::array();
+    OrderedJson file;
+    file["bands"] = OrderedJson::array();
     for (const Band &band : bands) {
         file["bands"].push_back({{"frequency", band.frequency},
                                  {"gainDB", band.gainDB},
@@ -45,8 +45,8 @@ std::string LiveSettings::json() const {
                        {"xtcEnabled", false},         {"xtcAmount", 50.0},
                        {"xtcNotchFrequency", 2000.0}, {"reverbEnabled", reverbMix > 0.0},
                        {"reverbMix", reverbMix},      {"reverbPreset", "cathedral"}};
-    file["presets"] = Json::array();
-    file["mixer"] = Json::object();
+    file["presets"] = OrderedJson::array();
+    file["mixer"] = OrderedJson::object();
     file["eqGlobalGainDB"] = eqGlobalGainDB;
     return file.dump(2);
 }

@@ -57,12 +57,10 @@ void AudioEngine::decideOutput(bool isLeftAlone) {
             leaveOutputAlone();
         else if (!outputRestartTask.isSet()) // else before the new device's first block
             adoptOutput();
-    } else if (!isLeavingAlone_) {
-        adoptOutput();
-    } else if (!isLeftAlone) {
+    } else if (isLeavingAlone_ && !isLeftAlone) {
         beginStart();
     } else {
-        adoptOutput(); // another one that is left alone
+        adoptOutput();
     }
 }
 

@@ -68,7 +68,7 @@ QDBusConnection connectToSessionBus(const QString &name) {
 
 struct SessionBusConnector::Shared {
     std::mutex mutex;
-    Clock *clock;                                     ///< null after the connector's end; guarded
+    Clock *clock = nullptr;                           ///< null after the connector's end; guarded
     std::function<void(const QDBusConnection &)> use; ///< [main]
 };
 

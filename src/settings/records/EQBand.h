@@ -47,7 +47,7 @@ inline std::vector<EQBand> EQBand::defaultBands() {
 /// new ids at every launch, and ids count when bands are compared: without this, every start would
 /// find the active preset changed.
 [[nodiscard]] inline std::vector<EQBand> withIDsOf(const std::vector<EQBand> &others,
-                                                   std::vector<EQBand> bands) {
+                                                   const std::vector<EQBand> &bands) {
     std::vector<EQBand> renamed = bands;
     for (std::size_t index = 0; index < std::min(bands.size(), others.size()); ++index)
         renamed[index].id = others[index].id;
