@@ -112,7 +112,7 @@ TEST(EffectUnitTest, CrossfeedAndAutoGainInOnePassSoundAsOneByOne) {
             crossfeed.node().takeSettings();
             autoGain.node().takeSettings();
         }
-        void renderAlone(Sound &sound) {
+        void renderAlone(Stereo &sound) {
             for (UnitHarness *unit : {&crossfeed, &autoGain}) {
                 AudioBufferList view = sound.view();
                 unit->render(view, static_cast<std::uint32_t>(sound.frames()));
@@ -123,8 +123,8 @@ TEST(EffectUnitTest, CrossfeedAndAutoGainInOnePassSoundAsOneByOne) {
     Pair alone;
     ASSERT_EQ(joined.crossfeed.node().joinable(joined.behind), 1U);
     for (std::uint32_t block = 0; block < 40; ++block) {
-        Sound expected = noise(100 + 7 * block, 0.9F, block + 1);
-        Sound sound = expected;
+        Stereo expected = noise(100 + 7 * block, 0.9F, block + 1);
+        Stereo sound = expected;
         joined.set(block);
         alone.set(block);
         AudioBufferList view = sound.view();
