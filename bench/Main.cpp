@@ -1,4 +1,5 @@
 #include "LevelTable.h"
+#include "LiveLevelTable.h"
 #include "SlowestBlock.h"
 #include "platform/dsp/Denormals.h"
 
@@ -14,6 +15,7 @@ int main(int argc, char **argv) {
         return 0;
     }
     if (argc == 2 && std::string_view(argv[1]) == "--levels") {
+        quorbel::bench::printLiveLevelTable();
         quorbel::bench::printLevelTable();
         return 0;
     }
