@@ -1,6 +1,7 @@
 #include "cli/CommandError.h"
 #include "cli/CommandSettings.h"
 #include "cli/Commands.h"
+#include "cli/PrintableText.h"
 #include "settings/files/FileReplacement.h"
 #include "settings/interchange/InterchangeError.h"
 #include "settings/interchange/PresetFile.h"
@@ -43,7 +44,8 @@ void ExportCommand::run() const {
     const Preset preset = presetNamed(settings, presetName_);
     const PresetGains gains = loadPresetGains("");
     try {
-        writePreset(path_, preset, gains.of(preset.id));
+        if (const std::string loss = writePreset(path_, preset, gains.of(preset.id)); !loss.empty())
+            fmt::print("{} is written {}\n", printable(path_), loss);
     } catch (const InterchangeError &error) {
         throw CommandError(fmt::format("{}: {}", preset.name, error.what()));
     } catch (const FileReplacementError &error) {

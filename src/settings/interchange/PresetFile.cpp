@@ -82,9 +82,17 @@ void adoptPreset(Persisted &settings, const Preset &preset) {
     settings.activePresetName = preset.name;
 }
 
-void writePreset(const std::string &path, const Preset &preset, float gainDB) {
-    const bool isWhole = std::filesystem::path(path).extension() == ".json";
-    replaceFile(path, isWhole ? writePresetFile(preset) : writeEqualizerText(preset.bands, gainDB));
+std::string writePreset(const std::string &path, const Preset &preset, float gainDB) {
+    if (std::filesystem::path(path).extension() != ".json") {
+        replaceFile(path, writeEqualizerText(preset.bands, gainDB));
+        return {};
+    }
+    replaceFile(path, writePresetFile(preset));
+    if (gainDB == 0.0F)
+        return {};
+    return fmt::format(
+        "without its gain of {:+.1f} dB, for which only an equalizer text (.txt) has a place",
+        gainDB);
 }
 
 std::string writePresetFile(const Preset &preset) { return encodeRecord(preset) + '\n'; }

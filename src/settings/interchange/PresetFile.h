@@ -32,10 +32,10 @@ struct ImportedPreset {
 void adoptPreset(Persisted &settings, const Preset &preset);
 
 /// Writes a preset whole to a file whose name ends in ".json", else as a parametric equaliser text
-/// with `gainDB` as its preamp. A file that exists is replaced, as a whole or not at all.
-/// Throws InterchangeError or EncodingError for a value that the form cannot hold, and
-/// FileReplacementError.
-void writePreset(const std::string &path, const Preset &preset, float gainDB);
+/// with `gainDB` as its preamp. A file that exists is replaced, as a whole or not at all. Returns a
+/// line for the user if the file does not hold the gain; otherwise empty. Throws InterchangeError
+/// or EncodingError for a value that the form cannot hold, and FileReplacementError.
+std::string writePreset(const std::string &path, const Preset &preset, float gainDB);
 
 // The JSON form.
 

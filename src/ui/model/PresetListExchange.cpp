@@ -64,9 +64,10 @@ QString summaryOf(const ImportedPreset &imported) {
 
 ExchangeResult write(const Preset &preset, float gainDB, const QString &path) {
     try {
-        writePreset(path.toStdString(), preset, gainDB);
+        const std::string loss = writePreset(path.toStdString(), preset, gainDB);
         return done(PresetListModel::tr("%1 was written to %2")
-                        .arg(QString::fromUtf8(preset.name), QFileInfo(path).fileName()));
+                        .arg(QString::fromUtf8(preset.name), QFileInfo(path).fileName()),
+                    loss.empty() ? QStringList() : QStringList(QString::fromStdString(loss)));
     } catch (const std::runtime_error &error) {
         return failed(failureText(path, error));
     }

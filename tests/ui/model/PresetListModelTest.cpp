@@ -203,6 +203,10 @@ TEST_F(PresetListModelTest, WhatItWritesItReads) {
     presets().apply(presetId(9));
     app->equalizer()->setGlobalGainDB(-2);
     ASSERT_TRUE(presets().exportPreset(presetId(9), path("out.json")).ok);
+    state->setPresetGainDB(*state->activePresetID(), -6.0F);
+    EXPECT_THAT(
+        presets().exportPreset(presetId(9), path("out.json")).details.join("").toStdString(),
+        HasSubstr("without its gain of -6.0 dB"));
 
     const SpatialConfig spatial = engine().spatial();
     const std::vector<EQBand> exported = bands();
