@@ -79,9 +79,9 @@ class AppState final : public QObject, private ProfileSettings {
     /// Writes the settings file now. A failure is a warning, and the next change tries again. A
     /// file that is there but cannot be read is left as it is, and the save fails.
     void persist();
-    /// Takes another program's changes of the settings file. Text that is no settings record is set
-    /// aside a second later, with a warning, if it is still there: its writer may not have come to
-    /// the end.
+    /// Takes another program's changes of the settings file and of the profiles. Text that is no
+    /// settings record is set aside a second later, with a warning, if it is still there: its
+    /// writer may not have come to the end. Unreadable profiles stay as they are, with a warning.
     void takeFileChanges();
     [[nodiscard]] const std::string &settingsPath() const { return file_.path(); }
     /// The last load or save problem; none when the last save succeeded, unless that save had to
@@ -131,6 +131,8 @@ class AppState final : public QObject, private ProfileSettings {
     void readPresetGains();
     std::optional<std::string> writePresetGains();
     void readProfiles();
+    void takeProfileChanges();
+    void lookAgainAtProfiles();
     std::optional<std::string> writeProfiles();
     void readProgramRules();
     void setPersistWarning(std::optional<std::string> warning);
@@ -150,6 +152,7 @@ class AppState final : public QObject, private ProfileSettings {
     Persisted seen_;
     bool isTaking_ = false; ///< changes come from the file at present
     Timer unreadableLook_;
+    Timer unreadableProfilesLook_;
 
     std::array<Timer, 6> pendingSaves_; ///< one for each watched setting
     DeviceManager deviceManager_;

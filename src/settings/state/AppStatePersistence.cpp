@@ -21,6 +21,9 @@ namespace {
 /// A moving control is written once, after its last change.
 constexpr double saveDelaySeconds = 0.5;
 
+/// Another program may write a file piece by piece.
+constexpr double secondLookSeconds = 1.0;
+
 std::string movedAsideWarning(const MovedFile &moved) {
     return "Saved settings were unreadable and were set aside as " + moved.name +
            ". Starting fresh.";
@@ -227,7 +230,7 @@ Persisted AppState::currentSettings() const {
 // Changes from outside
 
 void AppState::takeFileChanges() {
-    constexpr double secondLookSeconds = 1.0;
+    takeProfileChanges();
     try {
         if (const auto theirs = file_.readChange())
             take(*theirs);
@@ -237,6 +240,31 @@ void AppState::takeFileChanges() {
     } catch (const DecodingError &) {
         unreadableLook_ =
             Timer::once(clock_, secondLookSeconds, [this] { moveAsideIfUnreadable(); });
+    }
+}
+
+void AppState::takeProfileChanges() {
+    try {
+        unreadableProfilesLook_.invalidate();
+        if (profiles_.takeFileChanges())
+            engine_->followOutputRule();
+    } catch (const SettingsFileError &) {
+        return; // a save will say so
+    } catch (const DecodingError &) {
+        unreadableProfilesLook_ =
+            Timer::once(clock_, secondLookSeconds, [this] { lookAgainAtProfiles(); });
+    }
+}
+
+void AppState::lookAgainAtProfiles() {
+    try {
+        if (profiles_.takeFileChanges())
+            engine_->followOutputRule();
+    } catch (const SettingsFileError &) {
+        return; // a save will say so
+    } catch (const DecodingError &error) {
+        setPersistWarning(fmt::format("The profiles of the outputs stay as they were: {}: {}",
+                                      profiles_.path(), error.what()));
     }
 }
 

@@ -46,6 +46,22 @@ void OutputProfiles::peek() {
     Q_EMIT changed();
 }
 
+bool OutputProfiles::takeFileChanges() {
+    const OutputProfile *owner = owner_ ? withKey(*owner_) : nullptr;
+    const auto before = owner != nullptr ? std::optional(*owner) : std::nullopt;
+    if (!file_.takeChanges(profiles_))
+        return false;
+    if (inUse_ && withKey(*inUse_) == nullptr)
+        inUse_.reset();
+    owner = owner_ ? withKey(*owner_) : nullptr;
+    if (owner == nullptr)
+        owner_.reset();
+    else if (*owner != before && owner->use != Use::leaveAlone)
+        play(OutputProfile(*owner));
+    Q_EMIT changed();
+    return true;
+}
+
 std::optional<std::string> OutputProfiles::save() {
     if (profiles_ == file_.profiles())
         return std::nullopt;

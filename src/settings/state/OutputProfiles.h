@@ -49,6 +49,9 @@ class OutputProfiles final : public QObject, public OutputRule {
     std::optional<std::string> read();
     /// As `OutputProfilesFile::peek`.
     void peek();
+    /// Takes another program's changes of the file; of what both have changed, ours stay. Returns
+    /// whether the engine has to follow. As `OutputProfilesFile::takeChanges`.
+    bool takeFileChanges();
     [[nodiscard]] const std::string &path() const { return file_.path(); }
     /// Writes what has changed since. As `OutputProfilesFile::write`.
     std::optional<std::string> save();

@@ -39,6 +39,19 @@ void OutputProfilesFile::peek() {
     file_.peek([this](const json &document) { profiles_ = decodedProfiles(document); });
 }
 
+bool OutputProfilesFile::takeChanges(std::vector<OutputProfile> &ours) {
+    std::vector<OutputProfile> theirs = profiles_;
+    file_.peek([&](const json &document) {
+        if (!document.empty())
+            theirs = decodedProfiles(document);
+    });
+    if (theirs == profiles_)
+        return false;
+    ours = mergedList(profiles_, ours, theirs, &OutputProfile::key);
+    profiles_ = std::move(theirs);
+    return true;
+}
+
 std::optional<std::string> OutputProfilesFile::write(const std::vector<OutputProfile> &next) {
     std::vector<OutputProfile> merged = next;
     std::vector<OutputProfile> theirs;

@@ -33,6 +33,10 @@ class OutputProfilesFile {
     void peek();
     [[nodiscard]] const std::string &path() const { return file_.path(); }
 
+    /// Takes over into `ours` the profiles that another program has changed since the last reading
+    /// and `ours` has not. Returns whether there are any; a missing file has none. As `peek`.
+    bool takeChanges(std::vector<OutputProfile> &ours);
+
     /// Replaces the profiles with `next`, but for those that another program has changed since the
     /// last reading and `next` has not. Returns the warning of `read`. Throws SettingsFileError,
     /// EncodingError and FileReplacementError; the file is then as it was.

@@ -151,6 +151,7 @@ int main(int argc, char **argv) {
     equip(machine, options.state);
     AppState state(machine, clock, settings.toStdString());
     const FileWatch watch(state.settingsPath(), clock, [&] { state.takeFileChanges(); });
+    const FileWatch profilesWatch(state.profiles().path(), clock, [&] { state.takeFileChanges(); });
     AppModel model(state, clock);
     // Recordings are not needed and would grow for ever.
     const auto forget = Timer::repeating(clock, 5.0, [&] {

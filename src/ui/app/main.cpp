@@ -98,6 +98,7 @@ int main(int argc, char **argv) {
         return 1;
     AppState state(*hardware, clock);
     const FileWatch watch(state.settingsPath(), clock, [&] { state.takeFileChanges(); });
+    const FileWatch profilesWatch(state.profiles().path(), clock, [&] { state.takeFileChanges(); });
     AppModel model(state, clock);
     model.about()->setSoundLibrary(QString::fromStdString(systemHardwareLibrary()));
     model.spectrum()->setVisible(false); // until a window says otherwise

@@ -267,6 +267,39 @@ TEST_F(OutputProfilesTest, ACallLeavesTheHeadsetAlone) {
     EXPECT_NEAR(soonHears("bluez.1"), -6.0, 0.2);
 }
 
+TEST_F(OutputProfilesTest, AnotherProgramsChangesAreHeardAtOnce) {
+    const auto rewrite = [&](const std::vector<OutputProfile> &profiles) {
+        OutputProfilesFile other(file.string());
+        other.read();
+        other.write(profiles);
+        state->takeFileChanges();
+    };
+    launchWithProfiles({profile(onSpeaker, -6.0F), profile(onHDMI, -20.0F)});
+    start();
+    rewrite({profile(onSpeaker, -9.0F), profile(onHDMI, -20.0F)});
+    EXPECT_NEAR(soonHears("speakers"), -9.0, 0.2);
+    setLiveGain(-2.0F);
+    rewrite({profile(onSpeaker, -12.0F), {.key = onHDMI, .use = Use::flat}});
+    EXPECT_EQ(liveGain(), -2.0F) << "both have changed it";
+    rewrite({{.key = onSpeaker, .use = Use::leaveAlone}, {.key = onHDMI, .use = Use::flat}});
+    EXPECT_FALSE(state->engine().isLeavingAlone());
+    wait(1.0);
+    EXPECT_EQ(savedGain(onSpeaker), -2.0F);
+    rewrite({{.key = onSpeaker, .use = Use::leaveAlone}, {.key = onHDMI, .use = Use::flat}});
+    EXPECT_TRUE(state->engine().isLeavingAlone());
+    rewrite({{.key = onHDMI, .use = Use::flat}, profile(anyOther, -15.0F)});
+    clock.runPending();
+    EXPECT_NEAR(soonHears("speakers"), -15.0, 0.2) << "it has no profile of its own any more";
+
+    write(folder / "profiles.json", R"({"version":1,"profiles":[{"use":"flat"}]})");
+    state->takeFileChanges();
+    wait(0.9);
+    EXPECT_EQ(warning(), "") << "its writer may go on";
+    wait(0.2);
+    EXPECT_THAT(warning(), ::testing::HasSubstr("profiles.json: profiles[0].output"));
+    EXPECT_EQ(nameInUse(), "Custom");
+}
+
 TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
     launch();
     state->engine().useDefaultOutput();

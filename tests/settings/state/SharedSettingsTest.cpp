@@ -180,7 +180,9 @@ TEST_F(SharedSettings, areHeardOfHoweverTheyAreWritten) {
     const auto elsewhere = folder.parent_path() / "elsewhere";
     std::filesystem::create_directory(elsewhere);
     launch();
-    const FileWatch watch(state->settingsPath(), clock, [this] { state->takeFileChanges(); });
+    const auto take = [this] { state->takeFileChanges(); };
+    const FileWatch watch(state->settingsPath(), clock, take);
+    const FileWatch profilesWatch(state->profiles().path(), clock, take);
     // The system tells of a change before the call that makes it returns.
     const auto heard = [&] {
         QCoreApplication::processEvents();
@@ -212,6 +214,13 @@ TEST_F(SharedSettings, areHeardOfHoweverTheyAreWritten) {
     std::filesystem::create_symlink(elsewhere / "other.json", folder / "new");
     std::filesystem::rename(folder / "new", file);
     EXPECT_EQ(heard(), 6.0F) << "by another link";
+
+    OutputProfilesFile(file.string()).write({{.use = OutputProfile::Use::flat}});
+    (void)heard();
+    EXPECT_THAT(state->profiles().profiles(), SizeIs(1));
+    write(folder / "profiles.json", R"({"profiles":[],"version":1})");
+    (void)heard();
+    EXPECT_THAT(state->profiles().profiles(), IsEmpty()) << "in place";
 }
 
 } // namespace
