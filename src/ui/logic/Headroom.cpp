@@ -70,10 +70,16 @@ double excessDB(const HeldLevels &levels, const MixerConfig &mixer) {
 }
 
 std::string heldPeakText(const HeldLevels &levels) {
+    const std::string samples = heldSamplePeakText(levels);
+    if (levels.samplePeakDB <= HeldLevels::silenceDB)
+        return samples;
+    return samples + ", " + signedText(static_cast<double>(levels.truePeakDB), 1) + " dBTP";
+}
+
+std::string heldSamplePeakText(const HeldLevels &levels) {
     if (levels.samplePeakDB <= HeldLevels::silenceDB)
         return "Peak –";
-    return "Peak " + signedText(static_cast<double>(levels.samplePeakDB), 1) + " dBFS, " +
-           signedText(static_cast<double>(levels.truePeakDB), 1) + " dBTP";
+    return "Peak " + signedText(static_cast<double>(levels.samplePeakDB), 1) + " dBFS";
 }
 
 std::string limiterTimeText(const HeldLevels &levels) {

@@ -22,6 +22,8 @@ namespace quorbel {
 /// The held peaks in words: "Peak -0.3 dBFS, +0.2 dBTP"; "Peak –" before any
 /// sound.
 [[nodiscard]] std::string heldPeakText(const HeldLevels &levels);
+/// That of the samples alone: "Peak -0.3 dBFS".
+[[nodiscard]] std::string heldSamplePeakText(const HeldLevels &levels);
 
 /// How long the limiter has worked: "3 s of the last minute"; empty for none.
 [[nodiscard]] std::string limiterTimeText(const HeldLevels &levels);

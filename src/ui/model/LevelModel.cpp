@@ -71,6 +71,10 @@ QString LevelModel::heldPeakText() const {
     return QString::fromStdString(quorbel::heldPeakText(engine_.heldLevels()));
 }
 
+QString LevelModel::heldSamplePeakText() const {
+    return QString::fromStdString(quorbel::heldSamplePeakText(engine_.heldLevels()));
+}
+
 QString LevelModel::limiterTimeText() const {
     return QString::fromStdString(quorbel::limiterTimeText(engine_.heldLevels()));
 }

@@ -27,6 +27,7 @@ class LevelModel final : public QObject {
     Q_PROPERTY(bool overshoots READ overshoots NOTIFY highestPointChanged)
     /// The highest peaks since `clearHeld`, in words.
     Q_PROPERTY(QString heldPeakText READ heldPeakText NOTIFY heldChanged)
+    Q_PROPERTY(QString heldSamplePeakText READ heldSamplePeakText NOTIFY heldChanged)
     Q_PROPERTY(QString limiterTimeText READ limiterTimeText NOTIFY heldChanged)
     /// By how much `lowerByExcess` lowers the level; 0 if nothing was too loud, and on the way to
     /// the lower level.
@@ -44,6 +45,7 @@ class LevelModel final : public QObject {
     [[nodiscard]] QString lowerToFullScaleText() const;
     [[nodiscard]] bool overshoots() const;
     [[nodiscard]] QString heldPeakText() const;
+    [[nodiscard]] QString heldSamplePeakText() const;
     [[nodiscard]] QString limiterTimeText() const;
     [[nodiscard]] double excessDB() const;
     [[nodiscard]] QString lowerText() const;

@@ -108,7 +108,8 @@ DotCard {
                 }
                 HeldLevels {
                     WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
-                    visible: !panel.line
+                    visible: !panel.line || !panel.failed
+                    compact: panel.line
                 }
                 CaptionText {
                     WrapRow.minimumWidth: Math.min(implicitWidth, parent.width)
