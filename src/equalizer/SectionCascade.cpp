@@ -18,11 +18,12 @@ namespace quorbel::HWY_NAMESPACE {
 namespace {
 
 /// The sections of one pass; the lanes that have none stay at zero.
-template <typename L> struct LaneCoefficients : LaneRoutes<L, 2> {
+template <typename L, std::uint32_t stepsPerLane>
+struct LaneCoefficients : LaneRoutes<L, stepsPerLane> {
     using Vector = typename L::Vector;
 
     LaneCoefficients(const SectionCoefficients *sections, std::size_t count) noexcept
-        : LaneRoutes<L, 2>(count) {
+        : LaneRoutes<L, stepsPerLane>(count) {
         HWY_ALIGN float table[7][longestVector] = {};
         forEachLane<L>(count, [&](std::size_t lane, std::size_t i) {
             const SectionCoefficients &section = sections[i];
@@ -74,9 +75,9 @@ template <typename L> struct LaneCoefficients : LaneRoutes<L, 2> {
 // A longer call in three parts. Everything is copied, so that the loops run in registers.
 
 /// The first steps: one lane after the other starts, and nothing comes out yet.
-template <typename L>
-void runStart(LaneCoefficients<L> c, StereoLanes<L> &states, const float *left, const float *right,
-              std::uint32_t delay) noexcept {
+template <typename L, std::uint32_t stepsPerLane>
+void runStart(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, const float *left,
+              const float *right, std::uint32_t delay) noexcept {
     StereoLanes<L> lanes = states;
     typename L::Vector now = hn::Zero(L::tag);
     for (std::size_t step = 0; step < delay; ++step) {
@@ -87,9 +88,9 @@ void runStart(LaneCoefficients<L> c, StereoLanes<L> &states, const float *left, 
 }
 
 /// The steps in which all lanes work.
-template <typename L>
-void runMiddle(LaneCoefficients<L> c, StereoLanes<L> &states, float *left, float *right,
-               std::size_t frames, std::size_t delay) noexcept {
+template <typename L, std::uint32_t stepsPerLane>
+void runMiddle(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, float *left,
+               float *right, std::size_t frames, std::size_t delay) noexcept {
     StereoLanes<L> lanes = states;
     for (std::size_t step = delay; step < frames; ++step) {
         const Frame output = lanes.step(c, {left[step], right[step]});
@@ -101,8 +102,8 @@ void runMiddle(LaneCoefficients<L> c, StereoLanes<L> &states, float *left, float
 
 /// The steps behind the last input: one lane after the other stops. `left` and `right` are where
 /// the last `delay` frames go.
-template <typename L>
-void runEnd(LaneCoefficients<L> c, StereoLanes<L> &states, float *left, float *right,
+template <typename L, std::uint32_t stepsPerLane>
+void runEnd(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, float *left, float *right,
             std::uint32_t delay) noexcept {
     StereoLanes<L> lanes = states;
     typename L::Vector now = hn::Zero(L::tag);
@@ -116,10 +117,10 @@ void runEnd(LaneCoefficients<L> c, StereoLanes<L> &states, float *left, float *r
 }
 
 /// As many sections as there are lanes in a part, at most.
-template <typename L>
+template <typename L, std::uint32_t stepsPerLane>
 void processLanes(const SectionCascade &cascade, float *left, float *right,
                   std::uint32_t frames) noexcept {
-    const LaneCoefficients<L> coefficients(cascade.sections, cascade.count);
+    const LaneCoefficients<L, stepsPerLane> coefficients(cascade.sections, cascade.count);
     const auto stateOf = [&](bool isLeft, std::size_t i) -> SectionState & {
         return (isLeft ? cascade.left : cascade.right)[i];
     };
@@ -137,13 +138,22 @@ void processLanes(const SectionCascade &cascade, float *left, float *right,
 
 } // namespace
 
+/// In shorter calls the way through sixteen lanes counts for more than the time of a step. Fewer
+/// lanes have a shorter way, and their steps are latency-bound.
+constexpr std::uint32_t shortestLongCall = 256;
+
 // Without noexcept, which Highway's table of targets does not take; nothing in it throws.
 void processCascadeInLanes(const SectionCascade &cascade, float *left, float *right,
                            std::uint32_t frames) {
     forEachPass(cascade.count, [&](std::size_t first, std::size_t count, auto layout) HWY_ATTR {
-        processLanes<decltype(layout)>(
-            {cascade.sections + first, cascade.left + first, cascade.right + first, count}, left,
-            right, frames);
+        const SectionCascade part{cascade.sections + first, cascade.left + first,
+                                  cascade.right + first, count};
+        if constexpr (hn::MaxLanes(decltype(layout)::tag) == longestVector)
+            if (frames < shortestLongCall) {
+                processLanes<decltype(layout), 1>(part, left, right, frames);
+                return;
+            }
+        processLanes<decltype(layout), 2>(part, left, right, frames);
     });
 }
 
