@@ -17,6 +17,7 @@ void CrossfeedCore::prepare(float sampleRate) {
     // definition of the effect. Longer delays get a longer line.
     if (delay_ == lineLength)
         delay_ = 0;
+    isClear_ = false;
     delayL_.assign(delay_ + chunkFrames, 0.0F);
     delayR_.assign(delay_ + chunkFrames, 0.0F);
 
@@ -26,6 +27,9 @@ void CrossfeedCore::prepare(float sampleRate) {
 }
 
 void CrossfeedCore::clear() noexcept {
+    if (isClear_)
+        return;
+    isClear_ = true;
     std::fill(delayL_.begin(), delayL_.end(), 0.0F);
     std::fill(delayR_.begin(), delayR_.end(), 0.0F);
     crossing_ = {};
@@ -38,6 +42,7 @@ void CrossfeedCore::process(float *left, float *right, std::uint32_t frames, flo
 
 void CrossfeedCore::append(const float *left, const float *right, std::uint32_t frames) noexcept {
     const auto held = static_cast<std::ptrdiff_t>(delay_);
+    isClear_ = false;
     std::copy_n(left, frames, delayL_.begin() + held);
     std::copy_n(right, frames, delayR_.begin() + held);
 }

@@ -41,6 +41,7 @@ class CrossfeedCore {
     // Each holds the last `delay_` frames, with room for a chunk of new ones after them.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
+    bool isClear_ = false;   ///< holds silence: clearing every block again would cost something
     StereoSection crossing_; // of each channel, before it is mixed into the other
 };
 
