@@ -63,7 +63,7 @@ class Command {
     /// Does the work, once the variables of the arguments are filled. Throws CommandError.
     virtual void run() const = 0;
 
-    /// Whether the command has failed when standard output cannot be written.
+    /// True if the command has failed when standard output cannot be written.
     [[nodiscard]] virtual bool needsOutput() const { return true; }
 
   protected:

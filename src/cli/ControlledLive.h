@@ -31,7 +31,7 @@ class ControlledLive final : public ControlledProgram {
         change();
     }
 
-    /// Whether the start that failed or is under way was asked for from outside.
+    /// True if a remote command asked for the start that failed or is under way.
     [[nodiscard]] bool wasStartAsked() const { return wasStartAsked_; }
 
   private:

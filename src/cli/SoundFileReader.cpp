@@ -55,8 +55,8 @@ std::uint64_t leadingNumber(std::string_view text) {
     return value;
 }
 
-/// Whether a line of libsndfile's log says that a length in the file's header is more than is
-/// there, as "data : 176400 (should be 88158)" does.
+/// Returns true for a line of libsndfile's log that finds less in the file than its header says, as
+/// "data : 176400 (should be 88158)" does.
 bool tellsOfCut(std::string_view line) {
     if (line.find("truncated file") != std::string_view::npos)
         return true;

@@ -63,7 +63,7 @@ class DeviceManager final : public QObject {
     /// the connection is lost.
     void refreshIfChanged();
 
-    /// Whether the hardware answered when it was last asked.
+    /// True if the hardware answered when it was last asked.
     [[nodiscard]] bool isHardwareThere() const { return census_.has_value(); }
 
     [[nodiscard]] std::vector<AudioDevice> allDevices() const;

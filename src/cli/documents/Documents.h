@@ -40,7 +40,7 @@ struct CommandWords {
 
 /// The value of the first positional argument; null where the command takes none.
 [[nodiscard]] const CommandValue *positionalValue(const Command &command);
-/// Whether that is a file.
+/// True if that is a file.
 [[nodiscard]] bool takesFiles(const Command &command);
 
 [[nodiscard]] std::string joined(const std::vector<std::string> &words);

@@ -12,7 +12,7 @@
 
 namespace quorbel {
 
-/// How many bands the equaliser plays.
+/// Number of bands that the equaliser plays.
 inline constexpr std::size_t equalizerBandCount = 10;
 
 /// Appends flat peaks until there are ten bands, because a shorter list would leave bands of the

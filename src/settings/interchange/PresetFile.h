@@ -45,8 +45,8 @@ inline constexpr std::size_t maximumPresetFileBytes = std::size_t{1} << 20U;
 /// Throws EncodingError for a value that JSON cannot hold.
 [[nodiscard]] std::string writePresetFile(const Preset &preset);
 
-/// Whether a text is meant as such a file: its first character, after a UTF-8 byte order mark and
-/// blanks, opens an object.
+/// Returns true for a text that is meant as such a file: its first character, after a UTF-8 byte
+/// order mark and blanks, opens an object.
 [[nodiscard]] bool isPresetFile(std::string_view text);
 
 /// Reads such a file, strictly, as a preset of the user's own: a new id, category `user`, the name

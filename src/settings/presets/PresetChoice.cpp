@@ -6,7 +6,7 @@ namespace quorbel {
 
 namespace {
 
-/// As it would be typed on a plain keyboard, in small letters.
+/// Returns a name as typed on a plain keyboard, in small letters.
 std::string asTyped(std::string_view name) {
     constexpr std::string_view emDash = "—";
     std::string typed;

@@ -12,7 +12,7 @@
 
 namespace quorbel {
 
-/// Whether a file must have a key. A missing optional key leaves the default.
+/// Presence of a key in a file. A missing optional key leaves the default.
 enum class Presence { required, optional };
 
 /// How a number is written for the user.
@@ -35,7 +35,7 @@ struct SettingScale {
     float neutral = from; ///< where a slider's lit run begins
 };
 
-/// Which field of a record a setting is, by the field's type.
+/// Field of a record that holds a setting, by the field's type.
 template <class Record> struct SettingField {
     using Type = std::variant<bool Record::*, float Record::*>;
 };

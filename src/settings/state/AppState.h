@@ -53,7 +53,7 @@ class AppState final : public QObject, private ProfileSettings {
     [[nodiscard]] const std::vector<Preset> &presets() const { return presets_; }
     /// The preset last applied or saved.
     [[nodiscard]] const std::optional<Uuid> &activePresetID() const { return activePresetID_; }
-    /// Whether bands and spatial settings are the active preset's own.
+    /// True if bands and spatial settings are the active preset's own.
     [[nodiscard]] bool isActivePresetUnchanged() const;
     /// The active preset's name, or "Custom" where bands or spatial settings are no longer its own.
     /// Changes with those two and with this object's signals.

@@ -26,7 +26,7 @@ bool fits(const OutputKey &key, const OutputIdentity &output) {
            isName(key.node, output.node) && (!key.bluetooth || *key.bluetooth == output.bluetooth);
 }
 
-/// Whether the key may fit as soon as card and route are known.
+/// Returns true if the key may fit once card and route are known.
 bool mayFit(const OutputKey &key, OutputIdentity output) {
     if (output.card.empty())
         output.card = key.card.value_or("");

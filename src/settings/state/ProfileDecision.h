@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// Which profile is for an output.
+/// Profile that fits an output.
 struct ProfileDecision {
     const OutputProfile *profile = nullptr; ///< null: the settings stay as they are
     bool isLeftAlone = false;

@@ -25,7 +25,7 @@ namespace quorbel {
 /// That of the samples alone: "Peak -0.3 dBFS".
 [[nodiscard]] std::string heldSamplePeakText(const HeldLevels &levels);
 
-/// How long the limiter has worked: "3 s of the last minute"; empty for none.
+/// Time for which the limiter has worked: "3 s of the last minute"; empty for none.
 [[nodiscard]] std::string limiterTimeText(const HeldLevels &levels);
 
 } // namespace quorbel

@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// Which presets a list shows.
+/// Presets that a list shows.
 enum class PresetFilter { all, factory, mine };
 
 [[nodiscard]] std::string_view title(PresetFilter filter);

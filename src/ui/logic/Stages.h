@@ -8,7 +8,7 @@
 
 namespace quorbel {
 
-// How many stages are switched on, by the screen that they are on.
+// Numbers of stages that are switched on, by the screen that they are on.
 
 /// Of width, XTC, reverb, bass and voice.
 [[nodiscard]] int spatialStagesOn(const SpatialConfig &spatial);

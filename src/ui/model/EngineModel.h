@@ -27,7 +27,7 @@ class EngineModel final : public QObject {
     /// "idle", "running" or "error". Keeps its value while a start is under way.
     Q_PROPERTY(QString state READ state NOTIFY stateChanged)
     Q_PROPERTY(bool running READ running NOTIFY stateChanged)
-    /// Whether it starts again by itself once the hardware allows it; `stop` ends that.
+    /// True if it starts again by itself once the hardware allows it; `stop` ends that.
     Q_PROPERTY(bool comingBack READ comingBack NOTIFY stateChanged)
     /// Processing is on, but the output in use is left alone.
     Q_PROPERTY(bool leavingAlone READ leavingAlone NOTIFY stateChanged)
@@ -50,7 +50,7 @@ class EngineModel final : public QObject {
     Q_PROPERTY(QString confidenceText READ confidenceText NOTIFY voiceConfidenceChanged)
     /// The losses since the start; empty for none.
     Q_PROPERTY(QString losses READ losses NOTIFY lossesChanged)
-    /// Whether the unprocessed sound is heard, at matched loudness, while a key is held.
+    /// True while a key is held: the unprocessed sound is heard, at matched loudness.
     Q_PROPERTY(bool comparing READ comparing WRITE setComparing NOTIFY comparingChanged)
 
   public:

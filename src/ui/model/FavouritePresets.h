@@ -10,7 +10,7 @@
 
 namespace quorbel {
 
-/// Which presets are the user's favourites: read once, written at every change. [main]
+/// The user's favourite presets: read once, written at every change. [main]
 class FavouritePresets final : public QObject {
     Q_OBJECT
 

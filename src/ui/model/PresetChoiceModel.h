@@ -19,7 +19,7 @@ class PresetChoiceModel final : public quorbel::RecordListModel {
     QML_UNCREATABLE("App.presets.choices is the only one")
     /// The active preset's row; -1 where none is active.
     Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)
-    /// Whether the settings are still that preset's own.
+    /// True if the settings are still that preset's own.
     Q_PROPERTY(bool currentUnchanged READ isCurrentUnchanged NOTIFY currentChanged)
 
   public:

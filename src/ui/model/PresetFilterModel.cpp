@@ -23,7 +23,7 @@ QString folded(const QString &text) {
     return letters.toUpper();
 }
 
-/// Whether each word of `search` occurs in `text`, whatever the case and without regard to accents:
+/// Returns true if each word of `search` occurs in `text`, ignoring case and accents:
 /// "cafe RAD" occurs in "Café, Radio". No word occurs everywhere.
 bool matchesSearch(const QString &text, const QString &search) {
     const QStringList words = folded(search).simplified().split(u' ', Qt::SkipEmptyParts);

@@ -14,7 +14,7 @@ namespace {
 
 using ReverbPreset = SpatialConfig::ReverbPreset;
 
-/// How many values a field can have; 0 for a number.
+/// Number of values that a field can have; 0 for a number.
 template <class Value> constexpr int choicesOf = 0;
 template <> constexpr int choicesOf<bool> = 2;
 template <>

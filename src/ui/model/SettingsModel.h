@@ -20,11 +20,11 @@ class SettingsModel final : public QObject {
     QML_NAMED_ELEMENT(Settings)
     QML_UNCREATABLE("App.settings is the only one")
     Q_PROPERTY(QStringList reverbPresetTitles READ reverbPresetTitles CONSTANT)
-    /// How many stages of each screen are on.
+    /// Number of stages of each screen that are on.
     Q_PROPERTY(int spatialStagesOn READ spatialStagesOn NOTIFY stagesChanged)
     Q_PROPERTY(int colourStagesOn READ colourStagesOn NOTIFY stagesChanged)
     Q_PROPERTY(int levelStagesOn READ levelStagesOn NOTIFY stagesChanged)
-    /// Whether peaks are held, in words.
+    /// Peak protection in words.
     Q_PROPERTY(QString peakProtection READ peakProtection NOTIFY stagesChanged)
 
   public:

@@ -19,7 +19,7 @@ class SpectrumModel final : public QObject {
     Q_PROPERTY(QList<qreal> levels READ levels NOTIFY levelsChanged)
     /// 33 frequencies in Hz: where each band begins, and where the last one ends.
     Q_PROPERTY(QList<qreal> edges READ edges CONSTANT)
-    /// Whether there is something to show: processing runs and the analyzer is switched on.
+    /// True if there is something to show: processing runs and the analyzer is switched on.
     Q_PROPERTY(bool active READ active NOTIFY activeChanged)
     /// Set by the window: false while it is hidden or minimised. The engine then measures nothing
     /// for display.
