@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <csignal>
 #include <functional>
 #include <iterator>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -38,6 +40,19 @@ class FileReplacement : public ::testing::Test {
     ~FileReplacement() override { beforeSync = nullptr; }
 
   protected:
+    /// Expects a replacement of "old" to fail with a text and to leave nothing behind.
+    void expectOldFileKept(const std::string &content, const char *failure) {
+        write(file, "old");
+        try {
+            replaceFile(file, content);
+            ADD_FAILURE() << "claims to be on the disk";
+        } catch (const FileReplacementError &error) {
+            EXPECT_STREQ(error.what(), failure);
+        }
+        EXPECT_EQ(contentOf(file), "old");
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+    }
+
     TemporaryFolder folder;
     const std::filesystem::path file = folder.path() / "file";
 };
@@ -65,16 +80,20 @@ TEST_F(FileReplacement, aFileKeepsItsPermissions) {
 }
 
 TEST_F(FileReplacement, aDiskThatCannotSyncKeepsTheOldFile) {
-    write(file, "old");
     beforeSync = [](bool ofFolder) { return ofFolder ? 0 : EIO; };
-    try {
-        replaceFile(file, "new");
-        FAIL() << "claims to be on the disk";
-    } catch (const FileReplacementError &error) {
-        EXPECT_STREQ(error.what(), "Input/output error");
-    }
-    EXPECT_EQ(contentOf(file), "old");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+    expectOldFileKept("new", "Input/output error");
+}
+
+TEST_F(FileReplacement, aFullDiskKeepsTheOldFile) {
+    // A limit on the size of files fails in the middle of the writing, as a full disk does.
+    rlimit unlimited{};
+    getrlimit(RLIMIT_FSIZE, &unlimited);
+    const rlimit small{.rlim_cur = 10000, .rlim_max = unlimited.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    expectOldFileKept(std::string(20000, 'x'), "File too large");
+    setrlimit(RLIMIT_FSIZE, &unlimited);
+    std::signal(SIGXFSZ, handler);
 }
 
 } // namespace
