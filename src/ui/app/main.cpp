@@ -170,7 +170,6 @@ int main(int argc, char **argv) {
         tray.emplace(model);
         QObject::connect(&*tray, &TrayItem::windowRequested, &application,
                          [&] { answerOrEnd(DesktopRequest{}); });
-        endIfOfNoUse();
     };
     QObject::connect(&instance, &SingleInstance::requested, &application, answerOrEnd);
     QObject::connect(
@@ -198,7 +197,10 @@ int main(int argc, char **argv) {
         if (!answer(request))
             return 1;
     if (isLogin)
-        trayArrival.emplace(QDBusConnection::sessionBus(), clock, trayPatienceSeconds, makeTray);
+        trayArrival.emplace(QDBusConnection::sessionBus(), clock, trayPatienceSeconds, [&] {
+            makeTray();
+            endIfOfNoUse();
+        });
     else
         makeTray();
 
