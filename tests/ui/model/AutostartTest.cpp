@@ -1,9 +1,11 @@
 #include "ui/app/Autostart.h"
 
 #include "platform/threads/MainLoopClock.h"
+#include "platform/threads/ManualClock.h"
 #include "settings/state/TemporaryFolder.h"
 #include "ui/app/AutostartPortal.h"
 #include "ui/app/SessionMemory.h"
+#include "ui/app/TrayArrival.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -248,6 +250,52 @@ TEST_F(AutostartTest, AsksThePortalInASandboxAndRemembersItsAnswer) {
     EXPECT_TRUE(soonIs(true));
     model.toggle();
     EXPECT_TRUE(soonIs(false));
+}
+
+/// The session bus's tray, which may have nothing that shows it.
+class Tray final : public QDBusVirtualObject {
+  public:
+    [[nodiscard]] QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override {
+        ++asked;
+        return bus.send(message.createReply(QVariant::fromValue(QDBusVariant(isShown))));
+    }
+
+    bool isShown = false;
+    int asked = 0;
+};
+
+TEST_F(AutostartTest, ATrayIsAwaitedAtLoginButNotForEver) {
+    QDBusConnection desktop = connection("desktop");
+    Tray tray;
+    desktop.registerVirtualObject("/StatusNotifierWatcher", &tray);
+    ASSERT_TRUE(desktop.registerService("org.kde.StatusNotifierWatcher"));
+    const auto soon = [](const auto &condition) {
+        QElapsedTimer timer;
+        for (timer.start(); !condition() && timer.elapsed() < 10000;)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+        return condition();
+    };
+    ManualClock manual;
+    int due = 0;
+    {
+        const TrayArrival arrival(connection("program"), manual, 10.0, [&] { ++due; });
+        EXPECT_TRUE(soon([&] { return tray.asked == 1; }));
+        manual.advance(0.5);
+        EXPECT_TRUE(soon([&] { return tray.asked == 2; })) << "and the first answer has come";
+        EXPECT_EQ(due, 0);
+        tray.isShown = true;
+        manual.advance(0.5);
+        EXPECT_TRUE(soon([&] { return due == 1; }));
+        manual.advance(20.0);
+        EXPECT_EQ(due, 1);
+    }
+    ASSERT_TRUE(desktop.unregisterService("org.kde.StatusNotifierWatcher"));
+    const TrayArrival arrival(connection("program"), manual, 10.0, [&] { ++due; });
+    manual.advance(9.9);
+    EXPECT_EQ(due, 1);
+    manual.advance(0.2);
+    EXPECT_EQ(due, 2);
 }
 
 } // namespace
