@@ -74,7 +74,7 @@ TEST_F(ResumptionTest, StartsOnceTheChosenDeviceIsThereOrIsMissed) {
     EXPECT_TRUE(resumption.isUnderWay());
     EXPECT_TRUE(app->engine()->errorMessage().isEmpty());
     hardware.addDevice({.uid = "hdmi"});
-    clock.advance(0.5);
+    clock.advance(1.0);
     EXPECT_FALSE(app->engine()->running()) << "not on another at once";
     clock.advance(2.0);
     EXPECT_TRUE(app->engine()->running());
