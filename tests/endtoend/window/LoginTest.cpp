@@ -130,7 +130,10 @@ TEST_F(LoginTest, ContinuesWhatTheLastSessionDid) {
     startProcessing();
     goTo("Equalizer");
     setSlider("Band 7 gain", -9.0);
-    ASSERT_TRUE(comesTrue(3.0, [] { return exists(settingsFile()); }));
+    ASSERT_TRUE(comesTrue(3.0, [] {
+        const nlohmann::json settings = saved();
+        return settings.is_object() && settings.at("bands").at(6).at("gainDB") == -9.0;
+    }));
     program().signal(SIGKILL);
     ASSERT_TRUE(program().exitStatusWithin(5.0));
     ASSERT_TRUE(soonPlaysInto("speakers"));
