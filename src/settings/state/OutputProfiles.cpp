@@ -178,7 +178,7 @@ void OutputProfiles::play(const OutputProfile &profile) {
     if (!sound)
         return; // its preset is gone: the settings stay
     if (preset != nullptr)
-        sound->bands = withIDsOf(preset->bands, std::move(sound->bands));
+        sound->bands = withIDsOf(preset->bands, sound->bands);
     owner_ = profile.key;
     const auto presetID = preset != nullptr ? std::optional(preset->id) : std::nullopt;
     if (presetID == settings_.livePreset() && soundAlike(*sound, settings_.liveSound()))

@@ -70,10 +70,10 @@ double excessDB(const HeldLevels &levels, const MixerConfig &mixer) {
 }
 
 std::string heldPeakText(const HeldLevels &levels) {
-    const std::string samples = heldSamplePeakText(levels);
+    std::string text = heldSamplePeakText(levels);
     if (levels.samplePeakDB <= HeldLevels::silenceDB)
-        return samples;
-    return samples + ", " + signedText(static_cast<double>(levels.truePeakDB), 1) + " dBTP";
+        return text;
+    return text + ", " + signedText(static_cast<double>(levels.truePeakDB), 1) + " dBTP";
 }
 
 std::string heldSamplePeakText(const HeldLevels &levels) {
