@@ -20,7 +20,7 @@ struct ProgramNames {
     friend bool operator==(const ProgramNames &, const ProgramNames &) = default;
 };
 
-/// Whether the streams of one program are processed.
+/// The treatment of the streams of one program.
 struct ProgramRule {
     ProgramNames program{}; ///< the stream has to have each name that is not empty
     /// Pattern of the stream's title, without regard to case: `*` is any text, `?` any character.
@@ -61,7 +61,7 @@ bool matchesPattern(std::string_view pattern, std::string_view text);
 const ProgramRule *ruleFor(const ProgramRules &rules, const ProgramNames &program,
                            const std::string &title);
 
-/// What happens to a playback stream, and why.
+/// The treatment of a playback stream, with its reason.
 enum class StreamTreatment {
     processed,
     ready,     ///< to be processed, but nothing is processed at present
@@ -82,7 +82,8 @@ struct PlaybackStream {
     std::uint64_t serial = 0; ///< never used again
     ProgramNames program{};
     std::string title{};
-    bool isCall = false; ///< by the call marks
+    bool isCall = false;     ///< by the call marks
+    bool isSurround = false; ///< it and the output have more than two channels
     StreamTreatment treatment = StreamTreatment::ready;
 
     friend bool operator==(const PlaybackStream &, const PlaybackStream &) = default;

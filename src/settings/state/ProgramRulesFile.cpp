@@ -75,7 +75,8 @@ std::optional<std::string> ProgramRulesFile::write(const ProgramRules &next) {
             merged.processesOthers = theirs.processesOthers;
         if (next.processesCalls == rules_.processesCalls)
             merged.processesCalls = theirs.processesCalls;
-        merged.rules = mergedList(rules_.rules, next.rules, theirs.rules, ruleKey);
+        if (theirs.rules != rules_.rules) // else the order of ours counts too
+            merged.rules = mergedList(rules_.rules, next.rules, theirs.rules, ruleKey);
     };
     auto warning = file_.update(merge, [&](json &document) {
         document[othersKey] = merged.processesOthers ? processText : leaveAloneText;

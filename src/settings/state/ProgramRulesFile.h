@@ -15,7 +15,7 @@ namespace quorbel {
 ///                   "program":{"applicationID":"","binary":"games","name":"","sandbox":""},
 ///                   "title":""}],"version":1}
 ///
-/// Keys that this version does not know are kept, those of a program too.
+/// Keys that this version does not know are kept, at the top and in each entry of `programs`.
 class ProgramRulesFile {
   public:
     /// The rules of a missing file until `read`: all but calls are processed.

@@ -115,23 +115,21 @@ void ProgramListModel::setProcessed(int row, bool processed) {
         return;
     const PlaybackStream stream = streams_[static_cast<std::size_t>(row)];
     ProgramRules rules = state_.programRules();
+    const bool isMixed = processed && stream.isSurround;
     const ProgramRule *deciding = ruleFor(rules, stream.program, stream.title);
-    const bool isMixed = processed && stream.treatment == StreamTreatment::surround;
     if (deciding != nullptr && !deciding->title.empty()) {
         ProgramRule &rule = rules.rules[static_cast<std::size_t>(deciding - rules.rules.data())];
         rule.isProcessed = processed;
         rule.isMixedToStereo = isMixed;
     } else {
-        const bool wasMixed = deciding != nullptr && deciding->isMixedToStereo;
         const ProgramNames names = namesForRule(stream.program);
+        const ProgramNames known = deciding != nullptr ? deciding->program : names;
         std::erase_if(rules.rules, [&](const ProgramRule &rule) {
-            return (deciding != nullptr && rule == *deciding) ||
-                   (rule.program == names && rule.title.empty());
+            return (rule.program == known || rule.program == names) && rule.title.empty();
         });
-        const bool isDefault =
-            processed == (stream.isCall ? rules.processesCalls : rules.processesOthers);
-        // Surround sound that is not mixed any more is left alone without a rule.
-        if (isMixed || (!isDefault && !wasMixed))
+        const bool isProcessedWithoutRule =
+            !stream.isSurround && (stream.isCall ? rules.processesCalls : rules.processesOthers);
+        if (processed != isProcessedWithoutRule)
             rules.rules.push_back(
                 {.program = names, .isProcessed = processed, .isMixedToStereo = isMixed});
     }

@@ -17,7 +17,7 @@ class ProgramListModel final : public quorbel::RecordListModel, private Hardware
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.programs is the only one")
-    /// Whether the list is looked at. It follows the sound server only then.
+    /// True while the list is looked at. It follows the sound server only then.
     Q_PROPERTY(bool watched READ watched WRITE setWatched NOTIFY watchedChanged)
 
   public:

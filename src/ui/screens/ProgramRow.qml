@@ -60,7 +60,10 @@ FocusScope {
             text: row.surround ? qsTr("In stereo anyway") : qsTr("Process")
             accessibleName: qsTr("Process %1").arg(row.name)
             Accessible.description: row.status
-            onToggled: App.programs.setProcessed(row.index, !row.processed)
+            onToggled: {
+                App.programs.setProcessed(row.index, !row.processed);
+                checked = Qt.binding(() => row.processed); // it may be left alone for another reason
+            }
         }
     }
 }

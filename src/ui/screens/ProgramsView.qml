@@ -5,7 +5,12 @@ import Quorbel.Model
 
 /// The streams that programs play, whether each is processed, and the rules that decide it.
 ScreenPage {
-    Component.onCompleted: App.programs.watched = true
+    id: view
+
+    readonly property bool isSeen: Window.window !== null && Window.window.visible && Window.window.visibility !== Window.Minimized
+
+    onIsSeenChanged: App.programs.watched = isSeen
+    Component.onCompleted: App.programs.watched = isSeen
     Component.onDestruction: App.programs.watched = false
 
     ScreenHeader {

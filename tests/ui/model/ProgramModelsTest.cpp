@@ -12,11 +12,12 @@ class ProgramModelsTest : public ModelTest {
     [[nodiscard]] ProgramRuleModel &rules() { return *app->programRules(); }
 
     /// One stream is played, of the program "films".
-    void play(Treatment treatment, const std::string &title = "A film") {
+    void play(Treatment treatment, const std::string &title = "A film", bool isSurround = false) {
         hardware.setPlaybackStreams({{.serial = 1,
                                       .program = {.binary = "films", .name = "Films"},
                                       .title = title,
                                       .isCall = treatment == Treatment::call,
+                                      .isSurround = isSurround,
                                       .treatment = treatment}});
         clock.runPending();
     }
@@ -33,14 +34,19 @@ TEST_F(ProgramModelsTest, SwitchesMakeRulesOnlyWhereTheyAreNeeded) {
         Treatment treatment;
         bool processed;
         Rules wanted;
+        bool isSurround = false;
     } const steps[] = {
-        {Treatment::processed, false, {off}},    {Treatment::excluded, true, {}},
-        {Treatment::call, true, {on}},           {Treatment::call, false, {}},
-        {Treatment::surround, true, {inStereo}}, {Treatment::processed, false, {}},
         {Treatment::processed, false, {off}},
+        {Treatment::excluded, true, {}},
+        {Treatment::call, true, {on}},
+        {Treatment::call, false, {}},
+        {Treatment::surround, true, {inStereo}, true},
+        {Treatment::processed, false, {}, true},
+        {Treatment::surround, true, {inStereo}, true},
+        {Treatment::processed, false, {off}}, // on an output of two channels since
     };
-    for (const auto &[treatment, processed, wanted] : steps) {
-        play(treatment);
+    for (const auto &[treatment, processed, wanted, isSurround] : steps) {
+        play(treatment, "A film", isSurround);
         programs().setProcessed(0, processed);
         EXPECT_EQ(inForce(), wanted) << "step " << static_cast<int>(treatment) << processed;
     }
@@ -53,6 +59,9 @@ TEST_F(ProgramModelsTest, SwitchesMakeRulesOnlyWhereTheyAreNeeded) {
     play(Treatment::processed, "Something else");
     programs().setProcessed(0, false);
     EXPECT_EQ(inForce(), Rules({{.program = films, .title = "*film"}, off}));
+    rules().setTitle(0, "*films");
+    EXPECT_EQ(inForce().back(), off) << "the rule for all titles stays behind";
+    rules().setTitle(0, "*film");
     rules().setTitle(1, "*film");
     EXPECT_EQ(inForce(), Rules({{.program = films, .title = "*film", .isProcessed = false}}));
 

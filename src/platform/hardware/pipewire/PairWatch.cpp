@@ -97,8 +97,10 @@ void PipeWireHardware::lookAround() {
     }
     confirmReleases();
     if (router_->isOn()) {
+        const bool isDue = monotonicSeconds() >= router_->nextDeadline();
         router_->checkDeadlines();
-        tell(HardwareProperty::playbackStreams);
+        if (isDue)
+            tell(HardwareProperty::playbackStreams);
     }
     const double now = monotonicSeconds();
     const bool isResting = output_ == nullptr || !output_->stream()->isStreaming();

@@ -22,7 +22,7 @@ constexpr double tailSeconds = 2.0;
 constexpr double renderLookSeconds = 0.002;
 /// Interval of the control side's looks for sound while another client keeps the device running.
 constexpr double soundLookSeconds = 0.25;
-/// Of the tail timer.
+/// Time of the tail timer while it is off.
 constexpr double never = std::numeric_limits<double>::infinity();
 
 } // namespace

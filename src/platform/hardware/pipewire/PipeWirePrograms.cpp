@@ -23,7 +23,9 @@ std::vector<PlaybackStream> PipeWireHardware::playbackStreams() {
     const ServerObjects &objects = registry_->objects();
     const bool isRouting = router_ && router_->isOn();
     const NodeRecord *home = isRouting ? nullptr : defaultSink();
-    const bool isSurround = home != nullptr && isSurroundDevice(objects, home->id);
+    const bool isSurroundOutput = isRouting
+                                      ? router_->isSurroundOutput()
+                                      : home != nullptr && isSurroundDevice(objects, home->id);
     for (const auto &[id, node] : objects.nodes()) {
         if (node.mediaClass() != "Stream/Output/Audio" || !node.isComplete)
             continue;
@@ -31,7 +33,7 @@ std::vector<PlaybackStream> PipeWireHardware::playbackStreams() {
         if (isRouting)
             treatment = router_->treatmentOf(node);
         else if (const StreamTreatment decided =
-                     decideTreatment(objects, programRules_, node, isSurround);
+                     decideTreatment(objects, programRules_, node, isSurroundOutput);
                  decided != StreamTreatment::processed)
             treatment = decided;
         else if (isVirtualSinkOutput(objects, node))
@@ -41,6 +43,7 @@ std::vector<PlaybackStream> PipeWireHardware::playbackStreams() {
                            .program = program,
                            .title = node.property("media.name"),
                            .isCall = isCall(programRules_.callMarks, node, program),
+                           .isSurround = isSurround(node, isSurroundOutput),
                            .treatment = treatment});
     }
     return streams;

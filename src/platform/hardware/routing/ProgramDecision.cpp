@@ -46,6 +46,10 @@ bool isSurroundDevice(const ServerObjects &objects, std::uint32_t deviceID) {
                          [](const PortRecord &port) { return !port.isMonitor; }) > 2;
 }
 
+bool isSurround(const NodeRecord &stream, bool isSurroundOutput) {
+    return isSurroundOutput && stream.format && stream.format->channels > 2;
+}
+
 StreamTreatment decideTreatment(const ServerObjects &objects, const ProgramRules &rules,
                                 const NodeRecord &stream, bool isSurroundOutput) {
     if (stream.format && stream.format->isEncoded)
@@ -64,7 +68,7 @@ StreamTreatment decideTreatment(const ServerObjects &objects, const ProgramRules
         return StreamTreatment::unlisted;
     }
     const bool isMixedToStereo = rule != nullptr && rule->isMixedToStereo;
-    if (isSurroundOutput && !isMixedToStereo && stream.format && stream.format->channels > 2)
+    if (!isMixedToStereo && isSurround(stream, isSurroundOutput))
         return StreamTreatment::surround;
     return StreamTreatment::processed;
 }

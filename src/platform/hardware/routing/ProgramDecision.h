@@ -14,6 +14,9 @@ ProgramNames programNames(const ServerObjects &objects, const NodeRecord &stream
 /// True if the marks tell that a stream carries a call.
 bool isCall(const CallMarks &marks, const NodeRecord &stream, const ProgramNames &program);
 
+/// True for a stream of more than two channels on an output of more than two.
+bool isSurround(const NodeRecord &stream, bool isSurroundOutput);
+
 /// True if a device has more than two channels.
 bool isSurroundDevice(const ServerObjects &objects, std::uint32_t deviceID);
 

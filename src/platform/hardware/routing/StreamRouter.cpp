@@ -102,7 +102,7 @@ StreamTreatment StreamRouter::treatmentOf(const NodeRecord &node) const {
     case Phase::refused:
         return StreamTreatment::refused;
     case Phase::released:
-        return StreamTreatment::moved;
+        return decided == StreamTreatment::processed ? StreamTreatment::moved : decided;
     case Phase::unread:
     case Phase::routing:
     case Phase::waiting:

@@ -48,6 +48,8 @@ class StreamRouter final : public ServerObserver {
     void setRules(const ProgramRules &rules);
     /// The treatment of a playback stream, while routing is on.
     [[nodiscard]] StreamTreatment treatmentOf(const NodeRecord &node) const;
+    /// True if the output has more than two channels, with us and without us.
+    [[nodiscard]] bool isSurroundOutput() const;
 
     /// Routes all streams again as new ones, after another process has put them back.
     void startOver();
@@ -128,7 +130,6 @@ class StreamRouter final : public ServerObserver {
     void consider(const NodeRecord &node, double appearedAt);
     void route(const NodeRecord &node, Stream &stream);
     [[nodiscard]] bool mustNotBeCaptured(const NodeRecord &node) const;
-    [[nodiscard]] bool isSurroundOutput() const;
     [[nodiscard]] bool isLeftAlone(const NodeRecord &node) const;
     void applyRules(const NodeRecord &node, Stream &stream);
     void applyRulesToAll();

@@ -61,6 +61,7 @@ void SimulatedMachine::playPrograms() {
                               .program = {.binary = binary, .name = name},
                               .title = title,
                               .isCall = treatment == call,
+                              .isSurround = treatment == surround,
                               .treatment = treatment};
     };
     hardware_.setPlaybackStreams(
