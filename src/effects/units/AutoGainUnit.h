@@ -16,7 +16,7 @@ class AutoGainUnit final : public EffectUnit {
     AutoGainUnit(const ComponentDescription &description, InstantiationOptions options);
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
-    /// Whether the levelling is on in this block. [render]
+    /// True if the levelling is on in this block. [render]
     [[nodiscard]] bool isLevelling() const noexcept;
     /// Finishes `crossfeed` and renders the unit behind it, in one pass; only while levelling.
     /// [render]

@@ -15,7 +15,7 @@ class CrossfeedUnit final : public EffectUnit {
     [[nodiscard]] RenderBlock internalRenderBlock() override;
     /// The auto gain can join this unit's pass.
     [[nodiscard]] std::size_t joinable(std::span<AudioUnit *const> following) const override;
-    /// Only while neither rests.
+    /// Renders both units in one pass, while neither rests.
     bool renderJoined(std::span<AudioUnit *const> joined, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;
 

@@ -39,7 +39,7 @@ std::optional<AutostartEntry> entryIn(const fs::path &file) {
     }
 }
 
-/// Whether a program can be run: an absolute path, or a name that is looked for in PATH.
+/// True if a program can be run: an absolute path, or a name that is looked for in PATH.
 bool isProgram(const std::string &program) {
     const QString name = QString::fromStdString(program);
     return name.startsWith('/') ? QFileInfo(name).isFile() && QFileInfo(name).isExecutable()

@@ -27,7 +27,7 @@ std::string_view nextLine(std::string_view text, std::size_t &at) {
     return line;
 }
 
-/// Where the value of a line for `key` begins; nothing for other lines.
+/// Index of the value in a line for `key`; nothing for other lines.
 std::optional<std::size_t> valueStart(std::string_view line, std::string_view key) {
     const std::size_t sign = line.find('=');
     if (sign == std::string_view::npos || withoutBlanks(line.substr(0, sign)) != key)
@@ -71,7 +71,7 @@ bool listHas(std::string_view list, char separator, std::string_view word) {
     return false;
 }
 
-/// Whether any of the session's desktops is in a list of them.
+/// True if any of the session's desktops is in a list of them.
 bool listHasAny(std::string_view list, std::string_view desktops) {
     while (!desktops.empty()) {
         const std::size_t end = std::min(desktops.find(':'), desktops.size());

@@ -19,11 +19,11 @@ class AutostartEntry {
 
     [[nodiscard]] const std::string &text() const { return text_; }
 
-    /// Whether the session of `desktops` (as in XDG_CURRENT_DESKTOP) runs the entry. `isProgram`
+    /// True if the session of `desktops` (as in XDG_CURRENT_DESKTOP) runs the entry. `isProgram`
     /// says whether the value of TryExec can be run.
     [[nodiscard]] bool isOn(std::string_view desktops,
                             const std::function<bool(const std::string &)> &isProgram) const;
-    /// Whether the entry is meant for other desktops.
+    /// True if the entry is meant for other desktops.
     [[nodiscard]] bool isForOthers(std::string_view desktops) const;
 
     /// Lets sessions run the entry, or not. An entry that runs nothing, or a program that

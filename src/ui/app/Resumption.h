@@ -19,8 +19,6 @@ class Resumption {
     Resumption(AudioEngine &engine, EngineModel &model, Clock &clock, std::function<void()> ended);
 
     [[nodiscard]] bool isUnderWay() const { return looks_.isSet(); }
-    /// Makes no further attempt; `ended` is not called.
-    void cancel() { looks_.invalidate(); }
 
   private:
     void look();

@@ -21,7 +21,7 @@ class SessionMemory final : public QObject {
     /// Reads the notes of the last program.
     explicit SessionMemory(const std::string &settingsPath);
 
-    /// Whether processing was wanted when the last program ended. False once it was wanted or
+    /// True if processing was wanted when the last program ended. False once it was wanted or
     /// stopped in this one.
     [[nodiscard]] bool isToContinue() const { return isToContinue_; }
 

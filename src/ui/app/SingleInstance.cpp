@@ -17,7 +17,7 @@ using namespace activation;
 
 namespace {
 
-/// Whether the session bus started this program because of a request to its name, which then
+/// True if the session bus started this program because of a request to its name, which then
 /// follows. A terminal's shell may have inherited the same variables.
 bool wasStartedByBus() {
     return qEnvironmentVariableIsSet("DBUS_STARTER_BUS_TYPE") && isatty(STDIN_FILENO) == 0;

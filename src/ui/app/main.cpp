@@ -26,6 +26,7 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QQuickWindow>
+#include <QSessionManager>
 
 #include <algorithm>
 #include <cstdio>
@@ -151,8 +152,6 @@ int main(int argc, char **argv) {
         if (request.kind == Kind::startProcessing && !engine.running())
             engine.start();
         if (request.kind == Kind::stopProcessing) {
-            resumption.reset();
-            memory.noteStop();
             engine.stop();
             endIfOfNoUse();
         }
@@ -162,6 +161,10 @@ int main(int argc, char **argv) {
             control.previousPreset();
         return request.kind != Kind::show || show(request.activationToken);
     };
+    QObject::connect(&engine, &EngineModel::stopRequested, &application, [&] {
+        resumption.reset();
+        memory.noteStop();
+    });
     const auto answerOrEnd = [&](const DesktopRequest &request) {
         if (!answer(request))
             QCoreApplication::exit(1);
@@ -185,6 +188,12 @@ int main(int argc, char **argv) {
     // The session may end without letting us come to our own end.
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
                      [&] { state.persist(); });
+    // The entry for the login starts it, without a window.
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, &application,
+                     [&](QSessionManager &session) {
+                         if (model.startAtLogin()->on())
+                             session.setRestartHint(QSessionManager::RestartNever);
+                     });
     const auto autostart =
         makeAutostart(*model.startAtLogin(), memory, QDBusConnection::sessionBus(), clock);
     const auto showMemoryWarning = [&] { model.setSessionWarning(memory.warning()); };

@@ -9,7 +9,7 @@ namespace quorbel {
 /// "Processed", or why a stream is left alone.
 [[nodiscard]] std::string treatmentText(StreamTreatment treatment);
 
-/// What the user calls a program: its own name, else the most readable of the others.
+/// The name of a program for the user: its own, else the most readable of the others.
 [[nodiscard]] std::string programLabel(const ProgramNames &program);
 
 } // namespace quorbel

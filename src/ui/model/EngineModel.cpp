@@ -110,6 +110,7 @@ void EngineModel::start() {
 }
 
 void EngineModel::stop() {
+    Q_EMIT stopRequested();
     setRefusal({});
     engine_.stop();
 }

@@ -95,6 +95,7 @@ class EngineModel final : public QObject {
 
   Q_SIGNALS:
     void stateChanged();
+    void stopRequested(); ///< by the user, whatever the state
     void subtitleChanged();
     void outlookChanged();
     void secondLineChanged();

@@ -13,7 +13,7 @@ class StartAtLoginModel final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("App.startAtLogin is the only one")
     Q_PROPERTY(bool on READ on NOTIFY changed)
-    /// Whether it can be switched now.
+    /// True if it can be switched now.
     Q_PROPERTY(bool offered READ offered NOTIFY changed)
     /// The reason why it is not offered, or the failure of the last request; empty for none.
     Q_PROPERTY(QString note READ note NOTIFY changed)
@@ -31,7 +31,7 @@ class StartAtLoginModel final : public QObject {
     [[nodiscard]] bool offered() const { return state_.isOffered; }
     [[nodiscard]] const QString &note() const { return state_.note; }
 
-    /// Announced in any case: the control has moved, whether the request succeeds or not.
+    /// Announced in any case: the control has moved, whether or not the request succeeds.
     void setState(const State &state) {
         state_ = state;
         Q_EMIT changed();

@@ -9,7 +9,7 @@ DotCard {
 
     readonly property bool failed: App.engine.state === "error"
 
-    /// Whether there is room for a line only: the texts and the limiter's reduction.
+    /// True if there is room for a line only: the texts and the limiter's reduction.
     property bool line: false
 
     padding: (line ? 1 : 2) * Theme.unit

@@ -9,7 +9,7 @@ DotCard {
     required property string title
     required property string explanation
     required property bool checked
-    /// Whether it can be switched.
+    /// True if it can be switched.
     property bool offered: true
     /// Why not, or what went wrong; empty for none.
     property string note: ""
@@ -24,7 +24,10 @@ DotCard {
             enabled: card.offered
             accessibleName: card.title
             Accessible.description: card.note !== "" ? card.note : card.explanation
-            onToggled: card.toggled()
+            onToggled: {
+                card.toggled();
+                checked = Qt.binding(() => card.checked); // the request may have failed
+            }
         }
         ColumnLayout {
             Layout.fillWidth: true
