@@ -38,11 +38,15 @@ ColumnLayout {
         text: entry.group
         Accessible.role: Accessible.Heading
     }
+    // An item, because a margin that changes with the caption's visibility is applied too late.
+    Item {
+        visible: entry.folded && entry.startsGroup && entry.index > 0
+        implicitHeight: 2 * Theme.unit
+    }
     T.ItemDelegate {
         id: row
 
         Layout.fillWidth: true
-        Layout.topMargin: entry.folded && entry.startsGroup && entry.index > 0 ? 2 * Theme.unit : 0
         implicitHeight: Math.max(Theme.rowHeight, implicitContentHeight + Theme.unit)
         hoverEnabled: true
         focusPolicy: Qt.ClickFocus
