@@ -170,8 +170,11 @@ QQuickItem *AccessibleWindow::item(const QString &name, const QString &role) con
 QStringList AccessibleWindow::textsReadAsMarkup() const {
     QStringList list;
     eachShownItem(*window_->contentItem(), [&](const QQuickItem &item) {
-        if (item.inherits("QQuickText") && item.property("textFormat").toInt() != Qt::PlainText)
-            list.append(item.property("text").toString());
+        const QString text = item.property("text").toString();
+        // An item that is being made has neither its text nor its format yet.
+        if (item.inherits("QQuickText") && !text.isEmpty() &&
+            item.property("textFormat").toInt() != Qt::PlainText)
+            list.append(text);
     });
     return list;
 }
