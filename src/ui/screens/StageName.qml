@@ -21,7 +21,8 @@ ColumnLayout {
     }
     DotToolTip {
         atStart: true
-        visible: over.hovered || (head.toggle?.visualFocus ?? false)
+        // A screen that has just been left has no window for it.
+        visible: head.Window.window !== null && (over.hovered || (head.toggle?.visualFocus ?? false))
         text: head.help
     }
     HeadingText {
