@@ -1,6 +1,7 @@
 #include "cli/CommandSettings.h"
 
 #include "cli/CommandError.h"
+#include "cli/PeekedFile.h"
 #include "settings/files/SettingsFileLock.h"
 #include "settings/presets/FactoryPresets.h"
 #include "settings/presets/PresetChoice.h"
@@ -24,17 +25,6 @@ Persisted defaultSettings() {
     return settings;
 }
 
-/// Throws CommandError for a file that cannot be read or decoded.
-template <class File> void peek(File &file) {
-    try {
-        file.peek();
-    } catch (const SettingsFileError &error) {
-        throw CommandError(error.what());
-    } catch (const DecodingError &error) {
-        throw CommandError(file.path() + ": " + error.what());
-    }
-}
-
 } // namespace
 
 Persisted loadSettings(const std::string &path) {
@@ -52,13 +42,13 @@ Persisted loadSettings(const std::string &path) {
 
 PresetGains loadPresetGains(const std::string &path) {
     PresetGainsFile file(path.empty() ? userSettingsPath() : path);
-    peek(file);
+    peekOrError(file);
     return file.gains;
 }
 
 ProgramRules loadProgramRules() {
     ProgramRulesFile file(userSettingsPath());
-    peek(file);
+    peekOrError(file);
     return file.rules();
 }
 
@@ -110,7 +100,7 @@ UserSettings::UserSettings()
     }
     settings.presets = availablePresets(settings);
     asRead_ = settings;
-    peek(gainsFile_);
+    peekOrError(gainsFile_);
 }
 
 void UserSettings::save() {

@@ -1,6 +1,6 @@
 #include "cli/LiveProfiles.h"
 
-#include "cli/CommandError.h"
+#include "cli/PeekedFile.h"
 #include "engine/AudioEngine.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/CodingError.h"
@@ -41,13 +41,7 @@ LiveProfiles::LiveProfiles(AudioEngine &engine, const Persisted &settings, Prese
 LiveProfiles::~LiveProfiles() { engine_.setOutputRule(nullptr); }
 
 void LiveProfiles::follow() {
-    try {
-        profiles_.peek();
-    } catch (const SettingsFileError &error) {
-        throw CommandError(error.what());
-    } catch (const DecodingError &error) {
-        throw CommandError(profiles_.path() + ": " + error.what());
-    }
+    peekOrError(profiles_);
     engine_.setOutputRule(&profiles_);
 }
 
