@@ -191,8 +191,7 @@ testing::AssertionResult WindowTest::soonHears(double levelDB, double tolerance)
 }
 
 std::filesystem::path WindowTest::settingsFile() {
-    return std::filesystem::path(server().environment().at("XDG_CONFIG_HOME")) /
-           "Quorbel/state.json";
+    return server().settingsFolder() / "state.json";
 }
 
 nlohmann::json WindowTest::saved() {
