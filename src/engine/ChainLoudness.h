@@ -14,8 +14,10 @@ namespace quorbel {
 /// sound: the mean power of both channels with the K weighting of ITU-R BS.1770, over about three
 /// seconds.
 ///
-/// The recursions of the weighting are latency-bound, so the first node only copies its block, and
-/// the second measures both side by side.
+/// The weighting is the bottleneck. Its recursions are latency-bound, so the first node only copies
+/// its block, and the second measures both side by side. It measures stretches with gaps of three
+/// times their length on average. Gaps of equal length would lock to the beat of some music, for
+/// example at 150 beats per minute.
 class ChainLoudness {
   public:
     [[nodiscard]] GraphNode &before() { return before_; }
@@ -30,18 +32,25 @@ class ChainLoudness {
       public:
         Status allocateRenderResources(const StreamFormat &format,
                                        std::uint32_t maximumFrames) override;
+        void reset() override;
         Status render(const RenderTime &time, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;
 
-        /// The block rendered last.
+        /// The block rendered last, if it belongs to a stretch; otherwise `frames` is 0.
         [[nodiscard]] const float *channel(std::size_t index) const {
             return channels_[index].data();
         }
         [[nodiscard]] std::uint32_t frames() const { return frames_; }
 
       private:
+        bool isInStretch(std::uint32_t frames) noexcept;
+
         std::array<std::vector<float>, 2> channels_;
         std::uint32_t frames_ = 0;
+        double sampleRate_ = chainSampleRate;
+        bool isStretch_ = false;  ///< of the current stretch or gap
+        double framesLeft_ = 0.0; ///< of the same
+        double gapPhase_ = 0.0;   ///< position of the next gap in the range of lengths, 0 to 1
     };
 
     class After final : public GraphNode {
@@ -54,18 +63,22 @@ class ChainLoudness {
         Status render(const RenderTime &time, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;
 
-        /// Power relative to full scale; 0 before the first sound. [any]
+        /// Power relative to full scale; 0 before the first stretch has ended. [any]
         [[nodiscard]] float powerBefore() const { return published_[0].load(order); }
         [[nodiscard]] float powerAfter() const { return published_[1].load(order); }
 
       private:
         static constexpr auto order = std::memory_order_relaxed;
 
+        void beginStretch() noexcept;
+        void endStretch() noexcept;
+
         const Before &before_;
         double sampleRate_ = chainSampleRate;
         KWeighting weighting_{sampleRate_};
-        std::uint32_t weightFrames_ = 0; ///< block length of `weight_`
-        double weight_ = 0.0;            ///< weight of a block in the means
+        std::uint32_t settlingFrames_ = 0; ///< left until the weighting forgets the stretch's start
+        KWeighting::Sums sums_{};          ///< of the stretch
+        std::uint32_t summedFrames_ = 0;
         std::array<double, 2> means_{};
         std::array<std::atomic<float>, 2> published_{};
     };

@@ -17,6 +17,9 @@ class KWeighting {
     /// `sampleRate` in Hz.
     explicit KWeighting(double sampleRate);
 
+    /// Forgets all samples.
+    void clear() noexcept { memory_ = {}; }
+
     /// Sums the squares of each channel's weighted samples. [render]
     [[nodiscard]] Sums squares(const Channels &channels, std::uint32_t frames) noexcept;
 
