@@ -54,6 +54,8 @@ context.modules = [
 std::string filterChainConfiguration(const std::vector<EQBand> &bands, const std::string &device) {
     std::string nodes;
     std::string links;
+    if (bands.empty())
+        nodes = "                    { type = builtin name = copy label = copy }\n";
     for (std::size_t index = 0; index < bands.size(); ++index) {
         const EQBand &band = bands[index];
         nodes += fmt::format("                    {{ type = builtin name = band{} label = {} "

@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <iterator>
 
 namespace quorbel::bench {
 namespace {
@@ -22,11 +23,11 @@ using namespace soundserver;
 constexpr std::array<std::size_t, 3> quanta = {1024, 256, 64};
 
 constexpr const char *headline =
-    R"(Share of one core and wake-ups per second while playing (per cycle: of the data thread), the least of {} runs of {:g} s, and interruptions
-of the sound in all runs: Ostrafine with everything on, PipeWire's filter chain with equaliser and tone only.
+    R"(Share of one core, the least of {} runs of {:g} s, wake-ups per second while playing (per cycle: of the data thread), and interruptions
+of the sound in all runs: Ostrafine with everything on; PipeWire's filter chain with equaliser and tone only; the same copying.
 Load average at the start: {:.2f}.
 
-quantum  Ostrafine  filter chain  ratio  wake-ups: Ostrafine  per cycle  filter chain  interruptions: Ostrafine  filter chain
+quantum  Ostrafine  filter chain  ratio  copying  wake-ups: Ostrafine  per cycle  filter chain  interruptions: Ostrafine  filter chain
 )";
 
 /// Other work of the machine only adds to a run.
@@ -42,20 +43,22 @@ void compareAt(std::size_t quantum, int runs, double seconds) {
     server.forceQuantum(static_cast<int>(quantum));
     GraphClient client(server);
     const Processor processors[] = {ostrafine(server.folder()),
-                                    filterChain(server.folder(), LiveLoad::device)};
-    LiveLoad loads[2];
+                                    filterChain(server.folder(), LiveLoad::device),
+                                    copyingChain(server.folder(), LiveLoad::device)};
+    LiveLoad loads[std::size(processors)];
     for (int run = 0; run < runs; ++run) {
-        for (int index : {0, 1}) {
+        for (std::size_t index = 0; index < std::size(processors); ++index) {
             const LiveLoad load =
                 measureLiveLoad(server, client, processors[index], quantum, seconds);
             loads[index] = run == 0 ? load : leastOf(loads[index], load);
         }
     }
-    const auto &[live, chain] = loads;
-    fmt::print("{:7} {:8.2f} % {:11.2f} % {:6.2f} {:20.0f} {:10.2f} {:13.0f} {:25} {:13}\n",
+    const auto &[live, chain, copying] = loads;
+    fmt::print("{:7} {:8.2f} % {:11.2f} % {:6.2f} {:6.2f} % {:20.0f} {:10.2f} {:13.0f} {:25} "
+               "{:13}\n",
                quantum, live.share * 100.0, chain.share * 100.0, live.share / chain.share,
-               live.wakeUpsPerSecond, live.wakeUpsPerCycle, chain.wakeUpsPerSecond,
-               live.interruptions, chain.interruptions);
+               copying.share * 100.0, live.wakeUpsPerSecond, live.wakeUpsPerCycle,
+               chain.wakeUpsPerSecond, live.interruptions, chain.interruptions);
     std::fflush(stdout);
 }
 

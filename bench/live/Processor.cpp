@@ -38,6 +38,14 @@ std::string writeFile(const std::filesystem::path &path, const std::string &text
     return path.string();
 }
 
+Processor filterChainOf(const std::string &name, const std::vector<EQBand> &bands,
+                        const SteadyLevels &expected, const std::filesystem::path &folder,
+                        const std::string &device) {
+    const std::string path =
+        writeFile(folder / (name + ".conf"), filterChainConfiguration(bands, device));
+    return {name, {"pipewire", "-c", path}, filterChainSink, expected};
+}
+
 } // namespace
 
 Processor ostrafine(const std::filesystem::path &folder) {
@@ -72,10 +80,12 @@ Processor filterChain(const std::filesystem::path &folder, const std::string &de
     for (const EQBand &band : bands) {
         addBandResponseDB(band, {SteadySound::hz.begin(), SteadySound::hz.end()}, levels);
     }
-    const SteadyLevels expected = {levels[0], levels[1]};
-    const std::string path =
-        writeFile(folder / "filter-chain.conf", filterChainConfiguration(bands, device));
-    return {"the filter chain", {"pipewire", "-c", path}, filterChainSink, expected};
+    return filterChainOf("the filter chain", bands, {levels[0], levels[1]}, folder, device);
+}
+
+Processor copyingChain(const std::filesystem::path &folder, const std::string &device) {
+    return filterChainOf("the copying chain", {}, {SteadySound::levelDB, SteadySound::levelDB},
+                         folder, device);
 }
 
 } // namespace quorbel::bench

@@ -24,4 +24,9 @@ struct Processor {
 /// the same settings. Writes its configuration into `folder`; throws `ServerError` if that fails.
 [[nodiscard]] Processor filterChain(const std::filesystem::path &folder, const std::string &device);
 
+/// PipeWire's own filter chain in front of `device` with nothing in it: what a processor costs that
+/// does not process.
+[[nodiscard]] Processor copyingChain(const std::filesystem::path &folder,
+                                     const std::string &device);
+
 } // namespace quorbel::bench
