@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/LiveProfiles.h"
-#include "platform/hardware/InstanceLock.h"
+#include "platform/hardware/RuntimeFolder.h"
 #include "remote/ControlledProgram.h"
 
 #include <optional>

@@ -7,7 +7,7 @@
 #include "cli/SoundServer.h"
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
-#include "platform/hardware/InstanceLock.h"
+#include "platform/hardware/RuntimeFolder.h"
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/TerminationSignals.h"
 #include "remote/RemoteService.h"

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <string>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,6 +35,20 @@ int openRuntimeFile(int folder, const char *name, int flags) {
     if (file >= 0 && !isOurs)
         close(file);
     return isOurs ? file : -1;
+}
+
+InstanceLock::InstanceLock() {
+    const int folder = openRuntimeFolder();
+    if (folder < 0)
+        return;
+    file_ = openRuntimeFile(folder, "lock", O_RDWR | O_CREAT);
+    close(folder);
+    isHeld_ = file_ < 0 || flock(file_, LOCK_EX | LOCK_NB) == 0;
+}
+
+InstanceLock::~InstanceLock() {
+    if (file_ >= 0)
+        close(file_);
 }
 
 } // namespace quorbel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/hardware/InstanceLock.h"
+#include "platform/hardware/RuntimeFolder.h"
 
 #include <QObject>
 

@@ -1,6 +1,5 @@
 #include "platform/hardware/pipewire/RouteJournal.h"
 
-#include "platform/hardware/InstanceLock.h"
 #include "platform/hardware/RuntimeFolder.h"
 
 #include <cstdio>
