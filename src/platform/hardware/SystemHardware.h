@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// Makes the hardware layer of the running system; the only place that chooses a backend. Returns
+/// Makes the hardware layer of the running system; the backend that is linked defines it. Returns
 /// null and sets a negative errno if no sound server answers.
 std::unique_ptr<AudioHardware> makeSystemHardware(Status &status);
 

@@ -1,5 +1,6 @@
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 
+#include "platform/hardware/SystemHardware.h"
 #include "platform/hardware/pipewire/PipeWireOutput.h"
 #include "platform/hardware/routing/OutputIdentities.h"
 #include "platform/hardware/routing/StreamRules.h"
@@ -50,6 +51,12 @@ std::string nameInJson(const std::string &text) {
 }
 
 } // namespace
+
+std::unique_ptr<AudioHardware> makeSystemHardware(Status &status) {
+    return PipeWireHardware::connect(status);
+}
+
+std::string systemHardwareLibrary() { return std::string("PipeWire ") + pw_get_library_version(); }
 
 std::unique_ptr<PipeWireHardware> PipeWireHardware::connect(Status &status) {
     std::unique_ptr<PipeWireHardware> hardware(new PipeWireHardware);
