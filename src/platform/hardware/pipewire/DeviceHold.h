@@ -3,7 +3,7 @@
 #include "platform/hardware/pipewire/ObjectRegistry.h"
 #include "platform/hardware/pipewire/PipeWireHandles.h"
 #include "platform/hardware/pipewire/ServerConnection.h"
-#include "platform/hardware/routing/ServerCommands.h"
+#include "platform/hardware/routing/ServerObjects.h"
 
 #include <array>
 #include <cstdint>

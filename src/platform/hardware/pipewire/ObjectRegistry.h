@@ -2,7 +2,6 @@
 
 #include "platform/hardware/pipewire/ServerConnection.h"
 #include "platform/hardware/pipewire/SessionMetadata.h"
-#include "platform/hardware/routing/ServerCommands.h"
 #include "platform/hardware/routing/ServerObjects.h"
 
 #include <cstdint>

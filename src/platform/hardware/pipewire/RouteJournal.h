@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/hardware/pipewire/WatchdogLink.h"
-#include "platform/hardware/routing/RouteLog.h"
+#include "platform/hardware/routing/RoutedStream.h"
 
 #include <cstddef>
 #include <cstdint>

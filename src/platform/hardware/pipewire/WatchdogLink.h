@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/hardware/routing/RouteLog.h"
+#include "platform/hardware/routing/RoutedStream.h"
 
 #include <string>
 #include <string_view>

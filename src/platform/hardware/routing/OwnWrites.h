@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/hardware/routing/ServerCommands.h"
+#include "platform/hardware/routing/ServerObjects.h"
 
 #include <optional>
 #include <string>

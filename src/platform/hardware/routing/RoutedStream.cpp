@@ -157,6 +157,33 @@ std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string
     return key;
 }
 
+void RouteLedger::routed(const RoutedStream &stream) {
+    streams_[{stream.streamID, stream.streamSerial}] = stream;
+}
+
+void RouteLedger::released(const RoutedStream &stream) {
+    streams_.erase({stream.streamID, stream.streamSerial});
+}
+
+bool RouteLedger::take(std::string_view line) {
+    if (const auto stream = RoutedStream::decode(line)) {
+        routed(*stream);
+        return true;
+    }
+    if (const auto released = decodeRelease(line)) {
+        streams_.erase(*released);
+        return true;
+    }
+    return false;
+}
+
+std::vector<RoutedStream> RouteLedger::streams() const {
+    std::vector<RoutedStream> result;
+    for (const auto &[_, stream] : streams_)
+        result.push_back(stream);
+    return result;
+}
+
 std::string targetName(const ServerObjects &objects, const std::optional<MetadataValue> &object,
                        const std::optional<MetadataValue> &node) {
     std::string name = object ? nameOfObject(objects, *object) : std::string();

@@ -2,8 +2,8 @@
 
 #include "platform/core/Programs.h"
 #include "platform/hardware/routing/OwnWrites.h"
-#include "platform/hardware/routing/RouteLog.h"
-#include "platform/hardware/routing/ServerCommands.h"
+#include "platform/hardware/routing/RoutedStream.h"
+#include "platform/hardware/routing/ServerObjects.h"
 #include "platform/hardware/routing/StreamLinker.h"
 #include "platform/hardware/routing/TargetMemory.h"
 

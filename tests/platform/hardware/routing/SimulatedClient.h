@@ -2,7 +2,7 @@
 
 #include "SimulatedServer.h"
 #include "platform/hardware/routing/PairSupervisor.h"
-#include "platform/hardware/routing/RouteLog.h"
+#include "platform/hardware/routing/RoutedStream.h"
 #include "platform/hardware/routing/StreamRouter.h"
 
 #include <memory>
