@@ -1,6 +1,5 @@
 #include "platform/hardware/routing/StreamRouter.h"
 
-#include "platform/hardware/routing/ProgramDecision.h"
 #include "platform/hardware/routing/StreamRules.h"
 
 #include <algorithm>
@@ -41,6 +40,7 @@ void StreamRouter::begin(const RoutingEnds &ends) {
     const bool isOtherTap = isOn() && ends.tapSerial != ends_.tapSerial;
     ends_ = ends;
     ownTaps_.insert(ends.tapSerial);
+    seeOutput();
     hearers_ = hearersOf(objects_, ends_.outID);
     dropInheritedIDs();
     if (isOtherTap)
@@ -61,56 +61,6 @@ void StreamRouter::begin(const RoutingEnds &ends) {
     lookForFeedback();
     applyRulesToAll();
     routeAll();
-}
-
-void StreamRouter::setRules(const ProgramRules &rules) {
-    rules_ = rules;
-    applyRulesToAll();
-}
-
-void StreamRouter::applyRulesToAll() {
-    if (!hasTap())
-        return;
-    for (auto &[id, stream] : streams_)
-        if (const NodeRecord *node = objects_.node(id))
-            applyRules(*node, stream);
-}
-
-/// Applies the rules to a known stream after they, or what they look at, may have changed.
-void StreamRouter::applyRules(const NodeRecord &node, Stream &stream) {
-    if (stream.phase == Phase::released || stream.phase == Phase::unread)
-        return;
-    const bool isExcused = stream.phase == Phase::excused;
-    if (isLeftAlone(node) == isExcused && stream.phase != Phase::measured)
-        return;
-    if (isHeld(stream))
-        putBack(stream, Phase::excused);
-    else
-        route(node, stream);
-}
-
-StreamTreatment StreamRouter::treatmentOf(const NodeRecord &node) const {
-    const StreamTreatment decided = decideTreatment(objects_, rules_, node, isSurroundOutput());
-    const auto found = streams_.find(node.id);
-    if (found == streams_.end())
-        return decided == StreamTreatment::processed ? StreamTreatment::pending : decided;
-    switch (found->second.phase) {
-    case Phase::captured:
-        return StreamTreatment::processed;
-    case Phase::hearing:
-        return StreamTreatment::copy;
-    case Phase::refused:
-        return StreamTreatment::refused;
-    case Phase::released:
-        return decided == StreamTreatment::processed ? StreamTreatment::moved : decided;
-    case Phase::unread:
-    case Phase::routing:
-    case Phase::waiting:
-    case Phase::measured:
-    case Phase::excused:
-        break;
-    }
-    return decided == StreamTreatment::processed ? StreamTreatment::pending : decided;
 }
 
 void StreamRouter::end() {
@@ -196,20 +146,6 @@ void StreamRouter::consider(const NodeRecord &node, double appearedAt) {
     }
 }
 
-bool StreamRouter::isSurroundOutput() const {
-    return isSurroundDevice(objects_, ends_.deviceID) && isSurroundDevice(objects_, ends_.homeID);
-}
-
-bool StreamRouter::isLeftAlone(const NodeRecord &node) const {
-    return decideTreatment(objects_, rules_, node, isSurroundOutput()) !=
-           StreamTreatment::processed;
-}
-
-bool StreamRouter::mustNotBeCaptured(const NodeRecord &node) const {
-    return hearers_.contains(node.id) || isVirtualSinkOutput(objects_, node) ||
-           isUndecidedCopy(objects_, node);
-}
-
 void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     stream.route = {.streamID = node.id, .streamSerial = node.serial, .tapSerial = ends_.tapSerial};
     stream.retryAt = never;
@@ -227,7 +163,7 @@ void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     if (!isRestoring(node, stream))
         stream.route.remembered = memory_.of(node);
     shareTarget(node);
-    const bool isMeasured = node.format || !isSurroundOutput() ||
+    const bool isMeasured = node.format || !isSurroundOutput_ ||
                             commands_.seconds() - stream.appearedAt >= settleSeconds;
     const bool isExcused = isLeftAlone(node);
     if (isExcused || mustNotBeCaptured(node) || !isMeasured) {
@@ -333,33 +269,6 @@ void StreamRouter::endDoubleSound(const NodeRecord &node, Stream &stream) {
     }
 }
 
-void StreamRouter::lookForFeedback() {
-    if (!hasTap() || ends_.outID == 0)
-        return;
-    hearers_ = hearersOf(objects_, ends_.outID);
-    for (auto &[id, stream] : streams_) {
-        const NodeRecord *node = objects_.node(id);
-        if (node == nullptr)
-            continue;
-        if (isHeld(stream) && mustNotBeCaptured(*node))
-            putBack(stream, Phase::hearing);
-        else if (stream.phase != Phase::hearing)
-            continue;
-        else if (mustNotBeCaptured(*node))
-            stream.retryAt = never;
-        else if (stream.retryAt == never)
-            stream.retryAt = commands_.seconds() + settleSeconds;
-    }
-}
-
-/// True if the link carries the processed sound, or is the input of a loopback or filter.
-bool StreamRouter::mayChangeHearers(const LinkRecord &link) const {
-    const NodeRecord *listener = objects_.node(link.inputNodeID);
-    return link.outputNodeID == ends_.outID || hearers_.contains(link.outputNodeID) ||
-           (listener != nullptr && listener->mediaClass().starts_with("Stream/Input") &&
-            !listener->property("node.link-group").empty());
-}
-
 void StreamRouter::nodeChanged(const NodeRecord &node) {
     // At once, because the session manager may link such a stream as soon as our node has ports.
     if (node.name().starts_with(ownNodePrefix))
@@ -381,19 +290,12 @@ void StreamRouter::nodeChanged(const NodeRecord &node) {
         applyRules(node, found->second);
 }
 
-void StreamRouter::clientChanged(std::uint32_t clientID) {
-    if (!hasTap())
-        return;
-    for (auto &[id, stream] : streams_)
-        if (const NodeRecord *node = objects_.node(id);
-            node != nullptr && node->property("client.id") == std::to_string(clientID))
-            applyRules(*node, stream);
-}
-
 void StreamRouter::nodeRemoved(const NodeRecord &node) {
     for (std::uint32_t *end : {&ends_.tapID, &ends_.outID, &ends_.deviceID, &ends_.homeID})
-        if (*end == node.id)
+        if (*end == node.id) {
             *end = 0;
+            seeOutput();
+        }
     memory_.forgetPlace(node.serial);
     const auto found = streams_.find(node.id);
     if (found == streams_.end())
@@ -409,8 +311,10 @@ void StreamRouter::portAdded(const PortRecord &port) {
     const NodeRecord *node = objects_.node(port.nodeID);
     if (!isOn() || port.isMonitor || node == nullptr)
         return;
-    if (port.nodeID == ends_.deviceID || port.nodeID == ends_.homeID)
+    if (isOfOutput(port)) {
+        seeOutput();
         applyRulesToAll();
+    }
     if (!port.isInput && found != streams_.end() && found->second.phase == Phase::routing) {
         Stream &stream = found->second;
         if (stream.linkAt == never)
@@ -422,6 +326,11 @@ void StreamRouter::portAdded(const PortRecord &port) {
                 stream.phase == Phase::waiting && waiting != nullptr)
                 route(*waiting, stream);
     }
+}
+
+void StreamRouter::portRemoved(const PortRecord &port) {
+    if (isOfOutput(port))
+        seeOutput();
 }
 
 void StreamRouter::linkAdded(const LinkRecord &link) {

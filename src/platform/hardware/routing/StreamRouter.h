@@ -3,7 +3,6 @@
 #include "platform/core/Programs.h"
 #include "platform/hardware/routing/OwnWrites.h"
 #include "platform/hardware/routing/RoutedStream.h"
-#include "platform/hardware/routing/ServerObjects.h"
 #include "platform/hardware/routing/StreamLinker.h"
 #include "platform/hardware/routing/TargetMemory.h"
 
@@ -16,8 +15,9 @@
 namespace quorbel {
 
 /// Sends every application's playback stream to the tap while it is on, present and new ones, and
-/// puts each back afterwards. `StreamRouter.cpp` decides which streams are sent and when;
-/// `StreamRouterTargets.cpp` keeps their targets in the metadata; `StreamLinker` makes links.
+/// puts each back afterwards. `StreamRouter.cpp` sends them and watches their deadlines;
+/// `StreamRouterRules.cpp` decides which may be captured; `StreamRouterTargets.cpp` keeps their
+/// targets in the metadata; `StreamLinker` makes links.
 ///
 /// Invariants for every known stream, while it is on:
 /// 1. `routing` and `captured` streams are in the log and have the tap as their target.
@@ -49,7 +49,7 @@ class StreamRouter final : public ServerObserver {
     /// The treatment of a playback stream, while routing is on.
     [[nodiscard]] StreamTreatment treatmentOf(const NodeRecord &node) const;
     /// True if the output has more than two channels, with us and without us.
-    [[nodiscard]] bool isSurroundOutput() const;
+    [[nodiscard]] bool isSurroundOutput() const { return isSurroundOutput_; }
 
     /// Routes all streams again as new ones, after another process has put them back.
     void startOver();
@@ -70,6 +70,7 @@ class StreamRouter final : public ServerObserver {
     void nodeRemoved(const NodeRecord &node) override;
     void clientChanged(std::uint32_t clientID) override;
     void portAdded(const PortRecord &port) override;
+    void portRemoved(const PortRecord &port) override;
     void linkAdded(const LinkRecord &link) override;
     void linkRemoved(const LinkRecord &link) override;
     void metadataChanged(std::uint32_t subject, std::string_view key,
@@ -129,16 +130,22 @@ class StreamRouter final : public ServerObserver {
     void routeAll();
     void consider(const NodeRecord &node, double appearedAt);
     void route(const NodeRecord &node, Stream &stream);
-    [[nodiscard]] bool mustNotBeCaptured(const NodeRecord &node) const;
-    [[nodiscard]] bool isLeftAlone(const NodeRecord &node) const;
-    void applyRules(const NodeRecord &node, Stream &stream);
-    void applyRulesToAll();
     void sendToTap(const NodeRecord &node, Stream &stream);
     void awaitLinks(Stream &stream);
     void letGo(Stream &stream, Phase phase);
     void putBack(Stream &stream, Phase phase);
     void lookAtLinks(std::uint32_t id, Stream &stream);
     void endDoubleSound(const NodeRecord &node, Stream &stream);
+    [[nodiscard]] bool isOfOutput(const PortRecord &port) const {
+        return port.nodeID == ends_.deviceID || port.nodeID == ends_.homeID;
+    }
+
+    // StreamRouterRules.cpp
+    void applyRulesToAll();
+    void applyRules(const NodeRecord &node, Stream &stream);
+    [[nodiscard]] bool isLeftAlone(const NodeRecord &node) const;
+    void seeOutput();
+    [[nodiscard]] bool mustNotBeCaptured(const NodeRecord &node) const;
     [[nodiscard]] bool mayChangeHearers(const LinkRecord &link) const;
     void lookForFeedback();
 
@@ -161,6 +168,7 @@ class StreamRouter final : public ServerObserver {
     OwnWrites commands_;
     RouteLog &log_;
     RoutingEnds ends_;
+    bool isSurroundOutput_ = false;
     ProgramRules rules_;
     std::set<std::uint64_t> ownTaps_; ///< serials of all taps so far
     TargetMemory memory_;
