@@ -1,7 +1,5 @@
 #include "platform/hardware/simulated/SimulatedHardware.h"
 
-#include "platform/hardware/simulated/SimulatedOutput.h"
-
 #include <algorithm>
 #include <cassert>
 #include <cerrno>
@@ -14,164 +12,10 @@ namespace quorbel {
 using simulated::CyclePlan;
 using simulated::OperationLog;
 using simulated::Playing;
-using simulated::Recording;
 
 SimulatedHardware::SimulatedHardware(Clock &clock, Pace pace) : clock_(clock), pace_(pace) {}
 
 SimulatedHardware::~SimulatedHardware() = default;
-
-void SimulatedHardware::setPlaybackStreams(std::vector<PlaybackStream> streams) {
-    playbackStreams_ = std::move(streams);
-    notify(HardwareProperty::playbackStreams,
-           [](auto &listener) { listener.playbackStreamsChanged(); });
-}
-
-// Script: devices
-
-AudioObjectID SimulatedHardware::addDevice(SimulatedDevice device) {
-    AudioObjectID id = 0;
-    if (isReusingIDs_ && !freeIDs_.empty()) {
-        id = freeIDs_.back();
-        freeIDs_.pop_back();
-    } else {
-        id = newID();
-    }
-    const bool isFirst = devices_.empty() && (defaultUID_.empty() || !isDefaultLagging_);
-    if (isFirst)
-        defaultUID_ = device.uid;
-    rearrange([&] {
-        auto &added = devices_[id];
-        added = std::make_unique<Device>(std::move(device), clock_, pace_);
-        added->serial = ++lastSerial_;
-    });
-    notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
-    if (isFirst)
-        notify(HardwareProperty::defaultOutput,
-               [](auto &listener) { listener.defaultOutputChanged(); });
-    return id;
-}
-
-void SimulatedHardware::removeDevice(const std::string &uid) {
-    rearrange([&] {
-        const AudioObjectID id = idOf(uid);
-        devices_.erase(id);
-        freeIDs_.push_back(id);
-        for (auto &[output, started] : outputs_)
-            if (started.device == id)
-                started.device = 0; // the id may be given to another device
-    });
-    const bool wasDefault = defaultUID_ == uid && !isDefaultLagging_;
-    if (wasDefault)
-        defaultUID_ = devices_.empty() ? std::string() : devices_.begin()->second->script.uid;
-    notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
-    if (wasDefault)
-        notify(HardwareProperty::defaultOutput,
-               [](auto &listener) { listener.defaultOutputChanged(); });
-}
-
-void SimulatedHardware::setDefaultOutput(const std::string &uid) {
-    rearrange([&] { defaultUID_ = deviceNamed(uid).script.uid; });
-    notify(HardwareProperty::defaultOutput,
-           [](auto &listener) { listener.defaultOutputChanged(); });
-}
-
-void SimulatedHardware::setIdentity(const std::string &uid, OutputIdentity identity) {
-    deviceNamed(uid).script.identity = std::move(identity);
-    notify(HardwareProperty::deviceList, [](auto &listener) { listener.deviceListChanged(); });
-}
-
-void SimulatedHardware::setSampleRate(const std::string &uid, double sampleRate) {
-    rearrange([&] {
-        Device &device = deviceNamed(uid);
-        device.script.sampleRate = sampleRate;
-        const StreamFormat format{.sampleRate = sampleRate, .channelCount = 2};
-        for (const auto &[id, proc] : procs_)
-            if (proc.isRunning && clockOf(proc.device) == &device)
-                proc.client->ioFormatChanged(format);
-        for (const auto &[output, started] : outputs_)
-            if (find(started.device) == &device)
-                started.client->renderFormatChanged(format);
-    });
-}
-
-void SimulatedHardware::setBlockFrames(const std::string &uid,
-                                       std::vector<std::uint32_t> blockFrames) {
-    rearrange([&] { deviceNamed(uid).script.blockFrames = std::move(blockFrames); });
-}
-
-// Script: applications
-
-AudioObjectID SimulatedHardware::play(simulated::Sound sound, std::string deviceUID) {
-    const AudioObjectID id = newID();
-    rearrange([&] {
-        applications_[id] = {.playing = std::make_shared<Playing>(Playing{std::move(sound)}),
-                             .deviceUID = std::move(deviceUID)};
-    });
-    return id;
-}
-
-void SimulatedHardware::stopPlaying(AudioObjectID application) {
-    rearrange([&] { applications_.erase(application); });
-}
-
-// Script: failures
-
-void SimulatedHardware::setSuspended(bool suspended) {
-    rearrange([&] {
-        isSuspended_ = suspended;
-        for (const auto &[output, started] : outputs_)
-            suspended ? started.client->renderPaused() : started.client->renderResumed();
-    });
-}
-
-void SimulatedHardware::setAsleep(bool asleep) {
-    rearrange([&] { isAsleep_ = asleep; });
-}
-
-void SimulatedHardware::loseConnection(Status status) {
-    rearrange([&] {
-        connection_ = status;
-        isReachable_ = false;
-        taps_.clear();
-        aggregates_.clear();
-        procs_.clear();
-        outputs_.clear();
-    });
-    notify(HardwareProperty::connection,
-           [status](auto &listener) { listener.hardwareLost(status); });
-}
-
-// Results
-
-void SimulatedHardware::watchCallbacks(simulated::CallbackWatch &watch) {
-    rearrange([&] { watch_ = &watch; });
-}
-
-Recording SimulatedHardware::takeRecording(const std::string &uid) {
-    return std::exchange(deviceNamed(uid).cycles.recording(), {});
-}
-
-std::vector<TapDescription> SimulatedHardware::taps() const {
-    std::vector<TapDescription> result;
-    for (const auto &[id, description] : taps_)
-        result.push_back(description);
-    return result;
-}
-
-std::vector<AggregateDescription> SimulatedHardware::aggregates() const {
-    std::vector<AggregateDescription> result;
-    for (const auto &[id, description] : aggregates_)
-        result.push_back(description);
-    return result;
-}
-
-bool SimulatedHardware::isCapturing() const {
-    return std::ranges::any_of(procs_, [](const auto &entry) { return entry.second.isRunning; });
-}
-
-bool SimulatedHardware::isPlaying() const { return !outputs_.empty(); }
-
-bool SimulatedHardware::isListenedTo() const { return !listeners_.empty(); }
 
 // AudioHardware: devices
 
@@ -402,13 +246,6 @@ Status SimulatedHardware::stopDevice(AudioObjectID device, IOProcID proc) {
     return statusOK;
 }
 
-std::unique_ptr<HardwareOutput> SimulatedHardware::makeOutput() {
-    // An output can be made without a connection; using it then fails.
-    if (const auto verdict = operations_.note(Operation::makeOutput); !verdict.carryOut)
-        return nullptr;
-    return std::make_unique<SimulatedOutput>(*this);
-}
-
 // The machine
 
 void SimulatedHardware::rearrange(const std::function<void()> &change) {
@@ -501,22 +338,6 @@ OperationLog::Verdict SimulatedHardware::note(Operation operation) {
     if (connection_ != statusOK)
         return {.carryOut = false, .status = connection_};
     return verdict;
-}
-
-void SimulatedHardware::notify(HardwareProperty property,
-                               const std::function<void(HardwareListener &)> &tell) {
-    std::vector<HardwareListener *> told;
-    for (const auto &[listened, listener] : listeners_)
-        if (listened == property)
-            told.push_back(listener);
-    const auto tellAll = [&] {
-        for (HardwareListener *listener : told)
-            tell(*listener);
-    };
-    if (pace_ == Pace::threads)
-        std::thread(tellAll).join(); // never on the main thread, as on a real machine
-    else
-        tellAll();
 }
 
 SimulatedHardware::Device *SimulatedHardware::find(AudioObjectID id) const {

@@ -156,7 +156,7 @@ class SimulatedHardware final : public AudioHardware {
     [[nodiscard]] bool isMuted(AudioObjectID application) const;
 
     [[nodiscard]] simulated::OperationLog::Verdict note(Operation operation);
-    void notify(HardwareProperty property, const std::function<void(HardwareListener &)> &tell);
+    void notify(HardwareProperty property);
     [[nodiscard]] Device *find(AudioObjectID id) const;
     [[nodiscard]] Device &deviceNamed(const std::string &uid) const; ///< for scripts: must exist
     [[nodiscard]] AudioObjectID idOf(const std::string &uid) const;

@@ -1,4 +1,4 @@
-#include "platform/hardware/simulated/SimulatedOutput.h"
+#include "platform/hardware/simulated/SimulatedHardware.h"
 
 #include <cerrno>
 #include <numeric>
@@ -6,6 +6,25 @@
 namespace quorbel {
 
 using simulated::Operation;
+
+/// The playback side of a simulated machine. [main]
+class SimulatedOutput final : public HardwareOutput {
+  public:
+    explicit SimulatedOutput(SimulatedHardware &hardware) : hardware_(hardware) {}
+    ~SimulatedOutput() override;
+    SimulatedOutput(const SimulatedOutput &) = delete;
+    SimulatedOutput &operator=(const SimulatedOutput &) = delete;
+
+    Status setDevice(AudioObjectID device) override;
+    [[nodiscard]] StreamFormat nativeFormat() const override;
+    Status start(RenderClient &client) override;
+    void renderUntil(const std::function<bool()> &condition, double seconds) override;
+    void stop() override;
+
+  private:
+    SimulatedHardware &hardware_;
+    AudioObjectID device_ = 0;
+};
 
 SimulatedOutput::~SimulatedOutput() {
     (void)hardware_.note(Operation::destroyOutput);
@@ -55,6 +74,13 @@ void SimulatedOutput::stop() {
     // Stopping cannot fail: the caller relies on no further call.
     (void)hardware_.note(Operation::stopOutput);
     hardware_.rearrange([this] { hardware_.outputs_.erase(this); });
+}
+
+std::unique_ptr<HardwareOutput> SimulatedHardware::makeOutput() {
+    // An output can be made without a connection; using it then fails.
+    if (const auto verdict = operations_.note(Operation::makeOutput); !verdict.carryOut)
+        return nullptr;
+    return std::make_unique<SimulatedOutput>(*this);
 }
 
 } // namespace quorbel
