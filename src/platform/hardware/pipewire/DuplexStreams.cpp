@@ -1,7 +1,5 @@
 #include "platform/hardware/pipewire/DuplexStreams.h"
 
-#include "platform/hardware/pipewire/SystemTime.h"
-
 #include <fmt/format.h>
 #include <spa/param/audio/format-utils.h>
 #include <spa/param/props.h>

@@ -52,8 +52,6 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     void globalAdded(std::uint32_t id, const char *type, std::uint32_t version,
                      const spa_dict *properties);
     void globalRemoved(std::uint32_t id);
-    void bindSettings(std::uint32_t id, std::uint32_t version);
-    void bindClient(std::uint32_t id, std::uint32_t version);
     void dropMetadata();
     void metadataArrived() override;
     void metadataRead() override;

@@ -3,7 +3,7 @@
 
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 #include "platform/hardware/pipewire/PipeWireOutput.h"
-#include "platform/hardware/pipewire/SystemTime.h"
+#include "platform/hardware/pipewire/ServerConnection.h"
 #include "platform/hardware/routing/StreamRules.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "platform/hardware/pipewire/PipeWireOutput.h"
 
-#include "platform/hardware/pipewire/SystemTime.h"
+#include "platform/hardware/pipewire/ServerConnection.h"
 
 #include <algorithm>
 #include <cerrno>

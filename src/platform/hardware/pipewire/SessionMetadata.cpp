@@ -1,7 +1,5 @@
 #include "platform/hardware/pipewire/SessionMetadata.h"
 
-#include "platform/hardware/pipewire/SystemTime.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <limits>

@@ -2,7 +2,7 @@
 
 #include "platform/hardware/pipewire/ObjectRegistry.h"
 #include "platform/hardware/pipewire/RouteJournal.h"
-#include "platform/hardware/pipewire/SystemTime.h"
+#include "platform/hardware/pipewire/ServerConnection.h"
 #include "platform/hardware/pipewire/WatchdogLink.h"
 
 #include <array>
