@@ -123,7 +123,7 @@ void Desktop::startNodes(Application &application) {
         Node *node = server.find(serial);
         if (traits.isDevice())
             server.addAllPorts(*node);
-        if (server.entry(node->id, targetObjectKey) || server.entry(node->id, targetNodeKey))
+        if (server.value(node->id, targetObjectKey) || server.value(node->id, targetNodeKey))
             application.isPinUncertain = true; // heirlooms of the one that had the id before
     }
 }

@@ -3,43 +3,96 @@
 #include "Desktop.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace quorbel::desktop {
 namespace {
 
 using Application = Desktop::Application;
 
-bool areOneProgram(const NodeTraits &listener, const NodeTraits &player) {
-    const auto same = [](const std::string &a, const std::string &b) {
-        return !a.empty() && a == b;
+/// A node as the search for feedback sees it.
+struct Hearer {
+    std::uint32_t id = 0;
+    bool isPlayback = false, isTap = false, isDevice = false, isDuplex = false;
+    std::string_view linkGroup, client, process;
+};
+
+/// Who hears whom, in truth or in the client's view.
+struct Graph {
+    std::vector<Hearer> nodes;
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> links; ///< from output to input
+};
+
+Graph graphOf(const SimulatedServer &server) {
+    Graph graph;
+    for (const Node &node : server.nodes) {
+        const NodeTraits &of = *node.traits;
+        graph.nodes.push_back({node.id, of.isPlayback(), of.isTap(), of.isDevice(), of.isDuplex,
+                               of.linkGroup, of.client, of.process});
+    }
+    for (const Link &link : server.links)
+        graph.links.emplace_back(link.outputNode, link.inputNode);
+    return graph;
+}
+
+Graph graphOf(const ServerObjects &objects, std::uint32_t tapID) {
+    Graph graph;
+    for (const auto &[id, node] : objects.nodes())
+        graph.nodes.push_back({id, node.mediaClass().starts_with("Stream/Output"), id == tapID,
+                               isOutputDevice(node), node.mediaClass() == "Audio/Duplex",
+                               node.property("node.link-group"), node.property("client.id"),
+                               node.property("application.process.id")});
+    for (const auto &[_, link] : objects.links())
+        graph.links.emplace_back(link.outputNodeID, link.inputNodeID);
+    return graph;
+}
+
+bool areOneProgram(const Hearer &listener, const Hearer &player) {
+    const auto same = [](std::string_view a, std::string_view b) { return !a.empty() && a == b; };
+    return same(listener.linkGroup, player.linkGroup) ||
+           (!listener.isDevice &&
+            (same(listener.client, player.client) || same(listener.process, player.process)));
+}
+
+/// Nodes at which the sound of `from` arrives, through links and programs; `from` is the first.
+std::vector<std::uint32_t> reachedFrom(const Graph &graph, std::uint32_t from) {
+    std::vector<std::uint32_t> reached{from};
+    const auto add = [&](std::uint32_t id) {
+        if (std::ranges::find(reached, id) == reached.end())
+            reached.push_back(id);
     };
-    if (same(listener.linkGroup, player.linkGroup))
-        return true;
-    return !listener.isDevice() &&
-           (same(listener.client, player.client) || same(listener.process, player.process));
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        const std::uint32_t at = reached[i];
+        const auto node = std::ranges::find(graph.nodes, at, &Hearer::id);
+        const bool isKnown = node != graph.nodes.end();
+        if (isKnown && node->isDuplex) // what it gives is its own recording
+            continue;
+        for (const auto &[output, input] : graph.links)
+            if (output == at)
+                add(input);
+        if (!isKnown || node->isPlayback || node->isTap)
+            continue;
+        for (const Hearer &player : graph.nodes)
+            if (player.isPlayback && areOneProgram(*node, player))
+                add(player.id);
+    }
+    return reached;
 }
 
-std::string nameOf(const SimulatedServer &server, const Entry *entry) {
-    if (entry == nullptr)
-        return "";
-    if (entry->value.value == "-1")
-        return "-1";
+/// Name of the node that a value of the metadata names; "absent" if there is none, empty without a
+/// value.
+std::string nameOf(const SimulatedServer &server, std::uint32_t subject, const char *key) {
+    const MetadataValue *target = server.value(subject, key);
+    if (target == nullptr || target->value == "-1")
+        return target == nullptr ? "" : "-1";
+    const bool isObject = std::string_view(key) == targetObjectKey;
     for (const Node &node : server.nodes)
-        if ((entry->key == targetObjectKey ? std::to_string(node.serial)
-                                           : std::to_string(node.id)) == entry->value.value)
+        if (std::to_string(isObject ? node.serial : node.id) == target->value)
             return node.traits->name;
-    const bool isNumber = entry->value.value.find_first_not_of("0123456789") == std::string::npos;
-    return isNumber ? "absent" : entry->value.value;
-}
-
-/// The name of what the stream's target is by metadata.
-std::string targetOf(const SimulatedServer &server, const Node &node) {
-    std::string target = nameOf(server, server.entry(node.id, targetObjectKey));
-    if (target.empty())
-        target = nameOf(server, server.entry(node.id, targetNodeKey));
-    if (target.empty())
-        target = node.traits->ownTarget;
-    return target == "-1" ? "" : target;
+    const bool isNumber = target->value.find_first_not_of("0123456789") == std::string::npos;
+    return isNumber ? "absent" : target->value;
 }
 
 /// The names of what the stream is linked to, each once.
@@ -57,7 +110,7 @@ std::string wrongChannels(const Desktop &desktop, const Node &node, const Node &
         if (link.outputNode != node.id || link.inputNode != tap.id)
             continue;
         const auto channel = [&](const Node &end, std::uint32_t port) -> std::string_view {
-            for (const Port &each : end.ports)
+            for (const PortRecord &each : end.ports)
                 if (each.id == port)
                     return each.channel;
             return "";
@@ -149,8 +202,8 @@ std::string wrongPins(const Desktop &desktop, const Desktop &without, bool isOff
         const Node *plain = without.playback(without.applications[slot]);
         if (!isOff || node == nullptr || plain == nullptr || application.wasMovedByLinks)
             continue;
-        const std::string here = targetOf(desktop.server, *node);
-        const std::string there = targetOf(without.server, *plain);
+        const std::string here = chosenTarget(desktop.server, *node);
+        const std::string there = chosenTarget(without.server, *plain);
         if (here != there)
             return name + " has the target '" + here + "' and without us '" + there + "'";
     }
@@ -165,8 +218,8 @@ const char *leftBehind(const Desktop &desktop) {
             return "a link of ours is left";
     if (desktop.client.ledger().size() != 0)
         return "a line of the journal is left";
-    for (const Entry &entry : desktop.server.metadata)
-        if (entry.key == targetObjectKey && desktop.server.wasTap(entry.value.value))
+    for (const auto &[where, value] : desktop.server.metadata)
+        if (where.second == targetObjectKey && desktop.server.wasTap(value.value))
             return "a target of ours is left";
     return nullptr;
 }
@@ -174,34 +227,17 @@ const char *leftBehind(const Desktop &desktop) {
 } // namespace
 
 std::string chosenTarget(const SimulatedServer &server, const Node &node) {
-    return targetOf(server, node);
+    std::string target = nameOf(server, node.id, targetObjectKey);
+    if (target.empty())
+        target = nameOf(server, node.id, targetNodeKey);
+    if (target.empty())
+        target = node.traits->ownTarget;
+    return target == "-1" ? "" : target;
 }
 
 bool hears(const SimulatedServer &server, std::uint32_t from, std::uint32_t to) {
-    std::vector<std::uint32_t> reached{from};
-    const auto add = [&](std::uint32_t id) {
-        if (std::find(reached.begin(), reached.end(), id) == reached.end())
-            reached.push_back(id);
-    };
-    for (std::size_t i = 0; i < reached.size(); ++i) {
-        const std::uint32_t at = reached[i];
-        const bool isDuplex =
-            std::any_of(server.nodes.begin(), server.nodes.end(),
-                        [&](const Node &node) { return node.id == at && node.traits->isDuplex; });
-        for (const Link &link : server.links)
-            if (link.outputNode == at && !isDuplex)
-                add(link.inputNode);
-        for (const Node &node : server.nodes) {
-            if (node.id != at || node.traits->isPlayback() || node.traits->isTap())
-                continue;
-            for (const Node &player : server.nodes)
-                if (player.traits->isPlayback() && areOneProgram(*node.traits, *player.traits))
-                    add(player.id);
-        }
-        if (at != from && at == to)
-            return true;
-    }
-    return false;
+    const auto reached = reachedFrom(graphOf(server), from);
+    return std::find(reached.begin() + 1, reached.end(), to) != reached.end();
 }
 
 std::string fedBack(const SimulatedClient &client) {
@@ -212,40 +248,13 @@ std::string fedBack(const SimulatedClient &client) {
     if (output == nullptr || output->mediaClass() != "Stream/Output/Audio/Internal" ||
         objects.nodeWithSerial(ends.tapSerial) == nullptr)
         return "";
-    std::vector<std::uint32_t> reached{ends.outID};
-    const auto add = [&](std::uint32_t id) {
-        if (std::find(reached.begin(), reached.end(), id) == reached.end())
-            reached.push_back(id);
-    };
-    for (std::size_t i = 0; i < reached.size(); ++i) {
-        const NodeRecord *node = objects.node(reached[i]);
-        if (node != nullptr && node->mediaClass() == "Audio/Duplex")
-            continue;
-        for (const auto &[_, link] : objects.links())
-            if (link.outputNodeID == reached[i])
-                add(link.inputNodeID);
-        if (node == nullptr || node->id == ends.tapID ||
-            node->mediaClass().starts_with("Stream/Output") ||
-            (isOutputDevice(*node) && node->property("node.link-group").empty()))
-            continue;
-        for (const auto &[id, player] : objects.nodes()) {
-            if (!player.mediaClass().starts_with("Stream/Output"))
-                continue;
-            const auto same = [&, &other = player](const char *key) {
-                const std::string &value = node->property(key);
-                return !value.empty() && value == other.property(key);
-            };
-            if (same("node.link-group") ||
-                (!isOutputDevice(*node) && (same("client.id") || same("application.process.id"))))
-                add(id);
-        }
+    for (const std::uint32_t id : reachedFrom(graphOf(objects, ends.tapID), ends.outID)) {
+        const auto target = objects.metadata(id, targetObjectKey);
+        const NodeRecord *node = objects.node(id);
+        if (target && target->value == tap && client.isSentToTap(id) && node != nullptr &&
+            id != ends.outID && node->isComplete && node->mediaClass().starts_with("Stream/Output"))
+            return node->name();
     }
-    for (const std::uint32_t id : reached)
-        if (const auto target = objects.metadata(id, targetObjectKey);
-            target && target->value == tap && client.isSentToTap(id) &&
-            objects.node(id) != nullptr && id != ends.outID && objects.node(id)->isComplete &&
-            objects.node(id)->mediaClass().starts_with("Stream/Output"))
-            return objects.node(id)->name();
     return "";
 }
 

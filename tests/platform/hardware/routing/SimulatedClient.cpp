@@ -15,27 +15,32 @@ constexpr Micros comebackTime = 1'000'000;
 constexpr Micros beatTime = 250'000;
 constexpr Micros cycleTime = 20'000;
 
+Command metadataCommand(std::uint32_t subject, const char *key,
+                        const std::optional<MetadataValue> &value) {
+    return {.kind = value ? Command::Kind::setMetadata : Command::Kind::deleteMetadata,
+            .id = subject,
+            .key = key,
+            .value = value.value_or(MetadataValue{})};
+}
+
 /// The server as a watchdog finds it, and its commands.
 class Watchdog final : public ServerCommands {
   public:
     explicit Watchdog(SimulatedServer &server) : server_(server) {
         for (const Node &node : server.nodes)
             objects.putNode({node.id, node.serial, node.traits->properties, true});
-        for (const Entry &entry : server.metadata)
-            objects.putMetadata(entry.subject, entry.key, entry.value);
+        for (const auto &[where, value] : server.metadata)
+            objects.putMetadata(where.first, where.second, value);
         objects.setHasMetadata(server.hasMetadata);
     }
     void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override {
         objects.putMetadata(subject, key, value);
-        server_.fromWatchdog.push(
-            {.kind = Command::Kind::setMetadata, .id = subject, .key = key, .value = value},
-            server_.now, server_.random);
+        server_.fromWatchdog.push(metadataCommand(subject, key, value), server_.now,
+                                  server_.random);
     }
     void deleteMetadata(std::uint32_t subject, const char *key) override {
         objects.putMetadata(subject, key, {});
-        server_.fromWatchdog.push(
-            {.kind = Command::Kind::deleteMetadata, .id = subject, .key = key}, server_.now,
-            server_.random);
+        server_.fromWatchdog.push(metadataCommand(subject, key, {}), server_.now, server_.random);
     }
     void readMetadata() override {}
     [[nodiscard]] bool isDeaf() const override { return false; }
@@ -76,22 +81,15 @@ void SimulatedClient::send(Command command) {
     server_.fromClient.push(std::move(command), server_.now, server_.random);
 }
 
-void SimulatedClient::setMetadata(std::uint32_t subject, const char *key,
-                                  const MetadataValue &value) {
+void SimulatedClient::write(std::uint32_t subject, const char *key,
+                            const std::optional<MetadataValue> &value) {
     objects_->putMetadata(subject, key, value);
-    if (std::string_view(key) == targetObjectKey)
-        ownTargets_[subject] = value.value;
-    send({.kind = Command::Kind::setMetadata, .id = subject, .key = key, .value = value});
-    ownWrites_.push_back(
-        {.kind = Command::Kind::setMetadata, .id = subject, .key = key, .value = value});
-}
-
-void SimulatedClient::deleteMetadata(std::uint32_t subject, const char *key) {
-    objects_->putMetadata(subject, key, {});
-    if (std::string_view(key) == targetObjectKey)
+    if (std::string_view(key) == targetObjectKey && value)
+        ownTargets_[subject] = value->value;
+    else if (std::string_view(key) == targetObjectKey)
         ownTargets_.erase(subject);
-    send({.kind = Command::Kind::deleteMetadata, .id = subject, .key = key});
-    ownWrites_.push_back({.kind = Command::Kind::deleteMetadata, .id = subject, .key = key});
+    send(metadataCommand(subject, key, value));
+    ownWrites_[{subject, key}] = value;
 }
 
 bool SimulatedClient::isSentToTap(std::uint32_t streamID) const {
@@ -350,25 +348,22 @@ void SimulatedClient::bindMetadata() {
 
 /// Tells what the binding has shown and no event has.
 void SimulatedClient::tellDifferences() {
-    const auto found = [&](std::uint32_t subject, const std::string &key) {
-        std::optional<MetadataValue> value;
-        for (const Entry &entry : bound_)
-            if (entry.subject == subject && entry.key == key)
-                value = entry.value;
-        return value;
+    const auto found = [&](const Table::key_type &where) {
+        const MetadataValue *value = valueIn(bound_, where.first, where.second.c_str());
+        return value == nullptr ? std::nullopt : std::optional(*value);
     };
-    std::set<std::pair<std::uint32_t, std::string>> keys;
-    for (const Entry &entry : bound_)
-        if (objects_->metadata(entry.subject, entry.key) != entry.value)
-            keys.insert({entry.subject, entry.key});
+    std::set<Table::key_type> keys;
+    for (const auto &[where, _] : bound_)
+        keys.insert(where);
     for (const std::uint32_t subject : objects_->metadataSubjects())
         for (const char *key : {targetObjectKey, targetNodeKey, "default.audio.sink"})
-            if (objects_->metadata(subject, key) != found(subject, key))
-                keys.insert({subject, key});
-    for (const Command &write : ownWrites_)
-        keys.erase({write.id, write.key});
+            keys.insert({subject, key});
+    std::erase_if(keys, [&](const auto &where) {
+        return ownWrites_.contains(where) ||
+               objects_->metadata(where.first, where.second) == found(where);
+    });
     for (const auto &[subject, key] : keys) {
-        const auto value = found(subject, key);
+        const auto value = found({subject, key});
         objects_->putMetadata(subject, key, value);
         router_->metadataChanged(subject, key, value);
     }
@@ -406,13 +401,10 @@ void SimulatedClient::take(const Event &event) {
         if (const auto node = objects_->takeNode(event.id))
             observer.nodeRemoved(*node);
         break;
-    case Kind::portAdded: {
-        const PortRecord port{event.port.id,      event.id,           event.port.index,
-                              event.port.channel, event.port.isInput, event.port.isMonitor};
-        objects_->putPort(port);
-        observer.portAdded(port);
+    case Kind::portAdded:
+        objects_->putPort(event.port);
+        observer.portAdded(event.port);
         break;
-    }
     case Kind::portRemoved:
         if (const auto port = objects_->takePort(event.port.id))
             observer.portRemoved(*port);
@@ -432,36 +424,24 @@ void SimulatedClient::take(const Event &event) {
         bindMetadata();
         break;
     case Kind::metadataValue:
-        if (event.serial != 0) {
-            if (event.serial == binding_)
-                bound_.push_back({event.id, event.key, *event.value});
-        } else if (objects_->hasMetadata()) {
+        if (event.serial != 0 ? event.serial == binding_ : !objects_->hasMetadata()) {
+            put(bound_, event.id, event.key, event.value);
+        } else if (event.serial == 0) {
             objects_->putMetadata(event.id, event.key, event.value);
             observer.metadataChanged(event.id, event.key, event.value);
-        } else {
-            std::erase_if(bound_, [&](const Entry &entry) {
-                return entry.subject == event.id && entry.key == event.key;
-            });
-            if (event.value)
-                bound_.push_back({event.id, event.key, *event.value});
         }
         break;
     case Kind::metadataDone: {
         if (event.serial != binding_)
             break;
-        for (const Command &write : ownWrites_) {
-            std::erase_if(bound_, [&](const Entry &entry) {
-                return entry.subject == write.id && entry.key == write.key;
-            });
-            if (write.kind == Command::Kind::setMetadata)
-                bound_.push_back({write.id, write.key, write.value});
-        }
+        for (const auto &[where, value] : ownWrites_)
+            put(bound_, where.first, where.second, value);
         if (objects_->hasMetadata()) {
             tellDifferences();
             observer.metadataRead();
         } else {
-            for (const Entry &entry : bound_)
-                objects_->putMetadata(entry.subject, entry.key, entry.value);
+            for (const auto &[where, value] : bound_)
+                objects_->putMetadata(where.first, where.second, value);
             objects_->setHasMetadata(true);
             router_->restore(std::exchange(leftovers_, {}));
             wasWatchdogLost_ = false;

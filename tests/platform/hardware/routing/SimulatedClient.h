@@ -73,8 +73,12 @@ class SimulatedClient final : public ServerCommands {
     [[nodiscard]] bool isSentToTap(std::uint32_t streamID) const;
     [[nodiscard]] bool isStopping() const { return stopping_ != Stopping::no; }
 
-    void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override;
-    void deleteMetadata(std::uint32_t subject, const char *key) override;
+    void setMetadata(std::uint32_t subject, const char *key, const MetadataValue &value) override {
+        write(subject, key, value);
+    }
+    void deleteMetadata(std::uint32_t subject, const char *key) override {
+        write(subject, key, std::nullopt);
+    }
     void readMetadata() override;
     [[nodiscard]] bool isDeaf() const override { return server_.isDeaf; }
     OwnLink createLink(const LinkRequest &request) override;
@@ -90,6 +94,7 @@ class SimulatedClient final : public ServerCommands {
     void connect();
     void reset();
     void send(Command command);
+    void write(std::uint32_t subject, const char *key, const std::optional<MetadataValue> &value);
     void createPair();
     void destroyPair();
     void look();
@@ -119,7 +124,7 @@ class SimulatedClient final : public ServerCommands {
     Micros stopDeadline_ = INT64_MAX, comebackAt_ = INT64_MAX, reconnectAt_ = INT64_MAX,
            watchAt_ = INT64_MAX, nextLook_ = INT64_MAX;
     std::uint64_t binding_ = 0, stopTrip_ = 0;
-    std::vector<Entry> bound_; ///< values of the binding under way
+    Table bound_; ///< values of the binding under way
     RoutingEnds ends_;
     int nextHandle_ = 1, tapHandle_ = 0, outHandle_ = 0;
     std::uint64_t tapSerial_ = 0, outSerial_ = 0;
@@ -130,7 +135,8 @@ class SimulatedClient final : public ServerCommands {
     std::vector<OwnLink> outputLinks_;
     bool isWatching_ = false, wasWatchdogLost_ = false;
     std::map<std::uint32_t, std::string> ownTargets_; ///< by stream, as last written
-    std::vector<Command> ownWrites_;                  ///< since the binding under way was begun
+    /// Since the binding under way was begun; without a value it is a deletion.
+    std::map<Table::key_type, std::optional<MetadataValue>> ownWrites_;
 };
 
 } // namespace quorbel::desktop

@@ -81,13 +81,6 @@ const Node *SimulatedServer::ours(bool tap) const {
     return nullptr;
 }
 
-const Entry *SimulatedServer::entry(std::uint32_t subject, const char *key) const {
-    for (const Entry &entry : metadata)
-        if (entry.subject == subject && entry.key == key)
-            return &entry;
-    return nullptr;
-}
-
 bool SimulatedServer::wasTap(const std::string &value) const {
     return std::any_of(taps_.begin(), taps_.end(),
                        [&](std::uint64_t serial) { return std::to_string(serial) == value; });
@@ -130,10 +123,7 @@ std::uint64_t SimulatedServer::addNode(NodeTraits traits) {
     traits.properties["object.serial"] = std::to_string(node.serial);
     node.traits = std::make_shared<const NodeTraits>(std::move(traits));
     nodes.push_back(node);
-    tell({.kind = Event::Kind::nodeAdded,
-          .id = node.id,
-          .serial = node.serial,
-          .traits = node.traits});
+    tell(nodeEvent(Event::Kind::nodeAdded, node));
     if (node.traits->isTap()) {
         taps_.push_back(node.serial);
         setPorts(nodes.back(), 2);
@@ -143,9 +133,9 @@ std::uint64_t SimulatedServer::addNode(NodeTraits traits) {
 
 void SimulatedServer::addPort(Node &node, int index, bool input, bool monitor,
                               const char *channel) {
-    const Port port{nextPort_++, static_cast<std::uint8_t>(index), channel, input, monitor};
-    node.ports.push_back(port);
-    tell({.kind = Event::Kind::portAdded, .id = node.id, .serial = node.serial, .port = port});
+    node.ports.push_back(
+        {nextPort_++, node.id, static_cast<std::uint32_t>(index), channel, input, monitor});
+    tell(portEvent(Event::Kind::portAdded, node, node.ports.back()));
 }
 
 void SimulatedServer::addAllPorts(Node &node) {
@@ -165,7 +155,7 @@ template <typename Predicate> void SimulatedServer::removeLinksIf(const Predicat
         }
         const Link link = links[i];
         links.erase(links.begin() + static_cast<std::ptrdiff_t>(i));
-        tell({.kind = Event::Kind::linkRemoved, .id = link.id, .link = link});
+        tell(linkEvent(Event::Kind::linkRemoved, link));
     }
     lookAtStates();
 }
@@ -177,10 +167,9 @@ void SimulatedServer::removeLinksAt(std::uint32_t node) {
 
 void SimulatedServer::setPorts(Node &node, int channels) {
     const bool input = !node.traits->isPlayback();
-    const std::uint32_t id = node.id;
-    removeLinksAt(id);
-    for (const Port &port : node.ports)
-        tell({.kind = Event::Kind::portRemoved, .id = id, .serial = node.serial, .port = port});
+    removeLinksAt(node.id);
+    for (const PortRecord &port : node.ports)
+        tell(portEvent(Event::Kind::portRemoved, node, port));
     node.ports.clear();
     int index = 0;
     for (const char *channel : channelNames(channels))
@@ -192,14 +181,10 @@ void SimulatedServer::removeNode(std::uint64_t serial) {
         return;
     const Node node = *find(serial);
     removeLinksAt(node.id);
-    for (const Port &port : node.ports)
-        tell(
-            {.kind = Event::Kind::portRemoved, .id = node.id, .serial = node.serial, .port = port});
+    for (const PortRecord &port : node.ports)
+        tell(portEvent(Event::Kind::portRemoved, node, port));
     std::erase_if(nodes, [&](const Node &other) { return other.serial == serial; });
-    tell({.kind = Event::Kind::nodeRemoved,
-          .id = node.id,
-          .serial = node.serial,
-          .traits = node.traits});
+    tell(nodeEvent(Event::Kind::nodeRemoved, node));
     if (keepsValues)
         return;
     setMetadata(node.id, targetObjectKey, {});
@@ -212,7 +197,7 @@ void SimulatedServer::addLink(Link link) {
             return;
     link.id = nextLink_++;
     links.push_back(link);
-    tell({.kind = Event::Kind::linkAdded, .id = link.id, .link = link});
+    tell(linkEvent(Event::Kind::linkAdded, link));
     const Node *output = findID(link.outputNode);
     const Node *input = findID(link.inputNode);
     // Only a node of this class makes the PulseAudio server answer.
@@ -231,10 +216,10 @@ void SimulatedServer::removeLinksOf(std::uint32_t outputNode) {
 }
 
 void SimulatedServer::connectByChannel(const Node &output, const Node &input, Owner owner) {
-    for (const Port &from : output.ports) {
+    for (const PortRecord &from : output.ports) {
         if (from.isInput || (output.traits->isPlayback() && from.isMonitor))
             continue;
-        for (const Port &to : input.ports) {
+        for (const PortRecord &to : input.ports) {
             const std::string_view a = from.channel, b = to.channel;
             if (to.isInput && (a == b || a == "MONO" || b == "MONO"))
                 addLink({.outputNode = output.id,
@@ -250,23 +235,11 @@ void SimulatedServer::setMetadata(std::uint32_t subject, const std::string &key,
                                   const std::optional<MetadataValue> &value) {
     if (!hasMetadata)
         return;
-    const auto found = std::find_if(metadata.begin(), metadata.end(), [&](const Entry &entry) {
-        return entry.subject == subject && entry.key == key;
-    });
-    if (value) {
-        if (found == metadata.end())
-            metadata.push_back({subject, key, *value});
-        else if (found->value == *value)
-            return;
-        else
-            found->value = *value;
-    } else if (found == metadata.end()) {
+    const MetadataValue *known = valueIn(metadata, subject, key.c_str());
+    if (value ? known != nullptr && *known == *value : known == nullptr)
         return;
-    } else {
-        metadata.erase(found);
-    }
-    const Event event{
-        .kind = Event::Kind::metadataValue, .id = subject, .key = key, .value = value};
+    put(metadata, subject, key, value);
+    const Event event = metadataEvent(subject, key, value);
     hasChanged = true;
     if (isManagerThere)
         toManager.push(event, now, random);
@@ -323,7 +296,7 @@ void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
                 setPorts(*input, node->count(true));
         } else if (!input->traits->isStream()) {
             if (node->count(false) != input->count(true) ||
-                std::string_view(node->ports.front().channel) != input->ports.front().channel)
+                node->ports.front().channel != input->ports.front().channel)
                 setPorts(*node, input->count(true));
         } else if (node->count(false) == 0) {
             setPorts(*node, input->count(true));
@@ -345,7 +318,7 @@ void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
         const auto has = [&](std::uint32_t id, std::uint32_t port) {
             const Node *end = findID(id);
             return end != nullptr && std::any_of(end->ports.begin(), end->ports.end(),
-                                                 [&](const Port &p) { return p.id == port; });
+                                                 [&](const PortRecord &p) { return p.id == port; });
         };
         if (has(command.link.outputNode, command.link.outputPort) &&
             has(command.link.inputNode, command.link.inputPort))
@@ -377,22 +350,14 @@ void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
         break;
     case Kind::bindNode:
         if (node != nullptr)
-            toClient.push({.kind = Event::Kind::nodeInfo,
-                           .id = node->id,
-                           .serial = node->serial,
-                           .traits = node->traits},
-                          now, random);
+            toClient.push(nodeEvent(Event::Kind::nodeInfo, *node), now, random);
         break;
     case Kind::bindMetadata:
         if (!hasMetadata)
             break;
-        for (const Entry &entry : metadata)
-            toClient.push({.kind = Event::Kind::metadataValue,
-                           .id = entry.subject,
-                           .serial = command.serial,
-                           .key = entry.key,
-                           .value = entry.value},
-                          now, random);
+        for (const auto &[where, value] : metadata)
+            toClient.push(metadataEvent(where.first, where.second, value, command.serial), now,
+                          random);
         toClient.push({.kind = Event::Kind::metadataDone, .serial = command.serial}, now, random);
         break;
     case Kind::leave:
@@ -417,29 +382,18 @@ void SimulatedServer::answer() {
         traits.properties["pulse.attr.tlength"] = "4096";
         node->traits = std::make_shared<const NodeTraits>(std::move(traits));
         hasChanged = true;
-        tellClient({.kind = Event::Kind::nodeInfo,
-                    .id = node->id,
-                    .serial = serial,
-                    .traits = node->traits});
+        tellClient(nodeEvent(Event::Kind::nodeInfo, *node));
     }
 }
 
 void SimulatedServer::snapshot(Line<Event> &line) {
     for (const Node &node : nodes) {
-        line.push({.kind = Event::Kind::nodeAdded,
-                   .id = node.id,
-                   .serial = node.serial,
-                   .traits = node.traits},
-                  now, random);
-        for (const Port &port : node.ports)
-            line.push({.kind = Event::Kind::portAdded,
-                       .id = node.id,
-                       .serial = node.serial,
-                       .port = port},
-                      now, random);
+        line.push(nodeEvent(Event::Kind::nodeAdded, node), now, random);
+        for (const PortRecord &port : node.ports)
+            line.push(portEvent(Event::Kind::portAdded, node, port), now, random);
     }
     for (const Link &link : links)
-        line.push({.kind = Event::Kind::linkAdded, .id = link.id, .link = link}, now, random);
+        line.push(linkEvent(Event::Kind::linkAdded, link), now, random);
 }
 
 void SimulatedServer::managerArrives() {

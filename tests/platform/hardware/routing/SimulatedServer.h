@@ -4,9 +4,11 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quorbel::desktop {
@@ -82,28 +84,20 @@ struct NodeTraits {
 };
 using Traits = std::shared_ptr<const NodeTraits>;
 
-struct Port {
-    std::uint32_t id = 0;
-    std::uint8_t index = 0;
-    const char *channel = "";
-    bool isInput = false;
-    bool isMonitor = false;
-};
-
 const std::vector<const char *> &channelNames(int count);
 
 struct Node {
     std::uint32_t id = 0;
     std::uint64_t serial = 0;
     Traits traits;
-    std::vector<Port> ports;
+    std::vector<PortRecord> ports;
     bool isStuck = false; ///< suspended under a running graph
     bool ran = false;     ///< as its owner was last told
     Micros birth = 0;
 
     [[nodiscard]] int count(bool input) const {
         int result = 0;
-        for (const Port &port : ports)
+        for (const PortRecord &port : ports)
             result += static_cast<int>(port.isInput == input && !port.isMonitor);
         return result;
     }
@@ -119,11 +113,22 @@ struct Link {
     bool isPassive = false;
 };
 
-struct Entry {
-    std::uint32_t subject = 0;
-    std::string key;
-    MetadataValue value;
-};
+/// Values of the "default" metadata, by subject and key.
+using Table = std::map<std::pair<std::uint32_t, std::string>, MetadataValue>;
+
+/// Null if the table has no such value.
+inline const MetadataValue *valueIn(const Table &table, std::uint32_t subject, const char *key) {
+    const auto found = table.find({subject, key});
+    return found == table.end() ? nullptr : &found->second;
+}
+/// Sets a value, or erases it without one.
+inline void put(Table &table, std::uint32_t subject, const std::string &key,
+                const std::optional<MetadataValue> &value) {
+    if (value)
+        table.insert_or_assign({subject, key}, *value);
+    else
+        table.erase({subject, key});
+}
 
 /// An event of the server for one of the parties.
 struct Event {
@@ -147,12 +152,33 @@ struct Event {
     std::uint32_t id = 0;
     std::uint64_t serial = 0; ///< or the number of the round trip or binding
     Traits traits{};
-    Port port{};
+    PortRecord port{};
     Link link{};
     std::string key{};
     std::optional<MetadataValue> value{};
     Micros due = 0;
 };
+
+inline Event nodeEvent(Event::Kind kind, const Node &node) {
+    return {.kind = kind, .id = node.id, .serial = node.serial, .traits = node.traits};
+}
+inline Event portEvent(Event::Kind kind, const Node &node, const PortRecord &port) {
+    return {.kind = kind, .id = node.id, .serial = node.serial, .port = port};
+}
+inline Event linkEvent(Event::Kind kind, const Link &link) {
+    return {.kind = kind, .id = link.id, .link = link};
+}
+
+inline Event metadataEvent(std::uint32_t subject, const std::string &key,
+                           const std::optional<MetadataValue> &value, std::uint64_t binding = 0) {
+    Event event;
+    event.kind = Event::Kind::metadataValue;
+    event.id = subject;
+    event.serial = binding;
+    event.key = key;
+    event.value = value;
+    return event;
+}
 
 /// A command of one of the parties.
 struct Command {
@@ -247,7 +273,7 @@ class SimulatedServer {
     bool hasChanged = true; ///< since the last look at the invariants
     std::vector<Node> nodes;
     std::vector<Link> links;
-    std::vector<Entry> metadata;
+    Table metadata;
     Line<Event> toManager, toClient;
     Line<Command> fromManager, fromClient, fromWatchdog;
     bool isManagerThere = false, isClientThere = false;
@@ -263,7 +289,9 @@ class SimulatedServer {
     [[nodiscard]] Node *findID(std::uint32_t id);
     [[nodiscard]] const Node *findName(const std::string &name) const;
     [[nodiscard]] const Node *ours(bool tap) const;
-    [[nodiscard]] const Entry *entry(std::uint32_t subject, const char *key) const;
+    [[nodiscard]] const MetadataValue *value(std::uint32_t subject, const char *key) const {
+        return valueIn(metadata, subject, key);
+    }
     /// True if a value names a tap of ours, of today or of before.
     [[nodiscard]] bool wasTap(const std::string &value) const;
     [[nodiscard]] bool isLinked(std::uint32_t output, std::uint32_t input) const;

@@ -52,13 +52,6 @@ bool SimulatedSessionManager::isOld(std::uint64_t serial) const {
                        [&](const Item &item) { return item.serial == serial && item.isOld; });
 }
 
-const MetadataValue *SimulatedSessionManager::value(std::uint32_t subject, const char *key) const {
-    for (const Entry &entry : metadata_)
-        if (entry.subject == subject && entry.key == key)
-            return &entry.value;
-    return nullptr;
-}
-
 void SimulatedSessionManager::send(Command command) {
     server_.fromManager.push(std::move(command), server_.now, server_.random);
 }
@@ -111,9 +104,7 @@ void SimulatedSessionManager::take(const Event &event) {
         break;
     }
     case Kind::nodeRemoved: {
-        const auto found = std::find_if(items_.begin(), items_.end(), [&](const Item &item) {
-            return item.serial == event.serial;
-        });
+        const auto found = std::ranges::find(items_, event.serial, &Item::serial);
         if (found == items_.end())
             break;
         const bool wasDevice = found->traits->isDevice();
@@ -141,21 +132,13 @@ void SimulatedSessionManager::take(const Event &event) {
             item != nullptr && event.port.isInput && !event.port.isMonitor)
             --item->inputs;
         break;
-    case Kind::metadataValue: {
-        const auto found =
-            std::find_if(metadata_.begin(), metadata_.end(), [&](const Entry &entry) {
-                return entry.subject == event.id && entry.key == event.key;
-            });
-        if (found != metadata_.end())
-            metadata_.erase(found);
-        if (event.value)
-            metadata_.push_back({event.id, event.key, *event.value});
+    case Kind::metadataValue:
+        put(metadata_, event.id, event.key, event.value);
         if (event.id != 0) {
             remember(event.id, event.key, event.value);
             rescan();
         }
         break;
-    }
     default:
         break;
     }
@@ -187,16 +170,10 @@ void SimulatedSessionManager::restore(const Item &item) {
         return;
     for (const Item &target : items_)
         if (target.traits->name == found->second) {
-            if (isNewer)
-                send({.kind = Command::Kind::setMetadata,
-                      .id = item.id,
-                      .key = targetObjectKey,
-                      .value = {"Spa:Id", std::to_string(target.serial)}});
-            else
-                send({.kind = Command::Kind::setMetadata,
-                      .id = item.id,
-                      .key = targetNodeKey,
-                      .value = {"Spa:Id", std::to_string(target.id)}});
+            send({.kind = Command::Kind::setMetadata,
+                  .id = item.id,
+                  .key = isNewer ? targetObjectKey : targetNodeKey,
+                  .value = {"Spa:Id", std::to_string(isNewer ? target.serial : target.id)}});
             return;
         }
 }
@@ -232,9 +209,9 @@ const SimulatedSessionManager::Item *SimulatedSessionManager::target(const Item 
     };
     std::string wanted = item.traits->ownTarget;
     bool isID = false;
-    if (const MetadataValue *object = value(item.id, targetObjectKey)) {
+    if (const MetadataValue *object = valueIn(metadata_, item.id, targetObjectKey)) {
         wanted = object->value;
-    } else if (const MetadataValue *node = value(item.id, targetNodeKey)) {
+    } else if (const MetadataValue *node = valueIn(metadata_, item.id, targetNodeKey)) {
         wanted = node->value;
         isID = true;
     }

@@ -40,7 +40,6 @@ class SimulatedSessionManager {
         bool isOld = false;
     };
     [[nodiscard]] Item *find(std::uint64_t serial);
-    [[nodiscard]] const MetadataValue *value(std::uint32_t subject, const char *key) const;
     void remember(std::uint32_t subject, const std::string &key,
                   const std::optional<MetadataValue> &value);
     void restore(const Item &item);
@@ -53,7 +52,7 @@ class SimulatedSessionManager {
 
     SimulatedServer &server_;
     std::vector<Item> items_;
-    std::vector<Entry> metadata_;
+    Table metadata_;
     std::string default_;
     Micros defaultDue_ = INT64_MAX;
     Micros startTime_ = 0;
