@@ -1,6 +1,8 @@
 #include "endtoend/LiveTest.h"
 
-#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace quorbel {
 namespace {
@@ -59,18 +61,41 @@ TEST_F(Comeback, FromAnotherDefaultDeviceWithoutADrySound) {
         << "no application was put back meanwhile";
 }
 
+TEST_F(Comeback, OfDestroyedNodesKeepsApplicationsProcessed) {
+    Recorder &speakers = record("speakers");
+    Recorder &hdmi = record("hdmi");
+    playSequence({"pinned"});
+    server.moveApplication("pinned", "hdmi");
+    ASSERT_TRUE(soonHears(hdmi, Heard::dry));
+    const SessionMemory before = settledMemory();
+    for (const std::string kind : {"quorbel.tap.", "quorbel.out."}) {
+        SCOPED_TRACE(kind);
+        auto live = startLive(twelveDBLower());
+        ASSERT_TRUE(soonHears(speakers, Heard::processed));
+        const std::size_t onSpeakers = speakers.frames();
+        const std::size_t onHDMI = hdmi.frames();
+        server.destroyNode(kind + std::to_string(live->process().pid()));
+        EXPECT_TRUE(soonHears(speakers, Heard::processed));
+        EXPECT_LT(longestSeconds(speakers.recording(onSpeakers), Heard::dry), 2.0);
+        EXPECT_LT(longestSeconds(hdmi.recording(onHDMI), Heard::dry), 2.0);
+        EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live); }));
+        stopLive(live);
+        // By us, or by the watchdog where the server was slow to answer.
+        EXPECT_TRUE(comesTrue(1.0, [&] { return !exists(journal()); }));
+        EXPECT_TRUE(soonPlaysInto("pinned", {"hdmi"}, 1.0));
+    }
+    EXPECT_TRUE(soonIsAsBefore(before));
+}
+
 TEST_F(Comeback, ApplicationsMayComeAndGoLikeHail) {
     const Recorder &speakers = record("speakers");
     auto live = startLive(twelveDBLower());
     const double before = live->memoryMiB();
+    Sequence sounds[5];
     for (int round = 0; round < 40; ++round) {
-        std::vector<std::unique_ptr<Sequence>> sounds;
         std::vector<std::unique_ptr<Player>> players;
-        for (int i = 0; i < 5; ++i) {
-            sounds.push_back(std::make_unique<Sequence>());
-            players.push_back(std::make_unique<Player>(
-                client, *sounds.back(), Player::Options("hail" + std::to_string(i))));
-        }
+        for (Sequence &sound : sounds)
+            players.push_back(std::make_unique<Player>(client, sound, Player::Options("hail")));
     }
     playSequence();
     EXPECT_TRUE(soonHears(speakers, Heard::processed));

@@ -1,5 +1,5 @@
 #include "endtoend/LiveTest.h"
-#include "support/soundserver/LateDevice.h"
+#include "support/soundserver/SoundCard.h"
 
 #include <algorithm>
 #include <utility>

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <csignal>
 #include <iostream>
-#include <random>
 
 namespace quorbel {
 namespace {
@@ -93,30 +92,6 @@ TEST_F(Ending, WhatIsLeftWhenTheWatchdogDiesTooIsPutRightByTheNextStart) {
     ASSERT_TRUE(soonPlaysInto("pinned", {tapName(*live)}));
     stopLive(live);
     expectEverythingAsBefore();
-}
-
-TEST_F(Ending, SwitchingOnAndOffDuringPlaybackCostsNoTime) {
-    constexpr double seconds = 20.0;
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    const Metadata routingBefore = server.state().routing();
-    const auto start = SteadyClock::now();
-    const auto native = playWith("pw-play", seconds);
-    const auto pulse = playWith("paplay", seconds);
-    for (int toggle = 0; toggle < 6; ++toggle) {
-        auto live = startLive(twelveDBLower());
-        const std::size_t heard = speakers.frames();
-        const std::size_t pause = 4800 + random() % 48000;
-        ASSERT_TRUE(comesTrue(3.0, [&] { return speakers.frames() > heard + pause; }));
-        live->process().signal(toggle % 2 == 0 ? SIGKILL : SIGINT);
-        ASSERT_TRUE(live->process().exitStatusWithin(3.0).has_value());
-    }
-    EXPECT_EQ(native->exitStatusWithin(seconds), 0) << native->errors();
-    EXPECT_EQ(pulse->exitStatusWithin(seconds), 0) << pulse->errors();
-    const std::chrono::duration<double> elapsed = SteadyClock::now() - start;
-    EXPECT_LT(elapsed.count(), seconds + 2.0);
-    EXPECT_TRUE(comesTrue(1.0, [&] { return server.state().routing() == routingBefore; }));
 }
 
 TEST_F(Ending, AReverbIsHeardOutAfterTheLastApplication) {

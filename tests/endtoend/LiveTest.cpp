@@ -72,14 +72,15 @@ double longestSeconds(const Recording &recording, Heard kind) {
 bool slowTestsWanted() { return std::getenv("QUORBEL_SLOW_TESTS") != nullptr; }
 
 Player &LiveTest::playSequence(const Player::Options &options) {
-    sounds_.push_back(std::make_unique<Sequence>());
-    players_.push_back(std::make_unique<Player>(client, *sounds_.back(), options));
-    players_.back()->waitUntilRunning();
-    return *players_.back();
+    return play(std::make_unique<Sequence>(), options);
 }
 
-Player &LiveTest::playTone(double levelDB, const Player::Options &options, bool onRight) {
-    sounds_.push_back(std::make_unique<Tone>(1000.0, levelDB, options.sampleRate, onRight));
+Player &LiveTest::playTone(double levelDB) {
+    return play(std::make_unique<Tone>(1000.0, levelDB, 48000.0), {});
+}
+
+Player &LiveTest::play(std::unique_ptr<Sound> sound, const Player::Options &options) {
+    sounds_.push_back(std::move(sound));
     players_.push_back(std::make_unique<Player>(client, *sounds_.back(), options));
     players_.back()->waitUntilRunning();
     return *players_.back();

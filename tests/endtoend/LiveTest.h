@@ -61,8 +61,8 @@ class LiveTest : public testing::Test {
     /// An application that plays a sequence of its own, and returns when it is heard somewhere.
     Player &playSequence(const Player::Options &options = {});
 
-    /// The same for a tone of 1 kHz, on both channels or on the left one alone.
-    Player &playTone(double levelDB, const Player::Options &options = {}, bool onRight = true);
+    /// As `playSequence`, with a tone of 1 kHz.
+    Player &playTone(double levelDB);
 
     /// The player that was started last ends.
     void closePlayer() { players_.pop_back(); }
@@ -111,6 +111,8 @@ class LiveTest : public testing::Test {
     GraphClient client;
 
   private:
+    Player &play(std::unique_ptr<Sound> sound, const Player::Options &options);
+
     std::vector<std::unique_ptr<Sound>> sounds_;
     std::vector<std::unique_ptr<Player>> players_;
     std::vector<std::unique_ptr<Recorder>> recorders_;

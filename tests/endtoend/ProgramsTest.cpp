@@ -48,24 +48,6 @@ TEST_F(Programs, AreLeftAloneFromTheFirstBlock) {
     stopLive(live);
 }
 
-TEST_F(Programs, AloneAreProcessedIfTheUserWantsThat) {
-    ProgramRules rules = defaults();
-    rules.processesOthers = false;
-    rules.processesCalls = true;
-    rules.rules = {{.program = {.name = "music"}}};
-    write(rules);
-    Recorder &speakers = record("speakers");
-    auto live = startLive(twelveDBLower());
-    for (const auto &[options, heard] :
-         {std::pair(program("music"), Heard::processed), std::pair(program("game"), Heard::dry),
-          std::pair(program("telephone", "Communication"), Heard::processed)}) {
-        playSequence(options);
-        EXPECT_TRUE(soonHears(speakers, heard)) << options.name;
-        closePlayer();
-    }
-    stopLive(live);
-}
-
 TEST_F(Programs, WithADamagedFileAreNotProcessed) {
     create_directories(server.settingsFolder());
     std::ofstream(server.settingsFolder() / "programs.json") << R"({"version":1,"calls":"yes"})";

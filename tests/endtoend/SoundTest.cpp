@@ -1,8 +1,6 @@
-#include "endtoend/DelayProbe.h"
 #include "endtoend/LiveTest.h"
 #include "soundserver/ProcessUsage.h"
 #include "support/soundserver/ControlProgram.h"
-#include "support/soundserver/LateDevice.h"
 #include "support/soundserver/StallWitness.h"
 
 #include <fmt/format.h>
@@ -32,42 +30,6 @@ class Sound : public LiveTest, public testing::WithParamInterface<std::tuple<std
         closePlayer();
         return report;
     }
-};
-
-/// Tells the moments of a recording that say something about us from those in which the machine
-/// stood still or the recorder missed a cycle.
-class Disturbances {
-  public:
-    Disturbances(const StallWitness &witness, const Recording &heard, int quantum)
-        : heard_(heard), stalls_(witness.stalls()),
-          margin_(std::max<std::uint64_t>(20'000'000, 2'500'000'000ULL * quantum / 48000)) {
-        for (const std::size_t frame : heard.framesAfterGaps())
-            stalls_.push_back({heard.nanosecondsOf(frame), heard.nanosecondsOf(frame)});
-    }
-
-    [[nodiscard]] bool none() const { return stalls_.empty(); }
-
-    /// Or comes soon after or before one: a cycle that was lost is silent, and the sequence jumps
-    /// where the next sound comes out, up to two cycles later.
-    [[nodiscard]] bool include(std::size_t frame) const {
-        const std::uint64_t when = heard_.nanosecondsOf(frame);
-        return std::ranges::any_of(stalls_, [&](const StallWitness::Stall &stall) {
-            return when + margin_ >= stall.begin && when <= stall.end + margin_;
-        });
-    }
-
-    [[nodiscard]] double undisturbedSeconds() const {
-        constexpr std::size_t step = 48;
-        std::size_t undisturbed = 0;
-        for (std::size_t frame = 0; frame < heard_.frames(); frame += step)
-            undisturbed += include(frame) ? 0 : step;
-        return static_cast<double>(undisturbed) / 48000.0;
-    }
-
-  private:
-    const Recording &heard_;
-    std::vector<StallWitness::Stall> stalls_;
-    std::uint64_t margin_; ///< nanoseconds
 };
 
 INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
@@ -115,15 +77,6 @@ TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     EXPECT_GE(undisturbed, seconds) << "this machine stops too often";
 }
 
-TEST_P(Sound, TheLimiterLooksAheadAndNothingElseAddsToTheDelay) {
-    const auto direct = DelayProbe(client, device(), device()).delays(20);
-    const auto live = startLive(LiveSettings::flat(), onDevice());
-    DelayProbe probe(client, device(), "");
-    ASSERT_TRUE(soonPlaysInto("probe", {tapName(*live)}));
-    ASSERT_EQ(direct.size(), 1U);
-    EXPECT_EQ(probe.delays(20), std::set{*direct.begin() + limiterDelayFrames});
-}
-
 TEST_F(LiveTest, AServerThatIsHeldUpCostsWholeCycles) {
     constexpr int quantum = 256;
     server.forceQuantum(quantum);
@@ -144,30 +97,6 @@ TEST_F(LiveTest, AServerThatIsHeldUpCostsWholeCycles) {
             EXPECT_EQ(report.lost % quantum, 0) << milliseconds << " ms: " << report;
         }
     }
-}
-
-class Delay : public LiveTest {};
-
-TEST_F(Delay, ApplicationsAreToldTheLatencyOfTheDeviceBehindUs) {
-    const LateDevice wireless(client, "wireless", 9600);
-    const Player &player = playSequence();
-    const auto live = startLive(LiveSettings::flat(), {"--device", "wireless"});
-    const auto isTold = [&] {
-        return comesTrue(
-            2.0, [&] { return std::abs(player.reportedDelay() - 9600 - limiterDelayFrames) <= 1; });
-    };
-    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
-    EXPECT_TRUE(isTold()) << player.reportedDelay();
-    const auto serial = [&] {
-        const ServerState state = server.state();
-        const Node *tap = state.node(tapName(*live));
-        return tap == nullptr ? "" : tap->property("object.serial");
-    };
-    const std::string first = serial();
-    server.destroyNode(tapName(*live));
-    ASSERT_TRUE(comesTrue(2.0, [&] { return !serial().empty() && serial() != first; }));
-    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
-    EXPECT_TRUE(isTold()) << "by another tap: " << player.reportedDelay();
 }
 
 class Rate : public LiveTest {};
@@ -191,22 +120,6 @@ TEST_F(Rate, FollowsTheGraphToAnotherRateAndBack) {
         EXPECT_LT(residueDB(recording.left, 1000.0, 48000.0), -70.0) << rate;
         EXPECT_EQ(lossLines(*live).size(), linesBefore) << lossLines(*live).back();
     }
-}
-
-TEST_F(Rate, TheDelayIsTheSameAfterAnotherRate) {
-    const auto direct = DelayProbe(client, "speakers", "").delays(10);
-    ASSERT_EQ(direct.size(), 1U);
-    const std::set<std::int64_t> processed{*direct.begin() + limiterDelayFrames};
-    const auto live = startLive(LiveSettings::flat());
-    playTone(-60.0); // so that cycles of sound run on from rate to rate
-    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
-    EXPECT_EQ(DelayProbe(client, "speakers", "").delays(10), processed);
-    const Recorder &recorder = record("speakers");
-    for (const int rate : {44100, 48000}) {
-        server.forceSampleRate(rate);
-        recorder.skip(1.0);
-    }
-    EXPECT_EQ(DelayProbe(client, "speakers", "").delays(10), processed);
 }
 
 class Level : public LiveTest {};

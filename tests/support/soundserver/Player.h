@@ -15,18 +15,25 @@ namespace quorbel::soundserver {
 class Player : public ClientStream {
   public:
     struct Options {
-        Options(std::string applicationName = "player", std::string device = "", int rate = 48000)
-            : name(std::move(applicationName)), target(std::move(device)), sampleRate(rate) {}
+        Options(std::string applicationName = "player", std::string device = "")
+            : name(std::move(applicationName)), target(std::move(device)) {}
 
         std::string name;
         std::string target; ///< a device that the application insists on; empty for the default
-        int sampleRate;
-        int channels = 2;                                ///< those beyond the second are silent
+        int channels = 2;   ///< those beyond the second are silent
         std::map<std::string, std::string> properties{}; ///< more of the stream
     };
 
     Player(GraphClient &client, Sound &sound) : Player(client, sound, Options{}) {}
-    Player(GraphClient &client, Sound &sound, const Options &options);
+    Player(GraphClient &client, Sound &sound, const Options &options)
+        : ClientStream(client, options.name), sound_(sound) {
+        pw_properties *properties = pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Playback", nullptr);
+        if (!options.target.empty())
+            pw_properties_set(properties, PW_KEY_TARGET_OBJECT, options.target.c_str());
+        for (const auto &[key, value] : options.properties)
+            pw_properties_set(properties, key.c_str(), value.c_str());
+        connect(PW_DIRECTION_OUTPUT, properties, 48000, options.channels);
+    }
     ~Player() override { disconnect(); }
 
   private:

@@ -178,8 +178,6 @@ std::uint32_t CardOutput::process(const Cycle &, std::span<float *const> channel
         peak = std::max(peak, std::abs(channels[0][frame]));
     if (peak > peak_)
         peak_ = peak;
-    if (frames > 0)
-        lastSample_ = channels[0][frames - 1];
     return frames;
 }
 

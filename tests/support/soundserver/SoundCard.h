@@ -65,14 +65,39 @@ class CardOutput : public ClientStream {
 
     /// The largest sample since this was asked last.
     [[nodiscard]] float takePeak() { return peak_.exchange(0.0F); }
-    /// The last frame's value on the left channel.
-    [[nodiscard]] float lastSample() const { return lastSample_; }
 
   private:
     std::uint32_t process(const Cycle &, std::span<float *const> channels,
                           std::uint32_t frames) noexcept override;
 
     std::atomic<float> peak_{0.0F};
+};
+
+/// An output device that says it is heard late, as wireless ones do, and whose ports come a moment
+/// after its node.
+class LateDevice : public ClientStream {
+  public:
+    LateDevice(GraphClient &client, const std::string &name, int latencyFrames)
+        : ClientStream(client, name) {
+        connect(PW_DIRECTION_INPUT,
+                pw_properties_new(PW_KEY_MEDIA_CLASS, "Audio/Sink", PW_KEY_NODE_DESCRIPTION,
+                                  name.c_str(), nullptr),
+                48000);
+        announceLatency(latencyFrames);
+    }
+    ~LateDevice() override { disconnect(); }
+
+    /// The last frame's value on the left channel.
+    [[nodiscard]] float lastSample() const { return lastSample_; }
+
+  private:
+    std::uint32_t process(const Cycle &, std::span<float *const> channels,
+                          std::uint32_t frames) noexcept override {
+        if (frames > 0)
+            lastSample_ = channels[0][frames - 1];
+        return frames;
+    }
+
     std::atomic<float> lastSample_{0.0F};
 };
 

@@ -45,23 +45,22 @@ class Sequence : public Sound {
     std::int64_t next_ = 0;
 };
 
-/// A sine, on both channels or on the left one alone.
+/// A sine on both channels.
 class Tone : public Sound {
   public:
-    Tone(double hz, double levelDB, double sampleRate, bool onRight = true)
-        : onRight_(onRight), step_(2.0 * std::numbers::pi * hz / sampleRate),
+    Tone(double hz, double levelDB, double sampleRate)
+        : step_(2.0 * std::numbers::pi * hz / sampleRate),
           amplitude_(std::pow(10.0, levelDB / 20.0)) {}
 
     void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
         for (std::uint32_t frame = 0; frame < frames; ++frame) {
             left[frame] = static_cast<float>(amplitude_ * std::sin(phase_));
-            right[frame] = onRight_ ? left[frame] : 0.0F;
+            right[frame] = left[frame];
             phase_ = std::remainder(phase_ + step_, 2.0 * std::numbers::pi);
         }
     }
 
   private:
-    bool onRight_;
     double step_;
     double amplitude_;
     double phase_ = 0.0;

@@ -2,6 +2,7 @@
 
 #include "soundserver/Waiting.h"
 
+#include <algorithm>
 #include <pthread.h>
 #include <sched.h>
 
@@ -44,6 +45,28 @@ void StallWitness::watch(int processor) {
                                static_cast<std::uint64_t>(now.time_since_epoch().count())});
         }
     }
+}
+
+Disturbances::Disturbances(const StallWitness &witness, const Recording &heard, int quantum)
+    : heard_(heard), stalls_(witness.stalls()),
+      margin_(std::max<std::uint64_t>(20'000'000, 2'500'000'000ULL * quantum / 48000)) {
+    for (const std::size_t frame : heard.framesAfterGaps())
+        stalls_.push_back({heard.nanosecondsOf(frame), heard.nanosecondsOf(frame)});
+}
+
+bool Disturbances::include(std::size_t frame) const {
+    const std::uint64_t when = heard_.nanosecondsOf(frame);
+    return std::ranges::any_of(stalls_, [&](const StallWitness::Stall &stall) {
+        return when + margin_ >= stall.begin && when <= stall.end + margin_;
+    });
+}
+
+double Disturbances::undisturbedSeconds() const {
+    constexpr std::size_t step = 48;
+    std::size_t undisturbed = 0;
+    for (std::size_t frame = 0; frame < heard_.frames(); frame += step)
+        undisturbed += include(frame) ? 0 : step;
+    return static_cast<double>(undisturbed) / 48000.0;
 }
 
 } // namespace quorbel::soundserver

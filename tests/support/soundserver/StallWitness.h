@@ -1,5 +1,7 @@
 #pragma once
 
+#include "soundserver/Recorder.h"
+
 #include <atomic>
 #include <chrono>
 #include <cstdint>
@@ -36,6 +38,24 @@ class StallWitness {
     mutable std::mutex mutex_;
     std::vector<Stall> stalls_;
     std::vector<std::thread> watchers_;
+};
+
+/// The parts of a recording that say nothing about a program under test: the machine stalled, or
+/// the recorder missed a cycle. Both must outlive this object.
+class Disturbances {
+  public:
+    Disturbances(const StallWitness &witness, const Recording &heard, int quantum);
+
+    [[nodiscard]] bool none() const { return stalls_.empty(); }
+    /// True during a disturbance and two cycles before and after it: a lost cycle is silent, and
+    /// the sound jumps where the next one comes out.
+    [[nodiscard]] bool include(std::size_t frame) const;
+    [[nodiscard]] double undisturbedSeconds() const;
+
+  private:
+    const Recording &heard_;
+    std::vector<StallWitness::Stall> stalls_;
+    std::uint64_t margin_; ///< nanoseconds
 };
 
 } // namespace quorbel::soundserver

@@ -1,0 +1,124 @@
+#include "endtoend/LiveTest.h"
+#include "support/soundserver/SoundCard.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <set>
+#include <utility>
+
+namespace quorbel {
+namespace {
+
+/// Lookahead of the limiter; nothing else of ours delays the sound.
+constexpr std::int64_t limiterDelayFrames = 62;
+
+/// Measures how long sound takes from an application to a device's monitor, in frames of the
+/// graph's clock. Player and recorder run in the same cycles of the same clock, so that the figures
+/// are exact.
+class DelayProbe {
+  public:
+    /// The application plays on `target`, or on the default where that is empty.
+    DelayProbe(GraphClient &client, const std::string &device, const std::string &target)
+        : recorder_(client, device, 60.0), player_(client, impulses_, {"probe", target}) {}
+
+    /// The different delays of the next `count` impulses; one, if sound flows evenly. Begins again
+    /// where the machine lost a cycle of the recorder's. Throws `ServerError` if the impulses do
+    /// not arrive.
+    std::set<std::int64_t> delays(std::size_t count) {
+        player_.waitUntilRunning();
+        std::size_t played = impulses_.positions().size() + settling;
+        std::size_t start = recorder_.frames();
+        std::set<std::int64_t> found;
+        waitFor("the impulses arrive", 20.0, [&] {
+            const Recording heard = recorder_.recording(start);
+            const auto sent = impulses_.positions();
+            if (!heard.framesAfterGaps().empty()) {
+                played = sent.size() + settling;
+                start = recorder_.frames();
+                return false;
+            }
+            std::size_t arrived = 0;
+            found.clear();
+            for (std::size_t frame = 0; frame < heard.frames(); ++frame) {
+                if (heard.left[frame] > Impulses::height / 2) {
+                    const auto position = static_cast<std::int64_t>(heard.positionOf(frame));
+                    // The last one that was sent before: impulses are further apart than any delay.
+                    const auto after = std::ranges::upper_bound(sent, heard.positionOf(frame));
+                    if (after - sent.begin() > static_cast<std::ptrdiff_t>(played)) {
+                        found.insert(position - static_cast<std::int64_t>(*std::prev(after)));
+                        ++arrived;
+                    }
+                }
+            }
+            return arrived >= count;
+        });
+        return found;
+    }
+
+  private:
+    static constexpr std::uint32_t interval = 4801; // falls on every place within a cycle
+    static constexpr std::size_t settling = 3;      // impulses after the start that do not count
+
+    Impulses impulses_{interval};
+    Recorder recorder_;
+    Player player_;
+};
+
+class Delay : public LiveTest {};
+
+TEST_F(Delay, IsTheLimitersLookaheadOnEveryDeviceAndQuantum) {
+    for (const auto &[device, quantum] :
+         {std::pair("speakers", 1024), std::pair("speakers", 64), std::pair("hdmi", 256)}) {
+        SCOPED_TRACE(testing::Message() << device << " at " << quantum);
+        server.forceQuantum(quantum);
+        const auto direct = DelayProbe(client, device, device).delays(20);
+        auto live = startLive(LiveSettings::flat(), {"--device", device});
+        DelayProbe probe(client, device, "");
+        ASSERT_TRUE(soonPlaysInto("probe", {tapName(*live)}));
+        ASSERT_EQ(direct.size(), 1U);
+        EXPECT_EQ(probe.delays(20), std::set{*direct.begin() + limiterDelayFrames});
+        stopLive(live);
+    }
+}
+
+TEST_F(Delay, ApplicationsAreToldTheLatencyOfTheDeviceBehindUs) {
+    const LateDevice wireless(client, "wireless", 9600);
+    const Player &player = playSequence();
+    const auto live = startLive(LiveSettings::flat(), {"--device", "wireless"});
+    const auto isTold = [&] {
+        return comesTrue(
+            2.0, [&] { return std::abs(player.reportedDelay() - 9600 - limiterDelayFrames) <= 1; });
+    };
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    EXPECT_TRUE(isTold()) << player.reportedDelay();
+    const auto serial = [&] {
+        const ServerState state = server.state();
+        const Node *tap = state.node(tapName(*live));
+        return tap == nullptr ? "" : tap->property("object.serial");
+    };
+    const std::string first = serial();
+    server.destroyNode(tapName(*live));
+    ASSERT_TRUE(comesTrue(2.0, [&] { return !serial().empty() && serial() != first; }));
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    EXPECT_TRUE(isTold()) << "by another tap: " << player.reportedDelay();
+}
+
+TEST_F(Delay, IsTheSameAfterAnotherRate) {
+    const auto direct = DelayProbe(client, "speakers", "").delays(10);
+    ASSERT_EQ(direct.size(), 1U);
+    const std::set<std::int64_t> processed{*direct.begin() + limiterDelayFrames};
+    const auto live = startLive(LiveSettings::flat());
+    playTone(-60.0); // so that cycles of sound run on from rate to rate
+    ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
+    EXPECT_EQ(DelayProbe(client, "speakers", "").delays(10), processed);
+    const Recorder &recorder = record("speakers");
+    for (const int rate : {44100, 48000}) {
+        server.forceSampleRate(rate);
+        recorder.skip(1.0);
+    }
+    EXPECT_EQ(DelayProbe(client, "speakers", "").delays(10), processed);
+}
+
+} // namespace
+} // namespace quorbel
