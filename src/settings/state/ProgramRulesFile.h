@@ -15,7 +15,8 @@ namespace quorbel {
 ///                   "program":{"applicationID":"","binary":"games","name":"","sandbox":""},
 ///                   "title":""}],"version":1}
 ///
-/// Keys that this version does not know are kept, at the top and in each entry of `programs`.
+/// Keys that this version does not know are kept: at the top, in each entry of `programs` and in
+/// its `program`.
 class ProgramRulesFile {
   public:
     /// The rules of a missing file until `read`: all but calls are processed.
@@ -34,8 +35,8 @@ class ProgramRulesFile {
     [[nodiscard]] const std::string &path() const { return file_.path(); }
 
     /// Replaces the rules by `next`, except those that another program has changed since the last
-    /// reading and `next` has not. Returns the warning of `read`. Throws SettingsFileError,
-    /// EncodingError and FileReplacementError; the file is then as it was.
+    /// reading and `next` has not. Returns a warning if a damaged file had to be set aside. Throws
+    /// SettingsFileError, EncodingError and FileReplacementError; the file is then as it was.
     std::optional<std::string> write(const ProgramRules &next);
 
   private:

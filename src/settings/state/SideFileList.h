@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -41,6 +43,28 @@ template <class Record, class Key>
     return theirs;
 }
 
+template <class Value> struct WithoutOptional { using Type = Value; };
+template <class Value> struct WithoutOptional<std::optional<Value>> { using Type = Value; };
+
+/// Copies the keys of `former` that this version does not know into `encoded`, the JSON of a
+/// Record. Does the same for records inside the record, but not for those in its lists.
+template <class Record>
+void keepUnknownKeys(const nlohmann::json &former, nlohmann::json &encoded) {
+    nlohmann::json unknown = former;
+    const auto visitField = [&](const auto &field) {
+        unknown.erase(field.key);
+        visitMember(field, [&]<class Value>(Value Record::*) {
+            using Inner = typename WithoutOptional<Value>::Type;
+            if constexpr (requires { RecordFields<Inner>::all; })
+                if (former.contains(field.key) && former[field.key].is_object() &&
+                    encoded.contains(field.key))
+                    keepUnknownKeys<Inner>(former[field.key], encoded[field.key]);
+        });
+    };
+    std::apply([&](const auto &...field) { (visitField(field), ...); }, RecordFields<Record>::all);
+    encoded.update(unknown);
+}
+
 /// JSON of the records. Each keeps the keys unknown here of the entry with its key among `entries`,
 /// which decode to `decodedEntries`.
 template <class Record, class Key>
@@ -49,13 +73,11 @@ template <class Record, class Key>
                                          const std::vector<Record> &decodedEntries, Key key) {
     nlohmann::json list = nlohmann::json::array();
     for (const Record &record : records) {
-        nlohmann::json encoded = nlohmann::json::object();
-        for (std::size_t i = 0; i < decodedEntries.size(); ++i)
-            if (std::invoke(key, decodedEntries[i]) == std::invoke(key, record))
-                encoded = entries[i];
-        const auto eraseKnown = [&](const auto &...field) { (encoded.erase(field.key), ...); };
-        std::apply(eraseKnown, RecordFields<Record>::all);
-        encoded.update(parseJson(encodeRecord(record)));
+        nlohmann::json encoded = parseJson(encodeRecord(record));
+        const auto known = std::ranges::find(decodedEntries, std::invoke(key, record), key);
+        if (known != decodedEntries.end())
+            keepUnknownKeys<Record>(
+                entries[static_cast<std::size_t>(known - decodedEntries.begin())], encoded);
         list.push_back(std::move(encoded));
     }
     return list;
