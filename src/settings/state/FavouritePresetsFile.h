@@ -32,8 +32,8 @@ class FavouritePresetsFile {
     std::optional<std::string> read();
 
     /// Replaces the favourites with `next`, but for those that another program has added or removed
-    /// since the last reading. Returns the warning of `read`. Throws SettingsFileError and
-    /// FileReplacementError; the file is then as it was.
+    /// since the last reading. Returns a warning if a damaged file had to be set aside. Throws
+    /// SettingsFileError and FileReplacementError; the file is then as it was.
     std::optional<std::string> write(const std::vector<Uuid> &next);
 
   private:

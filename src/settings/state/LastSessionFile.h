@@ -32,8 +32,8 @@ class LastSessionFile {
     /// or was written by a later version: it is left as it is.
     std::optional<std::string> read();
 
-    /// Replaces the content. Returns the warning of `read`. Throws SettingsFileError and
-    /// FileReplacementError; the file is then as it was.
+    /// Replaces the content. Returns a warning if a damaged file had to be set aside. Throws
+    /// SettingsFileError and FileReplacementError; the file is then as it was.
     std::optional<std::string> write(const LastSession &next);
 
   private:

@@ -38,8 +38,9 @@ class OutputProfilesFile {
     bool takeChanges(std::vector<OutputProfile> &ours);
 
     /// Replaces the profiles with `next`, but for those that another program has changed since the
-    /// last reading and `next` has not. Returns the warning of `read`. Throws SettingsFileError,
-    /// EncodingError and FileReplacementError; the file is then as it was.
+    /// last reading and `next` has not. Returns a warning if a damaged file had to be set aside.
+    /// Throws SettingsFileError, EncodingError and FileReplacementError; the file is then as it
+    /// was.
     std::optional<std::string> write(const std::vector<OutputProfile> &next);
 
   private:

@@ -53,8 +53,8 @@ class PresetGainsFile {
     [[nodiscard]] const std::string &path() const { return file_.path(); }
 
     /// Writes `gains`, unless they are those of the file as last seen, and takes over what another
-    /// program has changed since. Returns the warning of `read`. Throws SettingsFileError and
-    /// FileReplacementError; the file is then as it was.
+    /// program has changed since. Returns a warning if a damaged file had to be set aside. Throws
+    /// SettingsFileError and FileReplacementError; the file is then as it was.
     std::optional<std::string> write();
 
   private:

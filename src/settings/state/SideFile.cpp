@@ -45,6 +45,13 @@ json SideFile::readDocument() const {
 void SideFile::peek(const Decode &decode) const { decode(readDocument()); }
 
 std::optional<std::string> SideFile::read(const Decode &decode) {
+    auto warning = readOrSetAside(decode);
+    if (warning)
+        *warning += " " + kind_.consequence;
+    return warning;
+}
+
+std::optional<std::string> SideFile::readOrSetAside(const Decode &decode) {
     try {
         json document = readDocument();
         decode(document);
@@ -56,15 +63,14 @@ std::optional<std::string> SideFile::read(const Decode &decode) {
             throw SettingsFileError(path_ + ": " + moved.error.message());
         *document_ = json::object();
         decode(*document_);
-        return kind_.content + " were unreadable and were set aside as " + moved.name + ". " +
-               kind_.consequence;
+        return kind_.content + " were unreadable and were set aside as " + moved.name + ".";
     }
 }
 
 std::optional<std::string> SideFile::update(const Decode &decode, const Encode &encode) {
     requireFileOrNothing(path_);
     const SettingsFileLock lock(path_);
-    auto warning = read(decode);
+    auto warning = readOrSetAside(decode);
     json next = *document_;
     next["version"] = kind_.version;
     encode(next);

@@ -17,10 +17,10 @@ class SideFile {
     struct Kind {
         std::string name;     ///< of the file, without ".json"
         unsigned version = 1; ///< the newest that this program reads, and the one it writes
-        /// The content in the warning of a damaged file, as in "The favourite presets were
-        /// unreadable and were set aside as … No preset is a favourite now."
+        /// Content and consequence in the warning of a damaged file, as in "The favourite presets
+        /// were unreadable and were set aside as … No preset is a favourite now."
         std::string content;
-        std::string consequence;
+        std::string consequence; ///< left out by `update`, which writes the values again
     };
 
     /// Reads the values of a document. Throws DecodingError, and then leaves the values as they
@@ -46,12 +46,14 @@ class SideFile {
     std::optional<std::string> read(const Decode &decode);
 
     /// Reads the file as `read` does, so that another program's changes can be merged, and replaces
-    /// it with what `encode` makes of the document. Other programs wait meanwhile. Throws
-    /// SettingsFileError and FileReplacementError; the file is then as it was.
+    /// it with what `encode` makes of the document. Other programs wait meanwhile. Returns a
+    /// warning for the user if a damaged file had to be set aside. Throws SettingsFileError and
+    /// FileReplacementError; the file is then as it was.
     std::optional<std::string> update(const Decode &decode, const Encode &encode);
 
   private:
     [[nodiscard]] nlohmann::json readDocument() const;
+    std::optional<std::string> readOrSetAside(const Decode &decode);
 
     Kind kind_;
     std::string path_;
