@@ -1,7 +1,6 @@
 // Reading and writing of the settings file.
 
 #include "settings/files/FileReplacement.h"
-#include "settings/files/MoveAside.h"
 #include "settings/files/SettingsFileLock.h"
 #include "settings/presets/FactoryPresets.h"
 #include "settings/records/json/SettingsCoding.h"

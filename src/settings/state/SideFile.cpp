@@ -1,7 +1,6 @@
 #include "settings/state/SideFile.h"
 
 #include "settings/files/FileReplacement.h"
-#include "settings/files/MoveAside.h"
 #include "settings/files/SettingsFileLock.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/CodingError.h"
