@@ -8,7 +8,7 @@
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/CodingError.h"
 #include "settings/records/json/JsonLiterals.h"
-#include "settings/state/SettingsMerge.h"
+#include "settings/state/SharedSettingsFile.h"
 
 #include <fmt/format.h>
 

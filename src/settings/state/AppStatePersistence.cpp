@@ -5,7 +5,7 @@
 #include "settings/presets/FactoryPresets.h"
 #include "settings/records/json/SettingsCoding.h"
 #include "settings/state/AppState.h"
-#include "settings/state/SettingsMerge.h"
+#include "settings/state/SharedSettingsFile.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "ui/model/HistoryModel.h"
 
-#include "settings/state/SettingsMerge.h"
+#include "settings/state/SharedSettingsFile.h"
 #include "ui/model/UserPresets.h"
 
 #include <algorithm>

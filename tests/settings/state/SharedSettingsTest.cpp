@@ -2,7 +2,6 @@
 #include "settings/files/SettingsFileLock.h"
 #include "settings/state/AppStateFixture.h"
 #include "settings/state/FileWatch.h"
-#include "settings/state/SettingsMerge.h"
 #include "settings/state/SharedSettingsFile.h"
 
 #include <QCoreApplication>
