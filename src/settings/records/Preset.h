@@ -1,16 +1,31 @@
 #pragma once
 
-#include "settings/records/Date.h"
 #include "settings/records/EQBand.h"
 #include "settings/records/SpatialConfig.h"
 #include "settings/records/Uuid.h"
 
 #include <array>
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace quorbel {
+
+/// A moment, to the precision of a double.
+struct Date {
+    double secondsSince2001 = 0.0; ///< since 1 January 2001 00:00 UTC, as the settings file counts
+
+    friend constexpr bool operator==(const Date &, const Date &) = default;
+
+    /// 1 January 1970 00:00 UTC.
+    [[nodiscard]] static constexpr Date unixEpoch() { return {-978307200.0}; }
+    [[nodiscard]] static Date now() {
+        const std::chrono::duration<double> sinceUnixEpoch =
+            std::chrono::system_clock::now().time_since_epoch();
+        return {unixEpoch().secondsSince2001 + sinceUnixEpoch.count()};
+    }
+};
 
 /// A named snapshot of the bands and the spatial settings.
 struct Preset {

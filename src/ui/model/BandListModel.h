@@ -1,7 +1,7 @@
 #pragma once
 
 #include "effects/EQProcessor.h"
-#include "settings/records/BandLimits.h"
+#include "settings/records/EQBand.h"
 #include "ui/model/RecordListModel.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #include "settings/records/json/SettingPath.h"
 
-#include "settings/records/BandLimits.h"
+#include "settings/records/EQBand.h"
 #include "settings/records/json/RecordDecoder.h"
 #include "settings/records/json/RecordEncoder.h"
 
