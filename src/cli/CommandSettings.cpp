@@ -1,7 +1,6 @@
 #include "cli/CommandSettings.h"
 
 #include "cli/CommandError.h"
-#include "cli/PeekedFile.h"
 #include "settings/files/SettingsFileLock.h"
 #include "settings/presets/FactoryPresets.h"
 #include "settings/presets/PresetChoice.h"

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "cli/CommandError.h"
 #include "engine/ChainSettings.h"
 #include "platform/core/Programs.h"
 #include "settings/records/Persisted.h"
+#include "settings/records/SettingsFile.h"
+#include "settings/records/json/CodingError.h"
 #include "settings/state/PresetGainsFile.h"
 #include "settings/state/ProgramRulesFile.h"
 #include "settings/state/SharedSettingsFile.h"
@@ -65,5 +68,17 @@ class UserSettings {
     PresetGainsFile gainsFile_;
     Persisted asRead_;
 };
+
+/// Reads a file beside the settings file, which is left as it is. Throws CommandError for one that
+/// cannot be read or decoded. `File` has `peek` and `path`, as PresetGainsFile has.
+template <class File> void peekOrError(File &file) {
+    try {
+        file.peek();
+    } catch (const SettingsFileError &error) {
+        throw CommandError(error.what());
+    } catch (const DecodingError &error) {
+        throw CommandError(file.path() + ": " + error.what());
+    }
+}
 
 } // namespace quorbel

@@ -1,6 +1,6 @@
 #include "cli/LiveProfiles.h"
 
-#include "cli/PeekedFile.h"
+#include "cli/CommandSettings.h"
 #include "engine/AudioEngine.h"
 #include "settings/records/SettingsFile.h"
 #include "settings/records/json/CodingError.h"
