@@ -3,7 +3,6 @@
 #include "cli/Commands.h"
 #include "cli/ControlledLive.h"
 #include "cli/LiveMeter.h"
-#include "cli/LiveProfiles.h"
 #include "cli/SoundServer.h"
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"
