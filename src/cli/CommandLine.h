@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/Command.h"
+#include "cli/Commands.h"
 
 #include <memory>
 #include <vector>
