@@ -1,8 +1,8 @@
 #include "cli/CommandError.h"
 #include "cli/Commands.h"
 #include "cli/PrintableText.h"
-#include "remote/ProgramActivation.h"
 #include "remote/RemoteClient.h"
+#include "remote/SessionBus.h"
 #include "settings/records/SettingSchema.h"
 #include "settings/records/json/JsonLiterals.h"
 

@@ -1,11 +1,16 @@
 #include "remote/SessionBus.h"
 
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QVariantMap>
+
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <future>
 #include <mutex>
+#include <stdexcept>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -91,6 +96,27 @@ SessionBusConnector::~SessionBusConnector() {
     const std::lock_guard guard(shared_->mutex);
     shared_->clock = nullptr;
     shared_->use = [](const QDBusConnection &) {};
+}
+
+void resumeProgram() {
+    constexpr int timeoutMilliseconds = 30000; // a session that starts is busy
+    const QString connectionName = QStringLiteral("ostrafine-activation");
+    QDBusConnection bus = connectToSessionBus(connectionName);
+    if (!bus.isConnected())
+        throw std::runtime_error("no session bus answers, so Ostrafine cannot be started");
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(activation::service, activation::path, activation::interface,
+                                       QStringLiteral("ActivateAction"));
+    message << activation::resumeAction << QVariantList() << QVariantMap();
+    const QDBusMessage reply = bus.call(message, QDBus::Block, timeoutMilliseconds);
+    QDBusConnection::disconnectFromBus(connectionName);
+    if (reply.type() == QDBusMessage::ReplyMessage)
+        return;
+    if (QDBusError(reply).type() == QDBusError::ServiceUnknown)
+        throw std::runtime_error("Ostrafine is not installed: the session bus knows no service " +
+                                 activation::service.toStdString());
+    throw std::runtime_error("Ostrafine could not be started: " +
+                             reply.errorMessage().toStdString());
 }
 
 } // namespace quorbel

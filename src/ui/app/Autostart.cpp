@@ -1,6 +1,6 @@
 #include "ui/app/Autostart.h"
 
-#include "remote/ProgramActivation.h"
+#include "remote/SessionBus.h"
 #include "settings/files/FileReplacement.h"
 #include "settings/files/TextFile.h"
 #include "settings/records/SettingsFile.h"

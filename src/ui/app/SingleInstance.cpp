@@ -1,6 +1,6 @@
 #include "ui/app/SingleInstance.h"
 
-#include "remote/ProgramActivation.h"
+#include "remote/SessionBus.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
