@@ -94,7 +94,7 @@ struct ChannelLevels {
     }
 };
 
-/// A machine whose default device has so many channels.
+/// A machine whose default device has the parameter's number of channels.
 class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
   protected:
     static constexpr double levelDB = -24.0;
@@ -145,14 +145,14 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
         return last;
     }
 
-    /// Whether an application comes to be heard in one of these ways with a gain.
+    /// Waits until an application is heard with one of these levels, changed by a gain.
     [[nodiscard]] testing::AssertionResult soonSoundsLike(const std::vector<ChannelLevels> &wanted,
                                                           const Application &application,
                                                           double gainDB = -12.0) const {
         ChannelLevels heard;
         const std::size_t begin = recorder.frames();
         const bool came = comesTrue(2.5, [&] {
-            // Not what was heard before, which may have been the same.
+            // Only sound from after this call: older sound may have had the same levels.
             if (recorder.frames() < begin + static_cast<std::size_t>(48000 * windowSeconds))
                 return false;
             heard = levelsOf(application);
@@ -166,7 +166,7 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
                                            << ", without us as " << testing::PrintToString(wanted);
     }
 
-    /// Has surround sound processed too, in stereo.
+    /// Adds the rule that processes surround sound too, in stereo.
     void mixSurroundToStereo() const {
         ProgramRulesFile file(server.settingsFolder() / "state.json");
         ProgramRules rules = file.rules();

@@ -7,11 +7,11 @@
 namespace quorbel {
 namespace {
 
-/// Processing survives changes of the desktop's sound or comes back by itself.
+/// Processing survives changes of the desktop's sound, or resumes without the user.
 class Comeback : public LiveTest {
   protected:
-    /// The machine's devices and one application, as they are after the server's return: clients
-    /// of before know nothing of it.
+    /// The devices and one application after the server's return: earlier clients are not connected
+    /// to it.
     struct Afterwards {
         explicit Afterwards(PrivateSoundServer &server) : client(server) {}
         GraphClient client;
@@ -80,7 +80,7 @@ TEST_F(Comeback, OfDestroyedNodesKeepsApplicationsProcessed) {
         EXPECT_LT(longestSeconds(hdmi.recording(onHDMI), Heard::dry), 2.0);
         EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live); }));
         stopLive(live);
-        // By us, or by the watchdog where the server was slow to answer.
+        // Removed by us, or by the watchdog if the server was slow to answer.
         EXPECT_TRUE(comesTrue(1.0, [&] { return !exists(journal()); }));
         EXPECT_TRUE(soonPlaysInto("pinned", {"hdmi"}, 1.0));
     }

@@ -13,18 +13,16 @@ namespace {
 /// Lookahead of the limiter; nothing else of ours delays the sound.
 constexpr std::int64_t limiterDelayFrames = 62;
 
-/// Measures how long sound takes from an application to a device's monitor, in frames of the
-/// graph's clock. Player and recorder run in the same cycles of the same clock, so that the figures
-/// are exact.
+/// Measures the delay from an application to a device's monitor, in frames of the graph's clock. It
+/// is exact: player and recorder run in the same cycles of one clock.
 class DelayProbe {
   public:
     /// The application plays on `target`, or on the default where that is empty.
     DelayProbe(GraphClient &client, const std::string &device, const std::string &target)
         : recorder_(client, device, 60.0), player_(client, impulses_, {"probe", target}) {}
 
-    /// The different delays of the next `count` impulses; one, if sound flows evenly. Begins again
-    /// where the machine lost a cycle of the recorder's. Throws `ServerError` if the impulses do
-    /// not arrive.
+    /// Returns the different delays of the next `count` impulses: one if sound flows evenly. Starts
+    /// over if the recorder missed a cycle. Throws `ServerError` if the impulses do not arrive.
     std::set<std::int64_t> delays(std::size_t count) {
         player_.waitUntilRunning();
         std::size_t played = impulses_.positions().size() + settling;
@@ -43,7 +41,7 @@ class DelayProbe {
             for (std::size_t frame = 0; frame < heard.frames(); ++frame) {
                 if (heard.left[frame] > Impulses::height / 2) {
                     const auto position = static_cast<std::int64_t>(heard.positionOf(frame));
-                    // The last one that was sent before: impulses are further apart than any delay.
+                    // The last impulse sent before it: they are further apart than any delay.
                     const auto after = std::ranges::upper_bound(sent, heard.positionOf(frame));
                     if (after - sent.begin() > static_cast<std::ptrdiff_t>(played)) {
                         found.insert(position - static_cast<std::int64_t>(*std::prev(after)));
@@ -57,8 +55,8 @@ class DelayProbe {
     }
 
   private:
-    static constexpr std::uint32_t interval = 4801; // falls on every place within a cycle
-    static constexpr std::size_t settling = 3;      // impulses after the start that do not count
+    static constexpr std::uint32_t interval = 4801; // falls on every frame of a cycle in turn
+    static constexpr std::size_t settling = 3;      // ignored impulses after the start
 
     Impulses impulses_{interval};
     Recorder recorder_;

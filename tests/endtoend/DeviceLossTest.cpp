@@ -14,7 +14,7 @@ class DeviceLoss : public LiveTest {
         : LiveTest({48000,
                     {{"hdmi", "HDMI"}, {"headphones", "Headphones"}, {"speakers", "Speakers"}}}) {}
 
-    /// Whether the log comes to name a device as the one that is played on.
+    /// Waits until the log names a device as the one that is played on.
     static testing::AssertionResult soonSaysDevice(const LiveProcess &live,
                                                    const std::string &description) {
         if (comesTrue(2.0, [&] { return saidDevice(live) == description; }))
@@ -24,7 +24,7 @@ class DeviceLoss : public LiveTest {
 };
 
 TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
-    // The server falls back to the default of before; the lowest id would be the wrong guess.
+    // The server falls back to the earlier default; the lowest id would be the wrong guess.
     std::string fallback = "headphones";
     std::string other = "hdmi";
     if (server.state().node(fallback)->id < server.state().node(other)->id)
@@ -66,7 +66,7 @@ TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
         EXPECT_TRUE(soonHearsOn(fallback, Heard::silence));
         server.setDefaultDevice(fallback);
 
-        // A chosen device is taken up again; where none was chosen, the default plays on.
+        // A chosen device is used again; otherwise the current default remains.
         server.addDevice({"speakers", "Speakers"});
         const bool isChosen = !arguments.empty();
         EXPECT_TRUE(soonSaysDevice(*live, isChosen ? "Speakers" : description(fallback)));
@@ -102,7 +102,7 @@ TEST_F(DeviceLoss, EndsWhenTheChosenDeviceReturnsWithPortsThatComeLate) {
 }
 
 TEST_F(DeviceLoss, LetsNoPulseAudioClientHang) {
-    // Their streams come before, while and after the device goes, which takes a moment.
+    // Their streams come before, during and after the removal of the device.
     constexpr int clientsPerTurn = 8;
     const auto live = startLive(twelveDBLower());
     for (int turn = 0; turn < 4; ++turn) {

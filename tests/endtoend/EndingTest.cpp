@@ -9,7 +9,7 @@
 namespace quorbel {
 namespace {
 
-/// However processing ends, everybody's sound is as if it had never begun.
+/// After any end of processing, every application plays as it did before.
 class Ending : public LiveTest {
   protected:
     /// One application that the user has pinned to hdmi, and one that plays wherever the default
@@ -83,7 +83,7 @@ TEST_F(Ending, WhatIsLeftWhenTheWatchdogDiesTooIsPutRightByTheNextStart) {
     for (const pid_t helper : helpers)
         kill(helper, SIGKILL);
     live->process().signal(SIGKILL);
-    // The server itself lets them play on the default device; the user's pin is not forgotten.
+    // The server moves them to the default device; the user's pin remains stored.
     EXPECT_TRUE(soonPlaysInto("pinned", {"speakers"}));
     EXPECT_TRUE(soonPlaysInto("unpinned", {"speakers"}));
     EXPECT_EQ(settledMemory().stored, before.stored);

@@ -5,10 +5,10 @@
 namespace quorbel {
 namespace {
 
-/// The texts that the user reads when it cannot work; and it never hangs.
+/// The texts that the user reads when processing cannot start, without a hang.
 class Failure : public LiveTest {
   protected:
-    /// One line that says it all.
+    /// Expects one line that contains `part`.
     static void expectOneLine(const std::string &errors, const std::string &part) {
         EXPECT_EQ(std::ranges::count(errors, '\n'), 1) << errors;
         EXPECT_NE(errors.find(part), std::string::npos) << errors;

@@ -14,7 +14,7 @@ struct Copy {
     [[nodiscard]] std::string name() const { return "copy-of-" + from; }
 };
 
-/// A stream that brings back what we play is never captured: our sound would go round and grow.
+/// A stream that carries the processed sound is never captured: it would circulate and grow.
 class Feedback : public LiveTest {
   protected:
     static constexpr double levelDB = -20.0;
@@ -31,8 +31,8 @@ class Feedback : public LiveTest {
                 [&] { return !server.state().targetsOf(copy.name()).empty(); });
     }
 
-    /// Level of the loudest 200 ms, in dB of a sine; whole periods of the tone. Shorter, the one
-    /// dry cycle that a new player may play would count.
+    /// Level of the loudest 200 ms (whole periods of the tone), in dB of a sine. A shorter window
+    /// would count the one dry cycle that a new player may play.
     static double loudestDB(const std::vector<float> &samples) {
         constexpr std::size_t window = 9600;
         double loudest = 1e-12;

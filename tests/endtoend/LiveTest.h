@@ -26,7 +26,7 @@ enum class Heard {
     silence,
     dry,       ///< the sequence as it is
     processed, ///< the sequence, 12 dB lower
-    other,     ///< anything else, such as both at once or a mixture over time
+    other,     ///< anything else, such as both at once or in turn
 };
 
 std::ostream &operator<<(std::ostream &out, Heard heard);
@@ -34,16 +34,16 @@ std::ostream &operator<<(std::ostream &out, Heard heard);
 Heard heardAs(float sample);
 Heard heardIn(const Recording &recording);
 
-/// The setting that makes processed sound easy to tell from unprocessed.
+/// Settings whose sound is easy to tell from unprocessed sound.
 inline LiveSettings twelveDBLower() { return LiveSettings::flat(-12.0); }
 
 /// True when the endurance tests run at full length.
 bool slowTestsWanted();
 
-/// Frames of the longest stretch of a recording that was nothing but `kind`, in seconds at 48 kHz.
+/// Length in seconds of a recording's longest stretch of `kind` alone, at 48 kHz.
 double longestSeconds(const Recording &recording, Heard kind);
 
-/// The session's knowledge of the devices that applications play on.
+/// The session's memory of the devices that applications play on.
 struct SessionMemory {
     Metadata routing;
     std::string defaultDevice;
@@ -58,16 +58,16 @@ class LiveTest : public testing::Test {
     explicit LiveTest(const PrivateSoundServer::Options &options = {})
         : sampleRate(options.sampleRate), server(options), client(server) {}
 
-    /// An application that plays a sequence of its own, and returns when it is heard somewhere.
+    /// Starts an application that plays a sequence of its own; returns once it plays.
     Player &playSequence(const Player::Options &options = {});
 
     /// As `playSequence`, with a tone of 1 kHz.
     Player &playTone(double levelDB);
 
-    /// The player that was started last ends.
+    /// Ends the player that was started last.
     void closePlayer() { players_.pop_back(); }
 
-    /// A program of the desktop, "pw-play" or "paplay", that plays a sequence for `seconds`.
+    /// Starts a program of the desktop, "pw-play" or "paplay", that plays a sequence for `seconds`.
     std::unique_ptr<ChildProcess> playWith(const std::string &program, double seconds);
 
     Recorder &record(const std::string &device, double maxSeconds = 120.0);
@@ -79,31 +79,31 @@ class LiveTest : public testing::Test {
     /// Ends processing like Ctrl-C, which must succeed.
     static void stopLive(std::unique_ptr<LiveProcess> &live);
 
-    /// Whether a device comes to play nothing but `wanted`, for `windowSeconds`.
+    /// Waits until a device plays nothing but `wanted` for `windowSeconds`.
     static testing::AssertionResult soonHears(const Recorder &recorder, Heard wanted,
                                               double deadlineSeconds = 2.0,
                                               double windowSeconds = 0.1);
 
-    /// Whether an application comes to play into exactly these nodes.
+    /// Waits until an application plays into exactly these nodes.
     testing::AssertionResult soonPlaysInto(const std::string &application,
                                            const std::vector<std::string> &targets,
                                            double deadlineSeconds = 2.0) const;
 
-    /// Waits until the session manager has written down what it knows, which it does a second late.
+    /// Waits until the session manager has written its state, which it does after a second.
     [[nodiscard]] SessionMemory settledMemory() const;
 
-    /// Whether the session comes to be as it was, with no node of ours left in it.
+    /// Waits until the session is as before, without a node of ours.
     testing::AssertionResult soonIsAsBefore(const SessionMemory &before) const;
 
-    /// The names of our nodes.
+    /// Names of our nodes.
     [[nodiscard]] std::vector<std::string> ourNodes() const;
 
-    /// The file in which we note what is routed.
+    /// The file that lists the routed streams.
     [[nodiscard]] std::filesystem::path journal() const {
         return server.folder() / "run/quorbel/captured";
     }
 
-    /// The once-a-second lines about losses that `live` has printed.
+    /// The lines about losses that `live` has printed, one a second at most.
     static std::vector<std::string> lossLines(const LiveProcess &live);
 
     const int sampleRate;
@@ -118,17 +118,17 @@ class LiveTest : public testing::Test {
     std::vector<std::unique_ptr<Recorder>> recorders_;
 };
 
-/// Whether the session manager will let an application play on `device` when it is next started.
+/// True if the session manager will let the application play on `device` at its next start.
 bool remembersTarget(const StoredStreams &stored, const std::string &application,
                      const std::string &device);
 
-/// Whether its log says that it processes: it came back as often as it was stopped.
+/// True if the log says that it processes: it has resumed as often as it stopped.
 bool saysItRuns(const LiveProcess &live);
 
-/// The device that its log says it plays on, by description.
+/// Description of the device that it plays on, from its log.
 std::string saidDevice(const LiveProcess &live);
 
-/// The name of our node that an application plays into while it is captured.
+/// Name of our node into which captured applications play.
 std::string tapName(LiveProcess &live);
 
 } // namespace quorbel

@@ -16,8 +16,8 @@ using Use = OutputProfile::Use;
 
 constexpr double toneDB = -12.0;
 
-/// `live` with the user's own settings, which have profiles: each is told by its gain, in dB, over
-/// a tone that an application plays.
+/// `live` with the user's own settings, which have profiles. Each profile has its own gain, in dB,
+/// over a tone that an application plays.
 class Profiles : public LiveTest {
   protected:
     Profiles() {
@@ -38,8 +38,7 @@ class Profiles : public LiveTest {
     [[nodiscard]] std::unique_ptr<ChildProcess> startOwn() const {
         return server.start({LiveProcess::program(), "live"});
     }
-    /// Whether remote control comes to tell of this preset, "yes" or "no" for whether it is
-    /// modified, and this profile.
+    /// Waits until remote control reports this preset, `isModified` ("yes" or "no") and profile.
     [[nodiscard]] testing::AssertionResult soonTells(const std::string &preset,
                                                      const std::string &isModified,
                                                      const std::string &profile) const {
@@ -58,11 +57,11 @@ class Profiles : public LiveTest {
         live.reset();
     }
 
-    /// The loudest sample since it was asked last, in dB over the tone.
+    /// Returns the loudest sample since the last call, in dB over the tone.
     [[nodiscard]] static double loudest(CardOutput &output) {
         return 20.0 * std::log10(std::max(static_cast<double>(output.takePeak()), 1e-9)) - toneDB;
     }
-    /// Whether an output comes to play at a gain, for two of the tone's periods and more.
+    /// Waits until an output plays at a gain, for two of the tone's periods at least.
     [[nodiscard]] static bool soonPlays(CardOutput &output, double gainDB, double seconds = 3.0) {
         return comesTrue(seconds, [&] {
             (void)loudest(output);
@@ -126,7 +125,7 @@ TEST_F(Profiles, NothingLouderThanItsProfileIsEverHeardOnTheNextOutput) {
     write({profile(onRoute("analog-output-speaker"), -30.0F), profile({.node = "loud"}, 0.0F),
            profile({}, -3.0F)});
     server.setDefaultDevice("quiet");
-    server.setDefaultDevice("loud"); // the next one is the default of before
+    server.setDefaultDevice("loud"); // the earlier default comes next
     playTone(toneDB);
     ASSERT_TRUE(soonPlays(*loud, 0.0));
     auto live = startOwn();

@@ -56,7 +56,7 @@ TEST_F(Programs, WithADamagedFileAreNotProcessed) {
     EXPECT_THAT(live->errors(), testing::HasSubstr("programs.json: calls"));
 }
 
-/// Every line of the manual's table about recording and sharing.
+/// Checks every line of the manual's table about recording and sharing.
 TEST_F(Programs, AreRecordedAsTheManualSays) {
     Recorder &device = record("speakers");
     playSequence(program("music"));

@@ -42,8 +42,8 @@ TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
     }
 }
 
-/// A client that leaves while it binds the session manager's metadata makes the server keep all
-/// later changes to itself: the default device, and where users move applications.
+/// A client that leaves while it binds the session manager's metadata makes the server report no
+/// later change: neither of the default device nor of the targets of applications.
 using LostChanges = LiveTest;
 
 TEST_F(LostChanges, AreFollowedAllTheSame) {
@@ -56,13 +56,13 @@ TEST_F(LostChanges, AreFollowedAllTheSame) {
     EXPECT_TRUE(soonHears(hdmi, Heard::processed, 4.0));
 }
 
-/// The device that the user has chosen for an application stays chosen, whatever comes to our tap.
+/// The user's choice of a device for an application outlasts its capture.
 class SavedPin : public LiveTest {
   protected:
     Recorder &speakers = record("speakers");
     Recorder &hdmi = record("hdmi");
 
-    /// The program writes its next test value when the one before was not answered.
+    /// Waits for the program's second test value, which follows an unanswered one.
     void waitUntilItKnowsThatItIsToldNothing() {
         std::string first;
         waitFor("another test value", 5.0, [&] {
@@ -82,7 +82,7 @@ class SavedPin : public LiveTest {
 TEST_F(SavedPin, OfAProgramThatStartsMeanwhileIsKept) {
     struct Program {
         std::string name;
-        std::string remembered; ///< what the session manager knows it by
+        std::string remembered; ///< its name in the session manager's memory
     };
     const Program programs[] = {{"pw-play", "Music"}, {"paplay", "paplay"}};
     const auto play = [&](const Program &program) { return playWith(program.name, 20.0); };
@@ -103,7 +103,7 @@ TEST_F(SavedPin, OfAProgramThatStartsMeanwhileIsKept) {
                 pin(program); // lost in the round before
             auto live = startLive(twelveDBLower());
             if (ending == SIGINT)
-                bindMetadataAndLeave(server); // the server tells of no changes from now on
+                bindMetadataAndLeave(server); // from now on the server reports no changes
             waitUntilItKnowsThatItIsToldNothing();
             auto application = play(program);
             EXPECT_TRUE(soonHears(speakers, Heard::processed));

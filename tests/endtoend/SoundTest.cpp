@@ -15,7 +15,7 @@
 namespace quorbel {
 namespace {
 
-/// A device and a quantum; what is heard there must not depend on either.
+/// Sound that must not depend on the device or the quantum.
 class Sound : public LiveTest, public testing::WithParamInterface<std::tuple<std::string, int>> {
   protected:
     Sound() { server.forceQuantum(quantum()); }
@@ -54,9 +54,8 @@ TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     ASSERT_TRUE(soonHears(recorder, Heard::dry)); // flat: what is heard is the sequence itself
     recorder.skip(1.5);
-    // A virtual machine stops now and then, and the cycle that this takes up is lost to
-    // every program. Where the graph's threads wake up late by a quarter of a cycle each, it is at
-    // risk.
+    // A virtual machine stalls now and then, and every program loses that cycle. It is at risk once
+    // the graph's threads wake up late by a quarter of a cycle each.
     const StallWitness witness(0.25 * quantum() / 48000.0);
     double undisturbed = 0.0;
     for (int stretch = 0; stretch < 4 && undisturbed < seconds; ++stretch) {
@@ -177,7 +176,7 @@ TEST_F(Load, StartsQuicklyAndRunsOnLittle) {
     RecordProperty("milliseconds_to_first_sound", static_cast<int>(startNanoseconds * 1e-6));
     EXPECT_LT(startNanoseconds * 1e-9, 0.15);
 
-    // Other work of the machine only adds to it, through cold caches: the smallest is ours.
+    // Other work of the machine adds to the load through cold caches: the smallest counts.
     recorder.skip(1.0);
     const double seconds = slowTestsWanted() ? 20.0 : 7.0;
     double load = 1.0;
@@ -215,14 +214,13 @@ TEST_F(Load, ACycleWakesTheProgramOnceAndSilenceDoesNotWakeIt) {
     }
     closePlayer();
 
-    // The tail dies away, the device goes to sleep, and what is measured of the sound comes to
-    // stand still.
+    // The tail decays, the device is suspended, and the meters come to rest.
     const double idle = idleWakeUps(process, 60.0);
     std::cout << idle << " wake-ups per second while nothing plays\n";
     EXPECT_LE(idle, 2.0);
 }
 
-/// The first frame from `start` on at which a tone of 1 kHz has another amplitude, by a tenth.
+/// First frame from `start` on at which the amplitude of a tone of 1 kHz has changed by a tenth.
 std::size_t firstChange(const Recording &heard, std::size_t start) {
     constexpr std::size_t period = 48;
     const std::span<const float> samples(heard.left);
@@ -242,7 +240,7 @@ TEST_F(LiveTest, ACommandIsHeardWithinFiftyMilliseconds) {
     ASSERT_TRUE(comesTrue(2.0, [&] { return control(server, {"stop"}).status == 0; }));
     ASSERT_EQ(control(server, {"start"}).status, 0);
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
-    // The machine may be busy for a moment, the program may not wait for anything.
+    // The shortest time counts: the machine may be busy, but the program must not wait.
     double least = 1.0;
     for (int turn = 0; turn < 20; ++turn) {
         recorder.skip(0.2);
@@ -297,7 +295,7 @@ TEST_F(LiveTest, AThousandCommandsAreNoClickAndNoLoss) {
     const double largest = 1.1 * std::pow(10.0, levelDB / 20.0) * omega * omega;
     const std::vector<float> &sound = heard.left;
     double most = 0.0;
-    std::size_t clicking = 0; // the command before which that was, or soon after the one before
+    std::size_t clicking = 0; // index of the first command that ended after the largest difference
     for (std::size_t frame = 2; frame < sound.size(); ++frame) {
         const double difference = std::abs(
             static_cast<double>(sound[frame] + sound[frame - 2] - 2.0F * sound[frame - 1]));

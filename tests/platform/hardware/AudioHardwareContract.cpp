@@ -16,7 +16,7 @@ namespace {
 
 constexpr AudioObjectID noSuchObject = std::numeric_limits<AudioObjectID>::max() - 7;
 
-/// The steps of a cycle in the order they came, from however many threads.
+/// The steps of the cycles in their order, from all threads.
 class Score {
   public:
     struct Step {
@@ -62,7 +62,7 @@ class Listener : public IOClient {
     }
 
     std::atomic<double> rate_{0.0};
-    std::atomic<bool> sound_{true}; ///< every cycle was as its format had been announced
+    std::atomic<bool> sound_{true}; ///< every cycle had the announced format
     std::atomic<float> peak_{0.0F};
     std::atomic<int> cycles_{0};
     std::atomic<int> cyclesToPlay_{0};
@@ -104,7 +104,7 @@ class Player : public RenderClient {
     std::uint64_t played_ = 0;
 };
 
-/// A whole capture, made and unmade as the program does it.
+/// A whole capture, set up and taken down as the program does.
 class Capture {
   public:
     /// With `mayLoseServer` a step of the unmaking may fail.
@@ -167,7 +167,7 @@ class Capture {
     IOProcID proc_ = 0;
 };
 
-/// Capture and playback at once, running from the construction on.
+/// Capture and playback, running once constructed.
 struct Processing {
     Processing(AudioHardware &hardware, AudioObjectID device, Score *score = nullptr,
                bool mayLoseServer = false)
@@ -276,7 +276,7 @@ TEST_P(AudioHardwareContract, CapturesWhatApplicationsPlayAndMutesItMeanwhile) {
         ASSERT_EQ(hardware.nominalSampleRate(capture.aggregate(), rate), statusOK);
         EXPECT_GT(rate, 0.0);
 
-        // Applications are muted only while something is there to play in their stead.
+        // Applications are muted only while an output plays.
         Player silence(nullptr, 0.0);
         const auto output = hardware.makeOutput();
         ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
@@ -335,7 +335,7 @@ TEST_P(AudioHardwareContract, OneCycleCapturesFirstAndPlaysThenOrSaysThatItWillN
     Score score;
     Processing both(hardware, device("speakers"), &score);
     ASSERT_TRUE(world().waitUntil([&] { return both.player.cycles_ > 8; }));
-    (void)score.take(); // what happened while they were starting
+    (void)score.take(); // drops the steps of the start
     ASSERT_TRUE(world().waitUntil(
         [&, from = both.player.cycles_.load()] { return both.player.cycles_ > from + 20; }));
     auto steps = score.take();
@@ -419,7 +419,7 @@ TEST_P(AudioHardwareContract, SaysWhereADeviceIsHeardAndTellsOfThatButNotOfItsVo
             << route;
     }
 
-    // A change that is told follows those that are not.
+    // A reported change follows the unreported ones.
     const int lists = news.lists_;
     for (int press = 0; press < 20; ++press)
         world().changeVolume("desk");

@@ -11,7 +11,7 @@
 namespace quorbel::testing {
 
 /// A machine with sound on which a hardware backend is tried: two output devices, "speakers" (the
-/// default) and "hdmi", and whatever applications the test starts.
+/// default) and "hdmi", and the applications that the test starts.
 class HardwareWorld {
   public:
     virtual ~HardwareWorld() = default;
@@ -30,21 +30,21 @@ class HardwareWorld {
     virtual void unplug(const std::string &uid) = 0;
     virtual void setDefaultOutput(const std::string &uid) = 0;
 
-    /// A card "card" with one device, which can play on several routes but does not say yet on
-    /// which it does.
+    /// Plugs in a card "card" with one device. The device has several routes; which one it plays on
+    /// is not known yet.
     virtual void plugInCard(const std::string &uid) = 0;
     virtual void setRoute(const std::string &uid, const std::string &route) = 0;
-    /// Of the card's device, with the volume keys.
+    /// Changes the volume of the card's device, as the volume keys do.
     virtual void changeVolume(const std::string &uid) = 0;
 
-    /// The end of the sound server.
+    /// Ends the sound server.
     virtual void loseServer() = 0;
 
-    /// Lets time pass until `condition` holds, or a deadline that is generous for this machine.
-    /// Returns whether it holds.
+    /// Lets time pass until `condition` holds or a generous deadline is over. Returns whether it
+    /// holds.
     [[nodiscard]] virtual bool waitUntil(const std::function<bool()> &condition) = 0;
 
-    /// Lets time pass in which cycles would come if there were any.
+    /// Lets the time of several cycles pass.
     virtual void letCyclesPass() = 0;
 };
 
@@ -60,7 +60,7 @@ class AudioHardwareContract : public ::testing::TestWithParam<MakeHardwareWorld>
 
     [[nodiscard]] HardwareWorld &world() { return *world_; }
 
-    /// The id of a device, 0 if it is not listed.
+    /// Returns the id of a device, 0 if it is not listed.
     [[nodiscard]] AudioObjectID device(const std::string &uid);
 
   private:

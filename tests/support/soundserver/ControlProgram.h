@@ -10,7 +10,7 @@
 
 namespace quorbel::soundserver {
 
-/// How an `ostrafine-cli ctl` command ended.
+/// Outcome of an `ostrafine-cli ctl` command.
 struct ControlOutcome {
     int status = -1;
     std::string output;
@@ -21,7 +21,7 @@ inline std::ostream &operator<<(std::ostream &out, const ControlOutcome &outcome
     return out << outcome.status << ": " << outcome.output << outcome.errors;
 }
 
-/// Runs one in the session of a server, or with `more` in its environment.
+/// Runs a command in the session of a server, with `more` in its environment.
 inline ControlOutcome control(const PrivateSoundServer &server, std::vector<std::string> arguments,
                               const Environment &more = {}) {
     Environment environment = server.environment();

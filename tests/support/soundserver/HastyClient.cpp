@@ -33,7 +33,7 @@ pw_core *connect(pw_context *context, const PrivateSoundServer &server) {
     return core;
 }
 
-/// Returns after the server has answered `core`, and with it has handled what others had sent.
+/// Returns once the server has answered `core`, and so has handled all earlier requests.
 void roundTrip(pw_loop *loop, pw_core *core) {
     int answered = -1;
     pw_core_events events{};

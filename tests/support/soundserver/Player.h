@@ -10,8 +10,7 @@
 
 namespace quorbel::soundserver {
 
-/// An application that plays, in this process, so that what it plays and when is known to the
-/// frame.
+/// An application that plays in this process: the time of every frame is known.
 class Player : public ClientStream {
   public:
     struct Options {
@@ -21,7 +20,7 @@ class Player : public ClientStream {
         std::string name;
         std::string target; ///< a device that the application insists on; empty for the default
         int channels = 2;   ///< those beyond the second are silent
-        std::map<std::string, std::string> properties{}; ///< more of the stream
+        std::map<std::string, std::string> properties{}; ///< more properties of the stream
     };
 
     Player(GraphClient &client, Sound &sound) : Player(client, sound, Options{}) {}

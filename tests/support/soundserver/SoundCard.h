@@ -13,8 +13,8 @@
 
 namespace quorbel::soundserver {
 
-/// A sound card as the session manager makes them: a device of the server with routes, which tells
-/// of their changes, and output devices that belong to it.
+/// A sound card as the session manager makes it: a device of the server that has routes and reports
+/// their changes. Output devices belong to it.
 class SoundCard {
   public:
     /// `api` is "alsa" or "bluez5"; `offered` are the routes that all outputs can play on.
@@ -27,9 +27,9 @@ class SoundCard {
     /// The server's number of the card.
     [[nodiscard]] std::uint32_t id() const;
 
-    /// Output number `output` plays on this route from now on.
+    /// Lets output number `output` play on this route.
     void setRoute(int output, const std::string &route);
-    /// Of all routes, as the user's volume keys do.
+    /// Changes the volume of all routes, as the user's volume keys do.
     void changeVolume();
 
   private:
@@ -49,7 +49,7 @@ class SoundCard {
     // Under the client's lock.
     std::map<int, std::string> routes_; ///< by output
     float volume_ = 1.0F;
-    bool isToggled_ = false; ///< the flag that tells one state of the routes from the next
+    bool isToggled_ = false; ///< a flag that differs between one state of the routes and the next
     spa_device device_{};
     spa_hook_list listeners_{};
     pw_proxy *proxy_ = nullptr;
@@ -63,7 +63,7 @@ class CardOutput : public ClientStream {
                const std::string &bluetoothProfile = {});
     ~CardOutput() override { disconnect(); }
 
-    /// The largest sample since this was asked last.
+    /// Returns the largest sample since the last call.
     [[nodiscard]] float takePeak() { return peak_.exchange(0.0F); }
 
   private:
@@ -73,8 +73,8 @@ class CardOutput : public ClientStream {
     std::atomic<float> peak_{0.0F};
 };
 
-/// An output device that says it is heard late, as wireless ones do, and whose ports come a moment
-/// after its node.
+/// An output device that reports a latency, as wireless ones do, and whose ports come after its
+/// node.
 class LateDevice : public ClientStream {
   public:
     LateDevice(GraphClient &client, const std::string &name, int latencyFrames)

@@ -19,13 +19,13 @@ class Sound {
                       std::uint32_t frames) noexcept = 0;
 };
 
-/// Every frame is a value of its own, the next one always a step higher, so that a recording shows
-/// any frame that was lost, doubled, replaced or changed. The values are exact in 32 bits, never
-/// zero, and stay well below full scale. Both channels are equal: what differs between them passes
-/// a filter of the chain whose rounding shows even where it does nothing.
+/// Every frame has its own value, one step above the last, so that a recording shows every frame
+/// that was lost, doubled, replaced or changed. The values are exact in 32 bits, never zero, and
+/// well below full scale. Both channels are equal: their difference passes a filter of the chain
+/// whose rounding shows even at its neutral setting.
 class Sequence : public Sound {
   public:
-    static constexpr std::int32_t length = 1 << 22; ///< then it begins again
+    static constexpr std::int32_t length = 1 << 22; ///< frames until it repeats
     static constexpr float step = 1.0F / (1 << 24);
     static constexpr float first = 0.25F;
 
@@ -98,7 +98,7 @@ class Impulses : public Sound {
             left[frame] = right[frame] = now ? height : 0.0F;
             if (now) {
                 sinceLast_ = 0;
-                const std::lock_guard guard(mutex_); // a test's player may wait for a copy
+                const std::lock_guard guard(mutex_); // a test's player may wait for `positions`
                 if (positions_.size() < positions_.capacity())
                     positions_.push_back(position + frame);
             }

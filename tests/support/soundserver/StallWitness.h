@@ -11,23 +11,23 @@
 
 namespace quorbel::soundserver {
 
-/// Sees the machine stand still, as virtual ones do: on every processor a thread, as urgent as
-/// those of the sound server where that is allowed, wakes often and notes when it could not.
+/// Detects stalls of the machine, as virtual ones have. On every processor a thread, as urgent as
+/// those of the sound server where that is allowed, wakes often and records late wake-ups.
 class StallWitness {
   public:
-    /// On the monotonic clock, in nanoseconds: when the thread should have run, and when it did.
+    /// From the planned wake-up to the actual one, in nanoseconds of the monotonic clock.
     struct Stall {
         std::uint64_t begin = 0;
         std::uint64_t end = 0;
     };
 
-    /// Notes every wake-up that comes `lateSeconds` too late or later.
+    /// Records every wake-up that is late by `lateSeconds` or more.
     explicit StallWitness(double lateSeconds);
     ~StallWitness();
     StallWitness(const StallWitness &) = delete;
     StallWitness &operator=(const StallWitness &) = delete;
 
-    /// So far.
+    /// The stalls so far.
     [[nodiscard]] std::vector<Stall> stalls() const;
 
   private:

@@ -166,7 +166,7 @@ struct ObjectRegistry::BoundClient {
 };
 
 /// A device and its routes. They are read again after every change that the device announces, also
-/// of a volume; the observer is told of a changed route only.
+/// of a volume; the observer hears of a changed route only.
 struct ObjectRegistry::BoundDevice : std::enable_shared_from_this<BoundDevice> {
     static constexpr std::array routeParameters{SPA_PARAM_EnumRoute, SPA_PARAM_Route};
 

@@ -132,13 +132,13 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     spa_source *lookEvent_ = nullptr;
     spa_source *timer_ = nullptr;
     double nextBeat_ = 0.0;
-    bool wasResting_ = false; ///< when the watchdog was last told
+    bool wasResting_ = false; ///< as last reported to the watchdog
     AudioObjectID captureDevice_ = 0;
     IOClient *ioClient_ = nullptr;
     bool isIORunning_ = false;
     Output *output_ = nullptr; ///< the running one
     double outputStoppedAt_ = 0.0;
-    std::map<AudioObjectID, OutputIdentity> knownDevices_; ///< as told to the listeners
+    std::map<AudioObjectID, OutputIdentity> knownDevices_; ///< as reported to the listeners
     bool isSettled_ = false; ///< the server has reported its objects [main]
 
     std::mutex listenersMutex_;

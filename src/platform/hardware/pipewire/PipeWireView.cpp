@@ -1,4 +1,4 @@
-// The hardware layer's view of the server: devices, programs, and the listeners of their changes.
+// The hardware layer's view of the server: devices and programs, and reports of their changes.
 
 #include "platform/hardware/pipewire/PipeWireHardware.h"
 #include "platform/hardware/pipewire/PipeWireOutput.h"

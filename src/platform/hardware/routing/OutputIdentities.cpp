@@ -15,8 +15,8 @@ std::optional<int> wholeNumber(const std::string &text) {
     return isNumber ? std::optional(number) : std::nullopt;
 }
 
-/// By the Bluetooth profile that the node plays with. Those with a microphone are named after the
-/// headset, but for the stereo ones ("a2dp-duplex", "bap-duplex"), which play music all the same.
+/// Judges by the node's Bluetooth profile. Profiles with a microphone are named after the headset,
+/// except the stereo ones ("a2dp-duplex", "bap-duplex"), which count as music.
 OutputIdentity::Bluetooth bluetoothKind(const NodeRecord &node, const DeviceRecord &card) {
     using enum OutputIdentity::Bluetooth;
     const auto isBluetooth = [](const std::string &api) { return api == "bluez5"; };

@@ -5,8 +5,7 @@
 
 namespace quorbel {
 
-/// Where a device's sound comes out, from its node and the card that the node belongs to (null
-/// where there is none).
+/// Returns where a device's sound comes out, from its node and its card (null without one).
 [[nodiscard]] OutputIdentity identityOf(const NodeRecord &node, const DeviceRecord *card);
 
 } // namespace quorbel

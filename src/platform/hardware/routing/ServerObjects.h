@@ -137,9 +137,9 @@ class ServerObserver {
     virtual ~ServerObserver() = default;
     virtual void nodeChanged(const NodeRecord &) {}
     virtual void nodeRemoved(const NodeRecord &) {}
-    /// A device's properties or routes; its removal is not told.
+    /// A device's properties or routes have changed; its removal is not reported.
     virtual void deviceChanged(std::uint32_t /*deviceID*/) {}
-    /// A program's properties; its removal is not told.
+    /// A program's properties have changed; its removal is not reported.
     virtual void clientChanged(std::uint32_t /*clientID*/) {}
     virtual void portAdded(const PortRecord &) {}
     virtual void portRemoved(const PortRecord &) {}
@@ -161,7 +161,7 @@ struct LinkRequest {
     std::uint32_t outputPortID = 0;
     std::uint32_t inputNodeID = 0;
     std::uint32_t inputPortID = 0;
-    bool isPassive = false; ///< does not keep a device running by itself
+    bool isPassive = false; ///< does not keep a device running
 };
 
 /// Commands of routing to the sound server. They are sent without waiting; their effects come back

@@ -56,7 +56,7 @@ class StreamLinker {
     /// Removes all links of ours.
     void drop(StreamLinks &links);
 
-    /// Whether a device exists that a handshake can use.
+    /// True if a device exists that a handshake can use.
     [[nodiscard]] bool hasHandshakeSink() const { return handshakeSink() != 0; }
     /// Links an unanswered PulseAudio client to a device for a short time.
     void startHandshake(const NodeRecord &stream, StreamLinks &links);

@@ -149,7 +149,7 @@ void StreamRouter::consider(const NodeRecord &node, double appearedAt) {
 void StreamRouter::route(const NodeRecord &node, Stream &stream) {
     stream.route = {.streamID = node.id, .streamSerial = node.serial, .tapSerial = ends_.tapSerial};
     stream.retryAt = never;
-    // Our own values belong to an ended stream with the same id and are no one's choice.
+    // Our own values belong to an ended stream with the same id and are not a user's choice.
     const bool isInherited = hasOwnTarget(node.id);
     if (isInherited) {
         // Setting it again would raise no event, so its order relative to a target that the session
@@ -251,7 +251,8 @@ void StreamRouter::lookAtLinks(std::uint32_t id, Stream &stream) {
         stream.phase = Phase::routing;
         awaitLinks(stream);
     }
-    // Heard twice: a client has linked it to a device, and the session manager keeps that link.
+    // A client has linked a captured stream to a device too, and the session manager keeps that
+    // link: the stream is heard twice.
     if (stream.phase != Phase::captured || linker_.deviceBeside(id, stream.links) == nullptr)
         stream.leaveAt = never;
     else if (stream.leaveAt == never)

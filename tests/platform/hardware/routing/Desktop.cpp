@@ -9,7 +9,7 @@ namespace quorbel::desktop {
 
 namespace {
 
-/// Delay until a standstill of ours is noticed: one second and the 0.25 s between two looks.
+/// Delay until our standstill is detected: one second and the 0.25 s between two looks.
 constexpr Micros standstillTime = 1'250'000;
 
 } // namespace
@@ -59,7 +59,7 @@ Desktop::Desktop(const Storm &storm, bool hasUs)
             NodeTraits input = traits;
             input.name = name + ".in";
             traits.name = name + ".out";
-            // Both halves of a group or a program by itself have an application name of their own.
+            // Each half of a group has an application name of its own.
             input.application.clear();
             input.mediaClass = Class::recording;
             input.recordsSink = true;
@@ -116,7 +116,7 @@ void Desktop::startNodes(Application &application) {
     application.silentSince = server.now;
     application.wasMovedByLinks = false;
     application.serials.clear();
-    application.isPinUncertain |= server.isDeaf; // restored values are told to no client
+    application.isPinUncertain |= server.isDeaf; // restored values are reported to no client
     for (const NodeTraits &traits : application.halves) {
         const std::uint64_t serial = server.addNode(traits);
         application.serials.push_back(serial);
@@ -124,7 +124,7 @@ void Desktop::startNodes(Application &application) {
         if (traits.isDevice())
             server.addAllPorts(*node);
         if (server.value(node->id, targetObjectKey) || server.value(node->id, targetNodeKey))
-            application.isPinUncertain = true; // heirlooms of the one that had the id before
+            application.isPinUncertain = true; // values inherited with the id
     }
 }
 
@@ -173,7 +173,7 @@ void Desktop::fire(const Timer &timer) {
         if (!isServerUp || manager.isThere())
             break;
         manager.start();
-        for (Application &each : applications) // its devices come after what it remembers of them
+        for (Application &each : applications) // it restores targets before its devices come
             if ((ownsDevices_ || server.isDeaf) && !each.serials.empty() &&
                 manager.remembered.contains(each.halves.back().application))
                 each.isPinUncertain = true;
@@ -228,12 +228,12 @@ void Desktop::noteUnknownPins() {
     }
 }
 
-/// Users act on what they see, so not within the first moments.
+/// Users act on what they see, so not in the first moments.
 bool Desktop::canUserMove(const Application &application) const {
     return !application.serials.empty() && manager.isThere() &&
            server.now - application.started > 100'000 &&
-           server.now - killedAt_ > 100'000 && // what a dead program has sent may come after it
-           // or what a program has that ends while it is held up
+           server.now - killedAt_ > 100'000 && // a dead program's commands may arrive late,
+           // and so may those of a program that ends during a stall
            (server.now > stalledUntil_ || server.now - stoppedAt_ > 1'000'000) &&
            server.now - manager.startTime() > 150'000 && application.halves.back().isPlayback();
 }
@@ -261,10 +261,10 @@ void Desktop::carryOut(const StormEvent &event) {
             break;
         const std::uint32_t id = playback(application)->id;
         int how = event.c % 5;
-        // "target.object" outweighs the other: users of the other key alone have not set it.
+        // "target.object" outweighs "target.node": a user of the latter alone has not set it.
         if (application.hasObject && (how == 1 || how == 4))
             how = how == 1 ? 2 : 3;
-        // The server tells nothing when a user writes the value that we wrote.
+        // The server reports nothing when a user writes the value that we wrote.
         const bool isOneOfTwo = sharesName(application);
         if (how == 4 && (isOneOfTwo || !application.halves.back().ownTarget.empty()))
             how = 3;
@@ -368,7 +368,7 @@ void Desktop::carryOut(const StormEvent &event) {
         break;
     case EventKind::deafen:
         server.isDeaf = isServerUp;
-        for (Application &each : applications) // restored values are told to no client
+        for (Application &each : applications) // restored values are reported to no client
             each.isPinUncertain |= each.isAlive && server.now - each.started < 100'000;
         break;
     case EventKind::stall:
@@ -443,13 +443,13 @@ void Desktop::runUntil(Micros time) {
         } else if (next == server.fromWatchdog.due()) {
             const Command command = server.fromWatchdog.pop();
             server.carryOut(command, true);
-            // What a dying watchdog still writes looks like a user's move to the next program.
+            // A dying watchdog's last writes look like a user's move to the next program.
             if (client.isAlive())
                 for (Application &application : applications)
                     if (const Node *node = playback(application);
                         node != nullptr && node->id == command.id)
                         application.movedAt = server.now;
-            // A watchdog that ends within its writes leaves a pin half put back.
+            // A watchdog that ends between its writes leaves a pin half restored.
             if (client.wasWatchdogLost())
                 for (Application &application : applications)
                     application.isPinUncertain |= application.isAlive;
@@ -498,7 +498,7 @@ void Desktop::afterStep() {
     lookForSilence();
 }
 
-/// True if what the application plays arrives at a device.
+/// True if the application's sound reaches a device.
 bool Desktop::hasWay(const Application &application) const {
     const Node *node = playback(application);
     if (node == nullptr || (node->traits->isPulse && !node->traits->isAnswered))
@@ -554,7 +554,7 @@ void Desktop::lookForFeedback() {
         fail("feedback");
 }
 
-/// The client must have acted on everything that it was told.
+/// The client must have acted on all events that it has received.
 void Desktop::lookAtView() {
     if (!client.isAlive() || client.router() == nullptr || !client.router()->isOn())
         return;

@@ -11,8 +11,8 @@
 
 namespace quorbel::desktop {
 
-/// A computer with its devices, applications, session manager and, in one of two worlds, us. All of
-/// it hangs on the storm's seed and one clock.
+/// A computer with devices, applications, a session manager and, in one of two worlds, us. It
+/// depends on the storm's seed and one clock only.
 class Desktop {
   public:
     Desktop(const Storm &storm, bool hasUs);
@@ -25,7 +25,7 @@ class Desktop {
         bool isAlive = false;
         bool wasMovedByLinks = false;
         bool hasObject = false;      ///< "target.object" may be set without us
-        bool isPinUncertain = false; ///< to a device that was absent, or an heirloom
+        bool isPinUncertain = false; ///< its device was absent, or its values were inherited
         Micros started = 0;
         Micros movedAt = -1;
         Micros silentSince = -1;
@@ -39,18 +39,18 @@ class Desktop {
     std::array<bool, deviceCount> isPlugged{};
     bool isServerUp = true;
 
-    /// Goes on until `time`; stops at the first violation.
+    /// Runs until `time` or the first violation.
     void runUntil(Micros time);
     void carryOut(const StormEvent &event);
-    /// Lets everybody return who is away.
+    /// Lets an absent server or session manager return.
     void calm();
-    /// We begin to look now: what the session manager remembers of a program is known to us only if
-    /// it is the target of one of its streams.
+    /// Marks the pins that we cannot know when we start: those that are not the target of any of
+    /// their program's streams.
     void noteUnknownPins();
     [[nodiscard]] const std::string &violation() const { return violation_; }
     void fail(std::string text);
 
-    /// Of one of the streams of a program.
+    /// True if the pin of one of the program's streams is uncertain.
     [[nodiscard]] bool isPinUncertain(const std::string &program) const;
     [[nodiscard]] const Node *playback(const Application &application) const;
     [[nodiscard]] bool hasReadyDevice() const;

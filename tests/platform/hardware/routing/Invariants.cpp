@@ -19,7 +19,7 @@ struct Hearer {
     std::string_view linkGroup, client, process;
 };
 
-/// Who hears whom, in truth or in the client's view.
+/// The paths of sound, in truth or in the client's view.
 struct Graph {
     std::vector<Hearer> nodes;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> links; ///< from output to input
@@ -67,7 +67,7 @@ std::vector<std::uint32_t> reachedFrom(const Graph &graph, std::uint32_t from) {
         const std::uint32_t at = reached[i];
         const auto node = std::ranges::find(graph.nodes, at, &Hearer::id);
         const bool isKnown = node != graph.nodes.end();
-        if (isKnown && node->isDuplex) // what it gives is its own recording
+        if (isKnown && node->isDuplex) // its outputs carry its own recording
             continue;
         for (const auto &[output, input] : graph.links)
             if (output == at)
@@ -95,7 +95,7 @@ std::string nameOf(const SimulatedServer &server, std::uint32_t subject, const c
     return isNumber ? "absent" : target->value;
 }
 
-/// The names of what the stream is linked to, each once.
+/// Names of the nodes that the stream is linked to, each once.
 std::string places(const Desktop &desktop, const Node &node) {
     std::string result;
     for (const Node &other : desktop.server.nodes)
@@ -129,7 +129,7 @@ bool isRoutable(const NodeTraits &traits) {
     return traits.mediaClass == Class::playback && traits.fixedKey.empty();
 }
 
-/// A copy whose recording half is linked to nothing plays nothing, and is left where it is.
+/// True for a copy whose recording half is not linked: it plays nothing and is left in place.
 bool isCopyOfNothing(const SimulatedServer &server, const Node &player) {
     const std::string &group = player.traits->linkGroup;
     return !group.empty() &&
@@ -160,14 +160,14 @@ std::string wrongStream(const Desktop &desktop, const Desktop &without, std::siz
             return "";
         if (desktop.client.leavesAlone(node->traits->application))
             return node->traits->name + " is captured, against the rules";
-        // A stream that the session manager leaves alone keeps its ports.
+        // A stream that the session manager does not link keeps its ports.
         return desktop.manager.isOld(node->serial) ? "" : wrongChannels(desktop, *node, *tap);
     }
     const bool mayBeElsewhere =
         !isRunning || !isRoutable(*node->traits) || application.movedAt >= 0 ||
         desktop.client.leavesAlone(node->traits->application) ||
         application.kind == Desktop::Kind::virtualSink || isCopyOfNothing(desktop.server, *node) ||
-        // Restored after our own value, which is told to no client: taken at the next try.
+        // Restored after our own value, which no client hears of: captured at the next try.
         (desktop.server.isDeaf && application.isPinUncertain) ||
         hears(desktop.server, output->id, node->id);
     if (!mayBeElsewhere)

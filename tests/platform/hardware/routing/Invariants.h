@@ -9,18 +9,17 @@ namespace quorbel::desktop {
 class Desktop;
 class SimulatedClient;
 
-/// True if what node `from` plays arrives at node `to`, through links and programs.
+/// True if the sound of node `from` reaches node `to`, through links and programs.
 bool hears(const SimulatedServer &server, std::uint32_t from, std::uint32_t to);
 
-/// The name of a stream that the client has sent to the tap although it hears the output, as far as
-/// the client can know; empty if there is none.
+/// Name of a stream that the client has sent to the tap although, in the client's view, it hears
+/// the output; empty if there is none.
 std::string fedBack(const SimulatedClient &client);
 
 /// The name of the node that the stream's metadata names as its target; empty if none.
 std::string chosenTarget(const SimulatedServer &server, const Node &node);
 
-/// Fault of the desktop in a quiet moment, compared with one without us; empty if
-/// nothing.
+/// Fault of the desktop at rest, compared with one without us; empty if there is none.
 std::string wrongWhenQuiet(const Desktop &desktop, const Desktop &without);
 
 } // namespace quorbel::desktop

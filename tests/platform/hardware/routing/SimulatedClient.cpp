@@ -346,7 +346,7 @@ void SimulatedClient::bindMetadata() {
     send({.kind = Command::Kind::bindMetadata, .serial = ++binding_});
 }
 
-/// Tells what the binding has shown and no event has.
+/// Reports the values that the binding has shown but no event has.
 void SimulatedClient::tellDifferences() {
     const auto found = [&](const Table::key_type &where) {
         const MetadataValue *value = valueIn(bound_, where.first, where.second.c_str());
@@ -474,7 +474,7 @@ void SimulatedClient::take(const Event &event) {
             finishStop();
         break;
     }
-    if (server_.toClient.due() > server_.now) // all of what has come in one piece
+    if (server_.toClient.due() > server_.now) // after the last of the events that came together
         tick();
 }
 
@@ -518,7 +518,7 @@ void SimulatedClient::tick() {
         comebackAt_ = INT64_MAX;
         supervisor_.reset();
     }
-    // The first picture is complete, so it is known what the tap must be.
+    // All objects are known, and so is the kind of tap that is needed.
     if (wantsOn_ && !hasPair_ && comebackAt_ == INT64_MAX && objects_->hasMetadata())
         createPair();
     router_->checkDeadlines();

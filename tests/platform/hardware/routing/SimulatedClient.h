@@ -11,14 +11,14 @@
 
 namespace quorbel::desktop {
 
-/// The lines on which the watchdog and the next start rely. A release is a line only once the
-/// server has carried out what it says.
+/// The journal, read by the watchdog and by the next start. A release is written once the server
+/// has carried out its commands.
 class Journal final : public RouteLog {
   public:
     RouteLedger ledger;
     std::vector<std::pair<std::uint64_t, RoutedStream>> unconfirmed; ///< with its round trip
-    std::uint64_t roundTrip = 0;                                     ///< the next one
-    bool hasNew = false; ///< since the last round trip was begun
+    std::uint64_t roundTrip = 0;                                     ///< number of the next one
+    bool hasNew = false; ///< a release since the last round trip began
 
     void routed(const RoutedStream &stream) override;
     void released(const RoutedStream &stream) override;
@@ -37,20 +37,20 @@ class SimulatedClient final : public ServerCommands {
 
     void start();
     void stop();
-    /// Ends at once; of the commands under way the first `kept` still arrive.
+    /// Ends at once; the first `kept` commands under way still arrive.
     void die(std::size_t kept, bool withWatchdog);
     void serverDied();
-    /// The streams of now run no cycles from now on.
+    /// The current streams stop running cycles.
     void hang();
     [[nodiscard]] bool hangs() const { return hangs_; }
-    /// Leaves a program alone, or processes it again.
+    /// Adds the rule that leaves a program alone, or removes it.
     void toggleRule(const std::string &program);
     [[nodiscard]] bool leavesAlone(const std::string &program) const;
     void take(const Event &event);
-    /// Does what is due.
+    /// Acts on the deadlines that have passed.
     void tick();
     [[nodiscard]] Micros due() const;
-    /// The dead client's commands have all arrived.
+    /// Starts the watchdog: the dead client's commands have all arrived.
     void watch();
     void watchdogFinished();
     /// True until the next start if the watchdog died too.
@@ -69,7 +69,7 @@ class SimulatedClient final : public ServerCommands {
     [[nodiscard]] const RouteLedger &ledger() const { return journal_.ledger; }
     [[nodiscard]] const StreamRouter *router() const { return router_.get(); }
     [[nodiscard]] const RoutingEnds &ends() const { return ends_; }
-    /// True if the last that we have asked for is that the stream goes to the tap.
+    /// True if our last write sends the stream to the tap.
     [[nodiscard]] bool isSentToTap(std::uint32_t streamID) const;
     [[nodiscard]] bool isStopping() const { return stopping_ != Stopping::no; }
 

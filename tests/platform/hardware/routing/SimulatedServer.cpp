@@ -104,8 +104,9 @@ void SimulatedServer::tell(const Event &event) {
     tellClient(event);
 }
 
-/// The lowest that is free, so that an id is used again at once. Where values outlive their nodes,
-/// ours are taken from elsewhere: a world without us would give other streams other heirlooms.
+/// Returns the lowest free id, so that ids are reused at once. Where values outlive their nodes,
+/// our nodes have their own range: otherwise other streams would inherit other values than without
+/// us.
 std::uint32_t SimulatedServer::freeNodeID(bool isOurs) const {
     std::uint32_t id = isOurs && keepsValues ? 500 : 30;
     while (std::any_of(nodes.begin(), nodes.end(), [&](const Node &node) { return node.id == id; }))
@@ -200,7 +201,7 @@ void SimulatedServer::addLink(Link link) {
     tell(linkEvent(Event::Kind::linkAdded, link));
     const Node *output = findID(link.outputNode);
     const Node *input = findID(link.inputNode);
-    // Only a node of this class makes the PulseAudio server answer.
+    // The PulseAudio server answers only if the stream is linked to a node of this class.
     if (output->traits->isPulse && !output->traits->isAnswered &&
         input->traits->mediaClass == Class::sink)
         answers.push_back({now + 500 + below(random, 8000), output->serial});
@@ -303,7 +304,7 @@ void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
         } else if (node->count(false) != input->count(true)) {
             setPorts(*input, node->count(false));
         }
-        // Sometimes the session manager gives up a link on the way and does not notice.
+        // Some session managers lose a link without noticing.
         if (!input->traits->isTap() || !losesTapLinks || !chance(random, 30))
             connectByChannel(*node, *input, Owner::manager);
         break;

@@ -15,8 +15,8 @@ namespace quorbel::desktop {
 
 using Micros = std::int64_t;
 
-/// SplitMix64 (Steele, Lea, Flood 2014). Made from seed and time at every step of a world, so that
-/// an event removed from a storm changes only what depends on it.
+/// SplitMix64 (Steele, Lea, Flood 2014). Seeded from seed and time at every step of a world:
+/// an event removed from a storm then changes only what depends on it.
 class Random {
   public:
     explicit Random(std::uint64_t seed, Micros now = 0)
@@ -32,7 +32,7 @@ class Random {
     std::uint64_t state_;
 };
 
-/// 0 to below `count`.
+/// Returns a number from 0 to `count` - 1.
 inline int below(Random &random, int count) {
     return static_cast<int>(random() % static_cast<std::uint64_t>(count));
 }
@@ -58,7 +58,7 @@ struct NodeTraits {
     bool isAutoconnected = true;
     bool isFixed = false; ///< node.dont-reconnect or one of its kind
     bool recordsSink = false;
-    bool isDuplex = false; ///< of a sink: it records too, and what it gives is no monitor
+    bool isDuplex = false; ///< of a sink: it records too, and its outputs are no monitors
     bool isPulse = false;
     bool isAnswered = false;
     std::string fixedKey;
@@ -79,7 +79,7 @@ struct NodeTraits {
     [[nodiscard]] bool isTap() const {
         return mediaClass == Class::tapStream || mediaClass == Class::tapDevice;
     }
-    /// Makes the properties from the rest.
+    /// Derives the properties from the other members.
     void fill();
 };
 using Traits = std::shared_ptr<const NodeTraits>;
@@ -92,7 +92,7 @@ struct Node {
     Traits traits;
     std::vector<PortRecord> ports;
     bool isStuck = false; ///< suspended under a running graph
-    bool ran = false;     ///< as its owner was last told
+    bool ran = false;     ///< as last reported to its owner
     Micros birth = 0;
 
     [[nodiscard]] int count(bool input) const {
@@ -239,7 +239,7 @@ template <typename Message> class Line {
         return message;
     }
     void clear() { messages_.clear(); }
-    /// Keeps a part of what is under way, from its beginning.
+    /// Keeps the first `kept` messages under way.
     void cut(std::size_t kept) {
         if (kept < messages_.size())
             messages_.resize(kept);
@@ -258,19 +258,19 @@ template <typename Message> class Line {
     Micros heldUntil_ = 0, pushed_ = -1;
 };
 
-/// The sound server and what is true: nodes, ports, links and the "default" metadata.
+/// The sound server: the true state of nodes, ports, links and the "default" metadata.
 class SimulatedServer {
   public:
     explicit SimulatedServer(std::uint64_t seed) : random(seed) {}
 
     Random random; ///< of latencies
     Micros now = 0;
-    Micros disturbedAt = 0; ///< when somebody else last suspended or removed a stream of ours
+    Micros disturbedAt = 0; ///< when another client last suspended or removed a stream of ours
     bool hasMetadata = false;
-    bool keepsValues = false; ///< of a node that is gone
-    bool isDeaf = false;      ///< tells changed metadata to the session manager alone
+    bool keepsValues = false; ///< keeps the values of removed nodes
+    bool isDeaf = false;      ///< reports changed metadata to the session manager alone
     bool losesTapLinks = false;
-    bool hasChanged = true; ///< since the last look at the invariants
+    bool hasChanged = true; ///< since the last check of the invariants
     std::vector<Node> nodes;
     std::vector<Link> links;
     Table metadata;
@@ -282,7 +282,7 @@ class SimulatedServer {
         Micros due;
         std::uint64_t serial;
     };
-    std::vector<Answer> answers; ///< to clients of the PulseAudio server
+    std::vector<Answer> answers; ///< to PulseAudio clients
 
     [[nodiscard]] Node *find(std::uint64_t serial);
     [[nodiscard]] const Node *find(std::uint64_t serial) const;
@@ -292,7 +292,7 @@ class SimulatedServer {
     [[nodiscard]] const MetadataValue *value(std::uint32_t subject, const char *key) const {
         return valueIn(metadata, subject, key);
     }
-    /// True if a value names a tap of ours, of today or of before.
+    /// True if a value names our current tap or an earlier one.
     [[nodiscard]] bool wasTap(const std::string &value) const;
     [[nodiscard]] bool isLinked(std::uint32_t output, std::uint32_t input) const;
 
@@ -309,12 +309,12 @@ class SimulatedServer {
                      const std::optional<MetadataValue> &value);
 
     void carryOut(const Command &command, bool isWatchdog = false);
-    void answer(); ///< clients of the PulseAudio server, if due
+    void answer(); ///< answers the PulseAudio clients that are due
     void managerArrives();
     void managerLeaves();
     void clientArrives();
     void clientLeaves();
-    /// Everything ends.
+    /// Ends the server with all its objects.
     void die();
 
   private:

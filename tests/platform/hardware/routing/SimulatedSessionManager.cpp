@@ -92,7 +92,7 @@ void SimulatedSessionManager::take(const Event &event) {
         const bool wasConfigured =
             std::find(configured_.begin(), configured_.end(), event.serial) != configured_.end();
         items_.push_back({event.id, event.serial, event.traits, 0, 0, wasConfigured && !isNewer});
-        if (wasThere && snapshot_ == 0) { // all of the first picture at once
+        if (wasThere && snapshot_ == 0) { // all nodes of the start at once
             const auto items = items_;
             for (const Item &item : items)
                 restore(item);
@@ -144,7 +144,7 @@ void SimulatedSessionManager::take(const Event &event) {
     }
 }
 
-/// The last event decides, whichever key it is of.
+/// The last event decides, of either key.
 void SimulatedSessionManager::remember(std::uint32_t subject, const std::string &key,
                                        const std::optional<MetadataValue> &value) {
     const auto stream = std::find_if(items_.begin(), items_.end(), [&](const Item &item) {
@@ -178,7 +178,8 @@ void SimulatedSessionManager::restore(const Item &item) {
         }
 }
 
-/// False if the two are of one link group, directly or through what the target's group plays on.
+/// False if the two belong to one link group, directly or through the node on which the target's
+/// group plays.
 bool SimulatedSessionManager::canLink(const Item &item, const Item &target, int hops) const {
     const std::string &group = item.traits->linkGroup;
     const std::string &other = target.traits->linkGroup;

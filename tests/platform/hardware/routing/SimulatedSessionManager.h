@@ -14,7 +14,7 @@ class SimulatedSessionManager {
         : random(seed), server_(server) {}
 
     Random random;
-    bool isNewer = false; ///< as 0.5: links the streams that were there before it
+    bool isNewer = false; ///< as 0.5: also links streams that are older than itself
     bool suspendsOutputs = false;
     std::map<std::string, std::string> remembered; ///< application -> name of its target
     std::string configuredDefault;                 ///< by the user
@@ -25,7 +25,7 @@ class SimulatedSessionManager {
     void take(const Event &event);
     [[nodiscard]] Micros due() const { return defaultDue_; }
     void followDefault(); ///< when due
-    /// True if the stream was there before this session manager, and is therefore not linked by it.
+    /// True if the stream is older than this session manager, which therefore does not link it.
     [[nodiscard]] bool isOld(std::uint64_t serial) const;
     void chooseDefault(const std::string &name);
     [[nodiscard]] Micros startTime() const { return startTime_; }
@@ -56,8 +56,8 @@ class SimulatedSessionManager {
     std::string default_;
     Micros defaultDue_ = INT64_MAX;
     Micros startTime_ = 0;
-    std::size_t snapshot_ = 0;              ///< nodes of the first picture still to come
-    std::vector<std::uint64_t> configured_; ///< streams that had ports then
+    std::size_t snapshot_ = 0;              ///< nodes still to come of those present at its start
+    std::vector<std::uint64_t> configured_; ///< streams that had ports at its start
 };
 
 } // namespace quorbel::desktop

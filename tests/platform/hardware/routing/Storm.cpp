@@ -37,7 +37,7 @@ constexpr std::array<Weight, static_cast<std::size_t>(count)> weights{{
     {deafen, "deafen", 1},
     {stall, "stall", 1},
     {hang, "hang", 1},
-    {leaveAlone, "leave alone", 0}, // added by itself, to one storm of four
+    {leaveAlone, "leave alone", 0}, // added apart, to one storm of four
 }};
 
 StormEvent::Kind randomKind(Random &random) {
@@ -108,7 +108,7 @@ std::string run(const Storm &storm) {
             each->carryOut(event);
         }
     }
-    // Once as the storm has left it, and once after a stop.
+    // Checks the desktop as the storm has left it, then after a stop.
     for (const bool stops : {false, true}) {
         for (Desktop *each : {&desktop, &without}) {
             if (stops)
@@ -117,7 +117,7 @@ std::string run(const Storm &storm) {
             each->runUntil(end + quiet);
         }
         end += quiet;
-        // A stream that was just tried again is not settled yet, nor are streams that hang.
+        // Streams that were just retried, or that hang, have not settled yet.
         for (int i = 0; i < 12 && desktop.client.hasSomethingDue(); ++i) {
             end += unsettled;
             for (Desktop *each : {&desktop, &without})
@@ -130,13 +130,13 @@ std::string run(const Storm &storm) {
 }
 
 Storm reduced(Storm storm) {
-    // The same fault, not any: without its moment and its numbers.
+    // Compares faults without times and numbers, so that the reduced storm has the same fault.
     const auto kindOf = [](std::string wrong) {
         std::erase_if(wrong, [](char c) { return c >= '0' && c <= '9'; });
         return wrong;
     };
     const std::string wanted = kindOf(run(storm));
-    // Great pieces first: it saves most of the runs.
+    // Large pieces first: most runs are saved there.
     for (std::size_t piece = storm.events.size() / 2; piece > 0;) {
         bool removed = false;
         for (std::size_t first = 0; first < storm.events.size();) {

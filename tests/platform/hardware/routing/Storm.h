@@ -10,7 +10,7 @@ namespace quorbel::desktop {
 constexpr int applicationCount = 7;
 constexpr int deviceCount = 4;
 
-/// Something that users, applications, devices or fate do at a moment.
+/// One event of a storm, caused by a user, an application, a device or a failure.
 struct StormEvent {
     enum class Kind : std::uint8_t {
         startApplication,
@@ -30,16 +30,16 @@ struct StormEvent {
         killServer,
         deafen,
         stall,
-        hang,       ///< our data thread, until the streams are replaced
-        leaveAlone, ///< or process again: a rule of a program
+        hang,       ///< of our data thread, until the streams are replaced
+        leaveAlone, ///< adds or removes a program's rule
         count
     };
     Kind kind{};
-    int a = 0, b = 0, c = 0; ///< which, where to, how
+    int a = 0, b = 0, c = 0; ///< which application, which device, how
     Micros at = 0;
 };
 
-/// Everything that decides how a storm goes.
+/// The whole input of a run: the same storm always runs the same way.
 struct Storm {
     std::uint64_t seed = 0;
     std::vector<StormEvent> events;
@@ -51,10 +51,10 @@ struct Storm {
 /// One line.
 std::string text(const StormEvent &event);
 
-/// The first thing that went wrong in a storm, or nothing.
+/// Returns the first violation in a storm; empty if there is none.
 std::string run(const Storm &storm);
 
-/// Removes events as long as the storm still fails; returns what is left.
+/// Removes the events that a failing storm does not need to fail.
 Storm reduced(Storm storm);
 
 } // namespace quorbel::desktop
