@@ -39,6 +39,10 @@ class OutputProfilesTest : public AppStateTest {
         state->engine().useDefaultOutput();
         wait(0.0);
     }
+    void useOutput(const std::string &uid) {
+        hardware.setDefaultOutput(uid);
+        state->deviceManager().refresh();
+    }
     /// What is plugged into the card of "speakers".
     void plug(const std::string &route) {
         hardware.setIdentity("speakers", {.card = "pci", .route = route});
@@ -227,8 +231,14 @@ TEST_F(OutputProfilesTest, AnOutputThatIsLeftAloneEndsTheCaptureButNotTheWish) {
     EXPECT_TRUE(isRunning());
     EXPECT_EQ(nameInUse(), "Flat");
 
-    // The way back fails at first.
+    // The sound server goes meanwhile, and the way back fails at first.
     state->assignProfile(onHDMI, "HDMI", Use::leaveAlone);
+    EXPECT_TRUE(state->engine().isLeavingAlone());
+    hardware.loseConnection(-EPIPE);
+    wait(1.0);
+    EXPECT_TRUE(state->engine().isComingBack());
+    hardware.restoreConnection();
+    wait(3.0);
     EXPECT_TRUE(state->engine().isLeavingAlone());
     hardware.operations().fail(SimulatedHardware::Operation::startOutput, -EIO);
     hardware.setDefaultOutput("speakers");
@@ -237,27 +247,13 @@ TEST_F(OutputProfilesTest, AnOutputThatIsLeftAloneEndsTheCaptureButNotTheWish) {
     hardware.operations().repair(SimulatedHardware::Operation::startOutput);
     wait(2.0);
     EXPECT_TRUE(isRunning());
-
-    // The sound server goes meanwhile.
-    hardware.setDefaultOutput("hdmi");
-    wait(0.2);
-    hardware.loseConnection(-EPIPE);
-    wait(1.0);
-    EXPECT_TRUE(state->engine().isComingBack());
-    hardware.restoreConnection();
-    wait(3.0);
-    EXPECT_TRUE(state->engine().isLeavingAlone());
-    hardware.setDefaultOutput("speakers");
-    wait(0.2);
-    EXPECT_TRUE(isRunning());
 }
 
 TEST_F(OutputProfilesTest, ACallLeavesTheHeadsetAlone) {
     launchWithProfiles({profile(anyOther, -6.0F)});
     hardware.addDevice(
         {.uid = "bluez.1", .identity = {.card = "bluez_card", .bluetooth = Bluetooth::music}});
-    hardware.setDefaultOutput("bluez.1");
-    state->deviceManager().refresh();
+    useOutput("bluez.1");
     start();
     EXPECT_NEAR(soonHears("bluez.1"), -6.0, 0.2);
     hardware.setIdentity("bluez.1", {.card = "bluez_card", .bluetooth = Bluetooth::call});
@@ -306,24 +302,21 @@ TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
     setLiveGain(-2.0F);
     state->assignProfile(onHDMI, "HDMI", Use::preset, preset("Bass Heavy").id);
     EXPECT_EQ(nameInUse(), "Flat (modified)") << "the settings so far are for any other output";
-    hardware.setDefaultOutput("hdmi");
-    state->deviceManager().refresh();
+    useOutput("hdmi");
     EXPECT_EQ(nameInUse(), "Bass Heavy");
     EXPECT_EQ(displayName(), "Bass Heavy");
     EXPECT_EQ(liveGain(), 0.0F);
     moveBand(3, 4.5F);
     EXPECT_EQ(nameInUse(), "Bass Heavy (modified)");
 
-    hardware.setDefaultOutput("speakers"); // at once, before anything is saved
-    state->deviceManager().refresh();
+    useOutput("speakers"); // at once, before anything is saved
     EXPECT_EQ(liveGain(), -2.0F);
     EXPECT_EQ(state->engine().eq().bands().at(3).gainDB, 0.0F);
     wait(1.0);
     launch();
     state->engine().useDefaultOutput();
     EXPECT_EQ(liveGain(), -2.0F);
-    hardware.setDefaultOutput("hdmi");
-    state->deviceManager().refresh();
+    useOutput("hdmi");
     EXPECT_EQ(state->engine().eq().bands().at(3).gainDB, 4.5F);
     EXPECT_EQ(nameInUse(), "Bass Heavy (modified)");
     std::vector<EQBand> sameBands = preset("Bass Heavy").bands;
@@ -332,10 +325,8 @@ TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
     state->engine().eq().setBands(sameBands);
     EXPECT_EQ(nameInUse(), "Bass Heavy");
     setLiveGain(-1.0F);
-    for (const char *uid : {"speakers", "hdmi"}) {
-        hardware.setDefaultOutput(uid);
-        state->deviceManager().refresh();
-    }
+    for (const char *uid : {"speakers", "hdmi"})
+        useOutput(uid);
     EXPECT_EQ(nameInUse(), "Bass Heavy (modified)");
     EXPECT_EQ(displayName(), "Bass Heavy") << "but for the gain";
     moveBand(3, 4.5F);
@@ -344,12 +335,10 @@ TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
     state->savePreset("Mine");
     EXPECT_EQ(nameInUse(), "Mine");
     state->assignProfile(onSpeaker, "Speakers", Use::flat);
-    hardware.setDefaultOutput("speakers");
-    state->deviceManager().refresh();
+    useOutput("speakers");
     state->deletePreset(preset("Mine"));
     for (const char *uid : {"speakers", "hdmi"}) {
-        hardware.setDefaultOutput(uid);
-        state->deviceManager().refresh();
+        useOutput(uid);
         EXPECT_EQ(state->engine().eq().bands().at(3).gainDB, uid[0] == 'h' ? 4.5F : 0.0F);
     }
 
