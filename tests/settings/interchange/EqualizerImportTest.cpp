@@ -93,7 +93,7 @@ TEST(EqualizerImport, aPreampAloneIsAFlatPreset) {
     EXPECT_THROW((void)importEqualizerText("Preamp: 3 dB", " \t"), InterchangeError);
 }
 
-TEST(EqualizerImport, inForceTheFileIsHeardWhateverWasSetBefore) {
+TEST(EqualizerImport, anAdoptedFileIsHeardWhateverWasSetBefore) {
     Persisted settings;
     settings.bands = factoryPresets()[9].bands;
     settings.spatial = factoryPresets()[9].spatial;

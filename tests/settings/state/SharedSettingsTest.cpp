@@ -170,7 +170,7 @@ TEST_F(SharedSettings, areWrittenByOneAtATime) {
     EXPECT_NO_THROW(SettingsFileLock(folder / "link", 0.0));
 }
 
-TEST_F(SharedSettings, areHeardOfHoweverTheyAreWritten) {
+TEST_F(SharedSettings, areNoticedHoweverTheyAreWritten) {
     int argumentCount = 1;
     char name[] = "test";
     char *arguments[] = {name, nullptr};
@@ -188,19 +188,20 @@ TEST_F(SharedSettings, areHeardOfHoweverTheyAreWritten) {
         wait(0.3);
         return gain();
     };
-    Persisted record = untouched();
+    const auto textWithGain = [](float gainDB) {
+        Persisted record = untouched();
+        record.eqGlobalGainDB = gainDB;
+        return encodeRecord(record);
+    };
     std::filesystem::create_directory(folder);
     EXPECT_EQ(heard(), 0.0F);
-    record.eqGlobalGainDB = 1.0F;
-    write(file, encodeRecord(record));
+    write(file, textWithGain(1.0F));
     EXPECT_EQ(heard(), 1.0F) << "in a folder that was not there";
-    record.eqGlobalGainDB = 2.0F;
-    write(file, encodeRecord(record));
+    write(file, textWithGain(2.0F));
     EXPECT_EQ(heard(), 2.0F) << "in place";
     writeGain(3.0F);
     EXPECT_EQ(heard(), 3.0F) << "replaced";
-    record.eqGlobalGainDB = 4.0F;
-    write(file, encodeRecord(record));
+    write(file, textWithGain(4.0F));
     EXPECT_EQ(heard(), 4.0F) << "in place of what was replaced";
 
     std::filesystem::rename(file, elsewhere / "mine.json");
@@ -208,8 +209,7 @@ TEST_F(SharedSettings, areHeardOfHoweverTheyAreWritten) {
     EXPECT_EQ(heard(), 4.0F);
     writeGain(5.0F);
     EXPECT_EQ(heard(), 5.0F) << "behind a link";
-    record.eqGlobalGainDB = 6.0F;
-    write(elsewhere / "other.json", encodeRecord(record));
+    write(elsewhere / "other.json", textWithGain(6.0F));
     std::filesystem::create_symlink(elsewhere / "other.json", folder / "new");
     std::filesystem::rename(folder / "new", file);
     EXPECT_EQ(heard(), 6.0F) << "by another link";
