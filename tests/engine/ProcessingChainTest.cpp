@@ -108,7 +108,7 @@ class ProcessingChainTest : public EngineTest {
     ProbeUnits probes;
 };
 
-TEST_F(ProcessingChainTest, StandsInItsOneOrderWithoutWhatCannotBeMade) {
+TEST_F(ProcessingChainTest, PlaysItsStagesInOrderWithoutThoseThatCannotBeMade) {
     hardware.play(countedFrames());
     probes.absent = {bassEnhancer, spatializer, limiter};
     start();
@@ -121,8 +121,11 @@ TEST_F(ProcessingChainTest, StandsInItsOneOrderWithoutWhatCannotBeMade) {
     stop();
     probes.absent.clear();
     probes.rendered.clear();
+    engine->setSpatial({.reverbEnabled = true, .reverbMix = 100.0F});
     start();
     play(0.1);
+    EXPECT_NE(probes.firstSample[spatializer], 0.0F);
+    EXPECT_EQ(probes.firstSample[saturation], 0.0F) << "the reverb answers a moment later";
     EXPECT_THAT(probes.rendered, ElementsAre(bassEnhancer, voiceEnhancer, widener, spatializer,
                                              saturation, crossfeed, autoGain, limiter));
     for (const auto &[which, count] : probes.made)
@@ -130,14 +133,8 @@ TEST_F(ProcessingChainTest, StandsInItsOneOrderWithoutWhatCannotBeMade) {
 }
 
 TEST_F(ProcessingChainTest, EveryBlockIsProcessedWithTheChosenSettings) {
-    SpatialConfig spatial;
-    spatial.widenerEnabled = true;
-    spatial.widthPercent = 140.0F;
-    engine->setSpatial(spatial);
-    MixerConfig mixer;
-    mixer.manualLoudnessEnabled = true;
-    mixer.manualLoudnessDB = -7.0F;
-    engine->setMixer(mixer);
+    engine->setSpatial({.widenerEnabled = true, .widthPercent = 140.0F});
+    engine->setMixer({.manualLoudnessEnabled = true, .manualLoudnessDB = -7.0F});
     start();
     EXPECT_EQ(probes.valuesAtAllocation[widener].front(), 140.0F);
     EXPECT_THAT(probes.valuesAtAllocation[autoGain], ElementsAre(-16.0F, 0.0F, -7.0F, 1.0F));
@@ -167,18 +164,6 @@ TEST_F(ProcessingChainTest, ReadOutsAreThoseOfTheUnits) {
     EXPECT_EQ(redraws, 1);
 }
 
-TEST_F(ProcessingChainTest, TheReverbStandsBetweenSpatializerAndSaturation) {
-    SpatialConfig spatial;
-    spatial.reverbEnabled = true;
-    spatial.reverbMix = 100.0F;
-    engine->setSpatial(spatial);
-    hardware.play(countedFrames());
-    start();
-    play(0.1);
-    EXPECT_EQ(probes.firstSample[spatializer], countedStep);
-    EXPECT_EQ(probes.firstSample[saturation], 0.0F) << "the room answers a moment later";
-}
-
 class UnitSettingsTest : public ::testing::Test {
   protected:
     UnitSettingsTest() {
@@ -199,32 +184,34 @@ class UnitSettingsTest : public ::testing::Test {
 };
 
 TEST_F(UnitSettingsTest, WhatIsOnSendsItsValues) {
-    SpatialConfig spatial;
-    spatial.widenerEnabled = spatial.xtcEnabled = spatial.bassEnabled = spatial.voiceEnabled = true;
-    spatial.bassAdaptiveEnabled = spatial.voiceAdaptiveEnabled = true;
-    spatial.reverbEnabled = true;
-    spatial.reverbMix = 15.0F;
-    spatial.reverbPreset = SpatialConfig::ReverbPreset::plate;
-    spatial.widthPercent = 1.0F;
-    spatial.xtcAmount = 2.0F;
-    spatial.xtcNotchFrequency = 3.0F;
-    spatial.bassAmount = 4.0F;
-    spatial.bassDrive = 5.0F;
-    spatial.bassCrossover = 6.0F;
-    spatial.voiceAmount = 7.0F;
-    spatial.voicePresenceGainDB = 8.0F;
-    spatial.voiceMudCutDB = 9.0F;
-    chain.applySpatial(spatial);
-    MixerConfig mixer;
-    mixer.saturationEnabled = mixer.crossfeedEnabled = mixer.limiterEnabled = true;
-    mixer.autoGainEnabled = mixer.manualLoudnessEnabled = true;
-    mixer.saturationDrive = 10.0F;
-    mixer.crossfeedAmount = 11.0F;
-    mixer.limiterThresholdDB = 12.0F;
-    mixer.autoGainTargetDB = 13.0F;
-    mixer.manualLoudnessDB = 14.0F;
-    chain.applyMixer(mixer);
-
+    chain.applySpatial({.widenerEnabled = true,
+                        .widthPercent = 1.0F,
+                        .xtcEnabled = true,
+                        .xtcAmount = 2.0F,
+                        .xtcNotchFrequency = 3.0F,
+                        .reverbEnabled = true,
+                        .reverbMix = 15.0F,
+                        .reverbPreset = SpatialConfig::ReverbPreset::plate,
+                        .bassEnabled = true,
+                        .bassAmount = 4.0F,
+                        .bassDrive = 5.0F,
+                        .bassCrossover = 6.0F,
+                        .bassAdaptiveEnabled = true,
+                        .voiceEnabled = true,
+                        .voiceAmount = 7.0F,
+                        .voicePresenceGainDB = 8.0F,
+                        .voiceMudCutDB = 9.0F,
+                        .voiceAdaptiveEnabled = true});
+    chain.applyMixer({.saturationEnabled = true,
+                      .saturationDrive = 10.0F,
+                      .crossfeedEnabled = true,
+                      .crossfeedAmount = 11.0F,
+                      .limiterEnabled = true,
+                      .limiterThresholdDB = 12.0F,
+                      .autoGainEnabled = true,
+                      .autoGainTargetDB = 13.0F,
+                      .manualLoudnessEnabled = true,
+                      .manualLoudnessDB = 14.0F});
     EXPECT_EQ(chain.reverb().preset(), SpatialConfig::ReverbPreset::plate);
     EXPECT_EQ(chain.reverb().mix(), 15.0F);
     EXPECT_THAT(at(widener), ElementsAre(1.0F, none, none, none));
@@ -238,9 +225,8 @@ TEST_F(UnitSettingsTest, WhatIsOnSendsItsValues) {
 }
 
 TEST_F(UnitSettingsTest, WhatIsOffSendsItsNeutralValue) {
-    SpatialConfig spatial;
-    MixerConfig mixer;
-    mixer.limiterEnabled = false;
+    const SpatialConfig spatial;
+    const MixerConfig mixer{.limiterEnabled = false};
     chain.applySpatial(spatial);
     chain.applyMixer(mixer);
     EXPECT_EQ(at(widener)[0], 100.0F);

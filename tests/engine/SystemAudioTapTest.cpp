@@ -89,7 +89,7 @@ TEST(SystemAudioTapFormat, IsTheTapsUnlessTheClockDiffers) {
               (StreamFormat{.sampleRate = 47999.0, .channelCount = 2}));
 }
 
-TEST_F(SystemAudioTapTest, WhatTheCyclesSayInTheEndHolds) {
+TEST_F(SystemAudioTapTest, TheRateOfTheCyclesReplacesTheAnnouncedOne) {
     const SilentPlayback playback(hardware);
     hardware.setSampleRate("speakers", 96000.0);
     hardware.setDeclaredTapRate(48000.0);
