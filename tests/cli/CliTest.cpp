@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -114,6 +115,25 @@ void CliTest::expectRefusal(const std::vector<std::string> &arguments,
     EXPECT_THAT(result.errors, testing::StartsWith("ostrafine-cli: "));
     EXPECT_THAT(result.errors, testing::HasSubstr(part));
     EXPECT_TRUE(folderContents() == before) << "files were touched";
+}
+
+void CliTest::userSettings(const std::string &text) const {
+    std::filesystem::create_directories(root_ / "Quorbel");
+    file("../Quorbel/state.json", text);
+}
+
+void CliTest::userSettings(const Persisted &settings) const {
+    userSettings(encodeRecord(settings));
+}
+
+double CliTest::gain(std::size_t first, std::size_t last) const {
+    const auto power = [&](const Sound &sound) {
+        double sum = 0.0;
+        for (std::size_t frame = first; frame < last; ++frame)
+            sum += std::pow(static_cast<double>(sound.at(frame, 0)), 2);
+        return sum;
+    };
+    return 10.0 * std::log10(power(sound(path("out.wav"))) / power(sound(path("in.wav"))));
 }
 
 Persisted CliTest::flatSettings() {

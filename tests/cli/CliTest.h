@@ -66,6 +66,13 @@ class CliTest : public testing::Test {
     /// was.
     void expectRefusal(const std::vector<std::string> &arguments, const std::string &part) const;
 
+    /// Writes the user's own settings file.
+    void userSettings(const std::string &text) const;
+    void userSettings(const Persisted &settings) const;
+
+    /// The gain in dB from in.wav to out.wav, over the frames from `first` to `last`.
+    [[nodiscard]] double gain(std::size_t first, std::size_t last) const;
+
     /// Settings that change nothing that can be heard, without the limiter's delay.
     [[nodiscard]] static Persisted flatSettings();
 

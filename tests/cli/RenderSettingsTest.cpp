@@ -3,8 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cmath>
-
 namespace quorbel {
 namespace {
 
@@ -15,19 +13,6 @@ class RenderSettings : public CliTest {
         settings.eqGlobalGainDB = gainDB;
         return settings;
     }
-
-    /// The gain in dB from IN to OUT, over the frames from `first` to `last`.
-    [[nodiscard]] double gain(std::size_t first, std::size_t last) const {
-        const Sound in = sound(path("in.wav"));
-        const Sound out = sound(path("out.wav"));
-        double inPower = 0.0;
-        double outPower = 0.0;
-        for (std::size_t frame = first; frame < last; ++frame) {
-            inPower += std::pow(static_cast<double>(in.at(frame, 0)), 2);
-            outPower += std::pow(static_cast<double>(out.at(frame, 0)), 2);
-        }
-        return 10.0 * std::log10(outPower / inPower);
-    }
 };
 
 TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefaults) {
@@ -36,15 +21,14 @@ TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefault
     ASSERT_EQ(run({"render", "in.wav", "out.wav"}).status, 0);
     EXPECT_NEAR(gain(10000, 19000), 0.0, 0.01);
 
-    std::filesystem::create_directory(path("../Quorbel"));
-    file("../Quorbel/state.json", settingsWithGain(-6.0F));
+    userSettings(settingsWithGain(-6.0F));
     ASSERT_EQ(run({"render", "in.wav", "out.wav"}).status, 0);
     EXPECT_NEAR(gain(10000, 19000), -6.0, 0.01);
     ASSERT_EQ(run({"render", "--settings", "louder.json", "in.wav", "out.wav"}).status, 0);
     EXPECT_NEAR(gain(10000, 19000), 3.0, 0.01);
 
     std::filesystem::remove(path("out.wav"));
-    file("../Quorbel/state.json", std::string("{}"));
+    userSettings("{}");
     expectRefusal({"render", "in.wav", "out.wav"}, "state.json: bands: required, but missing");
     EXPECT_EQ(bytes(path("../Quorbel/state.json")), "{}");
 }
@@ -93,8 +77,7 @@ TEST_F(RenderSettings, aPresetReplacesBandsAndSpatialSettingsOnly) {
 TEST_F(RenderSettings, theListOfPresetsEndsWithTheUsersOwn) {
     Persisted settings = flatSettings();
     settings.presets = {{.id = Uuid::random(), .name = "Evening", .notes = "Soft\x1B\u009Bä"}};
-    std::filesystem::create_directory(path("../Quorbel"));
-    file("../Quorbel/state.json", settings);
+    userSettings(settings);
     const std::string text = run({"presets"}).output;
     EXPECT_THAT(text, testing::StartsWith("General\n  Flat "));
     EXPECT_THAT(text, testing::HasSubstr("\nMine\n  Evening "));

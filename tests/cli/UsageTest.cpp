@@ -56,8 +56,7 @@ TEST_F(Usage, bashCompletesNamesAndQuotesThem) {
 
     Persisted settings = flatSettings();
     settings.presets.push_back({.name = "It's $5: \"a=b\""});
-    std::filesystem::create_directory(path("../Quorbel"));
-    file("../Quorbel/state.json", settings);
+    userSettings(settings);
     EXPECT_EQ(completed({"live", "--preset", "it"}), "It\\'s\\ \\$5\\:\\ \\\"a\\=b\\\"\n");
     EXPECT_EQ(completed({"live", "--preset", "'it"}), "It'\\''s $5: \"a=b\"\n");
     EXPECT_EQ(completed({"live", "--preset", "\"it"}), "It's \\$5: \\\"a=b\\\"\n");
