@@ -1,11 +1,9 @@
 #include "equalizer/ParametricEqualizerNode.h"
 #include "platform/graph/GraphFixture.h"
 #include "platform/units/UnitStatus.h"
-#include "support/SineFit.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <span>
 
 #include <algorithm>
 #include <limits>
@@ -70,54 +68,31 @@ TEST(ManualRenderTest, AFailingStageIsPassedOverAndAFailingSourceIsSilent) {
     EXPECT_EQ(block.left[0], 204.0F);
 }
 
-/// A sine source whose output is compared after the mixer's conversion.
-struct SineGraph {
-    std::int64_t pulled = 0;
-    SourceNode source{chain, [this](const AudioBufferList &buffers, std::uint32_t frames) {
-                          for (std::uint32_t i = 0; i < frames; ++i, ++pulled)
-                              buffers.data[0][i] = buffers.data[1][i] = static_cast<float>(
-                                  0.5 * std::sin(2.0 * std::numbers::pi * 1000.0 *
-                                                 static_cast<double>(pulled) / 48000.0));
-                          return statusOK;
-                      }};
-    TestOutput::Line line;
-    AudioGraph graph{std::make_unique<TestOutput>(line)};
+struct ConvertingGraphTest : ::testing::TestWithParam<double> {};
 
-    void start() {
-        connectInLine(graph, {&source});
-        ASSERT_EQ(graph.start(), statusOK);
-    }
-};
-
-struct ConvertingGraphTest : ::testing::TestWithParam<double>, SineGraph {};
-
-TEST_P(ConvertingGraphTest, KeepsPitchAndLevelAndPullsExactlyWhatItNeeds) {
+// That the converter keeps pitch and level is measured where it is tested.
+TEST_P(ConvertingGraphTest, PullsExactlyWhatItNeeds) {
     const double rate = GetParam();
+    CountingSource source;
+    TestOutput::Line line;
     line.native = {rate, 2};
-    start();
+    AudioGraph graph{std::make_unique<TestOutput>(line)};
+    connectInLine(graph, {&source.node});
+    ASSERT_EQ(graph.start(), statusOK);
     EXPECT_EQ(graph.outputFormat(graph.mainMixer()), (StreamFormat{rate, 2}));
 
-    std::vector<float> played;
+    double played = 0.0;
     double worstDrift = 0.0;
-    std::uint32_t frames = 1;
-    while (played.size() < static_cast<std::size_t>(rate)) {
+    for (std::uint32_t frames = 1; played < rate; frames = frames * 5 % 9973 + 1) {
         const Stereo block = line.play(frames);
-        ASSERT_EQ(block.left, block.right);
-        played.insert(played.end(), block.left.begin(), block.left.end());
-        worstDrift =
-            std::max(worstDrift, std::abs(static_cast<double>(pulled) -
-                                          static_cast<double>(played.size()) * 48000.0 / rate));
-        frames = frames * 5 % 9973 + 1;
+        played += frames;
+        for (std::uint32_t i = 0; i < frames; ++i)
+            ASSERT_EQ(block.left[i], -block.right[i]);
+        worstDrift = std::max(
+            worstDrift, std::abs(static_cast<double>(source.position) - played * 48000.0 / rate));
     }
     // Never more than the frame that the next output sample lies in.
     EXPECT_LE(worstDrift, 2.0 + 48000.0 / rate);
-
-    // Hundredths of a second hold whole periods, at 44.1 kHz too.
-    const auto period = static_cast<std::size_t>(std::lround(rate / 100.0));
-    const auto fit =
-        SineFit::of(std::span(played).last(played.size() / 2 / period * period), 1000.0, rate);
-    EXPECT_NEAR(20.0 * std::log10(fit.amplitude / 0.5), 0.0, 0.05);
-    EXPECT_LT(20.0 * std::log10(fit.residual / 0.5), -93.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rates, ConvertingGraphTest,

@@ -47,47 +47,35 @@ TEST(ThreadedSerialQueueTest, ATimerMayCancelItselfAndEndsWithTheQueue) {
     EXPECT_EQ(ticks, 1);
 }
 
+/// Waits until a queue has run a task, and returns the thread that ran it.
+std::thread::id threadOf(SerialQueue &queue) {
+    std::promise<std::thread::id> thread;
+    std::atomic<bool> first{true};
+    const auto timer = queue.repeating(1e-4, 1e-4, [&] {
+        if (first.exchange(false))
+            thread.set_value(std::this_thread::get_id());
+    });
+    const auto result = thread.get_future().get();
+    queue.cancel(timer);
+    return result;
+}
+
 TEST(SharedThreadSerialQueueTest, QueuesEndOneByOneAndTheThreadWithTheLast) {
     const auto queues = sharedThreadSerialQueues("shared");
-    std::atomic<int> firstTicks{0};
-    std::promise<std::thread::id> firstThread;
-    std::promise<std::thread::id> secondThread;
     auto first = queues("first");
     auto second = queues("second");
-    std::atomic<bool> told{false};
-    first->repeating(1e-4, 1e-4, [&] {
-        if (!told.exchange(true))
-            firstThread.set_value(std::this_thread::get_id());
-        ++firstTicks;
-    });
-    std::atomic<bool> secondTold{false};
-    const auto tell = second->repeating(1e-4, 1e-4, [&] {
-        if (!secondTold.exchange(true))
-            secondThread.set_value(std::this_thread::get_id());
-    });
-    EXPECT_EQ(firstThread.get_future().get(), secondThread.get_future().get());
-    second->cancel(tell);
-
+    EXPECT_EQ(threadOf(*first), threadOf(*second));
+    std::atomic<int> firstTicks{0};
+    first->repeating(1e-4, 1e-4, [&] { ++firstTicks; });
+    (void)threadOf(*first);
     first.reset();
     const int ended = firstTicks;
-    std::promise<void> stillRuns;
-    std::atomic<int> ticks{0};
-    second->repeating(1e-4, 1e-4, [&] {
-        if (++ticks == 20)
-            stillRuns.set_value();
-    });
-    stillRuns.get_future().wait();
+    for (int task = 0; task < 20; ++task)
+        (void)threadOf(*second);
     EXPECT_EQ(firstTicks, ended) << "the other queue's timer went with it";
-
     second.reset();
-    std::promise<void> again;
-    std::atomic<bool> ranAgain{false};
     auto third = queues("third");
-    third->repeating(1e-4, 1e-4, [&] {
-        if (!ranAgain.exchange(true))
-            again.set_value();
-    });
-    again.get_future().wait();
+    (void)threadOf(*third); // on a new thread
 }
 
 TEST(ClockedSerialQueueTest, TicksAtExactlyItsTimesAndNotBeyondItsEnd) {

@@ -7,13 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <optional>
+#include <utility>
 
 namespace quorbel {
 namespace {
 
 constexpr ComponentDescription testKind{fourCharCode("aufx"), fourCharCode("test"),
                                         fourCharCode("Qrbl")};
+static_assert(fourCharCode("agc`") == 0x61676360);
 
 class BareUnit : public AudioUnit {
   public:
@@ -30,53 +31,38 @@ class BareUnit : public AudioUnit {
     AudioUnitBusArray outputs_{AudioUnitBusArray::Type::output, {&output}};
 };
 
-struct AudioUnitRegistryTest : ::testing::Test {
+TEST(AudioUnitRegistryTest, MakesWhatIsRegisteredAndReportsWhyAnythingElseIsNotMade) {
     ManualClock clock;
     AudioUnitRegistry registry{clock};
-
-    struct Result {
-        std::unique_ptr<AudioUnit> unit;
-        Status status = statusOK;
-    };
-    std::optional<Result> result;
-
-    void instantiate(const ComponentDescription &description) {
-        result.reset();
-        registry.instantiate(description, 5,
-                             [this](std::unique_ptr<AudioUnit> unit, Status status) {
-                                 result = Result{std::move(unit), status};
-                             });
-        EXPECT_FALSE(result.has_value()) << "completed inside the call";
+    std::unique_ptr<AudioUnit> unit;
+    const auto statusOfMaking = [&] {
+        Status result = 1;
+        registry.instantiate(testKind, 5, [&](std::unique_ptr<AudioUnit> made, Status status) {
+            unit = std::move(made);
+            result = status;
+        });
+        EXPECT_EQ(result, 1) << "completed inside the call";
         clock.runPending();
-        ASSERT_TRUE(result.has_value());
-    }
-};
-
-TEST_F(AudioUnitRegistryTest, MakesWhatIsRegisteredAndReportsWhatIsNot) {
+        return result;
+    };
+    EXPECT_EQ(statusOfMaking(), statusComponentNotFound);
     registry.registerSubclass(
         [](const ComponentDescription &, InstantiationOptions) -> std::unique_ptr<AudioUnit> {
-            throw AudioUnitError(-1, "replaced before it is used");
+            const AudioUnitBus impossible(StreamFormat{0.0, 2});
+            return nullptr;
         },
-        testKind, "Old", 1);
+        testKind, "Broken", 1);
+    EXPECT_EQ(statusOfMaking(), statusFormatNotSupported);
     registry.registerSubclass(
         [](const ComponentDescription &description, InstantiationOptions options) {
             return std::make_unique<BareUnit>(description, options);
         },
         testKind, "Test", 2);
-    ASSERT_EQ(registry.components().size(), 1U);
-    EXPECT_EQ(registry.components()[0].name, "Test");
-
-    instantiate(testKind);
-    ASSERT_NE(result->unit, nullptr);
-    EXPECT_EQ(result->status, statusOK);
-    EXPECT_EQ(result->unit->componentDescription(), testKind);
-    EXPECT_EQ(result->unit->options(), 5U);
-
-    ComponentDescription unknown = testKind;
-    unknown.subtype = fourCharCode("none");
-    instantiate(unknown);
-    EXPECT_EQ(result->unit, nullptr);
-    EXPECT_EQ(result->status, statusComponentNotFound);
+    ASSERT_EQ(registry.components().size(), 1U) << "in the place of the broken one";
+    EXPECT_EQ(statusOfMaking(), statusOK);
+    ASSERT_NE(unit, nullptr);
+    EXPECT_EQ(unit->componentDescription(), testKind);
+    EXPECT_EQ(unit->options(), 5U);
 }
 
 TEST(AudioUnitTest, BussesKeepTheirFormatWhenOneIsRefusedAndMustAgree) {
@@ -92,40 +78,19 @@ TEST(AudioUnitTest, BussesKeepTheirFormatWhenOneIsRefusedAndMustAgree) {
     EXPECT_TRUE(unit.renderResourcesAllocated());
 }
 
-static_assert(fourCharCode("agc`") == 0x61676360);
-
-std::shared_ptr<Parameter> gain() {
-    return std::make_shared<Parameter>(ParameterDescription{
-        .identifier = "gain", .name = "Gain", .address = 7, .minimum = -12.0F, .maximum = 12.0F});
-}
-
 TEST(ParameterTreeTest, TakesOnlyValuesInsideTheRange) {
-    const auto parameter = gain();
+    const auto parameter = std::make_shared<Parameter>(ParameterDescription{
+        .identifier = "gain", .name = "Gain", .address = 7, .minimum = -12.0F, .maximum = 12.0F});
     const ParameterTree tree({parameter});
-    const auto valueAfterSetting = [&](float value) {
-        parameter->setValue(value);
-        return parameter->value();
-    };
-    EXPECT_EQ(valueAfterSetting(3.5F), 3.5F);
-    EXPECT_EQ(valueAfterSetting(1e9F), 12.0F);
-    EXPECT_EQ(valueAfterSetting(-std::numeric_limits<float>::infinity()), -12.0F);
-    EXPECT_EQ(valueAfterSetting(5.0F), 5.0F);
-    EXPECT_EQ(valueAfterSetting(std::numeric_limits<float>::quiet_NaN()), 5.0F);
-    EXPECT_EQ(parameter->description().flags, 0xC0000000U);
+    using Limits = std::numeric_limits<float>;
+    for (const auto &[set, value] :
+         {std::pair{3.5F, 3.5F}, std::pair{1e9F, 12.0F}, std::pair{-Limits::infinity(), -12.0F},
+          std::pair{Limits::quiet_NaN(), -12.0F}}) {
+        parameter->setValue(set);
+        EXPECT_EQ(parameter->value(), value);
+    }
     EXPECT_EQ(tree.parameterWithAddress(7), parameter.get());
     EXPECT_EQ(tree.parameterWithAddress(0), nullptr);
-}
-
-TEST_F(AudioUnitRegistryTest, PassesOnWhyAUnitCannotBeMade) {
-    registry.registerSubclass(
-        [](const ComponentDescription &, InstantiationOptions) -> std::unique_ptr<AudioUnit> {
-            const AudioUnitBus impossible(StreamFormat{0.0, 2});
-            return nullptr;
-        },
-        testKind, "Broken", 1);
-    instantiate(testKind);
-    EXPECT_EQ(result->unit, nullptr);
-    EXPECT_EQ(result->status, statusFormatNotSupported);
 }
 
 } // namespace
