@@ -86,7 +86,7 @@ CLI::App *addSubcommand(CLI::App &parent, const Command &command) {
     return subcommand;
 }
 
-/// The library only says that a subcommand is required where the word is none of them.
+/// Names a word that is no subcommand: the library only says that one is required.
 bool complainedOfWord(const CLI::App &asked) {
     const std::vector<std::string> unknown = asked.remaining();
     if (unknown.empty() || !asked.get_subcommands().empty())

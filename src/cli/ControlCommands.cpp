@@ -122,7 +122,7 @@ void printRows(const QVariantMap &properties) {
     row("Meters", [](const QVariant &value) { return metersText(value.toMap()); });
 }
 
-/// Property names begin with a small letter there.
+/// Converts a value to JSON. Names of properties begin with a small letter there.
 std::string jsonOf(const QVariant &value) {
     std::string json;
     if (value.typeId() == QMetaType::QVariantMap) {
@@ -175,7 +175,7 @@ class ControlWatchCommand final : public ControlCommand {
         const auto show = [&](const QVariantMap &properties) {
             QVariantMap news;
             for (auto property = properties.begin(); property != properties.end(); ++property)
-                if (property.key() != QLatin1String("Meters") && // as they were a moment ago
+                if (property.key() != QLatin1String("Meters") && // only a snapshot
                     known.value(property.key()) != *property)
                     news[property.key()] = known[property.key()] = *property;
             if (news.isEmpty())

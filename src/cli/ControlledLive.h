@@ -68,7 +68,7 @@ class ControlledLive final : public ControlledProgram {
     const OutputProfiles &profiles() override { return profiles_.profiles(); }
     std::string start() override;
     void stop() override { engine_.stop(); }
-    std::string refusal() const override { return {}; } // told to whoever asked
+    std::string refusal() const override { return {}; } // the remote caller gets the message
     void edit(const std::string &, const std::string &,
               const std::function<void()> &change) override {
         change();

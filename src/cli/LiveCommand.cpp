@@ -130,7 +130,7 @@ void LiveCommand::run() const {
         const EngineLifecycle::State &state = engine.state();
         if (state.kind == EngineLifecycle::State::Kind::error && !engine.isComingBack()) {
             if (program.wasStartAsked())
-                return; // who asked is told
+                return; // the remote caller gets the message
             failure = state.message;
             QCoreApplication::exit(1);
         } else if (state.kind == EngineLifecycle::State::Kind::running || engine.isLeavingAlone()) {

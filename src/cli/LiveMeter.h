@@ -19,7 +19,7 @@ class LiveMeter {
   public:
     /// Both must outlive the meter.
     LiveMeter(AudioEngine &engine, Clock &clock);
-    /// Takes the line away.
+    /// Erases the line.
     ~LiveMeter();
     LiveMeter(const LiveMeter &) = delete;
     LiveMeter &operator=(const LiveMeter &) = delete;

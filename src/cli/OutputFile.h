@@ -14,7 +14,7 @@ class OutputFile {
 
     [[nodiscard]] int descriptor() const { return file_.descriptor(); }
     void write(std::string_view bytes);
-    /// Gives the file its name; without this call there is nothing new.
+    /// Gives the file its name; without this call nothing is written.
     void commit();
     [[noreturn]] void fail(const std::string &reason) const;
 

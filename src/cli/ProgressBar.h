@@ -11,7 +11,7 @@ class ProgressBar {
   public:
     /// `totalFrames` at 48 kHz, 0 for unknown.
     explicit ProgressBar(std::uint64_t totalFrames);
-    /// Takes the bar away.
+    /// Erases the bar.
     ~ProgressBar();
     ProgressBar(const ProgressBar &) = delete;
     ProgressBar &operator=(const ProgressBar &) = delete;

@@ -26,8 +26,8 @@ namespace quorbel {
 
 namespace {
 
-/// A check for signals costs a system call. Even in blocks of one frame this many take some
-/// hundredths of a second.
+/// Interval between checks for signals, each of which costs a system call. Rendering this many
+/// frames takes some hundredths of a second at most.
 constexpr std::uint32_t framesBetweenSignalChecks = 16384;
 
 /// A settings file that takes effect at the first block boundary at or after a frame.

@@ -17,7 +17,7 @@ namespace quorbel {
 /// Throws CommandError, naming it, when it cannot be written.
 class TableFile {
   public:
-    /// `names`: the first row, without its line end, as all rows.
+    /// `names` is the first row. All rows are given without their line end.
     TableFile(const std::string &path, std::string_view names);
 
     void addRow(std::string_view row);

@@ -51,7 +51,8 @@ class WriteBehind {
         if (started_ > written_) {
             constexpr unsigned all =
                 SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
-            // An error is told once: a later synchronisation of the whole file would not know it.
+            // The system reports an error once: a later synchronisation of the whole file would not
+            // know it.
             if (sync_file_range(descriptor_, offset(written_), offset(started_ - written_), all) !=
                     0 &&
                 isOfTheDisk(errno))

@@ -88,10 +88,10 @@ class AudioEngine final : public QObject {
         return outputDevice_ && outputDevice_->uid != chosenUID_;
     }
 
-    /// From now on `rule`, which must outlive the engine or be taken back, says what each output is
-    /// used for; null for none.
+    /// Sets the rule that decides what each output is used for; null for none. The rule must
+    /// outlive the engine, or be replaced before its end.
     void setOutputRule(OutputRule *rule);
-    /// To be called when the rule has another opinion of the output in use.
+    /// To be called when the rule's decision about the output in use may have changed.
     void followOutputRule();
     /// Whether the user wants processing, but not on the output in use: nothing is captured. The
     /// state is `stopped` meanwhile; the engine starts by itself with another output.

@@ -44,7 +44,7 @@ void AudioEngine::followOutputRule() {
         decideOutput(use.isLeftAlone);
         return;
     }
-    // The settings stay until then; after a while those of what is known by then will do.
+    // Keeps the settings meanwhile. After the longest wait it decides with the names known by then.
     if ((isRunning || isLeavingAlone_) && !identityDeadline_.isSet())
         identityDeadline_ = Timer::once(clock_, longestIdentityWaitSeconds,
                                         [this] { decideOutput(useOfOutput().isLeftAlone); });
@@ -64,7 +64,7 @@ void AudioEngine::decideOutput(bool isLeftAlone) {
     }
 }
 
-/// Applications play on the output themselves until another one is in use, or the rule is another.
+/// Applications play on the output directly until another output is in use or the rule changes.
 void AudioEngine::leaveOutputAlone() {
     comebackTimer.invalidate();
     lifecycle.end();
@@ -91,7 +91,7 @@ bool AudioEngine::awaitIdentity(EngineLifecycle::Generation start) {
         continueStart(start);
     };
     deviceManager_.startObservingHardware();
-    deviceManager_.refreshIfChanged(); // whatever happened before anybody listened
+    deviceManager_.refreshIfChanged(); // changes from before the observation
     followWantedOutput();
     return useOfOutput().isAwaited;
 }

@@ -19,7 +19,7 @@ namespace {
 // after the last.
 constexpr double outputRestartDelaySeconds = 0.15;
 
-/// Interval of the looks at the hardware. A look costs next to nothing while no server answers.
+/// Interval of the checks of the hardware. A check costs next to nothing while no server answers.
 constexpr double lookSeconds = 0.25;
 /// A start that keeps failing is tried less often, but never abandoned.
 constexpr double longestPauseSeconds = 2.0;
@@ -66,8 +66,8 @@ void AudioEngine::followWantedOutput() {
         moveOutput(std::move(wanted));
 }
 
-/// While nothing plays only the display depends on the device, so a missing choice is shown as such
-/// until the start.
+/// Shows a missing choice as such until the start: while nothing plays, only the display depends on
+/// the device.
 void AudioEngine::followDeviceList() {
     const bool isAtRest = !lifecycle.isStarting() && !isComingBack() &&
                           lifecycle.state() != EngineLifecycle::State::running();
@@ -170,7 +170,7 @@ void AudioEngine::awaitComeback() {
 }
 
 /// Makes the next attempt after the longest pause: on some servers the rate is known only once
-/// sound flows, and every attempt moves the applications to and fro.
+/// sound flows, and every attempt moves the applications twice.
 void AudioEngine::failAtRate(double sampleRate) {
     if (lifecycle.state() != EngineLifecycle::State::running())
         return;
@@ -186,7 +186,7 @@ void AudioEngine::scheduleComeback() {
 }
 
 void AudioEngine::comeBack() {
-    scheduleComeback(); // the next look, whatever the result of this one
+    scheduleComeback(); // the next check, whatever the result of this one
     if (lifecycle.isStarting())
         return;
     deviceManager_.refreshIfChanged();

@@ -10,13 +10,13 @@ struct OutputUse {
     bool isAwaited = false;   ///< may change once the device's identity is complete
 };
 
-/// Says what each output is for and brings its settings. The engine asks at its start and when the
-/// output in use or its identity has changed. [main]
+/// Decides what each output is used for and sets its settings. The engine asks at its start and
+/// when the output in use or its identity has changed. [main]
 class OutputRule {
   public:
     virtual ~OutputRule() = default;
 
-    /// Whether outputs are told apart. If not, no other call is made, and nothing is waited for.
+    /// True if the rule has any effect. If not, the engine makes no other call and never waits.
     [[nodiscard]] virtual bool isInForce() const = 0;
 
     [[nodiscard]] virtual OutputUse useOf(const AudioDevice &device) const = 0;

@@ -13,7 +13,7 @@ class NothingToControl : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Asks the running program. Starts, raises and ends none. Needs an application object. [main]
+/// Asks the running program; never starts, raises or ends one. Needs an application object. [main]
 class RemoteClient final : public QObject {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ class RemoteClient final : public QObject {
     [[nodiscard]] QVariantMap properties();
     void setProperty(const QString &name, const QVariant &value);
 
-    /// From now on `changed` and `moved` are signalled. Throws NothingToControl.
+    /// Begins to signal `changed` and `moved`. Throws NothingToControl.
     void watch();
 
   Q_SIGNALS:

@@ -36,13 +36,13 @@ struct OutputKey {
 /// The settings for some outputs.
 struct OutputProfile {
     enum class Use {
-        preset,     ///< a preset, or with no preset's id settings of one's own
+        preset,     ///< a preset; without an id, the profile's own settings
         flat,       ///< processed, but without any change
         leaveAlone, ///< nothing is captured while the output is in use
     };
 
     OutputKey key{};
-    std::string label{}; ///< what the user calls the output: its name when it was last seen
+    std::string label{}; ///< the output's name for the user when it was last seen
     Use use = Use::preset;
     std::optional<Uuid> presetID{};
     std::optional<std::string> presetName{}; ///< identifies the preset when its id is gone

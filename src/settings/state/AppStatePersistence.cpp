@@ -64,7 +64,7 @@ void AppState::readPresetGains() {
         if (auto warning = gainsFile_.read())
             setPersistWarning(std::move(warning));
     } catch (const SettingsFileError &) {
-        return; // a save will say so
+        return; // the next save reports it
     }
     if (const float gainDB = gainsFile_.gains.inUse(activePresetID_);
         gainDB != engine_->eq().presetGainDB())
@@ -235,7 +235,7 @@ void AppState::takeFileChanges() {
             take(*theirs);
         unreadableLook_.invalidate();
     } catch (const SettingsFileError &) {
-        return; // a save will say so
+        return; // the next save reports it
     } catch (const DecodingError &) {
         unreadableLook_ =
             Timer::once(clock_, secondLookSeconds, [this] { moveAsideIfUnreadable(); });
@@ -248,7 +248,7 @@ void AppState::takeProfileChanges() {
         if (profiles_.takeFileChanges())
             engine_->followOutputRule();
     } catch (const SettingsFileError &) {
-        return; // a save will say so
+        return; // the next save reports it
     } catch (const DecodingError &) {
         unreadableProfilesLook_ =
             Timer::once(clock_, secondLookSeconds, [this] { lookAgainAtProfiles(); });
@@ -260,7 +260,7 @@ void AppState::lookAgainAtProfiles() {
         if (profiles_.takeFileChanges())
             engine_->followOutputRule();
     } catch (const SettingsFileError &) {
-        return; // a save will say so
+        return; // the next save reports it
     } catch (const DecodingError &error) {
         setPersistWarning(fmt::format("The profiles of the outputs stay as they were: {}: {}",
                                       profiles_.path(), error.what()));
@@ -273,7 +273,7 @@ void AppState::moveAsideIfUnreadable() {
         if (auto warning = takeUnseenOrMoveAside())
             setPersistWarning(std::move(warning));
     } catch (const std::exception &) {
-        return; // a save will say so
+        return; // the next save reports it
     }
 }
 

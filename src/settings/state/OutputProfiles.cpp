@@ -242,7 +242,7 @@ void OutputProfiles::assign(const OutputKey &key, const std::string &label, Use 
     else
         profiles_.push_back(std::move(profile));
     if (owner_ == key)
-        owner_.reset(); // for its settings to be played; those of before have been given up
+        owner_.reset(); // so that its settings are played; the earlier ones are dropped
     Q_EMIT changed();
 }
 

@@ -40,7 +40,7 @@ concept IsText =
 /// `bands[2].gainDB` as {"bands", "2", "gainDB"}.
 std::vector<std::string> stepsOf(std::string_view path) {
     if (path.size() > longestPath)
-        return {std::string(path)}; // which nothing is named
+        return {std::string(path)}; // no setting has this name
     std::vector<std::string> steps{""};
     for (const char character : path)
         if (character == '.' || character == '[')
