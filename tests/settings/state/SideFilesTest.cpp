@@ -197,6 +197,7 @@ TEST_F(FavouritesFile, KeepsTheirOrder) {
     auto one = program();
     Favourites::write(one, {a});
     Favourites::write(one, {c, a, b});
+    EXPECT_THAT(Favourites::in(one), ElementsAre(a, c, b));
     EXPECT_THAT(saved(), ElementsAre(a, c, b));
 }
 
