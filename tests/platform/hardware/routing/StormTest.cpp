@@ -7,7 +7,7 @@
 namespace quorbel::desktop {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef __SANITIZE_ADDRESS__
 constexpr int usualStorms = 600;
 #else
 constexpr int usualStorms = 20'000;
