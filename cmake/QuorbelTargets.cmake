@@ -18,6 +18,10 @@ if(QUORBEL_SANITIZE)
         -Wno-maybe-uninitialized)
     target_link_options(quorbel_options INTERFACE -fsanitize=${QUORBEL_SANITIZE})
 endif()
+if(QUORBEL_DISABLED_VECTOR_TARGETS)
+    target_compile_definitions(quorbel_options INTERFACE
+        QUORBEL_DISABLED_VECTOR_TARGETS=${QUORBEL_DISABLED_VECTOR_TARGETS})
+endif()
 
 # quorbel_library(NAME SOURCES file... LINKS target...): a static library of one layer folder.
 # LINKS mirrors the layer table that scripts/check-layers guards.

@@ -6,4 +6,10 @@
 /// The compiler does not know the size of SVE's and RVV's vectors, so they cannot be members of the
 /// kernels' structures (GCC 12: "member variables cannot have SVE type"). Machines with SVE run the
 /// kernels on NEON's 128-bit vectors; on RVV they run as scalar code.
-#define HWY_DISABLED_TARGETS (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV)
+///
+/// The builds for sanitizers and fuzzers leave out more targets (cmake/QuorbelTargets.cmake).
+#ifndef QUORBEL_DISABLED_VECTOR_TARGETS
+#define QUORBEL_DISABLED_VECTOR_TARGETS 0
+#endif
+#define HWY_DISABLED_TARGETS                                                                       \
+    (HWY_SVE | HWY_SVE2 | HWY_SVE_256 | HWY_SVE2_128 | HWY_RVV | QUORBEL_DISABLED_VECTOR_TARGETS)
