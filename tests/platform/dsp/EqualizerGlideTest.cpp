@@ -17,7 +17,7 @@ namespace {
 using testing::energyOutsideDB;
 
 constexpr std::size_t second = 48000;
-constexpr double rate = 48000.0;
+constexpr double glideRate = 48000.0;
 
 EqualizerBandSettings band(EqualizerFilterType type, float frequency, float octaves, float gainDB,
                            bool bypass = false) {
@@ -93,7 +93,7 @@ TEST_P(EqualizerChange, neitherClicksNorJumpsUp) {
     for (const Change &change : changes) {
         ParametricEqualizer equalizer(1);
         equalizer.setBand(0, change.before);
-        equalizer.prepare(rate);
+        equalizer.prepare(glideRate);
         const std::vector<float> sound =
             playThrough(equalizer, sine(frequency, 2 * second, 0.25).left,
                         [&] { equalizer.setBand(0, change.after); });
@@ -124,7 +124,7 @@ TEST(EqualizerGlide, manyBandsAtOnceStayBetweenBothEnds) {
     };
     for (const float shift : {1.0F, 1.7F}) { // gliding, fading
         apply(12.0F, 1.0F);
-        equalizer.prepare(rate);
+        equalizer.prepare(glideRate);
         const std::vector<float> sound = playThrough(equalizer, sine(1000.0, 2 * second, 0.05).left,
                                                      [&] { apply(-12.0F, shift); });
         const std::span<const float> all(sound);
@@ -137,7 +137,7 @@ TEST(EqualizerGlide, manyBandsAtOnceStayBetweenBothEnds) {
 TEST(EqualizerGlide, theGlobalGainMovesWithoutAStep) {
     ParametricEqualizer equalizer(1);
     equalizer.setGlobalGainDB(-12.0F);
-    equalizer.prepare(rate);
+    equalizer.prepare(glideRate);
     const std::vector<float> sound = playThrough(equalizer, sine(100.0, 2 * second, 0.25).left,
                                                  [&] { equalizer.setGlobalGainDB(6.0F); });
     const std::span<const float> all(sound);
@@ -154,7 +154,7 @@ double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t up
         equalizer.setBand(0, band(type, frequency, 1.39F, static_cast<float>(gainDB)));
     };
     set(-12.0);
-    equalizer.prepare(rate);
+    equalizer.prepare(glideRate);
     std::vector<float> left = sine(1000.0, 2 * second, std::pow(10.0, -12.0 / 20.0)).left;
     std::vector<float> right = left;
     std::size_t nextUpdate = second / 2;
@@ -162,7 +162,7 @@ double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t up
         if (start >= nextUpdate) {
             const std::size_t updates = (start - second / 2) / updateFrames;
             const auto elapsedFrames = static_cast<double>(updates * updateFrames);
-            set(std::min(-12.0 + 24.0 * elapsedFrames / rate, 12.0));
+            set(std::min(-12.0 + 24.0 * elapsedFrames / glideRate, 12.0));
             nextUpdate += updateFrames;
         }
         const std::size_t frames = std::min(block, left.size() - start);
@@ -170,7 +170,7 @@ double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t up
                           static_cast<std::uint32_t>(frames));
     }
     // The sweep alone, so that the loud end does not hide anything.
-    return energyOutsideDB(std::span(left).subspan(second / 2, second), 900.0, 1100.0, rate);
+    return energyOutsideDB(std::span(left).subspan(second / 2, second), 900.0, 1100.0, glideRate);
 }
 
 TEST(EqualizerGlide, sweepsWithoutZipperNoise) {

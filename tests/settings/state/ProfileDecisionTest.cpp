@@ -26,7 +26,7 @@ OutputKey onNode(const std::string &node) { return {.node = node}; }
 OutputKey onCard(const std::string &card) { return {.card = card}; }
 OutputKey inMusic(const std::string &card) { return {.card = card, .bluetooth = Bluetooth::music}; }
 OutputKey inCalls(const std::string &card) { return {.card = card, .bluetooth = Bluetooth::call}; }
-const OutputKey anyOther;
+const OutputKey anyOutput;
 
 // Outputs
 OutputIdentity sink(const std::string &node) { return {.node = node}; }
@@ -56,7 +56,7 @@ struct Situation {
 };
 
 const std::vector<OutputProfile> full{
-    profile("any", anyOther),
+    profile("any", anyOutput),
     profile("card", onCard(pci)),
     profile("node", onNode("node")),
     profile("speaker", onRoute(pci, speaker)),
@@ -65,17 +65,17 @@ const std::vector<OutputProfile> full{
     profile("calls", inCalls(headset)),
 };
 const std::vector<OutputProfile> alone{
-    profile("any", anyOther, Use::leaveAlone),
+    profile("any", anyOutput, Use::leaveAlone),
     profile("speaker", onRoute(pci, speaker), Use::flat),
     profile("headphones", onRoute(pci, headphones), Use::leaveAlone),
 };
-const std::vector<OutputProfile> coarse{profile("any", anyOther), profile("card", onCard(pci)),
+const std::vector<OutputProfile> coarse{profile("any", anyOutput), profile("card", onCard(pci)),
                                         profile("bluetooth card", onCard(headset))};
 const std::vector<OutputProfile> lone{profile("headphones", onRoute(pci, headphones))};
 const std::vector<OutputProfile> byNode{profile("old name", onNode("bluez_output.00_11.a2dp-sink")),
                                         profile("music", inMusic(headset))};
 const std::vector<OutputProfile> nodeCall{profile("node", onNode("bluez_output.00_11.1")),
-                                          profile("any", anyOther)};
+                                          profile("any", anyOutput)};
 
 const std::vector<OutputProfile> twice{profile("first", onCard(pci)),
                                        profile("second", onCard(pci))};
@@ -157,7 +157,7 @@ TEST(ProfileDecisionTest, TheOwnKeyOfAnOutputFitsItBeforeAnyOther) {
         const std::vector<OutputProfile> profiles{
             profile("card", onCard(situation.output.card)),
             profile("own", keyOf(situation.output)),
-            profile("any", anyOther),
+            profile("any", anyOutput),
         };
         const ProfileDecision decision = decideProfile(profiles, situation.output);
         ASSERT_NE(decision.profile, nullptr) << situation.name;
