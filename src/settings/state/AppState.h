@@ -47,6 +47,7 @@ class AppState final : public QObject, private ProfileSettings {
     [[nodiscard]] const ProgramRules &programRules() const { return programRules_; }
     /// The hardware follows at once. Written at once; a failure is a warning.
     void setProgramRules(const ProgramRules &rules);
+    [[nodiscard]] const std::string &programRulesPath() const { return rulesFile_.path(); }
     [[nodiscard]] AudioHardware &hardware() { return hardware_; }
 
     /// The factory library, then the user's own.
@@ -79,9 +80,10 @@ class AppState final : public QObject, private ProfileSettings {
     /// Writes the settings file now. A failure is a warning, and the next change tries again. A
     /// file that is there but cannot be read is left as it is, and the save fails.
     void persist();
-    /// Takes another program's changes of the settings file and of the profiles. Text that is no
-    /// settings record is set aside a second later, with a warning, if it is still there: its
-    /// writer may not have come to the end. Unreadable profiles stay as they are, with a warning.
+    /// Takes another program's changes of the settings file, the profiles and the rules of
+    /// programs. Text that is no settings record is set aside a second later, with a warning, if it
+    /// is still there: its writer may not have come to the end. Unreadable profiles and rules stay
+    /// as they are, with a warning.
     void takeFileChanges();
     [[nodiscard]] const std::string &settingsPath() const { return file_.path(); }
     /// The last load or save problem; none when the last save succeeded, unless that save had to
@@ -131,8 +133,14 @@ class AppState final : public QObject, private ProfileSettings {
     void readPresetGains();
     std::optional<std::string> writePresetGains();
     void readProfiles();
+    struct SideLook {
+        std::string content;
+        std::string path;
+        Timer again{};
+    };
+    void takeSideChanges(SideLook &look, void (AppState::*takeOne)());
     void takeProfileChanges();
-    void lookAgainAtProfiles();
+    void takeRuleChanges();
     std::optional<std::string> writeProfiles();
     void readProgramRules();
     void setPersistWarning(std::optional<std::string> warning);
@@ -152,11 +160,12 @@ class AppState final : public QObject, private ProfileSettings {
     Persisted seen_;
     bool isTaking_ = false; ///< changes come from the file at present
     Timer unreadableLook_;
-    Timer unreadableProfilesLook_;
 
     std::array<Timer, 6> pendingSaves_; ///< one for each watched setting
     DeviceManager deviceManager_;
     OutputProfiles profiles_;
+    SideLook profilesLook_{"The profiles of the outputs", profiles_.path()};
+    SideLook rulesLook_{"The rules of programs", rulesFile_.path()};
     std::unique_ptr<AudioEngine> engine_; ///< after the profiles, which it asks
 };
 

@@ -229,7 +229,8 @@ Persisted AppState::currentSettings() const {
 // Changes from outside
 
 void AppState::takeFileChanges() {
-    takeProfileChanges();
+    takeSideChanges(profilesLook_, &AppState::takeProfileChanges);
+    takeSideChanges(rulesLook_, &AppState::takeRuleChanges);
     try {
         if (const auto theirs = file_.readChange())
             take(*theirs);
@@ -243,27 +244,39 @@ void AppState::takeFileChanges() {
 }
 
 void AppState::takeProfileChanges() {
+    if (profiles_.takeFileChanges())
+        engine_->followOutputRule();
+}
+
+void AppState::takeRuleChanges() {
+    const ProgramRules before = rulesFile_.rules();
+    rulesFile_.peek();
+    if (rulesFile_.rules() == before)
+        return;
+    programRules_ = rulesFile_.rules();
+    hardware_.setProgramRules(programRules_);
+    Q_EMIT programRulesChanged();
+}
+
+/// Takes a file beside the settings with `takeOne`. A damaged one may be half-written, so only a
+/// second look leads to a warning.
+void AppState::takeSideChanges(SideLook &look, void (AppState::*takeOne)()) {
+    look.again.invalidate();
     try {
-        unreadableProfilesLook_.invalidate();
-        if (profiles_.takeFileChanges())
-            engine_->followOutputRule();
+        (this->*takeOne)();
     } catch (const SettingsFileError &) {
         return; // the next save reports it
     } catch (const DecodingError &) {
-        unreadableProfilesLook_ =
-            Timer::once(clock_, secondLookSeconds, [this] { lookAgainAtProfiles(); });
-    }
-}
-
-void AppState::lookAgainAtProfiles() {
-    try {
-        if (profiles_.takeFileChanges())
-            engine_->followOutputRule();
-    } catch (const SettingsFileError &) {
-        return; // the next save reports it
-    } catch (const DecodingError &error) {
-        setPersistWarning(fmt::format("The profiles of the outputs stay as they were: {}: {}",
-                                      profiles_.path(), error.what()));
+        look.again = Timer::once(clock_, secondLookSeconds, [this, &look, takeOne] {
+            try {
+                (this->*takeOne)();
+            } catch (const SettingsFileError &) {
+                return;
+            } catch (const DecodingError &error) {
+                setPersistWarning(fmt::format("{} stay as they were: {}: {}", look.content,
+                                              look.path, error.what()));
+            }
+        });
     }
 }
 

@@ -150,8 +150,10 @@ int main(int argc, char **argv) {
     SimulatedHardware machine(clock);
     equip(machine, options.state);
     AppState state(machine, clock, settings.toStdString());
-    const FileWatch watch(state.settingsPath(), clock, [&] { state.takeFileChanges(); });
-    const FileWatch profilesWatch(state.profiles().path(), clock, [&] { state.takeFileChanges(); });
+    const auto takeChanges = [&] { state.takeFileChanges(); };
+    const FileWatch settingsWatch(state.settingsPath(), clock, takeChanges);
+    const FileWatch profilesWatch(state.profiles().path(), clock, takeChanges);
+    const FileWatch rulesWatch(state.programRulesPath(), clock, takeChanges);
     AppModel model(state, clock);
     // Recordings are not needed and would grow for ever.
     const auto forget = Timer::repeating(clock, 5.0, [&] {

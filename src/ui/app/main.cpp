@@ -98,8 +98,10 @@ int main(int argc, char **argv) {
     if (!hardware)
         return 1;
     AppState state(*hardware, clock);
-    const FileWatch watch(state.settingsPath(), clock, [&] { state.takeFileChanges(); });
-    const FileWatch profilesWatch(state.profiles().path(), clock, [&] { state.takeFileChanges(); });
+    const auto takeChanges = [&] { state.takeFileChanges(); };
+    const FileWatch settingsWatch(state.settingsPath(), clock, takeChanges);
+    const FileWatch profilesWatch(state.profiles().path(), clock, takeChanges);
+    const FileWatch rulesWatch(state.programRulesPath(), clock, takeChanges);
     AppModel model(state, clock);
     model.about()->setSoundLibrary(QString::fromStdString(systemHardwareLibrary()));
     model.spectrum()->setVisible(false); // until a window says otherwise

@@ -161,6 +161,24 @@ TEST_F(SharedSettings, anUnfinishedTextIsWaitedForAndAnUnreadableOneSetAside) {
     EXPECT_EQ(warning(), "");
 }
 
+TEST_F(SharedSettings, takeAnotherProgramsRulesAndKeepThemWhereTheFileIsDamaged) {
+    launch();
+    ProgramRulesFile theirs(file.string());
+    theirs.write({.processesOthers = false,
+                  .rules = {{.program = {.binary = "games"}, .isProcessed = false}}});
+    state->takeFileChanges();
+    EXPECT_FALSE(state->programRules().processesOthers);
+    EXPECT_EQ(hardware.programRules(), state->programRules());
+    ASSERT_EQ(hardware.programRules().rules.size(), 1U);
+    write(folder / "programs.json", R"({"version":1,"others":"no one"})");
+    state->takeFileChanges();
+    wait(0.9);
+    EXPECT_EQ(warning(), "") << "its writer may go on";
+    wait(0.2);
+    EXPECT_THAT(warning(), HasSubstr("programs.json: others"));
+    EXPECT_EQ(hardware.programRules().rules.size(), 1U);
+}
+
 TEST_F(SharedSettings, areWrittenByOneAtATime) {
     std::filesystem::create_symlink("mine.json", folder / "link");
     {
