@@ -129,9 +129,10 @@ void CliTest::userSettings(const Persisted &settings) const {
 double CliTest::gain(std::size_t first, std::size_t last) const {
     const auto power = [&](const Sound &sound) {
         double sum = 0.0;
-        for (std::size_t frame = first; frame < last; ++frame)
-            sum += std::pow(static_cast<double>(sound.at(frame, 0)), 2);
-        return sum;
+        const auto channels = static_cast<std::size_t>(sound.channels);
+        for (std::size_t sample = first * channels; sample < last * channels; ++sample)
+            sum += std::pow(static_cast<double>(sound.samples.at(sample)), 2);
+        return sum / sound.channels;
     };
     return 10.0 * std::log10(power(sound(path("out.wav"))) / power(sound(path("in.wav"))));
 }

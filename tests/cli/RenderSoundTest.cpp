@@ -63,11 +63,14 @@ TEST_F(RenderSound, anyRateBecomesExactlyAsManyFramesAsItLastsEachInItsPlace) {
                 for (const double value :
                      {std::sin(radians(frame, rate)), std::cos(radians(frame, rate))})
                     in.samples.push_back(static_cast<float>(0.5 * value));
-            const Sound out = rendered(in, {"--settings", "flat.json"});
+            // By default the limiter is on, whose delay must not change the length.
+            const bool isPlaceJudged = frames > 4000;
+            const Sound out =
+                isPlaceJudged ? rendered(in, {"--settings", "flat.json"}) : rendered(in);
             EXPECT_EQ(out.sampleRate, 48000);
             ASSERT_EQ(out.frames(), static_cast<std::size_t>(std::llround(
                                         static_cast<double>(frames) * 48000.0 / rate)));
-            for (std::size_t frame = 2000; frame + 2000 < out.frames(); ++frame) {
+            for (std::size_t frame = 2000; isPlaceJudged && frame + 2000 < out.frames(); ++frame) {
                 ASSERT_NEAR(out.at(frame, 0), 0.5 * std::sin(radians(frame, 48000.0)), 1e-4)
                     << frame;
                 ASSERT_NEAR(out.at(frame, 1), 0.5 * std::cos(radians(frame, 48000.0)), 1e-4)
