@@ -2,20 +2,17 @@
 
 #include "platform/threads/MainLoopClock.h"
 #include "platform/threads/ManualClock.h"
-#include "settings/state/TemporaryFolder.h"
 #include "ui/app/AutostartPortal.h"
 #include "ui/app/SessionMemory.h"
 #include "ui/app/TrayArrival.h"
+#include "ui/model/BusFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
-#include <QElapsedTimer>
-#include <QProcess>
 
 namespace quorbel::testing {
 namespace {
@@ -76,50 +73,15 @@ TEST(AutostartEntryTest, OnlyItsSwitchesChangeUnlessItRunsNothing) {
                 HasSubstr("Exec=\"/a b/100%%/\\\\\"x\\\\\"\\\\\\\\y\" ctl resume\n"));
 }
 
-/// The switch on a session bus of its own, which can start the program.
-class AutostartTest : public ::testing::Test {
+/// The switch for starting at login.
+class AutostartTest : public BusTest {
   protected:
-    void SetUp() override {
-        std::filesystem::create_directory(folder.path() / "services");
-        makeStartable(true);
-        write(folder.path() / "bus.conf",
-              "<busconfig><type>session</type><listen>unix:dir=" + folder.path().string() +
-                  "</listen><servicedir>" + (folder.path() / "services").string() +
-                  "</servicedir><policy context=\"default\"><allow send_destination=\"*\"/><allow "
-                  "eavesdrop=\"true\"/>"
-                  "<allow own=\"*\"/></policy></busconfig>");
-        daemon_.start("dbus-daemon",
-                      {"--nofork", "--print-address",
-                       "--config-file=" + QString::fromStdString(folder.path() / "bus.conf")});
-        if (!daemon_.waitForStarted())
-            GTEST_SKIP() << "dbus-daemon is not installed";
-        ASSERT_TRUE(daemon_.waitForReadyRead(10000));
-        address_ = QString::fromUtf8(daemon_.readLine()).trimmed();
-    }
-    ~AutostartTest() override {
-        for (const char *name : {"program", "desktop"})
-            QDBusConnection::disconnectFromBus(name + address_);
-        daemon_.kill();
-        daemon_.waitForFinished();
-    }
-
-    [[nodiscard]] QDBusConnection connection(const QString &name) const {
-        return QDBusConnection::connectToBus(address_, name + address_);
-    }
-    void makeStartable(bool isStartable) const {
-        const auto service = folder.path() / "services/com.quorbel.Ostrafine.service";
-        if (isStartable)
-            write(service, "[D-BUS Service]\nName=com.quorbel.Ostrafine\nExec=/bin/true\n");
-        else
-            std::filesystem::remove(service);
-    }
     [[nodiscard]] AutostartPlaces places() const {
         return {.user = entry,
                 .system = {folder.path() / "xdg/com.quorbel.Ostrafine.desktop"},
                 .desktops = "XFCE",
                 .commandProgram = "/bin/true"};
     }
-    /// Runs the event loop until the model says so, ten seconds at most.
     [[nodiscard]] ::testing::AssertionResult soonIs(bool isOn, bool isOffered = true,
                                                     const std::string &note = "") const {
         const auto holds = [&] {
@@ -127,26 +89,12 @@ class AutostartTest : public ::testing::Test {
                    (note.empty() ? model.note().isEmpty()
                                  : model.note().contains(QString::fromStdString(note)));
         };
-        QElapsedTimer timer;
-        for (timer.start(); !holds() && timer.elapsed() < 10000;)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-        return (holds() ? ::testing::AssertionSuccess() : ::testing::AssertionFailure())
+        return (soon(holds) ? ::testing::AssertionSuccess() : ::testing::AssertionFailure())
                << "on " << model.on() << ", offered " << model.offered() << ": "
                << model.note().toStdString();
     }
 
-    const TemporaryFolder folder;
     const std::filesystem::path entry = folder.path() / "autostart/com.quorbel.Ostrafine.desktop";
-
-  private:
-    int count_ = 1;
-    char name_[5] = "test";
-    char *arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{count_, arguments_};
-    QProcess daemon_;
-    QString address_;
-
-  protected:
     MainLoopClock clock;
     StartAtLoginModel model{nullptr};
 };
@@ -191,7 +139,7 @@ TEST_F(AutostartTest, ShowsAndWritesTheEntryInTheUsersFolder) {
 }
 
 TEST_F(AutostartTest, SaysWhyItIsNotOffered) {
-    makeStartable(false);
+    std::filesystem::remove(service);
     connection("program").call(QDBusMessage::createMethodCall(
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig"));
     {
@@ -270,12 +218,6 @@ TEST_F(AutostartTest, ATrayIsAwaitedAtLoginButNotForEver) {
     Tray tray;
     desktop.registerVirtualObject("/StatusNotifierWatcher", &tray);
     ASSERT_TRUE(desktop.registerService("org.kde.StatusNotifierWatcher"));
-    const auto soon = [](const auto &condition) {
-        QElapsedTimer timer;
-        for (timer.start(); !condition() && timer.elapsed() < 10000;)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-        return condition();
-    };
     ManualClock manual;
     int due = 0;
     {

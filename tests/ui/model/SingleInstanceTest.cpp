@@ -1,55 +1,19 @@
 #include "ui/app/SingleInstance.h"
 
-#include <gtest/gtest.h>
+#include "ui/model/BusFixture.h"
 
-#include <QCoreApplication>
 #include <QDBusMessage>
-#include <QElapsedTimer>
-#include <QProcess>
 
 #include <memory>
 #include <thread>
 
-namespace quorbel {
+namespace quorbel::testing {
 namespace {
 
-/// A session bus of its own, and programs on it.
-class SingleInstanceTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        bus_.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-        if (!bus_.waitForStarted())
-            GTEST_SKIP() << "dbus-daemon is not installed";
-        ASSERT_TRUE(bus_.waitForReadyRead(10000));
-        address_ = QString::fromUtf8(bus_.readLine()).trimmed();
-    }
-    ~SingleInstanceTest() override {
-        bus_.kill();
-        bus_.waitForFinished();
-    }
-
-    [[nodiscard]] QDBusConnection connection(const QString &program) const {
-        return QDBusConnection::connectToBus(address_, program);
-    }
-    /// Runs the event loop until `condition` or, at the latest, for ten seconds.
-    template <typename Condition> static bool waitFor(const Condition &condition) {
-        QElapsedTimer timer;
-        for (timer.start(); !condition() && timer.elapsed() < 10000;)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
-        return condition();
-    }
-
-  private:
-    int count_ = 1;
-    char name_[5] = "test";
-    char *arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{count_, arguments_};
-    QProcess bus_;
-    QString address_;
-};
+using SingleInstanceTest = BusTest;
 
 TEST_F(SingleInstanceTest, TheSecondRaisesTheFirstAndAfterItsEndIsFirstItself) {
-    auto first = std::make_unique<SingleInstance>(connection("first"));
+    auto first = std::make_unique<SingleInstance>(connection("program"));
     EXPECT_TRUE(first->isFirst());
     int raised = 0;
     QObject::connect(first.get(), &SingleInstance::requested, first.get(),
@@ -64,14 +28,14 @@ TEST_F(SingleInstanceTest, TheSecondRaisesTheFirstAndAfterItsEndIsFirstItself) {
         isFirst = other.isFirst();
         answered = other.raiseFirst();
     });
-    EXPECT_TRUE(waitFor([&] { return raised > 0; }));
+    EXPECT_TRUE(soon([&] { return raised > 0; }));
     second.join();
     EXPECT_FALSE(isFirst);
     EXPECT_TRUE(answered);
     EXPECT_EQ(raised, 1);
 
     first.reset();
-    EXPECT_TRUE(SingleInstance(connection("third")).isFirst());
+    EXPECT_TRUE(SingleInstance(connection("program")).isFirst());
 }
 
 TEST_F(SingleInstanceTest, TheDesktopEntrysActionsAreAnswered) {
@@ -94,4 +58,4 @@ TEST_F(SingleInstanceTest, TheDesktopEntrysActionsAreAnswered) {
 }
 
 } // namespace
-} // namespace quorbel
+} // namespace quorbel::testing
