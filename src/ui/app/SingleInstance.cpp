@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QEventLoop>
+#include <QFile>
 #include <QHash>
 #include <QTimer>
 
@@ -18,14 +19,25 @@ using namespace activation;
 namespace {
 
 /// True if the session bus started this program because of a request to its name, which then
-/// follows. A terminal's shell may have inherited the same variables.
+/// follows. The variables that the bus sets do not tell: every program that a file manager or a
+/// terminal starts inherits them if the bus has started that one.
 bool wasStartedByBus() {
-    return qEnvironmentVariableIsSet("DBUS_STARTER_BUS_TYPE") && isatty(STDIN_FILENO) == 0;
+    const auto contentOf = [](const QString &path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
+    };
+    // The daemon is the parent until the name is taken. The broker lets systemd start the program,
+    // in a unit of its own.
+    const QByteArray group = contentOf(QStringLiteral("/proc/self/cgroup"));
+    const QByteArray unit = group.mid(group.lastIndexOf('/') + 1);
+    return contentOf(QStringLiteral("/proc/%1/comm").arg(getppid())) == "dbus-daemon" ||
+           (unit.startsWith("dbus-") && unit.contains(service.toUtf8()));
 }
 
 } // namespace
 
-SingleInstance::SingleInstance(const QDBusConnection &bus) : bus_(bus) {
+SingleInstance::SingleInstance(const QDBusConnection &bus)
+    : bus_(bus), isStartedByBus_(wasStartedByBus()) {
     if (!bus_.isConnected())
         return;
     new ApplicationAdaptor(*this); // a child of ours
@@ -59,11 +71,11 @@ bool SingleInstance::raiseFirst() const {
     return bus_.call(call, QDBus::Block, timeoutMilliseconds).type() == QDBusMessage::ReplyMessage;
 }
 
-/// Some buses set no variable. They pass the request on with the name, so that it is here before
-/// the answer to a later call.
+/// A bus passes the request on with the name, so it arrives before the answer to a later call, even
+/// from a bus that is not recognised.
 std::optional<DesktopRequest> SingleInstance::startingRequest() const {
     constexpr int patienceMilliseconds = 5000;
-    if (wasStartedByBus())
+    if (isStartedByBus_)
         return isFirst_ ? waitForRequest(patienceMilliseconds) : std::nullopt;
     if (!isFirst_ || !bus_.isConnected())
         return DesktopRequest{};

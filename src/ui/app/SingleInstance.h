@@ -48,6 +48,7 @@ class SingleInstance final : public QObject {
     [[nodiscard]] std::optional<DesktopRequest> firstRequestWithin(QEventLoop &loop) const;
 
     QDBusConnection bus_;
+    bool isStartedByBus_;
     bool isFirst_ = true;
 };
 

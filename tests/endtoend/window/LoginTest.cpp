@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <span>
 
+#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <fstream>
@@ -67,6 +68,11 @@ class LoginTest : public WindowTest {
     [[nodiscard]] static bool soonEnds() {
         return comesTrue(20.0, [] { return process() == 0; });
     }
+    /// Calls a method of the desktop's entry, for which the bus starts the program if it must.
+    static void request(const std::string &method, const std::vector<std::string> &arguments) {
+        const auto asked = call(service, "org.freedesktop.Application." + method, arguments);
+        EXPECT_EQ(asked->exitStatusWithin(0.0), 0) << asked->errors();
+    }
     /// From a frame of the recording on until the tone first has that level.
     [[nodiscard]] double secondsUntil(double levelDB, std::size_t frame) const {
         constexpr std::size_t step = 480;
@@ -90,15 +96,22 @@ class LoginTest : public WindowTest {
     }
     static std::unique_ptr<ChildProcess> bus(const std::string &method,
                                              const std::string &argument = "") {
-        std::vector<std::string> call = {"gdbus",
-                                         "call",
-                                         "--session",
-                                         "--dest=org.freedesktop.DBus",
-                                         "--object-path=/org/freedesktop/DBus",
-                                         "--method=org.freedesktop.DBus." + method};
-        if (!argument.empty())
-            call.push_back(argument);
-        auto process = server().start(call);
+        return call("org.freedesktop.DBus", "org.freedesktop.DBus." + method,
+                    argument.empty() ? std::vector<std::string>() : std::vector{argument});
+    }
+    /// Calls a method of the object that has its owner's name.
+    static std::unique_ptr<ChildProcess> call(const std::string &owner, const std::string &method,
+                                              const std::vector<std::string> &arguments) {
+        std::string object = '/' + owner;
+        std::ranges::replace(object, '.', '/');
+        std::vector<std::string> command = {"gdbus",
+                                            "call",
+                                            "--session",
+                                            "--dest=" + owner,
+                                            "--object-path=" + object,
+                                            "--method=" + method};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        auto process = server().start(command);
         EXPECT_TRUE(process->exitStatusWithin(5.0));
         return process;
     }
@@ -154,6 +167,30 @@ TEST_F(LoginTest, ContinuesWhatTheLastSessionDid) {
     logIn();
     EXPECT_TRUE(soonEnds()) << "of no use: there is no tray";
     EXPECT_TRUE(soonPlaysInto("speakers"));
+}
+
+TEST_F(LoginTest, StartedByTheBusItProcessesWithoutAWindowUntilItIsStopped) {
+    const std::vector<std::string> start{"Start", "[]", "{}"};
+    const std::vector<std::string> stop{"Stop", "[]", "{}"};
+    open();
+    pick("Output", "Speakers");
+    close();
+    ASSERT_EQ(program().exitStatusWithin(5.0), 0);
+    install();
+    playTone();
+
+    request("ActivateAction", start);
+    EXPECT_TRUE(soonProcesses());
+    EXPECT_EQ(desktop("shows_window"), false);
+    request("ActivateAction", stop);
+    EXPECT_TRUE(soonEnds());
+    EXPECT_TRUE(soonPlaysInto("speakers"));
+
+    request("Activate", {"{}"});
+    EXPECT_TRUE(comesTrue(5.0, [] { return desktop("shows_window") == true; }));
+    request("ActivateAction", stop);
+    request("Activate", {"{}"});
+    EXPECT_NE(process(), 0) << "the window keeps it";
 }
 
 TEST_F(LoginTest, WaitsForTheSoundServerAndLeavesTheProcessingToAnother) {
