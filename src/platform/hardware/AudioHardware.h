@@ -36,7 +36,7 @@ struct TapDescription {
     bool isPrivate = false;
 };
 
-/// A device made of another one and a tap: delivers the tap's sound at that device's clock.
+/// A device that combines a tap with another device: delivers the tap's sound at its clock.
 struct AggregateDescription {
     struct Tap {
         std::string uuid;
@@ -53,7 +53,7 @@ struct AggregateDescription {
     std::vector<Tap> taps;
 };
 
-/// One cycle of captured sound. Valid only inside the call.
+/// One cycle of captured sound. Valid only during the call.
 struct IOCycle {
     StreamFormat format; ///< of this cycle; its rate may change while the device runs
     AudioBufferList input;
@@ -61,10 +61,10 @@ struct IOCycle {
     /// Start time of the cycle in seconds, on a clock that includes the machine's sleep.
     double hostSeconds = 0.0;
     /// False if the playback side will not run in this cycle. The block must then be counted as
-    /// lost: keeping it would add its length to the delay.
+    /// lost: keeping it would add its length to the latency.
     bool willPlay = true;
     /// True if capture and playback share their cycles and all earlier blocks have been played.
-    /// Frames that the client still holds are then stale and would delay the sound for good.
+    /// Frames that the client still holds are then stale and would increase the latency for good.
     bool isAllPlayed = false;
 };
 
@@ -73,11 +73,11 @@ class IOClient {
   public:
     virtual ~IOClient() = default;
 
-    /// Receives the format of the following cycles: before the first one, and before each change.
+    /// Receives the format of the following cycles, before the first one and before each change.
     /// Never concurrent with `ioCycle`. May allocate. [control]
     virtual void ioFormatChanged(const StreamFormat &format) = 0;
 
-    /// One block, on the real-time thread. [capture]
+    /// Receives one block, on the real-time thread. [capture]
     virtual void ioCycle(const IOCycle &cycle) noexcept = 0;
 };
 
@@ -89,11 +89,11 @@ class RenderClient {
     /// As `IOClient::ioFormatChanged`, for the requested blocks. [control]
     virtual void renderFormatChanged(const StreamFormat &format) = 0;
 
-    /// No application plays: there are no cycles until `renderResumed`. The client drops the sound
-    /// that it still holds. Never concurrent with `renderCycle`. [control]
+    /// Announces that no cycles come until `renderResumed`: no application plays. The client drops
+    /// the sound that it holds. Never concurrent with `renderCycle`. [control]
     virtual void renderPaused() {}
 
-    /// Cycles follow. After a start none comes before this call. [control]
+    /// Announces cycles. After a start, no cycle comes before this call. [control]
     virtual void renderResumed() {}
 
     /// Fills `frames` frames (1 or more) of every buffer of `output`. [render]
@@ -117,8 +117,8 @@ class HardwareOutput {
     /// tail has decayed.
     virtual void setHoldsTail(bool) {}
 
-    /// Plays nothing on another device after the bound one has gone, until the next start.
-    /// Otherwise the system may bridge that time.
+    /// If true, plays nothing on another device after the bound one has gone, until the next start.
+    /// If false, the system may play on another device meanwhile.
     virtual void setStaysOnDevice(bool) {}
 
     /// Sets the latency from captured to rendered sound, in seconds, 0 or more. It is reported to
@@ -129,8 +129,8 @@ class HardwareOutput {
     /// failure nothing runs.
     virtual Status start(RenderClient &client) = 0;
 
-    /// Waits while cycles come until `condition` holds, which rendering brings about; for `seconds`
-    /// at most. Returns at once without cycles.
+    /// Waits until rendering makes `condition` true, `seconds` at most. Returns as soon as no
+    /// cycles come.
     virtual void renderUntil(const std::function<bool()> &condition, double seconds) = 0;
 
     /// Stops. When this returns, no call to the client is under way and none will come. Does
@@ -141,15 +141,15 @@ class HardwareOutput {
 /// Status of `hardwareLost`: the server runs, but sound cannot pass through our streams.
 inline constexpr Status soundCutOffStatus = -5; // EIO
 
-/// Receives changes, on a thread of the hardware's own: do nothing but hand over. [control]
+/// Receives changes on the hardware's own thread; must only hand them over. [control]
 class HardwareListener {
   public:
     virtual ~HardwareListener() = default;
-    virtual void deviceListChanged() {} ///< also where the identity of one has changed
+    virtual void deviceListChanged() {} ///< also if the identity of a device has changed
     virtual void defaultOutputChanged() {}
-    /// The whole hardware layer is gone with all its objects (the sound server died).
+    /// Reports the loss of the hardware layer with all its objects (the sound server died).
     virtual void hardwareLost(Status) {}
-    /// A playback stream, or its treatment, may have changed. May come often.
+    /// Reports a possible change of a playback stream or its treatment. May come often.
     virtual void playbackStreamsChanged() {}
 };
 
@@ -172,13 +172,12 @@ class AudioHardware {
     virtual Status processObject(std::int32_t pid, AudioObjectID &process) = 0;
     virtual Status defaultOutputDevice(AudioObjectID &device) = 0;
     virtual Status deviceList(std::vector<AudioObjectID> &devices) = 0;
-    /// Distinguishes a device from an earlier one with the same id: a serial is never used again. 0
-    /// if the id names no device.
+    /// Serial of the device, never reused, unlike ids; 0 if the id names no device.
     [[nodiscard]] virtual std::uint64_t deviceSerial(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceUID(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceName(AudioObjectID device) = 0;
     [[nodiscard]] virtual std::optional<std::string> deviceManufacturer(AudioObjectID device) = 0;
-    /// Without names where the id names no device.
+    /// Returns an identity without names if the id names no device.
     [[nodiscard]] virtual OutputIdentity outputIdentity(AudioObjectID device) = 0;
     virtual Status streamChannelCounts(AudioObjectID device, Scope scope,
                                        std::vector<std::uint32_t> &channelsPerBuffer) = 0;
@@ -189,8 +188,8 @@ class AudioHardware {
     virtual Status removeListener(HardwareProperty property, HardwareListener &listener) = 0;
 
     // Capture
-    /// Returns whether the running capture has to be rebuilt. `isAnotherDefaultOutput`: the default
-    /// output is not the one that the capture was made around.
+    /// Returns true if the running capture must be rebuilt. `isAnotherDefaultOutput`: the default
+    /// output has changed since the capture was made.
     [[nodiscard]] virtual bool isCaptureOutdated(bool isAnotherDefaultOutput) {
         return isAnotherDefaultOutput;
     }
@@ -210,10 +209,9 @@ class AudioHardware {
     virtual Status stopDevice(AudioObjectID device, IOProcID proc) = 0;
 
     // Programs
-    /// Sets which programs a process tap captures, for present and later taps. Streams follow at
-    /// once.
+    /// Sets the programs that present and later process taps capture; reroutes streams at once.
     virtual void setProgramRules(const ProgramRules &rules) = 0;
-    /// The streams that programs play at present; none while the connection is lost.
+    /// Returns the programs' current playback streams; none while the connection is lost.
     [[nodiscard]] virtual std::vector<PlaybackStream> playbackStreams() = 0;
 
     // Playback

@@ -7,12 +7,12 @@ namespace quorbel {
 /// is a link, another user's, or open to others.
 int openRuntimeFolder();
 
-/// Opens a file in `folder` with `flags` of open(2), never through a link and never waiting.
+/// Opens a file in `folder` with `flags` of open(2); neither follows links nor blocks.
 /// Returns -1 unless it is a regular file of this user. A new file is readable by this user only.
 int openRuntimeFile(int folder, const char *name, int flags);
 
-/// Lets one program at a time process a user's sound: two would take each other's streams. It is a
-/// file lock in the user's runtime folder, so it ends with the process in any case.
+/// Lets one process at a time handle a user's sound: two would take each other's streams. A file
+/// lock in the user's runtime folder: the kernel releases it when the process ends.
 class InstanceLock {
   public:
     /// Tries to take the lock; without a runtime folder it always succeeds.

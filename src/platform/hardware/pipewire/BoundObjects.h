@@ -1,7 +1,7 @@
 #pragma once
 
-// The objects of the server whose events the registry receives: each binds itself and translates
-// its events. Included by the registry alone.
+// Objects of the server that bind themselves and translate their events for the registry, the only
+// file that includes them.
 
 #include "platform/hardware/pipewire/ObjectRegistry.h"
 
@@ -38,7 +38,7 @@ inline std::uint32_t idProperty(const PropertyMap &properties, std::string_view 
                         : static_cast<std::uint32_t>(std::strtoul(text.c_str(), nullptr, 10));
 }
 
-/// Binds an object of the server in the oldest of its and our versions of the interface.
+/// Binds an object of the server, with the older of its and our interface versions.
 template <typename Interface>
 Proxy<Interface> bound(pw_registry *registry, std::uint32_t id, const char *type,
                        std::uint32_t version, std::uint32_t ours) {
@@ -46,7 +46,7 @@ Proxy<Interface> bound(pw_registry *registry, std::uint32_t id, const char *type
         static_cast<Interface *>(pw_registry_bind(registry, id, type, std::min(version, ours), 0)));
 }
 
-/// Channel count of an audio format; 0 if it does not say one. Of a choice, the preferred one.
+/// Channel count of an audio format, the preferred one of a choice; 0 if absent.
 inline std::uint32_t channelsOf(const spa_pod *format) {
     const spa_pod_prop *property = spa_pod_find_prop(format, nullptr, SPA_FORMAT_AUDIO_channels);
     if (property == nullptr)
@@ -109,8 +109,8 @@ struct ObjectRegistry::BoundNode {
         owner.notify([&](ServerObserver &observer) { observer.nodeChanged(changed); });
     }
 
-    /// One of the formats that a program's stream offers. A stream that offers plain samples too is
-    /// not taken for an encoded one.
+    /// Merges one of the formats that a program's stream offers. The stream counts as encoded only
+    /// if it offers no plain samples.
     void formatRead(const spa_pod *pod) {
         std::uint32_t type = 0;
         std::uint32_t subtype = 0;
@@ -165,8 +165,8 @@ struct ObjectRegistry::BoundClient {
     }
 };
 
-/// A device and its routes. They are read again after every change that the device announces, also
-/// of a volume; the observer hears of a changed route only.
+/// A device and its routes. Reads the routes after every change that the device announces, even of
+/// a volume; notifies the observer only if the record differs.
 struct ObjectRegistry::BoundDevice : std::enable_shared_from_this<BoundDevice> {
     static constexpr std::array routeParameters{SPA_PARAM_EnumRoute, SPA_PARAM_Route};
 
@@ -176,7 +176,7 @@ struct ObjectRegistry::BoundDevice : std::enable_shared_from_this<BoundDevice> {
     Proxy<pw_device> proxy;
     Hook hook;
     std::array<std::uint32_t, routeParameters.size()> flags{}; ///< as last announced
-    DeviceRecord read; ///< its routes are those received by the current reading so far
+    DeviceRecord read; ///< holds the routes received so far by the current reading
     bool isReading = false;
     bool isOutdated = false; ///< the routes have changed during the current reading
 

@@ -91,7 +91,7 @@ Proxy<pw_node> DeviceHold::makeConverter(const char *name) const {
     return converter;
 }
 
-/// True before they are made, too. Any client may have had the server remove them.
+/// Returns true before they are made too, and after any client has had the server remove one.
 bool DeviceHold::areConvertersGone() {
     return std::ranges::any_of(converters_, [&](const Proxy<pw_node> &converter) {
         if (!converter)

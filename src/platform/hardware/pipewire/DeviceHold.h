@@ -40,7 +40,7 @@ class DeviceHold {
     ServerConnection &connection_;
     ObjectRegistry &registry_;
     std::array<Proxy<pw_node>, 2> converters_;
-    bool haveBeenSeen_ = false; ///< both have been in the registry
+    bool haveBeenSeen_ = false; ///< both converters have been in the registry
     bool isHeld_ = false;
     OwnLink link_ = 0;
 };

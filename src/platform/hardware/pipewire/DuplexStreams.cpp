@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::uint32_t streamChannels = 2;
 
-/// Longer cycles are handed over in pieces: the capture code's buffer holds less than 8192 frames,
-/// the server's longest cycle.
+/// Longest block handed over, in frames: the capture code's buffer holds less than 8192 frames, the
+/// server's longest cycle.
 constexpr std::uint32_t longestDelivery = 4096;
 
 /// The headers of 0.3.65 lack this flag and its library ignores it. Without it, newer servers lose
@@ -92,8 +92,8 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
         "com.quorbel.Ostrafine", PW_KEY_NODE_GROUP, group.c_str(), PW_KEY_NODE_LINK_GROUP,
         group.c_str(), PW_KEY_NODE_VIRTUAL, "true", "state.restore-props", "false",
         "state.restore-target", "false", nullptr);
-    // The name differs in every run: the session manager remembers targets by name, and must not
-    // find one of an earlier run.
+    // The name is unique per run: the session manager remembers targets by name and must not find
+    // one of an earlier run.
     pw_properties_setf(properties, PW_KEY_NODE_NAME, "%s.%d", nodeName, getpid());
     if (isPassive)
         pw_properties_set(properties, PW_KEY_NODE_PASSIVE, "true");
@@ -126,7 +126,7 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
     }();
     pw_stream_add_listener(stream_.get(), &hook_, &events, this);
 
-    // The rate is left to the graph, so that the server resamples nothing.
+    // Leaves the rate to the graph, so that the server resamples nothing.
     spa_audio_info_raw info{};
     info.format = SPA_AUDIO_FORMAT_F32P;
     info.channels = streamChannels;
@@ -173,8 +173,8 @@ void ServerStream::parameterChanged(std::uint32_t id, const spa_pod *parameter) 
         formatChanged();
         connection_.wakeWaiters();
     } else if (id == SPA_PARAM_Latency) {
-        // A latency on one stream also holds at the other end of the pair: an application receives
-        // the device's latency, and a device the application's.
+        // Passes the latency on through the other stream: an application receives the device's
+        // latency, and a device the application's.
         spa_latency_info latency{};
         if (spa_latency_parse(parameter, &latency) < 0)
             return;
@@ -285,15 +285,14 @@ void TapStream::process() noexcept {
     if (newest != nullptr)
         cycle.input = planes(*newest, cycle.frames, true);
     if (newest == nullptr || cycle.frames == 0) {
-        // The graph runs without an application: silence lets the effects' tails be heard.
+        // Delivers silence while no application plays, so that the effects' tails are heard.
         cycle.input = AudioBufferList(silence_.data(), silence_.data());
         cycle.frames = cycleFrames();
     }
     {
         const RealtimeSlot<OutStream>::Use out(pair_.out);
         const RealtimeSlot<IOClient>::Use client(client_);
-        // The block is handed over before the wake-up: older servers run the output inside that
-        // call.
+        // Delivers the block before the wake-up: older servers run the output inside that call.
         cycle.willPlay = out && out->isReadyForBlock();
         cycle.isAllPlayed = cycle.willPlay;
         if (client && cycle.frames > 0)
@@ -308,7 +307,7 @@ void TapStream::process() noexcept {
 bool TapStream::hasRunInThisCycle(double now) noexcept {
     const double sinceLastRun = now - std::exchange(lastRunSeconds_, now);
     const std::uint64_t start = cycleStartNanoseconds();
-    // A driver without a clock for the graph still takes time for its cycles.
+    // Cycles take time even if their driver reports no clock.
     return std::exchange(lastCycleStart_, start) == start && start != 0 &&
            sinceLastRun * format_.sampleRate < 0.5 * cycleFrames();
 }
@@ -372,8 +371,8 @@ bool OutStream::isReadyForBlock() const noexcept { return isStreaming_ && !isBlo
 void OutStream::wake() noexcept {
     if (!isStreaming_)
         return;
-    // Stays set if the wake-up fails or comes too late for this cycle. The block is then played in
-    // the next cycle, whose own block is dropped, so that the delay never grows.
+    // Stays set if the wake-up fails or comes too late for this cycle. The next cycle then plays
+    // this block and drops its own, so that the latency never grows.
     isBlockUnplayed_ = true;
     pw_stream_trigger_process(stream_.get());
 }
@@ -383,8 +382,8 @@ void OutStream::process() noexcept {
     pw_buffer *buffer = pw_stream_dequeue_buffer(stream_.get());
     if (buffer == nullptr)
         return;
-    // The cycle's length, not the length that the buffer requests: that is the previous cycle's,
-    // and after a change one cycle of the old length would put playback ahead of capture for good.
+    // Renders the cycle's length: the buffer requests the previous cycle's. After a change, one
+    // cycle of the old length would put playback ahead of capture for good.
     std::uint32_t frames = cycleFrames();
     if (frames == 0)
         frames = static_cast<std::uint32_t>(

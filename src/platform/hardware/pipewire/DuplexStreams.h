@@ -29,7 +29,7 @@ class OutStream;
 struct DuplexPair {
     RealtimeSlot<OutStream> out; ///< used by the tap's callback
     TapStream *tap = nullptr;    ///< loop's lock
-    /// Last latencies reported by the streams' neighbours, for streams that replace others.
+    /// Last latencies reported by the streams' neighbours, for replacements of the streams.
     std::optional<spa_latency_info> deviceLatency;      ///< for the tap [control]
     std::optional<spa_latency_info> applicationLatency; ///< for the output [control]
     double processingSeconds = 0.0; ///< latency from the tap's sound to the output's
@@ -102,9 +102,9 @@ class TapStream final : public ServerStream {
     TapStream(ServerConnection &connection, DuplexPair &pair);
     ~TapStream() override;
 
-    /// `isDevice`: the session manager counts the tap as a device. It then gives the streams the
-    /// tap's channels, instead of the tap a stream's. It also pauses media players whose device
-    /// vanishes, so the tap is a device only if necessary.
+    /// `isDevice`: the session manager treats the tap as a device. It then adapts the streams'
+    /// channels to the tap, not the tap's to a stream. It also pauses the media players of a
+    /// vanished device, so the tap is a device only if necessary.
     Status connect(bool isDevice);
     [[nodiscard]] bool isDevice() const { return isDevice_; }
 
@@ -120,8 +120,8 @@ class TapStream final : public ServerStream {
     void formatChanged() override;
     static void deliver(IOClient &client, IOCycle cycle) noexcept;
     /// Returns true for a second run within one cycle. A delayed server starts its cycles back to
-    /// back: before we wake for one, the next may have begun, and both wake-ups fall into it. The
-    /// second run has no sound, which must not be taken for silence. `now` in seconds. [real-time]
+    /// back, so the wake-ups of two cycles may fall into the second one. The second run has no
+    /// sound, which must not count as silence. `now` in seconds. [real-time]
     [[nodiscard]] bool hasRunInThisCycle(double now) noexcept;
 
     RealtimeSlot<IOClient> client_;
@@ -143,7 +143,7 @@ class OutStream final : public ServerStream {
     /// Stops the stream and starts it again.
     void nudge();
 
-    /// Asks the client for nothing more and plays silence.
+    /// Plays silence from now on, without calling the client.
     void silence() { client_.set(nullptr); }
     [[nodiscard]] bool isSilenced() const { return client_.get() == nullptr; }
 

@@ -26,7 +26,7 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     void setObserver(ServerObserver *observer) { observer_ = observer; }
 
     [[nodiscard]] const ServerObjects &objects() const { return objects_; }
-    /// The device that the node belongs to; null where there is none.
+    /// The device that the node belongs to; null without one.
     [[nodiscard]] const DeviceRecord *deviceOf(const NodeRecord &node) const;
     /// A number of the "settings" metadata, such as clock.rate; 0 if missing.
     [[nodiscard]] double setting(std::string_view key) const;
@@ -65,7 +65,7 @@ class ObjectRegistry final : public ServerCommands, public SessionMetadata::List
     Proxy<pw_registry> registry_;
     Hook registryHook_;
     std::map<std::uint32_t, std::unique_ptr<BoundNode>> nodes_;
-    std::map<std::uint32_t, std::shared_ptr<BoundDevice>> devices_; ///< readings under way share
+    std::map<std::uint32_t, std::shared_ptr<BoundDevice>> devices_; ///< shared with readings
     std::map<std::uint32_t, std::unique_ptr<BoundClient>> clients_;
     std::unique_ptr<SessionMetadata> sessionMetadata_;
     std::unique_ptr<Settings> settings_;

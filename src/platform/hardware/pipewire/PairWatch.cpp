@@ -1,4 +1,4 @@
-// The hardware layer's watch over its two streams, the tap and the output: gathers their state and
+// Supervision of the hardware layer's two streams, the tap and the output: gathers their state and
 // carries out the supervisor's steps.
 
 #include "platform/hardware/pipewire/PipeWireHardware.h"
@@ -174,7 +174,7 @@ RoutingEnds PipeWireHardware::routingEnds() const {
     for (const auto &[_, link] : registry_->objects().links())
         if (const NodeRecord *to = registry_->objects().node(link.inputNodeID);
             link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
-            ends.deviceID = to->id; // the session manager's choice for a short while
+            ends.deviceID = to->id; // the session manager's temporary choice
     return ends;
 }
 

@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// Holds the lock of a thread loop. All access to objects of the sound server needs it; callbacks
-/// have it, as the loop's thread holds it. Recursive.
+/// Holds the lock of a thread loop, required for all access to the sound server's objects.
+/// Callbacks already have it: the loop's thread holds it. Recursive.
 class LoopLock {
   public:
     explicit LoopLock(pw_thread_loop *loop) : loop_(loop) { pw_thread_loop_lock(loop_); }
@@ -45,8 +45,8 @@ struct ProxyDeleter {
 };
 template <typename T> using Proxy = std::unique_ptr<T, ProxyDeleter>;
 
-/// Owns a stream. The data thread uses the pointer until `pw_stream_destroy` has removed the stream
-/// from its loop, so it is cleared afterwards; std::unique_ptr would clear it before.
+/// Owns a stream. Clears the pointer after `pw_stream_destroy`, unlike std::unique_ptr: the data
+/// thread uses the pointer until that call has removed the stream from its loop.
 class StreamHandle {
   public:
     StreamHandle() = default;

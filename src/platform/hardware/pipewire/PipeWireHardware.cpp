@@ -9,14 +9,14 @@
 namespace quorbel {
 namespace {
 
-// Deadlines of the server's answers around a routing; both take milliseconds.
+// Deadlines of the server's answers before and after routing, which take milliseconds.
 constexpr double restoreSeconds = 0.5;
 constexpr double unlinkSeconds = 0.3;
 
-// Deadline of a server that has just come back; after it the next attempt follows soon.
+// Deadline of a server that has just come back; the next attempt follows soon.
 constexpr double reconnectSeconds = 0.2;
 
-/// Not an object of the server: the capture device is the scheduling group of tap and output.
+/// Id of the capture device, which the server does not know: the group of tap and output.
 constexpr AudioObjectID captureDeviceID = 0xC0000001;
 constexpr IOProcID theIOProc = 1;
 
@@ -103,7 +103,7 @@ Status PipeWireHardware::reconnect() {
         if (tap_ || captureDevice_ != 0 || output_ != nullptr)
             return -EBUSY;
         if (!connection_->isLost())
-            return settle(reconnectSeconds); // a slow server, which has had more time since
+            return settle(reconnectSeconds); // a slow server may answer by now
     }
     return open(reconnectSeconds);
 }
@@ -166,7 +166,7 @@ Status PipeWireHardware::destroyProcessTap(AudioObjectID tap) {
     stopRouting();
     tap_.reset();
     router_.reset();
-    // Streams that could not be restored are left to the watchdog.
+    // Leaves streams that could not be restored to the watchdog.
     if (isRestored_)
         journal_->allRestored();
     journal_.reset();
@@ -177,7 +177,7 @@ Status PipeWireHardware::tapFormat(AudioObjectID tap, StreamFormat &format) {
     const LoopLock lock(connection_->loop());
     if (!tap_ || tapHandle_ != tap)
         return -ENOENT;
-    // Before the first stream is routed to the tap, its format will be the graph's rate.
+    // The tap has no format before its first stream, and then takes the graph's rate.
     format = tap_->format().isValid() ? tap_->format() : StreamFormat{graphRate(), 2};
     return statusOK;
 }

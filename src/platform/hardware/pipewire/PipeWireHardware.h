@@ -19,13 +19,13 @@ namespace quorbel {
 inline constexpr double answerSeconds = 2.0;
 
 /// The hardware layer on a PipeWire server. A process tap is an input stream plus the router that
-/// sends the applications' streams to it. The capture device around it is no object of the server:
-/// tap and output run in one group of the graph, at the output device's clock.
+/// sends the applications' streams to it. The capture device is unknown to the server: tap and
+/// output run in one group of the graph, at the output device's clock.
 ///
-/// Applications are routed to the tap once the IO procedure runs and the output is linked to its
-/// device, so that no application is silenced before the processed sound can be heard. If one of
-/// the two streams is removed or cannot be repaired, both are replaced, with the same clients. If
-/// that fails too, the listeners are told that the hardware is lost, although the server runs.
+/// Routes applications to the tap once the IO procedure runs and the output is linked to its
+/// device: an earlier routing would silence them. Replaces both streams, with the same clients, if
+/// one is removed or cannot be repaired. Reports the hardware as lost if that fails too, although
+/// the server runs.
 class PipeWireHardware final : public AudioHardware, private ServerObserver {
   public:
     /// Connects to the user's server; null and a negative errno without one.
@@ -77,7 +77,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     [[nodiscard]] const NodeRecord *defaultSink() const;
     void stopRouting();
 
-    // Watching over the two streams (PairWatch.cpp). [control], or under the loop's lock
+    // Supervision of the two streams (PairWatch.cpp). [control], or under the loop's lock
     void lookAround();
     void armTimer();
     void seePair();
@@ -119,16 +119,16 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     std::unique_ptr<TapStream> tap_;
     AudioObjectID tapHandle_ = 0; ///< id of the first node; a rebuilt tap has another one
     PairSupervisor supervisor_;
-    // Cached state of the pair until a node, port or link changes: finding it takes a search of all
-    // ports and links, and metadata changes far more often.
+    // Computing the pair's state searches all ports and links, so it is cached until a node, port
+    // or link changes; metadata changes far more often.
     bool isPairSeen_ = false;
     PairFacts facts_;
     RoutingEnds seenEnds_;
     RoutingEnds ends_;          ///< current arguments of the router
-    bool mustBeDevice_ = false; ///< the tap: the session manager has given it other channels
+    bool mustBeDevice_ = false; ///< the tap must count as a device to keep its channels
     std::uint64_t awaitedReleases_ = 0;
     std::vector<OwnLink> outputLinks_; ///< made because the session manager made none
-    bool isRestored_ = true;           ///< the server has confirmed the restoring of the streams
+    bool isRestored_ = true;           ///< the server has confirmed that the streams are restored
     spa_source *lookEvent_ = nullptr;
     spa_source *timer_ = nullptr;
     double nextBeat_ = 0.0;

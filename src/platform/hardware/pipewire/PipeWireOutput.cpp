@@ -12,17 +12,17 @@
 namespace quorbel {
 namespace {
 
-/// The session manager links within milliseconds, but may miss nodes that are older than itself.
+/// Deadline of the session manager's links, in seconds; it may miss nodes older than itself.
 constexpr double linkSeconds = 0.2;
-/// Ports of some devices appear later than their node.
+/// Longest wait for the links: ports of some devices appear later than their node.
 constexpr double longestLinkSeconds = 1.6;
-/// After this duration of inaudible output the device may rest.
+/// Duration of inaudible output before the device may rest.
 constexpr double tailSeconds = 2.0;
-/// Interval of the control side's looks at the real-time side's progress.
+/// Interval at which the control side polls the real-time side's progress.
 constexpr double renderLookSeconds = 0.002;
-/// Interval of the control side's looks for sound while another client keeps the device running.
+/// Interval of polls for sound while another client keeps the device running.
 constexpr double soundLookSeconds = 0.25;
-/// Time of the tail timer while it is off.
+/// Delay that disarms the tail timer.
 constexpr double never = std::numeric_limits<double>::infinity();
 
 } // namespace
@@ -163,7 +163,7 @@ void PipeWireHardware::Output::followTail() {
     }
     if (!hold_)
         hold_ = std::make_unique<DeviceHold>(*hardware_.connection_, *hardware_.registry_);
-    // Held from the first cycle on: after the last application's stop it would be too late.
+    // Holds from the first cycle on: after the last application's stop it would be too late.
     const double left = std::max(stream_->lastHeardSeconds(), streamingSince_) + tailSeconds - now;
     hold_->setHeld(isStreaming && left > 0.0);
     if (isStreaming)
@@ -172,7 +172,7 @@ void PipeWireHardware::Output::followTail() {
         setTailTimer(never);
 }
 
-/// `seconds` from now, or never.
+/// Arms the tail timer `seconds` from now, or disarms it if `never`.
 void PipeWireHardware::Output::setTailTimer(double seconds) {
     pw_loop *loop = pw_thread_loop_get_loop(hardware_.connection_->loop());
     if (tailTimer_ == nullptr && seconds != never)

@@ -27,17 +27,17 @@ class PipeWireHardware::Output final : public HardwareOutput {
     void renderUntil(const std::function<bool()> &condition, double seconds) override;
     void stop() override;
 
-    // For the hardware's watch over the running output. Loop's lock.
+    // For the hardware's supervision of the running output. Need the loop's lock.
     [[nodiscard]] const OutStream *stream() const { return stream_.get(); }
     [[nodiscard]] AudioObjectID device() const { return device_; }
     void nudge() { stream_->nudge(); }
     /// Replaces the streams by new ones to the same device, with the same client.
     void rebuild();
-    /// Holds or releases the device by the time of the last audible output. Call it after every
-    /// change of the server's objects and of the stream's state.
+    /// Holds the device for a time after the last audible output, then releases it. Call it after
+    /// every change of the server's objects and of the stream's state.
     void followTail();
-    /// To be called when nodes have gone: where nothing may be heard on another device, silences
-    /// the streams before the session manager moves them.
+    /// Silences the stream if it must stay on its device and that has gone, before the session
+    /// manager moves it. Call it when nodes have gone.
     void followDevice();
 
   private:
@@ -51,7 +51,7 @@ class PipeWireHardware::Output final : public HardwareOutput {
     bool staysOnDevice_ = false;
     bool holdsTail_ = false;
     std::unique_ptr<DeviceHold> hold_; ///< while a tail is wanted
-    bool wasStreaming_ = false;        ///< at the last look at the tail
+    bool wasStreaming_ = false;        ///< at the last `followTail`
     double streamingSince_ = 0.0;      ///< seconds on the monotonic clock
     spa_source *tailTimer_ = nullptr;
 };

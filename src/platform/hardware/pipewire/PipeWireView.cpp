@@ -199,7 +199,7 @@ Status PipeWireHardware::addListener(HardwareProperty property, HardwareListener
         const std::lock_guard guard(listenersMutex_);
         listeners_.emplace_back(property, &listener);
     }
-    // A loss before the first listener is reported here.
+    // Reports a loss that preceded the first listener.
     const LoopLock lock(connection_->loop());
     if (property == HardwareProperty::connection && connection_->isLost())
         listener.hardwareLost(-EPIPE);
@@ -260,7 +260,7 @@ void PipeWireHardware::deviceChanged(std::uint32_t) {
     bool isTold = true;
     for (auto &[id, identity] : knownDevices_) {
         const NodeRecord &node = *registry_->objects().node(id);
-        // A node whose device has gone goes too, and keeps its identity until then.
+        // A node outlives its device briefly and keeps its identity until then.
         const DeviceRecord *device = registry_->deviceOf(node);
         if (device == nullptr)
             continue;

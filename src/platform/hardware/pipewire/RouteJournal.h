@@ -11,11 +11,11 @@
 namespace quorbel {
 
 /// Records every stream before it is routed, in two places: a file in our runtime folder, which the
-/// next start reads, and the watchdog, which acts as soon as we are gone. Without a runtime folder
-/// or a watchdog program the other place is used alone.
+/// next start reads, and the watchdog, which acts as soon as we are gone. Uses only one place if
+/// the runtime folder or the watchdog program is missing.
 class RouteJournal final : public RouteLog {
   public:
-    /// `serverCookie` identifies one run of the sound server; another run's serials begin again.
+    /// `serverCookie` identifies one run of the sound server; serials restart with each run.
     explicit RouteJournal(std::uint32_t serverCookie);
     ~RouteJournal() override;
     RouteJournal(const RouteJournal &) = delete;
@@ -39,7 +39,7 @@ class RouteJournal final : public RouteLog {
     bool beat(bool isResting) { return watchdog_.beat(ledger_, isResting); }
     static constexpr double beatSeconds = 0.25;
     static constexpr double restingBeatSeconds = 1.0;
-    /// Every stream is restored; lets the watchdog end.
+    /// Removes the file and ends the watchdog: every stream is restored.
     void allRestored();
 
   private:

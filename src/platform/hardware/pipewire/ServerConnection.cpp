@@ -12,8 +12,8 @@
 namespace quorbel {
 namespace {
 
-/// Before 1.3.81 only this configuration file loads the module that gives the data thread real-time
-/// priority. Since then it no longer exists and the default one does.
+/// Configuration file that loads the module for the data thread's real-time priority. From 1.3.81
+/// on the default file loads it, and this one no longer exists.
 const char *configName() {
     int major = 0;
     int minor = 0;
@@ -105,8 +105,8 @@ void ServerConnection::coreDone(int sequence) {
 }
 
 void ServerConnection::coreError(std::uint32_t id, int result) {
-    // The core also receives errors of requests for objects that are gone; these errors alone mean
-    // that the connection has ended.
+    // Only these errors mean that the connection has ended. The core also receives errors of
+    // requests for objects that are gone.
     constexpr std::array final{-EPIPE, -ECONNRESET, -ENOTCONN, -EPROTO, -EBADMSG, -EIO, -ENOMEM};
     if (id != PW_ID_CORE || lost_ || std::find(final.begin(), final.end(), result) == final.end())
         return;

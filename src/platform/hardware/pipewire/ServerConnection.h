@@ -57,8 +57,7 @@ class ServerConnection {
     /// Makes `waitUntil` test its condition. [control]
     void wakeWaiters() { pw_thread_loop_signal(loop_.get(), false); }
 
-    /// Lets a timer of the loop fire once, `seconds` from now; never if they are infinite.
-    /// [control]
+    /// Arms a timer of the loop to fire once after `seconds`; disarms it if infinite. [control]
     void setTimer(spa_source *timer, double seconds) const;
 
     /// Runs `done` once the server has handled all requests so far. [control]

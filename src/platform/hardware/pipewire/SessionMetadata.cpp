@@ -7,14 +7,14 @@
 namespace quorbel {
 namespace {
 
-/// Times of the readings after the table has come, in seconds. A starting session manager sets its
+/// Times of the readings after the table's arrival, in seconds. A starting session manager sets its
 /// defaults within a second, later on a busy machine.
 constexpr double readAgainAfterSeconds[] = {0.5, 1.5, 4.0};
 /// Delay of a test, so that clients that leave together cause only one.
 constexpr double testAfterSeconds = 0.3;
 constexpr double testAnswerSeconds = 1.0;
 
-/// Written for our own client: the server deletes it with the client.
+/// Key of the test value, set on our own client: the server deletes it with the client.
 constexpr const char *testKey = "quorbel.hearing";
 
 } // namespace
@@ -160,10 +160,10 @@ void SessionMetadata::endReading() {
                 keys.insert(key);
     for (const Key &key : writes)
         keys.erase(key);
-    // A value that was read does not prove that changes are reported. If it was the answer, the
-    // next test has one.
+    // A value read does not prove that changes are reported. If the reading took a test's answer,
+    // the next test receives one.
     std::erase_if(keys, [](const Key &key) { return key.second == testKey; });
-    // One by one, like events: the listener may write in between.
+    // Applies changes one by one, like events: the listener may write in between.
     for (const Key &key : keys)
         changed(key, valueIn(fresh, key));
     readingEnded();

@@ -18,14 +18,14 @@ namespace quorbel {
 
 /// The session manager's "default" metadata table, bound.
 ///
-/// Servers lose changes of it (0.3.65 to 1.4 at least). While a client binds the table, the others
+/// Servers lose its changes (0.3.65 to 1.4 at least). While a client binds the table, the others
 /// receive no changes. After a client has left in the middle of binding, no client receives any
 /// until the session manager restarts: the table is deaf. Hence:
-///  1. The table is read again after it has come: at that time every client binds it and the
-///     session manager sets its defaults.
-///  2. When a client has left, a value of our own is written as a test. If no event reports it
-///     within a second, the table is read again and the next test follows.
-///  3. A value written for a new stream may replace one that was never reported. `read` reports it.
+///  1. Reads the table again after its arrival: at that time every client binds it and the session
+///     manager sets its defaults.
+///  2. Writes a test value after a client has left. Reads the table again and repeats the test if
+///     no event reports the value within a second.
+///  3. Our write for a new stream may replace a value that was never reported; `read` reports it.
 ///
 /// Everything needs the loop's lock. [control], `refresh` [main]
 class SessionMetadata {
@@ -35,8 +35,8 @@ class SessionMetadata {
     class Listener {
       public:
         virtual void metadataArrived() = 0; ///< all values of the table have been received
-        /// A reading that began after the last `read` has ended and its changes have been reported;
-        /// after a failed `refresh` none are.
+        /// Reports the end of a reading that began after the last `read`. Follows the changes it
+        /// found; a failed `refresh` reports none.
         virtual void metadataRead() = 0;
         virtual void metadataChanged(std::uint32_t subject, const std::string &key,
                                      const std::optional<MetadataValue> &value) = 0;
@@ -71,11 +71,11 @@ class SessionMetadata {
 
   private:
     struct Binding;
-    /// A second binding, whose values replace those of the first once it is complete.
+    /// A second binding; its values replace those of the first once it is complete.
     struct Reading {
         int number = 0;
         std::unique_ptr<Binding> binding;
-        std::set<Key> writes; ///< our own meanwhile, newer than the values read
+        std::set<Key> writes; ///< keys that we wrote meanwhile: newer than the values read
     };
 
     [[nodiscard]] std::unique_ptr<Binding> bind();
@@ -103,11 +103,11 @@ class SessionMetadata {
 
     std::vector<double> readAt_;        ///< times on the monotonic clock
     std::optional<double> testAt_;      ///< of the next test of hearing
-    std::optional<double> answerUntil_; ///< of the test under way
+    std::optional<double> answerUntil_; ///< deadline of the test under way
     bool isDeaf_ = false;               ///< the last test had no answer
     int lastTest_ = 0;
 
-    /// Expires with this object, which round trips outlive.
+    /// Expires with this object; round trips, which may outlive it, test that.
     std::shared_ptr<SessionMetadata *> self_ = std::make_shared<SessionMetadata *>(this);
 };
 

@@ -18,7 +18,7 @@ namespace {
 
 constexpr double watchdogAnswerSeconds = 2.0;
 constexpr useconds_t retryMicroseconds = 1'000'000;
-/// The program reports four times a second that it is alive, and once a second while nothing plays.
+/// Longest silence of the program, which reports every 0.25 s, or every 1 s while nothing plays.
 constexpr double silenceSeconds = 1.0;
 constexpr double restingSilenceSeconds = 3.0;
 constexpr int lookMilliseconds = 250;
@@ -58,14 +58,14 @@ void restoreAll(RouteLedger &routed, std::uint32_t serverCookie) {
         usleep(retryMicroseconds);
 }
 
-/// The program's messages, read line by line.
+/// Reads the program's messages line by line.
 class ProgramVoice {
   public:
     explicit ProgramVoice(int input) : input_(input) {}
 
     enum class Heard { something, nothing, end };
 
-    /// Waits for input, `milliseconds` at most; for ever if negative.
+    /// Waits for input, `milliseconds` at most; without limit if negative.
     Heard listen(int milliseconds) {
         pollfd waiting{input_, POLLIN, 0};
         const int ready = poll(&waiting, 1, milliseconds);

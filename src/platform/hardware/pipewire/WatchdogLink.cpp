@@ -45,8 +45,8 @@ WatchdogLink::WatchdogLink(std::uint32_t serverCookie) : serverCookie_(serverCoo
 WatchdogLink::~WatchdogLink() { abandon(); }
 
 // One end of a socket pair is the watchdog's standard input. The other end is ours alone, so it
-// closes however we end. (A socket instead of a pipe: only on a socket can a write to a dead reader
-// be kept from raising a signal.) The current state is in the socket before the watchdog starts.
+// closes however we end. (A socket, because a write to a pipe without a reader raises a signal.)
+// Sends the current state before the watchdog starts.
 void WatchdogLink::start(const RouteLedger &routed) {
     const std::string program = watchdogProgram();
     std::array<int, 2> ends{};
@@ -89,7 +89,7 @@ void WatchdogLink::send(std::string_view line) {
         return;
     const std::string text = fmt::format("{}\n", line);
     const ssize_t sent = ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-    // A truncated line is ignored, and so is the text that follows it on the same line.
+    // The watchdog ignores a truncated line, with any text that follows on the same line.
     isBehind_ = isBehind_ || sent != static_cast<ssize_t>(text.size());
 }
 

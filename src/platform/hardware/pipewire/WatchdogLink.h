@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// Words of the protocol between us and the watchdog, beside the lines of routed streams.
+/// Keywords of the protocol with the watchdog, besides the lines of routed streams.
 namespace watchdogWord {
 inline constexpr std::string_view server = "server "; ///< followed by the server's cookie
 inline constexpr std::string_view reset = "RESET";    ///< drop all lines so far
@@ -20,22 +20,21 @@ inline constexpr std::string_view took = "TOOK";       ///< from the watchdog: i
 /// The line that names the server's run; the following lines refer to it.
 std::string serverLine(std::uint32_t serverCookie);
 
-/// The watchdog process: knows every routed stream, and puts them back if we end without `finish`
-/// or do not answer for a second (for three while nothing plays). It is restarted if it ends before
-/// us.
+/// The watchdog process: puts back every routed stream if we end without `finish` or send nothing
+/// for 1 s (3 s while nothing plays). `beat` restarts it if it ends before us.
 class WatchdogLink {
   public:
     /// Starts the watchdog. If its program is missing, every call does nothing.
     explicit WatchdogLink(std::uint32_t serverCookie);
-    /// Without an earlier `finish`, the watchdog puts the routed streams back.
+    /// Makes the watchdog put the routed streams back, unless `finish` was called.
     ~WatchdogLink();
     WatchdogLink(const WatchdogLink &) = delete;
     WatchdogLink &operator=(const WatchdogLink &) = delete;
 
     void send(std::string_view line);
-    /// Reports that we are alive, and whether the sound rests. Restarts the watchdog if it has
-    /// ended, and resends everything if a line could not be sent. Returns true if it has put all
-    /// streams back since the last call, because we seemed to be dead.
+    /// Reports that we are alive, and whether nothing plays. Restarts the watchdog if it has ended,
+    /// and resends everything if a line could not be sent. Returns true if it has put all streams
+    /// back since the last call because of a missed report.
     bool beat(const RouteLedger &routed, bool isResting);
     /// Reports that every stream is restored, and waits for the watchdog's end, 0.1 s at most.
     void finish();
