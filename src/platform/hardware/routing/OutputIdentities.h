@@ -5,7 +5,7 @@
 
 namespace quorbel {
 
-/// Returns where a device's sound comes out, from its node and its card (null without one).
+/// Identifies the physical output of a device by its node and its card (null without one).
 [[nodiscard]] OutputIdentity identityOf(const NodeRecord &node, const DeviceRecord *card);
 
 } // namespace quorbel

@@ -5,8 +5,8 @@
 namespace quorbel {
 namespace {
 
-/// Deadline of an echo, which takes milliseconds. A later one never comes: the value was the same,
-/// or the server (0.3.65) has stopped sending events.
+/// Deadline of an echo, which takes milliseconds. It never comes if the value was the same or the
+/// server (0.3.65) has stopped sending events.
 constexpr double echoSeconds = 1.0;
 
 } // namespace

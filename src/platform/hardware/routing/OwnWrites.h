@@ -9,9 +9,9 @@
 
 namespace quorbel {
 
-/// Passes commands on and keeps each metadata write of ours until its echo, the server's event
-/// about it, arrives. So it distinguishes our changes from those of other clients, and knows
-/// whether a write under way will replace another client's change.
+/// Forwards commands and keeps each of our metadata writes until its echo, the server's event about
+/// it. Thus tells our changes from other clients', and knows whether a write under way will replace
+/// another client's change.
 class OwnWrites final : public ServerCommands {
   public:
     OwnWrites(const ServerObjects &objects, ServerCommands &commands)
@@ -45,7 +45,7 @@ class OwnWrites final : public ServerCommands {
         std::uint32_t subject = 0;
         std::string key;
         std::optional<MetadataValue> value;
-        bool mayBeSilent = false; ///< probably changes nothing, and then has no echo
+        bool mayBeSilent = false; ///< may change nothing, and then has no echo
         double time = 0.0;
     };
     [[nodiscard]] bool isFresh(const Write &write) const;

@@ -6,20 +6,20 @@
 namespace quorbel {
 namespace {
 
-/// The session manager links within milliseconds. A link of our own comes before the applications
-/// would be put back.
+/// Delay of our own repairs: the session manager links within milliseconds. Shorter than
+/// `releaseSeconds`, so that a repair can save the routing.
 constexpr double healSeconds = 0.2;
 constexpr double releaseSeconds = 0.4;
-constexpr double rebuildSeconds = 0.8; ///< from one rebuilding to the next
+constexpr double rebuildSeconds = 0.8; ///< from one rebuild to the next
 constexpr double giveUpSeconds = 2.0;
 
-/// More rebuildings in that time mean that another client keeps removing our streams.
+/// Most rebuilds in `rebuildMemorySeconds`: beyond it, another client keeps removing our streams.
 constexpr std::size_t mostRebuilds = 8;
 constexpr double rebuildMemorySeconds = 10.0;
 
 /// Five times the longest cycle.
 constexpr double standstillSeconds = 1.0;
-/// A longer gap between two looks does not count: this process was stopped.
+/// Longest time that counts between two looks: in a longer gap this process was stopped.
 constexpr double longestLookSeconds = 0.3;
 
 } // namespace
@@ -95,7 +95,7 @@ PairStep PairSupervisor::cureStandstill(double now) {
         return PairStep::none;
     if (!wrongSince_)
         wrongSince_ = now;
-    if (isRouting_) { // rebuilding may have to wait for the thread that hangs
+    if (isRouting_) { // a rebuild may have to wait for the hung thread
         isRouting_ = false;
         return PairStep::release;
     }

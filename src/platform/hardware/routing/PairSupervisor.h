@@ -15,7 +15,7 @@ struct PairFacts {
     bool isOutputLinked = false; ///< to a device, with all its channels
     bool tapRuns = false;        ///< the graph runs it
     bool outputRuns = false;
-    bool isTapOfWrongKind = false; ///< it has to count as a device and does not
+    bool isTapOfWrongKind = false; ///< it must count as a device but does not
     // Counters that advance with the cycles.
     std::uint64_t driverCycles = 0; ///< of the device's clock
     std::uint64_t tapCycles = 0;    ///< run by us
@@ -30,20 +30,20 @@ enum class PairStep {
     nudge,   ///< stop the output and start it again
     release, ///< sound cannot pass: put the applications back
     rebuild, ///< replace both streams
-    giveUp,  ///< it cannot be healed; tell the user
+    giveUp,  ///< repairs have failed; tell the user
 };
 
 /// Decides from the observed state whether processed sound can pass through the tap and the output,
-/// and which step repairs them if not. In any failure the applications are put back after half a
-/// second, and after two seconds the pair is repaired or given up. Streams that should run cycles
-/// and do not are detected after a second, given a look every quarter of a second.
+/// and which step repairs them if not. Puts the applications back half a second after any failure;
+/// repairs the pair or gives it up after two seconds. Detects streams that have stopped running
+/// cycles after a second, given a look every quarter of a second.
 class PairSupervisor {
   public:
     static constexpr double lookSeconds = 0.05; ///< between two looks while something is wrong
 
     /// Returns one step to take now. Call again after taking it, until it is `none`.
     PairStep look(const PairFacts &facts, double now);
-    /// Rebuilds the pair: a new session manager does not know the streams and may leave them half
+    /// Requests a rebuild: a new session manager does not know the streams and may leave them half
     /// started.
     void sessionManagerReturned() { mustRebuild_ = true; }
     /// Starts over, as for a new pair.
@@ -59,18 +59,18 @@ class PairSupervisor {
 
     std::optional<double> wrongSince_ = 0.0;
     bool isNew_ = true;     ///< not healthy yet since the reset
-    bool wasWhole_ = false; ///< since the last rebuilding
+    bool wasWhole_ = false; ///< both nodes have existed since the last rebuild
     bool isRouting_ = false;
     bool mustRebuild_ = false;
-    bool hasLinked_ = false; ///< during this failure, as the next
+    bool hasLinked_ = false; ///< during this failure, like `hasNudged_`
     bool hasNudged_ = false;
     bool hasGivenUp_ = false;
-    std::deque<double> rebuilds_; ///< times of the recent ones
+    std::deque<double> rebuilds_; ///< times of recent rebuilds
 
     PairFacts beats_; ///< the counters at the last look
     double lastLook_ = 0.0;
     double stillSeconds_ = 0.0;          ///< duration of device cycles without one of ours
-    std::optional<double> stillRebuild_; ///< time of the last rebuilding for that reason
+    std::optional<double> stillRebuild_; ///< time of the last rebuild for that reason
 };
 
 } // namespace quorbel

@@ -11,7 +11,7 @@ namespace quorbel {
 /// the stream, others on their client.
 ProgramNames programNames(const ServerObjects &objects, const NodeRecord &stream);
 
-/// True if the marks tell that a stream carries a call.
+/// True if the marks identify the stream as a call.
 bool isCall(const CallMarks &marks, const NodeRecord &stream, const ProgramNames &program);
 
 /// True for a stream of more than two channels on an output of more than two.
@@ -21,7 +21,7 @@ bool isSurround(const NodeRecord &stream, bool isSurroundOutput);
 bool isSurroundDevice(const ServerObjects &objects, std::uint32_t deviceID);
 
 /// The treatment that the rules give a stream: `processed`, or the reason to leave it alone.
-/// `isSurroundOutput`: without us, and with us, it is played on more than two channels.
+/// `isSurroundOutput`: the output has more than two channels, with us and without us.
 StreamTreatment decideTreatment(const ServerObjects &objects, const ProgramRules &rules,
                                 const NodeRecord &stream, bool isSurroundOutput);
 

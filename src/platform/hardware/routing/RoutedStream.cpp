@@ -16,7 +16,7 @@ constexpr std::string_view releasedWord = "released";
 constexpr std::string_view absent = "-";
 constexpr const char *followDefault = "-1"; ///< as a target: none
 
-/// Fields are separated by blanks; blanks and per cent signs in a value are written as %xx.
+/// Writes blanks (the field separators), control characters and per cent signs as %xx.
 std::string escaped(std::string_view text) {
     std::string result = "=";
     for (const char c : text) {
@@ -115,7 +115,7 @@ std::string nameLastSet(const ServerObjects &objects, const RoutedStream &stream
 }
 
 void resetTargetNode(ServerCommands &commands, std::uint32_t subject, const MetadataValue &value) {
-    // Deleted first, because setting an equal value raises no event.
+    // Deletes first, because setting an equal value raises no event.
     commands.deleteMetadata(subject, targetNodeKey);
     commands.setMetadata(subject, targetNodeKey, value);
 }
@@ -234,7 +234,7 @@ std::vector<RoutedStream> inOrderOfUndoing(const ServerObjects &objects,
     return streams;
 }
 
-/// Target of the stream without "target.object" in the metadata, as such a value.
+/// Returns the target of a stream without "target.object" metadata, as a value of that key.
 static MetadataValue ownTarget(const ServerObjects &objects, const NodeRecord &node,
                                const RoutedStream &stream) {
     std::string name = targetName(objects, std::nullopt, stream.targetNode);
@@ -268,8 +268,8 @@ void undoRoute(const ServerObjects &objects, ServerCommands &commands, const Rou
         !stream.remembered.empty() && objects.nodeNamed(stream.remembered) == nullptr;
     if (isAbsent || remembersOwnTarget(objects, stream))
         return;
-    // The target to remember is that of another stream of the program, which may have ended. The
-    // stream's own target outweighs "target.node", which is seen last.
+    // The target to remember comes from another stream of the program, which may have ended. This
+    // stream's own "target.object" outweighs "target.node", which is seen last and remembered.
     if (!stream.targetObject)
         commands.setMetadata(id, targetObjectKey, ownTarget(objects, *node, stream));
     resetTargetNode(commands, id, rememberedTarget(objects, stream));

@@ -16,13 +16,13 @@ namespace quorbel {
 /// back, by us or, after a crash, by a reader of the journal.
 struct RoutedStream {
     std::uint32_t streamID = 0;
-    std::uint64_t streamSerial = 0; ///< ids are used again by the server, serials are not
+    std::uint64_t streamSerial = 0; ///< never reused by the server, unlike ids
     std::uint64_t tapSerial = 0;
     std::uint64_t formerTapSerial = 0; ///< the target until our last write has arrived; 0: none
     std::optional<MetadataValue> targetObject{};
     std::optional<MetadataValue> targetNode{};
-    /// Name of the node that the session manager has to remember for the stream's program; empty:
-    /// none. It may come from another stream of the program.
+    /// Name of the node that the session manager must remember for the stream's program, perhaps
+    /// from another stream of the program; empty if none.
     std::string remembered{};
 
     /// Encodes as one line of text without line end, and back; `decode` returns nothing for other
@@ -36,7 +36,7 @@ std::string encodedRelease(const RoutedStream &stream);
 /// The stream id and serial of such a line.
 std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string_view line);
 
-/// Receives every stream before it is routed and after it was put back.
+/// Receives every stream before it is routed and after it has been put back.
 class RouteLog {
   public:
     virtual ~RouteLog() = default;
@@ -59,15 +59,15 @@ class RouteLedger final : public RouteLog {
     std::map<std::pair<std::uint32_t, std::uint64_t>, RoutedStream> streams_; ///< by id and serial
 };
 
-/// Name of the node that these two metadata values make a stream's target; empty if none.
+/// Name of the target node that a stream's two metadata values give; empty if none.
 std::string targetName(const ServerObjects &objects, const std::optional<MetadataValue> &object,
                        const std::optional<MetadataValue> &node);
 
 /// Value of "target.node" that makes the session manager remember the user's choice.
 MetadataValue rememberedTarget(const ServerObjects &objects, const RoutedStream &stream);
 
-/// Sends the stream to a node and returns the value written to "target.node". The session manager
-/// remembers the last value that it sees; the order of the writes makes that the user's choice.
+/// Sends the stream to a node and returns the value written to "target.node". Writes the user's
+/// choice last, because the session manager remembers the last value that it sees.
 MetadataValue routeTo(std::uint64_t nodeSerial, const ServerObjects &objects,
                       ServerCommands &commands, const RoutedStream &stream);
 
@@ -82,9 +82,8 @@ bool remembersOwnTarget(const ServerObjects &objects, const RoutedStream &stream
 std::vector<RoutedStream> inOrderOfUndoing(const ServerObjects &objects,
                                            std::vector<RoutedStream> streams);
 
-/// Restores the targets and the remembered one in `stream`. For a stream that has ended it removes
-/// our values: the server keeps the values of an id and would apply them to the next stream with
-/// that id.
+/// Restores the targets and the remembered one in `stream`. Removes our values if the stream has
+/// ended: the server would apply them to the next stream with its id.
 void undoRoute(const ServerObjects &objects, ServerCommands &commands, const RoutedStream &stream);
 /// As `undoRoute`, unless another client has moved the stream in the meantime.
 void restoreRoute(const ServerObjects &objects, ServerCommands &commands,

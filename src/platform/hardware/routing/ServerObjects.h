@@ -18,14 +18,14 @@ const std::string &propertyValue(const PropertyMap &properties, std::string_view
 
 /// The sound that a program's stream delivers, before the server mixes it for a device.
 struct SourceFormat {
-    std::uint32_t channels = 0; ///< 0: not said
+    std::uint32_t channels = 0; ///< 0: unknown
     bool isEncoded = false;     ///< compressed sound, which only a device can decode
 };
 
 struct NodeRecord {
     std::uint32_t id = 0;     ///< reused by the server as soon as the node is gone
     std::uint64_t serial = 0; ///< never reused
-    PropertyMap properties;   ///< the registry's few until `isComplete`, then all
+    PropertyMap properties;   ///< only the registry's until `isComplete`, then all
     bool isComplete = false;
     std::optional<SourceFormat> format{}; ///< of an application's playback; arrives later
 
@@ -131,7 +131,7 @@ class ServerObjects {
     bool hasMetadata_ = false;
 };
 
-/// Receives every change of a `ServerObjects` right after it was made, removals too.
+/// Receives every change of a `ServerObjects` right after it, removals too.
 class ServerObserver {
   public:
     virtual ~ServerObserver() = default;
@@ -164,10 +164,9 @@ struct LinkRequest {
     bool isPassive = false; ///< does not keep a device running
 };
 
-/// Commands of routing to the sound server. They are sent without waiting; their effects come back
-/// as changes of `ServerObjects`. Metadata alone is updated there at once, because a server of
-/// 0.3.65 stops sending its changes for good once a client leaves while binding the table. Hence
-/// `readMetadata`.
+/// Commands of routing to the sound server, sent without waiting. Their effects come back as
+/// changes of `ServerObjects`. Metadata alone is updated there at once: a server of 0.3.65 stops
+/// sending its changes for good once a client leaves while binding the table. Hence `readMetadata`.
 class ServerCommands {
   public:
     virtual ~ServerCommands() = default;

@@ -79,7 +79,7 @@ void StreamLinker::drop(StreamLinks &links) {
     endHandshake(links);
 }
 
-/// Returns an output device for the handshake of a PulseAudio client; 0 if there is none.
+/// Returns an output device for the handshake of a PulseAudio client; 0 without one.
 std::uint32_t StreamLinker::handshakeSink() const {
     const NodeRecord *device = objects_.node(ends_.deviceID);
     if (device != nullptr && isOutputDevice(*device) && objects_.hasPorts(device->id, true))
@@ -90,8 +90,8 @@ std::uint32_t StreamLinker::handshakeSink() const {
     return 0;
 }
 
-// The PulseAudio server answers a client only once its stream is linked to a real sink; linked to
-// the tap alone it would wait for ever. The handshake is a passive link to the output device.
+// The PulseAudio server answers a client only once its stream is linked to a real sink: linked to
+// the tap alone, the client would wait forever. The handshake is a passive link to the output.
 void StreamLinker::startHandshake(const NodeRecord &stream, StreamLinks &links) {
     const std::uint32_t sink = handshakeSink();
     if (!isPulseClient(stream) || isAnsweredPulseClient(stream) || links.handshake != 0 ||

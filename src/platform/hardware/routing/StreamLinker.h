@@ -43,7 +43,7 @@ class StreamLinker {
 
     /// True if both channels of the tap receive the stream's sound.
     [[nodiscard]] bool isFullyLinked(std::uint32_t streamID) const;
-    /// The device that the stream is linked to beside the tap; null if none or during a handshake.
+    /// The device that the stream is linked to besides the tap; null if none or during a handshake.
     [[nodiscard]] const NodeRecord *deviceBeside(std::uint32_t streamID,
                                                  const StreamLinks &links) const;
 
@@ -51,7 +51,7 @@ class StreamLinker {
     void linkToTap(std::uint32_t streamID, StreamLinks &links);
     /// Collects the links from before the stream is sent to the tap.
     void noteFormer(std::uint32_t streamID, StreamLinks &links) const;
-    /// Removes the former links. Returns the device of any other link: a client has linked it.
+    /// Removes the former links. Returns the device of another link, made by a client, or null.
     const NodeRecord *removeFormer(std::uint32_t streamID, const StreamLinks &links);
     /// Removes all links of ours.
     void drop(StreamLinks &links);

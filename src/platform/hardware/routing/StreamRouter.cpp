@@ -9,11 +9,11 @@
 namespace quorbel {
 namespace {
 
-/// The session manager links a stream within milliseconds; no listener takes a gap of this length
-/// for an end.
+/// Deadline of the session manager's links, which take milliseconds. Short enough that listeners do
+/// not mistake the gap for an end.
 constexpr double linkSeconds = 0.2;
 constexpr double captureSeconds = 2.0;
-/// A stream without ports is not heard yet, so it gets more time.
+/// Deadline of a stream without ports, longer because it is not heard yet.
 constexpr double portSeconds = 10.0;
 constexpr double waitingSeconds = 5.0;
 constexpr double longestRetrySeconds = 60.0;
@@ -90,7 +90,7 @@ void StreamRouter::startOver() {
     for (auto stream = streams_.begin(); stream != streams_.end();) {
         const NodeRecord *node = objects_.node(stream->first);
         linker_.drop(stream->second.links);
-        // With our target still set, the stream's own one cannot be read: the route is kept.
+        // Keeps the route: our target, still set, hides the stream's own one.
         if (node != nullptr && hasTap() && isHeld(stream->second) && hasOwnTarget(stream->first)) {
             sendToTap(*node, stream->second);
             ++stream;
@@ -218,7 +218,7 @@ void StreamRouter::awaitLinks(Stream &stream) {
     stream.giveUpAt = commands_.seconds() + captureSeconds;
 }
 
-/// Ends the holding of a stream and all its deadlines.
+/// Drops our links of a stream and all its deadlines.
 void StreamRouter::letGo(Stream &stream, Phase phase) {
     linker_.drop(stream.links);
     stream.phase = phase;
@@ -259,7 +259,7 @@ void StreamRouter::lookAtLinks(std::uint32_t id, Stream &stream) {
         stream.leaveAt = commands_.seconds() + linkSeconds;
 }
 
-/// Ends the sound that a device receives from the stream beside the tap.
+/// Ends the stream's sound on a device besides the tap.
 void StreamRouter::endDoubleSound(const NodeRecord &node, Stream &stream) {
     if (!stream.links.own.empty()) {
         // The session manager was late: it moves streams that are not linked to the tap.
@@ -271,7 +271,7 @@ void StreamRouter::endDoubleSound(const NodeRecord &node, Stream &stream) {
 }
 
 void StreamRouter::nodeChanged(const NodeRecord &node) {
-    // At once, because the session manager may link such a stream as soon as our node has ports.
+    // At once: the session manager may link by an inherited target as soon as our node has ports.
     if (node.name().starts_with(ownNodePrefix))
         dropInherited(node.id);
     if (!isOn())

@@ -14,30 +14,30 @@
 
 namespace quorbel {
 
-/// Sends every application's playback stream to the tap while it is on, present and new ones, and
-/// puts each back afterwards. `StreamRouter.cpp` sends them and watches their deadlines;
+/// Sends every application's playback stream, present or new, to the tap while it is on, and puts
+/// each back afterwards. `StreamRouter.cpp` sends them and watches their deadlines;
 /// `StreamRouterRules.cpp` decides which may be captured; `StreamRouterTargets.cpp` keeps their
 /// targets in the metadata; `StreamLinker` makes links.
 ///
 /// Invariants for every known stream, while it is on:
 /// 1. `routing` and `captured` streams are in the log and have the tap as their target.
 /// 2. Every phase but `captured` and `released` has a deadline, or ends with an event of the
-///    server. A stream that does not reach the tap in time is linked to it by us, and put back if
+///    server. The router links a stream that does not reach the tap in time, and puts it back if
 ///    that fails too.
 /// 3. A stream that hears the processed sound is never captured.
 /// 4. A stream that the user has moved is left to the user.
 /// 5. A stream that the rules leave alone is never captured.
-/// 6. The session manager remembers the user's choice as the target of each program. A value of
-///    ours, an ended stream's, or a link that the user made is never taken for such a choice.
+/// 6. The session manager remembers the user's choice as the target of each program. Our values, an
+///    ended stream's values and links made by the user never count as such a choice.
 class StreamRouter final : public ServerObserver {
   public:
-    /// The owner passes on the server's events.
+    /// The owner forwards the server's events.
     StreamRouter(const ServerObjects &objects, ServerCommands &commands, RouteLog &log);
     StreamRouter(const StreamRouter &) = delete;
     StreamRouter &operator=(const StreamRouter &) = delete;
 
     /// Puts back the streams that an earlier process has left routed, unless another client has
-    /// moved them. Before `begin`.
+    /// moved them. Call it before `begin`.
     void restore(std::vector<RoutedStream> leftovers);
     /// Starts routing, or continues with another tap, output or device.
     void begin(const RoutingEnds &ends);
@@ -81,34 +81,34 @@ class StreamRouter final : public ServerObserver {
 
   private:
     static constexpr double never = std::numeric_limits<double>::infinity();
-    /// While the session manager moves our output, no stream seems to hear it. Echoes of our writes
-    /// come back within this time too, so no stream is sent to the tap while they are under way.
+    /// Settling time: while the session manager moves our output, no stream seems to hear it. Our
+    /// writes have echoed by then too, so no write is under way when a stream is sent to the tap.
     static constexpr double settleSeconds = 0.25;
 
     enum class Phase {
-        unread,   ///< new, while the server may not report a target that it is given
+        unread,   ///< new: its target must be read first, as the server may not report it
         routing,  ///< sent to the tap, not linked to it yet
         captured, ///< linked to the tap
         waiting,  ///< put back until the PulseAudio server has answered its client
         hearing,  ///< put back: hears or may hear the processed sound, or is half of a virtual sink
         refused,  ///< put back because it did not reach the tap; tried again later
         released, ///< moved elsewhere by the user
-        measured, ///< new, while its channel count is not known and matters
+        measured, ///< new: its channel count matters and is not known yet
         excused,  ///< put back: the rules leave it alone
     };
     struct Stream {
         RoutedStream route;
-        double appearedAt = 0.0;   ///< when the session manager may have restored its target
-        double readAt = never;     ///< look for a target that the session manager has restored
+        double appearedAt = 0.0;   ///< earliest time of a restored target
+        double readAt = never;     ///< when to look for a target that the session manager restored
         bool isReading = false;    ///< the table is being read for that
-        double rememberAt = never; ///< write again the target to be remembered
+        double rememberAt = never; ///< when to rewrite the target to be remembered
         double rememberedAt = -never;
         bool rememberedTwice = false;
         Phase phase = Phase::routing;
-        double linkAt = never;   ///< make the missing links ourselves
-        double giveUpAt = never; ///< put it back
+        double linkAt = never;   ///< when to make the missing links ourselves
+        double giveUpAt = never; ///< when to put it back
         double retryAt = never;
-        double leaveAt = never; ///< end the sound that a device receives beside the tap
+        double leaveAt = never; ///< when to end its sound on a device besides the tap
         int failures = 0;
         bool wasCaptured = false; ///< since it was last sent to the tap
         StreamLinks links;
@@ -124,7 +124,7 @@ class StreamRouter final : public ServerObserver {
         return stream.phase == Phase::routing || stream.phase == Phase::captured;
     }
 
-    /// The tap's node exists; otherwise streams wait for the next one.
+    /// True if the tap's node exists; otherwise streams wait for the next tap.
     [[nodiscard]] bool hasTap() const { return ends_.tapID != 0; }
     // StreamRouter.cpp
     void routeAll();
@@ -173,7 +173,7 @@ class StreamRouter final : public ServerObserver {
     std::set<std::uint64_t> ownTaps_; ///< serials of all taps so far
     TargetMemory memory_;
     StreamLinker linker_;
-    double metadataAt_ = -never; ///< when the table came
+    double metadataAt_ = -never; ///< time of the table's arrival
     Streams streams_;            ///< by node id
     std::vector<Ended> ended_;
     std::set<std::uint32_t> hearers_; ///< of the processed sound

@@ -1,4 +1,4 @@
-// The router's part about the streams that may be captured: the rules of programs, and the streams
+// The router's choice of streams to capture: follows the rules of programs and excludes streams
 // that hear the processed sound.
 
 #include "platform/hardware/routing/ProgramDecision.h"
@@ -20,7 +20,7 @@ void StreamRouter::applyRulesToAll() {
             applyRules(*node, stream);
 }
 
-/// Applies the rules to a known stream after they, or what they look at, may have changed.
+/// Applies the rules to a known stream after the rules or their inputs may have changed.
 void StreamRouter::applyRules(const NodeRecord &node, Stream &stream) {
     if (stream.phase == Phase::released || stream.phase == Phase::unread)
         return;
@@ -37,8 +37,8 @@ bool StreamRouter::isLeftAlone(const NodeRecord &node) const {
     return decideTreatment(objects_, rules_, node, isSurroundOutput_) != StreamTreatment::processed;
 }
 
-/// Looks at the channels of the output again. Counting a node's ports takes a search of all ports,
-/// so it is not done for every decision.
+/// Counting a node's ports searches all ports, so the output's channels are cached here instead of
+/// counted for every decision.
 void StreamRouter::seeOutput() {
     isSurroundOutput_ =
         isSurroundDevice(objects_, ends_.deviceID) && isSurroundDevice(objects_, ends_.homeID);

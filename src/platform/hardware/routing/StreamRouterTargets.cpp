@@ -1,5 +1,5 @@
-// The router's part about targets in the session manager's metadata: which value is ours, which the
-// user's choice, and which the session manager has to remember.
+// The router's targets in the session manager's metadata: tells our values from the user's choices,
+// and sets the value to be remembered.
 
 #include "platform/hardware/routing/StreamRouter.h"
 #include "platform/hardware/routing/StreamRules.h"
@@ -11,16 +11,15 @@
 namespace quorbel {
 namespace {
 
-/// A session manager of 0.5 restores the target of an application by the key of a user's move. A
-/// user does not move a stream in its first second.
+/// Period after a stream's start without moves by the user. A session manager of 0.5 restores an
+/// application's target in it, with the key of a user's move.
 constexpr double restoringSeconds = 1.0;
 constexpr double rememberSeconds = 0.1;
 
 } // namespace
 
-/// Removes values of "target.node" that name the node of ours with this id. The server reuses ids,
-/// so such a value was meant for a device that is gone. The session manager would link the stream
-/// to the tap.
+/// Resets values of "target.node" that name our node with this id. The server reuses ids, so such
+/// a value was meant for a device that is gone; the session manager would link the stream to us.
 void StreamRouter::dropInherited(std::uint32_t ownID) {
     for (const std::uint32_t subject : objects_.metadataSubjects()) {
         const auto value = commands_.expected(subject, targetNodeKey);
@@ -59,7 +58,7 @@ void StreamRouter::learnTarget(const NodeRecord &node) {
                       commands_.expected(node.id, targetNodeKey));
 }
 
-/// Puts the remembered target of a program into the routes of all its streams.
+/// Copies the remembered target of a program into the routes of all its streams.
 void StreamRouter::shareTarget(const NodeRecord &of) {
     const std::string target = memory_.of(of);
     for (auto &[id, stream] : streams_) {
@@ -76,15 +75,14 @@ void StreamRouter::shareTarget(const NodeRecord &of) {
 }
 
 /// True while the session manager may still restore the target of a new stream. If we wrote an
-/// equal value before it, the session manager's write would raise no event, and the target would
-/// not be known as the stream's.
+/// equal value first, its write would raise no event, and the stream's target would stay unknown.
 bool StreamRouter::isRestoring(const NodeRecord &node, const Stream &stream) const {
     return commands_.seconds() - stream.appearedAt < settleSeconds && !stream.route.targetObject &&
            !stream.route.targetNode && node.property("target.object").empty() &&
            node.property("state.restore-target") != "false";
 }
 
-/// Continues a stream whose target the session manager has restored, or has not remembered.
+/// Continues a stream after its target, or the lack of one, has been read.
 void StreamRouter::targetIsKnown(const NodeRecord &node, Stream &stream) {
     if (stream.phase == Phase::unread) {
         route(node, stream);
@@ -112,13 +110,13 @@ void StreamRouter::metadataChanged(std::uint32_t subject, std::string_view key,
             commands_.deleteMetadata(subject, targetObjectKey);
         return;
     }
-    // Another client's change. A write of ours under way came after it and replaces it, even if we
-    // have ended by now.
+    // A write of ours under way came after this change by another client and replaces it, even if
+    // routing has ended by now.
     const bool isReplaced = commands_.isUnderWay(subject, key);
     const auto found = streams_.find(subject);
     const NodeRecord *node = objects_.node(subject);
     const bool isKnown = node != nullptr && node->isComplete && isPlayback(*node);
-    // Without our target, setting the value that a stream already has would raise no event.
+    // A stream without our target has a new value: setting an equal one would raise no event.
     const bool isOther =
         found == streams_.end() || !isHeld(found->second) ||
         (isObject ? found->second.route.targetObject : found->second.route.targetNode) != value;
@@ -173,7 +171,7 @@ void StreamRouter::leaveAt(const NodeRecord &place, Stream &stream) {
 /// Makes the session manager remember the user's choice after another value was written.
 void StreamRouter::remember(Stream &stream) {
     const double now = commands_.seconds();
-    // Limits the rate: two clients that answer each other's writes would write without end.
+    // Limits the rate: two clients that answer each other's writes would never stop.
     if (now - stream.rememberedAt < rememberSeconds && stream.rememberedTwice) {
         stream.rememberAt = stream.rememberedAt + rememberSeconds;
         return;
@@ -182,7 +180,7 @@ void StreamRouter::remember(Stream &stream) {
     stream.rememberedAt = now;
     stream.rememberAt = never;
     const MetadataValue value = rememberedTarget(objects_, stream.route);
-    // Deleted first, because setting an equal value raises no event.
+    // Deletes first, because setting an equal value raises no event.
     commands_.deleteMetadata(stream.route.streamID, targetNodeKey);
     commands_.setMetadata(stream.route.streamID, targetNodeKey, value);
 }
@@ -203,7 +201,7 @@ void StreamRouter::metadataArrived() {
 }
 
 void StreamRouter::metadataGone() {
-    // The values are gone with the old session manager, and a new one knows nothing of the routes.
+    // The values are gone with the old session manager, and a new one does not know the routes.
     for (auto &[_, stream] : streams_) {
         linker_.drop(stream.links);
         if (isHeld(stream))
@@ -216,9 +214,9 @@ void StreamRouter::metadataGone() {
     commands_.clear();
 }
 
-// The server would apply the values of an ended stream to the next stream with its id. They are
-// removed after a delay: some servers do it themselves, and by the time of our deletion the session
-// manager may have restored a target for a new stream with the id.
+// Removes an ended stream's values, which the server would apply to the next stream with its id.
+// Runs after a delay, because some servers remove them, and spares a target that the session
+// manager has restored meanwhile for a new stream with the id.
 void StreamRouter::cleanUp(const RoutedStream &route) {
     const std::uint32_t id = route.streamID;
     const auto found = streams_.find(id);

@@ -31,7 +31,7 @@ bool areOfOneProgram(const NodeRecord &a, const NodeRecord &b) {
 bool isRoutable(const NodeRecord &node) {
     if (node.mediaClass() != "Stream/Output/Audio" || node.property("node.autoconnect") != "true")
         return false;
-    // Each of these properties forbids moving the stream; some streams would be destroyed by it.
+    // Each of these properties forbids moving the stream; a move would destroy some streams.
     constexpr std::array fixed{"node.dont-reconnect", "node.dont-move", "node.dont-fallback",
                                "node.exclusive"};
     return std::none_of(fixed.begin(), fixed.end(),

@@ -34,9 +34,9 @@ bool isUndecidedCopy(const ServerObjects &objects, const NodeRecord &node);
 /// True if the node's ports in one direction are exactly front left and front right.
 bool isPlainStereo(const ServerObjects &objects, std::uint32_t nodeID, bool input);
 
-/// The nodes that hear `nodeID`: those that it is linked to, directly or through others, and every
-/// playback of a program that records one of them. Sending such a stream to the tap would close a
-/// feedback loop. Programs are identified by link group, client and process.
+/// The nodes that hear `nodeID`: its direct and indirect link targets, and every playback of a
+/// program that records one of them. Sending such a stream to the tap would close a feedback loop.
+/// Link group, client and process identify a program.
 std::set<std::uint32_t> hearersOf(const ServerObjects &objects, std::uint32_t nodeID);
 
 } // namespace quorbel

@@ -16,16 +16,15 @@ class TargetMemory {
   public:
     explicit TargetMemory(const ServerObjects &objects) : objects_(objects) {}
 
-    /// Takes the target of a stream when it is first seen, unless a target of its program is known
-    /// or `object` is the stream's place.
+    /// Takes the target of a new stream, unless a target of its program is known or `object` is the
+    /// stream's place.
     void learn(const NodeRecord &stream, const std::optional<MetadataValue> &object,
                const std::optional<MetadataValue> &node);
     /// Takes another client's change of a stream's "target.object" or "target.node"; a deletion
     /// forgets the target.
     void choose(const NodeRecord &stream, std::string_view key,
                 const std::optional<MetadataValue> &value);
-    /// Marks a "target.object" that we gave to a stream, by serial: no choice of the user's for the
-    /// program.
+    /// Marks a stream's "target.object" as ours, by serial: not the user's choice for the program.
     void setPlace(std::uint64_t streamSerial, MetadataValue object);
     void forgetPlace(std::uint64_t streamSerial) { places_.erase(streamSerial); }
     /// Name of the node remembered for the stream's program; empty if none.

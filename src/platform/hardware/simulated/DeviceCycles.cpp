@@ -11,7 +11,7 @@ DeviceCycles::DeviceCycles(Clock &clock, Pace pace) : clock_(clock), pace_(pace)
 DeviceCycles::~DeviceCycles() { pause(); }
 
 void DeviceCycles::pause() {
-    // With `Pace::clock` there is no thread beside the caller's.
+    // With `Pace::clock` all cycles run on the caller's thread.
     if (!thread_.joinable())
         return;
     leave_ = true;

@@ -56,7 +56,7 @@ struct CyclePlan {
 
 /// Speed of a simulated machine's devices.
 enum class Pace {
-    clock,  ///< in the program's time, on the clock's thread: every run is the same
+    clock,  ///< in the program's time, on the clock's thread: deterministic
     threads ///< as fast as possible, each device on a thread of its own, without recording
 };
 
@@ -69,7 +69,7 @@ class DeviceCycles {
     DeviceCycles(const DeviceCycles &) = delete;
     DeviceCycles &operator=(const DeviceCycles &) = delete;
 
-    /// Stops the cycles: when this returns, none is under way, and none comes before `resume`.
+    /// Stops the cycles: after it returns, no cycle is under way or comes before `resume`.
     void pause();
     /// Continues with `plan`, in step with the earlier cycles if rate and blocks are equal. An idle
     /// plan has no cycles.
@@ -86,7 +86,7 @@ class DeviceCycles {
     void cycle() noexcept;
     template <typename Call> void callOut(const Call &call) noexcept;
     [[nodiscard]] std::uint32_t nextBlock() const;
-    /// Plays the sounds for one block, summed into the scratch buffers.
+    /// Sums one block of the sounds into the scratch buffers.
     void mix(const std::vector<std::shared_ptr<Playing>> &sounds, std::uint32_t frames);
 
     Clock &clock_;

@@ -118,7 +118,7 @@ Status SimulatedHardware::streamChannelCounts(AudioObjectID device, Scope scope,
 }
 
 Status SimulatedHardware::addListener(HardwareProperty property, HardwareListener &listener) {
-    // Also without a server: listeners outlive connections.
+    // Works without a server too: listeners outlive connections.
     if (const auto verdict = operations_.note(Operation::addListener); !verdict.carryOut)
         return verdict.status;
     assert(std::ranges::count(listeners_, std::pair(property, &listener)) == 0);
@@ -127,7 +127,7 @@ Status SimulatedHardware::addListener(HardwareProperty property, HardwareListene
 }
 
 Status SimulatedHardware::removeListener(HardwareProperty property, HardwareListener &listener) {
-    // Removed in any case: the caller relies on no further call.
+    // Removes it in any case: the caller relies on no further call.
     const auto verdict = operations_.note(Operation::removeListener);
     std::erase(listeners_, std::pair(property, &listener));
     return verdict.status;

@@ -24,15 +24,15 @@ struct SimulatedDevice {
     std::vector<std::uint32_t> outputChannels{2};
     double sampleRate = 48000.0;                 ///< Hz
     std::vector<std::uint32_t> blockFrames{512}; ///< of its cycles, used in turn
-    OutputIdentity identity{};                   ///< but for the node, which is the uid
+    OutputIdentity identity{};                   ///< except the node, which is the uid
 };
 
 /// A machine with sound hardware in memory: scripted devices that come, go and change, applications
 /// that play on them, calls that fail on demand, and a recording of the output. A muting tap mutes
 /// only while it is read, as on a real machine.
 ///
-/// Every device has its own clock. The cycles of a device that both captures and plays capture
-/// first. All calls [main]; `Pace` decides on which thread clients are called.
+/// Every device has its own clock. Each cycle captures before it plays. All calls [main]; `Pace`
+/// decides on which thread clients are called.
 class SimulatedHardware final : public AudioHardware {
   public:
     using Pace = simulated::Pace;
@@ -52,12 +52,12 @@ class SimulatedHardware final : public AudioHardware {
     /// Gives the ids of removed devices to new ones, as a sound server does.
     void setReusingIDs(bool reusing) { isReusingIDs_ = reusing; }
     void setDefaultOutput(const std::string &uid);
-    /// The headphones are plugged into the same card, for example.
+    /// Changes a device's identity, as if headphones were plugged into the same card.
     void setIdentity(const std::string &uid, OutputIdentity identity);
     void setSampleRate(const std::string &uid, double sampleRate);
     void setBlockFrames(const std::string &uid, std::vector<std::uint32_t> blockFrames);
-    /// Sets the rate that taps report, whatever their cycles have; 0 is an invalid format. By
-    /// default they report the true one.
+    /// Sets the rate in Hz that taps report instead of their cycles' rate; 0 makes the format
+    /// invalid.
     void setDeclaredTapRate(double sampleRate) { declaredTapRate_ = sampleRate; }
 
     // Script: applications.
@@ -68,7 +68,7 @@ class SimulatedHardware final : public AudioHardware {
     /// While suspended no application plays: devices have no cycles, and outputs are paused.
     void setSuspended(bool suspended);
 
-    /// Sets the streams that `playbackStreams` lists, whatever applications play.
+    /// Sets the streams that `playbackStreams` lists, regardless of the applications.
     void setPlaybackStreams(std::vector<PlaybackStream> streams);
 
     // Script: failures.

@@ -1,5 +1,5 @@
-// The simulated machine's script: what a test or a demonstration makes happen, and what it may ask
-// afterwards.
+// Script of the simulated machine: events that a test or a demonstration triggers, and queries of
+// their results.
 
 #include "platform/hardware/simulated/SimulatedHardware.h"
 
