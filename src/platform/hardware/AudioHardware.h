@@ -36,7 +36,7 @@ struct TapDescription {
     bool isPrivate = false;
 };
 
-/// A device that combines a tap with another device: delivers the tap's sound at its clock.
+/// A device that combines a tap and a main device: delivers the tap's sound at that one's clock.
 struct AggregateDescription {
     struct Tap {
         std::string uuid;

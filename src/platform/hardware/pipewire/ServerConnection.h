@@ -22,8 +22,8 @@ inline double secondsOn(clockid_t clock) noexcept {
 
 inline double monotonicSeconds() noexcept { return secondsOn(CLOCK_MONOTONIC); }
 
-/// One connection to the user's sound server: a thread loop of our own, the context and the core. A
-/// lost connection is never repaired; the owner makes a new one.
+/// One connection to the user's sound server: its own thread loop, the context and the core. A lost
+/// connection is never repaired; the owner makes a new one.
 ///
 /// [main] except where tagged; [control] is the loop's thread, which holds the loop's lock.
 class ServerConnection {

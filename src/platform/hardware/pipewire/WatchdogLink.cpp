@@ -45,7 +45,7 @@ WatchdogLink::WatchdogLink(std::uint32_t serverCookie) : serverCookie_(serverCoo
 WatchdogLink::~WatchdogLink() { abandon(); }
 
 // One end of a socket pair is the watchdog's standard input. The other end is ours alone, so it
-// closes however we end. (A socket, because a write to a pipe without a reader raises a signal.)
+// closes however we end. (Writes to a dead reader raise a signal, which only sockets can suppress.)
 // Sends the current state before the watchdog starts.
 void WatchdogLink::start(const RouteLedger &routed) {
     const std::string program = watchdogProgram();

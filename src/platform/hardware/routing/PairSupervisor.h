@@ -59,7 +59,7 @@ class PairSupervisor {
 
     std::optional<double> wrongSince_ = 0.0;
     bool isNew_ = true;     ///< not healthy yet since the reset
-    bool wasWhole_ = false; ///< both nodes have existed since the last rebuild
+    bool wasWhole_ = false; ///< both nodes existed once since the last rebuild
     bool isRouting_ = false;
     bool mustRebuild_ = false;
     bool hasLinked_ = false; ///< during this failure, like `hasNudged_`

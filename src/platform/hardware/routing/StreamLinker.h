@@ -33,7 +33,7 @@ struct StreamLinks {
 /// Makes and removes the links of streams, and the handshake that a PulseAudio client needs.
 ///
 /// Invariants:
-/// 1. A stream has at most one handshake and one link of ours per port of the tap.
+/// 1. A stream has at most one handshake, and one of our links per port of the tap.
 /// 2. Links of the session manager and of other clients are left alone, except `former` ones.
 class StreamLinker {
   public:
@@ -53,7 +53,7 @@ class StreamLinker {
     void noteFormer(std::uint32_t streamID, StreamLinks &links) const;
     /// Removes the former links. Returns the device of another link, made by a client, or null.
     const NodeRecord *removeFormer(std::uint32_t streamID, const StreamLinks &links);
-    /// Removes all links of ours.
+    /// Removes all our links.
     void drop(StreamLinks &links);
 
     /// True if a device exists that a handshake can use.

@@ -45,7 +45,7 @@ bool StreamRouter::isOwnTap(const MetadataValue &value) const {
                        [&](std::uint64_t tap) { return value.value == std::to_string(tap); });
 }
 
-/// True if the target of the stream is a tap of ours, the current one or an earlier one.
+/// True if the target of the stream is one of our taps, the current or an earlier one.
 bool StreamRouter::hasOwnTarget(std::uint32_t id) const {
     const auto target = commands_.expected(id, targetObjectKey);
     return target && isOwnTap(*target);
@@ -110,8 +110,8 @@ void StreamRouter::metadataChanged(std::uint32_t subject, std::string_view key,
             commands_.deleteMetadata(subject, targetObjectKey);
         return;
     }
-    // A write of ours under way came after this change by another client and replaces it, even if
-    // routing has ended by now.
+    // Our write under way came after this change by another client and replaces it, even if routing
+    // has ended by now.
     const bool isReplaced = commands_.isUnderWay(subject, key);
     const auto found = streams_.find(subject);
     const NodeRecord *node = objects_.node(subject);

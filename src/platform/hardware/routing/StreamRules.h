@@ -27,8 +27,8 @@ bool isAnsweredPulseClient(const NodeRecord &node);
 /// that sink.
 bool isVirtualSinkOutput(const ServerObjects &objects, const NodeRecord &node);
 
-/// True for the playback half of a loopback or filter whose recording half is not linked yet: it
-/// may be linked to the processed sound.
+/// True for the playback half of a loopback or filter while its recording half is not linked: that
+/// half may yet be linked to the processed sound.
 bool isUndecidedCopy(const ServerObjects &objects, const NodeRecord &node);
 
 /// True if the node's ports in one direction are exactly front left and front right.
