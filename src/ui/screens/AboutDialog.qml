@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The program in one line, its keys, version and licence, and the versions for a bug report.
+/// About the program: version, purpose, licence, keys, and the versions for a bug report.
 DotDialog {
     id: dialog
 
@@ -45,7 +45,7 @@ DotDialog {
             id: list
 
             Layout.fillWidth: true
-            /// Keys and their effects in turn.
+            /// Keys and effects, alternating.
             readonly property list<string> lines: [
                 qsTr("B, held"), qsTr("Compare"),
                 qsTr("Ctrl+Return"), qsTr("Start or stop processing"),

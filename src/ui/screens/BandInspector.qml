@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The rest of the selected strip: Q, filter type, bypass, and the way back.
+/// Further controls of the selected band: Q, filter type, bypass and reset.
 ColumnLayout {
     id: inspector
 

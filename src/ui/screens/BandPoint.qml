@@ -2,8 +2,8 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// One band as a point on the curve: dragged for frequency and gain, turned with the wheel for Q once it has the
-/// focus, put back by a double click. The Tab key reaches the strips below instead.
+/// One band as a point on the curve. Dragging sets frequency and gain, a double click resets the band, and the wheel
+/// sets Q while the point has the focus. The Tab key reaches the strips below instead.
 FocusArea {
     id: point
     objectName: "bandPoint" + index
@@ -17,12 +17,12 @@ FocusArea {
     required property DotCurve curve
     /// Gain in dB at the top of the curve; the bottom has its negative.
     required property real rangeDB
-    /// Gain in dB of all bands together, by which the curve lies higher than the band's own gain.
+    /// Preset gain plus global gain in dB, which shift the whole curve.
     required property real offsetDB
 
     property bool selected: false
     readonly property real centreX: curve && curve.width > 0 ? curve.xOfFrequency(frequency) : 0
-    // Follows the curve's height, which the mapping depends on.
+    // Reads the curve's height so that the binding follows it.
     readonly property real centreY: curve && curve.height > 0 ? yOf(Math.max(-rangeDB, Math.min(rangeDB, gain + offsetDB))) : 0
     signal chosen
 
@@ -107,14 +107,14 @@ FocusArea {
     MouseArea {
         id: mouse
 
-        property point pressedAt // of the pointer on the curve
+        property point pressedAt // pointer position on the curve
         property point last
-        property point held // place of the values as the pointer has moved it, outside of the curve too
+        property point held // dragged position, not clamped to the curve
         property bool movesX: false
         property bool movesY: false
         property bool wasReset: false
 
-        // A hand that moves along one axis strays on the other: pixels until that counts.
+        // Pixels that a drag may stray from its axis before the other axis moves too.
         readonly property real stray: Theme.unit
 
         anchors.fill: parent
@@ -125,7 +125,7 @@ FocusArea {
             point.forceActiveFocus(Qt.MouseFocusReason);
             point.chosen();
             App.history.beginGesture();
-            // The point is held where it was touched, so that a click alone moves nothing.
+            // Keeps the grab offset, so that a click alone moves nothing.
             pressedAt = last = mapToItem(point.curve, event.x, event.y);
             held = Qt.point(point.centreX, point.yOf(point.gain + point.offsetDB));
             movesX = movesY = false;

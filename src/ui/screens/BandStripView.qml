@@ -3,8 +3,8 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// One band as a strip: gain, its slider, frequency, and whether it is in use. Only the selected
-/// strip is on the way of the Tab key; the arrows left and right lead from band to band.
+/// One band as a strip: gain, slider and frequency, faint while bypassed. The Tab key reaches only
+/// the selected strip; Left and Right on its slider move to the neighbouring band.
 FocusScope {
     id: strip
 
@@ -21,15 +21,15 @@ FocusScope {
     readonly property string bandName: qsTr("Band %1").arg(index + 1)
     readonly property string frequencyText: Format.hertz(frequency)
     signal chosen
-    /// The keyboard goes to another band, counted from this one.
+    /// Requests the keyboard focus for the band `step` strips away.
     signal moveRequested(int step)
 
-    /// Places of the highest gain, the lowest, and the middle of the frequency in the strip.
+    /// y in the strip of the highest gain, the lowest gain, and the frequency's centre.
     readonly property real topOfGain: rows.y + gainSlider.y + gainSlider.handleSize / 2
     readonly property real bottomOfGain: topOfGain + gainSlider.height - gainSlider.handleSize
     readonly property real frequencyCentre: rows.y + frequencyField.y + frequencyField.height / 2
 
-    /// The slider's part that takes the keyboard.
+    /// The focusable part of the slider.
     readonly property ValueHandle sliderHandle: gainSlider.handle
 
     function takeFocus() {

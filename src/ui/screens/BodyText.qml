@@ -1,7 +1,7 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// A text of the window in the size of running text.
+/// Running text.
 PlainText {
     color: Theme.ink
     font.family: Theme.fontFamily

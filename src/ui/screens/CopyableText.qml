@@ -1,13 +1,13 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// A text that can be selected and copied, such as the words of an error.
+/// A read-only text that can be selected and copied, such as an error message.
 TextEdit {
     id: copyable
 
     property string accessibleName: ""
 
-    /// The whole text to the clipboard, whatever is selected.
+    /// Copies the whole text to the clipboard; clears the selection.
     function copyAll() {
         selectAll();
         copy();
@@ -28,7 +28,7 @@ TextEdit {
     Accessible.role: Accessible.StaticText
     Accessible.name: copyable.text
     Accessible.description: copyable.accessibleName
-    // Tab leaves the text, which is read-only.
+    // Tab moves the focus on, because the text is read-only.
     KeyNavigation.priority: KeyNavigation.BeforeItem
     Keys.onTabPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
     Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The output devices with their profiles, and the switches that belong to the whole program.
+/// The output devices with their profiles, and the program's global switches.
 ScreenPage {
     ScreenHeader {
         Layout.fillWidth: true
@@ -84,7 +84,7 @@ ScreenPage {
                     Layout.fillWidth: true
                 }
             }
-            // Below, so that the heading is in view with the first row.
+            // Below the rows, so that the heading and the first row are visible together.
             CaptionText {
                 Layout.fillWidth: true
                 Layout.leftMargin: 2 * Theme.unit

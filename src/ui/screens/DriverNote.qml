@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-/// Tells that nothing was installed and how normal sound returns.
+/// Explains that no driver was installed and how normal sound returns.
 RowLayout {
     spacing: 1.5 * Theme.unit
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The equaliser: its response, and a strip for each band.
+/// The equaliser: its response, a strip for each band, and the inspector of the selected band.
 ScreenPage {
     id: screen
 
@@ -46,12 +46,12 @@ ScreenPage {
     }
     DotCard {
         Layout.fillWidth: true
-        // The curve gets the greater part of the room.
+        // Leaves most of the height to the curve.
         Layout.preferredHeight: Math.max(implicitHeight, Math.min(36 * Theme.unit, 0.42 * (screen.availableHeight + screen.covered - 9 * Theme.unit)))
 
         GridLayout {
             id: bandsLayout
-            // Beside the strips, unless hardly any of them could be seen then.
+            // Puts the inspector beside the strips if about five of them still fit.
             readonly property bool beside: width > Theme.labelWidth + 5 * Theme.stripWidth
 
             anchors.fill: parent

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-/// One stage: its switch and name, its value, and all its controls once it is opened.
+/// One stage: switch, name, value, and all its controls while it is open.
 DotCard {
     id: card
 
@@ -71,7 +71,7 @@ DotCard {
                 implicitHeight: expander.implicitHeight
                 height: implicitHeight
 
-                // The same width for both words.
+                // Reserves the width of the longer label.
                 TextMetrics {
                     id: shownWord
                     font: expander.font

@@ -4,11 +4,11 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The units and ticks of the strips beside it.
+/// Gain marks and units of the strips beside it.
 Item {
     id: units
 
-    /// One of the strips, in line with this.
+    /// Any strip; the marks are level with its slider.
     required property BandStripView strip
     readonly property real highest: strip?.topOfGain ?? 0
     readonly property real lowest: strip?.bottomOfGain ?? 0
@@ -29,7 +29,7 @@ Item {
 
             anchors.right: parent?.right
             y: units.highest + (units.lowest - units.highest) * (App.equalizer.maxGain - modelData) / (App.equalizer.maxGain - App.equalizer.minGain) - height / 2
-            // The halves are left out where they would overlap.
+            // Hides the marks between multiples of 12 dB where they would overlap.
             visible: modelData % 12 === 0 || (units.lowest - units.highest) / 4 >= height
             text: Format.gainMark(modelData)
             Accessible.ignored: true // each slider tells its value and unit

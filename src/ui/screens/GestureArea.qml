@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Model
 
-/// Laid over a slider or knob: everything between press and release is one step of the history. It lies on top, so
-/// that the step has begun when the control sees the press, and lets all events through.
+/// Groups all changes of a slider or knob between press and release into one history step. It lies on top, so that
+/// the step begins before the control sees the press, and passes all events through.
 Item {
     anchors.fill: parent
     z: 1

@@ -2,12 +2,12 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The tell-tale: the highest levels since they were cleared, and the way to a lower level.
+/// The tell-tale: the highest levels since the last clearing, and a button that lowers the level.
 WrapRow {
     id: held
 
-    /// Whether there is room for the peak of the samples only; the help then has the rest. Nothing that comes and
-    /// goes: a band that is dragged must not move the curve.
+    /// Shows only the sample peak, at a constant width, and the rest in the help: dragging a band must not move
+    /// the curve.
     property bool compact: false
 
     readonly property string rest: {

@@ -9,7 +9,7 @@ DotCard {
 
     readonly property bool failed: App.engine.state === "error"
 
-    /// True if there is room for a line only: the texts and the limiter's reduction.
+    /// Compact layout for small windows: one line with the texts and the limiter's reduction.
     property bool line: false
 
     padding: (line ? 1 : 2) * Theme.unit
@@ -23,7 +23,7 @@ DotCard {
         GridLayout {
             Layout.fillWidth: true
             Layout.fillHeight: true
-            // A long error has the width of a narrow line for itself.
+            // Gives an error the full width of a narrow line.
             columns: panel.line && !(panel.failed && panel.width < 60 * Theme.textUnit) ? 2 : 1
             columnSpacing: 2 * Theme.unit
             rowSpacing: Theme.unit

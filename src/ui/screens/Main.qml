@@ -2,19 +2,19 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The window: toolbar, sidebar, and the screen that is selected in it.
+/// The window: toolbar, sidebar, and the selected screen.
 Window {
     id: window
 
     property string destination: "equalizer"
-    /// With little room the sidebar shows symbols only, and the live panel is a line. A desktop may give a window
-    /// less than its minimum.
+    /// A small window shows only symbols in the sidebar and one line of the live panel. Some desktops ignore the
+    /// minimum size.
     readonly property bool narrow: width < 900 * Theme.textScale
     readonly property bool low: height < 700 * Theme.textScale
     readonly property bool seen: visible && visibility !== Window.Minimized && visibility !== Window.Hidden
 
     title: qsTr("Ostrafine")
-    // On a screen that has no room for these, the program makes them smaller.
+    // The program reduces these sizes on a smaller screen.
     width: 1280
     height: 900
     minimumWidth: 1020
@@ -69,7 +69,7 @@ Window {
             onSaveRequested: saveSheet.open()
         }
     }
-    // Takes files that are dropped on it as presets.
+    // Imports dropped files as presets.
     DropArea {
         id: area
 
@@ -77,7 +77,7 @@ Window {
         keys: ["text/uri-list"]
         onDropped: drop => {
             drop.accept(Qt.CopyAction);
-            // First, because the list of presets shows the result.
+            // Switches the screen first, because the presets screen shows the result.
             if (!window.destination.startsWith("presets"))
                 window.destination = "presetsMine";
             App.presets.importDropped(drop.urls);

@@ -8,13 +8,13 @@ Item {
     id: view
     objectName: "mainView"
 
-    /// A raw value of `Destinatie`.
+    /// Raw value of `Destinatie`.
     required property string destination
-    /// Whether the live panel is to be a line.
+    /// Reduces the live panel to one line.
     property bool small: false
     signal saveRequested
 
-    /// The list that the presets screen shows or would show.
+    /// Filter of the presets screen, kept while another screen is shown.
     property int presetFilter: PresetFilterModel.All
 
     onDestinationChanged: {
@@ -26,7 +26,7 @@ Item {
         presetFilter = filters[destination] ?? presetFilter;
     }
 
-    /// Outlives the spatial screen, whose cards stay open or closed.
+    /// Open cards of the spatial screen, kept while another screen is shown.
     property var expandedStages: []
 
     function toggleStage(stage) {
@@ -34,7 +34,7 @@ Item {
                                                         : expandedStages.concat(stage);
     }
 
-    // Scrolls only where the panel and a warning leave hardly anything for the screen.
+    // Scrolls only if the panel and a warning leave too little height for the screen.
     DotScrollView {
         id: scroll
         anchors.fill: parent
@@ -45,8 +45,8 @@ Item {
 
         ColumnLayout {
             id: column
-            // At the right the screens bring the rest, with their scroll bar in it; at the foot they scroll to the
-            // window's end.
+            // The screens add the rest of the right margin, which holds their scroll bar, and scroll down to the
+            // window's edge.
             x: (view.small ? 2 : 3) * Theme.unit
             y: (view.small ? 1 : 2) * Theme.unit
             width: view.width - x - (view.small ? 0 : Theme.unit)
@@ -64,7 +64,7 @@ Item {
                 Layout.fillHeight: true
                 Layout.preferredHeight: 0
                 Layout.topMargin: -((item as ScreenPage)?.ringMargin ?? 0)
-                // A list of presets cannot be lower than its head and one row.
+                // The list of presets needs at least the height of its head and one row.
                 Layout.minimumHeight: Math.max(Math.min(view.height - 2 * Theme.unit, 20 * Theme.textUnit), (item as PresetsView)?.implicitHeight ?? 0)
                 sourceComponent: {
                     switch (view.destination) {
@@ -88,7 +88,7 @@ Item {
                     return equalizer;
                 }
             }
-            // At the foot, so that a warning that comes or goes moves nothing under the pointer.
+            // At the bottom, where a new or dismissed warning moves nothing under the pointer.
             Notice {
                 id: notice
                 Layout.fillWidth: true

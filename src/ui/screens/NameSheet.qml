@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// Asks for the name of a preset. Names of blanks alone are not accepted.
+/// Asks for the name of a preset; rejects blank names.
 DotDialog {
     id: sheet
 

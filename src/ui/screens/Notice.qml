@@ -2,15 +2,14 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-/// One message in the flow of the window, with its details below. The user can copy and dismiss it; it goes with
-/// its cause.
+/// One inline message with its details below. The user can copy and dismiss it; it disappears with its cause.
 Rectangle {
     id: notice
 
     property string message: ""
     property var details: []
     property bool isWarning: false
-    /// A button that does something about the message; none if empty.
+    /// Label of a button that solves the problem; empty: no button.
     property string action: ""
     property string actionHelp: ""
     signal acted

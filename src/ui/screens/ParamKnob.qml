@@ -1,6 +1,6 @@
 import Quorbel.Dotmatrix
 
-/// A knob whose whole movement is one step of the history.
+/// A knob that records each whole movement as one history step.
 DotKnob {
     GestureArea {}
 }

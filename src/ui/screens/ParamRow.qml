@@ -3,13 +3,12 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// One number of a stage: its label, a slider over its range, and the value as text. On a narrow card the
-/// slider has a line of its own.
+/// One numeric setting of a stage: label, slider, and value as text. On a narrow card the slider has its own line.
 GridLayout {
     id: row
 
     required property Setting setting
-    /// Room left free at the end, as wide as the items at the end of the card's head.
+    /// Width left free at the right end, equal to that of the trailing items in the card's head.
     property real trailing: 0
 
     readonly property bool narrow: width < Theme.indent + Theme.labelWidth + Theme.valueWidth + trailing + 20 * Theme.unit
@@ -19,7 +18,7 @@ GridLayout {
     rowSpacing: 0
 
     BodyText {
-        // Aligned with the name of the card, beside its switch.
+        // Aligns with the card's name, beside its switch.
         Layout.leftMargin: row.narrow ? 0 : Theme.indent
         Layout.minimumWidth: row.narrow ? 0 : Theme.labelWidth
         Layout.maximumWidth: row.narrow ? Infinity : Theme.labelWidth

@@ -1,6 +1,6 @@
 import Quorbel.Dotmatrix
 
-/// A slider whose whole movement is one step of the history.
+/// A slider that records each whole movement as one history step.
 DotSlider {
     GestureArea {}
 }

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// Actions on one preset beside applying it. Factory presets can only be copied.
+/// Actions on one preset other than applying it. Factory presets can only be duplicated.
 DotMenu {
     id: menu
 
@@ -12,7 +12,7 @@ DotMenu {
     signal updateRequested
     signal duplicateRequested
 
-    /// Opens below `button` with the first entry chosen, for the keyboard.
+    /// Opens below `button` with the first enabled entry selected, for the keyboard.
     function openBelow(row: PresetRow, button: Item) {
         presetId = row.presetId;
         presetName = row.name;

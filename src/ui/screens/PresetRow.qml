@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// One preset (`rand`): its name, purpose and content, and its actions. The list's keys move from row to row; the
-/// Tab key reaches the current row's buttons.
+/// One preset (`rand`): name, purpose, content and actions. The list's keys move between rows; the Tab key reaches
+/// the current row's buttons.
 FocusScope {
     id: row
 
@@ -23,7 +23,7 @@ FocusScope {
     signal exportRequested
     signal deleteRequested
 
-    /// Anchor of the menu of this preset.
+    /// Anchor of the preset's menu.
     readonly property Item menuButton: more
 
     implicitHeight: line.implicitHeight + 3 * Theme.unit

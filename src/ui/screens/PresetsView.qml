@@ -13,7 +13,7 @@ Item {
     required property int filter
     signal saveRequested
 
-    /// Result of the last import or export, and the lines of the file that were not taken.
+    /// Result of the last import or export, and the file's rejected lines.
     property string report: ""
     property var reportDetails: []
     property bool reportIsWarning: false
@@ -36,7 +36,7 @@ Item {
         App.presets.update(presetId);
         say(qsTr("%1 has the current settings now.").arg(name));
     }
-    /// Leads to the copy where the list shows it.
+    /// Copies a preset and moves the focus to the copy if the list shows it.
     function duplicate(presetId) {
         const row = filtered.rowOf(App.presets.duplicate(presetId));
         if (row < 0) {
@@ -168,7 +168,7 @@ Item {
                 keyNavigationEnabled: true
                 boundsBehavior: Flickable.StopAtBounds
                 highlightMoveDuration: Theme.duration
-                // Rows beyond the view would still be in the making when a search takes them away.
+                // Creates no rows beyond the view: a search could remove them while they are being created.
                 cacheBuffer: 0
                 model: filtered
                 T.ScrollBar.vertical: DotScrollBar {}

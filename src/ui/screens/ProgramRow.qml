@@ -2,7 +2,7 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// One stream of a program, and the switch that has it processed.
+/// One stream of a program, with the switch for its processing.
 FocusScope {
     id: row
 
@@ -62,7 +62,7 @@ FocusScope {
             Accessible.description: row.status
             onToggled: {
                 App.programs.setProcessed(row.index, !row.processed);
-                checked = Qt.binding(() => row.processed); // it may be left alone for another reason
+                checked = Qt.binding(() => row.processed); // it may stay unprocessed for another reason
             }
         }
     }

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The streams that programs play, whether each is processed, and the rules that decide it.
+/// The programs' streams with their processing switches, and the remembered rules.
 ScreenPage {
     id: view
 
@@ -110,7 +110,7 @@ ScreenPage {
                     }
                 }
             }
-            // Below, so that the heading is in view with the first row.
+            // Below the rows, so that the heading and the first row are visible together.
             CaptionText {
                 Layout.fillWidth: true
                 Layout.leftMargin: 2 * Theme.unit

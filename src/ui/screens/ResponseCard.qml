@@ -3,8 +3,8 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The equaliser's response: the curve with a point for each band, the live spectrum faintly behind it, and the
-/// gain of all bands together.
+/// The equaliser's response: the curve with a point for each band, the live spectrum behind it, and the gains
+/// common to all bands.
 DotCard {
     id: card
 
@@ -12,14 +12,14 @@ DotCard {
     property int hoveredBand: -1
     signal bandChosen(int row)
 
-    /// The band whose values are written out: under the pointer, or else the selected one.
+    /// Band with its values shown as text: the hovered one, or else the selected one.
     readonly property var readPoint: points.itemAt(Math.min(hoveredBand >= 0 ? hoveredBand : selectedBand, points.count - 1))
 
     function heightOf(dB: real): real {
         return 0.5 + dB / App.equalizer.drawnRangeDB / 2;
     }
 
-    // Widths of the longest texts, so that nothing moves when a value gets a digit more.
+    // Widths of the longest texts, reserved so that a longer value moves nothing.
     component Measure: TextMetrics {
         font.family: Theme.fontFamily
     }
@@ -125,7 +125,7 @@ DotCard {
                 id: presetGain
                 WrapRow.minimumWidth: Math.max(8 * Theme.textUnit, contentWidth + Theme.unit)
                 implicitWidth: 8 * Theme.textUnit
-                // Most presets have none: one control less.
+                // Hidden at 0 dB, the gain of most presets.
                 visible: App.level.presetGainDB !== 0 || activeFocus
                 valueText: App.level.presetGainText
                 function parse(text: string): real {
@@ -141,7 +141,7 @@ DotCard {
                 accessibleName: qsTr("Show the exact response")
             }
             CaptionText {
-                // As wide as the widest, so that a digit more moves nothing.
+                // Reserves the longest text, so that a longer value moves nothing.
                 WrapRow.minimumWidth: Math.max(implicitWidth, Math.ceil(widestPeak.advanceWidth))
                 horizontalAlignment: x > 0 ? Text.AlignRight : Text.AlignLeft
                 text: App.equalizer.peakText
@@ -165,7 +165,7 @@ DotCard {
             }
             DotButton {
                 objectName: "lowerToFullScale"
-                // Always there in a wide window, and of one width: a dragged band must not move the curve.
+                // Always visible in a wide window, at a constant width: dragging a band must not move the curve.
                 visible: enabled || card.width >= 120 * Theme.textUnit
                 implicitWidth: Math.ceil(widestLower.advanceWidth) + leftPadding + rightPadding
                 enabled: App.level.overshoots
@@ -190,7 +190,7 @@ DotCard {
                     delegate: CaptionText {
                         required property real modelData
                         anchors.right: parent?.right
-                        // Follows the curve's height, which the mapping depends on.
+                        // Reads the curve's height so that the binding follows it.
                         // Up to Qt 6.4 qmllint does not know the ids around a delegate.
                         // qmllint disable unqualified
                         y: plot.height > 0 ? plot.yOfHeight(card.heightOf(modelData)) - height / 2 : 0
@@ -257,7 +257,7 @@ DotCard {
                 model: plot.octaves
                 delegate: CaptionText {
                     required property real modelData
-                    // Follows the curve's width, which the mapping depends on.
+                    // Reads the curve's width so that the binding follows it.
                     // Up to Qt 6.4 qmllint does not know the ids around a delegate.
                     // qmllint disable unqualified
                     x: plot.width > 0 ? plot.x + plot.xOfFrequency(modelData) - width / 2 : 0

@@ -1,6 +1,6 @@
 import Quorbel.Model
 
-/// Asks for the name under which the current settings become a preset of the user's.
+/// Asks for a name and saves the current settings as a user preset.
 NameSheet {
     title: qsTr("Save Preset")
     acceptText: qsTr("Save")

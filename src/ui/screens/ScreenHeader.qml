@@ -24,7 +24,7 @@ ColumnLayout {
             font.family: Theme.fontFamily
             font.pixelSize: Theme.titleSize
             font.weight: Font.DemiBold
-            // As high as a button, so that all titles have the same height.
+            // Reserves room for buttons, so that all titles have the same height.
             height: Math.max(implicitHeight, Theme.headHeight)
             verticalAlignment: Text.AlignVCenter
             rightPadding: Theme.unit

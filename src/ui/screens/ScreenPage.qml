@@ -2,18 +2,18 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-/// A screen that scrolls where the window is too low for it.
+/// A screen that scrolls if the window is too low.
 DotScrollView {
     id: page
     objectName: "screenPage"
 
     default property alias content: column.data
-    /// Below the last card.
+    /// Margin below the last card.
     readonly property real endMargin: 2 * Theme.unit
-    /// Around the content, so that the focus ring of an item at its edge is not cut off.
+    /// Margin around the content that keeps focus rings at its edge from being clipped.
     readonly property real ringMargin: 5
 
-    /// Height of an item over the page's lower end, which takes no room from the cards.
+    /// Height that an item below takes from the page; the cards keep their heights.
     property real covered: 0
     function scrollToEnd() {
         const view = contentItem as Flickable;
@@ -21,7 +21,7 @@ DotScrollView {
     }
 
     takesKeys: true
-    rightPadding: 2 * Theme.unit - ringMargin // the scroll bar's
+    rightPadding: 2 * Theme.unit - ringMargin // holds the scroll bar
     contentWidth: availableWidth
     contentHeight: column.y + column.height + endMargin
 

@@ -5,7 +5,7 @@ import Quorbel.Model
 
 /// The guide of the first run, and the user's progress.
 ScreenPage {
-    /// One numbered step of the guide. Its texts may mark words as bold with double asterisks.
+    /// One numbered step of the guide. Double asterisks in its paragraphs mark bold words.
     component SetupStep: Item {
         id: step
 

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-/// A destination in the sidebar, below the caption of the group that it begins, if it does.
+/// A destination in the sidebar. The first one of a group has the group's caption above it.
 ColumnLayout {
     id: entry
 
@@ -16,10 +16,10 @@ ColumnLayout {
     required property bool startsGroup
 
     property bool selected: false
-    /// Whether there is room for symbols only.
+    /// Shows symbols only.
     property bool folded: false
     signal chosen
-    /// The keyboard moves by `step` entries.
+    /// Requests the keyboard focus for the entry `step` places away.
     signal moveRequested(int step)
 
     function takeFocus() {
@@ -38,7 +38,7 @@ ColumnLayout {
         text: entry.group
         Accessible.role: Accessible.Heading
     }
-    // An item, because a margin that changes with the caption's visibility is applied too late.
+    // Spacer item: a margin bound to the caption's visibility would be applied too late.
     Item {
         visible: entry.folded && entry.startsGroup && entry.index > 0
         implicitHeight: 2 * Theme.unit

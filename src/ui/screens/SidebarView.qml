@@ -3,12 +3,12 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The destinations in their groups. The Tab key reaches one of them; the arrows move from one to the next.
+/// The destinations in their groups. The Tab key reaches the selected one; the arrow keys move between them.
 Rectangle {
     id: sidebar
 
     required property string destination
-    /// Whether there is room for symbols only.
+    /// Shows symbols only.
     property bool folded: false
     signal chosen(string destination)
     signal aboutRequested

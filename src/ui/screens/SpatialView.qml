@@ -14,7 +14,7 @@ ScreenPage {
     property var expanded: []
     signal expansionRequested(int stage)
 
-    /// A switch of a stage's controls, its label where the other rows have theirs.
+    /// A switch among a stage's controls.
     component SwitchRow: DotToggle {
         required property string label
 
@@ -23,7 +23,7 @@ ScreenPage {
         accessibleName: label
     }
 
-    /// A row of a stage's card: it ends where the meter and the value in the head do.
+    /// A parameter of a stage; its value is aligned with the one in the card's head.
     component StageParam: ParamRow {
         Layout.fillWidth: true
         trailing: Theme.expanderWidth + 2 * Theme.unit

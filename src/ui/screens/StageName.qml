@@ -3,14 +3,14 @@ import QtQuick.Layouts
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// The name and caption of a stage. Its help appears under the pointer, and while the keyboard is on the
-/// stage's switch.
+/// The name and caption of a stage. Its help appears on hover, and while the stage's switch has the keyboard
+/// focus.
 ColumnLayout {
     id: head
 
     required property string name
     property string description: ""
-    /// The stage's switch; it tells assistive technology the name and the help.
+    /// The stage's switch, which exposes name and help to assistive technology.
     property DotToggle toggle: null
     readonly property string help: StageTexts.help(name)
 
@@ -21,7 +21,7 @@ ColumnLayout {
     }
     DotToolTip {
         atStart: true
-        // A screen that has just been left has no window for it.
+        // A screen that was just left has no window.
         visible: head.Window.window !== null && (over.hovered || (head.toggle?.visualFocus ?? false))
         text: head.help
     }

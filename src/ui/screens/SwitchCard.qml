@@ -2,16 +2,16 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-/// A switch with its title and what it does.
+/// A switch with its title and explanation.
 DotCard {
     id: card
 
     required property string title
     required property string explanation
     required property bool checked
-    /// True if it can be switched.
+    /// Enables the switch.
     property bool offered: true
-    /// Why not, or what went wrong; empty for none.
+    /// Reason for a disabled switch, or an error; may be empty.
     property string note: ""
     signal toggled
 
@@ -36,7 +36,7 @@ DotCard {
             HeadingText {
                 Layout.fillWidth: true
                 text: card.title
-                Accessible.ignored: true // the switch says it
+                Accessible.ignored: true // the switch has this name
             }
             CaptionText {
                 Layout.fillWidth: true

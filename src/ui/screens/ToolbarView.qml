@@ -2,19 +2,18 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Model
 
-/// Start and stop, the output, the preset, and buttons for the sidebar's sections.
+/// Start and stop, comparison, output, preset, undo, and buttons for the sidebar's sections.
 Rectangle {
     id: toolbar
 
     signal sectionRequested(string firstDestination)
 
-    /// Whether the window is too low for room around the controls.
+    /// Reduces the padding in a low window.
     property bool low: false
-    /// Whether all controls are in one row. The buttons for the sidebar's sections are hidden first: the sidebar
-    /// itself is always there.
+    /// Whether all controls fit into one row. The section buttons are hidden otherwise: the sidebar has them too.
     readonly property bool roomy: width >= (92 + 4 * 4) * Theme.textUnit
 
-    /// A toolbar item that leads to a section of the sidebar.
+    /// Opens a section of the sidebar.
     component JumpItem: DotIconButton {
         required property string section
 
@@ -43,7 +42,7 @@ Rectangle {
 
         DotButton {
             id: startStop
-            WrapRow.minimumWidth: Math.max(12 * Theme.textUnit, implicitWidth) // the same for both words
+            WrapRow.minimumWidth: Math.max(12 * Theme.textUnit, implicitWidth) // the same for both labels
             readonly property bool stops: App.engine.running || App.engine.leavingAlone
 
             primary: !startStop.stops
@@ -58,8 +57,8 @@ Rectangle {
                 text: startStop.stops ? qsTr("Stop processing") : qsTr("Start processing")
             }
         }
-        // Unprocessed sound for as long as it is held, with the mouse, the space bar or the key B. An
-        // assistive technology, which cannot hold a button, switches it.
+        // Plays unprocessed sound while held by mouse, space bar or B. Assistive technology toggles it,
+        // because it cannot hold a button.
         DotButton {
             text: qsTr("Compare")
             primary: App.engine.comparing

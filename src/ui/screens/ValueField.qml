@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-/// A value that looks like plain text and becomes a field with the focus. Return or leaving the field takes the
-/// typed text, Escape drops it. An unreadable text leaves the value as it was.
+/// A value that looks like plain text until it has the focus. Return or leaving the field commits the typed text,
+/// Escape discards it; an unreadable text keeps the value.
 DotTextField {
     id: field
 
@@ -11,12 +11,12 @@ DotTextField {
 
     property bool dirty: false
 
-    /// Converts text to a number; NaN for any other text. Each user of the field has its own.
+    /// Converts text to a number, or to NaN if unreadable. Each user of the field overrides it.
     function parse(text: string): real {
         return NaN;
     }
     function takeTyped() {
-        // A restored text has fewer digits than the value and must not replace it.
+        // Ignores a text equal to the displayed one, which has fewer digits than the value.
         const value = dirty && text !== valueText ? parse(text) : NaN;
         dropTyped();
         if (!isNaN(value))
@@ -47,7 +47,7 @@ DotTextField {
         border.width: field.activeFocus ? 2 : field.hovered ? Theme.hairline : 0
         border.color: field.activeFocus ? Theme.signalInk : Theme.edge
     }
-    // The window takes the focus back.
+    // Passes the event on: the window takes the focus back.
     Keys.onEscapePressed: event => {
         dropTyped();
         event.accepted = false;
