@@ -22,7 +22,7 @@ void AlertItem::itemChange(ItemChange change, const ItemChangeData &data) {
     QQuickItem::itemChange(change, data);
 }
 
-// Not before everything that belongs to the change has been set.
+// Queues the announcement until all properties of one change are set.
 void AlertItem::announceSoon() {
     if (!isPending_) {
         isPending_ = true;
@@ -30,9 +30,8 @@ void AlertItem::announceSoon() {
     }
 }
 
-// Up to Qt 6.7 the bridge to AT-SPI drops alerts, and a screen reader says an alert when it begins
-// to show. Qt tells of an item that appears; of one that has been there with another text it does
-// not.
+// Up to Qt 6.7 the AT-SPI bridge drops alerts, but screen readers announce an alert when it is
+// shown. Qt sends the show event of an item that appears, but none for a changed text.
 void AlertItem::announce() {
     isPending_ = false;
     const bool hasAppeared = std::exchange(hasAppeared_, false);

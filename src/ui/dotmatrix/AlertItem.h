@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// Has a screen reader say a text when it appears or changes. Shows nothing; to be visible only
-/// while it has a text.
+/// Makes screen readers announce a text when it appears or changes. Paints nothing; must be visible
+/// only while it has a text.
 class AlertItem : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT

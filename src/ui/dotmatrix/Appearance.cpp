@@ -24,7 +24,7 @@ const auto gnomeGroup = QStringLiteral("org.gnome.desktop.interface");
 const auto gnomeAccessGroup = QStringLiteral("org.gnome.desktop.a11y.interface");
 const auto plasmaGroup = QStringLiteral("org.kde.kdeglobals.KDE");
 
-// Values of the portal's older call are wrapped twice.
+// The portal's older call, `Read`, wraps values twice.
 QVariant unwrapped(QVariant value) {
     while (value.canConvert<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();
@@ -118,7 +118,7 @@ void Appearance::settingChanged(const QDBusMessage &message) {
     apply(arguments.value(0).toString(), arguments.value(1).toString(), arguments.value(2));
 }
 
-// A desktop answers the keys it knows; where it knows two of them they agree.
+// Each desktop answers only the keys it knows; two keys for one setting agree.
 void Appearance::apply(const QString &group, const QString &key, const QVariant &wrapped) {
     const QVariant value = unwrapped(wrapped);
     if (group == appearanceGroup && key == QStringLiteral("contrast"))

@@ -7,9 +7,9 @@
 
 namespace quorbel {
 
-/// The user's wishes for every program on the desktop: more contrast, less motion, larger text.
-/// Contrast and motion come from the desktop's settings portal; without one both stay off. All are
-/// followed while the program runs.
+/// The user's desktop-wide preferences: high contrast, reduced motion, text size. Contrast and
+/// motion come from the desktop's settings portal; without one both stay off. Changes apply while
+/// the program runs.
 ///
 /// One per process, main thread only.
 class Appearance final : public QObject {
@@ -20,18 +20,18 @@ class Appearance final : public QObject {
 
     [[nodiscard]] bool highContrast() const { return highContrast_; }
     [[nodiscard]] bool reducedMotion() const { return reducedMotion_; }
-    /// Size of text, 1 to 2, where 1 is the size that the window is drawn for: the application
-    /// font's size over 10 points. A smaller font changes nothing.
+    /// Text scale, 1 to 2: the application font's size divided by the 10 points of the design. A
+    /// smaller font gives 1.
     [[nodiscard]] double textScale() const { return textScale_; }
     [[nodiscard]] const Palette &palette() const { return paletteFor(highContrast_); }
 
     void setHighContrast(bool on);
     void setReducedMotion(bool on);
 
-    /// GNOME's own factor, which Qt counts in its resolution on X11 and not at all on Wayland.
+    /// Sets GNOME's text factor, which Qt includes in its resolution on X11 and ignores on Wayland.
     void setTextFactor(double factor);
 
-    /// Asks the portal and listens to it from then on. Returns at once; the answers arrive later.
+    /// Queries the portal and follows its changes. Returns immediately; the answers arrive later.
     void followDesktop();
 
   Q_SIGNALS:

@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// A message that assistive technology announces. It shows nothing, but has the place and size of the item that
-// shows the text.
+// A message that assistive technology announces. It paints nothing, but has the geometry of the item that shows
+// the text.
 AlertItem {
     visible: text !== ""
     Accessible.role: Accessible.AlertMessage

@@ -42,7 +42,7 @@ void DotBars::setActive(bool active) {
     }
 }
 
-// Levels arrive thirty times a second; only those that light another number of dots are a change.
+// Levels arrive 30 times a second: repaints only if the number of lit dots changes.
 void DotBars::light() {
     std::vector<int> lit(static_cast<std::size_t>(columns_), 0);
     if (active_) {

@@ -10,8 +10,8 @@
 
 namespace quorbel {
 
-/// Levels as columns of dots, the topmost lit one in the signal colour. An item wide enough gives
-/// each level several dots side by side; three or more are parted from the next by a dark one.
+/// Levels as columns of dots, the topmost lit one in the signal colour. A wide item shows each
+/// level several dots wide; if three or more fit, one of them is left out as a gap.
 class DotBars : public quorbel::DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotBarsItem)
@@ -32,7 +32,7 @@ class DotBars : public quorbel::DotItem {
     [[nodiscard]] int rows() const { return rows_; }
     void setRows(int rows);
 
-    /// Whether anything is shown at all; if not, every dot is dark.
+    /// Shows the levels; if false, every dot is dark.
     [[nodiscard]] bool isActive() const { return active_; }
     void setActive(bool active);
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// A spectrum: levels 0..1 as columns of dots. Best at widths of columns times a whole number of units.
+// A spectrum: levels 0 to 1 as columns of dots, best if each column is a whole number of units wide.
 DotBarsItem {
     property string accessibleName: ""
 

@@ -9,7 +9,7 @@ T.Button {
     property string symbol: ""
     property bool primary: false
     property string accessibleName: ""
-    /// Its effect in one line: shown beside the pointer and read to assistive technology.
+    /// Effect in one line, shown as a tool tip and exposed to assistive technology.
     property string help: ""
 
     readonly property color foreground: primary ? Theme.onSignal : Theme.ink

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// A raised ground with an optional heading; its content lies below the heading.
+// A raised panel with an optional heading above its content.
 T.Pane {
     id: card
 

@@ -4,9 +4,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// One of several. `title` comes before the choice, in the same box. Choices with equal values of the role
-// `groupRole`, which must follow each other, have that value as a heading. `currentMarked`: whether the current
-// choice has a tick.
+// A choice from a list. `title` precedes the current choice in the box. Adjacent choices with the same value of
+// the role `groupRole` form a group with that value as its heading. `currentMarked`: ticks the current choice.
 T.ComboBox {
     id: control
 
@@ -34,8 +33,8 @@ T.ComboBox {
             popup.open();
     }
 
-    // One of the choices of an open box, with the heading of its group above the first of a group. Looks like a
-    // line of a menu, but is none: up to Qt 6.4 a control's role for assistive technology cannot be set.
+    // One choice of the open box; the first of a group has the heading above it. It looks like a menu item, but is
+    // none: up to Qt 6.4 the accessible role of a control cannot be set.
     delegate: T.ItemDelegate {
         id: line
 
@@ -109,7 +108,7 @@ T.ComboBox {
         font: control.font
         spacing: control.spacing
         color: Theme.ink
-        elides: true // its list shows it whole
+        elides: true // the list shows the whole text
     }
     background: Rectangle {
         radius: Theme.radius

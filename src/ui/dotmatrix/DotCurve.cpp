@@ -11,7 +11,7 @@ namespace quorbel {
 namespace {
 
 constexpr double latticePitch = 8;
-constexpr double inset = 4; // of the plot in the item
+constexpr double inset = 4; // margin of the plot
 constexpr double lowestHz = 20;
 constexpr double decades = 3; // up to 20 kHz
 
@@ -25,9 +25,9 @@ constexpr double curveDot = 3.5;
 constexpr double secondaryStep = 6;
 constexpr double secondaryDot = 2;
 
-/// Points at equal distances along a line.
+/// Visits equidistant points along a line.
 template <class Visit> void walk(const QPolygonF &line, double step, Visit visit) {
-    double left = 0; // to the next point
+    double left = 0; // distance to the next point
     for (qsizetype index = 1; index < line.size(); ++index) {
         const QPointF from = line[index - 1];
         const QPointF along = line[index] - from;
@@ -39,7 +39,7 @@ template <class Visit> void walk(const QPolygonF &line, double step, Visit visit
     }
 }
 
-/// The pitch nearest to the usual one that divides a distance.
+/// Returns the pitch nearest to `latticePitch` that divides a distance evenly.
 double fittingPitch(double distance) {
     return distance > 0 ? distance / std::max(1.0, std::round(distance / latticePitch))
                         : latticePitch;
@@ -133,7 +133,7 @@ void DotCurve::geometryChange(const QRectF &now, const QRectF &before) {
     layOut();
 }
 
-/// Moves the nearest line to a place, by about a pixel, and marks it.
+/// Marks the nearest line and moves it to `place`, by about a pixel.
 void DotCurve::mark(std::vector<Line> &lines, double place) {
     const auto nearest = std::ranges::min_element(
         lines, {}, [place](const Line &line) { return std::abs(line.place - place); });
@@ -142,7 +142,7 @@ void DotCurve::mark(std::vector<Line> &lines, double place) {
 }
 
 double DotCurve::rowPitch() const {
-    double distance = 0; // of the mark next to the middle
+    double distance = 0; // from the middle to the nearest mark
     for (const double height : markedHeights_) {
         const double from = std::abs(yOfHeight(height) - this->height() / 2);
         if (from > 0 && (distance == 0 || from < distance))
@@ -171,7 +171,7 @@ void DotCurve::layOut() {
     light();
 }
 
-/// The band of the spectrum that holds a frequency; -1 for none.
+/// Returns the spectrum band that contains a frequency, or -1.
 int DotCurve::bandAt(double hz) const {
     if (spectrumEdges_.size() != spectrum_.size() + 1)
         return -1;
@@ -180,7 +180,7 @@ int DotCurve::bandAt(double hz) const {
                                          : static_cast<int>(above - spectrumEdges_.begin()) - 1;
 }
 
-// Levels arrive thirty times a second; only those that light another number of dots are a change.
+// Levels arrive 30 times a second: repaints only if the number of lit dots changes.
 void DotCurve::light() {
     std::vector<int> lit(columns_.size(), 0);
     for (std::size_t column = 0; column < columns_.size(); ++column) {

@@ -11,13 +11,12 @@
 
 namespace quorbel {
 
-/// A response over frequency, 20 Hz to 20 kHz on a logarithmic axis: a lattice of dots, on it the
-/// field between the curve and the middle, a spectrum behind, and the curve as a string of dots.
-/// Painting only.
+/// Paints a response over frequency, 20 Hz to 20 kHz on a logarithmic axis: a lattice of dots, a
+/// spectrum, the field between the curve and the middle, and the curve as a string of dots.
 ///
-/// The plot fills the item but for half a unit on every side, so that a curve at either end is
-/// whole. Marked columns and rows lie exactly at their frequency or height: the lattice's pitches
-/// are the nearest ones that divide an octave and the lowest marked height.
+/// A margin of half a unit keeps a curve at either end from being clipped. Marked columns and rows
+/// lie exactly at their frequency or height: the lattice's pitches divide an octave, and the
+/// distance from the middle to the nearest mark.
 class DotCurve : public quorbel::DotItem {
     Q_OBJECT
     QML_NAMED_ELEMENT(DotCurveItem)
@@ -38,22 +37,22 @@ class DotCurve : public quorbel::DotItem {
   public:
     explicit DotCurve(QQuickItem *parent = nullptr);
 
-    /// Heights of the curve, 0 (bottom) to 1 (top), at equal distances on the axis.
+    /// Heights of the curve, 0 (bottom) to 1 (top), equally spaced on the axis.
     [[nodiscard]] QList<double> values() const { return values_; }
     void setValues(const QList<double> &values);
     /// A second curve, fainter; may be empty.
     [[nodiscard]] QList<double> secondaryValues() const { return secondaryValues_; }
     void setSecondaryValues(const QList<double> &values);
-    /// Levels 0 to 1 of bands that follow each other; may be empty.
+    /// Levels of adjacent bands, 0 to 1; may be empty.
     [[nodiscard]] QList<double> spectrum() const { return spectrum_; }
     void setSpectrum(const QList<double> &levels);
-    /// Hz where each band begins, ascending, and where the last one ends.
+    /// Lower edge of each band in Hz, ascending, then the upper edge of the last band.
     [[nodiscard]] QList<double> spectrumEdges() const { return spectrumEdges_; }
     void setSpectrumEdges(const QList<double> &edges);
-    /// Heights 0 to 1 of darker rows, multiples of one distance from the middle.
+    /// Heights of darker rows, 0 to 1, at multiples of one distance from the middle.
     [[nodiscard]] QList<double> markedHeights() const { return markedHeights_; }
     void setMarkedHeights(const QList<double> &heights);
-    /// Whether the curve is drawn as one that is not heard.
+    /// Whether the curve is drawn faintly, because it is not audible.
     [[nodiscard]] bool isDimmed() const { return dimmed_; }
     void setDimmed(bool dimmed);
     /// The octaves of the axis in Hz: 31.5, 63, 125 ... 16000.
@@ -65,10 +64,10 @@ class DotCurve : public quorbel::DotItem {
     [[nodiscard]] bool zeroLine() const { return zeroLine_; }
     void setZeroLine(bool show);
 
-    /// Places in the item, in its coordinates. Outside of the axis they continue linearly.
+    /// Converts between frequency and x in item coordinates; extrapolates beyond the axis.
     [[nodiscard]] Q_INVOKABLE double xOfFrequency(double hz) const;
     [[nodiscard]] Q_INVOKABLE double frequencyAt(double x) const;
-    /// Places of heights 0 to 1.
+    /// Converts between heights, 0 to 1, and y in item coordinates.
     [[nodiscard]] Q_INVOKABLE double yOfHeight(double height) const;
     [[nodiscard]] Q_INVOKABLE double heightAt(double y) const;
 
@@ -110,12 +109,12 @@ class DotCurve : public quorbel::DotItem {
     bool octaveMarks_ = true;
     bool zeroLine_ = true;
     std::vector<Line> columns_; // of the lattice, from the left
-    std::vector<Line> rows_;    // from the bottom; the one in the middle is at half the height
-    std::vector<int> lit_;      // dots of the spectrum lit in each column of the lattice
+    std::vector<Line> rows_;    // from the bottom; the middle one is at half the height
+    std::vector<int> lit_;      // lit dots of the spectrum per column of the lattice
 
     QPixmap ground_; // the dark lattice with its marks
-    QPixmap behind_; // one column of the lattice as the spectrum lights it
-    QPixmap curve_;  // curves and field without ground; painted again when a curve changes
+    QPixmap behind_; // one column of the spectrum, fully lit
+    QPixmap curve_;  // curves and field, repainted when a curve changes
 };
 
 } // namespace quorbel

@@ -1,7 +1,7 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// A response over frequency. See DotCurveItem for the axes and where things are drawn.
+// A response over frequency; see DotCurveItem for the axes and the layers.
 DotCurveItem {
     property string accessibleName: ""
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// A modal sheet in the middle of the window: title, content, and two buttons at the foot.
+// A modal sheet in the middle of the window: title, content, and two buttons at the bottom.
 T.Dialog {
     id: dialog
 
@@ -11,9 +11,9 @@ T.Dialog {
     }
 
     property string acceptText: "OK"
-    property string rejectText: "Cancel" // none: no such button
+    property string rejectText: "Cancel" // empty: no such button
     property bool acceptEnabled: true
-    // Scrolls where the window is too low for it.
+    // Scrolls if the window is too low.
     default property alias body: holder.data
 
     parent: T.Overlay.overlay
@@ -53,7 +53,7 @@ T.Dialog {
     }
     contentItem: view
 
-    // Apart from the property, which would be set later than its content.
+    // Separate from `contentItem`, which would be set later than its content.
     readonly property DotScrollView view: DotScrollView {
         focus: true
         contentWidth: availableWidth

@@ -8,15 +8,13 @@
 
 namespace quorbel {
 
-/// A 5x7 dot font: digits, signs, capitals, and the small letters that units are written with.
-/// Other small letters are shown as capitals. A character that the font lacks is a box in debug
-/// builds and a blank in others.
+/// A 5x7 dot font: digits, signs, capitals, and the small letters of units. Other small letters
+/// appear as capitals. A missing character is a box in debug builds and a blank in others.
 namespace dotFont {
 
 constexpr int rows = 7;
 
-/// One glyph: seven rows from the top, the leftmost of `width` dots in the highest of the five low
-/// bits.
+/// One glyph: seven rows from the top; bit 4 of each row is the leftmost of `width` dots.
 struct Glyph {
     int width = 5;
     std::array<std::uint8_t, rows> bits{};
@@ -27,7 +25,7 @@ struct Glyph {
 [[nodiscard]] Glyph glyph(QChar character);
 [[nodiscard]] bool has(QChar character);
 
-/// Columns of dots that the text takes, with one dark column between characters.
+/// Width of a text in dots, with one dark column between characters.
 [[nodiscard]] int columns(const QString &text);
 
 } // namespace dotFont

@@ -1,6 +1,6 @@
 import Quorbel.Dotmatrix
 
-// A button that is a symbol only; its name is shown beside the pointer and read to assistive technology.
+// A button with a symbol only; its name is shown as a tool tip and exposed to assistive technology.
 DotButton {
     flat: true
     help: accessibleName

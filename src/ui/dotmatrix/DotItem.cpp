@@ -7,7 +7,7 @@
 namespace quorbel {
 
 DotItem::DotItem(QQuickItem *parent) : QQuickPaintedItem(parent) {
-    // Dots of an item between two pixels move to the nearer one: otherwise they would blur.
+    // Snaps an item between two pixels to the nearer one; smoothing would blur its dots.
     setSmooth(false);
     connect(&Appearance::instance(), &Appearance::changed, this, [this] {
         dropPictures();

@@ -9,10 +9,10 @@ namespace quorbel {
 
 class DotPainter;
 
-/// An item of dots, painted as one picture. It is painted again only after `update()`, after a
-/// change of its content. It is not painted while it or its window is hidden.
+/// Base of items that paint dots as one picture. An item is repainted only after a change of its
+/// content, and not while it or its window is hidden.
 ///
-/// Items derive from `quorbel::DotItem` in full: the tools that read QML know no shorter name.
+/// Subclasses name `quorbel::DotItem` in full: the QML tools do not resolve a shorter name.
 class DotItem : public QQuickPaintedItem {
     Q_OBJECT
     QML_ANONYMOUS
@@ -20,7 +20,7 @@ class DotItem : public QQuickPaintedItem {
   public:
     explicit DotItem(QQuickItem *parent = nullptr);
 
-    /// How often the item was painted.
+    /// Number of times the item was painted.
     [[nodiscard]] Q_INVOKABLE int paintCount() const { return paintCount_; }
 
     void paint(QPainter *painter) final;
@@ -28,19 +28,18 @@ class DotItem : public QQuickPaintedItem {
   protected:
     void itemChange(ItemChange change, const ItemChangeData &data) override;
 
-    /// Has the item painted in the next frame, or in the first one in which it is visible.
+    /// Schedules painting for the next frame, or for the first one in which the item is visible.
     void repaint();
 
     /// @param size  the item's size in device pixels
     virtual void paintDots(DotPainter &painter, QSize size) = 0;
 
-    /// Called when colours or size or scale are others: pictures kept for painting are to be
-    /// dropped.
+    /// Drops cached pictures; called after a change of colours, size or scale.
     virtual void dropPictures() {}
 
     static const Palette &palette() { return Appearance::instance().palette(); }
 
-    /// Takes a new value of a property and has the item painted where it differs.
+    /// Assigns a property and schedules painting if the value differs.
     /// @returns whether it differs
     template <class T> bool take(T &member, const T &value) {
         if (member == value)

@@ -19,7 +19,7 @@ void DotPainter::dot(QPointF centre, double diameter, const QColor &color) {
     const int pixels = std::max(1, static_cast<int>(std::lround(diameter)));
     const QPoint corner(static_cast<int>(std::lround(centre.x() - pixels / 2.0)),
                         static_cast<int>(std::lround(centre.y() - pixels / 2.0)));
-    // Painted in units of the device: the picture's own ratio is 1, whatever the screen's.
+    // Device pixels: the sprite's device pixel ratio is 1 on every screen.
     painter_.drawPixmap(corner, dotSprite(pixels, color));
 }
 

@@ -12,9 +12,8 @@ namespace quorbel {
 inline constexpr double dotPitch = 8;
 inline constexpr double dotDiameter = 4;
 
-/// Paints dots where the screen's pixels are. Everything here is in device pixels: while it lives,
-/// the painter's coordinates are the item's own pixels, so that dots are equally crisp at every
-/// scale.
+/// Paints dots aligned to device pixels, equally crisp at every scale. All coordinates are device
+/// pixels, those of the wrapped painter too while this object exists.
 class DotPainter {
   public:
     explicit DotPainter(QPainter &painter);
@@ -27,7 +26,7 @@ class DotPainter {
 
     QPainter *operator->() { return &painter_; }
 
-    /// One dot, its centre moved so that its edges fall between pixels.
+    /// Paints one dot, its centre moved so that its edges fall between pixels.
     void dot(QPointF centre, double diameter, const QColor &color);
 
   private:
@@ -35,11 +34,11 @@ class DotPainter {
     double scale_;
 };
 
-/// A dot as a picture, kept by colour and diameter: round from four pixels up, square below, where
-/// a circle would only be a blur. Diameter in device pixels, at least 1.
+/// Picture of a dot, cached by colour and diameter: round from four pixels up, square below, where
+/// a circle would blur. Diameter in device pixels, at least 1.
 QPixmap dotSprite(int diameter, const QColor &color);
 
-/// Dots at one distance: how many there are, how far apart and how large, in device pixels.
+/// A grid of dots: number of cells, pitch and diameter, in device pixels.
 struct DotLattice {
     QSize cells;
     QSize pitch;
@@ -50,8 +49,8 @@ struct DotLattice {
     [[nodiscard]] QPoint at(int column, int row) const;
 };
 
-/// All dots of the lattice in one colour, on nothing. Items blit parts of it instead of painting
-/// dots.
+/// Picture of the lattice in one colour on a transparent ground. Items blit parts of it instead of
+/// painting dots.
 QPixmap dotSheet(const DotLattice &lattice, const QColor &color);
 
 } // namespace quorbel

@@ -9,7 +9,7 @@ T.ScrollBar {
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     padding: 2
     minimumSize: 0.1
-    Accessible.ignored: true // the content tells its position itself
+    Accessible.ignored: true // the content exposes its own position
     visible: policy !== T.ScrollBar.AlwaysOff && size < 1
 
     contentItem: Rectangle {

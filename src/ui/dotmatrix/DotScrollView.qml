@@ -2,9 +2,9 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// A view of something larger. Its size comes from outside: a size that followed the content would follow a text
-// that wraps to that size. With `takesKeys` it is a stop of the Tab key while it scrolls: the way to texts that
-// have no control beside them. `PageScroll` then moves it by keys.
+// A scrollable view. Its size is set from outside: an implicit size from wrapping text would depend on itself.
+// With `takesKeys` the Tab key stops at a view that overflows, and `PageScroll` scrolls it by keys: texts without
+// a control beside them are reachable only this way.
 T.ScrollView {
     id: control
 
@@ -15,7 +15,7 @@ T.ScrollView {
     implicitWidth: 25 * Theme.unit
     implicitHeight: 25 * Theme.unit
 
-    // Not among the contents: they would be taken before the scroll bars are there, which then show no size.
+    // Not a content child: contents are set before the scroll bars exist, which would then show no size.
     readonly property Item grip: FocusArea {
         id: grip
 

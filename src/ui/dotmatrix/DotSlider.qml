@@ -1,14 +1,14 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// A value on a row of dots. `moved` while the user changes it, `resetRequested` on double click.
+// A value on a row of dots. Emits `moved` while the user changes it, `resetRequested` on a double click.
 ValueControl {
     id: control
 
     property int orientation: Qt.Horizontal
     property alias movesSideways: handle.movesSideways
     readonly property alias handle: handle
-    /// Values that are marked beside the track.
+    /// Values marked beside the track.
     property list<real> ticks
     readonly property real handleSize: dotTrack.handleSize
     readonly property bool pressed: handle.pressed

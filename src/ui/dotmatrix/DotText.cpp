@@ -49,9 +49,9 @@ void DotText::measure() {
 }
 
 void DotText::paintDots(DotPainter &painter, QSize size) {
-    // Rounded down: at odd scales the text is rather a little smaller than cut off.
+    // Rounds down: at fractional scales a slightly smaller text is better than a clipped one.
     const int step = std::max(1, static_cast<int>(pitch() * painter.scale() + 0.01));
-    // Below three pixels a gap would cost more light than it gives shape.
+    // Omits the gap below three pixels, where it would dim the text more than shape its dots.
     const int diameter = step < 3 ? step : step - std::max(1, step / 6);
     const QPixmap lit = dotSprite(diameter, color());
     const QPixmap unlit = dotSprite(diameter, palette().dot);

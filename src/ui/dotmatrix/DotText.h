@@ -21,16 +21,16 @@ class DotText : public quorbel::DotItem {
     [[nodiscard]] QString text() const { return text_; }
     void setText(const QString &text);
 
-    /// Distance from one dot to the next at normal text size; the text is seven of them high.
+    /// Dot pitch at normal text size; the text is seven of them high.
     [[nodiscard]] double dotSize() const { return dotSize_; }
     void setDotSize(double size);
 
-    /// Ink, unless set.
+    /// Defaults to ink.
     [[nodiscard]] QColor color() const;
     void setColor(const QColor &color);
     void resetColor();
 
-    /// Whether the dots that are not lit are shown too, as on a display.
+    /// Whether unlit dots are visible, as on a display.
     [[nodiscard]] bool showUnlit() const { return showUnlit_; }
     void setShowUnlit(bool show);
 
@@ -45,7 +45,7 @@ class DotText : public quorbel::DotItem {
 
   private:
     void measure();
-    [[nodiscard]] double pitch() const; ///< from one dot to the next, at the desktop's text size
+    [[nodiscard]] double pitch() const; ///< of the dots, at the desktop's text size
 
     QString text_;
     double dotSize_ = 2;

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// One line of text.
+// A single-line text input.
 T.TextField {
     id: control
 

@@ -5,7 +5,7 @@ import Quorbel.Dotmatrix
 T.ToolTip {
     id: control
 
-    /// Begins where its parent begins, for parents much wider than their text.
+    /// Aligns with the left edge of the parent, for parents much wider than their text.
     property bool atStart: false
 
     x: parent && !atStart ? Math.round((parent.width - implicitWidth) / 2) : 0

@@ -72,8 +72,7 @@ void DotTrack::paintDots(DotPainter &painter, QSize) {
         painter.dot(place(tick) - beside, tickSize * scale, palette().edge);
         painter.dot(place(tick) + beside, tickSize * scale, palette().edge);
     }
-    // The first and the last dot are at the ends of the handle's way; the others share the way
-    // between equally.
+    // Spaces the dots equally between the ends of the handle's travel.
     const int steps = std::max(1, static_cast<int>(std::lround((length() - handle) / dotPitch)));
     const auto [first, last] = std::minmax(origin_, position_);
     for (int index = 0; index <= steps; ++index) {

@@ -25,7 +25,7 @@ class DotTrack : public quorbel::DotItem {
     void setPosition(double position);
     [[nodiscard]] double origin() const { return origin_; }
     void setOrigin(double origin);
-    /// Upward instead of to the right.
+    /// Whether positions rise upward instead of to the right.
     [[nodiscard]] bool isVertical() const { return vertical_; }
     void setVertical(bool vertical);
     /// Whether the handle is under the pointer or held.

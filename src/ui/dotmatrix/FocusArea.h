@@ -5,11 +5,10 @@
 
 namespace quorbel {
 
-/// An item that takes the keyboard's focus and knows whether to show it: after the keyboard gave
-/// it, not after the pointer did. The template for controls of the toolkit would do the same, but
-/// insists on a role of its own towards assistive technology.
+/// A focusable item that shows its focus only if the keyboard gave it, not the pointer. Qt's
+/// control template does the same, but does not let the item choose its accessible role.
 ///
-/// The wheel turns it only while it has the focus; else the page below scrolls.
+/// The wheel turns it only while it has the focus; otherwise the page below scrolls.
 class FocusArea : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -20,8 +19,8 @@ class FocusArea : public QQuickItem {
 
     [[nodiscard]] bool visualFocus() const { return visualFocus_; }
 
-    /// Whether the wheel's next turns are for this item, if it has the focus. Not those that have
-    /// scrolled it below the pointer.
+    /// Whether the focused item takes the wheel. False for turns that began outside the item and
+    /// scrolled it under the pointer.
     void setTakesWheel(bool takes) { takesWheel_ = takes; }
 
   Q_SIGNALS:
@@ -39,7 +38,7 @@ class FocusArea : public QQuickItem {
 
     bool visualFocus_ = false;
     bool takesWheel_ = true;
-    int turned_ = 0; ///< less than a notch, in eighths of a degree
+    int turned_ = 0; ///< remainder below a notch, in eighths of a degree
 };
 
 } // namespace quorbel

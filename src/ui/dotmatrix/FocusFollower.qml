@@ -2,13 +2,13 @@ import QtQuick
 import QtQuick.Templates as T
 import Quorbel.Dotmatrix
 
-// Scrolls everything around the focused item so that the item is in view. One for each window.
+// Scrolls all views around the focused item until the item is visible. One per window.
 Item {
     id: follower
 
     readonly property real margin: 2 * Theme.unit
 
-    // Start of a view of that length which holds the item, or else the item's beginning.
+    // Returns the scroll position that shows the whole item, or its start if the view is too short.
     function shifted(from, length, itemFrom, itemLength, first, last) {
         const atLeast = Math.max(from, itemFrom + itemLength + margin - length);
         return Math.max(first, Math.min(atLeast, itemFrom - margin, Math.max(first, last - length)));
@@ -29,7 +29,7 @@ Item {
         target: follower.Window.window
         function onActiveFocusItemChanged() {
             const item = follower.Window.activeFocusItem;
-            // A clicked item is in view already.
+            // A clicked item is already visible.
             const clicked = (item as T.Control)?.visualFocus === false || (item as FocusArea)?.visualFocus === false;
             if (item !== null && !clicked)
                 follower.reveal(item);

@@ -1,8 +1,8 @@
 import QtQuick
 import QtQuick.Templates as T
 
-// Returns the keyboard's focus to the item that had it before a popup opened, unless another has taken it. Up to Qt
-// 6.4 a popup over a plain window leaves no item with the focus.
+// Returns the keyboard focus to its owner before a popup opened, unless another item has taken it. Up to Qt 6.4 a
+// popup over a plain window leaves no item with the focus.
 Connections {
     id: back
 

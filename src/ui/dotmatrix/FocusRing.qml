@@ -1,7 +1,7 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// The ring around the item with the keyboard's focus. Anchored around its parent, never over it.
+// The ring around an item with the keyboard focus. `distance`: from the edge of its parent, outward.
 Rectangle {
     property real distance: 3
 

@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// The inside of a button, a menu's line or a box of choices: a symbol, a small caption, a text; empty ones take no
-// room. A text too long for the width wraps, or ends in dots where `elides`.
+// The content of a button, menu item or combo box: symbol, small caption and text; empty ones take no room. A text
+// too long for the width wraps, or is elided if `elides`.
 Item {
     id: face
 
@@ -21,7 +21,7 @@ Item {
     implicitWidth: text !== "" ? before + natural : Math.max(0, before - spacing)
     implicitHeight: row.implicitHeight
 
-    // Measured apart: the label's own measure changes while its width is being set.
+    // Measured separately: the label's own measure changes while its width is being set.
     readonly property real natural: Math.ceil(metrics.advanceWidth) + 1
 
     readonly property bool fits: face.width <= 0 || natural <= face.width - before
@@ -66,7 +66,7 @@ Item {
             visible: text !== ""
             width: face.fits ? face.natural : Math.max(0, face.width - face.before)
             elide: face.elides ? Text.ElideRight : Text.ElideNone
-            // Only where it must: a text that might wrap is too high for a moment whenever its font changes.
+            // Wraps only if necessary: a wrapping text is briefly too high whenever its font changes.
             wrapMode: face.elides || face.fits ? Text.NoWrap : Text.Wrap
             textFormat: Text.PlainText
             Accessible.ignored: true

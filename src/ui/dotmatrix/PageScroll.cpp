@@ -9,8 +9,8 @@ namespace quorbel {
 namespace {
 
 constexpr double lineHeight = 64; // pixels
-/// A list lays out the rows at its end frame by frame, and until then only estimates where that is:
-/// positioned once, the list of presets ended above its last row in two of three runs.
+/// A list lays out its last rows frame by frame and only estimates its end meanwhile. Positioned
+/// once, the list of presets stopped above its last row in two of three runs.
 constexpr int framesUntilLaidOut = 10;
 
 bool isScrollKey(int key) {
@@ -18,7 +18,7 @@ bool isScrollKey(int key) {
            key == Qt::Key_PageDown || key == Qt::Key_Home || key == Qt::Key_End;
 }
 
-/// Position after a scroll key, from `now` and between two ends.
+/// Returns the position after a scroll key, limited to `first` and `last`.
 double movedBy(int key, double now, double line, double page, double first, double last) {
     switch (key) {
     case Qt::Key_Up:
@@ -53,12 +53,12 @@ void addScrollableParts(QQuickItem *item, std::vector<QQuickItem *> &parts) {
         return;
     for (QQuickItem *child : item->childItems())
         addScrollableParts(child, parts);
-    // The toolkit has no public class for it.
+    // Qt has no public class for flickable items.
     if (item->inherits("QQuickFlickable") && number(*item, "contentHeight") > item->height() + 1)
         parts.push_back(item);
 }
 
-/// True if the focus is in the part, or in the scroll view around it.
+/// Returns whether the focus is in the part or in the scroll view around it.
 bool holdsFocus(const QQuickItem *part) {
     const QQuickItem *const around = part->parentItem();
     const bool isOfView = around != nullptr && around->inherits("QQuickScrollView");
@@ -111,7 +111,7 @@ void PageScroll::scrollList(QQuickItem &list, int key) {
 }
 
 void PageScroll::holdAtEnd() {
-    // A list of another screen leaves the window before it is deleted.
+    // After a change of screen the list leaves the window before it is deleted.
     if (list_ == nullptr || list_->window() == nullptr || framesLeft_ == 0) {
         disconnect(frames_);
         return;

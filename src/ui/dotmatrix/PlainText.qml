@@ -1,7 +1,7 @@
 import QtQuick
 
-// The one kind of text of the window: shown as it is. `Text` by itself reads names of presets, devices and
-// files as markup.
+// The only text type of the window, without markup: `Text` would interpret names of presets, devices and files
+// as markup.
 Text {
     textFormat: Text.PlainText
 }

@@ -38,7 +38,7 @@ void Symbol::setSize(double size) {
     }
 }
 
-// A symbol is as large as the text beside it.
+// Scales the symbol with the text beside it.
 void Symbol::measure() {
     const double edge = size_ * Appearance::instance().textScale();
     setImplicitSize(edge, edge);
@@ -53,7 +53,7 @@ void Symbol::paintDots(DotPainter &painter, QSize size) {
     picture.fill(Qt::transparent);
     QPainter onto(&picture);
     renderer.render(&onto);
-    // The file gives the shape, this the colour.
+    // Keeps the file's shape and replaces its colour.
     onto.setCompositionMode(QPainter::CompositionMode_SourceIn);
     onto.fillRect(picture.rect(), color());
     onto.end();

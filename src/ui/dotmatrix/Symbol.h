@@ -18,14 +18,14 @@ class Symbol : public quorbel::DotItem {
   public:
     explicit Symbol(QQuickItem *parent = nullptr);
 
-    /// As in `ui/symbols`; none: nothing is shown.
+    /// Name as in `ui/symbols`; empty: shows nothing.
     [[nodiscard]] QString name() const { return name_; }
     void setName(const QString &name);
-    /// Ink, unless set.
+    /// Defaults to ink.
     [[nodiscard]] QColor color() const;
     void setColor(const QColor &color);
     void resetColor();
-    /// Edge of the square that the symbol fills at normal text size; designed for 16.
+    /// Edge length in pixels at normal text size; the symbols are designed for 16.
     [[nodiscard]] double size() const { return size_; }
     void setSize(double size);
 

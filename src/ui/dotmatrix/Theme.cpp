@@ -10,7 +10,7 @@ Theme::Theme(QObject *parent) : QObject(parent) {
     appearance.followDesktop();
 }
 
-// The desktop's own text face: the dots are the program's, the text is the user's.
+// The desktop's font: only the dot font is the program's own.
 QString Theme::fontFamily() const { return QGuiApplication::font().family(); }
 
 } // namespace quorbel

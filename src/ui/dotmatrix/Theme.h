@@ -11,7 +11,7 @@
 namespace quorbel {
 
 /// Colours, sizes and durations of the window, for QML. Sizes are in device-independent pixels.
-/// Those that hold text grow with the text size of the desktop; margins and drawings do not.
+/// Sizes of items with text follow the desktop's text size; margins and drawings do not.
 class Theme : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -25,7 +25,7 @@ class Theme : public QObject {
     Q_PROPERTY(QColor inkSoft READ inkSoft NOTIFY changed FINAL)
     Q_PROPERTY(QColor dot READ dot NOTIFY changed FINAL)
     Q_PROPERTY(QColor dotMid READ dotMid NOTIFY changed FINAL)
-    // "signal" is a keyword of Qt's, hence the getter's name.
+    // `signal` is a Qt keyword, hence the getter's name.
     Q_PROPERTY(QColor signal READ signalColor NOTIFY changed FINAL)
     Q_PROPERTY(QColor signalInk READ signalInk NOTIFY changed FINAL)
     Q_PROPERTY(QColor signalDim READ signalDim NOTIFY changed FINAL)
@@ -85,7 +85,7 @@ class Theme : public QObject {
 
     /// 1 to 2; see `Appearance`.
     [[nodiscard]] double textScale() const { return Appearance::instance().textScale(); }
-    /// A unit for containers of text.
+    /// Layout unit of text containers, in pixels; scales with the text.
     [[nodiscard]] double textUnit() const { return unit() * textScale(); }
     [[nodiscard]] int titleSize() const { return scaled(24); }
     [[nodiscard]] int headingSize() const { return scaled(15); }
@@ -93,25 +93,25 @@ class Theme : public QObject {
     [[nodiscard]] int captionSize() const { return scaled(11); }
     [[nodiscard]] QString fontFamily() const;
 
-    /// One line of text and the room around it: buttons and boxes, small fields and chips, rows of
-    /// the sidebar, heads of screens.
+    /// Heights of one line of text with its padding: in buttons and boxes, in small fields and
+    /// chips, in rows of the sidebar, in heads of screens.
     [[nodiscard]] double controlHeight() const { return 16 + scaled(16); }
     [[nodiscard]] double fieldHeight() const { return 8 + scaled(16); }
     [[nodiscard]] double rowHeight() const { return 20 + scaled(16); }
     [[nodiscard]] double headHeight() const { return 24 + scaled(16); }
 
     [[nodiscard]] double sidebarWidth() const { return 27 * textUnit(); }
-    /// The narrowest strip of a band; ten and their scale fit the smallest window.
+    /// Minimum width of a band's strip; ten strips and their scale fit the smallest window.
     [[nodiscard]] double stripWidth() const { return 5.7 * textUnit(); }
-    /// Columns of a card: the names of its values, the values, the button that opens it.
+    /// Column widths of a card: names of values, values, and the button that expands it.
     [[nodiscard]] double labelWidth() const { return 22 * textUnit(); }
     [[nodiscard]] double valueWidth() const { return 13 * textUnit(); }
     [[nodiscard]] double expanderWidth() const { return 15 * textUnit(); }
-    /// The longest lines of prose.
+    /// Maximum width of a line of prose.
     [[nodiscard]] double readingWidth() const { return 88 * textUnit(); }
-    /// From the edge of a card to its texts, beside a switch or a number.
+    /// Distance from a card's edge to its texts, beside a switch or a number.
     [[nodiscard]] double indent() const { return 7 * unit(); }
-    /// Milliseconds of a transition; none where the desktop asks for less motion.
+    /// Duration of a transition in milliseconds; 0 if the desktop asks for reduced motion.
     [[nodiscard]] int duration() const { return reducedMotion() ? 0 : 120; }
     [[nodiscard]] double disabledOpacity() const { return 0.4; }
     [[nodiscard]] bool highContrast() const { return Appearance::instance().highContrast(); }

@@ -72,7 +72,7 @@ void ValueControl::moveToPosition(double position, double direction) {
 
 void ValueControl::moveBy(int steps) { moveTo(unscaled(scaled(value_) + steps * step()), steps); }
 
-// Places on the scale that the control shows: values, or octaves.
+// Converts between values and the displayed scale: linear, or octaves.
 double ValueControl::scaled(double value) const { return logarithmic ? std::log2(value) : value; }
 double ValueControl::unscaled(double place) const { return logarithmic ? std::exp2(place) : place; }
 
@@ -84,11 +84,11 @@ double ValueControl::positionOf(double value) const {
 double ValueControl::reachable(double value) const {
     if (std::isnan(value))
         return value_;
-    // The ends can be reached though they may lie between two steps.
+    // The ends are reachable even if they lie between two steps.
     const auto [lowest, highest] = std::minmax(from_, to_);
     if (stepSize_ > 0 && !logarithmic && value > lowest && value < highest) {
-        // Counted in whole steps per unit where there are: 3 * 0.1 is not the number written 0.3, 3
-        // / 10 is.
+        // Divides by a whole number of steps per unit if possible: 3 / 10 equals the literal 0.3,
+        // 3 * 0.1 does not.
         const double steps = std::round((value - from_) / stepSize_);
         const double perUnit = std::round(1 / stepSize_);
         value = perUnit >= 1 && std::abs(perUnit * stepSize_ - 1) < 1e-9

@@ -5,9 +5,9 @@
 
 namespace quorbel {
 
-/// Base of slider, knob and point: a value in a range, moved in steps. The value is the model's and
-/// may lie outside of the range, where it stays until the user moves it. A move takes the value
-/// along and says so, and leaves the binding on it in place.
+/// Base of slider, knob and point: a value in a range, moved in steps. The value comes from the
+/// model and may lie outside the range until the user moves it. A move sets the value, emits
+/// `moved` and keeps the binding of the value.
 class ValueControl : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -33,31 +33,31 @@ class ValueControl : public QQuickItem {
     void setTo(double to);
     [[nodiscard]] double value() const { return value_; }
     void setValue(double value);
-    /// Distance of the values the user can reach, counted from `from`; 0: any value.
+    /// Distance between reachable values, counted from `from`; 0: any value is reachable.
     [[nodiscard]] double stepSize() const { return stepSize_; }
     void setStepSize(double size);
-    /// The value where the lit run begins; `from`, unless set.
+    /// Value where the lit dots begin; defaults to `from`.
     [[nodiscard]] double origin() const;
     void setOrigin(double origin);
     void resetOrigin();
 
-    /// Value and origin as parts of the range, 0 to 1.
+    /// Value and origin as fractions of the range, 0 to 1.
     [[nodiscard]] double position() const { return positionOf(value_); }
     [[nodiscard]] double originPosition() const { return positionOf(origin()); }
-    /// Step of one press of an arrow key: the step size, or a hundredth of the range without one.
+    /// Step of an arrow key: the step size, or a hundredth of the range if that is 0.
     [[nodiscard]] double step() const;
 
-    /// The user's moves. The new value is the nearest one that can be reached; `moved` follows if
-    /// it is another than before. With a `direction` (only its sign counts; 0: none) the value
-    /// moves that way or stays: from -20 in a range of -12 to 12, a step up leads to -12 and a step
-    /// down nowhere. The direction of a position is along the control.
+    /// Moves by the user: sets the nearest reachable value and emits `moved` if it differs. With a
+    /// `direction` (only its sign counts; 0: none) the value moves that way or stays: from -20 in a
+    /// range of -12 to 12, a step up leads to -12 and a step down changes nothing. The direction of
+    /// a position is along the control.
     Q_INVOKABLE void moveTo(double value, double direction = 0);
     Q_INVOKABLE void moveToPosition(double position, double direction = 0);
     Q_INVOKABLE void moveBy(int steps);
 
     QString accessibleName;
     QString valueText;
-    /// Whether equal turns are equal ratios; `stepSize` is then in octaves. For positive ranges,
+    /// Whether equal moves are equal ratios, with `stepSize` in octaves. Needs a positive range;
     /// set once.
     bool logarithmic = false;
 

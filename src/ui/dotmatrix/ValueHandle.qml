@@ -1,8 +1,8 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// The operable part of a value control: focus, keys, pointer, and its face to assistive technology. The mouse takes
-// the handle of `track`, which lies below this item at its size; without a track every move is a turn.
+// The interactive part of a value control: focus, keys, pointer and accessibility. The pointer drags the handle of
+// `track`, an item of the same size below this one; without a track every drag is a turn.
 FocusArea {
     id: handle
 
@@ -15,7 +15,7 @@ FocusArea {
     readonly property bool hovered: pointer.containsMouse
     readonly property bool hot: pointer.pressed || pointer.containsMouse
 
-    // Under these names assistive technology reads the value, and writes it.
+    // Assistive technology reads the properties of these names, and writes `value`.
     property real value: target.value
     readonly property real minimumValue: target.from
     readonly property real maximumValue: target.to
@@ -76,11 +76,11 @@ FocusArea {
     MouseArea {
         id: pointer
 
-        property real held: 0 // position as the pointer has moved it, beyond the ends too
+        property real held: 0 // dragged position, not clamped to the ends
         property point last
         property bool wasReset: false
 
-        // Pixels of a turn from one end to the other.
+        // Drag distance in pixels from one end to the other.
         readonly property real turnLength: 160
 
         anchors.fill: parent

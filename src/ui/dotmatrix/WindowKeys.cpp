@@ -14,7 +14,7 @@ namespace quorbel {
 
 namespace {
 
-/// Scan codes on X11 and Wayland alike: those of the kernel (linux/input-event-codes.h) plus 8.
+/// Scan codes of X11 and Wayland: those of the kernel (linux/input-event-codes.h) plus 8.
 constexpr quint32 scanCode1 = 2 + 8;
 struct Letter {
     int key;
@@ -29,13 +29,13 @@ Qt::KeyboardModifiers modifiersOf(const QKeyEvent &key) {
 
 bool isReturn(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
 
-/// Cyrillic, Greek and so on: neither Latin nor a key without a character.
+/// Returns whether the character is unknown or not Latin, such as Cyrillic or Greek.
 bool isOfOtherScript(int key) {
     constexpr int firstAfterLatin = 0x250;
     return key == 0 || key == Qt::Key_unknown || (key >= firstAfterLatin && key < Qt::Key_Escape);
 }
 
-/// The key's code; where the layout has no Latin letters, that of the letter at its place.
+/// Returns the key's code, or that of the Latin letter at its position on a non-Latin layout.
 int codeOf(const QKeyEvent &key) {
     if (!isOfOtherScript(key.key()))
         return key.key();
@@ -47,7 +47,7 @@ bool isCompareKey(const QKeyEvent &key) {
     return codeOf(key) == Qt::Key_B && modifiersOf(key) == Qt::NoModifier;
 }
 
-/// The toolkit's templates for controls have no public classes.
+/// Compares by class name: Qt has no public classes for its control templates.
 bool isA(const QQuickItem *item, const char *kind) {
     return item != nullptr && item->inherits(kind);
 }
@@ -62,7 +62,7 @@ bool isOpenBox(const QQuickItem *item) {
 bool isPressable(const QQuickItem *item) {
     return isButton(item) || (isBox(item) && !isOpenBox(item));
 }
-/// A text that is read only takes no input.
+/// Returns whether the item is an editable text; read-only texts accept no input.
 bool isWritten(const QQuickItem *item) {
     return item != nullptr && item->flags().testFlag(QQuickItem::ItemAcceptsInputMethod);
 }
@@ -114,7 +114,7 @@ void WindowKeys::itemChange(ItemChange change, const ItemChangeData &data) {
     if (change == ItemSceneChange && data.window != nullptr) {
         data.window->installEventFilter(this);
         connect(data.window, &QQuickWindow::activeFocusItemChanged, this, &WindowKeys::followFocus);
-        // A held key is released in another window.
+        // The release of a held key goes to the newly active window.
         connect(data.window, &QWindow::activeChanged, this, [this] {
             if (window() != nullptr && !window()->isActive())
                 setCompareHeld(false);
@@ -142,7 +142,7 @@ WindowKeys::Shortcut WindowKeys::shortcutOf(const QKeyEvent &key) {
         return *found;
     Shortcut shortcut{code, modifiers, Request::none};
     if (modifiers == Qt::ControlModifier) {
-        // Layouts that need Shift for the digits have them at the same places, 0 behind 9.
+        // Layouts with shifted digits have them at the same positions, 0 after 9.
         const bool isDigit = code >= Qt::Key_0 && code <= Qt::Key_9;
         shortcut.index = isDigit
                              ? (code - Qt::Key_1 + 10) % 10
@@ -194,7 +194,7 @@ bool WindowKeys::release(const QKeyEvent &key) {
     }
     QQuickItem *const item = focused();
     if (isReturn(key.key()) && !key.isAutoRepeat()) {
-        // A release counts only where the press did: the focus may have moved in between.
+        // Releases only the pressed item: the focus may have moved in between.
         const QQuickItem *const pressed = std::exchange(spaceOn_, nullptr);
         if (pressed != nullptr && pressed == item)
             sendSpace(QEvent::KeyRelease);
@@ -234,7 +234,7 @@ bool WindowKeys::request(const Shortcut &shortcut) {
         break;
     case Request::screen:
         if (isWritten(item))
-            item->setFocus(false, Qt::ShortcutFocusReason); // takes the typed value
+            item->setFocus(false, Qt::ShortcutFocusReason); // commits the typed value
         Q_EMIT screenRequested(shortcut.index);
         break;
     default:
@@ -289,8 +289,8 @@ void WindowKeys::giveBack(QQuickItem *field) {
     const bool cameByKeys = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
     const QPointer<QQuickItem> before = beforeField_;
     field->setFocus(false, Qt::OtherFocusReason);
-    // After a click no control gets the focus: a second Return would press the last button, and the
-    // equaliser would select another band.
+    // Gives no control the focus if a click led to the field: a second Return would press the last
+    // button, and the equaliser would select another band.
     if (cameByKeys && before != nullptr && before->isVisible() && before->isEnabled() &&
         isAncestorOf(before))
         before->forceActiveFocus(Qt::TabFocusReason);
@@ -306,7 +306,7 @@ void WindowKeys::pressedAt(QPointF place) {
 void WindowKeys::assignWheel(QPointF place) {
     if (wheelIsAssigned_)
         return;
-    // A scrolling page moves another control below the pointer, at which the user has not pointed.
+    // Decides only once: a scrolling page moves other controls under the resting pointer.
     wheelIsAssigned_ = true;
     if (auto *const area = qobject_cast<FocusArea *>(focused()))
         area->setTakesWheel(area->contains(area->mapFromScene(place)));

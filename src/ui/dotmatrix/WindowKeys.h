@@ -10,29 +10,27 @@
 
 namespace quorbel {
 
-/// The policy for the keyboard of a window, its wheel and its focus: the focus scope around
-/// everything but the dialogs. It sees each key twice: before the focused control, and after it if
-/// no control has used the key.
+/// Keyboard, wheel and focus policy of a window: the focus scope around everything but the dialogs.
+/// It sees each key before the focused control, and again after it if no control used the key.
 ///
 /// Before the controls:
-/// 1. B, held without another key, is `compareHeld` wherever no text is written.
-/// 2. The window's shortcuts are signals; in a dialog only `quitRequested` is. A layout without
-///    Latin letters has them at the letters' places.
-/// 3. Undo and redo go to a text field that has something to undo, and otherwise to the settings.
-/// 4. Return acts like Space on buttons, switches, rows of choices, boxes.
-/// 5. Return and Delete act once however long they are held, except in a text.
-/// 6. Delete and Backspace on a button do nothing: otherwise a list around it would take them.
-/// 7. Letters leave the choice of a closed box alone.
+/// 1. Holding B without modifiers sets `compareHeld`, except in a text field.
+/// 2. Shortcuts emit signals; a dialog allows only `quitRequested`. Layouts without Latin letters
+///    have them at the positions of those letters.
+/// 3. Undo and redo go to a text field with something to undo, and otherwise to the settings.
+/// 4. Return acts like Space on buttons, switches, rows of choices and closed boxes.
+/// 5. Return and Delete do not repeat while they are held, except in a text field.
+/// 6. Delete and Backspace do nothing on a button; otherwise a list around it would take them.
+/// 7. Letters do not change the choice of a closed box.
 ///
 /// After the controls:
-/// 8. Return and Escape take the focus from a text field. If keys led to the field, the previous
-///    item gets the focus.
-/// 9. Arrows, Page Up, Page Down, Home and End scroll `page`, or move in the list that has the
-///    focus.
+/// 8. Return and Escape take the focus from a text field. The previous item gets the focus if the
+///    Tab key led to the field.
+/// 9. Arrows, Page Up, Page Down, Home and End scroll `page`, or move in the focused list.
 ///
 /// Pointer:
-/// 10. A press outside of a text field takes the focus from it.
-/// 11. From one movement of the pointer to the next, the wheel is for either a control or the page.
+/// 10. A press outside a text field takes the focus from it.
+/// 11. The wheel keeps its target, a control or the page, until the pointer moves.
 class WindowKeys : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -54,7 +52,7 @@ class WindowKeys : public QQuickItem {
     void quitRequested();
     void refreshRequested();
     void startStopRequested();
-    /// Ctrl with a digit; 0 for 1, 9 for 0.
+    /// Ctrl with a digit: index 0 for the key 1, 9 for the key 0.
     void screenRequested(int index);
 
   protected:
@@ -66,7 +64,7 @@ class WindowKeys : public QQuickItem {
     struct Shortcut;
 
     static Shortcut shortcutOf(const QKeyEvent &key);
-    /// Whether the window's controls shall not hear of the key.
+    /// Handles a key before the controls; true hides it from them.
     bool press(const QKeyEvent &key);
     bool release(const QKeyEvent &key);
     bool request(const Shortcut &shortcut);
@@ -81,12 +79,12 @@ class WindowKeys : public QQuickItem {
     void assignWheel(QPointF place);
 
     QQuickItem *page_ = nullptr;
-    QPointer<QQuickItem> beforeField_; ///< had the focus before the text field that has it now
+    QPointer<QQuickItem> beforeField_; ///< had the focus before the text field
     QPointer<QQuickItem> spaceOn_;     ///< pressed by Return, which is still held
     bool compareHeld_ = false;
     int compareKey_ = 0;
     quint32 compareScanCode_ = 0;
-    QSet<int> kept_; ///< keys whose press the controls have not heard of
+    QSet<int> kept_; ///< keys with presses hidden from the controls
     bool wheelIsAssigned_ = false;
     PageScroll scroll_;
 };

@@ -61,16 +61,15 @@ void WrapRow::componentComplete() {
     arrange();
 }
 
-// At once, as a text that wraps does, not before the next frame: a layout around this learns the
-// height that belongs to the width while it still lays out.
+// Arranges immediately, not in the next frame, so that a surrounding layout gets the new height in
+// its own pass.
 void WrapRow::arrange() {
     if (!isComponentComplete() || isArranging_) {
         isStale_ = true;
         return;
     }
     isArranging_ = true;
-    // Children change their heights with their widths. Those that do not settle are left as they
-    // are.
+    // Repeats because heights depend on widths; leaves children that do not settle as they are.
     constexpr int mostRounds = 3;
     int rounds = 0;
     do {
@@ -86,7 +85,7 @@ std::vector<WrapRow::Cell> WrapRow::cells() const {
         const auto *asked =
             qobject_cast<WrapRowAttached *>(qmlAttachedPropertiesObject<WrapRow>(item, false));
         const bool fills = asked != nullptr && asked->fills;
-        // A repeater is an item too, without a size.
+        // Skips hidden children and items without a size, such as repeaters.
         if (!item->isVisible() || (item->implicitWidth() <= 0 && !fills))
             continue;
         Cell cell{.item = item, .narrowest = item->implicitWidth()};
@@ -131,7 +130,7 @@ double WrapRow::place(std::span<Cell> row, double y) const {
         cell.width = std::min(cell.narrowest, std::max(0.0, width()));
         left -= cell.width;
     }
-    // In equal shares, until all have it or nothing is left.
+    // Distributes the remaining width in equal shares, up to the maximum widths.
     std::vector<Cell *> growing;
     for (Cell &cell : row)
         growing.push_back(&cell);

@@ -9,17 +9,17 @@
 
 namespace quorbel {
 
-/// Requests of a child of a `WrapRow`, written `WrapRow.fills: true` on the child.
+/// Layout hints on a child of a `WrapRow`, such as `WrapRow.fills: true`.
 class WrapRowAttached : public QObject {
     Q_OBJECT
     QML_ANONYMOUS
-    /// The narrowest the child may become; its implicit width, unless set.
+    /// Defaults to the implicit width.
     Q_PROPERTY(double minimumWidth MEMBER minimumWidth NOTIFY changed FINAL)
-    /// The widest that a child that fills may become; any width, unless set.
+    /// Limits a child that fills; unlimited by default.
     Q_PROPERTY(double maximumWidth MEMBER maximumWidth NOTIFY changed FINAL)
-    /// Whether the child takes the rest of its row. Others stop at their implicit width.
+    /// Whether the child takes the rest of its row; others stop at their implicit width.
     Q_PROPERTY(bool fills MEMBER fills NOTIFY changed FINAL)
-    /// Whether the child and those after it go to the right end, unless it begins a row.
+    /// Moves the child and those after it to the right end, unless it begins a row.
     Q_PROPERTY(bool trailing MEMBER trailing NOTIFY changed FINAL)
 
   public:
@@ -34,20 +34,20 @@ class WrapRowAttached : public QObject {
     void changed();
 };
 
-/// Items side by side, as many as the width holds, the others in rows below. Qt's `Flow` does that
-/// for items of fixed sizes; here they also share the width of their row. Items keep their own
-/// heights. The implicit width is that of all items in one row.
+/// Lays out items side by side and wraps them into rows. Unlike in Qt's `Flow`, items share the
+/// width of their row. Items keep their heights. The implicit width is that of all items in one
+/// row.
 class WrapRow : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
-    // In full: the tools that read QML know no shorter name.
+    // Qualified: the QML tools do not resolve a shorter name.
     QML_ATTACHED(quorbel::WrapRowAttached)
-    /// Between the items of a row.
+    /// Gap between the items of a row.
     Q_PROPERTY(double spacing MEMBER spacing_ NOTIFY changed FINAL)
     Q_PROPERTY(double rowSpacing MEMBER rowSpacing_ NOTIFY changed FINAL)
-    /// Whether every item has a row for itself.
+    /// Whether every item has its own row.
     Q_PROPERTY(bool stacked MEMBER stacked_ NOTIFY changed FINAL)
-    /// Whether the items of a row have their upper edges in line instead of their middles.
+    /// Whether the items of a row are aligned at their tops instead of their middles.
     Q_PROPERTY(bool alignTop MEMBER alignTop_ NOTIFY changed FINAL)
 
   public:
@@ -77,7 +77,7 @@ class WrapRow : public QQuickItem {
     bool stacked_ = false;
     bool alignTop_ = false;
     bool isArranging_ = false;
-    bool isStale_ = false; ///< something changed while it was being arranged
+    bool isStale_ = false; ///< something changed while arranging
 };
 
 } // namespace quorbel
