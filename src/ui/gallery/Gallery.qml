@@ -4,7 +4,7 @@ import QtQuick
 import QtQuick.Layouts
 import Quorbel.Dotmatrix
 
-// Every primitive in every state, on one page. Live parts of the program move here by themselves.
+// Shows every primitive in every state on one page. Items with live data run on simulated data here.
 Window {
     id: window
 

@@ -12,7 +12,7 @@
 
 Q_IMPORT_QML_PLUGIN(Quorbel_DotmatrixPlugin)
 
-/// Shows every primitive in every state; with --grab, writes the picture and ends.
+/// Shows every primitive in every state; with --grab, writes a picture and exits.
 int main(int argc, char **argv) {
     const QGuiApplication application(argc, argv);
     QCommandLineParser parser;
@@ -43,7 +43,7 @@ int main(int argc, char **argv) {
         return 1;
     if (parser.isSet(grab)) {
         auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-        // After the opening transitions.
+        // Waits for the opening transitions.
         QTimer::singleShot(300, window, [&, window] {
             const bool written = window->grabWindow().save(parser.value(grab));
             if (!written)
