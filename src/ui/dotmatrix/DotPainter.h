@@ -13,7 +13,7 @@ inline constexpr double dotPitch = 8;
 inline constexpr double dotDiameter = 4;
 
 /// Paints dots aligned to device pixels, equally crisp at every scale. All coordinates are device
-/// pixels, those of the wrapped painter too while this object exists.
+/// pixels, including those of the wrapped painter during this object's lifetime.
 class DotPainter {
   public:
     explicit DotPainter(QPainter &painter);

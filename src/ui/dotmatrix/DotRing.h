@@ -25,7 +25,7 @@ class DotRing : public quorbel::DotItem {
     void setOrigin(double origin);
     [[nodiscard]] int dots() const { return dots_; }
     void setDots(int dots);
-    /// Whether the knob is under the pointer or held.
+    /// Whether the knob is hovered or held.
     [[nodiscard]] bool isHot() const { return hot_; }
     void setHot(bool hot);
 

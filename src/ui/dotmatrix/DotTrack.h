@@ -28,7 +28,7 @@ class DotTrack : public quorbel::DotItem {
     /// Whether positions rise upward instead of to the right.
     [[nodiscard]] bool isVertical() const { return vertical_; }
     void setVertical(bool vertical);
-    /// Whether the handle is under the pointer or held.
+    /// Whether the handle is hovered or held.
     [[nodiscard]] bool isHot() const { return hot_; }
     void setHot(bool hot);
 

@@ -1,8 +1,8 @@
 import QtQuick
 import QtQuick.Templates as T
 
-// Returns the keyboard focus to its owner before a popup opened, unless another item has taken it. Up to Qt 6.4 a
-// popup over a plain window leaves no item with the focus.
+// Restores the keyboard focus when a popup closes, unless another item has taken it. Up to Qt 6.4 a popup over a
+// plain window leaves no item with the focus.
 Connections {
     id: back
 

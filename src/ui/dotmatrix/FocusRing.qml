@@ -1,7 +1,7 @@
 import QtQuick
 import Quorbel.Dotmatrix
 
-// The ring around an item with the keyboard focus. `distance`: from the edge of its parent, outward.
+// The ring around an item with the keyboard focus. `distance`: pixels outside its parent's edge.
 Rectangle {
     property real distance: 3
 

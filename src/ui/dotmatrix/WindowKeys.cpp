@@ -142,7 +142,7 @@ WindowKeys::Shortcut WindowKeys::shortcutOf(const QKeyEvent &key) {
         return *found;
     Shortcut shortcut{code, modifiers, Request::none};
     if (modifiers == Qt::ControlModifier) {
-        // Layouts with shifted digits have them at the same positions, 0 after 9.
+        // Layouts with shifted digits keep them on the same keys, 0 after 9.
         const bool isDigit = code >= Qt::Key_0 && code <= Qt::Key_9;
         shortcut.index = isDigit
                              ? (code - Qt::Key_1 + 10) % 10
