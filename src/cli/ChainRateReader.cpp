@@ -32,9 +32,8 @@ ChainRateReader::ChainRateReader(const std::string &path) : file_(path) {
     }
     input_.assign(std::size_t{2} * bufferFrames, 0.0F);
 
-    // The converter's latency is seldom a whole number of frames at 48 kHz. Silence ahead of the
-    // file makes it one. That many frames are discarded, and the first one kept falls exactly on
-    // the file's first.
+    // Leading silence pads the converter's latency to a whole number of frames at 48 kHz. These
+    // frames are discarded, so that the first output frame matches the file's first.
     const auto latency = static_cast<std::uint64_t>(std::ceil(converter_->latencyFrames()));
     const std::uint64_t period = rate / std::gcd(rate, chainRate);
     // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): the converter has refused a rate of 0
@@ -91,7 +90,7 @@ std::uint32_t ChainRateReader::convert(const AudioBufferList &output, std::uint3
     return produced;
 }
 
-/// Reads the next frames of the file; after its end, silence that flushes the converter.
+/// Reads the next frames of the file, then silence, which flushes the converter.
 void ChainRateReader::fillInput() {
     pending_ = AudioBufferList(input_.data(), input_.data() + bufferFrames);
     pendingFrames_ = fileEnded_ ? 0 : file_.read(pending_, bufferFrames);

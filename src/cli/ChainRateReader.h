@@ -11,8 +11,8 @@
 
 namespace quorbel {
 
-/// A sound file at the chain's 48 kHz. Other rates are converted and stay aligned with the file:
-/// the converter's latency is removed, and n frames at rate r become exactly round(n·48000/r).
+/// Reads a sound file, converted to the chain's 48 kHz where needed. Removes the converter's
+/// latency: n frames at rate r become exactly round(n·48000/r) frames, aligned with the file.
 class ChainRateReader {
   public:
     /// Throws CommandError for a file that cannot be read or converted.
@@ -21,12 +21,12 @@ class ChainRateReader {
     /// At 48 kHz; see SoundFileReader::expectedFrames.
     [[nodiscard]] std::uint64_t expectedFrames() const;
 
-    /// Fills two channels with the next frames; fewer than asked only at the end. Throws
-    /// CommandError.
+    /// Fills two channels with the next frames; returns fewer than requested only at the end.
+    /// Throws CommandError.
     std::uint32_t read(const AudioBufferList &output, std::uint32_t frames);
 
-    /// Frames with samples that were not finite. Before a conversion, which would spread them, they
-    /// are replaced by zero here; otherwise the chain does so, and counts.
+    /// Frames with non-finite samples, which a conversion would spread: replaced with zeros before
+    /// it. The chain replaces and counts them in a file at 48 kHz.
     [[nodiscard]] std::uint64_t replacedFrames() const { return replacedFrames_; }
 
   private:
@@ -37,7 +37,7 @@ class ChainRateReader {
     SoundFileReader file_;
     std::unique_ptr<SampleRateConverter> converter_; ///< null for a file at 48 kHz
     std::vector<float> input_;                       ///< two planes
-    AudioBufferList pending_; ///< the part of `input_` that the converter has not consumed
+    AudioBufferList pending_;                        ///< the unconsumed part of `input_`
     std::uint32_t pendingFrames_ = 0;
     std::uint64_t fileFrames_ = 0;
     bool fileEnded_ = false;

@@ -5,7 +5,7 @@
 
 namespace quorbel {
 
-/// Ends a subcommand; `what()` is the line that the user reads.
+/// Ends a subcommand; the user reads `what()`.
 class CommandError : public std::runtime_error {
   public:
     enum class Status { failed = 1, nothingRuns = 3 };

@@ -30,7 +30,7 @@ CLI::Validator timeInSeconds() {
             ""};
 }
 
-/// Adds one argument to a subcommand, with the conversion that its variable needs.
+/// Adds one argument to a subcommand, with the conversion for its variable's type.
 struct ArgumentAdder {
     CLI::App &subcommand;
     const CommandArgument &argument;
@@ -60,7 +60,7 @@ struct ArgumentAdder {
     }
 };
 
-/// The names of an option's values. Those of a positional argument are its own name already.
+/// The names of an option's values; empty for a positional argument, which has its own name.
 std::string valueNames(const CommandArgument &argument) {
     std::string names;
     if (argument.isOption())
@@ -86,7 +86,7 @@ CLI::App *addSubcommand(CLI::App &parent, const Command &command) {
     return subcommand;
 }
 
-/// Names a word that is no subcommand: the library only says that one is required.
+/// Reports an unknown subcommand by name; CLI11 only says that one is required.
 bool complainedOfWord(const CLI::App &asked) {
     const std::vector<std::string> unknown = asked.remaining();
     if (unknown.empty() || !asked.get_subcommands().empty())

@@ -17,7 +17,7 @@ struct CommandGroup {
 };
 inline constexpr CommandGroup controlGroup{"ctl", "Control the Ostrafine that runs"};
 
-/// An option without value that ends the program.
+/// An option without a value that ends the program.
 struct EndingOption {
     const char *names; ///< separated by a comma
     const char *help;
@@ -26,12 +26,12 @@ inline constexpr EndingOption helpOption{"-h,--help", "Print this help and exit"
 inline constexpr EndingOption versionOption{"--version", "Print the version and exit"};
 
 struct ParsedCommandLine {
-    const Command *command = nullptr; ///< null when there is nothing to run
-    int status = 0;                   ///< exit status where there is nothing to run
+    const Command *command = nullptr; ///< null if there is nothing to run
+    int status = 0;                   ///< exit status without a command
 };
 
-/// Finds the subcommand and fills the variables of its arguments. Prints requested help or version
-/// on standard output, and errors of the command line on standard error.
+/// Finds the subcommand and fills the variables of its arguments. Prints help and version on
+/// standard output, usage errors on standard error.
 [[nodiscard]] ParsedCommandLine
 parseCommandLine(const std::vector<std::unique_ptr<Command>> &commands, int argc,
                  const char *const *argv);

@@ -104,7 +104,7 @@ UserSettings::UserSettings()
 
 void UserSettings::save() {
     try {
-        // First: bands without the gain that belongs to them would be too loud.
+        // Gains first: bands without their gain would be too loud.
         static_cast<void>(gainsFile_.write());
         const SettingsFileLock lock(file_.path());
         const auto theirs = file_.readChange();

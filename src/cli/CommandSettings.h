@@ -16,51 +16,50 @@
 
 namespace quorbel {
 
-/// The settings that a command starts from. They come from the file at `path`; if that is empty,
-/// from the user's own settings file; if that cannot be read, they are the defaults. The file is
-/// left as it is. Throws CommandError, naming the file and the place in it, for one that is not a
-/// settings file.
+/// Reads the file at `path`, or the user's own settings file if `path` is empty. Returns the
+/// defaults if the user's file cannot be read. Never changes the file. Throws CommandError with the
+/// file and the position in it if it is not a settings file.
 [[nodiscard]] Persisted loadSettings(const std::string &path);
 
-/// The gains of presets, from the file beside that one; a missing file has none. Throws
-/// CommandError for a file that cannot be read or decoded, because presets without their gain would
-/// be too loud.
+/// Reads the gains of presets from the file beside the settings file; a missing file has none.
+/// Throws CommandError for an unreadable or invalid file: presets without their gain would be too
+/// loud.
 [[nodiscard]] PresetGains loadPresetGains(const std::string &path);
 
-/// Which programs are processed, from the user's own file. Throws CommandError for a file that
-/// cannot be read or decoded, because a call could be processed.
+/// Reads the user's rules about the programs to process. Throws CommandError for an unreadable or
+/// invalid file, because a call could be processed.
 [[nodiscard]] ProgramRules loadProgramRules();
 
-/// The part of the settings that decides the sound, with the preset of this name in place of the
-/// active one if there is a name. A missing mixer or gain is the default. `path` is what `settings`
-/// were loaded from. Throws as `loadPresetGains` and `presetNamed`.
+/// Returns the settings of the chain, with `presetName` in place of the active preset if given. A
+/// missing mixer or gain is the default. `path` is the source of `settings`, see `loadSettings`.
+/// Throws like `loadPresetGains` and `presetNamed`.
 [[nodiscard]] ChainSettings chainSettings(const Persisted &settings, const std::string &path,
                                           const std::optional<std::string> &presetName = {});
 
-/// The presets that a user with these settings has: the program's own, then the user's.
+/// Returns the factory presets, then the user's.
 [[nodiscard]] std::vector<Preset> availablePresets(const Persisted &settings);
 
-/// The one of them with this name. Where no name is equal, capitals and the kind of dash do not
-/// count. Throws CommandError for a name that no preset has.
+/// Returns the available preset of this name: an exact match, else one that ignores case and the
+/// kind of dash. Throws CommandError for an unknown name.
 [[nodiscard]] Preset presetNamed(const Persisted &settings, const std::string &name);
 
-/// Makes the preset of this name the active one: replaces the bands and spatial settings with its
-/// own; everything else stays. Throws as `presetNamed`.
+/// Activates the preset of this name: replaces only the bands and the spatial settings. Throws like
+/// `presetNamed`.
 void applyPreset(Persisted &settings, const std::string &name);
 
-/// The user's own settings file, for a command that changes it. Where there is none yet, it begins
-/// with the defaults and the program's presets. Throws CommandError for a file that is there and
-/// cannot be read, so that it is never overwritten.
+/// The user's own settings file, for a command that changes it. A missing file starts with the
+/// defaults and the factory presets. Throws CommandError for an unreadable or invalid file, so that
+/// it is never overwritten.
 class UserSettings {
   public:
     UserSettings();
 
     Persisted settings;
-    /// The gains of presets, as read; to be changed as needed.
+    /// The gains of presets, as read; callers may change them.
     [[nodiscard]] PresetGains &gains() { return gainsFile_.gains; }
 
-    /// Replaces the file as a whole and keeps another program's changes since. Throws CommandError;
-    /// the file is then as it was.
+    /// Replaces the file atomically, merged with another program's changes since. On CommandError
+    /// the settings file is unchanged.
     void save();
 
   private:
@@ -69,8 +68,8 @@ class UserSettings {
     Persisted asRead_;
 };
 
-/// Reads a file beside the settings file, which is left as it is. Throws CommandError for one that
-/// cannot be read or decoded. `File` has `peek` and `path`, as PresetGainsFile has.
+/// Reads a file beside the settings file without changing it. Throws CommandError if it is
+/// unreadable or invalid. `File` has `peek` and `path`, like PresetGainsFile.
 template <class File> void peekOrError(File &file) {
     try {
         file.peek();

@@ -10,7 +10,7 @@
 
 namespace quorbel {
 
-/// A time in seconds and a file that takes effect then.
+/// A time in seconds and the file that takes effect then.
 using TimedFile = std::pair<double, std::string>;
 
 /// One value of an option or argument.
@@ -18,10 +18,10 @@ struct CommandValue {
     /// The source of a shell's completions.
     enum class Completion { none, file, presetName, deviceUID };
 
-    std::string name; ///< in capitals, as help and manual write it
+    std::string name; ///< in capitals, as in the help and the manual
     Completion completion = Completion::none;
     std::vector<std::string> choices{}; ///< values to offer
-    bool isOneOfThem = false;           ///< no others are allowed
+    bool isOneOfThem = false;           ///< allows no other values
 };
 
 /// An option (`--preset`) or a positional argument (`FILE`) of a subcommand.
@@ -31,8 +31,8 @@ struct CommandArgument {
         std::uint32_t least;
         std::uint32_t most;
     };
-    /// Receives the given value; untouched for an argument that is not given. A `double` is a
-    /// finite number of seconds, not negative. A list makes the option repeatable.
+    /// Receives the given value; untouched for an omitted argument. A `double` is a finite,
+    /// non-negative number of seconds. A list makes the option repeatable.
     using Variable = std::variant<bool *, std::string *, std::optional<std::string> *, WholeNumber,
                                   std::optional<double> *, std::vector<TimedFile> *>;
 
@@ -46,11 +46,11 @@ struct CommandArgument {
     std::vector<CommandValue> values{}; ///< empty for a flag
     Variable variable;
     bool isRequired = false;
-    std::string excludes{}; ///< an option declared before that may not be given as well
+    std::string excludes{}; ///< an earlier declared option that conflicts with this one
 };
 
-/// A subcommand. Its declarations are the only source of its help, manual and completions. A name
-/// of two words, such as "ctl start", is a subcommand of a group.
+/// A subcommand. Help, manual and completions come only from its declarations. A name of two words,
+/// such as "ctl start", is a subcommand of a group.
 class Command {
   public:
     virtual ~Command() = default;
@@ -61,10 +61,10 @@ class Command {
     [[nodiscard]] const std::string &summary() const { return summary_; }
     [[nodiscard]] const std::vector<CommandArgument> &arguments() const { return arguments_; }
 
-    /// Does the work, once the variables of the arguments are filled. Throws CommandError.
+    /// Runs the command after the variables of the arguments are filled. Throws CommandError.
     virtual void run() const = 0;
 
-    /// True if the command has failed when standard output cannot be written.
+    /// True if an unwritable standard output is a failure of the command.
     [[nodiscard]] virtual bool needsOutput() const { return true; }
 
   protected:
@@ -79,31 +79,31 @@ class Command {
     std::vector<CommandArgument> arguments_;
 };
 
-/// The subcommands, in the order of help and manual.
+/// The subcommands in the order of the help and the manual.
 [[nodiscard]] std::vector<std::unique_ptr<Command>> allCommands();
 
-/// `render`: plays a sound file through the chain into another, as fast as the machine can. On an
-/// error OUT is as it was.
+/// `render`: processes a sound file into another, faster than real time. Leaves OUT unchanged on an
+/// error.
 [[nodiscard]] std::unique_ptr<Command> makeRenderCommand();
 
-/// `live`: plays everything the computer plays through the chain, until a signal or for some time.
-/// On an error the sound is as it was.
+/// `live`: processes everything that the computer plays until a signal or a given time. Restores
+/// the original sound on an error.
 [[nodiscard]] std::unique_ptr<Command> makeLiveCommand();
 
-/// `presets`: lists the program's presets and the user's own.
+/// `presets`: lists the factory presets and the user's own.
 [[nodiscard]] std::unique_ptr<Command> makePresetsCommand();
 
-/// `import`: makes a preset of the user's of a parametric equaliser text or a preset file, and
-/// activates it. On an error the settings are as they were.
+/// `import`: makes a user preset from a parametric equaliser text or a preset file, and activates
+/// it. Leaves the settings unchanged on an error.
 [[nodiscard]] std::unique_ptr<Command> makeImportCommand();
 
-/// `export`: writes a preset as a parametric equaliser text, or as JSON to a file named so.
+/// `export`: writes a preset as a parametric equaliser text, or as JSON to a `.json` file.
 [[nodiscard]] std::unique_ptr<Command> makeExportCommand();
 
 /// `devices`: lists the output devices.
 [[nodiscard]] std::unique_ptr<Command> makeDevicesCommand();
 
-/// `ctl status` and its like: ask the Ostrafine that runs, and have it do things.
+/// `ctl status` and the other commands that query and control the running Ostrafine.
 [[nodiscard]] std::vector<std::unique_ptr<Command>> makeControlCommands();
 
 } // namespace quorbel

@@ -31,7 +31,7 @@ void withApplication(const std::function<void()> &work) {
     work();
 }
 
-/// A command that talks to the program that runs. Without one it ends with `nothingRuns`.
+/// A command that talks to the running program; fails with `nothingRuns` if there is none.
 class ControlCommand : public Command {
   public:
     void run() const final {
@@ -53,7 +53,7 @@ class ControlCommand : public Command {
     }
 };
 
-/// One without arguments.
+/// A control command without arguments.
 class PlainControlCommand final : public ControlCommand {
   public:
     PlainControlCommand(std::string name, std::string summary,
@@ -82,7 +82,7 @@ std::string numberText(double number) {
     return text;
 }
 
-// What is shown
+// Output
 
 std::string yesOrNo(const QVariant &value) { return value.toBool() ? "yes" : "no"; }
 
@@ -101,7 +101,7 @@ std::string metersText(const QVariantMap &meters) {
                        number("silentFrames"));
 }
 
-/// A line for each of the properties, in the order of importance.
+/// Prints one line per property, in the order of importance.
 void printRows(const QVariantMap &properties) {
     const auto row = [&](const char *name, const std::function<std::string(QVariant)> &text) {
         if (const auto found = properties.find(QLatin1String(name)); found != properties.end())
@@ -122,7 +122,7 @@ void printRows(const QVariantMap &properties) {
     row("Meters", [](const QVariant &value) { return metersText(value.toMap()); });
 }
 
-/// Converts a value to JSON. Names of properties begin with a small letter there.
+/// Converts a value to JSON; the keys start with a lower-case letter.
 std::string jsonOf(const QVariant &value) {
     std::string json;
     if (value.typeId() == QMetaType::QVariantMap) {
@@ -216,7 +216,7 @@ class ControlWatchCommand final : public ControlCommand {
     bool json_ = false;
 };
 
-/// The only one that starts a program: an entry in the autostart folder calls it.
+/// The only command that starts a program; an entry in the autostart folder calls it.
 class ResumeCommand final : public Command {
   public:
     ResumeCommand()

@@ -13,7 +13,7 @@ namespace quorbel {
 
 namespace {
 
-/// The active preset by its id, else by its name, else the first.
+/// Finds the active preset by its id, else by its name, else takes the first.
 const Preset &activePresetOf(const Persisted &settings) {
     auto active = std::ranges::find_if(settings.presets, [&](const Preset &preset) {
         return settings.activePresetID == preset.id;

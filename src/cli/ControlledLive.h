@@ -13,26 +13,25 @@ namespace quorbel {
 
 class AudioEngine;
 
-/// The presets of `ostrafine-cli live` and the profiles of the outputs, which apply them. Changes
-/// last until it ends; the files are left as they are. [main]
+/// The presets of `ostrafine-cli live` and the output profiles that apply them. Changes last until
+/// the command ends and are never saved. [main]
 class LiveProfiles final : private ProfileSettings {
   public:
-    /// Without profiles until `follow`. `settings` are those that the engine has, with all presets,
-    /// and `gains` what the presets bring. The engine must outlive it.
+    /// Has no profiles until `follow`. `settings` are the engine's, with all presets; `gains` are
+    /// the presets' gains. The engine must outlive it.
     LiveProfiles(AudioEngine &engine, const Persisted &settings, PresetGains gains);
     ~LiveProfiles() override;
 
-    /// Lets the engine follow the user's own profiles. Throws CommandError for a file that cannot
-    /// be read or decoded: an output could be too loud without its profile.
+    /// Lets the engine follow the user's profiles. Throws CommandError for an unreadable or invalid
+    /// file: an output could be too loud without its profile.
     void follow();
 
     [[nodiscard]] const std::vector<Preset> &presets() const { return presets_; }
-    /// The preset that the user or a profile has applied last; nothing for settings of a profile
-    /// whose preset is gone.
+    /// The preset last applied by the user or a profile; none for a profile with a deleted preset.
     [[nodiscard]] const std::optional<Uuid> &activePresetID() const { return activePresetID_; }
     void applyPreset(const Preset &preset);
 
-    /// Signals changes of the active preset too: `switched`.
+    /// Its `switched` also signals changes of the active preset.
     [[nodiscard]] const OutputProfiles &profiles() const { return profiles_; }
 
   private:
@@ -51,11 +50,11 @@ class LiveProfiles final : private ProfileSettings {
     OutputProfiles profiles_;
 };
 
-/// `ostrafine-cli live` under remote control: changes last until it ends, and are not saved. While
-/// it is stopped, another program may process. [main]
+/// `ostrafine-cli live` under remote control. Changes last until the command ends and are never
+/// saved. While it is stopped, another program may process. [main]
 class ControlledLive final : public ControlledProgram {
   public:
-    /// `lock` is held, and given up while stopped. All must outlive it.
+    /// Holds `lock` except while stopped. All arguments must outlive it.
     ControlledLive(AudioEngine &engine, DeviceManager &devices, std::optional<InstanceLock> &lock,
                    LiveProfiles &profiles);
 
@@ -74,7 +73,7 @@ class ControlledLive final : public ControlledProgram {
         change();
     }
 
-    /// True if a remote command asked for the start that failed or is under way.
+    /// True if the pending or failed start was a remote request.
     [[nodiscard]] bool wasStartAsked() const { return wasStartAsked_; }
 
   private:

@@ -64,7 +64,7 @@ DevicesCommand::DevicesCommand()
 
 void DevicesCommand::run() const {
     const auto hardware = hardwareOrError();
-    ManualClock clock; // nothing is waited for
+    ManualClock clock; // never advanced: the command waits for nothing
     const DeviceManager manager(*hardware, clock);
     const std::string defaultUID = manager.currentDefaultOutputUID().value_or("");
     if (json_)

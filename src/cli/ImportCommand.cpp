@@ -25,7 +25,7 @@ class ImportCommand final : public Command {
   public:
     ImportCommand();
 
-    /// Throws CommandError; the settings are then as they were.
+    /// Throws CommandError without changing the settings.
     void run() const override;
 
   private:

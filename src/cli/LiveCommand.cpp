@@ -41,10 +41,10 @@ class LiveCommand final : public Command {
   public:
     LiveCommand();
 
-    /// Throws CommandError; the sound is then as it was.
+    /// Throws CommandError after restoring the original sound.
     void run() const override;
 
-    /// Only logs there: the sound stays when the reader of the log is gone.
+    /// Only the log uses it: processing continues after the log's reader ends.
     [[nodiscard]] bool needsOutput() const override { return false; }
 
   private:
@@ -76,7 +76,7 @@ LiveCommand::LiveCommand()
 }
 
 void LiveCommand::run() const {
-    std::signal(SIGPIPE, SIG_IGN); // the reader of the log may end, the sound stays
+    std::signal(SIGPIPE, SIG_IGN); // processing continues after the log's reader ends
     TerminationSignals signals;
     Persisted settings = loadSettings(settingsPath_);
     const ProgramRules programRules = loadProgramRules();
@@ -84,12 +84,12 @@ void LiveCommand::run() const {
     if (presetName_)
         applyPreset(settings, *presetName_);
     settings.presets = availablePresets(settings);
-    chain.mixer.spectrumEnabled = false; // there is no display to analyse for
+    chain.mixer.spectrumEnabled = false; // no spectrum display
     std::optional<InstanceLock> lock(std::in_place);
     if (!lock->isHeld())
         throw CommandError("Ostrafine is already running and processes the sound");
 
-    // Qt's own event loop wakes up at a lower cost than GLib's.
+    // Qt's own event loop has cheaper wake-ups than GLib's.
     qputenv("QT_NO_GLIB", "1");
     int argumentCount = 1;
     char name[] = "ostrafine-cli";
@@ -104,8 +104,8 @@ void LiveCommand::run() const {
     engine.eq().setPresetGainDB(chain.presetGainDB);
     engine.setSpatial(chain.spatial);
     engine.setMixer(chain.mixer);
-    engine.setComparable(!sessionBusAddress().isEmpty()); // only remote control compares
-    // Settings that are named on the command line are for every output.
+    engine.setComparable(!sessionBusAddress().isEmpty()); // compared only by remote control
+    // Settings from the command line apply to every output.
     LiveProfiles profiles(engine, settings, loadPresetGains(settingsPath_));
     if (settingsPath_.empty() && !presetName_)
         profiles.follow();
@@ -136,7 +136,7 @@ void LiveCommand::run() const {
         } else if (state.kind == EngineLifecycle::State::Kind::running || engine.isLeavingAlone()) {
             if (seconds_ && !end.isSet())
                 end = Timer::once(clock, *seconds_, [] { QCoreApplication::quit(); });
-            if (!connector) // not before: the sound comes first
+            if (!connector) // sound first, remote control second
                 connector.emplace(
                     QStringLiteral("ostrafine-live"), clock,
                     [&](const QDBusConnection &bus) { service.emplace(control, bus); });

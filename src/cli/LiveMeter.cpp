@@ -29,7 +29,7 @@ std::string stateText(const AudioEngine &engine, bool hasBegun) {
     return hasBegun ? "stopped" : "starting";
 }
 
-/// Cuts the text to the terminal's width: a wrapped second line could not be erased.
+/// Truncates the text to the terminal's width: a wrapped second line could not be erased.
 std::string cutToTerminal(const std::string &text) {
     winsize size{};
     if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0)

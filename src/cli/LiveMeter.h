@@ -12,9 +12,9 @@ namespace quorbel {
 
 class AudioEngine;
 
-/// One line on standard error that follows the engine, ten times a second at most; log lines scroll
-/// past above it. Shows nothing and switches the engine's display off where standard error is not a
-/// terminal. [main]
+/// Shows the engine's state in one line on standard error, at most ten times a second; log lines
+/// scroll past above it. Shows nothing and switches the engine's display off unless standard error
+/// is a terminal. [main]
 class LiveMeter {
   public:
     /// Both must outlive the meter.
@@ -33,11 +33,11 @@ class LiveMeter {
     Clock &clock_;
     QObject changes_; ///< its destruction disconnects the signals
     bool isShown_ = false;
-    bool hasBegun_ = false; ///< the first start has come to its end
+    bool hasBegun_ = false; ///< the first start has succeeded or failed
     LogSink previousSink_;
-    std::mutex mutex_; ///< guards `shown_`; log lines come from several threads
+    std::mutex mutex_; ///< guards `shown_` against log lines from other threads
     std::string shown_;
-    Timer timer_; ///< set while the line is to be drawn again
+    Timer timer_; ///< set while a redraw is pending
 };
 
 } // namespace quorbel

@@ -12,7 +12,7 @@ namespace {
     throw CommandError(path + ": cannot be written: " + reason);
 }
 
-/// Runs `work`, which writes the file at `path`, and returns its result.
+/// Returns the result of `work`; reports its failure with the file's path.
 template <class Work> auto writing(const std::string &path, const Work &work) {
     try {
         return work();

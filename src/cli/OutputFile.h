@@ -7,14 +7,14 @@
 
 namespace quorbel {
 
-/// A file that a command writes, whole or not at all. All throw CommandError, naming the file.
+/// An output file that appears atomically. All functions throw CommandError with the file's name.
 class OutputFile {
   public:
     explicit OutputFile(const std::string &path);
 
     [[nodiscard]] int descriptor() const { return file_.descriptor(); }
     void write(std::string_view bytes);
-    /// Gives the file its name; without this call nothing is written.
+    /// Gives the file its name; without this call no file appears.
     void commit();
     [[noreturn]] void fail(const std::string &reason) const;
 

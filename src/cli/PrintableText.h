@@ -4,9 +4,8 @@
 
 namespace quorbel {
 
-/// Returns UTF-8 text with '?' for every control character. Names, notes and file names come from
-/// outside: their escape sequences must not reach the terminal, and their line breaks must not
-/// split a line.
+/// Replaces every control character of UTF-8 text with '?'. Foreign names and notes must neither
+/// send escape sequences to the terminal nor break a line.
 [[nodiscard]] std::string printable(const std::string &text);
 
 } // namespace quorbel

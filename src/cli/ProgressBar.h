@@ -5,11 +5,11 @@
 
 namespace quorbel {
 
-/// Shows on standard error how far a rendering is, its speed against real time and the time left.
-/// Shows nothing where standard error is not a terminal.
+/// Shows a rendering's progress, speed against real time and remaining time on standard error.
+/// Shows nothing unless standard error is a terminal.
 class ProgressBar {
   public:
-    /// `totalFrames` at 48 kHz, 0 for unknown.
+    /// `totalFrames` at 48 kHz; 0 if unknown.
     explicit ProgressBar(std::uint64_t totalFrames);
     /// Erases the bar.
     ~ProgressBar();

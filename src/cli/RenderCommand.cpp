@@ -26,8 +26,8 @@ namespace quorbel {
 
 namespace {
 
-/// Interval between checks for signals, each of which costs a system call. Rendering this many
-/// frames takes some hundredths of a second at most.
+/// Frames between checks for signals, each a system call. Rendering them takes some hundredths of a
+/// second at most.
 constexpr std::uint32_t framesBetweenSignalChecks = 16384;
 
 /// A settings file that takes effect at the first block boundary at or after a frame.
@@ -46,7 +46,7 @@ std::vector<Change> loadChanges(const std::vector<TimedFile> &requests) {
     return changes;
 }
 
-/// Follows links of either kind; also for files that do not exist yet.
+/// Follows hard and symbolic links; also compares files that do not exist yet.
 bool isSameFile(const std::string &first, const std::string &second) {
     struct stat firstStatus {};
     struct stat secondStatus {};
@@ -58,8 +58,7 @@ bool isSameFile(const std::string &first, const std::string &second) {
            std::filesystem::weakly_canonical(second, unknown);
 }
 
-/// Throws where two of the files are one: the input is only read, and no output may replace
-/// another.
+/// Throws CommandError if two paths lead to the same file: no output may replace another file.
 void requireFilesOfTheirOwn(const std::vector<std::optional<std::string>> &paths) {
     constexpr std::array<const char *, 4> parts{"the input", "the output", "the meters' table",
                                                 "the spectrum's table"};
@@ -73,7 +72,7 @@ class RenderCommand final : public Command {
   public:
     RenderCommand();
 
-    /// Throws CommandError; OUT is then as it was.
+    /// Throws CommandError without changing OUT.
     void run() const override;
 
   private:
@@ -180,7 +179,7 @@ void RenderCommand::run() const {
         for (auto *table : {&meters, &spectrum})
             if (*table)
                 (*table)->finish();
-        output.finish(); // last: a table that fails leaves the sound file as it was
+        output.finish(); // last: a failing table leaves the sound file unchanged
     }
     if (const auto replaced = replacedFrames(); replaced > 0)
         fmt::print(

@@ -10,14 +10,14 @@
 
 namespace quorbel {
 
-// The tables that a rendering can write beside its sound: the values that the meters and the
-// spectrum display would have shown. Numbers are written so that they read back exactly.
+// Tables that a rendering can write: the values that the meters and the spectrum display would have
+// shown. Numbers read back exactly.
 
-/// Rows of comma-separated values under a row of names. The file appears when it is finished.
-/// Throws CommandError, naming it, when it cannot be written.
+/// Writes rows of comma-separated values under a row of names. The file appears at `finish`. Throws
+/// CommandError with the file's name if it cannot be written.
 class TableFile {
   public:
-    /// `names` is the first row. All rows are given without their line end.
+    /// `names` is the first row. Rows have no line end.
     TableFile(const std::string &path, std::string_view names);
 
     void addRow(std::string_view row);
@@ -32,11 +32,11 @@ class TableFile {
 };
 
 [[nodiscard]] std::string meterNames();
-/// `replacedFrames`: all so far.
+/// `replacedFrames` is the total so far.
 [[nodiscard]] std::string meterRow(double seconds, const MeterReadings &readings,
                                    std::uint64_t replacedFrames);
 
-/// Each band is named by its centre in whole Hz.
+/// Names each band by its centre frequency in whole Hz.
 [[nodiscard]] std::string spectrumNames();
 [[nodiscard]] std::string spectrumRow(double seconds, const SpectrumAnalyzer::Levels &levels);
 

@@ -18,10 +18,10 @@ namespace quorbel {
 
 namespace {
 
-// Many blocks of the chain in one call of the system: half a read's cost is the call itself.
+// System calls cost half of a block-sized read; this size spreads one call over many blocks.
 constexpr std::uint32_t readerFrames = 8192;
 
-/// Opens a regular file without ever waiting (a named pipe would).
+/// Opens a regular file without blocking, as a named pipe would.
 int openRegularFile(const std::string &path) {
     const int file = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (file < 0)
@@ -43,7 +43,7 @@ int openRegularFile(const std::string &path) {
     return file;
 }
 
-/// The decimal number that `text` starts with after blanks; 0 for none.
+/// The leading decimal number of `text`, after blanks; 0 if there is none.
 std::uint64_t leadingNumber(std::string_view text) {
     std::uint64_t value = 0;
     text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ')));
@@ -55,8 +55,8 @@ std::uint64_t leadingNumber(std::string_view text) {
     return value;
 }
 
-/// Returns true for a line of libsndfile's log that finds less in the file than its header says, as
-/// "data : 176400 (should be 88158)" does.
+/// True for a line of libsndfile's log that reports a file shorter than its header says, such as
+/// "data : 176400 (should be 88158)".
 bool tellsOfCut(std::string_view line) {
     if (line.find("truncated file") != std::string_view::npos)
         return true;
@@ -66,8 +66,8 @@ bool tellsOfCut(std::string_view line) {
     if (noteAt == std::string_view::npos || colon > noteAt)
         return false;
 
-    // The chunk with the samples in each format. The total length is often wrong by some bytes. It
-    // counts only in the two formats where nothing else is compared.
+    // The sample chunk's name in each format. The total length is often some bytes off; it counts
+    // only in the two formats where libsndfile compares nothing else.
     std::string_view name = line.substr(0, colon);
     name.remove_prefix(std::min(name.size(), name.find_first_not_of(' ')));
     constexpr std::array<std::string_view, 5> telling{"data", "Data", "SSND", "riff", "Riff size"};
@@ -75,7 +75,7 @@ bool tellsOfCut(std::string_view line) {
                      [&](std::string_view start) { return name.starts_with(start); }))
         return false;
 
-    // The length that a writer leaves if it cannot seek back.
+    // A writer that cannot seek back leaves such a length.
     constexpr std::uint64_t unknownFrom = 0x7FFF0000;
     const std::uint64_t stated = leadingNumber(line.substr(colon + 1));
     const std::uint64_t present = leadingNumber(line.substr(noteAt + note.size()));
@@ -83,7 +83,7 @@ bool tellsOfCut(std::string_view line) {
     return stated > present && !unknown;
 }
 
-/// libsndfile silently shortens the sound of a truncated file; only its log tells.
+/// Searches libsndfile's log, its only report of a truncated file.
 bool isCutShort(SNDFILE *file) {
     std::array<char, 16384> buffer{};
     sf_command(file, SFC_GET_LOG_INFO, buffer.data(), static_cast<int>(buffer.size()));
@@ -107,11 +107,11 @@ struct SoundFileReader::State {
     std::unique_ptr<SNDFILE, Closer> file;
     SF_INFO info{};
     std::uint64_t framesRead = 0;
-    std::vector<float> interleaved;   ///< `readerFrames` frames, of which the file filled some
-    std::uint32_t framesTaken = 0;    ///< of those, the frames that callers have read
-    std::uint32_t framesBuffered = 0; ///< of those, the frames that the file filled
+    std::vector<float> interleaved;   ///< `readerFrames` frames
+    std::uint32_t framesTaken = 0;    ///< buffered frames that callers have read
+    std::uint32_t framesBuffered = 0; ///< frames that the file filled
 
-    /// Only estimated for compressed streams that carry no length.
+    /// False for MPEG and Ogg: libsndfile may only estimate their length.
     [[nodiscard]] bool lengthIsExact() const {
         const int format = info.format & SF_FORMAT_TYPEMASK;
         return format != SF_FORMAT_MPEG && format != SF_FORMAT_OGG;
@@ -177,7 +177,7 @@ std::uint32_t SoundFileReader::read(const AudioBufferList &output, std::uint32_t
     return done;
 }
 
-/// The next frames of the file; none at its end.
+/// Buffers the next frames of the file; none at its end.
 void SoundFileReader::fillBuffer() {
     State &state = *state_;
     const auto got = static_cast<std::uint32_t>(

@@ -9,9 +9,9 @@
 
 namespace quorbel {
 
-/// Reads a mono or stereo sound file as planar stereo at the file's own rate, block by block; mono
-/// is heard on both sides. Reads ahead by some blocks, a constant amount. Throws CommandError,
-/// naming the file, for any other file.
+/// Reads a mono or stereo sound file as planar stereo at the file's own rate; copies mono to both
+/// sides. Reads ahead by a constant number of frames. Throws CommandError with the file's name for
+/// any other file.
 class SoundFileReader {
   public:
     explicit SoundFileReader(const std::string &path);
@@ -21,12 +21,11 @@ class SoundFileReader {
 
     [[nodiscard]] std::uint32_t sampleRate() const; ///< Hz
 
-    /// Length according to the file, in frames; 0 if unknown. Compressed files may only estimate
-    /// it.
+    /// Length in frames according to the file; 0 if unknown. Compressed files may only estimate it.
     [[nodiscard]] std::uint64_t expectedFrames() const;
 
-    /// Fills two channels with the next frames; fewer than asked only at the end. Throws
-    /// CommandError if the file cannot be read or is shorter than it says.
+    /// Fills two channels with the next frames; returns fewer than requested only at the end.
+    /// Throws CommandError if the file cannot be read or is truncated.
     std::uint32_t read(const AudioBufferList &output, std::uint32_t frames);
 
   private:

@@ -19,10 +19,10 @@ namespace {
 
 constexpr std::uint64_t bytesPerFrame = 2 * sizeof(float);
 
-// Many blocks of the chain in one call of the system.
+// Spreads the cost of one system call over many blocks of the chain.
 constexpr std::uint32_t writerFrames = 8192;
 
-// Below it a plain WAV file is certain to do, also where the length was only estimated.
+// Plain WAV (4 GiB at most) is safe below this size, even if the length was only estimated.
 constexpr std::uint64_t plainWavBytes = std::uint64_t{3} << 30U;
 
 struct WriterCloser {
@@ -31,15 +31,14 @@ struct WriterCloser {
 
 bool isOfTheDisk(int error) noexcept { return error == EIO || error == ENOSPC || error == EDQUOT; }
 
-/// Makes the disk write a growing file while the rest of it is still being made: otherwise the end
-/// would wait for all of it. Written parts leave the page cache, which hours of sound would fill.
+/// Writes a growing file to the disk during rendering, which would otherwise end with a long wait
+/// for the disk. Drops written parts from the page cache, which hours of sound would fill.
 class WriteBehind {
   public:
     explicit WriteBehind(int descriptor) : descriptor_(descriptor) {}
 
-    /// Tells that the file's next `bytes` have been handed to the system. Returns 0, or the errno
-    /// with which an earlier part did not reach the disk. Does nothing where the file system
-    /// cannot write behind.
+    /// Notes that the system has received the file's next `bytes`. Returns 0, or the errno of an
+    /// earlier part's failed write. Does nothing if the file system cannot write behind.
     int wrote(std::uint64_t bytes) noexcept {
         handed_ += bytes;
         if (handed_ < started_ + chunkBytes)
@@ -51,8 +50,7 @@ class WriteBehind {
         if (started_ > written_) {
             constexpr unsigned all =
                 SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
-            // The system reports an error once: a later synchronisation of the whole file would not
-            // know it.
+            // Linux reports a write error once: a later fsync of the whole file would miss it.
             if (sync_file_range(descriptor_, offset(written_), offset(started_ - written_), all) !=
                     0 &&
                 isOfTheDisk(errno))
@@ -66,13 +64,13 @@ class WriteBehind {
     }
 
   private:
-    // Some tens of milliseconds for a disk.
+    // Takes a disk some tens of milliseconds.
     static constexpr std::uint64_t chunkBytes = std::uint64_t{8} << 20U;
 
     int descriptor_;
-    std::uint64_t written_ = 0; ///< bytes that are on the disk
-    std::uint64_t started_ = 0; ///< bytes that the disk has been asked to write
-    std::uint64_t handed_ = 0;  ///< bytes that the system has
+    std::uint64_t written_ = 0; ///< bytes on the disk
+    std::uint64_t started_ = 0; ///< bytes requested to be written to the disk
+    std::uint64_t handed_ = 0;  ///< bytes that the system has received
 };
 
 } // namespace
@@ -84,7 +82,7 @@ struct SoundFileWriter::State {
     WriteBehind writeBehind{target.descriptor()};
     std::unique_ptr<SNDFILE, WriterCloser> file;
     std::vector<float> interleaved = std::vector<float>(std::size_t{2} * writerFrames);
-    std::uint32_t framesBuffered = 0; ///< of those, the frames that the file has not received
+    std::uint32_t framesBuffered = 0; ///< frames that the file has not received
 };
 
 SoundFileWriter::SoundFileWriter(const std::string &path, std::uint64_t expectedFrames)
@@ -97,7 +95,7 @@ SoundFileWriter::SoundFileWriter(const std::string &path, std::uint64_t expected
     state_->file.reset(sf_open_fd(state_->target.descriptor(), SFM_WRITE, &info, SF_FALSE));
     if (!state_->file)
         state_->target.fail(sf_strerror(nullptr));
-    // Its peaks carry the time of writing, and equal sound must give equal files.
+    // No peak chunk: it stores the time of writing, but equal sound must give equal files.
     sf_command(state_->file.get(), SFC_SET_ADD_PEAK_CHUNK, nullptr, SF_FALSE);
     if (large)
         sf_command(state_->file.get(), SFC_RF64_AUTO_DOWNGRADE, nullptr, SF_TRUE);

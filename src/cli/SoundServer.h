@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// The hardware layer of this machine. Throws CommandError, with how to start one, where no sound
-/// server answers.
+/// Returns this machine's hardware layer. Throws CommandError, with advice on starting a sound
+/// server, if none answers.
 [[nodiscard]] std::unique_ptr<AudioHardware> hardwareOrError();
 
 } // namespace quorbel

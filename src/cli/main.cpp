@@ -20,7 +20,7 @@ void complain(const std::exception &error) {
 } // namespace
 
 int main(int argc, char **argv) {
-    // A file that may not grow further is an error of one write, not the end of the program.
+    // Turns an exceeded file size limit into a write error instead of the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
 
     const auto commands = quorbel::allCommands();

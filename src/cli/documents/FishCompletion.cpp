@@ -10,7 +10,7 @@ std::string quoted(const std::string &text) {
     return "'" + withReplaced(withReplaced(text, "\\", "\\\\"), "'", "\\'") + "'";
 }
 
-/// The switches of `complete` for an argument's first value; any further one is a file or nothing.
+/// Options of `complete` for an argument's first value; any further one is a file or nothing.
 std::string valueSwitches(const CommandArgument &argument) {
     if (argument.values.empty())
         return "";

@@ -8,7 +8,7 @@ namespace quorbel {
 
 namespace {
 
-/// Text that roff shows as it is.
+/// Escapes text for roff.
 std::string roff(const std::string &text) {
     std::string escaped;
     for (const char character : text)
@@ -21,7 +21,7 @@ std::string roff(const std::string &text) {
     return escaped;
 }
 
-/// A sentence in lines that a reader of the source can follow; roff fills them again.
+/// Wraps a sentence for readers of the source; roff refills the lines.
 std::string roffLines(const std::string &text) {
     constexpr std::size_t columns = 78;
     std::istringstream words(roff(text));
@@ -32,7 +32,7 @@ std::string roffLines(const std::string &text) {
             lines += line + "\n";
             line.clear();
         }
-        // A dot or quote at the start of a line would make it a request.
+        // A leading dot or quote would turn the line into a roff request.
         const bool isRequest = line.empty() && (word[0] == '.' || word[0] == '\'');
         line += (line.empty() ? "" : " ") + ((isRequest ? "\\&" : "") + word);
     }

@@ -56,7 +56,7 @@ _ostrafine_cli() {
 _ostrafine_cli "$@"
 )";
 
-/// Text between single quotes, with the marks of `_arguments` escaped.
+/// Escapes text for single quotes and for the special characters of `_arguments`.
 std::string zshQuoted(const std::string &text) {
     std::string escaped;
     for (const char character : text) {
@@ -91,7 +91,7 @@ std::string argumentSpec(const CommandArgument &argument, std::size_t position) 
     std::string spec = argument.isRepeatable() ? "'*" : "'";
     if (!argument.excludes.empty())
         spec += fmt::format("({})", argument.excludes);
-    // One value may also follow an equals sign.
+    // A single value may also follow an equals sign.
     spec += fmt::format("{}{}[{}]", argument.name, argument.values.size() == 1 ? "=" : "",
                         zshQuoted(argument.help));
     for (const CommandValue &value : argument.values)
@@ -127,7 +127,7 @@ std::string zshCompletion(const Commands &commands) {
             specs +=
                 fmt::format("                        {} \\\n", argumentSpec(argument, position));
         }
-        specs.erase(specs.size() - 3, 2); // the last mark of continuation
+        specs.erase(specs.size() - 3, 2); // the last line continuation
         specs += "                    ;;\n";
     }
     std::string text = withReplaced(head, "@COMMANDS@", list);

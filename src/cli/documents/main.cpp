@@ -25,7 +25,7 @@ void writeFile(const std::string &path, const std::string &text) {
 
 } // namespace
 
-// Writes the manual page, from its template, and the completions into a folder. Runs at build time.
+// Writes the manual page from its template, and the completions, into a folder. Runs at build time.
 int main(int argc, char **argv) {
     if (argc != 4) {
         std::fputs("usage: quorbel-cli-documents FOLDER MANUAL-TEMPLATE DATE\n", stderr);
