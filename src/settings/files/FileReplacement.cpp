@@ -23,16 +23,16 @@ namespace fs = std::filesystem;
     throw FileReplacementError(std::generic_category().message(errorNumber));
 }
 
-/// Makes a name that was given or taken in this folder outlast a power cut.
+/// Makes renames in this folder survive a power cut.
 void syncFolder(const fs::path &folder) {
     const int descriptor =
         ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0)
-        return; // One may write into a folder that one may not read, but not sync it.
+        return; // A folder without read permission can be written to, but not synced.
     const int result = ::fsync(descriptor);
     const int errorNumber = errno;
     ::close(descriptor);
-    if (result != 0 && errorNumber != EINVAL) // EINVAL: a file system without such a thing
+    if (result != 0 && errorNumber != EINVAL) // EINVAL: the file system cannot sync folders
         fail(errorNumber);
 }
 
@@ -41,13 +41,13 @@ void makeFolder(const fs::path &folder) {
     if (folder.empty() || fs::is_directory(folder, ignored))
         return;
     makeFolder(folder.parent_path());
-    // A file in the folder's place is left to be found when the folder is used.
+    // A file in the folder's place fails later, when the folder is used.
     if (::mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST)
         fail(errno);
     syncFolder(folder.parent_path());
 }
 
-/// A hidden name beside `path` that nothing has yet.
+/// Returns an unused hidden name beside `path`.
 std::string freeNameBeside(const fs::path &path) {
     for (unsigned attempt = 0;; ++attempt) {
         const std::string name =
@@ -62,7 +62,7 @@ std::string freeNameBeside(const fs::path &path) {
 } // namespace
 
 std::string fileBehindLinks(const std::string &path) {
-    constexpr int mostLinks = 40; // as Linux follows
+    constexpr int mostLinks = 40; // Linux's own limit
     fs::path target = path;
     std::error_code error;
     for (int links = 0; fs::is_symlink(target, error); ++links) {
@@ -94,7 +94,7 @@ FileReplacement::FileReplacement(const std::string &path) : target_(fileBehindLi
     if (exists ? ::access(target_.c_str(), W_OK) != 0 : errno != ENOENT)
         fail(errno);
     const fs::path folder = fs::path(target_).parent_path();
-    // Without /proc a nameless file could not be given a name.
+    // Naming a nameless file needs /proc.
     const bool canBeNameless = ::access("/proc/self/fd", X_OK) == 0;
     if (canBeNameless)
         descriptor_ =
@@ -108,7 +108,7 @@ FileReplacement::FileReplacement(const std::string &path) : target_(fileBehindLi
     }
     if (descriptor_ < 0)
         fail(errno);
-    // Some file systems have one set of permissions for all files.
+    // Some file systems have fixed permissions for all files.
     if (exists)
         static_cast<void>(::fchmod(descriptor_, status.st_mode & permissionBits));
 }
@@ -121,7 +121,7 @@ FileReplacement::~FileReplacement() {
 
 void FileReplacement::write(std::string_view bytes) {
     while (!bytes.empty()) {
-        // On a full disk a part is written first and only the next call fails.
+        // A full disk accepts a part first; only the next call fails.
         const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
         if (written < 0 && errno != EINTR)
             fail(errno);
@@ -129,9 +129,9 @@ void FileReplacement::write(std::string_view bytes) {
     }
 }
 
-// A nameless file can only be given a name that is free, so replacing takes two steps.
+// linkat cannot replace an existing name, so a nameless file first gets a free one.
 void FileReplacement::commit() {
-    // Before the file takes the name: otherwise a power cut could leave the name on an empty file.
+    // Syncs before the rename: otherwise a power cut could leave the name on an empty file.
     if (::fsync(descriptor_) != 0)
         fail(errno);
     if (temporary_.empty()) {
@@ -162,13 +162,13 @@ bool isTaken(const std::string &path) {
     return ::lstat(path.c_str(), &status) == 0;
 }
 
-/// Returns 0 or the system's error number, EEXIST where something has the name already.
+/// Returns 0 or the system's error number; EEXIST if the name is taken.
 int moveWithoutReplacing(const std::string &from, const std::string &to) {
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
         return 0;
     if (errno != EINVAL && errno != ENOSYS)
         return errno;
-    // The file system cannot promise it.
+    // The file system lacks RENAME_NOREPLACE.
     if (isTaken(to))
         return EEXIST;
     return std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;

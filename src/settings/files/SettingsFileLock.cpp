@@ -28,7 +28,7 @@ SettingsFileLock::SettingsFileLock(const std::string &settingsPath, double patie
     while (::flock(file_, LOCK_EX | LOCK_NB) != 0) {
         const int errorNumber = errno;
         if (errorNumber == ENOLCK || errorNumber == EOPNOTSUPP)
-            return; // a file system without locks: no program can take one
+            return; // file system without locks for any program
         if ((errorNumber == EWOULDBLOCK || errorNumber == EINTR) && SteadyClock::now() < deadline) {
             std::this_thread::sleep_for(pause);
             continue;

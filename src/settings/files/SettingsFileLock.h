@@ -4,13 +4,13 @@
 
 namespace quorbel {
 
-/// Lock of one of the settings files, held while a program reads, compares and replaces it: no
-/// other program of ours writes it at that time. A file lock on `<file>.lock` beside the file that
-/// the path leads to; it ends with the process, however that ends.
+/// Keeps our other programs from writing a settings file while this one reads, compares and
+/// replaces it. A file lock on `<file>.lock` beside the file that the path leads to; the system
+/// releases it at the process's end, even after a crash.
 class SettingsFileLock {
   public:
-    /// Makes the folder where it is missing. Waits for another program, which takes milliseconds
-    /// unless it is stopped or its disk hangs. Throws FileReplacementError.
+    /// Creates a missing folder. Waits for another program, which takes milliseconds unless that
+    /// program is stopped or its disk hangs. Throws FileReplacementError.
     explicit SettingsFileLock(const std::string &settingsPath, double patienceSeconds = 1.0);
     ~SettingsFileLock();
     SettingsFileLock(const SettingsFileLock &) = delete;

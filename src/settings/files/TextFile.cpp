@@ -35,7 +35,7 @@ class Descriptor {
 } // namespace
 
 std::string readTextFile(const std::string &path, std::size_t maximumBytes) {
-    // Without blocking: a named pipe may have no writer.
+    // Non-blocking: a named pipe may have no writer.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0)
@@ -49,7 +49,7 @@ std::string readTextFile(const std::string &path, std::size_t maximumBytes) {
     if (status.st_size > static_cast<off_t>(maximumBytes))
         throw tooLarge;
 
-    // One byte beyond the size tells whether the file has grown since.
+    // One extra byte detects a file that has grown since.
     std::string text(static_cast<std::size_t>(status.st_size) + 1, '\0');
     std::size_t length = 0;
     while (true) {

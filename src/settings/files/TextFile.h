@@ -6,7 +6,7 @@
 
 namespace quorbel {
 
-/// A file that could not be read. `what()` is the reason, without the file's name.
+/// Failure to read a file. `what()` is the reason without the file's name.
 class TextFileError : public std::runtime_error {
   public:
     enum class Reason { missing, directory, irregular, tooLarge, system };
@@ -20,8 +20,8 @@ class TextFileError : public std::runtime_error {
     Reason reason_;
 };
 
-/// Returns the whole text of a file. Never waits and never reads without end: only a regular file
-/// of at most `maximumBytes` is taken. Throws TextFileError.
+/// Returns the whole text of a file. Accepts only a regular file of at most `maximumBytes`, so that
+/// it neither blocks nor reads endlessly. Throws TextFileError.
 [[nodiscard]] std::string readTextFile(const std::string &path, std::size_t maximumBytes);
 
 } // namespace quorbel

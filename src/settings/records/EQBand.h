@@ -10,11 +10,11 @@
 
 namespace quorbel {
 
-/// One band of the equaliser as the user sets it. Values are kept as given; the units clamp.
+/// One band of the equaliser as set by the user. Values are not clamped here, only in the units.
 struct EQBand {
     enum class FilterType { parametric, lowShelf, highShelf, lowPass, highPass };
 
-    /// In the order in which pickers list them.
+    /// In the order of pickers.
     static constexpr std::array allFilterTypes{FilterType::parametric, FilterType::lowShelf,
                                                FilterType::highShelf, FilterType::lowPass,
                                                FilterType::highPass};
@@ -26,10 +26,10 @@ struct EQBand {
     FilterType filterType = FilterType::parametric;
     bool bypassed = false;
 
-    /// Identity counts: two bands that sound the same but have different ids are not equal.
+    /// Compares ids too: bands with the same sound but different ids are not equal.
     friend bool operator==(const EQBand &, const EQBand &) = default;
 
-    /// The flat ten-band octave equaliser, every band with an id of its own at every call.
+    /// Returns the flat ten-band octave equaliser with new ids.
     [[nodiscard]] static std::vector<EQBand> defaultBands();
 };
 
@@ -43,9 +43,8 @@ inline std::vector<EQBand> EQBand::defaultBands() {
     return bands;
 }
 
-/// `bands`, with the ids of `others` where the two lists differ in nothing else. Factory bands get
-/// new ids at every launch, and ids count when bands are compared: without this, every start would
-/// find the active preset changed.
+/// Returns `bands`, with the ids of `others` if the lists differ only in ids. Factory bands get new
+/// ids at every launch: without this, the active preset would always look changed.
 [[nodiscard]] inline std::vector<EQBand> withIDsOf(const std::vector<EQBand> &others,
                                                    const std::vector<EQBand> &bands) {
     std::vector<EQBand> renamed = bands;
@@ -54,12 +53,12 @@ inline std::vector<EQBand> EQBand::defaultBands() {
     return renamed == others ? renamed : bands;
 }
 
-/// The ranges of the equaliser's controls. Bands from files may lie beyond; they are shown as they
-/// are until they are moved.
+/// Ranges of the equaliser's controls. Bands from files may exceed them; controls show such values
+/// unchanged until the user moves them.
 struct BandLimits {
     static constexpr double minFrequency = 20.0; ///< Hz
     static constexpr double maxFrequency = 20000.0;
-    static constexpr double minGain = -12.0; ///< dB, of a band and of all together
+    static constexpr double minGain = -12.0; ///< dB, of a band and of the global gain
     static constexpr double maxGain = 12.0;
     static constexpr double gainStep = 0.1;
     static constexpr double minQ = 0.1;

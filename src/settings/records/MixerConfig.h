@@ -2,10 +2,10 @@
 
 namespace quorbel {
 
-/// The settings of the stages before and after the equaliser and of the display. Presets do not
-/// carry it. Fields are in the order of the settings file.
+/// Settings of the stages around the equaliser and of the display; not part of presets. Fields are
+/// in the order of the settings file.
 struct MixerConfig {
-    // Kept and stored; no time and pitch stage exists.
+    // Kept for the settings file; no time and pitch stage exists.
     bool tempoChainEnabled = false;
     float tempoRate = 1.0F;
     float pitchSemitones = 0.0F;
@@ -25,7 +25,7 @@ struct MixerConfig {
     bool manualLoudnessEnabled = false;
     float manualLoudnessDB = 0.0F;
 
-    bool spectrumEnabled = true; ///< display only, never touches the sound
+    bool spectrumEnabled = true; ///< display only
 
     friend bool operator==(const MixerConfig &, const MixerConfig &) = default;
 };

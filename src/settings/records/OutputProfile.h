@@ -11,7 +11,7 @@
 
 namespace quorbel {
 
-/// The settings that follow the output: those of a preset, and the gain that belongs to them.
+/// Settings that follow the output: those of a preset, and its gain.
 struct OutputSound {
     std::vector<EQBand> bands{};
     SpatialConfig spatial{};
@@ -20,8 +20,8 @@ struct OutputSound {
     friend bool operator==(const OutputSound &, const OutputSound &) = default;
 };
 
-/// The outputs that a profile is for: those whose identity has all these names. Without any it is
-/// for every output that has no profile of its own.
+/// The outputs of a profile: every output with all these names in its identity. An empty key
+/// matches every output without its own profile.
 struct OutputKey {
     std::optional<std::string> card{};
     std::optional<std::string> route{};
@@ -33,20 +33,20 @@ struct OutputKey {
     friend bool operator==(const OutputKey &, const OutputKey &) = default;
 };
 
-/// The settings for some outputs.
+/// Settings for the outputs that match `key`.
 struct OutputProfile {
     enum class Use {
         preset,     ///< a preset; without an id, the profile's own settings
-        flat,       ///< processed, but without any change
-        leaveAlone, ///< nothing is captured while the output is in use
+        flat,       ///< processed with flat settings
+        leaveAlone, ///< captures nothing while the output is in use
     };
 
     OutputKey key{};
-    std::string label{}; ///< the output's name for the user when it was last seen
+    std::string label{}; ///< the output's display name when it was last seen
     Use use = Use::preset;
     std::optional<Uuid> presetID{};
-    std::optional<std::string> presetName{}; ///< identifies the preset when its id is gone
-    /// The settings in place of the preset's or of the flat ones: the user has changed them.
+    std::optional<std::string> presetName{}; ///< identifies the preset if its id is unknown
+    /// The user's changed settings, in place of the preset's or the flat ones.
     std::optional<OutputSound> own{};
 
     friend bool operator==(const OutputProfile &, const OutputProfile &) = default;

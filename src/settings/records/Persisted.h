@@ -12,26 +12,26 @@
 
 namespace quorbel {
 
-/// The content of the settings file, in the order in which it is written. The first three fields
-/// are always there; the others only with a value.
+/// The content of the settings file, in its order. The file always has the first three fields; it
+/// has the others only with a value.
 struct Persisted {
     std::vector<EQBand> bands;
     SpatialConfig spatial;
-    std::vector<Preset> presets; ///< the whole list, the program's own included
+    std::vector<Preset> presets; ///< all presets, including the factory presets
     std::optional<Uuid> activePresetID;
     std::optional<MixerConfig> mixer;
     std::optional<std::string>
-        activePresetName; ///< identifies the active preset when its id is gone
+        activePresetName; ///< identifies the active preset if its id is unknown
     std::optional<float> eqGlobalGainDB;
     std::optional<std::string> outputDeviceUID;
 
     friend bool operator==(const Persisted &, const Persisted &) = default;
 };
 
-/// The user's choice of output while the settings file names another device as the one in use.
+/// The user's chosen output while the settings file names another device in use.
 struct OutputChoice {
-    std::optional<std::string> outputDeviceUID; ///< none: nothing chosen, the default will do
-    std::vector<std::string> standIns;          ///< uids in the settings file that are no choice
+    std::optional<std::string> outputDeviceUID; ///< none: the default output
+    std::vector<std::string> standIns;          ///< uids in the settings file that the user did not choose
 
     friend bool operator==(const OutputChoice &, const OutputChoice &) = default;
 };

@@ -5,7 +5,7 @@
 
 namespace quorbel {
 
-/// The filter that the equaliser plays for a band of this type.
+/// Maps a band's type to the equaliser's filter.
 [[nodiscard]] inline EqualizerFilterType playedFilterType(EQBand::FilterType type) {
     switch (type) {
     case EQBand::FilterType::parametric:

@@ -12,7 +12,7 @@
 
 namespace quorbel {
 
-/// A moment, to the precision of a double.
+/// A point in time.
 struct Date {
     double secondsSince2001 = 0.0; ///< since 1 January 2001 00:00 UTC, as the settings file counts
 
@@ -29,14 +29,14 @@ struct Date {
 
 /// A named snapshot of the bands and the spatial settings.
 struct Preset {
-    /// The purpose of a preset, in the order of the groups in lists.
+    /// Groups of presets, in the order of lists.
     enum class Category { general, mr5, mr5Desk, bass, headphones, btSpeakers, genre, user };
 
     static constexpr std::array allCategories{
         Category::general,    Category::mr5,        Category::mr5Desk, Category::bass,
         Category::headphones, Category::btSpeakers, Category::genre,   Category::user};
 
-    Uuid id{}; ///< random for the user's presets, fixed for those that ship with the program
+    Uuid id{}; ///< random for the user's presets, fixed for factory presets
     std::string name{};
     Category category = Category::user;
     Date createdAt{};
@@ -47,7 +47,7 @@ struct Preset {
     friend bool operator==(const Preset &, const Preset &) = default;
 };
 
-/// The name that lists show for a group.
+/// The display name of a group.
 [[nodiscard]] inline std::string_view displayName(Preset::Category category) {
     using enum Preset::Category;
     switch (category) {

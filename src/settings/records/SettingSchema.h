@@ -6,36 +6,35 @@
 #include <string_view>
 #include <variant>
 
-// One row per setting of the two records. The row drives the JSON form, the window's model and the
-// control: a new setting is a field, a row and its place on a screen. Defaults are the fields' own
-// initial values.
+// One row per setting of the two records drives the JSON form, the window's model and the control.
+// A new setting needs a field, a row and a place on a screen. Defaults are the fields' initial
+// values.
 
 namespace quorbel {
 
 /// Presence of a key in a file. A missing optional key leaves the default.
 enum class Presence { required, optional };
 
-/// How a number is written for the user.
+/// Display unit of a number.
 enum class SettingUnit {
     none,
     percent,
     hertz,
     decibels,
-    gain, ///< decibels with their sign
+    gain, ///< signed decibels
     decibelsFullScale,
 };
 
-/// Range, step and unit of a number's control. The records clamp nothing, so a value may lie
-/// outside the range.
+/// Range, step and unit of a number's control. Records do not clamp, so values may be out of range.
 struct SettingScale {
     float from = 0.0F;
     float to = 1.0F;
     float step = 1.0F;
     SettingUnit unit = SettingUnit::none;
-    float neutral = from; ///< where a slider's lit run begins
+    float neutral = from; ///< start of a slider's highlighted part
 };
 
-/// Field of a record that holds a setting, by the field's type.
+/// Pointer to a setting's field in its record, by the field's type.
 template <class Record> struct SettingField {
     using Type = std::variant<bool Record::*, float Record::*>;
 };
@@ -49,14 +48,14 @@ template <class Record> struct Setting {
     typename SettingField<Record>::Type field;
     Presence presence{};
     std::string_view label;      ///< caption of its control
-    std::string_view stage = {}; ///< the stage it belongs to; empty for the switch of a stage
-    SettingScale scale = {};     ///< of numbers
+    std::string_view stage = {}; ///< caption of its stage; empty for the switch of a stage
+    SettingScale scale = {};     ///< for numbers
 };
 
 // clang-format off
 /// In the order of the settings file.
 inline constexpr Setting<MixerConfig> mixerSettings[] = {
-    // The three of tempo and pitch are kept for the file's sake; no stage and no screen has them.
+    // The three of tempo and pitch are kept for the settings file; no stage or screen uses them.
     {"tempoChainEnabled", &MixerConfig::tempoChainEnabled, Presence::optional, "Tempo"},
     {"tempoRate", &MixerConfig::tempoRate, Presence::optional, "Tempo rate"},
     {"pitchSemitones", &MixerConfig::pitchSemitones, Presence::optional, "Pitch"},

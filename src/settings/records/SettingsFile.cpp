@@ -12,7 +12,7 @@ namespace quorbel {
 
 namespace {
 
-// A preset takes about 2 KiB, so this is some 30000 of them.
+// Room for some 30000 presets of about 2 KiB.
 constexpr std::size_t maximumBytes = std::size_t{64} << 20U;
 
 } // namespace

@@ -5,10 +5,10 @@
 
 namespace quorbel {
 
-/// The settings of width, crosstalk shuffling, reverb, bass, voice and tone: the part of a preset
-/// beside the bands. Fields are in the order of the settings file.
+/// Settings of width, crosstalk shuffling, reverb, bass, voice and tone; with the bands they make
+/// up a preset. Fields are in the order of the settings file.
 struct SpatialConfig {
-    /// The room models of the reverb, in the order in which pickers list them.
+    /// Room models of the reverb, in the order of pickers.
     enum class ReverbPreset {
         smallRoom,
         mediumRoom,
@@ -54,7 +54,7 @@ struct SpatialConfig {
     friend bool operator==(const SpatialConfig &, const SpatialConfig &) = default;
 };
 
-/// The name that pickers show.
+/// The display name.
 [[nodiscard]] inline std::string_view title(SpatialConfig::ReverbPreset preset) {
     using enum SpatialConfig::ReverbPreset;
     switch (preset) {

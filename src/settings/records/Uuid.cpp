@@ -34,8 +34,7 @@ Uuid Uuid::random() {
     return result;
 }
 
-// QUuid's own reader also takes braces and accepts text after the last digit; a settings file may
-// hold neither.
+// QUuid's reader accepts braces and trailing text, which a settings file must not contain.
 std::optional<Uuid> Uuid::fromText(std::string_view text) {
     if (text.size() != textLength)
         return std::nullopt;

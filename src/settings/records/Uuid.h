@@ -8,18 +8,18 @@
 
 namespace quorbel {
 
-/// The identity of a band or preset: 128 bits, compared as a whole. By default all zeroes.
+/// The 128-bit identity of a band or preset; all zeros by default.
 class Uuid {
   public:
     constexpr Uuid() = default;
-    /// The bytes in the order in which the text shows them.
+    /// Takes the bytes in the order of the text.
     explicit constexpr Uuid(const std::array<std::uint8_t, 16> &bytes) : bytes_(bytes) {}
 
-    /// A new random one (version 4).
+    /// Makes a random UUID (version 4).
     [[nodiscard]] static Uuid random();
 
-    /// Reads the canonical text, eight-four-four-four-twelve hexadecimal digits in either case;
-    /// nothing for any other text.
+    /// Reads the canonical text, 8-4-4-4-12 hexadecimal digits in either case; returns none for any
+    /// other text.
     [[nodiscard]] static std::optional<Uuid> fromText(std::string_view text);
 
     /// The canonical text, in upper case.

@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// A value that cannot be read from or written to JSON. `what()` is one printable line: the path of
-/// the value, such as `presets[3].bands[0].filterType`, and the problem.
+/// Failure to read or write a value as JSON. `what()` is one printable line: the path of the value,
+/// such as `presets[3].bands[0].filterType`, and the problem.
 class CodingError : public std::runtime_error {
   public:
     /// An empty path means the document as a whole.

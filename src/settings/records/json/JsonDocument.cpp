@@ -19,8 +19,8 @@ using nlohmann::json;
 constexpr std::size_t maximumDepth = 512;
 constexpr std::size_t maximumPlainKey = 40;
 
-/// Builds the document from the reader's events and knows the path of the value that is being read.
-/// The library's own builder has neither a depth limit nor paths in its errors.
+/// Builds the document from the parser's events and tracks the current value's path. The library's
+/// own builder has neither a depth limit nor paths in its errors.
 class DocumentBuilder final : public nlohmann::json_sax<json> {
   public:
     explicit DocumentBuilder(std::string_view text) : text_(text) {}
@@ -59,7 +59,7 @@ class DocumentBuilder final : public nlohmann::json_sax<json> {
   private:
     struct Container {
         json *value;
-        std::string key; ///< of the member that is being read, in an object
+        std::string key; ///< the current member's key, in an object
     };
 
     json *add(json value) {
@@ -88,8 +88,7 @@ class DocumentBuilder final : public nlohmann::json_sax<json> {
         return true;
     }
 
-    /// Path of the value that is being read: in an array, the element after the last one, unless
-    /// that is open itself.
+    /// Path of the current value: in an array the next element, or the last if it is still open.
     [[nodiscard]] std::string path() const {
         std::string result;
         for (const Container &container : open_) {
@@ -114,13 +113,12 @@ class DocumentBuilder final : public nlohmann::json_sax<json> {
     [[nodiscard]] std::string place(std::size_t position) const {
         const std::string_view before = text_.substr(0, position == 0 ? 0 : position - 1);
         const auto line = 1 + std::count(before.begin(), before.end(), '\n');
-        const std::size_t lineStart = before.rfind('\n') + 1; // 0 where there is none
+        const std::size_t lineStart = before.rfind('\n') + 1; // 0 without a line break
         return "line " + std::to_string(line) + ", column " +
                std::to_string(before.size() - lineStart + 1);
     }
 
-    /// The library's text without its prefix and without the text that it read last, which may be
-    /// long and unprintable.
+    /// The library's text without its prefix and its excerpt, which may be long and unprintable.
     static std::string reason(const nlohmann::detail::exception &error) {
         std::string_view words = error.what();
         if (words.find("number overflow") != std::string_view::npos)
@@ -144,7 +142,7 @@ json parseJson(std::string_view text) {
         throw DecodingError("", "empty, holds no JSON");
     DocumentBuilder builder(text);
     json::sax_parse(text, &builder);
-    // The library takes a zero byte for the end of the text.
+    // The library treats a zero byte as the end of the text.
     if (const auto zero = text.find('\0'); zero != std::string_view::npos)
         builder.fail(zero, "zero byte");
     return builder.take();

@@ -7,13 +7,12 @@
 
 namespace quorbel {
 
-/// Reads a JSON document. Of equal keys in an object the later value counts, as with most readers.
-/// Nesting costs memory, not stack, and ends at 512 levels. Throws DecodingError, with line and
-/// column, for a text that is not JSON: unfinished, empty, not UTF-8, `NaN`, a number beyond 64
-/// bits, a zero byte.
+/// Reads a JSON document. The last of duplicate keys counts, as with most readers. Nesting uses
+/// memory, not stack, and is limited to 512 levels. Throws DecodingError with line and column for
+/// invalid JSON: unfinished, empty, not UTF-8, `NaN`, a number beyond 64 bits, a zero byte.
 [[nodiscard]] nlohmann::json parseJson(std::string_view text);
 
-/// A value as an error text shows it: on one line, printable, shortened.
+/// A value for an error text: one printable line, shortened.
 [[nodiscard]] std::string excerpt(const nlohmann::json &value);
 
 } // namespace quorbel

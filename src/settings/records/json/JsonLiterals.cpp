@@ -28,7 +28,7 @@ template <class Number> void appendShortest(std::string &text, Number value) {
 } // namespace
 
 std::string quotedText(std::string_view text) {
-    // Escaped to plain ASCII, then cut: a cut inside an escape is ugly but printable.
+    // Escapes to plain ASCII before cutting: a cut escape is ugly but printable.
     std::string literal =
         json(text.substr(0, 4 * maximumQuoted)).dump(-1, ' ', true, json::error_handler_t::replace);
     if (literal.size() <= maximumQuoted + 2 && text.size() <= 4 * maximumQuoted)
@@ -36,8 +36,8 @@ std::string quotedText(std::string_view text) {
     return literal.substr(0, maximumQuoted) + "…\"";
 }
 
-// The library's writer prints about 3 of 1000 such values with all 17 digits (-3.7487066000000002).
-// The standard library guarantees the shortest form.
+// The JSON library prints about 3 of 1000 values with all 17 digits (-3.7487066000000002);
+// std::to_chars guarantees the shortest form.
 void appendNumber(std::string &text, float value) { appendShortest(text, value); }
 void appendNumber(std::string &text, double value) { appendShortest(text, value); }
 

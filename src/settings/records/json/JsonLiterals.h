@@ -5,16 +5,14 @@
 
 namespace quorbel {
 
-/// Appends the shortest decimal that reads back as the same 32-bit or 64-bit value; `value` is
-/// finite.
+/// Appends the shortest decimal that reads back as the same value; `value` is finite.
 void appendNumber(std::string &json, float value);
 void appendNumber(std::string &json, double value);
 
-/// Appends a string literal. Returns false, with nothing appended, for text that is not UTF-8.
+/// Appends a string literal. Returns false and appends nothing if `text` is not UTF-8.
 [[nodiscard]] bool appendString(std::string &json, std::string_view text);
 
-/// A string as an error text shows it: in quotation marks, on one line, printable, shortened to
-/// about forty characters.
+/// A quoted string for an error text: one printable line, shortened to about forty characters.
 [[nodiscard]] std::string quotedText(std::string_view text);
 
 } // namespace quorbel

@@ -13,8 +13,8 @@
 #include <type_traits>
 #include <vector>
 
-// One `decode` for every kind of value that a record may hold. Strict: a value of the wrong kind is
-// an error, never replaced; unknown keys are passed over.
+// One `decode` per type of value in a record. A value of the wrong type is an error, never replaced
+// by a default; unknown keys are ignored.
 
 namespace quorbel {
 

@@ -10,8 +10,8 @@
 #include <type_traits>
 #include <vector>
 
-// One `encode` for every kind of value that a record may hold, each appending compact JSON. Records
-// leave with all their keys in the order of their table; an optional without a value is left out.
+// One `encode` per type of value in a record; appends compact JSON. Writes all keys in the order of
+// the record's table, except optionals without a value.
 
 namespace quorbel {
 

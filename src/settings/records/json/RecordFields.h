@@ -13,14 +13,12 @@
 #include <utility>
 #include <variant>
 
-// The form of every record in JSON, as tables that the reader and the writer both walk: the keys in
-// the order in which they are written, and whether a file must have them. An optional key that is
-// missing leaves the value of a default-made record.
+// Tables of every record's JSON form, shared by reader and writer: the keys in the file's order, and
+// whether a file must have them. A missing optional key leaves the default value.
 
 namespace quorbel {
 
-/// Path of the value that is being coded: a chain on the stack of the calls, which becomes text
-/// only for an error.
+/// Path of the current value: a linked list on the call stack, converted to text only for an error.
 class CodingPath {
   public:
     CodingPath() = default;
@@ -28,7 +26,7 @@ class CodingPath {
     [[nodiscard]] CodingPath key(std::string_view key) const { return {this, key, 0}; }
     [[nodiscard]] CodingPath index(std::size_t index) const { return {this, {}, index}; }
 
-    /// As in `presets[3].bands[0].filterType`; empty at the top.
+    /// For example `presets[3].bands[0].filterType`; empty at the top.
     [[nodiscard]] std::string text() const {
         std::string result = parent_ == nullptr ? std::string() : parent_->text();
         append(result);
@@ -82,7 +80,7 @@ constexpr void visitMember(const Setting<Record> &setting, const auto &use) {
 /// Specialised below for every record: `all`, a tuple or an array of fields.
 template <class Record> struct RecordFields;
 
-/// Specialised below for every enumeration: `kind`, as error texts call it, and `all`, its values
+/// Specialised below for every enumeration: `kind`, its name in error texts, and `all`, its values
 /// with their JSON strings.
 template <class Enumeration> struct EnumerationNames;
 

@@ -32,7 +32,7 @@ template <class Value>
 concept IsRecord = requires {
     RecordFields<Value>::all;
 };
-/// Text in JSON.
+/// A string in JSON.
 template <class Value>
 concept IsText =
     std::is_same_v<Value, std::string> || std::is_same_v<Value, Uuid> || std::is_enum_v<Value>;
@@ -71,7 +71,7 @@ template <class Value> std::vector<std::string_view> keysOf() {
                                 (parent.empty() ? "" : " in " + parent) + "; there " + whatIsThere);
 }
 
-/// Calls `use` with the value that the steps lead to, and its path.
+/// Calls `use` with the value at the end of the steps, and its path.
 template <class Value>
 void visitAt(Value &value, const CodingPath &at, Steps steps, const auto &use) {
     if constexpr (isOptional<Value>) {
@@ -113,7 +113,7 @@ template <class Value> SettingValue shown(const Value &value, const CodingPath &
     } else {
         std::string text;
         encode(text, at, value);
-        // Numbers pass through their shortest decimal: -0.3 rather than -0.30000001192.
+        // Converts numbers through their shortest decimal: -0.3 rather than -0.30000001192.
         if constexpr (std::is_same_v<Value, float> || std::is_same_v<Value, Date>)
             return json::parse(text).template get<double>();
         else if constexpr (IsText<Value>)
@@ -123,7 +123,7 @@ template <class Value> SettingValue shown(const Value &value, const CodingPath &
     }
 }
 
-/// Returns the form of `value` in a file, for a setting of the type `Target`.
+/// Converts `value` to JSON for a setting of the type `Target`.
 template <class Target> json asJson(const SettingValue &value, const CodingPath &at) {
     if (const auto *number = std::get_if<double>(&value)) {
         if (!std::isfinite(*number))
@@ -144,14 +144,14 @@ template <class Target> json asJson(const SettingValue &value, const CodingPath 
             if constexpr (IsRecord<Target> || isList<Target>)
                 throw DecodingError(at.text(), error.what());
             else
-                return text; // decoding says what was expected instead
+                return text; // the decoder reports the expected type
         }
     }
 }
 
 void requireRange(const std::string &path, float before, float after, double from, double to) {
     const auto value = static_cast<double>(after);
-    // The ends of the range are 32-bit values, too.
+    // The limits are rounded to 32 bits like the value.
     if (after == before || (value >= static_cast<double>(static_cast<float>(from)) &&
                             value <= static_cast<double>(static_cast<float>(to))))
         return;
@@ -198,7 +198,7 @@ void requireRanges(const Persisted &before, const Persisted &after) {
 } // namespace
 
 SettingValue settingAt(const Persisted &settings, std::string_view path) {
-    Persisted copy = settings; // in which missing values may appear
+    Persisted copy = settings; // `visitAt` adds missing values
     SettingValue result;
     visitAt(copy, CodingPath(), stepsOf(path),
             [&](const auto &value, const CodingPath &at) { result = shown(value, at); });

@@ -11,15 +11,13 @@
 
 namespace quorbel {
 
-/// Reads a record from its JSON text. A missing optional key (or one that is null) takes its
-/// default, keys that the record does not have are passed over; anything else that does not fit
-/// throws DecodingError. Made for EQBand, MixerConfig, SpatialConfig, Preset, Persisted,
-/// OutputChoice, OutputProfile, ProgramRule.
+/// Reads a record from its JSON text. A missing or null optional key takes its default, unknown
+/// keys are ignored; any other mismatch throws DecodingError. Instantiated for the records below.
 template <class Record> [[nodiscard]] Record decodeRecord(std::string_view json);
 
 /// Writes a record, or a list of presets, as compact JSON: keys in the order of the fields, floats
-/// as the shortest decimal that reads back as the same value. Throws EncodingError for a value that
-/// JSON cannot hold (not finite, not UTF-8).
+/// as the shortest decimal that reads back as the same value. Throws EncodingError for a value
+/// that is not finite or not UTF-8.
 template <class Record> [[nodiscard]] std::string encodeRecord(const Record &record);
 
 extern template OutputChoice decodeRecord<OutputChoice>(std::string_view);
