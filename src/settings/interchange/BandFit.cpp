@@ -17,11 +17,11 @@ namespace {
 
 using Curve = std::vector<double>;
 
-// 32 points per octave: three within the narrowest band that is played.
+// 32 points per octave: three within the narrowest played band.
 constexpr std::size_t gridPoints = 320;
 constexpr std::size_t mostAtStart = 32;
 constexpr double floorDB = -60.0;
-constexpr int stepsBetween = 12; // after each band that is taken away
+constexpr int stepsBetween = 12; // after each removed band
 constexpr int stepsAtEnd = 200;
 
 const Curve &grid() {
@@ -56,7 +56,7 @@ double costOf(const Curve &response, const Curve &target) {
 
 bool isPass(const EQBand &band) { return !hasGain(playedFilterType(band.filterType)); }
 
-/// Bands while they are moved: three unknowns each, ln f, gain in dB and ln Q, kept in range.
+/// Bands during the fit, each with three bounded unknowns: ln f, gain in dB and ln Q.
 class MovingBands {
   public:
     static constexpr std::size_t unknownsPerBand = 3;
@@ -66,7 +66,7 @@ class MovingBands {
         double largest = 0.0;
         for (const EQBand &band : bands_)
             largest = std::max(largest, std::abs(static_cast<double>(band.gainDB)));
-        // Bounded, so that two bands do not become a large boost and cut that cancel each other.
+        // The limit prevents a large boost and a large cut that cancel each other.
         largestGainDB_ = std::clamp(largest, 12.0, 24.0);
         for (const EQBand &band : bands_)
             curves_.push_back(responseOf(band));
@@ -84,7 +84,7 @@ class MovingBands {
         }
     }
 
-    /// Removes the band whose loss leaves the smallest error without further fitting.
+    /// Removes the band whose removal leaves the smallest error before refitting.
     void dropTheLeastMissed() {
         const Curve whole = sum();
         std::size_t least = 0;
@@ -128,7 +128,7 @@ class MovingBands {
         return result;
     }
 
-    /// d response / d unknown at every point, by a small step.
+    /// Partial derivatives of the response at every point by each unknown, as finite differences.
     [[nodiscard]] std::vector<Curve> slopes() const {
         constexpr double step = 1e-3;
         std::vector<Curve> result;
@@ -164,7 +164,7 @@ class MovingBands {
         std::vector<Curve> normal(n, Curve(n));
         Curve gradient(n);
         Curve difference(gridPoints);
-        Curve counted(gridPoints); // 0 where the response is below the floor
+        Curve counted(gridPoints); // 0 at points below the floor, else 1
         for (std::size_t point = 0; point < gridPoints; ++point) {
             difference[point] = differenceAt(response[point], target_[point]);
             counted[point] = response[point] > floorDB ? 1.0 : 0.0;
@@ -188,7 +188,7 @@ class MovingBands {
             }
             std::swap(curves_, nextCurves);
             const double nextCost = costOf(sum(), target_);
-            if (!(nextCost < cost)) { // true for NaN, too
+            if (!(nextCost < cost)) { // also rejects NaN
                 std::swap(curves_, nextCurves);
                 return false;
             }
@@ -202,7 +202,7 @@ class MovingBands {
 
     std::vector<EQBand> bands_;
     Curve target_;
-    std::vector<Curve> curves_; ///< of each band
+    std::vector<Curve> curves_; ///< response of each band
     double largestGainDB_ = 24.0;
 };
 

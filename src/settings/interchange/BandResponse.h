@@ -8,23 +8,22 @@
 
 namespace quorbel {
 
-/// The highest frequency a band is played at, in Hz, at the chain's rate.
+/// Highest played frequency of a band in Hz, at the chain's rate.
 inline constexpr double playedTopFrequencyHz = maximumBandFrequencyRatio * chainSampleRate;
-/// The range of Q that is played; beyond it the nearer end is.
+/// The played range of Q; values beyond it are clamped.
 [[nodiscard]] double lowestPlayedQ();
 [[nodiscard]] double highestPlayedQ();
 
-/// Frequencies in Hz of `pointCount` (2 or more) points from 20 Hz to 20 kHz in equal ratios: of
-/// one point, and of all.
+/// Frequencies in Hz of one or all of `pointCount` (2 or more) points, spaced logarithmically from
+/// 20 Hz to 20 kHz.
 [[nodiscard]] double audibleFrequency(std::size_t point, std::size_t pointCount);
 [[nodiscard]] std::vector<double> audibleFrequencies(std::size_t pointCount);
 
-/// A ratio of powers in dB, not below -200.
+/// A power ratio in dB, -200 or more.
 [[nodiscard]] double decibelsOfPower(double power);
 
-/// Adds to `sumDB` the gain of one band in dB at each frequency in Hz, as the equaliser plays it:
-/// that of the band's analog prototype, which the equaliser follows to 0.25 dB up to 20 kHz. A
-/// bypassed band has 0. Both lists have one length.
+/// Adds one band's gain in dB at each frequency in Hz to `sumDB`, a list of the same length; 0 for
+/// a bypassed band. Uses the analog prototype, which the equaliser follows to 0.25 dB up to 20 kHz.
 void addBandResponseDB(const EQBand &band, const std::vector<double> &frequenciesHz,
                        std::vector<double> &sumDB);
 

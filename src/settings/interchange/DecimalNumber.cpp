@@ -24,7 +24,7 @@ std::optional<float> plainValue(std::string_view text) {
     return value;
 }
 
-/// `number` with its marks taken for thousands, except the one at `decimalAt` (npos: none).
+/// The value of `number` with the decimal mark at `decimalAt` (npos: none); ignores other marks.
 std::optional<float> valueWith(std::string_view number, std::size_t decimalAt) {
     std::string plain;
     for (std::size_t i = 0; i < number.size(); ++i) {
@@ -40,14 +40,14 @@ DecimalMark markOf(char character) {
     return character == ',' ? DecimalMark::comma : DecimalMark::point;
 }
 
-/// The marks of a number.
+/// Decimal and grouping marks of a number.
 struct Marks {
     std::size_t count = 0;
     std::size_t last = std::string_view::npos;
     bool oneKind = true;
     bool lastKindOnce = true;
-    bool groupedWhole = true;   ///< every mark has three digits behind it, the first up to three
-                                ///< before it, and the number does not begin with 0
+    bool groupedWhole = true;   ///< three digits follow every mark, one to three precede the first,
+                                ///< and the number does not start with 0
     bool groupedButLast = true; ///< the same without the last mark
 
     explicit Marks(std::string_view number) {

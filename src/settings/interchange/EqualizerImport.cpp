@@ -22,7 +22,7 @@ bool isFlat(const EQBand &band) {
 
 bool isActive(const EQBand &band) { return !band.bypassed && !isFlat(band); }
 
-/// Of more than ten bands leaves out the ones without effect, from the last on.
+/// Drops bands without effect, last first, while there are more than ten bands.
 void dropInactive(std::vector<TextBand> &bands, std::vector<LineNote> &skipped) {
     for (std::size_t i = bands.size(); i-- > 0 && bands.size() > equalizerBandCount;) {
         if (isActive(bands[i].band))

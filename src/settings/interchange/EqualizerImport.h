@@ -12,34 +12,32 @@
 
 namespace quorbel {
 
-/// Number of bands that the equaliser plays.
+/// Number of bands of the equaliser.
 inline constexpr std::size_t equalizerBandCount = 10;
 
-/// Appends flat peaks until there are ten bands, because a shorter list would leave bands of the
-/// previous settings active. Their frequencies are the octaves farthest from the existing bands,
-/// where the user can use them best.
+/// Appends flat peaks up to ten bands: a shorter list would leave bands of the previous settings
+/// active. Places them at the octaves farthest from the existing bands, where they are most useful.
 void fillWithFlatBands(std::vector<EQBand> &bands);
 
-/// A parametric equaliser text as a preset of the user's.
+/// A user preset from a parametric equaliser text.
 struct EqualizerImport {
-    /// Exactly ten bands in the order of their frequencies. A shorter list would leave bands of the
-    /// previous preset active, so missing bands are flat. Every other setting is at its default,
-    /// which is off.
+    /// Exactly ten bands in the order of their frequencies; `fillWithFlatBands` adds missing ones.
+    /// All other settings have their defaults, which are off.
     Preset preset;
 
-    /// The preamp; none where the text has none. The preset's record has no place for it.
+    /// The preamp, which a preset cannot hold; none if the text has none.
     std::optional<float> gainDB;
 
-    std::size_t takenFilters = 0;     ///< of the text, OFF and flat ones included
-    std::optional<ResponseError> fit; ///< where more than ten were taken
+    std::size_t takenFilters = 0;     ///< accepted filters, including OFF and flat ones
+    std::optional<ResponseError> fit; ///< only with more than ten accepted filters
     std::vector<LineNote> skipped;    ///< lines without effect on the preset, by line
     std::vector<LineNote> limited;    ///< values beyond what the equaliser plays, by line
 };
 
 /// Reads a parametric equaliser text (see readEqualizerText). Up to ten filters become bands with
-/// the exact values of the text. Of more, filters without effect are left out first; if that is not
-/// enough, all active ones are fitted onto ten. `name` is trimmed of blanks. Throws
-/// InterchangeError, also for an empty name.
+/// the exact values of the text. Drops filters without effect if there are more, then fits the
+/// active ones to ten bands if needed. Trims `name`. Throws InterchangeError, also for an empty
+/// name.
 [[nodiscard]] EqualizerImport importEqualizerText(std::string_view bytes, std::string_view name);
 
 } // namespace quorbel

@@ -26,7 +26,7 @@ std::string capitals(std::string_view text) {
     return result;
 }
 
-/// Typographic blanks and minus signs become the plain ones.
+/// Replaces typographic blanks and minus signs with plain ones.
 std::string plainTypography(std::string_view line) {
     static constexpr std::array<std::pair<std::string_view, char>, 6> replacements{{
         {"\u00A0", ' '}, // no-break
@@ -34,7 +34,7 @@ std::string plainTypography(std::string_view line) {
         {"\u202F", ' '}, // narrow no-break
         {"\u2212", '-'}, // minus
         {"\u2013", '-'}, // en dash
-        {"\uFEFF", ' '}, // a byte order mark where files were joined
+        {"\uFEFF", ' '}, // byte order mark between joined files
     }};
     std::string plain;
     while (!line.empty()) {
@@ -52,13 +52,13 @@ struct Token {
     std::string_view text;
 };
 
-/// The end of the number that begins at `at`, or `at`.
+/// The end of the number at `at`; `at` if there is none.
 std::size_t numberEnd(std::string_view text, std::size_t at) {
     const auto digitAt = [&](std::size_t i) { return i < text.size() && isDigit(text[i]); };
     std::size_t end = at + (isSign(text[at]) ? 1 : 0);
     if (!digitAt(end) && !(end < text.size() && isMark(text[end]) && digitAt(end + 1)))
         return at;
-    // A mark belongs to the number only with a digit behind it.
+    // A mark belongs to the number only if a digit follows.
     while (digitAt(end) || (end < text.size() && isMark(text[end]) && digitAt(end + 1)))
         ++end;
     if (end < text.size() && (text[end] == 'e' || text[end] == 'E')) {
@@ -123,7 +123,7 @@ class Reader {
         return std::string(tokens_[next_++].text);
     }
 
-    /// A number whose thousands may be set off by blanks: "1 000".
+    /// Takes a number with optional blanks between thousands: "1 000".
     std::string takeBlankGrouped(const std::string &of) {
         const auto allDigits = [](std::string_view text) {
             return std::all_of(text.begin(), text.end(), isDigit);

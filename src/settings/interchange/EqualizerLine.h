@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-// One line of an equaliser text, taken apart. Numbers stay texts: their decimal mark follows from
-// the whole file.
+// Syntax of one line of an equaliser text. Numbers stay strings, because their decimal mark depends
+// on the whole file.
 
 /// "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70"
 struct FilterLine {
@@ -19,7 +19,7 @@ struct FilterLine {
     bool kilohertz = false;
     std::optional<std::string> gain;
     std::optional<std::string> q;
-    std::optional<std::string> octaves; ///< "BW Oct 0.5", in the place of Q
+    std::optional<std::string> octaves; ///< "BW Oct 0.5", in place of Q
 };
 
 /// "Preamp: -6.2 dB"
@@ -27,7 +27,7 @@ struct PreampLine {
     std::string gain;
 };
 
-/// "Channel: L": the lines behind it are for these channels only.
+/// "Channel: L" limits the following lines to these channels.
 struct ChannelLine {
     bool everything = true; ///< all channels, or both sides
 };
@@ -40,7 +40,7 @@ struct RefusedLine {
 
 using EqualizerLine = std::variant<EmptyLine, FilterLine, PreampLine, ChannelLine, RefusedLine>;
 
-/// `line` is UTF-8 without its line break. Letters of either case, any blanks.
+/// `line` is UTF-8 without its line break; case and kind of blanks do not matter.
 [[nodiscard]] EqualizerLine parseEqualizerLine(std::string_view line);
 
 } // namespace quorbel

@@ -37,7 +37,7 @@ constexpr std::array<std::pair<std::string_view, FilterType>, 9> filterTypes{{
 
 constexpr float largestPreampDB = 1000.0F;
 
-/// The nearest 32-bit value, if there is a finite one above 0.
+/// The nearest 32-bit value; none unless it is finite, normal and above 0.
 std::optional<float> positive(double value) {
     if (!(value >= static_cast<double>(std::numeric_limits<float>::min())) ||
         value > static_cast<double>(std::numeric_limits<float>::max()))
@@ -67,7 +67,7 @@ std::vector<NumberedLine> linesOf(std::string_view text) {
     return lines;
 }
 
-/// The decimal mark that most numbers of the file show.
+/// The decimal mark of most numbers in the file.
 DecimalMark fileMarkOf(const std::vector<NumberedLine> &lines) {
     std::size_t points = 0;
     std::size_t commas = 0;
@@ -249,7 +249,7 @@ class TextReader {
     EqualizerText result_;
     std::size_t line_ = 0;
     double preampDB_ = 0.0;
-    std::size_t preampLine_ = 0; ///< the last one; 0: none
+    std::size_t preampLine_ = 0; ///< last preamp line; 0 for none
     bool everyChannel_ = true;
 };
 

@@ -10,7 +10,7 @@ namespace {
 
 using FilterType = EQBand::FilterType;
 
-constexpr float lowestFrequency = 1.0F; // the equaliser plays lower ones as this
+constexpr float lowestFrequency = 1.0F; // the equaliser clamps lower ones to this
 constexpr float lowestQ = 0.1F;
 
 const char *typeOf(FilterType type) {

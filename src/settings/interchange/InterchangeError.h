@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// A text that cannot be taken as a whole, or settings that the format cannot hold. `what()` is one
-/// printable line: "line 3: " and the reason.
+/// An unusable text, or settings that the format cannot hold. `what()` is one printable line:
+/// "line 3: " and the reason.
 class InterchangeError : public std::runtime_error {
   public:
     /// Line 0 means the text as a whole.
@@ -24,8 +24,8 @@ class InterchangeError : public std::runtime_error {
     std::string reason_;
 };
 
-/// A note for the user about one line of a text: why it was skipped, or which value is played
-/// otherwise than written.
+/// A note for the user about one line of a text: the reason for skipping it, or a value beyond the
+/// equaliser's range.
 struct LineNote {
     std::size_t line = 0; ///< from 1
     std::string reason;   ///< one printable line

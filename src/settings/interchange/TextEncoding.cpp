@@ -10,8 +10,8 @@ namespace quorbel {
 
 namespace {
 
-// Windows-1252 is ISO 8859-1 but for 0x80 to 0x9F. The five unassigned bytes stay control
-// characters, as browsers have it (WHATWG Encoding, index windows-1252).
+// Windows-1252 differs from ISO 8859-1 only in 0x80 to 0x9F. The five unassigned bytes stay control
+// characters, as in browsers (WHATWG Encoding, index windows-1252).
 constexpr std::array<char16_t, 32> windows1252High{
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,

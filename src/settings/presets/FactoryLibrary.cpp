@@ -6,7 +6,7 @@ namespace quorbel {
 
 namespace {
 
-/// A SpatialConfig that starts from the defaults; each named stage is switched on.
+/// Builds a SpatialConfig from the defaults; each call switches its stage on.
 class Spatial {
   public:
     Spatial &widener(float percent) {

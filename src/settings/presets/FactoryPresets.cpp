@@ -31,7 +31,7 @@ Uuid stableFactoryID(std::string_view key) {
     std::array<std::uint8_t, 16> bytes{};
     std::copy_n(digest.begin(), bytes.size(), bytes.begin());
     bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0FU) | 0x50U); // version 5
-    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3FU) | 0x80U); // the standard variant
+    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3FU) | 0x80U); // standard variant
     return Uuid(bytes);
 }
 

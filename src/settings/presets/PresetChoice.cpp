@@ -6,7 +6,7 @@ namespace quorbel {
 
 namespace {
 
-/// Returns a name as typed on a plain keyboard, in small letters.
+/// Converts a name to lower case and its em dashes to hyphens.
 std::string asTyped(std::string_view name) {
     constexpr std::string_view emDash = "—";
     std::string typed;

@@ -7,13 +7,13 @@
 
 namespace quorbel {
 
-/// The presets in the order in which pickers offer them: the favourites, the user's own, then the
-/// library. Within each of the three their order stays.
+/// Sorts the presets for pickers: favourites, the user's own, then the library, each group in its
+/// given order.
 [[nodiscard]] std::vector<Preset> inPickerOrder(const std::vector<Preset> &presets,
                                                 const std::vector<Uuid> &favourites);
 
-/// The preset of this name, or null. Where no name is equal, capitals and the kind of dash do not
-/// count.
+/// Returns the preset of this name or null: an exact match, else one that ignores case and the kind
+/// of dash.
 [[nodiscard]] const Preset *presetNamed(const std::vector<Preset> &presets, std::string_view name);
 
 } // namespace quorbel

@@ -31,7 +31,7 @@ struct Persisted {
 /// The user's chosen output while the settings file names another device in use.
 struct OutputChoice {
     std::optional<std::string> outputDeviceUID; ///< none: the default output
-    std::vector<std::string> standIns;          ///< uids in the settings file that the user did not choose
+    std::vector<std::string> standIns;          ///< uids in the settings file that were not chosen
 
     friend bool operator==(const OutputChoice &, const OutputChoice &) = default;
 };

@@ -13,8 +13,8 @@
 #include <utility>
 #include <variant>
 
-// Tables of every record's JSON form, shared by reader and writer: the keys in the file's order, and
-// whether a file must have them. A missing optional key leaves the default value.
+// Tables of every record's JSON form, shared by reader and writer: the keys in the file's order,
+// and whether a file must have them. A missing optional key leaves the default value.
 
 namespace quorbel {
 
