@@ -21,31 +21,31 @@
 
 namespace quorbel {
 
-/// The program's one long-lived model object: owns the devices and the engine, keeps the presets,
-/// and the settings file up to date. The live settings themselves are the engine's; this watches
-/// them and writes them half a second after a change. Other programs may write the file too: their
-/// changes are taken before each save, and changes made here win field by field. All calls [main].
+/// The program's single long-lived model object: owns the devices, the engine and the presets, and
+/// keeps the settings file up to date. Watches the engine's live settings and writes them half a
+/// second after a change. Merges other programs' changes of the file before each save; our changes
+/// win field by field. All calls [main].
 class AppState final : public QObject, private ProfileSettings {
     Q_OBJECT
 
   public:
-    /// Takes the settings from the file, if there is one. Never starts processing. Hardware and
-    /// clock must outlive it.
+    /// Loads the settings file if there is one. Never starts processing. Hardware and clock must
+    /// outlive it.
     AppState(AudioHardware &hardware, Clock &clock, std::string settingsPath = userSettingsPath());
     ~AppState() override;
 
     [[nodiscard]] DeviceManager &deviceManager() { return deviceManager_; }
     [[nodiscard]] AudioEngine &engine() { return *engine_; }
 
-    /// The profiles of the outputs. With the engine following them, after a change of them.
+    /// The output profiles; the engine follows an assigned or forgotten one at once.
     [[nodiscard]] const OutputProfiles &profiles() const { return profiles_; }
     void assignProfile(const OutputKey &key, const std::string &label, OutputProfile::Use use,
                        const std::optional<Uuid> &preset = {});
     void forgetProfile(const OutputKey &key);
 
-    /// Which programs are processed.
+    /// The rules about the programs to process.
     [[nodiscard]] const ProgramRules &programRules() const { return programRules_; }
-    /// The hardware follows at once. Written at once; a failure is a warning.
+    /// Applies the rules to the hardware and writes them at once; a failure is a warning.
     void setProgramRules(const ProgramRules &rules);
     [[nodiscard]] const std::string &programRulesPath() const { return rulesFile_.path(); }
     [[nodiscard]] AudioHardware &hardware() { return hardware_; }
@@ -56,38 +56,36 @@ class AppState final : public QObject, private ProfileSettings {
     [[nodiscard]] const std::optional<Uuid> &activePresetID() const { return activePresetID_; }
     /// True if bands and spatial settings are the active preset's own.
     [[nodiscard]] bool isActivePresetUnchanged() const;
-    /// The active preset's name, or "Custom" where bands or spatial settings are no longer its own.
-    /// Changes with those two and with this object's signals.
+    /// The active preset's name, or "Custom" if bands or spatial settings differ from it. Changes
+    /// with these settings and with this object's signals.
     [[nodiscard]] std::string activePresetDisplayName() const;
 
     /// Sets bands, spatial settings and the preset's gain; mixer, global gain and output stay.
     void applyPreset(const Preset &preset);
-    /// The gains that presets bring when they are applied. The gain in use is the equaliser's
-    /// `presetGainDB`, which may be changed without changing the preset.
+    /// The presets' own gains. The current gain is the equaliser's `presetGainDB`; changing it does
+    /// not change the preset.
     [[nodiscard]] const PresetGains &presetGains() const { return gainsFile_.gains; }
-    /// Sets what the preset brings from now on; the gain in use stays. Written with the next save.
+    /// Sets the preset's own gain, not the current one. Written with the next save.
     void setPresetGainDB(const Uuid &preset, float gainDB) { gainsFile_.gains.set(preset, gainDB); }
-    /// Makes the current bands, spatial settings and preset gain a preset of the user's, and that
-    /// the active one. The name (UTF-8) is taken as given. Written at once.
+    /// Saves the current bands, spatial settings and preset gain as a user preset and activates it.
+    /// Takes the name (UTF-8) as given. Written at once.
     void savePreset(const std::string &name);
-    /// Factory presets stay. Written at once.
+    /// Ignores factory presets. Written at once.
     void deletePreset(const Preset &preset);
-    /// Replaces all of the user's own presets with `presets`, in this order; entries of another
-    /// category are left out. Where the active preset is gone, the first one is active. Written at
-    /// once.
+    /// Replaces all user presets with `presets` in this order; ignores other categories. Activates
+    /// the first preset if the active one is gone. Written at once.
     void setUserPresets(std::vector<Preset> presets);
 
-    /// Writes the settings file now. A failure is a warning, and the next change tries again. A
-    /// file that is there but cannot be read is left as it is, and the save fails.
+    /// Writes the settings file now. A failure is a warning, and the next change retries. Fails
+    /// without changing an existing file that cannot be read.
     void persist();
     /// Takes another program's changes of the settings file, the profiles and the rules of
-    /// programs. Text that is no settings record is set aside a second later, with a warning, if it
-    /// is still there: its writer may not have come to the end. Unreadable profiles and rules stay
-    /// as they are, with a warning.
+    /// programs. Sets an invalid settings file aside with a warning if it is still invalid a second
+    /// later, because its writer may be unfinished. Ignores damaged profiles and rules with a
+    /// warning.
     void takeFileChanges();
     [[nodiscard]] const std::string &settingsPath() const { return file_.path(); }
-    /// The last load or save problem; none when the last save succeeded, unless that save had to
-    /// set a file aside.
+    /// The last load or save problem. A successful save clears it unless it set a file aside.
     [[nodiscard]] const std::optional<std::string> &persistWarning() const {
         return persistWarning_;
     }
@@ -96,7 +94,7 @@ class AppState final : public QObject, private ProfileSettings {
     void presetsChanged();
     void programRulesChanged();
     void activePresetIDChanged();
-    void persistWarningChanged(); ///< also where a save fails like the one before
+    void persistWarningChanged(); ///< also for a repeated warning
     /// Another program's changes have turned the presets `before` into `after`.
     void presetsTaken(const std::vector<quorbel::Preset> &before,
                       const std::vector<quorbel::Preset> &after);
@@ -151,22 +149,21 @@ class AppState final : public QObject, private ProfileSettings {
     OutputChoiceFile choiceFile_;
     PresetGainsFile gainsFile_;
     ProgramRulesFile rulesFile_;
-    ProgramRules programRules_; ///< with what could not be written
+    ProgramRules programRules_; ///< including unsaved changes
     std::vector<Preset> presets_;
     std::optional<Uuid> activePresetID_;
     std::optional<std::string> persistWarning_;
-    /// The settings in the file when it was last read or written; differences from them were made
-    /// here.
+    /// The settings in the file at its last read or write; differences from them are our changes.
     Persisted seen_;
-    bool isTaking_ = false; ///< changes come from the file at present
+    bool isTaking_ = false; ///< the current changes come from the file
     Timer unreadableLook_;
 
-    std::array<Timer, 6> pendingSaves_; ///< one for each watched setting
+    std::array<Timer, 6> pendingSaves_; ///< one per watched setting
     DeviceManager deviceManager_;
     OutputProfiles profiles_;
     SideLook profilesLook_{"The profiles of the outputs", profiles_.path()};
     SideLook rulesLook_{"The rules of programs", rulesFile_.path()};
-    std::unique_ptr<AudioEngine> engine_; ///< after the profiles, which it asks
+    std::unique_ptr<AudioEngine> engine_; ///< after the profiles, which it queries
 };
 
 } // namespace quorbel

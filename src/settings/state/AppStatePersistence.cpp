@@ -1,4 +1,4 @@
-// Reading and writing of the settings file.
+// Reads and writes the settings file.
 
 #include "settings/files/FileReplacement.h"
 #include "settings/files/SettingsFileLock.h"
@@ -17,10 +17,10 @@ namespace quorbel {
 
 namespace {
 
-/// A moving control is written once, after its last change.
+/// Debounce time: a moving control is written once, after its last change.
 constexpr double saveDelaySeconds = 0.5;
 
-/// Another program may write a file piece by piece.
+/// Delay before a second look: another program may write a file in pieces.
 constexpr double secondLookSeconds = 1.0;
 
 std::string movedAsideWarning(const MovedFile &moved) {
@@ -37,7 +37,7 @@ void AppState::loadPersisted() {
         if (const auto record = file_.readChange())
             apply(*record);
     } catch (const SettingsFileError &) {
-        return; // it cannot be read: a save will say so
+        return; // the next save reports it
     } catch (const DecodingError &) {
         setPersistWarning(movedAsideWarning(moveAside(file_.path())));
     }
@@ -58,7 +58,7 @@ void AppState::apply(const Persisted &record) {
     readPresetGains();
 }
 
-/// Takes the gains of presets, and the one in use, from their file.
+/// Reads the gains of presets and the current gain from their file.
 void AppState::readPresetGains() {
     try {
         if (auto warning = gainsFile_.read())
@@ -71,7 +71,7 @@ void AppState::readPresetGains() {
         engine_->eq().setPresetGainDB(gainDB);
 }
 
-/// Returns a warning if that failed, or if a damaged file was set aside.
+/// Returns a warning if the write failed or a damaged file was set aside.
 std::optional<std::string> AppState::writePresetGains() {
     const float inUseDB = engine_->eq().presetGainDB();
     gainsFile_.gains.applied.reset();
@@ -89,7 +89,7 @@ void AppState::readProfiles() {
         if (auto warning = profiles_.read())
             setPersistWarning(std::move(warning));
     } catch (const SettingsFileError &error) {
-        // Without them outputs have other settings than the user wants.
+        // Without their profiles, outputs have unwanted settings.
         setPersistWarning(std::string("The profiles of the outputs could not be read: ") +
                           error.what());
     }
@@ -100,7 +100,7 @@ void AppState::readProfiles() {
     engine_->setOutputRule(&profiles_);
 }
 
-/// Returns a warning if that failed, or if a damaged file was set aside.
+/// Returns a warning if the write failed or a damaged file was set aside.
 std::optional<std::string> AppState::writeProfiles() {
     try {
         return profiles_.save();
@@ -135,7 +135,7 @@ void AppState::setProgramRules(const ProgramRules &rules) {
     Q_EMIT programRulesChanged();
 }
 
-/// A missing device stays unselected; the choice is kept.
+/// Does not select a missing device, but keeps the choice.
 void AppState::applyOutput(const Persisted &record) {
     if (record.outputDeviceUID)
         if (auto device = deviceManager_.outputDevice(*record.outputDeviceUID))
@@ -147,7 +147,7 @@ void AppState::applyOutput(const Persisted &record) {
 }
 
 void AppState::applyPresets(const Persisted &record) {
-    // The running version's library wins over the one that the file was written with.
+    // The running version's factory presets replace those in the file.
     std::vector<Preset> presets = factoryPresets();
     std::ranges::copy_if(record.presets, std::back_inserter(presets), [](const Preset &preset) {
         return preset.category == Preset::Category::user;
@@ -169,14 +169,14 @@ void AppState::setActivePreset(std::optional<Uuid> id, const std::optional<std::
 
 // Saving
 
-/// Each setting is debounced on its own, so a change of two is written twice.
+/// Debounces each setting separately, so a change of two is written twice.
 void AppState::observeSettings() {
     auto pending = pendingSaves_.begin();
     const auto observe = [&](const auto *owner, auto changed) {
         Timer &save = *pending++;
         connect(owner, changed, this, [this, &save] {
             if (isTaking_)
-                return; // the file has the change already
+                return; // the file already has the change
             save = Timer::once(clock_, saveDelaySeconds, [this] { persist(); });
         });
     };
@@ -195,7 +195,7 @@ void AppState::persist() {
         auto warning = takeUnseenOrMoveAside();
         if (auto profilesWarning = writeProfiles())
             warning = std::move(profilesWarning);
-        // First: bands without the gain that belongs to them would be too loud.
+        // Gains first: bands without their gain would be too loud.
         if (auto gainsWarning = writePresetGains())
             warning = std::move(gainsWarning);
         Persisted record = currentSettings();
@@ -226,7 +226,7 @@ Persisted AppState::currentSettings() const {
             .outputDeviceUID = output ? std::optional(output->uid) : std::nullopt};
 }
 
-// Changes from outside
+// Changes by other programs
 
 void AppState::takeFileChanges() {
     takeSideChanges(profilesLook_, &AppState::takeProfileChanges);
@@ -258,8 +258,8 @@ void AppState::takeRuleChanges() {
     Q_EMIT programRulesChanged();
 }
 
-/// Takes a file beside the settings with `takeOne`. A damaged one may be half-written, so only a
-/// second look leads to a warning.
+/// Reads a file beside the settings with `takeOne`. Warns only after a second look, because a
+/// damaged file may be half-written.
 void AppState::takeSideChanges(SideLook &look, void (AppState::*takeOne)()) {
     look.again.invalidate();
     try {
@@ -290,8 +290,8 @@ void AppState::moveAsideIfUnreadable() {
     }
 }
 
-/// Needs the lock. Returns the warning of a file that had to be moved; throws FileReplacementError
-/// for one that cannot be moved, and SettingsFileError for one that cannot be read.
+/// Needs the lock. Returns a warning if a damaged file was moved. Throws FileReplacementError if it
+/// cannot be moved, and SettingsFileError if it cannot be read.
 std::optional<std::string> AppState::takeUnseenOrMoveAside() {
     try {
         if (const auto theirs = file_.readChange())
@@ -350,7 +350,7 @@ void AppState::takeSound(const Persisted &ours, const Persisted &merged, bool is
         engine_->setMixer(*merged.mixer);
 }
 
-/// The choice of another program on this machine; a device of another machine is passed over.
+/// Follows another program's choice of output; ignores a device of another machine.
 void AppState::takeOutput(const std::optional<std::string> &uid) {
     choiceFile_ = OutputChoiceFile(file_.path());
     const auto chosen = choiceFile_.chosenUID(uid);

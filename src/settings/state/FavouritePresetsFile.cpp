@@ -16,7 +16,7 @@ namespace {
 
 using nlohmann::json;
 
-/// Throws DecodingError. An empty document is that of no file.
+/// Throws DecodingError. An empty document means a missing file.
 std::vector<Uuid> decodedIds(const json &document) {
     if (document.empty())
         return {};

@@ -12,11 +12,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Quiet time after a change: a program may write the file piece by piece.
+/// Quiet time after a change: a program may write the file in pieces.
 constexpr double quietSeconds = 0.25;
 
-/// All places whose change can alter the content behind the path: the file and each link on the
-/// way, with their folders, or the nearest folder that exists.
+/// Paths to watch for changes of the content behind `path`: the file, its folder and the folders of
+/// all links to it. The nearest existing ancestor replaces a missing folder.
 QStringList placesOf(const std::string &path) {
     constexpr int mostLinks = 40;
     QStringList places;
@@ -51,7 +51,7 @@ FileWatch::FileWatch(std::string path, Clock &clock, std::function<void()> chang
     watchPlaces();
 }
 
-/// Replaces every watch: the same name may mean another file now.
+/// Replaces every watch: the same name may now mean another file.
 void FileWatch::watchPlaces() {
     if (const QStringList watched = watcher_.files() + watcher_.directories(); !watched.isEmpty())
         watcher_.removePaths(watched);

@@ -10,9 +10,9 @@
 
 namespace quorbel {
 
-/// Notices another program's changes of a file at once: changes in place, by a rename, of a new
-/// file, behind symbolic links or of a link. The file and its folder need not exist. Needs an
-/// application with an event loop. [main]
+/// Watches a file for other programs' changes: in place, by a rename, of a new file, behind
+/// symbolic links or of a link. The file and its folder need not exist. Needs a Qt event loop.
+/// [main]
 class FileWatch final : public QObject {
     Q_OBJECT
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// Outside of the namespace, as the macro requires.
+// The macro requires a function outside of any namespace.
 static void initializeKnownPrograms() { Q_INIT_RESOURCE(known_programs); }
 
 namespace quorbel {
@@ -35,7 +35,7 @@ const KnownPrograms &knownPrograms() {
     return known;
 }
 
-/// True for an executable of the list, also with a version, as in "python3.11".
+/// True for a listed executable, also with a version, as in "python3.11".
 bool isRuntime(const std::string &binary) {
     return std::ranges::any_of(knownPrograms().runtimes, [&](const std::string &runtime) {
         return binary.starts_with(runtime) &&

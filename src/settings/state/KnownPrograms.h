@@ -4,11 +4,11 @@
 
 namespace quorbel {
 
-/// Marks of the calls that are known to this version (known-programs.json).
+/// Marks of calls that are known to this version (known-programs.json).
 [[nodiscard]] const CallMarks &knownCalls();
 
-/// The names by which a rule finds a program again: the most specific that its streams have. An
-/// executable that runs many programs is no name by itself.
+/// The names that identify a program in a rule: the most specific ones of its streams. An
+/// executable that runs many programs does not suffice alone.
 [[nodiscard]] ProgramNames namesForRule(const ProgramNames &program);
 
 } // namespace quorbel

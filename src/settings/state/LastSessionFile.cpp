@@ -14,7 +14,7 @@ using nlohmann::json;
 constexpr const char *processingKey = "processing";
 constexpr const char *startsAtLoginKey = "startsAtLogin";
 
-/// False where it is missing. Throws DecodingError.
+/// False if the key is missing. Throws DecodingError.
 bool decodedFlag(const json &document, const char *key) {
     const auto found = document.find(key);
     if (found == document.end())

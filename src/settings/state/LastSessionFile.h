@@ -7,11 +7,11 @@
 
 namespace quorbel {
 
-/// Facts that one run of the window's program leaves for the next.
+/// State that one run of the window's program saves for the next.
 struct LastSession {
-    bool isProcessing = false; ///< processing is wanted: it runs, or returns by itself
-    /// Last answer of the desktop's portal. Meaningless without a sandbox: the entry in the
-    /// autostart folder decides there.
+    bool isProcessing = false; ///< processing is wanted: it runs, or resumes by itself
+    /// Last answer of the desktop portal, used only in a sandbox. Elsewhere the entry in the
+    /// autostart folder decides.
     bool startsAtLogin = false;
 
     bool operator==(const LastSession &) const = default;
@@ -22,18 +22,18 @@ struct LastSession {
 ///     {"processing":true,"startsAtLogin":false,"version":1}
 class LastSessionFile {
   public:
-    /// With the default values until `read`.
+    /// Has the default values until `read`.
     explicit LastSessionFile(const std::string &settingsPath);
 
     [[nodiscard]] const LastSession &content() const { return content_; }
 
-    /// Reads the file; a missing one has the default values. Returns a warning for the user where a
-    /// damaged file had to be set aside. Throws SettingsFileError for a file that cannot be read,
-    /// or was written by a later version: it is left as it is.
+    /// Reads the file; a missing one has the default values. Returns a warning for the user if a
+    /// damaged file was set aside. Throws SettingsFileError for a file that cannot be read or is of
+    /// a later version, without changing it.
     std::optional<std::string> read();
 
-    /// Replaces the content. Returns a warning if a damaged file had to be set aside. Throws
-    /// SettingsFileError and FileReplacementError; the file is then as it was.
+    /// Replaces the content. Returns a warning if a damaged file was set aside. Throws
+    /// SettingsFileError and FileReplacementError without changing the file.
     std::optional<std::string> write(const LastSession &next);
 
   private:

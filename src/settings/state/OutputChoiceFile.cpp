@@ -15,7 +15,7 @@ OutputChoiceFile::OutputChoiceFile(const std::string &settingsPath)
     try {
         content_ = decodeRecord<OutputChoice>(readSettingsText(path_));
     } catch (const SettingsFileError &) {
-        return; // most often there is none
+        return; // usually there is no file
     } catch (const DecodingError &) {
         return;
     }

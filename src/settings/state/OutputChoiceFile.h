@@ -7,27 +7,24 @@
 
 namespace quorbel {
 
-/// `output-choice.json` beside the settings file. It exists only while the device in use, which the
-/// settings file names, is not the user's choice: without it, the device in use is the choice. The
-/// same holds if the settings file names a device that is not among the stand-ins: another program
-/// has changed it since.
+/// `output-choice.json` beside the settings file: the user's choice while the settings file names
+/// another device in use. The device in the settings file is the choice if this file is missing, or
+/// if that device is not among the stand-ins: then another program has chosen it.
 class OutputChoiceFile {
   public:
-    /// Reads the file. One that cannot be read or decoded is ignored and replaced by the next
-    /// choice.
+    /// Reads the file. Ignores an unreadable or invalid file; the next choice replaces it.
     explicit OutputChoiceFile(const std::string &settingsPath);
 
-    /// The user's choice, given the device that the settings file names.
+    /// The user's choice, given the device in the settings file.
     [[nodiscard]] std::optional<std::string>
     chosenUID(const std::optional<std::string> &uidInSettings) const;
 
-    /// To be called before the settings file is written: from now on the choice is `chosen`.
-    /// Neither the device in the file nor its next one overrules it. Throws FileReplacementError.
+    /// Stores `chosen` before the settings file is written: neither that file's current device nor
+    /// its next one overrides the choice. Throws FileReplacementError.
     void prepare(const std::optional<std::string> &chosen,
                  const std::optional<std::string> &uidInSettings,
                  const std::optional<std::string> &nextUID);
-    /// To be called after that: removes the file if it is no longer needed. Throws
-    /// FileReplacementError.
+    /// Removes an unneeded file after the settings file is written. Throws FileReplacementError.
     void finish(const std::optional<std::string> &chosen,
                 const std::optional<std::string> &uidInSettings);
 

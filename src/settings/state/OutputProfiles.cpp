@@ -19,7 +19,7 @@ const Preset &flatPreset() {
     return flat;
 }
 
-/// Compares all but the ids of the bands, which factory presets get at every launch.
+/// Ignores the bands' ids, which change at every launch in factory presets.
 bool soundAlike(OutputSound a, const OutputSound &b) {
     if (a.bands.size() != b.bands.size())
         return false;
@@ -162,7 +162,7 @@ void OutputProfiles::keepUnowned() {
         return sound && soundAlike(*sound, *kept.own);
     });
     if (isKnown)
-        return; // a profile's settings, from the last session
+        return; // already a profile's settings, from the last session
     if (const Preset *preset = presetOf(kept)) {
         kept.presetName = preset->name;
         if (soundAlike(*kept.own, soundOf(*preset)))
@@ -176,7 +176,7 @@ void OutputProfiles::play(const OutputProfile &profile) {
     const Preset *preset = profile.use == Use::flat ? &flatPreset() : presetOf(profile);
     auto sound = profile.own ? profile.own : base;
     if (!sound)
-        return; // its preset is gone: the settings stay
+        return; // the preset is gone: keeps the live settings
     if (preset != nullptr)
         sound->bands = withIDsOf(preset->bands, sound->bands);
     owner_ = profile.key;
@@ -242,7 +242,7 @@ void OutputProfiles::assign(const OutputKey &key, const std::string &label, Use 
     else
         profiles_.push_back(std::move(profile));
     if (owner_ == key)
-        owner_.reset(); // so that its settings are played; the earlier ones are dropped
+        owner_.reset(); // makes `adopt` play the new settings
     Q_EMIT changed();
 }
 

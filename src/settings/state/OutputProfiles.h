@@ -14,67 +14,66 @@
 
 namespace quorbel {
 
-/// The live settings and the presets, as the profiles of outputs see them.
+/// The output profiles' access to the live settings and the presets.
 class ProfileSettings {
   public:
     virtual ~ProfileSettings() = default;
 
     [[nodiscard]] virtual OutputSound liveSound() const = 0;
     [[nodiscard]] virtual std::optional<Uuid> livePreset() const = 0;
-    /// All of it in one change; `preset` becomes the active one.
+    /// Applies everything in one change and activates `preset`.
     virtual void play(const OutputSound &sound, const std::optional<Uuid> &preset) = 0;
     [[nodiscard]] virtual const std::vector<Preset> &knownPresets() const = 0;
     [[nodiscard]] virtual float presetGainDB(const Uuid &preset) const = 0;
 };
 
-/// The profiles of the outputs at work: decides what each output is used for, plays its profile's
-/// settings, and keeps the user's changes of them in the profile. Without profiles it does nothing.
+/// Applies the output profiles: decides each output's use, plays its profile's settings and stores
+/// the user's changes of them in the profile. Does nothing without profiles.
 ///
 /// 1. The live settings belong to one profile, or to none.
-/// 2. A change of them is a change of that profile.
-/// 3. Settings that belong to none become the profile of any other output before a profile's
-///    settings take their place, so that nothing is lost.
-/// 4. On an output without a profile, or left alone, the settings stay, and belong to the same
-///    profile as before.
+/// 2. A change of the live settings changes their profile.
+/// 3. Live settings without a profile become the profile of any other output before a profile's
+///    settings replace them, so that nothing is lost.
+/// 4. An output that has no profile or is left alone keeps the live settings and their profile.
 ///
 /// All calls [main].
 class OutputProfiles final : public QObject, public OutputRule {
     Q_OBJECT
 
   public:
-    /// Without profiles until `read`. `settings` must outlive it.
+    /// Has no profiles until `read`. `settings` must outlive it.
     OutputProfiles(ProfileSettings &settings, const std::string &settingsPath);
 
-    /// As `OutputProfilesFile::read`.
+    /// Like `OutputProfilesFile::read`.
     std::optional<std::string> read();
-    /// As `OutputProfilesFile::peek`.
+    /// Like `OutputProfilesFile::peek`.
     void peek();
-    /// Takes another program's changes of the file; of what both have changed, ours stay. Returns
-    /// whether the engine has to follow. As `OutputProfilesFile::takeChanges`.
+    /// Merges another program's changes of the file; ours win conflicts. Returns true if the engine
+    /// has to follow. Throws like `OutputProfilesFile::takeChanges`.
     bool takeFileChanges();
     [[nodiscard]] const std::string &path() const { return file_.path(); }
-    /// Writes what has changed since. As `OutputProfilesFile::write`.
+    /// Writes the unsaved changes. Like `OutputProfilesFile::write`.
     std::optional<std::string> save();
 
     [[nodiscard]] const std::vector<OutputProfile> &profiles() const { return profiles_; }
     [[nodiscard]] const OutputProfile *withKey(const OutputKey &key) const;
-    /// The profile of the output that was adopted last; null where it has none.
+    /// The profile of the last adopted output; null if it has none.
     [[nodiscard]] const OutputProfile *inUse() const { return inUse_ ? withKey(*inUse_) : nullptr; }
-    /// "Bass Boost", "Flat", "Custom", or "Leave this output alone"; with " (modified)" behind it
-    /// if the settings are no longer those of that name.
+    /// The display title: "Bass Boost", "Flat", "Custom" or "Leave this output alone", followed by
+    /// " (modified)" if the settings differ from the named ones.
     [[nodiscard]] std::string titleOf(const OutputProfile &profile) const;
 
-    /// Gives the outputs of this key a profile; `preset` as in OutputProfile, nothing for the
-    /// settings of now. The settings of the outputs without a profile are kept as that of any
-    /// other output. The caller then lets the engine follow, and saves.
+    /// Assigns a profile to the outputs of this key; `Use::preset` without `preset` takes the
+    /// current settings. Saves live settings without a profile first, see 3. The caller then lets
+    /// the engine follow, and saves.
     void assign(const OutputKey &key, const std::string &label, OutputProfile::Use use,
                 const std::optional<Uuid> &preset = {});
-    /// The outputs of this key have no profile of their own from now on. As `assign`.
+    /// Removes the profile of this key. The caller then lets the engine follow, and saves.
     void forget(const OutputKey &key);
 
-    /// The live settings or the active preset have changed.
+    /// Notes a change of the live settings or the active preset.
     void noteChange();
-    /// Presets are about to become these: a profile of one that goes keeps its settings.
+    /// Copies the settings of presets missing in `next` to their profiles, before the change.
     void keepSoundsOfGone(const std::vector<Preset> &next);
 
     // OutputRule
@@ -84,14 +83,14 @@ class OutputProfiles final : public QObject, public OutputRule {
 
   Q_SIGNALS:
     void changed();  ///< profiles, or the one in use
-    void switched(); ///< other settings than the user's last ones are live
+    void switched(); ///< a profile has replaced the live settings
 
   private:
     [[nodiscard]] std::string nameOf(const OutputProfile &profile) const;
     [[nodiscard]] bool isModified(const OutputProfile &profile) const;
     [[nodiscard]] OutputProfile *find(const OutputKey &key);
     [[nodiscard]] const Preset *presetOf(const OutputProfile &profile) const;
-    /// The settings without changes; nothing where the preset is gone.
+    /// The profile's unmodified settings; none if its preset is gone.
     [[nodiscard]] std::optional<OutputSound> baseOf(const OutputProfile &profile) const;
     [[nodiscard]] OutputSound soundOf(const Preset &preset) const;
     void keepUnowned();
@@ -99,10 +98,10 @@ class OutputProfiles final : public QObject, public OutputRule {
 
     ProfileSettings &settings_;
     OutputProfilesFile file_;
-    std::vector<OutputProfile> profiles_; ///< with what is not saved yet
+    std::vector<OutputProfile> profiles_; ///< including unsaved changes
     std::optional<OutputKey> inUse_;
-    std::optional<OutputKey> owner_; ///< of the live settings
-    bool isPlaying_ = false;         ///< changes of the settings are ours at present
+    std::optional<OutputKey> owner_; ///< profile of the live settings
+    bool isPlaying_ = false;         ///< the current changes of the settings are ours
 };
 
 } // namespace quorbel

@@ -12,7 +12,7 @@ using nlohmann::json;
 
 constexpr const char *profilesKey = "profiles";
 
-/// Throws DecodingError. An empty document is that of no file.
+/// Throws DecodingError. An empty document means a missing file.
 std::vector<OutputProfile> decodedProfiles(const json &document) {
     std::vector<OutputProfile> profiles;
     if (document.empty())

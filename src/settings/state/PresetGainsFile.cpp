@@ -31,7 +31,7 @@ std::string decodedPreset(const json &value, const std::string &path) {
     return id->text();
 }
 
-/// Missing keys are what a missing file has. Throws DecodingError.
+/// Missing keys mean no gains. Throws DecodingError.
 PresetGains decodedGains(const json &document) {
     PresetGains gains;
     if (const auto listed = document.find("gainsDB"); listed != document.end()) {
@@ -51,14 +51,14 @@ PresetGains decodedGains(const json &document) {
     return gains;
 }
 
-/// The number that is written as the shortest decimal of the 32-bit value.
+/// Encodes the shortest decimal of the 32-bit value.
 json encodedGain(float gainDB) {
     std::string text;
     appendNumber(text, gainDB);
     return json::parse(text);
 }
 
-/// `theirs` with the differences between `seen` and `ours`.
+/// Applies the differences between `seen` and `ours` to `theirs`.
 PresetGains merged(const PresetGains &seen, const PresetGains &ours, PresetGains theirs) {
     for (const auto &[preset, gain] : ours.ofPresets)
         if (const auto before = seen.ofPresets.find(preset);

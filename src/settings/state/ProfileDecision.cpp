@@ -7,7 +7,7 @@ namespace {
 
 using Bluetooth = OutputIdentity::Bluetooth;
 
-/// More for what says more about the output.
+/// Rank of a key; a more specific key has a higher rank.
 int specificity(const OutputKey &key) {
     return (key.route || key.bluetooth ? 4 : 0) + (key.node ? 2 : 0) + (key.card ? 1 : 0);
 }
@@ -16,7 +16,7 @@ bool isName(const std::optional<std::string> &wanted, const std::string &name) {
     return !wanted || (!name.empty() && *wanted == name);
 }
 
-/// The default for calls yields to nothing less than their own profile.
+/// False for a Bluetooth call if the key names neither calls nor a node.
 bool mayDecide(const OutputKey &key, const OutputIdentity &output) {
     return output.bluetooth != Bluetooth::call || key.bluetooth || key.node;
 }
@@ -26,7 +26,7 @@ bool fits(const OutputKey &key, const OutputIdentity &output) {
            isName(key.node, output.node) && (!key.bluetooth || *key.bluetooth == output.bluetooth);
 }
 
-/// Returns true if the key may fit once card and route are known.
+/// True if the key may match once card and route are known.
 bool mayFit(const OutputKey &key, OutputIdentity output) {
     if (output.card.empty())
         output.card = key.card.value_or("");

@@ -7,22 +7,22 @@
 
 namespace quorbel {
 
-/// Profile that fits an output.
+/// The profile for an output.
 struct ProfileDecision {
-    const OutputProfile *profile = nullptr; ///< null: the settings stay as they are
+    const OutputProfile *profile = nullptr; ///< null keeps the live settings
     bool isLeftAlone = false;
     /// True if the missing part of the identity may change the decision.
     bool isAwaited = false;
 };
 
-/// The profile with the most specific key that fits: card with route or kind of Bluetooth, then
-/// node, then card, then any other output; of equal ones the first. While there are profiles, a
-/// Bluetooth device in a call is left alone but for a profile that names its calls or its node.
+/// Finds the profile with the most specific matching key: card with route or kind of Bluetooth,
+/// then node, then card, then any other output; the first of equal ones. If there are profiles,
+/// leaves a Bluetooth device in a call alone unless a profile names its calls or its node.
 /// `profiles` must outlive the decision.
 [[nodiscard]] ProfileDecision decideProfile(const std::vector<OutputProfile> &profiles,
                                             const OutputIdentity &output);
 
-/// The most specific key of an output whose identity is complete.
+/// The most specific key of an output with a complete identity.
 [[nodiscard]] OutputKey keyOf(const OutputIdentity &output);
 
 } // namespace quorbel

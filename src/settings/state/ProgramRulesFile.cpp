@@ -17,7 +17,7 @@ constexpr const char *callsKey = "calls";
 constexpr const char *processText = "process";
 constexpr const char *leaveAloneText = "leaveAlone";
 
-/// Rules of one program and title are one rule.
+/// Identifies a rule by its program and title.
 std::pair<std::string, std::string> ruleKey(const ProgramRule &rule) {
     const ProgramNames &names = rule.program;
     return {names.sandbox + '\n' + names.binary + '\n' + names.applicationID + '\n' + names.name,
@@ -36,7 +36,7 @@ bool decodedUse(const json &document, const char *key, bool otherwise) {
     throw DecodingError(key, "\"process\" or \"leaveAlone\" expected, found " + excerpt(*found));
 }
 
-/// Throws DecodingError. An empty document is that of no file.
+/// Throws DecodingError. An empty document means a missing file.
 ProgramRules decodedRules(const json &document) {
     ProgramRules rules;
     rules.callMarks = knownCalls();
@@ -75,7 +75,7 @@ std::optional<std::string> ProgramRulesFile::write(const ProgramRules &next) {
             merged.processesOthers = theirs.processesOthers;
         if (next.processesCalls == rules_.processesCalls)
             merged.processesCalls = theirs.processesCalls;
-        if (theirs.rules != rules_.rules) // else the order of ours counts too
+        if (theirs.rules != rules_.rules) // otherwise keeps our order too
             merged.rules = mergedList(rules_.rules, next.rules, theirs.rules, ruleKey);
     };
     auto warning = file_.update(merge, [&](json &document) {

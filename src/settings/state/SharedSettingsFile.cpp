@@ -14,7 +14,7 @@ namespace quorbel {
 
 namespace {
 
-/// A link that leads nowhere counts as no file. Anything unknown counts as there.
+/// Treats a dangling link as no file, and a file of unknown state as existing.
 bool isThere(const std::string &path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
@@ -85,7 +85,7 @@ Persisted mergedSettings(const Persisted &base, const Persisted &ours, const Per
         merged.bands = ours.bands;
     if (ours.spatial != base.spatial)
         merged.spatial = ours.spatial;
-    // The program's own presets are those of the running version.
+    // Factory presets are those of the running version.
     merged.presets = presetsOf(ours.presets, false);
     std::ranges::move(mergedPresets(presetsOf(base.presets, true), presetsOf(ours.presets, true),
                                     presetsOf(theirs.presets, true)),

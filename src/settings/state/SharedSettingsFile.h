@@ -8,21 +8,20 @@
 
 namespace quorbel {
 
-/// The settings file from the view of one of several programs that write it: detects the changes of
-/// others. A writer holds a SettingsFileLock from before `readChange` until after `write`, and so
-/// overwrites nothing unseen.
+/// Detects other programs' changes of the shared settings file. A writer holds a SettingsFileLock
+/// from before `readChange` until after `write`, so that it overwrites no unseen change.
 class SharedSettingsFile {
   public:
     explicit SharedSettingsFile(std::string path) : path_(std::move(path)) {}
 
     [[nodiscard]] const std::string &path() const { return path_; }
 
-    /// The record in the file; nothing without a file, or if its text is the one read or written
-    /// here last. Throws SettingsFileError for a file that is there and cannot be read, and
-    /// DecodingError for text that is not a settings record: both count as unseen.
+    /// The record in the file; none if there is no file or its text is the last one read or written
+    /// here. Throws SettingsFileError for an existing file that cannot be read, and DecodingError
+    /// for text that is not a settings record; both count as unseen.
     [[nodiscard]] std::optional<Persisted> readChange();
 
-    /// Replaces the file. Throws EncodingError or FileReplacementError; the file is then as it was.
+    /// Throws EncodingError or FileReplacementError without changing the file.
     void write(const Persisted &record);
 
   private:
@@ -30,14 +29,14 @@ class SharedSettingsFile {
     std::optional<std::string> seenText_;
 };
 
-/// Merges two sets of changes of the same settings: a field that differs between `base` and `ours`
-/// is taken from `ours`, any other from `theirs`. Presets are merged one by one, by their ids.
-/// Optional fields that `theirs` lacks are ours.
+/// Merges two sets of changes since `base`: takes a field from `ours` if it differs from `base`,
+/// else from `theirs`. Merges presets one by one, by their ids. Takes optional fields that `theirs`
+/// lacks from `ours`.
 [[nodiscard]] Persisted mergedSettings(const Persisted &base, const Persisted &ours,
                                        const Persisted &theirs);
 
-/// The same for a list of presets. A preset that one side has deleted and the other has changed is
-/// kept. The order is theirs where both have changed the list, with our new ones at the end.
+/// Merges two lists of presets. Keeps a preset that one side has deleted and the other has changed.
+/// If both have changed the list, the order is theirs, with our new presets at the end.
 [[nodiscard]] std::vector<Preset> mergedPresets(const std::vector<Preset> &base,
                                                 const std::vector<Preset> &ours,
                                                 const std::vector<Preset> &theirs);

@@ -9,24 +9,23 @@
 
 namespace quorbel {
 
-/// One JSON object with a version in a file beside the settings file, for settings that the
-/// settings file has no place for. The file is replaced as a whole, keys that this version does not
-/// know are kept, and a damaged file is set aside.
+/// A versioned JSON object in a file beside the settings file, for settings that the settings file
+/// cannot hold. Replaces the file atomically, keeps unknown keys and sets a damaged file aside.
 class SideFile {
   public:
     struct Kind {
-        std::string name;     ///< of the file, without ".json"
-        unsigned version = 1; ///< the newest that this program reads, and the one it writes
-        /// Content and consequence in the warning of a damaged file, as in "The favourite presets
-        /// were unreadable and were set aside as … No preset is a favourite now."
+        std::string name;     ///< file name without ".json"
+        unsigned version = 1; ///< newest version to read, and the one to write
+        /// Start and end of the warning about a damaged file, as in "The favourite presets were
+        /// unreadable and were set aside as … No preset is a favourite now."
         std::string content;
-        std::string consequence; ///< left out by `update`, which writes the values again
+        std::string consequence; ///< omitted by `update`, which rewrites the values
     };
 
-    /// Reads the values of a document. Throws DecodingError, and then leaves the values as they
-    /// were. A missing file is read as an empty object.
+    /// Reads the values of a document; a missing file is an empty object. Throws DecodingError
+    /// without changing the values.
     using Decode = std::function<void(const nlohmann::json &)>;
-    /// Writes the values into a document; the version is written already.
+    /// Writes the values into a document, which already has its version.
     using Encode = std::function<void(nlohmann::json &)>;
 
     SideFile(const std::string &settingsPath, Kind kind);
@@ -36,19 +35,19 @@ class SideFile {
 
     [[nodiscard]] const std::string &path() const { return path_; }
 
-    /// Reads the file and leaves it as it is. Throws SettingsFileError as `read`, and DecodingError
+    /// Reads the file without changing it. Throws SettingsFileError like `read`, and DecodingError
     /// for a damaged file.
     void peek(const Decode &decode) const;
 
-    /// Reads the file. Returns a warning for the user if a damaged file had to be set aside.
-    /// Throws SettingsFileError for a file that cannot be read or that a later version wrote: it is
-    /// left as it is.
+    /// Reads the file. Returns a warning for the user if a damaged file was set aside. Throws
+    /// SettingsFileError for a file that cannot be read or is of a later version, without changing
+    /// it.
     std::optional<std::string> read(const Decode &decode);
 
-    /// Reads the file as `read` does, so that another program's changes can be merged, and replaces
-    /// it with what `encode` makes of the document. Other programs wait meanwhile. Returns a
-    /// warning for the user if a damaged file had to be set aside. Throws SettingsFileError and
-    /// FileReplacementError; the file is then as it was.
+    /// Reads the file like `read`, so that `decode` can merge another program's changes, and
+    /// replaces it with the document from `encode`. Other programs wait meanwhile. Returns a
+    /// warning for the user if a damaged file was set aside. Throws SettingsFileError and
+    /// FileReplacementError without changing the file.
     std::optional<std::string> update(const Decode &decode, const Encode &encode);
 
   private:

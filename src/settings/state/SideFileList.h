@@ -13,12 +13,12 @@
 #include <utility>
 #include <vector>
 
-// A list of records in a side file, which other programs may change too. `key` is the member, or a
-// function, that tells the records apart.
+// A list of records in a side file, which other programs may change too. `key` is the member or
+// function that identifies a record.
 
 namespace quorbel {
 
-/// `theirs` with our changes since `before`, which win over theirs.
+/// Applies our changes since `before` to `theirs`; ours win conflicts.
 template <class Record, class Key>
 [[nodiscard]] std::vector<Record> mergedList(const std::vector<Record> &before,
                                              const std::vector<Record> &ours,
@@ -46,8 +46,8 @@ template <class Record, class Key>
 template <class Value> struct WithoutOptional { using Type = Value; };
 template <class Value> struct WithoutOptional<std::optional<Value>> { using Type = Value; };
 
-/// Copies the keys of `former` that this version does not know into `encoded`, the JSON of a
-/// Record. Does the same for records inside the record, but not for those in its lists.
+/// Copies the keys of `former` that are unknown to this version into `encoded`, the JSON of a
+/// Record. Includes nested records, but not those in lists.
 template <class Record>
 void keepUnknownKeys(const nlohmann::json &former, nlohmann::json &encoded) {
     nlohmann::json unknown = former;
@@ -65,8 +65,8 @@ void keepUnknownKeys(const nlohmann::json &former, nlohmann::json &encoded) {
     encoded.update(unknown);
 }
 
-/// JSON of the records. Each keeps the keys unknown here of the entry with its key among `entries`,
-/// which decode to `decodedEntries`.
+/// Encodes the records. Each keeps the unknown keys of the entry with the same key; `entries` are
+/// the JSON of `decodedEntries`.
 template <class Record, class Key>
 [[nodiscard]] nlohmann::json encodedList(const std::vector<Record> &records,
                                          const nlohmann::json &entries,
