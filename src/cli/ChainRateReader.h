@@ -25,8 +25,8 @@ class ChainRateReader {
     /// Throws CommandError.
     std::uint32_t read(const AudioBufferList &output, std::uint32_t frames);
 
-    /// Frames with non-finite samples, which a conversion would spread: replaced with zeros before
-    /// it. The chain replaces and counts them in a file at 48 kHz.
+    /// Frames with non-finite samples, replaced with zeros before a conversion would spread them.
+    /// In a file at 48 kHz the chain replaces and counts them.
     [[nodiscard]] std::uint64_t replacedFrames() const { return replacedFrames_; }
 
   private:

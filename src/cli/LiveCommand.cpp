@@ -41,7 +41,7 @@ class LiveCommand final : public Command {
   public:
     LiveCommand();
 
-    /// Throws CommandError after restoring the original sound.
+    /// Throws CommandError and leaves the original sound.
     void run() const override;
 
     /// Only the log uses it: processing continues after the log's reader ends.

@@ -18,7 +18,7 @@ namespace quorbel {
 
 namespace {
 
-// System calls cost half of a block-sized read; this size spreads one call over many blocks.
+// The system call takes half of a read's time; this size spreads it over many blocks of the chain.
 constexpr std::uint32_t readerFrames = 8192;
 
 /// Opens a regular file without blocking, as a named pipe would.
