@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
     throw FileReplacementError(std::generic_category().message(errorNumber));
 }
 
-/// Makes renames in this folder survive a power cut.
+/// Makes new and changed names in this folder survive a power cut.
 void syncFolder(const fs::path &folder) {
     const int descriptor =
         ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

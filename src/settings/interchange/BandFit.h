@@ -22,8 +22,8 @@ struct BandFit {
     ResponseError error;       ///< of these rounded bands
 };
 
-/// Fits `count` bands (1 or more) to the response of a larger number of `bands` by least squares of
-/// the difference in dB. Uses only the given band types.
+/// Fits `count` bands (1 or more) to the response of more `bands`, by least squares of the
+/// difference in dB. Uses only the given band types.
 ///
 /// Starts from the 32 strongest bands at most. Repeatedly removes the band that leaves the smallest
 /// error and refits the others (Levenberg-Marquardt over frequency, gain and Q). Takes a few tenths

@@ -18,9 +18,9 @@ enum class Grouping { never, possible };
 /// Reads digits with an optional sign, marks and exponent, correctly rounded; returns none for any
 /// other text or a value outside the range of 32-bit floats.
 ///
-/// Frequencies such as "1,000" and "1.000" are ambiguous. A comma groups thousands, unless the
-/// file's decimal mark is the comma and the decimal reading is audible (10 or more), or the grouped
-/// reading is not (above 24000). A point is the decimal mark, unless the file's is the comma and
+/// Frequencies such as "1,000" and "1.000" are ambiguous. A comma groups thousands, unless that
+/// reading is inaudible (above 24000), or the file's decimal mark is the comma and the decimal
+/// reading is audible (10 or more). A point is the decimal mark, unless the file's is the comma and
 /// the grouped reading is audible.
 [[nodiscard]] std::optional<float> readNumber(std::string_view number, Grouping grouping,
                                               DecimalMark fileMark);

@@ -80,9 +80,8 @@ class AppState final : public QObject, private ProfileSettings {
     /// without changing an existing file that cannot be read.
     void persist();
     /// Takes another program's changes of the settings file, the profiles and the rules of
-    /// programs. Sets an invalid settings file aside with a warning if it is still invalid a second
-    /// later, because its writer may be unfinished. Ignores damaged profiles and rules with a
-    /// warning.
+    /// programs. Sets a settings file aside with a warning if it is still invalid a second later:
+    /// its writer may need that time. Ignores damaged profiles and rules with a warning.
     void takeFileChanges();
     [[nodiscard]] const std::string &settingsPath() const { return file_.path(); }
     /// The last load or save problem. A successful save clears it unless it set a file aside.

@@ -19,7 +19,7 @@ const Preset &flatPreset() {
     return flat;
 }
 
-/// Ignores the bands' ids, which change at every launch in factory presets.
+/// Compares everything but the bands' ids, which change at every launch in factory presets.
 bool soundAlike(OutputSound a, const OutputSound &b) {
     if (a.bands.size() != b.bands.size())
         return false;

@@ -32,8 +32,8 @@ class ProfileSettings {
 ///
 /// 1. The live settings belong to one profile, or to none.
 /// 2. A change of the live settings changes their profile.
-/// 3. Live settings without a profile become the profile of any other output before a profile's
-///    settings replace them, so that nothing is lost.
+/// 3. Live settings without a profile become the profile of any other output before another
+///    profile replaces them, so that nothing is lost.
 /// 4. An output that has no profile or is left alone keeps the live settings and their profile.
 ///
 /// All calls [main].

@@ -20,8 +20,8 @@ using SettingValue = std::variant<bool, double, std::string>;
 /// Replaces the value at `path` and returns the path in its bracket form. Parses a string as JSON
 /// unless the setting is a string. Bands keep their ids.
 ///
-/// Throws DecodingError without changing the settings for an unknown or read-only path, a value of
-/// the wrong type, a changed number beyond its control's range, or another number of bands.
+/// Throws DecodingError without changing the settings. Causes: an unknown or read-only path, a
+/// value of the wrong type, a changed number beyond its control's range, another number of bands.
 std::string setSettingAt(Persisted &settings, std::string_view path, const SettingValue &value);
 
 } // namespace quorbel
