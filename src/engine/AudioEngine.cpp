@@ -13,8 +13,8 @@ namespace {
 
 constexpr auto ringBufferFrames = static_cast<std::int64_t>(chainSampleRate); // one second
 
-/// Constant read-outs after which the refreshing rests: an analysis changes a reading at least at
-/// every second of its ticks, and makes several ticks in this time.
+/// Constant read-outs before the refresh stops. An active analysis makes several ticks in this time
+/// and changes a reading at least at every second one.
 constexpr int restingReadouts = 5;
 
 } // namespace
@@ -51,7 +51,7 @@ AudioEngine::~AudioEngine() {
 }
 
 void AudioEngine::allEffectUnits(AudioUnitRegistry &registry) {
-    // Bass and voice are analysed at the same times: one wake-up serves both.
+    // Bass and voice analyses run at the same times: one wake-up serves both.
     registerEffectUnits(registry, sharedThreadSerialQueues("Quorbel.Analysis"));
 }
 
@@ -127,7 +127,7 @@ void AudioEngine::beginStart() {
     hasWaitedForIdentity_ = false;
     identityDeadline_.invalidate();
     deviceManager_.refreshIfChanged(); // a stopped engine does not listen to the hardware
-    // Without a stand-in the missing choice stays, so that the error can name it.
+    // Keeps a missing choice if there is no stand-in, so that the error can name it.
     if (wantedOutput())
         followWantedOutput();
     chain_.instantiateCustomUnits([this, start = *generation] { continueStart(start); });
@@ -228,12 +228,12 @@ void AudioEngine::setDisplayed(bool isDisplayed) {
 void AudioEngine::refreshReadouts() {
     if (isDisplayed_ || lifecycle.state() != EngineLifecycle::State::running())
         return;
-    chain_.setDisplayed(true); // which brings them up to date
+    chain_.setDisplayed(true); // brings them up to date
     updateReadouts();
     chain_.setDisplayed(false);
 }
 
-/// A report from before a restart of playback is followed by a current one.
+/// A stale report from before a restart of playback is always followed by a current one.
 void AudioEngine::setCyclesCome(bool doCome) {
     doCyclesCome_ = doCome;
     systemTap.logFormatChange(); // streams stop and start again for a new format
@@ -276,7 +276,7 @@ void AudioEngine::teardown() {
 // Published values
 
 void AudioEngine::publishState() {
-    // Also without a change: callers that wait for the end of a start rely on it.
+    // Emits even without a change: callers use it to detect the end of a start.
     state_ = lifecycle.state();
     Q_EMIT stateChanged();
 }

@@ -35,9 +35,9 @@ struct EngineUpheavals {
     int comebacks = 0;      ///< everything started again after a failure
 };
 
-/// Conducts the live sound: capture into the ring buffer, the playback graph out of it, the
-/// settings into its stages. Starts and stops them together, and keeps them running through changes
-/// of the hardware. The screens show the values that it publishes. All calls [main].
+/// Runs the live sound: captures into the ring buffer, plays from it through the playback graph,
+/// and sends the settings to the stages. Starts and stops all parts together and keeps them running
+/// through hardware changes. Publishes the values that the screens show. All calls [main].
 ///
 /// The logic of its parts is in SystemAudioTap, PlaybackGraph, ProcessingChain and
 /// EngineDiagnostics; AudioEngineRestart.cpp holds its reactions to the hardware.
@@ -48,87 +48,84 @@ class AudioEngine final : public QObject {
     /// Fills the registry of effect units; by default with all of this program's units.
     using UnitRegistration = std::function<void(AudioUnitRegistry &)>;
 
-    /// Hardware, device manager and clock must outlive the engine. `queues` makes the queue on
-    /// which the display's tap runs.
+    /// Hardware, device manager and clock must outlive the engine. `queues` makes the queue of the
+    /// display's tap.
     AudioEngine(AudioHardware &hardware, DeviceManager &deviceManager, Clock &clock,
                 std::vector<EQBand> bands, const UnitRegistration &registerUnits = allEffectUnits,
                 SerialQueueFactory queues = threadedSerialQueues());
     ~AudioEngine() override;
 
-    // Settings. Each assignment reaches the sound at once and is announced, even if it changes
-    // nothing.
+    // Settings. Each assignment applies at once and emits its signal, even without a change.
     [[nodiscard]] const SpatialConfig &spatial() const { return spatial_; }
     void setSpatial(const SpatialConfig &spatial);
     [[nodiscard]] const MixerConfig &mixer() const { return mixer_; }
     void setMixer(const MixerConfig &mixer);
     [[nodiscard]] EQProcessor &eq() { return chain_.eq(); }
-    /// Settings made while the result lives, the equaliser's included, apply from the same block
-    /// on: `const auto change = engine.changeSettings();`. Hold it for the assignments only.
+    /// Applies all settings made while the result lives, the equaliser's included, from the same
+    /// block on: `const auto change = engine.changeSettings();`. Hold it for the assignments only.
     [[nodiscard]] ProcessingChain::SettingsChange changeSettings() {
         return ProcessingChain::SettingsChange(chain_);
     }
 
     /// The device in use: the chosen one or its stand-in.
     [[nodiscard]] const std::optional<AudioDevice> &outputDevice() const { return outputDevice_; }
-    /// Sets the user's choice, which ends an error of having none. While running, playback moves
-    /// after a short debounce. While the chosen device is missing, the current default output
-    /// replaces it; once the device is back, it is used again.
+    /// Sets the user's choice and clears the no-output error. While running, playback moves after a
+    /// short debounce. The current default output replaces the chosen device while that is missing.
     void setOutputDevice(std::optional<AudioDevice> device);
 
     /// Uid of the user's choice, present or not; empty without a choice.
     [[nodiscard]] const std::optional<std::string> &outputChoice() const { return chosenUID_; }
-    /// Restores a choice of an earlier run. If the device is missing, the current output is its
-    /// stand-in.
+    /// Restores the choice of an earlier run. The current output stands in if the device is
+    /// missing.
     void restoreOutputChoice(std::optional<std::string> uid);
-    /// Uses the current default output from now on whenever the chosen device is missing or none
-    /// was chosen. Before this call only the user's choice is used.
+    /// From now on, uses the current default output if the chosen device is missing or none is
+    /// chosen. Before this call only the user's choice is used.
     void useDefaultOutput();
     /// True if the device in use replaces the choice.
     [[nodiscard]] bool isOutputStandIn() const {
         return outputDevice_ && outputDevice_->uid != chosenUID_;
     }
 
-    /// Sets the rule that decides what each output is used for; null for none. The rule must
-    /// outlive the engine, or be replaced before its end.
+    /// Sets the rule that decides the use of each output; null for none. The rule must outlive the
+    /// engine, or be replaced before its end.
     void setOutputRule(OutputRule *rule);
-    /// To be called when the rule's decision about the output in use may have changed.
+    /// Applies the rule's decision about the output in use; call it when that may have changed.
     void followOutputRule();
-    /// Whether the user wants processing, but not on the output in use: nothing is captured. The
-    /// state is `stopped` meanwhile; the engine starts by itself with another output.
+    /// True while the user wants processing, but the rule excludes the output in use. The state is
+    /// then `stopped`, nothing is captured, and the engine starts itself on another output.
     [[nodiscard]] bool isLeavingAlone() const { return isLeavingAlone_; }
 
-    /// Lets playback be compared with the unprocessed sound, at the cost of measuring the loudness.
-    /// Applies from the next start.
+    /// Enables comparing at equal loudness, at the cost of measuring the loudness. Applies from the
+    /// next start.
     void setComparable(bool comparable) { chain_.setMeasuresLoudness(comparable); }
-    /// Holds the highest levels, which costs a little. Applies from the next start.
+    /// Measures the peaks of `heldLevels`, at a small cost. Applies from the next start.
     void setHoldsPeaks(bool holds) { chain_.setHoldsPeaks(holds); }
-    /// While comparing, plays the unprocessed sound at the loudness of the processed one; only the
-    /// limiter stays. Settings may change meanwhile. A start ends it.
+    /// While comparing, plays the unprocessed sound through the limiter only, at the loudness of
+    /// the processed sound. Settings may change meanwhile. A start ends the comparison.
     void setComparing(bool comparing);
     [[nodiscard]] bool comparing() const { return comparing_; }
 
-    /// Returns at once; the result is a change of `state`. Ignored while starting or running; while
-    /// coming back it makes an attempt at once.
+    /// Starts asynchronously; `stateChanged` reports the result. Ignored while starting, running or
+    /// leaving an output alone; retries at once while coming back.
     void start();
-    /// Stops; also ends the return after a failure.
+    /// Stops; also cancels the return after a failure.
     void stop();
     [[nodiscard]] const EngineLifecycle::State &state() const { return state_; }
 
-    /// True while the engine waits for the hardware after a failure in the middle of processing, to
-    /// start by itself. Meanwhile the state is the failure's text.
+    /// True while the engine waits to restart itself after a failure during processing. The state
+    /// then holds the failure's text.
     [[nodiscard]] bool isComingBack() const { return comebackTimer.isSet(); }
     /// Restarts made necessary by the hardware since the user's last start.
     [[nodiscard]] const EngineUpheavals &upheavals() const { return upheavals_; }
 
-    /// Whether a window or terminal shows the published values; initially true. If not, the
-    /// read-outs are not refreshed, the spectrum is not analysed, and measurements only for display
-    /// are delayed.
+    /// Tells whether a window or terminal shows the published values; initially true. While false,
+    /// stops the read-outs and the spectrum, and delays measurements made only for display.
     void setDisplayed(bool isDisplayed);
-    /// Refreshes the read-outs once while they are not displayed.
+    /// Refreshes the undisplayed read-outs once.
     void refreshReadouts();
 
-    // Read-outs, refreshed ten times a second while running and displayed. While no sound comes,
-    // the refreshing stops once they are constant.
+    // Read-outs, refreshed ten times a second while running and displayed. Without sound, the
+    // refresh stops once they are constant.
     [[nodiscard]] float limiterReductionDB() const {
         return published_.values().limiterReductionDB;
     }
@@ -145,7 +142,7 @@ class AudioEngine final : public QObject {
     /// The spectrum of the output, for the display; runs while the setting `spectrumEnabled` is on.
     [[nodiscard]] SpectrumAnalyzer &spectrumAnalyzer() { return spectrumAnalyzer_; }
 
-    /// Publishes each of the two meters if it has changed by more than 0.05 dB.
+    /// Publishes each meter that has changed by more than 0.05 dB.
     void updateMeters(float limiterReduction, float autoGain);
 
     /// Losses since the last start, as of the last whole second.
@@ -156,13 +153,13 @@ class AudioEngine final : public QObject {
     void mixerChanged();
     void outputDeviceChanged();
     void comparingChanged();
-    void stateChanged(); ///< also if a start or a stop ends in the earlier state
+    void stateChanged(); ///< also emitted if a start or stop ends in the earlier state
     void limiterReductionDBChanged();
     void autoGainDBChanged();
     void bassTrackedFrequencyChanged();
     void voiceConfidenceChanged();
     void heldLevelsChanged();
-    void lossesChanged(); ///< or the upheavals
+    void lossesChanged(); ///< losses or upheavals
 
   private:
     static void allEffectUnits(AudioUnitRegistry &registry);
@@ -227,7 +224,7 @@ class AudioEngine final : public QObject {
     HeldLevels heldLevels_;
     int standingReadouts_ = 0; ///< number of consecutive read-outs without a change
     bool isDisplayed_ = true;
-    bool doCyclesCome_ = false; ///< of the running playback
+    bool doCyclesCome_ = false; ///< the running playback gets cycles
 
     EngineLifecycle lifecycle;
     AudioUnitRegistry registry_;
@@ -241,14 +238,14 @@ class AudioEngine final : public QObject {
     /// Progress of the return after a failure.
     struct Comeback {
         double failedAt = 0.0;              ///< seconds on the clock
-        std::optional<double> devicesSince; ///< time at which the first device was seen again
+        std::optional<double> devicesSince; ///< time at which devices reappeared
         int failedStarts = 0;
     };
 
     Timer bassReadoutTimer;
     Timer outputRestartTask;
-    Timer identityDeadline_; ///< set while the output's identity is waited for
-    Timer comebackTimer;     ///< set while a return waits for the hardware
+    Timer identityDeadline_; ///< set while waiting for the output's identity
+    Timer comebackTimer;     ///< set while waiting to return after a failure
     Comeback comeback_;
     EngineUpheavals upheavals_;
     std::shared_ptr<AudioEngine *> self_; ///< lets the hardware's threads find the engine

@@ -10,7 +10,7 @@
 namespace quorbel {
 namespace {
 
-/// A session manager that is there names the route within some milliseconds.
+/// A running session manager names the route within milliseconds.
 constexpr double longestIdentityWaitSeconds = 1.0;
 
 } // namespace
@@ -44,7 +44,7 @@ void AudioEngine::followOutputRule() {
         decideOutput(use.isLeftAlone);
         return;
     }
-    // Keeps the settings meanwhile. After the longest wait it decides with the names known by then.
+    // Keeps the settings while waiting; the deadline decides with the names known by then.
     if ((isRunning || isLeavingAlone_) && !identityDeadline_.isSet())
         identityDeadline_ = Timer::once(clock_, longestIdentityWaitSeconds,
                                         [this] { decideOutput(useOfOutput().isLeftAlone); });
@@ -55,7 +55,7 @@ void AudioEngine::decideOutput(bool isLeftAlone) {
     if (lifecycle.state() == EngineLifecycle::State::running()) {
         if (isLeftAlone)
             leaveOutputAlone();
-        else if (!outputRestartTask.isSet()) // else before the new device's first block
+        else if (!outputRestartTask.isSet()) // otherwise the restart adopts it
             adoptOutput();
     } else if (isLeavingAlone_ && !isLeftAlone) {
         beginStart();
@@ -64,7 +64,7 @@ void AudioEngine::decideOutput(bool isLeftAlone) {
     }
 }
 
-/// Applications play on the output directly until another output is in use or the rule changes.
+/// Lets applications play directly on the output until another is in use or the rule changes.
 void AudioEngine::leaveOutputAlone() {
     comebackTimer.invalidate();
     lifecycle.end();
@@ -77,7 +77,7 @@ void AudioEngine::leaveOutputAlone() {
     logLine("AudioEngine", fmt::format("ieșirea '{}' este lăsată în pace", outputDevice_->name));
 }
 
-/// Returns true while a start has to wait for the output's identity; it then continues by itself.
+/// Returns true if the start must wait for the output's identity and then continues by itself.
 bool AudioEngine::awaitIdentity(EngineLifecycle::Generation start) {
     if (!useOfOutput().isAwaited || hasWaitedForIdentity_)
         return false;

@@ -15,23 +15,23 @@
 namespace quorbel {
 namespace {
 
-// Debounce: a device that is plugged in makes several changes in a row, and playback moves once,
-// after the last.
+// Debounce: plugging in a device causes several changes in a row; playback moves once, after the
+// last.
 constexpr double outputRestartDelaySeconds = 0.15;
 
 /// Interval of the checks of the hardware. A check costs next to nothing while no server answers.
 constexpr double lookSeconds = 0.25;
-/// A start that keeps failing is tried less often, but never abandoned.
+/// Longest pause between retries: a failing start is never abandoned.
 constexpr double longestPauseSeconds = 2.0;
 constexpr int looksUntilLongestPause = 3; ///< as the pause doubles
 /// Grace period for the chosen device before falling back to another: after a server's start its
 /// devices appear one by one.
 constexpr double deviceWaitSeconds = 1.0;
 
-/// Whether playback that is bound to one device is bound to the other.
+/// True if both are the same device for playback, whatever its socket.
 bool isSameDevice(std::optional<AudioDevice> a, const std::optional<AudioDevice> &b) {
     if (a && b)
-        a->identity = b->identity; // plays on through another socket
+        a->identity = b->identity; // another socket of the same device
     return a == b;
 }
 
@@ -50,7 +50,7 @@ void AudioEngine::useDefaultOutput() {
     followDeviceList();
 }
 
-/// Returns the chosen device, or the default as its stand-in.
+/// Returns the chosen device, or else the default output if that may stand in.
 std::optional<AudioDevice> AudioEngine::wantedOutput() const {
     if (chosenUID_)
         if (auto chosen = deviceManager_.outputDevice(*chosenUID_))
@@ -60,14 +60,13 @@ std::optional<AudioDevice> AudioEngine::wantedOutput() const {
 
 void AudioEngine::followWantedOutput() {
     auto wanted = wantedOutput();
-    // Equal but for the serial: the device has gone and come back, and playback is bound to the old
-    // one.
+    // A new serial alone means that the device reappeared and playback is bound to the old one.
     if (wanted != outputDevice_)
         moveOutput(std::move(wanted));
 }
 
-/// Shows a missing choice as such until the start: while nothing plays, only the display depends on
-/// the device.
+/// Follows the device list at rest. Keeps showing a missing choice until the start, because only
+/// the display depends on it.
 void AudioEngine::followDeviceList() {
     const bool isAtRest = !lifecycle.isStarting() && !isComingBack() &&
                           lifecycle.state() != EngineLifecycle::State::running();
@@ -80,7 +79,7 @@ void AudioEngine::followDeviceList() {
     endErrorOfNoOutput();
 }
 
-/// Ends the error of having no device once there is one.
+/// Clears the no-output error once there is a device.
 void AudioEngine::endErrorOfNoOutput() {
     const auto error = EngineLifecycle::State::error(AudioEngineError::noOutputSelected().what());
     if (!outputDevice_ || isComingBack() || lifecycle.isStarting() || lifecycle.state() != error)
@@ -135,8 +134,7 @@ void AudioEngine::handleHardwareChange() {
     followWantedOutput();
 
     const auto defaultUID = deviceManager_.currentDefaultOutputUID();
-    // Between two defaults there is no device to build a capture around; the next change brings
-    // one.
+    // Without a default there is no device to capture around; the next change brings one.
     if (defaultUID && systemTap.isOutdatedBy(*defaultUID))
         rebuildTap();
 }
@@ -150,8 +148,8 @@ void AudioEngine::rebuildTap() {
     }
 }
 
-// The sound server ended, the last device was unplugged, or playback could not be started again.
-// The user's wish to process lasts until they press Stop.
+// Failures: the sound server ended, the last device was unplugged, or playback could not restart.
+// The engine retries until the user presses Stop.
 
 void AudioEngine::failRunning(std::string_view message) {
     lifecycle.fail(message);
@@ -169,8 +167,8 @@ void AudioEngine::awaitComeback() {
     scheduleComeback();
 }
 
-/// Makes the next attempt after the longest pause: on some servers the rate is known only once
-/// sound flows, and every attempt moves the applications twice.
+/// Retries after the longest pause: some servers know the rate only once sound flows, and every
+/// attempt moves the applications twice.
 void AudioEngine::failAtRate(double sampleRate) {
     if (lifecycle.state() != EngineLifecycle::State::running())
         return;
@@ -197,7 +195,7 @@ void AudioEngine::comeBack() {
     beginStart();
 }
 
-/// Selects the output device; returns false if there is none.
+/// Selects the output device; returns false while there is none or the grace period lasts.
 bool AudioEngine::findOutputAgain() {
     if (deviceManager_.outputDevices().empty()) {
         comeback_.devicesSince.reset();

@@ -23,7 +23,7 @@ void AudioRingBuffer::write(const PCMBuffer &buffer) noexcept {
 
     const std::lock_guard guard(lock);
     cadreScrise += frames;
-    // Of a block longer than the ring only the end would stay.
+    // Keeps only the end of a block longer than the ring.
     const std::int64_t kept = std::min(frames, capacity_);
     const std::int64_t skipped = frames - kept;
     forRingPieces(static_cast<std::uint64_t>(writeFrame + skipped), static_cast<std::size_t>(kept),

@@ -7,7 +7,7 @@ namespace quorbel {
 namespace {
 
 constexpr double bufferFrames = 8192.0; // of source frames at a ratio of at most 1
-constexpr double marginFrames = 256.0;  // most frames of a converter beyond the ratio
+constexpr double marginFrames = 256.0;  // largest excess of a converter's output over the ratio
 
 } // namespace
 

@@ -24,9 +24,9 @@ class CaptureConversion {
     /// it was longer than the buffer, or the converter gave no frames.
     [[nodiscard]] const PCMBuffer *convert(const PCMBuffer &cycle) noexcept;
 
-    /// Frames to put into the ring before the first block; null at equal rates. The length of a
-    /// converter's blocks varies by a frame, and so does the playback side's demand: without this
-    /// reserve a frame would sometimes be missing.
+    /// Frames to put into the ring before the first block; null at equal rates. Converted blocks
+    /// and the playback side's demand each vary by a frame: without this reserve the ring would
+    /// underrun.
     [[nodiscard]] const PCMBuffer *lead() const noexcept { return lead_ ? &*lead_ : nullptr; }
 
   private:

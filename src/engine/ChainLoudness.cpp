@@ -15,7 +15,7 @@ constexpr double maximumGapSeconds = 0.45;
 /// Five time constants of the weighting's high pass.
 constexpr double settlingSeconds = 0.02;
 
-/// Weight of a stretch in the means: that of the time from one stretch to the next.
+/// Smoothing coefficient of the means for one stretch and its average gap.
 const double stretchWeight =
     1.0 -
     std::exp(-(stretchSeconds + 0.5 * (minimumGapSeconds + maximumGapSeconds)) / windowSeconds);
@@ -42,7 +42,7 @@ bool ChainLoudness::Before::isInStretch(std::uint32_t frames) noexcept {
         isStretch_ = !isStretch_;
         framesLeft_ = stretchSeconds * sampleRate_;
         if (!isStretch_) {
-            // Multiples of the golden ratio's fraction spread evenly, whatever their number.
+            // Multiples of the golden ratio, modulo 1, spread evenly for any number of gaps.
             gapPhase_ = std::fmod(gapPhase_ + std::numbers::phi, 1.0);
             framesLeft_ = std::lerp(minimumGapSeconds, maximumGapSeconds, gapPhase_) * sampleRate_;
         }

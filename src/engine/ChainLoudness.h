@@ -10,9 +10,8 @@
 
 namespace quorbel {
 
-/// Measures the loudness before and after the stages between two nodes, which do not change the
-/// sound: the mean power of both channels with the K weighting of ITU-R BS.1770, over about three
-/// seconds.
+/// Measures the loudness before and after the stages between two pass-through nodes: the mean
+/// K-weighted power (ITU-R BS.1770) of both channels over about three seconds.
 ///
 /// The weighting is the bottleneck. Its recursions are latency-bound, so the first node only copies
 /// its block, and the second measures both side by side. It measures stretches with gaps of three
@@ -23,8 +22,8 @@ class ChainLoudness {
     [[nodiscard]] GraphNode &before() { return before_; }
     [[nodiscard]] GraphNode &after() { return after_; }
 
-    /// Gain in dB, within ±24, that makes the sound before the stages as loud as after them. Empty
-    /// if either is below -70 dB. [any]
+    /// Gain in dB, within ±24, that matches the loudness before the stages to that after them.
+    /// Empty if either is below -70 dB. [any]
     [[nodiscard]] std::optional<float> matchingGainDB() const;
 
   private:
@@ -36,7 +35,7 @@ class ChainLoudness {
         Status render(const RenderTime &time, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;
 
-        /// The block rendered last, if it belongs to a stretch; otherwise `frames` is 0.
+        /// Last rendered block; `frames` is 0 outside of a stretch.
         [[nodiscard]] const float *channel(std::size_t index) const {
             return channels_[index].data();
         }
@@ -49,7 +48,7 @@ class ChainLoudness {
         std::uint32_t frames_ = 0;
         double sampleRate_ = chainSampleRate;
         bool isStretch_ = false;  ///< of the current stretch or gap
-        double framesLeft_ = 0.0; ///< of the same
+        double framesLeft_ = 0.0; ///< of the current stretch or gap
         double gapPhase_ = 0.0;   ///< position of the next gap in the range of lengths, 0 to 1
     };
 
@@ -76,7 +75,7 @@ class ChainLoudness {
         const Before &before_;
         double sampleRate_ = chainSampleRate;
         KWeighting weighting_{sampleRate_};
-        std::uint32_t settlingFrames_ = 0; ///< left until the weighting forgets the stretch's start
+        std::uint32_t settlingFrames_ = 0; ///< left until the filters settle
         KWeighting::Sums sums_{};          ///< of the stretch
         std::uint32_t summedFrames_ = 0;
         std::array<double, 2> means_{};

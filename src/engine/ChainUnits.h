@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// The units of the chain in the order of the sound; each may be missing. (The reverb, between
-/// spatializer and saturation, is a graph node and not a unit.)
+/// The chain's units in signal order; each may be missing. (The reverb, between spatializer and
+/// saturation, is a graph node and not a unit.)
 enum class ChainUnit {
     bassEnhancer,
     voiceEnhancer,

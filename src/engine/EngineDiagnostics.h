@@ -29,13 +29,13 @@ class EngineDiagnostics {
     EngineDiagnostics(Clock &clock, AudioRingBuffer &ringBuffer, const SystemAudioTap &systemTap,
                       const PlaybackGraph &playback);
 
-    /// Restarts the seconds and clears the losses. Calls `lossesChanged` after each second with a
-    /// change.
+    /// Clears the losses and restarts the one-second timer. Calls `lossesChanged` after each second
+    /// with a change.
     void start(std::function<void()> lossesChanged);
     void stop();
 
-    /// `isIdle`: no sound comes until further notice. Then one more second is examined, and none
-    /// after it.
+    /// Pauses the timer after one more second while `isIdle`: no sound arrives until further
+    /// notice.
     void setIdle(bool isIdle);
 
     /// Losses of all whole seconds since the start.

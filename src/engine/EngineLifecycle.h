@@ -7,9 +7,9 @@
 
 namespace quorbel {
 
-/// Keeps an asynchronous start and a stop in the middle of it apart. A start takes a generation
-/// number and checks it before every later step; a stop makes it stale. There is no state for
-/// "starting": until a start has finished or failed, the earlier state is shown. All calls [main].
+/// Lets a stop cancel an asynchronous start. Each start takes a generation number and checks it
+/// before every later step; a stop makes it stale. "Starting" is not a state: the earlier state is
+/// shown until the start finishes or fails. All calls [main].
 class EngineLifecycle {
   public:
     /// The state that the screens show.
@@ -33,13 +33,13 @@ class EngineLifecycle {
     /// Begins a start; returns nothing if one is under way or the engine runs.
     [[nodiscard]] std::optional<Generation> beginStart();
 
-    /// True while the start of this generation has been neither finished, failed nor overtaken.
+    /// True until the start of this generation finishes, fails or becomes stale.
     [[nodiscard]] bool isCurrent(Generation start) const;
 
-    /// Changes to `running`; returns false without a change if the start was overtaken.
+    /// Changes to `running`; returns false without a change if the start is stale.
     [[nodiscard]] bool finishStart(Generation start);
 
-    /// Changes to `error` with the message, unless the start was overtaken.
+    /// Changes to `error` with the message, unless the start is stale.
     void failStart(Generation start, std::string_view message);
 
     /// Stops: a start under way becomes stale.

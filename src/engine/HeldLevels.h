@@ -2,15 +2,15 @@
 
 namespace quorbel {
 
-/// The highest levels until the user clears them, and the limiter's work, as they are shown:
-/// rounded, so that a value moves only where the movement is seen.
+/// Highest levels since the user cleared them, and the limiter's activity; rounded to the displayed
+/// precision.
 struct HeldLevels {
     float samplePeakDB = silenceDB;  ///< of the output, dB full scale, in tenths
-    float truePeakDB = silenceDB;    ///< the same between the samples
+    float truePeakDB = silenceDB;    ///< the same for the true peak
     float largestReductionDB = 0.0F; ///< by the limiter, in tenths, not negative
-    float limiterSeconds = 0.0F;     ///< of reduction in the last minute of sound, whole
+    float limiterSeconds = 0.0F;     ///< whole seconds of reduction in the last minute of sound
 
-    /// Of a level that is not measured, or of no sound.
+    /// Level of silence and of an unmeasured peak.
     static constexpr float silenceDB = -120.0F;
 
     friend bool operator==(const HeldLevels &, const HeldLevels &) = default;

@@ -48,8 +48,8 @@ HWY_INLINE void interleave(const KWeighting::Channels &channels, std::uint32_t b
             tile.samples[i * channelCount + channel] = channels[channel][begin + i];
 }
 
-/// The recursive part of a section's output, for the channels of one vector. The newest output is
-/// added last, because only that addition waits for the previous frame.
+/// Recursive part of a section's output, for the channels of one vector. The recursion is
+/// latency-bound, so the previous frame's output is added last.
 class Feedback {
   public:
     HWY_INLINE Feedback(double a1, double a2)
@@ -121,7 +121,7 @@ HWY_EXPORT(squareInLanes);
 
 namespace {
 
-// The analog prototypes of the coefficients in BS.1770's tables for 48 kHz.
+// Analog prototypes of the coefficients in BS.1770's tables for 48 kHz.
 constexpr double shelfHertz = 1681.974450955533;
 constexpr double shelfDB = 3.999843853973347;
 constexpr double shelfQ = 0.7071752369554196;

@@ -23,11 +23,11 @@ class KWeighting {
     /// Sums the squares of each channel's weighted samples. [render]
     [[nodiscard]] Sums squares(const Channels &channels, std::uint32_t frames) noexcept;
 
-    /// Coefficients divided by the first one of the input, which is then 1.
+    /// Coefficients normalised to a0 = b0 = 1.
     struct Shelf {
         double b1 = 0.0, b2 = 0.0, a1 = 0.0, a2 = 0.0;
     };
-    /// The coefficients of its input are 1, -2 and 1.
+    /// Feedback coefficients; the feedforward ones are 1, -2 and 1.
     struct Cut {
         double a1 = 0.0, a2 = 0.0;
     };
@@ -35,7 +35,7 @@ class KWeighting {
         Shelf shelf;
         Cut cut;
     };
-    /// The last two samples by channel: of the input, after the shelf, and after both sections.
+    /// Last two samples per channel of the input, after the shelf, and after both sections.
     struct Memory {
         std::array<Sums, 2> input{};
         std::array<Sums, 2> shelved{};
@@ -44,7 +44,7 @@ class KWeighting {
 
   private:
     Sections sections_;
-    double scale_ = 1.0; ///< of the squares: the gains left out of the sections
+    double scale_ = 1.0; ///< squared gain that the sections leave out
     Memory memory_;
 };
 

@@ -15,13 +15,12 @@ struct MeterReadings {
     friend bool operator==(const MeterReadings &, const MeterReadings &) = default;
 };
 
-/// The readings as shown: a value changes only by visible amounts, because every change redraws a
-/// screen.
+/// Displayed readings. Every change redraws a screen, so a value changes only by visible amounts.
 class PublishedReadings {
   public:
     [[nodiscard]] const MeterReadings &values() const { return values_; }
 
-    /// Each takes a new reading and returns whether the shown value has changed.
+    /// Each takes a new reading; returns true if the displayed value has changed.
     bool updateLimiterReduction(float dB);
     bool updateAutoGain(float dB);
     bool updateBassTracking(float hertz);

@@ -13,8 +13,8 @@
 
 namespace quorbel {
 
-/// Renders the processing chain without hardware, as fast as the machine can, on a clock that
-/// advances by exactly the rendered frames. Two runs over the same input give the same samples.
+/// Renders the processing chain without hardware, faster than real time, on a clock that advances
+/// by exactly the rendered frames. Two runs over the same input give the same samples.
 ///
 /// Sound is planar stereo at `sampleRate`, any number of frames per call. The output has as many
 /// frames as the input and keeps the stages' delay. All calls on the thread that made the renderer.
@@ -28,11 +28,11 @@ class OfflineRenderer {
     OfflineRenderer(const OfflineRenderer &) = delete;
     OfflineRenderer &operator=(const OfflineRenderer &) = delete;
 
-    /// Changes the settings from the next block on, as a control would: gains glide, nothing
+    /// Applies the settings from the next block on like a live control: gains glide, nothing
     /// restarts.
     void apply(const ChainSettings &settings);
 
-    /// Renders one block from `input` to `output`, each of two channels of `frames` frames; both
+    /// Renders one block from `input` to `output`, each with two channels of `frames` frames; both
     /// may be the same. Then advances the clock by the block's length and runs the analyses that
     /// are due.
     Status render(const AudioBufferList &input, const AudioBufferList &output,
@@ -51,7 +51,7 @@ class OfflineRenderer {
         std::function<void(double seconds, const SpectrumAnalyzer::Levels &levels)>;
     void setSpectrumObserver(SpectrumObserver observer);
 
-    /// Number of input frames with a sample that was not finite and was replaced by zero.
+    /// Number of input frames with a non-finite sample, which was replaced by zero.
     [[nodiscard]] std::uint64_t replacedFrames() const;
 
   private:

@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// A stage that leaves the sound as it is and holds its highest peak until it is cleared.
+/// Pass-through stage that holds the highest peak until it is cleared.
 class OutputPeak final : public GraphNode {
   public:
     Status allocateRenderResources(const StreamFormat &format,
@@ -15,11 +15,11 @@ class OutputPeak final : public GraphNode {
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
 
-    /// The largest sample, and the largest value between the samples; full scale 1. [any]
+    /// Sample peak and true peak; full scale 1. [any]
     [[nodiscard]] float sample() const { return isCleared() ? 0.0F : sample_.load(order); }
     [[nodiscard]] float between() const { return isCleared() ? 0.0F : between_.load(order); }
 
-    /// Forgets the peaks. Takes effect at once for the readers. [main]
+    /// Clears the peaks; readers see 0 at once. [main]
     void clear() { clearing_.store(true, order); }
 
   private:

@@ -4,14 +4,14 @@ namespace quorbel {
 
 struct AudioDevice;
 
-/// The use of an output.
+/// Decision about one output.
 struct OutputUse {
     bool isLeftAlone = false; ///< nothing is captured while it is in use
     bool isAwaited = false;   ///< may change once the device's identity is complete
 };
 
-/// Decides what each output is used for and sets its settings. The engine asks at its start and
-/// when the output in use or its identity has changed. [main]
+/// Decides the use of each output and applies its settings. The engine asks at its start and when
+/// the output in use or its identity has changed. [main]
 class OutputRule {
   public:
     virtual ~OutputRule() = default;
@@ -21,8 +21,8 @@ class OutputRule {
 
     [[nodiscard]] virtual OutputUse useOf(const AudioDevice &device) const = 0;
 
-    /// Sets the engine's settings for this device, all of them in one change: called before the
-    /// first block for it, and where it is left alone too.
+    /// Applies this device's settings to the engine in one change, before its first block. Also
+    /// called for a device that is left alone.
     virtual void adopt(const AudioDevice &device) = 0;
 };
 

@@ -23,8 +23,8 @@ class PlaybackGraph {
     PlaybackGraph(std::unique_ptr<HardwareOutput> output, ProcessingChain &chain,
                   AudioRingBuffer &ringBuffer, SerialQueueFactory tapQueues);
 
-    /// Binds the output to the device, logs its format, and reconnects everything to a new source.
-    /// While stopped. Throws AudioEngineError without a device, DeviceError if it cannot be bound.
+    /// Binds the output to the device, logs its format, and reconnects all to a new source. While
+    /// stopped. Throws AudioEngineError without a device, DeviceError if it cannot be bound.
     void configure(const DeviceManager &devices, const std::optional<AudioDevice> &device);
 
     /// `HardwareOutput::setStaysOnDevice`.
@@ -39,14 +39,14 @@ class PlaybackGraph {
     /// Stops the graph and clears the sound inside.
     void stop();
 
-    /// Updates whether the device is kept running for a tail; called after changes of the chain's
+    /// Keeps the device running while the chain has a tail; call it after changes of the chain's
     /// settings.
     void updateTail();
 
     /// For the spectrum analyzer, which taps the main mixer.
     [[nodiscard]] AudioGraph &graph() { return processEngine; }
 
-    /// Total frames with a captured sample that was not finite.
+    /// Total frames with a non-finite captured sample.
     [[nodiscard]] std::uint64_t replacedNonFiniteFrames() const;
 
   private:

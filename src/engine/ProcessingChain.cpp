@@ -117,7 +117,7 @@ void ProcessingChain::setBypassed(bool bypassed) {
 }
 
 float ProcessingChain::bypassGainDB() const {
-    // In silence the loudness of the next sound is unknown: no louder than with the settings.
+    // In silence the loudness is unknown: falls back to the equaliser's gain, but never boosts.
     const float gain = loudness_.matchingGainDB().value_or(std::min(0.0F, eq_.totalGainDB()));
     return mixer_.limiterEnabled ? gain : std::min(0.0F, gain);
 }
@@ -139,8 +139,7 @@ void ProcessingChain::pushSpatial() {
     for (std::size_t index = 0; index < chainUnitCount; ++index)
         if (units_[index] != nullptr)
             pushSettings(spatial, static_cast<ChainUnit>(index), units_[index]->unit());
-    pushDemand(); // within the change, so that an analysis that begins to shape the sound is up to
-                  // date
+    pushDemand(); // within the change: updates analyses before they shape the sound
     reverb_.setPreset(spatial.reverbPreset);
     reverb_.setMix(spatial.reverbEnabled ? spatial.reverbMix : 0.0F);
 }

@@ -42,14 +42,14 @@ class ProcessingChain {
     [[nodiscard]] ReverbProcessor &reverb() { return reverb_; }
 
     /// Makes the missing units; each unit starts with the current settings. Calls `completion` once
-    /// all have been made or have failed: never inside this call, and not after the chain's end.
+    /// all are made or have failed: never during this call or after the chain's end.
     void instantiateCustomUnits(std::function<void()> completion);
 
     /// Null if the unit does not exist.
     [[nodiscard]] const AudioUnit *unit(ChainUnit which) const;
 
-    /// While it lives, new settings of this chain or its equaliser wait, and then apply from the
-    /// same block on. May be nested. Rendering does not wait for its end. [main]
+    /// Holds back new settings of this chain and its equaliser until its end; all then apply from
+    /// the same block on. May be nested. Never blocks rendering. [main]
     class [[nodiscard]] SettingsChange {
       public:
         explicit SettingsChange(ProcessingChain &chain) : chain_(chain) {
@@ -76,8 +76,8 @@ class ProcessingChain {
     /// Holds the peaks behind the chain, from the next `connect` on.
     void setHoldsPeaks(bool holds) { holdsPeaks_ = holds; }
 
-    /// While bypassed, every effect but the limiter is neutral, and the sound keeps the loudness of
-    /// the processed sound. The settings stay, may change, and apply again with `false`. Glides.
+    /// While bypassed, every effect but the limiter is neutral, at the loudness of the processed
+    /// sound. The settings may change meanwhile and apply again with `false`. Glides.
     void setBypassed(bool bypassed);
 
     void applySpatial(const SpatialConfig &spatial);
@@ -95,10 +95,10 @@ class ProcessingChain {
     [[nodiscard]] HeldLevels heldLevels() const;
     void clearHeldLevels();
 
-    /// `isIdle`: no blocks come until further notice, so the units' other work may rest.
+    /// `isIdle`: no blocks arrive until further notice; the units may pause their analyses.
     void setIdle(bool isIdle);
-    /// `isDisplayed`: a window or terminal shows the readings; initially true. When it becomes
-    /// true, they are up to date on return.
+    /// Tells whether a window or terminal shows the readings; initially true. Brings them up to
+    /// date when it becomes true.
     void setDisplayed(bool isDisplayed);
 
   private:

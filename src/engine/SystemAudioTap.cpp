@@ -16,7 +16,7 @@
 namespace quorbel {
 namespace {
 
-/// After a longer pause between two cycles (the machine slept) the ring's content is stale.
+/// Longest pause between two cycles before the ring's content is stale, as after a suspend.
 constexpr double longestGapSeconds = 0.25;
 
 std::string inHertz(double rate) { return fmt::format("{} Hz", rate); }
@@ -201,7 +201,7 @@ void SystemAudioTap::ioFormatChanged(const StreamFormat &format) {
             onRateRefused(format.sampleRate);
         return;
     }
-    // From here on the rate is the cycles' own.
+    // After a change, aggregate and tap both have the cycles' rate.
     const std::lock_guard guard(changeMutex_);
     formatChange_ = ratesLine(format.sampleRate, format.sampleRate, *conversion_);
 }
@@ -216,7 +216,7 @@ void SystemAudioTap::ioCycle(const IOCycle &cycle) noexcept {
     }
     lastCycleEnd_ = cycle.hostSeconds + cycle.frames / cycle.format.sampleRate;
     CaptureConversion *conversion = active_.load(std::memory_order_acquire);
-    // The ring may hold a conversion's lead, and the last block of a replaced output.
+    // Drops stale frames: another conversion's lead, or the last block of a replaced output.
     const std::uint32_t number = conversions_.load(std::memory_order_acquire);
     const bool isOtherConversion = std::exchange(lastConversion_, number) != number;
     if (isOtherConversion || (cycle.isAllPlayed && conversion != nullptr && conversion->copies())) {

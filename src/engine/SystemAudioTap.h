@@ -19,9 +19,9 @@ namespace quorbel {
 
 class AudioRingBuffer;
 
-/// Captures the sound of all other programs, mutes it unprocessed, converts it to the chain format
-/// and writes it into the ring buffer. Every activation makes a new tap and a new capture device
-/// around the current default output.
+/// Captures the sound of all other programs, mutes their direct playback, converts the sound to the
+/// chain format and writes it into the ring buffer. Every activation makes a new tap and a new
+/// capture device around the current default output.
 ///
 /// Threads: activate and cleanup [main]; the hardware calls on [control] and [capture].
 class SystemAudioTap final : private IOClient {
@@ -47,7 +47,7 @@ class SystemAudioTap final : private IOClient {
     /// `ring` must outlive the activation.
     void activate(AudioRingBuffer &ring, const StreamFormat &chain);
 
-    /// Stops and destroys all objects; at any time, any number of times.
+    /// Stops and destroys all objects; may be called at any time, repeatedly.
     void cleanup();
 
     /// True from a successful activation until the owner marks it stopped.
@@ -64,14 +64,13 @@ class SystemAudioTap final : private IOClient {
         return builtWithDefaultUID_;
     }
 
-    /// Called with a new rate at which the running capture cannot continue. [control]
+    /// Called when the running capture's rate changes to one that cannot be converted. [control]
     std::function<void(double sampleRate)> onRateRefused;
 
-    /// Logs a change of the format since the last call. (The thread that receives the change must
-    /// not wait for the log.) [main]
+    /// Logs a format change since the last call; the thread that receives it must not block. [main]
     void logFormatChange();
 
-    /// Total capture cycles without a frame in the ring. [any]
+    /// Total capture cycles that wrote no frame into the ring. [any]
     [[nodiscard]] std::int32_t droppedCycles() const noexcept {
         return droppedCycles_.load(std::memory_order_relaxed);
     }
@@ -107,9 +106,8 @@ class SystemAudioTap final : private IOClient {
     AudioRingBuffer *ring_ = nullptr;
     StreamFormat chainFormat_;
 
-    // Made and dropped by the thread that changes the format; the capture thread reads only
-    // `active_`. The previous one stays until the next change, so that a cycle that uses it can
-    // finish.
+    // Replaced by the thread that changes the format; [capture] reads only `active_`. The previous
+    // conversion lives until the next change, because a cycle may still use it.
     std::unique_ptr<CaptureConversion> conversion_;
     std::unique_ptr<CaptureConversion> retired_;
     std::atomic<CaptureConversion *> active_{nullptr};

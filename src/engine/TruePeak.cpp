@@ -15,8 +15,8 @@ namespace {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// The first two phases of the interpolator of BS.1770-4, annex 2; the other two are the second and
-/// the first, backwards.
+/// First two phases of the interpolator of BS.1770-4, annex 2; the other two are the second and the
+/// first, reversed.
 constexpr std::size_t tapCount = TruePeak::tapCount;
 constexpr float truePeakTaps[2][tapCount] = {
     {0.0017089843750F, 0.0109863281250F, -0.0196533203125F, 0.0332031250000F, -0.0594482421875F,
@@ -27,12 +27,12 @@ constexpr float truePeakTaps[2][tapCount] = {
      0.0330810546875F, -0.0189208984375F},
 };
 
-/// Limits of an interpolated value f of a phase with the taps t, for samples of at most s and
-/// second differences of at most d in magnitude. Directly, |f| <= sum |t| * s. Smoother sound has a
-/// lower one: a * x[5] + b * x[6] with the sum and the first moment of the taps leaves sum g[k] *
-/// d[k], where g is the double running sum of what it leaves of the taps. So |f| <= (a + b) * s +
-/// sum |g| * d, with a + b = 1.0016 and 0.9730, sum |g| = 0.1642 and 0.5697. The rounding of the
-/// sums is far below what the constants are rounded up by.
+/// Bounds of an interpolated value f of a phase with taps t, for samples of at most s and second
+/// differences of at most d in magnitude. In general, |f| <= sum |t| * s. The bound for smooth
+/// sound splits f into a * x[5] + b * x[6], with the taps' sum and first moment, and a rest sum
+/// g[k] * d[k], where g is the double running sum of the rest's taps. So |f| <= (a + b) * s + sum
+/// |g| * d, with a + b = 1.0016 and 0.9730, sum |g| = 0.1642 and 0.5697. The constants are rounded
+/// up by far more than the rounding errors of the sums.
 constexpr float largestOvershoot = 2.03F;
 constexpr float smoothOvershoot = 1.002F;
 constexpr float bendOvershoot = 0.571F;
@@ -46,9 +46,9 @@ HWY_INLINE float limitOf(const TruePeak::Extent &extent) {
                     smoothOvershoot * extent.sample + bendOvershoot * extent.bend);
 }
 
-/// The largest magnitude of the four phases at as many frames as `tag` has lanes. A phase f and its
-/// mirror image b are computed as (f + b) / 2 and (f - b) / 2, each from half the taps;
-/// max(|f|, |b|) is the sum of their magnitudes.
+/// Largest magnitude of the four phases, for as many frames as `tag` has lanes. A phase f and its
+/// mirror image b are computed as (f + b) / 2 and (f - b) / 2, each from half the taps; max(|f|,
+/// |b|) is the sum of their magnitudes.
 template <typename Tag> HWY_INLINE hn::Vec<Tag> peakAt(Tag tag, const float *samples) {
     constexpr std::size_t last = tapCount - 1;
     hn::Vec<Tag> even[2] = {hn::Zero(tag), hn::Zero(tag)};
@@ -70,8 +70,7 @@ template <typename Tag> HWY_INLINE hn::Vec<Tag> peakAt(Tag tag, const float *sam
                    hn::Add(hn::Abs(even[1]), hn::Abs(odd[1])));
 }
 
-/// The largest magnitude `at` finds in `count` frames: `at(tag, i)` is that of the frames from i
-/// on.
+/// Largest of the magnitudes `at(tag, i)` of the frames from i on, over `count` frames.
 template <typename At> HWY_INLINE float largest(std::uint32_t count, const At &at) {
     const hn::CappedTag<float, 16> tag;
     const hn::CappedTag<float, 1> single;
@@ -93,8 +92,8 @@ template <typename Tag> HWY_INLINE hn::Vec<Tag> bendAt(Tag tag, const float *sam
     return hn::Abs(hn::Sub(after, before));
 }
 
-/// `at(i)` points to sample i of the tile, behind those that the taps reach. `before` is the extent
-/// of the latter.
+/// `at(i)` points to sample i of the tile, preceded by the samples in the taps' reach; `before` is
+/// their extent.
 template <typename At>
 HWY_INLINE void raiseToTile(const At &at, std::uint32_t count, TruePeak::Extent &before,
                             Peaks &held) {
@@ -109,7 +108,7 @@ HWY_INLINE void raiseToTile(const At &at, std::uint32_t count, TruePeak::Extent 
         held.between = std::max(held.between, largest(count, [&](auto tag, std::uint32_t i) {
                                     return peakAt(tag, at(i) - (tapCount - 1));
                                 }));
-    // A short tile leaves some of the samples before it in reach.
+    // A tile shorter than the taps leaves earlier samples in reach.
     before = count >= tapCount - 1 ? extent : reached;
 }
 

@@ -9,11 +9,11 @@ namespace quorbel {
 /// Largest magnitudes of a signal, full scale 1.
 struct Peaks {
     float sample = 0.0F;
-    float between = 0.0F; ///< of the samples and of the continuous signal between them
+    float between = 0.0F; ///< true peak; at least the sample peak
 };
 
-/// The peaks of a stereo signal, those between the samples by the four-fold oversampling of ITU-R
-/// BS.1770-4, annex 2, at 48 kHz.
+/// Measures the sample and true peaks of a stereo signal at 48 kHz; the latter by the four-fold
+/// oversampling of ITU-R BS.1770-4, annex 2.
 ///
 /// The oversampling is the bottleneck. It is skipped where the samples are too small or too smooth
 /// for a new maximum.
@@ -24,8 +24,8 @@ class TruePeak {
                  Peaks &held) noexcept;
 
     static constexpr std::size_t tapCount = 12;
-    /// Frames of a block that are processed beside the samples before it; at least as many as the
-    /// taps reach back.
+    /// Frames at a block's start that are copied behind the samples before it; at least the taps'
+    /// reach.
     static constexpr std::uint32_t headFrames = 16;
     /// Largest magnitudes among some samples.
     struct Extent {
@@ -34,7 +34,7 @@ class TruePeak {
     };
     /// Of one channel.
     struct Memory {
-        /// The samples before a block, then its head. Only the former outlive a block.
+        /// The samples before a block, kept between blocks, then the block's head.
         alignas(64) std::array<float, tapCount - 1 + headFrames> samples{};
         Extent extentBefore; ///< of the samples before the next frame
     };
