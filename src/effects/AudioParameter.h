@@ -6,9 +6,8 @@
 
 namespace quorbel {
 
-/// Carries one parameter's value from the control side to the render side: the unit's parameter
-/// tree writes it, the render block takes it once per block. The lock covers a single load or
-/// store.
+/// Carries a parameter's value from the control side, where the parameter tree writes it, to the
+/// render block, which takes it once per block. The lock covers a single load or store.
 ///
 /// Shared by the unit, its tree and its render blocks; the last owner frees it. [any] unless
 /// tagged.
@@ -40,7 +39,7 @@ class AudioParameter {
 /// A switch is on from the middle of its range.
 [[nodiscard]] constexpr bool isOn(float switchValue) { return switchValue >= 0.5F; }
 
-/// The two adaptive switches are on only above the middle.
+/// The two adaptive switches are on only above the middle of their range.
 [[nodiscard]] constexpr bool isAdaptiveOn(float switchValue) { return switchValue > 0.5F; }
 
 } // namespace quorbel

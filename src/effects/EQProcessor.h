@@ -11,32 +11,32 @@
 namespace quorbel {
 
 /// The chain's parametric equaliser: the model of bands and gains, and the node that receives them
-/// together. Observers hear of every assignment, even of an equal value. [main]
+/// together. Every assignment emits its signal, even of an equal value. [main]
 class EQProcessor final : public QObject {
     Q_OBJECT
 
   public:
-    /// The node gets as many bands as the list has and keeps that number for its life.
+    /// The node keeps the list's number of bands for life.
     explicit EQProcessor(std::vector<EQBand> bands);
 
     [[nodiscard]] const std::vector<EQBand> &bands() const { return bands_; }
-    /// Bands beyond the node's are kept in the model only; node bands beyond the list stay as they
-    /// are.
+    /// Keeps bands beyond the node's number in the model only; node bands beyond the list stay
+    /// unchanged.
     void setBands(std::vector<EQBand> bands);
 
     [[nodiscard]] float globalGainDB() const { return globalGainDB_; }
     void setGlobalGainDB(float gainDB);
 
-    /// The gain of the preset in use, played on top of the global gain.
+    /// Gain of the preset in use, added to the global gain.
     [[nodiscard]] float presetGainDB() const { return presetGainDB_; }
     void setPresetGainDB(float gainDB);
-    /// What the node plays beside the bands.
+    /// Sum of both gains, in dB.
     [[nodiscard]] float totalGainDB() const { return globalGainDB_ + presetGainDB_; }
 
-    /// Sets both at once: no block is rendered with only one of them.
+    /// Sets both at once: they apply from the same block on.
     void set(std::vector<EQBand> bands, float globalGainDB);
 
-    /// Applies nothing but a gain until `endBypass`, whatever is set meanwhile.
+    /// Applies only this gain until `endBypass`; new settings wait.
     void setBypassed(float gainDB);
     void endBypass();
 

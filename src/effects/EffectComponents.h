@@ -10,7 +10,6 @@
 
 namespace quorbel {
 
-/// The description of an effect of this program.
 consteval ComponentDescription effectDescription(const char (&subtype)[5]) {
     return {fourCharCode("aufx"), fourCharCode(subtype), fourCharCode("Qrbl"), 0, 0};
 }
@@ -29,8 +28,8 @@ struct EffectComponent {
     ComponentDescription description;
     const char *name = nullptr;
 
-    /// `analysisQueues` makes the serial queue of a unit that analyses in the background. Null: the
-    /// program has no such unit; it is not registered, and the chain leaves it out.
+    /// `analysisQueues` makes the serial queue of a unit that analyses in the background. Null if
+    /// the program lacks the unit: it is not registered, and the chain leaves it out.
     std::unique_ptr<AudioUnit> (*make)(const ComponentDescription &description,
                                        InstantiationOptions options,
                                        const SerialQueueFactory &analysisQueues) = nullptr;

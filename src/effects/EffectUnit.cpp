@@ -38,7 +38,7 @@ EffectUnit::EffectUnit(const ComponentDescription &description, InstantiationOpt
         if (parameter.address() >= cells.size())
             return;
         cells[parameter.address()]->setValue(value);
-        touches->fetch_add(1, std::memory_order_release); // after it: whoever counts it sees it
+        touches->fetch_add(1, std::memory_order_release); // last: publishes the value
     };
     tree->implementorValueProvider = [cells = cells_](const Parameter &parameter) {
         return parameter.address() < cells.size() ? cells[parameter.address()]->value() : 0.0F;

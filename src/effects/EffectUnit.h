@@ -14,7 +14,7 @@
 
 namespace quorbel {
 
-/// One row of a unit's parameter table; its address is its place in the table.
+/// Row of a unit's parameter table; its index is the parameter's address.
 struct EffectParameter {
     const char *identifier;
     const char *name;
@@ -27,27 +27,27 @@ struct EffectParameter {
 /// Smallest amount (fraction) at which crossfeed and saturation act: exactly 1 % is active.
 inline constexpr float smallestActiveAmount = 0.01F;
 
-/// Demand for a unit's work beside its blocks.
+/// Demand for a unit's background work.
 struct EffectDemand {
     bool isIdle = false;     ///< no blocks come until further notice
     bool isDisplayed = true; ///< a window or terminal shows the read-outs
 };
 
-/// Base of the chain's effect units: one stereo bus on either side, parameters declared by a table,
-/// and one cell per parameter between the tree and the render block. The tree's observer and
+/// Base of the chain's effect units: one stereo input and output bus, parameters declared by a
+/// table, and one cell per parameter between the tree and the render block. The tree's observer and
 /// provider hold the cells, not the unit, so a tree or a render block may outlive the unit.
 class EffectUnit : public AudioUnit {
   public:
     [[nodiscard]] AudioUnitBusArray &inputBusses() override { return inputBusses_; }
     [[nodiscard]] AudioUnitBusArray &outputBusses() override { return outputBusses_; }
 
-    /// Allocates as the base class does, then calls `prepare` with the output's rate.
+    /// Also calls `prepare` with the output's rate.
     Status allocateRenderResources() override;
 
     void takeSettings() noexcept override;
 
-    /// Sets the demand for work beside the blocks. Called again after parameter changes, which
-    /// decide whether that work shapes the sound. [main]
+    /// Sets the demand for background work. Called again after parameter changes, which may make
+    /// that work shape the sound. [main]
     virtual void setDemand(const EffectDemand & /*demand*/) {}
 
     /// Value published for display, documented by each unit; 0 if the unit publishes none. [any]
@@ -61,8 +61,8 @@ class EffectUnit : public AudioUnit {
     using Cell = std::shared_ptr<AudioParameter>;
     [[nodiscard]] const Cell &storage(ParameterAddress address) const { return cells_[address]; }
 
-    /// Resets the running state for `sampleRate` (Hz) while nothing renders. Memory sized by the
-    /// rate may be refused. Units without state keep this version.
+    /// Resets the running state for `sampleRate` (Hz) while nothing renders. May fail to allocate.
+    /// Units without state keep this version.
     virtual Status prepare(float sampleRate);
 
   private:
@@ -71,14 +71,13 @@ class EffectUnit : public AudioUnit {
     AudioUnitBusArray inputBusses_;
     AudioUnitBusArray outputBusses_;
     std::vector<Cell> cells_;
-    std::shared_ptr<std::atomic<std::uint32_t>> touches_; ///< how often a cell was set
+    std::shared_ptr<std::atomic<std::uint32_t>> touches_; ///< number of writes to the cells
     std::uint32_t takenTouches_ = 0;                      ///< [render]
 };
 
-/// The render block of an effect unit: pulls bus 0 into the output, then lets `process(output,
-/// frames)` work on it in place. Fails without an input or with the status of a failing pull, and
-/// then processes nothing. `process` must be copyable, noexcept in all it does, and hold the cells
-/// it needs.
+/// Makes an effect unit's render block: pulls bus 0 into the output, then calls `process(output,
+/// frames)` in place. Returns an error instead if the input is missing or its pull fails. `process`
+/// must be copyable and noexcept, and hold the cells that it needs.
 template <typename Process> [[nodiscard]] RenderBlock effectRenderBlock(Process process) {
     return [process = std::move(process)](RenderActionFlags &, const RenderTime &time,
                                           std::uint32_t frames, std::int32_t,

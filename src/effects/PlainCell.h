@@ -4,8 +4,8 @@
 
 namespace quorbel {
 
-/// A float that one thread writes and others may read at any time, without a lock: running state
-/// that must be reset from outside, and values published for display.
+/// Lock-free float that one thread writes and any may read: state that is reset from outside, and
+/// values published for display.
 class PlainCell {
   public:
     explicit PlainCell(float value) : value_(value) {}

@@ -9,8 +9,8 @@
 
 namespace quorbel {
 
-/// The chain's reverb: the model of room and mix, and the node that receives them. Observers hear
-/// of every assignment, even of an equal value. [main]
+/// The chain's reverb: the model of room and mix, and the node that receives them. Every assignment
+/// emits its signal, even of an equal value. [main]
 class ReverbProcessor final : public QObject {
     Q_OBJECT
 
@@ -24,8 +24,7 @@ class ReverbProcessor final : public QObject {
     [[nodiscard]] float mix() const { return mix_; }
     void setMix(float mix);
 
-    /// Loads a preset that differs from the current one; an equal one leaves the node's sound
-    /// alone.
+    /// Loads the preset into the node if it differs from the current one.
     [[nodiscard]] ReverbPreset preset() const { return preset_; }
     void setPreset(ReverbPreset preset);
 

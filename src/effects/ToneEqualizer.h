@@ -14,7 +14,7 @@ class ToneEqualizer {
 
     ToneEqualizer();
 
-    /// Sets all bands together, in dB; a band at 0 dB costs and changes nothing.
+    /// Sets all bands together, in dB; a band at 0 dB costs nothing and is bit-exact.
     void setGainsDB(const std::array<float, bandCount> &gainsDB);
     [[nodiscard]] float gainDB(Band band) const { return node_.band(band).gainDB; }
 

@@ -47,7 +47,7 @@ BassHarmonics BassEnhancerCore::designed(float amount, float drive, float crosso
                            .highPass = highPass(highW0, std::sin(highW0) / twiceQ)};
         },
         crossoverHz, sampleRate_);
-    // The dry sound gives way as the harmonics come in, so that the level stays about the same.
+    // Attenuates the dry sound as the harmonics come in, to keep the level about constant.
     const float a = amount > 0.0F ? std::min(amount, 1.0F) : 0.0F;
     return {.lowPass = filters.lowPass,
             .highPass = filters.highPass,

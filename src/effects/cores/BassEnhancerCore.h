@@ -23,7 +23,7 @@ struct BassSections {
     StereoSection highPass;
 };
 
-/// In place. [render]
+/// Works in place. [render]
 void addBassHarmonics(const BassHarmonics &harmonics, BassSections &sections, float *left,
                       float *right, std::uint32_t frames) noexcept;
 
@@ -37,8 +37,8 @@ class BassEnhancerCore {
     /// Back to silence.
     void clear() noexcept { sections_ = {}; }
 
-    /// `amount` is clamped to 0 to 1; `drive` is 1 or more. At amount 0 the sound is unchanged
-    /// while the filters keep running. [render]
+    /// `amount` is clamped to 0 to 1; `drive` is 1 or more. At amount 0 the sound is unchanged, but
+    /// the filters keep running. [render]
     [[nodiscard]] BassHarmonics designed(float amount, float drive, float crossoverHz) noexcept;
 
     [[nodiscard]] BassSections &sections() noexcept { return sections_; } ///< [render]

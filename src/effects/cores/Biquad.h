@@ -2,7 +2,7 @@
 
 namespace quorbel {
 
-/// A second-order section, normalised: a0 is 1.
+/// Coefficients of a second-order section, normalised to a0 = 1.
 struct BiquadCoefficients {
     float b0 = 1.0F;
     float b1 = 0.0F;
@@ -11,8 +11,7 @@ struct BiquadCoefficients {
     float a2 = 0.0F;
 };
 
-/// The section's state in direct form I: the last two inputs and outputs. Copy it into a local for
-/// a block.
+/// State in direct form I: the last two inputs and outputs. Copy it into a local for a block.
 struct BiquadState {
     float x1 = 0.0F;
     float x2 = 0.0F;
@@ -30,7 +29,7 @@ struct BiquadState {
 };
 
 // Designs after the audio-EQ cookbook (R. Bristow-Johnson), computed in 32 bits; `w0` is the
-// angular frequency in radians per frame, `alpha` what the cookbook calls so.
+// angular frequency in radians per frame, `alpha` the cookbook's.
 
 [[nodiscard]] BiquadCoefficients lowPass(float w0, float alpha) noexcept;
 [[nodiscard]] BiquadCoefficients highPass(float w0, float alpha) noexcept;

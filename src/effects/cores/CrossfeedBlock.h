@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// A crossfeed's work on one block, in place and in pieces, so that other recursions can run beside
-/// its own. `finish` ends it. [render]
+/// Processes one block of a crossfeed in place and in pieces, so that other recursions can overlap
+/// its own. Call `finish` last. [render]
 class CrossfeedBlock {
   public:
     /// See CrossfeedCore::process.
@@ -19,7 +19,7 @@ class CrossfeedBlock {
         : core_(core), left_(left), right_(right), frames_(frames), ramp_(previous, target, frames),
           sections_(core.lowPass_, core.crossing_, {}, StereoSection()) {}
 
-    /// Processes the next `count` frames: a multiple of 4 that ends in the same chunk. Calls
+    /// Processes the next `count` frames, a multiple of 4 within the same chunk. Calls
     /// `meanwhile(i)` after each, with i from 0.
     template <typename Meanwhile>
     [[gnu::always_inline]] void run(std::uint32_t count, const Meanwhile &meanwhile) noexcept {
@@ -70,10 +70,10 @@ class CrossfeedBlock {
 
   private:
     static constexpr std::uint32_t chunkFrames = CrossfeedCore::chunkFrames;
-    static constexpr float tiny = 1e-20F; // alternates: keeps the filters out of denormal numbers
+    static constexpr float tiny = 1e-20F; // alternating offset against denormals in the filters
 
-    /// Puts the next chunk into the delay lines when the first of its frames is due. Returns the
-    /// next frame's place in its chunk.
+    /// Appends the next chunk to the delay lines at its first frame. Returns the next frame's index
+    /// in its chunk.
     [[gnu::always_inline]] std::uint32_t enterChunk() noexcept {
         const std::uint32_t inChunk = position_ % chunkFrames;
         if (inChunk == 0) {
@@ -101,7 +101,7 @@ class CrossfeedBlock {
     [[gnu::always_inline]] [[nodiscard]] Samples amountAt(Samples frame) const noexcept {
         return ramp_.from() + ramp_.step() * frame / ramp_.last();
     }
-    /// `crossing` is the other channel's part.
+    /// `crossing` is the filtered other channel.
     template <typename Samples>
     [[gnu::always_inline]] [[nodiscard]] static Samples mixed(Samples own, Samples crossing,
                                                               Samples amount) noexcept {

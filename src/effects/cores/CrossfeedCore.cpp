@@ -13,8 +13,8 @@ void CrossfeedCore::prepare(float sampleRate) {
     constexpr float delaySeconds = 0.00033F;
     constexpr std::size_t lineLength = 32;
     delay_ = static_cast<std::size_t>(std::max(std::lround(sampleRate * delaySeconds), 1L));
-    // At 96 kHz the delay equals the line's length, which reads the newest frame: undelayed, by
-    // definition of the effect. Longer delays get a longer line.
+    // At 96 kHz the delay equals the effect's line length, so it reads the newest frame, undelayed.
+    // Longer delays get a longer line.
     if (delay_ == lineLength)
         delay_ = 0;
     isClear_ = false;

@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// Mixes a copy of each channel into the other, 0.33 ms late and low-passed at 700 Hz, as a head
-/// between two speakers does.
+/// Mixes each channel into the other, delayed by 0.33 ms and low-passed at 700 Hz, as the head does
+/// between two speakers.
 class CrossfeedCore {
   public:
     CrossfeedCore();
@@ -28,7 +28,7 @@ class CrossfeedCore {
   private:
     friend class CrossfeedBlock;
 
-    /// Even, so that the alternating offset begins every chunk alike.
+    /// Even, so that the alternating offset starts every chunk with the same sign.
     static constexpr std::uint32_t chunkFrames = 128;
 
     /// Appends `frames` frames to both lines.
@@ -38,10 +38,10 @@ class CrossfeedCore {
 
     std::size_t delay_ = 16;
     BiquadCoefficients lowPass_;
-    // Each holds the last `delay_` frames, with room for a chunk of new ones after them.
+    // Each holds the last `delay_` frames and room for a chunk of new ones.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
-    bool isClear_ = false;   ///< holds silence: clearing every block again would cost something
+    bool isClear_ = false;   ///< already silent: saves clearing in every block
     StereoSection crossing_; // of each channel, before it is mixed into the other
 };
 

@@ -21,8 +21,8 @@ namespace {
 
 #if HWY_TARGET != HWY_SCALAR
 
-/// Widener and spatializer in three steps per tile. The spatializer's section is a recursion in a
-/// single lane; `frame` runs it between other work.
+/// Runs widener and spatializer in three steps per tile. The spatializer's section is latency-bound
+/// in a single lane; `frame` interleaves it with other work.
 class SideSection {
   public:
     explicit SideSection(const EnhancerPass &pass)
@@ -42,7 +42,7 @@ class SideSection {
         state = {inputs[vectorLanes - 1], inputs[vectorLanes - 2], outputs_.y1, outputs_.y2};
     }
 
-    /// Does everything before the recursion, for `tile`, whose samples are `pairs`.
+    /// Computes `tile` up to the recursion, from its interleaved samples `pairs`.
     HWY_INLINE void begin(std::uint32_t tile, const float *pairs) {
         const Vector half = hn::Set(tag, 0.5F);
         for (std::uint32_t i = 0; i < bankFrames; i += vectorLanes) {
@@ -60,7 +60,7 @@ class SideSection {
         }
     }
 
-    /// The section's last two outputs; the caller keeps them in registers during a tile.
+    /// Last two outputs of the section; the caller keeps them in registers during a tile.
     struct Outputs {
         float y1 = 0.0F;
         float y2 = 0.0F;
@@ -89,7 +89,7 @@ class SideSection {
     static constexpr Tag tag{};
     static constexpr std::size_t vectorLanes = hn::MaxLanes(Tag());
 
-    /// The widths of the frames from `frame` on, as LinearRamp::at.
+    /// Widths of the frames from `frame` on, as LinearRamp::at.
     HWY_INLINE Vector widthFrom(std::uint32_t frame) const {
         const Vector from = hn::Set(tag, width_.from());
         if (width_.step() == 0.0F)
@@ -110,25 +110,25 @@ class SideSection {
                        hn::Mul(hn::Set(tag, c_.b2), x2));
     }
 
-    static constexpr std::uint32_t memory = 4; // tiles: more than the steps of one
+    static constexpr std::uint32_t memory = 4; // in tiles: more than the steps that a tile takes
 
     LinearRamp width_;
     BiquadCoefficients c_;
     float sideGain_;
     Outputs outputs_;
-    Vector inputs_; ///< the newest ones
+    Vector inputs_; ///< newest vector
     alignas(32) float mids_[memory][bankFrames];
     alignas(32) float fed_[memory][bankFrames];
     alignas(32) float sides_[memory][bankFrames];
 };
 
-/// Runs the bass enhancer and the present stages behind it in one loop, each some tiles behind the
-/// one before it.
+/// Runs the bass enhancer and the stages after it in one loop, each some tiles behind the previous
+/// one.
 ///
-/// 1. In a step the elementwise work comes first, then the sections' recursions. The output of a
-///    section is used in later steps only.
-/// 2. Elementwise work before a section reads no result of the previous step: it would wait for
-///    that step's recursions and delay those of its own.
+/// 1. A step does the elementwise work first, then the sections' recursions; only later steps use
+///    the sections' outputs.
+/// 2. The recursions are latency-bound: elementwise work before a section reads no result of the
+///    previous step, whose recursions would stall it.
 template <bool hasVoice, bool hasSide> class EnhancerLanes {
   public:
     /// Covers `tiles` whole tiles, at least one.
@@ -159,18 +159,17 @@ template <bool hasVoice, bool hasSide> class EnhancerLanes {
     }
 
   private:
-    // Lag of each stage behind the first one, in tiles.
+    // Lag of each stage behind the first, in tiles.
     static constexpr std::uint32_t shapeLag = 2;
     static constexpr std::uint32_t highPassLag = shapeLag + 1;
     static constexpr std::uint32_t bassLag = highPassLag + 2;
     static constexpr std::uint32_t presenceLag = bassLag + 1;
     static constexpr std::uint32_t sideLag = hasVoice ? presenceLag + 2 : bassLag;
 
-    /// Left and right in turn.
+    /// Interleaved stereo frames.
     struct alignas(64) Tile {
-        float dry[2 * bankFrames]; ///< the input, then the bass enhancer's output, then the voice
-                                   ///< enhancer's
-        float wet[2 * bankFrames]; ///< the output of one section after the other
+        float dry[2 * bankFrames]; ///< input, then the bass and at last the voice enhancer's output
+        float wet[2 * bankFrames]; ///< output of one section after the other
     };
     static constexpr std::uint32_t ringTiles = 16;
     static_assert(sideLag + 2 < ringTiles);
@@ -182,12 +181,12 @@ template <bool hasVoice, bool hasSide> class EnhancerLanes {
 
     HWY_INLINE Tile &at(std::uint32_t tile) { return ring_[tile % ringTiles]; }
 
-    /// Sections run on silence before their first tile and after their last; that state is
+    /// Sections process silence before their first tile and after their last; that state is
     /// dropped.
     struct Banks {
         explicit Banks(const BankSection (&sections)[bankSections])
             : first(sections), now(first), last(first) {}
-        const StereoBank first; ///< before the call
+        const StereoBank first; ///< at the start of the call
         StereoBank now;
         StereoBank last; ///< each section after its last tile
     };
@@ -196,7 +195,7 @@ template <bool hasVoice, bool hasSide> class EnhancerLanes {
         return steps == 0 || steps == highPassLag || steps == bassLag || steps == presenceLag;
     }
 
-    /// Renders one tile of every stage; if not `whole`, of the stages that have one in this step.
+    /// Renders one tile of every stage; if not `whole`, only of those that have one in this step.
     template <bool whole>
     HWY_INLINE void doStep(std::uint32_t step, Banks &banks, SideSection &side) {
         const auto hasTile = [&](std::uint32_t lag) { return whole || step - lag < tiles_; };
@@ -303,19 +302,18 @@ template <bool hasVoice, bool hasSide> class EnhancerLanes {
     float *const left_;
     float *const right_;
     const std::uint32_t tiles_;
-    // The spatializer's section waits less for what the step before has left than for what its own
-    // step has. In a short call the additional step would cost more.
+    // The spatializer's section is latency-bound: an input from the previous step shortens its
+    // wait. In a short call the additional step would cost more.
     const std::uint32_t sideSectionLag_ = tiles_ < 16 ? sideLag : sideLag + 1;
     const std::uint32_t endLag_ = hasSide ? sideSectionLag_ + 1 : sideLag;
-    Tile ring_[ringTiles]; ///< the newest ones
+    Tile ring_[ringTiles]; ///< newest tiles
 };
 
 #endif
 
 } // namespace
 
-/// Renders whole tiles, at least one. Returns false if this combination of stages has no joint
-/// pass.
+/// Renders whole tiles, at least one. Returns false if these stages have no joint pass.
 bool enhanceInLanes(const EnhancerPass &pass, float *left, float *right, std::uint32_t frames) {
 #if HWY_TARGET == HWY_SCALAR
     (void)pass, (void)left, (void)right, (void)frames;
@@ -348,7 +346,7 @@ namespace {
 
 using HWY_NAMESPACE::bankFrames;
 
-/// Shorter calls are over before the stages overlap.
+/// Shorter calls end before the stages overlap.
 constexpr std::uint32_t shortestEnhancerPass = 16;
 
 /// Renders the frames from `begin` on.

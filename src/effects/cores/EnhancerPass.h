@@ -9,8 +9,8 @@
 
 namespace quorbel {
 
-/// The work of four neighbours in the chain on one block, in this order: bass enhancer, voice
-/// enhancer, widener, spatializer. A stage whose state is null is left out.
+/// Settings and states of four neighbours in the chain for one block: bass enhancer, voice
+/// enhancer, widener, spatializer. A null state leaves its stage out.
 struct EnhancerPass {
     BassHarmonics bass;
     BassSections *bassSections = nullptr;
@@ -19,7 +19,7 @@ struct EnhancerPass {
     VoiceClarity voice;
     VoiceSections *voiceSections = nullptr;
 
-    LinearRamp width{1.0F, 1.0F, 1}; ///< of the widener, which comes with the spatializer
+    LinearRamp width{1.0F, 1.0F, 1}; ///< of the widener; used only with the spatializer
     SideDip dip;
     BiquadState *side = nullptr;
 
@@ -28,12 +28,11 @@ struct EnhancerPass {
     }
 };
 
-/// Renders all stages of `pass` in place, in one pass if that is faster: each stage is
-/// latency-bound, so several take hardly longer than one. [render]
+/// Renders all stages of `pass` in place. The stages are latency-bound, so one joint pass overlaps
+/// them where that is faster. [render]
 void enhance(const EnhancerPass &pass, float *left, float *right, std::uint32_t frames) noexcept;
 
-/// Renders one stage after the other, as a reference and for the rest of a block; the results are
-/// bit-identical.
+/// Plain version, as a reference: one stage after the other; the results are bit-identical.
 void enhancePlainly(const EnhancerPass &pass, float *left, float *right,
                     std::uint32_t frames) noexcept;
 

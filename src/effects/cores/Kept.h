@@ -4,11 +4,11 @@
 
 namespace quorbel {
 
-/// Caches a result until its inputs change: designing unchanged filters would dominate a short
-/// block. Belongs to one thread.
+/// Caches a result until its inputs change, because designing filters would dominate a short block.
+/// Belongs to one thread.
 template <typename Result, typename... Inputs> class Kept {
   public:
-    /// Returns `compute(inputs...)` of this call or of the previous one if the inputs are equal.
+    /// Returns `compute(inputs...)`; calls it only if the inputs have changed.
     template <typename Compute>
     const Result &of(const Compute &compute, const Inputs &...inputs) noexcept {
         const std::tuple<Inputs...> now(inputs...);

@@ -20,10 +20,9 @@ constexpr float gateLevel = 0.0056234F; // −45 dBFS: below, the gain is held
 constexpr float smallestGain = 0.25F;   // −12 dB
 constexpr float largestGain = 4.0F;     // +12 dB
 
-/// The gain lags the level by one tile, which lets the square root and the division overlap the
-/// recursions.
+/// Lagging the gain by one tile lets the square root and the division overlap the recursions.
 constexpr std::uint32_t tileFrames = 32;
-/// Behind a crossfeed, where one tile more is under way.
+/// Behind a crossfeed, which adds a tile in flight.
 constexpr std::uint32_t crossfedTileFrames = 16;
 
 struct alignas(64) Tile {
@@ -43,7 +42,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 using Tag = hn::CappedTag<float, 16>;
 constexpr Tag tag;
 
-/// Each frame's contribution to the mean square.
+/// Computes each frame's contribution to the mean square.
 template <std::uint32_t frames>
 HWY_INLINE void measure(const float *left, const float *right, float share, Tile &powers) {
     for (std::size_t i = 0; i < frames; i += hn::Lanes(tag)) {
@@ -54,8 +53,8 @@ HWY_INLINE void measure(const float *left, const float *right, float share, Tile
     }
 }
 
-/// Each frame's share of the gain to keep, and the amount to add. Below the gate all is kept and
-/// nothing added.
+/// Computes each frame's smoothing coefficient and addend of the gain. Below the gate they are 1
+/// and 0.
 template <std::uint32_t frames>
 HWY_INLINE void aim(const LevellerSettings &settings, const Tile &meanSquares, Tile &kept,
                     Tile &added) {
@@ -80,8 +79,8 @@ HWY_INLINE void apply(const Tile &gains, const Tile &trims, float *samples) {
     }
 }
 
-/// The recursions over a tile at a time, frame by frame, and what is elementwise before and behind
-/// them. The gain's recursion takes what `aim` has made of the tile that was followed before.
+/// Runs the leveller's recursions frame by frame over one tile at a time, with elementwise work
+/// before and after. The gain's recursion uses the `aim` of the previously followed tile.
 template <std::uint32_t frames> class LevellerLanes {
   public:
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): tiles are filled before they are read

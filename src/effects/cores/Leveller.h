@@ -6,8 +6,8 @@ namespace quorbel {
 
 class CrossfeedBlock;
 
-/// Smoothing coefficients and targets of the auto gain's leveller and trim, linear. Per frame a
-/// smoother keeps the share of its value that its coefficient names.
+/// Smoothing coefficients (`keep...`, per frame) and targets of the auto gain's leveller and trim,
+/// linear.
 struct LevellerSettings {
     float keepLevel = 0.0F;
     float keepGain = 0.0F;
@@ -27,9 +27,8 @@ struct LevellerState {
 void runLeveller(const LevellerSettings &settings, LevellerState &state, float *left, float *right,
                  std::uint32_t frames) noexcept;
 
-/// Finishes `crossfeed`, which is at the beginning of the same block, and levels what it leaves, in
-/// one pass: both are latency-bound. The results are those of one after the other, bit by bit.
-/// [render]
+/// Finishes `crossfeed`, which is at the start of the same block, and levels its output. Both are
+/// latency-bound, so one pass overlaps them; the results are bit-identical to two passes. [render]
 void runCrossfedLeveller(CrossfeedBlock &crossfeed, const LevellerSettings &settings,
                          LevellerState &state, float *left, float *right,
                          std::uint32_t frames) noexcept;

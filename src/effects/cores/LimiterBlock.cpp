@@ -20,8 +20,7 @@ using Tag = hn::CappedTag<float, blockPadding>;
 using Vector = hn::Vec<Tag>;
 constexpr Tag tag;
 
-/// Target gains of neighbouring frames, side by side: each lane scans the whole window of its
-/// frame.
+/// Returns the target gains of neighbouring frames: each lane scans its frame's whole window.
 HWY_INLINE Vector targets(const float *windows, std::uint32_t windowLength, Vector threshold) {
     Vector even = hn::Zero(tag);
     Vector odd = hn::Zero(tag);
@@ -72,10 +71,10 @@ HWY_INLINE bool anyBeyond(const float *peaks, std::uint32_t count, float thresho
     return !hn::AllTrue(tag, hn::Le(largest, hn::Set(tag, threshold)));
 }
 
-/// Processes a block in which every frame's target is 1.
+/// Processes a block in which every target gain is 1.
 HWY_INLINE float releaseBlock(const LimiterBlock &s, float &gain) {
     const float before = gain;
-    // A step that rounds to nothing is followed by equal ones only.
+    // A step that rounds to 0 keeps the gain constant from here on.
     if (const float after = before + (1.0F - before) * s.releaseCoeff; after == before) {
         apply(s, [before](std::uint32_t) HWY_ATTR { return hn::Set(tag, before); });
         return before;
@@ -115,8 +114,8 @@ float limitBlockInLanes(const LimiterBlock &s, float &gain) {
             aim(begin + lanes);
         const std::uint32_t end = std::min(begin + lanes, s.count);
         for (std::uint32_t i = begin; i < end; ++i) {
-            // The attack is the faster one, so the smaller step is the one that the sign of the
-            // distance selects.
+            // The attack is faster, so the smaller step is the attack for a falling gain and the
+            // release for a rising one.
             const float distance = gains[i] - g;
             g += std::min(distance * attackCoeff, distance * releaseCoeff);
             gains[i] = g;

@@ -4,8 +4,8 @@
 
 namespace quorbel {
 
-/// The limiter's work on a short block, on plain memory. Arrays of `count` frames may be written,
-/// and `peaks` read, up to `blockPadding` frames beyond their end.
+/// Arguments of the limiter for a short block. It may write arrays of `count` frames, and read
+/// `peaks`, up to `blockPadding` frames beyond their end.
 struct LimiterBlock {
     const float *peaks = nullptr; ///< of `lookahead` frames before the block, then of the block
     std::uint32_t lookahead = 0;
@@ -13,7 +13,7 @@ struct LimiterBlock {
     float threshold = 1.0F;   ///< linear
     float attackCoeff = 0.0F; ///< at least the release's
     float releaseCoeff = 0.0F;
-    float *gains = nullptr; ///< scratch: the gain of every frame
+    float *gains = nullptr; ///< scratch: gain of every frame
     const float *delayedL = nullptr;
     const float *delayedR = nullptr;
     float *outL = nullptr; ///< exactly `count` frames are written
@@ -22,9 +22,9 @@ struct LimiterBlock {
 
 inline constexpr std::uint32_t blockPadding = 16;
 
-/// Computes each frame's gain from the largest of its own peak and the `lookahead` peaks before it,
-/// and applies it to the delayed sound. `gain` is the smoothed gain before and after the block.
-/// Returns the smallest gain. [render]
+/// Computes each frame's gain from the largest of its peak and the `lookahead` peaks before it, and
+/// applies it to the delayed sound. `gain` carries the smoothed gain between blocks. Returns the
+/// smallest gain. [render]
 float limitBlock(const LimiterBlock &block, float &gain) noexcept;
 
 /// Plain version, as a reference; the results are bit-identical.

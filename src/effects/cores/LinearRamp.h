@@ -4,8 +4,7 @@
 
 namespace quorbel {
 
-/// A linear ramp over a block: `from` at its first frame, `to` at its last. A block of one frame is
-/// at `to`.
+/// Linear ramp over a block, from `from` at its first frame to `to` at its last or only one.
 class LinearRamp {
   public:
     LinearRamp(float from, float to, std::uint32_t frames) noexcept

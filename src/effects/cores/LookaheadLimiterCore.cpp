@@ -36,7 +36,7 @@ void LookaheadLimiterCore::prepare(float sampleRate) {
 
     lookahead_ = static_cast<std::size_t>(
         std::max(std::lround(sampleRate * lookaheadSeconds), shortestLookahead));
-    // Four time constants within the look-ahead: the gain covers 98 % of the distance in time.
+    // Four time constants within the look-ahead: the gain covers 98 % of the distance.
     attackCoeff_ = 1.0F - std::exp(-4.0F / static_cast<float>(lookahead_));
     releaseCoeff_ = 1.0F - std::exp(-1.0F / (sampleRate * releaseSeconds));
 
@@ -64,8 +64,7 @@ void LookaheadLimiterCore::process(float *left, float *right, std::uint32_t fram
     for (std::uint32_t begin = 0; begin < frameCount; begin += limiterBlockFrames)
         processBlock(left + begin, right + begin, std::min(limiterBlockFrames, frameCount - begin),
                      thresholdLin, smallestGain);
-    // The largest reduction, from the smallest gain. Adding zero turns the negative zero of an
-    // untouched block into a positive one.
+    // Adding zero turns the negative zero of an untouched block into a positive one.
     gainReductionDB_ = reductionDB_.of(
         [](float gain) {
             const float maxReduction = 1.0F - gain;

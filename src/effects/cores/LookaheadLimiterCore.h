@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// A stereo peak limiter with 1.3 ms of look-ahead: delaying the sound lets the gain fall before a
-/// peak comes out. No output sample exceeds the threshold.
+/// Stereo peak limiter with 1.3 ms of look-ahead: the delay lets the gain fall before a peak. No
+/// output sample exceeds the threshold.
 class LookaheadLimiterCore {
   public:
     /// Starts from silence and unity gain. `sampleRate` in Hz. Throws std::bad_alloc and leaves the
@@ -26,7 +26,7 @@ class LookaheadLimiterCore {
     /// The delay in frames.
     [[nodiscard]] std::size_t lookahead() const { return lookahead_; }
 
-    /// The largest reduction of the last block, in dB, never negative.
+    /// Largest reduction of the last block, in dB, never negative.
     [[nodiscard]] float gainReductionDB() const { return gainReductionDB_; }
 
   private:
@@ -34,8 +34,8 @@ class LookaheadLimiterCore {
                       float &smallestGain) noexcept;
 
     std::size_t lookahead_ = 0;
-    // Each line holds the last `lookahead_` frames, with room for a block of new ones after them;
-    // empty before `prepare`. A peak is the larger of both channels.
+    // Each line holds the last `lookahead_` frames and room for a block of new ones; empty before
+    // `prepare`. A peak is the larger magnitude of both channels.
     std::vector<float> delayL_;
     std::vector<float> delayR_;
     std::vector<float> peaks_;

@@ -34,9 +34,9 @@ class PowerSpectrum {
     }
 
   private:
-    // The cost is memory-bound: it runs twenty times a second on caches filled by the sound.
+    // Memory-bound: it runs twenty times a second, on caches filled by the sound.
     RealFFT fft_{points};
-    std::vector<float> window_; ///< doubled, which is the scale of `RealFFT::forward`
+    std::vector<float> window_; ///< doubled to match the scale of `RealFFT::forward`
 };
 
 } // namespace quorbel

@@ -11,7 +11,7 @@ void SpatializerCore::prepare(float sampleRate) noexcept {
 }
 
 SideDip SpatializerCore::designed(float amount, float notchHz) noexcept {
-    // Above half the sample rate the section is unstable. At 18 kHz and above the clamp never acts.
+    // The section is unstable above half the sample rate. From 18 kHz up the clamp never acts.
     const float centreHz = std::min(notchHz, 0.45F * sampleRate_);
     const BiquadCoefficients &coefficients = dip_.of(
         [](float share, float hz, float sampleRate) {

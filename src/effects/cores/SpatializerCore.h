@@ -7,17 +7,17 @@
 
 namespace quorbel {
 
-/// The spatializer's coefficients for one block: the side signal's gain, then its section.
+/// Coefficients for one block: the side signal's gain, then its section.
 struct SideDip {
     float sideGain = 1.0F;
     BiquadCoefficients coefficients;
 };
 
-/// In place. [render]
+/// Works in place. [render]
 void spatialize(const SideDip &dip, BiquadState &side, float *left, float *right,
                 std::uint32_t frames) noexcept;
 
-/// A shuffler: raises the side signal and carves a dip of up to 6 dB into it.
+/// Stereo shuffler: raises the side signal and carves a dip of up to 6 dB into it.
 class SpatializerCore {
   public:
     /// `sampleRate` in Hz. Starts from silence. Not while processing.

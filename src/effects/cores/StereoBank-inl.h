@@ -34,9 +34,9 @@ struct BankSection {
     std::uint32_t lag; ///< steps from the call's first step to the section's first tile
 };
 
-/// Four stereo sections side by side in the time of one: a section is latency-bound, as each output
-/// needs the one before. Lanes 2s and 2s + 1 are left and right of section s; they compute the sums
-/// of BiquadState::process in its order. Lives for one block; `save` returns its state.
+/// Runs four stereo sections in the time of one: each is latency-bound by its previous output.
+/// Lanes 2s and 2s + 1 are left and right of section s; they compute the sums of
+/// BiquadState::process in its order. Lives for one block; `save` writes the states back.
 ///
 /// A tile is `bankFrames` interleaved frames, aligned to 64 bytes.
 class StereoBank {
@@ -79,7 +79,7 @@ class StereoBank {
     }
 
     /// Runs one tile of every section from `in` to `out`, which may be equal. Calls
-    /// `meanwhile(frame)` after each frame, to overlap another recursion.
+    /// `meanwhile(frame)` after each frame to overlap another recursion.
     template <typename Meanwhile>
     HWY_INLINE void process(const float *const (&in)[bankSections],
                             float *const (&out)[bankSections], const Meanwhile &meanwhile) {
@@ -97,7 +97,7 @@ class StereoBank {
         }
         for (std::size_t section = 0; section < 4; ++section) {
 #if HWY_MAX_BYTES >= 64
-            // A vector load stalls on two narrower stores, but not on one of its own width.
+            // Store forwarding is the bottleneck: a vector load stalls on two narrower stores.
             const hn::CappedTag<double, 8> whole;
             hn::Store(hn::Combine(whole, rows[1][section], rows[0][section]), whole,
                       reinterpret_cast<double *>(out[section]));
@@ -122,7 +122,7 @@ class StereoBank {
 #endif
     }
 
-    /// Takes over the memory of `other` in sections whose first tile comes in step `lag`.
+    /// Copies the states of `other` for the sections with the given `lag`.
     HWY_INLINE void takeOver(const StereoBank &other, std::uint32_t lag) {
         const Vector wanted = hn::Set(Tag(), static_cast<float>(lag));
         for (std::size_t v = 0; v < vectorCount; ++v) {
@@ -139,7 +139,7 @@ class StereoBank {
   private:
     using Tag = hn::CappedTag<float, 2 * bankSections>;
     using Vector = hn::Vec<Tag>;
-    using PairTag = hn::Repartition<double, Tag>; ///< a double carries the bits of a frame
+    using PairTag = hn::Repartition<double, Tag>; ///< a double holds a stereo frame's bits
     using Pairs = hn::Vec<PairTag>;
 
     static constexpr std::size_t laneCount = 2 * bankSections;
@@ -147,7 +147,7 @@ class StereoBank {
     static constexpr std::size_t vectorCount = laneCount / vectorLanes;
 
     struct Lanes {
-        HWY_INLINE Lanes() {} // the implicit one would belong to no vector target
+        HWY_INLINE Lanes() {} // an implicit one would lack the vector target
         Vector b0, b1, b2, a1, a2, x1, x2, y1, y2, lag;
     };
 

@@ -25,10 +25,9 @@ using FourFloats [[gnu::vector_size(4 * sizeof(float))]] = float;
     std::memcpy(samples, &values, sizeof values);
 }
 
-/// Two sections side by side in the time of one: a section is bound by the latency of its
-/// recursion. The lanes are the first section's left and right, then the second's; they compute the
-/// sums of BiquadState::process in its order. Lives for one block; `save` returns its state.
-/// [render]
+/// Runs two sections in the time of one: each is latency-bound by its recursion. The lanes are the
+/// first section's left and right, then the second's; they compute the sums of BiquadState::process
+/// in its order. Lives for one block; `save` writes the states back. [render]
 class SectionPair {
   public:
     [[gnu::always_inline]] SectionPair(const BiquadCoefficients &firstCoefficients,
@@ -45,7 +44,6 @@ class SectionPair {
           y1_(memory(first, second, &BiquadState::y1)),
           y2_(memory(first, second, &BiquadState::y2)) {}
 
-    /// One frame.
     [[gnu::always_inline]] FourFloats process(FourFloats x) noexcept {
         const FourFloats y = b0_ * x + b1_ * x1_ + b2_ * x2_ - a1_ * y1_ - a2_ * y2_;
         x2_ = x1_;
@@ -95,7 +93,7 @@ class SectionPair {
 struct FourFrames {
     FourFloats frame[4];
 
-    /// Takes the first section's channels from four samples each, the second's from the first two
+    /// Takes the first section's frames from `left` and `right`, the second's from the first two
     /// lanes of `second`'s frames.
     [[gnu::always_inline]] static FourFrames of(FourFloats left, FourFloats right,
                                                 const FourFrames &second) noexcept {

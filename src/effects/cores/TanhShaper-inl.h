@@ -12,15 +12,15 @@
 HWY_BEFORE_NAMESPACE();
 namespace quorbel::HWY_NAMESPACE {
 
-/// tanh as a fraction: a caller that divides further needs one division, not two.
+/// tanh as a fraction: saves a division for a caller that divides further.
 template <typename Vector> struct TanhFraction {
     Vector numerator;
     Vector denominator;
 };
 
-/// The minimax rational approximation x · P(x²) / Q(x²), both of degree 4, of tanh on ±9, where
-/// tanh is 1 in 32 bits: 2.1e-8 relative error, fitted by Lawson's iteration. All terms are
-/// positive, so that none cancel.
+/// Minimax rational approximation x · P(x²) / Q(x²) of tanh on ±9, beyond which tanh is 1 in 32
+/// bits; both of degree 4. Relative error 2.1e-8, fitted by Lawson's iteration. All terms are
+/// positive, so none cancel.
 template <typename Vector> HWY_INLINE TanhFraction<Vector> tanhFraction(Vector x) {
     namespace hn = hwy::HWY_NAMESPACE;
     const hn::DFromV<Vector> tag;

@@ -19,10 +19,10 @@ void clarify(const VoiceClarity &clarity, BiquadState &mudState, BiquadState &pr
     presenceState = presence;
 }
 
-/// Whole fours, at least one, with the presence section four frames behind the mud section.
+/// Processes whole fours, at least one; the presence section lags the mud section by four frames.
 void clarifyFours(const VoiceClarity &clarity, VoiceSections &sections, float *left, float *right,
                   std::uint32_t frames) noexcept {
-    // The lanes are left and right of the mud section and left and right of the presence section.
+    // Lanes: left and right of the mud section, then of the presence section.
     FourFrames lanes{};
     for (std::uint32_t i = 0; i < 4; ++i)
         lanes.frame[i] = FourFloats{sections.mud.left.process(clarity.mud, left[i]),

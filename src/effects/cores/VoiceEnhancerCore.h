@@ -20,16 +20,16 @@ struct VoiceSections {
     StereoSection presence;
 };
 
-/// In place. [render]
+/// Works in place. [render]
 void clarify(const VoiceClarity &clarity, VoiceSections &sections, float *left, float *right,
              std::uint32_t frames) noexcept;
 
-/// The same as `clarify`, bit by bit. All four recursions run side by side, each latency-bound.
+/// Bit-identical to `clarify`; the recursions are latency-bound, so all four run side by side.
 /// [render]
 void clarifySideBySide(const VoiceClarity &clarity, VoiceSections &sections, float *left,
                        float *right, std::uint32_t frames) noexcept;
 
-/// A cut around 300 Hz and a boost around 3 kHz, mixed into the dry sound.
+/// Mixes a cut around 300 Hz and a boost around 3 kHz into the dry sound.
 class VoiceEnhancerCore {
   public:
     /// `sampleRate` in Hz. Starts from silence. Not while processing.

@@ -6,7 +6,7 @@ namespace quorbel {
 
 namespace {
 
-/// Interval of the batches in seconds. At 48 kHz the ring holds this, the input of one estimate,
+/// Interval of the batches in seconds. At 48 kHz the ring holds a batch, the input of one estimate,
 /// and 97 ms of slack.
 constexpr double batchSeconds = 0.5;
 
@@ -54,7 +54,7 @@ void AnalysisTimer::set(bool isIdle, bool isUsed) {
 }
 
 void AnalysisTimer::schedule(double firstSeconds) {
-    const std::lock_guard guard(mutex_); // the task may come to rest before we return
+    const std::lock_guard guard(mutex_); // the task may rest before this returns
     isResting_ = false;
     if (isBatched_)
         timer_ = queue_->repeating(firstSeconds, batchSeconds,

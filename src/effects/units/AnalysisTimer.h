@@ -12,12 +12,10 @@ namespace quorbel {
 
 /// Runs an analysis on a serial queue of its own. [main]
 ///
-/// 1. While the result is used, every estimate is made when it is due.
-/// 2. While it is not used, half a second's estimates are made in one batch, because a wake-up
-///    costs more than they do. They are the same estimates, and the result is up to date when its
-///    use begins.
-/// 3. While no sound comes, the analysis rests after the first estimate without a change: later
-///    ones would change nothing either.
+/// 1. While the result is used, makes every estimate when it is due.
+/// 2. While it is not used, makes the same estimates in batches of half a second: wake-ups are the
+///    bottleneck. The result is up to date when its use begins.
+/// 3. While idle, rests after the first estimate without a change: later ones would change nothing.
 class AnalysisTimer {
   public:
     AnalysisTimer(SerialQueueFactory queues, std::string queueName)
@@ -26,13 +24,13 @@ class AnalysisTimer {
     AnalysisTimer(const AnalysisTimer &) = delete;
     AnalysisTimer &operator=(const AnalysisTimer &) = delete;
 
-    /// Does nothing if it runs. `sampleRate` in Hz.
+    /// Does nothing while running. `sampleRate` in Hz.
     void start(std::shared_ptr<RingAnalysis> analysis, float sampleRate);
 
-    /// Waits for an estimate under way; none follows.
+    /// Waits for a running estimate; none follows.
     void stop();
 
-    /// `isIdle`: no sound comes until further notice. `isUsed`: the result is displayed or shapes
+    /// `isIdle`: no sound arrives until further notice. `isUsed`: the result is displayed or shapes
     /// the sound. Initially not idle and used.
     void set(bool isIdle, bool isUsed);
 
@@ -46,7 +44,7 @@ class AnalysisTimer {
     std::shared_ptr<RingAnalysis> analysis_; ///< owned by the queue while a timer is set
     std::unique_ptr<SerialQueue> queue_;
 
-    std::mutex mutex_; // guards what follows; never held while an estimate is made
+    std::mutex mutex_; // guards the members below; never held during an estimate
     SerialQueue::TimerID timer_ = 0;
     bool isIdle_ = false;
     bool isResting_ = false;

@@ -19,7 +19,7 @@ constexpr std::array autoGainParameters{
                     0.0F},
 };
 
-// Linear; exactly 1 at 0 dB, so that the unit can pass the sound through.
+// Linear gain; exactly 1 at 0 dB, so that the unit can pass the sound through.
 float manualGain(float enabledSwitch, float manualDB) {
     if (!isOn(enabledSwitch))
         return 1.0F;

@@ -6,9 +6,8 @@ namespace quorbel {
 
 class CrossfeedBlock;
 
-/// Loudness levelling towards a target, and independent of it a manual trim of ±12 dB. With both
-/// off the sound is bit-exact. Switching the levelling off drops its gain at once but keeps the
-/// measured level.
+/// Loudness levelling towards a target, and an independent manual trim of ±12 dB. Bit-exact with
+/// both off. Switching the levelling off drops its gain at once but keeps the measured level.
 class AutoGainUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { target, enabled, manual, manualEnabled };
@@ -18,8 +17,7 @@ class AutoGainUnit final : public EffectUnit {
 
     /// True if the levelling is on in this block. [render]
     [[nodiscard]] bool isLevelling() const noexcept;
-    /// Finishes `crossfeed` and renders the unit behind it, in one pass; only while levelling.
-    /// [render]
+    /// Finishes `crossfeed` and renders this unit in one pass; only while levelling. [render]
     void renderBehind(CrossfeedBlock &crossfeed, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept;
 

@@ -34,7 +34,7 @@ struct BassEnhancerUnit::State {
     BassEnhancerCore core;
     SampleRing ring{RingAnalysis::ringCapacity}; // kept by allocation
 
-    /// Adds the stage's work on a block to `pass`; parameters in their set units. [render]
+    /// Adds the stage to `pass`; takes the parameters in their own units. [render]
     void addTo(EnhancerPass &pass, float amountPercent, float driveFactor, float setCrossover,
                float adaptiveSwitch) noexcept {
         const float crossoverHz = isAdaptiveOn(adaptiveSwitch)
@@ -97,7 +97,7 @@ RenderBlock BassEnhancerUnit::internalRenderBlock() {
         EnhancerPass pass;
         state->addTo(pass, amountStorage->taken(), driveStorage->taken(), crossoverStorage->taken(),
                      adaptiveStorage->taken());
-        // The analysis hears the unprocessed sound.
+        // The analysis reads the unprocessed sound.
         state->ring.writeMean(buffers.data[0], buffers.data[1], frames);
         enhance(pass, buffers.data[0], buffers.data[1], frames);
     });

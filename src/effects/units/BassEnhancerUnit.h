@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// Harmonic bass. The bass frequency of the music is always measured in the background; with
-/// adaptive tracking on, the crossover follows it.
+/// Harmonic bass. Always measures the music's bass frequency in the background; the crossover
+/// follows it while adaptive tracking is on.
 class BassEnhancerUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { amount, drive, crossover, adaptive };
@@ -24,7 +24,7 @@ class BassEnhancerUnit final : public EffectUnit {
     bool renderJoined(std::span<AudioUnit *const> joined, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;
 
-    /// The tracked frequency, Hz; 80 before the first measurement.
+    /// Tracked frequency, Hz; 80 before the first measurement.
     [[nodiscard]] float readout() const noexcept override;
 
   protected:

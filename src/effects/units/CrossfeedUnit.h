@@ -4,7 +4,7 @@
 
 namespace quorbel {
 
-/// Crossfeed for headphones. Below 1 % it rests: bit-exact, its state cleared. A change of amount
+/// Crossfeed for headphones. Rests below 1 %: bit-exact, with its state cleared. A change of amount
 /// ramps over one block.
 class CrossfeedUnit final : public EffectUnit {
   public:
@@ -13,9 +13,9 @@ class CrossfeedUnit final : public EffectUnit {
     CrossfeedUnit(const ComponentDescription &description, InstantiationOptions options);
     void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
-    /// The auto gain can join this unit's pass.
+    /// 1 if the next unit is an auto gain.
     [[nodiscard]] std::size_t joinable(std::span<AudioUnit *const> following) const override;
-    /// Renders both units in one pass, while neither rests.
+    /// Renders both units in one pass; refuses while one rests.
     bool renderJoined(std::span<AudioUnit *const> joined, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;
 

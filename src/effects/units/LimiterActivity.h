@@ -8,11 +8,11 @@
 
 namespace quorbel {
 
-/// How long and how much the limiter has reduced the sound: the time in the last minute of sound,
-/// and the largest reduction until it is cleared. One thread counts, others read at any time.
+/// Measures the limiter's reduction time in the last minute of sound, and its largest reduction
+/// since cleared. One thread counts, others read at any time.
 class LimiterActivity {
   public:
-    /// A block of `frames` frames at `sampleRate` Hz, reduced by up to `reductionDB`. [render]
+    /// Counts a block at `sampleRate` Hz that was reduced by up to `reductionDB`. [render]
     void count(std::uint32_t frames, float reductionDB, float sampleRate) noexcept {
         if (clearing_.load(order))
             largestDB_.store(0.0F, order);
@@ -29,7 +29,7 @@ class LimiterActivity {
             slots_[slot_].store(slots_[slot_].load(order) + seconds, order);
     }
 
-    /// Seconds of the last minute of sound, blocks counted as a whole. [any]
+    /// Seconds with reduction in the last minute of sound, in whole blocks. [any]
     [[nodiscard]] float secondsInLastMinute() const noexcept {
         float sum = 0.0F;
         for (const std::atomic<float> &seconds : slots_)
@@ -40,12 +40,12 @@ class LimiterActivity {
     [[nodiscard]] float largestDB() const noexcept {
         return clearing_.load(order) ? 0.0F : largestDB_.load(order);
     }
-    /// Forgets the largest reduction. Takes effect at once for the readers. [main]
+    /// Clears the largest reduction; readers see 0 at once. [main]
     void clear() noexcept { clearing_.store(true, order); }
 
   private:
     static constexpr auto order = std::memory_order_relaxed;
-    /// The limiter's release approaches 0 dB for seconds; less than this is inaudible.
+    /// Smallest counted reduction: the release approaches 0 dB for seconds, and less is inaudible.
     static constexpr float smallestDB = 0.1F;
 
     std::array<std::atomic<float>, 60> slots_{}; ///< seconds of reduction in one second of sound

@@ -38,7 +38,7 @@ Status LimiterUnit::prepare(float sampleRate) {
 
 void LimiterUnit::reset() {
     state_->core.clear();
-    state_->gainReductionStorage.store(0.0F); // nothing is played that could be reduced
+    state_->gainReductionStorage.store(0.0F); // nothing plays
 }
 
 RenderBlock LimiterUnit::internalRenderBlock() {

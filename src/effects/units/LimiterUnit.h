@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// The safety stage at the end of the chain: keeps every sample within the threshold. Switching it
-/// off removes its delay at once; switching it on again first plays the 1.3 ms that it last held.
+/// Safety stage at the end of the chain: keeps every sample within the threshold. Switching it off
+/// removes its delay at once; switching it on first plays the 1.3 ms left in its delay line.
 class LimiterUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { threshold, enabled };
@@ -20,7 +20,7 @@ class LimiterUnit final : public EffectUnit {
     /// Gain reduction of the last block, dB, never negative.
     [[nodiscard]] float readout() const noexcept override;
 
-    /// Time and size of the reduction; while switched off there is none.
+    /// Time and size of the reduction; none while switched off.
     [[nodiscard]] const LimiterActivity &activity() const noexcept;
     void clearLargestReduction() noexcept;
 

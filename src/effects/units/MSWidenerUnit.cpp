@@ -19,7 +19,7 @@ constexpr std::array widenerParameters{
 struct MSWidenerUnit::State {
     PlainCell prevWidthStorage{100.0F}; // percent; not reset by allocation
 
-    /// The width's ramp over a block that ends at `percent`. [render]
+    /// Returns the width's ramp from the last block's width to `percent`. [render]
     LinearRamp rampTo(float percent, std::uint32_t frames) noexcept {
         const float previous = prevWidthStorage.load();
         prevWidthStorage.store(percent);

@@ -6,8 +6,8 @@ namespace quorbel {
 
 struct EnhancerPass;
 
-/// Stereo width from mono (0 %) over neutral (100 %) to twice the side signal (200 %), equally over
-/// the whole spectrum. A change ramps over one block.
+/// Stereo width from mono (0 %) over neutral (100 %) to twice the side signal (200 %), the same at
+/// all frequencies. A change ramps over one block.
 class MSWidenerUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { width };
@@ -15,7 +15,7 @@ class MSWidenerUnit final : public EffectUnit {
     MSWidenerUnit(const ComponentDescription &description, InstantiationOptions options);
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
-    /// Adds the unit's work on a block to a pass of several units. [render]
+    /// Adds the unit's stage to a joint pass. [render]
     void addTo(EnhancerPass &pass, std::uint32_t frames) noexcept;
 
   private:

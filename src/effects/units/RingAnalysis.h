@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// A result that follows the sound in a ring by estimates: the first 100 ms after `begin`, then one
-/// every 50 ms. Belongs to one thread at a time.
+/// Updates a result by estimates of the sound in a ring: 100 ms after `begin`, then every 50 ms.
+/// Belongs to one thread at a time.
 class RingAnalysis {
   public:
     /// Both must outlive it; `ring` has `ringCapacity`.
@@ -26,15 +26,15 @@ class RingAnalysis {
     /// `sampleRate` of the sound in Hz.
     void begin(float sampleRate);
 
-    /// Makes an estimate now. Returns whether new sound had come or the result has changed.
+    /// Makes an estimate now. Returns true if new sound had arrived or the result has changed.
     bool estimateNow();
 
-    /// Makes the estimates that the received frames have made due, each from the sound up to its
-    /// own time. Estimates whose frames the ring has overwritten are lost.
+    /// Makes all estimates due by the received frames, each from the sound up to its own time.
+    /// Skips estimates with frames that the ring has overwritten.
     void catchUp();
 
-    /// Seconds until the next estimate is due, by the received frames; above 0 after `estimateNow`
-    /// and `catchUp`.
+    /// Seconds until the next estimate, by the received frames; above 0 after `estimateNow` and
+    /// `catchUp`.
     [[nodiscard]] double secondsToNext() const;
 
   protected:

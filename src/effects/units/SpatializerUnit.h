@@ -6,8 +6,8 @@ namespace quorbel {
 
 struct EnhancerPass;
 
-/// The crosstalk stage: widens the soundstage of speakers. Runs at amount 0 too and then changes
-/// only rounding. Changes apply from the next block.
+/// Crosstalk stage: widens the soundstage of speakers. Also runs at amount 0, where it changes only
+/// rounding. Changes apply from the next block.
 class SpatializerUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { amount, notch };
@@ -16,7 +16,7 @@ class SpatializerUnit final : public EffectUnit {
     void reset() override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
-    /// Adds the unit's work on a block to a pass of several units. [render]
+    /// Adds the unit's stage to a joint pass. [render]
     void addTo(EnhancerPass &pass) noexcept;
 
   protected:

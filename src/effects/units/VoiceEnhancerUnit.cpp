@@ -30,9 +30,9 @@ struct VoiceEnhancerUnit::State {
     PlainCell confidenceStorage{0.0F}; // 0 to 1; written by the analysis, kept by allocation
     VoiceEnhancerCore core;
     SampleRing ring{RingAnalysis::ringCapacity};  // kept by allocation
-    std::array<float, maximumBlockFrames> mono{}; // the input of a block that is part of a pass
+    std::array<float, maximumBlockFrames> mono{}; // the unit's input in a joint pass
 
-    /// Adds the stage's work on a block to `pass`; parameters in their set units. [render]
+    /// Adds the stage to `pass`; takes the parameters in their own units. [render]
     void addTo(EnhancerPass &pass, float amountPercent, float presenceDB, float mudDB,
                float adaptiveSwitch) noexcept {
         const float fullMix = amountPercent / 100.0F;
@@ -95,7 +95,7 @@ RenderBlock VoiceEnhancerUnit::internalRenderBlock() {
                                                                    std::uint32_t frames) noexcept {
         if (buffers.bufferCount < 2)
             return;
-        // The analysis hears the unprocessed sound, even while the unit rests.
+        // The analysis reads the unprocessed sound, even while the unit rests.
         state->ring.writeMean(buffers.data[0], buffers.data[1], frames);
         EnhancerPass pass;
         state->addTo(pass, amountStorage->taken(), presenceGainStorage->taken(),

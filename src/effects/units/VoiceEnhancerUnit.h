@@ -7,8 +7,8 @@ namespace quorbel {
 
 struct EnhancerPass;
 
-/// Voice clarity. The confidence that the sound is a voice is always measured in the background; in
-/// adaptive mode the amount follows it. At amount 0 the unit rests: bit-exact, its state cleared.
+/// Voice clarity. Always measures the confidence in a voice in the background; the amount follows
+/// it in adaptive mode. Rests at amount 0: bit-exact, with its state cleared.
 class VoiceEnhancerUnit final : public EffectUnit {
   public:
     enum Address : ParameterAddress { amount, presence, mud, adaptive };
@@ -21,12 +21,12 @@ class VoiceEnhancerUnit final : public EffectUnit {
     void setDemand(const EffectDemand &demand) override;
     [[nodiscard]] RenderBlock internalRenderBlock() override;
 
-    /// Adds the unit's work on a block to a pass of several units. The pass writes the unit's
-    /// input, mixed to mono, to the buffer that `feedAnalysis` reads. [render]
+    /// Adds the unit's stage to a joint pass, which writes the unit's input, mixed to mono, to the
+    /// buffer that `feedAnalysis` reads. [render]
     void addTo(EnhancerPass &pass) noexcept;
     void feedAnalysis(std::uint32_t frames) noexcept; ///< [render]
 
-    /// The confidence that a voice is heard, 0 to 1.
+    /// Confidence that the sound has a voice, 0 to 1.
     [[nodiscard]] float readout() const noexcept override;
 
   protected:
