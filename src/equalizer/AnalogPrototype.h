@@ -4,11 +4,11 @@
 
 namespace quorbel {
 
-/// The analog second-order filter that an equaliser band imitates,
+/// Analog second-order filter that an equaliser band imitates,
 ///
 ///     H(s) = (n2 s² + n1 s + n0) / (d2 s² + d1 s + d0),   s = j f/f0,
 ///
-/// as the audio EQ cookbook (R. Bristow-Johnson) gives it, with A = 10^(gainDB/40).
+/// after the audio EQ cookbook (R. Bristow-Johnson), with A = 10^(gainDB/40).
 struct AnalogPrototype {
     double n0 = 1.0;
     double n1 = 0.0;
@@ -24,7 +24,7 @@ struct AnalogPrototype {
     [[nodiscard]] double power(double relativeFrequency) const;
 };
 
-/// The Q of a band `octaves` wide: 1 / (2 sinh(ln 2 / 2 · octaves)), the inverse of
+/// Returns the Q of a band `octaves` wide: 1 / (2 sinh(ln 2 / 2 · octaves)), the inverse of
 /// octaves = 2/ln 2 · asinh(1 / (2 Q)).
 [[nodiscard]] double qualityFromBandwidth(double octaves);
 

@@ -16,8 +16,8 @@ double logOrZero(double value) {
     return value > 0.0 ? std::max(std::log(value), logOfZero) : logOfZero;
 }
 
-// Half way through a glide of r·d in ln f, a resonance of damping d is off its centre and gives
-// less; at r = 0.3 by less than 0.5 dB.
+// Halfway through a glide of r·d in ln f, a resonance of damping d is off centre and loses gain:
+// less than 0.5 dB at r = 0.3.
 constexpr double reachPerDamping = 0.3;
 constexpr double longestReach = 0.35;
 

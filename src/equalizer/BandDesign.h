@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// One designed band: its section, and the limits within which the section can be reached by
-/// gliding. Made off the audio thread, copied to it.
+/// Designed band: its section and the largest glides that may reach it. Made off the audio thread,
+/// copied to it.
 ///
 /// Sections glide in the logarithms of their values. The prototypes are products of powers of gain,
 /// frequency and Q, so a straight line between two logarithms is a straight line in dB and octaves.
@@ -22,12 +22,12 @@ struct BandDesign {
     SectionCoefficients section;
     Logarithms logarithms{};
 
-    /// Longest glide of the frequency, as |ln(f/f')|. In a longer one the resonance would be heard
-    /// sweeping over the frequencies between, louder than before and after.
+    /// Largest frequency change of a glide, |ln(f/f')|. In a larger one the resonance would audibly
+    /// sweep over the frequencies between, louder than before and after.
     double frequencyReach = 0.0;
 
-    /// Longest glide of Q, likewise: a resonance that is widened faster than it decays swells
-    /// first.
+    /// Largest change of Q in a glide, likewise: widening a resonance faster than it decays makes
+    /// it swell.
     double qualityReach = 0.0;
 
     /// Time constant (to 1/e) of the band's ringing, in seconds.
@@ -35,11 +35,10 @@ struct BandDesign {
 
     [[nodiscard]] static BandDesign of(const EqualizerBandSettings &settings, double sampleRate);
 
-    /// The flat band from which a parametric band or shelf at `logarithms` fades in, and to which
-    /// it fades out.
+    /// Returns the flat band from and to which a parametric band or shelf at `logarithms` fades.
     [[nodiscard]] static Logarithms flattened(const Logarithms &logarithms);
 
-    /// The section at a point of the glide.
+    /// Returns the section at a point of the glide.
     [[nodiscard]] static SectionCoefficients sectionAt(const Logarithms &logarithms);
 };
 

@@ -11,8 +11,8 @@ enum class EqualizerFilterType {
     highShelf = 8
 };
 
-/// Whether the type has a gain: parametric bands and shelves do and are flat at 0 dB, passes do
-/// not.
+/// True for the types with a gain, which are flat at 0 dB: parametric bands and shelves, not
+/// passes.
 [[nodiscard]] constexpr bool hasGain(EqualizerFilterType type) {
     return type != EqualizerFilterType::lowPass && type != EqualizerFilterType::highPass;
 }

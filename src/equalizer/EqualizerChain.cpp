@@ -9,7 +9,7 @@
 namespace quorbel {
 namespace {
 
-// A third of a millisecond per step makes a glide 20 ms long; inside a step everything moves
+// Steps of a third of a millisecond make a glide 20 ms long; within a step everything moves
 // linearly.
 constexpr double stepsPerSecond = 2.0 * Glide<1>::averageSteps / 0.020;
 

@@ -11,7 +11,7 @@
 
 namespace quorbel {
 
-/// The design of all settings of an equaliser.
+/// Design of an equaliser's bands and gain.
 struct EqualizerDesign {
     std::vector<BandDesign> bands;
     double gainDB = 0.0;
@@ -48,7 +48,7 @@ class EqualizerChain {
     /// Adds the chain's sections and gain to a batch instead of processing them here; only at rest.
     void addTo(SectionBatch &sections) noexcept;
 
-    /// Clears states that are not finite, which would otherwise stay for ever.
+    /// Clears non-finite states, which would otherwise persist.
     void dropNonFinite() noexcept;
 
   private:

@@ -4,7 +4,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "equalizer/MovingCascade.cpp"
-// In the order in which Highway wants them.
+// Highway requires this order.
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
@@ -15,7 +15,7 @@ HWY_BEFORE_NAMESPACE();
 namespace quorbel::HWY_NAMESPACE {
 namespace {
 
-/// The sections of one pass at one frame each; the lanes that have none stay at zero.
+/// Coefficients of a pass at one frame per lane; unused lanes stay at zero.
 template <typename L> class MovingCoefficients : public LaneRoutes<L, 1> {
     using Vector = typename L::Vector;
 
@@ -49,7 +49,7 @@ template <typename L> class MovingCoefficients : public LaneRoutes<L, 1> {
         }
         restingScale_ = hn::Load(L::tag, scales);
         moves_ = hn::Ne(hn::Load(L::tag, moves), hn::Zero(L::tag));
-        // Lanes that start later are that far behind.
+        // Each lane lags by its start step.
         position_ =
             hn::Sub(hn::Set(L::tag, static_cast<float>(cascade.stepPosition)), this->startStep);
     }
@@ -63,7 +63,7 @@ template <typename L> class MovingCoefficients : public LaneRoutes<L, 1> {
         scale_ = hn::IfThenElse(moves_, closed, restingScale_);
     }
 
-    /// The sums of processSample, in its order.
+    /// Computes the sums of processSample in its order.
     HWY_INLINE Vector process(Vector x, Vector &first, Vector &second) const noexcept {
         const Vector drive =
             hn::Mul(scale_, hn::Sub(hn::Sub(x, hn::Mul(now_[feedback], first)), second));
@@ -83,14 +83,14 @@ template <typename L> class MovingCoefficients : public LaneRoutes<L, 1> {
     Vector perFrame_[valueCount];
     Vector restingScale_;
     typename L::Mask moves_;
-    Vector position_; // of each lane's frame in step 0
+    Vector position_; // of each lane in step 0
     Vector now_[valueCount];
     Vector scale_;
 };
 
 } // namespace
 
-// Without noexcept, which Highway's table of targets does not take; nothing in it throws.
+// Not noexcept, which Highway's dispatch table does not accept; nothing in it throws.
 void processMovingInLanes(const MovingCascade &cascade, float *left, float *right,
                           std::uint32_t frames) {
     forEachPass(cascade.count, [&](std::size_t first, std::size_t count, auto layout) HWY_ATTR {

@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// A section whose coefficients move linearly within a step of a glide, all but `scale`, which
-/// follows from them. What it points to is its owner's.
+/// Section with coefficients that move linearly within a step of a glide, except `scale`, which is
+/// derived from them. Borrows all that it points to.
 struct MovingSection {
     const SectionCoefficients *from = nullptr; ///< at the step's first frame
     const SectionCoefficients *to = nullptr;   ///< at the next step's; null while the section rests
@@ -20,16 +20,16 @@ struct MovingSection {
 struct MovingCascade {
     const MovingSection *sections = nullptr;
     std::size_t count = 0;
-    std::uint32_t stepFrames = 1;   ///< the length of the step
-    std::uint32_t stepPosition = 0; ///< where in it the part begins
+    std::uint32_t stepFrames = 1;   ///< length of the step
+    std::uint32_t stepPosition = 0; ///< offset of the part in the step
 };
 
-/// In place. Every section in a lane of its own, as processCascade; equal bit by bit to
+/// Works in place with one section per lane, as processCascade; bit-identical to
 /// processMovingPlainly.
 void processMoving(const MovingCascade &cascade, float *left, float *right,
                    std::uint32_t frames) noexcept;
 
-/// Section by section, for comparison.
+/// Plain reference: one section after the other.
 void processMovingPlainly(const MovingCascade &cascade, float *left, float *right,
                           std::uint32_t frames) noexcept;
 

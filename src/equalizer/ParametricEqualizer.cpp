@@ -13,7 +13,7 @@ namespace {
 constexpr double fadeSeconds = 0.020;
 
 // Bands that start from silence run unheard until they have settled to 0.1 %; otherwise a low boost
-// would be missing during the fade. The upper limit keeps the change from seeming late.
+// would be missing during the fade. The upper limit keeps the change from being noticeably late.
 constexpr double decaysToSettle = 7.0;
 constexpr double longestWarmUpSeconds = 0.030;
 
@@ -45,7 +45,7 @@ void ParametricEqualizer::setGlobalGainDB(float gainDB) {
         publish();
 }
 
-/// Returns whether the design has changed.
+/// Returns true if the design has changed.
 bool ParametricEqualizer::design(std::size_t index, const EqualizerBandSettings &settings) {
     EqualizerBandSettings &current = settings_.at(index);
     if (current == settings)

@@ -16,11 +16,11 @@ namespace quorbel {
 /// A stereo equaliser: a fixed number of bands in series and a global gain, set on one thread while
 /// another renders.
 ///
-/// Every change takes about 20 ms and is free of clicks; meanwhile the level never exceeds the
-/// louder of before and after. A change that keeps a band's type and nearly its frequency and width
-/// glides the filter itself. For any other a second chain is started, settles unheard for up to 30
-/// ms, and is crossfaded to; changes made meanwhile wait for the end of the fade. Settings made
-/// before the first block apply from its first frame.
+/// Every change takes about 20 ms and is free of clicks; the level never exceeds the louder of
+/// before and after. A change that keeps a band's type and nearly its frequency and width glides
+/// the filter itself. Any other starts a second chain, which settles unheard for up to 30 ms and is
+/// crossfaded in; further changes wait for the end of the fade. Settings made before the first
+/// block apply from its first frame.
 class ParametricEqualizer {
   public:
     explicit ParametricEqualizer(std::size_t bandCount);
@@ -55,7 +55,7 @@ class ParametricEqualizer {
         render(left, right, frames);
     }
 
-    /// Renders `first`, then `second`; in one pass while neither changes, in about the time of one.
+    /// Renders `first`, then `second`. While neither changes, one pass takes about the time of one.
     static void renderInSeries(ParametricEqualizer &first, ParametricEqualizer &second, float *left,
                                float *right, std::uint32_t frames) noexcept; // [render]
 
@@ -79,7 +79,7 @@ class ParametricEqualizer {
 
     // [render]
     EqualizerChain chain_;
-    EqualizerChain incoming_; // the chain that is faded in
+    EqualizerChain incoming_; // the chain that is fading in
     bool started_ = false;
     bool pending_ = false; // the newest design has not been accepted yet
     bool fading_ = false;

@@ -10,7 +10,7 @@
 
 namespace quorbel {
 
-/// A stereo equaliser of a fixed number of bands in series and a global gain. Every change glides;
+/// Stereo equaliser with a fixed number of bands in series and a global gain. Every change glides;
 /// a band that is bypassed or at 0 dB (parametric, shelves) costs nothing and is bit-exact.
 ///
 /// Setters [main], while rendering or not; settings made before the first block apply from its
@@ -23,7 +23,7 @@ class ParametricEqualizerNode final : public GraphNode {
     [[nodiscard]] EqualizerBandSettings band(std::size_t index) const {
         return equalizer_.band(index);
     }
-    /// Sets the first bands and the gain, which apply together.
+    /// Sets the first bands and the gain together.
     void set(std::span<const EqualizerBandSettings> bands, float globalGainDB) {
         equalizer_.set(bands, globalGainDB);
     }
@@ -33,7 +33,7 @@ class ParametricEqualizerNode final : public GraphNode {
     [[nodiscard]] float globalGainDB() const { return equalizer_.globalGainDB(); }
     void setGlobalGainDB(float gainDB) { equalizer_.setGlobalGainDB(gainDB); }
 
-    /// -EINVAL for anything but two channels at 8000 to 384000 Hz.
+    /// Returns -EINVAL for anything but two channels at 8000 to 384000 Hz.
     Status allocateRenderResources(const StreamFormat &format,
                                    std::uint32_t maximumFrames) override;
     void reset() override { equalizer_.reset(); }

@@ -21,10 +21,10 @@ class SectionBatch {
 
     void add(const SectionCoefficients &section, SectionState &left, SectionState &right) noexcept;
 
-    /// Adds a gain after the sections so far; costs nothing if there is one.
+    /// Adds a gain after the sections so far; free if there is a section.
     void scale(float gain) noexcept;
 
-    /// Runs the sections that are left; call it at the end.
+    /// Runs the remaining sections; call it last.
     void run() noexcept;
 
   private:

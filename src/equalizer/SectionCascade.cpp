@@ -6,7 +6,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "equalizer/SectionCascade.cpp"
-// In the order in which Highway wants them.
+// Highway requires this order.
 // clang-format off
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
@@ -17,7 +17,7 @@ HWY_BEFORE_NAMESPACE();
 namespace quorbel::HWY_NAMESPACE {
 namespace {
 
-/// The sections of one pass; the lanes that have none stay at zero.
+/// Coefficients of a pass; unused lanes stay at zero.
 template <typename L, std::uint32_t stepsPerLane>
 struct LaneCoefficients : LaneRoutes<L, stepsPerLane> {
     using Vector = typename L::Vector;
@@ -46,10 +46,10 @@ struct LaneCoefficients : LaneRoutes<L, stepsPerLane> {
         outputOfSecond = hn::Load(L::tag, table[6]);
     }
 
-    /// The sums of processSample, in the order that leaves the shortest way from one step's memory
-    /// to the next one's. Both memories still grow by increments. The multiplications fill their
-    /// ports, so the order of the lines counts: in others GCC 12's loops take up to a sixth longer
-    /// on Zen 4, with AVX-512 or without.
+    /// Latency-bound: computes the sums of processSample in the order with the shortest path from
+    /// one step's states to the next. Both states still grow by increments. The multiplications
+    /// fill their ports, so the order of the lines counts: in others GCC 12's loops take up to a
+    /// sixth longer on Zen 4, with AVX-512 or without.
     HWY_INLINE Vector process(Vector x, Vector &first, Vector &second) const noexcept {
         const Vector difference = hn::Sub(x, second);
         const Vector output = hn::MulAdd(
@@ -61,20 +61,20 @@ struct LaneCoefficients : LaneRoutes<L, stepsPerLane> {
         return output;
     }
 
-    void moveTo(Vector) const noexcept {} ///< they rest
+    void moveTo(Vector) const noexcept {} ///< resting sections
 
-    Vector firstOfDifference; // what input - second memory adds to the first
+    Vector firstOfDifference; // increment of the first state per (input - second state)
     Vector secondOfDifference;
-    Vector firstOfFirst; // what the first memory takes from itself
+    Vector firstOfFirst; // its decrement per first state
     Vector secondOfFirst;
     Vector outputOfInput;
     Vector outputOfFirst;
     Vector outputOfSecond;
 };
 
-// A longer call in three parts. Everything is copied, so that the loops run in registers.
+// A longer call runs in three parts. Copies keep their loops in registers.
 
-/// The first steps: one lane after the other starts, and nothing comes out yet.
+/// Runs the first steps, in which one lane after the other starts, without output.
 template <typename L, std::uint32_t stepsPerLane>
 void runStart(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, const float *left,
               const float *right, std::uint32_t delay) noexcept {
@@ -87,7 +87,7 @@ void runStart(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, const
     states = lanes;
 }
 
-/// The steps in which all lanes work.
+/// Runs the steps in which all lanes work.
 template <typename L, std::uint32_t stepsPerLane>
 void runMiddle(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, float *left,
                float *right, std::size_t frames, std::size_t delay) noexcept {
@@ -100,8 +100,8 @@ void runMiddle(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, floa
     states = lanes;
 }
 
-/// The steps behind the last input: one lane after the other stops. `left` and `right` are where
-/// the last `delay` frames go.
+/// Runs the steps after the last input, in which one lane after the other stops. `left` and `right`
+/// receive the last `delay` frames.
 template <typename L, std::uint32_t stepsPerLane>
 void runEnd(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, float *left, float *right,
             std::uint32_t delay) noexcept {
@@ -116,7 +116,7 @@ void runEnd(LaneCoefficients<L, stepsPerLane> c, StereoLanes<L> &states, float *
     states = lanes;
 }
 
-/// As many sections as there are lanes in a part, at most.
+/// Processes at most as many sections as a part has lanes.
 template <typename L, std::uint32_t stepsPerLane>
 void processLanes(const SectionCascade &cascade, float *left, float *right,
                   std::uint32_t frames) noexcept {
@@ -138,11 +138,11 @@ void processLanes(const SectionCascade &cascade, float *left, float *right,
 
 } // namespace
 
-/// In shorter calls the way through sixteen lanes counts for more than the time of a step. Fewer
-/// lanes have a shorter way, and their steps are latency-bound.
+/// In shorter calls the bottleneck is the delay through sixteen lanes, not the time of a step.
+/// Fewer lanes have less delay, and their steps are latency-bound.
 constexpr std::uint32_t shortestLongCall = 256;
 
-// Without noexcept, which Highway's table of targets does not take; nothing in it throws.
+// Not noexcept, which Highway's dispatch table does not accept; nothing in it throws.
 void processCascadeInLanes(const SectionCascade &cascade, float *left, float *right,
                            std::uint32_t frames) {
     forEachPass(cascade.count, [&](std::size_t first, std::size_t count, auto layout) HWY_ATTR {
@@ -167,7 +167,7 @@ HWY_EXPORT(processCascadeInLanes);
 
 void processCascade(const SectionCascade &cascade, float *left, float *right,
                     std::uint32_t frames) noexcept {
-    // Steps are counted in floats within a call.
+    // A call counts its steps in floats.
     constexpr std::uint32_t longestCall = 65536;
     while (frames > 0) {
         const std::uint32_t chunk = std::min(frames, longestCall);

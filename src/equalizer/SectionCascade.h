@@ -21,9 +21,9 @@ void processCascadePlainly(const SectionCascade &cascade, float *left, float *ri
                            std::uint32_t frames) noexcept;
 
 /// Equals the reference to within rounding, more than twenty times as fast. A section is
-/// latency-bound by its own previous frame, not by the other sections: every lane of a vector runs
-/// one section, a few frames behind the lane before it. The lanes start and stop within the call,
-/// so no delay is added and the result does not depend on the lengths of the calls.
+/// latency-bound by its own previous frame, so every vector lane runs one section, a few frames
+/// behind the previous lane. The lanes start and stop within the call: no delay is added, and the
+/// result does not depend on the lengths of the calls.
 void processCascade(const SectionCascade &cascade, float *left, float *right,
                     std::uint32_t frames) noexcept;
 

@@ -19,12 +19,12 @@ namespace {
 //     G² · q(x; zero) / q(x; pole),   q(x; c, d) = (1 - x/c²)² + d² x/c²
 //
 // with a cutoff c and a damping d for the poles and for the zeros. A high pass has both zeros at 0
-// Hz instead. The unknowns are logarithms, so that poles and zeros always stay in the left half
-// plane; G is exact at 0 Hz, except for the high pass, where it is the third unknown.
+// Hz instead. The unknowns are logarithms, which keeps poles and zeros in the left half plane. G is
+// exact at 0 Hz, except for the high pass, where it is the third unknown.
 //
-// Levenberg-Marquardt on the difference of log |H|² from the prototype's, over a grid that is
-// linear in frequency and denser around the band. It starts from the prototype's poles and zeros
-// mapped by z = exp(s / sampleRate), which is exact at low frequencies and close elsewhere.
+// Levenberg-Marquardt minimises the difference of log |H|² from the prototype's, over a grid that
+// is linear in frequency and denser around the band. It starts from the prototype's poles and zeros
+// mapped by z = exp(s / sampleRate): exact at low frequencies and close elsewhere.
 
 using Unknowns = std::array<double, 4>;
 
@@ -47,8 +47,8 @@ struct Quadratic {
     }
 };
 
-/// The roots of c2 s² + c1 s + c0, s in units of the band's angular frequency, moved into the z
-/// plane by z = exp(s · radiansPerSample) and read back as a quadratic in j tan.
+/// Maps the roots of c2 s² + c1 s + c0 (s in units of the band's angular frequency) by z = exp(s ·
+/// radiansPerSample) and returns them as a quadratic in j tan.
 Quadratic matchedQuadratic(double c0, double c1, double c2, double radiansPerSample) {
     const double half = c1 / (2.0 * c2);
     const double discriminant = half * half - c0 / c2;
@@ -74,9 +74,9 @@ struct GridPoint {
     double weight = 1.0;
 };
 
-// Weights are the inverse of the allowed error by frequency, as a fraction of the sample rate: at
-// 48 kHz 0.1 dB up to 10 kHz and 0.25 dB up to 20 kHz. Passes count in their stop band too, down to
-// about -40 dB, and not above 18 kHz.
+// Weights by frequency, as a fraction of the sample rate: the inverse of the allowed error, at 48
+// kHz 0.1 dB up to 10 kHz and 0.25 dB up to 20 kHz. Passes also count in the stop band, down to
+// about -40 dB, but hardly above 18 kHz.
 constexpr double gridTop = 0.46;
 constexpr int linearPoints = 28;
 constexpr int bandPointsPerSide = 12;
@@ -154,7 +154,7 @@ class SectionFit {
             zero = matchedQuadratic(p.n0, p.n1, p.n2, radiansPerSample);
             logGain_ = 2.0 * std::log(p.n0 / p.d0);
         } else if (!zerosAtZero_) {
-            // Far enough out for the prototype's value at half the sample rate.
+            // Matches the prototype's value at half the sample rate.
             const double atNyquist = p.power(0.5 / frequencyRatio);
             zero = {.cutoff = std::max(pole.cutoff / std::pow(atNyquist, 0.25), 0.3),
                     .damping = 2.0};

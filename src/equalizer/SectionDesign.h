@@ -16,14 +16,14 @@ inline constexpr double maximumBandwidthOctaves = 5.0;
 inline constexpr double minimumBandGainDB = -96.0;
 inline constexpr double maximumBandGainDB = 24.0;
 
-/// A gain nearer to 0 dB than this, in dB, counts as 0 dB: far below the step of a control, above
-/// the rounding errors of arithmetic on settings.
+/// Smaller gains, in dB, count as 0 dB: far below the step of a control, above the rounding errors
+/// of arithmetic on settings.
 inline constexpr double flatGainDB = 0.0005;
 
 /// Returns `gainDB` clamped to the range above; 0 for NaN and for flat gains.
 [[nodiscard]] double clampedGainDB(float gainDB);
 
-/// A band's frequency in Hz, and the Q of its bandwidth, clamped to their ranges. Not for NaN.
+/// A band's frequency in Hz and the Q of its bandwidth, clamped to their ranges. Not for NaN.
 [[nodiscard]] double clampedFrequencyHz(float frequencyHz, double sampleRate);
 [[nodiscard]] double clampedQuality(float bandwidthOctaves);
 

@@ -1,5 +1,5 @@
-// For inclusion by code that is compiled once per vector target, after Highway's own headers; hence
-// the guard that changes with the target.
+// Included after Highway's headers by code that is compiled once per vector target; hence the guard
+// that changes with the target.
 #if defined(QUORBEL_SECTION_LANES_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef QUORBEL_SECTION_LANES_INL_H
 #undef QUORBEL_SECTION_LANES_INL_H
@@ -19,15 +19,15 @@ namespace quorbel::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Sections in series, one per lane of a vector. Step n of a call takes frame n into the first
-// section's lane. Every other lane is `stepsPerLane` frames behind the lane before it. With 2, a
-// step waits for the memory that the step before it leaves, not for its output. With 1, the way
-// through the lanes is half as long, which counts for more in short calls.
+// Sections in series, one per vector lane. Step n of a call feeds frame n to the first section's
+// lane; every other lane lags the previous one by `stepsPerLane` frames. The recursion is
+// latency-bound: with 2, a step needs the previous step's states, but not its output. With 1, the
+// delay through the lanes is half as long, which counts more in short calls.
 
 inline constexpr std::size_t longestVector = 16;
 
-/// Where the sections of a pass are: left and right as two vectors of up to `mostLanes` lanes, or
-/// as the halves of one. A part is a vector or half of one; the sections are in its highest lanes.
+/// Layout of a pass: left and right in two vectors of up to `mostLanes` lanes, or in the halves of
+/// one. A part is such a vector or half; its highest lanes hold the sections.
 template <std::size_t mostLanes, bool isTogether_> struct Layout {
     using Tag = hn::CappedTag<float, mostLanes>;
     using Vector = hn::Vec<Tag>;
@@ -47,7 +47,7 @@ HWY_INLINE void forEachLane(std::size_t count, const Place &place) noexcept {
 }
 
 template <typename L> HWY_INLINE float firstOfUpperHalf(typename L::Vector v) noexcept {
-#if HWY_TARGET == HWY_SCALAR // one lane, and so never two parts
+#if HWY_TARGET == HWY_SCALAR // one lane: never two parts
     return hn::GetLane(v);
 #else
     const hn::Half<typename L::Tag> half;
@@ -55,7 +55,7 @@ template <typename L> HWY_INLINE float firstOfUpperHalf(typename L::Vector v) no
 #endif
 }
 
-/// Moves every lane's content up by one, that of a part's highest lane round to its lowest.
+/// Returns the indices that move every lane up by one; a part's highest lane wraps to its lowest.
 template <typename L> auto upByOneLane() noexcept {
     const std::size_t lanes = L::partLanes();
     HWY_ALIGN std::int32_t indices[longestVector] = {};
@@ -64,7 +64,7 @@ template <typename L> auto upByOneLane() noexcept {
     return hn::SetTableIndices(L::tag, indices);
 }
 
-/// The sound's way through the lanes of a pass of `count` sections.
+/// Path of the sound through the lanes of a pass of `count` sections.
 template <typename L, std::uint32_t stepsPerLane_> struct LaneRoutes {
     using Vector = typename L::Vector;
     static constexpr std::uint32_t stepsPerLane = stepsPerLane_;
@@ -81,18 +81,18 @@ template <typename L, std::uint32_t stepsPerLane_> struct LaneRoutes {
         rightInputLane = hn::Eq(inputs, hn::Set(L::tag, 2.0F));
     }
 
-    /// From a frame's step to that in which it leaves, in steps.
+    /// Steps from a frame's input to its output.
     static std::uint32_t delayOf(std::size_t count) noexcept {
         return static_cast<std::uint32_t>(count - 1) * stepsPerLane;
     }
 
-    Vector startStep;                // when each lane's first frame arrives
-    typename L::Mask inputLane;      // which lane reads the input
-    typename L::Mask rightInputLane; // of the second part
+    Vector startStep;                // step of each lane's first frame
+    typename L::Mask inputLane;      // lane that reads the input
+    typename L::Mask rightInputLane; // the same in the second part
     decltype(upByOneLane<L>()) upByOne = upByOneLane<L>();
 };
 
-/// The sections' memories and what is on its way from lane to lane.
+/// States of the sections and the samples in flight between lanes.
 template <typename L> class LaneStates {
     using Vector = typename L::Vector;
 
@@ -101,11 +101,11 @@ template <typename L> class LaneStates {
 
     [[nodiscard]] HWY_INLINE Vector first() const noexcept { return first_; }
     [[nodiscard]] HWY_INLINE Vector second() const noexcept { return second_; }
-    /// What the lanes read in the next step, but for the lanes that read the input.
+    /// Inputs of the next step, except of the lanes that read the call's input.
     [[nodiscard]] HWY_INLINE Vector next() const noexcept { return next_; }
 
-    /// One step; what comes back is what the sections put out, a lane further up. Only lanes in
-    /// `active` remember anything of it. `Coefficients` are LaneRoutes with
+    /// Runs one step and returns the sections' outputs, moved up by one lane. Only lanes in
+    /// `active` keep their new states. `Coefficients` are LaneRoutes with
     /// `Vector process(Vector input, Vector &first, Vector &second)`, one frame of every section.
     template <typename Coefficients>
     HWY_INLINE Vector step(const Coefficients &c, Vector x, typename L::Mask active) noexcept {
@@ -131,7 +131,7 @@ template <typename L> class LaneStates {
     Vector first_;
     Vector second_;
     Vector next_ = hn::Zero(L::tag);
-    Vector last_ = hn::Zero(L::tag); // what they read in the step after the next
+    Vector last_ = hn::Zero(L::tag); // inputs of the step after the next
 };
 
 struct Frame {
@@ -139,8 +139,8 @@ struct Frame {
     float right;
 };
 
-/// Both channels' lanes. They are loaded from and saved to `SectionState &stateOf(isLeft,
-/// section)`. `active...` are one mask or none, see LaneStates.
+/// Lanes of both channels, loaded from and saved to `SectionState &stateOf(isLeft, section)`.
+/// `active...` is one mask or none, see LaneStates.
 template <typename L, bool isTogether = L::isTogether> class StereoLanes;
 
 template <typename L> class StereoLanes<L, false> {
@@ -237,8 +237,8 @@ template <typename L> class StereoLanes<L, true> {
     LaneStates<L> lanes_;
 };
 
-/// Runs a call of any length. Lanes start and stop within it, each with its first and its last
-/// frame. Calls `moveTo(step)` of the coefficients before every step.
+/// Runs a call of any length; each lane starts with its first frame and stops after its last. Calls
+/// `moveTo(step)` of the coefficients before every step.
 template <typename L, typename Coefficients>
 HWY_INLINE void runMasked(Coefficients c, StereoLanes<L> &states, float *left, float *right,
                           std::uint32_t frames, std::uint32_t delay) noexcept {
@@ -258,13 +258,13 @@ HWY_INLINE void runMasked(Coefficients c, StereoLanes<L> &states, float *left, f
     states = lanes;
 }
 
-/// Calls `run(first, count, layout)` for every pass that `count` sections take.
+/// Calls `run(first, count, layout)` for every pass over `count` sections.
 template <typename Run> HWY_INLINE void forEachPass(std::size_t count, const Run &run) noexcept {
     using Wide = Layout<longestVector, false>;
-    // Vectors of 16 lanes only where needed: they take some machines twice the work.
+    // Uses 16 lanes only where needed, because they cost some machines twice the work.
     using Narrow = Layout<8, false>;
     using Half = Layout<8, true>;
-    // Even passes: ten sections on eight lanes are two passes of five.
+    // Balances the passes: ten sections on eight lanes take two passes of five.
     const std::size_t lanes = Wide::partLanes();
     const std::size_t passes = (count + lanes - 1) / lanes;
     for (std::size_t pass = 0, done = 0; pass < passes; ++pass) {

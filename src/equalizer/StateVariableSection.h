@@ -2,7 +2,7 @@
 
 namespace quorbel {
 
-/// A second-order section as designed: the state-variable filter
+/// Designed second-order section: the state-variable filter
 ///
 ///     H = (high s² + band s + low) / (s² + damping s + 1),   s = j tan(π f / sampleRate) / cutoff,
 ///
@@ -24,10 +24,9 @@ struct SectionState {
     float second = 0.0F;
 };
 
-/// The section's coefficients for running it in 32 bits. Trapezoidal integrators (V. Zavalishin,
-/// "The Art of VA Filter Design", 3.10) in the form that adds increments to its states: at low
-/// frequencies the increments and their rounding errors are small, where a 32-bit direct form loses
-/// half of its digits.
+/// Coefficients of a section in 32 bits, for trapezoidal integrators (V. Zavalishin, "The Art of VA
+/// Filter Design", 3.10) that add increments to their states. At low frequencies the increments and
+/// their rounding errors are small, while a 32-bit direct form loses half of its digits.
 struct SectionCoefficients {
     float cutoff = 1.0F;   ///< g
     float feedback = 2.0F; ///< g + damping
@@ -46,7 +45,7 @@ struct SectionCoefficients {
           first(static_cast<float>(design.band - design.damping * design.high)),
           second(static_cast<float>(design.low - design.high)) {}
 
-    /// Derives `scale` after the other two were interpolated.
+    /// Derives `scale` from interpolated `cutoff` and `feedback`.
     void close() noexcept { scale = cutoff / (1.0F + cutoff * feedback); }
 };
 

@@ -10,12 +10,11 @@ namespace {
 
 constexpr double mixGlideSeconds = 0.040;
 
-/// Fades in the input of a new room: otherwise the edge of a sound that begins suddenly is heard in
-/// each of its echoes. The length limits the overshoot of a steady tone (0.9 dB at 30 ms, 0.56 dB
-/// at 300 ms).
+/// Fade-in of a new room's input: otherwise each echo would repeat the sudden onset. The length
+/// limits the overshoot of a steady tone (0.9 dB at 30 ms, 0.56 dB at 300 ms).
 constexpr double fadeInSeconds = 0.300;
 
-/// Crossfade from the old room to the new one, whose sound has to build up.
+/// Crossfade from the old room to the new one while that builds up.
 constexpr double fadeSeconds = 0.150;
 
 std::uint32_t frameCount(double seconds, double sampleRate) {
@@ -28,7 +27,7 @@ float fadeWeight(std::uint32_t frame, std::uint32_t frames) noexcept {
     return t * t * (3.0F - 2.0F * t);
 }
 
-/// The gains of the direct and the room's sound for a mix of 0 to 1.
+/// Returns the gains of direct and room sound for a mix of 0 to 1.
 Glide<2>::Values gainsFor(float mix) noexcept {
     if (mix <= 0.0F)
         return {1.0, 0.0};
@@ -87,7 +86,7 @@ void Reverb::begin() noexcept {
     if (mix_ == 0.0F)
         return;
     leaveIdle();
-    voices_[current_].fadedIn = fadeInFrames_; // a sound from the first frame on has no edge
+    voices_[current_].fadedIn = fadeInFrames_; // sound from the first frame has no onset
 }
 
 void Reverb::leaveIdle() noexcept {
@@ -117,7 +116,7 @@ void Reverb::acceptSettings() noexcept {
     }
     const float target = takenMix_;
     if (idle_) {
-        // A mix turned up before the last sound is erased waits for that.
+        // A raised mix waits until the last sound is erased.
         if (target == 0.0F || !voices_[current_].tank.isClear())
             return;
         leaveIdle();

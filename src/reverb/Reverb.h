@@ -16,8 +16,8 @@ namespace quorbel {
 /// The mix has equal power: cos(π/2 · mix) for the direct sound, sin(π/2 · mix) for the room, which
 /// keeps the loudness. Its changes glide for about 40 ms on a straight line between the gains, so
 /// the level never exceeds the louder of before and after. A mix of 0 is bit-exact and costs
-/// nothing. A new room is crossfaded to; each room needs its own memory, so there are two tanks.
-/// Settings made before the first block apply from its first frame.
+/// nothing. A new room is crossfaded in; each room needs its own memory, hence two tanks. Settings
+/// made before the first block apply from its first frame.
 class Reverb {
   public:
     Reverb() : Reverb(ReverbTank::Code::vector) {}
@@ -31,7 +31,7 @@ class Reverb {
     /// Clamped to 0 to 100; NaN is 0.
     void setMixPercent(float percent); // [main]
 
-    /// Takes the memory for `sampleRate` Hz, 8000 to 384000, and starts from silence. Not while
+    /// Allocates the memory for `sampleRate` Hz, 8000 to 384000, and starts from silence. Not while
     /// rendering.
     void prepare(double sampleRate);
 
@@ -90,7 +90,7 @@ class Reverb {
     std::array<Voice, 2> voices_;
     std::size_t current_ = 0;
     bool started_ = false;
-    bool idle_ = true;       // no room is heard, and the tanks are not run
+    bool idle_ = true;       // no room sounds, and the tanks do not run
     bool newDesign_ = false; // the newest design is not running yet
     float takenMix_ = 0.0F;  // 0 to 1
     RoomModel runningModel_ = RoomModel::smallRoom;

@@ -35,8 +35,7 @@ void hear(ReverbTank::State &state, std::size_t channel, const float *input,
     write(state, state.input, channel, samples, frames);
 }
 
-/// Smooths the means over 128 frames by one pole at 20 Hz: the baseline is far below the rate of
-/// the means.
+/// Smooths the means over 128 frames by one pole at 20 Hz, far below the rate of the means.
 void followBaseline(ReverbTank::State &state, std::size_t channel) noexcept {
     auto &heard = state.heard[channel];
     std::array<float, 8> sums; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
@@ -55,7 +54,7 @@ void followBaseline(ReverbTank::State &state, std::size_t channel) noexcept {
         state.baseline[channel][i] = begin + step * static_cast<float>(i);
 }
 
-/// Keeps the end of the rings equal to their beginning, after a block at `position`.
+/// Repeats the rings' beginning after their end if the block at `position` has changed it.
 void repeatBeginning(const ReverbTank::Rings &rings, std::uint32_t position) noexcept {
     const std::uint32_t slot = position & (rings.length - 1);
     if (slot >= ReverbTank::Rings::repeatedFrames)
@@ -79,7 +78,7 @@ void cross(Branches &branches, const float *delayed, std::uint32_t frames) noexc
     }
 }
 
-/// First stage, on the pre-delayed input.
+/// Runs the first stage on the pre-delayed input.
 Branches entering(const ReverbTank::State &state, std::size_t channel,
                   std::uint32_t frames) noexcept {
     Branches branches; // NOLINT(cppcoreguidelines-pro-type-member-init): filled below
@@ -88,7 +87,7 @@ Branches entering(const ReverbTank::State &state, std::size_t channel,
     return branches;
 }
 
-/// Stages `first` to `last`, excluded, of a diffuser.
+/// Runs stages `first` to `last`, excluded, of a diffuser.
 Branches diffused(const ReverbTank::State &state, std::size_t channel, std::size_t first,
                   std::size_t last, Branches branches, std::uint32_t frames) noexcept {
     for (std::size_t stage = first; stage < last; ++stage) {
@@ -160,7 +159,7 @@ void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block
         x[6][i] -= pDifference;
         x[7][i] += pSum;
     }
-    // Rotated by one, so that the matrix is not its own inverse.
+    // Rotates the lines by one, so that the matrix is not its own inverse.
     for (std::size_t line = 0; line < lineCount; ++line)
         write(state, state.lines, (line + 1) % lineCount, x[line], frames);
 

@@ -4,10 +4,10 @@
 
 namespace quorbel {
 
-/// Samples of at least this magnitude, and NaN, count as silence: so the room never overflows.
+/// NaN and samples of at least this magnitude count as silence, so the room never overflows.
 inline constexpr float loudestReverbInput = 1e15F;
 
-/// Plain code for 1 to 32 frames of one block of the grid; the reference for the vector code.
+/// Plain reference: renders 1 to 32 frames within one block of the grid.
 void processReverbBlock(ReverbTank::State &state, const ReverbTank::Block &block) noexcept;
 
 /// Renders any number of whole blocks in the machine's widest vectors.

@@ -17,7 +17,7 @@ using Vector = hn::Vec<Tag>;
 
 constexpr Tag tag;
 
-/// Two vectors at a time share the address computation.
+/// Number of vectors that share an address computation.
 constexpr std::size_t together = 2;
 struct Pair {
     Vector first;
@@ -38,7 +38,7 @@ HWY_INLINE Pair sub(Pair a, Pair b) noexcept {
     return {hn::Sub(a.first, b.first), hn::Sub(a.second, b.second)};
 }
 
-/// Multiplications and additions are never fused, so that the plain code computes the same sums.
+/// Never fuses multiplications and additions, to match the plain code bit by bit.
 HWY_INLINE Vector scaled(float factor, Vector samples) noexcept {
     return hn::Mul(hn::Set(tag, factor), samples);
 }
@@ -101,13 +101,13 @@ HWY_INLINE Pair heard(ReverbTank::State &state, std::size_t channel, Pair sample
     return sub(heard, load(state.baseline[channel].data() + inMean));
 }
 
-/// First stage, on the pre-delayed input.
+/// Runs the first stage on the pre-delayed input.
 HWY_INLINE Branches<Pair> entering(const Reader &read, std::size_t channel) noexcept {
     return crossed(load(read(ReverbTank::inputHead + channel)),
                    load(read(ReverbTank::delayedHead + channel)));
 }
 
-/// Stages `first` to `last`, excluded, of a diffuser.
+/// Runs stages `first` to `last`, excluded, of a diffuser.
 template <std::size_t first, std::size_t last>
 HWY_INLINE Branches<Pair> diffused(const Reader &read, const Writer &write, std::size_t channel,
                                    Branches<Pair> branches) noexcept {
@@ -121,7 +121,7 @@ HWY_INLINE Branches<Pair> diffused(const Reader &read, const Writer &write, std:
     }
 }
 
-/// Output of a line whose oldest tap is at `older`.
+/// Returns the output of a line with its oldest tap at `older`.
 HWY_INLINE Vector absorbed(const RoomDesign &design, std::size_t line,
                            const float *older) noexcept {
     const std::size_t spacing = design.spacing;
@@ -238,8 +238,8 @@ HWY_INLINE void placeHeads(const ReverbTank::State &state, std::uint32_t positio
 
 void processBlocks(ReverbTank::State &state, const ReverbTank::Block &block) {
     constexpr std::uint32_t blockFrames = ReverbTank::blockFrames;
-    // Computed a block ahead: scalar loads from a vector store stall until the store has reached
-    // the cache.
+    // Store forwarding is the bottleneck: scalar loads stall on a vector store until it has reached
+    // the cache. So the heads are computed a block ahead.
     constexpr std::uint32_t ahead = 1;
     HWY_ALIGN std::uint32_t heads[ahead + 1][ReverbTank::paddedReadHeadCount];
     for (std::uint32_t i = 0; i < ahead; ++i)

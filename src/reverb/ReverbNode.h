@@ -5,7 +5,7 @@
 
 namespace quorbel {
 
-/// A stereo reverb with a set of factory rooms. Mix and room glide; a mix of 0 costs nothing and is
+/// Stereo reverb with a set of factory rooms. Mix and room glide; a mix of 0 costs nothing and is
 /// bit-exact.
 ///
 /// Setters [main], while rendering or not; settings made before the first block apply from its
@@ -21,7 +21,7 @@ class ReverbNode final : public GraphNode {
     /// Clamped to that range; NaN is 0.
     void setWetDryMix(float percent) { reverb_.setMixPercent(percent); }
 
-    /// -EINVAL for anything but two channels at 8000 to 384000 Hz.
+    /// Returns -EINVAL for anything but two channels at 8000 to 384000 Hz.
     Status allocateRenderResources(const StreamFormat &format,
                                    std::uint32_t maximumFrames) override;
     void reset() override { reverb_.reset(); }

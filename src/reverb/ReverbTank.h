@@ -11,23 +11,20 @@
 
 namespace quorbel {
 
-/// One room: stereo sound in, its reflections and reverberation out, in four steps.
+/// Renders a room's reflections and reverberation of a stereo sound, in four steps.
 ///
 /// 1. Pre-delay, after a high pass at 20 Hz, so that nothing accumulates at 0 Hz.
 /// 2. A diffuser per input channel, with two branches p and q. Each stage delays q and passes on
-/// the
-///    sum and the difference. It doubles the number of echoes and keeps the energy at every
-///    frequency, as |p|² + |q|² stays flat (M. Golay's complementary sequences, with delays of our
-///    choice).
-/// 3. The output after three stages is the early reflections; the output after all nine feeds 4.
+///    sum and difference. It doubles the number of echoes and keeps the energy at every frequency,
+///    as |p|² + |q|² stays flat (M. Golay's complementary sequences, with delays of our choice).
+/// 3. Outputs: the early reflections after three stages, the input of 4 after all nine.
 /// 4. A feedback delay network (J.-M. Jot, "Digital delay networks for designing artificial
 ///    reverberators", 1991): eight lines, mixed by a Hadamard matrix, which keeps all energy. Each
 ///    line has the loss that the wanted decay requires for its length. The output channels are two
-///    orthogonal sums of all lines, so that the repetitions of one line are masked by the others.
+///    orthogonal sums of all lines, so that the other lines mask the repetitions of one.
 ///
-/// No delay of the network is shorter than a block of 32 frames, so a block is 32 frames of plain
-/// arithmetic without recursion. Vector and plain code compute the same sums in the same order, bit
-/// by bit.
+/// No delay of the network is shorter than a block of 32 frames, so a block has no recursion.
+/// Vector and plain code compute the same sums in the same order, bit by bit.
 class ReverbTank {
   public:
     static constexpr std::uint32_t blockFrames = RoomDesign::shortestDelay;
@@ -41,7 +38,7 @@ class ReverbTank {
     /// while rendering.
     void prepare(double sampleRate);
 
-    /// Becomes the room of `design`, made for the prepared rate, from silence. The memory must be
+    /// Starts the room of `design`, made for the prepared rate, from silence. The memory must be
     /// clear. [render]
     void start(const RoomDesign &design) noexcept;
 
@@ -58,14 +55,14 @@ class ReverbTank {
         Gains gains;
     };
     /// Renders any number of frames: out = dry · in + wet · room. The result does not depend on the
-    /// lengths of the calls. Samples that are not finite or exceed 1e15 do not enter the room.
-    /// [render]
+    /// lengths of the calls. Replaces samples that are not finite or reach 1e15 by silence in the
+    /// room's input. [render]
     void process(const Block &block) noexcept;
 
     [[nodiscard]] bool isClear() const noexcept { return cleared_ == memory_.size(); }
 
-    /// Erases the room's sound piece by piece, at a cost per frame of the order of `process`. A
-    /// tank must not be processed again before it is clear and started. [render]
+    /// Erases the room's sound piece by piece, at about the cost of `process` per frame. A tank
+    /// must be clear and started before it is processed again. [render]
     void clearSome(std::uint32_t frames) noexcept;
 
     /// Rings of equal length, a power of two, in one memory. Each ring's beginning is repeated
@@ -107,7 +104,7 @@ class ReverbTank {
         Rings lines{.count = RoomDesign::lineCount};
         std::uint32_t position = 0;    ///< of the next frame
         const float *memory = nullptr; ///< of all rings
-        PerReadHead reads{};           ///< at `position`, into `memory`
+        PerReadHead reads{};           ///< offsets in `memory` at `position`
         PerReadHead headRing{};        ///< offset in `memory` of each head's ring
         PerReadHead headMask{};        ///< its length - 1
         PerReadHead headDelay{};       ///< frames
@@ -122,8 +119,8 @@ class ReverbTank {
   private:
     const Code code_;
     std::vector<float> storage_;
-    std::span<float> memory_; ///< of all rings, from a cache line's beginning in `storage_`
-    std::size_t cleared_ = 0; ///< length of the silent part of the memory; all of it before `start`
+    std::span<float> memory_; ///< of all rings; the cache-aligned part of `storage_`
+    std::size_t cleared_ = 0; ///< samples cleared so far; all of them before `start`
     State state_;
 };
 

@@ -13,27 +13,27 @@ using std::numbers::pi;
 constexpr double midHz = 1000.0;
 
 /// The decay shortens towards the treble, so the slowest part of a band around 8 kHz dominates its
-/// measured decay. For a wanted ratio r of the band, the design takes r to this power at this
-/// frequency: within 8 % for a third of an octave and for a whole one, measured on all rooms.
+/// measured decay. For a band's wanted ratio r, the design uses r to this power at this frequency.
+/// Measured on all rooms: within 8 % for bands of a third of an octave and of an octave.
 constexpr double trebleAimHz = 7600.0;
 constexpr double trebleAimPower = 1.2;
 
 /// Sample rate at which the absorption's taps are one frame apart.
 constexpr double spacingRate = 48000.0;
 
-/// Line delays over their mean: a geometric series, slightly uneven so that differences differ too.
+/// Line delays over their mean: a geometric series, slightly uneven to avoid equal differences.
 constexpr std::array<double, RoomDesign::lineCount> lineRatios{0.473, 0.571, 0.697, 0.838,
                                                                1.003, 1.187, 1.421, 1.810};
 
 /// Stage delays over `reflectionSeconds` (the first three) and `diffusionSeconds` (the others). The
-/// echoes come at the sums over all subsets, which these values spread evenly. The right channel's
-/// values differ, so that its echoes do.
+/// echoes arrive at the sums over all subsets, which these values spread evenly. The right
+/// channel's values differ to give other echo times.
 constexpr std::array<std::array<double, RoomDesign::stageCount>, 2> stageRatios{{
     {0.193, 0.317, 0.490, 0.397, 0.241, 0.156, 0.101, 0.064, 0.041},
     {0.229, 0.287, 0.484, 0.383, 0.252, 0.147, 0.109, 0.067, 0.042},
 }};
 
-/// Amplitude of a hard-panned source's early reflections on the other side, over that on its own.
+/// Amplitude ratio of a hard-panned source's early reflections, other side over own side.
 constexpr double farOverNear = 0.6;
 
 bool isPrime(std::uint32_t number) {
@@ -49,8 +49,7 @@ std::uint32_t frames(double seconds, double sampleRate) {
     return static_cast<std::uint32_t>(std::lround(seconds * sampleRate));
 }
 
-/// The gain per pass of a line of `delaySeconds`, for a sound that decays by 60 dB in
-/// `decaySeconds`.
+/// Returns the gain per pass of a line of `delaySeconds` for a decay by 60 dB in `decaySeconds`.
 double passGain(double delaySeconds, double decaySeconds) {
     return std::pow(10.0, -3.0 * delaySeconds / decaySeconds);
 }
@@ -74,9 +73,9 @@ RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
                 std::max(shortestDelay, frames(stageRatios[channel][stage] * span, sampleRate));
         }
 
-    // A low-pass of three taps hits the wanted loss exactly at two frequencies and is linear in
-    // phase, so the lines' lengths stay what they are. Its response repeats every
-    // sampleRate/spacing: above 20 kHz at high rates, where the difference is inaudible.
+    // A three-tap low-pass hits the wanted loss exactly at two frequencies; its linear phase keeps
+    // the lines' lengths. Its response repeats every sampleRate/spacing: inaudibly above 20 kHz at
+    // high rates.
     design.spacing = std::max(1U, frames(1.0 / spacingRate, sampleRate));
     const double upperHz = std::min(trebleAimHz, sampleRate / 2.0);
     const double upperDecay =
@@ -87,7 +86,7 @@ RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
         return std::cos(2.0 * pi * frequency * design.spacing / sampleRate);
     };
     double meanPower = 0.0;
-    std::uint32_t last = shortestDelay + 2 * design.spacing; // with all its taps
+    std::uint32_t last = shortestDelay + 2 * design.spacing; // including all taps
     for (std::size_t line = 0; line < lineCount; ++line) {
         std::uint32_t delay =
             std::max(last + 1, frames(lineRatios[line] * room.meanDelaySeconds, sampleRate));
@@ -106,10 +105,10 @@ RoomDesign RoomDesign::of(RoomModel model, double sampleRate) {
         meanPower += midGain * midGain / lineCount;
     }
 
-    // Powers: every diffuser stage doubles it, and so does feeding each line from both channels. A
-    // channel is the sum of four of the network's signals. The network multiplies its input's power
-    // by meanPower/(1 - meanPower). With the diffuser's output at the same level as the network's
-    // signals, the whole room has a gain of one.
+    // Powers: every diffuser stage doubles the power, and so does feeding each line from both
+    // channels. A channel sums four of the network's signals. The network multiplies its input's
+    // power by meanPower/(1 - meanPower). With the diffuser's output at the level of the network's
+    // signals, the room has unity gain.
     const double early = std::sqrt(room.earlyShare / std::exp2(earlyStages));
     const double late =
         std::sqrt((1.0 - room.earlyShare) * (1.0 - meanPower) / std::exp2(stageCount));

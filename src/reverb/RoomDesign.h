@@ -11,10 +11,9 @@ namespace quorbel {
 /// A room at a sample rate: delays in frames and gains for a `ReverbTank`. Made off the audio
 /// thread, copied to it.
 struct RoomDesign {
-    static constexpr std::size_t lineCount = 8;  ///< of the late network
-    static constexpr std::size_t stageCount = 9; ///< of each diffuser
-    static constexpr std::size_t earlyStages =
-        3; ///< after which its output is the early reflections
+    static constexpr std::size_t lineCount = 8;   ///< of the late network
+    static constexpr std::size_t stageCount = 9;  ///< of each diffuser
+    static constexpr std::size_t earlyStages = 3; ///< up to the early reflections
 
     /// Shortest delay in frames, except for a pre-delay of 0: a block of this length has no
     /// recursion.
@@ -37,7 +36,7 @@ struct RoomDesign {
 
     // Output gains.
     float earlyNear = 0.0F; ///< reflections of the channel's own input
-    float earlyFar = 0.0F;  ///< of the other one
+    float earlyFar = 0.0F;  ///< reflections of the other input
     float diffuse = 0.0F;   ///< the diffuser's output, which feeds the network
     float late = 0.0F;      ///< the network
 

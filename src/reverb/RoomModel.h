@@ -4,7 +4,7 @@
 
 namespace quorbel {
 
-/// The reverb's rooms, by the numbers of the factory presets.
+/// The reverb's rooms, numbered as the factory presets.
 enum class RoomModel : int {
     smallRoom = 0,
     mediumRoom = 1,
@@ -28,7 +28,7 @@ struct RoomCharacter {
     double reflectionSeconds; ///< from the first to the last early reflection
     double diffusionSeconds;  ///< span over which each reflection is spread before the late sound
     double meanDelaySeconds;  ///< of the late network: the time between two walls
-    double earlyShare;        ///< of the energy, 0 to 1: the early reflections' part
+    double earlyShare;        ///< share of the early reflections in the energy, 0 to 1
 };
 
 [[nodiscard]] const RoomCharacter &characterOf(RoomModel model);
