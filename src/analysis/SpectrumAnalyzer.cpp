@@ -20,14 +20,14 @@ constexpr float floorDB = -60.0F;
 constexpr float fallPerTick = 0.85F;
 constexpr std::int64_t slowTicks = 3;
 
-/// Longer than the longest cycle of a device, 8192 frames at 44100 Hz: 0.19 s.
+/// Exceeds the longest device cycle, 8192 frames at 44100 Hz: 0.19 s.
 constexpr int ticksUntilPause = 8;
 
-/// A band that falls without sound becomes 0 here, 60 millionths of a decibel above the floor: the
-/// factors alone would never reach it.
+/// A band that falls without sound becomes 0 below this level, 60 millionths of a decibel above the
+/// floor, which the factors alone would never reach.
 constexpr float lowestFalling = 1e-6F;
 
-/// Writes a tap's sound into a ring, all channels averaged into one. [tap]
+/// Writes a tap's sound into a ring, averaged over all channels. [tap]
 class MonoFeed {
   public:
     explicit MonoFeed(std::shared_ptr<SampleRing> ring) : ring_(std::move(ring)) {}
@@ -180,7 +180,7 @@ bool SpectrumAnalyzer::hasBins(std::size_t band) const {
 
 float SpectrumAnalyzer::level(std::size_t band) const {
     const auto [first, last] = bins(band);
-    // Some of the lowest bands are narrower than a bin and stay dark by design.
+    // Some of the lowest bands are narrower than a bin and stay at 0 by design.
     if (first > last)
         return 0.0F;
     float sum = 0.0F;

@@ -16,13 +16,13 @@ namespace quorbel {
 
 class SampleRing;
 
-/// The levels of 32 bands from 30 Hz to 16 kHz, equally spaced in octaves, for the display. All
-/// calls [main]; the sound comes in on the graph's tap thread.
+/// Measures the levels of 32 bands from 30 Hz to 16 kHz, equally spaced in octaves, for the
+/// display. All calls [main]; the sound arrives on the graph's tap thread.
 ///
 /// Transforms the newest 2048 samples of the tapped node 30 times a second of the clock. A band's
 /// level is the mean magnitude of its bins, 0 for -60 dB and less, 1 for 0 dB and more; it falls by
-/// at most 15 % per tick. While playback pauses the levels fall as in silence. The bands keep their
-/// frequencies when the tapped rate changes.
+/// at most 15 % per tick. While playback pauses, the levels fall as in silence. The bands keep
+/// their frequencies when the tapped rate changes.
 class SpectrumAnalyzer final : public QObject {
     Q_OBJECT
 
@@ -43,26 +43,26 @@ class SpectrumAnalyzer final : public QObject {
 
     [[nodiscard]] bool isAttached() const { return graph_ != nullptr; }
 
-    /// `isIdle`: no sound comes until further notice. The levels fall to 0; then neither tap nor
-    /// timer runs until `setIdle(false)`.
+    /// `isIdle`: no sound arrives until further notice. The levels fall to 0; then tap and timer
+    /// pause until `setIdle(false)`.
     void setIdle(bool isIdle);
 
     /// Levels, 0 to 1 each.
     [[nodiscard]] const Levels &bands() const { return bands_; }
 
-    /// As `bands`, published at every third tick, for calmer displays.
+    /// `bands` of every third tick, for calmer displays.
     [[nodiscard]] const Levels &benziLente() const { return benziLente_; }
 
     /// Number of analyses so far.
     [[nodiscard]] std::int64_t ticuri() const { return ticuri_; }
 
-    /// The centre of a band in Hz.
+    /// Centre of a band in Hz.
     [[nodiscard]] static float bandFrequency(std::size_t band);
 
     /// Lower edge of a band in Hz; for `bandCount`, the upper edge of the last one.
     [[nodiscard]] static float bandEdge(std::size_t band);
 
-    /// Whether a bin of the transform lies in the band; the level of a band without one stays 0.
+    /// True if the band contains a bin of the transform; otherwise its level stays 0.
     [[nodiscard]] bool hasBins(std::size_t band) const;
 
   Q_SIGNALS:

@@ -21,8 +21,8 @@ DeviceError DeviceError::setPropertyFailed(std::string_view what, Status status)
 
 DeviceError DeviceError::deviceNotFound() { return DeviceError("Audio device not found."); }
 
-/// One period of observation, from start to stop. The hardware's threads reach the manager only
-/// through this: they post to the main thread, which drops tasks that outlive their observation.
+/// One period of observation, from start to stop. Gives the hardware's threads their only access to
+/// the manager: they post to the main thread, which drops tasks that outlive their observation.
 class DeviceManager::Observation final : public HardwareListener,
                                          public std::enable_shared_from_this<Observation> {
   public:
@@ -52,7 +52,7 @@ class DeviceManager::Observation final : public HardwareListener,
             // A copy, because the callback may clear itself.
             if (const auto callback = manager.onHardwareLost)
                 callback(status);
-            // Last, because nothing of the lost hardware may remain when a new one is found.
+            // Last: nothing of the lost hardware may remain when new hardware is found.
             manager.refresh();
         });
     }
@@ -76,7 +76,7 @@ class DeviceManager::Observation final : public HardwareListener,
 
     void handOver(std::function<void(DeviceManager &)> task) {
         clock_.post([weak = weak_from_this(), task = std::move(task)] {
-            // Locking is safe on the main thread alone, where the manager lets go of it too.
+            // Locking is safe only on the main thread, where the manager also releases it.
             if (const auto self = weak.lock())
                 task(self->manager_);
         });

@@ -18,15 +18,15 @@
 
 namespace quorbel {
 
-/// An audio device as it stood when the devices were listed.
+/// Audio device at the time of the listing.
 struct AudioDevice {
-    AudioObjectID id = 0; ///< valid while the device is there; reused afterwards
-    std::string uid;      ///< stable when the device goes and returns
+    AudioObjectID id = 0; ///< valid while the device is present; reused afterwards
+    std::string uid;      ///< stable across reconnections
     std::string name;
     std::string manufacturer;
     int inputChannels = 0;
     int outputChannels = 0;
-    std::uint64_t serial = 0; ///< changes when the device returns, even under the same id
+    std::uint64_t serial = 0; ///< changes at a reconnection, even with the same id
     OutputIdentity identity;  ///< changes with the socket in use
 
     friend bool operator==(const AudioDevice &, const AudioDevice &) = default;
@@ -38,7 +38,7 @@ class DeviceManager final : public QObject {
     Q_OBJECT
 
   public:
-    /// An error whose text is shown to the user unchanged.
+    /// An error with a text that is shown to the user verbatim.
     class DeviceError : public std::runtime_error {
       public:
         static DeviceError noAudioUnit(std::string_view what);
@@ -49,26 +49,24 @@ class DeviceManager final : public QObject {
         using std::runtime_error::runtime_error;
     };
 
-    /// Both must outlive the manager. The devices are listed at once.
+    /// Lists the devices at once. Both must outlive the manager.
     DeviceManager(AudioHardware &hardware, Clock &clock);
     ~DeviceManager() override;
 
-    /// Every device with at least one output channel, in the platform's order.
+    /// Devices with at least one output channel, in the platform's order.
     [[nodiscard]] const std::vector<AudioDevice> &outputDevices() const { return outputDevices_; }
 
-    /// Lists the output devices again; tries to connect first if the connection to the hardware was
-    /// lost.
+    /// Lists the output devices again; first tries to restore a lost connection to the hardware.
     void refresh();
-    /// The same, but only where devices have come or gone since, the default output is another, or
-    /// the connection is lost.
+    /// Refreshes only if the devices or the default output have changed, or the connection is lost.
     void refreshIfChanged();
 
-    /// True if the hardware answered when it was last asked.
+    /// True if the hardware answered its last query.
     [[nodiscard]] bool isHardwareThere() const { return census_.has_value(); }
 
     [[nodiscard]] std::vector<AudioDevice> allDevices() const;
 
-    /// The listed device that is the system's default output, otherwise the first one listed.
+    /// The system's default output if listed, otherwise the first listed device.
     [[nodiscard]] std::optional<AudioDevice> defaultOutput() const;
 
     /// The listed device with this uid.
@@ -76,15 +74,15 @@ class DeviceManager final : public QObject {
 
     [[nodiscard]] std::optional<std::string> currentDefaultOutputUID() const;
 
-    /// Binds `output` to the device, by its uid: a device that went and came back is found under
-    /// its new id. Throws DeviceError; a null `output` is a missing audio unit.
+    /// Binds `output` to the device by its uid, because a reconnected device has a new id. Throws
+    /// DeviceError; a null `output` is a missing audio unit.
     void setEngineOutput(HardwareOutput *output, const AudioDevice &device) const;
 
-    /// From now on a change of the device list or of the default output refreshes the list and
-    /// calls `onHardwareChange`. A lost connection calls `onHardwareLost`. A property that cannot
-    /// be listened to is logged and left out. Once observing, a second call does nothing.
+    /// From now on refreshes the list and calls `onHardwareChange` after a change of the device
+    /// list or the default output, and `onHardwareLost` after a lost connection. Logs and skips
+    /// properties that cannot be observed. A second call does nothing.
     void startObservingHardware();
-    /// After this neither callback is called, not even for pending changes.
+    /// Neither callback is called after this, not even for pending changes.
     void stopObservingHardware();
     [[nodiscard]] bool isObservingHardware() const { return observation_ != nullptr; }
 
@@ -92,7 +90,7 @@ class DeviceManager final : public QObject {
     std::function<void(Status)> onHardwareLost;
 
   Q_SIGNALS:
-    /// The list or the default in it has changed, or the hardware has gone or returned.
+    /// The list or its default has changed, or the hardware was lost or found.
     void outputDevicesChanged();
 
   private:
@@ -101,7 +99,7 @@ class DeviceManager final : public QObject {
     [[nodiscard]] int channelCount(AudioObjectID id, Scope scope) const;
     [[nodiscard]] AudioDevice describe(AudioObjectID id) const;
 
-    /// Enough about the devices to detect a change.
+    /// Facts about the devices, compared to detect a change.
     struct Census {
         struct Device {
             AudioObjectID id = 0;
@@ -113,7 +111,7 @@ class DeviceManager final : public QObject {
         AudioObjectID defaultOutput = 0;
         friend bool operator==(const Census &, const Census &) = default;
     };
-    [[nodiscard]] std::optional<Census> takeCensus() const; ///< none where the hardware fails
+    [[nodiscard]] std::optional<Census> takeCensus() const; ///< none if the hardware fails
 
     AudioHardware &hardware_;
     Clock &clock_;

@@ -15,7 +15,7 @@ namespace {
 
 const QString connectionName = QStringLiteral("ostrafine-remote-client");
 
-/// The maps within `properties`, which arrive packed.
+/// Unpacks the maps within `properties`.
 QVariantMap unpacked(QVariantMap properties) {
     for (QVariant &value : properties)
         if (value.canConvert<QDBusArgument>())
@@ -70,8 +70,8 @@ void RemoteClient::takeChange(const QString &interface, const QVariantMap &prope
         Q_EMIT changed(unpacked(properties));
 }
 
-/// The library's thread announces an error after it has returned it. A program that ends meanwhile
-/// complains on standard error. The answer to another call comes after the announcement.
+/// Waits until the library's thread has announced an error that it returned before: a program that
+/// ends meanwhile complains on standard error. The answer to another call follows the announcement.
 void RemoteClient::settle() {
     constexpr int timeoutMilliseconds = 1000;
     bus_.call(QDBusMessage::createMethodCall(

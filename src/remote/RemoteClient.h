@@ -8,12 +8,12 @@
 
 namespace quorbel {
 
-/// No program runs that could be controlled; `what()` is one line for the user.
+/// No program to control is running; `what()` is one line for the user.
 class NothingToControl : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Asks the running program; never starts, raises or ends one. Needs an application object. [main]
+/// Calls the running program; never starts, raises or ends one. Needs an application object. [main]
 class RemoteClient final : public QObject {
     Q_OBJECT
 
@@ -22,18 +22,18 @@ class RemoteClient final : public QObject {
     RemoteClient();
     ~RemoteClient() override;
 
-    // Each waits for the answer, ten seconds at most. Throws NothingToControl, or
-    // std::runtime_error with the program's own words.
+    // Each waits up to ten seconds for the answer. Throws NothingToControl, or std::runtime_error
+    // with the program's own text.
     QVariant call(const QString &method, const QVariantList &arguments = {});
     [[nodiscard]] QVariantMap properties();
     void setProperty(const QString &name, const QVariant &value);
 
-    /// Begins to signal `changed` and `moved`. Throws NothingToControl.
+    /// Starts emitting `changed` and `moved`. Throws NothingToControl.
     void watch();
 
   Q_SIGNALS:
     void changed(const QVariantMap &properties);
-    /// Another program answers from now on; none where `isThere` is false.
+    /// Another program answers from now on; none if `isThere` is false.
     void moved(bool isThere);
 
   private Q_SLOTS:

@@ -16,9 +16,9 @@ constexpr double startSeconds = 5.0;
 
 using enum RemoteError::Kind;
 
-/// The window's name of the control at this path, for its list of steps.
+/// Returns the window's name of the control at this path, for its list of undo steps.
 std::string controlAt(const std::string &path) {
-    const std::string key = path.substr(path.rfind('.') + 1); // all of it where there is no dot
+    const std::string key = path.substr(path.rfind('.') + 1); // all of it without a dot
     const auto nameIn = [&](const auto &settings) -> std::string {
         for (const auto &setting : settings)
             if (setting.key == key)
@@ -112,7 +112,7 @@ void RemoteControl::start(StartAnswer answer) {
 
 void RemoteControl::stop() { program_.stop(); }
 
-/// The engine announces a state at the end of every start.
+/// Also answers starts: the engine announces its state at the end of every start.
 void RemoteControl::followEngineState() {
     const EngineLifecycle::State &state = engine_.state();
     const bool isRunning = state.kind == EngineLifecycle::State::Kind::running;
@@ -166,7 +166,7 @@ std::string RemoteControl::applyNeighbour(std::size_t step) {
 }
 
 std::string RemoteControl::apply(const Preset &preset) {
-    const Preset applied = preset; // the program's own may go meanwhile
+    const Preset applied = preset; // the program may delete its own meanwhile
     program_.edit("Preset " + applied.name, "preset", [&] { program_.applyPreset(applied); });
     return applied.name;
 }
@@ -229,7 +229,7 @@ void RemoteControl::set(const std::string &path, const SettingValue &value) {
 }
 
 void RemoteControl::setOutput(const std::string &uid) {
-    program_.devices().refreshIfChanged(); // nothing listens to the hardware while stopped
+    program_.devices().refreshIfChanged(); // a stopped engine does not observe the hardware
     auto device = program_.devices().outputDevice(uid);
     if (!device) {
         std::string there;

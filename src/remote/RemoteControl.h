@@ -17,7 +17,7 @@
 
 namespace quorbel {
 
-/// A request that the program does not carry out; `what()` is one line for the user.
+/// Rejection of a request; `what()` is one line for the user.
 class RemoteError : public std::runtime_error {
   public:
     /// The request itself is wrong, or the program's state forbids it.
@@ -30,14 +30,14 @@ class RemoteError : public std::runtime_error {
     Kind kind_;
 };
 
-/// The state that other programs may follow.
+/// State that other programs may follow.
 struct RemoteStatus {
     enum class State { stopped, running, waiting, error };
 
-    State state = State::stopped; ///< `waiting`: interrupted, and comes back by itself
+    State state = State::stopped; ///< `waiting`: interrupted, resumes by itself
     std::string reason;           ///< of `waiting` and `error`
     std::string preset;           ///< name of the active preset
-    bool isModified = false;      ///< bands or spatial settings are no longer the preset's own
+    bool isModified = false;      ///< bands or spatial settings differ from the preset's
     std::string profile;          ///< title of the profile in use; empty for none
     bool isComparing = false;
     std::string outputUID; ///< of the device in use; empty without one
@@ -46,8 +46,8 @@ struct RemoteStatus {
     friend bool operator==(const RemoteStatus &, const RemoteStatus &) = default;
 };
 
-/// Everything that another program may ask of this one or have it do. Independent of the way in
-/// which requests arrive. Requests that fail throw RemoteError and change nothing. [main]
+/// Handles all requests of other programs to this one, independent of their transport. Requests
+/// that fail throw RemoteError and change nothing. [main]
 class RemoteControl final : public QObject {
     Q_OBJECT
 
@@ -59,10 +59,10 @@ class RemoteControl final : public QObject {
     [[nodiscard]] MeterReadings meters() const;
     [[nodiscard]] const EngineLosses &losses() const;
 
-    /// Called once, with the reason of a failure; empty where processing runs.
+    /// Called once, with the reason of a failure; empty if processing runs.
     using StartAnswer = std::function<void(const std::string &failure)>;
-    /// Starts processing; `answer` follows when that has succeeded or failed, five seconds later at
-    /// the latest. It may be called within this call.
+    /// Starts processing; calls `answer` after success or failure, within five seconds, perhaps
+    /// during this call.
     void start(StartAnswer answer);
     void stop();
 
@@ -71,15 +71,15 @@ class RemoteControl final : public QObject {
     std::string nextPreset(); ///< in the order of pickers, from the last to the first
     std::string previousPreset();
 
-    /// The unprocessed sound at matched loudness. Needs processing to run.
+    /// Plays the unprocessed sound at matched loudness. Only while processing.
     void setComparing(bool comparing);
 
-    /// A value of the settings file, by its path there (SettingPath.h).
+    /// Returns a value of the settings file by its path (SettingPath.h).
     [[nodiscard]] SettingValue get(const std::string &path) const;
     void set(const std::string &path, const SettingValue &value);
 
   Q_SIGNALS:
-    /// Some of the status may have changed. Changes that belong together are announced once.
+    /// The status may have changed. Emitted once for changes that belong together.
     void statusChanged();
 
   private:

@@ -44,7 +44,7 @@ const char *const remote::introspection = R"(
 
 namespace {
 
-/// Meters have a tenth of a unit; a 32-bit value as a double has digits that mean nothing.
+/// Rounds away the meaningless digits of a 32-bit value as a double; meters show tenths.
 double rounded(float value) { return std::round(static_cast<double>(value) * 1e4) / 1e4 + 0.0; }
 
 } // namespace

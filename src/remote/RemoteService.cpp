@@ -24,7 +24,7 @@ void requireArguments(const QDBusMessage &message, const QString &signature) {
 
 QVariant wrapped(const QVariant &value) { return QVariant::fromValue(QDBusVariant(value)); }
 
-/// The value within an argument of the type variant.
+/// Returns the value within an argument of the type variant.
 QVariant unwrapped(const QVariant &argument) { return argument.value<QDBusVariant>().variant(); }
 
 } // namespace
@@ -50,7 +50,7 @@ RemoteService::~RemoteService() {
 }
 
 void RemoteService::requestName(bool takesOver) {
-    // Of the D-Bus specification; without DO_NOT_QUEUE (4).
+    // D-Bus flags, without DO_NOT_QUEUE (4).
     constexpr uint allowReplacement = 1;
     constexpr uint replaceExisting = 2;
     QDBusMessage request = QDBusMessage::createMethodCall(

@@ -9,14 +9,14 @@
 
 namespace quorbel {
 
-/// Answers on the session bus for a RemoteControl, and signals its changes.
+/// Answers calls on the session bus for a RemoteControl, and signals its changes.
 ///
-/// The programs that offer this share one bus name: a program asks for it when it is made, and
-/// takes it over when its processing starts. So the name leads to the program that processes, or
-/// else to the one that did last; the bus passes it on when that one ends. [main]
+/// The programs with this service share one bus name: each requests it at construction, and takes
+/// it over when its processing starts. So the name belongs to the program that processes, or else
+/// to the last one that did; the bus passes it on when that one ends. [main]
 class RemoteService final : public QDBusVirtualObject {
   public:
-    /// The control must outlive it. On a bus that is not connected it does nothing.
+    /// The control must outlive it. Does nothing on a disconnected bus.
     RemoteService(RemoteControl &control, const QDBusConnection &bus);
     ~RemoteService() override;
 
@@ -33,7 +33,7 @@ class RemoteService final : public QDBusVirtualObject {
 
     RemoteControl &control_;
     QDBusConnection bus_;
-    RemoteStatus announced_; ///< last
+    RemoteStatus announced_; ///< last signalled status
 };
 
 } // namespace quorbel

@@ -43,12 +43,12 @@ void endWithoutTheLibrary(int status, void *) {
 
 QDBusConnection disconnected() { return QDBusConnection(QStringLiteral("quorbel-disconnected")); }
 
-/// `use` is called on the thread that connects. Does nothing without a bus.
+/// Calls `use` on the thread that connects. Does nothing without a bus.
 void connectOnThread(const QString &name, std::function<void(const QDBusConnection &)> use) {
     const QString address = sessionBusAddress();
     if (address.isEmpty())
         return;
-    (void)disconnected(); // makes the library, whose handler for the end must come after ours
+    (void)disconnected(); // initialises the library: its exit handler must run after ours
     static const int isRegistered = on_exit(endWithoutTheLibrary, nullptr);
     (void)isRegistered;
     ++connecting;
@@ -99,7 +99,7 @@ SessionBusConnector::~SessionBusConnector() {
 }
 
 void resumeProgram() {
-    constexpr int timeoutMilliseconds = 30000; // a session that starts is busy
+    constexpr int timeoutMilliseconds = 30000; // a starting session is busy
     const QString connectionName = QStringLiteral("ostrafine-activation");
     QDBusConnection bus = connectToSessionBus(connectionName);
     if (!bus.isConnected())

@@ -10,22 +10,22 @@
 
 namespace quorbel {
 
-/// Address of the user's session bus; empty where none runs. A bus that would have to be started
+/// Address of the user's session bus; empty if none runs. A bus that would first have to be started
 /// counts as none.
 [[nodiscard]] QString sessionBusAddress();
 
-// The library waits without end for a bus that does not answer, here and at the end of the program.
-// So a thread of its own connects, and a program that ends meanwhile does so without the library.
+// The library waits forever for a bus that does not answer, here and at exit. So a separate thread
+// connects, and a program that ends meanwhile exits without the library.
 
-/// A connection of its own to that bus, named `name` within this program. Not connected where there
-/// is no bus or it does not answer within 5 s; nothing is said.
+/// Returns a separate connection to that bus, named `name` within this program. Silently not
+/// connected if there is no bus or it does not answer within 5 s.
 [[nodiscard]] QDBusConnection connectToSessionBus(const QString &name);
 
-/// Connects without keeping the main thread waiting. [main]
+/// Connects without blocking the main thread. [main]
 class SessionBusConnector {
   public:
-    /// `use` is called [main] once, with the connection, and not at all without a bus or after the
-    /// end of this object. The clock must outlive it.
+    /// Calls `use` once with the connection [main], but never without a bus or after this object's
+    /// end. The clock must outlive it.
     SessionBusConnector(const QString &name, Clock &clock,
                         std::function<void(const QDBusConnection &)> use);
     ~SessionBusConnector();
@@ -34,21 +34,21 @@ class SessionBusConnector {
 
   private:
     struct Shared;
-    std::shared_ptr<Shared> shared_; ///< with the thread that connects
+    std::shared_ptr<Shared> shared_; ///< shared with the thread that connects
 };
 
-/// Names of the window's program on the session bus, by which D-Bus and desktops start it.
+/// Names of the window's program on the session bus; D-Bus and desktops start it by them.
 namespace activation {
 inline const QString service = QStringLiteral("com.quorbel.Ostrafine");
 inline const QString path = QStringLiteral("/com/quorbel/Ostrafine");
 inline const QString interface = QStringLiteral("org.freedesktop.Application");
-/// The action of a login; the others are those of the desktop entry.
+/// Action at login; the others are those of the desktop entry.
 inline const QString resumeAction = QStringLiteral("Resume");
 } // namespace activation
 
-/// Has the session bus start the window's program without a window, if it does not run, and the
-/// program continue what the last one did. Waits until it has taken the request, half a minute at
-/// most. Needs an application object. Throws std::runtime_error with a line for the user. [main]
+/// Asks the window's program to continue the last run's work; the session bus starts it without a
+/// window if needed. Waits up to half a minute for its reply. Needs an application object. Throws
+/// std::runtime_error with a line for the user. [main]
 void resumeProgram();
 
 } // namespace quorbel
