@@ -29,7 +29,7 @@ inline constexpr float smallestActiveAmount = 0.01F;
 
 /// Demand for a unit's background work.
 struct EffectDemand {
-    bool isIdle = false;     ///< no blocks come until further notice
+    bool isIdle = false;     ///< no blocks arrive until further notice
     bool isDisplayed = true; ///< a window or terminal shows the read-outs
 };
 

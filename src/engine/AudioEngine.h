@@ -31,8 +31,8 @@ class DeviceManager;
 
 /// Restarts that kept the processing running.
 struct EngineUpheavals {
-    int outputRestarts = 0; ///< playback moved or was bound again
-    int comebacks = 0;      ///< everything started again after a failure
+    int outputRestarts = 0; ///< playback moved or was rebound
+    int comebacks = 0;      ///< full restarts after a failure
 };
 
 /// Runs the live sound: captures into the ring buffer, plays from it through the playback graph,
@@ -121,7 +121,7 @@ class AudioEngine final : public QObject {
     /// Tells whether a window or terminal shows the published values; initially true. While false,
     /// stops the read-outs and the spectrum, and delays measurements made only for display.
     void setDisplayed(bool isDisplayed);
-    /// Refreshes the undisplayed read-outs once.
+    /// Refreshes the read-outs once while they are not displayed.
     void refreshReadouts();
 
     // Read-outs, refreshed ten times a second while running and displayed. Without sound, the
@@ -217,8 +217,8 @@ class AudioEngine final : public QObject {
     bool mayStandIn_ = false; ///< the default output replaces a missing choice
     OutputRule *outputRule_ = nullptr;
     bool isLeavingAlone_ = false;
-    bool hasWaitedForIdentity_ = false; ///< in the start under way
-    EngineLifecycle::State state_;      ///< the last published one
+    bool hasWaitedForIdentity_ = false; ///< in the current start
+    EngineLifecycle::State state_;      ///< last published state
     PublishedReadings published_;
     MeterReadings lastReadings_;
     HeldLevels heldLevels_;

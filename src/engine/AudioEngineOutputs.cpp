@@ -37,7 +37,7 @@ void AudioEngine::adoptOutput() {
 void AudioEngine::followOutputRule() {
     playback_.setStaysOnDevice(hasOutputRule());
     if (lifecycle.isStarting())
-        return; // the start asks by itself
+        return; // the start asks the rule itself
     const OutputUse use = useOfOutput();
     const bool isRunning = lifecycle.state() == EngineLifecycle::State::running();
     if (!use.isAwaited) {

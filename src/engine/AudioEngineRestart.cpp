@@ -1,5 +1,5 @@
 // The engine's reactions to the hardware: another output device, another default output, and the
-// return after a failure in the middle of processing.
+// return after a failure during processing.
 
 #include "devices/DeviceManager.h"
 #include "engine/AudioEngine.h"

@@ -51,7 +51,7 @@ class AudioRingBuffer {
   private:
     const std::int64_t capacity_;
 
-    ShortLock lock; // guards all that follows
+    ShortLock lock; // guards the members below
     std::vector<float> left;
     std::vector<float> right;
     // Total frames written and consumed, never wrapped: frame p is at p mod capacity, and 0 <=

@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// Power of four channels at once with the K weighting of ITU-R BS.1770: a shelf for the head, then
-/// a high pass, both biquads in direct form I and double precision.
+/// Measures the K-weighted power (ITU-R BS.1770) of four channels at once: a shelf for the head,
+/// then a high pass, both biquads in direct form I and double precision.
 class KWeighting {
   public:
     static constexpr std::size_t channelCount = 4;
@@ -17,7 +17,7 @@ class KWeighting {
     /// `sampleRate` in Hz.
     explicit KWeighting(double sampleRate);
 
-    /// Forgets all samples.
+    /// Clears the filters' memory.
     void clear() noexcept { memory_ = {}; }
 
     /// Sums the squares of each channel's weighted samples. [render]

@@ -24,7 +24,7 @@ struct OfflineRenderer::State {
     SerialQueueFactory queues = clockedSerialQueues(clock);
     AudioUnitRegistry registry{clock};
     ProcessingChain chain;
-    AudioBufferList input; ///< the rest of the current block, from the graph's next frame
+    AudioBufferList input; ///< rest of the current block, from the graph's next frame on
     SourceNode source{chainFormat, [this](const AudioBufferList &buffers, std::uint32_t frames) {
                           return feed(buffers, frames);
                       }};

@@ -27,7 +27,7 @@ class PlaybackGraph {
     /// stopped. Throws AudioEngineError without a device, DeviceError if it cannot be bound.
     void configure(const DeviceManager &devices, const std::optional<AudioDevice> &device);
 
-    /// `HardwareOutput::setStaysOnDevice`.
+    /// See `HardwareOutput::setStaysOnDevice`.
     void setStaysOnDevice(bool staysOnDevice);
 
     /// Throws AudioEngineError.

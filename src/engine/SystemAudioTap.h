@@ -54,7 +54,7 @@ class SystemAudioTap final : private IOClient {
     [[nodiscard]] bool isRunning() const { return isRunning_; }
     void markStopped();
 
-    /// Whether the running capture has to be rebuilt for `uid` as the default output.
+    /// True if the running capture must be rebuilt for `uid` as the default output.
     [[nodiscard]] bool isOutdatedBy(const std::string &uid) const {
         return isRunning_ && hardware_.isCaptureOutdated(builtWithDefaultUID_ != uid);
     }

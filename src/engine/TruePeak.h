@@ -27,12 +27,12 @@ class TruePeak {
     /// Frames at a block's start that are copied behind the samples before it; at least the taps'
     /// reach.
     static constexpr std::uint32_t headFrames = 16;
-    /// Largest magnitudes among some samples.
+    /// Largest magnitudes of a run of samples.
     struct Extent {
         float sample = 0.0F;
         float bend = 0.0F; ///< second difference
     };
-    /// Of one channel.
+    /// State of one channel.
     struct Memory {
         /// The samples before a block, kept between blocks, then the block's head.
         alignas(64) std::array<float, tapCount - 1 + headFrames> samples{};

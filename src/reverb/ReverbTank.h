@@ -96,7 +96,7 @@ class ReverbTank {
     /// Frames per mean of the input.
     static constexpr std::uint32_t meanFrames = 4 * blockFrames;
 
-    /// State and memory that the code of a block works on.
+    /// State and memory for the code of a block.
     struct State {
         RoomDesign design;
         Rings input{.count = 2};                     ///< left, right

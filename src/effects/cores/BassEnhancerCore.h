@@ -34,7 +34,7 @@ class BassEnhancerCore {
     /// `sampleRate` in Hz. Starts from silence. Not while processing.
     void prepare(float sampleRate) noexcept;
 
-    /// Back to silence.
+    /// Resets to silence.
     void clear() noexcept { sections_ = {}; }
 
     /// `amount` is clamped to 0 to 1; `drive` is 1 or more. At amount 0 the sound is unchanged, but

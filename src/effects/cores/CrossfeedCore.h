@@ -17,7 +17,7 @@ class CrossfeedCore {
     /// `sampleRate` in Hz. Starts from silence. Throws std::bad_alloc. Not while processing.
     void prepare(float sampleRate);
 
-    /// Back to silence. [render]
+    /// Resets to silence. [render]
     void clear() noexcept;
 
     /// Processes in place; `previous` and `target` are the amounts (0 to 1) at the first and the

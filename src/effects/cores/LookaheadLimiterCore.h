@@ -16,14 +16,14 @@ class LookaheadLimiterCore {
     /// limiter unprepared. Not while processing.
     void prepare(float sampleRate);
 
-    /// Back to silence and unity gain.
+    /// Resets to silence and unity gain.
     void clear() noexcept;
 
     /// Limits `frameCount` frames in place to ± `thresholdLin` (linear, above 0). Does nothing
     /// before `prepare`. [render]
     void process(float *left, float *right, std::uint32_t frameCount, float thresholdLin) noexcept;
 
-    /// The delay in frames.
+    /// Delay in frames.
     [[nodiscard]] std::size_t lookahead() const { return lookahead_; }
 
     /// Largest reduction of the last block, in dB, never negative.

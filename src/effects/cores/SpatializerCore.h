@@ -23,7 +23,7 @@ class SpatializerCore {
     /// `sampleRate` in Hz. Starts from silence. Not while processing.
     void prepare(float sampleRate) noexcept;
 
-    /// Back to silence.
+    /// Resets to silence.
     void clear() noexcept { side_ = {}; }
 
     /// `amount` 0 to 1; at 1 the side signal is 1.5 times as large. `notchHz` is the centre of the

@@ -35,7 +35,7 @@ class VoiceEnhancerCore {
     /// `sampleRate` in Hz. Starts from silence. Not while processing.
     void prepare(float sampleRate) noexcept;
 
-    /// Back to silence. [render]
+    /// Resets to silence. [render]
     void clear() noexcept { sections_ = {}; }
 
     /// `mix` 0 to 1; `presenceDB` is a boost, `mudDB` a cut, both 0 or more. [render]
