@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 
 constexpr const char *entryName = "autostart/com.quorbel.Ostrafine.desktop";
 
-/// The file's entry; nothing without a file. Throws std::runtime_error with the file's name.
+/// Returns the file's entry; nullopt if it is missing. Throws std::runtime_error with its name.
 std::optional<AutostartEntry> entryIn(const fs::path &file) {
     constexpr std::size_t maximumBytes = std::size_t{1} << 20U;
     try {
@@ -39,7 +39,7 @@ std::optional<AutostartEntry> entryIn(const fs::path &file) {
     }
 }
 
-/// True if a program can be run: an absolute path, or a name that is looked for in PATH.
+/// True if `program`, an absolute path or a name in PATH, is executable.
 bool isProgram(const std::string &program) {
     const QString name = QString::fromStdString(program);
     return name.startsWith('/') ? QFileInfo(name).isFile() && QFileInfo(name).isExecutable()

@@ -21,21 +21,21 @@ class SessionMemory;
 /// Places of the entry that starts the program at login.
 struct AutostartPlaces {
     std::filesystem::path user;                ///< the user's entry, which has precedence
-    std::vector<std::filesystem::path> system; ///< those of the machine, the first one counts
+    std::vector<std::filesystem::path> system; ///< machine-wide entries; the first one counts
     std::string desktops;                      ///< as in XDG_CURRENT_DESKTOP
     std::string commandProgram;                ///< absolute path of `ostrafine-cli`
 
-    /// Those of this session.
+    /// Returns the places of this session.
     [[nodiscard]] static AutostartPlaces ofSession();
 };
 
-/// The switch "Start at login" by an entry in the autostart folder of the user. The file is the
-/// truth: changes that the desktop's settings or an editor make are shown at once. [main]
+/// Switch "Start at login", stored as an entry in the user's autostart folder. Shows changes by the
+/// desktop's settings or an editor at once. [main]
 ///
 /// Invariants:
-/// 1. An entry that others have written or changed keeps everything but its switches; it is never
-///    removed.
-/// 2. Nothing is written until the file has been read. One that cannot be read is left as it is.
+/// 1. Entries written by others are never removed; only their switches and unusable commands
+///    change.
+/// 2. A file is read before it is written; an unreadable file is never overwritten.
 class AutostartFile final : public QObject {
     Q_OBJECT
 
@@ -56,10 +56,10 @@ class AutostartFile final : public QObject {
     QDBusConnection bus_;
     AutostartPlaces places_;
     FileWatch watch_;
-    QString obstacle_; ///< the reason why the session could not start the program; empty for none
+    QString obstacle_; ///< why the session cannot start the program; empty if it can
 };
 
-/// The one of the two that this program needs. All must outlive the result.
+/// Returns the portal's switch in a Flatpak sandbox, else the file's. All must outlive the result.
 [[nodiscard]] std::unique_ptr<QObject> makeAutostart(StartAtLoginModel &model,
                                                      SessionMemory &memory,
                                                      const QDBusConnection &bus, Clock &clock);

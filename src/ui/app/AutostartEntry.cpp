@@ -19,7 +19,7 @@ std::string_view withoutBlanks(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
 }
 
-/// The next line of `text` from `at` on, without its end; `at` moves behind it.
+/// Returns the line of `text` that begins at `at`, without its end; moves `at` to the next line.
 std::string_view nextLine(std::string_view text, std::size_t &at) {
     const std::size_t end = std::min(text.find('\n', at), text.size());
     const std::string_view line = text.substr(at, end - at);
@@ -27,7 +27,7 @@ std::string_view nextLine(std::string_view text, std::size_t &at) {
     return line;
 }
 
-/// Index of the value in a line for `key`; nothing for other lines.
+/// Index of the value in a line of `key`; nullopt for other lines.
 std::optional<std::size_t> valueStart(std::string_view line, std::string_view key) {
     const std::size_t sign = line.find('=');
     if (sign == std::string_view::npos || withoutBlanks(line.substr(0, sign)) != key)
@@ -36,7 +36,7 @@ std::optional<std::size_t> valueStart(std::string_view line, std::string_view ke
     return start == std::string_view::npos ? line.size() : start;
 }
 
-/// Offsets of the values of `key` in the entry's group, and of the line below the group's head.
+/// Offsets of `key`'s values in the entry's group, and of the line after the group header.
 struct Places {
     std::optional<std::size_t> group;
     std::vector<std::size_t> values;
@@ -71,7 +71,7 @@ bool listHas(std::string_view list, char separator, std::string_view word) {
     return false;
 }
 
-/// True if any of the session's desktops is in a list of them.
+/// True if `list` (separated by ;) contains any of `desktops` (separated by :).
 bool listHasAny(std::string_view list, std::string_view desktops) {
     while (!desktops.empty()) {
         const std::size_t end = std::min(desktops.find(':'), desktops.size());
@@ -82,7 +82,7 @@ bool listHasAny(std::string_view list, std::string_view desktops) {
     return false;
 }
 
-/// A value of the type string.
+/// Escapes `text` as a value of type string.
 std::string stringValue(std::string_view text) {
     std::string value;
     for (const char c : text)
@@ -92,7 +92,7 @@ std::string stringValue(std::string_view text) {
     return value;
 }
 
-/// The text of a value of the type string.
+/// Reverses the escapes of a value of type string.
 std::string unescaped(std::string_view value) {
     std::string text;
     for (std::size_t i = 0; i < value.size(); ++i) {
@@ -110,7 +110,7 @@ std::string unescaped(std::string_view value) {
     return text;
 }
 
-/// One argument of the key Exec, before the escapes of a string.
+/// Quotes an argument of the key Exec; the escapes of type string follow separately.
 std::string execArgument(std::string_view argument) {
     std::string text;
     for (const char c : argument) {
@@ -145,7 +145,7 @@ std::optional<std::string> AutostartEntry::value(std::string_view key) const {
     const Places places = placesOfKey(text_, key);
     if (places.values.empty())
         return std::nullopt;
-    std::size_t at = places.values.back(); // readers take the last one
+    std::size_t at = places.values.back(); // readers use the last duplicate
     return std::string(withoutBlanks(nextLine(text_, at)));
 }
 

@@ -7,27 +7,27 @@
 
 namespace quorbel {
 
-/// The text of an entry in an autostart folder (Desktop Application Autostart Specification 0.5,
-/// Desktop Entry Specification 1.5). It may be anybody's: what this class does not change stays as
-/// it is, with comments, order and ends of lines. Texts are UTF-8.
+/// Text of an entry in an autostart folder (Desktop Application Autostart Specification 0.5,
+/// Desktop Entry Specification 1.5). Preserves everything it does not change: comments, order and
+/// line ends. Texts are UTF-8.
 class AutostartEntry {
   public:
     explicit AutostartEntry(std::string text) : text_(std::move(text)) {}
 
-    /// An entry of this program's own, which runs `program` (an absolute path) as a login does.
+    /// Returns this program's own entry, which runs `program` (an absolute path) at login.
     [[nodiscard]] static AutostartEntry running(const std::string &program);
 
     [[nodiscard]] const std::string &text() const { return text_; }
 
     /// True if the session of `desktops` (as in XDG_CURRENT_DESKTOP) runs the entry. `isProgram`
-    /// says whether the value of TryExec can be run.
+    /// returns true if the value of TryExec is executable.
     [[nodiscard]] bool isOn(std::string_view desktops,
                             const std::function<bool(const std::string &)> &isProgram) const;
-    /// True if the entry is meant for other desktops.
+    /// True if OnlyShowIn or NotShowIn excludes the session of `desktops`.
     [[nodiscard]] bool isForOthers(std::string_view desktops) const;
 
-    /// Lets sessions run the entry, or not. An entry that runs nothing, or a program that
-    /// `isProgram` denies, gets the commands of `own`.
+    /// Enables the entry. Takes the commands of `own` if the entry runs nothing or `isProgram`
+    /// rejects its program.
     void switchOn(const AutostartEntry &own,
                   const std::function<bool(const std::string &)> &isProgram);
     void switchOff();

@@ -20,7 +20,7 @@ void AutostartPortal::request(bool on) {
         show(tr("The desktop has not answered yet."));
         return;
     }
-    // The path is known beforehand (Request, XDG Desktop Portal), so that no answer is missed.
+    // Connects before the call, to miss no response: the token fixes the path (XDG Desktop Portal).
     const QString token = QStringLiteral("ostrafine%1").arg(++requests_);
     QString sender = bus_.baseService().mid(1);
     sender.replace('.', '_');

@@ -10,8 +10,8 @@ namespace quorbel {
 
 class SessionMemory;
 
-/// The switch "Start at login" in a sandbox: by the desktop's Background portal, which can be asked
-/// for a change, but not for the current state. [main]
+/// Switch "Start at login" in a sandbox. The desktop's Background portal accepts changes but does
+/// not report the current state. [main]
 class AutostartPortal final : public QObject {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ class AutostartPortal final : public QObject {
     bool isAsking_ = false;
     bool isAskedOn_ = false;
     int requests_ = 0;
-    QString path_; ///< of the request under way
+    QString path_; ///< of the pending request
 };
 
 } // namespace quorbel

@@ -32,8 +32,8 @@ BackgroundNotice::BackgroundNotice(const QDBusConnection &bus) : bus_(bus) {
 
 void BackgroundNotice::show(std::function<void(bool)> answered) {
     constexpr int patienceMilliseconds = 3000; // the bus may have to start the service
-    constexpr int asTheDesktopLikes = -1;      // how long it is shown
-    // Names of presets and devices stay out: some desktops read the text as markup.
+    constexpr int asTheDesktopLikes = -1;      // display time
+    // Contains no names of presets or devices: some desktops parse the text as markup.
     QDBusMessage call = notificationCall("Notify");
     call << QStringLiteral("Ostrafine") << id_ << QStringLiteral("com.quorbel.Ostrafine")
          << tr("Ostrafine still processes the sound")

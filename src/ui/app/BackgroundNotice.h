@@ -8,22 +8,22 @@
 
 namespace quorbel {
 
-/// The desktop's notification that sound is processed without a window, with the actions Stop and
-/// Quit. One at a time. [main]
+/// Desktop notification that sound is processed without a window, with the actions Stop and Quit.
+/// Shows at most one at a time. [main]
 class BackgroundNotice final : public QObject {
     Q_OBJECT
 
   public:
     explicit BackgroundNotice(const QDBusConnection &bus);
 
-    /// Asks the desktop to show it. `answered` is called once, later: whether it is shown. A
-    /// desktop without notifications, or one that does not answer in time, shows none.
+    /// Asks the desktop to show it. Calls `answered` once, later; with false if the desktop has no
+    /// notifications or does not answer in time.
     void show(std::function<void(bool isShown)> answered);
-    /// Takes it away again, where it is shown.
+    /// Removes the notification if it is shown.
     void withdraw();
 
   Q_SIGNALS:
-    /// The user has clicked on the notification itself. The token is the desktop's permission to
+    /// Emitted after a click on the notification itself. The token is the desktop's permission to
     /// take the focus; may be empty.
     void windowRequested(const QString &activationToken);
     void stopRequested();
@@ -35,7 +35,7 @@ class BackgroundNotice final : public QObject {
 
   private:
     QDBusConnection bus_;
-    uint id_ = 0; ///< the desktop's; 0 while none is shown
+    uint id_ = 0; ///< assigned by the desktop; 0 while hidden
     QString token_;
 };
 

@@ -7,8 +7,8 @@ namespace quorbel {
 
 class AppModel;
 
-/// The program with the window under remote control: what is changed from outside appears in the
-/// window as a change of the user's, can be undone there and is saved. [main]
+/// Remote control of the program with the window. Remote changes are shown, saved and can be undone
+/// like the user's own. [main]
 class ControlledWindow final : public ControlledProgram {
   public:
     /// Both must outlive it.

@@ -4,11 +4,11 @@
 
 namespace quorbel {
 
-/// The wording of a few texts on Linux. Sources keep the texts as they are everywhere; this
-/// catalogue, installed as a translator, replaces those that would be untrue here.
+/// Translator for the few texts that would be untrue on Linux. The sources keep the wording that
+/// all systems share.
 ///
-/// A text is looked up by itself: the context of `qsTr`, `tr` or `translate` (a file or a class)
-/// does not count. So a text may move between files.
+/// Looks texts up without the context of `qsTr`, `tr` or `translate` (a file or a class), so that a
+/// text may move between files.
 class LinuxWording final : public QTranslator {
   public:
     explicit LinuxWording(QObject *parent = nullptr);

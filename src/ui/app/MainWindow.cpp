@@ -14,8 +14,8 @@ namespace quorbel {
 
 namespace {
 
-// Device-independent pixels. The frame's true size is known only after the window was shown; the
-// title bars of common desktops are 20 to 40 high, their panels 28 to 48.
+// Estimates in device-independent pixels: the frame is known only after the window was shown. Title
+// bars of common desktops are 20 to 40 high, panels 28 to 48.
 constexpr QSize frame(8, 40);
 constexpr int panel = 48;
 

@@ -21,31 +21,31 @@ struct WindowSizes {
 /// Returns `wanted`, each size limited to the screen without the desktop's panels and the window's
 /// frame.
 ///
-/// `available` is the part of the screen that the desktop leaves to windows. Where it is the whole
-/// screen the desktop has no panels or does not tell, as on Wayland; room for one is then left.
+/// `available` is the screen area without panels. Reserves room for one panel if it equals `whole`:
+/// the desktop then has none or does not report them, as on Wayland.
 [[nodiscard]] WindowSizes fittedTo(const QRect &available, const QRect &whole,
                                    const WindowSizes &wanted);
 
-/// The window as the program holds it: loads it, shows it, and handles its closing. [main]
+/// Loads and shows the window, and handles its closing. [main]
 class MainWindow final : public QObject {
     Q_OBJECT
 
   public:
-    /// Loads the window and does not show it yet. `properties` are set on it before. The model must
-    /// have been made, and outlive this.
+    /// Loads the window with `properties` set, without showing it. The model must exist before and
+    /// outlive it.
     explicit MainWindow(const QVariantMap &properties = {});
     ~MainWindow() override;
 
-    /// False where the QML could not be loaded; Qt has then said why.
+    /// False if the QML could not be loaded; Qt has logged the reason.
     [[nodiscard]] bool isLoaded() const { return window_ != nullptr; }
     [[nodiscard]] QQuickWindow &window() { return *window_; }
 
-    /// Meanings of closing the window: end the program, hide the window, or nothing.
+    /// Effects of closing the window: ends the program, hides the window, or none.
     enum class Closing { ends, hides, stays };
-    /// Asked when the window is closed. By default the program ends.
+    /// Called when the window is closed; ends the program by default.
     std::function<Closing()> closing = [] { return Closing::ends; };
 
-    /// Shows the window, in front of others where the desktop permits. The token is the desktop's
+    /// Shows the window, in front of others if the desktop permits. The token is the desktop's
     /// permission; may be empty.
     void raise(const QString &activationToken = {});
 
@@ -53,14 +53,14 @@ class MainWindow final : public QObject {
     bool eventFilter(QObject *watched, QEvent *event) override;
 
   private:
-    /// Keeps the minimum within the screen that the window is on, which may become another.
+    /// Keeps the minimum size within the window's current screen.
     void followScreen();
     void fitMinimum();
 
     QQmlApplicationEngine engine_;
-    WindowSizes wanted_; ///< as the QML has them
+    WindowSizes wanted_; ///< sizes set by the QML
     QMetaObject::Connection screenWatch_;
-    QQuickWindow *window_ = nullptr; ///< the engine's
+    QQuickWindow *window_ = nullptr; ///< owned by the engine
 };
 
 } // namespace quorbel

@@ -14,13 +14,13 @@ QString text(const char *source) {
     return QCoreApplication::translate("quorbel::PresetFileDialogs", source);
 }
 
-/// A new user may have no such folder yet.
+/// Returns the documents folder, or the home folder if a new user has none yet.
 QDir documents() {
     const QDir folder(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     return folder.exists() ? folder : QDir::home();
 }
 
-/// "txt" of "Equalizer text (*.txt)".
+/// Returns "txt" for "Equalizer text (*.txt)".
 QString extensionOf(const QString &filter) {
     return filter.section(QStringLiteral("*."), 1).section(')', 0, 0);
 }
@@ -77,11 +77,11 @@ void PresetFileDialogs::show(QFileDialog &dialog, FilesChosen chosen) {
                          if (!paths.empty())
                              chosen(paths);
                      });
-    // The window is none of Qt Widgets': only its handle can be the dialog's parent.
+    // The window is no QWidget: only its handle can be the dialog's parent.
     dialog.winId();
     dialog.windowHandle()->setTransientParent(&window_);
     dialog.open();
-    // Without a window manager, or with one that leaves the focus where it is.
+    // Takes the focus if the window manager is missing or does not give it.
     if (dialog.windowHandle()->isVisible())
         dialog.activateWindow();
 }

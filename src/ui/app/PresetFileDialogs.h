@@ -11,8 +11,8 @@ class QWindow;
 
 namespace quorbel {
 
-/// The desktop's file dialogs over the program's window; Qt's own where the desktop has none. One
-/// at a time: while one is open, a further request only shows it again. [main]
+/// File dialogs of the desktop, or Qt's own if it has none, over the program's window. A further
+/// request only raises the dialog that is open. [main]
 class PresetFileDialogs final : public PresetFileChooser {
   public:
     /// The window must outlive it.
@@ -23,12 +23,12 @@ class PresetFileDialogs final : public PresetFileChooser {
     void chooseExport(const QString &suggestedName, FileChosen chosen) override;
 
   private:
-    /// Null while another one is open.
+    /// Raises the open dialog and returns null if there is one.
     QFileDialog *make(const QString &title, QFileDialog::AcceptMode mode);
     void show(QFileDialog &dialog, FilesChosen chosen);
 
     QWindow &window_;
-    QDir folder_;                         ///< of the last files chosen; the documents at first
+    QDir folder_;                         ///< of the last chosen files; initially the documents
     std::unique_ptr<QFileDialog> dialog_; ///< the last one, open or closed
 };
 

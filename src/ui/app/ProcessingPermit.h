@@ -10,8 +10,8 @@ namespace quorbel {
 
 class EngineModel;
 
-/// Holds the user's processing lock while processing runs or waits to come back. Refuses a start
-/// while another program (`ostrafine-cli live`) has it: two would take each other's streams. [main]
+/// Holds the user's processing lock while processing runs or waits to resume. Refuses a start while
+/// another program (`ostrafine-cli live`) holds it: two would take each other's streams. [main]
 class ProcessingPermit final : public QObject {
     Q_OBJECT
 

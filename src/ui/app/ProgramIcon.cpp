@@ -13,7 +13,7 @@ namespace {
 
 class ProgramIconEngine final : public QIconEngine {
   public:
-    /// `file`: path below the theme's folder, and below :/quorbel/icons.
+    /// `file`: path relative to the theme's folder and to :/quorbel/icons.
     ProgramIconEngine(QString name, QString file)
         : name_(std::move(name)), file_(std::move(file)), themed_(QIcon::fromTheme(name_)) {}
 

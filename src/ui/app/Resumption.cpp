@@ -10,7 +10,7 @@ namespace quorbel {
 namespace {
 
 constexpr double resumptionLookSeconds = 0.25;
-/// A session that has no sound by then is not about to get it.
+/// Time limit: a session without sound by then is not expected to get it.
 constexpr double resumptionSeconds = 30.0;
 /// Grace period for the chosen device before processing starts on another.
 constexpr double chosenDeviceSeconds = 1.0;
@@ -27,7 +27,7 @@ Resumption::Resumption(AudioEngine &engine, EngineModel &model, Clock &clock,
 void Resumption::look() {
     const bool isLate = clock_.now() - began_ >= resumptionSeconds;
     if (!model_.wanted() && (isLate || isOutputReady()))
-        model_.start(); // ignored while one is under way; at the end for the reason against it
+        model_.start(); // no effect during a start; if late, reports why it fails
     if (!model_.wanted() && model_.refusal().isEmpty() && !isLate)
         return;
     looks_.invalidate();

@@ -10,12 +10,12 @@ namespace quorbel {
 class AudioEngine;
 class EngineModel;
 
-/// Starts processing in a session that is itself still starting: devices appear one by one, and the
-/// session manager may come after the sound server. Tries until processing is wanted by the engine,
-/// is refused because another program processes, or for 30 s. [main]
+/// Starts processing while the session itself starts: devices appear one by one, and the session
+/// manager may follow the sound server. Retries until processing is wanted, or refused because
+/// another program processes, for 30 s at most. [main]
 class Resumption {
   public:
-    /// `ended` is called once, when no further attempt follows. All must outlive it.
+    /// Calls `ended` once, after the last attempt. All must outlive it.
     Resumption(AudioEngine &engine, EngineModel &model, Clock &clock, std::function<void()> ended);
 
     [[nodiscard]] bool isUnderWay() const { return looks_.isSet(); }
@@ -29,7 +29,7 @@ class Resumption {
     Clock &clock_;
     std::function<void()> ended_;
     double began_;
-    std::optional<double> standInSince_; ///< time at which another device was there first
+    std::optional<double> standInSince_; ///< time of the first look that found a stand-in device
     Timer looks_;
 };
 

@@ -11,29 +11,27 @@ namespace quorbel {
 
 class EngineModel;
 
-/// Remembers on the disk whether the user wants processing, so that a start at login can continue
-/// it. A program that ends while it processes leaves that wish behind, however it ends: by Quit,
-/// with the session, by a crash or a power failure. Stop ends the wish. [main]
+/// Stores on disk whether the user wants processing, so that a start at login can continue it.
+/// Quit, the session's end, a crash or a power failure keep that wish; Stop clears it. [main]
 class SessionMemory final : public QObject {
     Q_OBJECT
 
   public:
-    /// Reads the notes of the last program.
+    /// Reads the notes of the last run.
     explicit SessionMemory(const std::string &settingsPath);
 
-    /// True if processing was wanted when the last program ended. False once it was wanted or
-    /// stopped in this one.
+    /// True if the last run ended while processing was wanted. False once processing is wanted or
+    /// stopped in this run.
     [[nodiscard]] bool isToContinue() const { return isToContinue_; }
 
-    /// From now on notes each change of the engine's wish, until `close`. The model must outlive
-    /// that.
+    /// Notes each change of `engine.wanted()` until `close`. The model must live until then.
     void follow(EngineModel &engine);
-    /// To be called where this program does not continue what the last one did: from now on it
-    /// counts as not processing. `isToContinue` stays, for a login that follows.
+    /// Notes that processing is off, for a run that does not continue the last one's. Keeps
+    /// `isToContinue` for a later login.
     void noteIdle() { noteProcessing(false); }
-    /// The user has stopped what was to be continued.
+    /// Notes that the user has stopped processing, also if it was only to be continued.
     void noteStop();
-    /// To be called before the program stops the engine for its own end.
+    /// Stops following the engine; called before the program stops it at its own end.
     void close();
 
     /// Last answer of the desktop's portal.
@@ -54,7 +52,7 @@ class SessionMemory final : public QObject {
     LastSessionFile file_;
     EngineModel *engine_ = nullptr; ///< null unless followed
     bool isToContinue_ = false;
-    bool wasWanted_ = false; ///< by the engine, when it last announced its state
+    bool wasWanted_ = false; ///< value at the engine's last change of state
     QString warning_;
 };
 

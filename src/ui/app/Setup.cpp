@@ -38,9 +38,9 @@ bool hasGraphicsHardware() {
            !renderer.contains(QLatin1String("swrast"));
 }
 
-/// Makes the processor draw the window where there is no graphics hardware. An OpenGL that is
-/// itself emulated counts as none: drawing directly costs a fraction of it. The user's environment
-/// (QT_QUICK_BACKEND, QSG_RHI_BACKEND) takes precedence. To be called before the first window.
+/// Selects software rendering if there is no graphics hardware. Emulated OpenGL counts as none: the
+/// software renderer costs a fraction of it. The user's environment (QT_QUICK_BACKEND,
+/// QSG_RHI_BACKEND) takes precedence. To be called before the first window.
 void chooseGraphics() {
     if (qEnvironmentVariableIsSet("QT_QUICK_BACKEND") ||
         qEnvironmentVariableIsSet("QSG_RHI_BACKEND"))
@@ -52,7 +52,7 @@ void chooseGraphics() {
 } // namespace
 
 void setUpApplication(QApplication &application) {
-    // The reader of the log may end, and a file may reach its limit: neither ends the program.
+    // Keeps running if the log's reader ends (SIGPIPE) or a file reaches its limit (SIGXFSZ).
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication::setApplicationName(QStringLiteral("ostrafine"));
@@ -62,7 +62,7 @@ void setUpApplication(QApplication &application) {
     // The tray's item outlives the window; MainWindow decides when the program ends.
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
-    // Light, whatever the desktop's scheme: menus and message boxes are to look like the window.
+    // Light under every desktop scheme: menus and message boxes match the window.
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     QGuiApplication::styleHints()->setColorScheme(Qt::ColorScheme::Light);

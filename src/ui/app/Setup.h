@@ -4,9 +4,9 @@ class QApplication;
 
 namespace quorbel {
 
-/// Prepares the application of both programs with the window: names, icons, the light look, the
-/// wording of this system, the graphics backend, ignored signals. To be called before anything is
-/// shown. [main]
+/// Prepares the application of both programs with a window: names, icons, light style, the wording
+/// of this system, the graphics backend, ignored signals. To be called before anything is shown.
+/// [main]
 void setUpApplication(QApplication &application);
 
 } // namespace quorbel

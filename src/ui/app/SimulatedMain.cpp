@@ -1,4 +1,4 @@
-// For development: the real window on a machine that exists only in memory, in a state of choice.
+// Development tool: shows the real window on simulated hardware, in a selectable state.
 
 #include "engine/ChainFormat.h"
 #include "platform/hardware/simulated/SimulatedHardware.h"
@@ -35,7 +35,7 @@ double sine(double frequencyHz, double seconds) {
     return std::sin(2.0 * std::numbers::pi * frequencyHz * seconds);
 }
 
-/// -1 to 1, equal at equal times: a hash of the frame's number (a round of splitmix64).
+/// Deterministic noise from -1 to 1: a hash of the frame number (one round of splitmix64).
 double noise(double seconds, std::uint32_t channel) {
     auto x = static_cast<std::uint64_t>(std::llround(seconds * chainSampleRate)) * 2U + channel;
     x += 0x9E3779B97F4A7C15U;
@@ -44,10 +44,10 @@ double noise(double seconds, std::uint32_t channel) {
     return static_cast<double>(static_cast<std::int64_t>(x ^ (x >> 31U))) / 0x1p63;
 }
 
-/// Something that looks like music on meters and spectrum: a bass line, chords, a beat of noise,
-/// the same in every run. Peaks near -3 dBFS.
+/// Signal that looks like music on meters and spectrum: a bass line, chords, a beat of noise.
+/// Deterministic; peaks near -3 dBFS.
 float music(double seconds, std::uint32_t channel) {
-    constexpr std::array roots{55.0, 55.0, 43.65, 49.0}; // Hz, a bar each
+    constexpr std::array roots{55.0, 55.0, 43.65, 49.0}; // Hz, one per bar
     const double bar = seconds / (4.0 * beatSeconds);
     const double root = roots[static_cast<std::size_t>(bar) % roots.size()];
     const double intoBeat = std::fmod(seconds, beatSeconds);
@@ -155,7 +155,7 @@ int main(int argc, char **argv) {
     const FileWatch profilesWatch(state.profiles().path(), clock, takeChanges);
     const FileWatch rulesWatch(state.programRulesPath(), clock, takeChanges);
     AppModel model(state, clock);
-    // Recordings are not needed and would grow for ever.
+    // Discards the recordings, which would grow without limit.
     const auto forget = Timer::repeating(clock, 5.0, [&] {
         for (const AudioDevice &device : state.deviceManager().outputDevices())
             static_cast<void>(machine.takeRecording(device.uid));

@@ -18,9 +18,8 @@ using namespace activation;
 
 namespace {
 
-/// True if the session bus started this program because of a request to its name, which then
-/// follows. The variables that the bus sets do not tell: every program that a file manager or a
-/// terminal starts inherits them if the bus has started that one.
+/// True if the session bus started this program for a request, which follows. The bus's variables
+/// prove nothing: a file manager that the bus has started passes them on to its children.
 bool wasStartedByBus() {
     const auto contentOf = [](const QString &path) {
         QFile file(path);
@@ -40,12 +39,12 @@ SingleInstance::SingleInstance(const QDBusConnection &bus)
     : bus_(bus), isStartedByBus_(wasStartedByBus()) {
     if (!bus_.isConnected())
         return;
-    new ApplicationAdaptor(*this); // a child of ours
+    new ApplicationAdaptor(*this); // owned by this object
     bus_.registerObject(path, this, QDBusConnection::ExportAdaptors);
     const auto reply =
         bus_.interface()->registerService(service, QDBusConnectionInterface::DontQueueService,
                                           QDBusConnectionInterface::DontAllowReplacement);
-    // A bus that fails to answer is as good as none.
+    // Treats a bus that does not answer as absent.
     isFirst_ = !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
     if (!isFirst_)
         bus_.unregisterObject(path);
@@ -71,8 +70,8 @@ bool SingleInstance::raiseFirst() const {
     return bus_.call(call, QDBus::Block, timeoutMilliseconds).type() == QDBusMessage::ReplyMessage;
 }
 
-/// A bus passes the request on with the name, so it arrives before the answer to a later call, even
-/// from a bus that is not recognised.
+/// A bus delivers the request together with the name, so it arrives before the reply to a later
+/// call, even from a bus that is not recognised.
 std::optional<DesktopRequest> SingleInstance::startingRequest() const {
     constexpr int patienceMilliseconds = 5000;
     if (isStartedByBus_)
@@ -94,7 +93,7 @@ std::optional<DesktopRequest> SingleInstance::waitForRequest(int milliseconds) c
     return firstRequestWithin(loop);
 }
 
-/// Runs the loop until a request or its end.
+/// Runs the loop until a request arrives or the loop quits.
 std::optional<DesktopRequest> SingleInstance::firstRequestWithin(QEventLoop &loop) const {
     std::optional<DesktopRequest> first;
     connect(this, &SingleInstance::requested, &loop, [&](const DesktopRequest &request) {

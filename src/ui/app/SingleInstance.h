@@ -11,16 +11,16 @@ class QEventLoop;
 
 namespace quorbel {
 
-/// A request of the desktop or of a second start.
+/// Request from the desktop or from a second instance.
 struct DesktopRequest {
-    /// `resume` is a login's: to continue what the last program did.
+    /// `resume` comes from a login: continues the processing of the last run.
     enum class Kind { show, resume, startProcessing, stopProcessing, nextPreset, previousPreset };
     Kind kind = Kind::show;
     QString activationToken{}; ///< the desktop's permission to take the focus; may be empty
 };
 
-/// One window per user session: the first program to start owns a name on the session bus, a second
-/// one asks it to show itself and ends. Without a session bus every program is the first. [main]
+/// Allows one window per user session: the first instance owns a name on the session bus, later
+/// ones activate its window and end. Without a session bus, every instance is the first. [main]
 class SingleInstance final : public QObject {
     Q_OBJECT
 
@@ -30,15 +30,15 @@ class SingleInstance final : public QObject {
 
     [[nodiscard]] bool isFirst() const { return isFirst_; }
 
-    /// Asks the first one to show its window. False if it does not answer.
+    /// Asks the first instance to show its window. False if it does not answer.
     [[nodiscard]] bool raiseFirst() const;
 
-    /// The request that this program was started for: to show the window, unless the session bus
-    /// started it for another one. Nothing if the bus started it and no request follows.
+    /// Returns the request that started this program: `show`, unless the session bus delivers
+    /// another. Nullopt if the bus started it and no request follows.
     [[nodiscard]] std::optional<DesktopRequest> startingRequest() const;
 
-    /// The next request, for which the event loop runs. Nothing after `milliseconds`, or when the
-    /// program is told to quit.
+    /// Runs the event loop until the next request and returns it. Nullopt after `milliseconds`, or
+    /// when the program is told to quit.
     [[nodiscard]] std::optional<DesktopRequest> waitForRequest(int milliseconds) const;
 
   Q_SIGNALS:
@@ -52,8 +52,8 @@ class SingleInstance final : public QObject {
     bool isFirst_ = true;
 };
 
-/// The face of a program on the bus, as the desktop entry specification (D-Bus activation) has it.
-/// Actions are the desktop entry's; an unknown one shows the window.
+/// D-Bus interface of the program (Desktop Entry Specification, D-Bus activation). Actions are
+/// those of the desktop entry; an unknown one shows the window.
 class ApplicationAdaptor final : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -63,7 +63,7 @@ class ApplicationAdaptor final : public QDBusAbstractAdaptor {
         : QDBusAbstractAdaptor(&instance), instance_(instance) {}
 
   public Q_SLOTS:
-    // Called from outside, by these names.
+    // D-Bus methods; the interface defines their names.
     void Activate(const QVariantMap &platformData);                           // NOLINT
     void Open(const QStringList &files, const QVariantMap &platformData);     // NOLINT
     void ActivateAction(const QString &action, const QVariantList &parameter, // NOLINT

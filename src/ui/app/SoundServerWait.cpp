@@ -86,7 +86,7 @@ std::unique_ptr<AudioHardware> awaitHardware(const SingleInstance &instance, Clo
                     if (button != QMessageBox::Retry)
                         loop.quit();
                     else
-                        box->show(); // until the server has come
+                        box->show(); // until the server answers
                 });
             }
             box->show();

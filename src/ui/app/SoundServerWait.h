@@ -9,18 +9,18 @@
 
 namespace quorbel {
 
-// Ways to the hardware layer of this machine. Each returns null without a sound server. [main]
+// Open this machine's hardware layer; each returns null if there is no sound server. [main]
 
-/// One attempt, with a line on standard error if it fails.
+/// Tries once; reports a failure on standard error.
 [[nodiscard]] std::unique_ptr<AudioHardware> hardwareOrComplaint();
 
-/// Offers the user another try after each attempt that fails; null when they give up.
+/// Asks the user to retry after each failure; null if they decline.
 [[nodiscard]] std::unique_ptr<AudioHardware> hardwareOrQuestion();
 
-/// Waits up to 30 s for the server of a session that is itself still starting, then says on
-/// standard error what is missing. The event loop runs meanwhile, and requests of the desktop are
-/// appended to `requests`. One to show the window shows what is missing; the wait then lasts until
-/// the server comes or the user gives up. One to stop ends it.
+/// Waits up to 30 s for the sound server of a starting session, then reports it missing on standard
+/// error. Runs the event loop meanwhile and appends the desktop's requests to `requests`. A request
+/// to show the window opens a message box; the wait then lasts until the server answers or the user
+/// gives up. A request to stop ends the wait.
 [[nodiscard]] std::unique_ptr<AudioHardware>
 awaitHardware(const SingleInstance &instance, Clock &clock, std::vector<DesktopRequest> &requests);
 

@@ -23,7 +23,7 @@ TrayArrival::TrayArrival(const QDBusConnection &bus, Clock &clock, double patien
     look();
 }
 
-/// Asks as Qt does: the item is only of use where something shows it.
+/// Asks, as Qt does, whether any host shows tray items.
 void TrayArrival::look() {
     const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
     QDBusMessage call = QDBusMessage::createMethodCall(

@@ -9,15 +9,14 @@
 
 namespace quorbel {
 
-/// Tells when to make the tray's item. Qt looks for the tray of the session bus once, with the
-/// first item, and never again. At login the desktop may announce its tray after the start of this
-/// program. [main]
+/// Tells when to create the tray item. Qt looks for a tray on the session bus only once, with the
+/// first item, but at login the desktop may announce its tray later. [main]
 class TrayArrival final : public QObject {
     Q_OBJECT
 
   public:
-    /// Calls `due` once: as soon as a tray is announced on the bus, or after `patienceSeconds`. The
-    /// clock must outlive it.
+    /// Calls `due` once, when a tray is announced on the bus or after `patienceSeconds`. The clock
+    /// must outlive it.
     TrayArrival(const QDBusConnection &bus, Clock &clock, double patienceSeconds,
                 std::function<void()> due);
 

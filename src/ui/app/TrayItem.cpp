@@ -9,7 +9,7 @@ namespace quorbel {
 
 namespace {
 
-/// An ampersand in a menu marks the next letter, unless there are two.
+/// Doubles ampersands: a single one marks the next letter of a menu entry.
 QString literally(QString text) { return text.replace('&', QStringLiteral("&&")); }
 
 } // namespace
@@ -45,11 +45,11 @@ bool TrayItem::isThere() const { return QSystemTrayIcon::isSystemTrayAvailable()
 void TrayItem::followEngine() {
     startStop_->setText(model_.engine()->running() ? tr("Stop processing")
                                                    : tr("Start processing"));
-    // On a line of its own: markup in a tool tip counts from the first line on.
+    // Puts the subtitle on the second line: markup is detected in the first line only.
     icon_.setToolTip(QStringLiteral("Ostrafine\n") + model_.engine()->subtitle());
 }
 
-/// The user's at hand, the library's groups as menus of their own.
+/// Lists favourites and the user's presets directly, the library's groups as submenus.
 void TrayItem::fillPresets() {
     presets_->clear();
     qDeleteAll(presets_->findChildren<QMenu *>(Qt::FindDirectChildrenOnly));

@@ -10,8 +10,7 @@ namespace quorbel {
 
 class AppModel;
 
-/// The program's item in the desktop's tray, where it has one: start and stop, the presets, quit.
-/// [main]
+/// Tray item of the program, if the desktop has a tray: start and stop, presets, quit. [main]
 class TrayItem final : public QObject {
     Q_OBJECT
 
@@ -19,7 +18,7 @@ class TrayItem final : public QObject {
     /// The model must outlive it.
     explicit TrayItem(AppModel &model);
 
-    /// Whether the user can see it now.
+    /// True if the desktop has a tray now.
     [[nodiscard]] bool isThere() const;
 
     [[nodiscard]] QMenu &menu() { return menu_; }
@@ -36,7 +35,7 @@ class TrayItem final : public QObject {
     QMenu menu_;
     QAction *startStop_;
     QMenu *presets_;
-    std::vector<QAction *> presetActions_; ///< as the choices are, row by row
+    std::vector<QAction *> presetActions_; ///< one per row of the choices
     QSystemTrayIcon icon_;
 };
 

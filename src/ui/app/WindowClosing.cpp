@@ -31,7 +31,7 @@ MainWindow::Closing WindowClosing::close() {
 
 void WindowClosing::hideOrAsk(bool isNoticeShown) {
     isWaiting_ = false;
-    if (!isProcessing()) { // it has ended since
+    if (!isProcessing()) { // it has ended meanwhile
         QCoreApplication::exit(0);
     } else if (isNoticeShown) {
         window_.window().hide();
@@ -54,7 +54,7 @@ void WindowClosing::ask() {
         "runs without its window. To continue, minimise the window."));
     QPushButton *quit = question_->addButton(tr("Stop and quit"), QMessageBox::AcceptRole);
     connect(quit, &QPushButton::clicked, this, [] { QCoreApplication::exit(0); });
-    // The window is none of Qt Widgets': only its handle can be the box's parent.
+    // The window is no QWidget: only its handle can be the box's parent.
     question_->winId();
     question_->windowHandle()->setTransientParent(&window_.window());
     question_->open();

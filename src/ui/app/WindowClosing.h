@@ -13,11 +13,11 @@ namespace quorbel {
 
 class EngineModel;
 
-/// Decides the meaning of closing the window, so that the sound never ends without notice:
+/// Decides the effect of closing the window, so that the sound never ends without notice:
 ///
 /// 1. Nothing is processed: the program ends.
-/// 2. The desktop has a tray: the window goes there.
-/// 3. It shows notifications: the window goes, and a notification says that processing continues.
+/// 2. The desktop has a tray: the window hides.
+/// 3. It shows notifications: the window hides, and one says that processing continues.
 /// 4. It has neither: the user is asked, and the window stays until the answer.
 ///
 /// [main]

@@ -1,4 +1,4 @@
-// Ostrafine: the window.
+// Main program of Ostrafine with its window.
 
 #include "platform/hardware/SystemHardware.h"
 #include "platform/threads/MainLoopClock.h"
@@ -39,10 +39,10 @@ namespace quorbel {
 
 namespace {
 
-/// Time that a desktop takes at login until its tray is there.
+/// Maximum wait for the desktop's tray at login.
 constexpr double trayPatienceSeconds = 10.0;
 
-/// Hands a request over to `ostrafine-cli live`, if that runs.
+/// Forwards a request to `ostrafine-cli live` if it runs.
 void passOn(DesktopRequest::Kind kind) {
     using Kind = DesktopRequest::Kind;
     try {
@@ -69,7 +69,7 @@ int main(int argc, char **argv) {
 
     MainLoopClock clock;
     const SingleInstance instance(QDBusConnection::sessionBus());
-    // Started by the bus, the program obeys the request and shows no window by itself.
+    // Opens a window only on request if the bus started the program.
     using Kind = DesktopRequest::Kind;
     const std::optional<DesktopRequest> first = instance.startingRequest();
     if (!first)
@@ -104,18 +104,18 @@ int main(int argc, char **argv) {
     const FileWatch rulesWatch(state.programRulesPath(), clock, takeChanges);
     AppModel model(state, clock);
     model.about()->setSoundLibrary(QString::fromStdString(systemHardwareLibrary()));
-    model.spectrum()->setVisible(false); // until a window says otherwise
+    model.spectrum()->setVisible(false); // until a window is shown
     EngineModel &engine = *model.engine();
     const ProcessingPermit permit(engine);
     ControlledWindow controlled(state, model);
     RemoteControl control(controlled, clock);
     const RemoteService service(control, QDBusConnection::sessionBus());
 
-    std::optional<TrayItem> tray; // made when the desktop's tray may be looked for
+    std::optional<TrayItem> tray; // created once a tray may be looked for
     std::optional<TrayArrival> trayArrival;
     std::optional<Resumption> resumption;
     BackgroundNotice notice(QDBusConnection::sessionBus());
-    std::optional<MainWindow> window; // made when it is first shown
+    std::optional<MainWindow> window; // created when first shown
     std::optional<WindowClosing> closing;
     std::optional<PresetFileDialogs> fileDialogs;
     const auto show = [&](const QString &token) {
@@ -131,7 +131,7 @@ int main(int argc, char **argv) {
         window->raise(token);
         return true;
     };
-    // Processing has ended, and nothing shows that the program is there.
+    // Ends the program if it neither processes nor is visible to the user.
     const auto endIfOfNoUse = [&] {
         if (engine.wanted() || (resumption && resumption->isUnderWay()) || !tray)
             return;
@@ -141,7 +141,7 @@ int main(int argc, char **argv) {
             return;
         const QString error = engine.errorMessage();
         if (window && !error.isEmpty()) {
-            show({}); // which says why
+            show({}); // shows the reason
             return;
         }
         if (!error.isEmpty())
@@ -184,13 +184,13 @@ int main(int argc, char **argv) {
                      [&] { answerOrEnd({.kind = Kind::stopProcessing}); });
     QObject::connect(&notice, &BackgroundNotice::quitRequested, &application,
                      [] { QCoreApplication::exit(0); });
-    // Queued: a state is left before the next one is entered.
+    // Queued: the engine leaves one state before it enters the next.
     QObject::connect(&engine, &EngineModel::stateChanged, &application, endIfOfNoUse,
                      Qt::QueuedConnection);
-    // The session may end without letting us come to our own end.
+    // Saves now, because the session may end before the program's normal exit.
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
                      [&] { state.persist(); });
-    // The entry for the login starts it, without a window.
+    // Leaves the restart to the autostart entry, which opens no window.
     QObject::connect(&application, &QGuiApplication::saveStateRequest, &application,
                      [&](QSessionManager &session) {
                          if (model.startAtLogin()->on())
@@ -218,7 +218,7 @@ int main(int argc, char **argv) {
     const int result = QCoreApplication::exec();
 
     memory.close();
-    // The sound first, then the edits of the last half second.
+    // Stops the sound first, then saves the edits of the last 0.5 s.
     state.engine().stop();
     notice.withdraw();
     state.persist();

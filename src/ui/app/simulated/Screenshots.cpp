@@ -1,4 +1,4 @@
-// Pictures of every screen in its main states, taken from the real window on a machine in memory.
+// Takes pictures of every screen in its main states from the real window on simulated hardware.
 // Usage: quorbel-screenshots FOLDER [WIDTH HEIGHT [TEXT]]; TEXT is the text size in percent.
 
 #include "ui/app/LinuxWording.h"

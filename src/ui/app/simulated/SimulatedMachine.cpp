@@ -102,7 +102,7 @@ void SimulatedMachine::repairCapture() {
 }
 
 void SimulatedMachine::blockSaving() {
-    // A folder in the file's place cannot be replaced, whoever runs this.
+    // Puts a folder in the file's place, which not even root can replace with a file.
     QFile::remove(folder_.filePath("Quorbel/state.json"));
     QDir().mkpath(folder_.filePath("Quorbel/state.json/in the way"));
 }

@@ -13,12 +13,12 @@
 
 namespace quorbel::simulated {
 
-/// The program below its window on a machine in memory: two devices, the speakers the default and
-/// chosen, settings in an empty folder. Nothing happens but while `advance` lets time pass. To QML
-/// it is the singleton `Machine`. [main]
+/// Program without its window on simulated hardware: two devices, the speakers default and chosen,
+/// and settings in an empty folder. Time passes only during `advance`. QML knows it as the
+/// singleton `Machine`. [main]
 class SimulatedMachine final : public QObject, public PresetFileChooser {
     Q_OBJECT
-    /// What the user answers when asked for files, one on each line; empty: they cancel.
+    /// Paths that the user chooses in a file dialog, one per line; empty if they cancel.
     Q_PROPERTY(QString chosenFile MEMBER chosenFile_)
     Q_PROPERTY(QString suggestedName MEMBER suggestedName_)
 
@@ -30,18 +30,18 @@ class SimulatedMachine final : public QObject, public PresetFileChooser {
 
     Q_INVOKABLE void addDevice(const QString &uid, const QString &name);
     Q_INVOKABLE void removeDevice(const QString &uid);
-    /// No device at all, and none chosen.
+    /// Removes all devices and the choice of one.
     Q_INVOKABLE void removeAllDevices();
-    /// An application plays noise like music, louder in the bass, in bursts.
+    /// Plays a signal like music, louder in the bass, in bursts.
     Q_INVOKABLE void playMusic();
-    /// Programs play streams, each with another treatment.
+    /// Adds playback streams of programs, with different treatments.
     Q_INVOKABLE void playPrograms();
-    /// How often the list of devices has been read so far.
+    /// Number of times the device list has been read.
     [[nodiscard]] Q_INVOKABLE int deviceListReads();
-    /// The next start ends in an error with status -1.
+    /// Makes starts fail with status -1 until `repairCapture`.
     Q_INVOKABLE void failCapture();
     Q_INVOKABLE void repairCapture();
-    /// Saves fail from now on, or work again.
+    /// Makes saves fail until `allowSaving`.
     Q_INVOKABLE void blockSaving();
     Q_INVOKABLE void allowSaving();
     Q_INVOKABLE void persist() { state_->persist(); }

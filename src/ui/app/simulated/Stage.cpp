@@ -8,7 +8,7 @@
 namespace quorbel::simulated {
 
 void settleLayout(QQuickWindow &window) {
-    // Laying out a text may ask for the layout around it again, in the next frame.
+    // Text layout may request another layout of its parent in the next frame.
     for (int quiet = 0, frames = 0; quiet < 3 && frames < 200; ++frames) {
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -74,7 +74,7 @@ void Stage::startWithMusic() {
 void Stage::run(double seconds) {
     for (double done = 0.0; done < seconds; done += 0.02) {
         machine.advance(0.02);
-        QTest::qWait(2); // the spectrum's copies are made on a thread of real time
+        QTest::qWait(2); // the spectrum's thread runs in wall-clock time
     }
     settle();
 }

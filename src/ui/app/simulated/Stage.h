@@ -9,13 +9,13 @@
 
 namespace quorbel::simulated {
 
-/// Returns when nothing is left to be laid out.
+/// Waits until no layout is pending.
 void settleLayout(QQuickWindow &window);
 
 /// Sets the desktop's text size, in percent of the size the window is drawn for.
 void setTextSize(int percent);
 
-/// The window of a program that has just been started, on a machine in memory. [main]
+/// Window of a freshly started program on simulated hardware. [main]
 class Stage {
   public:
     Stage(int width, int height);
@@ -31,15 +31,14 @@ class Stage {
     void openDialog(const char *name);
     void closeDialog(const char *name);
     void startWithMusic();
-    /// Lets time pass in steps short enough for the display to keep up.
+    /// Advances time in steps short enough for the display to keep up.
     void run(double seconds);
     void importTextWithGaps();
-    /// A curve worth looking at.
+    /// Sets up a varied equalizer curve.
     void tune();
 
     bool save(const QString &path);
 
-    /// Returns when nothing is left to be laid out.
     void settle() { settleLayout(*window_); }
 
   private:
