@@ -9,7 +9,7 @@
 
 namespace quorbel {
 
-// Open this machine's hardware layer; each returns null if there is no sound server. [main]
+// Functions that open this machine's hardware layer; null if there is no sound server. [main]
 
 /// Tries once; reports a failure on standard error.
 [[nodiscard]] std::unique_ptr<AudioHardware> hardwareOrComplaint();

@@ -13,7 +13,7 @@
 
 namespace quorbel {
 
-/// A screen of the window, as the sidebar lists it.
+/// Screens of the window, listed in the sidebar.
 enum class Destinatie {
     equalizer,
     spatial,
@@ -27,10 +27,10 @@ enum class Destinatie {
     programs,
 };
 
-/// The name by which the window's own code calls it: that of the enumerator.
+/// Name used in QML, equal to the enumerator's.
 [[nodiscard]] std::string_view rawValue(Destinatie destination);
 [[nodiscard]] std::string_view title(Destinatie destination);
-/// The name of its symbol in the symbol set.
+/// Name of its symbol in the symbol set.
 [[nodiscard]] std::string_view symbol(Destinatie destination);
 
 struct GrupDestinatii {
@@ -38,10 +38,10 @@ struct GrupDestinatii {
     std::vector<Destinatie> destinations;
 };
 
-/// The groups of the sidebar, in its order.
+/// Groups of the sidebar, from top to bottom.
 [[nodiscard]] const std::array<GrupDestinatii, 4> &grupuri();
 
-/// The sources of the badges.
+/// Values behind the badges.
 struct InsigneSource {
     std::size_t bandCount = 0;
     const SpatialConfig &spatial;
@@ -50,7 +50,7 @@ struct InsigneSource {
     const std::vector<Preset> &presets;
 };
 
-/// The short text beside a destination; empty where there is none.
+/// Badge beside a destination; empty if it has none.
 [[nodiscard]] std::string insigna(Destinatie destination, const InsigneSource &source);
 
 } // namespace quorbel

@@ -58,7 +58,7 @@ double peakDB(const DisplayResponse &response) {
 
 double drawingHeight(double valueDB, double lowDB, double highDB) {
     const double height = valueDB / (highDB - lowDB) + 0.5;
-    return height > 0.0 ? std::min(height, 1.0) : 0.0; // not-a-number is drawn at the bottom
+    return height > 0.0 ? std::min(height, 1.0) : 0.0; // NaN is drawn at the bottom
 }
 
 std::vector<double> curveValues(const DisplayResponse &response, double lowDB, double highDB) {
@@ -91,7 +91,7 @@ std::vector<double> filledLevels(std::vector<double> levels, const std::vector<b
         while (end < count && !isMeasured[end])
             ++end;
         if (end == count && band == 0)
-            break; // nothing to take from
+            break; // no band is measured
         const double before = band > 0 ? levels[band - 1] : levels[end];
         const double after = end < count ? levels[end] : before;
         const double steps = static_cast<double>(end - band + 1);

@@ -11,25 +11,24 @@ namespace quorbel {
 
 inline constexpr std::size_t displayPointCount = 90;
 
-/// A response in dB at `displayFrequency(0)` to `displayFrequency(89)`.
+/// Response in dB at `displayFrequency(0)` to `displayFrequency(89)`.
 using DisplayResponse = std::array<double, displayPointCount>;
 
 /// 20 Hz to 20 kHz in equal ratios.
 [[nodiscard]] double displayFrequency(std::size_t point);
 
-/// The response as the equaliser's screen draws it: each band's share follows from a simple formula
-/// in f/f0 and Q that shows the band's purpose. The equaliser plays `equalizerResponseDB`. Bypassed
-/// bands have no share, a Q below 0.1 counts as 0.1.
+/// Simplified response for the equaliser's screen: sums one formula in f/f0 and Q per band that is
+/// not bypassed, with Q at least 0.1. The played response is `equalizerResponseDB`.
 [[nodiscard]] DisplayResponse displayResponse(const std::vector<EQBand> &bands);
 
-/// The value of largest magnitude, with its sign; of equal ones the first.
+/// Signed value of largest magnitude; the first of equal ones.
 [[nodiscard]] double peakDB(const DisplayResponse &response);
 
 /// Height of a value in dB between the bottom (0) and the top (1) of a range with 0 dB in the
 /// middle.
 [[nodiscard]] double drawingHeight(double valueDB, double lowDB, double highDB);
 
-/// The heights of a response.
+/// Heights of all points of a response.
 [[nodiscard]] std::vector<double> curveValues(const DisplayResponse &response, double lowDB,
                                               double highDB);
 
@@ -39,8 +38,8 @@ using DisplayResponse = std::array<double, displayPointCount>;
 [[nodiscard]] std::vector<double> equalizerResponseDB(const ParametricEqualizerNode &node,
                                                       double sampleRate, std::size_t pointCount);
 
-/// Levels for drawing: a band that is not measured is interpolated linearly between its nearest
-/// measured neighbours. Both lists have one length.
+/// Returns the levels with unmeasured bands interpolated linearly between their nearest measured
+/// neighbours. Both lists have the same length.
 [[nodiscard]] std::vector<double> filledLevels(std::vector<double> levels,
                                                const std::vector<bool> &isMeasured);
 

@@ -12,7 +12,7 @@ void EditHistory::beginGesture() {
 void EditHistory::endGesture() { close(); }
 
 void EditHistory::close() {
-    // A gesture or a burst that came back to where it began has changed nothing.
+    // Drops a gesture or burst that ended in its initial state.
     if ((gestureHasStep_ || lastIsOpen_) && !steps_.empty() &&
         steps_.back().before == steps_.back().after) {
         steps_.pop_back();

@@ -17,8 +17,8 @@
 
 namespace quorbel {
 
-/// The user's presets at one moment. Copies share one list, so a step costs a pointer for them and
-/// not a copy of every preset.
+/// Snapshot of the user's presets. Copies share one list, so that a step stores a pointer instead
+/// of every preset.
 class PresetSnapshot {
   public:
     PresetSnapshot() = default;
@@ -40,13 +40,13 @@ class PresetSnapshot {
 struct EditState {
     std::vector<EQBand> bands;
     float globalGainDB = 0.0F;
-    float presetGainDB = 0.0F; ///< in use
+    float presetGainDB = 0.0F; ///< gain applied now
     SpatialConfig spatial;
     MixerConfig mixer;
     PresetSnapshot userPresets;
     std::optional<Uuid> activePresetID;
-    std::vector<Uuid> favourites; ///< among the presets
-    PresetGains presetGains;      ///< those of presets only
+    std::vector<Uuid> favourites; ///< favourite presets
+    PresetGains presetGains;      ///< `ofPresets` only
 
     friend bool operator==(const EditState &, const EditState &) = default;
 };
@@ -55,12 +55,11 @@ struct EditState {
 struct EditStep {
     EditState before;
     EditState after;
-    std::string what; ///< in words, for "Undo …"
+    std::string what; ///< text after "Undo "
 };
 
-/// The steps that can be undone and redone. A gesture (from pressing a control to releasing it) is
-/// one step. So are changes of one setting within `burstSeconds` of each other, as from a held key
-/// or a wheel.
+/// Steps for undo and redo. A gesture, from press to release of a control, is one step. So are
+/// changes of one setting within `burstSeconds` of each other, as from a held key or a wheel.
 ///
 /// The caller changes and restores the settings; the history only keeps them.
 class EditHistory {
@@ -68,22 +67,22 @@ class EditHistory {
     static constexpr double burstSeconds = 0.8;
     static constexpr std::size_t maximumSteps = 100;
 
-    /// From now until `endGesture` all changes are one step. Ends a gesture that was left open.
+    /// Combines all changes until `endGesture` into one step. Ends a gesture that is still open.
     void beginGesture();
     void endGesture();
 
-    /// Records a change at `now` seconds. `key` names its subject, such as a field: equal keys may
-    /// become one step. No step where nothing differs. Steps that could be redone are dropped.
+    /// Records a change at `now` seconds and drops the steps to redo, unless nothing differs. `key`
+    /// names the changed subject, such as a field: changes of equal keys may become one step.
     void record(EditState before, EditState after, std::string what, const std::string &key,
                 double now);
 
     [[nodiscard]] bool canUndo() const { return position_ > 0; }
     [[nodiscard]] bool canRedo() const { return position_ < steps_.size(); }
-    /// The steps that undo and redo would apply; only where there is one.
+    /// Steps that `undo` and `redo` would apply; require `canUndo` and `canRedo`.
     [[nodiscard]] const EditStep &undoable() const { return steps_[position_ - 1]; }
     [[nodiscard]] const EditStep &redoable() const { return steps_[position_]; }
 
-    /// Moves over that step; the caller then sets `before` or `after`.
+    /// Moves past that step and returns it; the caller then restores `before` or `after`.
     EditStep undo();
     EditStep redo();
 
@@ -92,10 +91,10 @@ class EditHistory {
     void close();
 
     std::deque<EditStep> steps_;
-    std::size_t position_ = 0; ///< steps before it are done, the others undone
+    std::size_t position_ = 0; ///< number of steps that are done; the others are undone
     bool inGesture_ = false;
     bool gestureHasStep_ = false;
-    bool lastIsOpen_ = false; ///< the last step may still grow by a burst
+    bool lastIsOpen_ = false; ///< a burst may still extend the last step
     std::string lastKey_;
     double lastTime_ = 0.0;
 };

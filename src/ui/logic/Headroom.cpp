@@ -37,8 +37,8 @@ double highestPointDB(EQProcessor &eq, const SpatialConfig &spatial, double samp
     addSections(eq.eq(), sampleRate, sections);
     addSections(tone.node(), sampleRate, sections);
 
-    // A band of the highest Q is a few points wide. Between the neighbours of the highest point the
-    // response has one maximum, which the golden section finds.
+    // The grid resolves bands of the highest Q, so that only one maximum lies between the
+    // neighbours of the highest point. Golden-section search finds it.
     constexpr std::size_t pointCount = 721;
     std::size_t highest = 0;
     double highestPower = 0.0;

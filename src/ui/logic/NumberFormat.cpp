@@ -8,7 +8,7 @@ namespace quorbel {
 
 namespace {
 
-/// The value itself, but zero instead of anything that `decimals` digits show as zero.
+/// Returns `value`, or 0 if it rounds to zero at `decimals` digits.
 double withoutMinusZero(double value, int decimals) {
     return std::abs(value) * std::pow(10.0, decimals) <= 0.5 ? 0.0 : value;
 }

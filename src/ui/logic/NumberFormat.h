@@ -7,9 +7,8 @@
 
 namespace quorbel {
 
-/// Settings are 32-bit floats, QML's numbers are doubles. Between them values are rounded to four
-/// decimals: -0.3 is shown as -0.3 and not as -0.30000001192, and a slider that moves in tenths
-/// leaves tenths in the settings file.
+/// Converts between settings (32-bit floats) and QML (doubles), rounded to four decimals: -0.3 is
+/// shown as -0.3 and not as -0.30000001192, and a slider in tenths saves tenths.
 [[nodiscard]] inline double shownValue(double setting) {
     return std::isfinite(setting) ? std::round(setting * 1e4) / 1e4 + 0.0 : setting;
 }
@@ -20,24 +19,21 @@ namespace quorbel {
     return static_cast<float>(shownValue(shown));
 }
 
-/// Numbers as the screens show them. A printed zero has no minus; NaN prints as "–".
-///
-/// `decimals` 0 to 9.
+/// Formats a number for the screens, with 0 to 9 decimals. Zero has no minus sign; NaN is "–".
 [[nodiscard]] std::string fixedText(double value, int decimals);
-/// With a plus where it is not negative.
+/// Adds a plus sign unless the value is negative.
 [[nodiscard]] std::string signedText(double value, int decimals);
 
 /// "+2.0 dB"
 [[nodiscard]] std::string gainText(double dB);
 
-/// The value in the unit of its scale: "-0.3 dBFS", "2000 Hz". One decimal where the steps are
-/// smaller than 1.
+/// Value with the unit of its scale: "-0.3 dBFS", "2000 Hz". One decimal for steps below 1.
 [[nodiscard]] std::string valueText(double value, const SettingScale &scale);
 
-/// A frequency to be read exactly: "31.5 Hz", "2537 Hz".
+/// Frequency without abbreviation: "31.5 Hz", "2537 Hz".
 [[nodiscard]] std::string frequencyText(double hertz);
 
-/// A band's frequency in Hz, short: "31.5", "250", "2.5k", "16k".
+/// Short label of a frequency in Hz: "31.5", "250", "2.5k", "16k".
 [[nodiscard]] std::string frequencyLabel(float hertz);
 
 } // namespace quorbel

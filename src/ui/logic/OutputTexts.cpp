@@ -7,7 +7,7 @@ namespace quorbel {
 
 namespace {
 
-/// "Headphones" for "analog-output-headphones" and for "[Out] Headphones".
+/// Returns "Headphones" for "analog-output-headphones" and for "[Out] Headphones".
 std::string routeWords(std::string_view route) {
     for (const std::string_view prefix : {"analog-output-", "[Out] "})
         if (route.starts_with(prefix))

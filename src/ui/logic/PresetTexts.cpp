@@ -54,7 +54,7 @@ std::string fileNameFor(std::string_view name) {
             letter = '-';
     if (file.size() > maximumBytes) {
         std::size_t end = maximumBytes;
-        while ((static_cast<unsigned char>(file[end]) & 0xc0U) == 0x80U) // inside a character
+        while ((static_cast<unsigned char>(file[end]) & 0xc0U) == 0x80U) // inside a UTF-8 sequence
             --end;
         file.resize(end);
     }

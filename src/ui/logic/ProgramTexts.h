@@ -6,10 +6,10 @@
 
 namespace quorbel {
 
-/// "Processed", or why a stream is left alone.
+/// Returns "Processed", or the reason for leaving a stream alone.
 [[nodiscard]] std::string treatmentText(StreamTreatment treatment);
 
-/// The name of a program for the user: its own, else the most readable of the others.
+/// Display name of a program: its own name, else the most readable of the others.
 [[nodiscard]] std::string programLabel(const ProgramNames &program);
 
 } // namespace quorbel

@@ -8,19 +8,19 @@
 
 namespace quorbel {
 
-// Numbers of stages that are switched on, by the screen that they are on.
+// Number of enabled stages per screen.
 
-/// Of width, XTC, reverb, bass and voice.
+/// Counts width, XTC, reverb, bass and voice.
 [[nodiscard]] int spatialStagesOn(const SpatialConfig &spatial);
-/// Of saturation and crossfeed.
+/// Counts saturation and crossfeed.
 [[nodiscard]] int colourStagesOn(const MixerConfig &mixer);
-/// Of limiter, auto gain and manual loudness.
+/// Counts limiter, auto gain and manual loudness.
 [[nodiscard]] int levelStagesOn(const MixerConfig &mixer);
 
-/// A stage's effect on the sound and its limits, in one line. The manual's section of that name
+/// Effect of a stage on the sound and its limits, in one line. The manual's section of that name
 /// begins with the same words.
 struct StageHelp {
-    std::string_view stage; ///< as its card is called
+    std::string_view stage; ///< title of its card
     std::string_view help;
 };
 

@@ -14,7 +14,7 @@ void replaceAll(std::string &text, std::string_view from, std::string_view to) {
         text.replace(at, from.size(), to);
 }
 
-/// In lower case, with a plain minus and no blanks of any kind.
+/// Returns `typed` in lower case, with ASCII minus signs and without blanks.
 std::string plain(std::string_view typed) {
     std::string text(typed);
     for (const std::string_view minus : {"\u2212", "\u2013"})
@@ -36,7 +36,7 @@ bool dropEnd(std::string &text, std::string_view end) {
 }
 
 std::optional<double> number(std::string_view text, Grouping grouping) {
-    // Without a file around it, a point groups thousands as a comma does.
+    // A single number gives no context: a point may group thousands, as a comma does.
     const bool hasPoint = text.find('.') != std::string_view::npos;
     const auto value =
         readNumber(text, grouping, hasPoint ? DecimalMark::comma : DecimalMark::unknown);
