@@ -39,7 +39,7 @@ class AboutModel final : public QObject {
     /// Lines for a bug report: the versions of the program, its libraries and the system.
     [[nodiscard]] QString report() const;
 
-    /// Name and version of the library below the sound hardware, such as "PipeWire 1.4.2".
+    /// Sets name and version of the sound hardware's library, such as "PipeWire 1.4.2".
     void setSoundLibrary(const QString &library);
 
   Q_SIGNALS:
@@ -49,8 +49,8 @@ class AboutModel final : public QObject {
     QString soundLibrary_;
 };
 
-/// The program as QML sees it: one object for each subject. The program makes it before it loads
-/// any QML; QML finds it as the singleton `App`. [main]
+/// Models of the program for QML, one per subject; the QML singleton `App`. Must exist before any
+/// QML is loaded. [main]
 class AppModel final : public QObject {
     Q_OBJECT
     QML_NAMED_ELEMENT(App)
@@ -69,21 +69,21 @@ class AppModel final : public QObject {
     Q_PROPERTY(quorbel::HistoryModel *history READ history CONSTANT)
     Q_PROPERTY(quorbel::StartAtLoginModel *startAtLogin READ startAtLogin CONSTANT)
     Q_PROPERTY(quorbel::AboutModel *about READ about CONSTANT)
-    /// The last load or save problem; empty when there is none or it was dismissed.
+    /// Last load or save problem; empty if there is none or it was dismissed.
     Q_PROPERTY(QString persistWarning READ persistWarning NOTIFY persistWarningChanged)
 
   public:
-    /// State and clock must outlive it. The newest one is the singleton.
+    /// State and clock must outlive it. The latest instance is the singleton.
     AppModel(AppState &state, Clock &clock, QObject *parent = nullptr);
     ~AppModel() override;
 
-    /// Null before the program has made one.
+    /// Null before the first instance exists.
     [[nodiscard]] static AppModel *instance() { return instance_; }
     static AppModel *create(QQmlEngine *engine, QJSEngine *scripts);
 
     [[nodiscard]] EngineModel *engine() { return &engine_; }
     [[nodiscard]] SettingsModel *settings() { return &settings_; }
-    /// The spatial or mixer setting of this name in the settings file.
+    /// Returns the spatial or mixer setting of this name in the settings file.
     Q_INVOKABLE quorbel::SettingModel *setting(const QString &key) const {
         return settings_.setting(key.toStdString());
     }
@@ -102,9 +102,9 @@ class AppModel final : public QObject {
     [[nodiscard]] const FavouritePresets &favourites() const { return favourites_; }
 
     [[nodiscard]] QString persistWarning() const;
-    /// A warning of the program's own, shown with those of the settings; empty for none.
+    /// Sets the program's own warning, shown with those of the settings; empty for none.
     void setSessionWarning(const QString &warning);
-    /// Until there is another one.
+    /// Hides the warnings until another one appears.
     Q_INVOKABLE void dismissWarning();
 
   Q_SIGNALS:
@@ -117,7 +117,7 @@ class AppModel final : public QObject {
     bool warningDismissed_ = false;
     QString sessionWarning_;
     FavouritePresets favourites_;
-    HistoryModel history_; ///< first: others write through it
+    HistoryModel history_; ///< declared first: other models write through it
     EngineModel engine_;
     SettingsModel settings_;
     EqualizerModel equalizer_;

@@ -13,8 +13,8 @@ namespace quorbel {
 
 class HistoryModel;
 
-/// The equaliser's bands, in list order. Values are limited to what the controls offer
-/// (`BandLimits`); rows that do not exist and values that are no numbers are ignored. [main]
+/// Bands of the equaliser, in list order. Clamps values to the controls' ranges (`BandLimits`);
+/// ignores unknown rows and values that are not finite. [main]
 class BandListModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -48,7 +48,7 @@ class BandListModel final : public quorbel::RecordListModel {
 
   private:
     void follow();
-    /// Lets `change` change a copy of the band and writes that back.
+    /// Applies `change` to a copy of the band and writes it back.
     void edit(int row, const char *what, const std::function<void(EQBand &)> &change);
 
     EQProcessor &eq_;

@@ -55,7 +55,7 @@ int DeviceListModel::currentIndex() const {
     const auto &current = state_.engine().outputDevice();
     if (!current)
         return -1;
-    // By uid: a device that went and came back has another id.
+    // Compares uids: a reconnected device has another id.
     const auto found = std::ranges::find(devices_, current->uid, &AudioDevice::uid);
     return found == devices_.end() ? -1 : static_cast<int>(found - devices_.begin());
 }

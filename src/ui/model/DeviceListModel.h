@@ -12,14 +12,14 @@
 
 namespace quorbel {
 
-/// The output devices, in the platform's order, and the choice among them. [main]
+/// Output devices, in the platform's order, and the one in use. [main]
 class DeviceListModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.devices is the only one")
-    /// The row of the device in use; -1 where none is chosen or it is not there now.
+    /// Row of the device in use; -1 if none is chosen or it is disconnected.
     Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)
-    /// Its name, also while the device is away; empty where none is chosen.
+    /// Its name, also while disconnected; empty if none is chosen.
     Q_PROPERTY(QString currentName READ currentName NOTIFY currentChanged)
 
   public:
@@ -27,7 +27,7 @@ class DeviceListModel final : public quorbel::RecordListModel {
         uidRole = Qt::UserRole,
         nameRole,
         isCurrentRole,
-        isDefaultRole, ///< whether the system plays on it by default
+        isDefaultRole, ///< true for the system's default output
     };
 
     DeviceListModel(AppState &state, Clock &clock, QObject *parent);
@@ -39,9 +39,9 @@ class DeviceListModel final : public quorbel::RecordListModel {
     [[nodiscard]] int currentIndex() const;
     [[nodiscard]] QString currentName() const;
 
-    /// Makes the device with this uid the one in use; one that is not listed is ignored.
+    /// Selects the device with this uid; ignores an unlisted one.
     Q_INVOKABLE void select(const QString &uid);
-    /// Asks the system again.
+    /// Re-reads the device list from the system.
     Q_INVOKABLE void refresh();
 
   Q_SIGNALS:

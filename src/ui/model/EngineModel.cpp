@@ -8,7 +8,7 @@ namespace quorbel {
 
 namespace {
 
-/// The engine's texts that speak of the operating system, with %1 for a number in them.
+/// Engine texts that mention the operating system, with %1 for a number.
 constexpr const char *reworded[] = {
     QT_TRANSLATE_NOOP(
         "quorbel::engine",
@@ -100,7 +100,7 @@ QString EngineModel::secondLine() const {
 }
 
 void EngineModel::start() {
-    // Cleared before the check, which may take the processing lock until the next change.
+    // Clears it first, because its signal releases the processing lock that the check may take.
     setRefusal({});
     const QString reason = startCheck_ && !running() ? startCheck_() : QString();
     if (reason.isEmpty())

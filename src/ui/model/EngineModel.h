@@ -15,26 +15,25 @@
 
 namespace quorbel {
 
-/// An error's text as the window shows it: unchanged, unless a loaded catalogue has another wording
-/// for it.
+/// Returns an error's text for the window: unchanged, unless a loaded catalogue rewords it.
 [[nodiscard]] QString shownError(const std::string &message);
 
-/// The engine as the toolbar, the live panel and the meters show it. [main]
+/// State of the engine for the toolbar, the live panel and the meters. [main]
 class EngineModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.engine is the only one")
-    /// "idle", "running" or "error". Keeps its value while a start is under way.
+    /// "idle", "running" or "error". Unchanged during a start.
     Q_PROPERTY(QString state READ state NOTIFY stateChanged)
     Q_PROPERTY(bool running READ running NOTIFY stateChanged)
-    /// True if it starts again by itself once the hardware allows it; `stop` ends that.
+    /// True if it restarts by itself once the hardware allows it; `stop` cancels that.
     Q_PROPERTY(bool comingBack READ comingBack NOTIFY stateChanged)
-    /// Processing is on, but the output in use is left alone.
+    /// True if processing is on but the output in use is left alone.
     Q_PROPERTY(bool leavingAlone READ leavingAlone NOTIFY stateChanged)
     Q_PROPERTY(QString errorMessage READ errorMessage NOTIFY stateChanged)
     Q_PROPERTY(QString stateWord READ stateWord NOTIFY stateChanged)
     Q_PROPERTY(QString subtitle READ subtitle NOTIFY subtitleChanged)
-    /// The outlook after an error or while an output is left alone; empty where there is none.
+    /// Outlook after an error or while an output is left alone; empty for none.
     Q_PROPERTY(QString outlook READ outlook NOTIFY outlookChanged)
     Q_PROPERTY(QString secondLine READ secondLine NOTIFY secondLineChanged)
     Q_PROPERTY(double limiterReductionDB READ limiterReductionDB NOTIFY limiterReductionDBChanged)
@@ -48,9 +47,9 @@ class EngineModel final : public QObject {
     Q_PROPERTY(QString trackingText READ trackingText NOTIFY bassTrackedFrequencyChanged)
     Q_PROPERTY(double voiceConfidence READ voiceConfidence NOTIFY voiceConfidenceChanged)
     Q_PROPERTY(QString confidenceText READ confidenceText NOTIFY voiceConfidenceChanged)
-    /// The losses since the start; empty for none.
+    /// Losses since the start; empty for none.
     Q_PROPERTY(QString losses READ losses NOTIFY lossesChanged)
-    /// True while a key is held: the unprocessed sound is heard, at matched loudness.
+    /// True while a held key plays the unprocessed sound, at matched loudness.
     Q_PROPERTY(bool comparing READ comparing WRITE setComparing NOTIFY comparingChanged)
 
   public:
@@ -60,7 +59,7 @@ class EngineModel final : public QObject {
     [[nodiscard]] bool running() const;
     [[nodiscard]] bool comingBack() const;
     [[nodiscard]] bool leavingAlone() const;
-    /// Running, or it will be without another word of the user.
+    /// True if processing runs or will resume without user action.
     [[nodiscard]] bool wanted() const { return running() || comingBack() || leavingAlone(); }
     [[nodiscard]] QString errorMessage() const;
     [[nodiscard]] QString stateWord() const;
@@ -72,11 +71,11 @@ class EngineModel final : public QObject {
     Q_INVOKABLE void stop();
     Q_INVOKABLE void toggle();
 
-    /// Asked before every start. Returns the reason against it, which is shown like an error of the
-    /// engine; empty for none.
+    /// Sets the check before every start. It returns the reason against the start, shown like an
+    /// engine error; empty for none.
     void setStartCheck(std::function<QString()> check) { startCheck_ = std::move(check); }
 
-    /// The reason against the last start, until it has gone; empty for none.
+    /// Reason against the last start, while it persists; empty for none.
     [[nodiscard]] const QString &refusal() const { return refusal_; }
 
     [[nodiscard]] bool comparing() const;
@@ -95,7 +94,7 @@ class EngineModel final : public QObject {
 
   Q_SIGNALS:
     void stateChanged();
-    void stopRequested(); ///< by the user, whatever the state
+    void stopRequested(); ///< by the user, in any state
     void subtitleChanged();
     void outlookChanged();
     void secondLineChanged();
@@ -107,7 +106,7 @@ class EngineModel final : public QObject {
     void comparingChanged();
 
   private:
-    /// The engine's, or an error where a start was refused; with the text that is shown.
+    /// Returns the engine's state, or an error if a start was refused, with the displayed text.
     [[nodiscard]] EngineLifecycle::State shownState() const;
     void setRefusal(const QString &reason);
     [[nodiscard]] std::optional<Awaited> awaited() const;
@@ -119,8 +118,8 @@ class EngineModel final : public QObject {
     AudioEngine &engine_;
     Clock &clock_;
     std::function<QString()> startCheck_;
-    QString refusal_;    ///< of the last start, until its reason has gone
-    Timer refusalCheck_; ///< polls for that, which is not announced
+    QString refusal_;    ///< of the last start, while it persists
+    Timer refusalCheck_; ///< polls the refusal, which has no signal
     QString losses_;
 };
 

@@ -14,7 +14,7 @@ namespace quorbel {
 
 namespace {
 
-/// Four per point of the drawn response: a band of the highest Q is still a curve.
+/// Four per point of the drawn response: enough to draw the highest Q as a curve.
 constexpr std::size_t exactPointCount = 361;
 
 double orNotANumber(std::optional<double> value) {
@@ -25,7 +25,7 @@ double orNotANumber(std::optional<double> value) {
 
 EqualizerModel::EqualizerModel(EQProcessor &eq, HistoryModel &history, QObject *parent)
     : QObject(parent), eq_(eq), history_(history), bands_(eq, history, nullptr) {
-    // The list follows the same signal and was connected first: it shows the new bands by now.
+    // Connected after the list, which then already shows the new bands.
     connect(&eq_, &EQProcessor::bandsChanged, this, &EqualizerModel::bandsChanged);
     connect(&eq_, &EQProcessor::bandsChanged, this, &EqualizerModel::responseChanged);
     connect(&eq_, &EQProcessor::globalGainDBChanged, this, &EqualizerModel::globalGainChanged);
@@ -83,7 +83,7 @@ QStringList EqualizerModel::filterTypeTitles() {
 
 void EqualizerModel::resetAll() {
     history_.edit("Reset all bands", [&] {
-        // They keep their ids: a preset that holds the default bands is then the active one again.
+        // Keeps the ids, so that a preset with the default bands becomes active again.
         std::vector<EQBand> bands = EQBand::defaultBands();
         const std::vector<EQBand> &before = eq_.bands();
         for (std::size_t i = 0; i < std::min(bands.size(), before.size()); ++i)

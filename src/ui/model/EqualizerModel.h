@@ -11,7 +11,7 @@
 
 namespace quorbel {
 
-/// The equaliser as its screen shows it. [main]
+/// State of the equaliser for its screen. [main]
 class EqualizerModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -19,16 +19,16 @@ class EqualizerModel final : public QObject {
     Q_PROPERTY(quorbel::BandListModel *bands READ bands CONSTANT)
     Q_PROPERTY(int count READ count NOTIFY bandsChanged)
     Q_PROPERTY(int bypassedCount READ bypassedCount NOTIFY bandsChanged)
-    // Both curves count the global gain and the preset's; the peak is that of the bands alone.
-    /// The drawn response, 90 heights 0 to 1 over `drawnRangeDB` to both sides.
+    // Both curves include the global and the preset gain; the peak is that of the bands alone.
+    /// Drawn response: 90 heights from 0 to 1 over -`drawnRangeDB` to `drawnRangeDB`.
     Q_PROPERTY(QList<qreal> curveValues READ curveValues NOTIFY responseChanged)
-    /// The response that the equaliser plays, as more such heights.
+    /// Played response, as 361 such heights.
     Q_PROPERTY(QList<qreal> exactValues READ exactValues NOTIFY responseChanged)
     Q_PROPERTY(double peakDB READ peakDB NOTIFY responseChanged)
     Q_PROPERTY(QString peakText READ peakText NOTIFY responseChanged)
     Q_PROPERTY(double globalGainDB READ globalGainDB WRITE setGlobalGainDB NOTIFY globalGainChanged)
     Q_PROPERTY(QString globalGainText READ globalGainText NOTIFY globalGainChanged)
-    /// Both gains together, by which the curves lie above the bands' own response.
+    /// Sum of both gains: offset of the curves from the bands' own response.
     Q_PROPERTY(double totalGainDB READ totalGainDB NOTIFY totalGainChanged)
     Q_PROPERTY(QStringList filterTypeTitles READ filterTypeTitles CONSTANT)
     Q_PROPERTY(double drawnRangeDB READ drawnRangeDB CONSTANT)
@@ -72,7 +72,7 @@ class EqualizerModel final : public QObject {
     /// Replaces the bands with the default ones.
     Q_INVOKABLE void resetAll();
 
-    // The number in a typed text (TypedValue.h); NaN for any other text.
+    // Returns the number in a typed text (TypedValue.h); NaN for any other text.
     Q_INVOKABLE static double parseFrequency(const QString &text);
     Q_INVOKABLE static double parseGain(const QString &text);
     Q_INVOKABLE static double parseQ(const QString &text);

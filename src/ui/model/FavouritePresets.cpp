@@ -35,7 +35,7 @@ void FavouritePresets::setWarning(const QString &warning) {
     if (warning.isEmpty() && warning_.isEmpty())
         return;
     warning_ = warning;
-    Q_EMIT warningChanged(); // also where a save fails like the one before
+    Q_EMIT warningChanged(); // even if equal: announces each failed save
 }
 
 } // namespace quorbel

@@ -19,7 +19,7 @@ class FavouritePresets final : public QObject {
 
     [[nodiscard]] const std::vector<Uuid> &ids() const { return file_.ids(); }
     [[nodiscard]] bool contains(const Uuid &id) const;
-    /// Written at once. Where that fails the favourites stay as they were, with a warning.
+    /// Saves at once. Keeps the old favourites and sets a warning if that fails.
     void set(const std::vector<Uuid> &ids);
 
     /// The last problem with the file; empty when the last save succeeded.

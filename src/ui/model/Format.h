@@ -9,7 +9,7 @@
 
 namespace quorbel {
 
-/// Numbers as the screens show them (ui/logic/NumberFormat.h), for QML.
+/// Number formats of the screens (ui/logic/NumberFormat.h) for QML.
 class Format final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -26,7 +26,7 @@ class Format final : public QObject {
     [[nodiscard]] Q_INVOKABLE QString shortHertz(double value) const {
         return QString::fromStdString(frequencyLabel(static_cast<float>(value)));
     }
-    /// The label of a mark at a whole number of dB: "+12", "0 dB", "-6".
+    /// Label of a mark at a whole number of dB: "+12", "0 dB", "-6".
     [[nodiscard]] Q_INVOKABLE QString gainMark(double value) const {
         return value == 0.0 ? QStringLiteral("0 dB") : QString::fromStdString(signedText(value, 0));
     }
@@ -35,7 +35,7 @@ class Format final : public QObject {
     }
 };
 
-/// The help texts of the stages (ui/logic/Stages.h), for QML.
+/// Help texts of the stages (ui/logic/Stages.h) for QML.
 class StageTexts final : public QObject {
     Q_OBJECT
     QML_ELEMENT

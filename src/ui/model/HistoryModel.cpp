@@ -14,7 +14,7 @@ HistoryModel::HistoryModel(AppState &state, FavouritePresets &favourites, Clock 
     : QObject(parent), state_(state), favourites_(favourites), clock_(clock),
       userPresets_(quorbel::userPresets(state.presets())) {
     connect(&state_, &AppState::presetsChanged, this, &HistoryModel::followPresets);
-    // The steps so far belong to the settings of another output.
+    // Drops the steps, which belong to another output's settings.
     connect(&state_.profiles(), &OutputProfiles::switched, this, [this] {
         history_ = {};
         Q_EMIT changed();
@@ -25,8 +25,8 @@ void HistoryModel::edit(const QString &what, const std::string &key,
                         const std::function<void()> &change) {
     EditState before = current();
     {
-        // A save within the change may take over presets that another program wrote. They do not
-        // belong to the step: undoing it must not delete them.
+        // A save within the change may take over presets of another program. Excludes them from the
+        // step: undoing it must not delete them.
         QObject context;
         connect(&state_, &AppState::presetsTaken, &context, [&](const auto &from, const auto &to) {
             before.userPresets = PresetSnapshot(
@@ -86,7 +86,7 @@ EditState HistoryModel::current() const {
             .presetGains = {.ofPresets = state_.presetGains().ofPresets, .applied = {}}};
 }
 
-/// Keeps the snapshot where nothing has changed, so that steps still share it.
+/// Keeps an unchanged snapshot, so that steps still share it.
 void HistoryModel::followPresets() {
     std::vector<Preset> now = userPresets(state_.presets());
     if (now != *userPresets_)
@@ -98,13 +98,13 @@ void HistoryModel::restore(const EditState &from, const EditState &to) {
     restoreSound(from, to);
     if (from.favourites != to.favourites)
         restoreFavourites(from, to);
-    // Last, because it writes the file with all that was restored.
+    // Last, because it saves all that was restored.
     if (from.userPresets != to.userPresets)
         state_.setUserPresets(
             mergedPresets(*from.userPresets, *to.userPresets, userPresets(state_.presets())));
 }
 
-/// Leaves presets alone whose gain the step did not change: another program may have, since.
+/// Skips presets with a gain unchanged by the step: another program may have changed it since.
 void HistoryModel::restorePresetGains(const EditState &from, const EditState &to) {
     const auto restoreWhereChanged = [&](const std::map<std::string, float> &presets) {
         for (const auto &preset : presets) {
@@ -139,7 +139,7 @@ void HistoryModel::restoreSound(const EditState &from, const EditState &to) {
     const auto &bands = from.bands == to.bands ? engine.eq().bands() : to.bands;
     const SpatialConfig &spatial = from.spatial == to.spatial ? engine.spatial() : to.spatial;
     if (from.activePresetID != to.activePresetID && to.activePresetID) {
-        // Applying is the way to make a preset the active one, whatever it holds.
+        // Activates the preset with the restored content, which only `applyPreset` can do.
         state_.applyPreset({.id = *to.activePresetID, .bands = bands, .spatial = spatial});
     } else {
         if (from.bands != to.bands)
@@ -147,7 +147,7 @@ void HistoryModel::restoreSound(const EditState &from, const EditState &to) {
         if (from.spatial != to.spatial)
             engine.setSpatial(spatial);
     }
-    // After the preset, which brings a gain of its own.
+    // After the preset, which sets its own gain.
     if (engine.eq().presetGainDB() != presetGainDB)
         engine.eq().setPresetGainDB(presetGainDB);
     if (from.globalGainDB != to.globalGainDB)

@@ -13,8 +13,8 @@
 
 namespace quorbel {
 
-/// Undo and redo of everything that the window can change. Every change goes through `edit`: one
-/// that does not cannot be undone. [main]
+/// Undo and redo of all changes in the window. Only changes made through `edit` can be undone.
+/// [main]
 class HistoryModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -27,25 +27,25 @@ class HistoryModel final : public QObject {
   public:
     HistoryModel(AppState &state, FavouritePresets &favourites, Clock &clock, QObject *parent);
 
-    /// Runs `change`, which changes settings, and records the step. `what` follows "Undo "; changes
-    /// of the same `key` in quick succession become one step.
+    /// Runs `change` on the settings and records the step. `what` follows "Undo "; changes of the
+    /// same `key` in quick succession become one step.
     void edit(const QString &what, const std::string &key, const std::function<void()> &change);
-    /// The same for something whose name is its key.
+    /// Same as above, with `what` as the key.
     void edit(const char *what, const std::function<void()> &change) {
         edit(QString::fromUtf8(what), what, change);
     }
 
     [[nodiscard]] bool canUndo() const { return history_.canUndo(); }
     [[nodiscard]] bool canRedo() const { return history_.canRedo(); }
-    /// "Undo Deep Bass, Amount"; only "Undo" where there is nothing.
+    /// "Undo Deep Bass, Amount"; only "Undo" if there is no step.
     [[nodiscard]] QString undoText() const;
     [[nodiscard]] QString redoText() const;
 
     Q_INVOKABLE void undo();
     Q_INVOKABLE void redo();
 
-    /// All changes between the two calls are one step. A control calls them when it is pressed and
-    /// released.
+    /// Combines all changes between the two calls into one step. Called when a control is pressed
+    /// and released.
     Q_INVOKABLE void beginGesture();
     Q_INVOKABLE void endGesture();
 

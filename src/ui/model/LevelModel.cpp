@@ -13,16 +13,16 @@ namespace quorbel {
 
 namespace {
 
-/// Beyond the gains of imported presets and of two gains that add up.
+/// Limits beyond the gains of imported presets and the sum of two gains.
 constexpr double lowestGainDB = -40.0;
 constexpr double highestGainDB = 20.0;
 
-/// Time until nothing of the louder sound is left: the glide of a gain and the limiter's release,
-/// whose time constant is 0.05 s; with Auto-Gain six and a half of its time constants of 3 s.
+/// Settling times after lowering a level: gain glide and limiter release (time constant 0.05 s);
+/// with Auto-Gain, 6.5 of its time constants of 3 s.
 constexpr double loweringSeconds = 1.0;
 constexpr double levellingSeconds = 20.0;
 
-/// Not below `lowestDB`, unless a file has put the value there already.
+/// Returns the value lowered by `byDB`, but not below `lowestDB` unless it already was.
 float loweredTo(float valueDB, double byDB, double lowestDB) {
     const auto value = static_cast<double>(valueDB);
     return settingValue(std::min(value, std::max(lowestDB, value - byDB)));

@@ -11,28 +11,27 @@ namespace quorbel {
 
 class HistoryModel;
 
-/// How much room is left up to full scale: in the response, and in the sound that was heard. [main]
+/// Headroom below full scale, of the response and of the sound so far. [main]
 class LevelModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.level is the only one")
-    /// The gain of the preset in use.
+    /// Gain of the preset in use.
     Q_PROPERTY(double presetGainDB READ presetGainDB WRITE setPresetGainDB NOTIFY presetGainChanged)
     Q_PROPERTY(QString presetGainText READ presetGainText NOTIFY presetGainChanged)
-    /// The highest point of the response with all gains: "+3.4 dB".
+    /// Highest point of the response with all gains: "+3.4 dB".
     Q_PROPERTY(QString highestPointText READ highestPointText NOTIFY highestPointChanged)
-    /// "Lower by 3.4 dB", the way down to 0 dB.
+    /// Text for `lowerToFullScale`: "Lower by 3.4 dB".
     Q_PROPERTY(QString lowerToFullScaleText READ lowerToFullScaleText NOTIFY highestPointChanged)
-    /// Whether the highest point is above 0 dB.
+    /// True if the highest point is above 0 dB.
     Q_PROPERTY(bool overshoots READ overshoots NOTIFY highestPointChanged)
-    /// The highest peaks since `clearHeld`, in words.
+    /// Highest peaks since `clearHeld`, in words.
     Q_PROPERTY(QString heldPeakText READ heldPeakText NOTIFY heldChanged)
     Q_PROPERTY(QString heldSamplePeakText READ heldSamplePeakText NOTIFY heldChanged)
     Q_PROPERTY(QString limiterTimeText READ limiterTimeText NOTIFY heldChanged)
-    /// By how much `lowerByExcess` lowers the level; 0 if nothing was too loud, and on the way to
-    /// the lower level.
+    /// Reduction in dB by `lowerByExcess`; 0 if nothing was too loud or one is still settling.
     Q_PROPERTY(double excessDB READ excessDB NOTIFY heldChanged)
-    /// "Lower by 2.1 dB"
+    /// Text for `lowerByExcess`: "Lower by 2.1 dB".
     Q_PROPERTY(QString lowerText READ lowerText NOTIFY heldChanged)
 
   public:
@@ -52,10 +51,9 @@ class LevelModel final : public QObject {
 
     /// Lowers the preset's gain so that the highest point is at 0 dB.
     Q_INVOKABLE void lowerToFullScale();
-    /// Lowers the level by `excessDB`: the target of Auto-Gain while it is on, else the global
-    /// gain. Clears what was held, and once more at the lower level.
+    /// Lowers the target of Auto-Gain, or the global gain while that is off, by `excessDB`. Clears
+    /// the held levels, and again once the sound has reached the lower level.
     Q_INVOKABLE void lowerByExcess();
-    /// Forgets the highest levels.
     Q_INVOKABLE void clearHeld();
 
   Q_SIGNALS:

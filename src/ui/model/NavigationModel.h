@@ -11,7 +11,7 @@
 
 namespace quorbel {
 
-/// The sidebar: the destinations in the order of their groups, with their badges. [main]
+/// Destinations of the sidebar with their badges, ordered by group. [main]
 class NavigationModel final : public QAbstractListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -23,9 +23,9 @@ class NavigationModel final : public QAbstractListModel {
         rawValueRole = Qt::UserRole,
         titleRole,
         symbolRole,
-        badgeRole,       ///< empty where there is none
+        badgeRole,       ///< empty if there is none
         groupRole,       ///< the group's title
-        startsGroupRole, ///< whether the row is the first of its group
+        startsGroupRole, ///< true for the first row of a group
     };
 
     NavigationModel(AppState &state, QObject *parent);
@@ -35,7 +35,7 @@ class NavigationModel final : public QAbstractListModel {
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-    // Of the destination with this raw value; -1 or empty where there is none.
+    // Row and title of the destination with this raw value; -1 or empty for none.
     [[nodiscard]] Q_INVOKABLE int indexOf(const QString &rawValue) const;
     [[nodiscard]] Q_INVOKABLE QString titleOf(const QString &rawValue) const;
 

@@ -12,7 +12,7 @@ namespace {
 
 using Use = OutputProfile::Use;
 
-/// The choices before the presets.
+/// Choices listed before the presets.
 enum Choice { settingsOfNow, flat, leaveAlone, firstPreset };
 
 } // namespace

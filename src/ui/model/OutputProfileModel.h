@@ -12,13 +12,13 @@
 
 namespace quorbel {
 
-/// Every known output with its profile: those that are there, those that have a profile but are
-/// away, and last any other output. [main]
+/// Known outputs with their profiles: connected ones, disconnected ones with a profile, and last
+/// any other output. [main]
 class OutputProfileModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.profiles is the only one")
-    /// The choices for an output: the current settings, flat, to be left alone, or a preset.
+    /// Choices for an output: the current settings, flat, left alone, or a preset.
     Q_PROPERTY(QStringList choices READ choices NOTIFY choicesChanged)
 
   public:
@@ -26,7 +26,7 @@ class OutputProfileModel final : public quorbel::RecordListModel {
         nameRole = Qt::UserRole,
         placeRole,   ///< "In use", "Not connected" or empty
         profileRole, ///< "Bass Boost (modified)"
-        choiceRole,  ///< the row of the choices; -1 for none of them
+        choiceRole,  ///< index into `choices`; -1 for none
         hasProfileRole,
     };
 
@@ -38,10 +38,9 @@ class OutputProfileModel final : public quorbel::RecordListModel {
 
     [[nodiscard]] QStringList choices() const;
 
-    /// Gives the output of a row what the choice of this index says. What does not exist is
-    /// ignored.
+    /// Assigns the choice of this index to the output in `row`; ignores invalid indices.
     Q_INVOKABLE void choose(int row, int choice);
-    /// The output of a row has no profile of its own from now on.
+    /// Removes the profile of the output in `row`.
     Q_INVOKABLE void forget(int row);
 
   Q_SIGNALS:

@@ -59,7 +59,7 @@ void PresetChoiceModel::followPresets() {
     replaceRecords(choices_, currentChoices(),
                    [](const Choice &choice) { return std::pair(choice.id, choice.group); });
     Q_EMIT choicesChanged();
-    currentIndex_ = -1; // a view may have lost its own with the rows
+    currentIndex_ = -1; // a view may have lost its index with the rows
     followActive();
 }
 

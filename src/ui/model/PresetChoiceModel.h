@@ -11,15 +11,15 @@ namespace quorbel {
 
 class FavouritePresets;
 
-/// The presets as a box or menu offers them, in groups: the favourites, the user's own, then the
-/// library by category. Each preset is in one group. [main]
+/// Presets for a combo box or menu, in groups: favourites, user presets, then the library by
+/// category. Each preset is in one group. [main]
 class PresetChoiceModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.presets.choices is the only one")
-    /// The active preset's row; -1 where none is active.
+    /// Row of the active preset; -1 if none is active.
     Q_PROPERTY(int currentIndex READ currentIndex NOTIFY currentChanged)
-    /// True if the settings are still that preset's own.
+    /// True if the settings still equal that preset's.
     Q_PROPERTY(bool currentUnchanged READ isCurrentUnchanged NOTIFY currentChanged)
 
   public:

@@ -19,10 +19,10 @@ class PresetFileChooser {
     PresetFileChooser(const PresetFileChooser &) = delete;
     PresetFileChooser &operator=(const PresetFileChooser &) = delete;
 
-    /// One or several files that exist.
+    /// Asks for one or several existing files.
     virtual void chooseImport(FilesChosen chosen) = 0;
-    /// A file to write; the user has agreed to replace it if it exists. `suggestedName` is its
-    /// first name, without folder and extension.
+    /// Asks for a file to write; the user has agreed to replace an existing one. `suggestedName`
+    /// has no folder and no extension.
     virtual void chooseExport(const QString &suggestedName, FileChosen chosen) = 0;
 };
 

@@ -15,7 +15,7 @@ PresetFilter filterOf(PresetFilterModel::Filter filter) {
     return static_cast<PresetFilter>(filter);
 }
 
-/// Without accents and case: letters decomposed, their marks left out. Upper case because it has
+/// Removes accents and case: decomposes letters and drops their marks. Uses upper case, which has
 /// one form for "ß" and "ss".
 QString folded(const QString &text) {
     QString letters = text.normalized(QString::NormalizationForm_KD);
@@ -23,8 +23,8 @@ QString folded(const QString &text) {
     return letters.toUpper();
 }
 
-/// Returns true if each word of `search` occurs in `text`, ignoring case and accents:
-/// "cafe RAD" occurs in "Café, Radio". No word occurs everywhere.
+/// Returns true if each word of `search` occurs in `text`, ignoring case and accents: "cafe RAD"
+/// occurs in "Café, Radio". An empty search always matches.
 bool matchesSearch(const QString &text, const QString &search) {
     const QStringList words = folded(search).simplified().split(u' ', Qt::SkipEmptyParts);
     const QString all = folded(text);
@@ -39,7 +39,7 @@ PresetFilterModel::PresetFilterModel(QObject *parent) : QSortFilterProxyModel(pa
     connect(this, &QAbstractItemModel::modelReset, this, &PresetFilterModel::countChanged);
     if (AppModel *app = AppModel::instance()) {
         setSourceModel(app->presets());
-        // Rows leave here before they leave there, and the total is counted there.
+        // The source removes rows after this model does, and `total` counts the source.
         connect(app->presets(), &RecordListModel::countChanged, this,
                 &PresetFilterModel::countChanged);
     }

@@ -7,16 +7,16 @@
 
 namespace quorbel {
 
-/// The presets of one destination of the sidebar: `App.presets`, filtered, with the same roles. A
-/// search narrows them further, over names, categories and descriptions.
-/// (Not final: QML makes it through a class derived from it.) [main]
+/// Presets of one destination of the sidebar: `App.presets`, filtered, with the same roles. A
+/// search filters further by name, category and description. Not final: QML instantiates a derived
+/// class. [main]
 class PresetFilterModel : public QSortFilterProxyModel {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(Filter filter READ filter WRITE setFilter NOTIFY filterChanged)
     Q_PROPERTY(QString title READ title NOTIFY filterChanged)
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
-    /// The rows: of `total`, those that the search finds.
+    /// Number of rows: those of `total` that match the search.
     Q_PROPERTY(int count READ count NOTIFY countChanged)
     Q_PROPERTY(int total READ total NOTIFY countChanged)
 
@@ -33,7 +33,7 @@ class PresetFilterModel : public QSortFilterProxyModel {
     void setSearch(const QString &search);
     [[nodiscard]] int count() const { return rowCount(); }
     [[nodiscard]] int total() const;
-    /// The row of a preset; -1 where it is not shown.
+    /// Row of a preset; -1 if it is not shown.
     [[nodiscard]] Q_INVOKABLE int rowOf(const QString &presetId) const;
 
   Q_SIGNALS:

@@ -16,7 +16,7 @@ namespace quorbel {
 
 namespace {
 
-/// A message of more lines would leave no room for the window.
+/// Maximum number of detail lines, so that the message leaves room for the window.
 constexpr qsizetype maximumDetails = 20;
 
 QStringList notesOf(const ImportedPreset &imported, const QString &prefix = {}) {
@@ -51,7 +51,7 @@ ExchangeResult failed(const QString &why) {
     return result;
 }
 
-/// Why a file could not be read or written, with its name.
+/// Returns the file's name and the reason why it could not be read or written.
 QString failureText(const QString &path, const std::exception &error) {
     return QFileInfo(path).fileName() + ": " + QString::fromUtf8(error.what());
 }
@@ -73,11 +73,11 @@ ExchangeResult write(const Preset &preset, float gainDB, const QString &path) {
     }
 }
 
-/// The result of an import of several files.
+/// Result of an import of several files.
 struct ImportedFiles {
     std::vector<Preset> presets;
-    std::vector<std::pair<Uuid, float>> gainsDB; ///< of those that have one
-    QStringList refused;                         ///< a line each, as are all below
+    std::vector<std::pair<Uuid, float>> gainsDB; ///< of presets that have one
+    QStringList refused;                         ///< one line each, as below
     QStringList taken;
     QStringList notes;
 

@@ -12,7 +12,7 @@ namespace quorbel {
 
 namespace {
 
-/// The name under which a preset is saved: without blanks at both ends. Empty for an unusable one.
+/// Returns the name without blanks at both ends; empty if unusable.
 std::string trimmedName(const QString &name) { return std::string(trimmed(name.toStdString())); }
 
 } // namespace
@@ -25,7 +25,7 @@ PresetListModel::PresetListModel(AppState &state, FavouritePresets &favourites,
     connect(&favourites_, &FavouritePresets::changed, this, &PresetListModel::announceContents);
     connect(&state_, &AppState::presetsChanged, this, &PresetListModel::followPresets);
     connect(&state_, &AppState::activePresetIDChanged, this, &PresetListModel::followActive);
-    // The name shown compares these two with the active preset.
+    // The displayed name compares these two with the active preset.
     connect(&state_.engine().eq(), &EQProcessor::bandsChanged, this,
             &PresetListModel::updateActiveName);
     connect(&state_.engine(), &AudioEngine::spatialChanged, this,

@@ -15,7 +15,7 @@
 
 namespace quorbel {
 
-/// The result of an import or an export, for QML.
+/// Result of an import or an export, for QML.
 struct ExchangeResult {
     Q_GADGET
     QML_VALUE_TYPE(exchangeResult)
@@ -25,28 +25,27 @@ struct ExchangeResult {
     Q_PROPERTY(bool lacksGain MEMBER lacksGain)
 
   public:
-    bool ok = false; ///< everything that was asked for has been done
-    QString message; ///< the result, or why there is none
+    bool ok = false; ///< true if everything succeeded
+    QString message; ///< result, or reason of the failure
     QStringList
-        details; ///< one line per file of several; lines that were not taken as written, and why
-    bool lacksGain = false; ///< a preset was applied whose file says nothing about its gain
+        details; ///< one line per file of several; rejected or limited lines, with the reason
+    bool lacksGain = false; ///< true if the applied preset's file has no gain
 };
 
 class FavouritePresets;
 class HistoryModel;
 class PresetFileChooser;
 
-/// The presets, in list order, and the actions on them. Presets are named by their ids, as text; an
-/// id that none has is ignored. [main]
+/// Presets, in list order, and the actions on them. Ids are text; unknown ids are ignored. [main]
 class PresetListModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.presets is the only one")
-    /// The active preset's name, or "Custom" where the settings are no longer its own.
+    /// Name of the active preset, or "Custom" if the settings differ from it.
     Q_PROPERTY(QString activeName READ activeName NOTIFY activeNameChanged)
-    /// Its row; -1 where no preset is active.
+    /// Its row; -1 if no preset is active.
     Q_PROPERTY(int activeIndex READ activeIndex NOTIFY activeIndexChanged)
-    /// The same presets as a box or menu offers them.
+    /// Same presets for a combo box or menu.
     Q_PROPERTY(quorbel::PresetChoiceModel *choices READ choices CONSTANT)
 
   public:
@@ -57,7 +56,7 @@ class PresetListModel final : public quorbel::RecordListModel {
         notesRole,
         summaryRole,
         isUserRole,
-        playingRole, ///< whether it is the active one
+        playingRole, ///< true for the active preset
         favouriteRole,
     };
 
@@ -74,46 +73,46 @@ class PresetListModel final : public quorbel::RecordListModel {
     [[nodiscard]] const std::vector<Preset> &presets() const { return presets_; }
 
     Q_INVOKABLE void apply(const QString &id);
-    /// The preset in this row.
+    /// Applies the preset in `row`.
     Q_INVOKABLE void applyRow(int row);
     Q_INVOKABLE void setFavourite(const QString &id, bool isFavourite);
 
     /// Saves the current settings under the name, without blanks at its ends.
     Q_INVOKABLE void save(const QString &name);
     [[nodiscard]] Q_INVOKABLE static bool canSave(const QString &name);
-    /// Makes a preset of the user's of any preset. Returns its id.
+    /// Copies any preset to a user preset. Returns the copy's id.
     Q_INVOKABLE QString duplicate(const QString &id);
 
-    // Factory presets stay as they are.
+    // Restricted to user presets.
     Q_INVOKABLE void remove(const QString &id);
-    /// The same rule for the name as in `save`.
+    /// Trims the name as `save` does.
     Q_INVOKABLE void rename(const QString &id, const QString &name);
     /// Replaces the preset's content with the current settings.
     Q_INVOKABLE void update(const QString &id);
 
     // PresetListExchange.cpp
 
-    /// The chooser must outlive the last request. Null: requests are ignored.
+    /// The chooser must outlive the last request. Null ignores requests.
     void setFileChooser(PresetFileChooser *chooser) { chooser_ = chooser; }
-    /// Ask the user for files, then import or export them; `exchanged` follows unless the user
+    /// Asks the user for files, then imports or exports them; `exchanged` follows unless the user
     /// cancels.
     Q_INVOKABLE void requestImport();
     Q_INVOKABLE void requestExport(const QString &id);
-    /// The current settings, as `save` would take them.
+    /// Exports the current settings, as `save` would store them.
     Q_INVOKABLE void requestExportCurrent();
     /// Imports files dropped on the window; `exchanged` follows.
     Q_INVOKABLE void importDropped(const QList<QUrl> &urls);
 
-    /// Makes presets of parametric equaliser texts and preset files. A single one becomes the
-    /// active one; of several none does.
+    /// Imports parametric equaliser texts and preset files. Activates a single one, but none of
+    /// several.
     ExchangeResult importFiles(const QStringList &paths);
-    /// Writes a preset, whole where the name ends in ".json", else as a parametric equaliser text.
+    /// Writes the whole preset if the name ends in ".json", else a parametric equaliser text.
     [[nodiscard]] ExchangeResult exportPreset(const QString &id, const QString &path) const;
 
   Q_SIGNALS:
     void activeNameChanged();
     void activeIndexChanged();
-    /// A requested import or export has been done, or could not be.
+    /// Emitted after a requested import or export has succeeded or failed.
     void exchanged(const quorbel::ExchangeResult &result);
 
   private:

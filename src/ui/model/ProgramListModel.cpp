@@ -91,7 +91,7 @@ void ProgramListModel::setWatched(bool watched) {
     Q_EMIT watchedChanged();
 }
 
-/// The hardware tells each of many small changes. [control]
+/// Combines many small hardware changes into one update. [control]
 void ProgramListModel::playbackStreamsChanged() {
     if (!isLookDue_.exchange(true))
         clock_.post([self = self_] {

@@ -12,22 +12,22 @@
 
 namespace quorbel {
 
-/// The streams that programs play at present, with what happens to them. [main]
+/// Current playback streams of programs, with their treatment. [main]
 class ProgramListModel final : public quorbel::RecordListModel, private HardwareListener {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.programs is the only one")
-    /// True while the list is looked at. It follows the sound server only then.
+    /// True while the list is visible; it follows the sound server only then.
     Q_PROPERTY(bool watched READ watched WRITE setWatched NOTIFY watchedChanged)
 
   public:
     enum Role {
         nameRole = Qt::UserRole,
-        titleRole, ///< of the stream; empty where it is the program's name
+        titleRole, ///< of the stream; empty if equal to the name
         statusRole,
-        processedRole, ///< whether the rules have it processed
-        fixedRole,     ///< whether no rule could change that
-        surroundRole,  ///< whether it would be mixed to stereo
+        processedRole, ///< true if the rules process it
+        fixedRole,     ///< true if no rule can change that
+        surroundRole,  ///< true if processing would mix it to stereo
     };
 
     ProgramListModel(AppState &state, Clock &clock, QObject *parent);
@@ -40,7 +40,7 @@ class ProgramListModel final : public quorbel::RecordListModel, private Hardware
     [[nodiscard]] bool watched() const { return watched_; }
     void setWatched(bool watched);
 
-    /// Processes the row's program from now on, or leaves it alone, and remembers it.
+    /// Updates the rules so that the row's program is processed or left alone; saves them.
     Q_INVOKABLE void setProcessed(int row, bool processed);
 
   Q_SIGNALS:
@@ -52,7 +52,7 @@ class ProgramListModel final : public quorbel::RecordListModel, private Hardware
 
     AppState &state_;
     Clock &clock_;
-    const QPointer<ProgramListModel> self_; ///< for what is handed over to the main thread
+    const QPointer<ProgramListModel> self_; ///< guards calls posted to the main thread
     bool watched_ = false;
     std::atomic<bool> isLookDue_ = false;
     std::vector<PlaybackStream> streams_; ///< as shown

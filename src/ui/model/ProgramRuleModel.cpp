@@ -79,12 +79,12 @@ void ProgramRuleModel::setTitle(int row, const QString &pattern) {
     changeRule(row, [&](ProgramRules &rules, auto rule) {
         ProgramRule changed = *rule;
         changed.title = pattern.trimmed().toStdString();
-        // Two rules for the same streams would be one too many.
+        // Removes other rules for the same streams.
         rules.rules.erase(rule);
         std::erase_if(rules.rules, [&](const ProgramRule &other) {
             return other.program == changed.program && other.title == changed.title;
         });
-        // A rule for some titles goes before the one for all.
+        // Inserts a rule for some titles before the one for all.
         const auto place = std::ranges::find_if(rules.rules, [&](const ProgramRule &other) {
             return other.program == changed.program && other.title.empty();
         });

@@ -9,7 +9,7 @@
 
 namespace quorbel {
 
-/// The rules that decide which programs are processed. [main]
+/// Rules that decide which programs are processed. [main]
 class ProgramRuleModel final : public quorbel::RecordListModel {
     Q_OBJECT
     QML_ELEMENT
@@ -21,7 +21,7 @@ class ProgramRuleModel final : public quorbel::RecordListModel {
     enum Role {
         nameRole = Qt::UserRole,
         processedRole,
-        stereoRole, ///< whether surround sound is mixed to stereo
+        stereoRole, ///< true if surround sound is mixed to stereo
         titleRole,  ///< pattern of the streams' titles; empty: all
     };
 
@@ -36,7 +36,7 @@ class ProgramRuleModel final : public quorbel::RecordListModel {
     [[nodiscard]] bool callsProcessed() const { return rules_.processesCalls; }
     void setCallsProcessed(bool processed);
 
-    // Of a row; one that does not exist is ignored.
+    // Changes the rule in `row`; ignores an unknown row.
     Q_INVOKABLE void setProcessed(int row, bool processed);
     /// Limits the rule to streams whose title matches the pattern; empty: all.
     Q_INVOKABLE void setTitle(int row, const QString &pattern);

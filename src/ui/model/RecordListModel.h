@@ -11,8 +11,8 @@
 
 namespace quorbel {
 
-/// A list of records shown to QML. Where the list changes, rows are taken out and put in, so that a
-/// view keeps its place and its focus. [main]
+/// List of records for QML. Removes and inserts only the changed rows, so that a view keeps its
+/// position and focus. [main]
 class RecordListModel : public QAbstractListModel {
     Q_OBJECT
     QML_ANONYMOUS
@@ -27,7 +27,7 @@ class RecordListModel : public QAbstractListModel {
     void countChanged();
 
   protected:
-    /// Makes `records`, which the model shows, equal to `next`. Rows with equal keys count as the
+    /// Replaces `records`, which the model shows, with `next`. Rows with equal keys count as the
     /// same row with changed content.
     template <typename Record, typename Key>
     void replaceRecords(std::vector<Record> &records, std::vector<Record> next, Key key) {

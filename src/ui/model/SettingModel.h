@@ -12,30 +12,30 @@ namespace quorbel {
 
 class HistoryModel;
 
-/// One setting as a control sees it: its value, and from its row of the schema caption, range and
-/// step. The value of a switch is 0 or 1, that of a choice its index. [main]
+/// One setting for a control: its value, and caption, range and step from the schema. A switch has
+/// the value 0 or 1, a choice its index. [main]
 class SettingModel final : public QObject {
     Q_OBJECT
     QML_NAMED_ELEMENT(Setting)
     QML_UNCREATABLE("App.setting(key) returns it")
     Q_PROPERTY(double value READ value WRITE setValue NOTIFY valueChanged)
     Q_PROPERTY(bool on READ isOn NOTIFY valueChanged)
-    /// The value with its unit.
+    /// Value with its unit.
     Q_PROPERTY(QString text READ text NOTIFY valueChanged)
-    /// The value within its range, 0 to 1.
+    /// Position of the value in its range, 0 to 1.
     Q_PROPERTY(double position READ position NOTIFY valueChanged)
     Q_PROPERTY(double from READ from CONSTANT)
     Q_PROPERTY(double to READ to CONSTANT)
     Q_PROPERTY(double stepSize READ stepSize CONSTANT)
-    /// The value at which the lit run of a slider begins.
+    /// Value at which the lit part of a slider begins.
     Q_PROPERTY(double origin READ origin CONSTANT)
     Q_PROPERTY(double defaultValue READ defaultValue CONSTANT)
     Q_PROPERTY(QString label READ label CONSTANT)
-    /// The label with its stage: "Deep Bass, Drive".
+    /// Label with its stage: "Deep Bass, Drive".
     Q_PROPERTY(QString name READ name CONSTANT)
 
   public:
-    /// The field of a record behind it. Writing goes through the engine's setter at once.
+    /// Field of the record behind the setting. `write` calls the engine's setter at once.
     struct Field {
         std::string_view key;
         std::string_view label;
@@ -51,9 +51,9 @@ class SettingModel final : public QObject {
     SettingModel(Field field, HistoryModel &history, QObject *parent);
 
     [[nodiscard]] double value() const { return value_; }
-    /// Ignores a value that is not finite and an index that no choice has.
+    /// Ignores non-finite values and invalid choice indices.
     void setValue(double value);
-    /// Reads the record's value.
+    /// Re-reads the record's value.
     void refresh();
 
     [[nodiscard]] bool isOn() const { return value_ != 0.0; }

@@ -14,7 +14,7 @@ namespace {
 
 using ReverbPreset = SpatialConfig::ReverbPreset;
 
-/// Number of values that a field can have; 0 for a number.
+/// Number of choices of a field; 0 for a numeric field.
 template <class Value> constexpr int choicesOf = 0;
 template <> constexpr int choicesOf<bool> = 2;
 template <>

@@ -13,14 +13,14 @@
 
 namespace quorbel {
 
-/// The engine's spatial and mixer settings, a `SettingModel` for each row of the schema. Each write
-/// is one of the whole record, so that it reaches the sound at once. [main]
+/// Spatial and mixer settings of the engine, one `SettingModel` per row of the schema. Each write
+/// sets the whole record, so that it reaches the sound at once. [main]
 class SettingsModel final : public QObject {
     Q_OBJECT
     QML_NAMED_ELEMENT(Settings)
     QML_UNCREATABLE("App.settings is the only one")
     Q_PROPERTY(QStringList reverbPresetTitles READ reverbPresetTitles CONSTANT)
-    /// Number of stages of each screen that are on.
+    /// Number of enabled stages per screen.
     Q_PROPERTY(int spatialStagesOn READ spatialStagesOn NOTIFY stagesChanged)
     Q_PROPERTY(int colourStagesOn READ colourStagesOn NOTIFY stagesChanged)
     Q_PROPERTY(int levelStagesOn READ levelStagesOn NOTIFY stagesChanged)
@@ -30,7 +30,7 @@ class SettingsModel final : public QObject {
   public:
     SettingsModel(AudioEngine &engine, HistoryModel &history, QObject *parent);
 
-    /// `key` is the name in the settings file. Asserts that there is such a setting.
+    /// `key` is the name in the settings file. Asserts that the setting exists.
     [[nodiscard]] SettingModel *setting(std::string_view key) const;
 
     [[nodiscard]] static QStringList reverbPresetTitles();

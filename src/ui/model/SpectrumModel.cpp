@@ -37,8 +37,8 @@ void SpectrumModel::followEngine() {
 void SpectrumModel::followLevels() {
     if (!visible_)
         return;
-    // The analyzer keeps its last levels when it is taken off; a frozen display would look like
-    // sound.
+    // Draws zeros while inactive: the analyzer keeps its last levels, and a frozen display would
+    // look like sound.
     const QList<qreal> levels =
         active_ ? drawnLevels() : QList<qreal>(SpectrumAnalyzer::bandCount, 0.0);
     if (levels == levels_)

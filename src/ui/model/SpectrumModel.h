@@ -8,18 +8,18 @@
 
 namespace quorbel {
 
-/// The live spectrum for drawing: follows the analyzer, 30 times a second at most, only while it is
-/// seen and only where something has changed. [main]
+/// Live spectrum for drawing. Follows the analyzer, 30 times a second at most, only while visible
+/// and only if the levels change. [main]
 class SpectrumModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("App.spectrum is the only one")
-    /// 32 levels, 0 to 1, those of bands narrower than the analyzer can tell filled from their
-    /// neighbours; all 0 while not active.
+    /// 32 levels, 0 to 1; all 0 while inactive. Bands below the analyzer's resolution are
+    /// interpolated from their neighbours.
     Q_PROPERTY(QList<qreal> levels READ levels NOTIFY levelsChanged)
-    /// 33 frequencies in Hz: where each band begins, and where the last one ends.
+    /// 33 frequencies in Hz: the lower edge of each band and the upper edge of the last.
     Q_PROPERTY(QList<qreal> edges READ edges CONSTANT)
-    /// True if there is something to show: processing runs and the analyzer is switched on.
+    /// True if processing runs and the analyzer is switched on.
     Q_PROPERTY(bool active READ active NOTIFY activeChanged)
     /// Set by the window: false while it is hidden or minimised. The engine then measures nothing
     /// for display.

@@ -6,8 +6,7 @@
 
 namespace quorbel {
 
-/// The switch "Start at login". It shows what the desktop says; the program sets that and carries
-/// out the requests. [main]
+/// Switch "Start at login". The program sets its state and carries out its requests. [main]
 class StartAtLoginModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -15,7 +14,7 @@ class StartAtLoginModel final : public QObject {
     Q_PROPERTY(bool on READ on NOTIFY changed)
     /// True if it can be switched now.
     Q_PROPERTY(bool offered READ offered NOTIFY changed)
-    /// The reason why it is not offered, or the failure of the last request; empty for none.
+    /// Reason why it is not offered, or failure of the last request; empty for none.
     Q_PROPERTY(QString note READ note NOTIFY changed)
 
   public:
@@ -31,7 +30,7 @@ class StartAtLoginModel final : public QObject {
     [[nodiscard]] bool offered() const { return state_.isOffered; }
     [[nodiscard]] const QString &note() const { return state_.note; }
 
-    /// Announced in any case: the control has moved, whether or not the request succeeds.
+    /// Always emits `changed`: the control has moved even if the request fails.
     void setState(const State &state) {
         state_ = state;
         Q_EMIT changed();

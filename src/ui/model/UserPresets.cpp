@@ -10,7 +10,7 @@ namespace quorbel {
 
 namespace {
 
-/// Runs `change` on the preset of the user's with that id, where there is one, and saves.
+/// Applies `change` to the user preset with that id, if it exists, and saves.
 template <typename Change>
 void changeUserPreset(AppState &state, const Uuid &id, const Change &change) {
     std::vector<Preset> own = userPresets(state.presets());
@@ -33,7 +33,7 @@ std::vector<Preset> userPresets(const std::vector<Preset> &presets) {
 
 void adoptPreset(AppState &state, const Preset &preset) {
     state.applyPreset(preset);
-    // Last, because it writes the file with the preset and its sound.
+    // Last, because it saves the preset and its sound.
     addPresets(state, {preset});
 }
 
@@ -46,7 +46,7 @@ void updatePreset(AppState &state, const Uuid &id) {
         preset.bands = state.engine().eq().bands();
         preset.spatial = state.engine().spatial();
         state.setPresetGainDB(id, state.engine().eq().presetGainDB());
-        state.applyPreset(preset); // the active one; the sound stays
+        state.applyPreset(preset); // activates it; the sound does not change
     });
 }
 
