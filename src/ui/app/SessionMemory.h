@@ -38,7 +38,7 @@ class SessionMemory final : public QObject {
     [[nodiscard]] bool startsAtLogin() const { return file_.content().startsAtLogin; }
     void noteStartsAtLogin(bool starts);
 
-    /// The last problem with the file; empty when the last save succeeded.
+    /// Last problem with the file; empty if the last save succeeded.
     [[nodiscard]] const QString &warning() const { return warning_; }
 
   Q_SIGNALS:
@@ -50,7 +50,7 @@ class SessionMemory final : public QObject {
     void setWarning(const QString &warning);
 
     LastSessionFile file_;
-    EngineModel *engine_ = nullptr; ///< null unless followed
+    EngineModel *engine_ = nullptr; ///< null unless following
     bool isToContinue_ = false;
     bool wasWanted_ = false; ///< value at the engine's last change of state
     QString warning_;

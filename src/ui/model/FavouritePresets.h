@@ -10,7 +10,7 @@
 
 namespace quorbel {
 
-/// The user's favourite presets: read once, written at every change. [main]
+/// Favourite presets of the user: read once, written at every change. [main]
 class FavouritePresets final : public QObject {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ class FavouritePresets final : public QObject {
     /// Saves at once. Keeps the old favourites and sets a warning if that fails.
     void set(const std::vector<Uuid> &ids);
 
-    /// The last problem with the file; empty when the last save succeeded.
+    /// Last problem with the file; empty if the last save succeeded.
     [[nodiscard]] const QString &warning() const { return warning_; }
 
   Q_SIGNALS:

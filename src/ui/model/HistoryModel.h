@@ -30,7 +30,7 @@ class HistoryModel final : public QObject {
     /// Runs `change` on the settings and records the step. `what` follows "Undo "; changes of the
     /// same `key` in quick succession become one step.
     void edit(const QString &what, const std::string &key, const std::function<void()> &change);
-    /// Same as above, with `what` as the key.
+    /// Overload with `what` as the key.
     void edit(const char *what, const std::function<void()> &change) {
         edit(QString::fromUtf8(what), what, change);
     }

@@ -25,10 +25,9 @@ struct ExchangeResult {
     Q_PROPERTY(bool lacksGain MEMBER lacksGain)
 
   public:
-    bool ok = false; ///< true if everything succeeded
-    QString message; ///< result, or reason of the failure
-    QStringList
-        details; ///< one line per file of several; rejected or limited lines, with the reason
+    bool ok = false;        ///< true if everything succeeded
+    QString message;        ///< result, or reason of the failure
+    QStringList details;    ///< one line per file of several; rejected or limited lines and why
     bool lacksGain = false; ///< true if the applied preset's file has no gain
 };
 
@@ -77,7 +76,7 @@ class PresetListModel final : public quorbel::RecordListModel {
     Q_INVOKABLE void applyRow(int row);
     Q_INVOKABLE void setFavourite(const QString &id, bool isFavourite);
 
-    /// Saves the current settings under the name, without blanks at its ends.
+    /// Saves the current settings under `name`, trimmed of blanks at both ends.
     Q_INVOKABLE void save(const QString &name);
     [[nodiscard]] Q_INVOKABLE static bool canSave(const QString &name);
     /// Copies any preset to a user preset. Returns the copy's id.

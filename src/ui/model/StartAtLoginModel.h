@@ -12,7 +12,7 @@ class StartAtLoginModel final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("App.startAtLogin is the only one")
     Q_PROPERTY(bool on READ on NOTIFY changed)
-    /// True if it can be switched now.
+    /// True if the user can switch it now.
     Q_PROPERTY(bool offered READ offered NOTIFY changed)
     /// Reason why it is not offered, or failure of the last request; empty for none.
     Q_PROPERTY(QString note READ note NOTIFY changed)

@@ -14,7 +14,7 @@ namespace {
 
 constexpr double twoPi = 6.283185307179586;
 
-/// Partials from 40 Hz to 15 kHz, falling by 3 dB per octave, each swelling in a rhythm of its own.
+/// Partials from 40 Hz to 15 kHz, falling by 3 dB per octave, each with its own swell rate.
 float music(double seconds, std::uint32_t channel) {
     constexpr int partials = 60;
     double sum = 0.0;

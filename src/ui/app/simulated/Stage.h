@@ -12,7 +12,7 @@ namespace quorbel::simulated {
 /// Waits until no layout is pending.
 void settleLayout(QQuickWindow &window);
 
-/// Sets the desktop's text size, in percent of the size the window is drawn for.
+/// Sets the desktop's text size, in percent of the window's design size.
 void setTextSize(int percent);
 
 /// Window of a freshly started program on simulated hardware. [main]
