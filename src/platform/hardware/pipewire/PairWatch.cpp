@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 #include <utility>
 
 namespace quorbel {
@@ -34,7 +33,9 @@ void PipeWireHardware::pairMayHaveChanged() {
 
 void PipeWireHardware::seePair() {
     if (!isPairSeen_) {
-        facts_ = pairFacts();
+        facts_ = ownPair().facts(registry_->objects(), router_->needsDeviceTap());
+        facts_.tapRuns = tap_->isStreaming();
+        facts_.outputRuns = output_->stream() != nullptr && output_->stream()->isStreaming();
         seenEnds_ = routingEnds();
         isPairSeen_ = true;
     }
@@ -135,46 +136,16 @@ const NodeRecord *PipeWireHardware::ownNode(const ServerStream &stream) const {
     return node != nullptr && node->name().starts_with(ownNodePrefix) ? node : nullptr;
 }
 
-PairFacts PipeWireHardware::pairFacts() const {
-    const ServerObjects &objects = registry_->objects();
-    PairFacts facts;
-    const NodeRecord *tap = ownNode(*tap_);
+OwnPair PipeWireHardware::ownPair() const {
     const OutStream *stream = output_->stream();
-    const NodeRecord *output = stream != nullptr ? ownNode(*stream) : nullptr;
-    facts.hasTap = tap != nullptr && objects.ports(tap->id, true).size() >= 2;
-    facts.isTapOfWrongKind = facts.hasTap && !tap_->isDevice() &&
-                             (!isPlainStereo(objects, tap->id, true) || router_->needsDeviceTap());
-    facts.hasOutput = output != nullptr;
-    facts.tapRuns = tap_->isStreaming();
-    facts.outputRuns = stream != nullptr && stream->isStreaming();
-    const NodeRecord *device = objects.node(output_->device());
-    facts.hasDevice = device != nullptr && objects.hasPorts(device->id, true);
-    if (output == nullptr)
-        return facts;
-    std::set<std::uint32_t> linkedPorts;
-    for (const auto &[_, link] : objects.links())
-        if (const NodeRecord *to = objects.node(link.inputNodeID);
-            link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
-            linkedPorts.insert(link.outputPortID);
-    // With more than two channels some may have no counterpart on the device.
-    const std::size_t wanted = std::min<std::size_t>(2, objects.ports(output->id, false).size());
-    facts.isOutputLinked = wanted > 0 && linkedPorts.size() >= wanted;
-    return facts;
+    return {ownNode(*tap_), stream != nullptr ? ownNode(*stream) : nullptr, output_->device(),
+            tap_->isDevice()};
 }
 
 RoutingEnds PipeWireHardware::routingEnds() const {
-    const NodeRecord *tap = ownNode(*tap_);
-    const OutStream *stream = output_->stream();
-    const NodeRecord *output = stream != nullptr ? ownNode(*stream) : nullptr;
-    if (tap == nullptr || output == nullptr)
-        return {};
-    RoutingEnds ends{tap->id, tap->serial, output->id, output_->device()};
-    if (const NodeRecord *home = defaultSink())
+    RoutingEnds ends = ownPair().ends(registry_->objects());
+    if (const NodeRecord *home = defaultSink(); home != nullptr && ends.tapID != 0)
         ends.homeID = home->id;
-    for (const auto &[_, link] : registry_->objects().links())
-        if (const NodeRecord *to = registry_->objects().node(link.inputNodeID);
-            link.outputNodeID == output->id && to != nullptr && isOutputDevice(*to))
-            ends.deviceID = to->id; // the session manager's temporary choice
     return ends;
 }
 
@@ -218,19 +189,9 @@ void PipeWireHardware::dropOutputLinks() {
 
 /// Links the output to its device if the session manager does not.
 void PipeWireHardware::linkOutput(const OutStream &stream, AudioObjectID device) {
-    const ServerObjects &objects = registry_->objects();
-    const NodeRecord *output = ownNode(stream);
-    if (output == nullptr)
-        return;
-    const auto inputs = objects.ports(device, true);
-    for (const PortRecord &from : objects.ports(output->id, false)) {
-        const auto to = std::find_if(inputs.begin(), inputs.end(), [&](const PortRecord &input) {
-            return input.channel == from.channel || inputs.size() == 1;
-        });
-        if (to != inputs.end())
-            outputLinks_.push_back(
-                registry_->createLink({output->id, from.id, device, to->id, true}));
-    }
+    const OwnPair pair{.output = ownNode(stream), .deviceID = device};
+    for (const LinkRequest &link : pair.deviceLinks(registry_->objects()))
+        outputLinks_.push_back(registry_->createLink(link));
 }
 
 } // namespace quorbel

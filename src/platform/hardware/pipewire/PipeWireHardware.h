@@ -5,6 +5,7 @@
 #include "platform/hardware/pipewire/ObjectRegistry.h"
 #include "platform/hardware/pipewire/RouteJournal.h"
 #include "platform/hardware/pipewire/ServerConnection.h"
+#include "platform/hardware/routing/OwnPair.h"
 #include "platform/hardware/routing/PairSupervisor.h"
 #include "platform/hardware/routing/StreamRouter.h"
 
@@ -81,7 +82,7 @@ class PipeWireHardware final : public AudioHardware, private ServerObserver {
     void lookAround();
     void armTimer();
     void seePair();
-    [[nodiscard]] PairFacts pairFacts() const;
+    [[nodiscard]] OwnPair ownPair() const;
     [[nodiscard]] const NodeRecord *ownNode(const ServerStream &stream) const;
     void beginRouting();
     [[nodiscard]] RoutingEnds routingEnds() const;

@@ -100,27 +100,13 @@ void RouteJournal::append(const std::string &line) {
 }
 
 void RouteJournal::routed(const RoutedStream &stream) {
-    std::erase_if(unconfirmed_, [&](const auto &entry) {
-        return entry.second.streamID == stream.streamID &&
-               entry.second.streamSerial == stream.streamSerial;
-    });
     ledger_.routed(stream);
     append(stream.encoded());
 }
 
-void RouteJournal::released(const RoutedStream &stream) {
-    unconfirmed_.emplace_back(++releases_, stream);
-}
-
 void RouteJournal::confirmReleases(std::uint64_t count) {
-    for (const auto &[number, stream] : std::exchange(unconfirmed_, {})) {
-        if (number > count) {
-            unconfirmed_.emplace_back(number, stream);
-            continue;
-        }
-        ledger_.released(stream);
+    for (const RoutedStream &stream : ledger_.confirm(count))
         append(encodedRelease(stream));
-    }
 }
 
 void RouteJournal::allRestored() {

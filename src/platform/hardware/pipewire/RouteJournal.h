@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
 namespace quorbel {
@@ -26,13 +25,12 @@ class RouteJournal final : public RouteLog {
     [[nodiscard]] const std::vector<RoutedStream> &leftovers() const { return leftovers_; }
 
     void routed(const RoutedStream &stream) override;
-    /// Takes effect with `confirmReleases`: until then the server may not have put the stream back.
-    void released(const RoutedStream &stream) override;
-    /// Number of releases so far.
-    [[nodiscard]] std::uint64_t releases() const { return releases_; }
-    /// Confirms the first `count` releases: the server has carried out their commands.
+    /// Takes effect with `confirmReleases`.
+    void released(const RoutedStream &stream) override { ledger_.released(stream); }
+    [[nodiscard]] std::uint64_t releases() const { return ledger_.releases(); }
+    /// As `RouteLedger::confirm`.
     void confirmReleases(std::uint64_t count);
-    [[nodiscard]] bool hasUnconfirmed() const { return !unconfirmed_.empty(); }
+    [[nodiscard]] bool hasUnconfirmed() const { return ledger_.hasUnconfirmed(); }
     [[nodiscard]] bool isEmpty() const { return ledger_.size() == 0; }
     /// As `WatchdogLink::beat`. Call it every `beatSeconds` while streams are routed, or every
     /// `restingBeatSeconds` while nothing plays.
@@ -54,8 +52,6 @@ class RouteJournal final : public RouteLog {
     int file_ = -1;
     std::size_t linesInFile_ = 0;
     std::vector<RoutedStream> leftovers_;
-    std::uint64_t releases_ = 0;
-    std::vector<std::pair<std::uint64_t, RoutedStream>> unconfirmed_; ///< by release number
 };
 
 /// Removes the journal of a program that has ended, unless another one runs and owns it.

@@ -158,11 +158,27 @@ std::optional<std::pair<std::uint32_t, std::uint64_t>> decodeRelease(std::string
 }
 
 void RouteLedger::routed(const RoutedStream &stream) {
+    std::erase_if(pending_, [&](const auto &entry) {
+        return entry.second.streamID == stream.streamID &&
+               entry.second.streamSerial == stream.streamSerial;
+    });
     streams_[{stream.streamID, stream.streamSerial}] = stream;
 }
 
-void RouteLedger::released(const RoutedStream &stream) {
-    streams_.erase({stream.streamID, stream.streamSerial});
+std::vector<RoutedStream> RouteLedger::confirm(std::uint64_t count) {
+    std::vector<RoutedStream> confirmed;
+    for (const auto &[number, stream] : pending_)
+        if (number <= count) {
+            streams_.erase({stream.streamID, stream.streamSerial});
+            confirmed.push_back(stream);
+        }
+    std::erase_if(pending_, [&](const auto &entry) { return entry.first <= count; });
+    return confirmed;
+}
+
+void RouteLedger::clear() {
+    streams_.clear();
+    pending_.clear();
 }
 
 bool RouteLedger::take(std::string_view line) {

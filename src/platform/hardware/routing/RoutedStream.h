@@ -48,15 +48,26 @@ class RouteLog {
 class RouteLedger final : public RouteLog {
   public:
     void routed(const RoutedStream &stream) override;
-    void released(const RoutedStream &stream) override;
-    /// Applies one line of text; returns false if it is neither a routing nor a release.
+    /// Takes effect with `confirm`: until then the server may not have put the stream back.
+    void released(const RoutedStream &stream) override {
+        pending_.emplace_back(++releases_, stream);
+    }
+    /// Number of releases so far.
+    [[nodiscard]] std::uint64_t releases() const { return releases_; }
+    [[nodiscard]] bool hasUnconfirmed() const { return !pending_.empty(); }
+    /// Confirms the first `count` releases, whose commands the server has carried out. Returns the
+    /// streams that are no longer routed because of it.
+    std::vector<RoutedStream> confirm(std::uint64_t count);
+    /// Applies one line of text at once; returns false if it is neither a routing nor a release.
     bool take(std::string_view line);
-    void clear() { streams_.clear(); }
+    void clear();
     [[nodiscard]] std::vector<RoutedStream> streams() const;
     [[nodiscard]] std::size_t size() const { return streams_.size(); }
 
   private:
     std::map<std::pair<std::uint32_t, std::uint64_t>, RoutedStream> streams_; ///< by id and serial
+    std::uint64_t releases_ = 0;
+    std::vector<std::pair<std::uint64_t, RoutedStream>> pending_; ///< by release number
 };
 
 /// Name of the target node that a stream's two metadata values give; empty if none.

@@ -14,6 +14,7 @@ constexpr Micros roundTripTime = 500'000;
 constexpr Micros comebackTime = 1'000'000;
 constexpr Micros beatTime = 250'000;
 constexpr Micros cycleTime = 20'000;
+constexpr std::uint64_t lastTrip = UINT64_MAX; ///< confirms all releases
 
 Command metadataCommand(std::uint32_t subject, const char *key,
                         const std::optional<MetadataValue> &value) {
@@ -56,26 +57,6 @@ class Watchdog final : public ServerCommands {
 };
 
 } // namespace
-
-void Journal::routed(const RoutedStream &stream) {
-    std::erase_if(unconfirmed, [&](const auto &entry) {
-        return entry.second.streamID == stream.streamID &&
-               entry.second.streamSerial == stream.streamSerial;
-    });
-    ledger.take(stream.encoded());
-}
-
-void Journal::released(const RoutedStream &stream) {
-    unconfirmed.emplace_back(roundTrip, stream);
-    hasNew = true;
-}
-
-void Journal::confirm(std::uint64_t number) {
-    for (const auto &[trip, stream] : unconfirmed)
-        if (trip <= number)
-            ledger.take(encodedRelease(stream));
-    std::erase_if(unconfirmed, [&](const auto &entry) { return entry.first <= number; });
-}
 
 void SimulatedClient::send(Command command) {
     server_.fromClient.push(std::move(command), server_.now, server_.random);
@@ -133,12 +114,20 @@ bool SimulatedClient::leavesAlone(const std::string &program) const {
     return !rules_.rules.empty() && rules_.rules.front().program.name == program;
 }
 
+/// The journal as the watchdog and the next start read it.
+RouteLedger SimulatedClient::written() const {
+    RouteLedger result;
+    for (const RoutedStream &stream : ledger_.streams())
+        result.take(stream.encoded());
+    return result;
+}
+
 void SimulatedClient::reset() {
     objects_ = std::make_unique<ServerObjects>();
-    router_ = std::make_unique<StreamRouter>(*objects_, *this, journal_);
+    router_ = std::make_unique<StreamRouter>(*objects_, *this, ledger_);
     router_->setRules(rules_);
     supervisor_.reset();
-    journal_.unconfirmed.clear();
+    ledger_ = written();
     bound_.clear();
     outputLinks_.clear();
     ownTargets_.clear();
@@ -148,7 +137,7 @@ void SimulatedClient::reset() {
         server_.disturbedAt = server_.now;
     tapHandle_ = outHandle_ = 0;
     tapID_ = outID_ = 0;
-    binding_ = 0;
+    binding_ = awaitedReleases_ = 0;
     stopping_ = Stopping::no;
     stopDeadline_ = comebackAt_ = nextLook_ = INT64_MAX;
 }
@@ -157,7 +146,7 @@ void SimulatedClient::connect() {
     reset();
     reconnectAt_ = INT64_MAX;
     server_.clientArrives();
-    leftovers_ = journal_.ledger.streams();
+    leftovers_ = ledger_.streams();
 }
 
 void SimulatedClient::start() {
@@ -169,7 +158,7 @@ void SimulatedClient::start() {
     if (!server_.isClientThere)
         reconnectAt_ = server_.now;
     supervisor_.reset();
-    router_ = std::make_unique<StreamRouter>(*objects_, *this, journal_);
+    router_ = std::make_unique<StreamRouter>(*objects_, *this, ledger_);
     router_->setRules(rules_);
     if (server_.isClientThere && objects_->hasMetadata())
         bindMetadata(); // its changes may have been missed
@@ -222,60 +211,14 @@ void SimulatedClient::destroyPair() {
     tapID_ = outID_ = 0;
 }
 
-const NodeRecord *SimulatedClient::ownNode(int handle) const {
-    return objects_->node(handle == tapHandle_ ? tapID_ : outID_);
-}
-
-std::uint32_t SimulatedClient::deviceOfOutput() const {
-    for (const auto &[_, link] : objects_->links())
-        if (link.outputNodeID == outID_)
-            if (const NodeRecord *node = objects_->node(link.inputNodeID);
-                node != nullptr && isOutputDevice(*node))
-                return node->id;
-    return 0;
-}
-
-PairFacts SimulatedClient::facts() const {
-    PairFacts facts;
-    facts.hasTap = tapID_ != 0 && isPlainStereo(*objects_, tapID_, true);
-    facts.hasOutput = outID_ != 0;
-    facts.hasDevice =
-        std::any_of(objects_->nodes().begin(), objects_->nodes().end(), [&](const auto &entry) {
-            return isOutputDevice(entry.second) && objects_->hasPorts(entry.first, true);
-        });
-    if (outID_ != 0) {
-        const std::uint32_t device = deviceOfOutput();
-        std::set<std::uint32_t> linked;
-        for (const auto &[_, link] : objects_->links())
-            if (link.outputNodeID == outID_ && link.inputNodeID == device)
-                linked.insert(link.outputPortID);
-        const auto ports = objects_->ports(outID_, false);
-        facts.isOutputLinked = device != 0 && !ports.empty() && linked.size() == ports.size();
-    }
-    facts.tapRuns = tapRuns_;
-    facts.outputRuns = outRuns_;
-    facts.isTapOfWrongKind = router_->needsDeviceTap() && !isDeviceTap_;
-    return facts;
-}
-
-RoutingEnds SimulatedClient::findEnds() const {
-    return {tapID_, tapSerial_, outID_, deviceOfOutput()};
-}
-
-void SimulatedClient::linkOutput() {
-    for (const OwnLink link : outputLinks_)
-        destroyLink(link);
-    outputLinks_.clear();
-    const auto from = objects_->ports(outID_, false);
-    for (const auto &[id, node] : objects_->nodes()) {
-        const auto to = objects_->ports(id, true);
-        if (!isOutputDevice(node) || to.empty())
-            continue;
-        for (std::size_t i = 0; i < from.size(); ++i)
-            outputLinks_.push_back(
-                createLink({outID_, from[i].id, id, to[std::min(i, to.size() - 1)].id, true}));
-        return;
-    }
+OwnPair SimulatedClient::pair() const {
+    OwnPair pair{.tap = objects_->node(tapID_),
+                 .output = objects_->node(outID_),
+                 .isDeviceTap = isDeviceTap_};
+    for (const auto &[id, node] : objects_->nodes())
+        if (isOutputDevice(node) && objects_->hasPorts(id, true) && pair.deviceID == 0)
+            pair.deviceID = id;
+    return pair;
 }
 
 void SimulatedClient::look() {
@@ -283,8 +226,11 @@ void SimulatedClient::look() {
     if (!isAlive_ || !server_.isClientThere || !wantsOn_ || !hasPair_ || !objects_->hasMetadata())
         return;
     for (int i = 0; i < 10; ++i) {
-        if (std::exchange(areFactsOld_, false))
-            facts_ = facts();
+        if (std::exchange(areFactsOld_, false)) {
+            facts_ = pair().facts(*objects_, router_->needsDeviceTap());
+            facts_.tapRuns = tapRuns_;
+            facts_.outputRuns = outRuns_;
+        }
         facts_.driverCycles = static_cast<std::uint64_t>(server_.now / cycleTime);
         facts_.tapCycles = facts_.outputCycles =
             static_cast<std::uint64_t>((hangs_ ? hungAt_ : server_.now) / cycleTime);
@@ -305,7 +251,10 @@ void SimulatedClient::look() {
             createPair();
             break;
         case PairStep::link:
-            linkOutput();
+            for (const OwnLink link : std::exchange(outputLinks_, {}))
+                destroyLink(link);
+            for (const LinkRequest &link : pair().deviceLinks(*objects_))
+                outputLinks_.push_back(createLink(link));
             break;
         case PairStep::nudge:
             send({.kind = Command::Kind::nudge, .serial = outSerial_});
@@ -325,13 +274,12 @@ void SimulatedClient::look() {
     }
     if (hasPair_ && supervisor_.isHealthy() && router_->isOn()) {
         const RoutingEnds now = findEnds();
-        if (now.tapSerial != ends_.tapSerial || now.outID != ends_.outID ||
-            now.deviceID != ends_.deviceID)
+        if (now != ends_)
             router_->begin(ends_ = now);
     }
     const double next = supervisor_.nextLook(seconds());
     nextLook_ = hasPair_ && std::isfinite(next) ? static_cast<Micros>(next * 1e6) + 1 : INT64_MAX;
-    if (hasPair_ && journal_.ledger.size() > 0) // with the beats for the watchdog
+    if (hasPair_ && ledger_.size() > 0) // with the beats for the watchdog
         nextLook_ = std::min(nextLook_, server_.now - server_.now % beatTime + beatTime);
 }
 
@@ -469,8 +417,8 @@ void SimulatedClient::take(const Event &event) {
             outRuns_ = event.kind == Kind::runs;
         break;
     case Kind::done:
-        journal_.confirm(event.serial);
-        if (stopping_ == Stopping::restoring && event.serial >= stopTrip_)
+        ledger_.confirm(event.serial);
+        if (stopping_ == Stopping::restoring && event.serial == lastTrip)
             finishStop();
         break;
     }
@@ -482,10 +430,7 @@ void SimulatedClient::tick() {
     if (isWatching_ && server_.now >= watchAt_) {
         watchAt_ = INT64_MAX;
         Watchdog watchdog(server_);
-        RouteLedger ledger;
-        for (const RoutedStream &stream : journal_.ledger.streams())
-            ledger.take(stream.encoded());
-        for (const RoutedStream &stream : inOrderOfUndoing(watchdog.objects, ledger.streams()))
+        for (const RoutedStream &stream : inOrderOfUndoing(watchdog.objects, written().streams()))
             restoreRoute(watchdog.objects, watchdog, stream);
         if (isWatchdogMortal_ && !server_.fromWatchdog.empty()) {
             server_.fromWatchdog.cut(static_cast<std::size_t>(
@@ -523,9 +468,9 @@ void SimulatedClient::tick() {
         createPair();
     router_->checkDeadlines();
     look();
-    if (journal_.hasNew) {
-        journal_.hasNew = false;
-        send({.kind = Command::Kind::sync, .serial = journal_.roundTrip++});
+    if (ledger_.hasUnconfirmed() && ledger_.releases() != awaitedReleases_) {
+        awaitedReleases_ = ledger_.releases();
+        send({.kind = Command::Kind::sync, .serial = awaitedReleases_});
     }
 }
 
@@ -563,9 +508,8 @@ void SimulatedClient::stopNow() {
     router_->end();
     stopping_ = Stopping::restoring;
     stopDeadline_ = server_.now + roundTripTime;
-    journal_.hasNew = false;
-    stopTrip_ = journal_.roundTrip++;
-    send({.kind = Command::Kind::sync, .serial = stopTrip_});
+    awaitedReleases_ = ledger_.releases();
+    send({.kind = Command::Kind::sync, .serial = lastTrip});
 }
 
 void SimulatedClient::finishStop() {
@@ -584,7 +528,7 @@ void SimulatedClient::die(std::size_t kept, bool withWatchdog) {
     reconnectAt_ = INT64_MAX;
     if (!server_.isClientThere) {
         if (!server_.hasMetadata && server_.nodes.empty())
-            journal_.ledger.clear();
+            ledger_.clear();
         return;
     }
     server_.toClient.clear();
@@ -601,13 +545,13 @@ void SimulatedClient::watch() {
 
 void SimulatedClient::watchdogFinished() {
     isWatching_ = false;
-    journal_.ledger.clear();
+    ledger_.clear();
 }
 
 void SimulatedClient::serverDied() {
     wasWatchdogLost_ = false;
     // The journal names the server's run, so its lines do not count for the next one.
-    journal_.ledger.clear();
+    ledger_.clear();
     watchAt_ = INT64_MAX;
     isWatching_ = false;
     server_.hasWatchdogFinished = false;

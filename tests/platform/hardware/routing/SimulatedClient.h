@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SimulatedServer.h"
+#include "platform/hardware/routing/OwnPair.h"
 #include "platform/hardware/routing/PairSupervisor.h"
 #include "platform/hardware/routing/RoutedStream.h"
 #include "platform/hardware/routing/StreamRouter.h"
@@ -11,24 +12,10 @@
 
 namespace quorbel::desktop {
 
-/// The journal, read by the watchdog and by the next start. A release is written once the server
-/// has carried out its commands.
-class Journal final : public RouteLog {
-  public:
-    RouteLedger ledger;
-    std::vector<std::pair<std::uint64_t, RoutedStream>> unconfirmed; ///< with its round trip
-    std::uint64_t roundTrip = 0;                                     ///< number of the next one
-    bool hasNew = false; ///< a release since the last round trip began
-
-    void routed(const RoutedStream &stream) override;
-    void released(const RoutedStream &stream) override;
-    void confirm(std::uint64_t number);
-};
-
 enum class Published { off, starting, running, error };
 
-/// Our program as the server sees it: its streams, router and supervisor, its journal, and the
-/// watchdog that follows it.
+/// Our program as the server sees it: its streams, router and supervisor, its journal, which the
+/// next start reads, and the watchdog that follows it.
 class SimulatedClient final : public ServerCommands {
   public:
     explicit SimulatedClient(SimulatedServer &server) : server_(server) {}
@@ -66,7 +53,7 @@ class SimulatedClient final : public ServerCommands {
     [[nodiscard]] Published published() const { return published_; }
     [[nodiscard]] bool isWatching() const { return isWatching_; }
     [[nodiscard]] const ServerObjects &objects() const { return *objects_; }
-    [[nodiscard]] const RouteLedger &ledger() const { return journal_.ledger; }
+    [[nodiscard]] const RouteLedger &ledger() const { return ledger_; }
     [[nodiscard]] const StreamRouter *router() const { return router_.get(); }
     [[nodiscard]] const RoutingEnds &ends() const { return ends_; }
     /// True if our last write sends the stream to the tap.
@@ -92,6 +79,7 @@ class SimulatedClient final : public ServerCommands {
     enum class Stopping { no, binding, restoring };
 
     void connect();
+    [[nodiscard]] RouteLedger written() const;
     void reset();
     void send(Command command);
     void write(std::uint32_t subject, const char *key, const std::optional<MetadataValue> &value);
@@ -100,13 +88,10 @@ class SimulatedClient final : public ServerCommands {
     void look();
     void stopNow();
     void finishStop();
-    void linkOutput();
     void bindMetadata();
     void tellDifferences();
-    [[nodiscard]] PairFacts facts() const;
-    [[nodiscard]] RoutingEnds findEnds() const;
-    [[nodiscard]] const NodeRecord *ownNode(int handle) const;
-    [[nodiscard]] std::uint32_t deviceOfOutput() const;
+    [[nodiscard]] OwnPair pair() const;
+    [[nodiscard]] RoutingEnds findEnds() const { return pair().ends(*objects_); }
 
     SimulatedServer &server_;
     std::unique_ptr<ServerObjects> objects_ = std::make_unique<ServerObjects>();
@@ -115,7 +100,7 @@ class SimulatedClient final : public ServerCommands {
     PairSupervisor supervisor_;
     PairFacts facts_;
     bool areFactsOld_ = true;
-    Journal journal_;
+    RouteLedger ledger_;
     std::vector<RoutedStream> leftovers_;
     bool isAlive_ = false, wantsOn_ = false, hasPair_ = false, isDeviceTap_ = false;
     bool hadManager_ = false, isWatchdogMortal_ = false;
@@ -123,7 +108,7 @@ class SimulatedClient final : public ServerCommands {
     Stopping stopping_ = Stopping::no;
     Micros stopDeadline_ = INT64_MAX, comebackAt_ = INT64_MAX, reconnectAt_ = INT64_MAX,
            watchAt_ = INT64_MAX, nextLook_ = INT64_MAX;
-    std::uint64_t binding_ = 0, stopTrip_ = 0;
+    std::uint64_t binding_ = 0, awaitedReleases_ = 0;
     Table bound_; ///< values of the binding under way
     RoutingEnds ends_;
     int nextHandle_ = 1, tapHandle_ = 0, outHandle_ = 0;
