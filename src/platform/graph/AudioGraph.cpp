@@ -17,7 +17,7 @@ namespace quorbel {
 
 namespace {
 
-/// The fade, and two of the longest cycles of a device.
+/// The fade's duration plus two of the longest device cycles.
 constexpr double longestFadeOutSeconds = 0.4;
 
 } // namespace
@@ -74,7 +74,7 @@ struct AudioGraph::State final : RenderClient {
         from.output = nullptr;
     }
 
-    /// Makes the plan from the connections as they are.
+    /// Builds the plan from the current connections.
     Status makePlan() {
         const Place &last = places.at(&mixer);
         const StreamFormat format = last.inputFormat;
@@ -82,7 +82,7 @@ struct AudioGraph::State final : RenderClient {
         for (const GraphNode *node = last.input; node != nullptr;) {
             const Place &place = places.at(node);
             if (stages.size() >= places.size())
-                return statusNoConnection; // a cycle without a source
+                return statusNoConnection; // a loop without a source
             if (place.outputFormat != format)
                 return statusFormatNotSupported;
             stages.push_back({place.node, place.tap.get()});
@@ -128,7 +128,7 @@ struct AudioGraph::State final : RenderClient {
 
     void renderFormatChanged(const StreamFormat &format) override { mixer.setOutputFormat(format); }
 
-    // Otherwise a tail that was cut off would be heard before the next sound.
+    // Clears cut-off tails, which would otherwise sound at the next resume.
     void renderPaused() override {
         plan->reset();
         mixer.reset();

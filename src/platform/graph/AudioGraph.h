@@ -37,15 +37,15 @@ class AudioGraph {
     void detach(GraphNode &node);
     [[nodiscard]] bool isAttached(const GraphNode &node) const;
 
-    /// Both nodes must be attached (the main mixer always is). Replaces the connections of both
-    /// ends.
+    /// Replaces the connections of both ends. Both nodes must be attached; the main mixer always
+    /// is.
     void connect(GraphNode &from, GraphNode &to, const StreamFormat &format);
     void disconnectInput(GraphNode &node);
     void disconnectOutput(GraphNode &node);
 
-    /// All nodes take settings made while `lock` is held before the same block. Rendering never
-    /// waits for the lock: while it is held, blocks keep the earlier settings. Applies from the
-    /// next start; the lock must outlive the graph.
+    /// Makes all nodes apply settings changed under `lock` at the same block. Rendering never waits
+    /// for the lock: blocks keep the earlier settings while it is held. Applies from the next
+    /// start; the lock must outlive the graph.
     void setSettingsLock(ShortLock &lock);
 
     /// The last stage; converts from the graph's format to the output's rate.
@@ -65,13 +65,13 @@ class AudioGraph {
     void reset();
     [[nodiscard]] bool isRunning() const;
 
-    /// Called when the hardware's cycles begin or stop; initially there are none. Without cycles
-    /// nothing inside the graph changes. Set it while stopped. [control] and [main]
+    /// Reports whether the hardware's cycles run; false at each start. Nothing inside the graph
+    /// changes without cycles. Set only while stopped. [control] and [main]
     using CyclesHandler = std::function<void(bool doCome)>;
     void setCyclesHandler(CyclesHandler handler);
 
-    /// Renders the next `frames` frames (any number) of a graph without output, at the graph's
-    /// rate. Returns `statusUninitialized` unless the graph runs. [render]
+    /// Renders the next `frames` frames (any number) of a graph without hardware output, at the
+    /// graph's rate. Returns `statusUninitialized` unless the graph runs. [render]
     Status render(const AudioBufferList &output, std::uint32_t frames) noexcept;
 
     /// Receives a copy of a node's output. Runs on the graph's tap thread (in manual rendering:
@@ -79,13 +79,13 @@ class AudioGraph {
     using TapBlock = std::function<void(const PCMBuffer &buffer)>;
     /// Installs the node's one tap, replacing an earlier one: blocks of `bufferFrames` frames (at
     /// most 32768) in the node's current output format. Does nothing for a node without a
-    /// connection. Taps may be installed and removed while running. After `removeTap` has returned
-    /// the block is not called again.
+    /// connection. Taps may be installed and removed while running. The block is never called after
+    /// `removeTap` returns.
     void installTap(GraphNode &node, std::uint32_t bufferFrames, TapBlock block);
     void removeTap(GraphNode &node);
 
-    /// Format of a node's output; invalid if the node is not connected. The main mixer's is the
-    /// output's (stereo), in manual rendering that of its input.
+    /// Format of a node's output; invalid if the node is not connected. The main mixer has the
+    /// output's rate in stereo, or its input's format in manual rendering.
     [[nodiscard]] StreamFormat outputFormat(const GraphNode &node) const;
 
   private:

@@ -7,22 +7,22 @@
 
 namespace quorbel {
 
-/// A linear gain ramp between silence and 1, against clicks at the start and the end. At rest at 1
-/// it costs nothing and is bit-exact.
+/// A linear gain ramp between 0 and 1, against clicks at start and end. Skips blocks bit-exactly at
+/// a constant gain of 1.
 class Fade {
   public:
-    static constexpr double seconds = 0.02; ///< from one end to the other
+    static constexpr double seconds = 0.02; ///< of a full ramp
 
     /// While nothing renders.
     void setSampleRate(double sampleRate) {
         step_ = static_cast<float>(1.0 / (seconds * sampleRate));
     }
 
-    /// Starts the next block in silence and rising, or at full level. While nothing renders.
+    /// Starts the next block silent and rising, or at full level. Only while nothing renders.
     void startSilent();
     void startFull();
 
-    /// Fades to silence from the next block on, and stays there. [any]
+    /// Fades to silence from the next block on; holds it until restarted. [any]
     void goDown() { rises_.store(false, std::memory_order_relaxed); }
 
     /// True once a block has ended in silence. [any]
@@ -33,7 +33,7 @@ class Fade {
 
   private:
     float step_ = 1.0F; ///< per frame
-    float gain_ = 1.0F; ///< render only, while it runs
+    float gain_ = 1.0F; ///< render only while running
     std::atomic<bool> rises_{true};
     std::atomic<bool> silent_{false};
 };

@@ -36,22 +36,22 @@ class GraphNode {
     /// from silence.
     virtual void reset() {}
 
-    /// Takes the settings made since the last call for the following blocks. All stages of a plan
-    /// take theirs together, before a block or after allocation. [render]
+    /// Applies settings changed since the last call to the following blocks. All stages of a plan
+    /// do so together, before a block or after allocation. [render]
     virtual void takeSettings() noexcept {}
 
-    /// Renders one block. On a status other than 0 the buffers are unchanged. [render]
+    /// Renders one block. Leaves the buffers unchanged on a status other than 0. [render]
     virtual Status render(const RenderTime &time, AudioBufferList &buffers,
                           std::uint32_t frames) noexcept = 0;
 
-    /// Returns the number of the next stages, `following`, that `renderJoined` can take. Called
-    /// once per plan. [main]
+    /// Returns the number of stages at the head of `following` that `renderJoined` can include.
+    /// Called once per plan. [main]
     [[nodiscard]] virtual std::size_t joinable(std::span<GraphNode *const> /*following*/) const {
         return 0;
     }
 
-    /// Renders this stage and `joined`, the stages counted by `joinable`, in one pass; or does
-    /// nothing and returns false. [render]
+    /// Renders this stage and `joined`, the stages counted by `joinable`, in one pass; returns
+    /// false without rendering if it cannot. [render]
     virtual bool renderJoined(std::span<GraphNode *const> /*joined*/, AudioBufferList & /*buffers*/,
                               std::uint32_t /*frames*/) noexcept {
         return false;

@@ -18,8 +18,7 @@ void clear(const AudioBufferList &buffers, std::uint32_t begin, std::uint32_t en
             std::fill(buffers.data[channel] + begin, buffers.data[channel] + end, 0.0F);
 }
 
-// A single channel gets the mean of both, so that no sound grows louder; channels beyond two stay
-// silent.
+// Averages both for a single channel, so no sound grows louder; silences channels beyond two.
 void spread(const AudioBufferList &from, const AudioBufferList &to, std::uint32_t frames) {
     clear(to, 0, frames);
     const float *left = from.data[0];

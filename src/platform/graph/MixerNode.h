@@ -28,11 +28,11 @@ class MixerNode final : public GraphNode {
                                    std::uint32_t maximumFrames) override;
     void deallocateRenderResources() override;
 
-    /// Prepares the output's side for the following pulls, while none is under way. Rates that
-    /// cannot be converted give `statusFormatNotSupported` and silence. [control]
+    /// Prepares the output's side for the following pulls; never concurrent with one. Returns
+    /// `statusFormatNotSupported` and outputs silence for unsupported rates. [control]
     Status setOutputFormat(const StreamFormat &format);
 
-    /// Format of the mixer's output: stereo at the output's rate; invalid before that is known.
+    /// Format of the mixer's output: stereo at the output's rate; invalid until that is known.
     /// [any]
     [[nodiscard]] StreamFormat outputFormat() const noexcept;
 

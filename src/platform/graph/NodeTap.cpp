@@ -9,8 +9,7 @@
 
 namespace quorbel {
 
-/// Two channels of samples for one writer and one reader. Positions count all frames since the
-/// beginning.
+/// A two-channel ring for one writer and one reader. Positions count frames since construction.
 class NodeTap::Ring {
   public:
     /// [render]

@@ -26,12 +26,12 @@ class NodeTap {
     NodeTap(const NodeTap &) = delete;
     NodeTap &operator=(const NodeTap &) = delete;
 
-    /// Installs a listener in place of an earlier one. `format` has one or two channels. `queue`
-    /// must outlive the installation; delivery inside `write` needs none. [main]
+    /// Installs a listener; replaces an earlier one. `format` has one or two channels. `queue` must
+    /// outlive the installation; delivery inside `write` needs none. [main]
     void install(const StreamFormat &format, std::uint32_t bufferFrames, Block block,
                  SerialQueue *queue);
 
-    /// Once it has returned, the block is not called again. [main]
+    /// Removes the listener; its block is never called after the return. [main]
     void remove();
 
     /// [render]
@@ -39,8 +39,7 @@ class NodeTap {
         return target_.load(std::memory_order_acquire) != nullptr;
     }
 
-    /// Passes the block on if a listener is installed; drops it if the listener is too slow.
-    /// [render]
+    /// Passes the samples to the listener, if any; drops them if the listener is too slow. [render]
     void write(const AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
   private:
@@ -50,8 +49,8 @@ class NodeTap {
 
     const Delivery delivery_;
     std::unique_ptr<Ring>
-        ring_; // made by the first installation and kept, as the writer may still use it
-    std::atomic<Ring *> target_{nullptr}; // where the render thread writes; null without a listener
+        ring_; // made by the first installation; kept because the writer may still use it
+    std::atomic<Ring *> target_{nullptr}; // the render thread's ring; null without a listener
 
     // Constant while blocks are delivered.
     SerialQueue *queue_ = nullptr;

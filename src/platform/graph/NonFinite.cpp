@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::uint32_t carry = 0x80000000U;
 
-// Without their signs, floats are ordered like the integers of their bits, with infinity and NaN at
-// the end. So one addition carries into the sign bit for every sample that is too large.
+// Sets the sign bit for samples of at least 2^40, infinity and NaN by one addition: without their
+// signs, floats have the order of their bit patterns, infinity and NaN last.
 constexpr std::uint32_t carryIfUnusable(float sample) {
     constexpr std::uint32_t limit = std::bit_cast<std::uint32_t>(0x1p40F);
     return (std::bit_cast<std::uint32_t>(sample) & ~carry) + (carry - limit);

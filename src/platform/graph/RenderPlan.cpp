@@ -65,8 +65,7 @@ Status RenderPlan::render(AudioBufferList &buffers, std::uint32_t frames) noexce
 bool RenderPlan::renderJoined(std::size_t first, AudioBufferList &buffers,
                               std::uint32_t frames) noexcept {
     const std::size_t count = joinable_[first];
-    // A tapped stage's own output has to exist, so only the last stage of a joint pass may be
-    // tapped.
+    // A joint pass yields only its last stage's output, so earlier stages must have no tap.
     for (std::size_t i = 0; i < count; ++i)
         if (stages_[first + i].tap->isInstalled())
             return false;

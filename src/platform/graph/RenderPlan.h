@@ -21,14 +21,14 @@ class RenderPlan {
         NodeTap *tap = nullptr;
     };
 
-    /// The first of `stages` is a source; all connections have `format`. While another thread holds
-    /// `settingsLock`, no stage takes new settings.
+    /// The first of `stages` is a source; all connections have `format`. Stages keep their settings
+    /// while another thread holds `settingsLock`.
     RenderPlan(std::vector<Stage> stages, const StreamFormat &format, ShortLock &settingsLock);
     ~RenderPlan();
     RenderPlan(const RenderPlan &) = delete;
     RenderPlan &operator=(const RenderPlan &) = delete;
 
-    /// Allocates every node; if one fails, none is left allocated. [main]
+    /// Allocates every node; deallocates all of them if one fails. [main]
     Status allocate();
 
     [[nodiscard]] const StreamFormat &format() const { return format_; }
@@ -38,13 +38,13 @@ class RenderPlan {
 
     /// Renders the next 1 to `maximumBlockFrames` frames. All stages use settings of the same time:
     /// the newest, or the previous block's while the lock is held. Returns the first status other
-    /// than 0: a failing source gives silence, any other failing stage is skipped. [render]
+    /// than 0. Replaces a failing source by silence and skips other failing stages. [render]
     Status render(AudioBufferList &buffers, std::uint32_t frames) noexcept;
 
   private:
     void takeSettings() noexcept;
-    /// Renders stage `first` and those that join its pass; returns false if they have to be
-    /// rendered one by one.
+    /// Renders stage `first` and its joinable stages in one pass; returns false without rendering
+    /// if it cannot.
     bool renderJoined(std::size_t first, AudioBufferList &buffers, std::uint32_t frames) noexcept;
     Status renderAlone(const Stage &stage, AudioBufferList &buffers, std::uint32_t frames) noexcept;
 

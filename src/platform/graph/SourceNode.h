@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// The source of a graph's sound: a function fills each block, and non-finite samples are replaced,
-/// so that no later stage sees one.
+/// The first stage: a function fills each block. Replaces non-finite samples before any later stage
+/// sees them.
 class SourceNode final : public GraphNode {
   public:
     /// Fills `frames` frames of all buffers; a status other than 0 makes the block silent. [render]
@@ -18,8 +18,7 @@ class SourceNode final : public GraphNode {
 
     SourceNode(const StreamFormat &format, RenderCallback callback);
 
-    /// Number of frames with a sample that was not finite, or too large, and was replaced by zero.
-    /// [any]
+    /// Number of frames in which a non-finite or too large sample was replaced by zero. [any]
     [[nodiscard]] std::uint64_t replacedNonFiniteFrames() const noexcept {
         return replacedFrames_.load(std::memory_order_relaxed);
     }

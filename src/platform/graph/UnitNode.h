@@ -8,7 +8,7 @@
 
 namespace quorbel {
 
-/// An audio unit as a stage. The unit's pull of its input finds the samples already in the buffers.
+/// Wraps an audio unit as a stage. The unit's input pull does nothing: the buffers hold the input.
 class UnitNode final : public GraphNode {
   public:
     explicit UnitNode(std::unique_ptr<AudioUnit> unit);
@@ -24,7 +24,7 @@ class UnitNode final : public GraphNode {
     void takeSettings() noexcept override { unit_->takeSettings(); }
     Status render(const RenderTime &time, AudioBufferList &buffers,
                   std::uint32_t frames) noexcept override;
-    /// Number of following units that this unit's pass can take.
+    /// Counts the following units that can join this unit's pass.
     [[nodiscard]] std::size_t joinable(std::span<GraphNode *const> following) const override;
     bool renderJoined(std::span<GraphNode *const> joined, AudioBufferList &buffers,
                       std::uint32_t frames) noexcept override;
