@@ -5,8 +5,8 @@
 
 namespace quorbel {
 
-/// A borrowed view of planar sound: one pointer to 32-bit floats per channel. Owns nothing, so it
-/// is copied freely; a pointer may be null where a channel carries nothing.
+/// A borrowed view of planar sound: one pointer to 32-bit floats per channel. Cheap to copy; a null
+/// pointer marks a channel without data.
 struct AudioBufferList {
     static constexpr std::uint32_t maximumBuffers = 8;
 
@@ -21,7 +21,7 @@ struct AudioBufferList {
         return bufferCount >= 2 && data[0] != nullptr && data[1] != nullptr;
     }
 
-    /// The same channels, `frames` further on.
+    /// Returns the same channels, starting `frames` later.
     [[nodiscard]] AudioBufferList advancedBy(std::uint32_t frames) const noexcept {
         AudioBufferList result = *this;
         for (std::uint32_t channel = 0; channel < bufferCount; ++channel)

@@ -5,15 +5,15 @@
 
 namespace quorbel {
 
-/// Writes one line, "[component] text", to standard output and flushes it: a reader of a pipe sees
-/// it at once. There are no levels. Never called on an audio thread.
+/// Writes one line, "[component] text", to standard output and flushes it for readers of a pipe.
+/// Never called on an audio thread.
 void logLine(std::string_view component, std::string_view text);
 
 /// Receives whole lines without their line end.
 using LogSink = std::function<void(std::string_view line)>;
 
-/// Sends lines to `sink` instead (a program with a meter on the terminal, a test); an empty sink
-/// means standard output again. Returns the sink that was in place. [main]
+/// Sends lines to `sink` (for a terminal meter or a test); an empty sink restores standard output.
+/// Returns the previous sink. [main]
 LogSink setLogSink(LogSink sink);
 
 } // namespace quorbel

@@ -4,20 +4,19 @@
 
 namespace quorbel {
 
-/// Where the sound of a device comes out, in names that stay the same from day to day and do not
-/// depend on the language: a sound card plays on its loudspeakers or on its headphones through one
-/// and the same device.
+/// Identifies the physical output of a device by names that persist across sessions and languages.
+/// The route is needed because one device serves a card's loudspeakers and its headphones.
 struct OutputIdentity {
-    /// What the sound server says of a Bluetooth device: stereo music, or a call with a microphone.
+    /// Bluetooth mode reported by the sound server: stereo music, or a call with a microphone.
     enum class Bluetooth { none, music, call };
 
-    std::string card{}; ///< the sound card or Bluetooth device; empty where there is none
+    std::string card{}; ///< the sound card or Bluetooth device; empty if none
     std::string node{}; ///< the device's own name
-    /// The socket or loudspeaker of the card, such as "analog-output-headphones"; empty where it
-    /// has none to choose from.
+    /// The card's socket or loudspeaker, such as "analog-output-headphones"; empty without a
+    /// choice.
     std::string route{};
     Bluetooth bluetooth = Bluetooth::none;
-    /// Card and route are not known yet, but will be.
+    /// True while card and route are still to be reported.
     bool isAwaited = false;
 
     friend bool operator==(const OutputIdentity &, const OutputIdentity &) = default;

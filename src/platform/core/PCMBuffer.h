@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// A block of planar sound with its format: either owning its storage (made once, reused for every
-/// cycle) or a view of another's without copying.
+/// A block of planar sound with its format. Owns its storage (made once, reused for every cycle) or
+/// views another's without copying.
 class PCMBuffer {
   public:
     /// Owns zeroed storage for `frameCapacity` frames of at most `AudioBufferList::maximumBuffers`

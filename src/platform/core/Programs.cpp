@@ -21,7 +21,7 @@ bool fits(const ProgramNames &wanted, const ProgramNames &program) {
 
 } // namespace
 
-// Goes back to the last star only: an earlier one can give nothing that the last one cannot.
+// Backtracks to the last star only: earlier stars cannot yield further matches.
 bool matchesPattern(std::string_view pattern, std::string_view text) {
     std::size_t p = 0;
     std::size_t t = 0;

@@ -9,10 +9,10 @@ namespace quorbel {
 
 /// Names of the program that plays a stream, as the sound server reports them; empty where unknown.
 struct ProgramNames {
-    std::string sandbox{};       ///< application id that the sandbox vouches for
+    std::string sandbox{};       ///< application id guaranteed by the sandbox
     std::string binary{};        ///< file name of the executable
-    std::string applicationID{}; ///< as the program calls itself
-    std::string name{};          ///< the one for users
+    std::string applicationID{}; ///< chosen by the program itself
+    std::string name{};          ///< shown to users
 
     [[nodiscard]] bool areEmpty() const {
         return sandbox.empty() && binary.empty() && applicationID.empty() && name.empty();
@@ -22,9 +22,8 @@ struct ProgramNames {
 
 /// The treatment of the streams of one program.
 struct ProgramRule {
-    ProgramNames program{}; ///< the stream has to have each name that is not empty
-    /// Pattern of the stream's title, without regard to case: `*` is any text, `?` any character.
-    /// Empty: any title.
+    ProgramNames program{}; ///< a stream must match every non-empty name
+    /// Pattern of the stream's title for `matchesPattern`; empty matches any title.
     std::string title{};
     bool isProcessed = true;
     /// Processes streams of more than two channels too, mixed to stereo.
@@ -33,7 +32,7 @@ struct ProgramRule {
     friend bool operator==(const ProgramRule &, const ProgramRule &) = default;
 };
 
-/// Marks of a stream that carries a call. One of them is enough.
+/// Marks of a stream that carries a call; one match is enough.
 struct CallMarks {
     std::vector<std::string> roles{};
     std::vector<std::string> names{};
@@ -42,8 +41,8 @@ struct CallMarks {
     friend bool operator==(const CallMarks &, const CallMarks &) = default;
 };
 
-/// Which programs are processed. The first rule that matches a stream decides; without one, calls
-/// are decided together, and all others together.
+/// Selects the programs to process. The first matching rule decides about a stream; otherwise
+/// `processesCalls` decides for calls and `processesOthers` for all others.
 struct ProgramRules {
     bool processesOthers = true;
     bool processesCalls = false;
@@ -53,8 +52,8 @@ struct ProgramRules {
     friend bool operator==(const ProgramRules &, const ProgramRules &) = default;
 };
 
-/// True if `text` matches a pattern of `*` (any text) and `?` (any character). ASCII letters match
-/// in both cases.
+/// True if `text` matches a pattern of `*` (any text) and `?` (any character). Ignores the case of
+/// ASCII letters.
 bool matchesPattern(std::string_view pattern, std::string_view text);
 
 /// The first rule that matches a stream; null if there is none.
@@ -64,8 +63,8 @@ const ProgramRule *ruleFor(const ProgramRules &rules, const ProgramNames &progra
 /// The treatment of a playback stream, with its reason.
 enum class StreamTreatment {
     processed,
-    ready,     ///< to be processed, but nothing is processed at present
-    pending,   ///< on its way to being processed
+    ready,     ///< selected, but nothing is processed at present
+    pending,   ///< selected, but not processed yet
     excluded,  ///< left alone by a rule of the user
     unlisted,  ///< left alone because the user processes only listed programs
     call,      ///< left alone: a call
@@ -77,9 +76,8 @@ enum class StreamTreatment {
     refused,   ///< the sound server did not move it; tried again
 };
 
-/// A stream that a program plays.
 struct PlaybackStream {
-    std::uint64_t serial = 0; ///< never used again
+    std::uint64_t serial = 0; ///< never reused
     ProgramNames program{};
     std::string title{};
     bool isCall = false;     ///< by the call marks

@@ -6,10 +6,9 @@
 
 namespace quorbel {
 
-/// Splits the frames from `begin` to `begin + frames` of a ring, in which frame p is at index p mod
-/// `capacity`, into the one or two contiguous pieces that hold them. Calls `copy(index, offset,
-/// count)` for each: `index` of its first frame in the ring, `offset` from `begin`. `frames` is at
-/// most `capacity`. [any]
+/// Splits `frames` frames of a ring from frame `begin` into one or two contiguous pieces. Frame p
+/// has index p mod `capacity`. Calls `copy(index, offset, count)` for each piece: `index` of its
+/// first frame in the ring, `offset` from `begin`. `frames` is at most `capacity`. [any]
 template <typename Copy>
 void forRingPieces(std::uint64_t begin, std::size_t frames, std::size_t capacity, Copy copy) {
     const auto index = static_cast<std::size_t>(begin % capacity);

@@ -25,13 +25,13 @@ using RenderActionFlags = std::uint32_t;
 /// the render side through cells.
 struct RenderEvent;
 
-/// Fills `buffers` with a unit's input. An empty one means that nothing is connected.
+/// Fills `buffers` with a unit's input; an empty function if nothing is connected.
 using PullInputBlock =
     std::function<Status(RenderActionFlags &flags, const RenderTime &time, std::uint32_t frames,
                          std::int32_t inputBus, AudioBufferList &buffers)>;
 
-/// Renders one block of a unit: pulls the input into `output` and processes it in place. Calling it
-/// allocates nothing and throws nothing. [render]
+/// Renders one block of a unit: pulls the input into `output` and processes it in place. Allocates
+/// and throws nothing. [render]
 using RenderBlock = std::function<Status(
     RenderActionFlags &flags, const RenderTime &time, std::uint32_t frames, std::int32_t outputBus,
     AudioBufferList &output, const RenderEvent *events, const PullInputBlock &pullInput)>;
@@ -39,14 +39,14 @@ using RenderBlock = std::function<Status(
 /// One connection point of a unit. [main]
 class AudioUnitBus {
   public:
-    /// Throws AudioUnitError (`statusFormatNotSupported`) for a format that describes no sound or
-    /// has more channels than a buffer list holds.
+    /// Throws AudioUnitError (`statusFormatNotSupported`) for an invalid format or more channels
+    /// than a buffer list holds.
     explicit AudioUnitBus(const StreamFormat &format);
 
     [[nodiscard]] const StreamFormat &format() const { return format_; }
 
-    /// For the next allocation of render resources; fails as the constructor does, and then changes
-    /// nothing.
+    /// Sets the format for the next allocation of render resources. Returns an error and changes
+    /// nothing where the constructor would throw.
     Status setFormat(const StreamFormat &format);
 
   private:
@@ -74,9 +74,8 @@ using InstantiationOptions = std::uint32_t;
 
 /// A self-contained processing stage. Constructors throw AudioUnitError.
 ///
-/// Life: constructed; render resources allocated for the formats of its busses; its render block
-/// called any number of times; deallocated; allocated again. All calls [main] but
-/// where tagged, and the render block.
+/// Life cycle: constructed, allocated for the formats of its busses, rendered any number of times,
+/// deallocated; possibly allocated again. All calls [main] except where tagged.
 class AudioUnit {
   public:
     AudioUnit(const ComponentDescription &description, InstantiationOptions options)
@@ -95,41 +94,41 @@ class AudioUnit {
     /// values.
     [[nodiscard]] const std::shared_ptr<ParameterTree> &parameterTree() const { return tree_; }
 
-    /// The longest block that will be rendered. To be set before allocation.
+    /// Longest block to render, in frames; set before allocation.
     [[nodiscard]] std::uint32_t maximumFramesToRender() const { return maximumFrames_; }
     void setMaximumFramesToRender(std::uint32_t frames) { maximumFrames_ = frames; }
 
-    /// Takes all the memory that rendering needs. On failure the unit is as before. The base class
-    /// requires that all busses have one format.
+    /// Allocates all memory for rendering; changes nothing on failure. The base class requires one
+    /// format on all busses.
     virtual Status allocateRenderResources();
     virtual void deallocateRenderResources() { allocated_ = false; }
     [[nodiscard]] bool renderResourcesAllocated() const { return allocated_; }
 
-    /// Clears the held sound (delay lines, filter memories), not parameters and measurements. Only
+    /// Clears the sound (delay lines, filter states) but not parameters and measurements. Only
     /// while nothing renders. [control]
     virtual void reset() {}
 
-    /// Takes the parameters' values for the blocks that are rendered from now on. [render]
+    /// Applies the parameters' values to the following blocks. [render]
     virtual void takeSettings() noexcept {}
 
-    /// Returns a new block at every call. The block keeps its state alive, also beyond the unit,
-    /// and may be called once render resources are allocated.
+    /// Returns a new block at every call. The block keeps its state alive beyond the unit's
+    /// lifetime. Callable once render resources are allocated.
     [[nodiscard]] virtual RenderBlock internalRenderBlock() = 0;
 
-    /// Returns how many of the units behind this one, `following`, `renderJoined` takes. [main]
+    /// Returns how many units at the head of `following` can join `renderJoined`. [main]
     [[nodiscard]] virtual std::size_t joinable(std::span<AudioUnit *const> /*following*/) const {
         return 0;
     }
 
-    /// Renders this unit and `joined`, the units that `joinable` has counted, in place and in one
-    /// pass, as their render blocks would one after the other; or does nothing and returns false.
-    /// All are allocated for the same format. [render]
+    /// Renders this unit and `joined`, the units counted by `joinable`, in place in one pass,
+    /// equivalent to their render blocks in series. Returns false without rendering if it cannot.
+    /// All units are allocated for the same format. [render]
     virtual bool renderJoined(std::span<AudioUnit *const> /*joined*/, AudioBufferList & /*buffers*/,
                               std::uint32_t /*frames*/) noexcept {
         return false;
     }
 
-    /// By how much the unit delays the sound, in seconds.
+    /// Delay of the unit's output, in seconds.
     [[nodiscard]] virtual double latency() const { return 0.0; }
 
   protected:

@@ -11,7 +11,7 @@
 
 namespace quorbel {
 
-/// The kinds of audio unit that can be made by description. [main]
+/// Makes audio units by description. [main]
 class AudioUnitRegistry {
   public:
     /// Makes one unit; throws AudioUnitError.
@@ -34,12 +34,11 @@ class AudioUnitRegistry {
     /// In order of registration.
     [[nodiscard]] std::vector<Component> components() const;
 
-    /// Exactly one of the two: a unit, or a status other than 0 (`statusComponentNotFound` for an
-    /// unknown description, otherwise the failure of the unit's constructor).
+    /// Receives either a unit or a status other than 0: `statusComponentNotFound` for an unknown
+    /// description, otherwise the failure of the unit's constructor.
     using Completion = std::function<void(std::unique_ptr<AudioUnit> unit, Status status)>;
 
-    /// Makes a unit and hands it over later, never inside this call. The registry may be gone by
-    /// then.
+    /// Delivers a unit later, never inside this call. The registry may be destroyed first.
     void instantiate(const ComponentDescription &description, InstantiationOptions options,
                      Completion completion) const;
 

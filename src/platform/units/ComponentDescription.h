@@ -12,7 +12,7 @@ consteval std::uint32_t fourCharCode(const char (&text)[5]) {
     return code;
 }
 
-/// Names a kind of audio unit.
+/// Identifies a kind of audio unit.
 struct ComponentDescription {
     std::uint32_t type = 0;
     std::uint32_t subtype = 0;

@@ -12,7 +12,7 @@ class ParameterTree;
 
 using ParameterAddress = std::uint64_t;
 
-/// The platform's own numbers.
+/// Units of values, with the platform's numbers.
 enum class ParameterUnit : std::uint32_t {
     generic = 0,
     boolean = 2,
@@ -34,8 +34,8 @@ struct ParameterDescription {
     std::uint32_t flags = parameterReadable | parameterWritable;
 };
 
-/// One value of a unit that can be read and set from outside. In a tree, the tree's observer and
-/// provider store it. [main]
+/// An externally readable and settable value of a unit. A tree's observer and provider store it if
+/// set. [main]
 class Parameter {
   public:
     explicit Parameter(ParameterDescription description);
@@ -56,8 +56,8 @@ class Parameter {
     const ParameterTree *tree_ = nullptr;
 };
 
-/// The parameters of a unit. The implementor (the unit) says through its two functions where values
-/// are stored; without them each parameter keeps its own. [main]
+/// The parameters of a unit. The unit stores the values through the two implementor functions; each
+/// parameter keeps its own value without them. [main]
 class ParameterTree {
   public:
     using ValueObserver = std::function<void(const Parameter &parameter, float value)>;
@@ -75,10 +75,10 @@ class ParameterTree {
     /// Null if no parameter has this address.
     [[nodiscard]] Parameter *parameterWithAddress(ParameterAddress address) const;
 
-    /// Is handed every value that is set, already inside the parameter's range.
+    /// Receives every value set, clamped to the parameter's range.
     ValueObserver implementorValueObserver;
 
-    /// Is asked for every value that is read.
+    /// Supplies every value read.
     ValueProvider implementorValueProvider;
 
   private:

@@ -7,14 +7,14 @@
 
 namespace quorbel {
 
-// Errors of audio units, in the codes that this kind of interface has always used.
+// Errors of audio units, with the conventional codes of such interfaces.
 inline constexpr Status statusUninitialized = -10867;      ///< rendering without render resources
 inline constexpr Status statusFormatNotSupported = -10868; ///< a format that the unit cannot take
 inline constexpr Status statusTooManyFrames = -10874;      ///< more than `maximumFramesToRender`
 inline constexpr Status statusComponentNotFound = -3000;   ///< no unit of that description
 inline constexpr Status statusOutOfMemory = -108;
 
-/// A unit that could not be made. Thrown by constructors; `AudioUnitRegistry` hands the status on.
+/// Failure to construct a unit. Thrown by constructors; `AudioUnitRegistry` passes the status on.
 class AudioUnitError : public std::runtime_error {
   public:
     AudioUnitError(Status status, const std::string &text)
