@@ -5,11 +5,10 @@
 
 namespace quorbel {
 
-/// Time as the program sees it, and the main thread's queue of work. Every wait, debounce and
-/// repeating timer uses it. Tests and file rendering run on a clock that they move themselves.
+/// The program's time source and the main thread's work queue. Every wait, debounce and repeating
+/// timer uses it. Tests and file rendering advance a clock of their own.
 ///
-/// Callbacks run on the main thread, one at a time, in time order (in order of arrival where
-/// equal).
+/// Callbacks run on the main thread, one at a time, in order of time, then of arrival.
 class Clock {
   public:
     using Task = std::function<void()>;
@@ -22,18 +21,17 @@ class Clock {
     /// Seconds since an arbitrary start; never goes back. [any]
     [[nodiscard]] virtual double now() const = 0;
 
-    /// Runs `task` once, `seconds` from now (at once, but not inside this call, when not positive).
+    /// Runs `task` once after `seconds`; at once, but never inside this call, if not positive.
     /// [main]
     virtual TimerID after(double seconds, Task task) = 0;
 
     /// Runs `task` every `seconds` (> 0), the first time after one interval. [main]
     virtual TimerID every(double seconds, Task task) = 0;
 
-    /// The task does not run (again) after this; unknown ids are ignored. A task may cancel itself.
-    /// [main]
+    /// Prevents further runs of the task; ignores unknown ids. A task may cancel itself. [main]
     virtual void cancel(TimerID timer) = 0;
 
-    /// Hands work over to the main thread. [any]
+    /// Queues `task` for the main thread. [any]
     virtual void post(Task task) = 0;
 
   protected:

@@ -30,7 +30,7 @@ struct MainLoopClock::State {
             wakeUp.stop();
             return;
         }
-        // Rounded up: waking early would only mean waking twice.
+        // Rounds up: an early wake-up would need a second one.
         using Milliseconds = std::chrono::milliseconds;
         const auto wait =
             std::chrono::ceil<Milliseconds>(std::chrono::duration<double>(secondsOf(*due) - now()));
@@ -38,8 +38,7 @@ struct MainLoopClock::State {
     }
 
     void runDue() {
-        // Bounded by the time of entry, so that a busy repeating timer cannot keep the loop to
-        // itself.
+        // Fixes the limit at entry, so a busy repeating timer cannot block the loop.
         const ClockTicks limit = clockTicks(now());
         while (const auto timer = timers.takeDue(limit))
             (*timer->task)();

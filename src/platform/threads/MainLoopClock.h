@@ -6,9 +6,9 @@
 
 namespace quorbel {
 
-/// The program's clock: real time on the event loop of the thread that makes it, which thereby is
-/// the main thread. Needs a QCoreApplication; timers fire while its loop runs, within a
-/// millisecond, and a repeating one keeps its rate on average.
+/// Real time on the event loop of the constructing thread, which thereby is the main thread. Needs
+/// a QCoreApplication. Timers fire within a millisecond while its loop runs; repeating timers keep
+/// their average rate.
 class MainLoopClock final : public Clock {
   public:
     MainLoopClock();

@@ -13,7 +13,7 @@ void ManualClock::advance(double seconds) {
     runPosted();
     for (auto due = timers_.nextDue(); due && *due <= target; due = timers_.nextDue()) {
         setNow(std::max(*due, ticksNow()));
-        // The queue is asked again for every timer: its task may cancel or set others.
+        // Queries the queue for every timer, because tasks may cancel or set others.
         if (const auto timer = timers_.takeDue(*due))
             (*timer->task)();
         runPosted();
@@ -23,7 +23,7 @@ void ManualClock::advance(double seconds) {
 }
 
 void ManualClock::runPosted() {
-    // Work posted by posted work runs too, after all earlier work.
+    // Includes work posted by posted work, after all earlier work.
     for (;;) {
         std::vector<Task> batch;
         {

@@ -7,13 +7,13 @@
 
 namespace quorbel {
 
-/// A clock that its owner moves: for tests and for rendering files. Nothing runs except inside
-/// `advance`, on the thread that calls it, which thereby is the main thread.
+/// A clock that its owner advances, for tests and file rendering. Tasks run only inside `advance`,
+/// on the calling thread, which thereby is the main thread.
 class ManualClock final : public Clock {
   public:
-    /// Lets `seconds` (not negative) pass: posted work and due timers run in time order, and `now`
-    /// is each timer's own time while it runs. Timers and work that callbacks add run too if they
-    /// fall due in the same span. Not to be called from inside a callback. [main]
+    /// Advances time by `seconds` (not negative). Runs posted work and due timers in time order,
+    /// with `now` at each timer's due time; includes those that callbacks add within the same span.
+    /// Never called from a callback. [main]
     void advance(double seconds);
 
     /// Runs posted work and due timers. [main]
@@ -33,7 +33,7 @@ class ManualClock final : public Clock {
     TimerQueue timers_; // main only
     bool advancing_ = false;
 
-    mutable std::mutex mutex_; // guards what follows
+    mutable std::mutex mutex_; // guards the members below
     ClockTicks now_ = 0;
     std::vector<Task> posted_;
 };

@@ -10,9 +10,9 @@
 
 namespace quorbel {
 
-/// The newest mono samples of a sound, for an analysis: one thread writes them, another copies a
-/// part of them at any time. Both hold the short lock for their copy only. [any], without waiting
-/// or allocation after construction.
+/// A ring of the newest mono samples for an analysis: one thread writes, another copies a part at
+/// any time. Both hold the short lock for their copy only. [any], without other waits or allocation
+/// after construction.
 class SampleRing {
   public:
     /// `capacity` in samples, at least 1.
@@ -20,14 +20,14 @@ class SampleRing {
 
     /// Appends any number of samples; the oldest beyond the capacity are dropped.
     void write(std::span<const float> samples) noexcept;
-    /// Appends (left + right) / 2, in any number.
+    /// Appends (left + right) / 2 for any number of frames.
     void writeMean(const float *left, const float *right, std::size_t frames) noexcept;
 
-    /// Copies the newest samples in time order. Returns false and copies nothing if fewer were ever
-    /// written.
+    /// Copies the newest samples in time order. Returns false and copies nothing if too few were
+    /// ever written.
     [[nodiscard]] bool snapshot(std::span<float> samples) const noexcept;
-    /// The same for the samples before sample `end`, counted from the first ever written. Returns
-    /// false if any of them is missing.
+    /// Copies the samples before sample `end`, counted from the first ever written. Returns false
+    /// if any is missing.
     [[nodiscard]] bool snapshot(std::uint64_t end, std::span<float> samples) const noexcept;
 
     /// Total samples written.
@@ -37,7 +37,7 @@ class SampleRing {
     template <typename Fill> void append(std::size_t count, Fill fill) noexcept;
     bool copyBefore(std::uint64_t end, std::span<float> samples) const noexcept;
 
-    mutable ShortLock lock_; // guards all that follows
+    mutable ShortLock lock_; // guards the members below
     std::vector<float> samples_;
     std::uint64_t written_ = 0;
 };

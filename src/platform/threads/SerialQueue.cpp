@@ -24,7 +24,7 @@ class ThreadedSerialQueue final : public SerialQueue {
     ~ThreadedSerialQueue() override;
 
     TimerID repeating(double firstSeconds, double seconds, Task task) override;
-    /// The same, on multiples of `seconds` since the thread's start; the first is rounded up.
+    /// Like `repeating`, but on multiples of `seconds` since construction; the first is rounded up.
     TimerID repeatingAligned(double firstSeconds, double seconds, Task task);
     void cancel(TimerID timer) override;
     [[nodiscard]] bool isOwnThread() const {
@@ -39,14 +39,14 @@ class ThreadedSerialQueue final : public SerialQueue {
     [[nodiscard]] ClockTicks now() const;
 
     const SteadyClock::time_point start_ = SteadyClock::now();
-    std::mutex mutex_; // guards what follows; free while a task runs
+    std::mutex mutex_; // guards the members below; free while a task runs
     std::condition_variable changed_;
     std::condition_variable finished_;
     TimerQueue timers_;
     TimerID running_ = 0; // the timer whose task runs now
     bool stopping_ = false;
 
-    std::thread thread_; // last: it uses all of the above
+    std::thread thread_; // last member: it uses all others
 };
 
 ThreadedSerialQueue::ThreadedSerialQueue(const std::string &name) : thread_([this] { run(); }) {
@@ -125,7 +125,7 @@ class ClockedSerialQueue final : public SerialQueue {
     TimerID repeating(double firstSeconds, double seconds, Task task) override {
         const TimerID id = ++lastID_;
         timers_[id] = Timer::once(clock_, firstSeconds, [this, id, seconds, task] {
-            // Set before the task runs, which may cancel it.
+            // Sets the timer first, because the task may cancel it.
             timers_[id] = Timer::repeating(clock_, seconds, task);
             task();
         });
@@ -140,13 +140,13 @@ class ClockedSerialQueue final : public SerialQueue {
     std::map<TimerID, Timer> timers_;
 };
 
-/// A queue of its own on a thread that it shares with others.
+/// A queue on a thread shared with other queues.
 class QueueOnSharedThread final : public SerialQueue {
   public:
     explicit QueueOnSharedThread(std::shared_ptr<ThreadedSerialQueue> worker)
         : worker_(std::move(worker)) {}
     ~QueueOnSharedThread() override {
-        // Without the lock: a running task may cancel its own timer.
+        // Cancels without the lock, because a running task may cancel its own timer.
         std::set<TimerID> timers;
         {
             const std::lock_guard lock(timersMutex_);
@@ -175,7 +175,7 @@ class QueueOnSharedThread final : public SerialQueue {
     std::shared_ptr<ThreadedSerialQueue> worker_;
     std::mutex timersMutex_;
     std::set<TimerID> timers_;
-    TimerID cancelledInside_ = 0; ///< by a task, perhaps its own timer: the task may still run
+    TimerID cancelledInside_ = 0; ///< by a task that may still run; perhaps its own timer
 };
 
 } // namespace

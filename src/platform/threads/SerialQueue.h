@@ -8,8 +8,8 @@
 
 namespace quorbel {
 
-/// Runs repeating tasks one at a time, away from its callers. Not for audio threads: setting a
-/// timer may allocate and lock.
+/// Runs repeating tasks one at a time, asynchronously to its callers. Not for audio threads:
+/// setting a timer may allocate and lock.
 class SerialQueue {
   public:
     using Task = Clock::Task;
@@ -23,29 +23,28 @@ class SerialQueue {
     /// Runs `task` on the queue `firstSeconds` from now and then every `seconds` (both > 0). [any]
     virtual TimerID repeating(double firstSeconds, double seconds, Task task) = 0;
 
-    /// On return the task is not running and does not run again. On the queue itself it returns at
-    /// once, and the running call is the last. Unknown ids are ignored. [any]
+    /// Ends the timer; on return its task is not running. Returns at once on the queue itself,
+    /// where the running call is the last. Ignores unknown ids. [any]
     virtual void cancel(TimerID timer) = 0;
 
   protected:
     SerialQueue() = default;
 };
 
-/// Makes queues, by name (what a debugger shows, cut to 15 bytes). The program chooses one and
+/// Makes queues by name; debuggers show its first 15 bytes. The program chooses one factory and
 /// passes it down.
 using SerialQueueFactory = std::function<std::unique_ptr<SerialQueue>(const std::string &name)>;
 
-/// Each queue has a thread of its own and runs on real time.
+/// Makes queues with a thread each, on real time.
 [[nodiscard]] SerialQueueFactory threadedSerialQueues();
 
-/// The queues of one factory share a thread on real time, named `threadName`, which lives as long
-/// as one of them. A queue waits for the others' tasks as well, so this is for short ones. Timers
-/// fall on multiples of their interval, the first up to one interval late: so those of several
-/// queues fall due together, which costs one wake-up.
+/// Makes queues that share one thread on real time, named `threadName`; it ends with the last
+/// queue. Tasks must be short, because each delays all queues. Timers fire on multiples of their
+/// interval, the first up to one interval late, so timers of several queues share wake-ups.
 [[nodiscard]] SerialQueueFactory sharedThreadSerialQueues(std::string threadName);
 
-/// Queues that run on `clock` and its thread. On a manual clock their work falls on exactly the
-/// same sample in every run. All calls are then [main]; the clock must outlive the queues.
+/// Makes queues on `clock` and its thread. On a manual clock, tasks run at the same sample in every
+/// run. All calls are then [main]; the clock must outlive the queues.
 [[nodiscard]] SerialQueueFactory clockedSerialQueues(Clock &clock);
 
 } // namespace quorbel

@@ -4,10 +4,10 @@
 
 namespace quorbel {
 
-/// The only lock an audio thread may take: held for a short copy, never while another is held. (An
-/// exception is the settings' lock, which an audio thread only tries; see AudioGraph.) A holder of
-/// low priority inherits the priority of the waiting audio thread, so the wait is only as long as
-/// the copy. Not recursive. Use with std::lock_guard.
+/// The only lock an audio thread may take: held for a short copy, never while another is held.
+/// (Exception: the settings lock, which an audio thread only tries; see AudioGraph.) Priority
+/// inheritance limits an audio thread's wait to the duration of the copy. Not recursive. Use with
+/// std::lock_guard.
 class ShortLock {
   public:
     ShortLock() noexcept : mutex_{} {

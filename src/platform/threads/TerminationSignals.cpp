@@ -15,7 +15,7 @@ TerminationSignals::TerminationSignals() {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaddset(&signals, signal);
     descriptor_ = signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
-    // Blocked only where it can be read instead: otherwise nothing but SIGKILL would end us.
+    // Blocks the signals only if they can be read; otherwise only SIGKILL would end the program.
     if (descriptor_ >= 0)
         pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }

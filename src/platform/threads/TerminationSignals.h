@@ -6,21 +6,21 @@ class QSocketNotifier;
 
 namespace quorbel {
 
-/// Turns SIGINT, SIGTERM and SIGHUP into something to read, so that the program ends in its own
-/// time, with everything put back. They stay blocked to the end: a second Ctrl-C does not cut that
-/// short. Where the system cannot do this, the signals end the program at once. [main]
+/// Makes SIGINT, SIGTERM and SIGHUP readable, so the program can restore everything before it ends.
+/// Blocks them to the end: a second Ctrl-C cannot interrupt the restoration. The signals end the
+/// program at once if the system does not support this. [main]
 class TerminationSignals {
   public:
-    /// To be made before any thread starts: threads inherit what is blocked.
+    /// Constructed before any thread starts, because threads inherit the signal mask.
     TerminationSignals();
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals &) = delete;
     TerminationSignals &operator=(const TerminationSignals &) = delete;
 
-    /// Whether a signal has arrived, now or before. Does not wait.
+    /// True once a signal has arrived. Does not wait.
     [[nodiscard]] bool received();
 
-    /// From now on a signal, also one that has come already, ends the application's event loop.
+    /// Makes any signal, including a pending one, end the application's event loop.
     void endEventLoop();
 
   private:

@@ -6,8 +6,8 @@
 
 namespace quorbel {
 
-/// Owns one timer of a clock: destroyed, reassigned or invalidated, it never fires again. The clock
-/// must outlive it. [main]
+/// Owns one timer of a clock. Never fires after destruction, reassignment or invalidation. The
+/// clock must outlive it. [main]
 class Timer {
   public:
     Timer() = default;

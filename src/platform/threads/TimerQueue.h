@@ -15,14 +15,13 @@ namespace quorbel {
 using ClockTicks = std::int64_t;
 inline constexpr ClockTicks clockTicksPerSecond = 705'600'000;
 
-/// To the nearest tick.
+/// Rounds to the nearest tick.
 [[nodiscard]] ClockTicks clockTicks(double seconds);
 [[nodiscard]] constexpr double secondsOf(ClockTicks ticks) {
     return static_cast<double>(ticks) / static_cast<double>(clockTicksPerSecond);
 }
 
-/// The timers of one clock in the order they fall due, equal ones in the order they were set. Not
-/// thread-safe.
+/// The timers of one clock, ordered by due time, then by arrival. Not thread-safe.
 class TimerQueue {
   public:
     using Task = Clock::Task;
@@ -32,15 +31,15 @@ class TimerQueue {
     TimerID add(ClockTicks due, ClockTicks interval, Task task);
     void cancel(TimerID timer);
 
-    /// When the next timer falls due.
+    /// Due time of the next timer.
     [[nodiscard]] std::optional<ClockTicks> nextDue() const;
 
     struct Due {
         TimerID timer = 0;
         std::shared_ptr<Task> task; ///< shared, because a task may cancel itself while it runs
     };
-    /// Takes out the next timer that is due at `now`; a repeating one is set again first. A timer
-    /// that is late by whole intervals skips them: it does not fire in a burst.
+    /// Takes the next timer due at `now`; reschedules it if repeating. Skips whole missed intervals
+    /// instead of firing in a burst.
     [[nodiscard]] std::optional<Due> takeDue(ClockTicks now);
 
   private:
