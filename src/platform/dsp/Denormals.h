@@ -8,8 +8,8 @@
 namespace quorbel {
 
 /// Flushes denormal floats to zero on the calling thread, as operands and as results, during its
-/// lifetime. Otherwise the tail of a recursive filter costs a hundred times the normal arithmetic
-/// once it falls below 1e-38. Takes a few cycles, so a render callback may make one per call. [any]
+/// lifetime. Denormal arithmetic would slow a recursive filter a hundredfold once its tail falls
+/// below 1e-38. Takes a few cycles, so a render callback may make one per call. [any]
 class DenormalsFlushed {
   public:
     DenormalsFlushed() noexcept : saved_(read()) { write(saved_ | flags); }

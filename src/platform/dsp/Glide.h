@@ -21,7 +21,7 @@ template <std::size_t N> class Glide {
         remainingSteps_ = 0;
     }
 
-    /// Starts towards `values` from the current ones.
+    /// Starts a transition from the current values to `values`.
     void retarget(const Values &values) noexcept {
         if (remainingSteps_ == 0)
             beginHistory();
@@ -57,8 +57,8 @@ template <std::size_t N> class Glide {
     }
 
   private:
-    /// As if the values had always been what they are. The histories are not filled with them: for
-    /// ten bands that begin to move at once, that would be the cost of a block.
+    /// Treats the current values as the whole history. Filling the histories would cost as much as
+    /// a block when ten bands start moving at once.
     void beginHistory() noexcept {
         start_ = values_;
         historySteps_ = 0;
@@ -69,7 +69,7 @@ template <std::size_t N> class Glide {
     Values target_{};
     Values values_{};
     int remainingSteps_ = 0;
-    int historySteps_ = 0; // of the histories, the rest of which is `start_`
+    int historySteps_ = 0; // valid steps of the histories; the rest equal `start_`
     Values start_{};
     std::array<Values, averageSteps> firstHistory_{};
     std::array<Values, averageSteps> secondHistory_{};

@@ -7,8 +7,8 @@
 namespace quorbel {
 
 /// Triple buffer: hands the newest value from one thread to another without lock or wait. One slot
-/// belongs to the writer, one to the reader, one is exchanged. Values that the reader did not fetch
-/// in time are skipped. Assigning a T must not allocate where the writer must not.
+/// belongs to the writer, one to the reader, one is exchanged. Skips values that the reader did not
+/// fetch in time. Assigning a T must not allocate if the writer must not.
 ///
 /// Threads: `publish` by one thread, `fetch` and `current` by one other.
 template <typename T> class LatestValue {

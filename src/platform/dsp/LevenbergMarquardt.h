@@ -9,12 +9,12 @@ namespace quorbel {
 
 /// Limits of a Levenberg-Marquardt step.
 struct LevenbergMarquardtLimits {
-    double ridge = 1e-9; ///< added to the diagonal: unknowns without effect stay
+    double ridge = 1e-9; ///< added to the diagonal; keeps unknowns without effect unchanged
     double smallestDamping = 0.0;
 };
 
-/// Solves (normal + damping · its diagonal) · x = right for the first `n` unknowns, by elimination
-/// with row exchange. `normal` is indexed by row and column.
+/// Solves (normal + damping · its diagonal) · x = right for the first `n` unknowns, by Gauss-Jordan
+/// elimination with partial pivoting. `normal` is indexed by row and column.
 template <typename Matrix, typename Vector>
 [[nodiscard]] Vector dampedSolution(Matrix normal, Vector right, std::size_t n, double damping,
                                     double ridge) {

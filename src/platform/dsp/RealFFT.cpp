@@ -14,13 +14,13 @@
 namespace quorbel {
 namespace {
 
-/// FFTW executes plans on any thread, but makes and destroys them on one thread at a time.
+/// Guards FFTW's planner: only one thread at a time may create or destroy plans.
 std::mutex &plannerMutex() {
     static std::mutex mutex;
     return mutex;
 }
 
-/// Two complex numbers, or two factors of such. Every supported machine has four lanes.
+/// Two complex numbers or factors. Every supported machine has four lanes.
 using ComplexPair [[gnu::vector_size(4 * sizeof(float))]] = float;
 
 ComplexPair loadPair(const fftwf_complex *numbers) noexcept {
@@ -31,14 +31,14 @@ ComplexPair loadPair(const fftwf_complex *numbers) noexcept {
 
 } // namespace
 
-/// The samples of even index are the real parts of a complex signal of half the length, those of
-/// odd index its imaginary parts. FFTW transforms that one: its own last step of a real transform
-/// takes twice as long as the complex transform, and most callers need a part of the bins.
+/// FFTW's last step of a real transform takes twice as long as a complex transform of half the
+/// length. FFTW therefore transforms even samples as real and odd samples as imaginary parts;
+/// `separate` computes the real transform's bins; most callers need only some.
 struct RealFFT::Plan {
     std::size_t halfPoints;
     float *samples = nullptr;
-    fftwf_complex *halves = nullptr; ///< the complex transform
-    fftwf_complex *bins = nullptr;   ///< the real one, as far as it is separated
+    fftwf_complex *halves = nullptr; ///< result of the complex transform
+    fftwf_complex *bins = nullptr;   ///< result of the real transform, once separated
     fftwf_complex *turns = nullptr;  ///< cosine and sine of 2πk / points
     fftwf_plan plan = nullptr;
 
@@ -48,8 +48,7 @@ struct RealFFT::Plan {
           turns(fftwf_alloc_complex(halfPoints)) {
         if (samples != nullptr && halves != nullptr && bins != nullptr && turns != nullptr) {
             const std::lock_guard lock(plannerMutex());
-            // FFTW_MEASURE could choose another algorithm in every run, and the rounding depends on
-            // the algorithm.
+            // FFTW_MEASURE could change the algorithm, and with it the rounding, from run to run.
             plan = fftwf_plan_dft_1d(static_cast<int>(halfPoints),
                                      reinterpret_cast<fftwf_complex *>(samples), halves,
                                      FFTW_FORWARD, FFTW_ESTIMATE);
@@ -83,7 +82,7 @@ struct RealFFT::Plan {
         bins[k][1] = 0.5F * ((z[1] - mirrored[1]) + turnedImaginary);
     }
 
-    /// Separates the bins from `first` to `last`, both included: two at a time, by the same sums.
+    /// Separates bins `first` to `last`, both included, two at a time with the same arithmetic.
     void separate(std::size_t first, std::size_t last) noexcept {
         const ComplexPair conjugated = {1.0F, -1.0F, 1.0F, -1.0F};
         std::size_t k = first;

@@ -13,10 +13,10 @@ namespace quorbel {
 /// displays are tuned for that scale. It is packed into N/2 bins: bin 0 holds the real values at 0
 /// Hz (real) and at half the sample rate (imaginary), bin k the frequency k · sampleRate / N.
 ///
-/// An object belongs to one thread at a time. Equal input gives equal bytes in every run.
+/// Used by one thread at a time. Equal input gives identical bytes in every run.
 class RealFFT {
   public:
-    /// `points` must be even and at least 2. Takes memory and a process-wide lock. [any thread but
+    /// `points` must be even, 2 to 2^24. Allocates and takes a process-wide lock. [any thread but
     /// the audio threads] Throws std::invalid_argument, std::bad_alloc.
     explicit RealFFT(std::size_t points);
     ~RealFFT();
@@ -31,7 +31,7 @@ class RealFFT {
                  std::span<float> imaginary) noexcept;
 
     /// In-place variant without copies: fill these `points()` samples before each `transformInput`,
-    /// which may destroy them. Its result is the mathematical transform, without the factor of two.
+    /// which may overwrite them. Its result is the mathematical transform, without the factor 2.
     [[nodiscard]] std::span<float> input() noexcept;
     void transformInput() noexcept;
     /// |X[k]|² of the last `transformInput`, for a bin from 1 to `binCount()` − 1.

@@ -8,13 +8,13 @@
 namespace quorbel {
 namespace {
 
-// zita's longest filter. The cutoff was chosen by measurement between 44.1 and 48 kHz, in both
-// directions: just above half the lower rate, zita's default attenuates by 70 dB only, 0.94 by 112
-// dB; 20 kHz still passes within 0.005 dB.
+// zita's longest filter. Cutoff chosen by measurement between 44.1 and 48 kHz in both directions:
+// 0.94 attenuates by 112 dB just above half the lower rate, zita's default by only 70 dB. 20 kHz
+// passes within 0.005 dB.
 constexpr unsigned halfLength = 96;
 constexpr double relativeCutoff = 0.94;
 
-// The most filters that zita tabulates.
+// zita's maximum number of tabulated filters.
 constexpr std::uint64_t longestTable = 1000;
 
 } // namespace
@@ -68,9 +68,9 @@ ResamplerStage::Progress ResamplerStage::run(Engine &engine, const float *input,
     const auto channels = static_cast<std::uint32_t>(engine.nchan());
     Progress progress;
     for (;;) {
-        // The interpolating resampler accumulates its phase in floating point. The phase starts
-        // half a step off the input frames, so that no rounding error moves it across one, and is
-        // reset once per period: the frame count stays that of integer arithmetic.
+        // The interpolating resampler accumulates its phase in floating point. Starting half a step
+        // off the input frames keeps rounding errors from crossing one. A reset once per period
+        // keeps the frame count equal to integer arithmetic.
         const std::uint64_t leftInPeriod = target_ - producedInPeriod_;
         const auto wanted = static_cast<std::uint32_t>(
             std::min<std::uint64_t>(outputFrames - progress.produced, leftInPeriod));

@@ -7,7 +7,7 @@
 
 namespace quorbel {
 
-/// One zita-resampler over interleaved frames, with an exact count of frames.
+/// One zita-resampler over interleaved frames, with exact frame counts.
 ///
 /// Output frame m needs the input frames up to and including floor(m · source / target), counted
 /// from `reset`; the filter starts filled with silence.
@@ -27,7 +27,7 @@ class ResamplerStage {
 
     [[nodiscard]] std::uint64_t inputFramesFor(std::uint64_t outputFrames) const noexcept;
 
-    /// Half the filter, in frames of the source.
+    /// Half the filter length, in source frames.
     [[nodiscard]] double latencyFrames() const noexcept { return latencyFrames_; }
 
     void reset() noexcept;
@@ -44,10 +44,10 @@ class ResamplerStage {
     Resampler exact_;
     VResampler interpolated_;
     double latencyFrames_ = 0.0;
-    // Counted since the last output frame that coincided with an input frame; `target_` outputs are
-    // `source_` inputs.
+    // Frames since the last output frame that coincided with an input frame; a period has `target_`
+    // outputs and `source_` inputs.
     std::uint64_t producedInPeriod_ = 0;
-    std::int64_t consumedInPeriod_ = 0; // negative before that input frame has come
+    std::int64_t consumedInPeriod_ = 0; // negative until that input frame arrives
 };
 
 } // namespace quorbel

@@ -17,7 +17,7 @@ namespace {
 constexpr double lowestRate = 4000.0;
 constexpr double highestRate = 384000.0;
 
-// zita reduces the rate by 16 at most; a larger ratio starts with one stage of this factor.
+// zita reduces the rate 16-fold at most; a larger ratio starts with an 8-fold stage.
 constexpr std::uint64_t steepestRatio = 16;
 constexpr std::uint64_t firstStageRatio = 8;
 
@@ -132,8 +132,7 @@ SampleRateConverter::State::processChunk(bool silent, std::uint32_t offered,
         const auto done = stages[0].process(source, offered, output.data(), wanted);
         return {done.consumed, done.produced};
     }
-    // The first stage makes exactly the frames that the second one needs, so that none wait between
-    // them.
+    // The first stage makes exactly the frames that the second needs, so no frames accumulate.
     Progress progress;
     for (;;) {
         const std::uint64_t needed = stages[1].inputFramesFor(wanted - progress.produced);

@@ -7,8 +7,8 @@
 
 namespace quorbel {
 
-/// Converts planar sound from one fixed rate to another; keeps its state between blocks, so the
-/// lengths of the blocks do not change the samples. The frame count is exact for any running time.
+/// Converts planar sound from one fixed rate to another. Keeps its state between blocks, so block
+/// lengths do not affect the samples. The frame count is exact for any running time.
 ///
 /// Flat within 0.01 dB up to 0.907 of half the lower rate (20 kHz at 44.1 kHz) and more than 110 dB
 /// down from half the lower rate on; equal rates are copied.
@@ -32,15 +32,14 @@ class SampleRateConverter {
     Progress process(const AudioBufferList &input, std::uint32_t inputFrames,
                      const AudioBufferList &output, std::uint32_t outputFrames) noexcept;
 
-    /// Number of input frames needed for the next `outputFrames` frames; exactly these are
-    /// consumed.
+    /// Number of input frames that the next `outputFrames` frames need and consume.
     [[nodiscard]] std::uint64_t inputFramesFor(std::uint64_t outputFrames) const noexcept;
 
-    /// Delay from an input sample to the centre of its response, in source frames; after `reset`
-    /// that much silence comes first.
+    /// Delay from an input sample to the centre of its response, in source frames. Output after
+    /// `reset` begins with this much silence.
     [[nodiscard]] double latencyFrames() const noexcept;
 
-    /// Back to silence.
+    /// Clears the filters to silence.
     void reset() noexcept;
 
   private:

@@ -1,13 +1,13 @@
 #pragma once
 
-/// The vector targets for which Highway compiles the kernels. Every kernel, and every file that
-/// lists the targets, includes this before any of Highway's headers.
+/// Selects the vector targets of Highway's kernels. Every kernel and every file that lists the
+/// targets includes this before Highway's headers.
 ///
-/// The compiler does not know the size of SVE's and RVV's vectors, so they cannot be members of the
-/// kernels' structures (GCC 12: "member variables cannot have SVE type"). Machines with SVE run the
-/// kernels on NEON's 128-bit vectors; on RVV they run as scalar code.
+/// SVE and RVV vectors have no size at compile time, so they cannot be members of the kernels'
+/// structures (GCC 12: "member variables cannot have SVE type"). Machines with SVE run the kernels
+/// on NEON's 128-bit vectors; on RVV they run as scalar code.
 ///
-/// The builds for sanitizers and fuzzers leave out more targets (cmake/QuorbelTargets.cmake).
+/// Sanitizer and fuzzer builds disable more targets (cmake/QuorbelTargets.cmake).
 #ifndef QUORBEL_DISABLED_VECTOR_TARGETS
 #define QUORBEL_DISABLED_VECTOR_TARGETS 0
 #endif
