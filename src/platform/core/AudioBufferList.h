@@ -16,7 +16,7 @@ struct AudioBufferList {
     AudioBufferList() = default;
     AudioBufferList(float *left, float *right) : bufferCount(2), data{left, right} {}
 
-    /// Whether the first two channels carry sound.
+    /// True if the first two channels carry data.
     [[nodiscard]] bool isStereo() const noexcept {
         return bufferCount >= 2 && data[0] != nullptr && data[1] != nullptr;
     }

@@ -13,7 +13,7 @@ class Fade {
   public:
     static constexpr double seconds = 0.02; ///< of a full ramp
 
-    /// While nothing renders.
+    /// Only while nothing renders.
     void setSampleRate(double sampleRate) {
         step_ = static_cast<float>(1.0 / (seconds * sampleRate));
     }
