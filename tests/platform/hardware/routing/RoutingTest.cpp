@@ -40,6 +40,21 @@ TEST(RoutedStream, ALineCutShortIsRefused) {
         EXPECT_FALSE(RoutedStream::decode(text)) << text;
 }
 
+TEST(RoutedStream, OfAProgramTheOneWithTheRememberedTargetIsPutBackLast) {
+    ServerObjects objects;
+    for (const auto &[id, name] :
+         {std::pair(5U, "usb"), {10U, "player"}, {11U, "player"}, {12U, "other"}})
+        objects.putNode({id, id, {{"node.name", name}}, true});
+    RoutedStream pinned{.streamID = 10, .streamSerial = 10, .remembered = "usb"};
+    pinned.targetNode = MetadataValue{"Spa:Id", "5"};
+    const RoutedStream beside{.streamID = 11, .streamSerial = 11, .remembered = "usb"};
+    const RoutedStream another{.streamID = 12, .streamSerial = 12, .remembered = "usb"};
+    std::vector<std::pair<std::uint32_t, std::string>> order;
+    for (const RoutedStream &stream : inOrderOfUndoing(objects, {pinned, beside, another}))
+        order.emplace_back(stream.streamID, stream.remembered);
+    EXPECT_EQ(order, (decltype(order){{11, ""}, {12, "usb"}, {10, "usb"}}));
+}
+
 TEST(Routing, OnlyStreamsThatMayBeMovedAre) {
     const PropertyMap ordinary{{"media.class", "Stream/Output/Audio"},
                                {"node.autoconnect", "true"}};
