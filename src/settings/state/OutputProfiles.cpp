@@ -241,8 +241,8 @@ void OutputProfiles::assign(const OutputKey &key, const std::string &label, Use 
         *known = std::move(profile);
     else
         profiles_.push_back(std::move(profile));
-    if (owner_ == key)
-        owner_.reset(); // makes `adopt` play the new settings
+    if (owner_ == key && use != Use::leaveAlone)
+        play(OutputProfile(*find(key)));
     Q_EMIT changed();
 }
 

@@ -348,6 +348,14 @@ TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
     state->forgetProfile(anyOther);
     EXPECT_EQ(nameInUse(), "none");
     EXPECT_EQ(liveGain(), -2.0F);
+
+    state->assignProfile(onHDMI, "HDMI", Use::flat);
+    state->forgetProfile(anyOther);
+    setLiveGain(-7.0F);
+    state->assignProfile(onHDMI, "HDMI", Use::preset, preset("Bass Heavy").id);
+    EXPECT_EQ(nameInUse(), "Bass Heavy");
+    EXPECT_EQ(state->profiles().profiles().size(), 1U) << "what it replaces is for no other output";
+    state->forgetProfile(onHDMI);
     launch();
     EXPECT_TRUE(state->profiles().profiles().empty());
 }
