@@ -141,6 +141,8 @@ class HardwareOutput {
 /// Status of `hardwareLost`: the server runs, but sound cannot pass through our streams.
 inline constexpr Status soundCutOffStatus = -5; // EIO
 
+enum class HardwareProperty { deviceList, defaultOutput, connection, playbackStreams };
+
 /// Receives changes on the hardware's own thread; must only hand them over. [control]
 class HardwareListener {
   public:
@@ -151,9 +153,22 @@ class HardwareListener {
     virtual void hardwareLost(Status) {}
     /// Reports a possible change of a playback stream or its treatment. May come often.
     virtual void playbackStreamsChanged() {}
+
+    /// Calls the function for this property; `status` is for `hardwareLost`.
+    void propertyChanged(HardwareProperty property, Status status) {
+        switch (property) {
+        case HardwareProperty::deviceList:
+            return deviceListChanged();
+        case HardwareProperty::defaultOutput:
+            return defaultOutputChanged();
+        case HardwareProperty::connection:
+            return hardwareLost(status);
+        case HardwareProperty::playbackStreams:
+            return playbackStreamsChanged();
+        }
+    }
 };
 
-enum class HardwareProperty { deviceList, defaultOutput, connection, playbackStreams };
 enum class Scope { input, output };
 
 /// The operations of an operating system's audio layer that the engine and the device manager need.

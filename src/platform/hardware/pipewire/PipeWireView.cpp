@@ -214,24 +214,9 @@ Status PipeWireHardware::removeListener(HardwareProperty property, HardwareListe
 
 void PipeWireHardware::tell(HardwareProperty property, Status status) {
     const std::lock_guard guard(listenersMutex_);
-    for (const auto &[wanted, listener] : listeners_) {
-        if (wanted != property)
-            continue;
-        switch (property) {
-        case HardwareProperty::deviceList:
-            listener->deviceListChanged();
-            break;
-        case HardwareProperty::defaultOutput:
-            listener->defaultOutputChanged();
-            break;
-        case HardwareProperty::connection:
-            listener->hardwareLost(status);
-            break;
-        case HardwareProperty::playbackStreams:
-            listener->playbackStreamsChanged();
-            break;
-        }
-    }
+    for (const auto &[wanted, listener] : listeners_)
+        if (wanted == property)
+            listener->propertyChanged(property, status);
 }
 
 void PipeWireHardware::nodeChanged(const NodeRecord &node) {

@@ -167,20 +167,7 @@ void SimulatedHardware::notify(HardwareProperty property) {
             told.push_back(listener);
     const auto tellAll = [&] {
         for (HardwareListener *listener : told)
-            switch (property) {
-            case HardwareProperty::deviceList:
-                listener->deviceListChanged();
-                break;
-            case HardwareProperty::defaultOutput:
-                listener->defaultOutputChanged();
-                break;
-            case HardwareProperty::connection:
-                listener->hardwareLost(connection_);
-                break;
-            case HardwareProperty::playbackStreams:
-                listener->playbackStreamsChanged();
-                break;
-            }
+            listener->propertyChanged(property, connection_);
     };
     if (pace_ == Pace::threads)
         std::thread(tellAll).join(); // never on the main thread, as on a real machine
