@@ -46,8 +46,8 @@ TEST(FactoryPresets, theLibraryIsWholeAndUsable) {
     EXPECT_EQ(&factoryPresets(), &presets);
 }
 
-// Saved settings find their preset by this id again, so it may never change. Expected values:
-// Python's hashlib over the same text.
+// Saved settings refer to presets by this id, so it must never change. Expected values: Python's
+// hashlib over the same text.
 TEST(FactoryPresets, idsFollowFromTheNameAlone) {
     EXPECT_EQ(stableFactoryID("Flat").text(), "0AF4AEBF-A952-50FE-B0E2-06CC11DE9AA4");
     EXPECT_EQ(stableFactoryID("MR5 Desk — Late Night").text(),

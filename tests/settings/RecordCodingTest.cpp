@@ -115,7 +115,7 @@ TEST(RecordCoding, numbersKeepEveryBitIn32And64BitForm) {
         const Date date{std::ldexp(static_cast<double>(random()), -3) + 1e-7 * count};
         EXPECT_EQ(decodeRecord<Preset>(encodeRecord(Preset{.createdAt = date})).createdAt, date);
     }
-    // As the library's own writer would not print it.
+    // The JSON library would print -3.7487066000000002.
     EXPECT_NE(encodeRecord(EQBand{.gainDB = -3.7487066F}).find(R"("gainDB":-3.7487066,)"),
               std::string::npos);
 }

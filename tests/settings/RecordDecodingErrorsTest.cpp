@@ -11,8 +11,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// A settings file with one value replaced: `at` is a piece of the good text, `by` takes its
-/// place.
+/// Settings text with its substring `at` replaced by `by`.
 std::string goodTextWith(const std::string &at, const std::string &by) {
     std::string text =
         R"({"bands":[{"id":"0A1B2C3D-4E5F-6071-8293-A4B5C6D7E8F9","frequency":31.5,"gainDB":1,)"
@@ -61,7 +60,7 @@ TEST(RecordDecodingErrors, everyMalformedValueIsNamedByItsPath) {
     const struct {
         const char *at, *by, *path, *problem;
     } cases[] = {
-        // Of the wrong kind
+        // Wrong type
         {R"(31.5)", R"("31.5")", "bands[0].frequency", R"(expected a number, found "31.5")"},
         {R"(31.5)", R"(true)", "bands[0].frequency", "expected a number, found true"},
         {R"("gainDB":1)", R"("gainDB":[])", "bands[0].gainDB", "expected a number, found an array"},
@@ -174,8 +173,7 @@ TEST(RecordDecodingErrors, cutAnywhereTheTextIsRefused) {
         ASSERT_NE(decodingError(text.substr(0, length)).problem, "decoded") << length;
 }
 
-// A reader that recurses would overflow its stack, one that searches keys one by one would take
-// hours.
+// A recursive reader would overflow its stack; a linear search per key would take hours.
 TEST(RecordDecodingErrors, hostileShapesEndInAnErrorOrAreReadInLinearTime) {
     const std::string deepArrays(2000000, '[');
     EXPECT_EQ(decodingError(deepArrays).problem, "nested more than 512 levels deep");

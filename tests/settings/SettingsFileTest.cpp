@@ -35,7 +35,7 @@ class SettingsFile : public ::testing::Test {
     const TemporaryFolder folder_;
 };
 
-// A pipe without a writer, a socket, an endless device: none may make the program wait.
+// Reading a pipe without a writer or an endless device must not block.
 TEST_F(SettingsFile, whatIsNoFileIsRefusedAtOnceByName) {
     EXPECT_THAT(failureReading(path("missing.json")),
                 AllOf(HasSubstr("missing.json: "), HasSubstr("No such file")));

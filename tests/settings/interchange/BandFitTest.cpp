@@ -43,7 +43,7 @@ TEST(BandResponse, isWhatTheEqualizerPlays) {
                 ASSERT_TRUE(design);
                 for (const double at : {30.0, 500.0, 2000.0, 9500.0}) {
                     const double played = 10.0 * std::log10(design->power(at / 48000.0));
-                    if (played > -40.0) { // below, the section is designed less exactly
+                    if (played > -40.0) { // the design is less accurate below
                         EXPECT_NEAR(bandResponseDB(band, at), played, 0.15)
                             << frequency << " Hz, Q " << q << ", at " << at << " Hz";
                     }
@@ -52,7 +52,7 @@ TEST(BandResponse, isWhatTheEqualizerPlays) {
     EXPECT_EQ(bandResponseDB({.gainDB = 6.0F, .bypassed = true}, 1000.0), 0.0);
 }
 
-/// The error of keeping the ten strongest as they are, which is what a fit has to beat.
+/// RMS error in dB of keeping the ten strongest bands unchanged: the baseline for a fit.
 double rmsOfTheStrongest(std::vector<EQBand> bands) {
     std::sort(bands.begin(), bands.end(), [](const EQBand &a, const EQBand &b) {
         return std::abs(a.gainDB) / a.q > std::abs(b.gainDB) / b.q;
@@ -67,7 +67,7 @@ TEST(BandFit, correctionsOfManyFiltersComeNear) {
     };
     const struct {
         std::size_t filters;
-        double rmsDB, maximumDB; // measured, with half to spare
+        double rmsDB, maximumDB; // measured values plus half
     } cases[] = {{12, 0.07, 0.25}, {20, 0.36, 1.5}, {31, 0.8, 3.5}};
     for (const auto &c : cases)
         for (int round = 0; round < 3; ++round) {

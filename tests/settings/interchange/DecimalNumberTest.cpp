@@ -20,13 +20,13 @@ TEST(DecimalNumber, frequenciesAreReadByTheirFilesDecimalMark) {
         {"0,125", 0.125F, 0.125F, 0.125F},
         {"12345,678", 12345.678F, 12345.678F, 12345.678F},
         // One mark before three digits
-        {"1,000", 1000, 1000, 1000}, // 1 Hz is not meant anywhere
+        {"1,000", 1000, 1000, 1000}, // 1 Hz is implausible
         {"16,000", 16000, 16000, 16},
-        {"105,000", 105, 105, 105}, // 105 kHz neither
+        {"105,000", 105, 105, 105}, // so is 105 kHz
         {"1.000", 1, 1, 1000},
         {"16.000", 16, 16, 16000},
         {"105.000", 105, 105, 105},
-        // Both marks, or one several times
+        // Both marks, or one repeated
         {"1,000.5", 1000.5F, 1000.5F, 1000.5F},
         {"1.000,5", 1000.5F, 1000.5F, 1000.5F},
         {"1,234,567", 1234567, 1234567, 1234567},

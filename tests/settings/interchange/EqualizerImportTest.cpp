@@ -18,7 +18,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// `count` filters, the highest first; the ones listed are off.
+/// Text of `count` filters in descending frequency; `off` lists the disabled ones from 1.
 std::string filters(std::size_t count, const std::vector<std::size_t> &off = {}) {
     std::string text;
     for (std::size_t i = 1; i <= count; ++i) {
@@ -41,7 +41,7 @@ TEST(EqualizerImport, upToTenFiltersAreTakenAsTheyAre) {
         EXPECT_EQ(import.takenFilters, count);
         EXPECT_FALSE(import.fit);
 
-        // The equaliser keeps the former bands where a list is shorter than ten.
+        // Flat bands fill up to ten: beyond a shorter list the equaliser keeps its old bands.
         ASSERT_EQ(import.preset.bands.size(), 10U);
         const EqualizerText read = readEqualizerText(text);
         std::vector<EQBand> flat = import.preset.bands;

@@ -278,7 +278,7 @@ void expectReadBack(const std::vector<EQBand> &bands, float preampDB) {
 TEST(EqualizerText, whatIsWrittenReadsBackExactly) {
     for (const Preset &preset : factoryPresets())
         expectReadBack(preset.bands, -3.3F);
-    // Three digits behind the point, and nothing else in the file that shows what a point is.
+    // Ambiguous decimal point: three digits follow it, and no other number settles its meaning.
     expectReadBack({{.frequency = 1.125F, .gainDB = 1.0F}, {.frequency = 16.125F}}, 0.0F);
 
     const auto seed = std::random_device{}();

@@ -18,8 +18,8 @@
 
 namespace quorbel::testing {
 
-/// The program's state on a machine in memory with the devices "speakers" and "hdmi". Its settings
-/// are in an empty folder until a test puts something there.
+/// Application state on simulated hardware with the devices "speakers" and "hdmi". The settings
+/// folder is empty at first.
 class AppStateTest : public ::testing::Test {
   public:
     AppStateTest() {
@@ -31,7 +31,7 @@ class AppStateTest : public ::testing::Test {
     ~AppStateTest() override { close(watch_); }
 
   protected:
-    /// Starts the program, ending the one before as a crash would: without a last save.
+    /// Restarts the program without a final save, as after a crash.
     void launch() {
         state.reset();
         state = std::make_unique<AppState>(hardware, clock, file.string());
@@ -40,7 +40,7 @@ class AppStateTest : public ::testing::Test {
         write(file, encodeRecord(record));
         launch();
     }
-    /// The settings of a program that was never touched.
+    /// Default settings.
     [[nodiscard]] static Persisted untouched() {
         Persisted record;
         record.bands = EQBand::defaultBands();
@@ -66,7 +66,7 @@ class AppStateTest : public ::testing::Test {
     [[nodiscard]] std::string displayName() const { return state->activePresetDisplayName(); }
     [[nodiscard]] std::string warning() const { return state->persistWarning().value_or(""); }
 
-    /// Number of times the settings file was made or replaced since the last call.
+    /// Number of creations and replacements of the settings file since the last call.
     [[nodiscard]] int saves() {
         int count = 0;
         alignas(inotify_event) char buffer[4096];
@@ -78,9 +78,8 @@ class AppStateTest : public ::testing::Test {
             }
         return count;
     }
-    /// The present content of the settings file.
     [[nodiscard]] Persisted saved() const { return readSettingsFile(file.string()); }
-    /// The names in the settings folder, but for the settings file and its lock.
+    /// Names in the settings folder except the settings file and its lock.
     [[nodiscard]] std::vector<std::string> otherFiles() const {
         std::vector<std::string> names;
         for (const auto &entry : std::filesystem::directory_iterator(folder))

@@ -24,7 +24,7 @@ TEST_F(AppStateLoading, theRunningVersionsLibraryWinsAndWhatIsMissingStaysAsItIs
     Persisted record = untouched();
     record.outputDeviceUID = "a device that is absent today";
     record.presets[0].name = "Flat, but edited";
-    record.presets[1].id = Uuid::random(); // one that this version does not have
+    record.presets[1].id = Uuid::random(); // unknown to this version
     const Preset first = userPreset("Zorile"), second = userPreset("Amurg");
     record.presets.insert(record.presets.begin() + 3, first);
     record.presets.push_back(second);
@@ -57,7 +57,7 @@ TEST_F(AppStateLoading, theActivePresetIsFoundByIdThenByNameElseTheFirst) {
 }
 
 TEST_F(AppStateLoading, bandsThatDifferOnlyInTheirIdsAreThePresets) {
-    // As a program left them whose factory bands had other ids.
+    // As saved by a version with other ids for its factory bands.
     Persisted record = untouched();
     record.activePresetID = stableFactoryID("Bass Heavy");
     record.bands = factoryPresets()[9].bands;
@@ -143,7 +143,7 @@ TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
     int announced = 0;
     QObject::connect(state.get(), &AppState::persistWarningChanged, [&] { ++announced; });
 
-    // The folder is gone and a file has taken its name.
+    // A file replaces the folder.
     std::filesystem::remove_all(folder);
     write(folder, "in the way");
     saveGain(2.0F);
@@ -166,7 +166,7 @@ TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
 }
 
 TEST_F(AppStateSaving, aFileThatCannotBeReadIsLeftUntilItCanAndThenTaken) {
-    std::filesystem::create_symlink("state.json", file); // a circle: it cannot be read
+    std::filesystem::create_symlink("state.json", file); // unreadable: links to itself
     launch();
     EXPECT_EQ(warning(), "");
     int announced = 0;
@@ -192,7 +192,7 @@ TEST_F(AppStateSaving, aFileThatCannotBeReadIsLeftUntilItCanAndThenTaken) {
 
 TEST_F(AppStateSaving, linksAreKeptWhateverTheyLeadTo) {
     const std::filesystem::path target = folder / "elsewhere" / "mine.json";
-    std::filesystem::create_symlink("elsewhere/mine.json", file); // leads nowhere yet
+    std::filesystem::create_symlink("elsewhere/mine.json", file); // target does not exist yet
     launch();
     saveGain(2.0F);
     EXPECT_TRUE(std::filesystem::is_symlink(file));

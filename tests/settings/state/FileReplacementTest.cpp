@@ -17,7 +17,7 @@
 
 namespace {
 
-/// Asked before every sync of this program; what it returns, unless 0, is the sync's failure.
+/// Called before every fsync of this program; a result other than 0 fails it with that errno.
 std::function<int(bool ofFolder)> beforeSync;
 
 } // namespace
@@ -40,7 +40,7 @@ class FileReplacement : public ::testing::Test {
     ~FileReplacement() override { beforeSync = nullptr; }
 
   protected:
-    /// Expects a replacement of "old" to fail with a text and to leave nothing behind.
+    /// Expects a replacement of "old" to fail with the text `failure` and to leave no other file.
     void expectOldFileKept(const std::string &content, const char *failure) {
         write(file, "old");
         try {
@@ -85,7 +85,7 @@ TEST_F(FileReplacement, aDiskThatCannotSyncKeepsTheOldFile) {
 }
 
 TEST_F(FileReplacement, aFullDiskKeepsTheOldFile) {
-    // A limit on the size of files fails in the middle of the writing, as a full disk does.
+    // A file size limit fails in the middle of a write, as a full disk does.
     rlimit unlimited{};
     getrlimit(RLIMIT_FSIZE, &unlimited);
     const rlimit small{.rlim_cur = 10000, .rlim_max = unlimited.rlim_max};

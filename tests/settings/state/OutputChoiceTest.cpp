@@ -6,7 +6,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// The user's choice of output across sessions, of which each begins and ends like the window's.
+/// Output choice across sessions that start and end as those of the window do.
 class OutputChoiceTest : public AppStateTest {
   protected:
     void session() {
@@ -49,7 +49,7 @@ TEST_F(OutputChoiceTest, survivesSessionsInWhichItsDeviceIsAway) {
         quit();
         EXPECT_EQ(saved().outputDeviceUID, stand);
     }
-    launch(); // without a stand-in
+    launch(); // selects no stand-in
     quit();
     hardware.addDevice({.uid = "usb"});
     session();

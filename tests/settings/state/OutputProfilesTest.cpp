@@ -17,8 +17,7 @@ const OutputKey onHeadphones{.card = "pci", .route = "headphones"};
 const OutputKey onHDMI{.node = "hdmi"};
 const OutputKey anyOther;
 
-/// Profiles are told apart by the gain of their settings, over a tone of amplitude 0.25 that an
-/// application plays.
+/// Distinguishes profiles by their gain on an application's tone of amplitude 0.25.
 class OutputProfilesTest : public AppStateTest {
   protected:
     OutputProfilesTest() {
@@ -43,7 +42,7 @@ class OutputProfilesTest : public AppStateTest {
         hardware.setDefaultOutput(uid);
         state->deviceManager().refresh();
     }
-    /// What is plugged into the card of "speakers".
+    /// Sets the active route of the card of "speakers".
     void plug(const std::string &route) {
         hardware.setIdentity("speakers", {.card = "pci", .route = route});
     }
@@ -63,7 +62,7 @@ class OutputProfilesTest : public AppStateTest {
         const auto found = std::ranges::find(saved.profiles(), key, &OutputProfile::key);
         return found == saved.profiles().end() || !found->own ? NAN : found->own->presetGainDB;
     }
-    /// The largest sample that a device has played since it was asked last, in dB over the tone.
+    /// Peak that a device has played since the last call, in dB relative to the tone.
     [[nodiscard]] double loudest(const std::string &uid) {
         float peak = 1e-9F;
         for (const float sample : hardware.takeRecording(uid).left)
@@ -128,7 +127,7 @@ TEST_F(OutputProfilesTest, NoBlockIsPlayedWithAnotherOutputsSettings) {
     wait(0.5);
     (void)loudest("speakers");
 
-    // The old one vanishes: nothing of it is heard on the new one.
+    // A removed output's gain must not reach the next output.
     hardware.removeDevice("hdmi");
     wait(0.5);
     EXPECT_NEAR(loudest("speakers"), -6.0, 0.2);
@@ -146,7 +145,7 @@ TEST_F(OutputProfilesTest, AStartWaitsForTheRouteButNoLongerThanASecond) {
     plug("headphones");
     clock.runPending();
     EXPECT_TRUE(isRunning());
-    (void)loudest("speakers"); // the application itself
+    (void)loudest("speakers"); // drops the unprocessed sound
     wait(0.2);
     EXPECT_NEAR(loudest("speakers"), -20.0, 0.2);
 
@@ -187,7 +186,7 @@ TEST_F(OutputProfilesTest, AHundredJackFlipsKeepEveryChangeWhereItBelongs) {
         const float expected = (isPlugged ? -20.0F : -1.0F) - 0.0625F * ((flip - 1) / 2);
         ASSERT_EQ(liveGain(), expected) << flip;
         setLiveGain(expected - 0.0625F);
-        wait(flip % 7 == 0 ? 0.6 : 0.01); // before and after it is saved
+        wait(flip % 7 == 0 ? 0.6 : 0.01); // with and without a save
     }
     EXPECT_TRUE(isRunning());
     EXPECT_EQ(state->engine().upheavals().outputRestarts, 0) << "it plays on";
@@ -218,7 +217,7 @@ TEST_F(OutputProfilesTest, AnOutputThatIsLeftAloneEndsTheCaptureButNotTheWish) {
     EXPECT_FALSE(state->engine().isLeavingAlone());
     EXPECT_NEAR(soonHears("speakers"), -6.0, 0.2);
 
-    // Stop ends the wish, and the user's change of mind ends the leaving alone.
+    // Stopping cancels the start request; assigning another use resumes processing.
     hardware.setDefaultOutput("hdmi");
     wait(0.2);
     state->engine().stop();
@@ -231,7 +230,7 @@ TEST_F(OutputProfilesTest, AnOutputThatIsLeftAloneEndsTheCaptureButNotTheWish) {
     EXPECT_TRUE(isRunning());
     EXPECT_EQ(nameInUse(), "Flat");
 
-    // The sound server goes meanwhile, and the way back fails at first.
+    // The sound server disappears while the output is left alone; the first restart fails.
     state->assignProfile(onHDMI, "HDMI", Use::leaveAlone);
     EXPECT_TRUE(state->engine().isLeavingAlone());
     hardware.loseConnection(-EPIPE);
@@ -309,7 +308,7 @@ TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
     moveBand(3, 4.5F);
     EXPECT_EQ(nameInUse(), "Bass Heavy (modified)");
 
-    useOutput("speakers"); // at once, before anything is saved
+    useOutput("speakers"); // before any save
     EXPECT_EQ(liveGain(), -2.0F);
     EXPECT_EQ(state->engine().eq().bands().at(3).gainDB, 0.0F);
     wait(1.0);
@@ -331,7 +330,7 @@ TEST_F(OutputProfilesTest, ChangesBelongToTheProfileInUseAndNoneIsLost) {
     EXPECT_EQ(displayName(), "Bass Heavy") << "but for the gain";
     moveBand(3, 4.5F);
 
-    // Presets of the user's own: applied, then deleted.
+    // A user preset: applied, then deleted.
     state->savePreset("Mine");
     EXPECT_EQ(nameInUse(), "Mine");
     state->assignProfile(onSpeaker, "Speakers", Use::flat);

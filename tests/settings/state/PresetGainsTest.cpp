@@ -21,7 +21,7 @@ class PresetGainsTest : public AppStateTest {
 TEST_F(PresetGainsTest, comeWithTheirPresetLeaveWithItAndSurviveARestart) {
     setPresetGain(-6.2F);
     state->savePreset("Loud");
-    setPresetGain(-3.0F); // of what is heard, not of the preset
+    setPresetGain(-3.0F); // changes the live gain, not the preset
     state->applyPreset(preset("Flat"));
     EXPECT_EQ(presetGain(), 0.0F);
     setGain(-1.0F);

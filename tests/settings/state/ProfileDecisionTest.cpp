@@ -42,7 +42,7 @@ OutputIdentity bluetooth(const std::string &card, Bluetooth kind,
     return {.card = card, .node = node, .bluetooth = kind};
 }
 
-/// A profile in a situation; its label is what the table expects to be found.
+/// A profile whose label identifies it in the table.
 OutputProfile profile(const std::string &label, const OutputKey &key, Use use = Use::preset) {
     return {.key = key, .label = label, .use = use};
 }
@@ -86,7 +86,7 @@ const std::vector<OutputProfile> anyCard{profile("route", {.route = headphones})
 const OutputIdentity unknownHeadset{.node = "x", .bluetooth = Bluetooth::music, .isAwaited = true};
 
 const std::vector<Situation> situations{
-    // From the most specific key to the least.
+    // Most specific key first
     {"the route in use", full, output(pci, headphones), "headphones", ""},
     {"a third route of the card", full, output(pci, "hdmi-output-0"), "node", ""},
     {"a third route on another node", full, output(pci, "hdmi-output-0", "hdmi"), "card", ""},
@@ -96,7 +96,7 @@ const std::vector<Situation> situations{
     {"a card without routes", full, output(pci, "", "pro"), "card", ""},
     {"an output without any name", full, OutputIdentity{}, "any", ""},
 
-    // Nothing fits.
+    // No match
     {"no profiles", {}, output(pci, headphones), "", ""},
     {"no profiles, and a call", {}, bluetooth(headset, Bluetooth::call), "", ""},
     {"a profile for another route", lone, output(pci, speaker), "", ""},
@@ -116,11 +116,11 @@ const std::vector<Situation> situations{
     {"the kind is worth more than the node", byNode,
      bluetooth(headset, Bluetooth::music, "bluez_output.00_11.a2dp-sink"), "music", ""},
 
-    // Leave this output alone
+    // Outputs left alone
     {"the headphones", alone, output(pci, headphones), "headphones", "alone"},
     {"and every other output", alone, sink("null"), "any", "alone"},
 
-    // The route is not known yet.
+    // Route not known yet
     {"routes of the card have profiles", full, awaited(pci), "node", "awaited"},
     {"nothing else fits", lone, awaited(pci), "", "awaited"},
     {"it may be left alone", alone, awaited(pci), "any", "awaited"},
@@ -130,7 +130,7 @@ const std::vector<Situation> situations{
     {"only nodes have profiles", {profile("node", onNode("node"))}, awaited(pci), "node", ""},
     {"a Bluetooth card is not known", byNode, unknownHeadset, "", "awaited"},
 
-    // The file as people write it.
+    // Hand-written files
     {"of two equal keys the first", twice, output(pci, speaker), "first", ""},
     {"all names of a key must fit", byRouteAndNode, output(pci, speaker, "other"), "route", ""},
     {"and then it is worth the most", byRouteAndNode, output(pci, speaker), "both", ""},
@@ -142,7 +142,7 @@ TEST(ProfileDecisionTest, DecidesEverySituation) {
         const ProfileDecision decision = decideProfile(situation.profiles, situation.output);
         EXPECT_EQ(decision.profile == nullptr ? "" : decision.profile->label, situation.found)
             << situation.name;
-        // An awaited output may turn out to be left alone: no decision yet.
+        // An awaited output is undecided: its route may have a profile that leaves it alone.
         if (situation.state != "awaited") {
             EXPECT_EQ(decision.isLeftAlone, situation.state == "alone") << situation.name;
         }

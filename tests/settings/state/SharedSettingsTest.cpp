@@ -21,7 +21,7 @@ class SharedSettings : public AppStateTest {
     [[nodiscard]] std::unique_ptr<AppState> program() {
         return std::make_unique<AppState>(hardware, clock, file.string());
     }
-    /// As a synchronising tool or an editor changes the file.
+    /// Replaces the file, as a synchronising tool or an editor does.
     void writeGain(float gainDB) {
         Persisted record = saved();
         record.eqGlobalGainDB = gainDB;
@@ -36,8 +36,8 @@ class SharedSettings : public AppStateTest {
     }
 };
 
-/// Two programs and an importing command change different fields, and presets, of one file, with
-/// and without hearing of each other's changes. Nothing that anyone has set is lost.
+/// Two programs and an importing command change separate fields and presets of one file, with and
+/// without reading each other's changes. No change may get lost.
 TEST_F(SharedSettings, loseNothingInAnyStormOfWriters) {
     const auto seed = std::random_device{}();
     SCOPED_TRACE(::testing::Message() << "seed " << seed);
@@ -52,7 +52,7 @@ TEST_F(SharedSettings, loseNothingInAnyStormOfWriters) {
     std::set<std::string> names;
     int number = 0;
     for (int rest = 0; rest < 25; ++rest) {
-        const int swapped = upTo(2); // who changes what, until the next rest
+        const int swapped = upTo(2); // assigns the fields to the programs
         AppState &first = *programs[static_cast<std::size_t>(swapped)];
         AppState &second = *programs[static_cast<std::size_t>(1 - swapped)];
         for (int change = 0, count = 1 + upTo(12); change < count; ++change) {
@@ -89,7 +89,7 @@ TEST_F(SharedSettings, loseNothingInAnyStormOfWriters) {
                     names.erase(last.name);
                 }
                 break;
-            case 6: { // a command that knows the file of this moment
+            case 6: { // a command that reads the file under its lock
                 const SettingsFileLock lock(file);
                 SharedSettingsFile shared(file);
                 Persisted record = shared.readChange().value_or(untouched());
@@ -136,7 +136,7 @@ TEST_F(SharedSettings, anUnfinishedTextIsWaitedForAndAnUnreadableOneSetAside) {
     wait(0.9);
     Persisted theirs = untouched();
     theirs.eqGlobalGainDB = 4.0F;
-    write(file, encodeRecord(theirs)); // its writer has come to the end
+    write(file, encodeRecord(theirs)); // the complete text
     state->takeFileChanges();
     wait(2.0);
     EXPECT_EQ(gain(), 4.0F);
@@ -151,7 +151,7 @@ TEST_F(SharedSettings, anUnfinishedTextIsWaitedForAndAnUnreadableOneSetAside) {
                              otherFiles().front() + ". Starting fresh.");
     EXPECT_EQ(gain(), 4.0F);
 
-    // Found by a save, the warning stays until the next one.
+    // A warning raised by a save lasts until the next save.
     write(file, "broken again");
     saveGain(5.0F);
     EXPECT_THAT(warning(), HasSubstr("set aside"));
@@ -200,7 +200,7 @@ TEST_F(SharedSettings, areNoticedHoweverTheyAreWritten) {
     const auto take = [this] { state->takeFileChanges(); };
     const FileWatch watch(state->settingsPath(), clock, take);
     const FileWatch profilesWatch(state->profiles().path(), clock, take);
-    // The system tells of a change before the call that makes it returns.
+    // The kernel queues the notification before the changing call returns.
     const auto heard = [&] {
         QCoreApplication::processEvents();
         wait(0.3);

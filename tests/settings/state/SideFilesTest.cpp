@@ -1,4 +1,4 @@
-// The files beside the settings file. A contract first that all of them fulfil.
+// Side files of the settings file: the common contract first.
 
 #include "settings/records/SettingsFile.h"
 #include "settings/state/FavouritePresetsFile.h"
@@ -25,11 +25,10 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::UnorderedElementsAreArray;
 
-/// Entries of a file, by name: of a preset, an output or a program.
+/// Entries of a file by the name of their preset, output or program.
 using Names = std::vector<std::string>;
 const std::string a = Uuid::random().text(), b = Uuid::random().text(), c = Uuid::random().text();
 
-/// The results of `convert` for each element.
 auto each(const auto &list, auto convert) {
     std::vector<decltype(convert(*list.begin()))> results;
     std::ranges::transform(list, std::back_inserter(results), convert);
@@ -145,7 +144,7 @@ TYPED_TEST(SideFiles, KeepTheChangesOfTwoProgramsAndUnknownKeys) {
     Kind::write(other, {c});
     EXPECT_THAT(this->saved(), UnorderedElementsAreArray({a, b, c}));
     write(this->file, contentOf(this->file).replace(0, 1, R"({"later":[1.5,null],)"));
-    Kind::write(one, {b}); // without having seen c
+    Kind::write(one, {b}); // has not read c
     EXPECT_THAT(Kind::in(one), UnorderedElementsAreArray({b, c}));
     EXPECT_THAT(this->saved(), UnorderedElementsAreArray({b, c}));
     EXPECT_THAT(contentOf(this->file), HasSubstr(R"("later":[1.5,null])"));
@@ -190,7 +189,7 @@ TYPED_TEST(SideFiles, AreSetAsideIfDamagedAndLeftAsTheyAreIfOfALaterVersion) {
     EXPECT_EQ(contentOf(this->file), later);
 }
 
-// What only one of them has.
+// Behaviour of single files
 
 using FavouritesFile = SideFiles<Favourites>;
 TEST_F(FavouritesFile, KeepsTheirOrder) {

@@ -8,7 +8,7 @@
 
 namespace quorbel::testing {
 
-/// A folder that is there for the length of a test.
+/// Folder that exists during one test.
 class TemporaryFolder {
   public:
     TemporaryFolder() {
