@@ -90,7 +90,7 @@ soundserver::ChildProcess CliTest::start(const std::vector<std::string> &argumen
         words.insert(words.begin(), QUORBEL_CLI);
     std::filesystem::current_path(folder_);
     return {std::move(words),
-            {{"XDG_CONFIG_HOME", root_}, {"XDG_RUNTIME_DIR", root_}}}; // where no sound server is
+            {{"XDG_CONFIG_HOME", root_}, {"XDG_RUNTIME_DIR", root_}}}; // without a sound server
 }
 
 CliTest::Result CliTest::endOf(soundserver::ChildProcess &process) {

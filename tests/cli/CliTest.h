@@ -30,7 +30,7 @@ struct Sound {
 /// White noise between -0.5 and 0.5, the same at every call.
 Sound noise(std::size_t frames, int sampleRate = 48000, int channels = 2);
 
-/// Runs the built program in a folder of its own, away from the user's settings.
+/// Runs the built program in its own folder, isolated from the user's settings.
 class CliTest : public testing::Test {
   protected:
     struct Result {
@@ -53,27 +53,26 @@ class CliTest : public testing::Test {
     [[nodiscard]] static std::string bytes(const std::string &path);
     [[nodiscard]] static Sound sound(const std::string &path);
 
-    /// Names and contents of everything in the folder.
+    /// Contents of all files in the folder by name.
     [[nodiscard]] std::map<std::string, std::string> folderContents() const;
 
-    /// Runs the program to its end; after a minute it is killed and the test fails.
+    /// Runs the program to its end; kills it and fails the test after a minute.
     [[nodiscard]] Result run(const std::vector<std::string> &arguments) const;
 
     [[nodiscard]] soundserver::ChildProcess start(const std::vector<std::string> &arguments) const;
     [[nodiscard]] static Result endOf(soundserver::ChildProcess &process);
 
-    /// Expects failure with exactly one line that holds `part`, and everything in the folder as it
-    /// was.
+    /// Expects failure with exactly one line that contains `part`, and an unchanged folder.
     void expectRefusal(const std::vector<std::string> &arguments, const std::string &part) const;
 
-    /// Writes the user's own settings file.
+    /// Writes the user's settings file.
     void userSettings(const std::string &text) const;
     void userSettings(const Persisted &settings) const;
 
-    /// The gain in dB from in.wav to out.wav, over the frames from `first` to `last`.
+    /// Gain in dB from in.wav to out.wav over the frames from `first` to `last`.
     [[nodiscard]] double gain(std::size_t first, std::size_t last) const;
 
-    /// Settings that change nothing that can be heard, without the limiter's delay.
+    /// Settings without audible effect, with the limiter and its delay off.
     [[nodiscard]] static Persisted flatSettings();
 
   private:

@@ -21,7 +21,7 @@ TEST_F(ImportExport, WhatIsImportedIsHeardAndListedAndWrittenAgain) {
     EXPECT_THAT(import.output, HasSubstr("line 3: "));
     EXPECT_THAT(run({"presets"}).output, HasSubstr("Cans"));
 
-    // The user's settings are what `render` starts from.
+    // `render` starts from the user's settings.
     const std::string input48 = file("in.wav", noise(4800));
     ASSERT_EQ(run({"render", input48, path("out.wav")}).status, 0);
     EXPECT_NEAR(gain(0, 4800), -6.0, 0.4) << "the preamp";

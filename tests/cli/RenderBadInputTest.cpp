@@ -56,7 +56,7 @@ TEST_F(RenderBadInput, aCutFileIsNoticedInEveryFormatThatTellsItsLength) {
     }
 }
 
-// Programs that write into a pipe cannot know the length beforehand.
+// Programs that write to a pipe do not know the length in advance.
 TEST_F(RenderBadInput, aLengthLeftOpenIsNoCut) {
     std::string open = bytes(file("in.wav", noise(1000)));
     const auto data = open.find("data");
@@ -98,7 +98,7 @@ TEST_F(RenderBadInput, aFullDiskLeavesTheOldOutputAndNothingElse) {
 }
 
 TEST_F(RenderBadInput, anInterruptedRenderLeavesNothing) {
-    // Longer than any machine needs to see that it has begun; the samples take no room on the disk.
+    // A sparse file long enough that no machine finishes before the signal arrives.
     std::string header = bytes(file("in.wav", noise(0), SF_FORMAT_W64 | SF_FORMAT_PCM_16));
     constexpr std::uint64_t soundBytes = std::uint64_t{8} << 30U;
     const auto putLength = [&](std::size_t at, std::uint64_t length) {

@@ -34,11 +34,11 @@ TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefault
 }
 
 TEST_F(RenderSettings, changeAtTheFirstBlockBoundaryAtOrAfterTheTimeGiven) {
-    file("in.wav", noise(96000, 48000, 1)); // equal on both sides, so that flat is bit-exact
+    file("in.wav", noise(96000, 48000, 1)); // mono, so that flat is bit-exact
     file("flat.json", flatSettings());
     file("quiet.json", settingsWithGain(-12.0F));
     file("louder.json", settingsWithGain(6.0F));
-    // Given out of order; 0.7 s lies inside the block that begins at 33280.
+    // Times out of order; 0.7 s lies inside the block that begins at frame 33280.
     ASSERT_EQ(run({"render", "--settings", "flat.json", "--at", "1.5", "louder.json", "--at", "0.7",
                    "quiet.json", "in.wav", "out.wav"})
                   .status,

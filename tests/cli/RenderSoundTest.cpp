@@ -12,7 +12,7 @@ namespace {
 
 class RenderSound : public CliTest {
   protected:
-    /// Renders `in` and returns OUT; extra arguments come first.
+    /// Renders `in` with extra arguments and returns the output.
     [[nodiscard]] Sound rendered(const Sound &in, std::vector<std::string> arguments = {}) const {
         file("in.wav", in);
         arguments.insert(arguments.begin(), "render");
@@ -34,7 +34,7 @@ class RenderSound : public CliTest {
     }
 };
 
-// Its first parts are on the disk and out of the memory before its last ones are made.
+// Long enough that its first parts leave memory before its last parts are rendered.
 TEST_F(RenderSound, flatSettingsGiveALongSoundBack) {
     file("flat.json", flatSettings());
     const Sound mono = noise(3'000'001, 48000, 1);
@@ -48,8 +48,7 @@ TEST_F(RenderSound, flatSettingsGiveALongSoundBack) {
     }
 }
 
-// A converter that answers late or early by a fraction of a frame would be off by several percent
-// here.
+// A resampler delay error of a fraction of a frame would change samples by several percent.
 TEST_F(RenderSound, anyRateBecomesExactlyAsManyFramesAsItLastsEachInItsPlace) {
     file("flat.json", flatSettings());
     for (const int rate : {8000, 11025, 22050, 32000, 44100, 48000, 88200, 96000, 192000}) {
@@ -63,7 +62,7 @@ TEST_F(RenderSound, anyRateBecomesExactlyAsManyFramesAsItLastsEachInItsPlace) {
                 for (const double value :
                      {std::sin(radians(frame, rate)), std::cos(radians(frame, rate))})
                     in.samples.push_back(static_cast<float>(0.5 * value));
-            // By default the limiter is on, whose delay must not change the length.
+            // The limiter, on by default, must not change the length by its delay.
             const bool isPlaceJudged = frames > 4000;
             const Sound out =
                 isPlaceJudged ? rendered(in, {"--settings", "flat.json"}) : rendered(in);

@@ -5,7 +5,7 @@ namespace {
 
 class Usage : public CliTest {
   protected:
-    /// The lines that bash completes the last of these words to.
+    /// Bash's completions of the last word, one per line.
     [[nodiscard]] std::string completed(const std::vector<std::string> &words) const {
         std::vector<std::string> command{
             "/bin/bash",

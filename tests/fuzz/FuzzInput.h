@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-/// Called by the fuzzer with every input; the name is libFuzzer's.
+/// Entry point that libFuzzer calls with every input.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
 namespace quorbel {
@@ -15,7 +15,7 @@ inline std::string_view textOf(const std::uint8_t *data, std::size_t size) {
     return {reinterpret_cast<const char *>(data), size};
 }
 
-/// Ends the program where a promise does not hold, in builds without assertions too.
+/// Aborts the program if `condition` is false, also in builds without assertions.
 inline void mustHold(bool condition, const char *promise) {
     if (condition)
         return;

@@ -1,4 +1,4 @@
-// Runs a fuzzer's inputs without a fuzzer. Usage: ..._replay FOLDER
+// Replays a fuzzer's inputs without the fuzzer. Usage: ..._replay FOLDER
 
 #include "FuzzInput.h"
 
@@ -17,7 +17,7 @@ int main(int argumentCount, char **arguments) {
     std::sort(files.begin(), files.end());
     for (const auto &path : files) {
         std::printf("%s\n", path.filename().c_str());
-        std::fflush(stdout); // the last one is the one that fails
+        std::fflush(stdout); // the last name printed is the input that fails
         std::ifstream file(path, std::ios::binary);
         const std::vector<char> bytes((std::istreambuf_iterator<char>(file)), {});
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(bytes.data()), bytes.size());

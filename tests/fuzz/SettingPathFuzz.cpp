@@ -31,7 +31,7 @@ void check(std::string_view path, const SettingValue &value) {
     Persisted settings = before;
     try {
         const std::string written = setSettingAt(settings, path, value);
-        // What was taken reads back, is saved, and changes nothing more.
+        // An accepted value reads back, can be saved, and is idempotent.
         const SettingValue now = settingAt(settings, written);
         Persisted again = settings;
         (void)setSettingAt(again, written, now);
@@ -41,14 +41,14 @@ void check(std::string_view path, const SettingValue &value) {
         mustHold(settings == before, "a refused value changes nothing");
         checkLine(error.what());
     } catch (const EncodingError &error) {
-        checkLine(error.what()); // text that is not UTF-8, which no bus delivers
+        checkLine(error.what()); // invalid UTF-8, which no bus delivers
     }
 }
 
 } // namespace
 
-/// The first line is the path, the rest the value: as text, as a switch, as the number that its
-/// first bytes are.
+/// The first line is the path. The rest is the value: as text, as a switch, and its first bytes as
+/// a number.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const std::string_view input = textOf(data, size);
     const std::string_view path = input.substr(0, input.find('\n'));

@@ -12,7 +12,7 @@ void checkSettings(std::string_view json) {
     try {
         settings = decodeRecord<Persisted>(json);
     } catch (const DecodingError &) {
-        return; // the one way in which a text may fail
+        return; // the only error allowed
     }
     const std::string written = encodeRecord(settings);
     mustHold(decodeRecord<Persisted>(written) == settings, "settings read back");
@@ -28,7 +28,7 @@ void checkPreset(std::string_view json) {
         return;
     }
     Preset again = readPresetFile(writePresetFile(preset));
-    again.id = preset.id; // a new one at every reading
+    again.id = preset.id; // every read assigns a new id
     mustHold(again == preset, "a preset reads back");
 }
 
