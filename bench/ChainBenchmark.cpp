@@ -23,7 +23,7 @@ Stage wholeChain(const ChainSettings &settings, bool isComparable = false) {
     };
 }
 
-/// The whole chain as on a machine without AVX-512.
+/// The whole chain without AVX-512.
 Stage wholeChainOnAVX2() {
     auto target = std::make_shared<VectorTarget>(HWY_AVX2);
     return [target, stage = wholeChain(everythingOn())](
@@ -53,7 +53,7 @@ Stage tone() {
     return stageOf({tone, &tone->node()});
 }
 
-/// The clock never advances: nothing is analysed, and nothing depends on the analysis.
+/// One unit without its analyses: its clock never advances, and the adaptive modes are off.
 struct SingleUnit {
     SingleUnit(const EffectComponent &component, ChainUnit which)
         : node(component.make(component.description, 0, clockedSerialQueues(clock))) {
@@ -80,7 +80,7 @@ std::vector<StageBenchmark> units() {
     return result;
 }
 
-/// A limiter that always reduces, which it does only on loud sound.
+/// A limiter that always reduces: its default threshold acts on loud sound only.
 Stage busyLimiter() {
     for (const EffectComponent &component : effectComponents())
         if (component.description == limiterDescription) {

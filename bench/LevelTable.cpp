@@ -12,7 +12,7 @@
 namespace quorbel::bench {
 namespace {
 
-/// `change` acts on the chain before each hop.
+/// Calls `change` before each hop.
 template <typename Change>
 LevelTrace traceAfterChain(const LevelSound &sound, const Preset &preset, const Change &change) {
     WholeChain chain({.bands = preset.bands, .spatial = preset.spatial, .mixer = {}}, true);
@@ -26,7 +26,7 @@ LevelTrace traceAfterChain(const LevelSound &sound, const Preset &preset, const 
     return levelTraceOf(played);
 }
 
-/// Raises `trace` to the level that `reference` has at an index.
+/// Offsets `trace` to equal `reference` at `index`.
 LevelTrace atLevelOf(const LevelTrace &reference, LevelTrace trace, std::size_t index) {
     const double gainDB = reference[index] - trace[index];
     for (double &level : trace)
@@ -38,7 +38,7 @@ void printLevelTableOf(const LevelSound &sound, const std::vector<Preset> &prese
     std::vector<LevelTrace> steady;
     for (const Preset &preset : presets)
         steady.push_back(traceAfterChain(sound, preset, [](WholeChain &, std::size_t) {}));
-    const LevelTrace &unprocessed = steady.front(); // the first preset changes nothing
+    const LevelTrace &unprocessed = steady.front(); // the first preset is flat
     fmt::print("{}: excess in dB over the louder end, worst of {} switches per preset\n"
                "{:<34} {:>6} {:<34} {:>8} {:>6}\n",
                sound.name, presets.size(), "from", "excess", "to", "compare", "back");
@@ -60,7 +60,7 @@ void printLevelTableOf(const LevelSound &sound, const std::vector<Preset> &prese
                 worstTo = to;
             }
         }
-        // The other end is the unprocessed sound with the gain that Compare has settled at.
+        // The other end is the unprocessed sound at the settled gain of Compare.
         const auto compared = [&](std::size_t first, std::size_t end) {
             return traceAfterChain(sound, presets[from], [&](WholeChain &chain, std::size_t hop) {
                 if (hop == first || hop == end)

@@ -12,11 +12,11 @@
 namespace quorbel::bench {
 namespace {
 
-/// Windows below are passed over: nothing there is suddenly loud.
+/// Level in dB below which windows do not count: they contain no sudden loudness.
 constexpr double quietDB = -60.0;
 
-/// Noise of -3 dB per octave by the sum of first-order filters of P. Kellet, its channels half
-/// correlated, at about -20 dB full scale.
+/// Pink noise at about -20 dBFS from P. Kellet's sum of first-order filters (-3 dB per octave),
+/// with half-correlated channels.
 LevelSound pinkNoise() {
     std::mt19937 random(1);
     const auto channel = [&] {

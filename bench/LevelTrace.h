@@ -8,9 +8,9 @@
 namespace quorbel::bench {
 
 inline constexpr std::uint32_t hopFrames = 480; // 10 ms at 48 kHz
-inline constexpr std::size_t switchHop = 150;   // the change comes before it
+inline constexpr std::size_t switchHop = 150;   // the switch precedes it
 inline constexpr std::size_t hopCount = 350;
-inline constexpr std::size_t windowHops = 10; // of a level
+inline constexpr std::size_t windowHops = 10; // averaged per level
 
 /// A stereo sound at 48 kHz.
 struct LevelSound {
@@ -27,8 +27,8 @@ struct LevelSound {
 using LevelTrace = std::vector<double>;
 [[nodiscard]] LevelTrace levelTraceOf(const LevelSound &sound);
 
-/// By how much `switched` exceeds the louder of the two ends at the worst moment after the switch,
-/// in dB. Quiet moments (below -60 dB) are passed over.
+/// Largest excess in dB of `switched` over the louder end after the switch. Skips levels below -60
+/// dB.
 [[nodiscard]] double excessDB(const LevelTrace &switched, const LevelTrace &one,
                               const LevelTrace &other);
 

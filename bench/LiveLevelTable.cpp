@@ -27,9 +27,9 @@ constexpr const char *speakers = "speakers";
 constexpr const char *headset = "headset";
 constexpr const char *otherRoute = "headphones";
 
-/// The engine with the meters of the window on two devices, on whose default an application plays.
-/// Each output has a preset as its profile: the speakers the first one, their other route and the
-/// headset the second one.
+/// The engine with the window's meters and two devices; an application plays on the default one.
+/// The speakers have the first preset as their profile; their other route and the headset have the
+/// second.
 class LiveMachine final : private OutputRule {
   public:
     LiveMachine(const LevelSound &sound, const Preset &first, const Preset &second)
@@ -62,12 +62,12 @@ class LiveMachine final : private OutputRule {
     void connectHeadset() { hardware_.setDefaultOutput(headset); }
     void plugIntoOtherRoute() { hardware_.setIdentity(speakers, {.route = otherRoute}); }
 
-    /// The levels at both devices, by the position in the application's sound.
+    /// Levels at both devices by position in the application's sound.
     struct Traces {
         LevelTrace speakers;
         LevelTrace headset;
     };
-    /// `change` acts before the hop of the switch.
+    /// Calls `change` before hop `switchHop`.
     Traces run(const std::function<void(LiveMachine &)> &change) {
         LevelSound first;
         LevelSound second;
@@ -77,7 +77,7 @@ class LiveMachine final : private OutputRule {
             clock_.advance(static_cast<double>(hopFrames) / 48000.0);
             append(hardware_.takeRecording(speakers), first);
             append(hardware_.takeRecording(headset), second);
-            // A device without cycles is silent.
+            // Pads the device without cycles with silence.
             const std::size_t frames = std::max(first.left.size(), second.left.size());
             for (LevelSound *played : {&first, &second}) {
                 played->left.resize(frames);

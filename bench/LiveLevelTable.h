@@ -2,9 +2,9 @@
 
 namespace quorbel::bench {
 
-/// Starts and stops the engine on a machine in memory, and switches the output and its profile, for
-/// every factory preset on pink noise and on music. Prints by how many dB the level of 100 ms at a
-/// device exceeds the louder of the two ends, as `printLevelTable` does.
+/// Starts and stops the engine on simulated hardware and switches the output and its profile, for
+/// every factory preset on pink noise and music. Prints the excess in dB of the 100 ms level at a
+/// device over the louder end, as `printLevelTable` does.
 void printLiveLevelTable();
 
 } // namespace quorbel::bench

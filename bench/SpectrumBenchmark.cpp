@@ -11,7 +11,7 @@
 namespace quorbel::bench {
 namespace {
 
-/// One analysis, as the main thread does thirty a second.
+/// One analysis; the main thread runs 30 per second.
 void spectrumTick(benchmark::State &state) {
     constexpr StreamFormat format{48000.0, 2};
     SourceNode source(format, [](const AudioBufferList &buffers, std::uint32_t frames) {

@@ -13,13 +13,13 @@ namespace {
 
 constexpr StreamFormat format{48000.0, 2};
 
-/// Other work of the machine only adds time.
+/// The fastest run: interference from other processes only adds time.
 double least(const std::vector<double> &values) { return std::ranges::min(values); }
 
-/// Periodic noise with most of its power between 300 and 4000 Hz: the chain takes it for a voice,
-/// which activates the voice stage.
+/// Periodic noise with most of its power between 300 and 4000 Hz: the chain detects a voice and
+/// activates the voice stage.
 std::vector<float> voiceLikeNoise(std::uint32_t frames) {
-    constexpr std::uint32_t width = 8; // the first zero of its mean is at 6 kHz
+    constexpr std::uint32_t width = 8; // moving average with its first zero at 6 kHz
     std::mt19937 random(1);
     std::uniform_real_distribution<float> uniform(-0.5F, 0.5F);
     std::vector<float> white(2 * std::size_t{frames});

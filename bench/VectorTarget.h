@@ -8,10 +8,10 @@
 
 namespace quorbel::bench {
 
-/// While it lives, kernels run on one vector target instead of the machine's best.
+/// Restricts kernels to one vector target instead of the best during its lifetime.
 class VectorTarget {
   public:
-    /// Whether the machine has one of Highway's targets.
+    /// Returns whether the machine and this build support a Highway target.
     [[nodiscard]] static bool isThere(std::int64_t target) {
         return (hwy::SupportedTargets() & target) != 0 && (HWY_TARGETS & target) != 0;
     }
@@ -22,7 +22,7 @@ class VectorTarget {
     VectorTarget &operator=(const VectorTarget &) = delete;
 
   private:
-    /// 0 selects the best.
+    /// Selects a target; 0 selects the best.
     static void use(std::int64_t target) {
         hwy::SetSupportedTargetsForTest(target);
         hwy::GetChosenTarget().Update(hwy::SupportedTargets());

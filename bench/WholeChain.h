@@ -13,18 +13,18 @@
 
 namespace quorbel::bench {
 
-/// The whole chain as the device's render thread runs it. The analyses, which run on threads of
-/// their own there, run in `passTime` here.
+/// The whole chain as a device's render thread runs it. The analyses run in `passTime` instead of
+/// on their own threads.
 class WholeChain {
   public:
-    /// `isComparable`: with the meters that the window needs. Throws std::runtime_error if the
-    /// chain does not start.
+    /// `isComparable` adds the window's meters. Throws std::runtime_error if the chain does not
+    /// start.
     explicit WholeChain(const ChainSettings &settings, bool isComparable = false);
 
-    /// Processes a block in place; at most `maximumBlockFrames`.
+    /// Processes a block of at most `maximumBlockFrames` in place.
     void process(float *left, float *right, std::uint32_t frames) noexcept;
 
-    /// Sets the equaliser's bands, to which it glides.
+    /// Starts a glide to these bands.
     void setBands(const std::vector<EQBand> &bands);
     /// Sets bands and spatial settings together, as a preset does.
     void applyPreset(const Preset &preset);

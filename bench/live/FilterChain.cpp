@@ -21,8 +21,8 @@ const char *labelOf(EQBand::FilterType type) {
     }
 }
 
-// The graph has one channel and is run for each of the two. The real-time module falls back to
-// ordinary priority where the user has no right to more.
+// The one-channel graph runs once per channel. The real-time module falls back to normal priority
+// if the user lacks the permission.
 constexpr const char *configuration = R"(context.spa-libs = {{
     audio.convert.* = audioconvert/libspa-audioconvert
     support.*       = support/libspa-support

@@ -7,13 +7,12 @@
 
 namespace quorbel::bench {
 
-/// Name of the filter chain's sink, on which applications play.
+/// Name of the filter chain's sink for applications.
 inline constexpr const char *filterChainSink = "bench-filter-chain";
 
-/// Configuration for `pipewire -c`: PipeWire's own filter chain with one built-in biquad per
-/// channel for each band, as a client that plays into `device`. Valid for PipeWire 0.3.65 and
-/// later. Without bands the chain copies. Throws std::invalid_argument for a band that is a low
-/// pass or a high pass.
+/// Configuration for `pipewire -c` (0.3.65 or later): PipeWire's filter chain as a client that
+/// plays to `device`, with one built-in biquad per channel and band. The chain copies if `bands` is
+/// empty. Throws std::invalid_argument for a low-pass or high-pass band.
 [[nodiscard]] std::string filterChainConfiguration(const std::vector<EQBand> &bands,
                                                    const std::string &device);
 

@@ -14,13 +14,12 @@ namespace {
 
 using namespace soundserver;
 
-// Undisturbed, both processors come within 0.02 dB of the expected levels; an interruption moves
-// the adaptive stages by some tenths for seconds. Without the spatial settings the levels are 0.45
-// dB off, unprocessed sound by 2.1 dB.
+// Deviation from the expected levels: 0.02 dB undisturbed, some tenths of a dB for seconds after an
+// interruption, 0.45 dB without the spatial settings, 2.1 dB unprocessed.
 constexpr double toleranceDB = 0.4;
 constexpr double settlingSeconds = 60.0;
 
-/// Short windows: on a busy machine some contain an interruption.
+/// Uses short windows: on a busy machine long ones often contain an interruption.
 void waitUntilHeard(const Recorder &recorder, const Processor &processor, ChildProcess &process,
                     std::size_t quantum) {
     constexpr double windowSeconds = 0.1;
@@ -29,7 +28,7 @@ void waitUntilHeard(const Recorder &recorder, const Processor &processor, ChildP
     const bool settled = comesTrue(settlingSeconds, [&] {
         const Recording sound = recorder.next(windowSeconds);
         heard = levelsOf(sound);
-        heardQuantum = sound.segments[1].frames; // the first one may be cut
+        heardQuantum = sound.segments[1].frames; // the first segment may be cut
         return !process.running() || (heardQuantum == quantum &&
                                       std::abs(heard[0] - processor.expected[0]) < toleranceDB &&
                                       std::abs(heard[1] - processor.expected[1]) < toleranceDB);

@@ -10,16 +10,16 @@ namespace quorbel::bench {
 
 /// Load of a running processor, without its helper processes.
 struct LiveLoad {
-    /// Device of all measurements, the server's default.
+    /// Measured device, the server's default.
     static constexpr const char *device = "speakers";
 
-    double share = 0.0;            ///< of one core, all threads
-    double wakeUpsPerSecond = 0.0; ///< voluntary context switches, all threads
-    double wakeUpsPerCycle = 0.0;  ///< of the thread that was woken most often
+    double share = 0.0;            ///< of one core, over all threads
+    double wakeUpsPerSecond = 0.0; ///< voluntary context switches of all threads
+    double wakeUpsPerCycle = 0.0;  ///< of the thread with the most wake-ups
     std::size_t interruptions = 0; ///< of the device's sound
 };
 
-/// Wake-ups per second of a processor that runs while nothing plays, once it has come to rest.
+/// Wake-ups per second of a running processor while nothing plays, after it has settled.
 [[nodiscard]] double measureIdleWakeUps(const soundserver::PrivateSoundServer &server,
                                         const Processor &processor);
 

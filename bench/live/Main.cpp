@@ -1,5 +1,5 @@
-// The load of live processing beside that of PipeWire's own filter chain: the same sound, device
-// and quantum, in turns on a private sound server.
+// Compares the load of live processing with that of PipeWire's filter chain, in turns on a private
+// sound server with the same sound, device and quantum.
 
 #include "live/LiveLoad.h"
 #include "live/Processor.h"
@@ -30,7 +30,7 @@ Load average at the start: {:.2f}.
 quantum  Ostrafine  filter chain  ratio  copying  wake-ups: Ostrafine  per cycle  filter chain  interruptions: Ostrafine  filter chain
 )";
 
-/// Other work of the machine only adds to a run.
+/// Takes the minimum of each load: interference from other processes only adds to it.
 LiveLoad leastOf(const LiveLoad &one, const LiveLoad &other) {
     return {std::min(one.share, other.share),
             std::min(one.wakeUpsPerSecond, other.wakeUpsPerSecond),

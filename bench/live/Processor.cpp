@@ -13,8 +13,8 @@
 namespace quorbel::bench {
 namespace {
 
-/// Levels of a `SteadySound` after the settings, rendered without a sound server until auto gain
-/// and the adaptive stages have settled.
+/// Levels of a `SteadySound` after processing, rendered offline until auto gain and the adaptive
+/// stages have settled.
 SteadyLevels renderedLevels(const ChainSettings &settings) {
     constexpr std::uint32_t blockFrames = 480;
     constexpr int blocks = 3000; // 30 s
@@ -71,7 +71,7 @@ Processor filterChain(const std::filesystem::path &folder, const std::string &de
         band.q = q;
         band.gainDB = gainDB;
     };
-    // Frequency and Q as in effects/ToneEqualizer.
+    // Same frequency and Q as effects/ToneEqualizer.
     add(EQBand::FilterType::lowShelf, 100.0F, 0.707F, settings.spatial.toneBassDB);
     add(EQBand::FilterType::parametric, 1000.0F, 0.7F, settings.spatial.toneMidDB);
     add(EQBand::FilterType::highShelf, 5000.0F, 0.707F, settings.spatial.toneTrebleDB);

@@ -20,12 +20,12 @@ struct Processor {
 /// if that fails.
 [[nodiscard]] Processor ostrafine(const std::filesystem::path &folder);
 
-/// PipeWire's own filter chain in front of `device`, with the equaliser and the tone controls of
-/// the same settings. Writes its configuration into `folder`; throws `ServerError` if that fails.
+/// PipeWire's filter chain before `device` with the equaliser and tone controls of the same
+/// settings. Writes its configuration into `folder`; throws `ServerError` if that fails.
 [[nodiscard]] Processor filterChain(const std::filesystem::path &folder, const std::string &device);
 
-/// PipeWire's own filter chain in front of `device` with nothing in it: what a processor costs that
-/// does not process.
+/// PipeWire's filter chain before `device` without filters: the cost of a processor that only
+/// copies.
 [[nodiscard]] Processor copyingChain(const std::filesystem::path &folder,
                                      const std::string &device);
 

@@ -8,8 +8,8 @@
 
 namespace quorbel::bench {
 
-/// A sine of 1 kHz on the left and one of 2 kHz on the right, at -12 dBFS. At 48 kHz every frame
-/// equals the frame one period earlier, also after processing that has settled and distorts.
+/// Sines of 1 kHz (left) and 2 kHz (right) at -12 dBFS. At 48 kHz every frame equals the frame one
+/// period earlier, also after settled, distorting processing.
 class SteadySound : public soundserver::Sound {
   public:
     static constexpr std::array<double, 2> hz = {1000.0, 2000.0};
@@ -27,13 +27,13 @@ class SteadySound : public soundserver::Sound {
     soundserver::Tone right_{hz[1], levelDB, 48000.0};
 };
 
-/// Levels in dB of the left and the right sine, 0 dB being amplitude 1.
+/// Levels of the left and the right sine in dB relative to amplitude 1.
 using SteadyLevels = std::array<double, 2>;
 
 [[nodiscard]] SteadyLevels levelsOf(const soundserver::Recording &recording);
 
-/// Interruptions of the left sine: deviations from the period before. Deviations less than a
-/// `quantum` (in frames) apart count once; frames that the recorder itself missed do not count.
+/// Number of interruptions: deviations of the left sine from the previous period. Counts those less
+/// than `quantum` frames apart once, and ignores frames that the recorder missed.
 [[nodiscard]] std::size_t interruptions(const soundserver::Recording &recording,
                                         std::size_t quantum);
 
