@@ -27,8 +27,8 @@ struct LevelSound {
 using LevelTrace = std::vector<double>;
 [[nodiscard]] LevelTrace levelTraceOf(const LevelSound &sound);
 
-/// Largest excess in dB of `switched` over the louder end after the switch. Skips levels below -60
-/// dB.
+/// Largest excess in dB of `switched` over the louder end after the switch. Skips levels below
+/// -60 dB.
 [[nodiscard]] double excessDB(const LevelTrace &switched, const LevelTrace &one,
                               const LevelTrace &other);
 

@@ -1,4 +1,4 @@
-# The Debian package that scripts/package makes: `ostrafine`, with its debug symbols in a package beside it.
+# The Debian package `ostrafine` and its package of debug symbols, built by scripts/package.
 set(CPACK_PACKAGE_NAME ostrafine)
 set(CPACK_PACKAGE_VENDOR Ostrafine)
 set(CPACK_PACKAGE_CONTACT "Ostrafine developers <developers@quorbel.com>")
@@ -14,7 +14,7 @@ limiter.
 It works on PipeWire, installs no driver and changes no sound settings: when it
 stops, normal sound is back by itself. The package holds the window (ostrafine)
 and the program for terminals and scripts (ostrafine-cli).")
-set(CPACK_STRIP_FILES OFF) # dpkg's tools put the symbols into the package beside it
+set(CPACK_STRIP_FILES OFF) # dpkg's tools move the symbols into their own package
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -25,14 +25,14 @@ set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
-# Libraries are found by what the programs link; QML modules and the sound server are only met at run time.
-# scripts/check-qml-imports compares the modules with what the window imports.
+# Run-time-only dependencies; dpkg-shlibdeps detects the linked libraries.
+# scripts/check-qml-imports compares the QML modules with the window's imports.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
     "pipewire (>= 0.3.65), wireplumber, qml6-module-qtqml, qml6-module-qtqml-models, \
 qml6-module-qtqml-workerscript, qml6-module-qtquick, qml6-module-qtquick-layouts, qml6-module-qtquick-templates")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "pipewire-pulse, qt6-wayland, rtkit, libglib2.0-bin")
 
-# The documents that every Debian package has; CompressDocuments.cmake adds the compressed ones.
+# Mandatory documents of a Debian package; CompressDocuments.cmake adds the compressed ones.
 install(FILES ${PROJECT_SOURCE_DIR}/data/debian/copyright DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/ostrafine)
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/CompressDocuments.cmake)
 set(CPACK_QUORBEL_CHANGELOG ${PROJECT_SOURCE_DIR}/data/debian/changelog)

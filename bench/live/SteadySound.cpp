@@ -18,7 +18,7 @@ std::size_t interruptions(const soundserver::Recording &recording, std::size_t q
     const float threshold = 0.05F * soundserver::peak(recording.left);
     const std::vector<std::size_t> gaps = recording.framesAfterGaps();
     std::size_t count = 0;
-    std::size_t end = 0; // end of the last interruption
+    std::size_t end = 0; // of the last interruption
     for (std::size_t frame = SteadySound::period; frame < recording.frames(); ++frame) {
         const std::size_t before = frame - SteadySound::period;
         const auto gap = std::ranges::upper_bound(gaps, before);
