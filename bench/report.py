@@ -31,7 +31,7 @@ SETTINGS = {
 
 
 def write_noise(path, seconds):
-    """A stereo WAV file of 32-bit floats: noise whose level falls and rises every second."""
+    """Writes a stereo WAV file of 32-bit floats: noise that fades out once per second."""
     source = random.Random(1)
     second = array.array("f", (source.uniform(-0.5, 0.5) * (1 - (i // 2) / RATE)
                                for i in range(2 * RATE))).tobytes()
@@ -45,7 +45,7 @@ def write_noise(path, seconds):
 
 
 def run(command):
-    """Wall seconds, user seconds and peak memory in KiB of one run."""
+    """Returns wall seconds, user seconds and peak memory in KiB of one run."""
     start = time.monotonic()
     process = os.posix_spawn(command[0], command, os.environ)
     _, status, usage = os.wait4(process, 0)
@@ -55,7 +55,7 @@ def run(command):
 
 
 def render(cli, folder, seconds, runs):
-    """The best of several runs, each figure by itself."""
+    """Returns the minimum over several runs of each figure of `run`."""
     files = [os.path.join(folder, name) for name in ("in.wav", "out.wav", "settings.json")]
     write_noise(files[0], seconds)
     with open(files[2], "w", encoding="utf-8") as file:
