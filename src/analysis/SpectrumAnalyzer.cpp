@@ -1,6 +1,6 @@
 #include "analysis/SpectrumAnalyzer.h"
 
-#include "platform/dsp/HannWindow.h"
+#include "platform/dsp/RealFFT.h"
 #include "platform/threads/SampleRing.h"
 
 #include <span>

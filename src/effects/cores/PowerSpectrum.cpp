@@ -1,6 +1,6 @@
 #include "effects/cores/PowerSpectrum.h"
 
-#include "platform/dsp/HannWindow.h"
+#include "platform/dsp/RealFFT.h"
 
 namespace quorbel {
 

@@ -12,6 +12,17 @@
 #include <stdexcept>
 
 namespace quorbel {
+
+std::vector<float> normalisedHannWindow(std::size_t points) {
+    std::vector<float> window(points);
+    for (std::size_t n = 0; n < points; ++n) {
+        const double phase =
+            2.0 * std::numbers::pi * static_cast<double>(n) / static_cast<double>(points);
+        window[n] = static_cast<float>(0.8165 * (1.0 - std::cos(phase)));
+    }
+    return window;
+}
+
 namespace {
 
 /// Guards FFTW's planner: only one thread at a time may create or destroy plans.

@@ -4,8 +4,13 @@
 
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 namespace quorbel {
+
+/// The periodic Hann window of `points` points, normalised so that windowed noise keeps its power:
+/// 0.8165 · (1 - cos(2πn/N)), 0.8165 being √(2/3).
+[[nodiscard]] std::vector<float> normalisedHannWindow(std::size_t points);
 
 /// The forward FFT of real samples, with a fixed number of points.
 ///
