@@ -22,14 +22,14 @@ namespace {
 
 using std::numbers::pi;
 
-/// The centre of the loudest band.
+/// Centre frequency of the loudest band.
 float loudestHz(const SpectrumAnalyzer &analyzer) {
     const auto loudest = std::ranges::max_element(analyzer.bands());
     return SpectrumAnalyzer::bandFrequency(
         static_cast<std::size_t>(loudest - analyzer.bands().begin()));
 }
 
-/// A graph that plays what it is told, rendered by hand, with an analyzer on a clock of its own.
+/// An analyzer with its own clock on a graph that the test renders block by block.
 class SpectrumAnalyzerTest : public ::testing::Test {
   protected:
     using Signal = std::function<float(std::size_t frame)>;

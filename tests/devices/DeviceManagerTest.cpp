@@ -65,7 +65,7 @@ TEST_F(DeviceManagerTest, DefaultOutputIsTheSystemsIfItIsListed) {
     EXPECT_EQ(manager.defaultOutput()->uid, "hdmi");
     EXPECT_EQ(manager.currentDefaultOutputUID(), "hdmi");
 
-    // Known to the system, but it came after the list was made.
+    // The system knows this device, but the list predates it.
     hardware.addDevice({.uid = "late"});
     hardware.setDefaultOutput("late");
     EXPECT_EQ(manager.defaultOutput()->uid, "speakers");

@@ -16,13 +16,13 @@
 
 namespace quorbel {
 
-/// re² + im² of bin `k` of the last 4096 of `samples`, straight from the definition: twice the
-/// Fourier sum of the samples under the window 0.8165·(1 − cos(2πn/N)).
+/// Returns re² + im² of bin `k` over the last 4096 of `samples`, by definition: twice the Fourier
+/// sum under the window 0.8165·(1 − cos(2πn/N)).
 inline double naivePower(const std::vector<double> &samples, std::size_t k) {
     constexpr std::size_t points = 4096;
     const std::size_t begin = samples.size() - points;
     const double step = 2.0 * std::numbers::pi / points;
-    // The turning factor is multiplied up; over 4096 steps that costs 1e-12.
+    // Repeated multiplication of the rotation factor costs 1e-12 over 4096 steps.
     std::complex<double> factor = 1.0;
     const std::complex<double> turn = std::polar(1.0, -step * static_cast<double>(k));
     std::complex<double> sum = 0.0;
@@ -32,7 +32,7 @@ inline double naivePower(const std::vector<double> &samples, std::size_t k) {
     return std::norm(2.0 * sum);
 }
 
-/// A unit that analyses what it hears 0.1 s after its allocation and every 0.05 s from then on.
+/// A unit that analyses its input 0.1 s after its allocation and then every 0.05 s.
 template <typename Unit, const ComponentDescription &description>
 class AnalysingUnitTest : public ::testing::Test {
   protected:
@@ -44,7 +44,7 @@ class AnalysingUnitTest : public ::testing::Test {
     static float readout(UnitHarness &unit) {
         return dynamic_cast<EffectUnit &>(unit.unit()).readout();
     }
-    /// Plays in blocks and lets their time pass, as file rendering does.
+    /// Plays in blocks and advances the clock by their duration, as file rendering does.
     Stereo playInTime(UnitHarness &unit, Stereo sound, std::size_t blockFrames = 480) {
         return inBlocks(std::move(sound), blockFrames,
                         [&](float *left, float *right, std::uint32_t frames) {
@@ -53,8 +53,8 @@ class AnalysingUnitTest : public ::testing::Test {
                             clock.advance(frames / 48'000.0);
                         });
     }
-    /// Plays music for `frames`, whole blocks, and compares the read-out after each block with what
-    /// `estimate` has made of the mono sound before it at each analysis. Returns their number.
+    /// Plays `frames` of music in whole blocks and compares each read-out with `estimate` of the
+    /// mono sound before each analysis. Returns the number of analyses.
     template <typename Estimate>
     int followSchedule(std::size_t blockFrames, std::size_t frames, double tolerance,
                        const Estimate &estimate) {

@@ -18,8 +18,8 @@ class AutoGainModel final : public UnitModel {
         const double m = s.at(AutoGainUnit::manualEnabled) >= 0.5F
                              ? std::pow(10.0, double{s.at(AutoGainUnit::manual)} / 20.0)
                              : 1.0;
-        // The coefficients are 32-bit numbers: one minus a smoothing of 3 s has but 7 bits of its
-        // own.
+        // Coefficients have 32 bits: one minus a 3 s smoothing coefficient keeps only 7 significant
+        // bits.
         const auto keep = [this](float seconds) {
             return double{std::exp(-1.0F / (seconds * sampleRate_))};
         };
@@ -56,8 +56,8 @@ TEST(AutoGainTest, MatchesTheModel) {
                                          settings(-16, 1, 6, 1),   settings(-30, 1, 6, 1),
                                          settings(-30, 0, -12, 1), settings(-6, 0, 0, 1),
                                          settings(-6, 1, 0, 0)};
-    // Every step of a smoother over seconds is rounded at the size of the gain itself, thousands of
-    // times in the same direction, until the steps round to nothing 0.6 % before the target.
+    // A slow smoother's steps round in the same direction thousands of times and reach zero 0.6 %
+    // before the target.
     expectMatchesModel<AutoGainUnit, AutoGainModel>({48'000.0}, schedule, 1e-3);
 }
 

@@ -8,14 +8,14 @@
 namespace quorbel {
 namespace {
 
-/// Keeps the whole history of the input instead of a ring.
+/// Keeps the full input history instead of a ring.
 class CrossfeedModel final : public UnitModel {
   public:
     explicit CrossfeedModel(float sampleRate)
         : UnitModel(sampleRate), delay_(static_cast<std::size_t>(
                                      std::max(1.0, std::round(double{sampleRate} * 0.00033)))) {
         if (delay_ == 32)
-            delay_ = 0; // the line of 32 reads what it has just written
+            delay_ = 0; // the 32-frame line reads the sample just written
         const float w = 4398.2295F / sampleRate;
         const float alpha = std::sin(w) / 1.414F;
         const float a0 = 1.0F + alpha;

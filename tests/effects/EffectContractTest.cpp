@@ -1,4 +1,4 @@
-// The promises that all effect units of the chain share.
+// Contract of all effect units of the chain.
 
 #include "effects/EffectComponents.h"
 #include "effects/UnitHarness.h"
@@ -24,13 +24,13 @@ namespace {
 using testing::RealtimeGuard;
 using testing::RealtimeViolations;
 
-/// Declarations of a unit where units may differ.
+/// Declared differences between units.
 struct EffectTraits {
-    /// Parameter values at which it changes nothing.
+    /// Parameter values at which the unit is transparent.
     std::map<ParameterAddress, float> neutral{};
-    /// Largest rounding error then, of full scale; 0: equal bit by bit.
+    /// Largest rounding error at these values, relative to full scale; 0: bit-exact.
     double neutralRounding = 0.0;
-    /// Whether one channel's sound may reach the other at other settings.
+    /// True if one channel may leak into the other at other settings.
     bool mixesChannels = false;
 };
 
@@ -65,8 +65,8 @@ struct EffectContractTest : ::testing::TestWithParam<EffectComponent> {
             harness.set(address, value);
     }
 
-    /// Calls `work` once for every parameter at its smallest, its largest and its default value,
-    /// and for all of them at once at either end.
+    /// Calls `work` with each parameter at its minimum, maximum and default, then with all at
+    /// either end.
     template <typename Work> void atExtremes(const Work &work) {
         const auto parameterCount = make()->parameterTree()->allParameters().size();
         for (std::size_t which = 0; which <= parameterCount; ++which) {
@@ -114,7 +114,7 @@ TEST_P(EffectContractTest, ItsParametersAndRenderBlockMayOutliveIt) {
 }
 
 TEST_P(EffectContractTest, AFailedPullIsReturnedAndLeavesNoTrace) {
-    // Two units hear the same, but one of them has a failing pull in between.
+    // Two units get the same input, but one has a failing pull in between.
     UnitHarness disturbed(make());
     UnitHarness undisturbed(make());
     ASSERT_EQ(disturbed.allocate(), statusOK);
@@ -243,7 +243,7 @@ TEST_P(EffectContractTest, AllocatedAgainItIsAsNew) {
         for (std::size_t i = 0; i < settings.size(); ++i)
             fresh.set(i, settings[i]->value());
         ASSERT_EQ(fresh.allocate(), statusOK);
-        // One block each, so that cells which ramp from block to block stand alike.
+        // Renders one block each, so that block-to-block ramps have the same state.
         fresh.play(Stereo(64));
         ASSERT_EQ(fresh.allocate(), statusOK);
 

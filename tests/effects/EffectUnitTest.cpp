@@ -35,7 +35,7 @@ TEST(EffectUnitTest, AFailedAllocationLeavesAStageThatIsPassedOver) {
     EXPECT_EQ(harness.play(untouched), untouched);
 }
 
-/// The neighbours that one pass renders, in the chain's order.
+/// Adjacent units that share one pass, in the chain's order.
 struct Enhancers {
     ManualClock clock;
     UnitHarness bass{
@@ -54,7 +54,7 @@ struct Enhancers {
         voice.set(VoiceEnhancerUnit::adaptive, 1.0F);
     }
 
-    /// Another setting in every block; the voice enhancer rests in some.
+    /// Changes the settings in every block; the voice enhancer idles in some.
     void set(std::uint32_t block) {
         voice.set(VoiceEnhancerUnit::amount, block % 5 == 0 ? 0.0F : 80.0F);
         widener.set(MSWidenerUnit::width, block % 3 == 0 ? 40.0F : 130.0F);
@@ -93,7 +93,7 @@ TEST(EffectUnitTest, NeighboursInOnePassSoundAndMeasureAsOneByOne) {
     EXPECT_GT(joined.readout(joined.voice), 0.0F) << "the analysis has heard something";
 }
 
-// A unit that rests leaves the pass, and the other one is as it is alone.
+// An idle unit leaves the pass; the other then sounds as it does alone.
 TEST(EffectUnitTest, CrossfeedAndAutoGainInOnePassSoundAsOneByOne) {
     struct Pair {
         UnitHarness crossfeed{std::make_unique<CrossfeedUnit>(crossfeedDescription, 0)};

@@ -12,7 +12,7 @@
 namespace quorbel {
 namespace {
 
-/// The limiter written down naively: queues instead of rings, double precision.
+/// A naive limiter: queues instead of rings, double precision.
 class LimiterModel {
   public:
     explicit LimiterModel(double sampleRate)
@@ -62,8 +62,8 @@ TEST(LimiterTest, MatchesTheModel) {
                 limiter.set(LimiterUnit::threshold, threshold);
                 const Stereo result = limiter.play(sound, 480);
                 const Stereo model = LimiterModel(rate).play(sound, double{threshold});
-                // The gain is a sum over thousands of frames in 32 bits: it creeps to within 1e-4
-                // of its target and stops there, where its steps round to nothing.
+                // The 32-bit gain sums thousands of steps and stops within 1e-4 of its target,
+                // where they round to zero.
                 ASSERT_LT(difference(result, model), 1.2e-4)
                     << name << " at " << rate << " Hz, threshold " << threshold;
             }

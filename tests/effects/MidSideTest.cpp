@@ -67,8 +67,7 @@ TEST(SpatializerTest, MatchesTheModel) {
                                          {{0, 100.0F}, {1, 500.0F}},
                                          {{0, 100.0F}, {1, 8000.0F}},
                                          {{0, 30.0F}, {1, 1234.5F}}};
-    // The dip at 500 Hz has its poles close to the unit circle, where 32 bits are noisy, the more
-    // so the higher the rate.
+    // The 500 Hz dip has poles close to the unit circle: 32-bit noise grows with the sample rate.
     expectMatchesModel<SpatializerUnit, SpatializerModel>({44'100.0, 48'000.0}, schedule, 2e-5);
     expectMatchesModel<SpatializerUnit, SpatializerModel>({96'000.0}, schedule, 5e-5);
 }

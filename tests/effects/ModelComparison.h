@@ -20,13 +20,13 @@ namespace quorbel {
 
 using Settings = std::map<ParameterAddress, float>;
 
-/// A block of sound in double precision, as models take it.
+/// A block of sound in double precision for the models.
 struct ModelBlock {
     std::vector<double> left;
     std::vector<double> right;
 };
 
-/// A naive version of a unit: `process` turns one block into what the unit should make of it.
+/// A naive version of a unit: `process` turns one block into the expected output.
 class UnitModel {
   public:
     explicit UnitModel(float sampleRate) : sampleRate_(sampleRate) {}
@@ -37,8 +37,8 @@ class UnitModel {
     const float sampleRate_;
 };
 
-/// Plays `sound` through unit and model in blocks of irregular lengths (single frames among them),
-/// moving to the next of `schedule` every ten blocks. Returns the largest difference.
+/// Plays `sound` through unit and model in irregular blocks, including single frames. Takes the
+/// next of `schedule` every ten blocks. Returns the largest difference.
 inline double differenceFromModel(UnitHarness &unit, UnitModel &model, const Stereo &sound,
                                   const std::vector<Settings> &schedule) {
     std::mt19937 random(17);
@@ -67,7 +67,7 @@ inline double differenceFromModel(UnitHarness &unit, UnitModel &model, const Ste
     return largest;
 }
 
-/// Compares a unit with its model on every sound, at each of these rates.
+/// Compares a unit with its model on every sound at each of these rates.
 template <typename Unit, typename Model>
 void expectMatchesModel(const std::vector<double> &rates, const std::vector<Settings> &schedule,
                         double tolerance) {
@@ -89,8 +89,7 @@ void expectMatchesModel(const std::vector<double> &rates, const std::vector<Sett
         }
 }
 
-/// A second-order section whose coefficients are the given 32-bit numbers and whose arithmetic is
-/// double.
+/// A second-order section with 32-bit coefficients and double-precision arithmetic.
 struct ModelSection {
     std::array<double, 2> x{};
     std::array<double, 2> y{};

@@ -7,8 +7,7 @@
 
 namespace quorbel {
 
-/// The sounds on which units are compared with their models: 1.5 s each at 48 kHz, at most full
-/// scale.
+/// Test signals for comparing units with their models: 1.5 s each at 48 kHz, at most full scale.
 inline std::map<std::string, Stereo> modelSounds() {
     constexpr std::size_t frames = 72'000;
     std::map<std::string, Stereo> sounds;
@@ -22,7 +21,7 @@ inline std::map<std::string, Stereo> modelSounds() {
     }
     sounds["impulses"] = impulses;
 
-    // Bursts of noise between stretches of silence, one channel later than the other.
+    // Noise bursts separated by silence, one channel later than the other.
     Stereo bursts = noise(frames, 1.0F, 7);
     for (std::size_t i = 0; i < frames; ++i) {
         bursts.left[i] *= i % 6000 < 900 ? 1.0F : 0.0F;
@@ -30,7 +29,7 @@ inline std::map<std::string, Stereo> modelSounds() {
     }
     sounds["bursts"] = bursts;
 
-    // Something like music: a bass line, a chord that decays and comes back, a hiss of hi-hats.
+    // Synthetic music: a bass line, a chord that decays and returns, hi-hat noise.
     Stereo music(frames);
     const Stereo hiss = noise(frames, 1.0F, 11);
     for (std::size_t i = 0; i < frames; ++i) {

@@ -10,7 +10,7 @@
 
 namespace quorbel {
 
-/// Plays sound through a unit as the graph does.
+/// Renders sound through a unit as the graph does.
 class UnitHarness {
   public:
     explicit UnitHarness(std::unique_ptr<AudioUnit> unit)
@@ -27,13 +27,13 @@ class UnitHarness {
         return *this;
     }
 
-    /// One block in place, as a graph renders it.
+    /// Renders one block in place, as a graph does.
     Status render(AudioBufferList &view, std::uint32_t frames) {
         node_->takeSettings();
         return node_->render({}, view, frames);
     }
 
-    /// All of it, in blocks of `blockFrames`.
+    /// Renders all of it in blocks of `blockFrames`.
     Stereo play(Stereo sound, std::size_t blockFrames = 512) {
         return inBlocks(std::move(sound), blockFrames,
                         [this](float *left, float *right, std::uint32_t frames) {

@@ -1,4 +1,4 @@
-// The kernels that work on several frames at once, against the same written plainly.
+// Compares the vectorised kernels with plain versions.
 
 #include "effects/UnitHarness.h"
 #include "effects/cores/CrossfeedBlock.h"
@@ -55,13 +55,13 @@ TEST_P(VectorKernelsTest, LimiterBlockIsEqualBitByBit) {
         };
         for (std::uint32_t count = 1; count <= longest; ++count)
             compare(count, 0.05F * static_cast<float>(count));
-        // Released until the gain's steps round to nothing.
+        // Releases until the gain's steps round to zero.
         for (std::uint32_t again = 0; again < 60; ++again)
             compare(longest - again % 20, 2.0F);
     }
 }
 
-/// Memories of the stages of an EnhancerPass.
+/// States of the stages of an EnhancerPass.
 struct EnhancerStages {
     BassSections bass;
     VoiceSections voice;
@@ -87,7 +87,7 @@ struct EnhancerStages {
     }
 };
 
-// The rounding of a section is part of the sound: side by side is the same as one after the other.
+// Parallel sections round exactly as serial ones do.
 TEST_P(VectorKernelsTest, EnhancersAreEqualBitByBit) {
     for (unsigned stages = 1; stages < 8; ++stages) {
         EnhancerStages vector;
@@ -115,7 +115,7 @@ TEST_P(VectorKernelsTest, LevellerIsEqualBitByBit) {
     LevellerState state;
     LevellerState plainState;
     for (std::uint32_t count = 0; count <= longest; ++count) {
-        // Across the gate and back.
+        // Crosses the gate in both directions.
         Stereo vector = noise(count, count % 20 < 10 ? 0.5F : 1e-4F, count + 1);
         Stereo plain = vector;
         runLeveller(settings, state, vector.left.data(), vector.right.data(), count);
