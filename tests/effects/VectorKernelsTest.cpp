@@ -87,7 +87,7 @@ struct EnhancerStages {
     }
 };
 
-// Parallel sections round exactly as serial ones do.
+// Vectorised evaluation of the sections rounds exactly as serial evaluation does.
 TEST_P(VectorKernelsTest, EnhancersAreEqualBitByBit) {
     for (unsigned stages = 1; stages < 8; ++stages) {
         EnhancerStages vector;

@@ -122,7 +122,7 @@ TEST(AudioRingBuffer, ThreeThreadsAtOnce) {
     bool inStep = true;
     for (bool finished = false; !finished;) {
         finished = done;
-        // The last read takes what is left.
+        // The last read takes the rest.
         const std::size_t frames = finished ? 1000 : 48;
         const Read got = read(ring, frames);
         asked += static_cast<std::int64_t>(frames);

@@ -10,7 +10,7 @@
 
 namespace quorbel::testing {
 
-/// Collects the log lines for as long as it lives.
+/// Collects the log lines during its lifetime.
 class CapturedLog {
   public:
     CapturedLog()
@@ -28,7 +28,7 @@ class CapturedLog {
         return std::exchange(lines_, {});
     }
 
-    /// Those of them that contain `part`.
+    /// Those lines that contain `part`.
     [[nodiscard]] std::vector<std::string> takeWith(std::string_view part) {
         auto lines = take();
         std::erase_if(lines, [part](const std::string &line) {

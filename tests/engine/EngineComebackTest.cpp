@@ -9,7 +9,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-/// Processing that was taken away in the middle comes back by itself.
+/// Processing restarts by itself after an interruption.
 class EngineComebackTest : public EngineTest {
   protected:
     EngineComebackTest() {

@@ -101,7 +101,7 @@ TEST_F(EngineWithoutTest, AnOutputChosen) {
     EXPECT_NE(state(), "running") << "a start that fails at once is not tried again";
 }
 
-// The sound plays in spite of failures of optional calls.
+// Failures of optional calls do not interrupt the sound.
 TEST_F(EngineWithoutTest, WhatItCanDoWithout) {
     hardware.play(sine(1000.0));
     hardware.operations().fail(Operation::nominalSampleRate, -1);
@@ -117,7 +117,7 @@ TEST_F(EngineWithoutTest, WhatItCanDoWithout) {
     EXPECT_NEAR(toneOn("speakers"), 0.25, 1e-4);
 }
 
-// Nothing in a teardown may keep the rest of it from happening.
+// A failing step does not stop the rest of a teardown.
 TEST_F(EngineWithoutTest, ATeardownThatWorks) {
     start();
     for (const Operation operation : {Operation::stopDevice, Operation::destroyIOProc,

@@ -36,21 +36,21 @@ class EngineTest : public ::testing::Test {
     void makeEngine(const AudioEngine::UnitRegistration &registerUnits);
 
     void choose(const std::string &uid) { engine->setOutputDevice(devices.outputDevice(uid)); }
-    /// Starts and lets the start come to its end, without letting time pass.
+    /// Starts and completes the start without advancing the clock.
     void start();
     void stop() { engine->stop(); }
     void play(double seconds) { clock.advance(seconds); }
-    /// Lets what has just started or ended fade, and forgets how that sounded.
+    /// Plays out the fade after a start or stop and discards its sound.
     void settle();
-    /// The amplitude of a 1 kHz tone on a device, over the next tenth of a second.
+    /// Amplitude of a 1 kHz tone on a device over the next 0.1 s.
     [[nodiscard]] double toneOn(const std::string &uid);
     /// "running", "stopped" or the error's text.
     [[nodiscard]] std::string state() const;
-    /// The sound of a device since the last call.
+    /// Sound of a device since the last call.
     [[nodiscard]] simulated::Recording heard(const std::string &uid) {
         return hardware.takeRecording(uid);
     }
-    /// Nothing of ours is left on the machine.
+    /// Expects that none of our objects remain on the machine.
     void expectNothingLeft();
 
     void setBand(std::size_t index, float frequency, float gainDB);

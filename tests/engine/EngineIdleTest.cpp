@@ -158,7 +158,7 @@ TEST_F(EngineIdleTest, HiddenValuesWakeRarelyAndAreTheSameOnceShown) {
     EXPECT_EQ(heard("speakers").left, seen.hardware.takeRecording("speakers").left);
     expectSame();
 
-    // It comes to rest unseen as well.
+    // The engine also becomes idle while hidden.
     engine->setDisplayed(false);
     engine->setSpatial({});
     seen.engine.setSpatial({});

@@ -19,7 +19,7 @@ class CycleCount final : public simulated::CallbackWatch {
         ++cycles_;
     }
 
-    /// Waits until that many more cycles have come.
+    /// Waits for that many more cycles.
     void wait(int cycles) const {
         const int until = cycles_ + cycles;
         while (cycles_ < until)
@@ -45,7 +45,7 @@ TEST(EngineThreads, ControlsMoveAndHardwareChangesWhileItRuns) {
     AudioEngine engine(hardware, devices, clock, EQBand::defaultBands());
 
     for (int round = 0; round < 20; ++round) {
-        // Every other round capture and playback are two devices, and so two threads.
+        // Every other round uses two devices for capture and playback, and so two threads.
         engine.setOutputDevice(devices.outputDevice(round % 2 == 0 ? "hdmi" : "speakers"));
         engine.start();
         clock.runPending();
@@ -87,7 +87,7 @@ TEST(EngineThreads, ControlsMoveAndHardwareChangesWhileItRuns) {
     }
 }
 
-/// Counts what the callbacks do that an audio thread must not.
+/// Counts forbidden operations of the callbacks on an audio thread.
 class Violations final : public simulated::CallbackWatch {
   public:
     void enter() noexcept override { guard_.emplace(); }

@@ -22,7 +22,7 @@ Stereo render(OfflineRenderer &renderer, Stereo input, std::size_t blockFrames) 
     return output;
 }
 
-/// Flat, and without the limiter, which delays.
+/// Flat settings without the limiter, which adds latency.
 ChainSettings plain() {
     ChainSettings settings;
     settings.mixer.limiterEnabled = false;
@@ -52,7 +52,7 @@ TEST(OfflineRenderer, GivesTheSameBytesHoweverTheBlocksFall) {
     EXPECT_EQ(with(60'000), reference) << "longer than the longest block: split inside";
 }
 
-/// Every stage at work.
+/// Settings with every stage active.
 ChainSettings everything() {
     ChainSettings settings = shaped();
     settings.spatial.widenerEnabled = settings.spatial.xtcEnabled = true;

@@ -112,8 +112,8 @@ TEST_P(EqualizerChange, neitherClicksNorJumpsUp) {
 INSTANTIATE_TEST_SUITE_P(Sines, EqualizerChange,
                          ::testing::Values(60.0, 100.0, 250.0, 500.0, 1000.0, 3150.0, 10000.0));
 
-// Two bands that swap boost for cut, and a whole preset: the way must not lead over the sum of both
-// boosts.
+// Swaps boost and cut of two bands or a whole preset: the glide must not pass through the sum of
+// both boosts.
 TEST(EqualizerGlide, manyBandsAtOnceStayBetweenBothEnds) {
     ParametricEqualizer equalizer(10);
     const auto apply = [&](float sign, float shift) {
@@ -169,7 +169,7 @@ double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t up
         equalizer.process(left.data() + start, right.data() + start,
                           static_cast<std::uint32_t>(frames));
     }
-    // The sweep alone, so that the loud end does not hide anything.
+    // Measures the sweep alone, because the loud end would mask artefacts.
     return energyOutsideDB(std::span(left).subspan(second / 2, second), 900.0, 1100.0, glideRate);
 }
 

@@ -31,8 +31,8 @@ EqualizerBandSettings band(EqualizerFilterType type, float frequency, double q, 
     return {type, frequency, octavesOf(q), gainDB, false};
 }
 
-/// Plays `sound` on the left and its negative on the right, in blocks of `block` frames; gives back
-/// the left and expects the right to be its negative still, to the bit.
+/// Plays `sound` on the left and its negative on the right in blocks of `block` frames. Returns the
+/// left and expects the right to be its exact negative.
 std::vector<float> play(ParametricEqualizer &equalizer, const std::vector<float> &sound,
                         std::size_t block = 512) {
     Stereo both;

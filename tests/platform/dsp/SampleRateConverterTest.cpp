@@ -135,7 +135,7 @@ TEST(SampleRateConverter, givesTheSameSamplesHoweverTheSoundIsCut) {
 TEST(SampleRateConverter, countsFramesExactlyForAnHour) {
     for (const auto [from, to] : {Rates{44100, 48000}, {48000, 44100}, {44099, 48000}}) {
         SampleRateConverter converter(from, to, 1, 8192);
-        const AudioBufferList silence; // no channels: nothing but counting is done
+        const AudioBufferList silence; // without channels it only counts frames
         AudioBufferList nowhere;
         std::uint64_t consumed = 0;
         std::uint64_t produced = 0;

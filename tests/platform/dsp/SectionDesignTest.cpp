@@ -38,8 +38,8 @@ TEST(SectionDesign, isStableAndFiniteForAnySettings) {
                     }
 }
 
-// Neighbouring settings must give neighbouring filters, or a slider would rattle: the fit must not
-// fall into another minimum from one step to the next.
+// Neighbouring settings must give neighbouring filters: a fit that jumps to another minimum makes a
+// slider rattle.
 TEST(SectionDesign, movesSmoothlyWithItsSettings) {
     for (const auto type : {EqualizerFilterType::parametric, EqualizerFilterType::highShelf,
                             EqualizerFilterType::lowPass, EqualizerFilterType::highPass})

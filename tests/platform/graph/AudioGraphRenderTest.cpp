@@ -70,7 +70,7 @@ TEST(ManualRenderTest, AFailingStageIsPassedOverAndAFailingSourceIsSilent) {
 
 struct ConvertingGraphTest : ::testing::TestWithParam<double> {};
 
-// That the converter keeps pitch and level is measured where it is tested.
+// The converter's own tests measure pitch and level.
 TEST_P(ConvertingGraphTest, PullsExactlyWhatItNeeds) {
     const double rate = GetParam();
     CountingSource source;

@@ -35,7 +35,7 @@ class CountingSource {
     std::uint32_t longestBlock = 0;
 };
 
-/// A stage that notes what happens to it, multiplies by a factor, and fails where it is told to.
+/// A stage that records its calls, multiplies by a factor and fails on request.
 class NotingNode final : public GraphNode {
   public:
     NotingNode(std::string name, std::vector<std::string> &log, float factor = 1.0F)

@@ -12,7 +12,7 @@
 namespace quorbel::testing {
 namespace {
 
-// Every test of real-time code relies on the guard, which must see all that it promises.
+// Every test of real-time code relies on the guard to detect all listed operations.
 TEST(RealtimeGuardTest, SeesMemoryAndForeignLocksOfItsOwnThreadAndNothingElse) {
     std::mutex mutex;
     std::shared_mutex sharedMutex;

@@ -39,7 +39,7 @@ class ReverbTest : public ::testing::Test {
         return through(reverb_, std::move(sound), block);
     }
 
-    /// A room that has been left to play.
+    /// A room that has played out.
     void begin(RoomModel model, float mix, double sampleRate = 48000.0) {
         reverb_.setRoomModel(model);
         reverb_.setMixPercent(mix);
@@ -115,7 +115,7 @@ TEST_F(ReverbTest, ANewRoomReplacesTheOldOne) {
     // A second after the sound the small room is down by more than 100 dB, the cathedral by 11.
     EXPECT_LT(power(tail.left, 43200, 48000), 1e-9 * power(tail.left, 0, 4800));
 
-    // Several changes at once end in the last one.
+    // After several changes at once the last one applies.
     for (const RoomModel model :
          {RoomModel::plate, RoomModel::mediumHall, RoomModel::smallRoom, RoomModel::cathedral}) {
         reverb_.setRoomModel(model);

@@ -110,7 +110,7 @@ TEST_P(RoomTest, TailIsDecorrelated) {
     const Stereo sound = response(1.0F, 1.0F);
     const std::size_t tail = frames(0.1);
     EXPECT_LT(std::abs(testing::correlation(sound, tail, sound.frames())), 0.3);
-    // And all along, in pieces long enough to tell.
+    // The same holds throughout, measured in sufficiently long pieces.
     const std::size_t piece = std::max(frames(0.1), frames(0.1 * GetParam().decaySeconds));
     for (std::size_t begin = tail; begin < frames(0.6 * GetParam().decaySeconds); begin += piece)
         EXPECT_LT(std::abs(testing::correlation(sound, begin, begin + piece)), 0.3);
