@@ -39,7 +39,6 @@ class ReverbTest : public ::testing::Test {
         return through(reverb_, std::move(sound), block);
     }
 
-    /// A room that has played out.
     void begin(RoomModel model, float mix, double sampleRate = 48000.0) {
         reverb_.setRoomModel(model);
         reverb_.setMixPercent(mix);
