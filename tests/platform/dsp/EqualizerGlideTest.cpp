@@ -24,8 +24,7 @@ EqualizerBandSettings band(EqualizerFilterType type, float frequency, float octa
     return {type, frequency, octaves, gainDB, bypass};
 }
 
-/// Half a second before a change, a second and a half after it: long enough for the slowest band to
-/// settle.
+/// Plays 0.5 s before a change and 1.5 s after it: long enough for the slowest band to settle.
 std::vector<float> playThrough(ParametricEqualizer &equalizer, std::vector<float> sound,
                                const std::function<void()> &change) {
     constexpr std::size_t block = 256;
@@ -38,7 +37,7 @@ std::vector<float> playThrough(ParametricEqualizer &equalizer, std::vector<float
     return sound;
 }
 
-/// The loudest 10 ms, as a level in dB.
+/// Returns the level of the loudest 10 ms in dB.
 double loudestWindowDB(std::span<const float> sound) {
     constexpr std::size_t window = 480;
     double loudest = 0.0;
@@ -112,8 +111,7 @@ TEST_P(EqualizerChange, neitherClicksNorJumpsUp) {
 INSTANTIATE_TEST_SUITE_P(Sines, EqualizerChange,
                          ::testing::Values(60.0, 100.0, 250.0, 500.0, 1000.0, 3150.0, 10000.0));
 
-// Swaps boost and cut of two bands or a whole preset: the glide must not pass through the sum of
-// both boosts.
+// Neighbouring bands swap boost and cut: the transition must not add up the boosts of both ends.
 TEST(EqualizerGlide, manyBandsAtOnceStayBetweenBothEnds) {
     ParametricEqualizer equalizer(10);
     const auto apply = [&](float sign, float shift) {
@@ -144,9 +142,9 @@ TEST(EqualizerGlide, theGlobalGainMovesWithoutAStep) {
     EXPECT_LE(largestStep(all.subspan(24000, 48000)), 1.5F * largestStep(all.subspan(84000)));
 }
 
-/// A band driven from -12 to +12 dB in one second on a 1 kHz sine at -12 dBFS; the setting is
-/// renewed every `updateFrames`, at the first block that begins then or later. Half a second of
-/// rest on both sides.
+/// Returns the energy outside 900 to 1100 Hz, in dB, of a 1 kHz sine at -12 dBFS. A band sweeps from
+/// -12 to +12 dB in one second, with half a second of rest on both sides. Its gain changes every
+/// `updateFrames`, at the first block that begins then or later.
 double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t updateFrames,
                        std::size_t block) {
     ParametricEqualizer equalizer(1);
@@ -169,7 +167,7 @@ double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t up
         equalizer.process(left.data() + start, right.data() + start,
                           static_cast<std::uint32_t>(frames));
     }
-    // Measures the sweep alone, because the loud end would mask artefacts.
+    // Measures the sweep alone, because the loud end would mask spurious energy.
     return energyOutsideDB(std::span(left).subspan(second / 2, second), 900.0, 1100.0, glideRate);
 }
 

@@ -31,8 +31,8 @@ EqualizerBandSettings band(EqualizerFilterType type, float frequency, double q, 
     return {type, frequency, octavesOf(q), gainDB, false};
 }
 
-/// Plays `sound` on the left and its negative on the right in blocks of `block` frames. Returns the
-/// left and expects the right to be its exact negative.
+/// Plays `sound` on the left and its negative on the right, in blocks of `block` frames. Returns
+/// the left and expects the right to be its exact negative.
 std::vector<float> play(ParametricEqualizer &equalizer, const std::vector<float> &sound,
                         std::size_t block = 512) {
     Stereo both;
@@ -46,7 +46,7 @@ std::vector<float> play(ParametricEqualizer &equalizer, const std::vector<float>
     return both.left;
 }
 
-/// The analog filters as the audio EQ cookbook prints them, with complex numbers.
+/// Level in dB of the analog prototype filters (audio EQ cookbook).
 double prototypeDB(EqualizerFilterType type, double frequency, double f0, double q, double gainDB) {
     const std::complex<double> s(0.0, frequency / f0);
     const double a = std::pow(10.0, gainDB / 40.0);
@@ -72,7 +72,7 @@ double prototypeDB(EqualizerFilterType type, double frequency, double f0, double
     return 20.0 * std::log10(std::abs(h));
 }
 
-/// The level per bin of 48000/65536 Hz of one band's impulse response.
+/// Returns the level of one band's response in dB for each bin of 48000/65536 Hz.
 std::vector<double> measuredLevels(const EqualizerBandSettings &settings) {
     ParametricEqualizer equalizer(1);
     equalizer.prepare(rate);
@@ -125,7 +125,7 @@ TEST_P(EqualizerAccuracy, followsTheAnalogPrototype) {
                     EXPECT_LE(errors.below20k, 0.5) << where;
                 } else {
                     EXPECT_LE(errors.whereLoud, 0.5) << where;
-                    break; // passes have no gain
+                    break; // low-pass and high-pass have no gain
                 }
             }
 }
@@ -147,7 +147,7 @@ TEST(ParametricEqualizer, isBitExactWhenFlat) {
     const std::vector<float> sound = noise(20000).left;
     EXPECT_EQ(play(equalizer, sound), sound);
 
-    // Again after having been something else: as soon as the glide (or the fade) has ended.
+    // Bit-exact again once the glide or fade back to flat has ended.
     equalizer.setBand(0, band(EqualizerFilterType::lowShelf, 100.0F, 1.0, 12.0F));
     equalizer.setBand(3, {EqualizerFilterType::lowPass, 500.0F, 1.0F, 0.0F, false});
     equalizer.setGlobalGainDB(-6.0F);
@@ -231,7 +231,7 @@ TEST(ParametricEqualizer, twoInOnePassSoundLikeOneAfterTheOther) {
     EXPECT_LT(errorDB(together, apart), -120.0);
 }
 
-/// A cascade in double precision, from the same designs.
+/// Plays `sound` through a cascade of the same designs in double precision.
 std::vector<double> playInDouble(std::span<const EqualizerBandSettings> bands,
                                  std::span<const float> sound) {
     std::vector<double> result(sound.begin(), sound.end());

@@ -40,7 +40,7 @@ TEST(RealFFT, GivesTwiceTheDefinitionPackedIntoHalfTheBins) {
         RealFFT fft(points);
         const std::vector<float> x = noise(points, 1.0F).left;
         const Bins bins = transform(fft, x);
-        // Rounding of log2(N) stages on bins of about sqrt(N).
+        // Rounding error of log2(N) stages; the bins have a magnitude of about sqrt(N).
         const double tolerance = 2e-6 * std::sqrt(static_cast<double>(points));
         EXPECT_NEAR(bins.real[0], 2.0 * definition(x, 0).real(), tolerance);
         EXPECT_NEAR(bins.imaginary[0], 2.0 * definition(x, points / 2).real(), tolerance);

@@ -16,8 +16,7 @@
 namespace quorbel {
 namespace {
 
-/// One channel through a converter, `inputBlock` frames of input and room for `outputBlock` at a
-/// time.
+/// Converts one channel in calls of up to `inputBlock` input and `outputBlock` output frames.
 std::vector<float> convert(SampleRateConverter &converter, std::vector<float> sound,
                            std::size_t frames, std::uint32_t inputBlock = 512,
                            std::uint32_t outputBlock = 8192) {
@@ -44,7 +43,7 @@ std::vector<float> convert(SampleRateConverter &converter, std::vector<float> so
     return result;
 }
 
-/// The second second of a sine of `amplitude` at 1 (played for three).
+/// Returns second 1 to 2 of a converted sine; the input lasts 3 s.
 std::vector<float> convertedSine(double from, double to, double frequency, double amplitude) {
     SampleRateConverter converter(from, to, 1, 8192);
     const auto frames = static_cast<std::size_t>(from) * 3;
@@ -130,12 +129,12 @@ TEST(SampleRateConverter, givesTheSameSamplesHoweverTheSoundIsCut) {
     }
 }
 
-// An hour of silence, in blocks as a device asks for them: what goes in and out must be whole
-// numbers' worth of the ratio to the frame, and what a block needs must be known beforehand.
+// Converts an hour of silence in output blocks of varying length. The frames consumed must follow
+// the ratio exactly, and inputFramesFor must predict the input of each block.
 TEST(SampleRateConverter, countsFramesExactlyForAnHour) {
     for (const auto [from, to] : {Rates{44100, 48000}, {48000, 44100}, {44099, 48000}}) {
         SampleRateConverter converter(from, to, 1, 8192);
-        const AudioBufferList silence; // without channels it only counts frames
+        const AudioBufferList silence; // no channels: frames are only counted
         AudioBufferList nowhere;
         std::uint64_t consumed = 0;
         std::uint64_t produced = 0;

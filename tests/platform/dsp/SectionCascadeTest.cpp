@@ -15,7 +15,7 @@
 namespace quorbel {
 namespace {
 
-/// Sections between 20 Hz and 15 kHz of any shape.
+/// Returns sections of random shape between 20 Hz and 15 kHz.
 std::vector<SectionCoefficients> someSections(std::size_t count) {
     std::mt19937 random(31);
     std::uniform_real_distribution<double> uniform(0.0, 1.0);
@@ -49,7 +49,7 @@ TEST_P(SectionCascadeOnTarget, agreesWithThePlainOne) {
         const auto sections = someSections(count);
         const Stereo expected = run(processCascadePlainly, sections, sound, sound.left.size());
         const Stereo whole = run(processCascade, sections, sound, sound.left.size());
-        // Rounding noise of 32 bits, as far below the sound as the plain one's own.
+        // Rounding noise of 32-bit floats, as low as in the plain version.
         EXPECT_LT(errorDB(whole.left, expected.left), -110.0) << count << " sections";
         EXPECT_LT(errorDB(whole.right, expected.right), -110.0) << count << " sections";
         for (const std::size_t block : {1U, 3U, 17U, 64U, 1000U})
@@ -58,7 +58,7 @@ TEST_P(SectionCascadeOnTarget, agreesWithThePlainOne) {
     }
 }
 
-// A glide's rounding does not depend on the machine, nor on how the sound is cut into calls.
+// Rounding during a glide depends neither on the CPU nor on the block size.
 TEST_P(SectionCascadeOnTarget, movesAsThePlainOneBitByBit) {
     constexpr std::uint32_t stepFrames = 16;
     const Stereo sound = noise(stepFrames);

@@ -23,7 +23,7 @@ TEST(SectionDesign, isStableAndFiniteForAnySettings) {
                         const auto design =
                             designBand({type, frequency, octaves, gain, false}, sampleRate);
                         ASSERT_TRUE(design);
-                        // Both are what stability means for this form.
+                        // This filter form is stable if both are positive.
                         EXPECT_GT(design->cutoff, 0.0);
                         EXPECT_GT(design->damping, 0.0);
                         const SectionCoefficients section(*design);
@@ -38,8 +38,8 @@ TEST(SectionDesign, isStableAndFiniteForAnySettings) {
                     }
 }
 
-// Neighbouring settings must give neighbouring filters: a fit that jumps to another minimum makes a
-// slider rattle.
+// Neighbouring settings must give similar filters: a fit that jumps to another minimum would cause
+// zipper noise while a slider moves.
 TEST(SectionDesign, movesSmoothlyWithItsSettings) {
     for (const auto type : {EqualizerFilterType::parametric, EqualizerFilterType::highShelf,
                             EqualizerFilterType::lowPass, EqualizerFilterType::highPass})

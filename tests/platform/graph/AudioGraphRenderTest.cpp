@@ -70,7 +70,7 @@ TEST(ManualRenderTest, AFailingStageIsPassedOverAndAFailingSourceIsSilent) {
 
 struct ConvertingGraphTest : ::testing::TestWithParam<double> {};
 
-// The converter's own tests measure pitch and level.
+// SampleRateConverterTest measures the pitch and level of converted sound.
 TEST_P(ConvertingGraphTest, PullsExactlyWhatItNeeds) {
     const double rate = GetParam();
     CountingSource source;
@@ -91,7 +91,7 @@ TEST_P(ConvertingGraphTest, PullsExactlyWhatItNeeds) {
         worstDrift = std::max(
             worstDrift, std::abs(static_cast<double>(source.position) - played * 48000.0 / rate));
     }
-    // Never more than the frame that the next output sample lies in.
+    // Reads no further than the input frame that contains the next output sample.
     EXPECT_LE(worstDrift, 2.0 + 48000.0 / rate);
 }
 
@@ -129,7 +129,7 @@ TEST(HardwareRenderTest, APauseForgetsWhatTheStagesHold) {
                           .bandwidthOctaves = 2.0F,
                           .bypass = false});
     TestOutput::Line line;
-    line.native.sampleRate = 44100.0; // the converter holds sound too
+    line.native.sampleRate = 44100.0; // the converter buffers sound too
     AudioGraph graph(std::make_unique<TestOutput>(line));
     connectInLine(graph, {&source, &equalizer});
     ASSERT_EQ(graph.start(), statusOK);

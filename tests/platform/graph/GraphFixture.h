@@ -18,7 +18,7 @@ namespace quorbel {
 
 inline constexpr StreamFormat chain{48000.0, 2};
 
-/// A source that counts: frame n carries n on the left and -n on the right.
+/// Source of counted frames: frame n carries n on the left and -n on the right.
 class CountingSource {
   public:
     SourceNode node{chain, [this](const AudioBufferList &buffers, std::uint32_t frames) {
@@ -35,7 +35,7 @@ class CountingSource {
     std::uint32_t longestBlock = 0;
 };
 
-/// A stage that records its calls, multiplies by a factor and fails on request.
+/// Stage that logs its calls, multiplies by a factor, and fails on request.
 class NotingNode final : public GraphNode {
   public:
     NotingNode(std::string name, std::vector<std::string> &log, float factor = 1.0F)
@@ -72,7 +72,7 @@ class NotingNode final : public GraphNode {
     float factor_;
 };
 
-/// An output whose cycles the test calls.
+/// Output driven by the test, which calls each cycle.
 class TestOutput final : public HardwareOutput {
   public:
     struct Line {

@@ -91,7 +91,7 @@ TEST(NodeTapTest, InstallsAndRemovesWhileAnotherThreadRenders) {
     std::atomic<bool> stop{false};
     std::thread render([&] {
         while (!stop) {
-            source.position %= 1 << 20; // floats count exactly so far
+            source.position %= 1 << 20; // floats are exact up to here
             line.play(64);
         }
     });
@@ -109,7 +109,7 @@ TEST(NodeTapTest, InstallsAndRemovesWhileAnotherThreadRenders) {
         blocks->wait(0);
         graph.removeTap(graph.mainMixer());
         EXPECT_FALSE(torn);
-        blocks.reset(); // a listener called from now on would touch freed memory
+        blocks.reset(); // a later call of the listener would touch freed memory
     }
     stop = true;
     render.join();

@@ -40,8 +40,8 @@ TEST_F(ManualClockTest, RunsInTimeOrderAndWhatCallbacksSetAtItsOwnTime) {
 }
 
 TEST_F(ManualClockTest, BlocksOfAnyLengthAddUpExactly) {
-    // An hour in blocks of 441 frames at 44.1 kHz is also an hour of 10 ms: a tick every 2205
-    // frames falls on exactly every fifth block, up to the end.
+    // A block of 441 frames at 44.1 kHz lasts exactly 10 ms, so a tick every 50 ms coincides with
+    // every fifth block for a whole hour.
     int ticks = 0;
     int wrong = 0;
     clock.every(0.05, [&] { ++ticks; });

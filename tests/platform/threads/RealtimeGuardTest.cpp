@@ -12,7 +12,7 @@
 namespace quorbel::testing {
 namespace {
 
-// Every test of real-time code relies on the guard to detect all listed operations.
+// Checks the guard itself, because every test of real-time code relies on it.
 TEST(RealtimeGuardTest, SeesMemoryAndForeignLocksOfItsOwnThreadAndNothingElse) {
     std::mutex mutex;
     std::shared_mutex sharedMutex;

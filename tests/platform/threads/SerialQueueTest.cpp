@@ -26,7 +26,7 @@ TEST(ThreadedSerialQueueTest, CancelWaitsForTheRunningTaskAndNothingRunsAfterwar
         });
         ran.get_future().wait();
         queue->cancel(timer);
-        alive.reset(); // a task still running or to come would touch freed memory
+        alive.reset(); // a running or later task would touch freed memory
     }
 }
 

@@ -39,6 +39,7 @@ class ReverbTest : public ::testing::Test {
         return through(reverb_, std::move(sound), block);
     }
 
+    /// Prepares the reverb after the settings, so that no transition runs.
     void begin(RoomModel model, float mix, double sampleRate = 48000.0) {
         reverb_.setRoomModel(model);
         reverb_.setMixPercent(mix);
@@ -77,7 +78,7 @@ TEST_F(ReverbTest, AMixOfZeroIsBitExact) {
     begin(RoomModel::largeHall, 0.0F);
     const Stereo sound = pink(20000);
     EXPECT_EQ(rendered(sound), sound);
-    // Again after something was heard, once the glide is over.
+    // Bit-exact again once the glide from another mix has ended.
     reverb_.setMixPercent(50.0F);
     rendered(sound);
     reverb_.setMixPercent(0.0F);
@@ -111,10 +112,10 @@ TEST_F(ReverbTest, ANewRoomReplacesTheOldOne) {
     reverb_.setRoomModel(RoomModel::smallRoom);
     rendered(pink(24000)); // the fade takes 150 ms
     const Stereo tail = rendered(Stereo(48000));
-    // A second after the sound the small room is down by more than 100 dB, the cathedral by 11.
+    // One second after the sound, the small room has decayed by over 100 dB, the cathedral by 11.
     EXPECT_LT(power(tail.left, 43200, 48000), 1e-9 * power(tail.left, 0, 4800));
 
-    // After several changes at once the last one applies.
+    // The last of several rapid changes wins.
     for (const RoomModel model :
          {RoomModel::plate, RoomModel::mediumHall, RoomModel::smallRoom, RoomModel::cathedral}) {
         reverb_.setRoomModel(model);
@@ -125,7 +126,7 @@ TEST_F(ReverbTest, ANewRoomReplacesTheOldOne) {
     EXPECT_GT(power(later.left, 43200, 48000), 1e-3 * power(later.left, 0, 4800));
 }
 
-/// A sine of 100 Hz at -12 dBFS, whose largest step from sample to sample is the measure.
+/// Measures the largest sample-to-sample step of a 100 Hz sine at -12 dBFS.
 class ReverbGlideTest : public ReverbTest {
   protected:
     Stereo sine(std::size_t frames) {
@@ -137,7 +138,7 @@ class ReverbGlideTest : public ReverbTest {
         }
         return sound;
     }
-    /// Of the next `frames` frames, in blocks of 64, both channels.
+    /// Returns the largest step of both channels in the next `frames` frames, in blocks of 64.
     float largestStep(std::size_t frames) {
         const Stereo sound = rendered(sine(frames), 64);
         float largest = 0.0F;
@@ -151,7 +152,7 @@ class ReverbGlideTest : public ReverbTest {
         }
         return largest;
     }
-    /// Nothing happens but `change`, between two steady states.
+    /// Expects `change` to raise the largest step of the two steady states by at most half.
     template <typename Change> void expectSmooth(const char *what, Change change) {
         const float before = largestStep(4800);
         change();
@@ -174,7 +175,7 @@ TEST_F(ReverbGlideTest, MixChangesHaveNoCorners) {
         largestStep(48000);
         for (const float mix : {100.0F, 0.0F, 15.0F, 80.0F, 30.0F, 0.0F})
             expectSmooth("mix", [&] { reverb_.setMixPercent(mix); });
-        // Dragged, with a new value in every block or two.
+        // Drags the mix: a new value every 480 frames (10 ms).
         expectSmooth("drag", [&] {
             for (int i = 0; i <= 100; ++i) {
                 reverb_.setMixPercent(static_cast<float>(i));

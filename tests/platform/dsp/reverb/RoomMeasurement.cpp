@@ -38,7 +38,7 @@ std::vector<double> widened(const std::vector<float> &samples) {
     return {samples.begin(), samples.end()};
 }
 
-/// Butterworth of fourth order on both sides.
+/// Band-pass of a fourth-order Butterworth filter at each edge.
 std::vector<double> band(const std::vector<float> &samples, double sampleRate, double frequency,
                          double fraction) {
     std::vector<double> result = widened(samples);
@@ -58,7 +58,7 @@ double decayTime(const std::vector<float> &response, double sampleRate, double f
     double sum = 0.0;
     for (std::size_t i = energy.size(); i-- > 0;)
         energy[i] = sum += energy[i] * energy[i];
-    // The regression line of level over time.
+    // Linear regression of level over time.
     double n = 0.0, sx = 0.0, sy = 0.0, sxx = 0.0, sxy = 0.0;
     for (std::size_t i = 0; i < energy.size(); ++i) {
         const double level = 10.0 * std::log10(energy[i] / sum + 1e-30);
@@ -138,7 +138,7 @@ double loudness(const Stereo &sound) {
 }
 
 std::vector<float> pinkNoise(std::size_t frames, unsigned seed) {
-    // A row of noises, each held twice as long as the one before (R. Voss; J. McCartney's order).
+    // Sums noises, each held twice as long as the one before (R. Voss; order by J. McCartney).
     constexpr unsigned rows = 14;
     std::mt19937 random(seed);
     std::uniform_real_distribution<float> uniform(-1.0F, 1.0F);

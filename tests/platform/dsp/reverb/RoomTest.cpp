@@ -22,7 +22,7 @@ struct Target {
     friend void PrintTo(const Target &target, std::ostream *out) { *out << target.name; }
 };
 
-/// Target values of each room; not taken from the design, which aims at them.
+/// Target values of each room, stated independently of the design.
 const Target targets[] = {
     {RoomModel::smallRoom, "smallRoom", 0.45, 0.70, 3, 40},
     {RoomModel::mediumRoom, "mediumRoom", 0.8, 0.65, 8, 60},
@@ -41,7 +41,7 @@ class RoomTest : public ::testing::TestWithParam<Target> {
         return static_cast<std::size_t>(seconds * sampleRate);
     }
 
-    /// `sound` through the room, without direct sound.
+    /// Returns the room's response to `sound`, without the direct sound.
     [[nodiscard]] static Stereo room(Stereo sound) {
         Reverb reverb;
         reverb.setRoomModel(GetParam().model);
@@ -68,7 +68,7 @@ TEST_P(RoomTest, DecaysInItsOwnTime) {
     for (const auto &channel : {stereo.left, stereo.right}) {
         const double mid = testing::decayTime(channel, sampleRate, 1000.0, 1.0);
         EXPECT_NEAR(mid, GetParam().decaySeconds, 0.10 * GetParam().decaySeconds);
-        // The decay changes within a band around 8 kHz, so its width matters a little.
+        // The decay time varies within the band, so the bandwidth has a small effect.
         for (const double octaves : {1.0, 1.0 / 3.0}) {
             const double ratio = testing::decayTime(channel, sampleRate, 8000.0, octaves) / mid;
             EXPECT_NEAR(ratio, GetParam().trebleRatio, 0.15 * GetParam().trebleRatio) << octaves;
@@ -97,7 +97,7 @@ TEST_P(RoomTest, IsDenseInTimeAndStaysSo) {
                 testing::echoDensity(channel, sampleRate, frames(0.001));
             const auto bound = density.begin() + std::lround(GetParam().denseMilliseconds);
             EXPECT_GE(*std::max_element(density.begin(), bound + 1), 0.9);
-            // A window of Gaussian noise measures 1 with a deviation of 0.06.
+            // A window of Gaussian noise measures 1, with a standard deviation of 0.06.
             const auto end = bound + std::lround(500.0 * GetParam().decaySeconds);
             const double mean = std::accumulate(bound, end, 0.0) / static_cast<double>(end - bound);
             EXPECT_NEAR(mean, 1.0, 0.05);
@@ -110,19 +110,19 @@ TEST_P(RoomTest, TailIsDecorrelated) {
     const Stereo sound = response(1.0F, 1.0F);
     const std::size_t tail = frames(0.1);
     EXPECT_LT(std::abs(testing::correlation(sound, tail, sound.frames())), 0.3);
-    // The same holds throughout, measured in sufficiently long pieces.
+    // Checks also each piece of the tail; a shorter piece would give no reliable estimate.
     const std::size_t piece = std::max(frames(0.1), frames(0.1 * GetParam().decaySeconds));
     for (std::size_t begin = tail; begin < frames(0.6 * GetParam().decaySeconds); begin += piece)
         EXPECT_LT(std::abs(testing::correlation(sound, begin, begin + piece)), 0.3);
 }
 
 TEST_P(RoomTest, TailDoesNotRing) {
-    // Gaussian noise of that length has no repetition beyond a few percent; a metallic or
-    // fluttering room has one at the length of its loops.
+    // The autocorrelation of Gaussian noise of this length stays within a few percent; a metallic
+    // or fluttering room has peaks at its loop lengths.
     const Stereo sound = response(1.0F, 1.0F);
     const std::size_t begin = frames(0.15);
     const std::size_t end = begin + frames(0.6 * GetParam().decaySeconds);
-    std::vector<double> tail(end - begin); // at equal level all along
+    std::vector<double> tail(end - begin); // with the decay compensated
     for (std::size_t i = 0; i < tail.size(); ++i)
         tail[i] =
             static_cast<double>(sound.left[begin + i]) *
