@@ -16,7 +16,7 @@ namespace {
 
 constexpr AudioObjectID noSuchObject = std::numeric_limits<AudioObjectID>::max() - 7;
 
-/// The steps of the cycles in their order, from all threads.
+/// Log of the cycles of all threads, in order.
 class Score {
   public:
     struct Step {
@@ -62,7 +62,7 @@ class Listener : public IOClient {
     }
 
     std::atomic<double> rate_{0.0};
-    std::atomic<bool> sound_{true}; ///< every cycle had the announced format
+    std::atomic<bool> sound_{true}; ///< true if all cycles had the announced format
     std::atomic<float> peak_{0.0F};
     std::atomic<int> cycles_{0};
     std::atomic<int> cyclesToPlay_{0};
@@ -104,10 +104,10 @@ class Player : public RenderClient {
     std::uint64_t played_ = 0;
 };
 
-/// A whole capture, set up and taken down as the program does.
+/// Complete capture, set up and torn down as the program does.
 class Capture {
   public:
-    /// With `mayLoseServer` a step of the unmaking may fail.
+    /// Accepts failing steps of the teardown if `mayLoseServer`.
     Capture(AudioHardware &hardware, IOClient &client, bool mayLoseServer = false)
         : hardware_(hardware), mayLoseServer_(mayLoseServer) {
         AudioObjectID process = 0;
@@ -167,7 +167,7 @@ class Capture {
     IOProcID proc_ = 0;
 };
 
-/// Capture and playback, running once constructed.
+/// Capture and playback, both started by the constructor.
 struct Processing {
     Processing(AudioHardware &hardware, AudioObjectID device, Score *score = nullptr,
                bool mayLoseServer = false)
@@ -321,9 +321,9 @@ TEST_P(AudioHardwareContract, PlaysOnTheDeviceThatItIsBoundTo) {
     world().letCyclesPass();
     EXPECT_EQ(player.cycles_, cycles) << "no cycle after the stop";
     EXPECT_TRUE(player.sound_);
-    output->stop(); // does nothing
+    output->stop(); // has no effect
 
-    // Bound again, it moves with the next start.
+    // A new device takes effect at the next start.
     ASSERT_EQ(output->setDevice(device("speakers")), statusOK);
     ASSERT_EQ(output->start(player), statusOK);
     EXPECT_TRUE(world().waitUntil([&] { return world().listen("speakers") > 0.4F; }));
@@ -335,7 +335,7 @@ TEST_P(AudioHardwareContract, OneCycleCapturesFirstAndPlaysThenOrSaysThatItWillN
     Score score;
     Processing both(hardware, device("speakers"), &score);
     ASSERT_TRUE(world().waitUntil([&] { return both.player.cycles_ > 8; }));
-    (void)score.take(); // drops the steps of the start
+    (void)score.take(); // drops the startup cycles
     ASSERT_TRUE(world().waitUntil(
         [&, from = both.player.cycles_.load()] { return both.player.cycles_ > from + 20; }));
     auto steps = score.take();
@@ -419,7 +419,7 @@ TEST_P(AudioHardwareContract, SaysWhereADeviceIsHeardAndTellsOfThatButNotOfItsVo
             << route;
     }
 
-    // A reported change follows the unreported ones.
+    // Volume changes are not reported; the route change after them is.
     const int lists = news.lists_;
     for (int press = 0; press < 20; ++press)
         world().changeVolume("desk");

@@ -10,28 +10,27 @@
 
 namespace quorbel::testing {
 
-/// A machine with sound on which a hardware backend is tried: two output devices, "speakers" (the
-/// default) and "hdmi", and the applications that the test starts.
+/// Machine to test a hardware backend on, with two output devices, "speakers" (the default) and
+/// "hdmi", and the applications that the test starts.
 class HardwareWorld {
   public:
     virtual ~HardwareWorld() = default;
 
     [[nodiscard]] virtual AudioHardware &hardware() = 0;
 
-    /// An application that plays a 1 kHz tone of amplitude 0.25 on both channels, on the default
-    /// output, until the world ends.
+    /// Starts an application that plays a 1 kHz tone of amplitude 0.25 on both channels of the
+    /// default output until the world ends.
     virtual void playTone() = 0;
 
-    /// Listens to a device for a moment (at least ten of its cycles) and returns the largest
-    /// sample.
+    /// Returns the largest sample of a device in at least ten of its cycles.
     [[nodiscard]] virtual float listen(const std::string &uid) = 0;
 
     virtual void plugIn(const std::string &uid) = 0;
     virtual void unplug(const std::string &uid) = 0;
     virtual void setDefaultOutput(const std::string &uid) = 0;
 
-    /// Plugs in a card "card" with one device. The device has several routes; which one it plays on
-    /// is not known yet.
+    /// Plugs in a card "card" with one device. The device has several routes; its current route is
+    /// still unknown.
     virtual void plugInCard(const std::string &uid) = 0;
     virtual void setRoute(const std::string &uid, const std::string &route) = 0;
     /// Changes the volume of the card's device, as the volume keys do.
@@ -40,7 +39,7 @@ class HardwareWorld {
     /// Ends the sound server.
     virtual void loseServer() = 0;
 
-    /// Lets time pass until `condition` holds or a generous deadline is over. Returns whether it
+    /// Lets time pass until `condition` holds or a generous deadline expires. Returns true if it
     /// holds.
     [[nodiscard]] virtual bool waitUntil(const std::function<bool()> &condition) = 0;
 
@@ -50,8 +49,8 @@ class HardwareWorld {
 
 using MakeHardwareWorld = std::unique_ptr<HardwareWorld> (*)();
 
-/// The promises of every backend of AudioHardware. A test program of a backend links the cases and
-/// instantiates them with its world:
+/// Requirements on every backend of AudioHardware. The test program of a backend links these cases
+/// and instantiates them with its world:
 ///
 ///     INSTANTIATE_TEST_SUITE_P(Simulated, AudioHardwareContract, ::testing::Values(&makeWorld));
 class AudioHardwareContract : public ::testing::TestWithParam<MakeHardwareWorld> {

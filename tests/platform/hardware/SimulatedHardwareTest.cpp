@@ -41,7 +41,7 @@ class SimulatedWorld final : public HardwareWorld {
     void setRoute(const std::string &uid, const std::string &route) override {
         hardware_.setIdentity(uid, {.card = "card", .route = route});
     }
-    void changeVolume(const std::string &) override {} // its devices have none
+    void changeVolume(const std::string &) override {} // its devices have no volume
     void loseServer() override { hardware_.loseConnection(-EPIPE); }
     bool waitUntil(const std::function<bool()> &condition) override {
         for (int step = 0; step < 1000 && !condition(); ++step)

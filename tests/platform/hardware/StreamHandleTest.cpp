@@ -5,7 +5,7 @@
 namespace quorbel {
 namespace {
 
-// Otherwise the data thread finds a null pointer in a stream that is being destroyed.
+// The data thread may still use the pointer while the stream is being destroyed.
 TEST(StreamHandle, KeepsItsPointerUntilTheStreamIsDestroyed) {
     pw_init(nullptr, nullptr);
     pw_loop *loop = pw_loop_new(nullptr);

@@ -9,7 +9,7 @@ namespace quorbel::desktop {
 
 namespace {
 
-/// Delay until our standstill is detected: one second and the 0.25 s between two looks.
+/// Time until our standstill is detected: one second plus the check interval of 0.25 s.
 constexpr Micros standstillTime = 1'250'000;
 
 } // namespace
@@ -112,7 +112,7 @@ bool Desktop::hasReadyDevice() const {
 void Desktop::startNodes(Application &application) {
     application.started = server.now;
     application.movedAt = -1;
-    application.hasObject = manager.isNewer; // it may be restored
+    application.hasObject = manager.isNewer; // the session manager may restore it
     application.silentSince = server.now;
     application.wasMovedByLinks = false;
     application.serials.clear();
@@ -173,7 +173,7 @@ void Desktop::fire(const Timer &timer) {
         if (!isServerUp || manager.isThere())
             break;
         manager.start();
-        for (Application &each : applications) // it restores targets before its devices come
+        for (Application &each : applications) // restores targets before its devices appear
             if ((ownsDevices_ || server.isDeaf) && !each.serials.empty() &&
                 manager.remembered.contains(each.halves.back().application))
                 each.isPinUncertain = true;
@@ -228,12 +228,12 @@ void Desktop::noteUnknownPins() {
     }
 }
 
-/// Users act on what they see, so not in the first moments.
+/// Users act only after they have seen a change, so not in its first moments.
 bool Desktop::canUserMove(const Application &application) const {
     return !application.serials.empty() && manager.isThere() &&
            server.now - application.started > 100'000 &&
-           server.now - killedAt_ > 100'000 && // a dead program's commands may arrive late,
-           // and so may those of a program that ends during a stall
+           server.now - killedAt_ > 100'000 && // commands of a killed program may arrive late,
+           // as may those of a program that stops during a stall
            (server.now > stalledUntil_ || server.now - stoppedAt_ > 1'000'000) &&
            server.now - manager.startTime() > 150'000 && application.halves.back().isPlayback();
 }
@@ -261,10 +261,10 @@ void Desktop::carryOut(const StormEvent &event) {
             break;
         const std::uint32_t id = playback(application)->id;
         int how = event.c % 5;
-        // "target.object" outweighs "target.node": a user of the latter alone has not set it.
+        // "target.object" overrides "target.node": users of the latter alone have not set it.
         if (application.hasObject && (how == 1 || how == 4))
             how = how == 1 ? 2 : 3;
-        // The server reports nothing when a user writes the value that we wrote.
+        // The server does not report a user's write of the value that we wrote.
         const bool isOneOfTwo = sharesName(application);
         if (how == 4 && (isOneOfTwo || !application.halves.back().ownTarget.empty()))
             how = 3;
@@ -443,13 +443,13 @@ void Desktop::runUntil(Micros time) {
         } else if (next == server.fromWatchdog.due()) {
             const Command command = server.fromWatchdog.pop();
             server.carryOut(command, true);
-            // A dying watchdog's last writes look like a user's move to the next program.
+            // The next client takes a dying watchdog's last writes for a user's move.
             if (client.isAlive())
                 for (Application &application : applications)
                     if (const Node *node = playback(application);
                         node != nullptr && node->id == command.id)
                         application.movedAt = server.now;
-            // A watchdog that ends between its writes leaves a pin half restored.
+            // A watchdog that dies between two writes leaves a pin half restored.
             if (client.wasWatchdogLost())
                 for (Application &application : applications)
                     application.isPinUncertain |= application.isAlive;
@@ -554,7 +554,7 @@ void Desktop::lookForFeedback() {
         fail("feedback");
 }
 
-/// The client must have acted on all events that it has received.
+/// Requires that the client has handled all events that it has received.
 void Desktop::lookAtView() {
     if (!client.isAlive() || client.router() == nullptr || !client.router()->isOn())
         return;

@@ -11,8 +11,8 @@
 
 namespace quorbel::desktop {
 
-/// A computer with devices, applications, a session manager and, in one of two worlds, us. It
-/// depends on the storm's seed and one clock only.
+/// Computer with devices, applications, a session manager and, in one of two worlds, our program.
+/// Depends only on the storm's seed and one clock.
 class Desktop {
   public:
     Desktop(const Storm &storm, bool hasUs);
@@ -44,8 +44,8 @@ class Desktop {
     void carryOut(const StormEvent &event);
     /// Lets an absent server or session manager return.
     void calm();
-    /// Marks the pins that we cannot know when we start: those that are not the target of any of
-    /// their program's streams.
+    /// Marks the pins that are unknown to us at start: no stream of their program has them as its
+    /// target.
     void noteUnknownPins();
     [[nodiscard]] const std::string &violation() const { return violation_; }
     void fail(std::string text);
@@ -81,10 +81,10 @@ class Desktop {
 
     bool hasUs_;
     std::uint64_t seed_;
-    bool ownsDevices_; ///< the session manager
+    bool ownsDevices_; ///< true if the session manager owns the devices
     int duplexDevice_ = -1;
     std::vector<Timer> timers_;
-    Micros killedAt_ = 0; ///< our program, in either world
+    Micros killedAt_ = 0; ///< last kill of our program, in either world
     Micros stoppedAt_ = -2'000'000;
     Micros goodSince_ = 0, stalledUntil_ = 0, feedbackSince_ = -1;
     bool isDeviceReady_ = false;

@@ -12,14 +12,14 @@ namespace {
 
 using Application = Desktop::Application;
 
-/// A node as the search for feedback sees it.
+/// Properties of a node for the feedback search.
 struct Hearer {
     std::uint32_t id = 0;
     bool isPlayback = false, isTap = false, isDevice = false, isDuplex = false;
     std::string_view linkGroup, client, process;
 };
 
-/// The paths of sound, in truth or in the client's view.
+/// Sound paths, on the server or in the client's view.
 struct Graph {
     std::vector<Hearer> nodes;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> links; ///< from output to input
@@ -56,7 +56,7 @@ bool areOneProgram(const Hearer &listener, const Hearer &player) {
             (same(listener.client, player.client) || same(listener.process, player.process)));
 }
 
-/// Nodes at which the sound of `from` arrives, through links and programs; `from` is the first.
+/// Nodes that the sound of `from` reaches through links and programs; `from` is the first.
 std::vector<std::uint32_t> reachedFrom(const Graph &graph, std::uint32_t from) {
     std::vector<std::uint32_t> reached{from};
     const auto add = [&](std::uint32_t id) {
@@ -81,8 +81,7 @@ std::vector<std::uint32_t> reachedFrom(const Graph &graph, std::uint32_t from) {
     return reached;
 }
 
-/// Name of the node that a value of the metadata names; "absent" if there is none, empty without a
-/// value.
+/// Name of the node that a metadata value refers to; "absent" for no such node, empty for no value.
 std::string nameOf(const SimulatedServer &server, std::uint32_t subject, const char *key) {
     const MetadataValue *target = server.value(subject, key);
     if (target == nullptr || target->value == "-1")
@@ -167,7 +166,7 @@ std::string wrongStream(const Desktop &desktop, const Desktop &without, std::siz
         !isRunning || !isRoutable(*node->traits) || application.movedAt >= 0 ||
         desktop.client.leavesAlone(node->traits->application) ||
         application.kind == Desktop::Kind::virtualSink || isCopyOfNothing(desktop.server, *node) ||
-        // Restored after our own value, which no client hears of: captured at the next try.
+        // No client hears of a value restored after ours: the next retry captures the stream.
         (desktop.server.isDeaf && application.isPinUncertain) ||
         hears(desktop.server, output->id, node->id);
     if (!mayBeElsewhere)

@@ -16,7 +16,7 @@ bool hears(const SimulatedServer &server, std::uint32_t from, std::uint32_t to);
 /// the output; empty if there is none.
 std::string fedBack(const SimulatedClient &client);
 
-/// The name of the node that the stream's metadata names as its target; empty if none.
+/// Name of the stream's target node in its metadata or properties; empty if there is none.
 std::string chosenTarget(const SimulatedServer &server, const Node &node);
 
 /// Fault of the desktop at rest, compared with one without us; empty if there is none.

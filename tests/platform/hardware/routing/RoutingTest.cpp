@@ -32,7 +32,7 @@ TEST(RoutedStream, ALineCutShortIsRefused) {
     const RoutedStream stream{
         7, 8, 9, 0, MetadataValue{"Spa:Id", "39"}, MetadataValue{"Spa:Id", "36"}};
     const std::string line = stream.encoded();
-    // Only the last value could lose characters unnoticed, as a shorter value.
+    // Every cut drops the whole last value: a truncated one is a valid shorter value.
     for (std::size_t length = 0; length + 3 < line.size(); ++length)
         EXPECT_FALSE(RoutedStream::decode(line.substr(0, length))) << line.substr(0, length);
     for (const char *text : {"routed", "routed 1 2 3 0 = - - - - -", "routed x 2 3 0 = - - - -",

@@ -24,7 +24,7 @@ Command metadataCommand(std::uint32_t subject, const char *key,
             .value = value.value_or(MetadataValue{})};
 }
 
-/// The server as a watchdog finds it, and its commands.
+/// Watchdog's snapshot of the server, and its commands.
 class Watchdog final : public ServerCommands {
   public:
     explicit Watchdog(SimulatedServer &server) : server_(server) {
@@ -114,7 +114,7 @@ bool SimulatedClient::leavesAlone(const std::string &program) const {
     return !rules_.rules.empty() && rules_.rules.front().program.name == program;
 }
 
-/// The journal as the watchdog and the next start read it.
+/// Returns the journal as read by the watchdog and the next start.
 RouteLedger SimulatedClient::written() const {
     RouteLedger result;
     for (const RoutedStream &stream : ledger_.streams())
@@ -161,7 +161,7 @@ void SimulatedClient::start() {
     router_ = std::make_unique<StreamRouter>(*objects_, *this, ledger_);
     router_->setRules(rules_);
     if (server_.isClientThere && objects_->hasMetadata())
-        bindMetadata(); // its changes may have been missed
+        bindMetadata(); // changes may have been missed
     tick();
 }
 
@@ -279,7 +279,7 @@ void SimulatedClient::look() {
     }
     const double next = supervisor_.nextLook(seconds());
     nextLook_ = hasPair_ && std::isfinite(next) ? static_cast<Micros>(next * 1e6) + 1 : INT64_MAX;
-    if (hasPair_ && ledger_.size() > 0) // with the beats for the watchdog
+    if (hasPair_ && ledger_.size() > 0) // together with the watchdog's heartbeats
         nextLook_ = std::min(nextLook_, server_.now - server_.now % beatTime + beatTime);
 }
 
@@ -294,7 +294,7 @@ void SimulatedClient::bindMetadata() {
     send({.kind = Command::Kind::bindMetadata, .serial = ++binding_});
 }
 
-/// Reports the values that the binding has shown but no event has.
+/// Reports values of the new binding that arrived in no event.
 void SimulatedClient::tellDifferences() {
     const auto found = [&](const Table::key_type &where) {
         const MetadataValue *value = valueIn(bound_, where.first, where.second.c_str());
@@ -422,7 +422,7 @@ void SimulatedClient::take(const Event &event) {
             finishStop();
         break;
     }
-    if (server_.toClient.due() > server_.now) // after the last of the events that came together
+    if (server_.toClient.due() > server_.now) // after the last event of a batch
         tick();
 }
 
@@ -463,7 +463,7 @@ void SimulatedClient::tick() {
         comebackAt_ = INT64_MAX;
         supervisor_.reset();
     }
-    // All objects are known, and so is the kind of tap that is needed.
+    // With the metadata, all objects and thus the required kind of tap are known.
     if (wantsOn_ && !hasPair_ && comebackAt_ == INT64_MAX && objects_->hasMetadata())
         createPair();
     router_->checkDeadlines();
@@ -550,7 +550,7 @@ void SimulatedClient::watchdogFinished() {
 
 void SimulatedClient::serverDied() {
     wasWatchdogLost_ = false;
-    // The journal names the server's run, so its lines do not count for the next one.
+    // Lines of the journal name a run of the server and are invalid in the next run.
     ledger_.clear();
     watchAt_ = INT64_MAX;
     isWatching_ = false;

@@ -14,30 +14,30 @@ namespace quorbel::desktop {
 
 enum class Published { off, starting, running, error };
 
-/// Our program as the server sees it: its streams, router and supervisor, its journal, which the
-/// next start reads, and the watchdog that follows it.
+/// Our program as seen by the server: its streams, router and supervisor, its journal (read at the
+/// next start) and its watchdog.
 class SimulatedClient final : public ServerCommands {
   public:
     explicit SimulatedClient(SimulatedServer &server) : server_(server) {}
 
-    std::string chosenDevice; ///< name; empty: the default
+    std::string chosenDevice; ///< by name; empty for the default
 
     void start();
     void stop();
-    /// Ends at once; the first `kept` commands under way still arrive.
+    /// Ends at once; only the first `kept` commands in transit still arrive.
     void die(std::size_t kept, bool withWatchdog);
     void serverDied();
     /// The current streams stop running cycles.
     void hang();
     [[nodiscard]] bool hangs() const { return hangs_; }
-    /// Adds the rule that leaves a program alone, or removes it.
+    /// Adds or removes the rule that excludes a program from processing.
     void toggleRule(const std::string &program);
     [[nodiscard]] bool leavesAlone(const std::string &program) const;
     void take(const Event &event);
-    /// Acts on the deadlines that have passed.
+    /// Handles the deadlines that have expired.
     void tick();
     [[nodiscard]] Micros due() const;
-    /// Starts the watchdog: the dead client's commands have all arrived.
+    /// Starts the watchdog, after the dead client's last command has arrived.
     void watch();
     void watchdogFinished();
     /// True until the next start if the watchdog died too.
@@ -109,7 +109,7 @@ class SimulatedClient final : public ServerCommands {
     Micros stopDeadline_ = INT64_MAX, comebackAt_ = INT64_MAX, reconnectAt_ = INT64_MAX,
            watchAt_ = INT64_MAX, nextLook_ = INT64_MAX;
     std::uint64_t binding_ = 0, awaitedReleases_ = 0;
-    Table bound_; ///< values of the binding under way
+    Table bound_; ///< values of the current binding
     RoutingEnds ends_;
     int nextHandle_ = 1, tapHandle_ = 0, outHandle_ = 0;
     std::uint64_t tapSerial_ = 0, outSerial_ = 0;
@@ -120,7 +120,7 @@ class SimulatedClient final : public ServerCommands {
     std::vector<OwnLink> outputLinks_;
     bool isWatching_ = false, wasWatchdogLost_ = false;
     std::map<std::uint32_t, std::string> ownTargets_; ///< by stream, as last written
-    /// Since the binding under way was begun; without a value it is a deletion.
+    /// Writes since the current binding began; a missing value is a deletion.
     std::map<Table::key_type, std::optional<MetadataValue>> ownWrites_;
 };
 

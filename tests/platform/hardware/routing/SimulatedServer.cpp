@@ -104,9 +104,8 @@ void SimulatedServer::tell(const Event &event) {
     tellClient(event);
 }
 
-/// Returns the lowest free id, so that ids are reused at once. Where values outlive their nodes,
-/// our nodes have their own range: otherwise other streams would inherit other values than without
-/// us.
+/// Returns the lowest free id, so that ids are reused at once. If values outlive their nodes, our
+/// nodes use a separate range: other streams then inherit the same values as without us.
 std::uint32_t SimulatedServer::freeNodeID(bool isOurs) const {
     std::uint32_t id = isOurs && keepsValues ? 500 : 30;
     while (std::any_of(nodes.begin(), nodes.end(), [&](const Node &node) { return node.id == id; }))
@@ -292,7 +291,7 @@ void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
         Node *input = find(command.other);
         if (node == nullptr || input == nullptr)
             break;
-        if (!node->traits->isPlayback()) { // the monitor of a sink, to what records it
+        if (!node->traits->isPlayback()) { // links a sink's monitor to its recorder
             if (input->count(true) != node->count(true))
                 setPorts(*input, node->count(true));
         } else if (!input->traits->isStream()) {
@@ -304,7 +303,7 @@ void SimulatedServer::carryOut(const Command &command, bool isWatchdog) {
         } else if (node->count(false) != input->count(true)) {
             setPorts(*input, node->count(false));
         }
-        // Some session managers lose a link without noticing.
+        // Simulates session managers that lose a link unnoticed.
         if (!input->traits->isTap() || !losesTapLinks || !chance(random, 30))
             connectByChannel(*node, *input, Owner::manager);
         break;

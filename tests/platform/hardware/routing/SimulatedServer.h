@@ -15,8 +15,8 @@ namespace quorbel::desktop {
 
 using Micros = std::int64_t;
 
-/// SplitMix64 (Steele, Lea, Flood 2014). Seeded from seed and time at every step of a world:
-/// an event removed from a storm then changes only what depends on it.
+/// SplitMix64 (Steele, Lea, Flood 2014). Seeded from seed and time at every step of a world, so
+/// removing a storm event changes only what depends on it.
 class Random {
   public:
     explicit Random(std::uint64_t seed, Micros now = 0)
@@ -50,19 +50,19 @@ enum class Class : std::uint8_t {
 /// Properties of a node, constant for its life except `isAnswered`.
 struct NodeTraits {
     std::string name;
-    std::string application; ///< by which the session manager remembers targets
+    std::string application; ///< key of the targets that the session manager remembers
     Class mediaClass = Class::playback;
     int channels = 2; ///< of the device or the application
     int slot = -1;    ///< of the application or device in the storm
     int handle = 0;   ///< of one of our own nodes
     bool isAutoconnected = true;
-    bool isFixed = false; ///< node.dont-reconnect or one of its kind
+    bool isFixed = false; ///< node.dont-reconnect or a similar property
     bool recordsSink = false;
-    bool isDuplex = false; ///< of a sink: it records too, and its outputs are no monitors
+    bool isDuplex = false; ///< sink that also records; its outputs are not monitors
     bool isPulse = false;
     bool isAnswered = false;
     std::string fixedKey;
-    std::string ownTarget; ///< target.object among the properties
+    std::string ownTarget; ///< property target.object
     std::string linkGroup;
     std::string client;
     std::string process;
@@ -91,7 +91,7 @@ struct Node {
     std::uint64_t serial = 0;
     Traits traits;
     std::vector<PortRecord> ports;
-    bool isStuck = false; ///< suspended under a running graph
+    bool isStuck = false; ///< suspended while the graph runs
     bool ran = false;     ///< as last reported to its owner
     Micros birth = 0;
 
@@ -109,19 +109,19 @@ struct Link {
     std::uint32_t id = 0;
     std::uint32_t outputNode = 0, inputNode = 0, outputPort = 0, inputPort = 0;
     Owner owner = Owner::user;
-    std::uint64_t handle = 0; ///< of one of our own
+    std::uint64_t handle = 0; ///< of one of our own links
     bool isPassive = false;
 };
 
 /// Values of the "default" metadata, by subject and key.
 using Table = std::map<std::pair<std::uint32_t, std::string>, MetadataValue>;
 
-/// Null if the table has no such value.
+/// Returns null if the table has no such value.
 inline const MetadataValue *valueIn(const Table &table, std::uint32_t subject, const char *key) {
     const auto found = table.find({subject, key});
     return found == table.end() ? nullptr : &found->second;
 }
-/// Sets a value, or erases it without one.
+/// Sets a value; erases it if `value` is empty.
 inline void put(Table &table, std::uint32_t subject, const std::string &key,
                 const std::optional<MetadataValue> &value) {
     if (value)
@@ -130,7 +130,7 @@ inline void put(Table &table, std::uint32_t subject, const std::string &key,
         table.erase({subject, key});
 }
 
-/// An event of the server for one of the parties.
+/// Event from the server to the session manager or our client.
 struct Event {
     enum class Kind : std::uint8_t {
         nodeAdded,
@@ -150,7 +150,7 @@ struct Event {
     };
     Kind kind{};
     std::uint32_t id = 0;
-    std::uint64_t serial = 0; ///< or the number of the round trip or binding
+    std::uint64_t serial = 0; ///< or number of the round trip or binding
     Traits traits{};
     PortRecord port{};
     Link link{};
@@ -180,15 +180,15 @@ inline Event metadataEvent(std::uint32_t subject, const std::string &key,
     return event;
 }
 
-/// A command of one of the parties.
+/// Command from the session manager, our client or the watchdog.
 struct Command {
     enum class Kind : std::uint8_t {
         setMetadata,
         deleteMetadata,
         createNode,
         destroyNode,
-        connect,    ///< two nodes as the session manager does, with their ports
-        disconnect, ///< the session manager's links of a stream
+        connect,    ///< sets the ports of two nodes and links them, as the session manager does
+        disconnect, ///< removes the session manager's links of a stream
         createLink,
         destroyLink,
         removeLink, ///< by its id
@@ -197,7 +197,7 @@ struct Command {
         sync,
         bindNode,
         bindMetadata,
-        leave, ///< the connection ends
+        leave, ///< ends the connection
     };
     Kind kind{};
     std::uint32_t id = 0;
@@ -210,8 +210,7 @@ struct Command {
     Micros due = 0;
 };
 
-/// The queue of one direction between the server and a party: first in, first out, each message
-/// after a latency of its own.
+/// FIFO queue for one direction between the server and a party; each message has its own latency.
 template <typename Message> class Line {
   public:
     void push(Message message, Micros now, Random &random) {
@@ -219,7 +218,7 @@ template <typename Message> class Line {
         const Micros latency = kind == 0   ? 1000 + below(random, 15000)
                                : kind < 12 ? 20 + below(random, 300)
                                            : 200 + below(random, 2500);
-        // Messages sent at one moment arrive together.
+        // Messages sent at the same time arrive together.
         message.due = pushed_ == now && !messages_.empty() ? messages_.back().due : now + latency;
         pushed_ = now;
         if (!messages_.empty() && messages_.back().due > message.due)
@@ -239,7 +238,7 @@ template <typename Message> class Line {
         return message;
     }
     void clear() { messages_.clear(); }
-    /// Keeps the first `kept` messages under way.
+    /// Keeps only the first `kept` messages in transit.
     void cut(std::size_t kept) {
         if (kept < messages_.size())
             messages_.resize(kept);
@@ -265,10 +264,10 @@ class SimulatedServer {
 
     Random random; ///< of latencies
     Micros now = 0;
-    Micros disturbedAt = 0; ///< when another client last suspended or removed a stream of ours
+    Micros disturbedAt = 0; ///< last time another client suspended or removed our stream
     bool hasMetadata = false;
     bool keepsValues = false; ///< keeps the values of removed nodes
-    bool isDeaf = false;      ///< reports changed metadata to the session manager alone
+    bool isDeaf = false;      ///< reports changed metadata only to the session manager
     bool losesTapLinks = false;
     bool hasChanged = true; ///< since the last check of the invariants
     std::vector<Node> nodes;
@@ -326,7 +325,7 @@ class SimulatedServer {
     void lookAtStates();
     std::uint32_t freeNodeID(bool isOurs) const;
 
-    std::vector<std::uint64_t> taps_; ///< serials of all
+    std::vector<std::uint64_t> taps_; ///< serials of all taps so far
     std::uint64_t nextSerial_ = 100;
     std::uint32_t nextPort_ = 1000, nextLink_ = 5000;
 };

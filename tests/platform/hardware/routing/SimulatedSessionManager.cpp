@@ -92,7 +92,7 @@ void SimulatedSessionManager::take(const Event &event) {
         const bool wasConfigured =
             std::find(configured_.begin(), configured_.end(), event.serial) != configured_.end();
         items_.push_back({event.id, event.serial, event.traits, 0, 0, wasConfigured && !isNewer});
-        if (wasThere && snapshot_ == 0) { // all nodes of the start at once
+        if (wasThere && snapshot_ == 0) { // restores the initial nodes together
             const auto items = items_;
             for (const Item &item : items)
                 restore(item);
@@ -144,7 +144,7 @@ void SimulatedSessionManager::take(const Event &event) {
     }
 }
 
-/// The last event decides, of either key.
+/// Stores the target of the latest event, for either key.
 void SimulatedSessionManager::remember(std::uint32_t subject, const std::string &key,
                                        const std::optional<MetadataValue> &value) {
     const auto stream = std::find_if(items_.begin(), items_.end(), [&](const Item &item) {
@@ -178,8 +178,8 @@ void SimulatedSessionManager::restore(const Item &item) {
         }
 }
 
-/// False if the two belong to one link group, directly or through the node on which the target's
-/// group plays.
+/// Returns false if both belong to one link group, directly or through the node that the target's
+/// group plays to.
 bool SimulatedSessionManager::canLink(const Item &item, const Item &target, int hops) const {
     const std::string &group = item.traits->linkGroup;
     const std::string &other = target.traits->linkGroup;
@@ -230,7 +230,7 @@ const SimulatedSessionManager::Item *SimulatedSessionManager::target(const Item 
     if (const Item *found = named(default_))
         return found;
     if (named("") == nullptr && !default_.empty())
-        for (const Item &other : items_) // the default is of the stream's own group
+        for (const Item &other : items_) // the default is in the stream's own link group
             if (other.traits->isDevice() && isTarget(other))
                 return &other;
     return nullptr;

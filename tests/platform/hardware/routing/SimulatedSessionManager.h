@@ -6,8 +6,8 @@
 
 namespace quorbel::desktop {
 
-/// Links streams to their targets and remembers targets per application, as the session managers of
-/// the 0.4 and of the 0.5 series do. Sees the server through its line only.
+/// Links streams to their targets and remembers targets per application, as session managers of the
+/// 0.4 and 0.5 series do. Sees the server only through its Line.
 class SimulatedSessionManager {
   public:
     SimulatedSessionManager(SimulatedServer &server, std::uint64_t seed)
@@ -17,15 +17,15 @@ class SimulatedSessionManager {
     bool isNewer = false; ///< as 0.5: also links streams that are older than itself
     bool suspendsOutputs = false;
     std::map<std::string, std::string> remembered; ///< application -> name of its target
-    std::string configuredDefault;                 ///< by the user
+    std::string configuredDefault;                 ///< chosen by the user
 
     void start();
     void stop();
     [[nodiscard]] bool isThere() const { return server_.isManagerThere; }
     void take(const Event &event);
     [[nodiscard]] Micros due() const { return defaultDue_; }
-    void followDefault(); ///< when due
-    /// True if the stream is older than this session manager, which therefore does not link it.
+    void followDefault(); ///< called when due
+    /// True if the session manager does not link the stream because it is older.
     [[nodiscard]] bool isOld(std::uint64_t serial) const;
     void chooseDefault(const std::string &name);
     [[nodiscard]] Micros startTime() const { return startTime_; }
@@ -35,7 +35,7 @@ class SimulatedSessionManager {
         std::uint32_t id = 0;
         std::uint64_t serial = 0;
         Traits traits;
-        int inputs = 0; ///< ports that are no monitors
+        int inputs = 0; ///< input ports, except monitors
         std::uint64_t peer = 0;
         bool isOld = false;
     };
@@ -56,7 +56,7 @@ class SimulatedSessionManager {
     std::string default_;
     Micros defaultDue_ = INT64_MAX;
     Micros startTime_ = 0;
-    std::size_t snapshot_ = 0;              ///< nodes still to come of those present at its start
+    std::size_t snapshot_ = 0;              ///< pending events of nodes present at its start
     std::vector<std::uint64_t> configured_; ///< streams that had ports at its start
 };
 

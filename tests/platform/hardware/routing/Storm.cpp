@@ -37,7 +37,7 @@ constexpr std::array<Weight, static_cast<std::size_t>(count)> weights{{
     {deafen, "deafen", 1},
     {stall, "stall", 1},
     {hang, "hang", 1},
-    {leaveAlone, "leave alone", 0}, // added apart, to one storm of four
+    {leaveAlone, "leave alone", 0}, // added separately, to every fourth storm
 }};
 
 StormEvent::Kind randomKind(Random &random) {
@@ -108,7 +108,7 @@ std::string run(const Storm &storm) {
             each->carryOut(event);
         }
     }
-    // Checks the desktop as the storm has left it, then after a stop.
+    // Checks the desktop after the storm, then after a stop.
     for (const bool stops : {false, true}) {
         for (Desktop *each : {&desktop, &without}) {
             if (stops)
@@ -117,7 +117,7 @@ std::string run(const Storm &storm) {
             each->runUntil(end + quiet);
         }
         end += quiet;
-        // Streams that were just retried, or that hang, have not settled yet.
+        // Waits for streams that were just retried or that hang to settle.
         for (int i = 0; i < 12 && desktop.client.hasSomethingDue(); ++i) {
             end += unsettled;
             for (Desktop *each : {&desktop, &without})
@@ -136,7 +136,7 @@ Storm reduced(Storm storm) {
         return wrong;
     };
     const std::string wanted = kindOf(run(storm));
-    // Large pieces first: most runs are saved there.
+    // Tries large pieces first, which saves the most runs.
     for (std::size_t piece = storm.events.size() / 2; piece > 0;) {
         bool removed = false;
         for (std::size_t first = 0; first < storm.events.size();) {

@@ -35,11 +35,11 @@ struct StormEvent {
         count
     };
     Kind kind{};
-    int a = 0, b = 0, c = 0; ///< which application, which device, how
+    int a = 0, b = 0, c = 0; ///< application, device, manner
     Micros at = 0;
 };
 
-/// The whole input of a run: the same storm always runs the same way.
+/// Complete input of a run: equal storms give equal runs.
 struct Storm {
     std::uint64_t seed = 0;
     std::vector<StormEvent> events;
@@ -48,13 +48,13 @@ struct Storm {
     [[nodiscard]] std::string text() const;
 };
 
-/// One line.
+/// Returns a description of one line.
 std::string text(const StormEvent &event);
 
 /// Returns the first violation in a storm; empty if there is none.
 std::string run(const Storm &storm);
 
-/// Removes the events that a failing storm does not need to fail.
+/// Removes the events that a failing storm does not need to show its fault.
 Storm reduced(Storm storm);
 
 } // namespace quorbel::desktop

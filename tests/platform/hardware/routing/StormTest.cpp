@@ -13,7 +13,7 @@ constexpr int usualStorms = 600;
 constexpr int usualStorms = 20'000;
 #endif
 constexpr int slowStorms = 2'000'000;
-constexpr int parts = 2; ///< run side by side
+constexpr int parts = 2; ///< run in parallel
 constexpr int stormLength = 200;
 
 std::uint64_t number(const char *variable, std::uint64_t otherwise) {
@@ -21,7 +21,7 @@ std::uint64_t number(const char *variable, std::uint64_t otherwise) {
     return text == nullptr ? otherwise : std::strtoull(text, nullptr, 10);
 }
 
-/// One part of the storms. QUORBEL_STORMS is the number of all, QUORBEL_STORM the first seed.
+/// One part of the storms; QUORBEL_STORMS sets their total number, QUORBEL_STORM the first seed.
 class Storms : public testing::TestWithParam<int> {};
 
 INSTANTIATE_TEST_SUITE_P(Part, Storms, testing::Range(0, parts));
