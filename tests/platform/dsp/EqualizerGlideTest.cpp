@@ -142,9 +142,9 @@ TEST(EqualizerGlide, theGlobalGainMovesWithoutAStep) {
     EXPECT_LE(largestStep(all.subspan(24000, 48000)), 1.5F * largestStep(all.subspan(84000)));
 }
 
-/// Returns the energy outside 900 to 1100 Hz, in dB, of a 1 kHz sine at -12 dBFS. A band sweeps from
-/// -12 to +12 dB in one second, with half a second of rest on both sides. Its gain changes every
-/// `updateFrames`, at the first block that begins then or later.
+/// Returns the energy outside 900 to 1100 Hz, in dB, of a 1 kHz sine at -12 dBFS. A band sweeps
+/// from -12 to +12 dB in one second, with half a second of rest on both sides. Its gain changes
+/// every `updateFrames`, at the first block that begins then or later.
 double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t updateFrames,
                        std::size_t block) {
     ParametricEqualizer equalizer(1);

@@ -173,7 +173,7 @@ void Desktop::fire(const Timer &timer) {
         if (!isServerUp || manager.isThere())
             break;
         manager.start();
-        for (Application &each : applications) // restores targets before its devices appear
+        for (Application &each : applications) // targets are restored before their devices appear
             if ((ownsDevices_ || server.isDeaf) && !each.serials.empty() &&
                 manager.remembered.contains(each.halves.back().application))
                 each.isPinUncertain = true;
@@ -232,7 +232,7 @@ void Desktop::noteUnknownPins() {
 bool Desktop::canUserMove(const Application &application) const {
     return !application.serials.empty() && manager.isThere() &&
            server.now - application.started > 100'000 &&
-           server.now - killedAt_ > 100'000 && // commands of a killed program may arrive late,
+           server.now - killedAt_ > 100'000 && // a dead program's commands may arrive late,
            // as may those of a program that stops during a stall
            (server.now > stalledUntil_ || server.now - stoppedAt_ > 1'000'000) &&
            server.now - manager.startTime() > 150'000 && application.halves.back().isPlayback();
