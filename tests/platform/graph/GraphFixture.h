@@ -80,7 +80,6 @@ class TestOutput final : public HardwareOutput {
         StreamFormat native{48000.0, 2};
         RenderClient *client = nullptr;
 
-        void changeFormat(double rate) { client->renderFormatChanged({rate, 2}); }
         Stereo play(std::uint32_t frames) {
             Stereo result(frames);
             client->renderCycle(result.view(), frames);

@@ -51,7 +51,6 @@ class SimulatedClient final : public ServerCommands {
     [[nodiscard]] bool isAlive() const { return isAlive_; }
     [[nodiscard]] bool wantsOn() const { return wantsOn_; }
     [[nodiscard]] Published published() const { return published_; }
-    [[nodiscard]] bool isWatching() const { return isWatching_; }
     [[nodiscard]] const ServerObjects &objects() const { return *objects_; }
     [[nodiscard]] const RouteLedger &ledger() const { return ledger_; }
     [[nodiscard]] const StreamRouter *router() const { return router_.get(); }

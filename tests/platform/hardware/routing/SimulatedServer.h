@@ -56,7 +56,6 @@ struct NodeTraits {
     int slot = -1;    ///< of the application or device in the storm
     int handle = 0;   ///< of one of our own nodes
     bool isAutoconnected = true;
-    bool isFixed = false; ///< node.dont-reconnect or a similar property
     bool recordsSink = false;
     bool isDuplex = false; ///< sink that also records; its outputs are not monitors
     bool isPulse = false;
