@@ -19,7 +19,7 @@ TEST_F(WindowTest, ImportsAndExportsThroughTheDesktopsFileDialogs) {
     pressButton("Open");
     EXPECT_TRUE(soonShows({"list item", "Evening on paper"}));
 
-    // The folder of the import, and the preset's name with the extension of the filter.
+    // Offers the import's folder and the preset's name with the filter's extension.
     const std::filesystem::path exported = folder / "Evening on paper.json";
     pressButton("Export preset", "Evening on paper");
     const Sought name{"text", "File name:"};

@@ -33,7 +33,7 @@ class LevelTest : public WindowTest {
     [[nodiscard]] static bool isHidden(const Sought &what) {
         return desktop("hides", what.role, what.name, what.description) == true;
     }
-    /// Whether the tell-tale comes to this peak of the samples.
+    /// Waits until the held peak shows this sample peak.
     [[nodiscard]] static testing::AssertionResult soonHolds(const std::string &peak) {
         std::string seen;
         if (comesTrue(3.0, [&] {

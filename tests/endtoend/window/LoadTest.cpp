@@ -10,7 +10,7 @@
 namespace quorbel {
 namespace {
 
-/// Noise in beats, four a second: every bar of the spectrum moves.
+/// Noise in four beats per second, which moves every bar of the spectrum.
 class Beats : public Sound {
   public:
     void fill(std::uint64_t, float *left, float *right, std::uint32_t frames) noexcept override {
@@ -23,7 +23,7 @@ class Beats : public Sound {
 
   private:
     float noise() noexcept {
-        seed_ = seed_ * 1664525U + 1013904223U; // a linear congruence is noise enough
+        seed_ = seed_ * 1664525U + 1013904223U; // a linear congruential generator
         return static_cast<float>(static_cast<std::int32_t>(seed_)) / 0x1p31F;
     }
 
@@ -32,7 +32,7 @@ class Beats : public Sound {
     float loudness_ = 0.0F;
 };
 
-/// The share of a core that a process takes, the least of three: what else the machine does only
+/// Share of a core that a process takes; the least of three measurements, because other load only
 /// adds to it.
 double loadOf(pid_t process, const Recorder &clock) {
     constexpr double seconds = 2.0;
@@ -75,7 +75,7 @@ TEST_F(WindowTest, CostsLittleAndLessWhileMinimised) {
     EXPECT_LT(shown, 0.25);
     EXPECT_LT(minimised, 0.05);
     EXPECT_LT(memory, 110.0);
-    EXPECT_LT(whilePlaying, 14.0); // the watchdog's 4, the analyses' 2 and the machine's own
+    EXPECT_LT(whilePlaying, 14.0); // watchdog 4, analyses 2, and the machine's own
     EXPECT_LE(idle, 2.0);
 }
 

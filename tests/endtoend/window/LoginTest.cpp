@@ -17,7 +17,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// Logins to a session whose bus can start the program, as where the package is installed.
+/// Logins to a session whose bus can start the program, as with the package installed.
 class LoginTest : public WindowTest {
   protected:
     static constexpr const char *service = "com.quorbel.Ostrafine";
@@ -29,7 +29,7 @@ class LoginTest : public WindowTest {
         std::filesystem::remove(serviceFile());
     }
 
-    /// `wrapper` runs the program for the bus.
+    /// Lets the bus start the program, through `wrapper`.
     static void install(const std::string &wrapper = "") {
         std::ofstream(serviceFile())
             << "[D-BUS Service]\nName=" << service << "\nExec=" << wrapper << programPath() << '\n';
@@ -68,12 +68,12 @@ class LoginTest : public WindowTest {
     [[nodiscard]] static bool soonEnds() {
         return comesTrue(20.0, [] { return process() == 0; });
     }
-    /// Calls a method of the desktop's entry, for which the bus starts the program if it must.
+    /// Calls a method of the desktop entry; the bus starts the program if needed.
     static void request(const std::string &method, const std::vector<std::string> &arguments) {
         const auto asked = call(service, "org.freedesktop.Application." + method, arguments);
         EXPECT_EQ(asked->exitStatusWithin(0.0), 0) << asked->errors();
     }
-    /// From a frame of the recording on until the tone first has that level.
+    /// Seconds from a frame of the recording until the tone first has that level.
     [[nodiscard]] double secondsUntil(double levelDB, std::size_t frame) const {
         constexpr std::size_t step = 480;
         const double length = static_cast<double>(speakers().frames() - frame) / sampleRate;
@@ -99,7 +99,7 @@ class LoginTest : public WindowTest {
         return call("org.freedesktop.DBus", "org.freedesktop.DBus." + method,
                     argument.empty() ? std::vector<std::string>() : std::vector{argument});
     }
-    /// Calls a method of the object that has its owner's name.
+    /// Calls a method of the object whose path follows from its owner's name.
     static std::unique_ptr<ChildProcess> call(const std::string &owner, const std::string &method,
                                               const std::vector<std::string> &arguments) {
         std::string object = '/' + owner;

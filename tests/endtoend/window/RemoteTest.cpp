@@ -8,7 +8,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/// What a desktop does for an action of the menu entry.
+/// Requests an action of the menu entry as desktops do.
 void activate(const PrivateSoundServer &server, const std::string &action) {
     const auto call =
         server.start({"gdbus", "call", "--session", "--dest=com.quorbel.Ostrafine",
@@ -50,7 +50,7 @@ TEST_F(WindowTest, ObeysACommandLikeItsUser) {
     EXPECT_EQ(ctl({"toggle"}).status, 0);
     EXPECT_TRUE(soonShows({"label", "STOPPED"}));
 
-    // What processes is asked, and otherwise what is still there.
+    // Requests go to the processing program, otherwise to the remaining one.
     auto live = std::make_unique<LiveProcess>(server(), LiveSettings::flat());
     live->waitUntilRunning();
     EXPECT_TRUE(comesTrue(

@@ -7,7 +7,7 @@
 namespace quorbel {
 namespace {
 
-/// The gain of a band in what is saved.
+/// The saved gain of a band.
 std::optional<double> savedGain(const nlohmann::json &settings, std::size_t band) {
     const auto bands = settings.find("bands");
     if (bands == settings.end() || bands->size() <= band)
@@ -111,7 +111,7 @@ TEST_F(WindowTest, ASecondStartShowsTheFirst) {
 
     desktop("minimise");
     ASSERT_TRUE(comesTrue(2.0, [&] { return desktop("is_in_front") == false; }));
-    // From a file manager that the bus has started.
+    // As a file manager does that the bus has started.
     EXPECT_EQ(start({{"DBUS_STARTER_BUS_TYPE", "session"}})->exitStatusWithin(5.0), 0);
     EXPECT_TRUE(comesTrue(2.0, [&] { return desktop("is_in_front") == true; }));
     EXPECT_TRUE(program().running());

@@ -16,7 +16,7 @@ Desktop::Desktop(const PrivateSoundServer &session) {
     const auto pipe = session.folder() / "desktop";
     if (mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR) != 0)
         throw ServerError("no pipe to the desktop");
-    pipe_ = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC); // waits for no reader
+    pipe_ = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC); // does not wait for a reader
     const char *installed = std::getenv("QUORBEL_DESKTOP");
     process_ = session.start({installed != nullptr ? installed : QUORBEL_DESKTOP, pipe});
     display_ = answer("the display");
@@ -53,8 +53,8 @@ std::unique_ptr<WindowTest::Session> WindowTest::session_;
 
 namespace {
 
-/// The complaints of a program. Qt 6.8 tells on standard error when we ask about an object
-/// that has gone since we heard of it, which is our doing.
+/// The program's messages on standard error, except those of Qt 6.8 about requests of ours for
+/// objects that have gone meanwhile.
 std::string complaints(const ChildProcess &program) {
     std::istringstream lines(program.errors());
     std::string complaints;
@@ -173,7 +173,7 @@ std::string WindowTest::programName() {
 }
 
 testing::AssertionResult WindowTest::soonHears(double levelDB, double tolerance) const {
-    // 0.2 s whose second half is like the first: neither a fade nor a moment of both sounds.
+    // Requires 0.1 s twice at the same level, which excludes fades.
     constexpr std::size_t half = 4800;
     double level = 0.0;
     const std::size_t start = speakers_->frames();

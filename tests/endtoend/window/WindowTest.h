@@ -16,7 +16,7 @@ namespace quorbel {
 
 using namespace soundserver;
 
-/// The desktop around the window, which desktop.py plays: its display, assistive technology and
+/// The desktop around the window, played by desktop.py: display, assistive technology and
 /// notifications.
 class Desktop {
   public:
@@ -28,7 +28,7 @@ class Desktop {
 
     /// For the variable DISPLAY.
     [[nodiscard]] const std::string &display() const { return display_; }
-    /// Carries out a command and returns its answer. Throws `ServerError` with what failed.
+    /// Carries out a command and returns its answer. Throws `ServerError` on failure.
     nlohmann::json ask(const nlohmann::json &command);
 
   private:
@@ -40,16 +40,15 @@ class Desktop {
     std::string display_;
 };
 
-/// Something in the window. An empty name or description: any.
+/// An object of the window. An empty name or description matches any.
 struct Sought {
     std::string role; ///< as assistive technology names it: "button", "list item", ...
     std::string name;
     std::string description{};
 };
 
-/// A user at a machine with two devices, `speakers` (the default) and `hdmi`, a display, and an
-/// assistive technology, which is all they operate the program with. Every test begins without a
-/// settings file.
+/// A user who operates the program by assistive technology alone, on a machine with a display and
+/// two devices, `speakers` (the default) and `hdmi`. Every test begins without a settings file.
 class WindowTest : public testing::Test {
   protected:
     static constexpr double sampleRate = 48000.0;
@@ -61,29 +60,29 @@ class WindowTest : public testing::Test {
     void TearDown() override;
 
     static PrivateSoundServer &server() { return session_->server; }
-    /// A command of desktop.py. Throws `ServerError` with what failed.
+    /// Runs a command of desktop.py. Throws `ServerError` on failure.
     template <typename... Arguments> static nlohmann::json desktop(const Arguments &...arguments) {
         return session_->desktop.ask(nlohmann::json::array({nlohmann::json(arguments)...}));
     }
 
-    /// The program, as the desktop's menu starts it; with `more` variables in its environment.
+    /// Starts the program as the desktop's menu does, with `more` variables in its environment.
     [[nodiscard]] static std::unique_ptr<ChildProcess> start(const Environment &more = {});
 
     /// Path of the program.
     [[nodiscard]] static std::string programPath();
-    /// The variables that tell a program of this desktop where it is.
+    /// Environment of this desktop's programs.
     [[nodiscard]] static Environment desktopEnvironment();
-    /// To be called after a restart of the sound server, before something plays.
+    /// Call this after a restart of the sound server, before playing.
     static void connectAgain() {
         session_->client = std::make_unique<GraphClient>(session_->server);
     }
 
-    /// Starts it, and returns when its window can be operated.
+    /// Starts the program; returns when its window can be operated.
     void open();
     [[nodiscard]] ChildProcess &program() { return *program_; }
     static void close() { desktop("close"); }
 
-    // The user's hands.
+    // Input
     static void press(const Sought &what) {
         desktop("press", what.role, what.name, what.description);
     }
@@ -91,32 +90,32 @@ class WindowTest : public testing::Test {
         press({"button", name, description});
     }
     static void goTo(const std::string &destination) { press({"list item", destination}); }
-    /// Opens a picker of the toolbar and takes one of its entries.
+    /// Opens a combo box of the toolbar and chooses an entry.
     static void pick(const std::string &picker, const std::string &entry);
     static void setSlider(const std::string &name, double value);
-    /// Into a field that has the focus and its content selected.
+    /// Types into a focused field whose content is selected.
     static void typeInto(const std::string &field, const std::string &text);
     /// Picks the speakers and presses Start; returns when the tone is captured.
     void startProcessing() const;
 
-    // The user's eyes and ears.
+    // Output
     [[nodiscard]] static testing::AssertionResult soonShows(const Sought &what);
     /// {role, name, description, value, text, checked, focused, selected}
     [[nodiscard]] static nlohmann::json read(const Sought &what) {
         return desktop("read", what.role, what.name, what.description);
     }
-    /// An application plays from now on, and the speakers are recorded.
+    /// Makes an application play and records the speakers.
     void play(std::unique_ptr<Sound> sound);
     void playTone() { play(std::make_unique<Tone>(toneHz, toneLevelDB, sampleRate)); }
-    /// Neither plays nor is recorded any more.
+    /// Ends playing and recording.
     void endPlaying();
     [[nodiscard]] const Recorder &speakers() const { return *speakers_; }
-    /// Whether it comes to play there, as far as the server knows.
+    /// Waits until the server links the application to `target`.
     [[nodiscard]] static testing::AssertionResult soonPlaysInto(const std::string &target);
     [[nodiscard]] std::string tapName() const;
-    /// What the player's program is called.
+    /// Name of the player's program.
     [[nodiscard]] static std::string programName();
-    /// The level of the tone on the speakers, once it rests.
+    /// Waits until the tone on the speakers settles at this level.
     [[nodiscard]] testing::AssertionResult soonHears(double levelDB, double tolerance = 0.1) const;
 
     // The saved settings.

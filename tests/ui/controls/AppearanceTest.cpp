@@ -15,8 +15,8 @@
 namespace quorbel {
 namespace {
 
-/// A settings portal on a connection of its own, answering as the desktops' portals do: the older
-/// call wraps its value twice, and an unknown key is an error.
+/// A settings portal that answers as those of desktops do: the older call wraps its value twice,
+/// and an unknown key is an error.
 class Portal : public QDBusVirtualObject {
   public:
     std::map<QString, QVariant> values; // by "group key"
@@ -42,7 +42,7 @@ class Portal : public QDBusVirtualObject {
     int asked = 0;
 };
 
-/// Until the condition holds or five seconds are over.
+/// Runs the event loop until the condition holds, five seconds at most.
 bool comes(const std::function<bool()> &condition) {
     QElapsedTimer timer;
     for (timer.start(); !condition() && timer.elapsed() < 5000;)
@@ -71,8 +71,7 @@ TEST(Appearance, FollowsTheDesktopsPortal) {
     EXPECT_FALSE(appearance.reducedMotion());
     appearance.followDesktop();
     EXPECT_TRUE(comes([&] { return appearance.highContrast() && appearance.reducedMotion(); }));
-    EXPECT_TRUE(
-        comes([&] { return portal.asked >= 5; })); // the keys it does not know changed nothing
+    EXPECT_TRUE(comes([&] { return portal.asked >= 5; })); // unknown keys changed nothing
 
     const auto tell = [&](const char *group, const char *key, const QVariant &value) {
         auto signal =

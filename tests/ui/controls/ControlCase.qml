@@ -2,7 +2,7 @@ import QtQuick
 import QtTest
 import Quorbel.Testing
 
-// A case that fails on any warning, with its items in a window that is shown.
+// A test case in a visible window. Fails on any warning.
 TestCase {
     id: testCase
 

@@ -14,8 +14,8 @@ struct Pair {
     QColor Palette::*back;
 };
 
-// WCAG 2.1: 4.5:1 for text (1.4.3), 3:1 for what must be seen to use a control (1.4.11). With high
-// contrast asked for, 7:1 for text (1.4.6). The controls' own pairs: tst_contrast.qml.
+// WCAG 2.1: 4.5:1 for text (1.4.3), 3:1 for parts needed to use a control (1.4.11); 7:1 for text
+// with high contrast (1.4.6). Pairs inside controls: tst_contrast.qml.
 constexpr Pair text[] = {
     {"ink on paper", &Palette::ink, &Palette::paper},
     {"ink on card", &Palette::ink, &Palette::card},

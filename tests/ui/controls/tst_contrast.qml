@@ -4,8 +4,7 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Testing
 
-// Every text of every control in every state can be read: 4.5:1 or more on what is drawn behind it, as usual and
-// with high contrast.
+// Every text of every control has a contrast of at least 4.5:1 in every state, with and without high contrast.
 ControlCase {
     id: root
 
@@ -55,7 +54,7 @@ ControlCase {
     }
     function test_texts_can_be_read_in_every_state(data) {
         Look.setHighContrast(data.highContrast);
-        Look.setReducedMotion(true); // nothing is half on its way
+        Look.setReducedMotion(true); // no transition is under way
         const control = createTemporaryObject(data.component, root, { x: 40, y: 40 }) as Item;
         mouseMove(root, 600, 400);
         verifyReadable(control, "at rest");

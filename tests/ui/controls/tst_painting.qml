@@ -4,13 +4,13 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Testing
 
-// Painted items: what they paint, and that they paint nothing while nothing has changed.
+// Painted items: their pixels, and no repainting without a change.
 ControlCase {
     id: root
 
     name: "painting"
 
-    // Pictures hold what lies behind too, so it must be known.
+    // Pictures include the background, which must therefore be known.
     Rectangle {
         anchors.fill: parent
         color: Theme.card
@@ -33,7 +33,7 @@ ControlCase {
         color: ticks % 2 ? "black" : "white"
     }
 
-    // Passes frames in which only another item changes.
+    // Renders frames in which only another item changes.
     function passFrames(count: int) {
         const other = createTemporaryObject(ticker, root);
         for (let frame = 0; frame < count; ++frame) {
@@ -147,7 +147,7 @@ ControlCase {
             return false;
         };
         verify(touches(50, 0.5));
-        verify(touches(204, 0.5)); // what is no number is the middle
+        verify(touches(204, 0.5)); // NaN is drawn in the middle
         verify(touches(354, 0.75));
         verify(!touches(354, 0.5));
     }

@@ -4,8 +4,8 @@ import QtQuick
 import Quorbel.Dotmatrix
 import Quorbel.Testing
 
-// Slider and knob: one value, moved by keys, pointer and assistive technology. What each key does: tst_keys.qml of
-// the screens.
+// Slider and knob: one value, changed by keys, pointer and assistive technology. The single keys: tst_keys.qml of the
+// screens.
 ControlCase {
     id: root
 
@@ -42,7 +42,7 @@ ControlCase {
     }
 
     function test_steps_hit_the_decimals_and_end_at_the_ends() {
-        // 0.1 is no number of the machine's; a hundred steps must still arrive at written values.
+        // 0.1 has no exact binary form; a hundred steps must still reach exact decimals.
         make("horizontal");
         keyClick(Qt.Key_Home);
         for (let step = 1; step <= 202; ++step) {
@@ -67,7 +67,7 @@ ControlCase {
         const seen = () => Assistive.find("Gain", kinds[data.tag].role);
         const { description, focusable, from, to, value } = seen();
         compare([description, focusable, from, to, value], ["0.0 dB", true, -10, 10, 0]);
-        // Between two steps, and beyond the end: what is reached is what is shown.
+        // Values between two steps and beyond the end: the control shows the value that it reaches.
         for (const [wanted, reached] of [[2.5, 2.5], [2.54, 2.5], [99, 10]]) {
             Assistive.setValue("Gain", wanted);
             compare([gain, seen().value], [reached, reached]);
@@ -76,7 +76,7 @@ ControlCase {
         compare(gain, 9.9);
         verify(Assistive.act("Gain", "Increase"));
         compare(gain, 10);
-        // The binding has outlived this, a key and the pointer.
+        // The binding survives assistive technology, a key and the pointer.
         keyClick(Qt.Key_End);
         mouseClick(control, 8, control.height - 8);
         writes = 0;
@@ -88,8 +88,7 @@ ControlCase {
 
     function test_drag_by_the_handle() {
         const control = make("horizontal");
-        // Taken beside its middle the handle stays where it is until it is moved, and waits for a pointer that comes
-        // back from beyond the end.
+        // Pressed off-centre, the handle stays until the pointer moves. A pointer beyond the end must first come back.
         mousePress(control, 108 + 5, 12);
         verify(control.pressed);
         compare(writes, 0);
@@ -110,7 +109,7 @@ ControlCase {
         const control = make("knob");
         mousePress(control, 36, 36);
         mouseMove(control, 36, 36 - 40);
-        compare(gain, 5); // 160 pixels are the range
+        compare(gain, 5); // the range takes 160 pixels
         mouseMove(control, 36 + 40, 36 - 40);
         compare(gain, 10);
         mouseRelease(control, 36 + 40, 36 - 40);
@@ -124,13 +123,13 @@ ControlCase {
         gain = 4;
         mouseDoubleClickSequence(control, control.width / 2 + 4, control.height / 2 - 8);
         compare(gain, 0);
-        // The pointer that still wanders after it changes nothing.
+        // Later movements of the pointer change nothing.
         mouseClick(control, control.width / 2, control.height / 2);
         compare(gain, 0);
     }
 
     function test_a_value_outside_of_the_range_data() {
-        // From -20 or 20 in a range of -10 to 10: stays, or goes to the end on its way.
+        // From -20 or 20, in a range of -10 to 10: stays, or moves to the nearer end.
         const drag = (control, way) => {
             mousePress(control, control.width / 2 - 100, 12);
             mouseMove(control, control.width / 2 - 100 + way, 12);

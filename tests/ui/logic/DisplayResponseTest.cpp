@@ -26,14 +26,14 @@ double at(double frequencyHz, const std::vector<EQBand> &bands) {
 }
 
 TEST(DisplayResponseTest, EachTypeTakesHalfOrItsCornerValueAtItsFrequency) {
-    // The grid has no point at f0 itself, but one within 4 %: shelves are within 3 % of half there.
+    // The nearest grid point is within 4 % of f0, where shelves are within 3 % of half their gain.
     EXPECT_NEAR(at(1000, {band(Type::parametric, 1000, 6, 1)}), 6.0, 0.05);
     EXPECT_NEAR(at(1000, {band(Type::lowShelf, 1000, 6, 1)}), 3.0, 0.25);
     EXPECT_NEAR(at(1000, {band(Type::highShelf, 1000, -6, 1)}), -3.0, 0.25);
     EXPECT_NEAR(at(1000, {band(Type::lowPass, 1000, 6, 1)}), -3.01, 0.4);
     EXPECT_NEAR(at(1000, {band(Type::highPass, 1000, 6, 1)}), -3.01, 0.4);
 
-    // Far away: all of the gain on a shelf's own side, 12 dB per octave at Q 1 for a pass.
+    // Far away: the full gain on a shelf's own side, 12 dB per octave at Q 1 for a pass.
     EXPECT_NEAR(at(20, {band(Type::lowShelf, 1000, 6, 1)}), 6.0, 0.01);
     EXPECT_NEAR(at(20000, {band(Type::lowShelf, 1000, 6, 1)}), 0.0, 0.02);
     EXPECT_NEAR(at(20000, {band(Type::highShelf, 1000, -6, 1)}), -6.0, 0.02);
@@ -43,7 +43,7 @@ TEST(DisplayResponseTest, EachTypeTakesHalfOrItsCornerValueAtItsFrequency) {
 }
 
 TEST(DisplayResponseTest, ParametricWidthFollowsQWhichIsNeverBelowATenth) {
-    // Ten points of the grid are a ratio r above f0: x = (r - 1/r) Q.
+    // A grid point ten steps above f0 has a frequency ratio r: x = (r - 1/r) Q.
     const auto tenPointsAbove = [](float q) {
         const EQBand peak = band(Type::parametric, static_cast<float>(displayFrequency(50)), 10, q);
         return displayResponse({peak})[60];

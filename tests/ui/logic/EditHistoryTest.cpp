@@ -5,7 +5,7 @@
 namespace quorbel {
 namespace {
 
-/// One value to change, the global gain, and a history that remembers how.
+/// One value, the global gain, and the history of its changes.
 class EditHistoryTest : public ::testing::Test {
   protected:
     void set(float gainDB, const std::string &key = "gain") {

@@ -152,7 +152,7 @@ TEST_F(AutostartTest, SaysWhyItIsNotOffered) {
     EXPECT_TRUE(soonIs(false, false, "/nowhere/ostrafine-cli is missing"));
 }
 
-/// A desktop's portal that answers at once.
+/// A desktop portal that answers immediately.
 class Portal final : public QDBusVirtualObject {
   public:
     [[nodiscard]] QString introspect(const QString &) const override { return {}; }
@@ -200,7 +200,7 @@ TEST_F(AutostartTest, AsksThePortalInASandboxAndRemembersItsAnswer) {
     EXPECT_TRUE(soonIs(false));
 }
 
-/// The session bus's tray, which may have nothing that shows it.
+/// The tray's service on the session bus, with or without a host that shows it.
 class Tray final : public QDBusVirtualObject {
   public:
     [[nodiscard]] QString introspect(const QString &) const override { return {}; }

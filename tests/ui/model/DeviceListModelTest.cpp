@@ -25,7 +25,7 @@ TEST_F(DeviceListModelTest, ListsAndSelects) {
     EXPECT_TRUE(says(devices(), 0, "isCurrent").toBool());
     EXPECT_FALSE(says(devices(), 1, "isCurrent").toBool());
 
-    run(); // and listening to the hardware
+    run(); // also starts listening to the hardware
     Announcements contents(devices(), &DeviceListModel::dataChanged);
     hardware.setDefaultOutput("speakers");
     clock.advance(0.5);

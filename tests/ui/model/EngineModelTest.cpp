@@ -18,8 +18,8 @@ class EngineModelTest : public ModelTest {
         const QList<qreal> levels = spectrum().levels();
         return *std::ranges::max_element(levels);
     }
-    /// Lets time pass until the tone is seen. It comes to the analyzer on a thread of its own, so
-    /// how long that takes is not the clock's to say: ten seconds at most.
+    /// Advances the clock until the spectrum shows the tone, for ten real seconds at most: the
+    /// analyzer gets it on another thread.
     [[nodiscard]] bool waitForTone() {
         QElapsedTimer timer;
         for (timer.start(); loudest() < 0.5 && timer.elapsed() < 10000;)

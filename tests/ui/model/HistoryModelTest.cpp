@@ -4,7 +4,7 @@
 namespace quorbel::testing {
 namespace {
 
-/// Everything that undo promises to bring back.
+/// Everything that undo must restore.
 struct Settings {
     std::vector<EQBand> bands;
     float globalGainDB;
@@ -24,10 +24,10 @@ class HistoryModelTest : public ModelTest {
             state->presets(), state->activePresetID()};
     }
     [[nodiscard]] HistoryModel &history() { return *app->history(); }
-    /// Lets a burst of changes come to its end.
+    /// Ends a burst of changes.
     void pause() { clock.advance(2.0); }
 
-    /// Does something and expects one step there and back.
+    /// Makes a change; expects one step that undo and redo pass.
     template <typename Change> void expectOneStep(const Change &change) {
         pause();
         const Settings before = now();
@@ -63,7 +63,7 @@ TEST_F(HistoryModelTest, EveryKindOfChangeIsOneStep) {
 
 TEST_F(HistoryModelTest, UndoLeavesAloneWhatItsStepDidNotChange) {
     app->setting("xtcAmount")->setValue(70);
-    engine().eq().setGlobalGainDB(-5); // not the user's doing
+    engine().eq().setGlobalGainDB(-5); // not by the user
     history().undo();
     EXPECT_EQ(engine().spatial().xtcAmount, 50.0F);
     EXPECT_EQ(engine().eq().globalGainDB(), -5.0F);
@@ -91,7 +91,7 @@ TEST_F(HistoryModelTest, SavingDeletingAndImportingAreSteps) {
     EXPECT_EQ(readSettingsFile((folder.path() / "state.json").string()).presets, end.presets)
         << "on disk as well, at once";
 
-    // Another program adds a preset meanwhile; the next save takes it, and undo leaves it.
+    // A preset that another program adds is taken by the next save and kept by undo.
     Persisted theirs = readSettingsFile(state->settingsPath());
     theirs.presets.push_back({.id = Uuid::random(), .name = "Theirs"});
     write(state->settingsPath(), encodeRecord(theirs));

@@ -1,4 +1,4 @@
-// The room up to full scale.
+// The headroom up to full scale.
 
 #include "ui/logic/Headroom.h"
 #include "ui/model/ModelFixture.h"
@@ -21,10 +21,10 @@ class LevelModelTest : public ModelTest {
 
 TEST_F(LevelModelTest, TheHighestPointIsOfEqualiserToneAndAllGains) {
     EXPECT_EQ(level().highestPointText(), "+0.0 dB");
-    // The narrowest band, between two points of the coarse search.
+    // The narrowest band lies between two points of the coarse search.
     setBands({EQBand{.frequency = 1234.5F, .gainDB = 6.0F, .q = 20.0F}});
     EXPECT_NEAR(highestPointDB(engine().eq(), {}, 48000.0), 6.0, 0.01);
-    // Equal bands and the tone peak on top of each other.
+    // The peaks of equal bands and of the tone add up.
     setBands({EQBand{.frequency = 1000.0F, .gainDB = 4.0F, .q = 1.0F},
               EQBand{.frequency = 1000.0F, .gainDB = 3.0F, .q = 1.0F}});
     engine().setSpatial({.toneMidDB = 2.0F});

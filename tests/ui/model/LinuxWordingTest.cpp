@@ -11,7 +11,7 @@
 namespace quorbel {
 namespace {
 
-/// The catalogue, installed for the length of a test.
+/// Installs the catalogue for one test.
 class LinuxWordingTest : public ::testing::Test {
   protected:
     LinuxWordingTest() { QCoreApplication::installTranslator(&wording_); }

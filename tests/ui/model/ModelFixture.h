@@ -16,7 +16,7 @@
 
 namespace quorbel::testing {
 
-/// Counts an object's announcements since this was made or last asked.
+/// Counts an object's signals since construction or the last `take`.
 class Announcements {
   public:
     template <typename Sender, typename Signal> Announcements(const Sender &sender, Signal signal) {
@@ -29,8 +29,8 @@ class Announcements {
     int count_ = 0;
 };
 
-/// The program as QML sees it, on a machine in memory with the devices "speakers" and "hdmi" and
-/// one application that plays a tone. The default is preselected; no settings file is there yet.
+/// The program as QML sees it, on simulated hardware with the devices "speakers" and "hdmi" and one
+/// application that plays a tone. The default device is selected; there is no settings file yet.
 class ModelTest : public ::testing::Test {
   public:
     ModelTest() {

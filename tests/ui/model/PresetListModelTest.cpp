@@ -19,7 +19,7 @@ class PresetListModelTest : public ModelTest {
         int found = -1;
         for (int row = 0; row < presets().count(); ++row)
             if (says(presets(), row, "playing").toBool())
-                found = found == -1 ? row : -2; // two would be wrong
+                found = found == -1 ? row : -2; // duplicate names are an error
         return found;
     }
     [[nodiscard]] QString file(const std::string &name, const std::string &content) {

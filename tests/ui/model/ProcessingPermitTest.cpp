@@ -7,7 +7,7 @@
 namespace quorbel::testing {
 namespace {
 
-/// In a session whose runtime folder is the test's own.
+/// A session with a runtime folder of its own.
 class ProcessingPermitTest : public ModelTest {
   protected:
     ProcessingPermitTest() : before_(qgetenv("XDG_RUNTIME_DIR")) {
@@ -50,11 +50,11 @@ TEST_F(ProcessingPermitTest, StartsThatFailAlikeOrAreStoppedLeaveThePermitFree) 
     }
     app->engine()->stop();
     app->engine()->start();
-    app->engine()->stop(); // in the middle of the start: stopped before and after
+    app->engine()->stop(); // in the middle of the start
     clock.runPending();
     EXPECT_TRUE(isFree());
 
-    // An error that ends with its cause does so before the start that notices, not within it.
+    // An error whose cause has gone ends before the next start, not within it.
     hardware.operations().repair(SimulatedHardware::Operation::createProcessTap);
     hardware.removeDevice("speakers");
     hardware.removeDevice("hdmi");

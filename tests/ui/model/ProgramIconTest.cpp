@@ -14,7 +14,7 @@ TEST(ProgramIconTest, IsDrawnAtEverySizeWithoutQtsPlugIns) {
     char name[] = "test";
     char *arguments[] = {name, nullptr};
     const QGuiApplication application(count, arguments);
-    QCoreApplication::setLibraryPaths({}); // the SVG plug-ins are looked for when first needed
+    QCoreApplication::setLibraryPaths({}); // Qt looks for SVG plug-ins on first use
     for (const QIcon &icon : {windowIcon(), trayIcon()})
         for (const QSize &size : icon.availableSizes()) {
             const QImage picture = icon.pixmap(size, 2.0).toImage();

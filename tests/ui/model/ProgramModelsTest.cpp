@@ -11,7 +11,7 @@ class ProgramModelsTest : public ModelTest {
     [[nodiscard]] ProgramListModel &programs() { return *app->programs(); }
     [[nodiscard]] ProgramRuleModel &rules() { return *app->programRules(); }
 
-    /// One stream is played, of the program "films".
+    /// Plays one stream of the program "films".
     void play(Treatment treatment, const std::string &title = "A film", bool isSurround = false) {
         hardware.setPlaybackStreams({{.serial = 1,
                                       .program = {.binary = "films", .name = "Films"},
@@ -43,14 +43,14 @@ TEST_F(ProgramModelsTest, SwitchesMakeRulesOnlyWhereTheyAreNeeded) {
         {Treatment::surround, true, {inStereo}, true},
         {Treatment::processed, false, {}, true},
         {Treatment::surround, true, {inStereo}, true},
-        {Treatment::processed, false, {off}}, // on an output of two channels since
+        {Treatment::processed, false, {off}}, // on an output of two channels by now
     };
     for (const auto &[treatment, processed, wanted, isSurround] : steps) {
         play(treatment, "A film", isSurround);
         programs().setProcessed(0, processed);
         EXPECT_EQ(inForce(), wanted) << "step " << static_cast<int>(treatment) << processed;
     }
-    // A rule for a title decides before one for all titles, and is the one that a switch turns.
+    // A rule for a title precedes one for all titles, and the switch changes the former.
     rules().setTitle(0, " *film ");
     EXPECT_EQ(inForce(), Rules({{.program = films, .title = "*film", .isProcessed = false}}));
     play(Treatment::excluded);

@@ -12,7 +12,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-/// The program with the window, controlled from outside.
+/// The program with a window, controlled by other programs.
 class RemoteControlTest : public ModelTest {
   protected:
     RemoteControlTest() : before_(qgetenv("XDG_RUNTIME_DIR")) {
@@ -20,7 +20,7 @@ class RemoteControlTest : public ModelTest {
     }
     ~RemoteControlTest() override { qputenv("XDG_RUNTIME_DIR", before_); }
 
-    /// The error that `request` ends with.
+    /// The error thrown by `request`; "done" if none.
     template <typename Request> static std::string refusalOf(const Request &request) {
         try {
             request();
@@ -29,7 +29,7 @@ class RemoteControlTest : public ModelTest {
         }
         return "done";
     }
-    /// What a start comes to; nothing while it is under way.
+    /// Outcome of a start: empty during it, then the failure or "".
     [[nodiscard]] std::shared_ptr<std::optional<std::string>> start() {
         auto outcome = std::make_shared<std::optional<std::string>>();
         control.start([outcome](const std::string &failure) {
@@ -54,8 +54,8 @@ TEST_F(RemoteControlTest, SettingsAreFoundAndCheckedByTheirPathInTheFile) {
     struct Case {
         std::string path;
         SettingValue value;
-        std::string refusal;                             ///< part of it
-        std::optional<SettingValue> read = std::nullopt; ///< where that is not what was written
+        std::string refusal;                             ///< part of the error
+        std::optional<SettingValue> read = std::nullopt; ///< if not the written value
     };
     const std::vector<Case> cases{
         {"spatial.reverbMix", 30.5, "done"},
@@ -68,7 +68,7 @@ TEST_F(RemoteControlTest, SettingsAreFoundAndCheckedByTheirPathInTheFile) {
         {"spatial.reverbPreset", "plate", "done"},
         {"bands[2].gainDB", 4.0, "done"},
         {"bands.9.filterType", "lowPass", "done"},
-        {"mixer.pitchSemitones", 99.0, "done"}, // has no control, and so no range
+        {"mixer.pitchSemitones", 99.0, "done"}, // has no control, hence no range
         {"mixer", R"({"limiterThresholdDB":-1})", "done", std::string()},
         {"bands[0]", R"({"frequency":40})", "done", std::string()},
         // Values
@@ -96,7 +96,7 @@ TEST_F(RemoteControlTest, SettingsAreFoundAndCheckedByTheirPathInTheFile) {
         {"bands[-1].q", 1.0, R"(named "-1" in bands)"},
         {"bands[1e3].q", 1.0, R"(named "1e3" in bands)"},
         {std::string(5000, '.'), 1.0, "no setting is named \"...."},
-        // What only reads
+        // Read-only settings
         {"presets", "[]", "presets: can only be read; bands, spatial, mixer, "},
         {"activePresetName", "Flat", "activePresetName: can only be read"},
         {"bands[0].id", "00000000-0000-0000-0000-000000000001", "bands[0].id: can only be read"},
@@ -143,7 +143,7 @@ TEST_F(RemoteControlTest, AChangeIsAStepOfTheWindowsHistory) {
     EXPECT_FALSE(app->history()->canUndo());
     EXPECT_EQ(control.status().preset, "Flat");
     EXPECT_FALSE(control.status().isModified);
-    // A value that is there already is no step.
+    // Setting an equal value is no step.
     control.set("eqGlobalGainDB", 0.0);
     EXPECT_FALSE(app->history()->canUndo());
 }

@@ -13,7 +13,7 @@ using ::testing::HasSubstr;
 class ResumptionTest : public ModelTest {
   protected:
     [[nodiscard]] std::string settings() const { return folder.path() / "state.json"; }
-    /// What a login would find now.
+    /// True if a login would resume processing now.
     [[nodiscard]] bool isToContinue() const { return SessionMemory(settings()).isToContinue(); }
     [[nodiscard]] Resumption resume() {
         return {engine(), *app->engine(), clock, [this] { ++ends; }};
@@ -40,7 +40,7 @@ TEST_F(ResumptionTest, TheWishOutlivesAnyEndButStop) {
         EXPECT_FALSE(isToContinue());
         run();
         memory.close();
-        app->engine()->stop(); // with the program
+        app->engine()->stop(); // as at the end of the program
         EXPECT_TRUE(isToContinue());
     }
     SessionMemory memory(settings());

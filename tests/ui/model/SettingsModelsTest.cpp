@@ -19,8 +19,8 @@ class SettingsModelsTest : public ModelTest {
         return QJsonDocument::fromJson(QByteArray::fromStdString(encodeRecord(record))).object();
     }
 
-    /// Writes every setting, and expects exactly the field of its key to change, and the setting to
-    /// show what was written.
+    /// Writes every setting; expects only the field of its key to change and the setting to show
+    /// the written value.
     void expectOneFieldPerRow(const auto &rows, const auto &record) {
         EXPECT_EQ(fields(record()).size(), static_cast<qsizetype>(std::size(rows)));
         for (const auto &row : rows) {

@@ -15,7 +15,7 @@ namespace quorbel::testing {
 
 namespace {
 
-using Visit = std::function<bool(QAccessibleInterface &)>; ///< false: do not go on
+using Visit = std::function<bool(QAccessibleInterface &)>; ///< returns false to stop
 
 bool walk(QAccessibleInterface *at, const Visit &visit) {
     if (at == nullptr || !at->isValid())
@@ -36,7 +36,7 @@ QString roleName(QAccessible::Role role) {
 
 QString nameOf(QAccessibleInterface &of) { return of.text(QAccessible::Name); }
 
-/// Qt's accessibility does not tell of items that are switched off.
+/// Qt's accessibility does not report disabled items.
 bool isEnabled(const QAccessibleInterface &of) {
     const auto *item = qobject_cast<const QQuickItem *>(of.object());
     return item == nullptr || item->isEnabled();
@@ -171,7 +171,7 @@ QStringList AccessibleWindow::textsReadAsMarkup() const {
     QStringList list;
     eachShownItem(*window_->contentItem(), [&](const QQuickItem &item) {
         const QString text = item.property("text").toString();
-        // An item that is being made has neither its text nor its format yet.
+        // An item under construction has neither text nor format yet.
         if (item.inherits("QQuickText") && !text.isEmpty() &&
             item.property("textFormat").toInt() != Qt::PlainText)
             list.append(text);

@@ -65,7 +65,7 @@ const QQuickItem *nearest(const QQuickItem &item, const char *type) {
     return nullptr;
 }
 
-/// The part of an item that is seen, in the window's coordinates.
+/// Visible part of an item, in window coordinates.
 QRectF shownRect(const QQuickItem &item) {
     QRectF rect = sceneRect(item);
     for (const QQuickItem *at : ancestors(item))
@@ -96,7 +96,7 @@ QString accessibleName(const QQuickItem &item) {
     return object != nullptr ? object->text(QAccessible::Name) : QString();
 }
 
-/// A value control is named on its handle, which is what assistive technology meets.
+/// Name for assistive technology; a value control has it on its handle.
 QString nameOf(const QQuickItem &item) {
     if (isText(item))
         return '"' + item.property("text").toString().left(40) + '"';
@@ -115,7 +115,7 @@ QString describe(const QQuickItem &item) {
         .arg(std::lround(rect.height()));
 }
 
-/// Rule 1: what of the text is missing, or nothing.
+/// Rule 1: the text's fault; empty if it is shown whole.
 QString cutPart(const QQuickItem &item) {
     if (isA(item, "quorbel::DotText")) {
         const bool isCut = item.implicitWidth() > item.width() + tolerance ||
@@ -132,7 +132,7 @@ QString cutPart(const QQuickItem &item) {
     return {};
 }
 
-/// Rule 2: the ancestor that it leaves, or null.
+/// Rule 2: the ancestor that does not contain the item, or null.
 const QQuickItem *leftAncestor(const QQuickItem &item) {
     const QRectF rect = sceneRect(item);
     if (rect.isEmpty())
@@ -143,7 +143,7 @@ const QQuickItem *leftAncestor(const QQuickItem &item) {
             parent->property("contentItem").value<QQuickItem *>() == at) {
             const QRectF content(0, 0, std::max(parent->width(), number(*parent, "contentWidth")),
                                  std::max(parent->height(), number(*parent, "contentHeight")));
-            // The height of a list is an estimate while rows are not made.
+            // A list's height is an estimate until all rows exist.
             const bool fits = holds(at->mapRectToScene(content), rect);
             return fits || isA(*parent, "QQuickListView") ? nullptr : at;
         }

@@ -7,25 +7,24 @@
 
 namespace quorbel::testing {
 
-/// Faults of the layout, one line each; empty when all is well. `textScale` is the
-/// text size that the desktop asks for, 1 for the one the window is drawn for. Rules:
+/// Returns the faults of the layout, one line each. `textScale` is the desktop's text size relative
+/// to the design's. Rules:
 ///
-/// 1. A text is shown whole, numbers above all. Only a closed box of choices may cut a name, for
-///    its list shows it whole.
-/// 2. Texts and controls lie inside everything that they are in; in scrolling content, inside what
-///    it scrolls over. What scrolls has room for each control in it, and its bars know its size.
-/// 3. Texts and controls do not lie on each other, unless one is a part of the other.
-/// 4. No text is smaller than the smallest of the design, times the text scale.
-/// 5. What can be operated has a name for assistive technology.
+/// 1. Texts are shown whole. Only a closed combo box may cut a name, which its list shows whole.
+/// 2. Texts and controls lie inside all their ancestors, or inside the content of a scrolling one.
+///    A scrolling area has room for each of its controls, and its scroll bars know its size.
+/// 3. Texts and controls do not overlap, unless one contains the other.
+/// 4. No text is smaller than the design's smallest, times `textScale`.
+/// 5. Every control has a name for assistive technology.
 [[nodiscard]] QStringList layoutFaults(QQuickWindow &window, double textScale);
 
-/// Goes through the window by keyboard alone: the Tab key from stop to stop, Right along what
-/// scrolls sideways, Down through what scrolls downwards. Rules:
+/// Returns the faults of a walk through the window by keyboard: Tab from control to control, Right
+/// through areas that scroll sideways, Down through those that scroll downwards. Rules:
 ///
-/// 1. The way ends where it began.
-/// 2. What has the focus is seen whole.
-/// 3. Every control that takes the Tab key is met, and every text is seen whole at least once. Rows
-///    of lists are left out: the arrows lead through them.
+/// 1. The walk ends where it began.
+/// 2. The focused item is entirely visible.
+/// 3. The walk reaches every control that takes the Tab key and shows every text at least once,
+///    except in rows of lists, which the arrow keys reach.
 [[nodiscard]] QStringList keyboardFaults(QQuickWindow &window);
 
 } // namespace quorbel::testing

@@ -1,5 +1,4 @@
-// The window on any screen, at any text size: no text cut, nothing on top of another, nothing out
-// of reach.
+// The window on any screen, at any text size: nothing is cut, covered or out of reach.
 
 #include "ui/app/MainWindow.h"
 #include "ui/app/simulated/Stage.h"
@@ -55,7 +54,7 @@ void running(Stage &stage) {
     stage.run(0.3);
 }
 
-/// Interrupted, and about to come back by itself.
+/// Interrupted, retrying.
 void interrupted(Stage &stage) {
     running(stage);
     stage.machine.removeDevice("headphones");
@@ -90,8 +89,8 @@ Prepare all(std::initializer_list<Prepare> steps) {
 }
 
 /// Screens are paired with states so that each state meets a small screen and a large text at least
-/// once. Sizes are logical: a screen of 1920 x 1080 at scale 1.5 gives a window 1280 x 720 pixels
-/// of its own, and only the painting knows of the scale.
+/// once. Sizes are logical: a screen of 1920 x 1080 at scale 1.5 has 1280 x 720 logical pixels, and
+/// only painting depends on the scale.
 struct Case {
     const char *name;
     int width;
@@ -136,7 +135,7 @@ class LayoutTest : public ::testing::TestWithParam<Case> {
         simulated::setTextSize(100);
     }
 
-    /// Rows of lists are made some frames later than the list.
+    /// Rows of lists appear some frames after the list.
     void expectNoFaults(Stage &stage, const std::string &where) {
         const double scale = GetParam().textPercent / 100.0;
         QStringList faults = layoutFaults(stage.window(), scale);
@@ -181,8 +180,7 @@ TEST_P(LayoutTest, showsEverything) {
     }
 }
 
-/// Content, title bar and a panel that the desktop may keep to itself are never larger than the
-/// screen.
+/// Content, title bar and a panel of the desktop always fit on the screen.
 TEST(WindowSizesTest, fitTheScreen) {
     const WindowSizes wanted{.start = {1280, 900}, .minimum = {1020, 760}};
     struct {

@@ -18,12 +18,12 @@ Q_IMPORT_QML_PLUGIN(Quorbel_ScreensPlugin)
 
 namespace quorbel::testing {
 
-/// The look of things, and the desktop's wishes for it.
+/// Appearance of the controls, and the desktop's preferences for it.
 class Look final : public QObject {
     Q_OBJECT
 
   public:
-    /// Everything that `Symbol` can show.
+    /// Names of all symbols.
     Q_INVOKABLE QStringList symbolNames() const { return symbols::names(); }
     Q_INVOKABLE double contrast(const QColor &one, const QColor &other) const {
         return contrastRatio(one, other);
@@ -32,7 +32,7 @@ class Look final : public QObject {
     Q_INVOKABLE void setReducedMotion(bool on) { Appearance::instance().setReducedMotion(on); }
 };
 
-/// A machine of its own for each file of tests.
+/// Gives each test file a simulated machine of its own.
 class Setup final : public QObject {
     Q_OBJECT
 

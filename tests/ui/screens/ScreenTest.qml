@@ -4,7 +4,7 @@ import Quorbel.Model
 import Quorbel.Screens
 import Quorbel.Testing
 
-/// A case on the real window. Any warning of QML's fails it.
+/// A test case on the real window. Fails on any QML warning.
 TestCase {
     id: testCase
 
@@ -52,7 +52,7 @@ TestCase {
         const bands = App.equalizer.bands;
         return [1, 2, 3].map(role => bands.data(bands.index(row, 0), Qt.UserRole + role));
     }
-    /// Drags from the middle of a curve point, in as many steps as there are pixels.
+    /// Drags a curve point from its centre, pixel by pixel.
     function dragPoint(row: int, dx: int, dy: int) {
         const point = part("bandPoint" + row);
         const curve = point.curve;
@@ -68,7 +68,7 @@ TestCase {
             App.history.undo();
     }
     function focusedName() {
-        // The focused item comes after the items that contain it.
+        // A focused item follows the items that contain it.
         return (Assistive.all().filter(entry => entry.focused).pop() ?? {}).name;
     }
 

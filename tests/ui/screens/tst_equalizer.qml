@@ -33,7 +33,7 @@ ScreenTest {
         verify(hertz > 1100 && hertz < 8000, "frequency " + hertz);
         verify(gain > 1 && gain <= 12, "gain " + gain);
         fuzzyCompare(gain, Math.round(gain * 10) / 10, 1e-4);
-        fuzzyCompare(point.x + point.width / 2, point.curve.xOfFrequency(hertz), 0.5); // where the band is
+        fuzzyCompare(point.x + point.width / 2, point.curve.xOfFrequency(hertz), 0.5); // at the band's frequency
         App.history.undo();
         compare(bandFacts(5), [1000, 0, 1]);
         verify(!App.history.canUndo);
@@ -49,7 +49,7 @@ ScreenTest {
         const bands = App.equalizer.bands;
         bands.setGain(2, 6);
         bands.setFrequency(2, 200);
-        // On the slider its gain, on the point the band.
+        // On the slider: the gain. On the point: the band.
         data.reset(Assistive.item("Band 3 gain", "Slider"));
         compare(bandFacts(2), [200, 0, 1]);
         bands.setGain(2, 6);

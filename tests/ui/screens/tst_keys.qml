@@ -5,7 +5,7 @@ import QtTest
 import Quorbel.Model
 import Quorbel.Testing
 
-// Every key of the window on every kind of control: what it changes, and that it changes nothing else.
+// Every key of the window on every kind of control: its effect, and nothing else.
 ScreenTest {
     id: testCase
     name: "Keys"
@@ -14,7 +14,7 @@ ScreenTest {
     readonly property var sheet: findChild(window, "saveSheet")
     readonly property var none: ({})
 
-    // The keys by name: code, modifiers, scan code where only that tells the key.
+    // Keys by name: code, modifiers, and the scan code if only that identifies the key.
     readonly property var keys: ({
             "Return": [Qt.Key_Return], "Enter": [Qt.Key_Enter, Qt.KeypadModifier], "Space": [Qt.Key_Space],
             "Delete": [Qt.Key_Delete], "Backspace": [Qt.Key_Backspace], "Escape": [Qt.Key_Escape],
@@ -26,7 +26,7 @@ ScreenTest {
             "Ctrl+Y": [Qt.Key_Y, Qt.ControlModifier], "F5": [Qt.Key_F5], "Ctrl+Return": [Qt.Key_Return, Qt.ControlModifier],
             "Ctrl+7": [Qt.Key_7, Qt.ControlModifier], "Ctrl+7 in French": [Qt.Key_Egrave, Qt.ControlModifier, 16]
         })
-    // The effect of a key unless the control says otherwise.
+    // Effects of keys that the control does not override.
     readonly property var everywhere: ({
             "B": { compared: true }, "B in Cyrillic": { compared: true }, "F5": { refreshed: true },
             "Ctrl+Z": { global: 0 }, "Ctrl+Z in Cyrillic": { global: 0 }, "Ctrl+Return": { running: false },
@@ -65,7 +65,7 @@ ScreenTest {
     function box(): Item {
         return window.activeFocusItem?.popup !== undefined ? window.activeFocusItem : null;
     }
-    /// Each of the facts that a key may change.
+    /// All facts that a key may change.
     function facts(): var {
         const bands = App.equalizer.bands;
         const [frequency, gain, q] = bandFacts(band);
@@ -95,7 +95,7 @@ ScreenTest {
         for (const fact in after)
             if (after[fact] !== before[fact])
                 changes[fact] = after[fact];
-        // The target of the focus is given where it matters.
+        // Compares the new focus only if the row names it.
         for (const fact of ["focus", "text", "highlighted"])
             if (expected[fact] === undefined && (changes.screen !== undefined || changes.dialog !== undefined || changes.open !== undefined || changes.presets !== undefined || changes.focus !== undefined && fact === "text"))
                 delete changes[fact];
@@ -124,7 +124,7 @@ ScreenTest {
         App.equalizer.bands.setQ(band, 2);
         App.equalizer.globalGainDB = 2;
         if (window.destination !== data.screen || data.screen === "presetsMine")
-            open(data.screen); // with the rows of now
+            open(data.screen); // with the current rows
         if (data.screen === "equalizer")
             take("Band 3 gain", "Slider"); // chooses the band
         data.take();
@@ -265,12 +265,12 @@ ScreenTest {
         App.engine.start();
         Machine.advance(0.5);
         take("Equalizer", "ListItem");
-        // The letter is let go of after the layout has changed.
+        // The layout changes while the key is held.
         Assistive.sendKey(Qt.Key_B, Qt.NoModifier, 56, true);
         verify(App.engine.comparing);
         Assistive.sendKey(0x0418, Qt.NoModifier, 56, false);
         verify(!App.engine.comparing);
-        // A dialog opens meanwhile.
+        // A dialog opens while the key is held.
         keyPress(Qt.Key_B);
         sheet.open();
         tryVerify(() => sheet.opened);
@@ -278,7 +278,7 @@ ScreenTest {
         keyRelease(Qt.Key_B);
         verify(!App.engine.comparing);
         sheet.close();
-        // Processing ends, and does not begin with a comparison.
+        // Processing ends meanwhile; a later start does not begin with a comparison.
         keyPress(Qt.Key_B);
         App.engine.stop();
         verify(!App.engine.comparing);
@@ -305,7 +305,7 @@ ScreenTest {
     }
 
     function test_a_field_gives_the_focus_back() {
-        // By keys to what had it, whatever that is.
+        // After keys: to the control that had it before.
         take("Show the exact response", "CheckBox");
         keyClick(Qt.Key_Tab, Qt.ShiftModifier);
         compare(focusedName(), "Global gain, typed");
@@ -313,7 +313,7 @@ ScreenTest {
         keyClick(Qt.Key_Return);
         compare(App.equalizer.globalGainDB, 1);
         compare(focusedName(), "Show the exact response");
-        // After a click no control has it: a second Return must not press the button that was pressed last.
+        // After a click: to no control, so that a second Return presses no button.
         const gain = Assistive.item("Global gain, typed", "EditableText");
         mouseClick(Assistive.item("Start", "Button"));
         Machine.advance(0.5);
@@ -324,7 +324,7 @@ ScreenTest {
         compare(App.equalizer.globalGainDB, 2);
         verify(App.engine.running);
         verify(!gain.activeFocus);
-        // Nor is another band selected than the one that was typed for.
+        // The selected band is the one of the typed value.
         mouseClick(part("bandPoint1"));
         mouseClick(Assistive.item("Band 7 gain, typed", "EditableText"));
         type("4");
@@ -349,8 +349,8 @@ ScreenTest {
         compare(App.equalizer.globalGainDB, 0);
     }
 
-    /// Whether the last part of a page is in view, or the first. Of a list that is a row: where its content
-    /// ends is an estimate.
+    /// True if the last part of a page is in view, or the first. For lists a row counts: their content height is an
+    /// estimate.
     function showsEnd(view: var, isLast: bool): bool {
         if (view.count === undefined)
             return isLast ? view.atYEnd : view.atYBeginning;
@@ -364,7 +364,7 @@ ScreenTest {
         resize(1020, 400);
         open(data.tag);
         const view = part("presetList") ?? part("screenPage").contentItem;
-        take("Start", "Button"); // outside of the page
+        take("Start", "Button"); // outside the page
         const page = view.height - 64;
         const last = view.originY + view.contentHeight - view.height;
         verify(last > 0, "nothing to scroll");
@@ -373,14 +373,14 @@ ScreenTest {
             keyClick(key);
             places.push(Math.round(view.contentY - view.originY));
         }
-        const isList = view.count !== undefined; // where its content begins is an estimate too
+        const isList = view.count !== undefined; // its origin is an estimate too
         compare(places, [Math.round(Math.min(last, 64)), 0, isList ? places[2] : Math.round(Math.min(last, page)), 0]);
         verify(places[2] > 0);
         keyClick(Qt.Key_End);
         tryVerify(() => showsEnd(view, true));
         keyClick(Qt.Key_Home);
         tryVerify(() => showsEnd(view, false));
-        // Also after the wheel has left where a list's row is.
+        // The same after scrolling by the wheel.
         view.contentY += 100;
         keyClick(Qt.Key_Home);
         tryVerify(() => showsEnd(view, false));
@@ -419,13 +419,13 @@ ScreenTest {
             mouseMove(slider, 50, y);
         };
         const turn = notches => mouseWheel(slider, 50, y, 0, 120 * notches);
-        // Without the focus: the page.
+        // Without focus the page scrolls.
         App.setting("limiterThresholdDB").value = -1;
         point();
         turn(1);
         tryVerify(() => page.contentY < inView);
         compare(App.setting("limiterThresholdDB").value, -1);
-        // With it: the value and not the page, at the end of the range too.
+        // With focus the value changes, not the page, even at the end of the range.
         slider.forceActiveFocus();
         tryCompare(page, "flicking", false);
         point();
@@ -434,7 +434,7 @@ ScreenTest {
             fuzzyCompare(App.setting("limiterThresholdDB").value, value, 1e-5);
         }
         compare(page.contentY, inView);
-        // A page that is being scrolled brings the control below the pointer: the wheel stays the page's.
+        // While the page scrolls, the wheel stays with it, even if the control comes below the pointer.
         const view = part("screenPage");
         mouseMove(view, 300, 4);
         mouseWheel(view, 300, 4, 0, -120);
@@ -450,7 +450,7 @@ ScreenTest {
 
     function test_a_drag_of_a_point_keeps_to_its_axis() {
         App.equalizer.bands.setGain(4, -10);
-        App.equalizer.globalGainDB = -10; // drawn at the lower end, which it is below
+        App.equalizer.globalGainDB = -10; // below the drawn range
         dragPoint(4, 1, 0);
         let [hertz, gain] = bandFacts(4);
         verify(hertz > 500);
@@ -461,7 +461,7 @@ ScreenTest {
         dragPoint(4, 3, -30);
         compare(bandFacts(4)[0], hertz);
         verify(bandFacts(4)[1] > -10);
-        // Upward from below the curve it begins where the value is.
+        // From below the drawn range a drag starts at the value.
         App.equalizer.bands.setGain(4, -10);
         dragPoint(4, 0, -1);
         verify(bandFacts(4)[1] > -10 && bandFacts(4)[1] < -9.5, "gain " + bandFacts(4)[1]);

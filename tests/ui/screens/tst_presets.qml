@@ -52,7 +52,7 @@ ScreenTest {
         compare(part("presetList").count, 1);
         verify(Assistive.has("33 total"));
 
-        // A favourite, first in the toolbar's box.
+        // A favourite comes first in the toolbar's box.
         keyClick(Qt.Key_Down);
         tabTo("Favourite");
         keyClick(Qt.Key_Space);
@@ -60,7 +60,7 @@ ScreenTest {
         verify(Assistive.find("Favourite", "Button").checked || Assistive.find("Favourite", "CheckBox").checked);
         compare(App.presets.choices.data(App.presets.choices.index(0, 0), Qt.UserRole + 1), "MR5 Desk — Late Night");
 
-        // A copy of it, with another name and then other settings.
+        // Duplicates it, renames the copy and overwrites its settings.
         tabTo("More");
         keyClick(Qt.Key_Space);
         tryVerify(() => Assistive.has("Duplicate", "MenuItem"));
@@ -88,7 +88,7 @@ ScreenTest {
         keySequence("Ctrl+Z");
         compare(App.presets.activeName, "Custom");
 
-        // Out, and in again with another file.
+        // Exports it, then imports it together with another file.
         Machine.chosenFile = Machine.filePath("Evening.json");
         tabTo("Export current…");
         keyClick(Qt.Key_Space);

@@ -100,14 +100,14 @@ ScreenTest {
         verify(!Assistive.has(text));
         Machine.persist();
         settle();
-        compare(announced(), [text]); // the next failure is told like the first
+        compare(announced(), [text]); // announces the next failure too
         Machine.allowSaving();
         Machine.persist();
         settle();
         verify(!Assistive.has("Dismiss"));
     }
 
-    // That the way ends and shows what it leads to: LayoutTest.
+    // LayoutTest checks that the Tab order ends and shows every stop.
     function test_tab_leads_to_the_controls_data() {
         return Object.entries({
             equalizer: ["Equalizer", "Reset all bands", "Global", "Band 1 gain", "Band 1 frequency", "Band 1 Q", "Band 1 type", "Band 1 bypass"],
@@ -129,7 +129,7 @@ ScreenTest {
         compare(data.names.filter(name => !visited.includes(name)), []);
     }
 
-    // Last: it leaves no device.
+    // Runs last, because it removes all devices.
     function test_zz_no_device() {
         Machine.removeAllDevices();
         open("devices");
