@@ -13,7 +13,7 @@ using ::testing::SizeIs;
 
 class AudioEngineTest : public EngineTest {
   protected:
-    /// Of a tone on the speakers, in dB of what is played.
+    /// Gain of a tone on the speakers, in dB.
     [[nodiscard]] double gainDB() {
         settle();
         return 20.0 * std::log10(toneOn("speakers") / 0.25);
@@ -27,8 +27,8 @@ TEST_F(AudioEngineTest, SoundPassesOnceAndWithoutDelay) {
     play(5.0);
     const auto recording = heard("speakers");
     ASSERT_EQ(recording.left.size(), 468U * 512);
-    // Flat settings change no bit once the sound has faded in, and each frame comes out in the very
-    // cycle that it was captured in.
+    // After the fade-in, flat settings are bit-exact and each frame is played in the cycle that
+    // captured it.
     for (std::size_t frame = 960; frame < recording.left.size(); ++frame) {
         ASSERT_EQ(recording.left[frame], static_cast<float>(frame + 1) * countedStep) << frame;
         ASSERT_EQ(recording.right[frame], -recording.left[frame]) << frame;
@@ -89,7 +89,7 @@ TEST_F(AudioEngineTest, SettingsReachTheSoundLiveAndNormalSoundComesBackByItself
 }
 
 TEST_F(AudioEngineTest, ComparesWithTheUnprocessedSoundAtTheSameLoudness) {
-    // A cut of the louder of two tones: bypassed, both are back in their proportion, and quieter.
+    // Cuts the louder of two tones: the bypass restores their ratio at a lower level.
     hardware.play([](double seconds, std::uint32_t) {
         const double radians = 2.0 * std::numbers::pi * seconds;
         return static_cast<float>(0.2 * std::sin(1000.0 * radians) +
@@ -132,7 +132,7 @@ TEST_F(AudioEngineTest, OneStartAtATimeAndAStopInTheMiddleWins) {
     EXPECT_EQ(state(), "stopped");
     expectNothingLeft();
 
-    // The one after it is a start like any other, while the stale one is still on its way.
+    // The next start is normal, although the stale one is still pending.
     engine->start();
     engine->stop();
     engine->start();

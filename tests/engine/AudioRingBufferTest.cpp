@@ -40,7 +40,7 @@ Read read(AudioRingBuffer &ring, std::size_t frames) {
     return result;
 }
 
-// Against the plainest model there is: a queue of frames. Less room than one frame is one frame.
+// Compares with a queue of frames. A capacity below one frame counts as one frame.
 TEST(AudioRingBuffer, BehavesLikeAQueue) {
     const unsigned seed = std::random_device()();
     SCOPED_TRACE(::testing::Message() << "seed " << seed);
@@ -75,7 +75,7 @@ TEST(AudioRingBuffer, BehavesLikeAQueue) {
                 }
                 const Read got = read(ring, frames);
                 ASSERT_EQ(got.left, expected) << "step " << step;
-                for (std::size_t frame = 0; frame < frames; ++frame) // mono is heard on both sides
+                for (std::size_t frame = 0; frame < frames; ++frame) // mono goes to both channels
                     ASSERT_EQ(std::abs(got.right[frame]), got.left[frame]);
             }
         }
@@ -83,8 +83,8 @@ TEST(AudioRingBuffer, BehavesLikeAQueue) {
     }
 }
 
-// Writer, reader and counter taker at once, as in the running engine. What is read is in order,
-// left and right belong together, and the counters add up to the frame.
+// Writer, reader and counter taker run at once, as in the engine. Frames stay in order, channels
+// together, and the counters add up exactly.
 TEST(AudioRingBuffer, ThreeThreadsAtOnce) {
     AudioRingBuffer ring(1000);
     constexpr int blocks = 20000;
@@ -93,7 +93,7 @@ TEST(AudioRingBuffer, ThreeThreadsAtOnce) {
 
     std::thread writer([&] {
         for (int block = 0; block < blocks; ++block) {
-            // Exactly representable and never 0, so that it cannot be taken for silence.
+            // Exactly representable and never 0, unlike silence.
             ring.write(counted(1 + block * static_cast<int>(blockFrames), blockFrames));
             if (block % 16 == 0)
                 std::this_thread::yield();
@@ -122,7 +122,7 @@ TEST(AudioRingBuffer, ThreeThreadsAtOnce) {
     bool inStep = true;
     for (bool finished = false; !finished;) {
         finished = done;
-        // The last read takes the rest.
+        // The last read drains the buffer.
         const std::size_t frames = finished ? 1000 : 48;
         const Read got = read(ring, frames);
         asked += static_cast<std::int64_t>(frames);

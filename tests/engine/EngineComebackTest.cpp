@@ -61,7 +61,7 @@ TEST_F(EngineComebackTest, NotAfterAStop) {
     play(5.0);
     EXPECT_EQ(state(), "stopped");
     expectNothingLeft();
-    hardware.removeDevice("speakers"); // and back under another id, while nothing runs
+    hardware.removeDevice("speakers"); // returns under another id while nothing runs
     hardware.addDevice({.uid = "speakers"});
     start();
     EXPECT_EQ(state(), "running");

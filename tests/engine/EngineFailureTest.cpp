@@ -21,7 +21,7 @@ std::string couldNot(const char *what, int status) {
     return capture + "couldn't " + what + " (OSStatus " + std::to_string(status) + ").";
 }
 
-/// A status of 0 is a success without an object.
+/// A status of 0 means success without an object.
 struct Failure {
     const char *name;
     Operation operation;

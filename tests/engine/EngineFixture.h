@@ -17,13 +17,12 @@ namespace quorbel::testing {
 /// A sine of `amplitude` at `hertz` on both channels.
 [[nodiscard]] simulated::Sound sine(double hertz, double amplitude = 0.25);
 
-/// The frames of a device at 48 kHz, counted: frame n is (n + 1) / 2^20 on the left, its negative
-/// on the right. Exact in 32 bits for the first twenty seconds, so that every frame that comes out
-/// can be told from every other.
+/// Numbers the frames of a device at 48 kHz: frame n is (n + 1) / 2^20 on the left, its negative on
+/// the right. All values of the first twenty seconds are distinct and exact in 32 bits.
 [[nodiscard]] simulated::Sound countedFrames();
 inline constexpr float countedStep = 1.0F / (1 << 20);
 
-/// An engine on a machine in memory: two devices at 48 kHz with cycles of 512 frames, "speakers"
+/// An engine on simulated hardware: two devices at 48 kHz with cycles of 512 frames, "speakers"
 /// (the default and chosen) and "hdmi". No limiter or other unit exists unless a test registers
 /// one.
 class EngineTest : public ::testing::Test {

@@ -1,4 +1,4 @@
-// The engine's own work while the hardware runs and no application plays.
+// The engine's work while the hardware runs and no application plays.
 
 #include "effects/EffectComponents.h"
 #include "engine/EngineFixture.h"
@@ -11,7 +11,7 @@
 namespace quorbel::testing {
 namespace {
 
-/// Counts what runs on another clock by the timers that are set here.
+/// Forwards to another clock and counts the callbacks of its own timers.
 class CountingClock final : public Clock {
   public:
     explicit CountingClock(Clock &clock) : clock_(clock) {}
@@ -45,7 +45,7 @@ AudioEngine::UnitRegistration allUnitsOn(Clock &clock) {
     };
 }
 
-/// Low enough for the bass to be tracked, and never the same for long.
+/// Low enough for the bass tracker, and constantly changing.
 simulated::Sound wanderingBass() {
     return [](double seconds, std::uint32_t) {
         return static_cast<float>(
@@ -54,7 +54,7 @@ simulated::Sound wanderingBass() {
     };
 }
 
-/// Another machine that hears the same from the same moment on.
+/// Another machine that starts the same sound at the same time.
 struct OtherMachine {
     explicit OtherMachine(const simulated::Sound &sound) {
         hardware.addDevice({.uid = "speakers"});
@@ -119,13 +119,14 @@ TEST_F(EngineIdleTest, HiddenValuesWakeRarelyAndAreTheSameOnceShown) {
     OtherMachine seen(wanderingBass());
     playFromTheStart(wanderingBass());
     for (SimulatedHardware *machine : {&hardware, &seen.hardware})
-        machine->setBlockFrames("speakers", {480}); // a whole number of them to an estimate
+        machine->setBlockFrames("speakers", {480}); // a whole number of blocks per estimate
     const auto playBoth = [&](double seconds) {
         play(seconds);
         seen.clock.advance(seconds);
     };
     const auto expectSame = [&] {
-        seen.engine.setDisplayed(false); // shown again, it publishes its read-outs at once
+        seen.engine.setDisplayed(
+            false); // once displayed again, it publishes its read-outs immediately
         seen.engine.setDisplayed(true);
         engine->setDisplayed(true);
         EXPECT_EQ(engine->bassTrackedFrequency(), seen.engine.bassTrackedFrequency());

@@ -1,4 +1,4 @@
-// Devices at other rates and with odd cycles: pitch, level and every frame are kept.
+// Devices at other rates and with odd cycles: pitch and level are kept and no frame is lost.
 
 #include "engine/EngineFixture.h"
 
@@ -15,8 +15,8 @@ constexpr const char *losses = "într-o secundă";
 
 class EngineRatesTest : public EngineTest {
   protected:
-    /// After the first second, in which capture and playback settle: a pure tone of the right pitch
-    /// and level at the device, and not one frame lost.
+    /// Expects a pure tone of the right pitch and level at the device and no lost frame, after one
+    /// second of settling.
     void expectPureTone(double sampleRate) {
         play(1.1);
         (void)heard("speakers");
@@ -31,8 +31,8 @@ class EngineRatesTest : public EngineTest {
     }
 };
 
-// Capture and playback convert each on its own. After a restart of one of
-// them, playback may ask for a block that is a frame longer than the captured one.
+// Capture and playback convert independently. After one of them restarts, playback may request a
+// block one frame longer than the captured one.
 TEST_F(EngineRatesTest, NoFrameIsMissingAfterRestartsOfPlayback) {
     hardware.setBlockFrames("speakers", {101});
     hardware.play(sine(1000.0));
@@ -42,7 +42,7 @@ TEST_F(EngineRatesTest, NoFrameIsMissingAfterRestartsOfPlayback) {
         (void)log.take();
         for (int round = 0; round < 20; ++round) {
             choose("hdmi");
-            choose("speakers"); // before playback has moved: one restart where it was
+            choose("speakers"); // before playback moves: one restart on the old device
             play(0.2 + 0.0023 * round);
         }
         EXPECT_THAT(log.takeWith(losses), IsEmpty()) << sampleRate;
@@ -87,11 +87,11 @@ TEST_F(EngineRatesTest, LossesAreReportedOnceASecondAndSinceTheLastReport) {
     hardware.play(sine(1000.0));
     hardware.setBlockFrames("speakers", {480});
     start();
-    play(5.05); // out of step with the reports, which come on the second
+    play(5.05); // out of phase with the reports, which come every second
     EXPECT_THAT(log.takeWith(losses), IsEmpty()) << "a healthy second says nothing";
 
     const auto loseFiveCycles = [this] {
-        hardware.setBlockFrames("speakers", {8000}); // none of them fits
+        hardware.setBlockFrames("speakers", {8000}); // no block fits
         play(0.9);
         hardware.setBlockFrames("speakers", {480});
     };

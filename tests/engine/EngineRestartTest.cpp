@@ -89,8 +89,8 @@ TEST_F(EngineRestartTest, AnotherDefaultOutputRebuildsTheCapture) {
     EXPECT_EQ(hardware.taps().front().uuid, before) << "news that change nothing for the capture";
 }
 
-/// A desktop's devices come, go, take each other's ids and the default follows late, while the user
-/// chooses. Whenever that has come to rest, the chosen device plays, or else the default.
+/// Devices come, go and reuse ids, the default follows late, and the user chooses. Once all is
+/// settled, the chosen device plays, or else the default.
 TEST_F(EngineRestartTest, PlaysOnTheChoiceElseOnTheDefaultAfterAnyStormOfChanges) {
     const auto seed = std::random_device{}();
     SCOPED_TRACE(::testing::Message() << "seed " << seed);
@@ -144,7 +144,7 @@ TEST_F(EngineRestartTest, PlaysOnTheChoiceElseOnTheDefaultAfterAnyStormOfChanges
             hardware.addDevice({.uid = move(absent, present, 0)});
         if (std::ranges::count(present, defaultUID) == 0)
             hardware.setDefaultOutput(defaultUID = present.front());
-        play(4.0); // as long as a return after a failure takes
+        play(4.0); // longest recovery after a failure
         const bool isThere = std::ranges::count(present, chosen) > 0;
         ASSERT_EQ(state(), "running");
         ASSERT_EQ(engine->outputDevice()->uid, isThere ? chosen : defaultUID);

@@ -1,5 +1,5 @@
-// The engine with capture and playback on threads of their own, as fast as they can run: for the
-// thread sanitizer, and to see that a stop leaves no call under way.
+// The engine with capture and playback on separate threads at full speed: for the thread sanitizer,
+// and to check that no call is under way after a stop.
 
 #include "engine/EngineFixture.h"
 #include "support/RealtimeGuard.h"
@@ -19,7 +19,7 @@ class CycleCount final : public simulated::CallbackWatch {
         ++cycles_;
     }
 
-    /// Waits for that many more cycles.
+    /// Waits for this many more cycles.
     void wait(int cycles) const {
         const int until = cycles_ + cycles;
         while (cycles_ < until)
@@ -45,7 +45,7 @@ TEST(EngineThreads, ControlsMoveAndHardwareChangesWhileItRuns) {
     AudioEngine engine(hardware, devices, clock, EQBand::defaultBands());
 
     for (int round = 0; round < 20; ++round) {
-        // Every other round uses two devices for capture and playback, and so two threads.
+        // Every other round captures and plays on different devices, hence on two threads.
         engine.setOutputDevice(devices.outputDevice(round % 2 == 0 ? "hdmi" : "speakers"));
         engine.start();
         clock.runPending();
@@ -121,7 +121,7 @@ TEST_F(EngineRealtimeTest, CallbacksAllocateNothingAndTakeNoForeignLock) {
         hardware.setSampleRate("speakers", sampleRate);
         start();
         play(0.3);
-        for (int step = 0; step < 20; ++step) { // every stage at work, and everything moves
+        for (int step = 0; step < 20; ++step) { // all stages on, all settings changing
             const auto turn = static_cast<float>(step % 5);
             setBand(5, 1000.0F, turn - 3.0F);
             engine->eq().setGlobalGainDB(-turn);

@@ -16,8 +16,8 @@ class KWeightingTest : public EveryVectorTarget {};
 TEST_P(KWeightingTest, WeighsAsTheStandardSaysAndTheSameOnEveryMachine) {
     constexpr std::uint32_t settling = 48'000;
     constexpr std::uint32_t frames = 96'000;
-    // The standard's own check, the cut's corner, where its Q is its gain, high above the shelf,
-    // and silence.
+    // The standard's check frequency, the cut's corner (where its gain is its Q), far above the
+    // shelf, and silence.
     const std::array<double, 3> hertz{997.0, 38.135, 12'000.0};
     std::vector<std::vector<float>> sound(4, std::vector<float>(frames));
     for (std::size_t channel = 0; channel < hertz.size(); ++channel)

@@ -15,20 +15,20 @@ namespace {
 using enum ChainUnit;
 using ::testing::ElementsAre;
 
-/// Stand-ins for the units of the chain that leave the sound alone and note what is done to them.
-/// Their parameters take anything and begin at `untouched`.
+/// Stand-ins for the chain's units that pass the sound through and record their calls. Their
+/// parameters accept any value and start at `untouched`.
 class ProbeUnits {
   public:
     static constexpr float untouched = -777.0F;
 
-    /// Registers all of them but the absent ones.
+    /// Registers all but the absent units.
     void registerAll(AudioUnitRegistry &registry);
 
-    std::set<ChainUnit> absent; ///< fail when they are made; looked at each time
+    std::set<ChainUnit> absent; ///< cannot be created; checked each time
     std::map<ChainUnit, int> made;
     std::map<ChainUnit, std::vector<float>> valuesAtAllocation;
-    std::vector<ChainUnit> rendered;        ///< in the order of the first block after an allocation
-    std::map<ChainUnit, float> firstSample; ///< of the left channel of that block, as it came in
+    std::vector<ChainUnit> rendered;        ///< order of the first block after an allocation
+    std::map<ChainUnit, float> firstSample; ///< input of the left channel in that block
     std::map<ChainUnit, float> readouts;
 };
 
@@ -96,7 +96,7 @@ void ProbeUnits::registerAll(AudioUnitRegistry &registry) {
     }
 }
 
-constexpr float none = ProbeUnits::untouched; // a parameter that no setting goes into
+constexpr float none = ProbeUnits::untouched; // a parameter without a setting
 
 class ProcessingChainTest : public EngineTest {
   protected:

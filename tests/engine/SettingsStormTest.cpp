@@ -1,4 +1,4 @@
-// Presets that change while another thread renders: no block may be played with a part of one.
+// Presets change while another thread renders: no block may use a part of a preset.
 
 #include "effects/EffectComponents.h"
 #include "engine/ChainFormat.h"
@@ -31,7 +31,7 @@ struct StormPreset {
     SpatialConfig spatial;
 };
 
-/// Boosts and cuts that the tone control and the global gain make up for at `toneHz`.
+/// Boosts and cuts that tone control and global gain compensate at `toneHz`.
 StormPreset randomPreset(std::mt19937 &random) {
     std::uniform_int_distribution<int> step(-1, 1);
     StormPreset preset;
@@ -47,7 +47,7 @@ StormPreset randomPreset(std::mt19937 &random) {
     return preset;
 }
 
-/// The whole chain but the limiter, on a tone of `toneHz`.
+/// The chain without the limiter, on a tone of `toneHz`.
 class ToneThroughChain {
   public:
     ToneThroughChain() {
@@ -62,7 +62,7 @@ class ToneThroughChain {
         EXPECT_EQ(graph_.start(), statusOK);
     }
 
-    /// As undo does it: announced one after the other, heard at once.
+    /// Changes all as undo does: separate announcements, one audible change.
     void set(const StormPreset &preset) {
         const ProcessingChain::SettingsChange change(chain_);
         chain_.eq().setBands(preset.bands);
@@ -138,8 +138,8 @@ TEST_P(SettingsStorm, IsNoLouderThanWhenTheChangesFallBetweenBlocks) {
         calm.set(preset);
         stormy.set(preset);
         letPlay();
-        // Both ends have the tone's own level. What the glide adds depends on its phase: by 13 % at
-        // most in 5000 changes; half a preset adds up to 12 dB.
+        // Both ends have the tone's own level. The glide added at most 13 % in 5000 changes,
+        // depending on its phase; half a preset adds up to 12 dB.
         EXPECT_LT(stormy.peak(), 1.3F * calm.peak()) << "seed " << seed << ", change " << change;
     }
     ends = true;

@@ -39,7 +39,7 @@ class SystemAudioTapTest : public ::testing::Test {
     SystemAudioTap tap{hardware};
 };
 
-/// Lets the machine believe that something is being played.
+/// Makes the hardware report that an application plays.
 class SilentPlayback final : public RenderClient {
   public:
     explicit SilentPlayback(SimulatedHardware &hardware) : output_(hardware.makeOutput()) {

@@ -29,7 +29,7 @@ Peaks measured(const std::vector<float> &left, const std::vector<float> &right) 
 TEST_P(TruePeakTest, FindsThePeakBetweenTheSamplesOfEitherChannel) {
     constexpr std::uint32_t frames = 4800;
     const std::vector<float> silence(frames);
-    // Sampled at 45 degrees around its crests: the samples are 3 dB lower than the sine.
+    // Sampled 45 degrees beside its crests: the samples are 3 dB below the sine's peak.
     std::vector<float> quarter(frames);
     for (std::uint32_t i = 0; i < frames; ++i)
         quarter[i] = static_cast<float>(0.5 * std::sin(std::numbers::pi * (0.5 * i + 0.25))) *
@@ -43,14 +43,14 @@ TEST_P(TruePeakTest, FindsThePeakBetweenTheSamplesOfEitherChannel) {
 
 TEST_P(TruePeakTest, MissesNoPeakWhereItSavesTheOversampling) {
     const std::vector<float> white = noise(20'000, 1.0F, 8).left;
-    // Rough and smooth, and ever louder, so that new peaks keep coming.
+    // Rough and smooth sound that grows louder, so that new peaks keep arriving.
     for (const std::size_t width : {1U, 4U}) {
         std::vector<float> sound(white.size());
         for (std::size_t i = width; i < sound.size(); ++i)
             for (std::size_t k = 0; k < width; ++k)
                 sound[i] += static_cast<float>(i) / 20'000.0F * white[i - k];
         const std::vector<float> silence(sound.size());
-        // Given sample by sample with nothing held, every value is computed.
+        // Single samples without a held peak make it compute every value.
         TruePeak single;
         std::vector<float> expected;
         for (const float &sample : sound) {

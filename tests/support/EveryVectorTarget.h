@@ -11,7 +11,7 @@
 
 namespace quorbel {
 
-/// Once for every kind of vector that the machine has: what is dispatched runs on that kind.
+/// Runs a test once per vector target of the machine, with the code dispatched to that target.
 class EveryVectorTarget : public ::testing::TestWithParam<std::int64_t> {
   public:
     [[nodiscard]] static std::vector<std::int64_t> compiled() {
@@ -33,7 +33,7 @@ class EveryVectorTarget : public ::testing::TestWithParam<std::int64_t> {
     }
     void TearDown() override { useTarget(0); }
 
-    /// 0 is the best that the machine has.
+    /// 0 selects the best target of the machine.
     static void useTarget(std::int64_t target) {
         hwy::SetSupportedTargetsForTest(target);
         hwy::GetChosenTarget().Update(hwy::SupportedTargets());

@@ -4,7 +4,7 @@
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define QUORBEL_SANITIZER_HOOKS 1
-// Of the sanitizers' runtime; its header does not come with every compiler.
+// From the sanitizers' runtime, whose header some compilers lack.
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const volatile void *,
                                                                           std::size_t),
                                                          void (*onFree)(const volatile void *));
@@ -18,7 +18,7 @@ namespace quorbel::testing {
 
 namespace {
 
-// Without a constructor, so that it can be counted in from the first instruction of a thread on.
+// No constructor, so that counting works from a thread's first instruction.
 thread_local constinit RealtimeViolations seen;
 
 } // namespace
@@ -38,8 +38,8 @@ bool RealtimeGuard::countsLocks() { return false; }
 
 namespace {
 
-// ShortLock is the only mutex of the program with priority inheritance; the C library keeps that in
-// the bit of the mutex's kind that PTHREAD_PRIO_INHERIT sets.
+// ShortLock is the program's only mutex with priority inheritance, which the C library records in a
+// bit of the mutex's kind.
 bool isShortLock(const pthread_mutex_t &mutex) {
     constexpr int priorityInheriting = 32;
     return (mutex.__data.__kind & priorityInheriting) != 0;
@@ -72,7 +72,7 @@ using quorbel::testing::seen;
 
 extern "C" {
 
-// The C library's own names of what is replaced here.
+// The C library's own names of the replaced functions.
 void *__libc_malloc(std::size_t size);
 void *__libc_calloc(std::size_t count, std::size_t size);
 void *__libc_realloc(void *memory, std::size_t size);

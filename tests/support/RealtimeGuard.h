@@ -7,7 +7,7 @@ namespace quorbel::testing {
 
 /// Operations of the current thread that are forbidden on audio threads.
 struct RealtimeViolations {
-    std::uint64_t allocations = 0; ///< malloc and everything that ends there, new included
+    std::uint64_t allocations = 0; ///< by malloc and its callers, including new
     std::uint64_t frees = 0;
     std::uint64_t foreignLocks = 0; ///< mutexes other than ShortLock, and reader-writer locks
 
@@ -18,7 +18,7 @@ struct RealtimeViolations {
     }
 };
 
-/// Counts from its construction on, on the thread that made it.
+/// Counts on the constructing thread, from construction on.
 ///
 /// Works by replacing malloc and pthread's lock functions for the whole program. Built with
 /// sanitizers, which have replaced them already, it counts memory through their hooks and no locks.
@@ -27,7 +27,7 @@ class RealtimeGuard {
     RealtimeGuard();
     [[nodiscard]] RealtimeViolations violations() const;
 
-    /// Whether this build sees locks at all.
+    /// True if this build counts locks.
     [[nodiscard]] static bool countsLocks();
 
   private:

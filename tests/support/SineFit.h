@@ -7,12 +7,12 @@
 
 namespace quorbel {
 
-/// The sine of a known frequency in a sound, as a least-squares fit of sine and cosine.
+/// Least-squares fit of a sine of known frequency to a sound.
 struct SineFit {
     double amplitude = 0.0;
-    double residual = 0.0; ///< root mean square of what is left without it
+    double residual = 0.0; ///< RMS of the sound without the sine
 
-    /// The residual in dB of the sine's root mean square.
+    /// Residual in dB relative to the sine's RMS.
     [[nodiscard]] double residualDB() const {
         return 20.0 * std::log10(residual * std::numbers::sqrt2 / amplitude);
     }
