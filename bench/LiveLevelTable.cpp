@@ -94,7 +94,7 @@ class LiveMachine final : private OutputRule {
     }
 
     // OutputRule
-    [[nodiscard]] bool isInForce() const override { return true; }
+    [[nodiscard]] bool isActive() const override { return true; }
     [[nodiscard]] OutputUse useOf(const AudioDevice &) const override { return {}; }
     void adopt(const AudioDevice &device) override {
         const bool isFirst = device.uid == speakers && device.identity.route != otherRoute;

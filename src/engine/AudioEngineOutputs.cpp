@@ -21,7 +21,7 @@ void AudioEngine::setOutputRule(OutputRule *rule) {
 }
 
 bool AudioEngine::hasOutputRule() const {
-    return outputRule_ != nullptr && outputDevice_ && outputRule_->isInForce();
+    return outputRule_ != nullptr && outputDevice_ && outputRule_->isActive();
 }
 
 OutputUse AudioEngine::useOfOutput() const {

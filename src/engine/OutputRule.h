@@ -17,7 +17,7 @@ class OutputRule {
     virtual ~OutputRule() = default;
 
     /// True if the rule has any effect. If not, the engine makes no other call and never waits.
-    [[nodiscard]] virtual bool isInForce() const = 0;
+    [[nodiscard]] virtual bool isActive() const = 0;
 
     [[nodiscard]] virtual OutputUse useOf(const AudioDevice &device) const = 0;
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "effects/cores/Kept.h"
 #include "effects/cores/Leveller.h"
+#include "effects/cores/Memoized.h"
 
 #include <cstdint>
 
@@ -18,7 +18,7 @@ class AutoGainCore {
 
     /// True while the trim or its target differs from 1. Rounding keeps a glide from ever reaching
     /// 1 exactly; only `prepare` does. [render]
-    [[nodiscard]] bool trimsTo(float trimTarget) const noexcept {
+    [[nodiscard]] bool isTrimActive(float trimTarget) const noexcept {
         return trimTarget != 1.0F || trim_ != 1.0F;
     }
 
@@ -32,8 +32,8 @@ class AutoGainCore {
                 float trimTarget, CrossfeedBlock *crossfeed = nullptr) noexcept;
 
   private:
-    Kept<float, float> target_; ///< linear, by dB
-    LevellerSettings leveller_; // with the last block's targets
+    Memoized<float, float> target_; ///< linear, by dB
+    LevellerSettings leveller_;     // with the last block's targets
     float trim_ = 1.0F;
     float meanSquare_ = 0.0F;
 };

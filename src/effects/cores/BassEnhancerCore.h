@@ -1,6 +1,6 @@
 #pragma once
 
-#include "effects/cores/Kept.h"
+#include "effects/cores/Memoized.h"
 #include "effects/cores/StereoSection.h"
 
 #include <cstdint>
@@ -51,7 +51,7 @@ class BassEnhancerCore {
 
     float sampleRate_ = 48'000.0F;
     BassSections sections_;
-    Kept<Filters, float, float> filters_; ///< by crossover and sample rate
+    Memoized<Filters, float, float> filters_; ///< by crossover and sample rate
 };
 
 } // namespace quorbel

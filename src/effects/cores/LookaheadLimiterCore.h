@@ -1,6 +1,6 @@
 #pragma once
 
-#include "effects/cores/Kept.h"
+#include "effects/cores/Memoized.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -44,7 +44,7 @@ class LookaheadLimiterCore {
     float attackCoeff_ = 0.0F;
     float releaseCoeff_ = 0.0F;
     float gainReductionDB_ = 0.0F;
-    Kept<float, float> reductionDB_; ///< by the smallest gain
+    Memoized<float, float> reductionDB_; ///< by the smallest gain
 };
 
 } // namespace quorbel

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "effects/cores/Biquad.h"
-#include "effects/cores/Kept.h"
+#include "effects/cores/Memoized.h"
 
 #include <cstdint>
 
@@ -36,7 +36,7 @@ class SpatializerCore {
   private:
     float sampleRate_ = 48'000.0F;
     BiquadState side_;
-    Kept<BiquadCoefficients, float, float, float> dip_; ///< by amount, centre and sample rate
+    Memoized<BiquadCoefficients, float, float, float> dip_; ///< by amount, centre and sample rate
 };
 
 } // namespace quorbel

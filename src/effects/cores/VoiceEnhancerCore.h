@@ -1,6 +1,6 @@
 #pragma once
 
-#include "effects/cores/Kept.h"
+#include "effects/cores/Memoized.h"
 #include "effects/cores/StereoSection.h"
 
 #include <cstdint>
@@ -46,8 +46,8 @@ class VoiceEnhancerCore {
   private:
     float sampleRate_ = 48'000.0F;
     VoiceSections sections_;
-    Kept<BiquadCoefficients, float, float> mudCoefficients_;      ///< by sample rate and cut
-    Kept<BiquadCoefficients, float, float> presenceCoefficients_; ///< by sample rate and boost
+    Memoized<BiquadCoefficients, float, float> mudCoefficients_;      ///< by sample rate and cut
+    Memoized<BiquadCoefficients, float, float> presenceCoefficients_; ///< by sample rate and boost
 };
 
 } // namespace quorbel

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "effects/PlainCell.h"
+#include "effects/RelaxedFloat.h"
 #include "platform/threads/SampleRing.h"
 #include "platform/threads/SerialQueue.h"
 
@@ -18,7 +18,7 @@ namespace quorbel {
 class RingAnalysis {
   public:
     /// Both must outlive it; `ring` has `ringCapacity`.
-    RingAnalysis(const SampleRing &ring, PlainCell &result) : ring_(ring), result_(result) {}
+    RingAnalysis(const SampleRing &ring, RelaxedFloat &result) : ring_(ring), result_(result) {}
     virtual ~RingAnalysis() = default;
     RingAnalysis(const RingAnalysis &) = delete;
     RingAnalysis &operator=(const RingAnalysis &) = delete;
@@ -48,7 +48,7 @@ class RingAnalysis {
 
   private:
     const SampleRing &ring_;
-    PlainCell &result_;
+    RelaxedFloat &result_;
     float sampleRate_ = 48'000.0F;
     std::uint64_t interval_ = 2400; ///< frames
     std::uint64_t next_ = 0;        ///< frame at which the next estimate is due

@@ -1,6 +1,6 @@
 #include "effects/units/AutoGainUnit.h"
 
-#include "effects/PlainCell.h"
+#include "effects/RelaxedFloat.h"
 #include "effects/cores/AutoGainCore.h"
 
 #include <algorithm>
@@ -31,8 +31,8 @@ float manualGain(float enabledSwitch, float manualDB) {
 
 struct AutoGainUnit::State {
     AutoGainCore core;
-    Kept<float, float, float> manualGain; // linear, by switch and dB
-    PlainCell gainStorage{0.0F};          // dB; carries the gain from block to block
+    Memoized<float, float, float> manualGain; // linear, by switch and dB
+    RelaxedFloat gainStorage{0.0F};           // dB; carries the gain from block to block
 
     void level(float *left, float *right, std::uint32_t frames, float targetDB, float trimTarget,
                CrossfeedBlock *crossfeed) noexcept {
@@ -61,7 +61,7 @@ RenderBlock AutoGainUnit::internalRenderBlock() {
             state->manualGain.of(manualGain, manualEnabledStorage->taken(), manualStorage->taken());
         const float targetDB = targetStorage->taken();
 
-        if (!levelling && !state->core.trimsTo(trimTarget)) {
+        if (!levelling && !state->core.isTrimActive(trimTarget)) {
             state->gainStorage.store(0.0F);
             return;
         }

@@ -1,6 +1,6 @@
 #include "effects/units/BassEnhancerUnit.h"
 
-#include "effects/PlainCell.h"
+#include "effects/RelaxedFloat.h"
 #include "effects/cores/BassEnhancerCore.h"
 #include "effects/cores/BassTracker.h"
 #include "effects/cores/EnhancerPass.h"
@@ -29,8 +29,9 @@ constexpr std::array bassEnhancerParameters{
 } // namespace
 
 struct BassEnhancerUnit::State {
-    PlainCell sampleRateStorage{48'000.0F};
-    PlainCell detectedFundamentalStorage{80.0F}; // Hz; written by the analysis, kept by allocation
+    RelaxedFloat sampleRateStorage{48'000.0F};
+    /// Hz; written by the analysis, kept by allocation.
+    RelaxedFloat detectedFundamentalStorage{80.0F};
     BassEnhancerCore core;
     SampleRing ring{RingAnalysis::ringCapacity}; // kept by allocation
 

@@ -1,6 +1,6 @@
 #include "effects/units/CrossfeedUnit.h"
 
-#include "effects/PlainCell.h"
+#include "effects/RelaxedFloat.h"
 #include "effects/cores/CrossfeedBlock.h"
 #include "effects/units/AutoGainUnit.h"
 
@@ -19,7 +19,7 @@ constexpr std::array crossfeedParameters{
 
 struct CrossfeedUnit::State {
     CrossfeedCore core;
-    PlainCell prevAmountStorage{0.0F}; // percent; not reset by allocation
+    RelaxedFloat prevAmountStorage{0.0F}; // percent; not reset by allocation
 
     [[nodiscard]] bool isResting(float percent) const noexcept {
         return percent / 100.0F < smallestActiveAmount &&

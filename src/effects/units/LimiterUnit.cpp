@@ -1,8 +1,8 @@
 #include "effects/units/LimiterUnit.h"
 
-#include "effects/PlainCell.h"
-#include "effects/cores/Kept.h"
+#include "effects/RelaxedFloat.h"
 #include "effects/cores/LookaheadLimiterCore.h"
+#include "effects/cores/Memoized.h"
 
 #include <array>
 #include <cmath>
@@ -20,8 +20,8 @@ constexpr std::array limiterParameters{
 
 struct LimiterUnit::State {
     LookaheadLimiterCore core;
-    Kept<float, float> threshold; // linear, by dB
-    PlainCell gainReductionStorage{0.0F};
+    Memoized<float, float> threshold; // linear, by dB
+    RelaxedFloat gainReductionStorage{0.0F};
     LimiterActivity activity;
     float sampleRate = 48000.0F;
 };

@@ -1,6 +1,6 @@
 #include "effects/units/MSWidenerUnit.h"
 
-#include "effects/PlainCell.h"
+#include "effects/RelaxedFloat.h"
 #include "effects/cores/EnhancerPass.h"
 #include "effects/cores/MidSide.h"
 
@@ -17,7 +17,7 @@ constexpr std::array widenerParameters{
 } // namespace
 
 struct MSWidenerUnit::State {
-    PlainCell prevWidthStorage{100.0F}; // percent; not reset by allocation
+    RelaxedFloat prevWidthStorage{100.0F}; // percent; not reset by allocation
 
     /// Returns the width's ramp from the last block's width to `percent`. [render]
     LinearRamp rampTo(float percent, std::uint32_t frames) noexcept {

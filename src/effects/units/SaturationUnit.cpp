@@ -1,6 +1,6 @@
 #include "effects/units/SaturationUnit.h"
 
-#include "effects/PlainCell.h"
+#include "effects/RelaxedFloat.h"
 #include "effects/cores/Saturation.h"
 
 #include <array>
@@ -16,7 +16,7 @@ constexpr std::array saturationParameters{
 } // namespace
 
 struct SaturationUnit::State {
-    PlainCell prevDriveStorage{0.0F}; // percent; not reset by allocation
+    RelaxedFloat prevDriveStorage{0.0F}; // percent; not reset by allocation
 };
 
 SaturationUnit::SaturationUnit(const ComponentDescription &description,

@@ -1,6 +1,6 @@
 #include "effects/units/VoiceEnhancerUnit.h"
 
-#include "effects/PlainCell.h"
+#include "effects/RelaxedFloat.h"
 #include "effects/cores/EnhancerPass.h"
 #include "effects/cores/VoiceDetector.h"
 #include "effects/cores/VoiceEnhancerCore.h"
@@ -26,8 +26,8 @@ constexpr float smallestMix = 0.001F;
 } // namespace
 
 struct VoiceEnhancerUnit::State {
-    PlainCell sampleRateStorage{48'000.0F};
-    PlainCell confidenceStorage{0.0F}; // 0 to 1; written by the analysis, kept by allocation
+    RelaxedFloat sampleRateStorage{48'000.0F};
+    RelaxedFloat confidenceStorage{0.0F}; // 0 to 1; written by the analysis, kept by allocation
     VoiceEnhancerCore core;
     SampleRing ring{RingAnalysis::ringCapacity};  // kept by allocation
     std::array<float, maximumBlockFrames> mono{}; // the unit's input in a joint pass

@@ -12,8 +12,8 @@ namespace quorbel {
 
 UnitNode::UnitNode(std::unique_ptr<AudioUnit> unit)
     : unit_(std::move(unit)),
-      inputStandsReady_([](RenderActionFlags &, const RenderTime &, std::uint32_t, std::int32_t,
-                           AudioBufferList &) { return statusOK; }) {}
+      readyInput_([](RenderActionFlags &, const RenderTime &, std::uint32_t, std::int32_t,
+                     AudioBufferList &) { return statusOK; }) {}
 
 UnitNode::~UnitNode() { UnitNode::deallocateRenderResources(); }
 
@@ -41,7 +41,7 @@ Status UnitNode::render(const RenderTime &time, AudioBufferList &buffers,
     if (!block_)
         return statusUninitialized;
     RenderActionFlags flags = 0;
-    return block_(flags, time, frames, 0, buffers, nullptr, inputStandsReady_);
+    return block_(flags, time, frames, 0, buffers, nullptr, readyInput_);
 }
 
 std::size_t UnitNode::joinable(std::span<GraphNode *const> following) const {

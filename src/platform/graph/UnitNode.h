@@ -34,7 +34,7 @@ class UnitNode final : public GraphNode {
 
     std::unique_ptr<AudioUnit> unit_;
     RenderBlock block_; // while allocated
-    const PullInputBlock inputStandsReady_;
+    const PullInputBlock readyInput_;
 };
 
 } // namespace quorbel

@@ -77,7 +77,7 @@ class OutputProfiles final : public QObject, public OutputRule {
     void keepSoundsOfGone(const std::vector<Preset> &next);
 
     // OutputRule
-    [[nodiscard]] bool isInForce() const override { return !profiles_.empty(); }
+    [[nodiscard]] bool isActive() const override { return !profiles_.empty(); }
     [[nodiscard]] OutputUse useOf(const AudioDevice &device) const override;
     void adopt(const AudioDevice &device) override;
 

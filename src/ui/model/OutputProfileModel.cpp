@@ -90,7 +90,7 @@ OutputProfileModel::Row OutputProfileModel::rowOf(const OutputKey &key,
         row.profile = QString::fromUtf8(profiles.titleOf(*profile));
     } else {
         const bool isCallDefault =
-            profiles.isInForce() && key.bluetooth == OutputIdentity::Bluetooth::call;
+            profiles.isActive() && key.bluetooth == OutputIdentity::Bluetooth::call;
         row.profile = isCallDefault ? tr("Left alone, as every call") : tr("No profile of its own");
     }
     return row;

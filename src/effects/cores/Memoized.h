@@ -6,7 +6,7 @@ namespace quorbel {
 
 /// Caches a result until its inputs change, because designing filters would dominate a short block.
 /// Belongs to one thread.
-template <typename Result, typename... Inputs> class Kept {
+template <typename Result, typename... Inputs> class Memoized {
   public:
     /// Returns `compute(inputs...)`; calls it only if the inputs have changed.
     template <typename Compute>

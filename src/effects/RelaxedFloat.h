@@ -6,9 +6,9 @@ namespace quorbel {
 
 /// Lock-free float that one thread writes and any may read: state that is reset from outside, and
 /// values published for display.
-class PlainCell {
+class RelaxedFloat {
   public:
-    explicit PlainCell(float value) : value_(value) {}
+    explicit RelaxedFloat(float value) : value_(value) {}
 
     [[nodiscard]] float load() const noexcept { return value_.load(std::memory_order_relaxed); }
     void store(float value) noexcept { value_.store(value, std::memory_order_relaxed); }
