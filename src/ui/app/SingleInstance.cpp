@@ -81,10 +81,16 @@ std::optional<DesktopRequest> SingleInstance::startingRequest() const {
     const QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId"));
-    const QDBusPendingCallWatcher answer(bus_.asyncCall(call, patienceMilliseconds));
-    QEventLoop loop;
-    connect(&answer, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
-    return firstRequestWithin(loop).value_or(DesktopRequest{});
+    // Qt holds back requests, but not replies, until the event loop has run: the first reply may
+    // overtake a request, the second cannot.
+    for (int trip = 0; trip < 2; ++trip) {
+        const QDBusPendingCallWatcher answer(bus_.asyncCall(call, patienceMilliseconds));
+        QEventLoop loop;
+        connect(&answer, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
+        if (auto request = firstRequestWithin(loop))
+            return request;
+    }
+    return DesktopRequest{};
 }
 
 std::optional<DesktopRequest> SingleInstance::waitForRequest(int milliseconds) const {
