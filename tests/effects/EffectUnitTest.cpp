@@ -54,7 +54,7 @@ struct Enhancers {
         voice.set(VoiceEnhancerUnit::adaptive, 1.0F);
     }
 
-    /// Changes the settings in every block; the voice enhancer idles in some.
+    /// Varies the settings over the blocks; the voice enhancer idles in every fifth.
     void set(std::uint32_t block) {
         voice.set(VoiceEnhancerUnit::amount, block % 5 == 0 ? 0.0F : 80.0F);
         widener.set(MSWidenerUnit::width, block % 3 == 0 ? 40.0F : 130.0F);

@@ -125,8 +125,7 @@ TEST_F(EngineIdleTest, HiddenValuesWakeRarelyAndAreTheSameOnceShown) {
         seen.clock.advance(seconds);
     };
     const auto expectSame = [&] {
-        seen.engine.setDisplayed(
-            false); // once displayed again, it publishes its read-outs immediately
+        seen.engine.setDisplayed(false); // publishes again once displayed
         seen.engine.setDisplayed(true);
         engine->setDisplayed(true);
         EXPECT_EQ(engine->bassTrackedFrequency(), seen.engine.bassTrackedFrequency());

@@ -121,7 +121,7 @@ TEST_F(EngineRestartTest, PlaysOnTheChoiceElseOnTheDefaultAfterAnyStormOfChanges
                 if (!absent.empty())
                     hardware.addDevice({.uid = move(absent, present, upTo(absent.size()))});
                 break;
-            case 2: // before anybody is told
+            case 2: // replaced before the change is reported
                 if (!present.empty()) {
                     const std::string replaced = present[upTo(present.size())];
                     hardware.removeDevice(replaced);

@@ -75,8 +75,7 @@ TEST_P(WholeChainOnTarget, SoundsAsOnTheSmallestVectors) {
     const Stereo here = rendered();
     useTarget(HWY_STATIC_TARGET);
     const Stereo smallest = rendered();
-    // Fused multiplications round differently: by 1.4e-5 at most on AVX2; a wrong lane exceeds
-    // that.
+    // Fused multiplications differ by at most 1.4e-5 on AVX2; a wrong lane exceeds that.
     EXPECT_LT(difference(here, smallest), 1e-4);
 }
 
