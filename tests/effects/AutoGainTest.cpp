@@ -18,8 +18,7 @@ class AutoGainModel final : public UnitModel {
         const double m = s.at(AutoGainUnit::manualEnabled) >= 0.5F
                              ? std::pow(10.0, double{s.at(AutoGainUnit::manual)} / 20.0)
                              : 1.0;
-        // Coefficients have 32 bits: one minus a 3 s smoothing coefficient keeps only 7 significant
-        // bits.
+        // 32-bit coefficients: one minus a 3 s smoothing coefficient keeps only 7 significant bits.
         const auto keep = [this](float seconds) {
             return double{std::exp(-1.0F / (seconds * sampleRate_))};
         };
@@ -56,8 +55,7 @@ TEST(AutoGainTest, MatchesTheModel) {
                                          settings(-16, 1, 6, 1),   settings(-30, 1, 6, 1),
                                          settings(-30, 0, -12, 1), settings(-6, 0, 0, 1),
                                          settings(-6, 1, 0, 0)};
-    // A slow smoother's steps round in the same direction thousands of times and reach zero 0.6 %
-    // before the target.
+    // 32-bit rounding biases every step of the slow smoother and stops it 0.6 % before its target.
     expectMatchesModel<AutoGainUnit, AutoGainModel>({48'000.0}, schedule, 1e-3);
 }
 

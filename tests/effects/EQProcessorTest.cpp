@@ -12,7 +12,7 @@ namespace {
 
 TEST(FilterBandwidthTest, FollowsTheFormulaWithinItsLimits) {
     EXPECT_NEAR(bandwidthOctaves(1.0F), 1.3884839F, 1e-6);
-    // By definition the ratio of the band edges f1, f2 with f1·f2 = f0² gives Q.
+    // Definition: Q = f0 / (f2 − f1) for band edges with f1·f2 = f0².
     for (const float q : {0.2F, 0.5F, 0.707F, 2.0F, 10.0F, 28.0F}) {
         const double ratio = std::exp2(bandwidthOctaves(q));
         EXPECT_NEAR(std::sqrt(ratio) / (ratio - 1.0), double{q}, 1e-5 * double{q});

@@ -30,7 +30,7 @@ struct EffectTraits {
     std::map<ParameterAddress, float> neutral{};
     /// Largest rounding error at these values, relative to full scale; 0: bit-exact.
     double neutralRounding = 0.0;
-    /// True if one channel may leak into the other at other settings.
+    /// True if one channel may leak into the other at settings that are not neutral.
     bool mixesChannels = false;
 };
 
@@ -40,7 +40,7 @@ const std::map<std::string, EffectTraits> &traits() {
         {"BassEnhancer", {.neutral = {{BassEnhancerUnit::amount, 0.0F}}}},
         {"Crossfeed", {.mixesChannels = true}},
         {"Limiter", {.neutral = {{LimiterUnit::enabled, 0.0F}}}},
-        // Sums and differences in 32 bits.
+        // Rounds sums and differences to 32 bits.
         {"MSWidener", {.neutralRounding = 2e-7, .mixesChannels = true}},
         {"Saturation", {}},
         {"Spatializer",

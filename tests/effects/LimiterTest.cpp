@@ -62,8 +62,7 @@ TEST(LimiterTest, MatchesTheModel) {
                 limiter.set(LimiterUnit::threshold, threshold);
                 const Stereo result = limiter.play(sound, 480);
                 const Stereo model = LimiterModel(rate).play(sound, double{threshold});
-                // The 32-bit gain sums thousands of steps and stops within 1e-4 of its target,
-                // where they round to zero.
+                // The 32-bit gain stops within 1e-4 of its target: its steps round to zero.
                 ASSERT_LT(difference(result, model), 1.2e-4)
                     << name << " at " << rate << " Hz, threshold " << threshold;
             }

@@ -27,13 +27,13 @@ class UnitHarness {
         return *this;
     }
 
-    /// Renders one block in place, as a graph does.
+    /// Renders one block in place.
     Status render(AudioBufferList &view, std::uint32_t frames) {
         node_->takeSettings();
         return node_->render({}, view, frames);
     }
 
-    /// Renders all of it in blocks of `blockFrames`.
+    /// Renders the whole sound in blocks of `blockFrames`.
     Stereo play(Stereo sound, std::size_t blockFrames = 512) {
         return inBlocks(std::move(sound), blockFrames,
                         [this](float *left, float *right, std::uint32_t frames) {
