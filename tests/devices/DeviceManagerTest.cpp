@@ -110,7 +110,7 @@ TEST_F(DeviceManagerTest, NewsOfAnEarlierObservationReachNeitherTheNextNorAManag
     {
         DeviceManager gone(hardware, clock);
         gone.startObservingHardware();
-        hardware.addDevice({.uid = "usb"}); // must not touch it later
+        hardware.addDevice({.uid = "usb"}); // still pending when the manager is destroyed
     }
     EXPECT_FALSE(hardware.isListenedTo());
     DeviceManager manager(hardware, clock);

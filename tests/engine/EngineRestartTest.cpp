@@ -40,7 +40,7 @@ TEST_F(EngineRestartTest, ABurstOfChoicesMovesPlaybackOnceToTheLast) {
 }
 
 TEST_F(EngineRestartTest, ChoicesThatChangeNothingRestartNothing) {
-    choose("hdmi"); // waits for the start
+    choose("hdmi"); // takes effect at the start
     play(0.5);
     EXPECT_FALSE(hardware.isPlaying());
     hardware.play(sine(1000.0));

@@ -65,7 +65,7 @@ TEST(EngineThreads, ControlsMoveAndHardwareChangesWhileItRuns) {
         MixerConfig mixer = engine.mixer();
         mixer.limiterThresholdDB = -static_cast<float>(round % 3);
         engine.setMixer(mixer);
-        clock.advance(1.05); // read-outs and diagnostics, while cycles come
+        clock.advance(1.05); // read-outs and diagnostics during cycles
         count.wait(5);
 
         if (round % 4 == 1)

@@ -132,7 +132,7 @@ TEST_P(SettingsStorm, IsNoLouderThanWhenTheChangesFallBetweenBlocks) {
     };
     const unsigned seed = std::random_device{}();
     std::mt19937 random(seed);
-    letPlay(); // a tone that begins inside a filter swells
+    letPlay(); // a tone's onset inside a filter overshoots
     for (int change = 0; change < 40 && !HasFailure(); ++change) {
         const StormPreset preset = randomPreset(random);
         calm.set(preset);
