@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """The desktop around a program's window: an X display, assistive technology and notifications.
 
-Takes commands from the pipe named as its argument, a JSON list in each line: a function of `Desktop` and its
-arguments. Answers each by a line of JSON on standard output, or by {"error": text}. The first line is the
-display's name. Needs the session bus of its environment.
+Reads commands from the pipe given as its argument: one JSON list per line, with a method of `Desktop` and its
+arguments. Answers each with a line of JSON on standard output, or with {"error": text}. Prints the display's
+name first. Needs the session bus of its environment.
 """
 
 import json
@@ -31,12 +31,12 @@ METHODS = """<node><interface name="org.freedesktop.Notifications">
 
 
 def start(*command, **options):
-    """A program that ends with this one."""
+    """Starts a program that ends with this one."""
     return subprocess.Popen(["setpriv", "--pdeathsig", "TERM", *command], **{"stdout": subprocess.DEVNULL, **options})
 
 
 def wait_for(what, condition, seconds=10.0):
-    """The condition's first answer that is true; notices and calls are served meanwhile."""
+    """Returns the condition's first true answer; serves signals and calls meanwhile."""
     end = time.monotonic() + seconds
     while True:
         while GLib.MainContext.default().iteration(False):
@@ -54,7 +54,7 @@ def role_of(name):
 
 
 def shown_below(at):
-    """The thing and everything shown in it, with its depth; what goes meanwhile is passed over."""
+    """Yields an object and its visible descendants with their depths; skips vanished ones."""
     stack = [(at, 0)]
     while stack:
         at, depth = stack.pop()
@@ -89,7 +89,7 @@ class Desktop:
         self.root = self.display.screen().root
         start(next(path for path in LAUNCHERS if os.path.exists(path)), "--launch-immediately")
         self.bus = Gio.bus_get_sync(Gio.BusType.SESSION)
-        # For us alone: the programs ask the session for it, as they do everywhere.
+        # Only for this process: programs ask the session bus for the address, as on any desktop.
         os.environ["AT_SPI_BUS_ADDRESS"] = wait_for("the accessibility bus", self.accessibility_bus)
         Atspi.init()
         Atspi.set_timeout(5000, 5000)
@@ -105,7 +105,7 @@ class Desktop:
     # Assistive technology
 
     def meet(self, process):
-        """Everything below is about this program from now on, which has a window."""
+        """Selects the program for all later commands; waits until it has a window."""
 
         def program():
             desktop = Atspi.get_desktop(0)
@@ -129,7 +129,7 @@ class Desktop:
         return None
 
     def find(self, role, name, description):
-        """The first of that kind in reading order; an empty name or description is any."""
+        """Returns the first match in reading order; an empty name or description matches any."""
         what = f"{role} {name} ({description})"
         return wait_for(what, lambda: self.look_up(role, name, description), 5.0)
 
@@ -148,22 +148,22 @@ class Desktop:
         return self.find(*sought).get_value_iface().set_current_value(value)
 
     def type(self, text):
-        """Into what has the keyboard's focus: a field's content cannot be set in Qt Quick, up to 6.4."""
+        """Types into the focused item, because Qt Quick up to 6.4 cannot set a field's content."""
         return Atspi.generate_keyboard_event(0, text, Atspi.KeySynthType.STRING)
 
     def tree(self):
         return "\n".join("  " * depth + str(facts(at)) for at, depth in shown_below(self.program))
 
-    # The display, whose window manager is this
+    # The display; this program is its window manager
 
     def windows(self):
-        """Those with a title and whether each is shown, the lowest first."""
+        """Yields each window, its title (possibly empty) and whether it is shown, lowest first."""
         title = self.display.intern_atom("_NET_WM_NAME")
         for window in self.root.query_tree().children:
             try:
                 text = window.get_full_property(title, X.AnyPropertyType)
                 yield window, text.value.decode() if text else "", window.get_attributes().map_state == X.IsViewable
-            except Exception:  # it has gone
+            except Exception:  # the window has gone
                 pass
 
     def frame(self):
@@ -176,11 +176,11 @@ class Desktop:
         return [title for _, title, shown in self.windows() if shown][-1:] == ["Ostrafine"]
 
     def picture(self):
-        """Of all that is seen; equal pictures have equal numbers."""
+        """Checksum of the whole screen."""
         return zlib.crc32(self.root.get_image(0, 0, *SIZE, X.ZPixmap, 0xFFFFFFFF).data)
 
     def cover(self):
-        """Another program's window over all of the display, until the display ends."""
+        """Covers the display with another program's window, until the display ends."""
         self.root.create_window(0, 0, *SIZE, 0, X.CopyFromParent).map()
         self.display.sync()
 
@@ -191,7 +191,7 @@ class Desktop:
         self.display.sync()
 
     def minimise(self):
-        """As a window manager does by the ICCCM, 4.1.3.1 and 4.1.4."""
+        """Minimises the window as window managers do (ICCCM 4.1.3.1 and 4.1.4)."""
         state = self.display.intern_atom("WM_STATE")
         frame = self.frame()
         frame.change_property(state, state, 32, [3, 0])
@@ -201,7 +201,7 @@ class Desktop:
     # Notifications
 
     def notify(self, is_there):
-        """Whether the desktop shows notifications; at first it does not."""
+        """Switches the notification service on or off; off at first."""
 
         def answer(_bus, _sender, _path, _interface, method, arguments, call):
             self.note = {"id": 0}
@@ -224,7 +224,7 @@ class Desktop:
         return self.note
 
     def choose(self, action):
-        """The user presses a button of the notification."""
+        """Presses a button of the notification."""
         self.bus.emit_signal(None, "/org/freedesktop/Notifications", NOTIFICATIONS, "ActionInvoked",
                              GLib.Variant("(us)", (self.note["id"], action)))
 
@@ -242,7 +242,7 @@ def main():
             command, *arguments = json.loads(line)
             try:
                 answer = getattr(desktop, command)(*arguments)
-            except Exception as problem:  # told to the test, whatever it is
+            except Exception as problem:  # reports any failure to the test
                 answer = {"error": f"{command}: {problem!r}"}
             print(json.dumps(answer), flush=True)
         return True
