@@ -25,6 +25,10 @@ TEST(RoutedStream, EveryLineReadsBackAsItWas) {
             EXPECT_EQ(read->targetObject, target);
             EXPECT_EQ(read->targetNode, node);
             EXPECT_EQ(read->remembered, stream.remembered);
+            RouteLedger ledger;
+            EXPECT_TRUE(ledger.take(line));
+            EXPECT_TRUE(ledger.take(encodedRelease(stream)));
+            EXPECT_EQ(ledger.size(), 0U);
         }
 }
 
