@@ -207,6 +207,8 @@ void SystemAudioTap::ioFormatChanged(const StreamFormat &format) {
 }
 
 void SystemAudioTap::ioCycle(const IOCycle &cycle) noexcept {
+    droppedCycles_.fetch_add(static_cast<std::int32_t>(cycle.missedCycles),
+                             std::memory_order_relaxed);
     if (cycle.frames == 0 || cycle.input.bufferCount == 0)
         return;
     const DenormalsFlushed denormalsFlushed;

@@ -58,6 +58,8 @@ struct IOCycle {
     StreamFormat format; ///< of this cycle; its rate may change while the device runs
     AudioBufferList input;
     std::uint32_t frames = 0;
+    /// Cycles of the device since the last one that were not handed over: the machine was too slow.
+    std::uint32_t missedCycles = 0;
     /// Start time of the cycle in seconds, on a clock that includes the machine's sleep.
     double hostSeconds = 0.0;
     /// False if the playback side will not run in this cycle. The block must then be counted as

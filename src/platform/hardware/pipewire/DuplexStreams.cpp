@@ -142,6 +142,8 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
 
 void ServerStream::stateChanged(pw_stream_state state, const char * /*error*/) {
     const bool isStreaming = state == PW_STREAM_STATE_STREAMING;
+    if (!isStreaming)
+        missedCycles_.pause();
     if (isStreaming_.exchange(isStreaming) != isStreaming)
         isStreaming ? resumed() : paused();
     if (state == PW_STREAM_STATE_ERROR)
@@ -203,6 +205,11 @@ std::uint32_t ServerStream::cycleFrames() const noexcept {
                                : 0;
 }
 
+std::uint32_t ServerStream::missedCyclesSinceLastRun() noexcept {
+    const spa_io_position *position = position_.load();
+    return position != nullptr ? missedCycles_.since(position->clock) : 0;
+}
+
 std::uint64_t ServerStream::cycleStartNanoseconds() const noexcept {
     const spa_io_position *position = position_.load();
     return position != nullptr ? position->clock.nsec : 0;
@@ -260,7 +267,9 @@ void TapStream::deliver(IOClient &client, IOCycle cycle) noexcept {
         client.ioCycle(cycle);
         cycle.input = cycle.input.advancedBy(cycle.frames);
         cycle.hostSeconds += cycle.frames / cycle.format.sampleRate;
-        cycle.isAllPlayed = false; // the remaining pieces belong to this cycle
+        // The remaining pieces belong to this cycle.
+        cycle.isAllPlayed = false;
+        cycle.missedCycles = 0;
         left -= cycle.frames;
     }
 }
@@ -279,6 +288,7 @@ void TapStream::process() noexcept {
         return;
     }
     IOCycle cycle;
+    cycle.missedCycles = missedCyclesSinceLastRun();
     cycle.format = format_;
     cycle.hostSeconds = now;
     cycle.frames = maximumBlockFrames;

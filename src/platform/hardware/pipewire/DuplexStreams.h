@@ -2,6 +2,7 @@
 
 #include "platform/core/StreamFormat.h"
 #include "platform/hardware/AudioHardware.h"
+#include "platform/hardware/pipewire/MissedCycles.h"
 #include "platform/hardware/pipewire/RealtimeSlot.h"
 #include "platform/hardware/pipewire/ServerConnection.h"
 
@@ -76,6 +77,8 @@ class ServerStream {
     virtual void resumed() {}         ///< the graph runs the stream again [control]
     /// Block length of the graph in frames; 0 if unknown. [real-time]
     [[nodiscard]] std::uint32_t cycleFrames() const noexcept;
+    /// Cycles of the graph in which the stream should have run since the last call. [real-time]
+    std::uint32_t missedCyclesSinceLastRun() noexcept;
     /// Start time of the current graph cycle, unique per cycle; 0 if unknown. [real-time]
     [[nodiscard]] std::uint64_t cycleStartNanoseconds() const noexcept;
 
@@ -93,6 +96,7 @@ class ServerStream {
 
     spa_hook hook_{}; // the stream unhooks it when it is destroyed
     std::atomic<const spa_io_position *> position_{nullptr};
+    MissedCycles missedCycles_;
     std::atomic<std::uint64_t> cycles_{0}; ///< written by the real-time thread alone
 };
 
