@@ -41,14 +41,6 @@ std::uint64_t Recording::nanosecondsOf(std::size_t frame) const {
     return segmentOf(frame).nanoseconds;
 }
 
-std::uint64_t Recording::missedFrames() const {
-    std::uint64_t missed = 0;
-    for (const std::size_t frame : framesAfterGaps()) {
-        missed += positionOf(frame) - positionOf(frame - 1) - 1;
-    }
-    return missed;
-}
-
 std::vector<std::size_t> Recording::framesAfterGaps() const {
     std::vector<std::size_t> frames;
     for (std::size_t index = 1; index < segments.size(); ++index) {
@@ -135,16 +127,6 @@ Recording Recorder::next(double seconds) const {
     const std::size_t start = frames_;
     skip(seconds);
     return recording(start).excerpt(0, static_cast<std::size_t>(seconds * sampleRate_));
-}
-
-Recording Recorder::nextUndisturbed(double seconds) const {
-    for (int attempt = 0; attempt < 5; ++attempt) {
-        Recording heard = next(seconds);
-        if (heard.missedFrames() == 0) {
-            return heard;
-        }
-    }
-    throw ServerError("this machine does not get through so much sound without standing still");
 }
 
 } // namespace quorbel::soundserver

@@ -29,10 +29,8 @@ struct Recording {
     [[nodiscard]] std::uint64_t positionOf(std::size_t frame) const;
     [[nodiscard]] std::uint64_t nanosecondsOf(std::size_t frame) const;
 
-    /// Frames missed by the recorder itself: gaps between the segments' clock positions.
-    [[nodiscard]] std::uint64_t missedFrames() const;
-
-    /// The first frames after these gaps.
+    /// The first frames after the cycles that the recorder itself missed: gaps between the
+    /// segments' clock positions.
     [[nodiscard]] std::vector<std::size_t> framesAfterGaps() const;
 
     /// `count` frames from `start` on.
@@ -64,10 +62,6 @@ class Recorder : public ClientStream {
 
     /// As `skip`, and returns just these frames.
     [[nodiscard]] Recording next(double seconds) const;
-
-    /// As `next`, repeated up to five times if the recorder missed a cycle because the whole
-    /// machine stalled. Throws `ServerError` if all attempts fail.
-    [[nodiscard]] Recording nextUndisturbed(double seconds) const;
 
   private:
     std::uint32_t process(const Cycle &cycle, std::span<float *const> channels,

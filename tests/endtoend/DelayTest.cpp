@@ -1,5 +1,6 @@
 #include "endtoend/LiveTest.h"
 #include "support/soundserver/SoundCard.h"
+#include "support/soundserver/StallWitness.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,28 +19,26 @@ constexpr std::int64_t limiterDelayFrames = 62;
 class DelayProbe {
   public:
     /// The application plays on `target`, or on the default where that is empty.
-    DelayProbe(GraphClient &client, const std::string &device, const std::string &target)
-        : recorder_(client, device, 60.0), player_(client, impulses_, {"probe", target}) {}
+    DelayProbe(GraphClient &client, const std::string &device, const std::string &target,
+               int quantum = 1024)
+        : quantum_(quantum), witness_(0.25 * quantum / 48000.0), recorder_(client, device, 60.0),
+          player_(client, impulses_, {"probe", target}) {}
 
-    /// Returns the different delays of the next `count` impulses: one if sound flows evenly. Starts
-    /// over if the recorder missed a cycle. Throws `ServerError` if the impulses do not arrive.
+    /// Returns the different delays of `count` impulses: one if sound flows evenly. Ignores those
+    /// that arrive while the machine stalls. Returns none if the others do not arrive in time.
     std::set<std::int64_t> delays(std::size_t count) {
         player_.waitUntilRunning();
-        std::size_t played = impulses_.positions().size() + settling;
-        std::size_t start = recorder_.frames();
+        const std::size_t played = impulses_.positions().size() + settling;
+        const std::size_t start = recorder_.frames();
         std::set<std::int64_t> found;
-        waitFor("the impulses arrive", 20.0, [&] {
+        const auto enoughArrive = [&] {
             const Recording heard = recorder_.recording(start);
             const auto sent = impulses_.positions();
-            if (!heard.framesAfterGaps().empty()) {
-                played = sent.size() + settling;
-                start = recorder_.frames();
-                return false;
-            }
+            const Disturbances disturbances(witness_, heard, quantum_);
             std::size_t arrived = 0;
             found.clear();
             for (std::size_t frame = 0; frame < heard.frames(); ++frame) {
-                if (heard.left[frame] > Impulses::height / 2) {
+                if (heard.left[frame] > Impulses::height / 2 && !disturbances.include(frame)) {
                     const auto position = static_cast<std::int64_t>(heard.positionOf(frame));
                     // The last impulse sent before it: they are further apart than any delay.
                     const auto after = std::ranges::upper_bound(sent, heard.positionOf(frame));
@@ -50,8 +49,8 @@ class DelayProbe {
                 }
             }
             return arrived >= count;
-        });
-        return found;
+        };
+        return comesTrue(20.0, enoughArrive) ? found : std::set<std::int64_t>();
     }
 
   private:
@@ -59,6 +58,8 @@ class DelayProbe {
     static constexpr std::size_t settling = 3;      // ignored impulses after the start
 
     Impulses impulses_{interval};
+    int quantum_;
+    StallWitness witness_;
     Recorder recorder_;
     Player player_;
 };
@@ -67,14 +68,17 @@ class Delay : public LiveTest {};
 
 TEST_F(Delay, IsTheLimitersLookaheadOnEveryDeviceAndQuantum) {
     for (const auto &[device, quantum] :
-         {std::pair("speakers", 1024), std::pair("speakers", 64), std::pair("hdmi", 256)}) {
+         {std::pair("speakers", 1024), std::pair("hdmi", 256), std::pair("speakers", 64)}) {
         SCOPED_TRACE(testing::Message() << device << " at " << quantum);
         server.forceQuantum(quantum);
-        const auto direct = DelayProbe(client, device, device).delays(20);
-        auto live = startLive(LiveSettings::flat(), {"--device", device});
-        DelayProbe probe(client, device, "");
-        ASSERT_TRUE(soonPlaysInto("probe", {tapName(*live)}));
+        const auto direct = DelayProbe(client, device, device, quantum).delays(20);
+        // Cycles of 1.3 ms are beyond some virtual machines, with us or without.
+        if (quantum == 64 && direct.empty())
+            GTEST_SKIP() << "this machine loses too many cycles at quantum 64 without us";
         ASSERT_EQ(direct.size(), 1U);
+        auto live = startLive(LiveSettings::flat(), {"--device", device});
+        DelayProbe probe(client, device, "", quantum);
+        ASSERT_TRUE(soonPlaysInto("probe", {tapName(*live)}));
         EXPECT_EQ(probe.delays(20), std::set{*direct.begin() + limiterDelayFrames});
         stopLive(live);
     }

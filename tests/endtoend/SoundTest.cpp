@@ -85,17 +85,25 @@ TEST_F(LiveTest, AServerThatIsHeldUpCostsWholeCycles) {
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     ASSERT_TRUE(soonHears(recorder, Heard::dry));
     recorder.skip(1.5);
+    bool isAnyLost = false;
+    const StallWitness witness(0.25 * quantum / 48000.0);
     // Two or three cycles long: the server then starts as many at once.
     for (int milliseconds = 8; milliseconds < 16; ++milliseconds) {
         for (int turn = 0; turn < 3; ++turn) {
             const std::size_t start = recorder.frames();
+            const std::size_t stalls = witness.stalls().size();
             server.holdUp(milliseconds * 1e-3);
             recorder.skip(0.2);
             const auto report = SequenceReport::of(recorder.recording(start));
-            // Sound in the limiter was not replaced by silence of ours.
-            EXPECT_EQ(report.lost % quantum, 0) << milliseconds << " ms: " << report;
+            isAnyLost = isAnyLost || report.lost > 0;
+            // Sound in the limiter was not replaced by silence of ours. If the player was late as
+            // well, parts of cycles are lost with its silence.
+            EXPECT_TRUE(report.lost % quantum == 0 || witness.stalls().size() > stalls)
+                << milliseconds << " ms: " << report;
         }
     }
+    // Losses are reported once a second.
+    EXPECT_TRUE(!isAnyLost || comesTrue(2.0, [&] { return !lossLines(*live).empty(); }));
 }
 
 class Rate : public LiveTest {};
@@ -109,15 +117,25 @@ TEST_F(Rate, FollowsTheGraphToAnotherRateAndBack) {
         return std::abs(toneLevelDB(recorder.last(0.2).left, 1000.0, 48000.0) + 26.0) < 0.05;
     };
     ASSERT_TRUE(comesTrue(3.0, steady));
+    const StallWitness witness(0.0025); // a quarter of a cycle at 44100 Hz
     for (const int rate : {44100, 48000}) {
         server.forceSampleRate(rate);
         recorder.skip(1.0);
         ASSERT_TRUE(comesTrue(3.0, steady)) << rate;
         recorder.skip(1.5);
         const std::size_t linesBefore = lossLines(*live).size();
-        const Recording recording = recorder.nextUndisturbed(3.0);
-        EXPECT_LT(residueDB(recording.left, 1000.0, 48000.0), -70.0) << rate;
-        EXPECT_EQ(lossLines(*live).size(), linesBefore) << lossLines(*live).back();
+        bool isDisturbed = false;
+        Recording calm;
+        for (int attempt = 0; attempt < 5 && calm.frames() < 48000; ++attempt) {
+            const Recording heard = recorder.next(3.0);
+            const Disturbances disturbances(witness, heard, 1024);
+            isDisturbed = isDisturbed || !disturbances.none();
+            calm = disturbances.longestUndisturbed();
+        }
+        ASSERT_GE(calm.frames(), 12000U) << "this machine stops too often";
+        EXPECT_LT(residueDB(calm.left, 1000.0, 48000.0), -70.0) << rate;
+        EXPECT_TRUE(lossLines(*live).size() == linesBefore || isDisturbed)
+            << lossLines(*live).back();
     }
 }
 

@@ -51,6 +51,8 @@ class Disturbances {
     /// the sound jumps where the next one comes out.
     [[nodiscard]] bool include(std::size_t frame) const;
     [[nodiscard]] double undisturbedSeconds() const;
+    /// The longest part of the recording without a disturbance; it may be empty.
+    [[nodiscard]] Recording longestUndisturbed() const;
 
   private:
     const Recording &heard_;
