@@ -12,7 +12,7 @@
 namespace quorbel {
 namespace {
 
-/// An application with a tone of its own on each of its first two channels.
+/// An application that plays a different tone on each of its first two channels.
 struct Application {
     std::string name;
     double leftHz;
@@ -69,8 +69,8 @@ struct ChannelLevels {
     std::vector<double> left;
     std::vector<double> right;
 
-    /// Within 0.5 dB, or inaudible in both. Enough to tell a wrong mixture, whose levels are off by
-    /// 3 dB at least, and wide enough for 0.2 s of a tone.
+    /// True if all levels agree within 0.5 dB or are inaudible in both. The tolerance fits 0.2 s of
+    /// a tone; a wrong mixture is off by at least 3 dB.
     [[nodiscard]] bool matches(const ChannelLevels &other) const {
         const auto match = [](double one, double another) {
             constexpr double inaudible = -70.0;
@@ -128,7 +128,7 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
         return levels;
     }
 
-    /// The settled levels without us.
+    /// Settled levels without processing.
     [[nodiscard]] ChannelLevels direct(const Application &application) {
         const Playing playing(client, application);
         ChannelLevels last;
@@ -145,14 +145,14 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
         return last;
     }
 
-    /// Waits until an application is heard with one of these levels, changed by a gain.
+    /// Waits until an application is heard at one of these sets of levels plus a gain.
     [[nodiscard]] testing::AssertionResult soonSoundsLike(const std::vector<ChannelLevels> &wanted,
                                                           const Application &application,
                                                           double gainDB = -12.0) const {
         ChannelLevels heard;
         const std::size_t begin = recorder.frames();
         const bool came = comesTrue(2.5, [&] {
-            // Only sound from after this call: older sound may have had the same levels.
+            // Ignores earlier sound, which may have had the same levels.
             if (recorder.frames() < begin + static_cast<std::size_t>(48000 * windowSeconds))
                 return false;
             heard = levelsOf(application);
@@ -166,7 +166,7 @@ class ChannelCount : public LiveTest, public testing::WithParamInterface<int> {
                                            << ", without us as " << testing::PrintToString(wanted);
     }
 
-    /// Adds the rule that processes surround sound too, in stereo.
+    /// Adds a rule that mixes surround sound to stereo and processes it.
     void mixSurroundToStereo() const {
         ProgramRulesFile file(server.settingsFolder() / "state.json");
         ProgramRules rules = file.rules();
@@ -197,7 +197,7 @@ TEST_P(ChannelCount, EveryChannelIsHeardWhereItIsWithoutUs) {
     }
     const int starts = slowTestsWanted() ? 20 : 3;
     for (const Application &application : {stereo, surround}) {
-        // We play stereo, so the server's own mix of stereo is right too.
+        // Our output is stereo, so the server's stereo mix is right too.
         const std::vector<ChannelLevels> right = {directStereo, direct(application)};
         const Playing playing(client, application);
         for (int start = 0; start < starts; ++start) {

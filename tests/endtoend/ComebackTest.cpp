@@ -10,8 +10,7 @@ namespace {
 /// Processing survives changes of the desktop's sound, or resumes without the user.
 class Comeback : public LiveTest {
   protected:
-    /// The devices and one application after the server's return: earlier clients are not connected
-    /// to it.
+    /// Recorder and application after the server's restart, which disconnects earlier clients.
     struct Afterwards {
         explicit Afterwards(PrivateSoundServer &server) : client(server) {}
         GraphClient client;
@@ -54,7 +53,7 @@ TEST_F(Comeback, FromAnotherDefaultDeviceWithoutADrySound) {
     server.setDefaultDevice("hdmi");
     ASSERT_TRUE(
         comesTrue(2.0, [&] { return server.state().defaultName("default.audio.sink") == "hdmi"; }));
-    const Recorder &speakers = record("speakers"); // now, because the default moves recorders too
+    const Recorder &speakers = record("speakers"); // only now: a new default moves recorders too
     EXPECT_TRUE(soonHears(speakers, Heard::processed)) << "the choice remains";
     EXPECT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     EXPECT_EQ(heardIn(hdmi.recording(change)), Heard::silence)
@@ -80,7 +79,7 @@ TEST_F(Comeback, OfDestroyedNodesKeepsApplicationsProcessed) {
         EXPECT_LT(longestSeconds(hdmi.recording(onHDMI), Heard::dry), 2.0);
         EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live); }));
         stopLive(live);
-        // Removed by us, or by the watchdog if the server was slow to answer.
+        // The watchdog removes it if the server answered us too late.
         EXPECT_TRUE(comesTrue(1.0, [&] { return !exists(journal()); }));
         EXPECT_TRUE(soonPlaysInto("pinned", {"hdmi"}, 1.0));
     }

@@ -11,21 +11,22 @@
 namespace quorbel {
 namespace {
 
-/// Lookahead of the limiter; nothing else of ours delays the sound.
+/// Lookahead of the limiter, our only latency.
 constexpr std::int64_t limiterDelayFrames = 62;
 
-/// Measures the delay from an application to a device's monitor, in frames of the graph's clock. It
-/// is exact: player and recorder run in the same cycles of one clock.
+/// Measures the delay from an application to a device's monitor, in frames of the graph's clock.
+/// Exact, because player and recorder run in the same cycles of one clock.
 class DelayProbe {
   public:
-    /// The application plays on `target`, or on the default where that is empty.
+    /// Plays on `target`, or on the default device if `target` is empty.
     DelayProbe(GraphClient &client, const std::string &device, const std::string &target,
                int quantum = 1024)
         : quantum_(quantum), witness_(0.25 * quantum / 48000.0), recorder_(client, device, 60.0),
           player_(client, impulses_, {"probe", target}) {}
 
-    /// Returns the different delays of `count` impulses: one if sound flows evenly. Ignores those
-    /// that arrive while the machine stalls. Returns none if the others do not arrive in time.
+    /// Returns the distinct delays of at least `count` impulses: a single one without losses.
+    /// Ignores impulses that arrive while the machine stalls. Returns none if too few arrive in
+    /// 20 s.
     std::set<std::int64_t> delays(std::size_t count) {
         player_.waitUntilRunning();
         const std::size_t played = impulses_.positions().size() + settling;
@@ -40,7 +41,7 @@ class DelayProbe {
             for (std::size_t frame = 0; frame < heard.frames(); ++frame) {
                 if (heard.left[frame] > Impulses::height / 2 && !disturbances.include(frame)) {
                     const auto position = static_cast<std::int64_t>(heard.positionOf(frame));
-                    // The last impulse sent before it: they are further apart than any delay.
+                    // Pairs it with the last impulse sent: any delay is below the interval.
                     const auto after = std::ranges::upper_bound(sent, heard.positionOf(frame));
                     if (after - sent.begin() > static_cast<std::ptrdiff_t>(played)) {
                         found.insert(position - static_cast<std::int64_t>(*std::prev(after)));
@@ -72,7 +73,7 @@ TEST_F(Delay, IsTheLimitersLookaheadOnEveryDeviceAndQuantum) {
         SCOPED_TRACE(testing::Message() << device << " at " << quantum);
         server.forceQuantum(quantum);
         const auto direct = DelayProbe(client, device, device, quantum).delays(20);
-        // Cycles of 1.3 ms are beyond some virtual machines, with us or without.
+        // Some virtual machines lose cycles of 1.3 ms even without us.
         if (quantum == 64 && direct.empty())
             GTEST_SKIP() << "this machine loses too many cycles at quantum 64 without us";
         ASSERT_EQ(direct.size(), 1U);
@@ -111,7 +112,7 @@ TEST_F(Delay, IsTheSameAfterAnotherRate) {
     ASSERT_EQ(direct.size(), 1U);
     const std::set<std::int64_t> processed{*direct.begin() + limiterDelayFrames};
     const auto live = startLive(LiveSettings::flat());
-    playTone(-60.0); // so that cycles of sound run on from rate to rate
+    playTone(-60.0); // keeps the graph running across the changes of rate
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     EXPECT_EQ(DelayProbe(client, "speakers", "").delays(10), processed);
     const Recorder &recorder = record("speakers");

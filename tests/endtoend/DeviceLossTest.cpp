@@ -7,14 +7,14 @@
 namespace quorbel {
 namespace {
 
-/// The device in use goes and comes back.
+/// Removal and return of the device in use.
 class DeviceLoss : public LiveTest {
   protected:
     DeviceLoss()
         : LiveTest({48000,
                     {{"hdmi", "HDMI"}, {"headphones", "Headphones"}, {"speakers", "Speakers"}}}) {}
 
-    /// Waits until the log names a device as the one that is played on.
+    /// Waits until the log names this device as the output.
     static testing::AssertionResult soonSaysDevice(const LiveProcess &live,
                                                    const std::string &description) {
         if (comesTrue(2.0, [&] { return saidDevice(live) == description; }))
@@ -24,14 +24,14 @@ class DeviceLoss : public LiveTest {
 };
 
 TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
-    // The server falls back to the earlier default; the lowest id would be the wrong guess.
+    // The server falls back to the earlier default, here not the device with the lowest id.
     std::string fallback = "headphones";
     std::string other = "hdmi";
     if (server.state().node(fallback)->id < server.state().node(other)->id)
         std::swap(fallback, other);
     server.setDefaultDevice(fallback);
     server.setDefaultDevice("speakers");
-    // New for each look, because a change of the default moves recorders too.
+    // Makes a new recorder each time, because a new default moves recorders too.
     const auto soonHearsOn = [&](const std::string &device, Heard what) {
         const Recorder recorder(client, device, 10.0);
         return soonHears(recorder, what);
@@ -59,7 +59,7 @@ TEST_F(DeviceLoss, OfTheDefaultMovesSoundToTheNextDefaultAndBack) {
         EXPECT_EQ(server.state().defaultName("default.audio.sink"), fallback);
         EXPECT_TRUE(comesTrue(1.0, [&] { return saysItRuns(*live); }));
 
-        // Until the device returns, its stand-in is the default.
+        // Until the device returns, processing follows the default.
         server.setDefaultDevice(other);
         EXPECT_TRUE(soonSaysDevice(*live, description(other)));
         EXPECT_TRUE(soonHearsOn(other, Heard::processed));
@@ -89,7 +89,7 @@ TEST_F(DeviceLoss, EndsWhenTheChosenDeviceReturnsWithPortsThatComeLate) {
         return comesTrue(2.0, [&] { return heardAs(device.lastSample()) == Heard::processed; });
     };
     ASSERT_TRUE(isPlayedTo(*wireless));
-    for (int turn = 0; turn < 4; ++turn) { // a race decides whether the ports come with the node
+    for (int turn = 0; turn < 4; ++turn) { // whether ports come with the node is a race
         SCOPED_TRACE(turn);
         wireless.reset();
         ASSERT_TRUE(soonSaysDevice(*live, "HDMI"));
@@ -102,7 +102,7 @@ TEST_F(DeviceLoss, EndsWhenTheChosenDeviceReturnsWithPortsThatComeLate) {
 }
 
 TEST_F(DeviceLoss, LetsNoPulseAudioClientHang) {
-    // Their streams come before, during and after the removal of the device.
+    // The streams start before, during and after the removal of the device.
     constexpr int clientsPerTurn = 8;
     const auto live = startLive(twelveDBLower());
     for (int turn = 0; turn < 4; ++turn) {

@@ -12,8 +12,7 @@ namespace {
 /// After any end of processing, every application plays as it did before.
 class Ending : public LiveTest {
   protected:
-    /// One application that the user has pinned to hdmi, and one that plays wherever the default
-    /// is.
+    /// Starts an application pinned to hdmi by the user, and one that follows the default device.
     void playPinnedAndUnpinned() {
         playSequence({"pinned"});
         server.moveApplication("pinned", "hdmi");
@@ -23,7 +22,7 @@ class Ending : public LiveTest {
         ASSERT_TRUE(soonHears(hdmi, Heard::dry));
         ASSERT_TRUE(soonHears(speakers, Heard::dry));
         before = settledMemory();
-        // Without the pin in it, every later comparison would hold.
+        // Without the pin the later comparisons could not fail.
         ASSERT_TRUE(remembersTarget(before.stored, "pinned", "hdmi"))
             << testing::PrintToString(before.stored);
     }
@@ -83,7 +82,7 @@ TEST_F(Ending, WhatIsLeftWhenTheWatchdogDiesTooIsPutRightByTheNextStart) {
     for (const pid_t helper : helpers)
         kill(helper, SIGKILL);
     live->process().signal(SIGKILL);
-    // The server moves them to the default device; the user's pin remains stored.
+    // The server moves both to the default device; the user's pin remains stored.
     EXPECT_TRUE(soonPlaysInto("pinned", {"speakers"}));
     EXPECT_TRUE(soonPlaysInto("unpinned", {"speakers"}));
     EXPECT_EQ(settledMemory().stored, before.stored);
@@ -106,7 +105,7 @@ TEST_F(Ending, AReverbIsHeardOutAfterTheLastApplication) {
     const auto application = quiet.start({"pw-play", file.string()});
     GraphClient quietClient(quiet);
     const Recorder recorder(quietClient, "speakers", 30.0, 48000, true);
-    const StallWitness witness(0.005); // a quarter of a cycle: such a cycle may be lost
+    const StallWitness witness(0.005); // a quarter of a cycle; longer stalls may lose it
     ASSERT_EQ(application->exitStatusWithin(5.0), 0);
     const std::size_t framesAtEnd = recorder.frames();
     const auto isPlaying = [&] { return quiet.state().node("speakers")->state == "running"; };
@@ -114,9 +113,9 @@ TEST_F(Ending, AReverbIsHeardOutAfterTheLastApplication) {
     ASSERT_TRUE(comesTrue(15.0, [&] { return !isPlaying(); }));
     EXPECT_GT(SteadyClock::now() - ended, std::chrono::seconds(2));
 
-    // A graph that stops in between forgets what the effects hold: silence would follow.
+    // If the graph stopped early, the effects would lose their state and cut off the tail.
     const Recording heard = recorder.recording(framesAtEnd);
-    std::size_t sound = 0; ///< frame after the last one that is not 0
+    std::size_t sound = 0; ///< frame after the last nonzero one
     std::size_t longestHole = 0;
     for (std::size_t frame = 0; frame < heard.frames(); ++frame) {
         if (heard.left[frame] != 0.0F) {

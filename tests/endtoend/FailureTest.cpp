@@ -5,7 +5,7 @@
 namespace quorbel {
 namespace {
 
-/// The texts that the user reads when processing cannot start, without a hang.
+/// Processing that cannot start ends at once, with an error message for the user.
 class Failure : public LiveTest {
   protected:
     /// Expects one line that contains `part`.

@@ -7,14 +7,14 @@
 namespace quorbel {
 namespace {
 
-/// Copies one device's monitor to another, as the user does to hear everything on two.
+/// A loopback from one device's monitor to another, as users set up to play on both.
 struct Copy {
     std::string from;
     std::string to;
     [[nodiscard]] std::string name() const { return "copy-of-" + from; }
 };
 
-/// A stream that carries the processed sound is never captured: it would circulate and grow.
+/// Streams that carry the processed sound are never captured, because that would cause feedback.
 class Feedback : public LiveTest {
   protected:
     static constexpr double levelDB = -20.0;
@@ -31,8 +31,8 @@ class Feedback : public LiveTest {
                 [&] { return !server.state().targetsOf(copy.name()).empty(); });
     }
 
-    /// Level of the loudest 200 ms (whole periods of the tone), in dB of a sine. A shorter window
-    /// would count the one dry cycle that a new player may play.
+    /// Level of the loudest 200 ms (whole periods of the tone) in dB, 0 dB being a full-scale sine.
+    /// A shorter window would count the one dry cycle of a new player.
     static double loudestDB(const std::vector<float> &samples) {
         constexpr std::size_t window = 9600;
         double loudest = 1e-12;
@@ -49,7 +49,7 @@ class Feedback : public LiveTest {
 };
 
 TEST_F(Feedback, NeverArisesAndEndsWithTheSound) {
-    // One copy is there before us, and a copy of that copy is made while we process.
+    // The first copy exists before processing starts, the copy of that copy comes later.
     const Copy toHeadphones{"speakers", "headphones"};
     const Copy toHDMI{"headphones", "hdmi"};
     make(toHeadphones);
@@ -60,13 +60,13 @@ TEST_F(Feedback, NeverArisesAndEndsWithTheSound) {
     make(toHDMI);
     for (const Copy &copy : {toHeadphones, toHDMI})
         EXPECT_TRUE(soonPlaysInto(copy.name(), {copy.to}));
-    recorders.front()->skip(1.0); // a loop of 40 ms has gone round often enough to be heard
+    recorders.front()->skip(1.0); // enough for 25 round trips of a 40 ms loop
     closePlayer();
     for (const Recorder *recorder : recorders)
         EXPECT_TRUE(comesTrue(3.0, [&] { return peak(recorder->last(0.2).left) < 1e-4F; }))
             << "something still plays at " << peak(recorder->last(0.2).left);
-    // A loop passes through our device. (The server's loopback itself begins with garbage on its
-    // own device now and then, without us too.)
+    // Measures our device, through which any loop passes. (The server's loopback sometimes starts
+    // with garbage on its own device, even without us.)
     EXPECT_LT(loudestDB(recorders.front()->recording(start).left), levelDB + 2.0);
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 using std::filesystem::perms;
 
-/// Odd files in place of the journal cause no waiting, no growth and no writing elsewhere.
+/// Odd files in place of the journal neither block, nor use much memory, nor redirect writes.
 class Journal : public LiveTest {
   protected:
     Journal() {
@@ -19,7 +19,7 @@ class Journal : public LiveTest {
         playSequence();
     }
 
-    /// Processes until the application was captured, and ends. Returns the peak memory in MiB.
+    /// Processes until the application is captured, then ends. Returns the peak memory in MiB.
     double run(const std::function<void()> &whileRunning = [] {}) {
         const auto begin = SteadyClock::now();
         auto live = startLive(twelveDBLower());

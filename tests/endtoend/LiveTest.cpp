@@ -28,7 +28,7 @@ Heard heardAs(float sample) {
 
 namespace {
 
-/// Entries of the desktop's applications. One of our own name holds no more than a volume of 1.
+/// Entries of applications and any target of ours; our other entries hold only a volume of 1.
 StoredStreams applicationsOf(StoredStreams stored) {
     std::erase_if(stored, [](const auto &entry) {
         return entry.first.find("Ostrafine") != std::string::npos &&
@@ -114,7 +114,7 @@ void LiveTest::stopLive(std::unique_ptr<LiveProcess> &live) {
 
 testing::AssertionResult LiveTest::soonHears(const Recorder &recorder, Heard wanted,
                                              double deadlineSeconds, double windowSeconds) {
-    // Only sound from after this call counts: older sound would prove nothing.
+    // Ignores sound from before this call, which would prove nothing.
     const std::size_t start = recorder.frames();
     const bool came = comesTrue(deadlineSeconds + windowSeconds, [&] {
         const Recording window = recorder.last(windowSeconds);

@@ -21,12 +21,12 @@ namespace quorbel {
 
 using namespace soundserver;
 
-/// The sound of a device's monitor while applications play a `Sequence`.
+/// Sound of a device's monitor while applications play a `Sequence`.
 enum class Heard {
     silence,
     dry,       ///< the sequence as it is
     processed, ///< the sequence, 12 dB lower
-    other,     ///< anything else, such as both at once or in turn
+    other,     ///< anything else, such as a mixture or a change
 };
 
 std::ostream &operator<<(std::ostream &out, Heard heard);
@@ -34,16 +34,16 @@ std::ostream &operator<<(std::ostream &out, Heard heard);
 Heard heardAs(float sample);
 Heard heardIn(const Recording &recording);
 
-/// Settings whose sound is easy to tell from unprocessed sound.
+/// Settings that make processed sound easy to recognise.
 inline LiveSettings twelveDBLower() { return LiveSettings::flat(-12.0); }
 
-/// True when the endurance tests run at full length.
+/// True if the endurance tests run at full length.
 bool slowTestsWanted();
 
-/// Length in seconds of a recording's longest stretch of `kind` alone, at 48 kHz.
+/// Length in seconds of the longest part of a 48 kHz recording with `kind` alone.
 double longestSeconds(const Recording &recording, Heard kind);
 
-/// The session's memory of the devices that applications play on.
+/// The session's routing of applications, current and stored.
 struct SessionMemory {
     Metadata routing;
     std::string defaultDevice;
@@ -51,20 +51,20 @@ struct SessionMemory {
     friend bool operator==(const SessionMemory &, const SessionMemory &) = default;
 };
 
-/// A machine with two devices, `speakers` (the default) and `hdmi`, each of them recorded, on which
-/// applications play.
+/// Base of tests on a machine with the devices `speakers` (the default) and `hdmi`: plays, records
+/// and runs `live`.
 class LiveTest : public testing::Test {
   protected:
     explicit LiveTest(const PrivateSoundServer::Options &options = {})
         : sampleRate(options.sampleRate), server(options), client(server) {}
 
-    /// Starts an application that plays a sequence of its own; returns once it plays.
+    /// Starts an application that plays a new sequence; returns once it plays.
     Player &playSequence(const Player::Options &options = {});
 
     /// As `playSequence`, with a tone of 1 kHz.
     Player &playTone(double levelDB);
 
-    /// Ends the player that was started last.
+    /// Ends the player started last.
     void closePlayer() { players_.pop_back(); }
 
     /// Starts a program of the desktop, "pw-play" or "paplay", that plays a sequence for `seconds`.
@@ -76,7 +76,7 @@ class LiveTest : public testing::Test {
     std::unique_ptr<LiveProcess> startLive(const LiveSettings &settings,
                                            std::vector<std::string> arguments = {});
 
-    /// Ends processing like Ctrl-C, which must succeed.
+    /// Ends processing as Ctrl-C does; expects success.
     static void stopLive(std::unique_ptr<LiveProcess> &live);
 
     /// Waits until a device plays nothing but `wanted` for `windowSeconds`.
@@ -89,10 +89,10 @@ class LiveTest : public testing::Test {
                                            const std::vector<std::string> &targets,
                                            double deadlineSeconds = 2.0) const;
 
-    /// Waits until the session manager has written its state, which it does after a second.
+    /// Waits until the session manager has written its state, after a delay of a second.
     [[nodiscard]] SessionMemory settledMemory() const;
 
-    /// Waits until the session is as before, without a node of ours.
+    /// Waits until the session is as before and has no node of ours.
     testing::AssertionResult soonIsAsBefore(const SessionMemory &before) const;
 
     /// Names of our nodes.
@@ -103,7 +103,7 @@ class LiveTest : public testing::Test {
         return server.folder() / "run/quorbel/captured";
     }
 
-    /// The lines about losses that `live` has printed, one a second at most.
+    /// The lines about losses printed by `live`, at most one per second.
     static std::vector<std::string> lossLines(const LiveProcess &live);
 
     const int sampleRate;
@@ -118,14 +118,14 @@ class LiveTest : public testing::Test {
     std::vector<std::unique_ptr<Recorder>> recorders_;
 };
 
-/// True if the session manager will let the application play on `device` at its next start.
+/// True if the session manager has stored `device` for the application's next start.
 bool remembersTarget(const StoredStreams &stored, const std::string &application,
                      const std::string &device);
 
-/// True if the log says that it processes: it has resumed as often as it stopped.
+/// True if processing runs according to the log: it has resumed as often as it stopped.
 bool saysItRuns(const LiveProcess &live);
 
-/// Description of the device that it plays on, from its log.
+/// Description of the output device, from the log.
 std::string saidDevice(const LiveProcess &live);
 
 /// Name of our node into which captured applications play.

@@ -31,8 +31,8 @@ class PipeWireWorld final : public HardwareWorld {
         soundserver::waitFor("the tone is heard", 5.0, [&] { return listen("speakers") > 0.2F; });
     }
     float listen(const std::string &uid) override {
-        // The recorder's own start may change the length of the cycles: what it gets first was on
-        // its way before.
+        // Discards 0.1 s from earlier cycles, because the recorder's start may change the
+        // quantum.
         soundserver::Recorder recorder(client_, uid, 10.0);
         (void)recorder.next(0.1);
         return soundserver::peak(recorder.next(0.25).left);
@@ -48,7 +48,7 @@ class PipeWireWorld final : public HardwareWorld {
     }
     void setRoute(const std::string &, const std::string &route) override {
         card_->setRoute(2, route);
-        card_->setRoute(1, "hdmi-output-0"); // of a device that is not there
+        card_->setRoute(1, "hdmi-output-0"); // of an absent device
     }
     void changeVolume(const std::string &) override { card_->changeVolume(); }
     void loseServer() override {

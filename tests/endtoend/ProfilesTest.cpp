@@ -16,8 +16,8 @@ using Use = OutputProfile::Use;
 
 constexpr double toneDB = -12.0;
 
-/// `live` with the user's own settings, which have profiles. Each profile has its own gain, in dB,
-/// over a tone that an application plays.
+/// `live` with the user's own settings and output profiles. Each profile has its own gain in dB,
+/// measured on an application's tone.
 class Profiles : public LiveTest {
   protected:
     Profiles() {
@@ -57,11 +57,11 @@ class Profiles : public LiveTest {
         live.reset();
     }
 
-    /// Returns the loudest sample since the last call, in dB over the tone.
+    /// Returns the largest sample since the last call, in dB relative to the tone.
     [[nodiscard]] static double loudest(CardOutput &output) {
         return 20.0 * std::log10(std::max(static_cast<double>(output.takePeak()), 1e-9)) - toneDB;
     }
-    /// Waits until an output plays at a gain, for two of the tone's periods at least.
+    /// Waits until an output plays at a gain for at least two periods of the tone.
     [[nodiscard]] static bool soonPlays(CardOutput &output, double gainDB, double seconds = 3.0) {
         return comesTrue(seconds, [&] {
             (void)loudest(output);
@@ -125,7 +125,7 @@ TEST_F(Profiles, NothingLouderThanItsProfileIsEverHeardOnTheNextOutput) {
     write({profile(onRoute("analog-output-speaker"), -30.0F), profile({.node = "loud"}, 0.0F),
            profile({}, -3.0F)});
     server.setDefaultDevice("quiet");
-    server.setDefaultDevice("loud"); // the earlier default comes next
+    server.setDefaultDevice("loud"); // the earlier default is the fallback
     playTone(toneDB);
     ASSERT_TRUE(soonPlays(*loud, 0.0));
     auto live = startOwn();

@@ -8,7 +8,7 @@
 namespace quorbel {
 namespace {
 
-/// `live` with rules of programs.
+/// `live` with rules for programs.
 class Programs : public LiveTest {
   protected:
     void write(const ProgramRules &rules) const {
@@ -62,7 +62,7 @@ TEST_F(Programs, AreRecordedAsTheManualSays) {
     playSequence(program("music"));
     auto live = startLive(twelveDBLower());
     EXPECT_TRUE(soonHears(device, Heard::processed)) << "what the device plays";
-    // A program that records one program, or shares all sound but its own, links itself to streams.
+    // Recorders of one program, and of all sound but their own, link themselves to streams.
     Recorder &stream = record("hdmi");
     for (const std::string side : {"FL", "FR"})
         EXPECT_EQ(server.start({"pw-link", "music:output_" + side, "recorder-hdmi:input_" + side})

@@ -13,7 +13,7 @@ class Remote : public LiveTest {
     [[nodiscard]] ControlOutcome ctl(std::vector<std::string> arguments) const {
         return control(server, std::move(arguments));
     }
-    /// Expects a failure with one line on standard error.
+    /// Expects a failure with a single line on standard error.
     static void expectRefusal(const ControlOutcome &outcome, int status, const std::string &part) {
         EXPECT_EQ(outcome.status, status) << outcome;
         EXPECT_EQ(outcome.output, "");

@@ -5,7 +5,7 @@
 namespace quorbel {
 namespace {
 
-/// Which streams are captured, and where each goes.
+/// Capture of streams, and their return to their devices.
 class Routing : public LiveTest {
   protected:
     Recorder &speakers = record("speakers");
@@ -41,8 +41,8 @@ TEST_F(Routing, AVirtualDeviceOfTheUsersCanBeChosen) {
     EXPECT_TRUE(soonPlaysInto("virtual.output", {"hdmi"}));
     ASSERT_TRUE(soonHears(hdmi, Heard::dry));
     hdmi.skip(1.0);
-    // The loopback has no real-time thread and loses cycles while the machine is busy, so one
-    // stretch without a fault is enough.
+    // The loopback has no real-time thread and loses cycles on a busy machine, so one faultless
+    // recording is enough.
     SequenceReport report;
     EXPECT_TRUE(comesTrue(20.0, [&] {
         report = SequenceReport::of(hdmi.next(2.0));
@@ -66,7 +66,7 @@ TEST_F(Desktop, ShowsNothingOfOursAndKeepsTheUsersDefaults) {
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
     EXPECT_EQ(defaults(), defaultsBefore);
     for (const char *kind : {"sinks", "sources", "sink-inputs", "source-outputs"}) {
-        // The long form has every name and property.
+        // The long form lists every name and property.
         const std::string list = server.run({"pactl", "list", kind});
         EXPECT_EQ(list.find("quorbel"), std::string::npos) << list;
         EXPECT_EQ(list.find("Ostrafine"), std::string::npos) << list;

@@ -8,7 +8,7 @@
 namespace quorbel {
 namespace {
 
-/// The session manager is restarted, for an update or after a crash, under devices that stay.
+/// Restarts of the session manager, as after an update or a crash, while the devices stay.
 class SessionManager : public LiveTest {
   protected:
     static PrivateSoundServer::Options options() {
@@ -21,7 +21,7 @@ class SessionManager : public LiveTest {
 };
 
 TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
-    const int restarts = slowTestsWanted() ? 60 : 15; // of less than half a second each
+    const int restarts = slowTestsWanted() ? 60 : 15; // less than half a second each
     playSequence();
     server.restartSessionManager();
     if (const auto plays = soonPlaysInto("player", {"speakers"}); !plays) {
@@ -34,7 +34,7 @@ TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
     for (int restart = 0; restart < restarts; ++restart) {
         SCOPED_TRACE(restart);
         server.restartSessionManager();
-        // Linked once the session manager is at work, which takes it seconds on a busy machine.
+        // Waits until the session manager links streams, which takes seconds on a busy machine.
         const Recorder speakers(client, "speakers", 10.0);
         ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
         ASSERT_TRUE(soonHears(speakers, Heard::processed));
@@ -42,8 +42,8 @@ TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
     }
 }
 
-/// A client that leaves while it binds the session manager's metadata makes the server report no
-/// later change: neither of the default device nor of the targets of applications.
+/// A client that leaves while binding the session manager's metadata stops the server from
+/// reporting changes of the default device and of applications' targets.
 using LostChanges = LiveTest;
 
 TEST_F(LostChanges, AreFollowedAllTheSame) {
@@ -56,13 +56,13 @@ TEST_F(LostChanges, AreFollowedAllTheSame) {
     EXPECT_TRUE(soonHears(hdmi, Heard::processed, 4.0));
 }
 
-/// The user's choice of a device for an application outlasts its capture.
+/// The user's choice of a device for an application survives its capture.
 class SavedPin : public LiveTest {
   protected:
     Recorder &speakers = record("speakers");
     Recorder &hdmi = record("hdmi");
 
-    /// Waits for the program's second test value, which follows an unanswered one.
+    /// Waits for the program's second test value, written after the first got no answer.
     void waitUntilItKnowsThatItIsToldNothing() {
         std::string first;
         waitFor("another test value", 5.0, [&] {
@@ -100,7 +100,7 @@ TEST_F(SavedPin, OfAProgramThatStartsMeanwhileIsKept) {
         for (const int ending : {SIGINT, SIGKILL}) {
             SCOPED_TRACE(program.name + " and " + sigabbrev_np(ending));
             if (!remembersTarget(server.storedStreams(), program.remembered, "hdmi"))
-                pin(program); // lost in the round before
+                pin(program); // lost in the previous round
             auto live = startLive(twelveDBLower());
             if (ending == SIGINT)
                 bindMetadataAndLeave(server); // from now on the server reports no changes

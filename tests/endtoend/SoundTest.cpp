@@ -43,7 +43,7 @@ INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
 TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     const double seconds = slowTestsWanted() ? 300.0 : 30.0;
     const Recorder &recorder = record(device(), 5.0 * seconds);
-    // Cycles of 1.3 ms are beyond some virtual machines, with us or without.
+    // Some virtual machines lose cycles of 1.3 ms even without us.
     if (quantum() == 64) {
         const auto direct = reportWithoutUs(recorder, seconds);
         if (!direct.intact())
@@ -52,10 +52,10 @@ TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     playSequence();
     const auto live = startLive(LiveSettings::flat(), onDevice());
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
-    ASSERT_TRUE(soonHears(recorder, Heard::dry)); // flat: what is heard is the sequence itself
+    ASSERT_TRUE(soonHears(recorder, Heard::dry)); // flat settings leave the sequence unchanged
     recorder.skip(1.5);
-    // A virtual machine stalls now and then, and every program loses that cycle. It is at risk once
-    // the graph's threads wake up late by a quarter of a cycle each.
+    // Stalls of a virtual machine cost every program the cycle. It is at risk if each of the
+    // graph's threads wakes up a quarter of a cycle late.
     const StallWitness witness(0.25 * quantum() / 48000.0);
     double undisturbed = 0.0;
     for (int stretch = 0; stretch < 4 && undisturbed < seconds; ++stretch) {
@@ -87,7 +87,7 @@ TEST_F(LiveTest, AServerThatIsHeldUpCostsWholeCycles) {
     recorder.skip(1.5);
     bool isAnyLost = false;
     const StallWitness witness(0.25 * quantum / 48000.0);
-    // Two or three cycles long: the server then starts as many at once.
+    // Holds up two or three cycles, which the server then starts at once.
     for (int milliseconds = 8; milliseconds < 16; ++milliseconds) {
         for (int turn = 0; turn < 3; ++turn) {
             const std::size_t start = recorder.frames();
@@ -96,8 +96,8 @@ TEST_F(LiveTest, AServerThatIsHeldUpCostsWholeCycles) {
             recorder.skip(0.2);
             const auto report = SequenceReport::of(recorder.recording(start));
             isAnyLost = isAnyLost || report.lost > 0;
-            // Sound in the limiter was not replaced by silence of ours. If the player was late as
-            // well, parts of cycles are lost with its silence.
+            // Any other loss would be ours: silence instead of the sound in the limiter. If the
+            // player is late as well, its silence hides parts of the lost cycles.
             EXPECT_TRUE(report.lost % quantum == 0 || witness.stalls().size() > stalls)
                 << milliseconds << " ms: " << report;
         }
@@ -143,7 +143,7 @@ class Level : public LiveTest {};
 
 TEST_F(Level, TheUnprocessedSoundOfNewApplicationsIsNeverHeard) {
     constexpr int quantum = 1024;
-    server.forceQuantum(quantum); // PipeWire 1.4 gives a PulseAudio client alone 2048
+    server.forceQuantum(quantum); // PipeWire 1.4 chooses 2048 for a lone PulseAudio client
     const auto live = startLive(LiveSettings::flat(-96.0));
     const Recorder &recorder = record("speakers", 120.0);
     const auto leakedFrames = [&](const std::string &program) {
@@ -155,7 +155,7 @@ TEST_F(Level, TheUnprocessedSoundOfNewApplicationsIsNeverHeard) {
     };
     for (int run = 0; run < 10; ++run)
         EXPECT_EQ(leakedFrames("pw-play"), 0);
-    // A PulseAudio client must be linked to a real device for a moment before it says it can play.
+    // A PulseAudio client needs a short link to a real device before it reports readiness.
     int leaks = 0;
     for (int run = 0; run < 30; ++run) {
         const auto frames = leakedFrames("paplay");
@@ -194,7 +194,7 @@ TEST_F(Load, StartsQuicklyAndRunsOnLittle) {
     RecordProperty("milliseconds_to_first_sound", static_cast<int>(startNanoseconds * 1e-6));
     EXPECT_LT(startNanoseconds * 1e-9, 0.15);
 
-    // Other work of the machine adds to the load through cold caches: the smallest counts.
+    // Takes the smallest load, because other work of the machine adds to it through cold caches.
     recorder.skip(1.0);
     const double seconds = slowTestsWanted() ? 20.0 : 7.0;
     double load = 1.0;
@@ -207,15 +207,14 @@ TEST_F(Load, StartsQuicklyAndRunsOnLittle) {
               << " % of a core, memory " << live->memoryMiB() << " MiB\n";
     EXPECT_LT(live->memoryMiB(), 25.0);
     // The goal is 0.6 %. Two otherwise idle virtual cores took 0.47 to 0.66 % from one minute to
-    // the next, a tenth of it for the chain's arithmetic: the bound leaves room for that and
-    // catches a load that has grown.
+    // the next, a tenth of it for the chain's arithmetic. The bound leaves room for that.
     EXPECT_LT(load, 0.012);
 }
 
 TEST_F(Load, ACycleWakesTheProgramOnceAndSilenceDoesNotWakeIt) {
     server.forceQuantum(256);
     LiveSettings settings = LiveSettings::flat();
-    settings.reverbMix = 100.0; // the device is held for the tail
+    settings.reverbMix = 100.0; // keeps the device open for the tail
     const auto live = startLive(settings);
     const pid_t process = live->process().pid();
     playSequence();
@@ -232,13 +231,13 @@ TEST_F(Load, ACycleWakesTheProgramOnceAndSilenceDoesNotWakeIt) {
     }
     closePlayer();
 
-    // The tail decays, the device is suspended, and the meters come to rest.
+    // Waits until the tail has decayed, the device is suspended and the meters rest.
     const double idle = idleWakeUps(process, 60.0);
     std::cout << idle << " wake-ups per second while nothing plays\n";
     EXPECT_LE(idle, 2.0);
 }
 
-/// First frame from `start` on at which the amplitude of a tone of 1 kHz has changed by a tenth.
+/// First frame after `start` at which the amplitude of a 1 kHz tone has changed by a tenth.
 std::size_t firstChange(const Recording &heard, std::size_t start) {
     constexpr std::size_t period = 48;
     const std::span<const float> samples(heard.left);
@@ -258,7 +257,7 @@ TEST_F(LiveTest, ACommandIsHeardWithinFiftyMilliseconds) {
     ASSERT_TRUE(comesTrue(2.0, [&] { return control(server, {"stop"}).status == 0; }));
     ASSERT_EQ(control(server, {"start"}).status, 0);
     ASSERT_TRUE(soonPlaysInto("player", {tapName(*live)}));
-    // The shortest time counts: the machine may be busy, but the program must not wait.
+    // Takes the shortest time, because a busy machine lengthens the others.
     double least = 1.0;
     for (int turn = 0; turn < 20; ++turn) {
         recorder.skip(0.2);
@@ -300,7 +299,7 @@ TEST_F(LiveTest, AThousandCommandsAreNoClickAndNoLoss) {
                                                          {"set", "spatial.widthPercent", "150"},
                                                          {"set", "bands.5.q", "4"},
                                                          {"set", "mixer.limiterThresholdDB", "-1"}};
-    std::vector<std::size_t> ends; // of each command, in recorded frames
+    std::vector<std::size_t> ends; // end of each command, in recorded frames
     for (std::size_t turn = 0; turn < 1000; ++turn) {
         const ControlOutcome outcome = control(server, commands[turn % commands.size()]);
         ASSERT_EQ(outcome.status, 0) << outcome;
@@ -308,12 +307,12 @@ TEST_F(LiveTest, AThousandCommandsAreNoClickAndNoLoss) {
     }
     const Recording heard = recorder.recording(start);
     const Disturbances disturbances(witness, heard, quantum);
-    // A sine of this level has a second difference of at most this; no setting raises it.
+    // Largest second difference of a sine of this level plus 10 %; no setting raises it.
     const double omega = 2.0 * std::numbers::pi * 1000.0 / sampleRate;
     const double largest = 1.1 * std::pow(10.0, levelDB / 20.0) * omega * omega;
     const std::vector<float> &sound = heard.left;
     double most = 0.0;
-    std::size_t clicking = 0; // index of the first command that ended after the largest difference
+    std::size_t clicking = 0; // first command that ended after the largest difference
     for (std::size_t frame = 2; frame < sound.size(); ++frame) {
         const double difference = std::abs(
             static_cast<double>(sound[frame] + sound[frame - 2] - 2.0F * sound[frame - 1]));

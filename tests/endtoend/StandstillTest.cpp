@@ -5,7 +5,7 @@
 namespace quorbel {
 namespace {
 
-/// One process stops while the others need it.
+/// One process is stopped while others depend on it.
 class Standstill : public LiveTest {
   protected:
     void playPinned() {
@@ -29,7 +29,7 @@ TEST_F(Standstill, OfTheServerDelaysNoEndAndLosesNothing) {
         server.pause();
         live->process().signal(ending);
         EXPECT_TRUE(live->process().exitStatusWithin(3.0).has_value());
-        // Longer than any wait for an answer.
+        // Stays paused for longer than any timeout for an answer.
         comesTrue(3.0, [&] { return live->helpers().empty(); });
         server.resume();
         EXPECT_TRUE(soonHears(hdmi, Heard::dry));

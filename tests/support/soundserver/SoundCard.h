@@ -13,8 +13,8 @@
 
 namespace quorbel::soundserver {
 
-/// A sound card as the session manager makes it: a device of the server that has routes and reports
-/// their changes. Output devices belong to it.
+/// A sound card as made by the session manager: a device of the server that has routes, reports
+/// their changes and owns output devices.
 class SoundCard {
   public:
     /// `api` is "alsa" or "bluez5"; `offered` are the routes that all outputs can play on.

@@ -40,15 +40,15 @@ class StallWitness {
     std::vector<std::thread> watchers_;
 };
 
-/// The parts of a recording that say nothing about a program under test: the machine stalled, or
-/// the recorder missed a cycle. Both must outlive this object.
+/// The parts of a recording that do not count for or against a program under test: the machine
+/// stalled, or the recorder missed a cycle. The recording must outlive this object.
 class Disturbances {
   public:
     Disturbances(const StallWitness &witness, const Recording &heard, int quantum);
 
     [[nodiscard]] bool none() const { return stalls_.empty(); }
-    /// True during a disturbance and two cycles before and after it: a lost cycle is silent, and
-    /// the sound jumps where the next one comes out.
+    /// True during a disturbance and for two cycles before and after it, in which the lost cycle is
+    /// silent and the sound jumps to the next one.
     [[nodiscard]] bool include(std::size_t frame) const;
     [[nodiscard]] double undisturbedSeconds() const;
     /// The longest part of the recording without a disturbance; it may be empty.
