@@ -51,7 +51,7 @@ double sine(double hz, double t) { return std::sin(2.0 * std::numbers::pi * hz *
 
 double noteHz(int semitonesAboveA2) { return 110.0 * std::exp2(semitonesAboveA2 / 12.0); }
 
-/// A string-like note: harmonics that fade the faster the higher they are.
+/// A string-like note, whose higher harmonics fade faster.
 double pluck(double hz, double t) {
     double value = 0.0;
     for (int harmonic = 1; harmonic <= 24 && hz * harmonic < 20000.0; ++harmonic) {
@@ -65,7 +65,7 @@ double kick(double t) {
            std::exp(-t * 9.0);
 }
 
-/// White noise that is the same every time.
+/// Reproducible white noise.
 class Noise {
   public:
     double next() {

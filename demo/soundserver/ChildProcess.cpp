@@ -28,7 +28,8 @@ std::vector<std::string> mergedWithOurs(Environment environment) {
     for (char **variable = environ; *variable != nullptr; ++variable) {
         const std::string text = *variable;
         const auto equals = text.find('=');
-        environment.try_emplace(text.substr(0, equals), text.substr(equals + 1)); // given ones win
+        // The given values override ours.
+        environment.try_emplace(text.substr(0, equals), text.substr(equals + 1));
     }
     std::vector<std::string> variables;
     for (const auto &[name, value] : environment) {
@@ -130,8 +131,8 @@ void ChildProcess::signal(int number) const {
 int ChildProcess::stop(double seconds, int firstSignal) noexcept {
     signal(firstSignal);
     const auto deadline = SteadyClock::now() + std::chrono::duration<double>(seconds);
-    while (running()) { // not `comesTrue`, which throws after an interrupt: the process must end
-                        // then too
+    // `comesTrue` would throw after an interrupt and leave the process running.
+    while (running()) {
         if (SteadyClock::now() >= deadline) {
             signal(SIGKILL);
         }

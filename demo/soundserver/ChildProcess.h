@@ -11,12 +11,11 @@ namespace quorbel::soundserver {
 
 using Environment = std::map<std::string, std::string>;
 
-/// A program started by this process that never outlives it: the destructor kills it, and the
-/// kernel does when this process dies.
+/// A child program that never outlives this process: the destructor kills it, or the kernel if this
+/// process dies.
 ///
-/// It runs in a process group of its own, so that Ctrl-C in a terminal reaches us alone and we
-/// decide the order in which things end. Start children on a thread that stays: the kernel kills
-/// them with it.
+/// Runs in its own process group, so that Ctrl-C in a terminal reaches only us and we choose the
+/// order of shutdown. Start children on a long-lived thread: the kernel kills them when it ends.
 class ChildProcess {
   public:
     /// `arguments[0]` is looked up in PATH; `environment` is added to our own. Throws `ServerError`

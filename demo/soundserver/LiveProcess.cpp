@@ -70,7 +70,7 @@ std::string LiveProcess::program() {
 LiveProcess::~LiveProcess() { process_->stop(3.0, SIGINT); }
 
 void LiveProcess::waitUntilRunning(double seconds) {
-    // It works once its stream plays on a device and its tap exists.
+    // It logs this line once its stream plays on a device and its tap exists.
     const std::string pid = std::to_string(process_->pid());
     const bool runs = comesTrue(seconds, [&] {
         return !process_->running() || hasLogged("[SystemAudioTap] running: tap=");

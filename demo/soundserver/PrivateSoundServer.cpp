@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Short, because the paths of sockets have no more than 108 characters.
+/// Short, because a socket's path is limited to 108 characters.
 fs::path makeTemporaryFolder() {
     std::string path = (fs::temp_directory_path() / "ostrafine-XXXXXX").string();
     if (mkdtemp(path.data()) == nullptr) {
@@ -58,7 +58,7 @@ bool isSocket(const fs::path &path) {
     return fs::is_socket(path, ignored);
 }
 
-// A bus that starts only the services that a test puts there, and none of the machine's.
+// The bus starts only services that a test has added, none of the machine's.
 constexpr const char *busConfiguration = R"(<!DOCTYPE busconfig PUBLIC
  "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -226,8 +226,8 @@ void PrivateSoundServer::addDevice(const Device &device) {
         pulseNames += fmt::format("{}{}", pulseNames.empty() ? "" : ",", channel.pulseName);
     }
     if (options_.devicesOutlastSessionManager) {
-        // The first one is the default for a session manager that was killed before it stored the
-        // user's choice.
+        // A session manager that was killed before it stored the user's choice takes the first
+        // device for the default.
         const bool isFirst = device.name == options_.devices.front().name;
         run({"pw-cli", "create-node", "adapter",
              fmt::format("{{ factory.name=support.null-audio-sink media.class=Audio/Sink "
@@ -267,13 +267,13 @@ void PrivateSoundServer::setDefaultDevice(const std::string &name) const {
 
 void PrivateSoundServer::moveApplication(const std::string &nodeName,
                                          const std::string &device) const {
-    // A user moves a stream that is already heard: the session manager stores a new stream's target
-    // a moment after linking it, and would overwrite an earlier move.
+    // Waits until the stream is heard: the session manager stores a new stream's target shortly
+    // after linking it, and would overwrite an earlier move.
     waitFor(nodeName + " plays", 5.0, [&] { return !state().targetsOf(nodeName).empty(); });
     const Node application = *state().node(nodeName);
     comesTrue(0.5, [&] { return state().metadata.contains({application.id, "target.node"}); });
-    // The PulseAudio server answers before it has passed the wish on, and forgets it if the program
-    // ends too soon. Programs with a window do not.
+    // Repeats the request: the PulseAudio server answers before it has passed the request on, and
+    // drops it if the requesting program ends too soon.
     const std::string serial = state().node(device)->property("object.serial");
     waitFor(nodeName + " is moved to " + device, 5.0, [&] {
         run({"pactl", "move-sink-input", application.property("object.serial"), device});
@@ -296,7 +296,7 @@ void PrivateSoundServer::destroyNode(const std::string &name) const {
     run({"pw-cli", "destroy", std::to_string(node.id)});
     waitFor(name + " is destroyed", 5.0, [&] {
         const ServerState now = state();
-        const Node *same = now.node(node.id); // perhaps another's by now: ids are used again
+        const Node *same = now.node(node.id); // maybe a new node: ids are reused
         return same == nullptr || same->property("object.serial") != node.property("object.serial");
     });
 }
@@ -319,8 +319,8 @@ ServerState PrivateSoundServer::state() const {
         if (status) {
             throw ServerError("pw-dump failed: " + dump->errors());
         }
-        // Now and then the server of 1.4.2 never answers a client that comes while it has no
-        // session manager.
+        // Server 1.4.2 sometimes never answers a client that connects while no session manager
+        // runs.
     }
     throw ServerError("the server does not answer");
 }
@@ -358,7 +358,7 @@ void PrivateSoundServer::holdUp(double seconds) const {
 
 void PrivateSoundServer::restart() {
     moduleOfDevice_.clear();
-    fs::remove(socket()); // or the new server would seem to be there already
+    fs::remove(socket()); // or it would be taken for the new server's
     fs::remove(folder_ / "run/pulse/native");
     startServer();
 }
@@ -366,7 +366,7 @@ void PrivateSoundServer::restart() {
 void PrivateSoundServer::restartSessionManager() {
     sessionManager_.reset();
     waitFor("the session manager has left", 5.0, [&] {
-        // No answer is as good: see `state`.
+        // Accepts no answer as well: see `state`.
         const auto dump = start({"pw-dump"});
         return dump->exitStatusWithin(1.0) != 0 ||
                !ServerState::parse(dump->output()).hasSessionManager;

@@ -115,7 +115,7 @@ class PrivateSoundServer {
     Options options_;
     std::filesystem::path folder_;
     Environment environment_;
-    std::map<std::string, std::string> moduleOfDevice_; ///< except for devices that outlast
+    std::map<std::string, std::string> moduleOfDevice_; ///< of those made by pactl
     // In the order of their start; destroyed in reverse.
     std::unique_ptr<ChildProcess> bus_;
     std::unique_ptr<ChildProcess> pipewire_;
