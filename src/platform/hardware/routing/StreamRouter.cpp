@@ -322,10 +322,13 @@ void StreamRouter::portAdded(const PortRecord &port) {
             awaitLinks(stream);
         linker_.startHandshake(*node, stream.links);
     } else if (port.isInput && isOutputDevice(*node)) {
-        for (auto &[id, stream] : streams_)
-            if (const NodeRecord *waiting = objects_.node(id);
-                stream.phase == Phase::waiting && waiting != nullptr)
-                route(*waiting, stream);
+        for (auto &[id, stream] : streams_) {
+            const NodeRecord *client = objects_.node(id);
+            if (client != nullptr && stream.phase == Phase::waiting)
+                route(*client, stream);
+            else if (client != nullptr && isHeld(stream) && objects_.hasPorts(id, false))
+                linker_.startHandshake(*client, stream.links); // no device was present before
+        }
     }
 }
 

@@ -7,6 +7,8 @@
 namespace quorbel::desktop {
 namespace {
 
+using enum StormEvent::Kind;
+
 #ifdef __SANITIZE_ADDRESS__
 constexpr int usualStorms = 600;
 #else
@@ -39,6 +41,20 @@ TEST_P(Storms, LetEveryStreamBeHeardOnceAndPutBack) {
             continue;
         const Storm small = reduced(storm);
         FAIL() << wrong << "\nreduced: " << run(small) << "\n" << small.text();
+    }
+}
+
+// A PulseAudio client may start while the only device is away for a moment, as a headset is that
+// changes its profile.
+TEST(Storms, ADeviceThatIsBackAtOnceLetsNoClientHang) {
+    for (std::uint64_t seed = 1; seed <= 200; ++seed) {
+        const Storm storm{seed,
+                          {{.kind = unplug, .b = 0, .at = 201'000},
+                           {.kind = start, .at = 400'000},
+                           {.kind = startApplication, .a = 2, .at = 450'000},
+                           {.kind = unplug, .b = 1, .at = 451'500},
+                           {.kind = plug, .b = 1, .c = 50, .at = 455'000}}};
+        ASSERT_EQ(run(storm), "") << "seed " << seed;
     }
 }
 
