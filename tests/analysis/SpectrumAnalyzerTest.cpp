@@ -144,7 +144,7 @@ TEST_F(SpectrumAnalyzerTest, FallsByFifteenPercentPerTickAndTheSlowCopyFollowsEv
     EXPECT_NE(analyzer_.benziLente(), analyzer_.bands());
 }
 
-TEST_F(SpectrumAnalyzerTest, AttachesOnceAndOnlyToWhatHasAFormat) {
+TEST_F(SpectrumAnalyzerTest, AttachesOnceAndOnlyWithAFormat) {
     AudioGraph unconnected(nullptr);
     analyzer_.attach(unconnected, unconnected.mainMixer());
     EXPECT_FALSE(analyzer_.isAttached());
@@ -169,7 +169,7 @@ TEST_F(SpectrumAnalyzerTest, AttachesOnceAndOnlyToWhatHasAFormat) {
     EXPECT_EQ(analyzer_.bands()[6], 0.0F) << "and nothing came while detached";
 }
 
-TEST_F(SpectrumAnalyzerTest, FallsToRestWhenNothingIsPlayedAnyMore) {
+TEST_F(SpectrumAnalyzerTest, DecaysToRestInSilence) {
     attach();
     play(8192, sineAtBin(4, 1.0F));
     clock_.advance(8192.0 / 44100.0);
@@ -211,7 +211,7 @@ TEST(SpectrumAnalyzerRateTest, BandsFollowTheOutputsRateWhileAttached) {
     graph.stop();
 }
 
-TEST(SampleRing, GivesTheNewestInTimeOrderWhereverTheEndOfTheStorageFalls) {
+TEST(SampleRing, ReturnsTheNewestInTimeOrderAcrossTheWrap) {
     SampleRing ring(4096);
     std::vector<float> into(2048);
     std::size_t written = 0;

@@ -14,7 +14,7 @@ class ImportExport : public CliTest {
                              "Filter 2: ON XX Fc 1000 Hz Gain 2 dB Q 1\n";
 };
 
-TEST_F(ImportExport, WhatIsImportedIsHeardAndListedAndWrittenAgain) {
+TEST_F(ImportExport, AnImportedPresetIsHeardListedAndExported) {
     const std::string input = file("cans.txt", text);
     const Result import = run({"import", input, "--name", "Cans"});
     ASSERT_EQ(import.status, 0) << import.errors;
@@ -39,7 +39,7 @@ TEST_F(ImportExport, WhatIsImportedIsHeardAndListedAndWrittenAgain) {
     EXPECT_THAT(run({"presets"}).output, HasSubstr("Twin"));
 }
 
-TEST_F(ImportExport, WhatCannotBeTakenLeavesEverythingAsItWas) {
+TEST_F(ImportExport, ARefusedImportChangesNothing) {
     const std::string good = file("cans.txt", text);
     expectRefusal({"import", path("absent.txt")}, "does not exist");
     expectRefusal({"import", file("prose.txt", "no filter here\n")}, "prose.txt");

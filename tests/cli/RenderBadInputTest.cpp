@@ -11,7 +11,7 @@ namespace {
 
 using RenderBadInput = CliTest;
 
-TEST_F(RenderBadInput, inputsThatAreNoUsableSoundAreRefusedByName) {
+TEST_F(RenderBadInput, UnusableInputsAreRefusedByName) {
     const std::string good = bytes(file("in.wav", noise(5000)));
     file("empty.wav", std::string());
     file("none.wav", noise(0));
@@ -42,7 +42,7 @@ TEST_F(RenderBadInput, inputsThatAreNoUsableSoundAreRefusedByName) {
         expectRefusal({"render", input, "out.wav"}, reason);
 }
 
-TEST_F(RenderBadInput, aCutFileIsNoticedInEveryFormatThatTellsItsLength) {
+TEST_F(RenderBadInput, TruncationIsDetectedInEveryFormatWithALength) {
     for (const int format : {SF_FORMAT_WAV | SF_FORMAT_PCM_24, SF_FORMAT_AIFF | SF_FORMAT_PCM_16,
                              SF_FORMAT_AU | SF_FORMAT_FLOAT, SF_FORMAT_W64 | SF_FORMAT_FLOAT,
                              SF_FORMAT_RF64 | SF_FORMAT_FLOAT, SF_FORMAT_FLAC | SF_FORMAT_PCM_16,
@@ -57,7 +57,7 @@ TEST_F(RenderBadInput, aCutFileIsNoticedInEveryFormatThatTellsItsLength) {
 }
 
 // Programs that write to a pipe do not know the length in advance.
-TEST_F(RenderBadInput, aLengthLeftOpenIsNoCut) {
+TEST_F(RenderBadInput, AnUnknownLengthIsNoTruncation) {
     std::string open = bytes(file("in.wav", noise(1000)));
     const auto data = open.find("data");
     ASSERT_NE(data, std::string::npos);
@@ -67,7 +67,7 @@ TEST_F(RenderBadInput, aLengthLeftOpenIsNoCut) {
     EXPECT_EQ(sound(path("out.wav")).frames(), 1000U);
 }
 
-TEST_F(RenderBadInput, outputsThatCannotBeWrittenAreRefusedByName) {
+TEST_F(RenderBadInput, OutputsThatCannotBeWrittenAreRefusedByName) {
     file("in.wav", noise(1000));
     std::filesystem::create_directory(path("folder"));
     std::filesystem::create_hard_link(path("in.wav"), path("hard.wav"));
@@ -90,14 +90,14 @@ TEST_F(RenderBadInput, outputsThatCannotBeWrittenAreRefusedByName) {
     }
 }
 
-TEST_F(RenderBadInput, aFullDiskLeavesTheOldOutputAndNothingElse) {
+TEST_F(RenderBadInput, AFullDiskLeavesTheOldOutputAndNothingElse) {
     file("in.wav", noise(200000));
     file("out.wav", std::string("what was there before"));
     expectRefusal({"/bin/sh", "-c", "ulimit -f 200; exec '" QUORBEL_CLI "' render in.wav out.wav"},
                   "out.wav: cannot be written: ");
 }
 
-TEST_F(RenderBadInput, anInterruptedRenderLeavesNothing) {
+TEST_F(RenderBadInput, AnInterruptedRenderLeavesNothing) {
     // A sparse file long enough that no machine finishes before the signal arrives.
     std::string header = bytes(file("in.wav", noise(0), SF_FORMAT_W64 | SF_FORMAT_PCM_16));
     constexpr std::uint64_t soundBytes = std::uint64_t{8} << 30U;

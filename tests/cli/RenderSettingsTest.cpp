@@ -15,7 +15,7 @@ class RenderSettings : public CliTest {
     }
 };
 
-TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefaults) {
+TEST_F(RenderSettings, ComeFromTheNamedFileOrTheUsersOrTheDefaults) {
     file("in.wav", noise(20000));
     file("louder.json", settingsWithGain(3.0F));
     ASSERT_EQ(run({"render", "in.wav", "out.wav"}).status, 0);
@@ -33,7 +33,7 @@ TEST_F(RenderSettings, comeFromTheFileNamedElseFromTheUsersOwnElseFromTheDefault
     EXPECT_EQ(bytes(path("../Quorbel/state.json")), "{}");
 }
 
-TEST_F(RenderSettings, changeAtTheFirstBlockBoundaryAtOrAfterTheTimeGiven) {
+TEST_F(RenderSettings, ChangeAtTheFirstBlockBoundaryAtOrAfterTheTimeGiven) {
     file("in.wav", noise(96000, 48000, 1)); // mono, so that flat is bit-exact
     file("flat.json", flatSettings());
     file("quiet.json", settingsWithGain(-12.0F));
@@ -52,7 +52,7 @@ TEST_F(RenderSettings, changeAtTheFirstBlockBoundaryAtOrAfterTheTimeGiven) {
     EXPECT_NEAR(gain(84000, 95000), 6.0, 0.01);
 }
 
-TEST_F(RenderSettings, aPresetReplacesBandsAndSpatialSettingsOnly) {
+TEST_F(RenderSettings, APresetReplacesBandsAndSpatialSettingsOnly) {
     file("in.wav", noise(20000));
     Persisted quiet = settingsWithGain(-6.0F);
     quiet.bands[4].gainDB = 12.0F;
@@ -74,7 +74,7 @@ TEST_F(RenderSettings, aPresetReplacesBandsAndSpatialSettingsOnly) {
                   "no preset is named \"Loudest\\n\"");
 }
 
-TEST_F(RenderSettings, theListOfPresetsEndsWithTheUsersOwn) {
+TEST_F(RenderSettings, TheListOfPresetsEndsWithTheUsersOwn) {
     Persisted settings = flatSettings();
     settings.presets = {{.id = Uuid::random(), .name = "Evening", .notes = "Soft\x1B\u009Bä"}};
     userSettings(settings);

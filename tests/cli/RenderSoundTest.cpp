@@ -35,7 +35,7 @@ class RenderSound : public CliTest {
 };
 
 // Long enough that its first parts leave memory before its last parts are rendered.
-TEST_F(RenderSound, flatSettingsGiveALongSoundBack) {
+TEST_F(RenderSound, FlatSettingsGiveALongSoundBack) {
     file("flat.json", flatSettings());
     const Sound mono = noise(3'000'001, 48000, 1);
     const Sound both = rendered(mono, {"--settings", "flat.json"});
@@ -49,7 +49,7 @@ TEST_F(RenderSound, flatSettingsGiveALongSoundBack) {
 }
 
 // A resampler delay error of a fraction of a frame would change samples by several percent.
-TEST_F(RenderSound, anyRateBecomesExactlyAsManyFramesAsItLastsEachInItsPlace) {
+TEST_F(RenderSound, ConversionKeepsDurationAndPositionsAtAnyRate) {
     file("flat.json", flatSettings());
     for (const int rate : {8000, 11025, 22050, 32000, 44100, 48000, 88200, 96000, 192000}) {
         SCOPED_TRACE(rate);
@@ -79,7 +79,7 @@ TEST_F(RenderSound, anyRateBecomesExactlyAsManyFramesAsItLastsEachInItsPlace) {
     }
 }
 
-TEST_F(RenderSound, samplesThatAreNoNumbersArePlayedAsZeroAndCounted) {
+TEST_F(RenderSound, NonFiniteSamplesArePlayedAsZeroAndCounted) {
     for (const int rate : {48000, 44100}) {
         Sound in = noise(9000, rate);
         in.samples[200] = std::numeric_limits<float>::quiet_NaN();
@@ -97,7 +97,7 @@ TEST_F(RenderSound, samplesThatAreNoNumbersArePlayedAsZeroAndCounted) {
     }
 }
 
-TEST_F(RenderSound, theMetersFollowTheSoundEveryTenthOfASecond) {
+TEST_F(RenderSound, TheMetersFollowTheSoundEveryTenthOfASecond) {
     Sound in = noise(48000);
     in.samples[2 * 30000] = std::numeric_limits<float>::quiet_NaN();
     file("in.wav", in);

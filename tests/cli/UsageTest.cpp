@@ -22,7 +22,7 @@ class Usage : public CliTest {
     }
 };
 
-TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
+TEST_F(Usage, AnInvalidCommandLineExitsWithStatusTwo) {
     const std::vector<std::vector<std::string>> commandLines{
         {""},
         {"play"},
@@ -48,7 +48,7 @@ TEST_F(Usage, aCommandLineThatMakesNoSenseEndsWithStatusTwo) {
     }
 }
 
-TEST_F(Usage, bashCompletesNamesAndQuotesThem) {
+TEST_F(Usage, BashCompletesNamesAndQuotesThem) {
     EXPECT_EQ(completed({"live", "--preset", "warm"}), "Warm\\ /\\ Long\\ Session\n");
     EXPECT_EQ(completed({"live", "--preset", "=", "Warm\\ /"}), "Warm\\ /\\ Long\\ Session\n");
     EXPECT_EQ(completed({"live", "--preset", "\"Warm / L"}), "Warm / Long Session\n");

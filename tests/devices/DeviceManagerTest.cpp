@@ -80,7 +80,7 @@ TEST_F(DeviceManagerTest, DefaultOutputIsTheSystemsIfItIsListed) {
     EXPECT_EQ(manager.defaultOutput(), std::nullopt);
 }
 
-TEST_F(DeviceManagerTest, HearsOfChangesOnTheMainThreadOnly) {
+TEST_F(DeviceManagerTest, ReportsChangesOnTheMainThreadOnly) {
     DeviceManager manager(hardware, clock);
     int changes = 0;
     manager.onHardwareChange = [&] {
@@ -106,7 +106,7 @@ TEST_F(DeviceManagerTest, HearsOfChangesOnTheMainThreadOnly) {
     EXPECT_EQ(changes, 1) << "what was on its way is dropped";
 }
 
-TEST_F(DeviceManagerTest, NewsOfAnEarlierObservationReachNeitherTheNextNorAManagerThatIsGone) {
+TEST_F(DeviceManagerTest, DropsEventsOfEndedObservations) {
     {
         DeviceManager gone(hardware, clock);
         gone.startObservingHardware();

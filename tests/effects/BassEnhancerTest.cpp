@@ -73,7 +73,7 @@ TEST_F(BassEnhancerTest, TracksThePowersCentreOnTheSamplesOfItsSchedule) {
     EXPECT_EQ(estimates, 13);
 }
 
-TEST_F(BassEnhancerTest, HoldsInSilenceAndBeforeThereIsEnoughToHear) {
+TEST_F(BassEnhancerTest, HoldsInSilenceAndBeforeTheFirstFullWindow) {
     UnitHarness unit = make();
     playInTime(unit, sine(60.0, 4095));
     clock.advance(1.0);

@@ -236,7 +236,7 @@ TEST_P(EffectContractTest, AfterAResetSilenceGivesSilence) {
     });
 }
 
-TEST_P(EffectContractTest, AllocatedAgainItIsAsNew) {
+TEST_P(EffectContractTest, ReallocationResetsIt) {
     atExtremes([this](UnitHarness &used) {
         UnitHarness fresh(make());
         const auto &settings = used.unit().parameterTree()->allParameters();

@@ -67,7 +67,7 @@ struct Enhancers {
     }
 };
 
-TEST(EffectUnitTest, NeighboursInOnePassSoundAndMeasureAsOneByOne) {
+TEST(EffectUnitTest, NeighboursInOnePassEqualSeparatePasses) {
     Enhancers joined;
     Enhancers alone;
     ASSERT_EQ(joined.bass.node().joinable(joined.behindBass), 3U);
@@ -94,7 +94,7 @@ TEST(EffectUnitTest, NeighboursInOnePassSoundAndMeasureAsOneByOne) {
 }
 
 // An idle unit leaves the pass; the other then sounds as it does alone.
-TEST(EffectUnitTest, CrossfeedAndAutoGainInOnePassSoundAsOneByOne) {
+TEST(EffectUnitTest, CrossfeedAndAutoGainInOnePassEqualSeparatePasses) {
     struct Pair {
         UnitHarness crossfeed{std::make_unique<CrossfeedUnit>(crossfeedDescription, 0)};
         UnitHarness autoGain{std::make_unique<AutoGainUnit>(autoGainDescription, 0)};

@@ -70,7 +70,7 @@ TEST(LimiterTest, MatchesTheModel) {
     }
 }
 
-TEST(LimiterTest, NoSampleLeavesBeyondTheThreshold) {
+TEST(LimiterTest, NoOutputSampleExceedsTheThreshold) {
     for (const float threshold : {-12.0F, -6.0F, -0.3F, 0.0F}) {
         UnitHarness limiter = makeLimiter();
         limiter.set(LimiterUnit::threshold, threshold);
@@ -100,7 +100,7 @@ TEST(LimiterTest, QuietSoundIsOnlyDelayedAndTheReductionIsATrueZero) {
     EXPECT_EQ(readout.readout(), 0.0F);
 }
 
-TEST(LimiterTest, SwitchedOffItIsGoneAndSwitchedOnItFirstPlaysWhatItHeld) {
+TEST(LimiterTest, SwitchedOffItAddsNoDelayAndSwitchedOnItFirstPlaysItsOldFrames) {
     UnitHarness limiter = makeLimiter();
     limiter.set(LimiterUnit::threshold, 0.0F);
     const Stereo before = noise(640, 0.5F, 1);

@@ -86,7 +86,7 @@ TEST_F(Comeback, OfDestroyedNodesKeepsApplicationsProcessed) {
     EXPECT_TRUE(soonIsAsBefore(before));
 }
 
-TEST_F(Comeback, ApplicationsMayComeAndGoLikeHail) {
+TEST_F(Comeback, SurvivesAHailOfShortApplications) {
     const Recorder &speakers = record("speakers");
     auto live = startLive(twelveDBLower());
     const double before = live->memoryMiB();

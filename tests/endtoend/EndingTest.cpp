@@ -73,7 +73,7 @@ TEST_F(Ending, AKillIsHeardForThreeCyclesAtMost) {
     EXPECT_LE(std::ranges::count(heard.left, 0.0F), 3 * 1024);
 }
 
-TEST_F(Ending, WhatIsLeftWhenTheWatchdogDiesTooIsPutRightByTheNextStart) {
+TEST_F(Ending, TheNextStartRepairsAnEndWithoutAWatchdog) {
     playPinnedAndUnpinned();
     auto live = startLive(twelveDBLower());
     ASSERT_TRUE(soonPlaysInto("pinned", {tapName(*live)}));

@@ -15,7 +15,7 @@ class Failure : public LiveTest {
     }
 };
 
-TEST_F(Failure, ASecondInstanceRefusesAndTheFirstGoesOn) {
+TEST_F(Failure, ASecondInstanceRefusesAndTheFirstContinues) {
     const Recorder &speakers = record("speakers");
     playSequence();
     const auto first = startLive(twelveDBLower());
@@ -26,7 +26,7 @@ TEST_F(Failure, ASecondInstanceRefusesAndTheFirstGoesOn) {
     EXPECT_TRUE(soonHears(speakers, Heard::processed));
 }
 
-TEST_F(Failure, AnUnknownDeviceIsNamedAndWithoutAServerOneLineSaysHowToStartOne) {
+TEST_F(Failure, AnUnknownDeviceIsNamedAndAMissingServerExplained) {
     const auto refusal = [&](const std::vector<std::string> &arguments) {
         LiveProcess live(server, twelveDBLower(), arguments);
         EXPECT_EQ(live.process().exitStatusWithin(3.0), 1);

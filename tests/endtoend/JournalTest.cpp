@@ -33,7 +33,7 @@ class Journal : public LiveTest {
     }
 };
 
-TEST_F(Journal, IsNoPipeAndNoLinkAndNotWhereOthersCanWrite) {
+TEST_F(Journal, IsNeitherPipeNorLinkNorWritableByOthers) {
     ASSERT_EQ(mkfifo(journal().c_str(), S_IRUSR | S_IWUSR), 0);
     run();
     remove(journal());

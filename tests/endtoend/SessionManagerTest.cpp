@@ -46,7 +46,7 @@ TEST_F(SessionManager, RestartedIsFollowedWithinTwoSeconds) {
 /// reporting changes of the default device and of applications' targets.
 using LostChanges = LiveTest;
 
-TEST_F(LostChanges, AreFollowedAllTheSame) {
+TEST_F(LostChanges, AreFollowedWithoutEvents) {
     const Recorder hdmi(client, "hdmi", 60.0);
     playSequence();
     const auto live = startLive(twelveDBLower());

@@ -58,9 +58,9 @@ TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     // graph's threads wakes up a quarter of a cycle late.
     const StallWitness witness(0.25 * quantum() / 48000.0);
     double undisturbed = 0.0;
-    for (int stretch = 0; stretch < 4 && undisturbed < seconds; ++stretch) {
+    for (int stretch = 0; stretch < 6 && undisturbed < seconds; ++stretch) {
         const std::size_t linesBefore = lossLines(*live).size();
-        const Recording heard = recorder.next(seconds - undisturbed + 0.1);
+        const Recording heard = recorder.next(seconds - undisturbed + 1.0);
         const auto report = SequenceReport::of(heard);
         ASSERT_EQ(report.leadingSilence, 0U);
         ASSERT_EQ(report.frames, heard.frames());
@@ -167,7 +167,7 @@ TEST_F(Level, TheUnprocessedSoundOfNewApplicationsIsNeverHeard) {
 
 class Load : public LiveTest {};
 
-TEST_F(Load, StartsQuicklyAndRunsOnLittle) {
+TEST_F(Load, StartsQuicklyWithLowLoad) {
     server.forceQuantum(1024);
     const Recorder &recorder = record("speakers");
     playSequence();
@@ -276,7 +276,7 @@ TEST_F(LiveTest, ACommandIsHeardWithinFiftyMilliseconds) {
     EXPECT_LT(least, 0.05);
 }
 
-TEST_F(LiveTest, AThousandCommandsAreNoClickAndNoLoss) {
+TEST_F(LiveTest, AThousandCommandsCauseNeitherClickNorLoss) {
     constexpr int quantum = 1024;
     constexpr double levelDB = -20.0;
     const Recorder &recorder = record("speakers", 300.0);

@@ -51,7 +51,7 @@ TEST_F(Standstill, OfOursLetsApplicationsBeHeardWithinThreeSeconds) {
     EXPECT_TRUE(soonIsAsBefore(before));
 }
 
-TEST_F(Standstill, OfTheWatchdogForEverGivesUsAnother) {
+TEST_F(Standstill, OfTheWatchdogForEverLeadsToANewOne) {
     playPinned();
     const auto live = startLive(twelveDBLower());
     ASSERT_TRUE(soonHears(speakers, Heard::processed));

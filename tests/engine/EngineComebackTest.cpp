@@ -24,7 +24,7 @@ class EngineComebackTest : public EngineTest {
     }
 };
 
-TEST_F(EngineComebackTest, WithTheServerInTheStateItWasIn) {
+TEST_F(EngineComebackTest, RestoresItsStateWithTheServer) {
     setBand(5, 1000.0F, -6.0F);
     choose("hdmi");
     play(0.5);

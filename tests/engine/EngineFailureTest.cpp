@@ -102,7 +102,7 @@ TEST_F(EngineWithoutTest, AnOutputChosen) {
 }
 
 // Failures of optional calls do not interrupt the sound.
-TEST_F(EngineWithoutTest, WhatItCanDoWithout) {
+TEST_F(EngineWithoutTest, AReadableRateAndListeners) {
     hardware.play(sine(1000.0));
     hardware.operations().fail(Operation::nominalSampleRate, -1);
     hardware.operations().fail(Operation::addListener, -1);

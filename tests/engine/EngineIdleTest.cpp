@@ -93,7 +93,7 @@ class EngineIdleTest : public EngineTest {
     CountingClock counting{clock};
 };
 
-TEST_F(EngineIdleTest, WithoutSoundEverythingComesToRestAndReturnsWithIt) {
+TEST_F(EngineIdleTest, EverythingRestsInSilenceAndResumesWithSound) {
     playFromTheStart(sine(60.0));
     play(1.0);
     const std::int64_t ticksBefore = engine->spectrumAnalyzer().ticuri();

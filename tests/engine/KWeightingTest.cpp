@@ -13,7 +13,7 @@ namespace {
 
 class KWeightingTest : public EveryVectorTarget {};
 
-TEST_P(KWeightingTest, WeighsAsTheStandardSaysAndTheSameOnEveryMachine) {
+TEST_P(KWeightingTest, MatchesTheStandardAndIsTheSameOnEveryMachine) {
     constexpr std::uint32_t settling = 48'000;
     constexpr std::uint32_t frames = 96'000;
     // The standard's check frequency, the cut's corner (where its gain is its Q), far above the

@@ -38,7 +38,7 @@ ChainSettings shaped() {
     return settings;
 }
 
-TEST(OfflineRenderer, GivesTheSameBytesHoweverTheBlocksFall) {
+TEST(OfflineRenderer, IsBitExactForAnyBlockLengths) {
     const Stereo input = noise(60'000);
     const auto with = [&](std::size_t blockFrames) {
         OfflineRenderer renderer(shaped());
@@ -66,7 +66,7 @@ ChainSettings everything() {
 
 class WholeChainOnTarget : public EveryVectorTarget {};
 
-TEST_P(WholeChainOnTarget, SoundsAsOnTheSmallestVectors) {
+TEST_P(WholeChainOnTarget, EqualsTheSmallestVectors) {
     const Stereo input = noise(48'000);
     const auto rendered = [&] {
         OfflineRenderer renderer(everything());
@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(Targets, WholeChainOnTarget,
                          ::testing::ValuesIn(WholeChainOnTarget::compiled()),
                          WholeChainOnTarget::nameOf);
 
-TEST(OfflineRenderer, PlaysTenBandsHoweverManyTheSettingsHold) {
+TEST(OfflineRenderer, PlaysTenBandsWithAnyNumberInTheSettings) {
     const auto cutAt4kHz = [](std::vector<EQBand> bands) {
         ChainSettings settings = plain();
         settings.bands = std::move(bands);

@@ -108,7 +108,7 @@ class ProcessingChainTest : public EngineTest {
     ProbeUnits probes;
 };
 
-TEST_F(ProcessingChainTest, PlaysItsStagesInOrderWithoutThoseThatCannotBeMade) {
+TEST_F(ProcessingChainTest, PlaysItsStagesInOrderWithoutFailedOnes) {
     hardware.play(countedFrames());
     probes.absent = {bassEnhancer, spatializer, limiter};
     start();
@@ -140,7 +140,7 @@ TEST_F(ProcessingChainTest, EveryBlockIsProcessedWithTheChosenSettings) {
     EXPECT_THAT(probes.valuesAtAllocation[autoGain], ElementsAre(-16.0F, 0.0F, -7.0F, 1.0F));
 }
 
-TEST_F(ProcessingChainTest, ReadOutsAreThoseOfTheUnits) {
+TEST_F(ProcessingChainTest, PublishesTheUnitsReadOuts) {
     start();
     probes.readouts = {
         {limiter, 3.0F}, {autoGain, -4.0F}, {bassEnhancer, 55.0F}, {voiceEnhancer, 0.5F}};
@@ -183,7 +183,7 @@ class UnitSettingsTest : public ::testing::Test {
     bool made = false;
 };
 
-TEST_F(UnitSettingsTest, WhatIsOnSendsItsValues) {
+TEST_F(UnitSettingsTest, EnabledEffectsSendTheirValues) {
     chain.applySpatial({.widenerEnabled = true,
                         .widthPercent = 1.0F,
                         .xtcEnabled = true,
@@ -224,7 +224,7 @@ TEST_F(UnitSettingsTest, WhatIsOnSendsItsValues) {
     EXPECT_THAT(at(autoGain), ElementsAre(13.0F, 1.0F, 14.0F, 1.0F));
 }
 
-TEST_F(UnitSettingsTest, WhatIsOffSendsItsNeutralValue) {
+TEST_F(UnitSettingsTest, DisabledEffectsSendNeutralValues) {
     const SpatialConfig spatial;
     const MixerConfig mixer{.limiterEnabled = false};
     chain.applySpatial(spatial);
@@ -243,7 +243,7 @@ TEST_F(UnitSettingsTest, WhatIsOffSendsItsNeutralValue) {
                 ElementsAre(mixer.autoGainTargetDB, 0.0F, mixer.manualLoudnessDB, 0.0F));
 }
 
-TEST_F(UnitSettingsTest, NothingCompletesForAChainThatIsGone) {
+TEST_F(UnitSettingsTest, NothingCompletesAfterTheChainsEnd) {
     bool completed = false;
     {
         ProcessingChain shortLived(registry, clock, {});

@@ -16,7 +16,7 @@ const Preset &preset(const std::string &name) {
     return *std::ranges::find(factoryPresets(), name, &Preset::name);
 }
 
-TEST(FactoryPresets, theLibraryIsWholeAndUsable) {
+TEST(FactoryPresets, TheLibraryIsWholeAndUsable) {
     const auto &presets = factoryPresets();
     ASSERT_EQ(presets.size(), 33U);
     EXPECT_EQ(presets.front().name, "Flat");
@@ -48,7 +48,7 @@ TEST(FactoryPresets, theLibraryIsWholeAndUsable) {
 
 // Saved settings refer to presets by this id, so it must never change. Expected values: Python's
 // hashlib over the same text.
-TEST(FactoryPresets, idsFollowFromTheNameAlone) {
+TEST(FactoryPresets, IdsFollowFromTheNameAlone) {
     EXPECT_EQ(stableFactoryID("Flat").text(), "0AF4AEBF-A952-50FE-B0E2-06CC11DE9AA4");
     EXPECT_EQ(stableFactoryID("MR5 Desk — Late Night").text(),
               "EB5D401E-E1ED-52BC-91D9-FF916A82D1BF");

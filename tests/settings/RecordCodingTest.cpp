@@ -16,7 +16,7 @@ const std::string eightRequired =
     R"("widenerEnabled":true,"widthPercent":120,"xtcEnabled":true,"xtcAmount":40.5,)"
     R"("xtcNotchFrequency":2100,"reverbEnabled":true,"reverbMix":8,"reverbPreset":"plate")";
 
-TEST(RecordCoding, recordsLeaveInDeclarationOrderCompactAndWithShortestNumbers) {
+TEST(RecordCoding, RecordsLeaveInDeclarationOrderCompactAndWithShortestNumbers) {
     const std::string mixerJson =
         R"({"tempoChainEnabled":false,"tempoRate":1,"pitchSemitones":0,)"
         R"("saturationEnabled":false,"saturationDrive":30,"crossfeedEnabled":false,)"
@@ -58,7 +58,7 @@ TEST(RecordCoding, recordsLeaveInDeclarationOrderCompactAndWithShortestNumbers) 
     EXPECT_EQ(decodeRecord<Persisted>(encodeRecord(persisted)), persisted);
 }
 
-TEST(RecordCoding, missingAndNullOptionalKeysTakeTheDefaults) {
+TEST(RecordCoding, MissingAndNullOptionalKeysTakeTheDefaults) {
     EXPECT_EQ(decodeRecord<MixerConfig>("{}"), MixerConfig{});
     EXPECT_EQ(decodeRecord<MixerConfig>(R"({"limiterEnabled":null,"tempoRate":null})"),
               MixerConfig{});
@@ -91,7 +91,7 @@ TEST(RecordCoding, missingAndNullOptionalKeysTakeTheDefaults) {
                  persisted.eqGlobalGainDB || persisted.outputDeviceUID);
 }
 
-TEST(RecordCoding, numbersKeepEveryBitIn32And64BitForm) {
+TEST(RecordCoding, NumbersKeepEveryBitIn32And64BitForm) {
     const auto roundTrip = [](float value) {
         return decodeRecord<EQBand>(encodeRecord(EQBand{.frequency = value})).frequency;
     };
@@ -120,7 +120,7 @@ TEST(RecordCoding, numbersKeepEveryBitIn32And64BitForm) {
               std::string::npos);
 }
 
-TEST(RecordCoding, whatJsonCannotHoldIsRefusedWithItsPath) {
+TEST(RecordCoding, UnencodableValuesAreRefusedWithTheirPath) {
     const auto pathOfFailure = [](const Persisted &record) -> std::string {
         try {
             (void)encodeRecord(record);
@@ -143,7 +143,7 @@ TEST(RecordCoding, whatJsonCannotHoldIsRefusedWithItsPath) {
     EXPECT_EQ(pathOfFailure(record), "presets[0].name");
 }
 
-TEST(Uuid, randomOnesDifferAndReadBackInEitherCase) {
+TEST(Uuid, RandomOnesDifferAndReadBackInEitherCase) {
     const Uuid uuid = Uuid::random();
     EXPECT_NE(uuid, Uuid::random());
     EXPECT_EQ(uuid.text()[14], '4');

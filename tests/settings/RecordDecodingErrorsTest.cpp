@@ -52,11 +52,11 @@ Outcome decodingError(const std::string &text) {
     return {"decoded", "decoded"};
 }
 
-TEST(RecordDecodingErrors, theTextThatTheCasesBreakIsGood) {
+TEST(RecordDecodingErrors, TheTextThatTheCasesBreakIsGood) {
     EXPECT_EQ(decodingError(goodTextWith("", "")).problem, "decoded");
 }
 
-TEST(RecordDecodingErrors, everyMalformedValueIsNamedByItsPath) {
+TEST(RecordDecodingErrors, EveryMalformedValueIsNamedByItsPath) {
     const struct {
         const char *at, *by, *path, *problem;
     } cases[] = {
@@ -141,7 +141,7 @@ TEST(RecordDecodingErrors, everyMalformedValueIsNamedByItsPath) {
     }
 }
 
-TEST(RecordDecodingErrors, documentsThatAreNoSettingsAtAll) {
+TEST(RecordDecodingErrors, DocumentsThatAreNoSettingsAtAll) {
     const struct {
         std::string text, problem;
     } cases[] = {
@@ -167,14 +167,14 @@ TEST(RecordDecodingErrors, documentsThatAreNoSettingsAtAll) {
     }
 }
 
-TEST(RecordDecodingErrors, cutAnywhereTheTextIsRefused) {
+TEST(RecordDecodingErrors, CutAnywhereTheTextIsRefused) {
     const std::string text = goodTextWith("", "");
     for (std::size_t length = 0; length < text.size(); ++length)
         ASSERT_NE(decodingError(text.substr(0, length)).problem, "decoded") << length;
 }
 
 // A recursive reader would overflow its stack; a linear search per key would take hours.
-TEST(RecordDecodingErrors, hostileShapesEndInAnErrorOrAreReadInLinearTime) {
+TEST(RecordDecodingErrors, HostileShapesEndInAnErrorOrAreReadInLinearTime) {
     const std::string deepArrays(2000000, '[');
     EXPECT_EQ(decodingError(deepArrays).problem, "nested more than 512 levels deep");
     std::string deepObjects;

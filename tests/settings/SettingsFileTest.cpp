@@ -36,7 +36,7 @@ class SettingsFile : public ::testing::Test {
 };
 
 // Reading a pipe without a writer or an endless device must not block.
-TEST_F(SettingsFile, whatIsNoFileIsRefusedAtOnceByName) {
+TEST_F(SettingsFile, NonFilesAreRefusedAtOnceByName) {
     EXPECT_THAT(failureReading(path("missing.json")),
                 AllOf(HasSubstr("missing.json: "), HasSubstr("No such file")));
     EXPECT_THAT(failureReading(path("")), HasSubstr("is a directory"));

@@ -45,7 +45,7 @@ class LevelTest : public WindowTest {
     }
 };
 
-TEST_F(LevelTest, LowersWhatWasTooLoudByWhatTheButtonsSay) {
+TEST_F(LevelTest, LowersLoudSettingsByTheAmountOnTheButtons) {
     open();
     playBoosted();
     EXPECT_TRUE(soonHears(thresholdDB)) << "limited";
@@ -71,7 +71,7 @@ TEST_F(LevelTest, LowersWhatWasTooLoudByWhatTheButtonsSay) {
     EXPECT_TRUE(soonHolds("-3.0")) << "cleared";
 }
 
-TEST_F(LevelTest, LowersWhatIsBeyondFullScaleWithoutTheLimiter) {
+TEST_F(LevelTest, LowersPeaksAboveFullScaleWithoutTheLimiter) {
     open();
     goTo("Limiter & gain");
     press({"check box", "Master Limiter"});

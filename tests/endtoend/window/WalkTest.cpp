@@ -171,7 +171,7 @@ TEST_F(WindowTest, ClosedItContinuesAndANotificationSaysSo) {
     desktop("notify", false);
 }
 
-TEST_F(WindowTest, ClosedWhereNothingWouldShowItItAsks) {
+TEST_F(WindowTest, AsksWhenClosedOnADesktopThatCannotShowIt) {
     open();
     playTone();
     startProcessing();

@@ -60,7 +60,7 @@ struct Change {
 
 class EqualizerChange : public ::testing::TestWithParam<double> {};
 
-TEST_P(EqualizerChange, neitherClicksNorJumpsUp) {
+TEST_P(EqualizerChange, NeitherClicksNorJumpsUp) {
     using enum EqualizerFilterType;
     const std::vector<Change> changes{
         {"gain up", band(parametric, 1000, 1.4F, -12), band(parametric, 1000, 1.4F, 12)},
@@ -112,7 +112,7 @@ INSTANTIATE_TEST_SUITE_P(Sines, EqualizerChange,
                          ::testing::Values(60.0, 100.0, 250.0, 500.0, 1000.0, 3150.0, 10000.0));
 
 // Neighbouring bands swap boost and cut: the transition must not add up the boosts of both ends.
-TEST(EqualizerGlide, manyBandsAtOnceStayBetweenBothEnds) {
+TEST(EqualizerGlide, ManyBandsAtOnceStayBetweenBothEnds) {
     ParametricEqualizer equalizer(10);
     const auto apply = [&](float sign, float shift) {
         for (std::size_t i = 0; i < 10; ++i)
@@ -132,7 +132,7 @@ TEST(EqualizerGlide, manyBandsAtOnceStayBetweenBothEnds) {
     }
 }
 
-TEST(EqualizerGlide, theGlobalGainMovesWithoutAStep) {
+TEST(EqualizerGlide, TheGlobalGainMovesWithoutAStep) {
     ParametricEqualizer equalizer(1);
     equalizer.setGlobalGainDB(-12.0F);
     equalizer.prepare(glideRate);
@@ -171,7 +171,7 @@ double sweepSpuriousDB(EqualizerFilterType type, float frequency, std::size_t up
     return energyOutsideDB(std::span(left).subspan(second / 2, second), 900.0, 1100.0, glideRate);
 }
 
-TEST(EqualizerGlide, sweepsWithoutZipperNoise) {
+TEST(EqualizerGlide, SweepsWithoutZipperNoise) {
     using enum EqualizerFilterType;
     for (const std::size_t update : {480U, 512U})
         for (const std::size_t block : {64U, 441U, 512U})

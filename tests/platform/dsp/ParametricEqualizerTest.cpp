@@ -112,7 +112,7 @@ LargestErrors errorsOf(EqualizerFilterType type, float f0, double q, float gainD
 
 class EqualizerAccuracy : public ::testing::TestWithParam<EqualizerFilterType> {};
 
-TEST_P(EqualizerAccuracy, followsTheAnalogPrototype) {
+TEST_P(EqualizerAccuracy, FollowsTheAnalogPrototype) {
     const EqualizerFilterType type = GetParam();
     for (const float f0 : defaultFrequencies)
         for (const double q : {0.5, 1.0, 2.0, 4.0})
@@ -137,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(AllTypes, EqualizerAccuracy,
                                            EqualizerFilterType::lowPass,
                                            EqualizerFilterType::highPass));
 
-TEST(ParametricEqualizer, isBitExactWhenFlat) {
+TEST(ParametricEqualizer, IsBitExactWhenFlat) {
     ParametricEqualizer equalizer(10);
     equalizer.prepare(rate);
     for (std::size_t i = 0; i < 10; ++i)
@@ -160,7 +160,7 @@ TEST(ParametricEqualizer, isBitExactWhenFlat) {
     EXPECT_EQ(play(equalizer, sound), sound);
 }
 
-TEST(ParametricEqualizer, soundsTheSameInBlocksOfAnyLength) {
+TEST(ParametricEqualizer, SoundsTheSameInBlocksOfAnyLength) {
     const std::vector<float> sound = noise(12000).left;
     const auto playInBlocksOf = [&](std::size_t block) {
         ParametricEqualizer equalizer(10);
@@ -187,7 +187,7 @@ TEST(ParametricEqualizer, soundsTheSameInBlocksOfAnyLength) {
         EXPECT_EQ(playInBlocksOf(block), whole) << "blocks of " << block;
 }
 
-TEST(ParametricEqualizer, twoInOnePassSoundLikeOneAfterTheOther) {
+TEST(ParametricEqualizer, TwoInOnePassEqualSeparatePasses) {
     const std::vector<float> sound = noise(24000).left;
     const auto playBoth = [&](bool inOnePass) {
         ParametricEqualizer first(10);
@@ -252,7 +252,7 @@ std::vector<double> playInDouble(std::span<const EqualizerBandSettings> bands,
     return result;
 }
 
-TEST(ParametricEqualizer, keepsRoundingErrorsLowWithTenLowBands) {
+TEST(ParametricEqualizer, KeepsRoundingErrorsLowWithTenLowBands) {
     for (const float gain : {6.0F, -6.0F}) {
         std::vector<EqualizerBandSettings> bands;
         ParametricEqualizer equalizer(10);

@@ -68,7 +68,7 @@ struct Rates {
 
 class ConverterQuality : public ::testing::TestWithParam<Rates> {};
 
-TEST_P(ConverterQuality, keepsDistortionRippleAndImagesDown) {
+TEST_P(ConverterQuality, KeepsDistortionRippleAndImagesDown) {
     const auto [from, to] = GetParam();
     const double loud = std::pow(10.0, -1.0 / 20.0);
     const double distortion =
@@ -96,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(Rates, ConverterQuality,
                          ::testing::Values(Rates{44100, 48000}, Rates{48000, 44100},
                                            Rates{48000, 96000}, Rates{48000, 192000}));
 
-TEST(SampleRateConverter, convertsAnyPairOfWholeRates) {
+TEST(SampleRateConverter, ConvertsAnyPairOfWholeRates) {
     for (const auto [from, to] : {Rates{4000, 384000},
                                   {384000, 4000},
                                   {48000, 4000},
@@ -113,7 +113,7 @@ TEST(SampleRateConverter, convertsAnyPairOfWholeRates) {
     }
 }
 
-TEST(SampleRateConverter, givesTheSameSamplesHoweverTheSoundIsCut) {
+TEST(SampleRateConverter, IsBitExactForAnyBlockLengths) {
     const std::vector<float> sound = noise(30000, 1.0F).left;
     for (const auto [from, to] :
          {Rates{44100, 48000}, {48000, 44100}, {48000, 47999}, {192000, 8000}}) {
@@ -131,7 +131,7 @@ TEST(SampleRateConverter, givesTheSameSamplesHoweverTheSoundIsCut) {
 
 // Converts an hour of silence in output blocks of varying length. The frames consumed must follow
 // the ratio exactly, and inputFramesFor must predict the input of each block.
-TEST(SampleRateConverter, countsFramesExactlyForAnHour) {
+TEST(SampleRateConverter, CountsFramesExactlyForAnHour) {
     for (const auto [from, to] : {Rates{44100, 48000}, {48000, 44100}, {44099, 48000}}) {
         SampleRateConverter converter(from, to, 1, 8192);
         const AudioBufferList silence; // no channels: frames are only counted

@@ -43,7 +43,7 @@ Stereo run(Process process, const std::vector<SectionCoefficients> &sections, St
 
 class SectionCascadeOnTarget : public EveryVectorTarget {};
 
-TEST_P(SectionCascadeOnTarget, agreesWithThePlainOne) {
+TEST_P(SectionCascadeOnTarget, AgreesWithThePlainOne) {
     const Stereo sound = noise(20000);
     for (const std::size_t count : {1U, 2U, 4U, 5U, 10U, 16U, 17U, 33U}) {
         const auto sections = someSections(count);
@@ -59,7 +59,7 @@ TEST_P(SectionCascadeOnTarget, agreesWithThePlainOne) {
 }
 
 // Rounding during a glide depends neither on the CPU nor on the block size.
-TEST_P(SectionCascadeOnTarget, movesAsThePlainOneBitByBit) {
+TEST_P(SectionCascadeOnTarget, MovesAsThePlainOneBitByBit) {
     constexpr std::uint32_t stepFrames = 16;
     const Stereo sound = noise(stepFrames);
     const auto ends = someSections(34);

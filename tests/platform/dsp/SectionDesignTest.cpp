@@ -9,7 +9,7 @@
 namespace quorbel {
 namespace {
 
-TEST(SectionDesign, isStableAndFiniteForAnySettings) {
+TEST(SectionDesign, IsStableAndFiniteForAnySettings) {
     constexpr float infinity = std::numeric_limits<float>::infinity();
     constexpr float values[] = {-infinity, -1e9F,  -1.0F, 0.0F,     1e-30F, 0.01F,   1.0F,
                                 20.0F,     400.0F, 5e3F,  23900.0F, 1e9F,   infinity};
@@ -40,7 +40,7 @@ TEST(SectionDesign, isStableAndFiniteForAnySettings) {
 
 // Neighbouring settings must give similar filters: a fit that jumps to another minimum would cause
 // zipper noise while a slider moves.
-TEST(SectionDesign, movesSmoothlyWithItsSettings) {
+TEST(SectionDesign, MovesSmoothlyWithItsSettings) {
     for (const auto type : {EqualizerFilterType::parametric, EqualizerFilterType::highShelf,
                             EqualizerFilterType::lowPass, EqualizerFilterType::highPass})
         for (const float octaves : {0.36F, 1.39F, 2.5F}) {

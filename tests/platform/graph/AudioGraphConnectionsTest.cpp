@@ -19,7 +19,7 @@ struct AudioGraphConnectionsTest : ::testing::Test {
     std::vector<std::string> takeLog() { return std::exchange(log, {}); }
 };
 
-TEST_F(AudioGraphConnectionsTest, AllocatesWhatIsConnectedForEachRun) {
+TEST_F(AudioGraphConnectionsTest, AllocatesConnectedNodesForEachRun) {
     connectInLine(graph, {&source.node, &a, &b});
     ASSERT_EQ(graph.start(), statusOK);
     EXPECT_THAT(takeLog(), ElementsAre("allocate a", "allocate b"));
@@ -37,7 +37,7 @@ TEST_F(AudioGraphConnectionsTest, AllocatesWhatIsConnectedForEachRun) {
     EXPECT_THAT(takeLog(), ElementsAre("allocate b")) << "the other is left out";
 }
 
-TEST_F(AudioGraphConnectionsTest, WithoutASourceThroughToTheMixerThereIsNoConnection) {
+TEST_F(AudioGraphConnectionsTest, NeedsAPathFromASourceToTheMixer) {
     EXPECT_EQ(graph.start(), statusNoConnection);
 
     graph.attach(a);
@@ -61,7 +61,7 @@ TEST_F(AudioGraphConnectionsTest, WithoutASourceThroughToTheMixerThereIsNoConnec
     EXPECT_EQ(graph.start(), statusNoConnection) << "detaching takes the connections along";
 }
 
-TEST_F(AudioGraphConnectionsTest, ConnectingReplacesWhatWasAtEitherEnd) {
+TEST_F(AudioGraphConnectionsTest, ConnectingReplacesEarlierConnectionsOfBothEnds) {
     connectInLine(graph, {&source.node, &a});
     graph.attach(b);
     graph.connect(source.node, b, chain);

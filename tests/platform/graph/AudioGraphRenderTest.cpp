@@ -14,7 +14,7 @@ namespace {
 using ::testing::Each;
 using ::testing::ElementsAre;
 
-TEST(ManualRenderTest, GivesTheStagesWorkBitExactInBlocksOfAnyLength) {
+TEST(ManualRenderTest, IsBitExactForAnyBlockLengths) {
     std::vector<std::string> log;
     CountingSource source;
     NotingNode twice("twice", log, 2.0F);
@@ -116,7 +116,7 @@ TEST(HardwareRenderTest, FlushesDenormalsWhileRenderingAndOnlyThen) {
     EXPECT_GT(tiny * 0.5F, 0.0F);
 }
 
-TEST(HardwareRenderTest, APauseForgetsWhatTheStagesHold) {
+TEST(HardwareRenderTest, APauseClearsTheStages) {
     float input = 0.5F;
     SourceNode source(chain, [&](const AudioBufferList &buffers, std::uint32_t frames) {
         std::fill_n(buffers.data[0], frames, input);

@@ -30,7 +30,7 @@ struct Heard {
     }
 };
 
-TEST(NodeTapTest, OfTwoStagesThatAreRenderedAsOneTheFirstCanBeHeard) {
+TEST(NodeTapTest, TapsTheFirstOfTwoJoinedStages) {
     CountingSource source;
     ParametricEqualizerNode first(1);
     ParametricEqualizerNode second(1);
@@ -51,7 +51,7 @@ TEST(NodeTapTest, OfTwoStagesThatAreRenderedAsOneTheFirstCanBeHeard) {
     EXPECT_NEAR(block.left[100], 612.0F * std::pow(10.0F, -1.3F), 1e-3F);
 }
 
-TEST(NodeTapTest, OnAClockItIsDeliveredAtItsOwnTimesAndStartsAfreshWhenInstalledAgain) {
+TEST(NodeTapTest, DeliversOnItsClockAndRestartsWhenReinstalled) {
     ManualClock clock;
     CountingSource source;
     TestOutput::Line line;

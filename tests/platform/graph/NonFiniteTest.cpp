@@ -13,7 +13,7 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-TEST(NonFiniteTest, ReplacesExactlyWhatIsNotFiniteOrAbsurdAndCountsFrames) {
+TEST(NonFiniteTest, ReplacesExactlyNonFiniteAndAbsurdSamplesAndCountsFrames) {
     std::mt19937 random(20260711);
     SCOPED_TRACE("seed 20260711");
     for (std::uint32_t frames = 0; frames < 200; ++frames) {

@@ -231,7 +231,7 @@ TEST_P(AudioHardwareContract, ListsItsDevices) {
     EXPECT_EQ(main, device("speakers"));
 }
 
-TEST_P(AudioHardwareContract, RefusesWhatDoesNotExist) {
+TEST_P(AudioHardwareContract, RefusesUnknownObjects) {
     EXPECT_EQ(hardware.deviceUID(noSuchObject), std::nullopt);
     EXPECT_EQ(hardware.deviceName(noSuchObject), std::nullopt);
     EXPECT_EQ(hardware.deviceManufacturer(noSuchObject), std::nullopt);
@@ -263,7 +263,7 @@ TEST_P(AudioHardwareContract, RefusesWhatDoesNotExist) {
     EXPECT_EQ(player.cycles_, 0);
 }
 
-TEST_P(AudioHardwareContract, CapturesWhatApplicationsPlayAndMutesItMeanwhile) {
+TEST_P(AudioHardwareContract, CapturesAndMutesApplications) {
     world().playTone();
     EXPECT_NEAR(world().listen("speakers"), 0.25F, 0.02F) << "before";
     {
@@ -330,7 +330,7 @@ TEST_P(AudioHardwareContract, PlaysOnTheDeviceThatItIsBoundTo) {
     EXPECT_NEAR(world().listen("speakers"), 0.5F, 0.02F);
 }
 
-TEST_P(AudioHardwareContract, OneCycleCapturesFirstAndPlaysThenOrSaysThatItWillNot) {
+TEST_P(AudioHardwareContract, ACycleCapturesThenPlaysOrAnnouncesThatItWillNot) {
     world().playTone();
     Score score;
     Processing both(hardware, device("speakers"), &score);
@@ -358,7 +358,7 @@ TEST_P(AudioHardwareContract, OneCycleCapturesFirstAndPlaysThenOrSaysThatItWillN
     EXPECT_GE(pairs, 15);
 }
 
-TEST_P(AudioHardwareContract, LeavesNothingBehindHoweverOften) {
+TEST_P(AudioHardwareContract, RepeatedUseLeavesNothingBehind) {
     world().playTone();
     for (int round = 0; round < 20; ++round) {
         const Processing both(hardware, device("speakers"));
@@ -373,7 +373,7 @@ TEST_P(AudioHardwareContract, LeavesNothingBehindHoweverOften) {
     EXPECT_NEAR(world().listen("speakers"), 0.25F, 0.02F);
 }
 
-TEST_P(AudioHardwareContract, TellsOfChanges) {
+TEST_P(AudioHardwareContract, ReportsChanges) {
     News news;
     ASSERT_EQ(hardware.addListener(HardwareProperty::deviceList, news), statusOK);
     ASSERT_EQ(hardware.addListener(HardwareProperty::defaultOutput, news), statusOK);
@@ -398,7 +398,7 @@ TEST_P(AudioHardwareContract, TellsOfChanges) {
     EXPECT_EQ(news.lists_ + news.defaults_, before);
 }
 
-TEST_P(AudioHardwareContract, SaysWhereADeviceIsHeardAndTellsOfThatButNotOfItsVolume) {
+TEST_P(AudioHardwareContract, ReportsRoutesAndTheirChangesButNoVolumes) {
     const OutputIdentity speakers = hardware.outputIdentity(device("speakers"));
     EXPECT_EQ(speakers, (OutputIdentity{.node = "speakers"})) << "belongs to no card";
     EXPECT_EQ(hardware.outputIdentity(noSuchObject), OutputIdentity{});
@@ -445,7 +445,7 @@ TEST_P(AudioHardwareContract, SurvivesTheDeviceThatIsPlaying) {
     EXPECT_TRUE(world().waitUntil([&] { return both.player.cycles_ > cycles; }));
 }
 
-TEST_P(AudioHardwareContract, ALostServerIsTheEndOfEverythingAndOfNoCall) {
+TEST_P(AudioHardwareContract, ALostServerFailsEveryCallAndBlocksNone) {
     News news;
     ASSERT_EQ(hardware.addListener(HardwareProperty::connection, news), statusOK);
     world().playTone();

@@ -22,7 +22,7 @@ struct ManualClockTest : ::testing::Test {
     }
 };
 
-TEST_F(ManualClockTest, RunsInTimeOrderAndWhatCallbacksSetAtItsOwnTime) {
+TEST_F(ManualClockTest, RunsInTimeOrderIncludingTimersSetByCallbacks) {
     clock.after(0.2, note("late"));
     clock.after(0.1, note("first of two"));
     clock.after(0.1, [&] {

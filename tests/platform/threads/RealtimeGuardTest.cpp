@@ -13,7 +13,7 @@ namespace quorbel::testing {
 namespace {
 
 // Checks the guard itself, because every test of real-time code relies on it.
-TEST(RealtimeGuardTest, SeesMemoryAndForeignLocksOfItsOwnThreadAndNothingElse) {
+TEST(RealtimeGuardTest, CountsOnlyAllocationsAndForeignLocksOfItsThread) {
     std::mutex mutex;
     std::shared_mutex sharedMutex;
     ShortLock shortLock;

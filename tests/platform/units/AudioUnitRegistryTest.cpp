@@ -31,7 +31,7 @@ class BareUnit : public AudioUnit {
     AudioUnitBusArray outputs_{AudioUnitBusArray::Type::output, {&output}};
 };
 
-TEST(AudioUnitRegistryTest, MakesWhatIsRegisteredAndReportsWhyAnythingElseIsNotMade) {
+TEST(AudioUnitRegistryTest, MakesRegisteredUnitsAndReportsErrors) {
     ManualClock clock;
     AudioUnitRegistry registry{clock};
     std::unique_ptr<AudioUnit> unit;

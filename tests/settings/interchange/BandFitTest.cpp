@@ -28,7 +28,7 @@ EQBand peak(double frequency, double gainDB, double q) {
             .q = static_cast<float>(q)};
 }
 
-TEST(BandResponse, isWhatTheEqualizerPlays) {
+TEST(BandResponse, EqualsThePlayedResponse) {
     for (const FilterType type : EQBand::allFilterTypes)
         for (const float frequency : {40.0F, 1000.0F, 9000.0F})
             for (const float q : {0.05F, 0.7F, 4.0F, 90.0F}) {
@@ -60,7 +60,7 @@ double rmsOfTheStrongest(std::vector<EQBand> bands) {
     return responseError({bands.begin(), bands.begin() + 10}, bands).rmsDB;
 }
 
-TEST(BandFit, correctionsOfManyFiltersComeNear) {
+TEST(BandFit, CorrectionsOfManyFiltersComeNear) {
     std::mt19937 random(20);
     const auto between = [&random](double low, double high) {
         return low + (high - low) * static_cast<double>(random()) / 4294967295.0;
@@ -93,7 +93,7 @@ TEST(BandFit, correctionsOfManyFiltersComeNear) {
         }
 }
 
-TEST(BandFit, aHighPassKeepsItsStopBand) {
+TEST(BandFit, AHighPassKeepsItsStopBand) {
     std::vector<EQBand> bands{{.frequency = 40, .q = 0.7F, .filterType = FilterType::highPass}};
     for (int i = 0; i < 12; ++i)
         bands.push_back(peak(60.0 * std::exp2(0.6 * i), i % 2 == 0 ? 2 : -2, 1.5));

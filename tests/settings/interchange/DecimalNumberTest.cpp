@@ -9,7 +9,7 @@ constexpr auto unknown = DecimalMark::unknown;
 constexpr auto point = DecimalMark::point;
 constexpr auto comma = DecimalMark::comma;
 
-TEST(DecimalNumber, frequenciesAreReadByTheirFilesDecimalMark) {
+TEST(DecimalNumber, FrequenciesAreReadByTheirFilesDecimalMark) {
     const struct {
         const char *text;
         float inUnknown, inPoint, inComma;
@@ -42,7 +42,7 @@ TEST(DecimalNumber, frequenciesAreReadByTheirFilesDecimalMark) {
     }
 }
 
-TEST(DecimalNumber, whatIsNoFiniteNumberIsNone) {
+TEST(DecimalNumber, NonFiniteNumbersAreNone) {
     for (const char *text : {"", "-", "+-1", "abc", "1,00,000", "1.000.5", "12,34.5", "inf", "nan",
                              "1e39", "1e", "0x10", ".", "1,0.0,1"})
         for (const auto mark : {unknown, point, comma}) {

@@ -30,7 +30,7 @@ std::string filters(std::size_t count, const std::vector<std::size_t> &off = {})
     return text;
 }
 
-TEST(EqualizerImport, upToTenFiltersAreTakenAsTheyAre) {
+TEST(EqualizerImport, UpToTenFiltersAreTakenAsTheyAre) {
     for (const std::size_t count : {1U, 7U, 10U}) {
         const std::string text = "Preamp: -6.2 dB\n" + filters(count);
         const EqualizerImport import = importEqualizerText(text, "  My headphones \n");
@@ -62,7 +62,7 @@ TEST(EqualizerImport, upToTenFiltersAreTakenAsTheyAre) {
     }
 }
 
-TEST(EqualizerImport, filtersWithoutEffectMakeRoomBeforeAnythingIsFitted) {
+TEST(EqualizerImport, FiltersWithoutEffectMakeRoomBeforeAnythingIsFitted) {
     const EqualizerImport import = importEqualizerText(
         "Filter: ON PK Fc 50 Hz Gain 0 dB Q 1\nnonsense\n" + filters(12, {3, 8, 12}), "x");
     EXPECT_FALSE(import.fit);
@@ -76,7 +76,7 @@ TEST(EqualizerImport, filtersWithoutEffectMakeRoomBeforeAnythingIsFitted) {
     EXPECT_EQ(import.skipped[1].reason, "it is off, and the active ones take all ten bands");
 }
 
-TEST(EqualizerImport, moreThanTenActiveFiltersAreFitted) {
+TEST(EqualizerImport, MoreThanTenActiveFiltersAreFitted) {
     const EqualizerImport import = importEqualizerText(filters(15), "x");
     ASSERT_TRUE(import.fit);
     EXPECT_EQ(import.preset.bands.size(), 10U);
@@ -86,14 +86,14 @@ TEST(EqualizerImport, moreThanTenActiveFiltersAreFitted) {
     EXPECT_THAT(import.preset.notes, HasSubstr("15 filters fitted onto 10 bands"));
 }
 
-TEST(EqualizerImport, aPreampAloneIsAFlatPreset) {
+TEST(EqualizerImport, APreampAloneIsAFlatPreset) {
     const EqualizerImport import = importEqualizerText("Preamp: 3 dB", "x");
     EXPECT_EQ(import.preset.bands.size(), 10U);
     EXPECT_EQ(responseError(import.preset.bands, {}).maximumDB, 0.0);
     EXPECT_THROW((void)importEqualizerText("Preamp: 3 dB", " \t"), InterchangeError);
 }
 
-TEST(EqualizerImport, anAdoptedFileIsHeardWhateverWasSetBefore) {
+TEST(EqualizerImport, AnAdoptedFileIsHeardAfterAnySettings) {
     Persisted settings;
     settings.bands = factoryPresets()[9].bands;
     settings.spatial = factoryPresets()[9].spatial;

@@ -42,7 +42,7 @@ std::vector<Shape> shapesOf(const EqualizerText &text) {
     return shapes;
 }
 
-TEST(EqualizerText, everyTypeBecomesItsBand) {
+TEST(EqualizerText, EveryTypeBecomesItsBand) {
     const EqualizerText text = readEqualizerText("Preamp: -6.2 dB\n"
                                                  "Filter 1: ON PK Fc 105 Hz Gain -3.1 dB Q 0.70\n"
                                                  "Filter 2: ON LS Fc 80 Hz Gain 4 dB Q 0.5\n"
@@ -70,7 +70,7 @@ TEST(EqualizerText, everyTypeBecomesItsBand) {
     EXPECT_TRUE(text.limited.empty());
 }
 
-TEST(EqualizerText, theSameFilterInManyWritings) {
+TEST(EqualizerText, TheSameFilterInManyWritings) {
     const Shape expected{FilterType::parametric, 1050, -3.5F, 0.75F, false};
     const std::string utf16 = [] {
         std::string text("\xFF\xFE", 2);
@@ -107,13 +107,13 @@ TEST(EqualizerText, theSameFilterInManyWritings) {
     }
 }
 
-TEST(EqualizerText, bandwidthInOctavesStandsForQ) {
+TEST(EqualizerText, BandwidthInOctavesStandsForQ) {
     const EqualizerText text =
         readEqualizerText("Filter 1: ON PK Fc 100 Hz Gain 3 dB BW Oct 1.3884");
     EXPECT_NEAR(text.bands.at(0).band.q, 1.0, 1e-4);
 }
 
-TEST(EqualizerText, theFilesOtherNumbersDecideWhatACommaMeans) {
+TEST(EqualizerText, TheFilesOtherNumbersDecideWhatACommaMeans) {
     const EqualizerText commas = readEqualizerText("Filter 1: ON PK Fc 16,000 Hz Gain -3,1 dB Q 1\n"
                                                    "Filter 2: ON PK Fc 16.000 Hz Gain 2 dB Q 0,7");
     EXPECT_EQ(commas.bands.at(0).band.frequency, 16.0F);
@@ -122,7 +122,7 @@ TEST(EqualizerText, theFilesOtherNumbersDecideWhatACommaMeans) {
     EXPECT_EQ(points.bands.at(0).band.frequency, 16000.0F);
 }
 
-TEST(EqualizerText, whatIsNotTakenIsListedWithItsLineAndReason) {
+TEST(EqualizerText, SkippedLinesAreListedWithTheirReasons) {
     const struct {
         const char *line, *reason;
     } cases[] = {
@@ -168,7 +168,7 @@ TEST(EqualizerText, whatIsNotTakenIsListedWithItsLineAndReason) {
     }
 }
 
-TEST(EqualizerText, filtersOfOneChannelAreNotPlayedOnBoth) {
+TEST(EqualizerText, FiltersOfOneChannelAreNotPlayedOnBoth) {
     const EqualizerText text = readEqualizerText("Channel: L\nPreamp: -3 dB\n"
                                                  "Filter: ON PK Fc 1 kHz Gain 1 dB Q 1\n"
                                                  "Channel: L R\n"
@@ -187,7 +187,7 @@ TEST(EqualizerText, filtersOfOneChannelAreNotPlayedOnBoth) {
     EXPECT_EQ(text.skipped[2].line, 7U);
 }
 
-TEST(EqualizerText, whatTheEqualizerCannotPlayIsNoted) {
+TEST(EqualizerText, UnplayableFiltersAreNoted) {
     const EqualizerText text = readEqualizerText("Filter: ON PK Fc 100 Hz Gain 30 dB Q 1\n"
                                                  "Filter: ON PK Fc 100 Hz Gain 3 dB Q 50\n"
                                                  "Filter: ON PK Fc 30000 Hz Gain 3 dB Q 1\n"
@@ -207,7 +207,7 @@ TEST(EqualizerText, whatTheEqualizerCannotPlayIsNoted) {
     EXPECT_EQ(text.bands[0].band.gainDB, 30.0F); // kept as written
 }
 
-TEST(EqualizerText, textsThatAreNoEqualizerFailAsAWhole) {
+TEST(EqualizerText, TextsThatAreNoEqualizerFailAsAWhole) {
     std::string tooMany;
     for (std::size_t i = 0; i <= maximumFilters; ++i)
         tooMany += "Filter: ON HP Fc 20 Hz\n";
@@ -243,7 +243,7 @@ TEST(EqualizerText, textsThatAreNoEqualizerFailAsAWhole) {
     }
 }
 
-TEST(EqualizerText, theWriterWritesTheWellKnownForm) {
+TEST(EqualizerText, TheWriterWritesTheWellKnownForm) {
     EXPECT_EQ(writeEqualizerText(
                   {{.frequency = 105, .gainDB = -3.1F, .q = 0.7F},
                    {.frequency = 31.5F,
@@ -275,7 +275,7 @@ void expectReadBack(const std::vector<EQBand> &bands, float preampDB) {
     EXPECT_EQ(shapesOf(read), expected);
 }
 
-TEST(EqualizerText, whatIsWrittenReadsBackExactly) {
+TEST(EqualizerText, WrittenTextReadsBackExactly) {
     for (const Preset &preset : factoryPresets())
         expectReadBack(preset.bands, -3.3F);
     // Ambiguous decimal point: three digits follow it, and no other number settles its meaning.

@@ -9,7 +9,7 @@
 namespace quorbel {
 namespace {
 
-TEST(PresetFile, aPresetComesBackAsOneOfTheUsersOwn) {
+TEST(PresetFile, APresetComesBackAsOneOfTheUsersOwn) {
     for (const Preset &preset : factoryPresets()) {
         Preset read = readPresetFile(writePresetFile(preset));
         EXPECT_NE(read.id, preset.id);
@@ -20,7 +20,7 @@ TEST(PresetFile, aPresetComesBackAsOneOfTheUsersOwn) {
     }
 }
 
-TEST(PresetFile, aShortListOfBandsIsFilledUp) {
+TEST(PresetFile, AShortListOfBandsIsFilledUp) {
     Preset preset = factoryPresets()[1];
     preset.bands.resize(4);
     const Preset read = readPresetFile(writePresetFile(preset));
@@ -29,7 +29,7 @@ TEST(PresetFile, aShortListOfBandsIsFilledUp) {
     EXPECT_EQ(read.bands[9].gainDB, 0.0F);
 }
 
-TEST(PresetFile, aByteOrderMarkIsNoReasonToRefuseButANameOfBlanksIs) {
+TEST(PresetFile, AByteOrderMarkIsNoReasonToRefuseButANameOfBlanksIs) {
     Preset preset = factoryPresets()[1];
     const std::string marked = "\xEF\xBB\xBF" + writePresetFile(preset);
     EXPECT_TRUE(isPresetFile(marked));

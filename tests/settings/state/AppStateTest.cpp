@@ -20,7 +20,7 @@ Preset userPreset(const std::string &name) {
     return {.id = Uuid::random(), .name = name, .bands = EQBand::defaultBands()};
 }
 
-TEST_F(AppStateLoading, theRunningVersionsLibraryWinsAndWhatIsMissingStaysAsItIs) {
+TEST_F(AppStateLoading, TheRunningVersionsLibraryWinsAndMissingValuesStay) {
     Persisted record = untouched();
     record.outputDeviceUID = "a device that is absent today";
     record.presets[0].name = "Flat, but edited";
@@ -38,7 +38,7 @@ TEST_F(AppStateLoading, theRunningVersionsLibraryWinsAndWhatIsMissingStaysAsItIs
     EXPECT_FALSE(state->engine().outputDevice());
 }
 
-TEST_F(AppStateLoading, theActivePresetIsFoundByIdThenByNameElseTheFirst) {
+TEST_F(AppStateLoading, TheActivePresetIsFoundByIdThenByNameElseTheFirst) {
     const auto activeAfterLoading = [&](std::optional<Uuid> id, std::optional<std::string> name) {
         Persisted record = untouched();
         record.presets.push_back(userPreset("Bass Heavy"));
@@ -56,7 +56,7 @@ TEST_F(AppStateLoading, theActivePresetIsFoundByIdThenByNameElseTheFirst) {
     EXPECT_EQ(activeAfterLoading({}, {}), flat);
 }
 
-TEST_F(AppStateLoading, bandsThatDifferOnlyInTheirIdsAreThePresets) {
+TEST_F(AppStateLoading, BandsThatDifferOnlyInTheirIdsAreThePresets) {
     // As saved by a version with other ids for its factory bands.
     Persisted record = untouched();
     record.activePresetID = stableFactoryID("Bass Heavy");
@@ -73,7 +73,7 @@ TEST_F(AppStateLoading, bandsThatDifferOnlyInTheirIdsAreThePresets) {
     EXPECT_EQ(state->engine().eq().bands(), record.bands);
 }
 
-TEST_F(AppStateLoading, aFileThatDoesNotDecodeIsSetAside) {
+TEST_F(AppStateLoading, AFileThatDoesNotDecodeIsSetAside) {
     const std::time_t before = std::time(nullptr);
     write(file, "{}");
     launch();
@@ -98,7 +98,7 @@ TEST_F(AppStateLoading, aFileThatDoesNotDecodeIsSetAside) {
 
 class AppStateSaving : public AppStateTest {};
 
-TEST_F(AppStateSaving, aFirstStartLeavesNothingBehindUntilSomethingChanges) {
+TEST_F(AppStateSaving, AFirstStartLeavesNothingBehindUntilSomethingChanges) {
     std::filesystem::remove(folder);
     launch();
     wait(10.0);
@@ -113,7 +113,7 @@ TEST_F(AppStateSaving, aFirstStartLeavesNothingBehindUntilSomethingChanges) {
     EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all);
 }
 
-TEST_F(AppStateSaving, writesOncePerValueThatCameToRest) {
+TEST_F(AppStateSaving, WritesOncePerDebouncedValue) {
     launch();
     for (int edit = 1; edit <= 5; ++edit) {
         setGain(static_cast<float>(edit));
@@ -137,7 +137,7 @@ TEST_F(AppStateSaving, writesOncePerValueThatCameToRest) {
     EXPECT_EQ(saves(), 0) << "nothing fires once the state is gone";
 }
 
-TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
+TEST_F(AppStateSaving, AFailureIsAWarningUntilTheNextSaveSucceeds) {
     launch();
     saveGain(1.0F);
     int announced = 0;
@@ -165,7 +165,7 @@ TEST_F(AppStateSaving, aFailureIsAWarningUntilTheNextSaveSucceeds) {
     EXPECT_EQ(saved().eqGlobalGainDB, 3.0F);
 }
 
-TEST_F(AppStateSaving, aFileThatCannotBeReadIsLeftUntilItCanAndThenTaken) {
+TEST_F(AppStateSaving, AnUnreadableFileIsLeftUntilItIsReadable) {
     std::filesystem::create_symlink("state.json", file); // unreadable: links to itself
     launch();
     EXPECT_EQ(warning(), "");
@@ -190,7 +190,7 @@ TEST_F(AppStateSaving, aFileThatCannotBeReadIsLeftUntilItCanAndThenTaken) {
     EXPECT_THAT(otherFiles(), IsEmpty());
 }
 
-TEST_F(AppStateSaving, linksAreKeptWhateverTheyLeadTo) {
+TEST_F(AppStateSaving, LinksAreKeptWithAnyTarget) {
     const std::filesystem::path target = folder / "elsewhere" / "mine.json";
     std::filesystem::create_symlink("elsewhere/mine.json", file); // target does not exist yet
     launch();
@@ -219,7 +219,7 @@ class AppStatePresets : public AppStateTest {
     AppStatePresets() { launch(); }
 };
 
-TEST_F(AppStatePresets, theNameIsThePresetsUntilASettingOfItMoves) {
+TEST_F(AppStatePresets, TheNameIsThePresetsUntilASettingOfItMoves) {
     state->applyPreset(preset("Bass Heavy"));
     setGain(-2.0F);
     state->engine().setMixer({.limiterEnabled = false});
@@ -238,7 +238,7 @@ TEST_F(AppStatePresets, theNameIsThePresetsUntilASettingOfItMoves) {
     EXPECT_FALSE(state->engine().mixer().limiterEnabled);
 }
 
-TEST_F(AppStatePresets, onlyTheUsersOwnAreDeletedOrSetAndTheFirstFollowsTheActiveOne) {
+TEST_F(AppStatePresets, OnlyTheUsersOwnAreDeletedOrSetAndTheFirstFollowsTheActiveOne) {
     state->savePreset("One");
     state->savePreset("Two");
     const Preset one = state->presets()[factoryPresets().size()];

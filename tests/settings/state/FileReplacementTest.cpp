@@ -57,7 +57,7 @@ class FileReplacement : public ::testing::Test {
     const std::filesystem::path file = folder.path() / "file";
 };
 
-TEST_F(FileReplacement, theContentIsOnTheDiskBeforeTheNameAndTheNameOnReturn) {
+TEST_F(FileReplacement, TheContentIsOnTheDiskBeforeTheNameAndTheNameOnReturn) {
     write(file, "old");
     std::vector<std::string> seen;
     beforeSync = [&](bool ofFolder) {
@@ -70,7 +70,7 @@ TEST_F(FileReplacement, theContentIsOnTheDiskBeforeTheNameAndTheNameOnReturn) {
     EXPECT_EQ(seen.back(), "folder with new");
 }
 
-TEST_F(FileReplacement, aFileKeepsItsPermissions) {
+TEST_F(FileReplacement, AFileKeepsItsPermissions) {
     namespace fs = std::filesystem;
     write(file, "old");
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
@@ -79,12 +79,12 @@ TEST_F(FileReplacement, aFileKeepsItsPermissions) {
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST_F(FileReplacement, aDiskThatCannotSyncKeepsTheOldFile) {
+TEST_F(FileReplacement, ADiskThatCannotSyncKeepsTheOldFile) {
     beforeSync = [](bool ofFolder) { return ofFolder ? 0 : EIO; };
     expectOldFileKept("new", "Input/output error");
 }
 
-TEST_F(FileReplacement, aFullDiskKeepsTheOldFile) {
+TEST_F(FileReplacement, AFullDiskKeepsTheOldFile) {
     // A file size limit fails in the middle of a write, as a full disk does.
     rlimit unlimited{};
     getrlimit(RLIMIT_FSIZE, &unlimited);

@@ -27,7 +27,7 @@ class OutputChoiceTest : public AppStateTest {
     [[nodiscard]] std::string chosen() { return state->engine().outputChoice().value_or("none"); }
 };
 
-TEST_F(OutputChoiceTest, survivesSessionsInWhichItsDeviceIsAway) {
+TEST_F(OutputChoiceTest, SurvivesSessionsInWhichItsDeviceIsAway) {
     session();
     EXPECT_EQ(inUse(), "speakers") << "the default, before any choice";
     quit();
@@ -59,7 +59,7 @@ TEST_F(OutputChoiceTest, survivesSessionsInWhichItsDeviceIsAway) {
     EXPECT_THAT(otherFiles(), IsEmpty());
 }
 
-TEST_F(OutputChoiceTest, yieldsToTheStandInOnceThatIsChosenAndToWhatOthersWrote) {
+TEST_F(OutputChoiceTest, YieldsToTheStandInOnceThatIsChosenAndToWhatOthersWrote) {
     session();
     choose("hdmi");
     quit();

@@ -18,7 +18,7 @@ class PresetGainsTest : public AppStateTest {
     const std::filesystem::path gainsFile = file.parent_path() / "preset-gains.json";
 };
 
-TEST_F(PresetGainsTest, comeWithTheirPresetLeaveWithItAndSurviveARestart) {
+TEST_F(PresetGainsTest, ComeWithTheirPresetLeaveWithItAndSurviveARestart) {
     setPresetGain(-6.2F);
     state->savePreset("Loud");
     setPresetGain(-3.0F); // changes the live gain, not the preset
@@ -43,7 +43,7 @@ TEST_F(PresetGainsTest, comeWithTheirPresetLeaveWithItAndSurviveARestart) {
     EXPECT_EQ(presetGain(), 0.0F) << "of the preset that a program without gains has applied";
 }
 
-TEST_F(PresetGainsTest, twoProgramsKeepEachOthersAndKeysThatTheyDoNotKnow) {
+TEST_F(PresetGainsTest, TwoProgramsKeepEachOthersAndKeysThatTheyDoNotKnow) {
     write(gainsFile, R"({"version":1,"later":[1.5],"gainsDB":{}})");
     launch();
     AppState other(hardware, clock, file.string());
@@ -60,7 +60,7 @@ TEST_F(PresetGainsTest, twoProgramsKeepEachOthersAndKeysThatTheyDoNotKnow) {
     EXPECT_THAT(content(), HasSubstr(R"("later":[1.5])"));
 }
 
-TEST_F(PresetGainsTest, aFileOfALaterVersionIsLeftAndTheSettingsAreSavedAllTheSame) {
+TEST_F(PresetGainsTest, AFileOfALaterVersionIsLeftAndTheSettingsAreSaved) {
     const std::string later = R"({"version":2,"gainsDB":7})";
     write(gainsFile, later);
     launch();

@@ -38,7 +38,7 @@ class SharedSettings : public AppStateTest {
 
 /// Two programs and an importing command change separate fields and presets of one file, with and
 /// without reading each other's changes. No change may get lost.
-TEST_F(SharedSettings, loseNothingInAnyStormOfWriters) {
+TEST_F(SharedSettings, LoseNothingInAnyStormOfWriters) {
     const auto seed = std::random_device{}();
     SCOPED_TRACE(::testing::Message() << "seed " << seed);
     std::mt19937 random(seed);
@@ -129,7 +129,7 @@ TEST_F(SharedSettings, loseNothingInAnyStormOfWriters) {
     EXPECT_THAT(otherFiles(), IsEmpty());
 }
 
-TEST_F(SharedSettings, anUnfinishedTextIsWaitedForAndAnUnreadableOneSetAside) {
+TEST_F(SharedSettings, AnUnfinishedTextIsWaitedForAndAnUnreadableOneSetAside) {
     launchWith(untouched());
     write(file, "{\"bands\":");
     state->takeFileChanges();
@@ -161,7 +161,7 @@ TEST_F(SharedSettings, anUnfinishedTextIsWaitedForAndAnUnreadableOneSetAside) {
     EXPECT_EQ(warning(), "");
 }
 
-TEST_F(SharedSettings, takeAnotherProgramsRulesAndKeepThemWhereTheFileIsDamaged) {
+TEST_F(SharedSettings, TakeAnotherProgramsRulesAndKeepThemWhereTheFileIsDamaged) {
     launch();
     ProgramRulesFile theirs(file.string());
     theirs.write({.processesOthers = false,
@@ -179,7 +179,7 @@ TEST_F(SharedSettings, takeAnotherProgramsRulesAndKeepThemWhereTheFileIsDamaged)
     EXPECT_EQ(hardware.programRules().rules.size(), 1U);
 }
 
-TEST_F(SharedSettings, areWrittenByOneAtATime) {
+TEST_F(SharedSettings, AreWrittenByOneAtATime) {
     std::filesystem::create_symlink("mine.json", folder / "link");
     {
         const SettingsFileLock lock(folder / "mine.json");
@@ -188,7 +188,7 @@ TEST_F(SharedSettings, areWrittenByOneAtATime) {
     EXPECT_NO_THROW(SettingsFileLock(folder / "link", 0.0));
 }
 
-TEST_F(SharedSettings, areNoticedHoweverTheyAreWritten) {
+TEST_F(SharedSettings, AreNoticedAfterEveryKindOfWriting) {
     int argumentCount = 1;
     char name[] = "test";
     char *arguments[] = {name, nullptr};

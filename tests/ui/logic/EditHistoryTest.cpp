@@ -31,7 +31,7 @@ class EditHistoryTest : public ::testing::Test {
     EditState state_;
 };
 
-TEST_F(EditHistoryTest, StepsBackAndForthUntilANewChangeForgetsWhatCouldBeRedone) {
+TEST_F(EditHistoryTest, UndoesAndRedoesUntilANewChangeEndsRedo) {
     EXPECT_FALSE(history.canUndo());
     set(1, "a");
     set(2, "b");
@@ -54,7 +54,7 @@ TEST_F(EditHistoryTest, StepsBackAndForthUntilANewChangeForgetsWhatCouldBeRedone
     EXPECT_EQ(gain(), 1);
 }
 
-TEST_F(EditHistoryTest, AGestureIsOneStepWhateverItChangesAndHoweverLongItTakes) {
+TEST_F(EditHistoryTest, AGestureOfAnyLengthIsOneStep) {
     history.beginGesture();
     for (int i = 1; i <= 5; ++i) {
         now += 3.0;

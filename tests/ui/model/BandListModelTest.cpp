@@ -40,7 +40,7 @@ TEST_F(BandListModelTest, WritesOneFieldOfOneBandAndKeepsWithinTheControlsRange)
     EXPECT_EQ(app->equalizer()->bypassedCount(), 1);
 }
 
-TEST_F(BandListModelTest, WhatIsNoRowOrNoValueIsIgnored) {
+TEST_F(BandListModelTest, InvalidRowsAndValuesAreIgnored) {
     const std::vector<EQBand> before = bands();
     const double nan = std::numeric_limits<double>::quiet_NaN();
     list().setGain(-1, 3);

@@ -33,7 +33,7 @@ TEST_F(DeviceListModelTest, ListsAndSelects) {
     EXPECT_GT(contents.take(), 0);
 }
 
-TEST_F(DeviceListModelTest, FollowsWhatIsPluggedInAlsoWhileNothingRuns) {
+TEST_F(DeviceListModelTest, FollowsDevicesEvenWhileStopped) {
     hardware.addDevice({.uid = "usb", .name = "Headset"});
     clock.advance(2.5);
     EXPECT_EQ(devices().count(), 3);

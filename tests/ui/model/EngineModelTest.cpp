@@ -73,7 +73,7 @@ TEST_F(EngineModelTest, ARefusedStartIsAnErrorUntilItsReasonHasGoneOrTheNextStar
     EXPECT_EQ(model().errorMessage(), "");
 }
 
-TEST_F(EngineModelTest, SaysWhatItWaitsForUntilItIsBack) {
+TEST_F(EngineModelTest, NamesTheAwaitedServerOrDeviceUntilItIsBack) {
     run();
     hardware.loseConnection(-EPIPE);
     clock.advance(0.5);

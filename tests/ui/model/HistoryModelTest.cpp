@@ -61,7 +61,7 @@ TEST_F(HistoryModelTest, EveryKindOfChangeIsOneStep) {
     EXPECT_EQ(saved.bands, bands());
 }
 
-TEST_F(HistoryModelTest, UndoLeavesAloneWhatItsStepDidNotChange) {
+TEST_F(HistoryModelTest, UndoKeepsValuesThatItsStepDidNotChange) {
     app->setting("xtcAmount")->setValue(70);
     engine().eq().setGlobalGainDB(-5); // not by the user
     history().undo();

@@ -45,7 +45,7 @@ TEST_F(LevelModelTest, TheHighestPointIsOfEqualiserToneAndAllGains) {
     EXPECT_NEAR(highestPointDB(engine().eq(), {}, 48000.0), -3.5, 0.05);
 }
 
-TEST_F(LevelModelTest, OneClickLowersWhatTheLimiterHadToReduce) {
+TEST_F(LevelModelTest, OneClickLowersTheGainByTheLimitersReduction) {
     const MixerConfig limited;
     EXPECT_EQ(excessDB({.largestReductionDB = 2.1F}, limited), 2.1);
     MixerConfig open;

@@ -29,7 +29,7 @@ class OutputProfileModelTest : public ModelTest {
     }
 };
 
-TEST_F(OutputProfileModelTest, ListsEveryKnownOutputAndWhatItHas) {
+TEST_F(OutputProfileModelTest, ListsEveryKnownOutputWithItsProfile) {
     using ::testing::ElementsAre;
     hardware.setIdentity("hdmi", {.card = "pci", .route = "analog-output-headphones"});
     app->devices()->refresh();

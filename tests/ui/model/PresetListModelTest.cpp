@@ -199,7 +199,7 @@ TEST_F(PresetListModelTest, ImportsAnEqualiserTextWithItsGainAndSaysWhatItSkippe
     EXPECT_EQ(saved.activePresetName, "Living room");
 }
 
-TEST_F(PresetListModelTest, WhatItWritesItReads) {
+TEST_F(PresetListModelTest, ReadsItsOwnFiles) {
     presets().apply(presetId(9));
     app->equalizer()->setGlobalGainDB(-2);
     ASSERT_TRUE(presets().exportPreset(presetId(9), path("out.json")).ok);

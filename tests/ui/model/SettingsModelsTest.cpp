@@ -56,7 +56,7 @@ TEST_F(SettingsModelsTest, ValuesAreRoundedSoThatFilesKeepShortDecimals) {
     EXPECT_FALSE(std::signbit(app->setting("toneBassDB")->value()));
 }
 
-TEST_F(SettingsModelsTest, WhatIsNoValueAndAResetOfTheToneLeaveEverythingElse) {
+TEST_F(SettingsModelsTest, InvalidValuesAndAToneResetChangeNothingElse) {
     app->setting("xtcAmount")->setValue(70);
     const SpatialConfig before = engine().spatial();
     for (const double none :
@@ -71,7 +71,7 @@ TEST_F(SettingsModelsTest, WhatIsNoValueAndAResetOfTheToneLeaveEverythingElse) {
     EXPECT_THAT(app->settings()->reverbPresetTitles(), ::testing::SizeIs(7));
 }
 
-TEST_F(SettingsModelsTest, BadgesFollow) {
+TEST_F(SettingsModelsTest, BadgesFollowTheSettings) {
     NavigationModel &navigation = *app->navigation();
     const auto badge = [&](const QString &destination) {
         return says(navigation, navigation.indexOf(destination), "badge").toString();

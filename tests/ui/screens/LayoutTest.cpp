@@ -154,7 +154,7 @@ class LayoutTest : public ::testing::TestWithParam<Case> {
     LongTexts longTexts_;
 };
 
-TEST_P(LayoutTest, showsEverything) {
+TEST_P(LayoutTest, ShowsEverything) {
     const Case &param = GetParam();
     Stage stage(param.width, param.height);
     param.prepare(stage);
@@ -181,7 +181,7 @@ TEST_P(LayoutTest, showsEverything) {
 }
 
 /// Content, title bar and a panel of the desktop always fit on the screen.
-TEST(WindowSizesTest, fitTheScreen) {
+TEST(WindowSizesTest, FitTheScreen) {
     const WindowSizes wanted{.start = {1280, 900}, .minimum = {1020, 760}};
     struct {
         QRect available;

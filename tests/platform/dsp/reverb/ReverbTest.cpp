@@ -51,7 +51,7 @@ class ReverbTest : public ::testing::Test {
 
 class ReverbOnTarget : public EveryVectorTarget {};
 
-TEST_P(ReverbOnTarget, GivesThePlainCodesBytesHoweverTheSoundIsCut) {
+TEST_P(ReverbOnTarget, EqualsThePlainCodeForAnyBlockLengths) {
     for (const auto &[sampleRate, model] : {std::pair{8000.0, RoomModel::smallRoom},
                                             {48000.0, RoomModel::cathedral},
                                             {48000.0, RoomModel::plate},
@@ -194,7 +194,7 @@ TEST_F(ReverbGlideTest, RoomChangesHaveNoCorners) {
     }
 }
 
-TEST_F(ReverbTest, FiniteAtEveryRateAndWhateverComesIn) {
+TEST_F(ReverbTest, StaysFiniteAtEveryRateForAnyInput) {
     constexpr float huge = std::numeric_limits<float>::max();
     const float poison[] = {std::numeric_limits<float>::quiet_NaN(),
                             std::numeric_limits<float>::infinity(),

@@ -44,7 +44,7 @@ TEST(RoutedStream, ALineCutShortIsRefused) {
         EXPECT_FALSE(RoutedStream::decode(text)) << text;
 }
 
-TEST(RoutedStream, OfAProgramTheOneWithTheRememberedTargetIsPutBackLast) {
+TEST(RoutedStream, TheStreamWithTheRememberedTargetIsTheLastRestoredOfItsProgram) {
     ServerObjects objects;
     for (const auto &[id, name] :
          {std::pair(5U, "usb"), {10U, "player"}, {11U, "player"}, {12U, "other"}})
@@ -91,7 +91,7 @@ TEST(Programs, TitlesMatchTheirPatterns) {
         EXPECT_EQ(matchesPattern(pattern, text), matches) << pattern << " on " << text;
 }
 
-TEST(Programs, AreDecidedByTheFirstRuleThenAsACallThenAsTheOthers) {
+TEST(Programs, FollowTheFirstRuleOrElseThoseForCallsAndOthers) {
     ServerObjects objects;
     objects.putClient(7, {{"application.process.binary", "films"},
                           {"pipewire.access.portal.app_id", "org.films"}});
