@@ -10,16 +10,13 @@ namespace {
 std::complex<double> prototype(const soundserver::LiveSettings::Band &band, double hz) {
     const std::complex<double> s(0.0, hz / band.frequency);
     const double a = std::pow(10.0, band.gainDB / 40.0);
-    if (band.filterType == "parametric") {
+    if (band.filterType == "parametric")
         return (s * s + s * (a / band.q) + 1.0) / (s * s + s / (a * band.q) + 1.0);
-    }
     const std::complex<double> slope = s * (std::sqrt(a) / band.q);
-    if (band.filterType == "lowShelf") {
+    if (band.filterType == "lowShelf")
         return a * (s * s + slope + a) / (a * s * s + slope + 1.0);
-    }
-    if (band.filterType == "highShelf") {
+    if (band.filterType == "highShelf")
         return a * (a * s * s + slope + 1.0) / (s * s + slope + a);
-    }
     throw std::invalid_argument("no prototype of a " + band.filterType + " band");
 }
 
@@ -27,9 +24,8 @@ std::complex<double> prototype(const soundserver::LiveSettings::Band &band, doub
 
 double expectedGainDB(const soundserver::LiveSettings &settings, double hz) {
     double gainDB = settings.eqGlobalGainDB;
-    for (const auto &band : settings.bands) {
+    for (const auto &band : settings.bands)
         gainDB += 20.0 * std::log10(std::abs(prototype(band, hz)));
-    }
     return gainDB;
 }
 

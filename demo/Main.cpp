@@ -63,14 +63,12 @@ Recording playOnce(const PrivateSoundServer &server, const Recorder &recorder, d
     const std::size_t start = recorder.frames();
     const auto player = server.start({"pw-play", music.string()});
     waitFor("pw-play ends", seconds + 10.0, [&] { return !player->running(); });
-    if (player->exitStatusWithin(0.0) != 0) {
+    if (player->exitStatusWithin(0.0) != 0)
         throw ServerError("pw-play failed: " + player->errors());
-    }
     const Recording heard = recorder.recording(start);
     std::size_t first = 0;
-    while (first < heard.frames() && heard.left[first] == 0.0F && heard.right[first] == 0.0F) {
+    while (first < heard.frames() && heard.left[first] == 0.0F && heard.right[first] == 0.0F)
         ++first;
-    }
     Recording sound = heard.excerpt(first, static_cast<std::size_t>(seconds * 48000));
     if (sound.frames() < static_cast<std::size_t>((seconds - 0.5) * 48000)) {
         throw WrongSound(fmt::format("of {} s of music only {:.2f} s reached the device", seconds,
@@ -86,9 +84,8 @@ Recording playAndRecord(const PrivateSoundServer &server, const Recorder &record
     for (int attempt = 1;; ++attempt) {
         Recording sound = playOnce(server, recorder, seconds);
         const int interruptions = gaps(sound);
-        if (interruptions == 0) {
+        if (interruptions == 0)
             return sound;
-        }
         if (attempt == attempts) {
             throw WrongSound(fmt::format("the sound was interrupted {} times in {:g} s: this "
                                          "machine is too busy for it",
@@ -124,9 +121,8 @@ void printTableAndJudge(const Recording &before, const Recording &after,
                                 octaveCentresHz[octave], change, name, expected);
             }
         }
-        if (!wrong.empty()) {
+        if (!wrong.empty())
             throw WrongSound(wrong);
-        }
     }
 }
 
@@ -152,9 +148,8 @@ void runDemo(const fs::path &folder) {
     LiveProcess live(server, settings);
     live.waitUntilRunning();
     // On a busy machine a new process may not have its environment yet.
-    if (!comesTrue(2.0, [&] { return !live.helpers().empty(); })) {
+    if (!comesTrue(2.0, [&] { return !live.helpers().empty(); }))
         throw ServerError("the watchdog, which restores the routing after a crash, does not run");
-    }
     const Recording after = playAndRecord(server, recorder, afterSeconds);
     const int status = live.process().stop(5.0, SIGINT);
     if (status != 0) {
@@ -165,9 +160,8 @@ void runDemo(const fs::path &folder) {
     writeSoundFile(folder / "before.wav", {48000, before.left, before.right});
     writeSoundFile(folder / "after.wav", {48000, after.left, after.right});
     printTableAndJudge(before, after, settings);
-    if (server.state().metadata != settingsBefore) {
+    if (server.state().metadata != settingsBefore)
         throw WrongSound("the sound settings are not as they were before");
-    }
     fmt::print("\nThe sound is what the settings say, and the sound settings are as they were.\n"
                "Listen: {}\n        {}\n",
                (folder / "before.wav").string(), (folder / "after.wav").string());
@@ -187,9 +181,8 @@ int main(int argc, char **argv) {
                    "the two, and leaves both recordings in FOLDER.\n");
         return 2;
     }
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         std::signal(signal, demo::interrupt);
-    }
     try {
         demo::runDemo(argv[1]);
         return 0;

@@ -54,9 +54,8 @@ double noteHz(int semitonesAboveA2) { return 110.0 * std::exp2(semitonesAboveA2 
 /// A string-like note, whose higher harmonics fade faster.
 double pluck(double hz, double t) {
     double value = 0.0;
-    for (int harmonic = 1; harmonic <= 24 && hz * harmonic < 20000.0; ++harmonic) {
+    for (int harmonic = 1; harmonic <= 24 && hz * harmonic < 20000.0; ++harmonic)
         value += sine(hz * harmonic, t) / harmonic * std::exp(-t * (2.0 + 0.5 * harmonic));
-    }
     return value * std::min(1.0, t * 500.0);
 }
 

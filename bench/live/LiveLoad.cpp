@@ -48,9 +48,8 @@ LiveLoad measureLiveLoad(const PrivateSoundServer &server, GraphClient &client,
                          const Processor &processor, std::size_t quantum, double seconds) {
     const auto process = server.start(processor.command);
     waitFor("the sink of " + processor.name, 10.0, [&] {
-        if (!process->running()) {
+        if (!process->running())
             throw ServerError(processor.name + " ended: " + process->errors() + process->output());
-        }
         return processor.sink.empty() ||
                server.desktopList("sinks").find("\t" + processor.sink + "\t") != std::string::npos;
     });
@@ -82,9 +81,8 @@ LiveLoad measureLiveLoad(const PrivateSoundServer &server, GraphClient &client,
 double measureIdleWakeUps(const PrivateSoundServer &server, const Processor &processor) {
     const auto process = server.start(processor.command);
     const double perSecond = idleWakeUps(process->pid(), settlingSeconds);
-    if (!process->running()) {
+    if (!process->running())
         throw ServerError(processor.name + " ended: " + process->errors() + process->output());
-    }
     process->stop(5.0, SIGINT);
     return perSecond;
 }

@@ -86,17 +86,15 @@ int main(int argc, char **argv) {
         ->check(CLI::Range(1, 100))
         ->capture_default_str();
     CLI11_PARSE(app, argc, argv);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         std::signal(signal, bench::interrupt);
-    }
     try {
         double load = 0.0;
         getloadavg(&load, 1);
         fmt::print(bench::headline, runs, seconds, load);
         std::fflush(stdout);
-        for (const std::size_t quantum : bench::quanta) {
+        for (const std::size_t quantum : bench::quanta)
             bench::compareAt(quantum, runs, seconds);
-        }
         bench::printIdleWakeUps();
         return 0;
     } catch (const soundserver::Interrupted &) {

@@ -32,9 +32,8 @@ SteadyLevels renderedLevels(const ChainSettings &settings) {
 }
 
 std::string writeFile(const std::filesystem::path &path, const std::string &text) {
-    if (!(std::ofstream(path) << text << std::flush)) {
+    if (!(std::ofstream(path) << text << std::flush))
         throw soundserver::ServerError("cannot write " + path.string());
-    }
     return path.string();
 }
 
@@ -77,9 +76,8 @@ Processor filterChain(const std::filesystem::path &folder, const std::string &de
     add(EQBand::FilterType::highShelf, 5000.0F, 0.707F, settings.spatial.toneTrebleDB);
 
     std::vector<double> levels(SteadySound::hz.size(), SteadySound::levelDB);
-    for (const EQBand &band : bands) {
+    for (const EQBand &band : bands)
         addBandResponseDB(band, {SteadySound::hz.begin(), SteadySound::hz.end()}, levels);
-    }
     return filterChainOf("the filter chain", bands, {levels[0], levels[1]}, folder, device);
 }
 

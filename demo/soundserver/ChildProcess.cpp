@@ -17,9 +17,8 @@ namespace {
 std::vector<char *> pointersTo(std::vector<std::string> &strings) {
     std::vector<char *> pointers;
     pointers.reserve(strings.size() + 1);
-    for (std::string &string : strings) {
+    for (std::string &string : strings)
         pointers.push_back(string.data());
-    }
     pointers.push_back(nullptr);
     return pointers;
 }
@@ -32,9 +31,8 @@ std::vector<std::string> mergedWithOurs(Environment environment) {
         environment.try_emplace(text.substr(0, equals), text.substr(equals + 1));
     }
     std::vector<std::string> variables;
-    for (const auto &[name, value] : environment) {
+    for (const auto &[name, value] : environment)
         variables.push_back(std::string(name).append("=").append(value));
-    }
     return variables;
 }
 
@@ -43,9 +41,8 @@ std::string contentsOf(int file) {
     char block[4096];
     for (;;) {
         const ssize_t count = pread(file, block, sizeof block, static_cast<off_t>(text.size()));
-        if (count <= 0) {
+        if (count <= 0)
             return text;
-        }
         text.append(block, static_cast<std::size_t>(count));
     }
 }
@@ -60,9 +57,8 @@ ChildProcess::ChildProcess(std::vector<std::string> arguments, const Environment
     outputFile_ = memfd_create("output", MFD_CLOEXEC);
     errorFile_ = memfd_create("errors", MFD_CLOEXEC);
     int failure[2] = {-1, -1}; // carries exec's errno; closed by a successful exec
-    if (outputFile_ < 0 || errorFile_ < 0 || pipe2(failure, O_CLOEXEC) != 0) {
+    if (outputFile_ < 0 || errorFile_ < 0 || pipe2(failure, O_CLOEXEC) != 0)
         throw ServerError(std::string("no file for a child's output: ") + std::strerror(errno));
-    }
 
     const pid_t parent = getpid();
     pid_ = fork();
@@ -77,13 +73,11 @@ ChildProcess::ChildProcess(std::vector<std::string> arguments, const Environment
         dup2(input, STDIN_FILENO);
         dup2(outputFile_, STDOUT_FILENO);
         dup2(errorFile_, STDERR_FILENO);
-        if (getppid() == parent) {
+        if (getppid() == parent)
             execvpe(argv[0], argv.data(), envp.data());
-        }
         const int error = errno;
-        if (write(failure[1], &error, sizeof error) < 0) {
+        if (write(failure[1], &error, sizeof error) < 0)
             _exit(126);
-        }
         _exit(127);
     }
     close(failure[1]);
@@ -92,9 +86,8 @@ ChildProcess::ChildProcess(std::vector<std::string> arguments, const Environment
     }
     close(failure[0]);
     if (error != 0) {
-        if (pid_ > 0) {
+        if (pid_ > 0)
             waitpid(pid_, nullptr, 0);
-        }
         close(outputFile_);
         close(errorFile_);
         throw ServerError("cannot run " + arguments_[0] + ": " + std::strerror(error));
@@ -110,9 +103,8 @@ ChildProcess::~ChildProcess() {
 bool ChildProcess::running() noexcept {
     if (!exitStatus_) {
         int status = 0;
-        if (waitpid(pid_, &status, WNOHANG) == pid_) {
+        if (waitpid(pid_, &status, WNOHANG) == pid_)
             exitStatus_ = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-        }
     }
     return !exitStatus_;
 }
@@ -123,9 +115,8 @@ std::optional<int> ChildProcess::exitStatusWithin(double seconds) {
 }
 
 void ChildProcess::signal(int number) const {
-    if (!exitStatus_) {
+    if (!exitStatus_)
         kill(pid_, number);
-    }
 }
 
 int ChildProcess::stop(double seconds, int firstSignal) noexcept {
@@ -133,9 +124,8 @@ int ChildProcess::stop(double seconds, int firstSignal) noexcept {
     const auto deadline = SteadyClock::now() + std::chrono::duration<double>(seconds);
     // `comesTrue` would throw after an interrupt and leave the process running.
     while (running()) {
-        if (SteadyClock::now() >= deadline) {
+        if (SteadyClock::now() >= deadline)
             signal(SIGKILL);
-        }
         std::this_thread::sleep_for(std::chrono::milliseconds(3));
     }
     return *exitStatus_;
@@ -150,9 +140,8 @@ std::string runProgram(std::vector<std::string> arguments, const Environment &en
     const auto status = program.exitStatusWithin(seconds);
     if (status != 0) {
         std::string command;
-        for (const std::string &argument : program.arguments()) {
+        for (const std::string &argument : program.arguments())
             command += argument + " ";
-        }
         throw ServerError(command +
                           (status ? "failed with status " + std::to_string(*status)
                                   : std::string("did not end")) +

@@ -16,14 +16,12 @@ const pw_stream_events ClientStream::events = [] {
     pw_stream_events handlers{};
     handlers.version = PW_VERSION_STREAM_EVENTS;
     handlers.io_changed = [](void *data, std::uint32_t id, void *area, std::uint32_t) {
-        if (id == SPA_IO_Position) {
+        if (id == SPA_IO_Position)
             static_cast<ClientStream *>(data)->position_ = static_cast<spa_io_position *>(area);
-        }
     };
     handlers.param_changed = [](void *data, std::uint32_t id, const spa_pod *parameter) {
-        if (id == SPA_PARAM_Latency && parameter != nullptr) {
+        if (id == SPA_PARAM_Latency && parameter != nullptr)
             static_cast<ClientStream *>(data)->onLatencyOf(parameter);
-        }
     };
     handlers.process = [](void *data) { static_cast<ClientStream *>(data)->onProcess(); };
     return handlers;
@@ -59,17 +57,15 @@ void ClientStream::connect(pw_direction direction, pw_properties *properties, in
     }
     stream_ = pw_stream_new(isRecorder ? client_.recordingCore() : client_.playingCore(),
                             name_.c_str(), properties);
-    if (stream_ == nullptr) {
+    if (stream_ == nullptr)
         throw ServerError("no stream " + name_);
-    }
     pw_stream_add_listener(stream_, &listener_, &events, this);
     const auto flags =
         static_cast<pw_stream_flags>(PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS |
                                      (isDevice ? PW_STREAM_FLAG_NONE : PW_STREAM_FLAG_AUTOCONNECT));
     const int result = pw_stream_connect(stream_, direction, PW_ID_ANY, flags, parameters, 1);
-    if (result < 0) {
+    if (result < 0)
         throw ServerError("cannot connect " + name_ + ": " + std::strerror(-result));
-    }
 }
 
 void ClientStream::announceLatency(int frames) {
@@ -92,9 +88,8 @@ void ClientStream::onLatencyOf(const spa_pod *parameter) {
     // replace the device's.
     spa_latency_info latency{};
     if (latencyFrames_ != 0 && spa_latency_parse(parameter, &latency) >= 0 &&
-        latency.direction == SPA_DIRECTION_OUTPUT) {
+        latency.direction == SPA_DIRECTION_OUTPUT)
         sendLatency();
-    }
 }
 
 void ClientStream::disconnect() {
@@ -107,9 +102,8 @@ void ClientStream::disconnect() {
 
 void ClientStream::onProcess() noexcept {
     pw_buffer *buffer = pw_stream_dequeue_buffer(stream_);
-    if (buffer == nullptr) {
+    if (buffer == nullptr)
         return;
-    }
     Cycle cycle;
     if (const spa_io_position *position = position_) {
         cycle.position = position->clock.position;

@@ -30,9 +30,8 @@ int connectTo(const std::string &path) {
     const int socketFile = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) {
+    if (path.size() >= sizeof address.sun_path)
         throw ServerError("too long for a socket: " + path);
-    }
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     if (connect(socketFile, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) {
         close(socketFile);
@@ -49,18 +48,16 @@ GraphClient::GraphClient(const PrivateSoundServer &server) {
     const int recordingSocket = connectTo(server.socket());
     loop_ = pw_thread_loop_new("soundserver", nullptr);
     pw_properties *properties = pw_properties_new(nullptr, nullptr);
-    if (needsRealTimeConfiguration()) {
+    if (needsRealTimeConfiguration())
         pw_properties_set(properties, PW_KEY_CONFIG_NAME, "client-rt.conf");
-    }
     context_ = pw_context_new(pw_thread_loop_get_loop(loop_), properties, 0);
     if (context_ != nullptr) {
         playingCore_ = pw_context_connect_fd(context_, playingSocket, nullptr, 0);
         recordingCore_ = pw_context_connect_fd(context_, recordingSocket, nullptr, 0);
     }
     if (playingCore_ == nullptr || recordingCore_ == nullptr || pw_thread_loop_start(loop_) != 0) {
-        if (context_ != nullptr) {
+        if (context_ != nullptr)
             pw_context_destroy(context_);
-        }
         pw_thread_loop_destroy(loop_);
         throw ServerError(std::string("no PipeWire client: ") + std::strerror(errno));
     }

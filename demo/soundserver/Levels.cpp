@@ -65,9 +65,8 @@ double residueDB(std::span<const float> samples, double hz, double sampleRate) {
 
 float peak(std::span<const float> samples) {
     float largest = 0.0F;
-    for (const float sample : samples) {
+    for (const float sample : samples)
         largest = std::max(largest, std::abs(sample));
-    }
     return largest;
 }
 
@@ -96,9 +95,8 @@ PowerSpectrum PowerSpectrum::of(std::span<const float> samples, double sampleRat
     // Both halves of the spectrum, over the window's energy of 3/8 per sample; a full sine has
     // power 1/2.
     const double fullScale = 0.5 * 0.375 * size * size / 2.0;
-    for (double &power : spectrum.power) {
+    for (double &power : spectrum.power)
         power /= fullScale * static_cast<double>(std::max<std::size_t>(windows, 1));
-    }
     return spectrum;
 }
 

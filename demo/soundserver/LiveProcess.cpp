@@ -84,9 +84,8 @@ void LiveProcess::waitUntilRunning(double seconds) {
 std::vector<std::string> LiveProcess::logLines() const {
     std::vector<std::string> lines;
     std::istringstream text(process_->output());
-    for (std::string line; std::getline(text, line);) {
+    for (std::string line; std::getline(text, line);)
         lines.push_back(line);
-    }
     return lines;
 }
 
@@ -108,9 +107,8 @@ std::vector<pid_t> LiveProcess::helpers() const {
         std::string name;
         std::getline(file, name);
         if (pid != process_->pid() &&
-            (name.starts_with("quorbel") || name.starts_with("ostrafine"))) {
+            (name.starts_with("quorbel") || name.starts_with("ostrafine")))
             found.push_back(pid);
-        }
     }
     return found;
 }

@@ -26,9 +26,8 @@ namespace fs = std::filesystem;
 /// Short, because a socket's path is limited to 108 characters.
 fs::path makeTemporaryFolder() {
     std::string path = (fs::temp_directory_path() / "ostrafine-XXXXXX").string();
-    if (mkdtemp(path.data()) == nullptr) {
+    if (mkdtemp(path.data()) == nullptr)
         throw ServerError("no temporary folder " + path + ": " + std::strerror(errno));
-    }
     return path;
 }
 
@@ -36,9 +35,8 @@ void writeFile(const fs::path &path, const std::string &text) {
     fs::create_directories(path.parent_path());
     std::ofstream file(path);
     file << text;
-    if (!file.flush()) {
+    if (!file.flush())
         throw ServerError("cannot write " + path.string());
-    }
 }
 
 std::string readFile(const fs::path &path) {
@@ -106,9 +104,8 @@ PrivateSoundServer::PrivateSoundServer(const Options &options)
         }
         // Variables that point to the user's server must not reach this session's programs.
         for (const char *variable : {"PIPEWIRE_REMOTE", "PIPEWIRE_RUNTIME_DIR", "PULSE_SERVER",
-                                     "PULSE_RUNTIME_PATH", "DISPLAY", "WAYLAND_DISPLAY"}) {
+                                     "PULSE_RUNTIME_PATH", "DISPLAY", "WAYLAND_DISPLAY"})
             unsetenv(variable);
-        }
         const fs::path bus = folder_ / "run" / "bus";
         environment_["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + bus.string();
         fs::create_directory(servicesFolder());
@@ -165,19 +162,16 @@ void PrivateSoundServer::waitForSessionManager() const {
 }
 
 void PrivateSoundServer::addDevices() {
-    for (const Device &device : options_.devices) {
+    for (const Device &device : options_.devices)
         addDevice(device);
-    }
-    if (!options_.devices.empty()) {
+    if (!options_.devices.empty())
         setDefaultDevice(options_.devices.front().name);
-    }
 }
 
 void PrivateSoundServer::waitForSocket(const fs::path &path, ChildProcess &owner) const {
     waitFor(path.string(), 10.0, [&] {
-        if (!owner.running()) {
+        if (!owner.running())
             throw ServerError(owner.arguments()[0] + " ended: " + owner.errors());
-        }
         return isSocket(path);
     });
 }
@@ -197,23 +191,19 @@ std::string PrivateSoundServer::run(std::vector<std::string> arguments) const {
 std::vector<pid_t> PrivateSoundServer::otherProcesses() const {
     const std::string mark = "XDG_RUNTIME_DIR=" + environment_.at("XDG_RUNTIME_DIR");
     std::vector<pid_t> ours;
-    for (const auto *process : {bus_.get(), pipewire_.get(), sessionManager_.get(), pulse_.get()}) {
-        if (process != nullptr) {
+    for (const auto *process : {bus_.get(), pipewire_.get(), sessionManager_.get(), pulse_.get()})
+        if (process != nullptr)
             ours.push_back(process->pid());
-        }
-    }
     std::vector<pid_t> others;
     std::error_code ignored;
     for (const auto &entry : fs::directory_iterator("/proc", ignored)) {
         const std::string name = entry.path().filename();
         pid_t pid = 0;
         const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
-        if (error != std::errc() || *end != '\0' || std::ranges::find(ours, pid) != ours.end()) {
+        if (error != std::errc() || *end != '\0' || std::ranges::find(ours, pid) != ours.end())
             continue;
-        }
-        if (readFile(entry.path() / "environ").find(mark) != std::string::npos) {
+        if (readFile(entry.path() / "environ").find(mark) != std::string::npos)
             others.push_back(pid);
-        }
     }
     return others;
 }
@@ -249,11 +239,10 @@ void PrivateSoundServer::addDevice(const Device &device) {
 }
 
 void PrivateSoundServer::removeDevice(const std::string &name) {
-    if (const auto module = moduleOfDevice_.find(name); module != moduleOfDevice_.end()) {
+    if (const auto module = moduleOfDevice_.find(name); module != moduleOfDevice_.end())
         run({"pactl", "unload-module", module->second});
-    } else {
+    else
         destroyNode(name);
-    }
     waitFor(name + " is gone", 10.0, [&] { return state().node(name) == nullptr; });
 }
 
@@ -313,12 +302,10 @@ ServerState PrivateSoundServer::state() const {
     for (int attempt = 0; attempt < 4; ++attempt) {
         const auto dump = start({"pw-dump"});
         const auto status = dump->exitStatusWithin(2.5);
-        if (status == 0) {
+        if (status == 0)
             return ServerState::parse(dump->output());
-        }
-        if (status) {
+        if (status)
             throw ServerError("pw-dump failed: " + dump->errors());
-        }
         // Server 1.4.2 sometimes never answers a client that connects while no session manager
         // runs.
     }
@@ -371,16 +358,13 @@ void PrivateSoundServer::restartSessionManager() {
         return dump->exitStatusWithin(1.0) != 0 ||
                !ServerState::parse(dump->output()).hasSessionManager;
     });
-    if (!options_.devicesOutlastSessionManager) {
-        for (const Device &device : options_.devices) {
+    if (!options_.devicesOutlastSessionManager)
+        for (const Device &device : options_.devices)
             removeDevice(device.name);
-        }
-    }
     sessionManager_ = start({"wireplumber"});
     waitForSessionManager();
-    if (!options_.devicesOutlastSessionManager) {
+    if (!options_.devicesOutlastSessionManager)
         addDevices();
-    }
 }
 
 } // namespace quorbel::soundserver

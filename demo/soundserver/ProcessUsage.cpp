@@ -46,11 +46,9 @@ std::map<pid_t, std::uint64_t> wakeUps(pid_t process) {
     const std::string tasks = "/proc/" + std::to_string(process) + "/task";
     for (const auto &task : std::filesystem::directory_iterator(tasks, ignored)) {
         std::ifstream file(task.path() / "status");
-        for (std::string word; file >> word;) {
-            if (word == "voluntary_ctxt_switches:") {
+        for (std::string word; file >> word;)
+            if (word == "voluntary_ctxt_switches:")
                 file >> counts[std::stoi(task.path().filename())];
-            }
-        }
     }
     return counts;
 }
@@ -75,9 +73,8 @@ double idleWakeUps(pid_t process, double deadlineSeconds) {
     auto before = wakeUps(process);
     comesTrue(deadlineSeconds, [&] {
         const std::chrono::duration<double> elapsed = SteadyClock::now() - since;
-        if (elapsed.count() < windowSeconds) {
+        if (elapsed.count() < windowSeconds)
             return false;
-        }
         perSecond = wakeUpsSince(process, before).all / elapsed.count();
         since = SteadyClock::now();
         before = wakeUps(process);

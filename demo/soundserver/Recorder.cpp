@@ -45,9 +45,8 @@ std::vector<std::size_t> Recording::framesAfterGaps() const {
     std::vector<std::size_t> frames;
     for (std::size_t index = 1; index < segments.size(); ++index) {
         const Segment &before = segments[index - 1];
-        if (segments[index].position > before.position + before.frames) {
+        if (segments[index].position > before.position + before.frames)
             frames.push_back(segments[index].start);
-        }
     }
     return frames;
 }
@@ -74,9 +73,8 @@ Recorder::Recorder(GraphClient &client, const std::string &device, double maxSec
     pw_properties *properties =
         pw_properties_new(PW_KEY_MEDIA_CATEGORY, "Capture", PW_KEY_STREAM_CAPTURE_SINK, "true",
                           PW_KEY_TARGET_OBJECT, device.c_str(), nullptr);
-    if (isPassive) {
+    if (isPassive)
         pw_properties_set(properties, PW_KEY_NODE_PASSIVE, "true");
-    }
     connect(PW_DIRECTION_INPUT, properties, sampleRate);
     waitUntilRunning();
 }
@@ -86,9 +84,8 @@ std::uint32_t Recorder::process(const Cycle &cycle, std::span<float *const> chan
     const std::size_t start = frames_;
     const std::size_t segment = segmentCount_;
     const std::size_t count = std::min<std::size_t>(frames, left_.size() - start);
-    if (count == 0 || segment == segments_.size()) {
+    if (count == 0 || segment == segments_.size())
         return frames;
-    }
     std::copy_n(channels[0], count, left_.begin() + static_cast<std::ptrdiff_t>(start));
     std::copy_n(channels[1], count, right_.begin() + static_cast<std::ptrdiff_t>(start));
     segments_[segment] = {start, static_cast<std::uint32_t>(count), cycle.position,
@@ -117,9 +114,8 @@ Recording Recorder::last(double seconds) const {
 
 void Recorder::skip(double seconds) const {
     const std::size_t end = frames_ + static_cast<std::size_t>(seconds * sampleRate_);
-    if (end > left_.size()) {
+    if (end > left_.size())
         throw ServerError("the recorder was made for less sound than that");
-    }
     waitFor("the recorder hears the device", seconds * 1.5 + 5.0, [&] { return frames_ >= end; });
 }
 

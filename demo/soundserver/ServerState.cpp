@@ -33,9 +33,8 @@ ServerState ServerState::parse(const std::string &dump) {
         while (text >> std::ws && text.peek() != std::char_traits<char>::eof()) {
             Json list;
             text >> list;
-            for (const Json &object : list) {
+            for (const Json &object : list)
                 objects[object.at("id")] = object;
-            }
         }
     } catch (const Json::exception &error) {
         throw ServerError(std::string("not what pw-dump prints: ") + error.what());
@@ -47,9 +46,8 @@ ServerState ServerState::parse(const std::string &dump) {
         if (type == "PipeWire:Interface:Node" && info.is_object()) {
             Node node{id, info.value("state", ""), {}};
             const Json properties = info.value("props", Json::object());
-            for (const auto &[key, value] : properties.items()) {
+            for (const auto &[key, value] : properties.items())
                 node.properties[key] = asText(value);
-            }
             state.nodes.push_back(std::move(node));
         } else if (type == "PipeWire:Interface:Link" && info.is_object()) {
             state.links.push_back(
@@ -90,20 +88,17 @@ std::vector<std::string> ServerState::targetsOf(const std::string &nodeName) con
 
 std::string ServerState::defaultName(const std::string &key) const {
     const auto found = metadata.find({0, key});
-    if (found == metadata.end()) {
+    if (found == metadata.end())
         return "";
-    }
     const Json value = Json::parse(found->second, nullptr, false);
     return value.is_object() ? value.value("name", "") : found->second;
 }
 
 Metadata ServerState::routing() const {
     Metadata entries;
-    for (const auto &[key, value] : metadata) {
-        if (key.second.starts_with("target.")) {
+    for (const auto &[key, value] : metadata)
+        if (key.second.starts_with("target."))
             entries[key] = value;
-        }
-    }
     return entries;
 }
 
@@ -112,9 +107,8 @@ StoredStreams parseStoredStreams(const std::string &text) {
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         const auto equals = line.find('=');
-        if (equals == std::string::npos) {
+        if (equals == std::string::npos)
             continue;
-        }
         const std::string key = line.substr(0, equals);
         const std::string value = line.substr(equals + 1);
         const Json properties = Json::parse(value, nullptr, false);
@@ -122,9 +116,8 @@ StoredStreams parseStoredStreams(const std::string &text) {
             entries[key] = value;
             continue;
         }
-        for (const auto &[property, stored] : properties.items()) {
+        for (const auto &[property, stored] : properties.items())
             entries[std::string(key).append(":").append(property)] = asText(stored);
-        }
     }
     return entries;
 }

@@ -20,9 +20,8 @@ void writeSoundFile(const std::filesystem::path &path, const StereoSound &sound)
     SNDFILE *file = sf_open(path.c_str(), SFM_WRITE, &format);
     const auto count = static_cast<sf_count_t>(samples.size());
     const bool written = file != nullptr && sf_write_float(file, samples.data(), count) == count;
-    if (sf_close(file) != 0 || !written) {
+    if (sf_close(file) != 0 || !written)
         throw ServerError("cannot write " + path.string() + ": " + sf_strerror(nullptr));
-    }
 }
 
 } // namespace quorbel::soundserver

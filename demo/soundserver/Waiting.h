@@ -32,12 +32,10 @@ static_assert(std::atomic<bool>::is_always_lock_free);
 template <std::predicate Condition> bool comesTrue(double seconds, Condition condition) {
     const auto deadline = SteadyClock::now() + std::chrono::duration<double>(seconds);
     while (!condition()) {
-        if (interruptRequested) {
+        if (interruptRequested)
             throw Interrupted();
-        }
-        if (SteadyClock::now() >= deadline) {
+        if (SteadyClock::now() >= deadline)
             return false;
-        }
         std::this_thread::sleep_for(std::chrono::milliseconds(3));
     }
     return true;
@@ -46,9 +44,8 @@ template <std::predicate Condition> bool comesTrue(double seconds, Condition con
 /// As `comesTrue`, but throws `ServerError` naming `what` if the deadline passes.
 template <std::predicate Condition>
 void waitFor(const std::string &what, double seconds, Condition condition) {
-    if (!comesTrue(seconds, condition)) {
+    if (!comesTrue(seconds, condition))
         throw ServerError("not within " + std::to_string(seconds) + " s: " + what);
-    }
 }
 
 } // namespace quorbel::soundserver

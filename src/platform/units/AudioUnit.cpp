@@ -33,10 +33,9 @@ AudioUnitBusArray::AudioUnitBusArray(Type type, std::vector<AudioUnitBus *> buss
 Status AudioUnit::allocateRenderResources() {
     const AudioUnitBusArray &outputs = outputBusses();
     for (const AudioUnitBusArray *busses : {&inputBusses(), &outputBusses()}) {
-        for (std::size_t i = 0; i < busses->count(); ++i) {
+        for (std::size_t i = 0; i < busses->count(); ++i)
             if ((*busses)[i].format() != outputs[0].format())
                 return statusFormatNotSupported;
-        }
     }
     allocated_ = true;
     return statusOK;

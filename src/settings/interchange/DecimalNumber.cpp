@@ -27,12 +27,11 @@ std::optional<float> plainValue(std::string_view text) {
 /// The value of `number` with the decimal mark at `decimalAt` (npos: none); ignores other marks.
 std::optional<float> valueWith(std::string_view number, std::size_t decimalAt) {
     std::string plain;
-    for (std::size_t i = 0; i < number.size(); ++i) {
+    for (std::size_t i = 0; i < number.size(); ++i)
         if (i == decimalAt)
             plain += '.';
         else if (marks.find(number[i]) == std::string_view::npos)
             plain += number[i];
-    }
     return plainValue(plain);
 }
 

@@ -31,13 +31,12 @@ MainWindow::Closing WindowClosing::close() {
 
 void WindowClosing::hideOrAsk(bool isNoticeShown) {
     isWaiting_ = false;
-    if (!isProcessing()) { // it has ended meanwhile
+    if (!isProcessing()) // it has ended meanwhile
         QCoreApplication::exit(0);
-    } else if (isNoticeShown) {
+    else if (isNoticeShown)
         window_.window().hide();
-    } else {
+    else
         ask();
-    }
 }
 
 void WindowClosing::ask() {

@@ -148,12 +148,11 @@ void PresetListModel::requestExportCurrent() {
 void PresetListModel::importDropped(const QList<QUrl> &urls) {
     QStringList paths;
     QStringList elsewhere;
-    for (const QUrl &url : urls) {
+    for (const QUrl &url : urls)
         if (url.isLocalFile())
             paths << url.toLocalFile();
         else
             elsewhere << url.toDisplayString();
-    }
     if (!elsewhere.empty())
         Q_EMIT exchanged(failed(
             tr("Only files of this computer can be imported, not %1.").arg(elsewhere.first())));

@@ -445,9 +445,8 @@ void SimulatedClient::tick() {
         return;
     if (server_.now >= reconnectAt_) {
         reconnectAt_ = server_.now + 300'000;
-        if (server_.isManagerThere || server_.hasMetadata || !server_.nodes.empty()) {
+        if (server_.isManagerThere || server_.hasMetadata || !server_.nodes.empty())
             connect();
-        }
     }
     if (!server_.isClientThere)
         return;
