@@ -99,7 +99,7 @@ Status ServerStream::create(pw_direction direction, const char *nodeName, const 
         pw_properties_set(properties, PW_KEY_NODE_PASSIVE, "true");
     if (targetName != nullptr)
         pw_properties_set(properties, "target.object", targetName);
-    stream_.reset(pw_stream_new(connection_.core(), mediaName, properties));
+    stream_.reset(pw_stream_new(connection_.streamCore(), mediaName, properties));
     if (stream_.get() == nullptr)
         return errno > 0 ? -errno : -EIO;
 

@@ -48,14 +48,10 @@ std::unique_ptr<ServerConnection> ServerConnection::open(Status &status) {
         return nullptr;
     }
     const LoopLock lock(connection->loop());
-    // Session managers let a sandboxed client change other clients' objects only if it declares
-    // itself a manager.
-    connection->core_.reset(pw_context_connect(
-        connection->context_.get(),
-        pw_properties_new(PW_KEY_APP_NAME, "Ostrafine", PW_KEY_APP_ID, "com.quorbel.Ostrafine",
-                          PW_KEY_MEDIA_CATEGORY, "Manager", nullptr),
-        0));
-    if (!connection->core_) {
+    connection->core_ = connection->connectCore();
+    if (connection->core_)
+        connection->streamCore_ = connection->connectCore();
+    if (!connection->streamCore_) {
         status = lastError();
         return nullptr;
     }
@@ -76,8 +72,27 @@ std::unique_ptr<ServerConnection> ServerConnection::open(Status &status) {
     }();
     pw_core_add_listener(connection->core(), connection->coreHook_.get(), &events,
                          connection.get());
+    static const pw_core_events streamEvents = [] {
+        pw_core_events table{};
+        table.version = PW_VERSION_CORE_EVENTS;
+        table.error = events.error;
+        return table;
+    }();
+    pw_core_add_listener(connection->streamCore(), connection->streamCoreHook_.get(), &streamEvents,
+                         connection.get());
     status = statusOK;
     return connection;
+}
+
+/// Returns null on failure, with the cause in `errno`.
+ServerConnection::Core ServerConnection::connectCore() const {
+    // Session managers let a sandboxed client change other clients' objects only if it declares
+    // itself a manager.
+    return Core(pw_context_connect(context_.get(),
+                                   pw_properties_new(PW_KEY_APP_NAME, "Ostrafine", PW_KEY_APP_ID,
+                                                     "com.quorbel.Ostrafine", PW_KEY_MEDIA_CATEGORY,
+                                                     "Manager", nullptr),
+                                   0));
 }
 
 ServerConnection::~ServerConnection() {
@@ -85,7 +100,9 @@ ServerConnection::~ServerConnection() {
         return;
     {
         const LoopLock lock(loop());
+        streamCoreHook_.remove();
         coreHook_.remove();
+        streamCore_.reset();
         core_.reset();
     }
     pw_thread_loop_stop(loop());

@@ -22,8 +22,14 @@ inline double secondsOn(clockid_t clock) noexcept {
 
 inline double monotonicSeconds() noexcept { return secondsOn(CLOCK_MONOTONIC); }
 
-/// One connection to the user's sound server: its own thread loop, the context and the core. A lost
-/// connection is never repaired; the owner makes a new one.
+/// Our connection to the user's sound server: its own thread loop, the context and two cores. A
+/// lost connection is never repaired; the owner makes a new one.
+///
+/// Our streams have a core of their own, because the server stops reading a client in two cases:
+///  1. The client has bound the session manager's table: until the session manager answers.
+///  2. The client has set a parameter of another client's stream: until that client answers.
+/// The session manager sets parameters of our streams. With a single core it could wait for our
+/// answer while we wait for its one, and the whole desktop's sound with both.
 ///
 /// [main] except where tagged; [control] is the loop's thread, which holds the loop's lock.
 class ServerConnection {
@@ -36,7 +42,10 @@ class ServerConnection {
     ServerConnection &operator=(const ServerConnection &) = delete;
 
     [[nodiscard]] pw_thread_loop *loop() const { return loop_.get(); }
+    /// For everything but streams.
     [[nodiscard]] pw_core *core() const { return core_.get(); }
+    /// For streams alone.
+    [[nodiscard]] pw_core *streamCore() const { return streamCore_.get(); }
 
     /// Number that identifies this run of the server; 0 until the first round trip is over.
     [[nodiscard]] std::uint32_t serverCookie() const { return serverCookie_; }
@@ -64,14 +73,19 @@ class ServerConnection {
     void afterRoundTrip(std::function<void()> done);
 
   private:
+    using Core = std::unique_ptr<pw_core, CoreDeleter>;
+
     ServerConnection() = default;
+    [[nodiscard]] Core connectCore() const;
     void coreDone(int sequence);
     void coreError(std::uint32_t id, int result);
 
     std::unique_ptr<pw_thread_loop, ThreadLoopDeleter> loop_;
     std::unique_ptr<pw_context, ContextDeleter> context_;
-    std::unique_ptr<pw_core, CoreDeleter> core_;
+    Core core_;
+    Core streamCore_;
     Hook coreHook_;
+    Hook streamCoreHook_;
     std::function<void(Status)> lostHandler_;
     std::vector<std::pair<int, std::function<void()>>> afterRoundTrip_; ///< by sequence
     int pendingSequence_ = 0;
