@@ -7,11 +7,6 @@
 #include <sched.h>
 
 namespace quorbel::soundserver {
-namespace {
-
-constexpr std::size_t step = 48; // frames between two looks at a recording
-
-} // namespace
 
 StallWitness::StallWitness(double lateSeconds)
     : late_(static_cast<std::int64_t>(lateSeconds * 1e9)) {
@@ -66,22 +61,8 @@ bool Disturbances::include(std::size_t frame) const {
     });
 }
 
-Recording Disturbances::longestUndisturbed() const {
-    std::size_t longest = 0;
-    std::size_t longestStart = 0;
-    std::size_t start = 0; // of the undisturbed frames before `frame`
-    for (std::size_t frame = 0; frame < heard_.frames(); frame += step) {
-        if (include(frame))
-            start = frame + step;
-        else if (frame + 1 - start > longest) {
-            longest = frame + 1 - start;
-            longestStart = start;
-        }
-    }
-    return heard_.excerpt(longestStart, longest);
-}
-
 double Disturbances::undisturbedSeconds() const {
+    constexpr std::size_t step = 48;
     std::size_t undisturbed = 0;
     for (std::size_t frame = 0; frame < heard_.frames(); frame += step)
         undisturbed += include(frame) ? 0 : step;

@@ -51,8 +51,6 @@ class Disturbances {
     /// silent and the sound jumps to the next one.
     [[nodiscard]] bool include(std::size_t frame) const;
     [[nodiscard]] double undisturbedSeconds() const;
-    /// The longest part of the recording without a disturbance; it may be empty.
-    [[nodiscard]] Recording longestUndisturbed() const;
 
   private:
     const Recording &heard_;
