@@ -50,6 +50,10 @@ void StallWitness::watch(int processor) {
 Disturbances::Disturbances(const StallWitness &witness, const Recording &heard, int quantum)
     : heard_(heard), stalls_(witness.stalls()),
       margin_(std::max<std::uint64_t>(20'000'000, 2'500'000'000ULL * quantum / 48000)) {
+    constexpr std::uint64_t reportNanoseconds = 1'200'000'000; // losses are reported once a second
+    std::erase_if(stalls_, [&](const StallWitness::Stall &stall) {
+        return stall.end + reportNanoseconds < heard.nanosecondsOf(0);
+    });
     for (const std::size_t frame : heard.framesAfterGaps())
         stalls_.push_back({heard.nanosecondsOf(frame), heard.nanosecondsOf(frame)});
 }

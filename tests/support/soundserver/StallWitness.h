@@ -46,6 +46,7 @@ class Disturbances {
   public:
     Disturbances(const StallWitness &witness, const Recording &heard, int quantum);
 
+    /// True if there was none during the recording, nor in the second before it.
     [[nodiscard]] bool none() const { return stalls_.empty(); }
     /// True during a disturbance and for two cycles before and after it, in which the lost cycle is
     /// silent and the sound jumps to the next one.
