@@ -42,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(OnDeviceAtQuantum, Sound,
 
 TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
     const double seconds = slowTestsWanted() ? 300.0 : 30.0;
-    const Recorder &recorder = record(device(), 5.0 * seconds);
+    const Recorder &recorder = record(device(), 8.0 * seconds);
     // Some virtual machines lose cycles of 1.3 ms even without us.
     if (quantum() == 64) {
         const auto direct = reportWithoutUs(recorder, seconds);
@@ -62,9 +62,12 @@ TEST_P(Sound, NoFrameIsLostDoubledOrChangedByAFlatSetting) {
         const std::size_t linesBefore = lossLines(*live).size();
         const Recording heard = recorder.next(seconds - undisturbed + 1.0);
         const auto report = SequenceReport::of(heard);
-        ASSERT_EQ(report.leadingSilence, 0U);
-        ASSERT_EQ(report.frames, heard.frames());
         const Disturbances disturbances(witness, heard, quantum());
+        // A lost cycle at either end is silence that the report does not list.
+        ASSERT_TRUE(report.leadingSilence == 0 || disturbances.include(0)) << report;
+        ASSERT_TRUE(report.leadingSilence + report.frames == heard.frames() ||
+                    disturbances.include(heard.frames() - 1))
+            << report;
         for (const std::size_t frame : report.faults)
             ASSERT_TRUE(disturbances.include(frame)) << "at frame " << frame << " of " << report;
         ASSERT_TRUE(lossLines(*live).size() == linesBefore || !disturbances.none())
